@@ -1,0 +1,220 @@
+// SPDX-License-Identifier: MIT
+#include "Handles.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+using trammel_detail::BlockRecord;
+using trammel_detail::RecordOf;
+using trammel_detail::TakeInjectedFailure;
+
+static_assert(sizeof(Size) == 8, "sizes are computed in 64 bits");
+static_assert(alignof(std::max_align_t) % 16 == 0, "malloc aligns blocks to 16 bytes");
+
+namespace trammel_detail {
+
+std::atomic<long> gFailingRequests{0};
+
+} // namespace trammel_detail
+
+namespace {
+
+constexpr auto kRelaxed = std::memory_order_relaxed;
+
+std::atomic<long> gLiveHandles{0};
+std::atomic<long> gReallocations{0};
+
+/// More than any memory holds, and small enough that no sum or product below overflows.
+constexpr Size kLargestBlock = Size{1} << 40;
+
+/// Blocks with less room than this are not worth giving memory back from.
+constexpr Size kSmallestShrinkingBlock = 256;
+
+constexpr bool IsBlockSize(Size size) { return size >= 0 && size <= kLargestBlock; }
+
+/// The room for `size` bytes: never 0, so that an empty block has an address.
+constexpr Size RoomFor(Size size) { return std::max((size + 15) / 16 * 16, Size{16}); }
+
+constexpr std::size_t Bytes(Size size) { return static_cast<std::size_t>(size); }
+
+/// Stores the master pointer. Applications read it through pointers to their own record types,
+/// which the compiler may take for different objects; a store byte by byte is ordered with such
+/// reads.
+void StoreBlock(BlockRecord* record, Ptr block) {
+    std::memcpy(&record->block, &block, sizeof block);
+}
+
+/// `room` bytes, zero or undefined; null when memory is short. The C allocator is the one that can
+/// resize a block, which a large one mostly survives where it lies.
+void* Allocate(Size room, bool clear) {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): containers cannot grow where they lie
+    return clear ? std::calloc(Bytes(room), 1) : std::malloc(Bytes(room));
+}
+
+/// A new handle to `size` bytes, zero or (for callers that fill them) undefined; null on failure.
+Handle MakeBlock(Size size, bool clear) {
+    if (!IsBlockSize(size) || TakeInjectedFailure()) {
+        return nullptr;
+    }
+    BlockRecord* const record = new (std::nothrow) BlockRecord;
+    if (record == nullptr) {
+        return nullptr;
+    }
+    void* const block = Allocate(RoomFor(size), clear);
+    if (block == nullptr) {
+        delete record;
+        return nullptr;
+    }
+    StoreBlock(record, static_cast<Ptr>(block));
+    record->size = size;
+    record->capacity = RoomFor(size);
+    gLiveHandles.fetch_add(1, kRelaxed);
+    return &record->block;
+}
+
+/// Gives the block `capacity` bytes of room and keeps the bytes in use; false when memory is short,
+/// and then nothing has changed.
+bool Reallocate(BlockRecord* record, Size capacity) {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
+    void* const block = std::realloc(record->block, Bytes(capacity));
+    if (block == nullptr) {
+        return false;
+    }
+    StoreBlock(record, static_cast<Ptr>(block));
+    record->capacity = capacity;
+    gReallocations.fetch_add(1, kRelaxed);
+    return true;
+}
+
+/// Makes room for `size` bytes. Doubling bounds the bytes that n appends copy by twice the final
+/// size; when there is no memory for that, just what is needed will do.
+bool MakeRoom(BlockRecord* record, Size size) {
+    if (size <= record->capacity) {
+        return true;
+    }
+    Size const needed = RoomFor(size);
+    Size const generous = std::min(std::max(needed, 2 * record->capacity), RoomFor(kLargestBlock));
+    return Reallocate(record, generous) || (generous > needed && Reallocate(record, needed));
+}
+
+/// Gives memory back when less than a quarter of the room is in use. Twice the bytes in use remain,
+/// so that the size has to double or halve again before the next reallocation.
+void GiveBackRoom(BlockRecord* record) {
+    if (record->capacity >= kSmallestShrinkingBlock && record->size < record->capacity / 4) {
+        // A failure leaves the block with more room than it needs, which is no harm.
+        static_cast<void>(Reallocate(record, RoomFor(2 * record->size)));
+    }
+}
+
+} // namespace
+
+namespace trammel_detail {
+
+void FailNextAllocations(long count) noexcept {
+    gFailingRequests.store(std::max(count, 0L), kRelaxed);
+}
+
+bool TakeInjectedFailure() noexcept {
+    long left = gFailingRequests.load(kRelaxed);
+    while (left > 0) {
+        if (gFailingRequests.compare_exchange_weak(left, left - 1, kRelaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+long LiveHandleCount() noexcept { return gLiveHandles.load(kRelaxed); }
+
+long BlockReallocationCount() noexcept { return gReallocations.load(kRelaxed); }
+
+OSErr AppendToBlock(const void* source, Handle h, Size count) noexcept {
+    if (h == nullptr) {
+        return nilHandleErr;
+    }
+    if (count == 0) {
+        return noErr;
+    }
+    BlockRecord* const record = RecordOf(h);
+    if (count < 0 || count > kLargestBlock - record->size) {
+        return memFullErr;
+    }
+    if (source == nullptr) {
+        return nilHandleErr;
+    }
+    // Addresses are compared as integers: the source need not belong to the block.
+    std::uintptr_t const block = reinterpret_cast<std::uintptr_t>(record->block);
+    std::uintptr_t const offset = reinterpret_cast<std::uintptr_t>(source) - block;
+    bool const inside = offset < Bytes(record->size);
+    if (TakeInjectedFailure() || !MakeRoom(record, record->size + count)) {
+        return memFullErr;
+    }
+    std::memmove(record->block + record->size, inside ? record->block + offset : source,
+                 Bytes(count));
+    record->size += count;
+    return noErr;
+}
+
+} // namespace trammel_detail
+
+Handle NewHandle(Size size) noexcept { return MakeBlock(size, true); }
+
+Handle NewHandleClear(Size size) noexcept { return MakeBlock(size, true); }
+
+OSErr SetHandleSize(Handle h, Size size) noexcept {
+    if (h == nullptr) {
+        return nilHandleErr;
+    }
+    if (!IsBlockSize(size)) {
+        return memFullErr;
+    }
+    BlockRecord* const record = RecordOf(h);
+    if (size <= record->size) {
+        record->size = size;
+        GiveBackRoom(record);
+        return noErr;
+    }
+    if (TakeInjectedFailure() || !MakeRoom(record, size)) {
+        return memFullErr;
+    }
+    std::memset(record->block + record->size, 0, Bytes(size - record->size));
+    record->size = size;
+    return noErr;
+}
+
+void DisposeHandle(Handle h) noexcept {
+    if (h == nullptr) {
+        return;
+    }
+    BlockRecord* const record = RecordOf(h);
+    std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): as above
+    delete record;
+    gLiveHandles.fetch_sub(1, kRelaxed);
+}
+
+OSErr HandToHand(Handle* h) noexcept {
+    if (h == nullptr || *h == nullptr) {
+        return nilHandleErr;
+    }
+    return PtrToHand(**h, h, GetHandleSize(*h));
+}
+
+OSErr PtrToHand(const void* source, Handle* h, Size size) noexcept {
+    if (h == nullptr) {
+        return nilHandleErr;
+    }
+    *h = nullptr;
+    if (source == nullptr && size > 0) {
+        return nilHandleErr;
+    }
+    Handle made = MakeBlock(size, false);
+    if (made == nullptr) {
+        return memFullErr;
+    }
+    if (size > 0) {
+        std::memcpy(*made, source, Bytes(size));
+    }
+    *h = made;
+    return noErr;
+}
