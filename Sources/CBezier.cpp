@@ -1,0 +1,396 @@
+// SPDX-License-Identifier: MIT
+
+#include "CBezier.h"
+
+#include "CMatrix3x3.h"
+#include "Integers.h"
+#include "TLine.h"
+#include "TPoly.h"
+#include "UGeometry.h"
+#include "UScalar.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+std::int32_t gCount = 0;
+std::int32_t maxCount = 0;
+
+double CBezier::mMaxError = 1.0;
+std::int16_t CBezier::mRecursionLimit = 15;
+std::int32_t CBezier::mCount = 0;
+
+namespace {
+
+/// The tolerance at which lengths are measured, in coordinate units: fixed, so that a length does
+/// not depend on how finely an application happens to draw.
+constexpr double kLengthError = 0.001;
+
+/// The step of the parameter to which a fraction of the length is resolved.
+constexpr double kPercentTolerance = 0.001;
+
+/// Installs a flatness tolerance for as long as it lives.
+class CurveErrorScope {
+public:
+    explicit CurveErrorScope(double error) : mOld(CBezier::SetCurveError(error)) {}
+    ~CurveErrorScope() { CBezier::SetCurveError(mOld); }
+    CurveErrorScope(CurveErrorScope const&) = delete;
+    CurveErrorScope& operator=(CurveErrorScope const&) = delete;
+
+private:
+    double mOld;
+};
+
+void CountInvocation() {
+    gCount = trammel_detail::WrappingAdd(gCount, 1);
+    maxCount = std::max(maxCount, gCount);
+}
+
+/// Splits `c` at its middle. Inline, as all of the generator's time is spent here and in Flat.
+inline TPoint<double> Halve(CBezier const& c, CBezier& left, CBezier& right) {
+    TPoint<double> const m01 = (c.P0 + c.P1) / 2.0;
+    TPoint<double> const m12 = (c.P1 + c.P2) / 2.0;
+    TPoint<double> const m23 = (c.P2 + c.P3) / 2.0;
+    TPoint<double> const m012 = (m01 + m12) / 2.0;
+    TPoint<double> const m123 = (m12 + m23) / 2.0;
+    TPoint<double> const split = (m012 + m123) / 2.0;
+    TPoint<double> const end = c.P3;
+    left = CBezier(c.P0, m01, m012, split);
+    right = CBezier(split, m123, m23, end);
+    return split;
+}
+
+/// The distance by which Flat judges.
+inline double Deviation(CBezier const& c) {
+    TPoint<double> const chord = c.P3 - c.P0;
+    if (std::isnan(chord.Slope())) {
+        return LineLength(c.P0, (c.P1 + c.P2) / 2.0);
+    }
+    return TLine<double>(c.P0, c.P3).Distance(c.MidPt());
+}
+
+/// Walks the subdivision tree of `curve` in order, calling deliver(split point) for each division.
+///
+/// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
+/// than that continues in a nested call, so that even the largest depth neither allocates nor
+/// exhausts the thread's stack.
+template <class Deliver>
+void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
+    struct Pending {
+        CBezier right;
+        int depth;
+    };
+    constexpr std::size_t kRoom = 32;
+    std::array<Pending, kRoom> pending;
+    std::size_t count = 0;
+    CBezier current = curve;
+    for (;;) {
+        CountInvocation();
+        --depth;
+        if (force || (depth > 0 && !current.Flat(CBezier::mMaxError))) {
+            if (count == kRoom) {
+                CBezier left;
+                CBezier right;
+                TPoint<double> const split = Halve(current, left, right);
+                Generate(left, deliver, false, depth);
+                deliver(split);
+                CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
+                current = right;
+            } else {
+                Pending& next = pending[count++];
+                Halve(current, current, next.right);
+                next.depth = depth;
+            }
+            force = false;
+            continue;
+        }
+        if (count == 0) {
+            return;
+        }
+        Pending const& next = pending[--count];
+        current = next.right;
+        depth = next.depth;
+        deliver(current.P0);
+        CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
+    }
+}
+
+/// True when the control points coincide with their ends: a straight segment.
+bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
+
+} // namespace
+
+double CBezier::SetCurveError(double e) {
+    double const old = mMaxError;
+    mMaxError = e;
+    return old;
+}
+
+bool CBezier::Flat(double tolerance) const { return tolerance >= Deviation(*this); }
+
+TPoint<double> CBezier::Divide(CBezier& left, CBezier& right) const {
+    return Halve(*this, left, right);
+}
+
+TPoint<double> CBezier::Divide(CBezier& left, CBezier& right, double t) const {
+    TPoint<double> const a = P0 + (P1 - P0) * t;
+    TPoint<double> const b = P1 + (P2 - P1) * t;
+    TPoint<double> const c = P2 + (P3 - P2) * t;
+    TPoint<double> const d = a + (b - a) * t;
+    TPoint<double> const e = b + (c - b) * t;
+    TPoint<double> const split = d + (e - d) * t;
+    CBezier const rightHalf(split, e, c, P3);
+    left.Set(P0, a, d, split);
+    right = rightHalf;
+    return split;
+}
+
+TPoint<double> CBezier::Divide(CBezier& left, CBezier& right, TPoint<double> const& pt) const {
+    return Divide(left, right, FindTValue(pt, 0.0, 0.0, 1.0));
+}
+
+void CBezier::GetTRange(double t0, double t1, CBezier& out) const {
+    CBezier scrap;
+    CBezier rest(*this);
+    if (t0 > 0.0) {
+        Divide(scrap, rest, std::min(1.0, t0));
+    }
+    if (1.0 > t1) {
+        rest.Divide(out, scrap, std::max(0.0, (t1 - t0) / (1.0 - t0)));
+    } else {
+        out = rest;
+    }
+}
+
+void CBezier::GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const {
+    auto deliver = [proc, data](TPoint<double> const& pt) { proc(pt, data); };
+    Generate(*this, deliver, force, depth);
+}
+
+void CBezier::GenerateSegment(PointProc proc, bool force, short depth) const {
+    Generate(*this, proc, force, depth);
+}
+
+void CBezier::Flatten(TPolygon<double>& poly, double error) const {
+    gCount = 0;
+    CurveErrorScope const scope(error);
+    AddPtToPoly(P0, poly);
+    if (!IsStraight(*this)) {
+        auto deliver = [&poly](TPoint<double> const& pt) { AddPtToPoly(pt, poly); };
+        Generate(*this, deliver, true, mRecursionLimit);
+    }
+    AddPtToPoly(P3, poly);
+}
+
+void CBezier::AddSegmentToPoly(TPolygon<double>& poly, double error) const { Flatten(poly, error); }
+
+void CBezier::AddPtToPoly(TPoint<double> const& pt, TPolygon<double>& poly) {
+    poly.AppendUnique(pt);
+}
+
+void CBezier::AddPtToBoundsRect(TPoint<double> const& pt, TRect<double>& rect) { rect |= pt; }
+
+void CBezier::HitTestPt(TPoint<double> const& pt, HitInfoRec& rec) {
+    if (!rec.hit) {
+        rec.hit = ::HitTest(rec.lastPt, pt, rec.testPt, rec.tolerance);
+        rec.lastPt = pt;
+    }
+}
+
+void CBezier::ContainsPt(TPoint<double> const& pt, IntersectInfoRec& rec) {
+    if (!rec.hit) {
+        rec.hit = rec.rect.Contains(pt);
+    }
+}
+
+double CBezier::FindTValue(TPoint<double> const& pt, double tolerance, double t0, double t1) const {
+    double bestT = 0.5;
+    double bestDistance = std::numeric_limits<double>::max();
+    double const distance0 = TLine<double>(TPt(t0), pt).Length();
+    double const distance1 = TLine<double>(TPt(t1), pt).Length();
+    CBezier left;
+    CBezier right;
+    Divide(left, right);
+    if (0.5 > t0) {
+        double const tLeft =
+            left.FindDividedTValue(pt, tolerance, 2.0 * t0, std::min(1.0, 2.0 * t1));
+        bestT = tLeft / 2.0;
+        bestDistance = TLine<double>(TPt(bestT), pt).Length();
+    }
+    if (t1 > 0.5) {
+        double const tRight =
+            right.FindDividedTValue(pt, tolerance, std::max(0.0, 2.0 * t0 - 1.0), 2.0 * t1 - 1.0);
+        double const distance = TLine<double>(right.TPt(tRight), pt).Length();
+        if (bestDistance > distance) {
+            bestDistance = distance;
+            bestT = tRight / 2.0 + 0.5;
+        }
+    }
+    if (bestDistance >= distance0) {
+        return t0;
+    }
+    if (bestDistance >= distance1) {
+        return t1;
+    }
+    return bestT;
+}
+
+double CBezier::FindDividedTValue(TPoint<double> const& pt, double tolerance, double lo,
+                                  double hi) {
+    CBezier current(*this);
+    double middle;
+    bool stuck;
+    do {
+        CBezier left;
+        CBezier right;
+        current.Divide(left, right);
+        TLine<double> const chord(current.TPt(0.5 - tolerance), current.TPt(0.5 + tolerance));
+        middle = (lo + hi) / 2.0;
+        // A middle that is one of the bounds halves nothing: all further middles would be the same.
+        stuck = middle == lo || middle == hi;
+        if (chord.Perpendicular().HalfSpace(pt) == 1) {
+            current = left;
+            hi = middle;
+        } else {
+            current = right;
+            lo = middle;
+        }
+    } while (hi - lo > tolerance && !stuck);
+    return middle;
+}
+
+bool CBezier::HitTest(TPoint<double> const& pt, double tolerance) const {
+    TRect<double> reach = Extents();
+    reach.Inset(-tolerance, -tolerance);
+    if (!reach.Contains(pt)) {
+        return false;
+    }
+    HitInfoRec rec;
+    rec.tolerance = tolerance;
+    rec.testPt = pt;
+    rec.hit = false;
+    rec.lastPt = P0;
+    if (!IsStraight(*this)) {
+        auto deliver = [&rec](TPoint<double> const& point) { HitTestPt(point, rec); };
+        Generate(*this, deliver, true, mRecursionLimit);
+    }
+    HitTestPt(P3, rec);
+    return rec.hit;
+}
+
+bool CBezier::Intersects(TRect<double> r) const {
+    if (!NaiveSectTRect(Extents(), r)) {
+        return false;
+    }
+    IntersectInfoRec rec;
+    rec.hit = false;
+    rec.rect = r;
+    ContainsPt(P0, rec);
+    if (!IsStraight(*this)) {
+        auto deliver = [&rec](TPoint<double> const& point) { ContainsPt(point, rec); };
+        Generate(*this, deliver, true, mRecursionLimit);
+    }
+    ContainsPt(P3, rec);
+    return rec.hit;
+}
+
+double CBezier::Length() const {
+    TPolygon<double> poly;
+    Flatten(poly, kLengthError);
+    return poly.Length();
+}
+
+double CBezier::PercentT(double fraction) const {
+    TPolygon<double> poly;
+    Flatten(poly, kLengthError);
+    if (poly.Empty()) {
+        return std::numeric_limits<double>::quiet_NaN(); // memory is short
+    }
+    return FindTValue(poly.TPt(fraction), kPercentTolerance, 0.0, 1.0);
+}
+
+double CBezier::TPercent(double t) const {
+    CBezier left;
+    CBezier right;
+    Divide(left, right, t);
+    double const part = left.Length();
+    return part / Length();
+}
+
+CBezier& CBezier::operator+=(TPoint<double> const& p) {
+    TPoint<double> const by = p;
+    P0 += by;
+    P1 += by;
+    P2 += by;
+    P3 += by;
+    return *this;
+}
+
+CBezier& CBezier::operator-=(TPoint<double> const& p) {
+    TPoint<double> const by = p;
+    P0 -= by;
+    P1 -= by;
+    P2 -= by;
+    P3 -= by;
+    return *this;
+}
+
+CBezier& CBezier::operator*=(TPoint<double> const& p) {
+    TPoint<double> const by = p;
+    P0 *= by;
+    P1 *= by;
+    P2 *= by;
+    P3 *= by;
+    return *this;
+}
+
+CBezier& CBezier::operator/=(TPoint<double> const& p) {
+    TPoint<double> const by = p;
+    P0 /= by;
+    P1 /= by;
+    P2 /= by;
+    P3 /= by;
+    return *this;
+}
+
+CBezier& CBezier::operator*=(double s) {
+    P0 *= s;
+    P1 *= s;
+    P2 *= s;
+    P3 *= s;
+    return *this;
+}
+
+CBezier& CBezier::operator/=(double s) {
+    P0 /= s;
+    P1 /= s;
+    P2 /= s;
+    P3 /= s;
+    return *this;
+}
+
+CBezier& CBezier::Rotate(double angle) {
+    P0.Rotate(angle);
+    P1.Rotate(angle);
+    P2.Rotate(angle);
+    P3.Rotate(angle);
+    return *this;
+}
+
+CBezier& CBezier::Rotate(double angle, TPoint<double> const& center) {
+    TPoint<double> const about = center;
+    P0.Rotate(angle, about);
+    P1.Rotate(angle, about);
+    P2.Rotate(angle, about);
+    P3.Rotate(angle, about);
+    return *this;
+}
+
+CBezier& CBezier::Transform(CMatrix3x3 const& m) {
+    P0.Transform(m);
+    P1.Transform(m);
+    P2.Transform(m);
+    P3.Transform(m);
+    return *this;
+}

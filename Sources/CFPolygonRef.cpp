@@ -1,0 +1,315 @@
+// SPDX-License-Identifier: MIT
+
+#include "CFPolygonRef.h"
+
+#include "CMatrix3x3.h"
+#include "Handles.h"
+#include "PathObject.h"
+#include "UCrossing_p.h"
+#include "UHandle.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+namespace {
+
+constexpr long kHeaderSize = trammel_detail::kFPolygonHeaderSize;
+constexpr long kPointSize = trammel_detail::kFPolygonPointSize;
+constexpr long kQDHeaderSize = 10;
+constexpr long kQDPointSize = 4;
+
+Handle AsHandle(OpaqueCFPolygon** ref) { return reinterpret_cast<Handle>(ref); }
+
+/// The record in the block behind a handle that is not null; good until the block is resized.
+FPolygon* Record(OpaqueCFPolygon** ref) { return reinterpret_cast<FPolygon*>(*ref); }
+
+/// The block's bytes behind a handle that is not null; good until the block is resized.
+char* Bytes(OpaqueCFPolygon** ref) { return reinterpret_cast<char*>(*ref); }
+
+/// The block size of a polygon of `n` points, or -1 when `n` is negative or the size overflows.
+long BlockSize(long n) {
+    long size = 0;
+    if (n < 0 || __builtin_mul_overflow(n, kPointSize, &size) ||
+        __builtin_add_overflow(size, kHeaderSize, &size)) {
+        return -1;
+    }
+    return size;
+}
+
+void ReleaseCachedPath(OpaqueCFPolygon** ref) {
+    FPolygon* const record = Record(ref);
+    if (record->polyPath != 0) {
+        trammel_detail::ReleasePathToken(record->polyPath, ref);
+        record->polyPath = 0;
+    }
+}
+
+/// Grows bounds that are current by a point that the polygon has just taken in.
+void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
+    FPolygon* const record = Record(ref);
+    if (record->polyBoundsValid != 0) {
+        TRect<double> const bounds = record->polyBBox;
+        record->polyBBox = bounds | p;
+    }
+}
+
+/// Replaces every point by what `change` makes of it.
+template <class Change> void ForEachPoint(CFPolygonRef const& polygon, Change change) {
+    for (long i = polygon.LastIndex(); i >= 0; --i) {
+        TPoint<double> p = trammel_detail::ReadFPolygonPoint(Bytes(polygon.mRef), i);
+        change(p);
+        trammel_detail::WriteFPolygonPoint(Bytes(polygon.mRef), i, p);
+    }
+}
+
+} // namespace
+
+CFPolygonRef::CFPolygonRef(bool create) : mRef(nullptr) {
+    if (create) {
+        CFPolygonCreate(0L);
+    }
+}
+
+CFPolygonRef::CFPolygonRef(FPolygon** h, bool copy) : mRef(reinterpret_cast<OpaqueCFPolygon**>(h)) {
+    if (copy) {
+        CFPolygonCreate(CFPolygonRef(*this));
+    }
+}
+
+CFPolygonRef::CFPolygonRef(CFPolygonRef const& other, bool copy) : mRef(other.mRef) {
+    if (copy) {
+        CFPolygonCreate(other);
+    }
+}
+
+void CFPolygonRef::CFPolygonCreate(long n) {
+    mRef = reinterpret_cast<OpaqueCFPolygon**>(NewHandleClear(BlockSize(n)));
+    InvalBounds();
+}
+
+void CFPolygonRef::CFPolygonCreate(CFPolygonRef const& src) {
+    mRef = Clone(src.mRef);
+    if (mRef != nullptr) {
+        Record(mRef)->polyPath = 0; // the path stays the source's
+    }
+}
+
+void CFPolygonRef::CFPolygonCreate(std::vector<TPoint<double>> const& pts) {
+    CFPolygonCreate(static_cast<long>(pts.size()));
+    if (mRef != nullptr) {
+        BlockMove(pts.data(), Bytes(mRef) + kHeaderSize,
+                  kPointSize * static_cast<long>(pts.size()));
+    }
+    InvalBounds();
+}
+
+void CFPolygonRef::CFPolygonCreate(TRect<double> const& r, double angle) {
+    TPoint<double> const corners[] = {r.TopLeft(), r.TopRight(), r.BottomRight(), r.BottomLeft(),
+                                      r.TopLeft()};
+    TPoint<double> const centre = r.MidPt();
+    CFPolygonCreate(5L);
+    if (mRef == nullptr) {
+        return;
+    }
+    for (long i = 0; i < 5; ++i) {
+        TPoint<double> p = corners[i];
+        if (angle != 0.0) {
+            p.Rotate(angle, centre);
+        }
+        trammel_detail::WriteFPolygonPoint(Bytes(mRef), i, p);
+    }
+    InvalBounds();
+}
+
+void CFPolygonRef::Dispose() {
+    if (mRef != nullptr) {
+        ReleaseCachedPath(mRef);
+        DisposeHandle(AsHandle(mRef));
+        mRef = nullptr;
+    }
+}
+
+long CFPolygonRef::DataSize() const { return GetHandleSize(AsHandle(mRef)); }
+
+TPoint<double> CFPolygonRef::PolyPoints(long i) const {
+    if (i < 0 || i > LastIndex()) {
+        return TPoint<double>();
+    }
+    return trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
+}
+
+bool CFPolygonRef::Closed() const { return mRef != nullptr && Record(mRef)->polyClosed != 0; }
+
+bool CFPolygonRef::BoundsValid() const {
+    return mRef != nullptr && Record(mRef)->polyBoundsValid != 0;
+}
+
+TRect<double> CFPolygonRef::Bounds() const {
+    if (mRef == nullptr) {
+        return TRect<double>();
+    }
+    if (!BoundsValid()) {
+        CalcBounds();
+    }
+    return Record(mRef)->polyBBox;
+}
+
+TLine<double> CFPolygonRef::GetEdge(long i) const {
+    return TLine<double>(PolyPoints(i), PolyPoints(i <= EdgeCount() ? i + 1 : 0));
+}
+
+long CFPolygonRef::GeometryEdgeCount() const {
+    long const last = LastIndex();
+    return last >= 0 && PolyPoints(0) == PolyPoints(last) ? last - 1 : last;
+}
+
+bool CFPolygonRef::Contains(TPoint<double> const& p) const {
+    TPoint<double> const test = p;
+    long const edgeCount = EdgeCount();
+    long const lastEdge = GeometryEdgeCount();
+    bool odd = false;
+    for (long i = 0; i <= lastEdge; ++i) {
+        char const* const base = Bytes(mRef);
+        odd ^= trammel_detail::CrossesBefore(
+            trammel_detail::ReadFPolygonPoint(base, i),
+            trammel_detail::ReadFPolygonPoint(base, i <= edgeCount ? i + 1 : 0), test);
+    }
+    return odd;
+}
+
+void CFPolygonRef::SetSize(long n) {
+    long const size = BlockSize(n);
+    if (mRef != nullptr && size >= 0 && SetHandleSize(AsHandle(mRef), size) == noErr) {
+        InvalBounds();
+    }
+}
+
+void CFPolygonRef::SetPolyPoints(long i, TPoint<double> const& p) {
+    if (i >= 0 && i <= LastIndex()) {
+        trammel_detail::WriteFPolygonPoint(Bytes(mRef), i, p);
+        InvalBounds();
+    }
+}
+
+void CFPolygonRef::Append(TPoint<double> const& p) {
+    TPoint<double> const point = p;
+    long const sizeBefore = DataSize();
+    AppendHandle(mRef, point);
+    if (DataSize() > sizeBefore) {
+        GrowBounds(mRef, point);
+        ReleaseCachedPath(mRef);
+    }
+}
+
+void CFPolygonRef::Insert(long i, TPoint<double> const& p) {
+    if (mRef == nullptr) {
+        return;
+    }
+    TPoint<double> const point = p;
+    long const index = std::clamp(i, 0L, std::max(LastIndex() + 1, 0L));
+    long const oldSize = DataSize();
+    GrowHandle(AsHandle(mRef), kPointSize);
+    if (DataSize() == oldSize) {
+        return;
+    }
+    char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), index);
+    BlockMove(place, place + kPointSize, Bytes(mRef) + oldSize - place);
+    trammel_detail::WriteFPolygonPoint(Bytes(mRef), index, point);
+    GrowBounds(mRef, point);
+}
+
+void CFPolygonRef::Delete(long i, long count) {
+    long const last = LastIndex();
+    if (i < 0 || i > last || count < 0) {
+        return;
+    }
+    long const removed = std::min(count, last - i + 1);
+    char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), i);
+    char const* const rest = trammel_detail::FPolygonPointAt(Bytes(mRef), i + removed);
+    BlockMove(rest, place, Bytes(mRef) + DataSize() - rest);
+    GrowHandle(AsHandle(mRef), -kPointSize * removed);
+    InvalBounds();
+}
+
+void CFPolygonRef::SetClosed(bool c) {
+    if (mRef != nullptr && Closed() != c) {
+        Record(mRef)->polyClosed = c ? 1 : 0;
+        InvalBounds();
+    }
+}
+
+void CFPolygonRef::InvalBounds() const {
+    if (mRef == nullptr) {
+        return;
+    }
+    FPolygon* const record = Record(mRef);
+    if (record->polyBoundsValid != 0) {
+        record->polyBBox = TRect<double>();
+        record->polyBoundsValid = 0;
+    }
+    ReleaseCachedPath(mRef);
+}
+
+void CFPolygonRef::CalcBounds() const {
+    if (mRef == nullptr) {
+        return;
+    }
+    TRect<double> bounds;
+    for (long i = LastIndex(); i >= 0; --i) {
+        bounds |= trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
+    }
+    Record(mRef)->polyBBox = bounds;
+    Record(mRef)->polyBoundsValid = 1;
+}
+
+void CFPolygonRef::Offset(TPoint<double> const& d) {
+    ForEachPoint(*this, [by = d](TPoint<double>& p) { p += by; });
+    InvalBounds();
+}
+
+void CFPolygonRef::Scale(double s) {
+    if (s != 1.0) {
+        Scale(s, s);
+    }
+}
+
+void CFPolygonRef::Scale(double sx, double sy) {
+    if (sx == 1.0 && sy == 1.0) {
+        return;
+    }
+    ForEachPoint(*this, [=](TPoint<double>& p) { p.Scale(sx, sy); });
+    InvalBounds();
+}
+
+void CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
+    ForEachPoint(*this, [=](TPoint<double>& p) { p.Rotate(angle, center); });
+    InvalBounds();
+}
+
+void CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& to) {
+    // One matrix serves all points: it is the one that TPoint::Map builds each time.
+    CMatrix3x3 const m = CMatrix3x3().Map(from, to);
+    ForEachPoint(*this, [&m](TPoint<double>& p) { p.Transform(m); });
+    if (LastIndex() >= 0) {
+        InvalBounds();
+    }
+}
+
+MacPolygon** CFPolygonRef::CreateQDPoly() const {
+    long const last = LastIndex();
+    Handle const h = NewHandle(kQDHeaderSize + kQDPointSize * (last + 1));
+    if (h == nullptr) {
+        return nullptr;
+    }
+    for (long i = last; i >= 0; --i) {
+        Point const p = trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
+        BlockMove(&p, *h + kQDHeaderSize + kQDPointSize * i, kQDPointSize);
+    }
+    MacPolygon* const header = reinterpret_cast<MacPolygon*>(*h);
+    header->polyBBox = Bounds();
+    header->polySize = static_cast<std::int16_t>(GetHandleSize(h));
+    return reinterpret_cast<MacPolygon**>(h);
+}
+
+CFPolygonRef CFPolygonCreateCopy(CFPolygonRef const& src) { return CFPolygonRef(src, true); }

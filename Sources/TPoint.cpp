@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+
+#include "TPoint.h"
+
+#include "Text.h"
+
+template <class T> std::string TPoint<T>::NSString() const {
+    if constexpr (std::is_same_v<T, double>) {
+        return trammel_detail::FormatFixed6List({h, v});
+    } else {
+        return trammel_detail::FormatIntegerList({h, v});
+    }
+}
+
+template struct TPoint<double>;
+template struct TPoint<short>;

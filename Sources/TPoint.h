@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+//
+// TPoint: the two-dimensional point and vector.
+//
+// A plain value, copied freely, used as a position and as a displacement alike. TPoint<double> is
+// the working type of all geometry; TPoint<short> is the integer screen coordinate with the layout
+// of the platform's Point. The vertical coordinate is stored first, yet every pair of arguments and
+// every text is (h, v), that is (x, y). v grows downward, h rightward.
+//
+// The null point is (0, 0). Any value may be stored, NaN and infinities too; nothing is validated
+// (see UHygiene.h for that). Arithmetic on doubles is plain floating point, arithmetic on shorts
+// wraps at 16 bits, and a double stored into a short is truncated toward zero to 32 bits, of which
+// the low 16 are kept (NaN and what does not fit 32 bits store 0).
+//
+// Arguments are read before anything is written, so a point may be its own argument.
+// No shared state: safe from any thread.
+
+#ifndef TRAMMEL_TPOINT_H
+#define TRAMMEL_TPOINT_H
+
+#include "FixedPoint.h"
+#include "Integers.h"
+#include "Records.h"
+#include "TrammelExport.h"
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <type_traits>
+
+class CMatrix3x3;
+template <class T> struct TRect;
+
+namespace trammel_detail {
+
+/// Returns `value` as a stored coordinate: unchanged for double, truncated into 16 bits for short.
+template <class T> T StoreCoordinate(double value) {
+    if constexpr (std::is_same_v<T, short>) {
+        return TruncateToInt16(value);
+    } else {
+        return value;
+    }
+}
+
+/// Returns the low 16 bits of an integer result, or the double as it is.
+template <class T, class Wide> T Narrow(Wide value) { return static_cast<T>(value); }
+
+} // namespace trammel_detail
+
+/// A point or vector with coordinates of type double or short.
+template <class T> struct TRAMMEL_API TPoint {
+    static_assert(std::is_same_v<T, double> || std::is_same_v<T, short>,
+                  "TPoint exists for double and short only");
+
+    /// The coordinate type of the sister instantiation: short for double, double for short.
+    using Other = std::conditional_t<std::is_same_v<T, double>, short, double>;
+
+    T v; ///< vertical coordinate (y), grows downward
+    T h; ///< horizontal coordinate (x), grows rightward
+
+    // Create
+
+    /// The null point (0, 0).
+    TPoint() : v(0), h(0) {}
+    /// The point (h, v): horizontal coordinate first.
+    TPoint(T hCoord, T vCoord) : v(vCoord), h(hCoord) {}
+    TPoint(TPoint const&) = default;
+    TPoint& operator=(TPoint const&) = default;
+
+    /// From the sister type: exact into double; into short each coordinate is truncated toward zero
+    /// and wraps at 16 bits. Choose `operator Point` where rounding is wanted.
+    TPoint(TPoint<Other> const& p)
+        : v(trammel_detail::StoreCoordinate<T>(p.v)), h(trammel_detail::StoreCoordinate<T>(p.h)) {}
+    /// From a 16.16 fixed-point record: exact into double, truncated toward zero into short.
+    TPoint(FPoint const& p)
+        : v(trammel_detail::StoreCoordinate<T>(Fix2X(p.v))),
+          h(trammel_detail::StoreCoordinate<T>(Fix2X(p.h))) {}
+    /// From the platform's integer point; exact.
+    TPoint(Point const& p) : v(p.v), h(p.h) {}
+    /// From a single-precision point: h from x, v from y; truncated toward zero into short.
+    TPoint(CGPoint const& p)
+        : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
+          h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
+    /// As from CGPoint.
+    TPoint(_NSPoint const& p)
+        : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
+          h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
+
+    // Set
+
+    /// Stores both coordinates, horizontal first.
+    void Set(T hCoord, T vCoord) {
+        h = hCoord;
+        v = vCoord;
+    }
+    /// Makes this the null point (0, 0).
+    void SetNull() { Set(0, 0); }
+
+    // Query
+
+    /// True when both coordinates equal 0 (a NaN coordinate: false).
+    bool Null() const { return h == 0 && v == 0; }
+    /// True when both coordinates are equal; a NaN is unequal to everything, itself included.
+    bool operator==(TPoint const& p) const { return h == p.h && v == p.v; }
+    /// The exact negation of `==`: true with a NaN.
+    bool operator!=(TPoint const& p) const { return !(*this == p); }
+    /// True when neither coordinate exceeds the other's: componentwise dominance, not an ordering
+    /// (of two points neither may be <= the other). False with a NaN.
+    bool operator<=(TPoint const& p) const { return h <= p.h && v <= p.v; }
+
+    /// v / h, unguarded: ±infinity for a vertical vector, NaN for the null one.
+    double Slope() const { return static_cast<double>(v) / static_cast<double>(h); }
+    /// Direction in radians, atan2(v, h), in [-pi, pi]: 0 along +h, pi/2 along +v (downward).
+    double Angle() const { return std::atan2(static_cast<double>(v), static_cast<double>(h)); }
+    /// Distance from the origin, sqrt(h² + v²).
+    ///
+    /// Choose this when coordinates are ordinary and speed counts; it overflows to infinity above
+    /// about 1e154 (and underflows below 1e-162). For shorts the sum is formed in 32 bits and
+    /// wraps:
+    /// (-32768, -32768) gives NaN.
+    double Length() const {
+        if constexpr (std::is_same_v<T, short>) {
+            return std::sqrt(static_cast<double>(
+                trammel_detail::WrappingAdd(std::int32_t{h} * h, std::int32_t{v} * v)));
+        } else {
+            return std::sqrt(h * h + v * v);
+        }
+    }
+    /// Distance from the origin by hypot.
+    ///
+    /// Choose this when coordinates may be huge or tiny: it neither overflows nor underflows before
+    /// its result does. Agrees with `Length` for ordinary values up to the last bit or two.
+    double Hypotenuse() const { return std::hypot(static_cast<double>(h), static_cast<double>(v)); }
+
+    // Arithmetic: each works on h and v independently
+
+    /// The opposite vector; for shorts -32768 stays -32768.
+    TPoint operator-() const {
+        return TPoint(trammel_detail::Narrow<T>(-h), trammel_detail::Narrow<T>(-v));
+    }
+    TPoint& operator+=(TPoint const& p) {
+        h = trammel_detail::Narrow<T>(h + p.h);
+        v = trammel_detail::Narrow<T>(v + p.v);
+        return *this;
+    }
+    TPoint& operator-=(TPoint const& p) {
+        h = trammel_detail::Narrow<T>(h - p.h);
+        v = trammel_detail::Narrow<T>(v - p.v);
+        return *this;
+    }
+    /// Multiplies coordinate by coordinate.
+    TPoint& operator*=(TPoint const& p) {
+        h = trammel_detail::Narrow<T>(h * p.h);
+        v = trammel_detail::Narrow<T>(v * p.v);
+        return *this;
+    }
+    /// Divides coordinate by coordinate. Doubles: a zero divisor gives infinity or NaN. Shorts:
+    /// truncates toward zero; precondition: neither coordinate of `p` is 0.
+    TPoint& operator/=(TPoint const& p) {
+        h = trammel_detail::Narrow<T>(h / p.h);
+        v = trammel_detail::Narrow<T>(v / p.v);
+        return *this;
+    }
+    /// Multiplies both coordinates by `s`; shorts are computed in double and truncated.
+    TPoint& operator*=(double s) {
+        h = trammel_detail::StoreCoordinate<T>(h * s);
+        v = trammel_detail::StoreCoordinate<T>(v * s);
+        return *this;
+    }
+    /// Divides both coordinates by `s`; shorts are computed in double and truncated. A zero divisor
+    /// gives infinity or NaN (stored as 0 in a short).
+    TPoint& operator/=(double s) {
+        h = trammel_detail::StoreCoordinate<T>(h / s);
+        v = trammel_detail::StoreCoordinate<T>(v / s);
+        return *this;
+    }
+    TPoint operator+(TPoint const& p) const { return TPoint(*this) += p; }
+    TPoint operator-(TPoint const& p) const { return TPoint(*this) -= p; }
+    TPoint operator*(TPoint const& p) const { return TPoint(*this) *= p; }
+    TPoint operator/(TPoint const& p) const { return TPoint(*this) /= p; }
+    TPoint operator*(double s) const { return TPoint(*this) *= s; }
+    TPoint operator/(double s) const { return TPoint(*this) /= s; }
+
+    // Geometry
+
+    /// Moves by (dh, dv).
+    TPoint& Offset(T dh, T dv) { return *this += TPoint(dh, dv); }
+    /// Same as `+=`.
+    TPoint& Offset(TPoint const& d) { return *this += d; }
+    /// Same as `*= s`: scales about the origin.
+    TPoint& Scale(double s) { return *this *= s; }
+    /// Scales about the origin with one factor for each direction; shorts truncate.
+    TPoint& Scale(double sh, double sv) {
+        h = trammel_detail::StoreCoordinate<T>(h * sh);
+        v = trammel_detail::StoreCoordinate<T>(v * sv);
+        return *this;
+    }
+    /// Rotates about the origin by `angle` radians; a positive angle turns from +h toward +v.
+    ///
+    /// Uses the C library's sine and cosine, so a quarter turn leaves residues near 1e-16
+    /// (CMatrix3x3 rotations are exact at quarter turns). Shorts are computed in double and
+    /// truncated.
+    TPoint& Rotate(double angle) {
+        double const s = std::sin(angle);
+        double const c = std::cos(angle);
+        double const oldH = h;
+        double const oldV = v;
+        h = trammel_detail::StoreCoordinate<T>(oldH * c - oldV * s);
+        v = trammel_detail::StoreCoordinate<T>(oldH * s + oldV * c);
+        return *this;
+    }
+    /// Rotates about `centre`: subtracts it, rotates about the origin, adds it back, each step in
+    /// the point's own arithmetic.
+    TPoint& Rotate(double angle, TPoint const& centre) {
+        TPoint const c = centre;
+        *this -= c;
+        Rotate(angle);
+        return *this += c;
+    }
+    /// Maps the point through the matrix; shorts go through double and are truncated.
+    /// Defined in CMatrix3x3.h.
+    TPoint& Transform(CMatrix3x3 const& m);
+    /// Moves the point as the transform that carries rectangle `from` onto rectangle `to` does (see
+    /// CMatrix3x3::Map for flat rectangles); shorts are truncated. Defined in CMatrix3x3.h.
+    TPoint& Map(TRect<T> const& from, TRect<T> const& to);
+
+    // Convert
+
+    /// To the platform's integer point: each coordinate rounded, halves away from zero, then cut to
+    /// 16 bits. Choose the conversion to TPoint<short> where truncation is wanted.
+    operator Point() const {
+        Point out;
+        if constexpr (std::is_same_v<T, short>) {
+            out.v = v;
+            out.h = h;
+        } else {
+            out.v = trammel_detail::TruncateToInt16(std::round(v));
+            out.h = trammel_detail::TruncateToInt16(std::round(h));
+        }
+        return out;
+    }
+    /// To a single-precision point: x = h, y = v.
+    operator CGPoint() const { return CGPointMake(static_cast<float>(h), static_cast<float>(v)); }
+    /// To a single-precision point: x = h, y = v.
+    operator _NSPoint() const {
+        _NSPoint out;
+        out.x = static_cast<float>(h);
+        out.y = static_cast<float>(v);
+        return out;
+    }
+    /// "{h, v}" with six decimals for doubles, as integers for shorts; the same in every locale.
+    std::string NSString() const;
+};
+
+extern template struct TPoint<double>;
+extern template struct TPoint<short>;
+
+static_assert(sizeof(TPoint<double>) == 16 && offsetof(TPoint<double>, h) == 8);
+static_assert(sizeof(TPoint<short>) == 4 && offsetof(TPoint<short>, h) == 2);
+static_assert(std::is_trivially_copyable_v<TPoint<double>>);
+static_assert(std::is_trivially_copyable_v<TPoint<short>>);
+static_assert(std::is_standard_layout_v<TPoint<double>>);
+
+#endif

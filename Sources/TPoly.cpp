@@ -1,0 +1,378 @@
+// SPDX-License-Identifier: MIT
+
+#include "TPoly.h"
+
+#include "Assertion.h"
+#include "CFPolygonRef.h"
+#include "CMatrix3x3.h"
+#include "UCrossing_p.h"
+#include "UScalar.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+// Checked in every build type; the report names the function, this file, the line and the
+// condition.
+#define TRAMMEL_ASSERT(condition, function)                                                        \
+    ((condition) ? static_cast<void>(0)                                                            \
+                 : trammel_detail::trammel_assert_rtn(function, "Sources/TPoly.cpp", __LINE__,     \
+                                                      #condition))
+
+namespace {
+
+constexpr long kHeaderSize = static_cast<long>(offsetof(CPolygon<double>, mPoints));
+constexpr long kPointSize = static_cast<long>(sizeof(TPoint<double>));
+
+/// A t nearer to 0 than this, exclusive, is the first vertex in the search by table.
+constexpr double kFirstVertexFraction = 0.0001;
+
+Handle AsHandle(CPolygon<double>** h) { return reinterpret_cast<Handle>(h); }
+
+/// The header of a new, open polygon with the given cached (but not current) bounds.
+CPolygon<double> NewHeader(TRect<double> const& bounds) {
+    CPolygon<double> header;
+    header.mReserved = 0;
+    header.mClosed = 0;
+    header.mBoundsValid = 0;
+    header.mBounds = bounds;
+    return header;
+}
+
+CPolygon<double>** NewBlock(CPolygon<double> const& header) {
+    Handle h = nullptr;
+    PtrToHand(&header, &h, kHeaderSize);
+    return reinterpret_cast<CPolygon<double>**>(h);
+}
+
+/// The vertices of a polygon as they lie in its block; good until the polygon changes.
+struct Vertices {
+    TPoint<double> const* points;
+    long count;
+
+    explicit Vertices(TPolygon<double> const& polygon)
+        : points(polygon.mHandle != nullptr ? (*polygon.mHandle)->mPoints : nullptr),
+          count(polygon.LastIndex() + 1) {}
+
+    TPoint<double> const& operator[](long i) const { return points[i]; }
+    /// Edge `i`, the last one leading back to vertex 0.
+    TLine<double> Edge(long i) const {
+        return TLine<double>(points[i], points[i + 1 < count ? i + 1 : 0]);
+    }
+};
+
+bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v); }
+
+} // namespace
+
+template <class T> TPolygon<T>::TPolygon() {
+    // Never reported, as they are marked as not current. The smallest positive number, not the most
+    // negative one, is what the record has always held.
+    T const min = std::numeric_limits<T>::min();
+    T const max = std::numeric_limits<T>::max();
+    mHandle = NewBlock(NewHeader(TRect<T>(min, min, max, max)));
+}
+
+template <class T> TPolygon<T>::TPolygon(CFPolygonRef src) {
+    long const count = std::max(src.LastIndex() + 1, 0L);
+    mHandle = reinterpret_cast<CPolygon<T>**>(NewHandle(kHeaderSize + kPointSize * count));
+    if (mHandle == nullptr) {
+        return;
+    }
+    TRect<T> const bounds = src.Bounds();
+    CPolygon<T>* const record = *mHandle;
+    for (long i = count - 1; i >= 0; --i) {
+        record->mPoints[i] = src.PolyPoints(i);
+    }
+    record->mBounds = bounds;
+}
+
+template <class T> TPolygon<T>::TPolygon(TRect<T> const& r) : mHandle(NewBlock(NewHeader(r))) {
+    if (mHandle != nullptr) {
+        TRect<T> const rect = r;
+        Append(rect[kTopLeft], true);
+        Append(rect.TopRight(), true);
+        Append(rect[kBottomRight], true);
+        Append(rect.BottomLeft(), true);
+        Close();
+    }
+}
+
+template <class T> TPolygon<T>::TPolygon(TPolygon const& other) : mHandle(Clone(other.mHandle)) {}
+
+template <class T>
+TPolygon<T>::TPolygon(TPolygon&& other) noexcept : mHandle(std::exchange(other.mHandle, nullptr)) {}
+
+template <class T> TPolygon<T>::~TPolygon() { DisposeHandle(AsHandle(mHandle)); }
+
+template <class T> TPolygon<T>& TPolygon<T>::operator=(TPolygon const& other) {
+    if (this != &other) {
+        DisposeHandle(AsHandle(mHandle));
+        mHandle = Clone(other.mHandle);
+    }
+    return *this;
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::operator=(TPolygon&& other) noexcept {
+    if (this != &other) {
+        DisposeHandle(AsHandle(mHandle));
+        mHandle = std::exchange(other.mHandle, nullptr);
+    }
+    return *this;
+}
+
+template <class T> long TPolygon<T>::LastIndex() const {
+    if (mHandle == nullptr) {
+        return -1;
+    }
+    return (GetHandleSize(AsHandle(mHandle)) - kHeaderSize - kPointSize) / kPointSize;
+}
+
+template <class T> TPoint<T> TPolygon<T>::GetPt(long index) const {
+    TRAMMEL_ASSERT(index >= 0, "GetPt");
+    TRAMMEL_ASSERT(index <= LastIndex(), "GetPt");
+    return (*mHandle)->mPoints[index];
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::SetPt(long index, TPoint<T> const& p) {
+    TRAMMEL_ASSERT(index >= 0, "SetPt");
+    if (index <= LastIndex()) {
+        (*mHandle)->mPoints[index] = p;
+        InvalBounds();
+    }
+    return *this;
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::Append(TPoint<T> p, bool allowDuplicate) {
+    if (!allowDuplicate) {
+        Vertices const vertices(*this);
+        if (vertices.count > 0 && !(p != vertices[vertices.count - 1])) {
+            return *this;
+        }
+    }
+    AppendHandle(mHandle, p);
+    return *this;
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::AppendUnique(TPoint<T> const& p) {
+    return Append(p, false);
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::Close() {
+    if (mHandle != nullptr) {
+        (*mHandle)->mClosed = 1;
+    }
+    return *this;
+}
+
+template <class T> bool TPolygon<T>::Closed() const {
+    return mHandle == nullptr || (*mHandle)->mClosed != 0;
+}
+
+template <class T> TPolygon<T>& TPolygon<T>::Transform(CMatrix3x3 const& m) {
+    long const count = LastIndex() + 1;
+    if (count > 0) {
+        TPoint<T>* const points = (*mHandle)->mPoints;
+        for (long i = 0; i < count; ++i) {
+            points[i].Transform(m);
+        }
+        InvalBounds();
+    }
+    return *this;
+}
+
+template <class T> void TPolygon<T>::GetEdge(long index, TPoint<T>& a, TPoint<T>& b) const {
+    TRAMMEL_ASSERT(index >= 0, "GetEdge");
+    TPoint<T> const start = GetPt(index);
+    b = GetPt(index == LastIndex() ? 0 : index + 1);
+    a = start;
+}
+
+template <class T> void TPolygon<T>::GetEdge(long index, TLine<T>& line) const {
+    GetEdge(index, line.mStart, line.mEnd);
+}
+
+template <class T> TLine<T> TPolygon<T>::GetEdge(long index) const {
+    TLine<T> edge;
+    GetEdge(index, edge);
+    return edge;
+}
+
+template <class T> double TPolygon<T>::Length() const {
+    Vertices const vertices(*this);
+    long const lastEdge = LastEdge();
+    double length = 0.0;
+    for (long i = 0; i <= lastEdge; ++i) {
+        length += vertices.Edge(i).Length();
+    }
+    return length;
+}
+
+template <class T> TRect<T> TPolygon<T>::Bounds() const {
+    if (mHandle == nullptr) {
+        return TRect<T>();
+    }
+    if (!BoundsValid()) {
+        CalcBounds();
+    }
+    return (*mHandle)->mBounds;
+}
+
+template <class T> bool TPolygon<T>::BoundsValid() const {
+    return mHandle != nullptr && (*mHandle)->mBoundsValid != 0;
+}
+
+template <class T> void TPolygon<T>::CalcBounds() const {
+    if (mHandle == nullptr) {
+        return;
+    }
+    Vertices const vertices(*this);
+    TRect<T> bounds;
+    for (long i = 0; i < vertices.count; ++i) {
+        bounds |= vertices[i];
+    }
+    (*mHandle)->mBoundsValid = 1;
+    (*mHandle)->mBounds = bounds;
+}
+
+template <class T> void TPolygon<T>::InvalBounds() {
+    if (mHandle != nullptr) {
+        (*mHandle)->mBoundsValid = 0;
+    }
+}
+
+template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
+    if (!Bounds().Contains(p)) {
+        return false;
+    }
+    Vertices const vertices(*this);
+    bool odd = false;
+    for (long i = 0; i < vertices.count; ++i) {
+        odd ^= trammel_detail::CrossesBefore(vertices[i],
+                                             vertices[i + 1 < vertices.count ? i + 1 : 0], p);
+    }
+    return odd;
+}
+
+template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {
+    if (t == 0.0) {
+        return GetPt(0);
+    }
+    if (t == 1.0) {
+        return GetPt(LastIndex());
+    }
+    double const target = t * Length();
+    Vertices const vertices(*this);
+    long const lastEdge = LastEdge();
+    double sum = 0.0;
+    for (long i = 0; i <= lastEdge; ++i) {
+        TLine<T> const edge = vertices.Edge(i);
+        double const before = sum;
+        double const length = edge.Length();
+        sum += length;
+        if (sum >= target) {
+            return edge.TPt((target - before) / length);
+        }
+    }
+    return GetPt(LastIndex());
+}
+
+template <class T> TPoint<T> TPolygon<T>::TPt(double t, std::vector<double>* table) const {
+    std::vector<double> ownTable;
+    if (table == nullptr) {
+        BuildLTable(*this, ownTable);
+        table = &ownTable;
+    }
+    t = std::max(std::min(t, 1.0), 0.0);
+    long const lastEntry = static_cast<long>(table->size()) - 1;
+    long const last = std::min(LastIndex(), lastEntry);
+    if (kFirstVertexFraction > std::abs(t) || last < 1) {
+        return GetPt(0);
+    }
+    std::vector<double> const& lengths = *table;
+    auto const at = [&lengths](long i) { return lengths[static_cast<std::size_t>(i)]; };
+    double const target = at(last) * t;
+    long lo = 0;
+    long hi = lastEntry;
+    long mid;
+    do {
+        mid = (lo + hi) / 2;
+        (target > at(mid) ? lo : hi) = mid;
+    } while (hi - lo > 1);
+    long k = mid;
+    if (at(k) > target) {
+        k = std::max(k - 1, 0L);
+    }
+    k = std::min(k, last - 1);
+    double const span = at(k + 1) - at(k);
+    if (span != 0.0) {
+        return ::TPt(GetPt(k), GetPt(k + 1), (target - at(k)) / span);
+    }
+    return GetPt(k);
+}
+
+template <class T> TPoint<T> TPolygon<T>::CalcPtFromEnd(double distance, bool fromStart) const {
+    double const length = Length();
+    double const f = length != 0.0 ? distance / length : 0.0;
+    return TPt(fromStart ? f : 1.0 - f, nullptr);
+}
+
+template <class T> std::vector<TLine<T>> TPolygon<T>::Clip(TLine<T> line) const {
+    std::vector<TLine<T>> pieces;
+    if (IsNaN(line.mStart) || IsNaN(line.mEnd)) {
+        return pieces;
+    }
+    PointSort const before(1.0 > std::abs(line.Slope()));
+    std::vector<TPoint<T>> points = {line.mStart, line.mEnd};
+    Vertices const vertices(*this);
+    TPoint<T> where;
+    for (long i = 0; i < vertices.count; ++i) {
+        if (line.SegmentsIntersect(vertices.Edge(i), where)) {
+            points.push_back(where);
+        }
+    }
+    std::sort(points.begin(), points.end(), before);
+    for (std::size_t k = 1; k < points.size(); ++k) {
+        TLine<T> const piece(points[k - 1], points[k]);
+        if (Contains(piece.MidPt())) {
+            pieces.push_back(piece);
+        }
+    }
+    return pieces;
+}
+
+template <class T> TPolygon<T>::operator CFPolygonRef() const {
+    if (mHandle == nullptr) {
+        return CFPolygonRef(static_cast<FPolygon**>(nullptr), false);
+    }
+    CFPolygonRef out(true);
+    Vertices const vertices(*this);
+    for (long i = 0; i < vertices.count; ++i) {
+        out.Append(vertices[i]);
+    }
+    if (Closed() && vertices.count > 0) {
+        out.Append(vertices[0]);
+    }
+    out.SetClosed(Closed());
+    return out;
+}
+
+template <class T> void BuildLTable(TPolygon<T> const& poly, std::vector<double>& table) {
+    Vertices const vertices(poly);
+    if (vertices.count == 0) {
+        return;
+    }
+    table.reserve(table.size() + static_cast<std::size_t>(vertices.count));
+    double length = 0.0;
+    table.push_back(length);
+    for (long i = 1; i < vertices.count; ++i) {
+        length += LineLength(vertices[i - 1], vertices[i]);
+        table.push_back(length);
+    }
+}
+
+template class TPolygon<double>;
+template void BuildLTable<double>(TPolygon<double> const&, std::vector<double>&);
+template CPolygon<double>** Clone<CPolygon<double>>(CPolygon<double>**);
+template void AppendHandle<CPolygon<double>, TPoint<double>>(CPolygon<double>**, TPoint<double>);

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+//
+// Everything in the library, but for the additions that need other libraries' headers.
+
+#ifndef TRAMMEL_TRAMMEL_H
+#define TRAMMEL_TRAMMEL_H
+
+#include "CBezier.h"
+#include "CFPoint.h"
+#include "CFPolygonRef.h"
+#include "CFRect.h"
+#include "CMatrix3x3.h"
+#include "CPath.h"
+#include "CPathActions.h"
+#include "FPolygon.h"
+#include "FixedPoint.h"
+#include "Handles.h"
+#include "Log.h"
+#include "PathObject.h"
+#include "Records.h"
+#include "TLine.h"
+#include "TPoint.h"
+#include "TPoly.h"
+#include "TRect.h"
+#include "UGeometry.h"
+#include "UHandle.h"
+#include "UHygiene.h"
+#include "UScalar.h"
+#include "UTrigonometry.h"
+
+#endif
