@@ -70,11 +70,88 @@ inline double Deviation(CBezier const& c) {
     return TLine<double>(c.P0, c.P3).Distance(c.MidPt());
 }
 
+/// Decides `tolerance >= Deviation(c)` for the pieces of one curve, from a cheap estimate wherever
+/// that leaves no doubt.
+///
+/// In exact arithmetic the middle of a cubic is (P0 + 3 P1 + 3 P2 + P3)/8, so its distance from the
+/// chord is D = 3/8 |d x w| / |d| with d = P3 - P0 and w = P1 + P2 - P0 - P3. Comparing squares
+/// needs neither division nor root. The estimate may replace the comparison with the deviation as
+/// Flat computes it where the two cannot disagree, that is outside a band around the tolerance that
+/// is wider than the rounding of both. By the standard model of rounding (Higham, "Accuracy and
+/// Stability of Numerical Algorithms", section 2.2) with u = 2^-53, S a bound on all coordinates'
+/// magnitudes, m = d.v/d.h and n = -1/m, and terms of order u² covered by the slack at the end:
+///
+///   estimate   each component of w is off by at most 8uS, d by u relative, the products by u each:
+///              |d x w| is off by at most 34uS|d|, the estimate of D by at most 13uS.
+///   deviation  MidPt is off by at most 6uS in each component, hence 8.5uS; m by 3u relative, which
+///              turns the line about P0 by at most 1.5u and moves it by at most 4.3uS at MidPt. The
+///              numerator of the foot's x is off by at most uS(4|n| + 4|m| + 3); divided by
+///              |n - m| = |n| + |m| >= 2 that is 5.5uS, and 2u|x| <= 8uS come with the division:
+///              14uS. The foot's y inherits |n| 14uS and adds uS(5|n| + 9). The final difference
+///              and hypot add 4uD <= 16uS. Together at most uS(52 + 19|n|).
+///
+/// So the two are apart by at most 80uS(1 + |n|). Where S(1 + |n|) <= 2^34 tolerance this is less
+/// than 2^-12 of the tolerance, which is the band (1.6 times what is needed). Outside of this
+/// condition, inside the band, for chords horizontal, vertical or so short that products could
+/// underflow, for coordinates or tolerances so large that they could overflow, and for everything
+/// not finite, the deviation itself decides.
+class FlatnessFilter {
+public:
+    /// For `whole` and all curves that halving makes of it: no midpoint exceeds the larger of its
+    /// two points, so one bound on the coordinates serves them all.
+    FlatnessFilter(CBezier const& whole, double tolerance) {
+        double const size = std::abs(whole.P0.h) + std::abs(whole.P0.v) + std::abs(whole.P1.h) +
+                            std::abs(whole.P1.v) + std::abs(whole.P2.h) + std::abs(whole.P2.v) +
+                            std::abs(whole.P3.h) + std::abs(whole.P3.v);
+        // Written so that NaN leaves the filter off: no slope passes.
+        if (size <= kLargest && tolerance > 0.0 && tolerance <= kLargest) {
+            mLargestInverseSlope = tolerance * 0x1p34 / size - 1.0;
+            double const surelyFlat = tolerance * (1.0 - kBand) * (8.0 / 3.0);
+            double const surelyNot = tolerance * (1.0 + kBand) * (8.0 / 3.0);
+            mSurelyFlat = surelyFlat * surelyFlat;
+            mSurelyNot = surelyNot * surelyNot;
+        }
+    }
+
+    bool Flat(CBezier const& c, double tolerance) const {
+        double const dh = c.P3.h - c.P0.h;
+        double const dv = c.P3.v - c.P0.v;
+        double const lengthH = std::abs(dh);
+        double const lengthV = std::abs(dv);
+        if (lengthH <= mLargestInverseSlope * lengthV && lengthV <= kLargestSlope * lengthH &&
+            lengthV >= kShortest) {
+            double const wh = (c.P1.h + c.P2.h) - (c.P0.h + c.P3.h);
+            double const wv = (c.P1.v + c.P2.v) - (c.P0.v + c.P3.v);
+            double const cross = dh * wv - dv * wh;
+            double const crossSquared = cross * cross;
+            double const chordSquared = dh * dh + dv * dv;
+            if (crossSquared <= mSurelyFlat * chordSquared) {
+                return true;
+            }
+            if (crossSquared >= mSurelyNot * chordSquared) {
+                return false;
+            }
+        }
+        return tolerance >= Deviation(c);
+    }
+
+private:
+    static constexpr double kBand = 0x1p-12;
+    static constexpr double kLargest = 0x1p200;
+    static constexpr double kShortest = 0x1p-200;
+    static constexpr double kLargestSlope = 0x1p40;
+
+    double mLargestInverseSlope = -1.0;
+    double mSurelyFlat = 0.0;
+    double mSurelyNot = 0.0;
+};
+
 /// Walks the subdivision tree of `curve` in order, calling deliver(split point) for each division.
 ///
 /// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
 /// than that continues in a nested call, so that even the largest depth neither allocates nor
-/// exhausts the thread's stack.
+/// exhausts the thread's stack. The tolerance is read anew at each level, as the callback may
+/// change it.
 template <class Deliver>
 void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
     struct Pending {
@@ -85,10 +162,20 @@ void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
     std::array<Pending, kRoom> pending;
     std::size_t count = 0;
     CBezier current = curve;
+    double tolerance = CBezier::mMaxError;
+    FlatnessFilter filter(curve, tolerance);
+    auto const flat = [&](CBezier const& c) {
+        if (tolerance != CBezier::mMaxError) {
+            tolerance = CBezier::mMaxError;
+            filter = FlatnessFilter(curve, tolerance);
+        }
+        return filter.Flat(c, tolerance);
+    };
     for (;;) {
         CountInvocation();
         --depth;
-        if (force || (depth > 0 && !current.Flat(CBezier::mMaxError))) {
+        if (force || (depth > 0 && !flat(current))) {
+            force = false;
             if (count == kRoom) {
                 CBezier left;
                 CBezier right;
@@ -102,22 +189,31 @@ void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
                 Halve(current, current, next.right);
                 next.depth = depth;
             }
-            force = false;
-            continue;
-        }
-        if (count == 0) {
+        } else if (count > 0) {
+            Pending const& next = pending[--count];
+            current = next.right;
+            depth = next.depth;
+            deliver(current.P0);
+            CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
+        } else {
             return;
         }
-        Pending const& next = pending[--count];
-        current = next.right;
-        depth = next.depth;
-        deliver(current.P0);
-        CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
     }
 }
 
 /// True when the control points coincide with their ends: a straight segment.
 bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
+
+/// Delivers the points of the flattened curve, ends included, duplicates not yet left out.
+template <class Deliver> void FlattenTo(CBezier const& curve, double error, Deliver deliver) {
+    gCount = 0;
+    CurveErrorScope const scope(error);
+    deliver(curve.P0);
+    if (!IsStraight(curve)) {
+        Generate(curve, deliver, true, CBezier::mRecursionLimit);
+    }
+    deliver(curve.P3);
+}
 
 } // namespace
 
@@ -173,14 +269,7 @@ void CBezier::GenerateSegment(PointProc proc, bool force, short depth) const {
 }
 
 void CBezier::Flatten(TPolygon<double>& poly, double error) const {
-    gCount = 0;
-    CurveErrorScope const scope(error);
-    AddPtToPoly(P0, poly);
-    if (!IsStraight(*this)) {
-        auto deliver = [&poly](TPoint<double> const& pt) { AddPtToPoly(pt, poly); };
-        Generate(*this, deliver, true, mRecursionLimit);
-    }
-    AddPtToPoly(P3, poly);
+    FlattenTo(*this, error, [&poly](TPoint<double> const& pt) { AddPtToPoly(pt, poly); });
 }
 
 void CBezier::AddSegmentToPoly(TPolygon<double>& poly, double error) const { Flatten(poly, error); }
@@ -296,9 +385,20 @@ bool CBezier::Intersects(TRect<double> r) const {
 }
 
 double CBezier::Length() const {
-    TPolygon<double> poly;
-    Flatten(poly, kLengthError);
-    return poly.Length();
+    // The edges of the flattening are summed as they come: the polygon itself is not needed.
+    double length = 0.0;
+    TPoint<double> last;
+    bool first = true;
+    FlattenTo(*this, kLengthError, [&](TPoint<double> const& pt) {
+        if (first) {
+            first = false;
+            last = pt;
+        } else if (pt != last) {
+            length += TLine<double>(last, pt).Length();
+            last = pt;
+        }
+    });
+    return length;
 }
 
 double CBezier::PercentT(double fraction) const {
