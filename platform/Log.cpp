@@ -115,18 +115,13 @@ void WriteToStandardError(std::string const& line) {
 }
 
 void LogLine(const char* format, va_list first, va_list second) {
+    int const formerErrno = errno;
     NSLogSink const sink = tInsideSink ? nullptr : gSink.load();
-    std::string line;
-    if (sink == nullptr) {
-        int const formerErrno = errno;
-        line = TimeStamp();
-        errno = formerErrno; // for %m
-    }
+    std::string line = sink == nullptr ? TimeStamp() : std::string();
     std::size_t const start = line.size();
     {
-        int const formerErrno = errno;
         ClassicLocale const classic;
-        errno = formerErrno;
+        errno = formerErrno; // for %m; what went before may have changed it
         if (!AppendFormatted(line, format, first, second)) {
             return;
         }

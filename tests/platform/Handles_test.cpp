@@ -432,6 +432,7 @@ TEST_F(Handles, LiveHandlesAreCounted) {
 
 TEST_F(Handles, DifferentHandlesMayBeUsedInDifferentThreads) {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     std::atomic<int> good{0};
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&good, t] {

@@ -83,7 +83,10 @@ TEST(LowInt16, KeepsTheLowBits) {
 }
 
 TEST(WrappingArithmetic, IsModulo32Bits) {
-    using namespace trammel_detail;
+    using trammel_detail::WrappingAdd;
+    using trammel_detail::WrappingMultiply;
+    using trammel_detail::WrappingNegate;
+    using trammel_detail::WrappingSubtract;
     EXPECT_EQ(WrappingAdd(2, 3), 5);
     EXPECT_EQ(WrappingAdd(INT32_MAX, 1), INT32_MIN);
     EXPECT_EQ(WrappingAdd(INT32_MIN, -1), INT32_MAX);

@@ -16,6 +16,8 @@
 class CommaLocale {
 public:
     CommaLocale() : mFormer(std::setlocale(LC_ALL, nullptr)) {
+        // A thread locale that someone left behind would hide the process locale.
+        uselocale(LC_GLOBAL_LOCALE);
         for (char const* const name :
              {"de_DE.UTF-8", "de_DE.utf8", "de_DE", "fr_FR.UTF-8", "es_ES.UTF-8", "it_IT.UTF-8"}) {
             if (Works(name)) {

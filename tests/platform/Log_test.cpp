@@ -199,6 +199,18 @@ TEST(StandardErrorLog, GetsOneWriteWithTimeStampAndLineEnd) {
     EXPECT_EQ(writes[1].substr(24), text + "\n");
 }
 
+TEST(StandardErrorLog, ReadsTheCallersErrnoForPercentM) {
+    StandardErrorWrites const standardError;
+    ASSERT_TRUE(standardError.Good());
+    std::string const format = "%m %d"; // no literal: ISO C++ does not know %m
+    errno = ENOENT;
+    NSLog(format.c_str(), 1);
+    EXPECT_EQ(errno, ENOENT);
+    std::vector<std::string> const writes = standardError.Take();
+    ASSERT_EQ(writes.size(), 1U);
+    EXPECT_EQ(writes[0].substr(24), "No such file or directory 1\n");
+}
+
 TEST(StandardErrorLog, GetsWhatTheSinkItselfLogs) {
     StandardErrorWrites const standardError;
     ASSERT_TRUE(standardError.Good());
@@ -216,6 +228,7 @@ TEST(StandardErrorLog, KeepsLinesOfThreadsApart) {
     StandardErrorWrites const standardError;
     ASSERT_TRUE(standardError.Good());
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([t] {
             for (int i = 0; i < 20; ++i) {

@@ -168,6 +168,7 @@ TEST_F(Path, ReferencesAreCounted) {
 TEST_F(Path, ReferencesMayBeCountedInSeveralThreads) {
     CGMutablePathRef const path = CGPathCreateMutable();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([path] {
             for (int i = 0; i < 10000; ++i) {
@@ -430,6 +431,7 @@ TEST_F(PathToken, PathsMayReleaseInAnyOrder) {
 
 TEST_F(PathToken, TheTableMayBeUsedInSeveralThreads) {
     std::vector<std::thread> threads;
+    threads.reserve(4);
     std::atomic<int> good{0};
     for (int t = 0; t < 4; ++t) {
         threads.emplace_back([&good] {
