@@ -8,9 +8,9 @@
 #include "TPoly.h"
 #include "UGeometry.h"
 #include "UScalar.h"
+#include "USubdivision_p.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 
@@ -29,23 +29,6 @@ constexpr double kLengthError = 0.001;
 
 /// The step of the parameter to which a fraction of the length is resolved.
 constexpr double kPercentTolerance = 0.001;
-
-/// Installs a flatness tolerance for as long as it lives.
-class CurveErrorScope {
-public:
-    explicit CurveErrorScope(double error) : mOld(CBezier::SetCurveError(error)) {}
-    ~CurveErrorScope() { CBezier::SetCurveError(mOld); }
-    CurveErrorScope(CurveErrorScope const&) = delete;
-    CurveErrorScope& operator=(CurveErrorScope const&) = delete;
-
-private:
-    double mOld;
-};
-
-void CountInvocation() {
-    gCount = trammel_detail::WrappingAdd(gCount, 1);
-    maxCount = std::max(maxCount, gCount);
-}
 
 /// Splits `c` at its middle. Inline, as all of the generator's time is spent here and in Flat.
 inline TPoint<double> Halve(CBezier const& c, CBezier& left, CBezier& right) {
@@ -146,59 +129,38 @@ private:
     double mSurelyNot = 0.0;
 };
 
-/// Walks the subdivision tree of `curve` in order, calling deliver(split point) for each division.
-///
-/// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
-/// than that continues in a nested call, so that even the largest depth neither allocates nor
-/// exhausts the thread's stack. The tolerance is read anew at each level, as the callback may
-/// change it.
+/// The cubic's rules for the walk of its subdivision tree.
+class BezierRules {
+public:
+    explicit BezierRules(CBezier const& whole)
+        : mWhole(whole), mTolerance(CBezier::mMaxError), mFilter(whole, mTolerance) {}
+
+    void Enter() const {
+        gCount = trammel_detail::WrappingAdd(gCount, 1);
+        maxCount = std::max(maxCount, gCount);
+    }
+    bool Flat(CBezier const& c) {
+        // Read anew each time, as the callback may change it.
+        if (mTolerance != CBezier::mMaxError) {
+            mTolerance = CBezier::mMaxError;
+            mFilter = FlatnessFilter(mWhole, mTolerance);
+        }
+        return mFilter.Flat(c, mTolerance);
+    }
+    void Divide(CBezier const& c, CBezier& left, CBezier& right) const { Halve(c, left, right); }
+    void Delivered() const { CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1); }
+
+private:
+    CBezier const& mWhole;
+    double mTolerance;
+    FlatnessFilter mFilter;
+};
+
+/// Delivers the split points of `curve`, see CBezier::GenerateSegment.
 template <class Deliver>
 void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
-    struct Pending {
-        CBezier right;
-        int depth;
-    };
-    constexpr std::size_t kRoom = 32;
-    std::array<Pending, kRoom> pending;
-    std::size_t count = 0;
-    CBezier current = curve;
-    double tolerance = CBezier::mMaxError;
-    FlatnessFilter filter(curve, tolerance);
-    auto const flat = [&](CBezier const& c) {
-        if (tolerance != CBezier::mMaxError) {
-            tolerance = CBezier::mMaxError;
-            filter = FlatnessFilter(curve, tolerance);
-        }
-        return filter.Flat(c, tolerance);
-    };
-    for (;;) {
-        CountInvocation();
-        --depth;
-        if (force || (depth > 0 && !flat(current))) {
-            force = false;
-            if (count == kRoom) {
-                CBezier left;
-                CBezier right;
-                TPoint<double> const split = Halve(current, left, right);
-                Generate(left, deliver, false, depth);
-                deliver(split);
-                CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
-                current = right;
-            } else {
-                Pending& next = pending[count++];
-                Halve(current, current, next.right);
-                next.depth = depth;
-            }
-        } else if (count > 0) {
-            Pending const& next = pending[--count];
-            current = next.right;
-            depth = next.depth;
-            deliver(current.P0);
-            CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1);
-        } else {
-            return;
-        }
-    }
+    BezierRules rules(curve);
+    trammel_detail::WalkSubdivision(curve, rules, deliver, force, depth);
 }
 
 /// True when the control points coincide with their ends: a straight segment.
@@ -207,7 +169,7 @@ bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
 /// Delivers the points of the flattened curve, ends included, duplicates not yet left out.
 template <class Deliver> void FlattenTo(CBezier const& curve, double error, Deliver deliver) {
     gCount = 0;
-    CurveErrorScope const scope(error);
+    trammel_detail::CurveErrorScope<CBezier> const scope(error);
     deliver(curve.P0);
     if (!IsStraight(curve)) {
         Generate(curve, deliver, true, CBezier::mRecursionLimit);

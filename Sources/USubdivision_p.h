@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+//
+// The walk of a curve's subdivision tree, shared by the cubic and the quadratic. Not installed.
+
+#ifndef TRAMMEL_USUBDIVISION_P_H
+#define TRAMMEL_USUBDIVISION_P_H
+
+#include "TPoint.h"
+
+#include <array>
+#include <cstddef>
+
+namespace trammel_detail {
+
+/// Walks the subdivision tree of `curve` in order, calling deliver(split point) for each division.
+///
+/// Of a Rules object it asks, for each curve that it comes to, first Enter() and then, unless the
+/// division is forced or the depth used up, Flat(curve); Divide(curve, left, right), where `left`
+/// may be `curve`; and Delivered() after each delivery. `force` divides the first curve in any
+/// case; `depth` counts down by one for each level, the first included.
+///
+/// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
+/// than that continues in a nested call, so that even the largest depth neither allocates nor
+/// exhausts the thread's stack.
+template <class Curve, class Rules, class Deliver>
+void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool force, int depth) {
+    struct Pending {
+        Curve right;
+        int depth;
+    };
+    constexpr std::size_t kRoom = 32;
+    std::array<Pending, kRoom> pending;
+    std::size_t count = 0;
+    Curve current = curve;
+    for (;;) {
+        rules.Enter();
+        --depth;
+        if (force || (depth > 0 && !rules.Flat(current))) {
+            force = false;
+            if (count == kRoom) {
+                Curve left;
+                Curve right;
+                rules.Divide(current, left, right);
+                WalkSubdivision(left, rules, deliver, false, depth);
+                deliver(right.P0);
+                rules.Delivered();
+                current = right;
+            } else {
+                Pending& next = pending[count++];
+                rules.Divide(current, current, next.right);
+                next.depth = depth;
+            }
+        } else if (count > 0) {
+            Pending const& next = pending[--count];
+            current = next.right;
+            depth = next.depth;
+            deliver(current.P0);
+            rules.Delivered();
+        } else {
+            return;
+        }
+    }
+}
+
+/// Installs a curve class's flatness tolerance for as long as it lives.
+template <class Curve> class CurveErrorScope {
+public:
+    explicit CurveErrorScope(double error) : mOld(Curve::CurveError()) {
+        Curve::SetCurveError(error);
+    }
+    ~CurveErrorScope() { Curve::SetCurveError(mOld); }
+    CurveErrorScope(CurveErrorScope const&) = delete;
+    CurveErrorScope& operator=(CurveErrorScope const&) = delete;
+
+private:
+    double mOld;
+};
+
+} // namespace trammel_detail
+
+#endif
