@@ -11,9 +11,9 @@
 // safe from any thread, on curves of its own: construction, arithmetic, TPt, Divide(left, right[,
 // t]), Flat, Extents, FindTValue, GetTRange.
 //
-// Nothing is reported: NaN and infinities propagate. A curve with a NaN is never flat, so its
-// subdivision goes to the full depth, 2^(mRecursionLimit - 1) - 1 points. Arguments are read before
-// anything is written.
+// Nothing is reported: NaN and infinities propagate. A NaN deviation is never flat, so the
+// subdivision of a curve with a NaN goes to the full depth nearly everywhere, up to
+// 2^(mRecursionLimit - 1) - 1 points. Arguments are read before anything is written.
 
 #ifndef TRAMMEL_CBEZIER_H
 #define TRAMMEL_CBEZIER_H
@@ -155,9 +155,9 @@ public:
 
     // Divide
 
-    /// Splits at the middle into `left` and `right`, two curves other than this; returns the split
-    /// point. Midpoints are formed as (a + b)/2, so the split point may differ from MidPt() in the
-    /// last bits.
+    /// Splits at the middle into `left` and `right`, one of which may be this curve; returns the
+    /// split point. Midpoints are formed as (a + b)/2, so the split point may differ from MidPt()
+    /// in the last bits.
     TPoint<double> Divide(CBezier& left, CBezier& right) const;
     /// Splits at parameter `t`, not limited to [0, 1]; returns the split point.
     TPoint<double> Divide(CBezier& left, CBezier& right, double t) const;
@@ -166,8 +166,9 @@ public:
     TPoint<double> Divide(CBezier& left, CBezier& right, TPoint<double> const& pt) const;
     /// Stores the piece between two parameters in `out`.
     ///
-    /// t0 <= 0 begins at the start, t1 >= 1 ends at the end. The end is rescaled by (t1 - t0)/(1 -
-    /// t0) with t0 as given, so a negative t0 shifts it; t0 = 1 with t1 < 1 divides by zero.
+    /// t0 <= 0 begins at the start, t1 >= 1 ends at the end. The end is rescaled by
+    /// (t1 - t0)/(1 - t0) with t0 as given, so a negative t0 shifts it; t0 = 1 with t1 < 1 divides
+    /// by zero.
     void GetTRange(double t0, double t1, CBezier& out) const;
 
     // Generate points
@@ -177,17 +178,18 @@ public:
     ///
     /// A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat by
     /// mMaxError. `force` halves the first level in any case. At most 2^(depth-1) - 1 points; a
-    /// depth of 0 or less gives none, or one when forced. No allocation. What `proc` throws passes
+    /// depth of 1 or less gives none, or one when forced. No allocation. What `proc` throws passes
     /// through. By recursive midpoint subdivision (de Casteljau).
     void GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const;
     /// The same for a callback without data.
     void GenerateSegment(PointProc proc, bool force, short depth) const;
     /// Appends the curve to `poly`: P0, the generated points (the first level forced, so that even
     /// a flat curve yields its middle; none when P0 = P1 and P2 = P3) and P3, leaving out points
-    /// equal to their predecessor in `poly`. \param error flatness tolerance in coordinate units,
-    /// inclusive; installed in mMaxError for the
-    ///              duration of the call. Deviation is judged as by Flat, so it is no guaranteed
-    ///              distance for S-shaped curves.
+    /// equal to their predecessor in `poly`.
+    ///
+    /// \param error flatness tolerance in coordinate units, inclusive; installed in mMaxError for
+    ///              the duration of the call. Deviation is judged as by Flat, so it is no
+    ///              guaranteed distance for S-shaped curves.
     void Flatten(TPolygon<double>& poly, double error) const;
     /// The same as Flatten.
     void AddSegmentToPoly(TPolygon<double>& poly, double error) const;

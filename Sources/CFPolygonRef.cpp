@@ -83,34 +83,37 @@ CFPolygonRef::CFPolygonRef(CFPolygonRef const& other, bool copy) : mRef(other.mR
     }
 }
 
-void CFPolygonRef::CFPolygonCreate(long n) {
+CFPolygonRef& CFPolygonRef::CFPolygonCreate(long n) {
     mRef = reinterpret_cast<OpaqueCFPolygon**>(NewHandleClear(BlockSize(n)));
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::CFPolygonCreate(CFPolygonRef const& src) {
+CFPolygonRef& CFPolygonRef::CFPolygonCreate(CFPolygonRef const& src) {
     mRef = Clone(src.mRef);
     if (mRef != nullptr) {
         Record(mRef)->polyPath = 0; // the path stays the source's
     }
+    return *this;
 }
 
-void CFPolygonRef::CFPolygonCreate(std::vector<TPoint<double>> const& pts) {
+CFPolygonRef& CFPolygonRef::CFPolygonCreate(std::vector<TPoint<double>> const& pts) {
     CFPolygonCreate(static_cast<long>(pts.size()));
     if (mRef != nullptr) {
         BlockMove(pts.data(), Bytes(mRef) + kHeaderSize,
                   kPointSize * static_cast<long>(pts.size()));
     }
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::CFPolygonCreate(TRect<double> const& r, double angle) {
+CFPolygonRef& CFPolygonRef::CFPolygonCreate(TRect<double> const& r, double angle) {
     TPoint<double> const corners[] = {r.TopLeft(), r.TopRight(), r.BottomRight(), r.BottomLeft(),
                                       r.TopLeft()};
     TPoint<double> const centre = r.MidPt();
     CFPolygonCreate(5L);
     if (mRef == nullptr) {
-        return;
+        return *this;
     }
     for (long i = 0; i < 5; ++i) {
         TPoint<double> p = corners[i];
@@ -120,14 +123,16 @@ void CFPolygonRef::CFPolygonCreate(TRect<double> const& r, double angle) {
         trammel_detail::WriteFPolygonPoint(Bytes(mRef), i, p);
     }
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::Dispose() {
+CFPolygonRef& CFPolygonRef::Dispose() {
     if (mRef != nullptr) {
         ReleaseCachedPath(mRef);
         DisposeHandle(AsHandle(mRef));
         mRef = nullptr;
     }
+    return *this;
 }
 
 long CFPolygonRef::DataSize() const { return GetHandleSize(AsHandle(mRef)); }
@@ -178,21 +183,23 @@ bool CFPolygonRef::Contains(TPoint<double> const& p) const {
     return odd;
 }
 
-void CFPolygonRef::SetSize(long n) {
+CFPolygonRef& CFPolygonRef::SetSize(long n) {
     long const size = BlockSize(n);
     if (mRef != nullptr && size >= 0 && SetHandleSize(AsHandle(mRef), size) == noErr) {
         InvalBounds();
     }
+    return *this;
 }
 
-void CFPolygonRef::SetPolyPoints(long i, TPoint<double> const& p) {
+CFPolygonRef& CFPolygonRef::SetPolyPoints(long i, TPoint<double> const& p) {
     if (i >= 0 && i <= LastIndex()) {
         trammel_detail::WriteFPolygonPoint(Bytes(mRef), i, p);
         InvalBounds();
     }
+    return *this;
 }
 
-void CFPolygonRef::Append(TPoint<double> const& p) {
+CFPolygonRef& CFPolygonRef::Append(TPoint<double> const& p) {
     TPoint<double> const point = p;
     long const sizeBefore = DataSize();
     AppendHandle(mRef, point);
@@ -200,29 +207,31 @@ void CFPolygonRef::Append(TPoint<double> const& p) {
         GrowBounds(mRef, point);
         ReleaseCachedPath(mRef);
     }
+    return *this;
 }
 
-void CFPolygonRef::Insert(long i, TPoint<double> const& p) {
+CFPolygonRef& CFPolygonRef::Insert(long i, TPoint<double> const& p) {
     if (mRef == nullptr) {
-        return;
+        return *this;
     }
     TPoint<double> const point = p;
     long const index = std::clamp(i, 0L, std::max(LastIndex() + 1, 0L));
     long const oldSize = DataSize();
     GrowHandle(AsHandle(mRef), kPointSize);
     if (DataSize() == oldSize) {
-        return;
+        return *this;
     }
     char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), index);
     BlockMove(place, place + kPointSize, Bytes(mRef) + oldSize - place);
     trammel_detail::WriteFPolygonPoint(Bytes(mRef), index, point);
     GrowBounds(mRef, point);
+    return *this;
 }
 
-void CFPolygonRef::Delete(long i, long count) {
+CFPolygonRef& CFPolygonRef::Delete(long i, long count) {
     long const last = LastIndex();
     if (i < 0 || i > last || count < 0) {
-        return;
+        return *this;
     }
     long const removed = std::min(count, last - i + 1);
     char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), i);
@@ -230,13 +239,15 @@ void CFPolygonRef::Delete(long i, long count) {
     BlockMove(rest, place, Bytes(mRef) + DataSize() - rest);
     GrowHandle(AsHandle(mRef), -kPointSize * removed);
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::SetClosed(bool c) {
+CFPolygonRef& CFPolygonRef::SetClosed(bool c) {
     if (mRef != nullptr && Closed() != c) {
         Record(mRef)->polyClosed = c ? 1 : 0;
         InvalBounds();
     }
+    return *this;
 }
 
 void CFPolygonRef::InvalBounds() const {
@@ -263,37 +274,42 @@ void CFPolygonRef::CalcBounds() const {
     Record(mRef)->polyBoundsValid = 1;
 }
 
-void CFPolygonRef::Offset(TPoint<double> const& d) {
+CFPolygonRef& CFPolygonRef::Offset(TPoint<double> const& d) {
     ForEachPoint(*this, [by = d](TPoint<double>& p) { p += by; });
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::Scale(double s) {
+CFPolygonRef& CFPolygonRef::Scale(double s) {
     if (s != 1.0) {
         Scale(s, s);
     }
+    return *this;
 }
 
-void CFPolygonRef::Scale(double sx, double sy) {
+CFPolygonRef& CFPolygonRef::Scale(double sx, double sy) {
     if (sx == 1.0 && sy == 1.0) {
-        return;
+        return *this;
     }
     ForEachPoint(*this, [=](TPoint<double>& p) { p.Scale(sx, sy); });
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
+CFPolygonRef& CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
     ForEachPoint(*this, [=](TPoint<double>& p) { p.Rotate(angle, center); });
     InvalBounds();
+    return *this;
 }
 
-void CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& to) {
+CFPolygonRef& CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& to) {
     // One matrix serves all points: it is the one that TPoint::Map builds each time.
     CMatrix3x3 const m = CMatrix3x3().Map(from, to);
     ForEachPoint(*this, [&m](TPoint<double>& p) { p.Transform(m); });
     if (LastIndex() >= 0) {
         InvalBounds();
     }
+    return *this;
 }
 
 MacPolygon** CFPolygonRef::CreateQDPoly() const {

@@ -12,7 +12,8 @@
 // reference.
 //
 // Indexes run from 0 to LastIndex(). Outside of it, reading gives (0, 0) and writing does nothing.
-// Short memory leaves the polygon as it was.
+// Short memory leaves the polygon as it was. Members that change it return the reference, so that
+// they can be chained.
 //
 // Caches: the bounds are computed when asked for and kept until the points change; the drawing path
 // is released when the points change. One thread at a time for one block.
@@ -57,18 +58,18 @@ public:
 
     /// Creates `n` points at (0, 0), open, bounds not computed. A negative or enormous `n` and
     /// short memory give a null reference.
-    void CFPolygonCreate(long n);
+    CFPolygonRef& CFPolygonCreate(long n);
     /// Creates a copy of the polygon of `src`; the drawing path is not copied.
-    void CFPolygonCreate(CFPolygonRef const& src);
+    CFPolygonRef& CFPolygonCreate(CFPolygonRef const& src);
     /// Creates an open polygon of the given points.
-    void CFPolygonCreate(std::vector<TPoint<double>> const& pts);
+    CFPolygonRef& CFPolygonCreate(std::vector<TPoint<double>> const& pts);
     /// Creates the five points top-left, top-right, bottom-right, bottom-left, top-left of `r`,
     /// turned by `angle` radians about the rectangle's centre unless it is 0. The closed flag stays
     /// off. A NaN angle gives NaN points.
-    void CFPolygonCreate(TRect<double> const& r, double angle);
+    CFPolygonRef& CFPolygonCreate(TRect<double> const& r, double angle);
 
     /// Releases the cached path, frees the block and makes this reference null.
-    void Dispose();
+    CFPolygonRef& Dispose();
 
     // Query
 
@@ -112,21 +113,21 @@ public:
 
     /// Makes the polygon `n` points long; new points are (0, 0). A negative or enormous `n` changes
     /// nothing.
-    void SetSize(long n);
+    CFPolygonRef& SetSize(long n);
     /// Stores point `i`; nothing outside 0..LastIndex().
-    void SetPolyPoints(long i, TPoint<double> const& p);
+    CFPolygonRef& SetPolyPoints(long i, TPoint<double> const& p);
     /// Adds a point at the end, in O(1) amortised. A current bounds cache grows with it; the cached
     /// path is released.
-    void Append(TPoint<double> const& p);
+    CFPolygonRef& Append(TPoint<double> const& p);
     /// Inserts a point before point `i` (i = number of points appends; other indexes outside are
     /// taken to the nearer end). A current bounds cache grows with it. Unlike after Append, a
     /// cached path stays as it was.
-    void Insert(long i, TPoint<double> const& p);
+    CFPolygonRef& Insert(long i, TPoint<double> const& p);
     /// Removes `count` points from point `i` on, at most those that follow; nothing for a negative
     /// index or count.
-    void Delete(long i, long count);
+    CFPolygonRef& Delete(long i, long count);
     /// Sets the closed flag. When it changes, bounds and path are dropped.
-    void SetClosed(bool c);
+    CFPolygonRef& SetClosed(bool c);
     /// Drops the cached bounds (which become null) and the cached path. Const, as the caches live
     /// in the block.
     void InvalBounds() const;
@@ -136,15 +137,15 @@ public:
     // Geometry: each works on every point and drops the caches; O(n)
 
     /// Moves by `d`.
-    void Offset(TPoint<double> const& d);
+    CFPolygonRef& Offset(TPoint<double> const& d);
     /// Scales about the origin; nothing (caches included) for s = 1.
-    void Scale(double s);
+    CFPolygonRef& Scale(double s);
     /// Scales about the origin with one factor for each direction; nothing when both are 1.
-    void Scale(double sx, double sy);
+    CFPolygonRef& Scale(double sx, double sy);
     /// Rotates by `angle` radians about `center`, as TPoint::Rotate does.
-    void Rotate(double angle, TPoint<double> const& center);
+    CFPolygonRef& Rotate(double angle, TPoint<double> const& center);
     /// Moves as the transform that carries rectangle `from` onto `to` does (CMatrix3x3::Map).
-    void Map(TRect<double> const& from, TRect<double> const& to);
+    CFPolygonRef& Map(TRect<double> const& from, TRect<double> const& to);
 
     // Convert
 

@@ -160,12 +160,13 @@ template <class Item> void Reserve(std::vector<Item>& items, std::size_t more) {
 
 CPath::CPath() { clear(); }
 
-void CPath::clear() {
+CPath& CPath::clear() {
     mCtls.clear();
     mPts.clear();
     mOpen = false;
     mCurrentPt.SetNull();
     mBounds.SetNull();
+    return *this;
 }
 
 // Called before an operation writes anything: what follows cannot run out of memory half-way.
@@ -174,16 +175,20 @@ void CPath::MakeRoom(std::size_t codes, std::size_t points) {
     Reserve(mPts, points);
 }
 
-void CPath::AddCtl(char code) { mCtls.push_back(code); }
+CPath& CPath::AddCtl(char code) {
+    mCtls.push_back(code);
+    return *this;
+}
 
-void CPath::AddPt(TPoint<double> const& p) {
+CPath& CPath::AddPt(TPoint<double> const& p) {
     TPoint<double> const point = p;
     mPts.push_back(point);
     mCurrentPt = point;
     mBounds |= point;
+    return *this;
 }
 
-void CPath::MoveTo(TPoint<double> const& p) {
+CPath& CPath::MoveTo(TPoint<double> const& p) {
     TPoint<double> const to = p;
     MakeRoom(1, 1);
     if (!mCtls.empty() && mCtls.back() == kPathMove && !mPts.empty()) {
@@ -193,9 +198,10 @@ void CPath::MoveTo(TPoint<double> const& p) {
     AddCtl(kPathMove);
     AddPt(to);
     mOpen = true;
+    return *this;
 }
 
-void CPath::LineTo(TPoint<double> const& p) {
+CPath& CPath::LineTo(TPoint<double> const& p) {
     TPoint<double> const to = p;
     if (!mOpen) {
         MoveTo(to);
@@ -204,25 +210,28 @@ void CPath::LineTo(TPoint<double> const& p) {
         AddCtl(kPathLine);
         AddPt(to);
     }
+    return *this;
 }
 
-void CPath::CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint<double> const& e) {
+CPath& CPath::CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint<double> const& e) {
     TPoint<double> const points[] = {c1, c2, e};
     if (mOpen && points[2] == mCurrentPt) {
-        return;
+        return *this;
     }
     MakeRoom(1, 3);
     AddCtl(kPathCurve);
     for (TPoint<double> const& p : points) {
         AddPt(p);
     }
+    return *this;
 }
 
-void CPath::ClosePath() {
+CPath& CPath::ClosePath() {
     if (mOpen) {
         AddCtl(kPathClose);
     }
     mOpen = false;
+    return *this;
 }
 
 template <class Scale>
@@ -265,16 +274,18 @@ void CPath::AddArc(TPoint<double> center, double startAngle, double sweep, Scale
     }
 }
 
-void CPath::Arc(TPoint<double> const& center, double hRadius, double vRadius, double startAngle,
-                double sweep) {
+CPath& CPath::Arc(TPoint<double> const& center, double hRadius, double vRadius, double startAngle,
+                  double sweep) {
     AddArc(center, startAngle, sweep, [=](TPoint<double>& p) { p.Scale(hRadius, vRadius); });
+    return *this;
 }
 
-void CPath::Arc(TPoint<double> const& center, double radius, double startAngle, double sweep) {
+CPath& CPath::Arc(TPoint<double> const& center, double radius, double startAngle, double sweep) {
     AddArc(center, startAngle, sweep, [=](TPoint<double>& p) { p.Scale(radius); });
+    return *this;
 }
 
-void CPath::RRect(TRect<double> r, double corner) {
+CPath& CPath::RRect(TRect<double> r, double corner) {
     typedef TPoint<double> Pt;
     double const rad = std::min(std::min(r.Width() / 2.0, r.Height() / 2.0), corner / 2.0);
     MakeRoom(10, 17);
@@ -288,13 +299,14 @@ void CPath::RRect(TRect<double> r, double corner) {
     LineTo(Pt(r.left, r.top + rad));
     CurveTo(Pt(r.left, r.top + rad), Pt(r.left, r.top), Pt(r.left + rad, r.top));
     ClosePath();
+    return *this;
 }
 
-void CPath::Append(CPath const& other) {
+CPath& CPath::Append(CPath const& other) {
     if (&other == this) {
         CPath const copy(other);
         Append(copy);
-        return;
+        return *this;
     }
     MakeRoom(other.mCtls.size(), other.mPts.size());
     mCtls.erase(std::remove(mCtls.begin(), mCtls.end(), kPathClose), mCtls.end());
@@ -311,6 +323,7 @@ void CPath::Append(CPath const& other) {
             break;
         }
     }
+    return *this;
 }
 
 unsigned long CPath::size() const { return mCtls.size() + mPts.size() * sizeof(TPoint<double>); }

@@ -16,7 +16,7 @@
 //
 // Nothing is cached between calls but the bounds of the points: each measuring call costs O(n) plus
 // the flattening of every curve. Memory exhaustion is std::bad_alloc; a building operation then
-// leaves the path as it was.
+// leaves the path as it was. Building operations return the path, so that they can be chained.
 //
 // One thread at a time, as measuring uses the class-wide settings of CBezier.
 
@@ -64,52 +64,64 @@ public:
     CPath();
     CPath(CPath const&) = default;
     CPath(CPath&&) = default;
-    CPath& operator=(CPath const&) = default;
+    /// Copies all fields; nothing when `other` is this path.
+    CPath& operator=(CPath const& other) {
+        if (this != &other) {
+            mCtls.reserve(other.mCtls.size()); // from here on memory cannot run out half-way
+            mPts.reserve(other.mPts.size());
+            mCtls = other.mCtls;
+            mPts = other.mPts;
+            mCurrentPt = other.mCurrentPt;
+            mOpen = other.mOpen;
+            mBounds = other.mBounds;
+        }
+        return *this;
+    }
     CPath& operator=(CPath&&) = default;
     ~CPath() = default;
 
     // Build
 
     /// Makes the path empty, its current point (0, 0).
-    void clear();
+    CPath& clear();
     /// Starts a subpath at `p`. Replaces a move directly before it, whose point stays in the cached
     /// bounds.
-    void MoveTo(TPoint<double> const& p);
+    CPath& MoveTo(TPoint<double> const& p);
     /// Adds a line to `p`, or a move when no subpath is open, or nothing when `p` equals the
     /// current point.
-    void LineTo(TPoint<double> const& p);
+    CPath& LineTo(TPoint<double> const& p);
     /// Adds a curve by way of the control points `c1` and `c2` to `e`. With an open subpath nothing
     /// when `e` equals the current point, whatever the control points are. Without one the curve is
     /// added with no move before it, and no subpath is open after it either.
-    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint<double> const& e);
+    CPath& CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint<double> const& e);
     /// Closes the subpath, if one is open. The current point stays where it is.
-    void ClosePath();
+    CPath& ClosePath();
     /// Adds an elliptical arc around `center`: LineTo its start, then one curve for each started
     /// quarter turn, and one more where the quarters come out even. No sweep adds the line only.
     /// \param startAngle,sweep radians; 0 is the +h direction, a positive sweep turns toward +v.
     ///        A sweep that is NaN, infinite or beyond 2^31 quarter turns adds the start point only.
     /// \param hRadius,vRadius coordinate units; negative ones mirror. Greatest deviation from the
     ///        true ellipse 2.7e-4 of the radius at a quarter turn, 4.2e-6 at an eighth.
-    void Arc(TPoint<double> const& center, double hRadius, double vRadius, double startAngle,
-             double sweep);
+    CPath& Arc(TPoint<double> const& center, double hRadius, double vRadius, double startAngle,
+               double sweep);
     /// Adds a circular arc, as above.
-    void Arc(TPoint<double> const& center, double radius, double startAngle, double sweep);
+    CPath& Arc(TPoint<double> const& center, double radius, double startAngle, double sweep);
     /// Adds a closed rounded rectangle, starting on the top edge toward the right.
     ///
     /// `corner` is the diameter of a corner, limited to the shorter side; 0 gives a plain
     /// rectangle. Each corner curve has its first control point on its own start and its second on
     /// the rectangle's corner: the platform's shape, not a circular quarter.
-    void RRect(TRect<double> r, double corner);
+    CPath& RRect(TRect<double> r, double corner);
     /// Appends another path, dropping every close of both: its moves and lines become lines, its
     /// curves curves, under the joining rules. The result is one continuous path as far as they
     /// allow. Appending a path to itself appends a copy.
-    void Append(CPath const& other);
+    CPath& Append(CPath const& other);
 
     /// Appends an element code and nothing else; the caller keeps codes and points consistent.
-    void AddCtl(char code);
+    CPath& AddCtl(char code);
     /// Appends a point, which becomes the current point and grows the cached bounds; the caller
     /// keeps codes and points consistent.
-    void AddPt(TPoint<double> const& p);
+    CPath& AddPt(TPoint<double> const& p);
 
     // Query
 

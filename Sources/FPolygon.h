@@ -65,9 +65,10 @@ struct FPolygon {
     }
     /// Stores point `i` and marks the bounds invalid; no checks: the block must hold it. Leaves the
     /// stale bounds and the cached path in place, which CFPolygonRef::SetPolyPoints does not.
-    void SetPolyPoints(long i, TPoint<double> const& p) {
+    FPolygon& SetPolyPoints(long i, TPoint<double> const& p) {
         trammel_detail::WriteFPolygonPoint(reinterpret_cast<char*>(this), i, p);
         polyBoundsValid = 0;
+        return *this;
     }
 };
 

@@ -117,8 +117,9 @@ template <class T> struct TRAMMEL_API TLine {
         return d.h * e.h + d.v * e.v;
     }
     /// The cosine of the angle between the two directions. Within 1e-15 (inclusive) of 1 or -1 it
-    /// is exactly that. A zero-length line gives NaN; so do directions whose squared lengths
-    /// multiply to infinity or underflow to zero together with the product.
+    /// is exactly that. A zero-length line gives NaN. The product of the two squared lengths
+    /// overflows when both are longer than about 1e77 and underflows when both are shorter than
+    /// about 1e-81: the result is then no cosine but 0, an infinity or NaN.
     double CosTheta(TLine const& other) const;
     /// The angle between the two directions in [0, pi]; NaN where CosTheta is or where it
     /// exceeds 1.
@@ -149,13 +150,14 @@ template <class T> struct TRAMMEL_API TLine {
     }
     /// The distance from `p` to the infinite line, not to the segment.
     double Distance(TPoint<T> const& p) const { return TLine(p, PerpendicularPt(p)).Length(); }
-    /// True when `p` is within `tolerance` (coordinate units) of the segment.
+    /// True when `p` is about within `tolerance` (coordinate units) of the segment.
     ///
     /// The point has to lie in the segment's box grown by the tolerance. A segment shorter than the
     /// tolerance (exclusive) in either direction is then hit; any other is when the vertical or the
-    /// horizontal offset of the point from its line is within the tolerance (inclusive). On slanted
-    /// lines this admits a little more than the perpendicular distance would. A negative tolerance
-    /// shrinks the box. NaN gives false.
+    /// horizontal offset of the point from its line is within the tolerance (inclusive). Beside a
+    /// slanted line this reaches less far than the perpendicular distance would (at 45 degrees as
+    /// far as tolerance/sqrt(2)), beyond its ends a little farther. A negative tolerance and NaN
+    /// give false.
     bool HitTest(TPoint<T> const& p, double tolerance) const;
     /// Stores the crossing of the two infinite lines in `where` and returns true; false, with
     /// `where` untouched, when either line has coincident points or the cosine of their angle is

@@ -184,9 +184,11 @@ template <class T> TPolygon<T>& TPolygon<T>::Transform(CMatrix3x3 const& m) {
 
 template <class T> void TPolygon<T>::GetEdge(long index, TPoint<T>& a, TPoint<T>& b) const {
     TRAMMEL_ASSERT(index >= 0, "GetEdge");
+    // Both are read before one is written: the outputs may be vertices of this polygon.
     TPoint<T> const start = GetPt(index);
-    b = GetPt(index == LastIndex() ? 0 : index + 1);
+    TPoint<T> const end = GetPt(index == LastIndex() ? 0 : index + 1);
     a = start;
+    b = end;
 }
 
 template <class T> void TPolygon<T>::GetEdge(long index, TLine<T>& line) const {
@@ -236,10 +238,11 @@ template <class T> void TPolygon<T>::CalcBounds() const {
     (*mHandle)->mBounds = bounds;
 }
 
-template <class T> void TPolygon<T>::InvalBounds() {
+template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
     if (mHandle != nullptr) {
         (*mHandle)->mBoundsValid = 0;
     }
+    return *this;
 }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {

@@ -128,7 +128,7 @@ public:
     /// bounds are then still null.
     void CalcBounds() const;
     /// Marks the bounds cache as not current.
-    void InvalBounds();
+    TPolygon& InvalBounds();
 
     // Geometry
 
@@ -141,14 +141,15 @@ public:
     bool Contains(TPoint<T> p) const;
     /// The point at fraction `t` of Length() along the edges. 0 gives the first and 1 the last
     /// vertex exactly (also of a closed polygon, whose path ends at the first), t > 1 the last
-    /// vertex, t < 0 a point on the first edge extended backward. Asserts a vertex. O(n).
+    /// vertex, t < 0 a point on the first edge extended backward; NaN gives the last vertex, and a
+    /// `t` that falls on an edge of length 0 NaN. Asserts a vertex. O(n).
     TPoint<T> TPt(double t) const;
     /// The point at fraction `t`, limited to [0, 1], of the open chain's length.
     ///
     /// `table` is what BuildLTable made of the current vertices; null has it built for this call
     /// (O(n)), otherwise the call costs O(log n). Fractions below 0.0001 in magnitude give vertex
-    /// 0. A table shorter than the vertices is searched as far as it reaches; with fewer than two
-    /// entries the answer is vertex 0. A polygon without vertices asserts.
+    /// 0, NaN gives NaN. A table shorter than the vertices is searched as far as it reaches; with
+    /// fewer than two entries the answer is vertex 0. A polygon without vertices asserts.
     TPoint<T> TPt(double t, std::vector<double>* table) const;
     /// The point at `distance` along the open chain from its start or, with `fromStart` false, from
     /// its end: the distance is divided by Length(), closing edge included, and the fraction is

@@ -39,7 +39,7 @@ template <class T> bool ExtentsMeet(T a1, T a2, T b1, T b2) {
     T bHi;
     minmax(aLo, aHi, a1, a2);
     minmax(bLo, bHi, b1, b2);
-    // Negated, so that a NaN counts as meeting.
+    // Negated, so that an extent that minmax made NaN counts as meeting.
     return !(bLo > aHi) && !(aLo > bHi);
 }
 

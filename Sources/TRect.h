@@ -276,7 +276,8 @@ template <class T> struct TRAMMEL_API TRect {
         return *this;
     }
     /// Grows to include `p`; a null rectangle becomes the degenerate rectangle at `p` (so the
-    /// origin is forgotten when it comes first). A NaN coordinate of `p` is overlooked.
+    /// origin is forgotten when it comes first). A rectangle that is not null overlooks a NaN
+    /// coordinate.
     TRect& operator|=(TPoint<T> const& p) {
         if (Null()) {
             *this = TRect(p, p);
@@ -383,7 +384,10 @@ private:
 template <class T> bool SectTRect(TRect<T> const& a, TRect<T> const& b, TRect<T>& out);
 
 /// True when two rectangles meet, touching included; their corners may be in any order. The cheap
-/// test where only yes or no is needed. A NaN counts as meeting. T is double or short.
+/// test where only yes or no is needed. T is double or short.
+///
+/// A NaN in `right` or `bottom` makes that direction count as meeting; with a NaN in `left` or
+/// `top` that direction shrinks to its other edge (see minmax).
 template <class T> bool NaiveSectTRect(TRect<T> const& a, TRect<T> const& b);
 
 /// Applies `ValidateFloat` (UHygiene.h) to left, top, right and bottom in this order, up to the

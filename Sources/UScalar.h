@@ -54,8 +54,8 @@ template <class T> inline bool EqualTPt(TPoint<T> const& a, TPoint<T> const& b, 
 }
 
 /// The point at parameter `t` of the segment from `a` (t = 0) to `b` (t = 1): a + (b - a)·t.
-/// `t` is not limited to [0, 1]; at t = 1 the result can differ from b in the last bit. NaN and
-/// infinities propagate. T is double.
+/// `t` is not limited to [0, 1]; at t = 1 the result can differ from b by the rounding of b - a.
+/// NaN and infinities propagate. T is double.
 template <class T> inline TPoint<T> TPt(TPoint<T> const& a, TPoint<T> const& b, double t) {
     static_assert(std::is_same_v<T, double>, "TPt exists for double only");
     return a + (b - a) * t;
@@ -68,7 +68,7 @@ template <class T> inline TPoint<T> MidPt(TPoint<T> const& a, TPoint<T> const& b
 }
 
 /// Distance between two points by `hypot`: choose this when coordinates may be huge or tiny, as no
-/// intermediate overflows or underflows. T is double.
+/// square overflows or underflows on the way. T is double.
 template <class T> inline double Hypotenuse(TPoint<T> const& a, TPoint<T> const& b) {
     static_assert(std::is_same_v<T, double>, "Hypotenuse exists for double only");
     return std::hypot(b.h - a.h, b.v - a.v);

@@ -10,9 +10,8 @@ void SinCos(double angle, double& sinOut, double& cosOut) {
         sinOut = 0.0;
         cosOut = -1.0;
     } else if (std::abs(angle) == pi / 2.0) {
-        // The sign is decided before anything is written: the outputs may be the caller's angle.
-        sinOut = angle < 0.0 ? -1.0 : 1.0;
         cosOut = 0.0;
+        sinOut = angle < 0.0 ? -1.0 : 1.0;
     } else {
         sinOut = std::sin(angle);
         cosOut = std::cos(angle);

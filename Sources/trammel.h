@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Everything in the library, but for the additions that need other libraries' headers.
+// Everything in the library, but for the additions that need other libraries' headers: include
+// CairoSink.h yourself.
 
 #ifndef TRAMMEL_TRAMMEL_H
 #define TRAMMEL_TRAMMEL_H
@@ -18,6 +19,7 @@
 #include "Log.h"
 #include "PathObject.h"
 #include "Records.h"
+#include "SvgPath.h"
 #include "TLine.h"
 #include "TPoint.h"
 #include "TPoly.h"
