@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+//
+// CairoSink: draws paths with Cairo.
+//
+// Header-only, and in no other header of the library: who includes it needs Cairo's headers and
+// links with Cairo (pkg-config cairo); the library itself does not.
+//
+//     trammel::DrawPath(cr, path);
+//     cairo_fill(cr);
+//
+// Only adds to the context's current path: colours, line width, fill rule, transform and the
+// drawing itself stay with the caller. One thread at a time for one context.
+
+#ifndef TRAMMEL_CAIROSINK_H
+#define TRAMMEL_CAIROSINK_H
+
+#include "CPath.h"
+#include "CPathActions.h"
+
+#include <cairo.h>
+
+#include <cmath>
+
+namespace trammel {
+
+/// The visitor that hands a path's elements to a Cairo context: `path.ForAll(sink)`.
+///
+/// Draws what CPath measures. A curve or line with no move before it starts at (0, 0) in front and
+/// at the last point drawn after a close; the context's own current point plays no part.
+///
+/// A segment of which any point, its start included, is NaN or infinite is left out, and leaves a
+/// gap: Cairo never sees such a number, and the segments around are drawn as they are. A subpath
+/// with a gap is closed by a line. Finite points are passed on whatever their size; Cairo holds
+/// device coordinates as fixed-point numbers and cannot draw those beyond about ±8 million right.
+///
+/// After an error the context ignores what it is given, as with every Cairo call; ask
+/// cairo_status().
+class CairoSink : public CPathActions {
+public:
+    /// Draws into `cairo`, which is neither referenced nor released: it must outlive the sink's
+    /// use.
+    explicit CairoSink(cairo_t* cairo) : mCairo(cairo) {}
+
+    void MoveTo(TPoint<double> const& p) override {
+        mFrom = p;
+        mJoined = IsFinite(p);
+        mWhole = mJoined;
+        if (mJoined) {
+            cairo_move_to(mCairo, p.h, p.v);
+        }
+    }
+    void LineTo(TPoint<double> const& p) override {
+        if (Begin(IsFinite(p))) {
+            cairo_line_to(mCairo, p.h, p.v);
+        }
+        mFrom = p;
+    }
+    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
+                 TPoint<double> const& e) override {
+        if (Begin(IsFinite(c1) && IsFinite(c2) && IsFinite(e))) {
+            cairo_curve_to(mCairo, c1.h, c1.v, c2.h, c2.v, e.h, e.v);
+        }
+        mFrom = e;
+    }
+    void ClosePath() override {
+        TPoint<double> const start = GetStartPt();
+        if (mJoined && mWhole) {
+            cairo_close_path(mCairo);
+        } else if (Begin(IsFinite(start))) {
+            cairo_line_to(mCairo, start.h, start.v);
+        }
+        mJoined = false; // what follows is measured from mFrom, the last point drawn
+    }
+
+private:
+    static bool IsFinite(TPoint<double> const& p) {
+        return std::isfinite(p.h) && std::isfinite(p.v);
+    }
+
+    /// Puts Cairo where the segment starts, if it can be drawn.
+    bool Begin(bool drawable) {
+        if (!drawable || !IsFinite(mFrom)) {
+            mJoined = false;
+            return false;
+        }
+        if (!mJoined || cairo_has_current_point(mCairo) == 0) {
+            cairo_move_to(mCairo, mFrom.h, mFrom.v);
+            mJoined = true;
+            mWhole = mFrom == GetStartPt();
+        }
+        return true;
+    }
+
+    cairo_t* mCairo;
+    TPoint<double> mFrom; ///< where the next segment starts as measured
+    bool mJoined = false; ///< Cairo's current point is mFrom
+    bool mWhole = false;  ///< Cairo's subpath starts where ours does
+};
+
+/// Adds `path` to the current path of `cairo`, as CairoSink says. Cost O(n).
+inline void DrawPath(cairo_t* cairo, CPath const& path) {
+    CairoSink sink(cairo);
+    path.ForAll(sink);
+}
+
+} // namespace trammel
+
+#endif
