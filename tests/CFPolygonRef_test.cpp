@@ -1,0 +1,1175 @@
+// SPDX-License-Identifier: MIT
+#include "CFPolygonRef.h"
+
+#include "CMatrix3x3.h"
+#include "TPoly.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using trammel_test::kHuge;
+using trammel_test::kInf;
+using trammel_test::kNaN;
+using trammel_test::Text;
+
+using Points = std::vector<TPoint<double>>;
+
+FPolygon* Record(CFPolygonRef const& ref) { return *static_cast<FPolygon**>(ref); }
+
+std::string Contents(CFPolygonRef const& ref) {
+    Handle const h = reinterpret_cast<Handle>(ref.mRef);
+    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
+}
+
+Points PointsOf(CFPolygonRef const& ref) {
+    Points points;
+    for (long i = 0; i <= ref.LastIndex(); ++i) {
+        points.push_back(ref.PolyPoints(i));
+    }
+    return points;
+}
+
+CFPolygonRef Polygon(Points const& points) {
+    CFPolygonRef ref;
+    ref.CFPolygonCreate(points);
+    return ref;
+}
+
+/// Gives the polygon a cached path, which the caller shares, as the application's builder would.
+CGPath* CachePath(CFPolygonRef const& ref) {
+    CGPath* const path = CGPathCreateMutable();
+    CGPathRetain(path);
+    Record(ref)->polyPath = trammel_detail::StorePath(path, ref.mRef);
+    EXPECT_NE(Record(ref)->polyPath, 0);
+    return path;
+}
+
+CGPath* CachedPath(CFPolygonRef const& ref) {
+    return trammel_detail::PathForToken(Record(ref)->polyPath, ref.mRef);
+}
+
+/// The crossing rule, written out: the plain form of what Contains answers.
+bool PlainContains(Points const& points, TPoint<double> const& p) {
+    std::size_t const n = points.size();
+    std::size_t edges = n;
+    if (n > 0 && points[0] == points[n - 1]) {
+        edges = n - 1;
+    }
+    int count = 0;
+    for (std::size_t i = 0; i < edges; ++i) {
+        double const av = points[i].v;
+        double const ah = points[i].h;
+        double const bv = points[(i + 1) % n].v;
+        double const bh = points[(i + 1) % n].h;
+        double const lowV = bv < av ? bv : av;
+        double const highV = av < bv ? bv : av;
+        if (!(lowV <= p.v) || !(p.v < highV)) {
+            continue;
+        }
+        if (p.h < (bh < ah ? bh : ah)) {
+            continue;
+        }
+        if (p.h > (ah < bh ? bh : ah)) {
+            ++count;
+            continue;
+        }
+        double const slope = (ah - bh) / (av - bv);
+        double const crossing = ah - (av - p.v) * slope;
+        if (p.h > crossing) {
+            ++count;
+        }
+    }
+    return count % 2 == 1;
+}
+
+class HandlePolygon : public trammel_test::WithoutLeaks {
+protected:
+    /// A reference that is disposed after the test.
+    CFPolygonRef& Keep(CFPolygonRef ref) {
+        mKept.push_back(std::make_unique<CFPolygonRef>(ref));
+        return *mKept.back();
+    }
+    void TearDown() override {
+        for (auto const& ref : mKept) {
+            ref->Dispose();
+        }
+        WithoutLeaks::TearDown();
+    }
+
+private:
+    std::vector<std::unique_ptr<CFPolygonRef>> mKept;
+};
+
+// Creation and lifetime
+
+TEST_F(HandlePolygon, ReferencesAreNullOrEmptyOnDemand) {
+    EXPECT_EQ(CFPolygonRef().mRef, nullptr);
+    EXPECT_EQ(CFPolygonRef(false).mRef, nullptr);
+    CFPolygonRef& ref = Keep(CFPolygonRef(true));
+    EXPECT_TRUE(static_cast<bool>(ref));
+    EXPECT_EQ(ref.DataSize(), 44);
+    EXPECT_EQ(ref.LastIndex(), -1);
+    EXPECT_EQ(ref.EdgeCount(), -2);
+    EXPECT_EQ(ref.GeometryEdgeCount(), -1);
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(ref.Bounds()), "[0, 0, 0, 0]");
+    EXPECT_FALSE(ref.Contains(TPoint<double>(0, 0)));
+    EXPECT_EQ(Contents(ref).substr(8), std::string(36, '\0'));
+}
+
+TEST_F(HandlePolygon, AReferenceIsAPlainPointer) {
+    static_assert(sizeof(CFPolygonRef) == sizeof(void*));
+    static_assert(std::is_trivially_copyable_v<CFPolygonRef>);
+    static_assert(std::is_trivially_destructible_v<CFPolygonRef>);
+    static_assert(!std::is_convertible_v<bool, CFPolygonRef>);
+    static_assert(!std::is_convertible_v<int, CFPolygonRef>);
+    static_assert(!std::is_polymorphic_v<CFPolygonRef>);
+    CFPolygonRef& ref = Keep(CFPolygonRef(true));
+    EXPECT_EQ(static_cast<void*>(static_cast<FPolygon**>(ref)), static_cast<void*>(ref.mRef));
+    EXPECT_EQ(static_cast<FPolygon**>(CFPolygonRef()), nullptr);
+    EXPECT_FALSE(static_cast<bool>(CFPolygonRef()));
+}
+
+TEST_F(HandlePolygon, CreatesThatManyPointsAtTheOrigin) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    ref.CFPolygonCreate(3);
+    EXPECT_EQ(ref.DataSize(), 92);
+    EXPECT_EQ(ref.LastIndex(), 2);
+    EXPECT_EQ(Text(PointsOf(ref)), "(0, 0) (0, 0) (0, 0)");
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Contents(ref), std::string(92, '\0'));
+}
+
+TEST_F(HandlePolygon, ImpossibleNumbersOfPointsMakeNoBlock) {
+    for (long const n : {-1L, -3L, LONG_MIN, LONG_MAX, LONG_MAX / 16, LONG_MAX / 16 - 2,
+                         LONG_MIN / 16, (1L << 60) + 1}) {
+        CFPolygonRef ref;
+        ref.CFPolygonCreate(n);
+        EXPECT_EQ(ref.mRef, nullptr) << n;
+        ref.Dispose();
+    }
+}
+
+TEST_F(HandlePolygon, CreatesFromAListOfPoints) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    ref.CFPolygonCreate(Points{{1, 2}, {-3, 4.5}, {kInf, kNaN}});
+    EXPECT_EQ(ref.DataSize(), 92);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (-3, 4.5) (inf, nan)");
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    CFPolygonRef& empty = Keep(CFPolygonRef());
+    empty.CFPolygonCreate(Points());
+    EXPECT_EQ(empty.DataSize(), 44);
+}
+
+TEST_F(HandlePolygon, CreatesFiveOpenPointsFromARectangle) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    ref.CFPolygonCreate(TRect<double>(1, 2, 5, 4), 0.0);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (5, 2) (5, 4) (1, 4) (1, 2)");
+    EXPECT_EQ(ref.PolyPoints(4), ref.PolyPoints(0));
+    EXPECT_EQ(ref.GeometryEdgeCount(), 3);
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_TRUE(ref.Contains(TPoint<double>(3, 3)));
+    EXPECT_FALSE(ref.Contains(TPoint<double>(6, 3)));
+
+    CFPolygonRef& negativeZero = Keep(CFPolygonRef());
+    negativeZero.CFPolygonCreate(TRect<double>(0.1, 0.2, 0.3, 0.7), -0.0);
+    EXPECT_EQ(Text(negativeZero.PolyPoints(2)), Text(TPoint<double>(0.3, 0.7)));
+}
+
+TEST_F(HandlePolygon, TurnsARectangleAboutItsCentre) {
+    for (double const angle : {pi / 2.0, 0.1, -3.0, 5e-324, 1e308}) {
+        CFPolygonRef& ref = Keep(CFPolygonRef());
+        ref.CFPolygonCreate(TRect<double>(1, 2, 6, 4), angle);
+        TPoint<double> const corners[] = {{1, 2}, {6, 2}, {6, 4}, {1, 4}, {1, 2}};
+        for (long i = 0; i < 5; ++i) {
+            TPoint<double> expected = corners[i];
+            expected.Rotate(angle, TPoint<double>(3.5, 3));
+            EXPECT_EQ(Text(ref.PolyPoints(i)), Text(expected)) << angle << " " << i;
+        }
+        EXPECT_FALSE(ref.Closed());
+        EXPECT_FALSE(ref.BoundsValid());
+    }
+    CFPolygonRef& quarter = Keep(CFPolygonRef());
+    quarter.CFPolygonCreate(TRect<double>(-2, -1, 2, 1), pi / 2.0);
+    // (-2, -1) goes to (1, -2): from +h toward +v.
+    EXPECT_NEAR(quarter.PolyPoints(0).h, 1.0, 1e-15);
+    EXPECT_NEAR(quarter.PolyPoints(0).v, -2.0, 1e-15);
+}
+
+TEST_F(HandlePolygon, ANaNAngleTurnsARectangleIntoNaN) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    ref.CFPolygonCreate(TRect<double>(1, 2, 5, 4), kNaN);
+    EXPECT_EQ(Text(PointsOf(ref)), "(nan, nan) (nan, nan) (nan, nan) (nan, nan) (nan, nan)");
+}
+
+TEST_F(HandlePolygon, CreatesFromTheBoundsInItsOwnBlock) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {5, 4}}));
+    CFPolygonRef& first = Keep(ref);
+    ref.CalcBounds();
+    ref.CFPolygonCreate(Record(ref)->polyBBox, 0.0);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (5, 2) (5, 4) (1, 4) (1, 2)");
+    EXPECT_NE(ref.mRef, first.mRef);
+}
+
+TEST_F(HandlePolygon, CreatingAnewLeavesTheOldBlockToThoseWhoShareIt) {
+    CFPolygonRef& first = Keep(Polygon({{1, 2}}));
+    CFPolygonRef& other = Keep(Polygon({{7, 8}, {9, 10}}));
+    std::vector<std::function<void(CFPolygonRef&)>> const creators = {
+        [](CFPolygonRef& r) { r.CFPolygonCreate(2); },
+        [](CFPolygonRef& r) {
+            r.CFPolygonCreate(Points{{3, 4}});
+        },
+        [](CFPolygonRef& r) { r.CFPolygonCreate(TRect<double>(1, 2, 3, 4), 0.5); },
+        [&other](CFPolygonRef& r) { r.CFPolygonCreate(other); },
+        [](CFPolygonRef& r) { r.CFPolygonCreate(r); },
+    };
+    for (auto const& create : creators) {
+        CFPolygonRef ref(first);
+        create(ref);
+        ASSERT_NE(ref.mRef, nullptr);
+        EXPECT_NE(ref.mRef, first.mRef);
+        EXPECT_EQ(Text(PointsOf(first)), "(1, 2)");
+        ref.Dispose();
+    }
+}
+
+TEST_F(HandlePolygon, CopiesShareTheBlock) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    CFPolygonRef const constructed(ref);
+    CFPolygonRef const shared(ref, false);
+    CFPolygonRef const fromHandle(static_cast<FPolygon**>(ref), false);
+    CFPolygonRef assigned;
+    assigned = ref;
+    ref.Append(TPoint<double>(5, 6));
+    for (CFPolygonRef const& each : {constructed, shared, fromHandle, assigned}) {
+        EXPECT_EQ(each.mRef, ref.mRef);
+        EXPECT_EQ(Text(PointsOf(each)), "(1, 2) (3, 4) (5, 6)");
+    }
+    CFPolygonRef& alias = assigned;
+    assigned = alias;
+    EXPECT_EQ(assigned.mRef, ref.mRef);
+}
+
+TEST_F(HandlePolygon, TheCopyArgumentMakesABlockOfItsOwn) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    ref.SetClosed(true);
+    ref.CalcBounds();
+    CFPolygonRef byMember;
+    byMember.CFPolygonCreate(ref);
+    for (CFPolygonRef const& made :
+         {CFPolygonRef(ref, true), CFPolygonRef(static_cast<FPolygon**>(ref), true),
+          CFPolygonCreateCopy(ref), byMember}) {
+        CFPolygonRef& copy = Keep(made);
+        ASSERT_NE(copy.mRef, nullptr);
+        EXPECT_NE(copy.mRef, ref.mRef);
+        EXPECT_EQ(Contents(copy), Contents(ref)); // flag and bounds cache too
+        copy.SetPolyPoints(0, TPoint<double>(9, 9));
+        EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (3, 4)");
+        EXPECT_TRUE(ref.BoundsValid());
+    }
+}
+
+TEST_F(HandlePolygon, CopyingANullReferenceGivesNull) {
+    CFPolygonRef const none;
+    EXPECT_EQ(CFPolygonRef(none, true).mRef, nullptr);
+    EXPECT_EQ(CFPolygonRef(none, false).mRef, nullptr);
+    EXPECT_EQ(CFPolygonRef(static_cast<FPolygon**>(nullptr), true).mRef, nullptr);
+    EXPECT_EQ(CFPolygonRef(static_cast<FPolygon**>(nullptr), false).mRef, nullptr);
+    EXPECT_EQ(CFPolygonCreateCopy(none).mRef, nullptr);
+    CFPolygonRef ref;
+    ref.CFPolygonCreate(none);
+    EXPECT_EQ(ref.mRef, nullptr);
+}
+
+TEST_F(HandlePolygon, DisposeFreesTheBlockAndMakesTheReferenceNull) {
+    CFPolygonRef ref = Polygon({{1, 2}});
+    long const handles = trammel_detail::LiveHandleCount();
+    ref.Dispose();
+    EXPECT_EQ(ref.mRef, nullptr);
+    EXPECT_EQ(trammel_detail::LiveHandleCount(), handles - 1);
+    ref.Dispose();
+    EXPECT_EQ(trammel_detail::LiveHandleCount(), handles - 1);
+}
+
+TEST_F(HandlePolygon, ShortMemoryLeavesANullReference) {
+    CFPolygonRef& source = Keep(Polygon({{1, 2}}));
+    auto const isNull = [](std::function<CFPolygonRef()> const& make) {
+        trammel_detail::FailNextAllocations(1);
+        CFPolygonRef const ref = make();
+        trammel_detail::FailNextAllocations(0);
+        return ref.mRef == nullptr;
+    };
+    CFPolygonRef ref;
+    EXPECT_TRUE(isNull([] { return CFPolygonRef(true); }));
+    EXPECT_TRUE(isNull([&] { return ref.CFPolygonCreate(3), ref; }));
+    EXPECT_TRUE(isNull([&] { return ref.CFPolygonCreate(Points{{1, 2}}), ref; }));
+    EXPECT_TRUE(isNull([&] { return ref.CFPolygonCreate(TRect<double>(1, 2, 3, 4), 1.0), ref; }));
+    EXPECT_TRUE(isNull([&] { return ref.CFPolygonCreate(source), ref; }));
+    EXPECT_TRUE(isNull([&] { return CFPolygonRef(source, true); }));
+    EXPECT_TRUE(isNull([&] { return CFPolygonRef(static_cast<FPolygon**>(source), true); }));
+    EXPECT_TRUE(isNull([&] { return CFPolygonCreateCopy(source); }));
+    EXPECT_EQ(Text(PointsOf(source)), "(1, 2)");
+}
+
+TEST_F(HandlePolygon, ANullReferenceAbsorbsEverything) {
+    CFPolygonRef ref;
+    EXPECT_EQ(ref.DataSize(), 0);
+    EXPECT_EQ(ref.LastIndex(), -1);
+    EXPECT_EQ(ref.EdgeCount(), -2);
+    EXPECT_EQ(ref.GeometryEdgeCount(), -1);
+    EXPECT_EQ(Text(ref.PolyPoints(0)), "(0, 0)");
+    EXPECT_EQ(Text(ref.PolyPoints(-1)), "(0, 0)");
+    EXPECT_EQ(Text(ref.GetEdge(0)), "(0, 0)-(0, 0)");
+    EXPECT_EQ(Text(ref.Bounds()), "[0, 0, 0, 0]");
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_FALSE(ref.Contains(TPoint<double>(0, 0)));
+    ref.SetSize(3);
+    ref.SetPolyPoints(0, TPoint<double>(1, 2));
+    ref.Append(TPoint<double>(1, 2));
+    ref.Insert(0, TPoint<double>(1, 2));
+    ref.Delete(0, 1);
+    ref.SetClosed(true);
+    ref.InvalBounds();
+    ref.CalcBounds();
+    ref.Offset(TPoint<double>(1, 2));
+    ref.Scale(2.0);
+    ref.Scale(2.0, 3.0);
+    ref.Rotate(1.0, TPoint<double>(1, 2));
+    ref.Map(TRect<double>(0, 0, 1, 1), TRect<double>(0, 0, 2, 2));
+    ref.Dispose();
+    EXPECT_EQ(ref.mRef, nullptr);
+}
+
+// Size and points
+
+TEST_F(HandlePolygon, SetSizeKeepsThePointsAndClearsNewOnes) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    ref.CalcBounds();
+    ref.SetSize(3);
+    EXPECT_EQ(ref.DataSize(), 92);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (3, 4) (0, 0)");
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]");
+    ref.CalcBounds();
+    ref.SetSize(1);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2)");
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.SetSize(3); // what was cut off does not come back
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (0, 0) (0, 0)");
+    ref.SetSize(0);
+    EXPECT_EQ(ref.DataSize(), 44);
+    ref.CalcBounds();
+    ref.SetSize(0); // the same size drops the bounds as well
+    EXPECT_FALSE(ref.BoundsValid());
+}
+
+TEST_F(HandlePolygon, ImpossibleSizesChangeNothing) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    ref.CalcBounds();
+    std::string const before = Contents(ref);
+    for (long const n : {-1L, LONG_MIN, LONG_MAX, LONG_MAX / 16, 1L << 60}) {
+        ref.SetSize(n);
+        EXPECT_EQ(Contents(ref), before) << n;
+    }
+    trammel_detail::FailNextAllocations(1);
+    ref.SetSize(5);
+    EXPECT_EQ(Contents(ref), before);
+}
+
+TEST_F(HandlePolygon, StoresPointsAndDropsTheBounds) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    EXPECT_EQ(Text(ref.Bounds()), "[1, 2, 3, 4]");
+    ref.SetPolyPoints(1, TPoint<double>(-5, 6));
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (-5, 6)");
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]");
+    EXPECT_EQ(Text(ref.Bounds()), "[-5, 2, 1, 6]");
+    ref.SetPolyPoints(0, TPoint<double>(kNaN, -0.0));
+    EXPECT_EQ(Text(ref.PolyPoints(0)), Text(TPoint<double>(kNaN, -0.0)));
+}
+
+TEST_F(HandlePolygon, IndexesOutsideReadTheOriginAndStoreNothing) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    ref.CalcBounds();
+    std::string const before = Contents(ref);
+    for (long const i : {-1L, -2L, 2L, 3L, 1000000L, LONG_MAX, LONG_MIN, LONG_MAX / 16 + 1,
+                         (1L << 60), -(1L << 60)}) {
+        EXPECT_EQ(Text(ref.PolyPoints(i)), "(0, 0)") << i;
+        ref.SetPolyPoints(i, TPoint<double>(7, 8));
+        EXPECT_EQ(Contents(ref), before) << i;
+    }
+}
+
+TEST_F(HandlePolygon, AppendAddsAtTheEndAndGrowsCurrentBounds) {
+    CFPolygonRef& ref = Keep(CFPolygonRef(true));
+    ref.Append(TPoint<double>(1, 2));
+    EXPECT_EQ(ref.DataSize(), 60);
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(ref.Bounds()), "[1, 2, 1, 2]");
+    ref.Append(TPoint<double>(5, -3));
+    EXPECT_TRUE(ref.BoundsValid());
+    EXPECT_EQ(Text(ref.Bounds()), "[1, -3, 5, 2]");
+    ref.Append(TPoint<double>(2, 0));
+    EXPECT_EQ(Text(ref.Bounds()), "[1, -3, 5, 2]");
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 2) (5, -3) (2, 0)");
+    ref.InvalBounds();
+    ref.Append(TPoint<double>(100, 100));
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]");
+    EXPECT_EQ(Text(ref.Bounds()), "[1, -3, 100, 100]");
+}
+
+TEST_F(HandlePolygon, AppendToCurrentBoundsOfAnEmptyPolygonStartsThem) {
+    CFPolygonRef& ref = Keep(CFPolygonRef(true));
+    ref.CalcBounds();
+    EXPECT_TRUE(ref.BoundsValid());
+    ref.Append(TPoint<double>(3, 4));
+    EXPECT_EQ(Text(ref.Bounds()), "[3, 4, 3, 4]");
+}
+
+TEST_F(HandlePolygon, AFailedAppendOrInsertLeavesThePolygonAsItWas) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+    ref.CalcBounds();
+    CGPath* const path = CachePath(ref);
+    std::string const before = Contents(ref);
+    trammel_detail::FailNextAllocations(1);
+    ref.Append(TPoint<double>(9, 9));
+    EXPECT_EQ(Contents(ref), before);
+    trammel_detail::FailNextAllocations(1);
+    ref.Insert(0, TPoint<double>(9, 9));
+    EXPECT_EQ(Contents(ref), before);
+    EXPECT_EQ(CachedPath(ref), path);
+    CGPathRelease(path);
+}
+
+TEST_F(HandlePolygon, InsertPutsAPointBeforeAnother) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
+    ref.Insert(0, TPoint<double>(0.5, 0.5));
+    EXPECT_EQ(Text(PointsOf(ref)), "(0.5, 0.5) (1, 1) (2, 2) (3, 3)");
+    ref.Insert(2, TPoint<double>(1.5, 1.5));
+    EXPECT_EQ(Text(PointsOf(ref)), "(0.5, 0.5) (1, 1) (1.5, 1.5) (2, 2) (3, 3)");
+    ref.Insert(5, TPoint<double>(4, 4)); // the number of points: appends
+    EXPECT_EQ(Text(PointsOf(ref)), "(0.5, 0.5) (1, 1) (1.5, 1.5) (2, 2) (3, 3) (4, 4)");
+    EXPECT_EQ(ref.DataSize(), 44 + 16 * 6);
+    EXPECT_FALSE(ref.BoundsValid());
+}
+
+TEST_F(HandlePolygon, InsertOutsideIsTakenToTheNearerEnd) {
+    for (long const i : {-1L, -1000L, LONG_MIN, -(1L << 60)}) {
+        CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
+        ref.Insert(i, TPoint<double>(9, 9));
+        EXPECT_EQ(Text(PointsOf(ref)), "(9, 9) (1, 1) (2, 2)") << i;
+    }
+    for (long const i : {2L, 3L, 1000L, LONG_MAX, 1L << 60}) {
+        CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
+        ref.Insert(i, TPoint<double>(9, 9));
+        EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (2, 2) (9, 9)") << i;
+    }
+    CFPolygonRef& empty = Keep(CFPolygonRef(true));
+    empty.Insert(5, TPoint<double>(9, 9));
+    EXPECT_EQ(Text(PointsOf(empty)), "(9, 9)");
+}
+
+TEST_F(HandlePolygon, InsertGrowsCurrentBounds) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
+    ref.CalcBounds();
+    ref.Insert(1, TPoint<double>(-4, 7));
+    EXPECT_TRUE(ref.BoundsValid());
+    EXPECT_EQ(Text(ref.Bounds()), "[-4, 1, 2, 7]");
+    // It is the cache that grows, not a new computation.
+    Record(ref)->polyBBox = TRect<double>(100, 100, 101, 101);
+    ref.Insert(0, TPoint<double>(90, 100));
+    EXPECT_EQ(Text(ref.Bounds()), "[90, 100, 101, 101]");
+}
+
+TEST_F(HandlePolygon, DeleteRemovesThePointsFromAnIndexOn) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}, {4, 4}, {5, 5}}));
+    ref.CalcBounds();
+    ref.Delete(1, 2);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (4, 4) (5, 5)");
+    EXPECT_EQ(ref.DataSize(), 92);
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.Delete(2, 1);
+    EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (4, 4)");
+    ref.Delete(0, 1);
+    EXPECT_EQ(Text(PointsOf(ref)), "(4, 4)");
+    ref.Delete(0, 0);
+    EXPECT_EQ(Text(PointsOf(ref)), "(4, 4)");
+    ref.Delete(0, 1);
+    EXPECT_EQ(ref.DataSize(), 44);
+    EXPECT_EQ(Text(ref.Bounds()), "[0, 0, 0, 0]");
+}
+
+TEST_F(HandlePolygon, DeleteTakesAtMostThePointsThatFollow) {
+    for (long const count : {2L, 3L, 1000L, LONG_MAX, LONG_MAX / 16 + 1, 1L << 60}) {
+        CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
+        ref.Delete(1, count);
+        EXPECT_EQ(Text(PointsOf(ref)), "(1, 1)") << count;
+    }
+}
+
+TEST_F(HandlePolygon, DeleteOutsideRemovesNothing) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
+    std::pair<long, long> const ranges[] = {
+        {-1, 1}, {-1, 4},       {LONG_MIN, LONG_MAX}, {3, 1},
+        {4, 1},  {LONG_MAX, 1}, {1L << 60, 1},        {0, -1},
+        {1, -2}, {0, LONG_MIN}, {LONG_MAX, LONG_MAX}, {LONG_MIN, 1},
+        {3, 0}};
+    for (auto const& [i, count] : ranges) {
+        ref.Delete(i, count);
+        EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (2, 2) (3, 3)") << i << " " << count;
+    }
+    CFPolygonRef& empty = Keep(CFPolygonRef(true));
+    empty.Delete(0, 1);
+    empty.Delete(0, LONG_MAX);
+    EXPECT_EQ(empty.DataSize(), 44);
+}
+
+TEST_F(HandlePolygon, DeletingNeedsNoMemory) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    ref.CFPolygonCreate(10000);
+    trammel_detail::FailNextAllocations(1000);
+    ref.Delete(10, 9990);
+    EXPECT_EQ(ref.LastIndex(), 9);
+    ref.Delete(0, 10);
+    EXPECT_EQ(ref.LastIndex(), -1);
+}
+
+TEST_F(HandlePolygon, MembersThatChangeItReturnTheReference) {
+    CFPolygonRef& ref = Keep(CFPolygonRef());
+    CFPolygonRef const* const self = &ref.CFPolygonCreate(0).Append(TPoint<double>(1, 2));
+    EXPECT_EQ(self, &ref);
+    EXPECT_EQ(&ref.SetSize(2).SetPolyPoints(1, TPoint<double>(3, 4)), &ref);
+    EXPECT_EQ(&ref.Insert(0, TPoint<double>(9, 9)).Delete(0, 1).SetClosed(true), &ref);
+    EXPECT_EQ(&ref.Offset(TPoint<double>(1, 1)).Scale(2.0).Scale(0.5, 0.25), &ref);
+    EXPECT_EQ(&ref.Rotate(0.0, TPoint<double>(0, 0)), &ref);
+    EXPECT_EQ(&ref.Map(TRect<double>(0, 0, 1, 1), TRect<double>(0, 0, 1, 1)), &ref);
+    EXPECT_EQ(Text(PointsOf(ref)), "(2, 1.5) (4, 2.5)");
+}
+
+// Flags, bounds and the cached path
+
+TEST_F(HandlePolygon, SetClosedDropsTheCachesOnlyWhenItChanges) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
+    ref.CalcBounds();
+    CGPath* const path = CachePath(ref);
+    ref.SetClosed(false);
+    EXPECT_TRUE(ref.BoundsValid());
+    EXPECT_EQ(CachedPath(ref), path);
+    ref.SetClosed(true);
+    EXPECT_TRUE(ref.Closed());
+    EXPECT_EQ(Record(ref)->polyClosed, 1);
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Record(ref)->polyPath, 0);
+    EXPECT_EQ(CGPathGetRetainCount(path), 1);
+    ref.CalcBounds();
+    ref.SetClosed(true);
+    EXPECT_TRUE(ref.BoundsValid());
+    ref.SetClosed(false);
+    EXPECT_FALSE(ref.Closed());
+    EXPECT_FALSE(ref.BoundsValid());
+    CGPathRelease(path);
+}
+
+TEST_F(HandlePolygon, BoundsAreComputedOnceAndKept) {
+    CFPolygonRef& ref = Keep(Polygon({{3, -4}, {-1, 2}, {0, 0}}));
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(ref.Bounds()), "[-1, -4, 3, 2]");
+    EXPECT_TRUE(ref.BoundsValid());
+    EXPECT_EQ(Record(ref)->polyBoundsValid, 1);
+    Record(ref)->polyBBox = TRect<double>(5, 6, 7, 8); // kept: not computed again
+    EXPECT_EQ(Text(ref.Bounds()), "[5, 6, 7, 8]");
+    ref.CalcBounds(); // always computes
+    EXPECT_EQ(Text(ref.Bounds()), "[-1, -4, 3, 2]");
+    CFPolygonRef const& constant = ref;
+    constant.InvalBounds();
+    EXPECT_FALSE(ref.BoundsValid());
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]");
+}
+
+TEST_F(HandlePolygon, InvalBoundsResetsTheBoxOnlyWhenTheFlagWasSet) {
+    CFPolygonRef& ref = Keep(Polygon({{3, -4}}));
+    Record(ref)->polyBBox = TRect<double>(5, 6, 7, 8);
+    ref.InvalBounds();
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[5, 6, 7, 8]");
+    Record(ref)->polyBoundsValid = -3;
+    ref.InvalBounds();
+    EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]");
+    EXPECT_EQ(Record(ref)->polyBoundsValid, 0);
+}
+
+TEST_F(HandlePolygon, BoundsTakeTheLastPointFirstAndForgetAnOriginThatComesFirst) {
+    // While the bounds are still null, a point at the origin leaves them null.
+    EXPECT_EQ(Text(Keep(Polygon({{5, 5}, {7, 7}, {0, 0}})).Bounds()), "[5, 5, 7, 7]");
+    EXPECT_EQ(Text(Keep(Polygon({{0, 0}, {5, 5}, {7, 7}})).Bounds()), "[0, 0, 7, 7]");
+    EXPECT_EQ(Text(Keep(Polygon({{0, 0}})).Bounds()), "[0, 0, 0, 0]");
+    EXPECT_EQ(Text(Keep(Polygon({{2, 3}})).Bounds()), "[2, 3, 2, 3]");
+    // A NaN stays when it comes first and is overlooked later.
+    EXPECT_EQ(Text(Keep(Polygon({{1, 2}, {kNaN, 5}})).Bounds()), "[nan, 2, nan, 5]");
+    EXPECT_EQ(Text(Keep(Polygon({{kNaN, 5}, {1, 2}})).Bounds()), "[1, 2, 1, 5]");
+    EXPECT_EQ(Text(Keep(Polygon({{-kInf, kHuge}, {kInf, -kHuge}})).Bounds()),
+              Text(TRect<double>(-kInf, -kHuge, kInf, kHuge)));
+}
+
+TEST_F(HandlePolygon, TheCachedPathIsReleasedByExactlyTheOperationsThatChangePoints) {
+    static TPoint<double> const p(1, 2);
+    static TRect<double> const from(0, 0, 1, 1);
+    static TRect<double> const to(0, 0, 2, 2);
+    struct Case {
+        char const* name;
+        std::function<void(CFPolygonRef&)> operation;
+        bool releases;
+    };
+    std::vector<Case> const cases = {
+        {"SetSize larger", [](CFPolygonRef& r) { r.SetSize(9); }, true},
+        {"SetSize same", [](CFPolygonRef& r) { r.SetSize(3); }, true},
+        {"SetPolyPoints", [](CFPolygonRef& r) { r.SetPolyPoints(0, p); }, true},
+        {"Append", [](CFPolygonRef& r) { r.Append(p); }, true},
+        {"Delete", [](CFPolygonRef& r) { r.Delete(0, 1); }, true},
+        {"SetClosed to the other", [](CFPolygonRef& r) { r.SetClosed(true); }, true},
+        {"InvalBounds", [](CFPolygonRef& r) { r.InvalBounds(); }, true},
+        {"Offset", [](CFPolygonRef& r) { r.Offset(p); }, true},
+        {"Offset by nothing", [](CFPolygonRef& r) { r.Offset(TPoint<double>()); }, true},
+        {"Scale", [](CFPolygonRef& r) { r.Scale(2.0); }, true},
+        {"Scale by NaN", [](CFPolygonRef& r) { r.Scale(kNaN); }, true},
+        {"Scale in h", [](CFPolygonRef& r) { r.Scale(2.0, 1.0); }, true},
+        {"Scale in v", [](CFPolygonRef& r) { r.Scale(1.0, 2.0); }, true},
+        {"Rotate", [](CFPolygonRef& r) { r.Rotate(1.0, p); }, true},
+        {"Rotate by nothing", [](CFPolygonRef& r) { r.Rotate(0.0, p); }, true},
+        {"Map", [](CFPolygonRef& r) { r.Map(from, to); }, true},
+
+        {"Insert", [](CFPolygonRef& r) { r.Insert(1, p); }, false},
+        {"Insert at the end", [](CFPolygonRef& r) { r.Insert(3, p); }, false},
+        {"Insert often, so that the block moves",
+         [](CFPolygonRef& r) {
+             for (int i = 0; i < 1000; ++i) {
+                 r.Insert(0, p);
+             }
+         },
+         false},
+        {"SetClosed to the same", [](CFPolygonRef& r) { r.SetClosed(false); }, false},
+        {"SetSize negative", [](CFPolygonRef& r) { r.SetSize(-1); }, false},
+        {"SetPolyPoints outside", [](CFPolygonRef& r) { r.SetPolyPoints(3, p); }, false},
+        {"Scale by 1", [](CFPolygonRef& r) { r.Scale(1.0); }, false},
+        {"Scale by 1 and 1", [](CFPolygonRef& r) { r.Scale(1.0, 1.0); }, false},
+        {"CalcBounds", [](CFPolygonRef& r) { r.CalcBounds(); }, false},
+        {"Bounds", [](CFPolygonRef& r) { r.Bounds(); }, false},
+        {"Contains", [](CFPolygonRef& r) { r.Contains(p); }, false},
+        {"GetEdge", [](CFPolygonRef& r) { r.GetEdge(0); }, false},
+        {"PolyPoints", [](CFPolygonRef& r) { r.PolyPoints(0); }, false},
+        {"CreateQDPoly",
+         [](CFPolygonRef& r) { DisposeHandle(reinterpret_cast<Handle>(r.CreateQDPoly())); }, false},
+        {"copying", [](CFPolygonRef& r) { CFPolygonCreateCopy(r).Dispose(); }, false},
+        {"sharing", [](CFPolygonRef& r) { CFPolygonRef(r, false).Bounds(); }, false},
+        {"converting", [](CFPolygonRef& r) { TPolygon<double> const polygon(r); }, false},
+        {"the record's SetPolyPoints", [](CFPolygonRef& r) { Record(r)->SetPolyPoints(0, p); },
+         false},
+    };
+    for (Case const& each : cases) {
+        for (bool const boundsValid : {false, true}) { // the two caches are independent
+            CFPolygonRef ref = Polygon({{1, 1}, {5, 1}, {5, 5}});
+            if (boundsValid) {
+                ref.CalcBounds();
+            }
+            CGPath* const path = CachePath(ref);
+            each.operation(ref);
+            if (each.releases) {
+                EXPECT_EQ(Record(ref)->polyPath, 0) << each.name;
+                EXPECT_EQ(CGPathGetRetainCount(path), 1) << each.name;
+            } else {
+                EXPECT_EQ(CachedPath(ref), path) << each.name;
+                EXPECT_EQ(CGPathGetRetainCount(path), 2) << each.name;
+            }
+            ref.Dispose();
+            EXPECT_EQ(CGPathGetRetainCount(path), 1) << each.name;
+            CGPathRelease(path);
+        }
+    }
+}
+
+TEST_F(HandlePolygon, OperationsOnAnEmptyPolygonReleaseThePathAsTheirDefinitionSays) {
+    static TPoint<double> const p(1, 2);
+    static TRect<double> const from(0, 0, 1, 1);
+    static TRect<double> const to(0, 0, 2, 2);
+    // Map goes through SetPolyPoints, of which there is none here; the others drop the caches.
+    std::vector<std::pair<std::function<void(CFPolygonRef&)>, bool>> const cases = {
+        {[](CFPolygonRef& r) { r.Offset(p); }, true},
+        {[](CFPolygonRef& r) { r.Scale(2.0); }, true},
+        {[](CFPolygonRef& r) { r.Rotate(2.0, p); }, true},
+        {[](CFPolygonRef& r) { r.Map(from, to); }, false},
+    };
+    for (auto const& [operation, drops] : cases) {
+        CFPolygonRef ref(true);
+        ref.CalcBounds();
+        CGPath* const path = CachePath(ref);
+        operation(ref);
+        EXPECT_EQ(ref.BoundsValid(), !drops);
+        EXPECT_EQ(CachedPath(ref), drops ? nullptr : path);
+        ref.Dispose();
+        CGPathRelease(path);
+    }
+}
+
+TEST_F(HandlePolygon, ACopyHasNoPathAndTheSourceKeepsIts) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {5, 1}}));
+    CGPath* const path = CachePath(ref);
+    CFPolygonRef byMember;
+    byMember.CFPolygonCreate(ref);
+    for (CFPolygonRef copy : {CFPolygonCreateCopy(ref), CFPolygonRef(ref, true),
+                              CFPolygonRef(static_cast<FPolygon**>(ref), true), byMember}) {
+        EXPECT_EQ(Record(copy)->polyPath, 0);
+        EXPECT_EQ(CachedPath(ref), path);
+        copy.Append(TPoint<double>(1, 2));
+        copy.Dispose();
+        EXPECT_EQ(CachedPath(ref), path);
+        EXPECT_EQ(CGPathGetRetainCount(path), 2);
+    }
+    CGPathRelease(path);
+}
+
+TEST_F(HandlePolygon, ABlockCopiedByteByByteDoesNotReleaseTheOthersPath) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {5, 1}}));
+    CGPath* const path = CachePath(ref);
+    for (int how = 0; how < 3; ++how) {
+        Handle h = nullptr;
+        ASSERT_EQ(PtrToHand(*ref.mRef, &h, ref.DataSize()), noErr);
+        CFPolygonRef copy(reinterpret_cast<FPolygon**>(h), false);
+        EXPECT_EQ(Record(copy)->polyPath, Record(ref)->polyPath);
+        if (how == 1) {
+            copy.Append(TPoint<double>(1, 2));
+            EXPECT_EQ(Record(copy)->polyPath, 0);
+        } else if (how == 2) {
+            copy.SetClosed(true);
+            EXPECT_EQ(Record(copy)->polyPath, 0);
+        }
+        copy.Dispose();
+        EXPECT_EQ(CachedPath(ref), path);
+        EXPECT_EQ(CGPathGetRetainCount(path), 2);
+    }
+    // A token that means nothing is dropped all the same.
+    CFPolygonRef& other = Keep(Polygon({{1, 1}}));
+    Record(other)->polyPath = 0x7654321;
+    other.InvalBounds();
+    EXPECT_EQ(Record(other)->polyPath, 0);
+    CGPathRelease(path);
+}
+
+TEST_F(HandlePolygon, DisposeReleasesThePath) {
+    CFPolygonRef ref = Polygon({{1, 1}});
+    CGPath* const path = CachePath(ref);
+    ref.Dispose();
+    EXPECT_EQ(CGPathGetRetainCount(path), 1);
+    CGPathRelease(path);
+}
+
+// Geometry
+
+TEST_F(HandlePolygon, OffsetMovesEveryPoint) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {-3, 4}}));
+    ref.CalcBounds();
+    ref.Offset(TPoint<double>(10, -20));
+    EXPECT_EQ(Text(PointsOf(ref)), "(11, -18) (7, -16)");
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.Offset(TPoint<double>(kInf, kNaN));
+    EXPECT_EQ(Text(PointsOf(ref)), "(inf, nan) (inf, nan)");
+}
+
+TEST_F(HandlePolygon, ScaleMultipliesEveryPoint) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {-3, 4}}));
+    ref.CalcBounds();
+    ref.Scale(1.0);
+    ref.Scale(1.0, 1.0);
+    EXPECT_TRUE(ref.BoundsValid());
+    ref.Scale(2.0);
+    EXPECT_EQ(Text(PointsOf(ref)), "(2, 4) (-6, 8)");
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.CalcBounds();
+    ref.Scale(1.0, 0.5);
+    EXPECT_EQ(Text(PointsOf(ref)), "(2, 2) (-6, 4)");
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.CalcBounds();
+    ref.Scale(-2.0, 1.0);
+    EXPECT_EQ(Text(PointsOf(ref)), "(-4, 2) (12, 4)");
+    EXPECT_FALSE(ref.BoundsValid());
+    ref.Scale(1.0, 1.0 + 2.2204460492503131e-16); // no tolerance around 1
+    EXPECT_EQ(Text(ref.PolyPoints(0)), "(-4, 2.0000000000000004)");
+    ref.Scale(kNaN);
+    EXPECT_EQ(Text(PointsOf(ref)), "(nan, nan) (nan, nan)");
+}
+
+TEST_F(HandlePolygon, RotateTurnsEveryPointAboutTheCentre) {
+    Points const points = {{1, 2}, {-3, 4}, {1e10, -1e-10}};
+    TPoint<double> const centre(3.25, -7);
+    for (double const angle : {0.0, 0.3, -pi, 100.0}) {
+        CFPolygonRef& ref = Keep(Polygon(points));
+        ref.CalcBounds();
+        ref.Rotate(angle, centre);
+        EXPECT_FALSE(ref.BoundsValid());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            TPoint<double> expected = points[i];
+            expected.Rotate(angle, centre);
+            EXPECT_EQ(Text(ref.PolyPoints(static_cast<long>(i))), Text(expected)) << angle;
+        }
+    }
+}
+
+TEST_F(HandlePolygon, MapCarriesOneRectangleOntoAnother) {
+    CFPolygonRef& ref = Keep(Polygon({{0, 0}, {10, 20}, {5, 5}}));
+    ref.CalcBounds();
+    ref.Map(TRect<double>(0, 0, 10, 20), TRect<double>(100, 200, 120, 210));
+    EXPECT_EQ(Text(PointsOf(ref)), "(100, 200) (120, 210) (110, 202.5)");
+    EXPECT_FALSE(ref.BoundsValid());
+
+    std::mt19937 random(41);
+    std::uniform_real_distribution<double> coordinate(-100, 100);
+    for (int round = 0; round < 200; ++round) {
+        auto const next = [&] { return coordinate(random); };
+        TRect<double> const from(next(), next(), next(), next());
+        TRect<double> const to(next(), next(), next(), next());
+        TPoint<double> point(next(), next());
+        CFPolygonRef polygon = Polygon({point, point});
+        polygon.Map(from, to);
+        point.Map(from, to);
+        EXPECT_EQ(Text(PointsOf(polygon)), Text(point) + " " + Text(point));
+        polygon.Dispose();
+    }
+}
+
+TEST_F(HandlePolygon, MapTakesTheBoundsOfItsOwnBlock) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {11, 22}}));
+    ref.CalcBounds();
+    TRect<double> const& own = Record(ref)->polyBBox; // the caches are dropped on the way
+    ref.Map(own, TRect<double>(0, 0, 1, 1));
+    EXPECT_EQ(Text(PointsOf(ref)), "(0, 0) (1, 1)");
+}
+
+TEST_F(HandlePolygon, EdgesRunFromPointToPointAndBack) {
+    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {5, 1}, {5, 9}}));
+    EXPECT_EQ(ref.EdgeCount(), 1);
+    EXPECT_EQ(ref.GeometryEdgeCount(), 2);
+    EXPECT_EQ(Text(ref.GetEdge(0)), "(1, 1)-(5, 1)");
+    EXPECT_EQ(Text(ref.GetEdge(1)), "(5, 1)-(5, 9)");
+    EXPECT_EQ(Text(ref.GetEdge(2)), "(5, 9)-(1, 1)");
+    // Outside, points that do not exist read as the origin.
+    EXPECT_EQ(Text(ref.GetEdge(3)), "(0, 0)-(1, 1)");
+    EXPECT_EQ(Text(ref.GetEdge(LONG_MAX)), "(0, 0)-(1, 1)");
+    EXPECT_EQ(Text(ref.GetEdge(-1)), "(0, 0)-(1, 1)");
+    EXPECT_EQ(Text(ref.GetEdge(-2)), "(0, 0)-(0, 0)");
+    EXPECT_EQ(Text(ref.GetEdge(LONG_MIN)), "(0, 0)-(0, 0)");
+
+    CFPolygonRef& one = Keep(Polygon({{3, 4}}));
+    EXPECT_EQ(one.EdgeCount(), -1);
+    EXPECT_EQ(Text(one.GetEdge(0)), "(3, 4)-(3, 4)");
+    CFPolygonRef& none = Keep(CFPolygonRef(true));
+    EXPECT_EQ(Text(none.GetEdge(0)), "(0, 0)-(0, 0)");
+}
+
+TEST_F(HandlePolygon, ARepeatedFirstPointIsNotAnEdgeOfItsOwn) {
+    EXPECT_EQ(Keep(Polygon({{1, 1}, {5, 1}, {5, 9}})).GeometryEdgeCount(), 2);
+    EXPECT_EQ(Keep(Polygon({{1, 1}, {5, 1}, {5, 9}, {1, 1}})).GeometryEdgeCount(), 2);
+    EXPECT_EQ(Keep(Polygon({{0, 1}, {5, 1}, {-0.0, 1}})).GeometryEdgeCount(), 1);
+    EXPECT_EQ(Keep(Polygon({{3, 4}})).GeometryEdgeCount(), -1);
+    EXPECT_EQ(Keep(Polygon({{kNaN, 4}})).GeometryEdgeCount(), 0);
+    EXPECT_EQ(Keep(Polygon({{kNaN, 4}, {1, 1}, {kNaN, 4}})).GeometryEdgeCount(), 2);
+    EXPECT_EQ(Keep(Polygon({})).GeometryEdgeCount(), -1);
+}
+
+TEST_F(HandlePolygon, ContainsCountsTheEdgesOfASquareHalfOpen) {
+    for (bool const repeated : {false, true}) {
+        CFPolygonRef& ref = Keep(Polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}}));
+        if (repeated) {
+            ref.Append(TPoint<double>(0, 0));
+        }
+        EXPECT_TRUE(ref.Contains(TPoint<double>(5, 5)));
+        EXPECT_FALSE(ref.Contains(TPoint<double>(0, 5)));  // edge of smaller h
+        EXPECT_TRUE(ref.Contains(TPoint<double>(10, 5)));  // edge of larger h
+        EXPECT_TRUE(ref.Contains(TPoint<double>(5, 0)));   // edge of smaller v
+        EXPECT_FALSE(ref.Contains(TPoint<double>(5, 10))); // edge of larger v
+        EXPECT_FALSE(ref.Contains(TPoint<double>(0, 0)));
+        EXPECT_TRUE(ref.Contains(TPoint<double>(10, 0)));
+        EXPECT_FALSE(ref.Contains(TPoint<double>(10, 10)));
+        EXPECT_FALSE(ref.Contains(TPoint<double>(0, 10)));
+        for (TPoint<double> const& outside :
+             {TPoint<double>(-1, 5), TPoint<double>(11, 5), TPoint<double>(5, -1),
+              TPoint<double>(5, 11), TPoint<double>(kNaN, 5), TPoint<double>(5, kNaN),
+              TPoint<double>(kInf, 5), TPoint<double>(-kInf, 5), TPoint<double>(5, kInf)}) {
+            EXPECT_FALSE(ref.Contains(outside)) << Text(outside);
+        }
+    }
+}
+
+TEST_F(HandlePolygon, ContainsTakesEveryPolygonAsClosed) {
+    for (bool const closed : {false, true}) {
+        CFPolygonRef& ref = Keep(Polygon({{0, 0}, {10, 0}, {0, 10}}));
+        ref.SetClosed(closed);
+        EXPECT_TRUE(ref.Contains(TPoint<double>(2, 2)));
+        EXPECT_FALSE(ref.Contains(TPoint<double>(8, 8)));
+        EXPECT_TRUE(ref.Contains(TPoint<double>(4, 5)));
+        EXPECT_FALSE(ref.Contains(TPoint<double>(-1, 5)));
+        // Exactly on the slanted edge: that edge does not count, the one before it does.
+        EXPECT_TRUE(ref.Contains(TPoint<double>(5, 5)));
+    }
+    EXPECT_FALSE(Keep(Polygon({{0, 0}, {10, 10}})).Contains(TPoint<double>(5, 5)));
+    EXPECT_FALSE(Keep(Polygon({{5, 5}})).Contains(TPoint<double>(5, 5)));
+}
+
+TEST_F(HandlePolygon, ContainsIsEvenOddWhereThePolygonCrossesItself) {
+    // A pentagram: its middle is wound around twice.
+    CFPolygonRef& star = Keep(Polygon({{0, -100}, {59, 81}, {-95, -31}, {95, -31}, {-59, 81}}));
+    EXPECT_FALSE(star.Contains(TPoint<double>(0, 0)));
+    EXPECT_TRUE(star.Contains(TPoint<double>(0, -60)));
+    EXPECT_TRUE(star.Contains(TPoint<double>(60, -20)));
+    EXPECT_FALSE(star.Contains(TPoint<double>(0, 70)));
+}
+
+TEST_F(HandlePolygon, ContainsIgnoresTheBounds) {
+    CFPolygonRef& ref = Keep(Polygon({{0, 0}, {10, 0}, {10, 10}, {0, 10}}));
+    ref.CalcBounds();
+    Record(ref)->polyBBox = TRect<double>(100, 100, 101, 101);
+    EXPECT_TRUE(ref.Contains(TPoint<double>(5, 5)));
+    ref.InvalBounds();
+    ref.Contains(TPoint<double>(5, 5));
+    EXPECT_FALSE(ref.BoundsValid());
+}
+
+TEST_F(HandlePolygon, ContainsAgreesWithTheRuleWrittenOut) {
+    std::mt19937 random(42);
+    double const specials[] = {0,      -0.0, 1,     -1,   2.5,    kHuge,
+                               -kHuge, kInf, -kInf, kNaN, 5e-324, 1e-308};
+    long inside = 0;
+    for (int round = 0; round < 4000; ++round) {
+        // Small integers, so that points meet vertices and edges exactly; some with special values.
+        bool const special = round % 4 == 0;
+        auto const next = [&] {
+            return special && random() % 3 == 0 ? specials[random() % std::size(specials)]
+                                                : static_cast<double>(random() % 9) - 4.0;
+        };
+        Points points;
+        for (unsigned long n = random() % 9; n > 0; --n) {
+            double const h = next();
+            points.emplace_back(h, next());
+        }
+        if (!points.empty() && round % 3 == 0) {
+            points.push_back(points.front());
+        }
+        CFPolygonRef ref = Polygon(points);
+        for (int k = 0; k < 20; ++k) {
+            double const h = next() / (k % 2 == 0 ? 1.0 : 2.0);
+            TPoint<double> const p(h, next());
+            ASSERT_EQ(ref.Contains(p), PlainContains(points, p)) << Text(points) << " " << Text(p);
+            inside += ref.Contains(p) ? 1 : 0;
+        }
+        ref.Dispose();
+    }
+    EXPECT_GT(inside, 5000);
+}
+
+TEST_F(HandlePolygon, ContainsDoesNotDependOnWhereThePolygonStartsOrWhetherItRepeatsItsStart) {
+    std::mt19937 random(43);
+    std::uniform_real_distribution<double> coordinate(-10, 10);
+    for (int round = 0; round < 300; ++round) {
+        Points points;
+        for (int n = 0; n < 7; ++n) {
+            double const h = coordinate(random);
+            points.emplace_back(h, coordinate(random));
+        }
+        CFPolygonRef ref = Polygon(points);
+        std::rotate(points.begin(), points.begin() + 1 + round % 6, points.end());
+        points.push_back(points.front());
+        CFPolygonRef turned = Polygon(points);
+        for (int k = 0; k < 20; ++k) {
+            double const h = coordinate(random);
+            TPoint<double> const p(h, coordinate(random));
+            EXPECT_EQ(ref.Contains(p), turned.Contains(p));
+        }
+        ref.Dispose();
+        turned.Dispose();
+    }
+}
+
+// QuickDraw
+
+MacPolygon const& QDRecord(MacPolygon** h) { return **h; }
+
+Point QDPoint(MacPolygon** h, long i) {
+    Point p;
+    std::memcpy(&p, reinterpret_cast<char const*>(*h) + 10 + 4 * i, sizeof p);
+    return p;
+}
+
+TEST_F(HandlePolygon, ConvertsToAQuickDrawPolygonWithRounding) {
+    CFPolygonRef& ref = Keep(Polygon({{1.4, -1.4}, {2.5, -2.5}, {0.5, 3.49}}));
+    MacPolygon** const qd = ref.CreateQDPoly();
+    ASSERT_NE(qd, nullptr);
+    EXPECT_EQ(GetHandleSize(reinterpret_cast<Handle>(qd)), 22);
+    EXPECT_EQ(QDRecord(qd).polySize, 22);
+    EXPECT_EQ(QDRecord(qd).polyBBox.top, -3); // halves away from zero
+    EXPECT_EQ(QDRecord(qd).polyBBox.left, 1);
+    EXPECT_EQ(QDRecord(qd).polyBBox.bottom, 3);
+    EXPECT_EQ(QDRecord(qd).polyBBox.right, 3);
+    Point const expected[] = {{-1, 1}, {-3, 3}, {3, 1}};
+    for (long i = 0; i < 3; ++i) {
+        EXPECT_EQ(QDPoint(qd, i).v, expected[i].v) << i;
+        EXPECT_EQ(QDPoint(qd, i).h, expected[i].h) << i;
+    }
+    EXPECT_TRUE(ref.BoundsValid()); // computed on the way
+    DisposeHandle(reinterpret_cast<Handle>(qd));
+}
+
+TEST_F(HandlePolygon, ANullOrEmptyPolygonGivesAQuickDrawHeaderAlone) {
+    for (CFPolygonRef const& ref : {CFPolygonRef(), Keep(CFPolygonRef(true))}) {
+        MacPolygon** const qd = ref.CreateQDPoly();
+        ASSERT_NE(qd, nullptr);
+        Handle const h = reinterpret_cast<Handle>(qd);
+        EXPECT_EQ(std::string(*h, static_cast<std::size_t>(GetHandleSize(h))),
+                  std::string("\x0A\0\0\0\0\0\0\0\0\0", 10));
+        DisposeHandle(h);
+    }
+}
+
+TEST_F(HandlePolygon, QuickDrawCoordinatesAndSizesKeepTheirLow16Bits) {
+    CFPolygonRef& ref = Keep(Polygon({{40000, -40000}, {kNaN, kHuge}, {65535.5, -kInf}}));
+    MacPolygon** qd = ref.CreateQDPoly();
+    ASSERT_NE(qd, nullptr);
+    EXPECT_EQ(QDPoint(qd, 0).h, -25536);
+    EXPECT_EQ(QDPoint(qd, 0).v, 25536);
+    EXPECT_EQ(QDPoint(qd, 1).h, 0);
+    EXPECT_EQ(QDPoint(qd, 1).v, 0);
+    EXPECT_EQ(QDPoint(qd, 2).h, 0);
+    EXPECT_EQ(QDPoint(qd, 2).v, 0);
+    DisposeHandle(reinterpret_cast<Handle>(qd));
+
+    ref.SetSize(20000);
+    qd = ref.CreateQDPoly();
+    ASSERT_NE(qd, nullptr);
+    EXPECT_EQ(GetHandleSize(reinterpret_cast<Handle>(qd)), 80010);
+    EXPECT_EQ(QDRecord(qd).polySize, 14474);
+    DisposeHandle(reinterpret_cast<Handle>(qd));
+
+    trammel_detail::FailNextAllocations(1);
+    EXPECT_EQ(ref.CreateQDPoly(), nullptr);
+}
+
+// Everything together
+
+TEST_F(HandlePolygon, KeepsStepWithAPlainListUnderRandomOperations) {
+    std::mt19937 random(44);
+    CFPolygonRef ref(true);
+    Points model;
+    auto const size = [&] { return static_cast<long>(model.size()); };
+    for (int step = 0; step < 20000; ++step) {
+        double const h = 1.0 + static_cast<double>(random() % 100);
+        TPoint<double> const p(h, 1.0 + static_cast<double>(random() % 100));
+        long const i = static_cast<long>(random() % (model.size() + 3)) - 1;
+        switch (random() % 9) {
+        case 0:
+        case 1:
+            ref.Append(p);
+            model.push_back(p);
+            break;
+        case 2:
+        case 3:
+            ref.Insert(i, p);
+            model.insert(model.begin() + std::clamp(i, 0L, size()), p);
+            break;
+        case 4: {
+            long const count = static_cast<long>(random() % 5) - 1;
+            ref.Delete(i, count);
+            if (i >= 0 && i < size() && count > 0) {
+                model.erase(model.begin() + i, model.begin() + std::min(i + count, size()));
+            }
+            break;
+        }
+        case 5:
+            ref.SetPolyPoints(i, p);
+            if (i >= 0 && i < size()) {
+                model[static_cast<std::size_t>(i)] = p;
+            }
+            break;
+        case 6:
+            ref.SetClosed(random() % 2 == 0);
+            break;
+        case 7:
+            if (random() % 20 == 0) {
+                long const n = static_cast<long>(random() % 40);
+                ref.SetSize(n);
+                model.resize(static_cast<std::size_t>(n), TPoint<double>());
+                // Points at the origin would start the bounds anew.
+                for (long k = 0; k < n; ++k) {
+                    if (model[static_cast<std::size_t>(k)].Null()) {
+                        ref.SetPolyPoints(k, p);
+                        model[static_cast<std::size_t>(k)] = p;
+                    }
+                }
+            }
+            break;
+        default: {
+            TRect<double> bounds;
+            for (TPoint<double> const& point : model) {
+                bounds |= point;
+            }
+            ASSERT_EQ(Text(ref.Bounds()), Text(bounds)) << step;
+        }
+        }
+        ASSERT_EQ(ref.DataSize(), 44 + 16 * size()) << step;
+        ASSERT_EQ(ref.LastIndex(), size() - 1);
+        if (step % 16 == 0) {
+            ASSERT_EQ(Text(PointsOf(ref)), Text(model)) << step;
+        }
+    }
+    ref.Dispose();
+}
+
+TEST_F(HandlePolygon, SpecialCoordinatesPassThroughEveryOperation) {
+    double const specials[] = {0, -0.0, kHuge, -kHuge, kInf, -kInf, kNaN, 5e-324};
+    for (double const x : specials) {
+        for (double const y : specials) {
+            CFPolygonRef ref = Polygon({{1, 2}, {x, y}, {y, x}});
+            TPoint<double> const p(x, y);
+            TRect<double> const r(x, y, y, x);
+            ref.Bounds();
+            ref.Append(p);
+            ref.Insert(1, p);
+            ref.SetPolyPoints(2, p);
+            EXPECT_EQ(Text(ref.PolyPoints(1)), Text(p));
+            EXPECT_EQ(Text(ref.PolyPoints(2)), Text(p));
+            ref.Contains(p);
+            ref.Offset(p);
+            ref.Scale(x);
+            ref.Scale(x, y);
+            ref.Rotate(x, p);
+            ref.Map(r, TRect<double>(0, 0, 1, 1));
+            ref.Map(TRect<double>(0, 0, 1, 1), r);
+            ref.Contains(p);
+            ref.GetEdge(0);
+            ref.GeometryEdgeCount();
+            ref.Bounds();
+            DisposeHandle(reinterpret_cast<Handle>(ref.CreateQDPoly()));
+            EXPECT_EQ(ref.LastIndex(), 4);
+            ref.Dispose();
+            ref.CFPolygonCreate(r, x);
+            EXPECT_EQ(ref.LastIndex(), 4);
+            ref.Dispose();
+        }
+    }
+}
+
+} // namespace
