@@ -30,6 +30,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 class CMatrix3x3;
@@ -63,7 +64,8 @@ public:
     /// An empty path.
     CPath();
     CPath(CPath const&) = default;
-    CPath(CPath&&) = default;
+    /// Takes the elements of `other` and leaves it empty.
+    CPath(CPath&& other) noexcept : CPath() { *this = std::move(other); }
     /// Copies all fields; nothing when `other` is this path.
     CPath& operator=(CPath const& other) {
         if (this != &other) {
@@ -77,7 +79,18 @@ public:
         }
         return *this;
     }
-    CPath& operator=(CPath&&) = default;
+    /// Takes the elements of `other` and leaves it empty.
+    CPath& operator=(CPath&& other) noexcept {
+        if (this != &other) {
+            mCtls = std::move(other.mCtls);
+            mPts = std::move(other.mPts);
+            mCurrentPt = other.mCurrentPt;
+            mOpen = other.mOpen;
+            mBounds = other.mBounds;
+            other.clear();
+        }
+        return *this;
+    }
     ~CPath() = default;
 
     // Build
