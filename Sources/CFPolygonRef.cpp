@@ -4,13 +4,14 @@
 
 #include "CMatrix3x3.h"
 #include "Handles.h"
-#include "PathObject.h"
 #include "UCrossing_p.h"
 #include "UHandle.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+
+CGPath* (*mBuildProc)(CFPolygonRef) = nullptr;
 
 namespace {
 
@@ -310,6 +311,21 @@ CFPolygonRef& CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& 
         InvalBounds();
     }
     return *this;
+}
+
+void CFPolygonRef::SetBuilPathProc(CGPath* (*proc)(CFPolygonRef)) { mBuildProc = proc; }
+
+CGPath* CFPolygonRef::GetPath() {
+    if (mRef == nullptr) {
+        return nullptr;
+    }
+    CGPath* path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
+    if (path == nullptr && mBuildProc != nullptr) {
+        path = mBuildProc(CFPolygonRef(*this, false));
+        Record(mRef)->polyPath = trammel_detail::StorePath(path, mRef);
+        path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
+    }
+    return path;
 }
 
 MacPolygon** CFPolygonRef::CreateQDPoly() const {

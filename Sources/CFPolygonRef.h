@@ -22,6 +22,7 @@
 #define TRAMMEL_CFPOLYGONREF_H
 
 #include "FPolygon.h"
+#include "PathObject.h"
 #include "Records.h"
 #include "TLine.h"
 #include "TPoint.h"
@@ -147,6 +148,21 @@ public:
     /// Moves as the transform that carries rectangle `from` onto `to` does (CMatrix3x3::Map).
     CFPolygonRef& Map(TRect<double> const& from, TRect<double> const& to);
 
+    // Drawing path
+
+    /// Registers the function that builds the drawing layer's path of a polygon, for the whole
+    /// process; null for none. Paths cached already are kept.
+    ///
+    /// The function gets a reference to the polygon (not a copy), which it may read and must not
+    /// change, and returns a path whose one reference passes to the polygon, or null.
+    static void SetBuilPathProc(CGPath* (*proc)(CFPolygonRef));
+    /// The polygon's drawing path, built when there is none cached; null without block, without
+    /// registered function and where that returned null (it is then asked again the next time).
+    ///
+    /// The path is borrowed: do not release it, and use it only until the polygon is next changed
+    /// or disposed. Of a block that was copied byte by byte the copy builds a path of its own.
+    CGPath* GetPath();
+
     // Convert
 
     /// A new QuickDraw polygon with the points rounded to integers (halves away from zero), its box
@@ -154,6 +170,10 @@ public:
     /// null reference gives the 10-byte header alone; null when memory is short.
     MacPolygon** CreateQDPoly() const;
 };
+
+/// The function that builds drawing paths, null until SetBuilPathProc is called. Process-wide and
+/// not synchronised.
+extern TRAMMEL_API CGPath* (*mBuildProc)(CFPolygonRef);
 
 /// A reference to a copy of the polygon of `src`; null for a null reference.
 TRAMMEL_API CFPolygonRef CFPolygonCreateCopy(CFPolygonRef const& src);

@@ -6,6 +6,7 @@
 #ifndef TRAMMEL_TRAMMEL_H
 #define TRAMMEL_TRAMMEL_H
 
+#include "CBSpline.h"
 #include "CBezier.h"
 #include "CFPoint.h"
 #include "CFPolygonRef.h"
@@ -24,10 +25,13 @@
 #include "TPoint.h"
 #include "TPoly.h"
 #include "TRect.h"
+#include "UFPoly.h"
 #include "UGeometry.h"
 #include "UHandle.h"
 #include "UHygiene.h"
+#include "URotation.h"
 #include "UScalar.h"
 #include "UTrigonometry.h"
+#include "crc32.h"
 
 #endif
