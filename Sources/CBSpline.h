@@ -64,7 +64,8 @@ public:
     /// one.
     static void SetCurveError(double e) { mMaxError = e; }
 
-    /// Splits at the middle into `left` and `right`, two other curves; returns the split point.
+    /// Splits at the middle into `left` and `right`, of which one may be this curve; returns the
+    /// split point.
     TPoint<double> Divide(CBSpline& left, CBSpline& right) const;
     /// True when P1 is within `tolerance` (coordinate units, inclusive) of the chord, measured
     /// vertically or, failing that, horizontally. A curve with coincident ends is flat whatever P1.

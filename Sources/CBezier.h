@@ -225,7 +225,9 @@ public:
     /// through.
     bool Intersects(TRect<double> r) const;
     /// The arc length: the length of a flattening at 0.001 (whatever mMaxError is), never more than
-    /// the true one but for rounding. Relative error about 3e-5 for drawing-sized curves.
+    /// the true one but for rounding. The tolerance is absolute, so the relative error shrinks with
+    /// the size of the curve: measured 7.5e-7 on average and 4e-6 at worst for random curves 1000
+    /// units across, 6e-5 and 1.5e-3 for the curves of a font at 100 units to the em.
     double Length() const;
     /// The parameter at which `fraction` of the arc length is reached, to about 0.001: found as the
     /// parameter nearest to that point of a flattening at 0.001.

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+
+#include "Inputs.h"
+
+#include <trammel/CPathActions.h>
+#include <trammel/UTrigonometry.h>
+
+#include <cmath>
+#include <random>
+
+#ifdef TRAMMEL_BENCH_FREETYPE
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+#endif
+
+namespace inputs {
+namespace {
+
+/// Numbers evenly spread over an interval. Made from the generator's bits here and not by the
+/// standard library's distribution, which may differ from one library to the next.
+class Random {
+public:
+    explicit Random(unsigned seed) : mEngine(seed) {}
+    double operator()(double lo, double hi) {
+        return lo + (hi - lo) * (static_cast<double>(mEngine() >> 11) * 0x1p-53);
+    }
+    TPoint<double> Pt(double lo, double hi) {
+        double const h = (*this)(lo, hi);
+        return TPoint<double>(h, (*this)(lo, hi));
+    }
+
+private:
+    std::mt19937_64 mEngine;
+};
+
+std::vector<CPath> RandomOutlines() {
+    Random random(1);
+    std::vector<CPath> outlines(200);
+    for (CPath& outline : outlines) {
+        outline.MoveTo(random.Pt(0.0, 1000.0));
+        for (int i = 0; i < 9; ++i) {
+            outline.LineTo(random.Pt(0.0, 1000.0));
+            TPoint<double> const c1 = random.Pt(0.0, 1000.0);
+            TPoint<double> const c2 = random.Pt(0.0, 1000.0);
+            outline.CurveTo(c1, c2, random.Pt(0.0, 1000.0));
+        }
+        outline.ClosePath();
+    }
+    return outlines;
+}
+
+#ifdef TRAMMEL_BENCH_FREETYPE
+
+/// A glyph's outline on its way into a path.
+struct Sink {
+    CPath path;
+    double scale;
+    TPoint<double> current;
+
+    TPoint<double> Pt(FT_Vector const* p) const {
+        return TPoint<double>(static_cast<double>(p->x) * scale,
+                              100.0 - static_cast<double>(p->y) * scale);
+    }
+};
+
+int Move(FT_Vector const* to, void* user) {
+    Sink& sink = *static_cast<Sink*>(user);
+    sink.path.ClosePath();
+    sink.path.MoveTo(sink.current = sink.Pt(to));
+    return 0;
+}
+
+int Line(FT_Vector const* to, void* user) {
+    Sink& sink = *static_cast<Sink*>(user);
+    sink.path.LineTo(sink.current = sink.Pt(to));
+    return 0;
+}
+
+int Quadratic(FT_Vector const* control, FT_Vector const* to, void* user) {
+    Sink& sink = *static_cast<Sink*>(user);
+    TPoint<double> const c = sink.Pt(control);
+    TPoint<double> const e = sink.Pt(to);
+    sink.path.CurveTo((sink.current + c * 2.0) / 3.0, (e + c * 2.0) / 3.0, e);
+    sink.current = e;
+    return 0;
+}
+
+int Cubic(FT_Vector const* c1, FT_Vector const* c2, FT_Vector const* to, void* user) {
+    Sink& sink = *static_cast<Sink*>(user);
+    sink.path.CurveTo(sink.Pt(c1), sink.Pt(c2), sink.current = sink.Pt(to));
+    return 0;
+}
+
+std::vector<CPath> GlyphOutlines(char const* font) {
+    std::vector<CPath> outlines;
+    FT_Library library = nullptr;
+    FT_Face face = nullptr;
+    if (FT_Init_FreeType(&library) != 0) {
+        return outlines;
+    }
+    if (FT_New_Face(library, font, 0, &face) == 0) {
+        FT_Outline_Funcs const functions = {Move, Line, Quadratic, Cubic, 0, 0};
+        for (FT_ULong code = 0x21; code <= 0x17F; ++code) {
+            FT_UInt const glyph = FT_Get_Char_Index(face, code);
+            if (glyph == 0 || FT_Load_Glyph(face, glyph, FT_LOAD_NO_SCALE) != 0 ||
+                face->glyph->format != FT_GLYPH_FORMAT_OUTLINE) {
+                continue;
+            }
+            Sink sink;
+            sink.scale = 100.0 / face->units_per_EM;
+            if (FT_Outline_Decompose(&face->glyph->outline, &functions, &sink) == 0 &&
+                !sink.path.mCtls.empty()) {
+                sink.path.ClosePath();
+                outlines.push_back(sink.path);
+            }
+        }
+        FT_Done_Face(face);
+    }
+    FT_Done_FreeType(library);
+    return outlines;
+}
+
+#else
+
+std::vector<CPath> GlyphOutlines(char const*) { return {}; }
+
+#endif
+
+std::vector<CBezier> RandomCurves() {
+    Random random(2);
+    std::vector<CBezier> curves(1000);
+    for (CBezier& curve : curves) {
+        for (TPoint<double>* p : {&curve.P0, &curve.P1, &curve.P2, &curve.P3}) {
+            *p = random.Pt(0.0, 1000.0);
+        }
+    }
+    return curves;
+}
+
+/// Collects the curves of the outlines that it visits.
+class CurveCollector : public CPathActions {
+public:
+    std::vector<CBezier> mCurves;
+    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
+                 TPoint<double> const& e) override {
+        mCurves.emplace_back(GetCurrentPt(), c1, c2, e);
+    }
+};
+
+std::vector<CBezier> CurvesOf(std::vector<CPath> const& outlines) {
+    CurveCollector collector;
+    for (CPath const& outline : outlines) {
+        outline.ForAll(collector);
+    }
+    return collector.mCurves;
+}
+
+} // namespace
+
+std::vector<CPath> const& Outlines(Set set) {
+    static std::vector<CPath> const random = RandomOutlines();
+    static std::vector<CPath> const trueType =
+        GlyphOutlines("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
+    static std::vector<CPath> const cff =
+        GlyphOutlines("/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf");
+    return set == Set::kRandom ? random : set == Set::kTrueType ? trueType : cff;
+}
+
+std::vector<CBezier> const& Curves(Set set) {
+    static std::vector<CBezier> const random = RandomCurves();
+    static std::vector<CBezier> const trueType = CurvesOf(Outlines(Set::kTrueType));
+    static std::vector<CBezier> const cff = CurvesOf(Outlines(Set::kCff));
+    return set == Set::kRandom ? random : set == Set::kTrueType ? trueType : cff;
+}
+
+std::vector<TPoint<double>> Points(std::size_t count, double side) {
+    Random random(3);
+    std::vector<TPoint<double>> points(count);
+    for (TPoint<double>& p : points) {
+        p = random.Pt(0.0, side);
+    }
+    return points;
+}
+
+std::vector<TPoint<double>> Star(std::size_t count) {
+    Random random(4);
+    std::vector<TPoint<double>> vertices(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        double const angle = 2.0 * pi * static_cast<double>(i) / static_cast<double>(count);
+        double const radius = random(200.0, 450.0);
+        vertices[i].Set(500.0 + radius * std::cos(angle), 500.0 + radius * std::sin(angle));
+    }
+    return vertices;
+}
+
+} // namespace inputs
