@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
@@ -90,11 +91,24 @@ public:
         }
         return CMatrix3x3(v[0], v[1], v[2], v[3], v[4], v[5], 0x40);
     }
+    CBSpline Quadratic() {
+        Pt const a = Point();
+        Pt const b = Point();
+        return CBSpline(a, b, Point());
+    }
     CBezier Curve() {
         Pt const a = Point();
         Pt const b = Point();
         Pt const c = Point();
         return CBezier(a, b, c, Point());
+    }
+    /// To be disposed.
+    CFPolygonRef HandlePolygon(int points) {
+        CFPolygonRef polygon(true);
+        for (int i = 0; i < points; ++i) {
+            polygon.Append(Point());
+        }
+        return polygon;
     }
     TPolygon<double> Polygon(int vertices) {
         TPolygon<double> polygon;
@@ -567,6 +581,111 @@ std::vector<Case> Cases() {
         EXPECT_FALSE(CFPolygonCreateCopy(polygon));
     });
 
+    add("UFPoly", [](Draw& d) {
+        CFPolygonRef const polygon = d.HandlePolygon(4);
+        Pt const p = d.Point();
+        Box const r = d.Rect();
+        EXPECT_EQ(FPolyClosed(polygon), polygon.PolyPoints(0) == polygon.PolyPoints(3));
+        EXPECT_FALSE(FPtInFPoly(polygon, Pt(std::nan(""), 0.0)));
+        EXPECT_FALSE(FRectInFPoly(polygon, r, true) && !FRectInFPoly(polygon, r, false));
+        EXPECT_FALSE(FPolyInFPoly(polygon, polygon, true) &&
+                     !FPolyInFPoly(polygon, polygon, false));
+        std::string const text = PolyDescription(polygon);
+        EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);
+        ScaleFPoly(polygon, d.Value());
+        RotateFPoly(polygon, d.Value(), p);
+        MapFPoly(polygon, r, d.Rect());
+        OffsetFPoly(polygon, p);
+        EXPECT_TRUE(polygon.BoundsValid());
+        InsertPolyPt(d.Index(), p, polygon);
+        AppendPolyPt(p, polygon);
+        EXPECT_EQ(LastFPolyIndex(polygon), 5);
+        CFPolygonRef const copy = CloneFPoly(polygon);
+        InsertPolyPts(polygon, copy, d.Index(), static_cast<short>(d.Index()));
+        DeletePolyPt(polygon);
+        FindFPolyBBox(polygon);
+        EXPECT_TRUE(polygon.BoundsValid());
+        KillFPoly(copy);
+        MacPolygon** const qd = FPoly2Poly(polygon);
+        EXPECT_EQ(LastPolyIndex(qd), LastFPolyIndex(polygon));
+        CFPolygonRef const back = Poly2FPoly(qd);
+        EXPECT_EQ(LastFPolyIndex(back), LastFPolyIndex(polygon));
+        KillFPoly(back);
+        DisposeHandle(reinterpret_cast<Handle>(qd));
+        KillFPoly(polygon);
+        KillFPoly(FRectToFPoly(r));
+        KillFPoly(RotRectToPoly(r, d.Value()));
+    });
+    add("UFPoly_null", [](Draw& d) {
+        CFPolygonRef const null;
+        EXPECT_TRUE(FPolyClosed(null));
+        EXPECT_EQ(LastFPolyIndex(null), -1);
+        EXPECT_FALSE(FPtInFPoly(null, d.Point()));
+        EXPECT_FALSE(FRectInFPoly(null, d.Rect(), d.Flag()));
+        EXPECT_EQ(FPolyInFPoly(null, null, d.Flag()), d.Flag());
+        EXPECT_EQ(PolyDescription(null), "");
+        ScaleFPoly(null, d.Value());
+        RotateFPoly(null, d.Value(), d.Point());
+        MapFPoly(null, d.Rect(), d.Rect());
+        OffsetFPoly(null, d.Point());
+        AppendPolyPt(d.Point(), null);
+        InsertPolyPt(d.Index(), d.Point(), null);
+        InsertPolyPts(null, null, d.Index(), 1);
+        DeletePolyPt(null);
+        FindFPolyBBox(null);
+        KillFPoly(null);
+        EXPECT_FALSE(CloneFPoly(null));
+        EXPECT_EQ(CFPolygonRef(null).GetPath(), nullptr);
+    });
+    add("UFPoly_points", [](Draw& d) {
+        Pt const a = d.Point();
+        Pt const b = d.Point();
+        double const x = d.Value();
+        EXPECT_FALSE(EqualPtTol(a, b, std::nan("")));
+        EXPECT_FALSE(EqualPtTol(a, a, 0.0));
+        EXPECT_EQ(EqualPtTol(a, b, x), EqualPtTol(b, a, x));
+        EXPECT_FALSE(InFptBounds(a, b, Pt(std::nan(""), x)));
+        Use(InFptBounds(a, b, d.Point()) ? 1.0 : 0.0);
+        Pt centre;
+        double hRadius = 0.0;
+        double vRadius = 0.0;
+        Box const r = d.Rect();
+        FRectCenter(r, centre, hRadius, vRadius);
+        Use(centre);
+        Use(hRadius + vRadius);
+        EXPECT_FALSE(IsTrueCircle(r) && std::isnan(r.Width() - r.Height()));
+    });
+    add("CFPolygonRef_path", [](Draw& d) {
+        CFPolygonRef polygon = d.HandlePolygon(4);
+        polygon.SetClosed(d.Flag());
+        CFPolygonRef::SetBuilPathProc(trammel::BuildPath);
+        CGPath* const path = polygon.GetPath();
+        EXPECT_NE(path, nullptr);
+        EXPECT_EQ(polygon.GetPath(), path);
+        // What is no number of single precision is left out.
+        CGPathApply(path, nullptr, [](void*, CGPathElement const* element) {
+            if (element->type != kCGPathElementCloseSubpath) {
+                EXPECT_TRUE(std::isfinite(element->points[0].x));
+                EXPECT_TRUE(std::isfinite(element->points[0].y));
+            }
+        });
+        CFPolygonRef::SetBuilPathProc(nullptr);
+        polygon.Dispose();
+    });
+    add("URotation", [](Draw& d) {
+        double const angle = d.Value();
+        SetRotate(angle);
+        SetUnRotate(-angle);
+        Pt p = d.Point();
+        bool const finite = std::isfinite(p.h) && std::isfinite(p.v);
+        Transform(p);
+        EXPECT_FALSE(std::isfinite(p.h) && std::isfinite(p.v) && !(finite && std::isfinite(angle)));
+        UnTransform(p);
+        Use(p);
+        SetRotate(0.0);
+        SetUnRotate(0.0);
+    });
+
     // Curves
     add("CBezier_values", [](Draw& d) {
         CBezier const curve = d.Curve();
@@ -621,6 +740,32 @@ std::vector<Case> Cases() {
         EXPECT_FALSE(curve.Length() < 0.0);
         Use(curve.PercentT(t0));
         Use(curve.TPercent(t1));
+    });
+
+    add("CBSpline_values", [](Draw& d) {
+        CBSpline const curve = d.Quadratic();
+        double const tolerance = d.Value();
+        EXPECT_EQ(curve.Flat(std::nan("")), curve.P0 == curve.P2);
+        Use(curve.Flat(tolerance) ? 1.0 : 0.0);
+        CBSpline left;
+        CBSpline right;
+        Use(curve.Divide(left, right));
+        Use(curve.Extents().TopLeft());
+    });
+    add("CBSpline_points", [](Draw& d) {
+        CBSpline const curve = d.Quadratic();
+        TPolygon<double> polygon;
+        curve.AddSegmentToPoly(polygon, d.Value());
+        long const limit = (1L << (CBSpline::mRecursionLimit - 1)) - 1;
+        EXPECT_LE(polygon.LastIndex(), limit + 1);
+        EXPECT_EQ(CBSpline::CurveError(), 2.0);
+        gDelivered = 0;
+        CBSpline::PointDataProc const count = [](Pt const&, void*) { ++gDelivered; };
+        curve.GenerateSegment(count, nullptr, 6);
+        EXPECT_LE(gDelivered, 31);
+        gDelivered = 0;
+        curve.GenerateSegment(count, nullptr, -32768);
+        EXPECT_EQ(gDelivered, 0);
     });
 
     // Paths
@@ -689,15 +834,19 @@ protected:
     void SetUp() override {
         SetNSLogSink([](std::string const&) {});
         mLimit = CBezier::mRecursionLimit;
+        mSplineLimit = CBSpline::mRecursionLimit;
         CBezier::mRecursionLimit = 8;
+        CBSpline::mRecursionLimit = 8;
     }
     void TearDown() override {
         CBezier::mRecursionLimit = mLimit;
+        CBSpline::mRecursionLimit = mSplineLimit;
         SetNSLogSink(nullptr);
     }
 
 private:
     std::int16_t mLimit = 15;
+    std::int16_t mSplineLimit = 15;
 };
 
 TEST_P(SpecialValues, EveryCombinationOfTwoArgumentsReturnsWhatIsStated) {
