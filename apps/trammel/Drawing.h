@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+//
+// What the commands work on: the outlines of one file, in the file's own coordinates with v
+// downward.
+
+#ifndef TRAMMEL_APP_DRAWING_H
+#define TRAMMEL_APP_DRAWING_H
+
+#include <trammel/CPath.h>
+#include <trammel/TRect.h>
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// One outline and its name.
+struct Outline {
+    std::string id; ///< the element's id or the glyph's name; otherwise made up, like "path#3"
+    CPath path;     ///< every subpath begins with a move
+};
+
+/// The part of the plane that a drawing shows, and the size that it has on paper.
+struct Page {
+    TRect<double> frame; ///< in the drawing's coordinates; null when the file does not tell
+    double width = 0.0;  ///< size on paper in `unit`; 0 when the file does not tell
+    double height = 0.0;
+    std::string unit; ///< "mm", "px" and so on; may be empty
+};
+
+/// The outlines of one file.
+struct Drawing {
+    std::string file;
+    std::string kind; ///< "svg" or "font"
+    Page page;
+    std::vector<Outline> outlines;
+};
+
+/// Reads an SVG drawing, or every glyph of a font (in font units), whichever the content shows the
+/// file to be, whatever its name. Throws Error.
+Drawing ReadDrawing(std::string const& file);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+//
+// The gallery: pictures of what the library does, each with one sentence and the figures that were
+// computed while it was drawn.
+
+#ifndef TRAMMEL_APP_GALLERY_H
+#define TRAMMEL_APP_GALLERY_H
+
+#include "Drawing.h"
+#include "FontReader.h"
+#include "Picture.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// What the pictures are made from.
+struct GalleryInput {
+    Font const& type;       ///< its glyphs are drawn and measured
+    Font const& labels;     ///< for the words in the pictures
+    std::string typeFile;   ///< the name of the file of `type`
+    Drawing const& drawing; ///< a drawing, with at least one outline that has a length
+};
+
+/// One figure below a picture.
+struct GalleryFigure {
+    std::string name;
+    std::string value;
+};
+
+/// One picture with what is said about it.
+struct Plate {
+    std::string name;     ///< of the files, without ".svg" and ".png"
+    std::string title;    ///< a few words
+    std::string sentence; ///< what the picture shows
+    std::vector<GalleryFigure> figures;
+    Picture picture;
+};
+
+/// A function that draws one plate. Throws Error when the font lacks a glyph.
+using PlateMaker = std::function<Plate(GalleryInput const&)>;
+
+/// All plates, in the order of the page.
+std::vector<PlateMaker> const& GalleryPlates();
+
+/// The page that shows the plates: HTML without script, and without anything from elsewhere but the
+/// pictures, which lie beside it as NAME.svg and NAME.png.
+std::string GalleryPage(GalleryInput const& input, std::vector<Plate> const& plates);
+
+// The plates
+
+Plate DrawMarks(GalleryInput const& input);
+Plate DrawTextAlong(GalleryInput const& input);
+Plate DrawCut(GalleryInput const& input);
+Plate DrawFlattening(GalleryInput const& input);
+Plate DrawHitMap(GalleryInput const& input);
+Plate DrawHatching(GalleryInput const& input);
+Plate DrawTransforms(GalleryInput const& input);
+Plate DrawCircles(GalleryInput const& input);
+Plate DrawPolygons(GalleryInput const& input);
+Plate DrawRounding(GalleryInput const& input);
+Plate DrawNearest(GalleryInput const& input);
+
+} // namespace tool
+
+#endif

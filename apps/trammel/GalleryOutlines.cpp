@@ -1,0 +1,286 @@
+// SPDX-License-Identifier: MIT
+//
+// The plates about whole outlines: measured, written along, cut, searched.
+
+#include "Cut.h"
+#include "Error.h"
+#include "Gallery.h"
+#include "GalleryCanvas.h"
+#include "Outlines.h"
+#include "SvgShapes.h"
+#include "TextAlong.h"
+#include "Tracer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace tool {
+namespace {
+
+std::size_t CountElements(CPath const& path, CPathCode code) {
+    return static_cast<std::size_t>(std::count(path.mCtls.begin(), path.mCtls.end(), code));
+}
+
+std::string Extent(TRect<double> const& r, int decimals) {
+    return Rounded(r.Width(), decimals) + " × " + Rounded(r.Height(), decimals);
+}
+
+/// A curve that winds inward in half turns, from the left end of its widest one over the top.
+CPath Spiral(TPoint<double> centre, TPoint<double> radii, TPoint<double> shrink, int halfTurns) {
+    CPath path;
+    double angle = pi;
+    for (int i = 0; i < halfTurns; ++i) {
+        path.Arc(centre, radii.h, radii.v, angle, 0.5 * pi);
+        path.Arc(centre, radii.h, radii.v, angle + 0.5 * pi, 0.5 * pi);
+        // The next half turn begins where this one ends: at the right, then at the left.
+        TPoint<double> const end = path.CurrentPoint();
+        radii -= shrink;
+        angle += pi;
+        centre.h = end.h - radii.h * std::cos(angle);
+    }
+    return path;
+}
+
+/// The nearest point of a set of outlines.
+struct Nearest {
+    TPoint<double> point;
+    double distance = std::numeric_limits<double>::infinity();
+};
+
+Nearest NearestOf(std::vector<CPath> const& outlines, std::vector<TRect<double>> const& bounds,
+                  TPoint<double> const& p) {
+    Nearest best;
+    for (std::size_t i = 0; i < outlines.size(); ++i) {
+        TPoint<double> inBox(p);
+        PinValueToRange(bounds[i].left, bounds[i].right, inBox.h);
+        PinValueToRange(bounds[i].top, bounds[i].bottom, inBox.v);
+        if (LineLength(p, inBox) >= best.distance) {
+            continue;
+        }
+        TPoint<double> const found = outlines[i].TPt(outlines[i].FindTValue(p));
+        double const distance = LineLength(p, found);
+        if (distance < best.distance) {
+            best.point = found;
+            best.distance = distance;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+Plate DrawMarks(GalleryInput const& input) {
+    Plate plate;
+    plate.name = "marks";
+    plate.title = "Marks at every tenth of the way";
+    plate.sentence = "The outline of a letter is walked by arc length, across lines, curves and "
+                     "inner contours alike; each mark stands at right angles to the direction that "
+                     "the outline has there.";
+
+    CPath const letter = LetterPath(input, '&');
+    Canvas canvas(input.labels);
+    TRect<double> const room(70.0, 45.0, 730.0, 515.0);
+    CMatrix3x3 const fit = Fitting(DrawnBounds(letter), room);
+    CPath const path = Transformed(letter, fit);
+    canvas.Fill(path, palette::sky, 0.16);
+    canvas.Stroke(path, palette::blue, 3.0);
+
+    Tracer const tracer(path);
+    LabelPlacer placer(path, TRect<double>(8.0, 8.0, Canvas::kWidth - 8.0, Canvas::kHeight - 8.0));
+    double worst = 0.0;
+    std::vector<TPoint<double>> marks;
+    for (int i = 0; i < 10; ++i) {
+        double const t = i / 10.0;
+        TPoint<double> const p = path.TPt(t);
+        TPoint<double> const across = tracer.At(t * tracer.Length()).direction.Rotate(0.5 * pi);
+        TLine<double> const tick(p - across * 13.0, p + across * 13.0);
+        canvas.Segment(tick.mStart, tick.mEnd, palette::vermilion, 4.0);
+        placer.Avoid(tick);
+        marks.push_back(p);
+        worst = std::max(worst, std::abs(path.FindTValue(p) - t));
+    }
+    for (int i = 0; i < 10; ++i) {
+        std::string const words = Rounded(i / 10.0, 1);
+        TPoint<double> const& p = marks[static_cast<std::size_t>(i)];
+        canvas.Dot(p, 5.0, palette::vermilion);
+        canvas.Label(words, placer.Place(p, canvas.LabelWidth(words), 16.0));
+    }
+
+    double const length = letter.Length();
+    plate.figures = {
+        {"Length of the outline", Rounded(length, 1) + " font units"},
+        {"From mark to mark", Rounded(length / 10.0, 2) + " font units"},
+        {"Width × height", Extent(DrawnBounds(letter), 1) + " font units"},
+        {"Contours, lines, curves", std::to_string(Subpaths(letter).size()) + ", " +
+                                        std::to_string(CountElements(letter, kPathLine)) + ", " +
+                                        std::to_string(CountElements(letter, kPathCurve))},
+        {"A mark's fraction found again from its point: off by at most", Small(worst)},
+    };
+    plate.picture = canvas.TakePicture();
+    return plate;
+}
+
+Plate DrawTextAlong(GalleryInput const& input) {
+    Plate plate;
+    plate.name = "text-along-path";
+    plate.title = "Text along a path";
+    plate.sentence = "Each letter stands on the curve at its own distance from the start and is "
+                     "turned to the curve's direction at that place.";
+
+    std::string const words =
+        "A path knows its own length, and so each letter of this line finds the place on the curve "
+        "where it has to stand, and turns the way that the curve is going there, to the very end.";
+    CPath const spiral = Spiral(TPoint<double>(400.0, 296.0), TPoint<double>(334.0, 216.0),
+                                TPoint<double>(39.0, 33.0), 6);
+    double const length = spiral.Length();
+    double const width = TextWidth(input.type, words, 100.0);
+    if (!(width > 0.0)) {
+        throw Error(input.typeFile, "", "has no letters of any width");
+    }
+    double const size = 100.0 * (length - 20.0) / width;
+
+    Canvas canvas(input.labels);
+    canvas.Stroke(spiral, palette::amber, 2.0);
+    std::vector<Outline> const letters = TextAlong(input.type, words, size, spiral, 10.0);
+    for (Outline const& letter : letters) {
+        canvas.Fill(letter.path, palette::ink);
+    }
+    canvas.Dot(spiral.TPt(0.0), 5.0, palette::vermilion);
+    canvas.Dot(spiral.TPt(1.0), 5.0, palette::vermilion);
+
+    plate.figures = {
+        {"Length of the curve", Rounded(length, 2)},
+        {"Width of the words, set straight", Rounded(TextWidth(input.type, words, size), 2)},
+        {"Size of the type", Rounded(size, 2)},
+        {"Letters placed", std::to_string(letters.size())},
+    };
+    plate.picture = canvas.TakePicture();
+    return plate;
+}
+
+Plate DrawCut(GalleryInput const& input) {
+    constexpr double kFrom = 0.12;
+    constexpr double kTo = 0.42;
+    Plate plate;
+    plate.name = "cut";
+    plate.title = "A piece cut out, and what remains";
+    plate.sentence = "A closed outline is cut at two fractions of its length; the remainder is one "
+                     "open piece that runs through the outline's start.";
+
+    Canvas canvas(input.labels);
+    CPath const whole = LetterIn(input, 'S', TRect<double>(75.0, 36.0, 345.0, 436.0));
+    Pieces const pieces = CutPath(whole, kFrom, kTo);
+
+    canvas.Fill(whole, palette::mist);
+    canvas.Stroke(whole, palette::grey, 2.5);
+    LabelPlacer placer(whole, TRect<double>(8.0, 8.0, 400.0, 480.0));
+    for (double const t : {kFrom, kTo}) {
+        TPoint<double> const p = whole.TPt(t);
+        std::string const words = Rounded(t, 2);
+        canvas.Ring(p, 6.0, palette::ink, 3.0);
+        canvas.Label(words, placer.Place(p, canvas.LabelWidth(words), 16.0));
+    }
+    TPoint<double> const start = whole.TPt(0.0);
+    canvas.Dot(start, 6.0, palette::green);
+    canvas.Label("start", placer.Place(start, canvas.LabelWidth("start"), 16.0), Align::centre,
+                 palette::green);
+
+    CMatrix3x3 const aside = CMatrix3x3().Translate(340.0, 0.0);
+    CPath const rest = Transformed(pieces.rest, aside);
+    CPath const cut = Transformed(pieces.cut, aside);
+    CPath const moved = Transformed(cut, CMatrix3x3().Translate(44.0, 34.0));
+    canvas.Dashes(cut, palette::ghost, 2.0);
+    canvas.Stroke(rest, palette::blue, 4.0);
+    canvas.Stroke(moved, palette::vermilion, 4.0);
+    for (CPath const* piece : {&rest, &moved}) {
+        Colour const colour = piece == &rest ? palette::blue : palette::vermilion;
+        canvas.Ring(piece->TPt(0.0), 5.0, colour, 3.0);
+        canvas.Ring(piece->TPt(1.0), 5.0, colour, 3.0);
+    }
+    canvas.Label("the outline", TPoint<double>(210.0, 520.0));
+    canvas.Label("the remainder", TPoint<double>(500.0, 520.0), Align::centre, palette::blue);
+    canvas.Label("the piece", TPoint<double>(680.0, 520.0), Align::centre, palette::vermilion);
+
+    double const length = whole.Length();
+    double const cutLength = pieces.cut.Length();
+    double const restLength = pieces.rest.Length();
+    plate.figures = {
+        {"Length of the outline", Rounded(length, 3)},
+        {"Length of the piece, from " + Rounded(kFrom, 2) + " to " + Rounded(kTo, 2),
+         Rounded(cutLength, 3)},
+        {"Length of the remainder", Rounded(restLength, 3)},
+        {"The piece's part of the whole", Rounded(cutLength / length, 5)},
+        {"Piece and remainder together, less the whole", Small(cutLength + restLength - length)},
+    };
+    plate.picture = canvas.TakePicture();
+    return plate;
+}
+
+Plate DrawNearest(GalleryInput const& input) {
+    constexpr int kPoints = 48;
+    Plate plate;
+    plate.name = "nearest";
+    plate.title = "A drawing measured, and its nearest points";
+    plate.sentence = "From each point of a ring a line leads to the nearest point of all the "
+                     "drawing's outlines.";
+
+    CPath all;
+    for (Outline const& outline : input.drawing.outlines) {
+        AppendElements(all, outline.path);
+    }
+    Canvas canvas(input.labels);
+    CMatrix3x3 const fit = Fitting(DrawnBounds(all), TRect<double>(235.0, 135.0, 565.0, 425.0));
+    std::vector<CPath> outlines;
+    std::vector<TRect<double>> bounds;
+    double length = 0.0;
+    for (Outline const& outline : input.drawing.outlines) {
+        CPath const path = WithoutDots(outline.path);
+        length += path.Length();
+        if (path.mCtls.empty()) {
+            continue;
+        }
+        outlines.push_back(Transformed(path, fit));
+        bounds.push_back(ControlBounds(outlines.back()));
+        canvas.Fill(outlines.back(), palette::sky, 0.2);
+    }
+    for (CPath const& outline : outlines) {
+        canvas.Stroke(outline, palette::blue, 2.5);
+    }
+
+    TPoint<double> const centre(0.5 * Canvas::kWidth, 0.5 * Canvas::kHeight);
+    CPath const ring = EllipsePath(centre, 340.0, 250.0);
+    canvas.Stroke(ring, palette::mist, 2.0);
+    double least = std::numeric_limits<double>::infinity();
+    double most = 0.0;
+    std::vector<TLine<double>> lines;
+    for (int i = 0; i < kPoints; ++i) {
+        TPoint<double> const p = ring.TPt(static_cast<double>(i) / kPoints);
+        Nearest const nearest = NearestOf(outlines, bounds, p);
+        least = std::min(least, nearest.distance);
+        most = std::max(most, nearest.distance);
+        lines.emplace_back(p, nearest.point);
+        canvas.Segment(p, nearest.point, palette::amber, 1.8);
+    }
+    for (TLine<double> const& line : lines) {
+        canvas.Dot(line.mStart, 3.5, palette::grey);
+        canvas.Dot(line.mEnd, 4.5, palette::vermilion);
+    }
+
+    // What one unit of the drawing measures in the picture.
+    double const scale = fit.a;
+    plate.figures = {
+        {"Drawing", input.drawing.file},
+        {"Outlines with a length", std::to_string(outlines.size())},
+        {"Their length together", Rounded(length, 3)},
+        {"Width × height", Extent(DrawnBounds(all), 3)},
+        {"Shortest and longest of the " + std::to_string(kPoints) + " lines",
+         Rounded(least / scale, 3) + " and " + Rounded(most / scale, 3)},
+    };
+    plate.picture = canvas.TakePicture();
+    return plate;
+}
+
+} // namespace tool

@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TRAMMEL_APP_INPUT_H
+#define TRAMMEL_APP_INPUT_H
+
+#include <string>
+
+namespace tool {
+
+/// The content of a file of at most 128 MiB. Throws Error when it is missing, a folder, unreadable,
+/// empty or larger.
+std::string ReadFile(std::string const& file);
+
+} // namespace tool
+
+#endif

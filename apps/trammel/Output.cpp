@@ -1,0 +1,152 @@
+// SPDX-License-Identifier: MIT
+
+#include "Output.h"
+
+#include "Error.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tool {
+
+namespace {
+
+/// Owns a file descriptor.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : mNumber(number) {}
+    ~Descriptor() {
+        if (mNumber >= 0) {
+            close(mNumber);
+        }
+    }
+    Descriptor(Descriptor const&) = delete;
+    Descriptor& operator=(Descriptor const&) = delete;
+
+    int Number() const { return mNumber; }
+    /// Writes everything and closes; false with errno set when either fails.
+    bool WriteAndClose(std::string const& content) {
+        std::size_t done = 0;
+        while (done < content.size()) {
+            ssize_t const count = write(mNumber, content.data() + done, content.size() - done);
+            if (count < 0 && errno == EINTR) {
+                continue;
+            }
+            if (count <= 0) {
+                return false;
+            }
+            done += static_cast<std::size_t>(count);
+        }
+        return close(std::exchange(mNumber, -1)) == 0;
+    }
+
+private:
+    int mNumber;
+};
+
+/// The file that a name stands for, links followed; the name itself when there is no such file yet.
+std::string Resolved(std::string const& file) {
+    struct FreeDeleter {
+        void operator()(char* text) const {
+            std::free(text); // NOLINT(cppcoreguidelines-no-malloc): realpath's own memory
+        }
+    };
+    std::unique_ptr<char, FreeDeleter> const real(realpath(file.c_str(), nullptr));
+    return real ? real.get() : file;
+}
+
+/// The permissions of a file that is replaced, or those of a new one.
+mode_t Permissions(bool exists, struct stat const& status) {
+    if (exists) {
+        return status.st_mode & 07777;
+    }
+    mode_t const mask = umask(0);
+    umask(mask);
+    return 0666 & ~mask;
+}
+
+[[noreturn]] void FailToWrite(std::string const& file, int errorNumber) {
+    throw Error(file, "", "cannot be written: " + SystemMessage(errorNumber));
+}
+
+} // namespace
+
+OutputFiles::~OutputFiles() {
+    for (Entry const& entry : mEntries) {
+        if (!entry.temporary.empty()) {
+            unlink(entry.temporary.c_str());
+        }
+    }
+}
+
+void OutputFiles::Add(std::string const& file, std::string const& content) {
+    Entry entry;
+    entry.name = file;
+    entry.target = Resolved(file);
+    for (Entry const& other : mEntries) {
+        if (other.target == entry.target) {
+            throw Error(file, "", "is named for two outputs");
+        }
+    }
+    struct stat status {};
+    bool const exists = stat(entry.target.c_str(), &status) == 0;
+    if (exists && S_ISDIR(status.st_mode)) {
+        throw Error(file, "", "is a folder, not a file");
+    }
+    if (exists && !S_ISREG(status.st_mode)) {
+        entry.content = content;
+        mEntries.push_back(std::move(entry));
+        return;
+    }
+    if (exists && access(entry.target.c_str(), W_OK) != 0) {
+        FailToWrite(file, errno);
+    }
+    std::string name = entry.target + ".XXXXXX";
+    Descriptor descriptor(mkstemp(name.data()));
+    if (descriptor.Number() < 0) {
+        FailToWrite(file, errno);
+    }
+    entry.temporary = name;
+    mEntries.push_back(std::move(entry));
+    if (fchmod(descriptor.Number(), Permissions(exists, status)) != 0 ||
+        !descriptor.WriteAndClose(content)) {
+        FailToWrite(file, errno);
+    }
+}
+
+void OutputFiles::Commit() {
+    for (Entry& entry : mEntries) {
+        if (entry.temporary.empty()) {
+            Descriptor descriptor(open(entry.target.c_str(), O_WRONLY | O_CLOEXEC));
+            if (descriptor.Number() < 0 || !descriptor.WriteAndClose(entry.content)) {
+                FailToWrite(entry.name, errno);
+            }
+        } else if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0) {
+            FailToWrite(entry.name, errno);
+        }
+        entry.temporary.clear();
+    }
+    mEntries.clear();
+}
+
+void WriteFile(std::string const& file, std::string const& content) {
+    OutputFiles files;
+    files.Add(file, content);
+    files.Commit();
+}
+
+void Print(std::string const& text) {
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
+        std::fflush(stdout) != 0) {
+        FailToWrite("standard output", errno);
+    }
+}
+
+} // namespace tool

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+//
+// Output files that appear whole or not at all.
+
+#ifndef TRAMMEL_APP_OUTPUT_H
+#define TRAMMEL_APP_OUTPUT_H
+
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// The files that one run writes. Each is written beside its place under another name; Commit then
+/// moves all of them. Without Commit nothing is left.
+class OutputFiles {
+public:
+    OutputFiles() = default;
+    ~OutputFiles();
+    OutputFiles(OutputFiles const&) = delete;
+    OutputFiles& operator=(OutputFiles const&) = delete;
+
+    /// Writes `content` for `file`. A link is followed; a device or pipe is written by Commit, as
+    /// it is. Throws Error when it cannot be written, or was added before.
+    void Add(std::string const& file, std::string const& content);
+    /// Moves the files to their places. Throws Error.
+    void Commit();
+
+private:
+    struct Entry {
+        std::string name;      ///< as the user gave it
+        std::string target;    ///< links followed
+        std::string temporary; ///< empty: write `content` to the target itself
+        std::string content;
+    };
+    std::vector<Entry> mEntries;
+};
+
+/// Writes one file.
+void WriteFile(std::string const& file, std::string const& content);
+
+/// Writes to standard output and flushes it. Throws Error.
+void Print(std::string const& text);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+//
+// Picture: shapes on a page, to be written as SVG or PNG.
+
+#ifndef TRAMMEL_APP_PICTURE_H
+#define TRAMMEL_APP_PICTURE_H
+
+#include "Drawing.h"
+
+#include <trammel/CPath.h>
+#include <trammel/TRect.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// A colour, each part from 0 to 255.
+struct Colour {
+    std::uint8_t red = 0;
+    std::uint8_t green = 0;
+    std::uint8_t blue = 0;
+};
+
+/// How a shape is painted: filled first (even-odd), then stroked, with round joins and caps.
+struct Style {
+    std::optional<Colour> fill;
+    std::optional<Colour> stroke;
+    double strokeWidth = 1.0; ///< in the picture's coordinates
+    double opacity = 1.0;     ///< of fill and stroke, 0 to 1
+};
+
+/// One painted outline.
+struct Shape {
+    CPath path;
+    Style style;
+    std::string id; ///< written to SVG; may be empty
+};
+
+/// Shapes, painted in order.
+struct Picture {
+    Page page; ///< its frame must have an area
+    std::optional<Colour> background;
+    std::vector<Shape> shapes;
+};
+
+/// The shapes of the outlines, all in one style.
+void AddOutlines(Picture& picture, std::vector<Outline> const& outlines, Style const& style);
+
+/// A page that shows all of `bounds`: the given one where that suffices, otherwise enlarged (its
+/// size on paper in proportion). Without a given one, the bounds with a margin.
+Page PageFor(Page const& page, TRect<double> const& bounds);
+
+/// The line width that suits a picture of this page: a 250th of its longer side.
+double HairWidth(Page const& page);
+
+/// The picture as an SVG document. Coordinates are written so that they read back the same.
+std::string SvgText(Picture const& picture);
+
+/// The picture as a PNG file whose longer side has `pixels` pixels. Throws Error.
+std::string PngBytes(Picture const& picture, int pixels);
+
+/// The picture in the format that the file's name asks for: .svg or .png (1200 pixels). Throws
+/// Error for other names.
+std::string PictureBytes(Picture const& picture, std::string const& file);
+
+} // namespace tool
+
+#endif

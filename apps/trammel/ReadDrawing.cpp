@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+
+#include "Drawing.h"
+#include "Error.h"
+#include "FontReader.h"
+#include "Input.h"
+#include "SvgReader.h"
+
+#include <string_view>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// True when the content begins like XML: with '<', or with a byte order mark.
+bool LooksLikeXml(std::string_view content) {
+    for (std::string_view const mark : {"\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE"}) {
+        if (content.substr(0, mark.size()) == mark) {
+            return true;
+        }
+    }
+    std::size_t const first = content.find_first_not_of(" \t\r\n");
+    return first != std::string_view::npos && content[first] == '<';
+}
+
+} // namespace
+
+Drawing ReadDrawing(std::string const& file) {
+    std::string content = ReadFile(file);
+    if (LooksLikeFont(content)) {
+        return ReadFontDrawing(file, std::move(content));
+    }
+    if (LooksLikeXml(content)) {
+        return ReadSvg(file, content);
+    }
+    if (content.compare(0, 2, "\x1F\x8B") == 0) {
+        throw Error(file, "", "is compressed; unpack it first (gunzip)");
+    }
+    throw Error(file, "", "is neither an SVG drawing nor a font");
+}
+
+} // namespace tool

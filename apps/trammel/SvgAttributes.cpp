@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: MIT
+
+#include "SvgAttributes.h"
+
+#include "Numbers.h"
+
+#include <trammel/UTrigonometry.h>
+
+#include <algorithm>
+
+namespace tool {
+
+namespace {
+
+/// One entry of a transform list: its name and its arguments in parentheses.
+CMatrix3x3 ParseOneTransform(Scanner& scanner) {
+    std::size_t const begin = scanner.Position();
+    std::string const name(scanner.Word());
+    std::size_t least = 1;
+    std::size_t most = 1;
+    if (name == "matrix") {
+        least = most = 6;
+    } else if (name == "translate" || name == "scale") {
+        most = 2;
+    } else if (name == "rotate") {
+        most = 3;
+    } else if (name != "skewX" && name != "skewY") {
+        throw TextError(begin, (name.empty() ? "found something else" : "found '" + name + "'") +
+                                   ", expected matrix, translate, scale, rotate, skewX or skewY");
+    }
+    scanner.SkipSpace();
+    if (!scanner.Take('(')) {
+        scanner.Fail("'('");
+    }
+    scanner.SkipSpace();
+    std::vector<double> n = {scanner.Number()};
+    bool comma = scanner.SkipComma();
+    while (n.size() < most && (comma || scanner.NumberFollows())) {
+        n.push_back(scanner.Number());
+        comma = scanner.SkipComma();
+    }
+    if (n.size() < least || (name == "rotate" && n.size() == 2) || comma) {
+        scanner.Fail("a number");
+    }
+    if (!scanner.Take(')')) {
+        scanner.Fail("')'");
+    }
+
+    CMatrix3x3 m;
+    if (name == "matrix") {
+        m = CMatrix3x3(n[0], n[1], n[2], n[3], n[4], n[5], 0);
+    } else if (name == "translate") {
+        m.Translate(n[0], n.size() > 1 ? n[1] : 0.0);
+    } else if (name == "scale") {
+        m.Scale(n[0], n.size() > 1 ? n[1] : n[0]);
+    } else if (name == "rotate" && n.size() == 3) {
+        m.Rotate(DegToRad(n[0]), TPoint<double>(n[1], n[2]));
+    } else if (name == "rotate") {
+        m.Rotate(DegToRad(n[0]));
+    } else if (name == "skewX") {
+        m.Shear(DegToRad(n[0]), 0.0);
+    } else {
+        m.Shear(0.0, DegToRad(n[0]));
+    }
+    return m;
+}
+
+} // namespace
+
+CMatrix3x3 ParseTransform(std::string_view text) {
+    CMatrix3x3 all;
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    if (text.substr(scanner.Position()) == "none") {
+        return all;
+    }
+    while (!scanner.AtEnd()) {
+        // The last of the list is applied to a point first.
+        all = Concat(ParseOneTransform(scanner), all);
+        scanner.SkipComma();
+    }
+    return all;
+}
+
+Length ParseLength(std::string_view text) {
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    Length length{scanner.Number(), ""};
+    length.unit = std::string(scanner.Word());
+    scanner.SkipSpace();
+    if (!scanner.AtEnd()) {
+        scanner.Fail("the end of the length");
+    }
+    return length;
+}
+
+double UserUnits(Length const& length, std::optional<double> whole) {
+    // 96 units in an inch, as everywhere in SVG.
+    struct Unit {
+        char const* name;
+        double size;
+    };
+    static Unit const units[] = {{"", 1.0},    {"px", 1.0},         {"pt", 96.0 / 72.0},
+                                 {"pc", 16.0}, {"mm", 96.0 / 25.4}, {"cm", 96.0 / 2.54},
+                                 {"in", 96.0}, {"Q", 96.0 / 101.6}};
+    for (Unit const& unit : units) {
+        if (length.unit == unit.name) {
+            return length.number * unit.size;
+        }
+    }
+    if (length.unit == "%") {
+        if (!whole) {
+            throw TextError(0, "a percentage, but the drawing does not state its size");
+        }
+        return length.number * *whole / 100.0;
+    }
+    throw TextError(0, "the unit '" + length.unit + "' is none of px, pt, pc, mm, cm, in, Q and %");
+}
+
+std::vector<TPoint<double>> ParsePoints(std::string_view text) {
+    std::vector<TPoint<double>> points;
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    while (!scanner.AtEnd()) {
+        double const h = scanner.Number();
+        scanner.SkipComma();
+        double const v = scanner.Number();
+        points.emplace_back(h, v);
+        if (scanner.SkipComma() && scanner.AtEnd()) {
+            scanner.Fail("a number");
+        }
+    }
+    return points;
+}
+
+TRect<double> ParseViewBox(std::string_view text) {
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    double n[4];
+    for (double& number : n) {
+        number = scanner.Number();
+        scanner.SkipComma();
+    }
+    if (!scanner.AtEnd()) {
+        scanner.Fail("the end of the view box");
+    }
+    if (n[2] < 0.0 || n[3] < 0.0) {
+        throw TextError(0, "the view box has a negative size");
+    }
+    return TRect<double>(n[0], n[1], n[0] + n[2], n[1] + n[3]);
+}
+
+CMatrix3x3 FitViewBox(TRect<double> const& box, TPoint<double> const& size,
+                      std::string_view preserveAspectRatio) {
+    TPoint<double> scale = size / box.GetSize();
+    std::string_view const rule = preserveAspectRatio;
+    if (rule.find("none") != std::string_view::npos) {
+        return CMatrix3x3().Translate(-box.TopLeft()).Scale(scale);
+    }
+    bool const slice = rule.find("slice") != std::string_view::npos;
+    double const s = slice ? std::max(scale.h, scale.v) : std::min(scale.h, scale.v);
+    TPoint<double> const room = size - box.GetSize() * s;
+    auto const share = [rule](char const* least, char const* most) {
+        return rule.find(least) != std::string_view::npos  ? 0.0
+               : rule.find(most) != std::string_view::npos ? 1.0
+                                                           : 0.5;
+    };
+    TPoint<double> const shift =
+        room * TPoint<double>(share("xMin", "xMax"), share("YMin", "YMax"));
+    return CMatrix3x3().Translate(-box.TopLeft()).Scale(s).Translate(shift);
+}
+
+} // namespace tool

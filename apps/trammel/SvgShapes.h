@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// The basic shapes as paths, with the starting points and directions that SVG defines.
+
+#ifndef TRAMMEL_APP_SVGSHAPES_H
+#define TRAMMEL_APP_SVGSHAPES_H
+
+#include <trammel/CPath.h>
+#include <trammel/TPoint.h>
+#include <trammel/TRect.h>
+
+#include <vector>
+
+namespace tool {
+
+/// A rectangle whose corners are quarters of an ellipse with the given radii (at most half the
+/// sides; 0: plain corners).
+CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius);
+
+/// An ellipse of eight curves, from the point at the right by way of the one at the bottom.
+CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius);
+
+/// Straight lines from point to point.
+CPath PolylinePath(std::vector<TPoint<double>> const& points, bool closed);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+
+#include "TextAlong.h"
+
+#include "Error.h"
+#include "Numbers.h"
+#include "Tracer.h"
+
+#include <trammel/CMatrix3x3.h>
+
+#include <map>
+
+namespace tool {
+
+namespace {
+
+/// One glyph of a line of text, `start` font units from the line's beginning.
+struct Placed {
+    Glyph const* glyph;
+    double start;
+};
+
+/// A line of text in font units.
+struct Line {
+    std::map<unsigned, Glyph> glyphs; ///< each that occurs, once
+    std::vector<Placed> placed;
+    double width = 0.0;
+};
+
+/// The next character of a UTF-8 text, from `i` on; throws Error where it is none.
+char32_t NextCharacter(std::string const& text, std::size_t& i) {
+    std::size_t const begin = i;
+    auto const lead = static_cast<unsigned char>(text[i++]);
+    std::size_t const more = lead < 0x80   ? 0
+                             : lead < 0xC2 ? 4
+                             : lead < 0xE0 ? 1
+                             : lead < 0xF0 ? 2
+                             : lead < 0xF5 ? 3
+                                           : 4;
+    char32_t character = more == 0 ? lead : lead & (0x3FU >> more);
+    bool good = more < 4;
+    for (std::size_t k = 0; good && k < more; ++k) {
+        unsigned const next = i < text.size() ? static_cast<unsigned char>(text[i++]) : 0U;
+        good = (next & 0xC0U) == 0x80U;
+        character = (character << 6) | (next & 0x3FU);
+    }
+    good = good && character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF) &&
+           (more < 2 || character >= (more == 2 ? 0x800U : 0x10000U));
+    if (!good) {
+        throw Error("words", "byte " + std::to_string(begin), "is not valid UTF-8");
+    }
+    return character;
+}
+
+Line LayOut(Font const& font, std::string const& words) {
+    Line line;
+    unsigned previous = 0;
+    for (std::size_t i = 0; i < words.size();) {
+        unsigned const index = font.IndexOf(NextCharacter(words, i));
+        auto found = line.glyphs.find(index);
+        if (found == line.glyphs.end()) {
+            found = line.glyphs.emplace(index, font.ReadGlyph(index)).first;
+        }
+        if (previous != 0) {
+            line.width += font.Kerning(previous, index);
+        }
+        line.placed.push_back({&found->second, line.width});
+        line.width += found->second.advance;
+        previous = index;
+    }
+    return line;
+}
+
+/// The glyph's outline moved by `m`, named by its place in the words.
+void AddGlyph(std::vector<Outline>& outlines, Placed const& placed, std::size_t number,
+              CMatrix3x3 const& m) {
+    if (placed.glyph->path.mCtls.empty()) {
+        return;
+    }
+    Outline outline{std::to_string(number) + "-" + placed.glyph->name, placed.glyph->path};
+    outline.path.Transform(m);
+    outlines.push_back(std::move(outline));
+}
+
+} // namespace
+
+double TextWidth(Font const& font, std::string const& words, double size) {
+    return LayOut(font, words).width * (size / font.UnitsPerEm());
+}
+
+std::vector<Outline> TextLine(Font const& font, std::string const& words, double size,
+                              TPoint<double> const& origin) {
+    Line const line = LayOut(font, words);
+    double const scale = size / font.UnitsPerEm();
+    std::vector<Outline> outlines;
+    std::size_t number = 0;
+    for (Placed const& placed : line.placed) {
+        AddGlyph(outlines, placed, ++number,
+                 CMatrix3x3().Translate(placed.start, 0.0).Scale(scale).Translate(origin));
+    }
+    return outlines;
+}
+
+std::vector<Outline> TextAlong(Font const& font, std::string const& words, double size,
+                               CPath const& along, double start) {
+    Line const line = LayOut(font, words);
+    double const scale = size / font.UnitsPerEm();
+    Tracer const tracer(along);
+    if (!(tracer.Length() > 0.0)) {
+        throw Error("", "", "the outline has no length");
+    }
+    double const end = start + line.width * scale;
+    if (!(end <= tracer.Length())) {
+        throw Error("", "",
+                    "the words end at " + Figure(end) + ", the outline at " +
+                        Figure(tracer.Length()));
+    }
+    std::vector<Outline> outlines;
+    std::size_t number = 0;
+    for (Placed const& placed : line.placed) {
+        double const half = placed.glyph->advance / 2.0;
+        Station const station = tracer.At(start + (placed.start + half) * scale);
+        AddGlyph(outlines, placed, ++number,
+                 CMatrix3x3()
+                     .Translate(-half, 0.0)
+                     .Scale(scale)
+                     .Rotate(station.direction.Angle())
+                     .Translate(station.point));
+    }
+    return outlines;
+}
+
+} // namespace tool

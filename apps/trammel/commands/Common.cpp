@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+
+#include "Common.h"
+
+#include "../Error.h"
+#include "../Outlines.h"
+
+#include <CLI/CLI.hpp>
+
+#include <limits>
+#include <set>
+
+namespace tool {
+
+CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<std::string>& values,
+                       std::string const& help) {
+    return command.add_option(name, values, help)
+        ->expected(1)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
+        ->allow_extra_args(false);
+}
+
+void AddIds(CLI::App& command, std::vector<std::string>& ids) {
+    AddValues(command, "--id", ids, "Only the outline with this id or glyph name (may be repeated)")
+        ->type_name("ID");
+}
+
+void AddSource(CLI::App& command, Source& source) {
+    command.add_option("FILE", source.file, "SVG drawing or font")->required()->type_name("");
+    AddIds(command, source.ids);
+}
+
+void AddOutput(CLI::App& command, std::string& output) {
+    command.add_option("-o,--output", output, "The file to write: .svg or .png")
+        ->required()
+        ->type_name("FILE");
+}
+
+void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids) {
+    if (ids.empty()) {
+        return;
+    }
+    std::set<std::string> const wanted(ids.begin(), ids.end());
+    std::set<std::string> found;
+    std::vector<Outline> kept;
+    for (Outline& outline : drawing.outlines) {
+        if (wanted.count(outline.id) != 0) {
+            found.insert(outline.id);
+            kept.push_back(std::move(outline));
+        }
+    }
+    for (std::string const& id : ids) {
+        if (found.count(id) == 0) {
+            throw Error(drawing.file, "", "has no outline '" + id + "'");
+        }
+    }
+    drawing.outlines = std::move(kept);
+}
+
+Drawing Load(Source const& source) {
+    Drawing drawing = ReadDrawing(source.file);
+    if (drawing.outlines.empty()) {
+        throw Error(source.file, "", "has no outlines");
+    }
+    KeepOnly(drawing, source.ids);
+    return drawing;
+}
+
+double LengthToDivide(Drawing const& drawing, Outline const& outline) {
+    double const length = outline.path.Length();
+    if (!(length > 0.0)) {
+        throw Error(drawing.file, outline.id, "the outline has no length");
+    }
+    if (!(length <= std::numeric_limits<double>::max())) {
+        throw Error(drawing.file, outline.id, "the outline is too long to be measured");
+    }
+    return length;
+}
+
+Picture LinePicture(Page const& page, std::vector<Outline> const& outlines) {
+    TRect<double> bounds;
+    for (Outline const& outline : outlines) {
+        bounds = Around(bounds, DrawnBounds(outline.path));
+    }
+    Picture picture;
+    picture.page = PageFor(page, bounds);
+    Style style;
+    style.stroke = Colour{};
+    style.strokeWidth = HairWidth(picture.page);
+    AddOutlines(picture, outlines, style);
+    return picture;
+}
+
+std::string JsonText(Json const& json) {
+    return json.dump(1, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+Json ToJson(TPoint<double> const& p) { return Json::array({p.h, p.v}); }
+
+Json ToJson(TRect<double> const& r) { return Json::array({r.left, r.top, r.right, r.bottom}); }
+
+} // namespace tool

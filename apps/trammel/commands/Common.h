@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// What several commands share: the input file and the choice of outlines in it, the output file,
+// JSON.
+
+#ifndef TRAMMEL_APP_COMMON_H
+#define TRAMMEL_APP_COMMON_H
+
+#include "../Drawing.h"
+#include "../Picture.h"
+
+#include <nlohmann/json.hpp>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
+
+namespace tool {
+
+typedef nlohmann::ordered_json Json;
+
+/// A file and the outlines of it that a command is for.
+struct Source {
+    std::string file;
+    std::vector<std::string> ids; ///< empty: all
+};
+
+/// Adds the argument FILE and the option --id.
+void AddSource(CLI::App& command, Source& source);
+/// Adds the option --id alone.
+void AddIds(CLI::App& command, std::vector<std::string>& ids);
+/// Adds the required option -o.
+void AddOutput(CLI::App& command, std::string& output);
+/// Adds an option that is given as text and may come several times, one value each.
+CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<std::string>& values,
+                       std::string const& help);
+
+/// Reads the file and keeps the chosen outlines. Throws Error when there are none.
+Drawing Load(Source const& source);
+/// Keeps the outlines with these ids. Throws Error for one that does not exist.
+void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids);
+
+/// The total length of an outline; throws Error, naming file and outline, when it is no number
+/// above 0.
+double LengthToDivide(Drawing const& drawing, Outline const& outline);
+
+/// Black lines on the drawing's page (enlarged to what is drawn on it), nothing filled.
+Picture LinePicture(Page const& page, std::vector<Outline> const& outlines);
+
+/// JSON as text with a line end; numbers that are not finite are null, bytes that are no UTF-8 are
+/// replaced.
+std::string JsonText(Json const& json);
+Json ToJson(TPoint<double> const& p);
+Json ToJson(TRect<double> const& r);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+
+#include "../Gallery.h"
+
+#include "Commands.h"
+
+#include "../Drawing.h"
+#include "../Error.h"
+#include "../FontReader.h"
+#include "../Output.h"
+#include "../Picture.h"
+#include "../Progress.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+/// The pixels of a PNG's longer side: two for each unit of the page.
+constexpr int kPixels = 1600;
+
+struct Options {
+    std::string folder;
+    // Where Debian's packages fonts-ebgaramond, fonts-dejavu-core and breeze-icon-theme put them.
+    std::string font = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
+    std::string labelFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+    std::string drawing = "/usr/share/icons/breeze/devices/64/input-gaming.svg";
+};
+
+/// A folder that is made where it does not exist, with the folders above it; what was made is
+/// removed again unless it is kept.
+class OutputFolder {
+public:
+    explicit OutputFolder(std::string const& name) {
+        namespace fs = std::filesystem;
+        std::error_code error;
+        fs::path const folder = fs::absolute(name, error).lexically_normal();
+        std::vector<fs::path> missing;
+        for (fs::path path = folder;
+             !error && !path.empty() && !fs::exists(path, error) && path != path.parent_path();
+             path = path.parent_path()) {
+            if (path.has_filename()) {
+                missing.push_back(path);
+            }
+        }
+        std::reverse(missing.begin(), missing.end());
+        for (fs::path const& path : missing) {
+            if (error) {
+                break;
+            }
+            if (fs::create_directory(path, error)) {
+                mMade.push_back(path);
+            }
+        }
+        bool const usable = !error && fs::is_directory(folder, error);
+        if (error || !usable) {
+            Remove();
+            throw Error(name, "",
+                        error ? "cannot be made: " + SystemMessage(error.value())
+                              : "is a file, not a folder");
+        }
+    }
+    ~OutputFolder() { Remove(); }
+    OutputFolder(OutputFolder const&) = delete;
+    OutputFolder& operator=(OutputFolder const&) = delete;
+
+    void Keep() { mMade.clear(); }
+
+private:
+    void Remove() {
+        std::error_code ignored;
+        for (auto path = mMade.rbegin(); path != mMade.rend(); ++path) {
+            std::filesystem::remove(*path, ignored);
+        }
+        mMade.clear();
+    }
+
+    std::vector<std::filesystem::path> mMade; ///< outer ones first
+};
+
+/// The drawing, its outlines without a length left out.
+Drawing LoadDrawing(std::string const& file) {
+    Drawing drawing = ReadDrawing(file);
+    auto const hasNoLength = [](Outline const& outline) {
+        double const length = outline.path.Length();
+        return !(length > 0.0 && std::isfinite(length));
+    };
+    drawing.outlines.erase(
+        std::remove_if(drawing.outlines.begin(), drawing.outlines.end(), hasNoLength),
+        drawing.outlines.end());
+    if (drawing.outlines.empty()) {
+        throw Error(file, "", "has no outline with a length");
+    }
+    return drawing;
+}
+
+std::string InFolder(std::string const& folder, std::string const& name) {
+    return (std::filesystem::path(folder) / name).string();
+}
+
+void Run(Options const& options) {
+    Font const type(options.font);
+    Font const labels(options.labelFont);
+    Drawing const drawing = LoadDrawing(options.drawing);
+    GalleryInput const input{type, labels, options.font, drawing};
+
+    OutputFolder folder(options.folder);
+    std::vector<Plate> plates;
+    std::vector<std::pair<std::string, std::string>> contents;
+    {
+        Progress progress("drawing pictures", GalleryPlates().size());
+        for (PlateMaker const& make : GalleryPlates()) {
+            plates.push_back(make(input));
+            Plate const& plate = plates.back();
+            contents.emplace_back(plate.name + ".svg", SvgText(plate.picture));
+            contents.emplace_back(plate.name + ".png", PngBytes(plate.picture, kPixels));
+            progress.Update(plates.size());
+        }
+    }
+    contents.emplace_back("index.html", GalleryPage(input, plates));
+
+    OutputFiles files;
+    for (auto const& [name, content] : contents) {
+        files.Add(InFolder(options.folder, name), content);
+    }
+    files.Commit();
+    folder.Keep();
+    Print(InFolder(options.folder, "index.html") + "\n");
+}
+
+} // namespace
+
+void AddGallery(CLI::App& app) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand(
+        "gallery", "Draws a page of pictures that show what the library does, with figures");
+    command
+        ->add_option("-o,--output", options->folder,
+                     "Folder for index.html and its pictures; made if it does not exist")
+        ->required()
+        ->type_name("DIR");
+    command->add_option("--font", options->font, "Font whose letters are drawn and measured")
+        ->type_name("FILE")
+        ->capture_default_str();
+    command->add_option("--label-font", options->labelFont, "Font of the words in the pictures")
+        ->type_name("FILE")
+        ->capture_default_str();
+    command->add_option("--drawing", options->drawing, "Drawing that is measured and searched")
+        ->type_name("FILE")
+        ->capture_default_str();
+    command->footer("Prints where the page is.\nExample: trammel gallery -o pictures");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace tool

@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+#include "Common.h"
+
+#include "../Error.h"
+#include "../FontReader.h"
+#include "../Numbers.h"
+#include "../Outlines.h"
+#include "../Output.h"
+#include "../TextAlong.h"
+
+#include <CLI/CLI.hpp>
+
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+struct Options {
+    std::string font;
+    std::string words;
+    Source along;
+    std::string size;
+    std::string start = "0";
+    std::string output;
+    bool outline = false;
+};
+
+/// The size at which the words fill the given length, but for a thousandth that rounding may take.
+double FittingSize(Font const& font, std::string const& words, double length) {
+    double const width = TextWidth(font, words, font.UnitsPerEm());
+    if (!(width > 0.0)) {
+        throw Error("words", "'" + words + "'", "have no width");
+    }
+    return font.UnitsPerEm() * length / width * 0.999;
+}
+
+void Run(Options const& options) {
+    double const start = NumberOf("--start", options.start);
+    if (!(start >= 0.0)) {
+        throw Error("--start", "'" + options.start + "'", "must not be negative");
+    }
+    double size = 0.0;
+    if (!options.size.empty()) {
+        size = NumberOf("--size", options.size);
+        if (!(size > 0.0)) {
+            throw Error("--size", "'" + options.size + "'", "must be above 0");
+        }
+    }
+    Font const font(options.font);
+    Drawing const drawing = Load(options.along);
+    Outline const& along = drawing.outlines.front();
+    double const length = LengthToDivide(drawing, along);
+    if (!(start < length)) {
+        throw Error("--start", "'" + options.start + "'",
+                    "is beyond the outline, whose length is " + Figure(length));
+    }
+    if (options.size.empty()) {
+        size = FittingSize(font, options.words, length - start);
+    }
+    std::vector<Outline> glyphs;
+    try {
+        glyphs = TextAlong(font, options.words, size, WithoutDots(along.path), start);
+    } catch (Error const& e) {
+        throw Error(options.along.file, along.id, e.what());
+    }
+
+    std::vector<Outline> everything = glyphs;
+    everything.push_back(along);
+    Picture picture;
+    picture.page = LinePicture(drawing.page, everything).page;
+    if (options.outline) {
+        Style line;
+        line.stroke = Colour{128, 128, 128};
+        line.strokeWidth = HairWidth(picture.page);
+        AddOutlines(picture, {along}, line);
+    }
+    Style ink;
+    ink.fill = Colour{};
+    AddOutlines(picture, glyphs, ink);
+    WriteFile(options.output, PictureBytes(picture, options.output));
+}
+
+} // namespace
+
+void AddText(CLI::App& app) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command =
+        app.add_subcommand("text", "Sets words along an outline and writes their outlines");
+    command->add_option("FONT", options->font, "The font file")->required()->type_name("");
+    command->add_option("WORDS", options->words, "The words (UTF-8)")->required()->type_name("");
+    command->add_option("--along", options->along.file, "Drawing whose first outline carries them")
+        ->required()
+        ->type_name("FILE");
+    AddIds(*command, options->along.ids);
+    command
+        ->add_option("--size", options->size,
+                     "Size of the type (default: the words fill the outline)")
+        ->type_name("S");
+    command
+        ->add_option("--start", options->start, "Where the words begin: distance along the outline")
+        ->type_name("D");
+    command->add_flag("--outline", options->outline, "Draw the outline that carries the words");
+    AddOutput(*command, options->output);
+    command->footer(
+        "Example: trammel text font.ttf \"once around\" --along circle.svg -o ring.png");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace tool

@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+
+#include "Commands.h"
+#include "Common.h"
+
+#include "../Error.h"
+#include "../Numbers.h"
+#include "../Outlines.h"
+#include "../Output.h"
+
+#include <trammel/CMatrix3x3.h>
+#include <trammel/UTrigonometry.h>
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// One transform option with its value.
+struct Step {
+    std::string option;
+    std::string text;
+    std::vector<double> numbers;
+};
+
+struct Options {
+    Source source;
+    std::vector<std::string> rotate;
+    std::vector<std::string> scale;
+    std::vector<std::string> translate;
+    std::vector<std::string> map;
+    std::string output;
+};
+
+Step ReadStep(std::string const& option, std::string const& text) {
+    Step step{option, text, {}};
+    if (option == "--rotate") {
+        step.numbers = NumbersOf(option, text, 1, 3);
+        if (step.numbers.size() == 2) {
+            throw Error(option, "'" + text + "'", "the centre needs two numbers");
+        }
+    } else if (option == "--map") {
+        step.numbers = NumbersOf(option, text, 4, 4);
+        if (!(step.numbers[0] < step.numbers[2] && step.numbers[1] < step.numbers[3])) {
+            throw Error(option, "'" + text + "'", "the rectangle must have an area");
+        }
+    } else if (option == "--translate") {
+        step.numbers = NumbersOf(option, text, 2, 2);
+    } else {
+        step.numbers = NumbersOf(option, text, 1, 2);
+    }
+    return step;
+}
+
+/// The transform options in the order in which they stand on the command line.
+std::vector<Step> StepsOf(CLI::App const& command) {
+    std::map<CLI::Option const*, std::size_t> taken;
+    std::vector<Step> steps;
+    for (CLI::Option const* option : command.parse_order()) {
+        std::string const name = option->get_name();
+        if (name == "--rotate" || name == "--scale" || name == "--translate" || name == "--map") {
+            steps.push_back(ReadStep(name, option->results().at(taken[option]++)));
+        }
+    }
+    return steps;
+}
+
+TRect<double> BoundsOf(std::vector<Outline> const& outlines) {
+    TRect<double> bounds;
+    for (Outline const& outline : outlines) {
+        bounds = Around(bounds, DrawnBounds(outline.path));
+    }
+    return bounds;
+}
+
+CMatrix3x3 MatrixOf(Step const& step, Drawing const& drawing) {
+    std::vector<double> const& n = step.numbers;
+    CMatrix3x3 m;
+    if (step.option == "--rotate") {
+        if (n.size() == 3) {
+            m.Rotate(DegToRad(n[0]), TPoint<double>(n[1], n[2]));
+        } else {
+            m.Rotate(DegToRad(n[0]));
+        }
+    } else if (step.option == "--scale") {
+        m.Scale(n[0], n.back());
+    } else if (step.option == "--translate") {
+        m.Translate(n[0], n[1]);
+    } else {
+        m.Map(BoundsOf(drawing.outlines), TRect<double>(n[0], n[1], n[2], n[3]));
+    }
+    return m;
+}
+
+void Run(CLI::App const& command, Options const& options) {
+    std::vector<Step> const steps = StepsOf(command);
+    Drawing drawing = Load(options.source);
+    for (Step const& step : steps) {
+        CMatrix3x3 const m = MatrixOf(step, drawing);
+        for (Outline& outline : drawing.outlines) {
+            outline.path.Transform(m);
+            for (TPoint<double> const& p : outline.path.mPts) {
+                if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
+                    throw Error(drawing.file, outline.id,
+                                step.option + " '" + step.text +
+                                    "' makes coordinates that are too large");
+                }
+            }
+        }
+    }
+    WriteFile(options.output,
+              PictureBytes(LinePicture(drawing.page, drawing.outlines), options.output));
+}
+
+} // namespace
+
+void AddTransform(CLI::App& app) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command = app.add_subcommand(
+        "transform", "Turns, scales and moves the outlines, in the order of the options");
+    AddSource(*command, options->source);
+    AddValues(*command, "--rotate", options->rotate,
+              "Degrees, clockwise on the page; about the origin, or about the point H,V")
+        ->type_name("DEG[,H,V]");
+    AddValues(*command, "--scale", options->scale,
+              "Factor, or one for each direction; about the origin")
+        ->type_name("S[,SV]");
+    AddValues(*command, "--translate", options->translate, "Distances to the right and downward")
+        ->type_name("DH,DV");
+    AddValues(*command, "--map", options->map,
+              "Left, top, right, bottom of the rectangle that the outlines' bounds shall fill")
+        ->type_name("L,T,R,B");
+    AddOutput(*command, options->output);
+    command->footer("Example: trammel transform drawing.svg --rotate 90 --map 0,0,100,100 -o "
+                    "turned.svg\nA value that begins with -. is given as --scale=-.5");
+    command->callback([command, options] { Run(*command, *options); });
+}
+
+} // namespace tool

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+//
+// trammel: measures, cuts and shapes the outlines of drawings and fonts from the command line.
+//
+// Exit status 0: done. 2: not done, with one line on standard error that says why and where.
+
+#include "Error.h"
+#include "commands/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kFailed = 2;
+
+int Fail(std::string const& message) {
+    std::string const line = "trammel: " + message + "\n";
+    std::fwrite(line.data(), 1, line.size(), stderr);
+    return kFailed;
+}
+
+/// The message of a wrong command line, in one line and with the command's name.
+std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
+    std::string command;
+    for (CLI::App const* const chosen : app.get_subcommands()) {
+        command = chosen->get_name();
+    }
+    std::string text = error.what();
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    // What could not be understood is likelier the mistake than what is missing because of it.
+    std::vector<std::string> const unknown = app.remaining(true);
+    if (!unknown.empty()) {
+        bool const option = unknown.front().compare(0, 1, "-") == 0;
+        text = option            ? "unknown option "
+               : command.empty() ? "unknown command "
+                                 : "one argument too many: ";
+        text += "'" + unknown.front() + "'";
+    }
+    if (!command.empty()) {
+        command += ": ";
+    }
+    return command + tool::OneLine(text) + " (see trammel " +
+           (command.empty() ? "" : command.substr(0, command.size() - 2) + " ") + "--help)";
+}
+
+int Run(int argc, char** argv) {
+    CLI::App app("Measures, cuts and shapes the outlines of SVG drawings and fonts.", "trammel");
+    app.set_version_flag("--version", "trammel " TRAMMEL_APP_VERSION);
+    app.require_subcommand(1);
+    app.footer("trammel COMMAND --help tells more. Coordinates are h,v: rightward and downward.");
+    tool::AddMeasure(app);
+    tool::AddPoint(app);
+    tool::AddNearest(app);
+    tool::AddHit(app);
+    tool::AddFlatten(app);
+    tool::AddCut(app);
+    tool::AddTransform(app);
+    tool::AddHatch(app);
+    tool::AddText(app);
+    tool::AddGallery(app);
+    try {
+        app.parse(argc, argv);
+    } catch (CLI::ParseError const& e) {
+        if (e.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+            return app.exit(e); // --help or --version
+        }
+        return Fail(UsageMessage(app, e));
+    }
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Run(argc, argv);
+    } catch (std::bad_alloc const&) {
+        return Fail("not enough memory");
+    } catch (std::exception const& e) {
+        return Fail(tool::OneLine(e.what()));
+    }
+}
