@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// CairoSink: draws paths with Cairo.
+// CairoSink: draws paths, and the drawing layer's paths, with Cairo.
 //
 // Header-only, and in no other header of the library: who includes it needs Cairo's headers and
 // links with Cairo (pkg-config cairo); the library itself does not.
@@ -16,6 +16,7 @@
 
 #include "CPath.h"
 #include "CPathActions.h"
+#include "PathObject.h"
 
 #include <cairo.h>
 
@@ -101,6 +102,67 @@ private:
 inline void DrawPath(cairo_t* cairo, CPath const& path) {
     CairoSink sink(cairo);
     path.ForAll(sink);
+}
+
+} // namespace trammel
+
+namespace trammel_detail {
+
+/// Hands the elements of a drawing layer's path to a CairoSink: the function and the data for
+/// CGPathApply.
+class CairoFeed {
+public:
+    explicit CairoFeed(cairo_t* cairo) : mSink(cairo) {}
+
+    static void Apply(void* feed, CGPathElement const* element) {
+        static_cast<CairoFeed*>(feed)->Add(*element);
+    }
+
+private:
+    void Add(CGPathElement const& element) {
+        CGPoint const* const p = element.points;
+        if (mClosed && element.type != kCGPathElementMoveToPoint) {
+            mSink.Move(mSink.GetStartPt()); // after a close such a path goes on from there
+        }
+        mClosed = false;
+        switch (element.type) {
+        case kCGPathElementMoveToPoint:
+            mSink.Move(p[0]);
+            break;
+        case kCGPathElementAddLineToPoint:
+            mSink.Line(p[0]);
+            break;
+        case kCGPathElementAddQuadCurveToPoint: {
+            TPoint<double> const control = p[0];
+            TPoint<double> const from = mSink.GetCurrentPt();
+            TPoint<double> const end = p[1];
+            mSink.Curve((from + control * 2.0) / 3.0, (end + control * 2.0) / 3.0, end);
+            break;
+        }
+        case kCGPathElementAddCurveToPoint:
+            mSink.Curve(p[0], p[1], p[2]);
+            break;
+        case kCGPathElementCloseSubpath:
+            mSink.Close();
+            mClosed = true;
+            break;
+        }
+    }
+
+    trammel::CairoSink mSink;
+    bool mClosed = false; ///< the last element was a close
+};
+
+} // namespace trammel_detail
+
+namespace trammel {
+
+/// Adds a drawing layer's path to the current path of `cairo`. What is drawn after a close starts
+/// where the closed subpath did; NaN and infinities leave gaps as CairoSink says. Nothing for null
+/// or an empty path. Cost O(n).
+inline void DrawPath(cairo_t* cairo, CGPathRef path) {
+    trammel_detail::CairoFeed feed(cairo);
+    CGPathApply(path, &feed, trammel_detail::CairoFeed::Apply);
 }
 
 } // namespace trammel

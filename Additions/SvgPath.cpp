@@ -646,12 +646,19 @@ Numeral Respelled(std::string_view scientific) {
     return out;
 }
 
+/// "-d.ddde-xx" in `buffer`, rounded to so many digits after the point if told.
+template <class... Digits>
+std::string_view Scientific(char (&buffer)[40], double value, Digits... digits) {
+    char* const end = std::to_chars(buffer, buffer + sizeof buffer, value,
+                                    std::chars_format::scientific, digits...)
+                          .ptr;
+    return std::string_view(buffer, static_cast<std::size_t>(end - buffer));
+}
+
 /// The shortest numeral that reads as `value`.
 Numeral Absolute(double value) {
-    char text[40];
-    char* const end =
-        std::to_chars(text, text + sizeof text, value, std::chars_format::scientific).ptr;
-    return Respelled(std::string_view(text, static_cast<std::size_t>(end - text)));
+    char buffer[40];
+    return Respelled(Scientific(buffer, value));
 }
 
 /// Finds the shortest numeral that gives `to` when added to `from`; false when none is found.
@@ -661,34 +668,28 @@ Numeral Absolute(double value) {
 /// of digits is found by halving.
 bool Relative(double from, double to, Numeral& numeral) {
     double const difference = to - from;
-    if (!std::isfinite(difference)) {
+    if (!std::isfinite(difference) || !Same(from + difference, to)) {
         return false;
     }
     char text[40];
-    std::string_view written;
-    auto const works = [&](int digits) {
-        char* const end = std::to_chars(text, text + sizeof text, difference,
-                                        std::chars_format::scientific, digits - 1)
-                              .ptr;
-        written = std::string_view(text, static_cast<std::size_t>(end - text));
-        double read = 0.0;
-        return std::from_chars(text, end, read).ec == std::errc() && Same(from + read, to);
-    };
+    std::string_view best = Scientific(text, difference);
     int lowest = 1;
-    int highest = std::numeric_limits<double>::max_digits10;
-    if (!works(highest)) {
-        return false;
-    }
+    int highest =
+        static_cast<int>(std::count_if(best.begin(), best.begin() + best.find('e'), IsDigit));
+    char trial[40];
     while (lowest < highest) {
         int const middle = (lowest + highest) / 2;
-        if (works(middle)) {
+        std::string_view const rounded = Scientific(trial, difference, middle - 1);
+        double read = 0.0;
+        std::from_chars(rounded.data(), rounded.data() + rounded.size(), read);
+        if (Same(from + read, to)) {
             highest = middle;
+            best = std::string_view(text, rounded.copy(text, sizeof text));
         } else {
             lowest = middle + 1;
         }
     }
-    works(highest);
-    numeral = Respelled(written);
+    numeral = Respelled(best);
     return true;
 }
 
@@ -774,7 +775,10 @@ public:
             for (std::size_t j = 0; j < before.count; ++j) {
                 std::size_t const cost =
                     before.spellings[j].cost + Cost(before.spellings[j], spelling);
-                if (cost < spelling.cost) {
+                bool const tie = cost == spelling.cost;
+                // On a tie from the shorter one, to which the others then go back as well.
+                if (cost < spelling.cost ||
+                    (tie && before.spellings[j].cost < before.spellings[spelling.from].cost)) {
                     spelling.cost = cost;
                     spelling.from = j;
                 }

@@ -50,14 +50,12 @@ struct TRAMMEL_API SvgPathResult {
 /// The result is an ordinary path, as if built by its own operations; every curve and line lies in
 /// a subpath that begins with a move, and every coordinate is finite. Of what these operations
 /// would drop or bend,
-/// - a curve that ends where it starts is cut in two (at the middle of its parameter, or at a
-/// quarter
-///   if the middle lies on its ends), its control points then being right to rounding; a curve that
-///   never leaves its start is dropped,
+/// - a curve that ends where it starts is cut in two, at the middle of its parameter (at a quarter
+///   if the middle lies on its ends), the new points right to rounding; a curve that never leaves
+///   its start is dropped,
 /// - drawing that goes on after a close begins with a move to the closed subpath's start,
-/// - lines without length, and a close that follows a close, are dropped; they count for the
-/// commands
-///   after them all the same,
+/// - lines without length, and a close that follows a close, are dropped; the commands after them
+///   start where they lead all the same,
 /// - of moves in a row only the last is kept (and a last move after which nothing is drawn).
 ///
 /// Numbers: decimal, correctly rounded; a leading +, a leading or trailing point, an exponent; one
@@ -90,14 +88,12 @@ TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text);
 /// Reading back gives the same elements for whatever the path's building operations make, each
 /// drawn element in a subpath begun by a move. What the grammar or the building operations cannot
 /// express is written as it is measured:
-/// - a curve (or line) with no move before it: a move to where it is measured from, which is (0, 0)
-/// in
-///   front and the last point drawn after a close;
-/// - a close that is measured to another point than the start of the subpath as written: a line
-/// there;
+/// - a curve (or line) with no move before it: a move to where it is measured from, which is
+///   (0, 0) in front and the last point drawn after a close;
+/// - a close that is measured to another point than the start of the subpath as written: a line;
 /// - a close without an open subpath, all but the last of moves in a row, unknown codes and codes
-/// with
-///   too few points: not written.
+///   with too few points: not written.
+///
 /// Lines without length and curves that end where they start, as a transform may leave them, are
 /// written, and come back as ReadSvgPath says.
 ///

@@ -322,6 +322,7 @@ CGPath* CFPolygonRef::GetPath() {
     CGPath* path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
     if (path == nullptr && mBuildProc != nullptr) {
         path = mBuildProc(CFPolygonRef(*this, false));
+        ReleaseCachedPath(mRef); // of a builder that asked for the path it was building
         Record(mRef)->polyPath = trammel_detail::StorePath(path, mRef);
         path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
     }

@@ -42,7 +42,10 @@ CFPolygonRef CloneFPoly(CFPolygonRef p) { return CFPolygonRef(p, true); }
 void KillFPoly(CFPolygonRef p) { p.Dispose(); }
 
 CFPolygonRef Poly2FPoly(MacPolygon** qd) {
-    long const count = std::max(LastPolyIndex(qd) + 1, 0L);
+    // By whole points: LastPolyIndex rounds toward zero and would let a header with a piece of a
+    // point pass for one point.
+    long const size = GetHandleSize(reinterpret_cast<Handle>(qd));
+    long const count = std::max((size - kQDHeaderSize) / kQDPointSize, 0L);
     CFPolygonRef p = CreatePoly(count);
     if (p) {
         for (long i = 0; i < count; ++i) {
@@ -127,14 +130,18 @@ void InsertPolyPts(CFPolygonRef dst, CFPolygonRef src, long count, short mode) {
         dst.Append(pt);
         return dst.LastIndex() > before;
     };
-    if (count >= kTooManyPoints) {
+    // Points that arrive during the run are none of the source's, where both are one polygon.
+    auto const point = [&src, last = src.LastIndex()](long i) {
+        return i <= last ? src.PolyPoints(i) : TPoint<double>();
+    };
+    if (count <= 0 || count >= kTooManyPoints) {
         mode = 0;
     }
     if (mode == 1) {
-        for (long i = 1; i <= count && append(src.PolyPoints(i)); ++i) {
+        for (long i = 1; i <= count && append(point(i)); ++i) {
         }
     } else if (mode == 2) {
-        for (long i = count - 1; i >= 0 && append(src.PolyPoints(i)); --i) {
+        for (long i = count - 1; i >= 0 && append(point(i)); --i) {
         }
     }
     dst.Bounds();

@@ -11,6 +11,7 @@
 #include "CFPoint.h"
 #include "CFPolygonRef.h"
 #include "CFRect.h"
+#include "CGPathBuilder.h"
 #include "CMatrix3x3.h"
 #include "CPath.h"
 #include "CPathActions.h"

@@ -362,7 +362,10 @@ TEST_F(PolygonPath, ShortMemoryWhileStoringReleasesThePathAndAsksAgain) {
     EXPECT_FALSE(Kept(Builder::paths[0]));
     EXPECT_EQ((*static_cast<FPolygon**>(ref))->polyPath, 0);
     CFPolygonRef::SetBuilPathProc(Builder::Build);
-    EXPECT_EQ(ref.GetPath(), Builder::paths.at(1));
+    CGPath* const path = ref.GetPath();
+    ASSERT_EQ(Builder::paths.size(), 2u);
+    EXPECT_EQ(path, Builder::paths[1]);
+    EXPECT_TRUE(Kept(path));
 }
 
 TEST_F(PolygonPath, ACopyBuildsAPathOfItsOwn) {

@@ -4,6 +4,7 @@
 #include "CBezier.h"
 #include "CMatrix3x3.h"
 #include "Handles.h"
+#include "ShortMemory.h"
 #include "TLine.h"
 #include "TPoly.h"
 #include "UTrigonometry.h"
@@ -29,9 +30,10 @@
 
 namespace {
 
-bool gMemoryIsShort = false;        // NOLINT: operator new knows no object to keep it in
-long gAllocationsLeft = 0;          // NOLINT: as above
-std::size_t gLargestAllocation = 0; // NOLINT: as above
+using trammel_test::gAllocationsLeft;
+using trammel_test::gLargestAllocation;
+using trammel_test::gMemoryIsShort;
+using trammel_test::ShortMemory;
 
 void* AllocateOrNull(std::size_t size) noexcept {
     if (gMemoryIsShort && (size > gLargestAllocation || --gAllocationsLeft < 0)) {
@@ -39,19 +41,6 @@ void* AllocateOrNull(std::size_t size) noexcept {
     }
     return std::malloc(size != 0 ? size : 1);
 }
-
-/// While it lives, memory suffices for `allocations` more requests of at most `largest` bytes.
-class ShortMemory {
-public:
-    explicit ShortMemory(long allocations, std::size_t largest = std::size_t{1} << 24U) {
-        gAllocationsLeft = allocations;
-        gLargestAllocation = largest;
-        gMemoryIsShort = true;
-    }
-    ~ShortMemory() { gMemoryIsShort = false; }
-    ShortMemory(ShortMemory const&) = delete;
-    ShortMemory& operator=(ShortMemory const&) = delete;
-};
 
 } // namespace
 

@@ -24,7 +24,7 @@ std::string OneLine(std::string const& text) {
 
 std::string SystemMessage(int errorNumber) { return std::generic_category().message(errorNumber); }
 
-Error::Error(std::string file, std::string place, std::string message) {
+Error::Error(std::string const& file, std::string const& place, std::string const& message) {
     for (std::string const* part : {&file, &place}) {
         if (!part->empty()) {
             mLine += OneLine(*part) + ": ";

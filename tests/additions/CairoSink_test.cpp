@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "CairoSink.h"
 
+#include "CGPathBuilder.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -273,6 +275,129 @@ TEST(CairoSink, SinkGoesOnFromPathToPath) {
     cairo_new_path(canvas.Cairo());
     second.ForAll(sink);
     EXPECT_EQ(canvas.Elements(), "M 5,5 C 3,3 4,4 5,5");
+}
+
+// The drawing layer's path
+
+/// A path that is released with it.
+class LayerPath {
+public:
+    LayerPath() : mPath(CGPathCreateMutable()) {}
+    ~LayerPath() { CGPathRelease(mPath); }
+    LayerPath(LayerPath const&) = delete;
+    LayerPath& operator=(LayerPath const&) = delete;
+
+    LayerPath& M(float x, float y) {
+        CGPathMoveToPoint(mPath, nullptr, x, y);
+        return *this;
+    }
+    LayerPath& L(float x, float y) {
+        CGPathAddLineToPoint(mPath, nullptr, x, y);
+        return *this;
+    }
+    LayerPath& C(float x1, float y1, float x2, float y2, float x, float y) {
+        CGPathAddCurveToPoint(mPath, nullptr, x1, y1, x2, y2, x, y);
+        return *this;
+    }
+    LayerPath& Z() {
+        CGPathCloseSubpath(mPath);
+        return *this;
+    }
+    CGPathRef Get() const { return mPath; }
+
+    std::string Drawn() const {
+        Canvas canvas(8);
+        trammel::DrawPath(canvas.Cairo(), mPath);
+        EXPECT_EQ(cairo_status(canvas.Cairo()), CAIRO_STATUS_SUCCESS);
+        return canvas.Elements();
+    }
+
+private:
+    CGPath* mPath;
+};
+
+TEST(CairoSinkOfLayerPaths, HandsOverElementByElement) {
+    EXPECT_EQ(LayerPath().M(1, 2).L(3, 4).C(5, 6, 7, 8, 9, 10).Z().M(11, 12).L(13, 14).Drawn(),
+              "M 1,2 L 3,4 C 5,6 7,8 9,10 Z M 11,12 L 13,14");
+    EXPECT_EQ(LayerPath().M(1, 2).Drawn(), "M 1,2");
+}
+
+TEST(CairoSinkOfLayerPaths, WhatFollowsACloseStartsWhereTheSubpathDid) {
+    EXPECT_EQ(LayerPath().M(1, 1).L(5, 1).L(5, 5).Z().L(2, 7).Drawn(),
+              "M 1,1 L 5,1 L 5,5 Z M 1,1 L 2,7");
+    EXPECT_EQ(LayerPath().M(1, 1).L(5, 1).Z().C(2, 2, 3, 3, 4, 4).Z().L(9, 9).Drawn(),
+              "M 1,1 L 5,1 Z M 1,1 C 2,2 3,3 4,4 Z M 1,1 L 9,9");
+}
+
+TEST(CairoSinkOfLayerPaths, NullAndEmptyPathsAddNothing) {
+    Canvas canvas(8);
+    trammel::DrawPath(canvas.Cairo(), CGPathRef{nullptr});
+    trammel::DrawPath(canvas.Cairo(), LayerPath().Get());
+    EXPECT_EQ(canvas.Elements(), "");
+    EXPECT_FALSE(cairo_has_current_point(canvas.Cairo()));
+}
+
+TEST(CairoSinkOfLayerPaths, NonFinitePointsLeaveGaps) {
+    for (double const x : {kNaN, kInfinity, -kInfinity}) {
+        float const bad = static_cast<float>(x);
+        EXPECT_EQ(LayerPath().M(1, 1).L(2, 2).L(bad, 3).L(4, 4).L(5, 5).Z().Drawn(),
+                  "M 1,1 L 2,2 M 4,4 L 5,5 L 1,1");
+        EXPECT_EQ(LayerPath().M(bad, 1).L(2, 2).L(3, 3).Z().Drawn(), "M 2,2 L 3,3");
+        EXPECT_EQ(LayerPath().M(1, 1).C(2, bad, 3, 3, 4, 4).L(5, 5).Drawn(), "M 4,4 L 5,5");
+        EXPECT_EQ(LayerPath().M(bad, bad).Drawn(), "");
+        EXPECT_EQ(LayerPath().M(1, 1).L(bad, 1).Z().L(6, 6).Drawn(), "M 1,1 L 6,6");
+    }
+}
+
+TEST(CairoSinkOfLayerPaths, QuadraticsAreRaisedToCubics) {
+    // No call adds one; a path of another make may show one.
+    Canvas canvas(8);
+    trammel_detail::CairoFeed feed(canvas.Cairo());
+    CGPoint start = CGPointMake(3, 0);
+    CGPoint curve[2] = {CGPointMake(6, 12), CGPointMake(9, 0)};
+    CGPathElement const move = {kCGPathElementMoveToPoint, &start};
+    CGPathElement const quadratic = {kCGPathElementAddQuadCurveToPoint, curve};
+    trammel_detail::CairoFeed::Apply(&feed, &move);
+    trammel_detail::CairoFeed::Apply(&feed, &quadratic);
+    EXPECT_EQ(canvas.Elements(), "M 3,0 C 5,8 7,8 9,0");
+}
+
+TEST(CairoSinkOfLayerPaths, FillsThePathThatAPolygonCaches) {
+    CFPolygonRef polygon;
+    polygon.CFPolygonCreate(
+        std::vector<Pt>{Pt(1, 1), Pt(6, 1), Pt(6, 5), Pt(4, 5), Pt(4, 3), Pt(1, 3)});
+    polygon.SetClosed(true);
+    CFPolygonRef::SetBuilPathProc(trammel::BuildPath);
+    Canvas canvas(7);
+    trammel::DrawPath(canvas.Cairo(), polygon.GetPath());
+    cairo_fill(canvas.Cairo());
+    CFPolygonRef::SetBuilPathProc(nullptr);
+    polygon.Dispose();
+    EXPECT_EQ(canvas.Rows(), (std::vector<std::string>{
+                                 ".......",
+                                 ".#####.",
+                                 ".#####.",
+                                 "....##.",
+                                 "....##.",
+                                 ".......",
+                                 ".......",
+                             }));
+}
+
+TEST(CairoSinkOfLayerPaths, StrokesTheClosingEdgeOfAClosedPolygonOnly) {
+    for (bool const closed : {false, true}) {
+        CFPolygonRef polygon(true);
+        polygon.Append(Pt(2, 2)).Append(Pt(6, 2)).Append(Pt(6, 6)).SetClosed(closed);
+        CGPath* const path = trammel::BuildPath(polygon);
+        polygon.Dispose();
+        Canvas canvas(8);
+        trammel::DrawPath(canvas.Cairo(), path);
+        CGPathRelease(path);
+        cairo_set_line_width(canvas.Cairo(), 1.0);
+        cairo_stroke(canvas.Cairo());
+        EXPECT_NE(canvas.At(4, 1) + canvas.At(4, 2), 0);
+        EXPECT_EQ(canvas.At(4, 4) != 0, closed) << "the diagonal";
+    }
 }
 
 } // namespace

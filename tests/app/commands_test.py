@@ -651,6 +651,11 @@ class Shaping(AppTest):
                 self.assertLess(abs(outlines["p-hatch"]["length"] * 0.05 - (200 - 16)), 1.0)
                 self.assertLess(abs(outlines["c-hatch"]["length"] * 0.05 - 100 * math.pi), 1.0)
 
+    def test_hatch_far_from_the_origin(self):
+        """Where neighbouring numbers are further apart than the lines, there still is an end."""
+        file = self.write("in.svg", svg('<rect width="100" height="100" x="1e17" y="1e17"/>'))
+        self.run_text("hatch", file, "--angle", "0", "--spacing", "1", "-o", self.out)
+
     def test_hatch_with_outlines(self):
         self.run_text("hatch", self.square, "--angle", "0", "--spacing", "20", "--outlines", "-o",
                       self.out)
