@@ -26,6 +26,7 @@
 #include "TPoint.h"
 #include "TPoly.h"
 #include "TRect.h"
+#include "Tgcp.h"
 #include "UFPoly.h"
 #include "UGeometry.h"
 #include "UHandle.h"

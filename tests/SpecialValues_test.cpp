@@ -768,6 +768,34 @@ std::vector<Case> Cases() {
         EXPECT_EQ(gDelivered, 0);
     });
 
+    // Boolean operations
+    add("Tgpc_polygon_clip", [](Draw& d) {
+        auto const contour = [&d](int vertices) {
+            Tgcp_contour made;
+            for (int i = 0; i < vertices; ++i) {
+                made.Vertices().push_back(d.Point());
+            }
+            return made;
+        };
+        Tgpc_polygon a;
+        a.AddContour(contour(4));
+        a.AddContour(contour(3));
+        Tgpc_polygon b;
+        b.AddContour(contour(5));
+        Use(a.Bounds().TopLeft());
+        for (int op = -1; op <= 4; ++op) {
+            Tgpc_polygon result;
+            Tgpc_polygon_clip(static_cast<TPolyOp>(op), a, b, result);
+            for (Tgcp_contour const& made : result.mContours) {
+                EXPECT_GE(made.size(), 3u);
+                for (Pt const& p : made.mVertices) {
+                    EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v));
+                }
+            }
+            EXPECT_TRUE((op >= 0 && op <= 3) || result.NumContours() == 0);
+        }
+    });
+
     // Paths
     add("CPath_build", [](Draw& d) {
         CPath path = d.Path();
