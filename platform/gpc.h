@@ -1,5 +1,5 @@
-/* SPDX-License-Identifier: MIT
- *
+// SPDX-License-Identifier: MIT
+/*
  * Boolean operations on polygons: the C interface of the polygon clipper.
  *
  * A polygon is any number of closed contours. A point is inside where a ray from it crosses the
