@@ -4,6 +4,7 @@
 #include "CMatrix3x3.h"
 #include "TPoly.h"
 #include "TestSupport.h"
+#include "plain/PlainPolygon.h"
 
 #include <gtest/gtest.h>
 
@@ -61,38 +62,10 @@ CGPath* CachedPath(CFPolygonRef const& ref) {
     return trammel_detail::PathForToken(Record(ref)->polyPath, ref.mRef);
 }
 
-/// The crossing rule, written out: the plain form of what Contains answers.
+/// The plain form of what Contains answers: a repeated closing point makes no further edge.
 bool PlainContains(Points const& points, TPoint<double> const& p) {
     std::size_t const n = points.size();
-    std::size_t edges = n;
-    if (n > 0 && points[0] == points[n - 1]) {
-        edges = n - 1;
-    }
-    int count = 0;
-    for (std::size_t i = 0; i < edges; ++i) {
-        double const av = points[i].v;
-        double const ah = points[i].h;
-        double const bv = points[(i + 1) % n].v;
-        double const bh = points[(i + 1) % n].h;
-        double const lowV = bv < av ? bv : av;
-        double const highV = av < bv ? bv : av;
-        if (!(lowV <= p.v) || !(p.v < highV)) {
-            continue;
-        }
-        if (p.h < (bh < ah ? bh : ah)) {
-            continue;
-        }
-        if (p.h > (ah < bh ? bh : ah)) {
-            ++count;
-            continue;
-        }
-        double const slope = (ah - bh) / (av - bv);
-        double const crossing = ah - (av - p.v) * slope;
-        if (p.h > crossing) {
-            ++count;
-        }
-    }
-    return count % 2 == 1;
+    return plain::OddCrossings(points, n > 0 && points[0] == points[n - 1] ? n - 1 : n, p);
 }
 
 class HandlePolygon : public trammel_test::WithoutLeaks {

@@ -4,6 +4,7 @@
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
 #include "TestSupport.h"
+#include "plain/PlainPolygon.h"
 
 #include <gtest/gtest.h>
 
@@ -99,33 +100,9 @@ std::string const kBeyond = "index <= LastIndex\\(\\)";
     EXPECT_EXIT(statement, ::testing::KilledBySignal(SIGABRT),                                     \
                 Report((condition).c_str(), function))
 
-/// The crossing rule, written out: the plain form of what Contains answers inside the bounds.
+/// The plain form of what Contains answers inside the bounds.
 bool PlainContains(Points const& points, TPoint<double> const& p) {
-    int count = 0;
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        double const av = points[i].v;
-        double const ah = points[i].h;
-        double const bv = points[(i + 1) % points.size()].v;
-        double const bh = points[(i + 1) % points.size()].h;
-        double const lowV = bv < av ? bv : av;
-        double const highV = av < bv ? bv : av;
-        if (!(lowV <= p.v) || !(p.v < highV)) {
-            continue;
-        }
-        if (p.h < (bh < ah ? bh : ah)) {
-            continue;
-        }
-        if (p.h > (ah < bh ? bh : ah)) {
-            ++count;
-            continue;
-        }
-        double const slope = (ah - bh) / (av - bv);
-        double const crossing = ah - (av - p.v) * slope;
-        if (p.h > crossing) {
-            ++count;
-        }
-    }
-    return count % 2 == 1;
+    return plain::OddCrossings(points, points.size(), p);
 }
 
 Points RandomPoints(std::mt19937& random, std::size_t count, double low, double high) {
