@@ -31,13 +31,13 @@ struct Page {
 /// The outlines of one file.
 struct Drawing {
     std::string file;
-    std::string kind; ///< "svg" or "font"
+    std::string kind; ///< "svg", "font" or "map"
     Page page;
     std::vector<Outline> outlines;
 };
 
-/// Reads an SVG drawing, or every glyph of a font (in font units), whichever the content shows the
-/// file to be, whatever its name. Throws Error.
+/// Reads an SVG drawing, every glyph of a font (in font units) or every country of a TopoJSON map
+/// (in degrees), whichever the content shows the file to be, whatever its name. Throws Error.
 Drawing ReadDrawing(std::string const& file);
 
 } // namespace tool

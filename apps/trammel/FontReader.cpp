@@ -8,6 +8,7 @@
 #include "Progress.h"
 
 #include <trammel/TPoint.h>
+#include <trammel/TPoly.h>
 #include <trammel/UScalar.h>
 
 #include <array>
@@ -42,6 +43,8 @@ std::string FreeTypeMessage(FT_Error code) {
 class GlyphBuilder {
 public:
     CPath path;
+    std::vector<CBSpline> quadratics;
+    double flatness = 0.0; ///< above 0: flatten quadratics
 
     void Move(Pt const& p) {
         Close();
@@ -57,11 +60,20 @@ public:
         Flush();
         AddCurve(path, c1, c2, e);
     }
-    /// The cubic through the same points: each control point two thirds of the way to the given
-    /// one.
+    /// The lines of its flattening, or the cubic through the same points: each control point two
+    /// thirds of the way to the given one.
     void Quadratic(Pt const& c, Pt const& e) {
         Flush();
         Pt const from = path.CurrentPoint();
+        quadratics.emplace_back(from, c, e);
+        if (flatness > 0.0) {
+            TPolygon<double> polygon;
+            quadratics.back().AddSegmentToPoly(polygon, flatness);
+            for (long i = 1; i <= polygon.LastIndex(); ++i) {
+                Line(polygon.GetPt(i));
+            }
+            return;
+        }
         AddCurve(path, TPt(from, c, 2.0 / 3.0), TPt(e, c, 2.0 / 3.0), e);
     }
     void Close() {
@@ -135,6 +147,7 @@ struct Font::Impl {
     std::string content; ///< the face reads from here as long as it lives
     std::unique_ptr<std::remove_pointer_t<FT_Library>, LibraryCloser> library;
     std::unique_ptr<std::remove_pointer_t<FT_Face>, FaceCloser> face;
+    double flatness = 0.0; ///< above 0: quadratic curves are flattened
 };
 
 Font::Font(std::string const& file) : Font(file, ReadFile(file)) {}
@@ -164,6 +177,8 @@ Font::Font(std::string const& file, std::string content) : mImpl(std::make_uniqu
 }
 
 Font::~Font() = default;
+
+void Font::FlattenQuadratics(double error) { mImpl->flatness = error; }
 
 double Font::UnitsPerEm() const { return mImpl->face->units_per_EM; }
 
@@ -199,12 +214,14 @@ Glyph Font::ReadGlyph(unsigned index) const {
         actions.conic_to = OnConic;
         actions.cubic_to = OnCubic;
         GlyphBuilder builder;
+        builder.flatness = mImpl->flatness;
         if (FT_Error const code = FT_Outline_Decompose(&face->glyph->outline, &actions, &builder);
             code != 0) {
             throw Error(mImpl->file, place, FreeTypeMessage(code));
         }
         builder.Close();
         glyph.path = std::move(builder.path);
+        glyph.quadratics = std::move(builder.quadratics);
     }
     return glyph;
 }

@@ -1,25 +1,29 @@
 // SPDX-License-Identifier: MIT
 //
 // FontReader: glyph outlines as paths, in font units with v downward and the baseline at v = 0.
-// TrueType's quadratic curves are raised to cubics; cubics are taken as they are.
+// TrueType's quadratic curves are raised to cubics, or on demand flattened as the quadratics that
+// they are; cubics are taken as they are.
 
 #ifndef TRAMMEL_APP_FONTREADER_H
 #define TRAMMEL_APP_FONTREADER_H
 
 #include "Drawing.h"
 
+#include <trammel/CBSpline.h>
 #include <trammel/CPath.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace tool {
 
 /// One glyph.
 struct Glyph {
-    std::string name; ///< the font's name for it; "glyph17" where it has none
-    CPath path;       ///< empty for a blank
-    double advance;   ///< to the next glyph's origin, in font units
+    std::string name;                 ///< the font's name for it; "glyph17" where it has none
+    CPath path;                       ///< empty for a blank
+    double advance;                   ///< to the next glyph's origin, in font units
+    std::vector<CBSpline> quadratics; ///< the quadratic curves as they are in the font, in order
 };
 
 /// An open font file. Every operation throws Error.
@@ -32,6 +36,11 @@ public:
     ~Font();
     Font(Font const&) = delete;
     Font& operator=(Font const&) = delete;
+
+    /// From now on ReadGlyph flattens quadratic curves by themselves instead of raising them to
+    /// cubics; the paths then have lines in their places. No effect on a font of cubic curves.
+    /// \param error  flatness tolerance in font units; above 0
+    void FlattenQuadratics(double error);
 
     /// Font units in the size of the type.
     double UnitsPerEm() const;

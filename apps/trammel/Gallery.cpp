@@ -6,11 +6,15 @@
 
 namespace tool {
 
-std::vector<PlateMaker> const& GalleryPlates() {
-    static std::vector<PlateMaker> const plates{
-        DrawMarks,    DrawTextAlong,  DrawCut,     DrawNearest,  DrawFlattening, DrawHitMap,
-        DrawHatching, DrawTransforms, DrawCircles, DrawPolygons, DrawRounding,
+std::vector<PlateMaker> GalleryPlates(bool withMap) {
+    std::vector<PlateMaker> plates{
+        DrawMarks,    DrawTextAlong,  DrawCut,        DrawNearest,    DrawFlattening,
+        DrawHitMap,   DrawHatching,   DrawTransforms, DrawCircles,    DrawPolygons,
+        DrawRounding, DrawQuadratics, DrawCornerTest, DrawCachedPath, DrawWelded,
     };
+    if (withMap) {
+        plates.insert(plates.end(), {DrawFourOperations, DrawWordCut, DrawJoined});
+    }
     return plates;
 }
 

@@ -22,6 +22,7 @@ struct GalleryInput {
     Font const& labels;     ///< for the words in the pictures
     std::string typeFile;   ///< the name of the file of `type`
     Drawing const& drawing; ///< a drawing, with at least one outline that has a length
+    Drawing const* map;     ///< a map with the countries that are drawn; null: no such pictures
 };
 
 /// One figure below a picture.
@@ -39,11 +40,11 @@ struct Plate {
     Picture picture;
 };
 
-/// A function that draws one plate. Throws Error when the font lacks a glyph.
+/// A function that draws one plate. Throws Error when the font lacks a glyph or the map a country.
 using PlateMaker = std::function<Plate(GalleryInput const&)>;
 
-/// All plates, in the order of the page.
-std::vector<PlateMaker> const& GalleryPlates();
+/// The plates in the order of the page; those that need a map only with one.
+std::vector<PlateMaker> GalleryPlates(bool withMap);
 
 /// The page that shows the plates: HTML without script, and without anything from elsewhere but the
 /// pictures, which lie beside it as NAME.svg and NAME.png.
@@ -62,6 +63,16 @@ Plate DrawCircles(GalleryInput const& input);
 Plate DrawPolygons(GalleryInput const& input);
 Plate DrawRounding(GalleryInput const& input);
 Plate DrawNearest(GalleryInput const& input);
+Plate DrawWelded(GalleryInput const& input);
+Plate DrawQuadratics(GalleryInput const& input);
+Plate DrawCachedPath(GalleryInput const& input);
+Plate DrawCornerTest(GalleryInput const& input);
+
+// The plates that need a map
+
+Plate DrawFourOperations(GalleryInput const& input);
+Plate DrawWordCut(GalleryInput const& input);
+Plate DrawJoined(GalleryInput const& input);
 
 } // namespace tool
 

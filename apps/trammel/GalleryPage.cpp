@@ -85,8 +85,9 @@ void AddPlate(std::string& page, Plate const& plate) {
 
 std::string GalleryPage(GalleryInput const& input, std::vector<Plate> const& plates) {
     std::string page(kHead);
-    page += "<header>\n<h1>Trammel: a gallery</h1>\n<p>Outlines measured, cut, searched, hatched "
-            "and transformed. All figures were computed while the pictures were drawn; where no "
+    page += "<header>\n<h1>Trammel: a gallery</h1>\n<p>Outlines measured, cut, searched, "
+            "hatched, transformed and combined. All figures were computed while the pictures were "
+            "drawn; where no "
             "unit stands beside them, they are units of a picture, which is 800 wide.</p>\n<nav>\n";
     for (Plate const& plate : plates) {
         page += "<a href=\"#" + Escaped(plate.name) + "\">" + Escaped(plate.title) + "</a>\n";
@@ -96,7 +97,10 @@ std::string GalleryPage(GalleryInput const& input, std::vector<Plate> const& pla
         AddPlate(page, plate);
     }
     page += "</main>\n<footer>\n<p>Letters: " + Escaped(input.typeFile) +
-            "<br>Drawing: " + Escaped(input.drawing.file) + "</p>\n</footer>\n</body>\n</html>\n";
+            "<br>Drawing: " + Escaped(input.drawing.file) + "<br>Map: " +
+            (input.map != nullptr ? Escaped(input.map->file)
+                                  : "none was there; the pictures made from one are left out") +
+            "</p>\n</footer>\n</body>\n</html>\n";
     return page;
 }
 

@@ -5,6 +5,7 @@
 #include "FontReader.h"
 #include "Input.h"
 #include "SvgReader.h"
+#include "TopoReader.h"
 
 #include <string_view>
 #include <utility>
@@ -31,13 +32,16 @@ Drawing ReadDrawing(std::string const& file) {
     if (LooksLikeFont(content)) {
         return ReadFontDrawing(file, std::move(content));
     }
+    if (LooksLikeJson(content)) {
+        return ReadTopoJson(file, content);
+    }
     if (LooksLikeXml(content)) {
         return ReadSvg(file, content);
     }
     if (content.compare(0, 2, "\x1F\x8B") == 0) {
         throw Error(file, "", "is compressed; unpack it first (gunzip)");
     }
-    throw Error(file, "", "is neither an SVG drawing nor a font");
+    throw Error(file, "", "is neither an SVG drawing nor a font nor a TopoJSON map");
 }
 
 } // namespace tool

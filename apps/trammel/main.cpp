@@ -51,7 +51,9 @@ std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
 }
 
 int Run(int argc, char** argv) {
-    CLI::App app("Measures, cuts and shapes the outlines of SVG drawings and fonts.", "trammel");
+    CLI::App app(
+        "Measures, cuts, shapes and combines the outlines of SVG drawings, fonts and maps.",
+        "trammel");
     app.set_version_flag("--version", "trammel " TRAMMEL_APP_VERSION);
     app.require_subcommand(1);
     app.footer("trammel COMMAND --help tells more. Coordinates are h,v: rightward and downward.");
@@ -64,6 +66,8 @@ int Run(int argc, char** argv) {
     tool::AddTransform(app);
     tool::AddHatch(app);
     tool::AddText(app);
+    tool::AddCombine(app);
+    tool::AddPolygons(app);
     tool::AddGallery(app);
     try {
         app.parse(argc, argv);

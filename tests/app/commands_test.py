@@ -727,6 +727,21 @@ class Text(AppTest):
         start = self.run_json("point", self.out, "--id", "1-glyph2", "--at", "0")
         self.assertBox(start["outlines"][0]["points"][0]["point"], corner, 0.05)
 
+    def test_raw_quadratics(self):
+        file = self.along('<path d="M10 50H90"/>')
+        words = ["text", self.font, "B", "--along", file, "--size", "10", "-o", self.out]
+        self.run_text(*words, "--raw-quadratics")
+        fine = self.measure_file("out.svg")["1-glyph3"]
+        self.assertEqual((fine["lines"], fine["curves"]), (True, False))
+        self.assertLess(abs(fine["length"] - arch_length() / 100), 0.02)
+        self.run_text(*words, "--raw-quadratics", "--error", "1")
+        coarse = self.measure_file("out.svg")["1-glyph3"]
+        self.assertLess(coarse["elements"], fine["elements"])
+        self.run_text(*words)
+        self.assertEqual(self.measure_file("out.svg")["1-glyph3"]["curves"], True)
+        self.fails(*words, "--error", "1", names=["--error", "--raw-quadratics"])
+        self.fails(*words, "--raw-quadratics", "--error", "0", names=["--error"])
+
     def test_outline_and_png(self):
         file = self.along('<path id="base" d="M10 50H90"/>')
         self.run_text("text", self.font, "A", "--along", file, "--outline", "-o", self.out)
@@ -751,6 +766,178 @@ class Text(AppTest):
         fails(font=self.path("none"), names=["none", "No such file"])
         self.fails("text", self.font, b"A\xff", "--along", file, "-o", self.out,
                    names=["byte 1", "UTF-8"])
+
+
+class Combine(AppTest):
+    """A square of 10 with a hole of 2, and the same 5 to the right and below with a hole of 2."""
+
+    def setUp(self):
+        super().setUp()
+        self.a = self.write("a.svg", svg('<rect id="a" width="10" height="10"/>'
+                                         '<rect id="h" x="2" y="2" width="2" height="2"/>'))
+        self.b = self.write("b.svg", svg('<path d="M5 5H15V15H5ZM6 6V8H8V6Z"/>'))
+        self.out = self.path("out.svg")
+
+    def test_operations(self):
+        expected = {"union": (171, 2, 1), "intersection": (21, 2, 1), "difference": (75, 3, 1),
+                    "xor": (150, 4, 1)}
+        for operation, (area, contours, holes) in expected.items():
+            with self.subTest(operation):
+                data = self.run_json("combine", operation, self.a, self.b, "-o", self.out)
+                self.assertEqual(data["operation"], operation)
+                for side in ("a", "b"):
+                    self.assertEqual((data[side]["area"], data[side]["contours"],
+                                      data[side]["holes"], data[side]["vertices"]), (96, 2, 1, 8))
+                self.assertEqual((data["result"]["area"], data["result"]["contours"],
+                                  data["result"]["holes"]), (area, contours, holes))
+                self.assertEqual(list(self.path_data("out.svg")), [operation])
+                self.assertIn(b'fill-rule="evenodd"', self.read("out.svg"))
+                # What was written covers what was reported.
+                again = self.run_json("combine", "union", self.out, self.out)
+                self.assertEqual(again["a"]["area"], area)
+
+    def test_chosen_outlines(self):
+        data = self.run_json("combine", "difference", self.a, self.a, "--id-a", "a", "--id-b", "h")
+        self.assertEqual((data["a"]["area"], data["b"]["area"], data["result"]["area"]),
+                         (100, 4, 96))
+        self.assertEqual(os.path.exists(self.out), False)
+
+    def test_error(self):
+        circle = self.write("c.svg", svg('<circle cx="50" cy="50" r="20"/>'))
+        areas = [self.run_json("combine", "union", circle, self.a, "--error", e)["a"]["area"]
+                 for e in ("2", "0.1", "0.0001")]
+        self.assertTrue(areas[0] < areas[1] < areas[2])
+        self.assertLess(abs(areas[2] - 400 * math.pi), 0.1)
+
+    def test_empty_result_and_png(self):
+        away = self.write("away.svg", svg('<rect x="50" y="50" width="1" height="1"/>'))
+        data = self.run_json("combine", "intersection", self.a, away, "-o", self.out)
+        self.assertEqual(data["result"], {"area": 0, "contours": 0, "holes": 0, "vertices": 0})
+        self.assertEqual(self.path_data("out.svg"), {})
+        self.assertEqual(self.run_text("combine", "union", self.a, away, "-o",
+                                       self.path("out.png")), "")
+        self.assertEqual(self.read("out.png")[:4], b"\x89PNG")
+
+    def test_errors(self):
+        self.fails("combine", "add", self.a, self.b, "-o", self.out, names=["add", "xor"])
+        self.fails("combine", "union", self.a, self.b, names=["-o", "--json"])
+        self.fails("combine", "union", self.a, "-o", self.out, names=["B"])
+        self.fails("combine", "union", self.a, "none.svg", "-o", self.out, names=["none.svg"])
+        self.fails("combine", "union", self.a, self.b, "-o", "out.pdf", names=["out.pdf"])
+        self.fails("combine", "union", self.a, self.b, "--json", "-o", "no/out.svg",
+                   names=["no/out.svg"])
+        self.fails("combine", "union", self.a, self.b, "--error", "0", "-o", self.out,
+                   names=["--error"])
+        self.fails("combine", "union", self.a, self.b, "--id-b", "q", "-o", self.out,
+                   names=["b.svg", "q"])
+
+
+class Polygons(AppTest):
+    def setUp(self):
+        super().setUp()
+        self.file = self.write("in.svg", svg('<path id="p" d="M0.4 0.4H10.6V5.5H.4Z"/>'))
+
+    def test_describe(self):
+        self.assertEqual(self.run_text("polygons", self.file, "--describe"),
+                         "p: 5 points, last equal to first\n"
+                         "0.4, 0.4\n10.6, 0.4\n10.6, 5.5\n0.4, 5.5\n0.4, 0.4\n")
+        polygon = self.run_json("polygons", self.file,
+                                "--describe")["outlines"][0]["polygons"][0]
+        self.assertEqual((polygon["points"], polygon["bounds"], polygon["circular"]),
+                         (5, [0.4, 0.4, 10.6, 5.5], False))
+
+    def test_rotated_bounds(self):
+        file = self.write("r.svg", svg('<rect id="r" x="10" y="20" width="8" height="4"/>'))
+        data = self.run_json("polygons", file, "--rotate-bounds", "90", "-o", self.path("o.svg"))
+        outline = data["outlines"][0]
+        for corner, expected in zip(outline["corners"], [[16, 18], [16, 26], [12, 26], [12, 18]]):
+            self.assertBox(corner, expected)
+        self.assertEqual((outline["centre"], outline["radii"]), ([14, 22], [4, 2]))
+        self.assertEqual(outline["anyBoundsCornerInside"], False)
+        self.assertBox(self.measure_file("o.svg")["r"]["bounds"], [12, 18, 16, 26])
+
+    def test_quickdraw(self):
+        data = self.run_json("polygons", self.file, "--to-quickdraw", "-o", self.path("o.svg"))
+        polygon = data["outlines"][0]["polygons"][0]
+        # Halves are rounded away from zero.
+        self.assertEqual(polygon["points"], [[0, 0], [11, 0], [11, 6], [0, 6], [0, 0]])
+        self.assertEqual((polygon["bytes"], polygon["box"]), (10 + 4 * 5, [0, 0, 11, 6]))
+        self.assertAlmostEqual(polygon["movedByAtMost"], math.hypot(0.4, 0.5), places=12)
+        self.assertEqual(self.measure_file("o.svg")["p"]["bounds"], [0, 0, 11, 6])
+
+    def test_errors(self):
+        self.fails("polygons", self.file, names=["--describe"])
+        self.fails("polygons", self.file, "--describe", "--to-quickdraw", names=["needs one of"])
+        self.fails("polygons", self.file, "--rotate-bounds", "x", names=["--rotate-bounds"])
+        self.fails("polygons", self.file, "--describe", "--error", "-1", names=["--error"])
+        far = self.write("far.svg", svg('<path id="f" d="M0 0H40000V5Z"/>'))
+        self.fails("polygons", far, "--to-quickdraw", names=["far.svg", "f", "32767"])
+
+
+class Maps(AppTest):
+    """Two countries that share the arc 1: a square of 10 at (0, 0), its neighbour to the right
+    with an island."""
+
+    TOPOLOGY = {
+        "type": "Topology",
+        "transform": {"scale": [0.5, 0.5], "translate": [0, 0]},
+        "arcs": [[[20, 0], [-20, 0], [0, 20], [20, 0]], [[20, 0], [0, 20]],
+                 [[20, 20], [20, 0], [0, -20], [-20, 0]],
+                 [[60, 0], [2, 0], [0, 2], [-2, 0], [0, -2]]],
+        "objects": {
+            "land": {"type": "Point", "coordinates": [0, 0]},
+            "countries": {"type": "GeometryCollection", "geometries": [
+                {"type": "Polygon", "arcs": [[0, -2]], "properties": {"name": "West"}},
+                {"type": "MultiPolygon", "arcs": [[[1, 2]], [[3]]], "id": "E"},
+                {"type": None},
+            ]},
+        },
+    }
+
+    def changed(self, **changes):
+        return json.dumps({**self.TOPOLOGY, **changes})
+
+    def test_outlines(self):
+        file = self.write("map.svg", self.changed())  # known by content, not by name
+        data = self.run_json("measure", file)["files"][0]
+        west, east = data["outlines"]
+        self.assertEqual((data["kind"], west["id"], east["id"]), ("map", "West", "E"))
+        self.assertEqual((west["bounds"], west["length"]), ([0, -10, 10, 0], 40))
+        self.assertEqual((east["bounds"], east["length"], east["subpaths"]),
+                         ([10, -10, 31, 0], 44, 2))
+
+    def test_neighbours_join(self):
+        file = self.write("map.json", self.changed())
+        data = self.run_json("combine", "union", file, file, "--id-a", "West", "--id-b", "E")
+        self.assertEqual((data["result"]["area"], data["result"]["contours"]), (201, 2))
+
+    def test_without_transform(self):
+        text = json.dumps({"type": "Topology", "arcs": [[[1, 1], [3, 1], [3, 2], [1, 1]]],
+                           "objects": {"x": {"type": "Polygon", "arcs": [[0]]}}})
+        self.assertEqual(self.measure(text)["feature#1"]["bounds"], [1, -2, 3, -1])
+
+    def test_errors(self):
+        def bad(text, *names):
+            file = self.write("bad.json", text)
+            self.fails("measure", file, names=[file, *names])
+        bad("{", "line 1", "not valid JSON")
+        bad('{"type": "Topology",\n "arcs": [}', "line 2", "not valid JSON")
+        bad('{"type": 1e999}', "too large")
+        bad('{"type": "FeatureCollection"}', "no TopoJSON")
+        bad(self.changed(arcs=None), "arcs", "list")
+        bad(self.changed(arcs=[[[1]]]), "arcs[0]", "two numbers")
+        bad(self.changed(arcs=[]), "objects.countries.geometries[0].arcs[0][0]", "no arc 0")
+        bad(self.changed(transform={"scale": [1, 1]}), "transform", "translate")
+        bad(self.changed(transform={"scale": [1e308, 1], "translate": [0, 0]}), "too large")
+        bad(self.changed(objects={}), "objects")
+        for feature in ({"type": "Blob"}, {"type": "Polygon"}, {"type": "Polygon", "arcs": [7]},
+                        {"type": "Polygon", "arcs": [[0.5]]}, {"type": "Polygon", "arcs": [[-9]]},
+                        5):
+            bad(self.changed(objects={"o": feature}), "objects.o")
+        nested = {"type": "Point"}
+        for _ in range(100):
+            nested = {"type": "GeometryCollection", "geometries": [nested]}
+        bad(self.changed(objects={"o": nested}), "too deeply")
 
 
 class BadInput(AppTest):

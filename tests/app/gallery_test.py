@@ -10,6 +10,7 @@ drawing is written by the test. The default font and drawing are used where they
 
 import html
 import json
+import math
 import os
 import re
 import shutil
@@ -31,8 +32,17 @@ DEFAULTS = (
 )
 PLATES = [
     "marks", "text-along-path", "cut", "nearest", "flattening", "hit-test", "hatching",
-    "transforms", "circles", "polygons", "rounding",
+    "transforms", "circles", "polygons", "rounding", "quadratics", "corner-test", "cached-path",
+    "welded",
 ]
+MAP_PLATES = ["four-operations", "word-cut", "joined"]
+# The default map is looked for below the current folder, where the tests have none.
+NOTE = (
+    b"trammel: no map in build/data/world-atlas/countries-50m.json (script/setup maps fetches it); "
+    b"its pictures are left out\n"
+)
+ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+MAP = os.path.join(ROOT, "build/data/world-atlas/countries-50m.json")
 SVG = "{http://www.w3.org/2000/svg}"
 # A square of 10 and, beside it, one of 2: outlines of length 40 and 8.
 SQUARES = (
@@ -122,7 +132,7 @@ class PageTest(GalleryCase):
                 cls.page = file.read()
 
     def setUp(self):
-        self.assertEqual((self.result.returncode, self.result.stderr), (0, b""))
+        self.assertEqual((self.result.returncode, self.result.stderr), (0, NOTE))
 
     def read(self, name):
         with open(os.path.join(self.out, name), "rb") as file:
@@ -258,6 +268,36 @@ class PageTest(GalleryCase):
         self.assertTrue(all(abs(a - b) <= 1.001 for a, b in zip(exact, rounded)))
         self.assertLessEqual(farthest[0], 0.7072)  # half a diagonal of the grid
 
+    def test_quadratics(self):
+        raw, raised, lengths, _ = (numbers(v) for _, v in self.figures("quadratics"))
+        self.assertTrue(raw[0] > 24 and raised[0] > 24)
+        self.assertTrue(0.99 * lengths[1] < lengths[0] <= lengths[1] + 0.01, lengths)
+
+    def test_corners(self):
+        counts, size, bounds = (numbers(v) for _, v in self.figures("corner-test"))
+        self.assertEqual(sum(counts), 12 * 14)
+        self.assertTrue(min(counts) > 10)
+        angle = math.radians(27)
+        width = size[0] * math.cos(angle) + size[1] * math.sin(angle)
+        height = size[0] * math.sin(angle) + size[1] * math.cos(angle)
+        self.assertAlmostEqual(bounds[0], width, delta=0.001)
+        self.assertAlmostEqual(bounds[1], height, delta=0.001)
+
+    def test_cached_path(self):
+        _, built, first, second = (numbers(v) for _, v in self.figures("cached-path"))
+        self.assertEqual(built, [24, 2])
+        for polygon, filled in (first, second):
+            self.assertAlmostEqual(polygon, filled, delta=0.002 * polygon)
+
+    def test_welded(self):
+        before, union, twice, _ = (numbers(v) for _, v in self.figures("welded"))
+        self.assertEqual(before[0], 8)  # of the letters a, m, b, l, e
+        self.assertAlmostEqual(before[1] - union[0], twice[0], delta=0.002)
+        self.assertLess(union[0], before[1])
+
+    def test_the_page_says_that_maps_are_left_out(self):
+        self.assertIn("left out", self.page[self.page.index("<footer>"):])
+
     def test_again(self):
         """A second run replaces the files by the same ones and leaves others alone."""
         other = os.path.join(self.out, "notes.txt")
@@ -266,7 +306,7 @@ class PageTest(GalleryCase):
         self.addCleanup(os.remove, other)
         before = {name: self.read(name) for name in FILES}
         result = self.execute("-o", self.out, "--font", DEJAVU, "--drawing", self.drawing)
-        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        self.assertEqual((result.returncode, result.stderr), (0, NOTE))
         self.assertEqual({name: self.read(name) for name in FILES}, before)
         self.assertEqual(self.read("notes.txt"), b"mine")
 
@@ -293,9 +333,9 @@ class FailureTest(GalleryCase):
 
     def test_missing_input(self):
         for option, file in (("--font", "no-font.ttf"), ("--label-font", "no-label.ttf"),
-                             ("--drawing", "no-drawing.svg")):
+                             ("--drawing", "no-drawing.svg"), ("--map", "no-map.json")):
             with self.subTest(option):
-                arguments = self.usable()
+                arguments = self.usable() + ["--map", self.drawing]
                 arguments[arguments.index(option) + 1] = file
                 self.fails("-o", "out", *arguments, names=[file])
 
@@ -328,12 +368,43 @@ class FailureTest(GalleryCase):
         self.fails("-o", names=["output"])
 
 
+@unittest.skipUnless(os.path.exists(DEJAVU), "no font: apt-get install fonts-dejavu-core")
+@unittest.skipUnless(os.path.exists(MAP), "no map: script/setup maps")
+class MapTest(GalleryCase):
+    def test_maps(self):
+        result = self.execute("-o", "out", "--font", DEJAVU, "--drawing", self.drawing, "--map", MAP)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        out = os.path.join(self.folder, "out")
+        extra = [name + end for name in MAP_PLATES for end in (".svg", ".png")]
+        self.assertEqual(sorted(os.listdir(out)), sorted(FILES + extra))
+        with open(os.path.join(out, "index.html"), encoding="utf-8") as file:
+            page = file.read()
+
+        def figures(plate):
+            section = re.search(f'<section id="{plate}">.*?</section>', page, re.DOTALL).group()
+            return [numbers(v) for v in re.findall("<dd>(.*?)</dd>", section)]
+
+        # Each figure begins with the area.
+        a, b, union, both, less, either, off = (f[0] for f in figures("four-operations"))
+        self.assertAlmostEqual(union + both, a + b, delta=0.01)
+        self.assertAlmostEqual(less, a - both, delta=0.01)
+        self.assertAlmostEqual(either, union - both, delta=0.01)
+        self.assertLess(off, 1e-6)
+        country, letters, left, off, _ = (f[0] for f in figures("word-cut"))
+        self.assertAlmostEqual(country, letters + left, delta=0.01)
+        self.assertLess(off, 1e-6)
+        countries, union, off, borders = figures("joined")
+        self.assertAlmostEqual(countries[0], union[0], delta=0.01)
+        self.assertLess(union[-1], countries[1])
+        self.assertTrue(off[0] < 1e-6 and borders[0] > 100)
+
+
 class DefaultsTest(GalleryCase):
     @unittest.skipUnless(all(map(os.path.exists, DEFAULTS)),
                          "no demo packages: script/setup build app demo")
     def test_defaults(self):
         result = self.execute("-o", "out")
-        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        self.assertEqual((result.returncode, result.stderr), (0, NOTE))
         self.assertEqual(sorted(os.listdir(os.path.join(self.folder, "out"))), FILES)
 
 

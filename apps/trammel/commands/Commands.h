@@ -21,6 +21,8 @@ void AddCut(CLI::App& app);
 void AddTransform(CLI::App& app);
 void AddHatch(CLI::App& app);
 void AddText(CLI::App& app);
+void AddCombine(CLI::App& app);
+void AddPolygons(CLI::App& app);
 void AddGallery(CLI::App& app);
 
 } // namespace tool

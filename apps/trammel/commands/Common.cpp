@@ -26,7 +26,7 @@ void AddIds(CLI::App& command, std::vector<std::string>& ids) {
 }
 
 void AddSource(CLI::App& command, Source& source) {
-    command.add_option("FILE", source.file, "SVG drawing or font")->required()->type_name("");
+    command.add_option("FILE", source.file, "SVG drawing, font or map")->required()->type_name("");
     AddIds(command, source.ids);
 }
 

@@ -15,8 +15,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <utility>
@@ -34,6 +36,9 @@ struct Options {
     // Where Debian's packages fonts-ebgaramond, fonts-dejavu-core and breeze-icon-theme put them.
     std::string font = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
     std::string labelFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+    // Where `script/setup maps` puts it, seen from the folder of the sources.
+    std::string map = "build/data/world-atlas/countries-50m.json";
+    bool mapChosen = false;
     std::string drawing = "/usr/share/icons/breeze/devices/64/input-gaming.svg";
 };
 
@@ -104,6 +109,15 @@ Drawing LoadDrawing(std::string const& file) {
     return drawing;
 }
 
+/// The map. One that is not there is missed only if it was asked for.
+std::optional<Drawing> LoadMap(Options const& options) {
+    std::error_code ignored;
+    if (!options.mapChosen && !std::filesystem::exists(options.map, ignored)) {
+        return std::nullopt;
+    }
+    return ReadDrawing(options.map);
+}
+
 std::string InFolder(std::string const& folder, std::string const& name) {
     return (std::filesystem::path(folder) / name).string();
 }
@@ -112,14 +126,16 @@ void Run(Options const& options) {
     Font const type(options.font);
     Font const labels(options.labelFont);
     Drawing const drawing = LoadDrawing(options.drawing);
-    GalleryInput const input{type, labels, options.font, drawing};
+    std::optional<Drawing> const map = LoadMap(options);
+    GalleryInput const input{type, labels, options.font, drawing, map ? &*map : nullptr};
+    std::vector<PlateMaker> const makers = GalleryPlates(map.has_value());
 
     OutputFolder folder(options.folder);
     std::vector<Plate> plates;
     std::vector<std::pair<std::string, std::string>> contents;
     {
-        Progress progress("drawing pictures", GalleryPlates().size());
-        for (PlateMaker const& make : GalleryPlates()) {
+        Progress progress("drawing pictures", makers.size());
+        for (PlateMaker const& make : makers) {
             plates.push_back(make(input));
             Plate const& plate = plates.back();
             contents.emplace_back(plate.name + ".svg", SvgText(plate.picture));
@@ -135,6 +151,11 @@ void Run(Options const& options) {
     }
     files.Commit();
     folder.Keep();
+    if (!map) {
+        std::string const note = "trammel: no map in " + options.map +
+                                 " (script/setup maps fetches it); its pictures are left out\n";
+        std::fwrite(note.data(), 1, note.size(), stderr);
+    }
     Print(InFolder(options.folder, "index.html") + "\n");
 }
 
@@ -158,8 +179,15 @@ void AddGallery(CLI::App& app) {
     command->add_option("--drawing", options->drawing, "Drawing that is measured and searched")
         ->type_name("FILE")
         ->capture_default_str();
+    CLI::Option const* const map =
+        command->add_option("--map", options->map, "TopoJSON map whose countries are drawn")
+            ->type_name("FILE")
+            ->capture_default_str();
     command->footer("Prints where the page is.\nExample: trammel gallery -o pictures");
-    command->callback([options] { Run(*options); });
+    command->callback([options, map] {
+        options->mapChosen = map->count() > 0;
+        Run(*options);
+    });
 }
 
 } // namespace tool

@@ -157,12 +157,14 @@ void AddMeasure(CLI::App& app) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand(
         "measure", "Length, bounds and contents of each outline of drawings and fonts, and totals");
-    command->add_option("FILE", options->files, "SVG drawings and fonts")
+    command->add_option("FILE", options->files, "SVG drawings, fonts and maps (TopoJSON)")
         ->required()
         ->type_name("");
     AddIds(*command, options->ids);
     command->add_flag("--json", options->json, "Print JSON");
-    command->footer("A font's outlines are its glyphs, in font units with y down. Bounds are those "
+    command->footer("A font's outlines are its glyphs, in font units with y down; a map's are its "
+                    "countries, in\n"
+                    "degrees of longitude and negative latitude. Bounds are those "
                     "of the drawn\noutline; controlBounds in JSON contain the curves' control "
                     "points too.\nExample: trammel measure drawing.svg font.ttf");
     command->callback([options] { Run(*options); });

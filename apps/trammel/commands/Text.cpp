@@ -26,7 +26,12 @@ struct Options {
     std::string start = "0";
     std::string output;
     bool outline = false;
+    bool rawQuadratics = false;
+    std::string error;
 };
+
+/// The flattening error of --raw-quadratics without --error, as a share of the type's size.
+constexpr double kErrorShare = 1e-3;
 
 /// The size at which the words fill the given length, but for a thousandth that rounding may take.
 double FittingSize(Font const& font, std::string const& words, double length) {
@@ -49,7 +54,17 @@ void Run(Options const& options) {
             throw Error("--size", "'" + options.size + "'", "must be above 0");
         }
     }
-    Font const font(options.font);
+    double error = 0.0;
+    if (!options.error.empty()) {
+        error = NumberOf("--error", options.error);
+        if (!(error > 0.0)) {
+            throw Error("--error", "'" + options.error + "'", "must be above 0");
+        }
+        if (!options.rawQuadratics) {
+            throw Error("--error", "'" + options.error + "'", "is for --raw-quadratics");
+        }
+    }
+    Font font(options.font);
     Drawing const drawing = Load(options.along);
     Outline const& along = drawing.outlines.front();
     double const length = LengthToDivide(drawing, along);
@@ -59,6 +74,10 @@ void Run(Options const& options) {
     }
     if (options.size.empty()) {
         size = FittingSize(font, options.words, length - start);
+    }
+    if (options.rawQuadratics) {
+        double const unit = size / font.UnitsPerEm(); // of the font, in the drawing
+        font.FlattenQuadratics((error > 0.0 ? error : size * kErrorShare) / unit);
     }
     std::vector<Outline> glyphs;
     try {
@@ -103,8 +122,16 @@ void AddText(CLI::App& app) {
         ->add_option("--start", options->start, "Where the words begin: distance along the outline")
         ->type_name("D");
     command->add_flag("--outline", options->outline, "Draw the outline that carries the words");
+    command->add_flag("--raw-quadratics", options->rawQuadratics,
+                      "Flatten TrueType's quadratic curves as they are, instead of raising them to "
+                      "cubics");
+    command
+        ->add_option("--error", options->error,
+                     "With it: how far the lines may deviate (default: a 1000th of the size)")
+        ->type_name("E");
     AddOutput(*command, options->output);
     command->footer(
+        "CFF fonts have cubic curves only: --raw-quadratics leaves them as they are.\n"
         "Example: trammel text font.ttf \"once around\" --along circle.svg -o ring.png");
     command->callback([options] { Run(*options); });
 }
