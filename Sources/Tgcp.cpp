@@ -39,6 +39,7 @@ template <class Item> Item* Allocate(std::size_t count) {
     if (count == 0) {
         return nullptr;
     }
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the clipper frees with free
     void* const items = std::malloc(count * sizeof(Item));
     if (items == nullptr) {
         throw std::bad_alloc();

@@ -52,6 +52,7 @@ template <class Element> Element* Allocate(std::size_t count, char const* what) 
         return nullptr;
     }
     void* const block = count <= std::numeric_limits<std::size_t>::max() / sizeof(Element)
+                            // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): the interface says so
                             ? std::malloc(count * sizeof(Element))
                             : nullptr;
     if (block == nullptr) {
@@ -274,7 +275,7 @@ gpc_polygon ToRecord(ResolvedContours const& resolved, std::vector<std::size_t> 
         for (std::size_t k = 0; k < count; ++k) {
             grid.ToDoubles(contours.points[begin + k], vertices[k].x, vertices[k].y);
         }
-        result.hole[i] = resolved.holes[order[i]];
+        result.hole[i] = resolved.holes[order[i]] != 0 ? 1 : 0;
         result.contour[i] = {static_cast<int>(count), vertices};
     }
     return result;
@@ -313,6 +314,7 @@ extern "C" void gpc_polygon_clip(gpc_op operation, gpc_polygon* subject, gpc_pol
     }
 }
 
+// NOLINTBEGIN(cppcoreguidelines-no-malloc): the interface says so
 extern "C" void gpc_free_polygon(gpc_polygon* polygon) {
     for (int i = 0; i < polygon->num_contours && polygon->contour != nullptr; ++i) {
         std::free(polygon->contour[i].vertex);
@@ -321,3 +323,4 @@ extern "C" void gpc_free_polygon(gpc_polygon* polygon) {
     std::free(polygon->contour);
     *polygon = {0, nullptr, nullptr};
 }
+// NOLINTEND(cppcoreguidelines-no-malloc)

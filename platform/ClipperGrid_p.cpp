@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 namespace trammel_detail {
 
@@ -12,7 +11,7 @@ namespace {
 int const kGridBits = 61;
 
 /// Whether two doubles are the same to the last bit, signs of zeros included.
-bool SameBits(double a, double b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool SameBits(double a, double b) { return a == b && std::signbit(a) == std::signbit(b); }
 
 } // namespace
 

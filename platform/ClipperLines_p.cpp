@@ -136,7 +136,7 @@ bool EdgeTree::InsideWestOf(std::size_t edge) const {
         }
         if (level > 0) {
             for (std::size_t i = FirstOf(level, node); i < EndOf(level, node); ++i) {
-                open.push_back({level - 1, i});
+                open.emplace_back(level - 1, i);
             }
             continue;
         }

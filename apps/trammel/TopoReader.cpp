@@ -120,9 +120,9 @@ private:
             std::vector<Pt> points;
             points.reserve(arc.size());
             Pt sum;
-            for (std::size_t k = 0; k < arc.size(); ++k) {
-                std::string const place = Item("arcs", i);
-                Pt p = Pair(arc[k], place);
+            std::string const place = Item("arcs", i);
+            for (Json const& position : arc) {
+                Pt p = Pair(position, place);
                 if (mDeltas) {
                     // With a transform each position is the step from the one before.
                     sum += p;
@@ -186,7 +186,7 @@ private:
     std::string NameOf(Json const& feature) const {
         auto const properties = feature.find("properties");
         if (properties != feature.end() && properties->is_object()) {
-            std::string const name = Text(*properties, "name");
+            std::string name = Text(*properties, "name");
             if (!name.empty()) {
                 return name;
             }

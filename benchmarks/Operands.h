@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+//
+// What the boolean operations are measured on: pairs of polygons of a kind and about a size, the
+// same in every run.
+
+#ifndef TRAMMEL_OPERANDS_H
+#define TRAMMEL_OPERANDS_H
+
+#include <trammel/TPoint.h>
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace operands {
+
+/// A closed contour, the first vertex not repeated.
+using Ring = std::vector<TPoint<double>>;
+
+/// An area with holes, which do not cross each other or the outer contour.
+struct Area {
+    Ring outer;
+    std::vector<Ring> holes;
+};
+
+/// One operand, as contours read by the even-odd rule, and as areas for who needs them.
+struct Operand {
+    std::vector<Ring> rings;
+    std::vector<Area> areas; ///< what the contours bound; empty if they cross themselves
+
+    /// The number of vertices in all contours.
+    std::size_t Size() const;
+};
+
+struct Pair {
+    Operand first;
+    Operand second;
+    bool crossing = false;  ///< the contours cross themselves, so that there are no areas
+    std::string whyMissing; ///< not empty: there is no such pair here, for this reason
+};
+
+enum class Kind {
+    kGlyphs, ///< two pages of DejaVu Sans, flattened, one moved against the other
+    kMap,    ///< a country, or all land, and the same moved by a hundredth of its extent
+    kWalk,   ///< closed random walks, which cross themselves some three times at each vertex
+    kRandom, ///< polygons of random vertices: the crossings grow with the square of their number
+    kCombs,  ///< two simple combs at right angles: a quarter of the square of their vertices
+    kSaws,   ///< two simple saws with long teeth side by side: few crossings, but wide sweep lines
+};
+
+/// The pair of a kind whose operands have about `size` vertices each. Made at the first call.
+Pair const& Get(Kind kind, std::size_t size);
+
+} // namespace operands
+
+#endif
