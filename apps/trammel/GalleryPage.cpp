@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Gallery.h"
+#include "Markup.h"
 
 #include <string>
 #include <string_view>
@@ -43,30 +44,6 @@ footer { padding-bottom: 2rem; color: #56616c; font-size: .95rem; overflow-wrap:
 </head>
 <body>
 )";
-
-/// The text as HTML, in elements and in quoted attributes.
-std::string Escaped(std::string_view text) {
-    std::string out;
-    for (char const c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
 
 void AddPlate(std::string& page, Plate const& plate) {
     std::string const name = Escaped(plate.name);

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 
+#include "Markup.h"
 #include "Numbers.h"
 #include "Picture.h"
 
 #include <trammel/SvgPath.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -19,29 +21,11 @@ std::string Hex(Colour const& colour) {
 }
 
 /// The text as an attribute's value; control characters, which XML cannot hold, are left out.
-std::string Escaped(std::string const& text) {
-    std::string out;
-    for (char const c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            if (static_cast<unsigned char>(c) >= 0x20) {
-                out += c;
-            }
-        }
-    }
-    return out;
+std::string AttributeValue(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(),
+                              [](char c) { return static_cast<unsigned char>(c) < 0x20; }),
+               text.end());
+    return Escaped(text);
 }
 
 std::string Attributes(Style const& style) {
@@ -81,7 +65,7 @@ std::string SvgText(Picture const& picture) {
     for (Shape const& shape : picture.shapes) {
         out += "<path";
         if (!shape.id.empty()) {
-            out += " id=\"" + Escaped(shape.id) + "\"";
+            out += " id=\"" + AttributeValue(shape.id) + "\"";
         }
         out += Attributes(shape.style) + " d=\"" + trammel::WriteSvgPath(shape.path) + "\"/>\n";
     }
