@@ -3,10 +3,15 @@
 #include "CBezier.h"
 
 #include "CMatrix3x3.h"
+#include "Handles.h"
 #include "Integers.h"
 #include "TLine.h"
 #include "TPoly.h"
+#include "UCurveKernels_p.h"
+#include "UFlatness_p.h"
 #include "UGeometry.h"
+#include "UHypot_p.h"
+#include "UPointRun_p.h"
 #include "UScalar.h"
 #include "USubdivision_p.h"
 
@@ -23,12 +28,51 @@ std::int32_t CBezier::mCount = 0;
 
 namespace {
 
+using trammel_detail::FlatnessFilter;
+using trammel_detail::PointRun;
+
+/// Points of a flattening that are appended or kept at a time.
+constexpr int kFlattenRun = 1024;
+/// Points of a flattening that are measured at a time; few, so that they stay in the cache.
+constexpr int kLengthRun = 256;
+/// Points that are tested at a time.
+constexpr int kTestRun = 64;
+
 /// The tolerance at which lengths are measured, in coordinate units: fixed, so that a length does
 /// not depend on how finely an application happens to draw.
 constexpr double kLengthError = 0.001;
 
 /// The step of the parameter to which a fraction of the length is resolved.
 constexpr double kPercentTolerance = 0.001;
+
+/// Two doubles worked on side by side, and the outcome of comparing two such.
+typedef double TwoDoubles __attribute__((vector_size(16)));
+typedef std::int64_t TwoWords __attribute__((vector_size(16)));
+
+/// In each lane, `a` where the mask is set, else `b`.
+inline TwoDoubles Choose(TwoWords mask, TwoDoubles a, TwoDoubles b) {
+    return (TwoDoubles)(((TwoWords)a & mask) | ((TwoWords)b & ~mask));
+}
+
+/// One coordinate of two cubics, halved: the first half where the mask is set, else the second.
+inline void HalveToward(TwoWords first, TwoDoubles& p0, TwoDoubles& p1, TwoDoubles& p2,
+                        TwoDoubles& p3) {
+    TwoDoubles const m01 = (p0 + p1) * 0.5;
+    TwoDoubles const m12 = (p1 + p2) * 0.5;
+    TwoDoubles const m23 = (p2 + p3) * 0.5;
+    TwoDoubles const m012 = (m01 + m12) * 0.5;
+    TwoDoubles const m123 = (m12 + m23) * 0.5;
+    TwoDoubles const split = (m012 + m123) * 0.5;
+    p0 = Choose(first, p0, split);
+    p1 = Choose(first, m01, m123);
+    p2 = Choose(first, m012, m23);
+    p3 = Choose(first, split, p3);
+}
+
+/// The distance of two points.
+inline double Distance(TPoint<double> const& a, TPoint<double> const& b) {
+    return trammel_detail::Hypot(b.h - a.h, b.v - a.v);
+}
 
 /// Splits `c` at its middle. Inline, as all of the generator's time is spent here and in Flat.
 inline TPoint<double> Halve(CBezier const& c, CBezier& left, CBezier& right) {
@@ -44,115 +88,29 @@ inline TPoint<double> Halve(CBezier const& c, CBezier& left, CBezier& right) {
     return split;
 }
 
-/// The distance by which Flat judges.
-inline double Deviation(CBezier const& c) {
-    TPoint<double> const chord = c.P3 - c.P0;
-    if (std::isnan(chord.Slope())) {
-        return LineLength(c.P0, (c.P1 + c.P2) / 2.0);
-    }
-    return TLine<double>(c.P0, c.P3).Distance(c.MidPt());
-}
-
-/// Decides `tolerance >= Deviation(c)` for the pieces of one curve, from a cheap estimate wherever
-/// that leaves no doubt.
-///
-/// In exact arithmetic the middle of a cubic is (P0 + 3 P1 + 3 P2 + P3)/8, so its distance from the
-/// chord is D = 3/8 |d x w| / |d| with d = P3 - P0 and w = P1 + P2 - P0 - P3. Comparing squares
-/// needs neither division nor root. The estimate may replace the comparison with the deviation as
-/// Flat computes it where the two cannot disagree, that is outside a band around the tolerance that
-/// is wider than the rounding of both. By the standard model of rounding (Higham, "Accuracy and
-/// Stability of Numerical Algorithms", section 2.2) with u = 2^-53, S a bound on all coordinates'
-/// magnitudes, m = d.v/d.h and n = -1/m, and terms of order u² covered by the slack at the end:
-///
-///   estimate   each component of w is off by at most 8uS, d by u relative, the products by u each:
-///              |d x w| is off by at most 34uS|d|, the estimate of D by at most 13uS.
-///   deviation  MidPt is off by at most 6uS in each component, hence 8.5uS; m by 3u relative, which
-///              turns the line about P0 by at most 1.5u and moves it by at most 4.3uS at MidPt. The
-///              numerator of the foot's x is off by at most uS(4|n| + 4|m| + 3); divided by
-///              |n - m| = |n| + |m| >= 2 that is 5.5uS, and 2u|x| <= 8uS come with the division:
-///              14uS. The foot's y inherits |n| 14uS and adds uS(5|n| + 9). The final difference
-///              and hypot add 4uD <= 16uS. Together at most uS(52 + 19|n|).
-///
-/// So the two are apart by at most 80uS(1 + |n|). Where S(1 + |n|) <= 2^34 tolerance this is less
-/// than 2^-12 of the tolerance, which is the band (1.6 times what is needed). Outside of this
-/// condition, inside the band, for chords horizontal, vertical or so short that products could
-/// underflow, for coordinates or tolerances so large that they could overflow, and for everything
-/// not finite, the deviation itself decides.
-class FlatnessFilter {
-public:
-    /// For `whole` and all curves that halving makes of it: no midpoint exceeds the larger of its
-    /// two points, so one bound on the coordinates serves them all.
-    FlatnessFilter(CBezier const& whole, double tolerance) {
-        double const size = std::abs(whole.P0.h) + std::abs(whole.P0.v) + std::abs(whole.P1.h) +
-                            std::abs(whole.P1.v) + std::abs(whole.P2.h) + std::abs(whole.P2.v) +
-                            std::abs(whole.P3.h) + std::abs(whole.P3.v);
-        // Written so that NaN leaves the filter off: no slope passes.
-        if (size <= kLargest && tolerance > 0.0 && tolerance <= kLargest) {
-            mLargestInverseSlope = tolerance * 0x1p34 / size - 1.0;
-            double const surelyFlat = tolerance * (1.0 - kBand) * (8.0 / 3.0);
-            double const surelyNot = tolerance * (1.0 + kBand) * (8.0 / 3.0);
-            mSurelyFlat = surelyFlat * surelyFlat;
-            mSurelyNot = surelyNot * surelyNot;
-        }
-    }
-
-    bool Flat(CBezier const& c, double tolerance) const {
-        double const dh = c.P3.h - c.P0.h;
-        double const dv = c.P3.v - c.P0.v;
-        double const lengthH = std::abs(dh);
-        double const lengthV = std::abs(dv);
-        if (lengthH <= mLargestInverseSlope * lengthV && lengthV <= kLargestSlope * lengthH &&
-            lengthV >= kShortest) {
-            double const wh = (c.P1.h + c.P2.h) - (c.P0.h + c.P3.h);
-            double const wv = (c.P1.v + c.P2.v) - (c.P0.v + c.P3.v);
-            double const cross = dh * wv - dv * wh;
-            double const crossSquared = cross * cross;
-            double const chordSquared = dh * dh + dv * dv;
-            if (crossSquared <= mSurelyFlat * chordSquared) {
-                return true;
-            }
-            if (crossSquared >= mSurelyNot * chordSquared) {
-                return false;
-            }
-        }
-        return tolerance >= Deviation(c);
-    }
-
-private:
-    static constexpr double kBand = 0x1p-12;
-    static constexpr double kLargest = 0x1p200;
-    static constexpr double kShortest = 0x1p-200;
-    static constexpr double kLargestSlope = 0x1p40;
-
-    double mLargestInverseSlope = -1.0;
-    double mSurelyFlat = 0.0;
-    double mSurelyNot = 0.0;
-};
-
 /// The cubic's rules for the walk of its subdivision tree.
 class BezierRules {
 public:
     explicit BezierRules(CBezier const& whole)
-        : mWhole(whole), mTolerance(CBezier::mMaxError), mFilter(whole, mTolerance) {}
+        : mSize(FlatnessFilter::SizeOf(whole)), mFilter(mSize, CBezier::mMaxError) {}
 
     void Enter() const {
         gCount = trammel_detail::WrappingAdd(gCount, 1);
         maxCount = std::max(maxCount, gCount);
     }
     bool Flat(CBezier const& c) {
-        // Read anew each time, as the callback may change it.
-        if (mTolerance != CBezier::mMaxError) {
-            mTolerance = CBezier::mMaxError;
-            mFilter = FlatnessFilter(mWhole, mTolerance);
+        // Read anew each time, as the callback may change it (and the curve, which is not looked at
+        // again).
+        if (mFilter.Tolerance() != CBezier::mMaxError) {
+            mFilter = FlatnessFilter(mSize, CBezier::mMaxError);
         }
-        return mFilter.Flat(c, mTolerance);
+        return mFilter.Flat(c);
     }
     void Divide(CBezier const& c, CBezier& left, CBezier& right) const { Halve(c, left, right); }
     void Delivered() const { CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, 1); }
 
 private:
-    CBezier const& mWhole;
-    double mTolerance;
+    double mSize;
     FlatnessFilter mFilter;
 };
 
@@ -166,15 +124,329 @@ void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
 /// True when the control points coincide with their ends: a straight segment.
 bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
 
-/// Delivers the points of the flattened curve, ends included, duplicates not yet left out.
-template <class Deliver> void FlattenTo(CBezier const& curve, double error, Deliver deliver) {
+/// Counts `points` deliveries and the invocations of the generator that made them: the first one,
+/// and two for each division.
+void CountGenerated(std::int32_t points) {
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    std::int32_t const invocations = 1 + 2 * points;
+    maxCount = gCount > kMost - invocations ? kMost : std::max(maxCount, gCount + invocations);
+    gCount = trammel_detail::WrappingAdd(gCount, invocations);
+    CBezier::mCount = trammel_detail::WrappingAdd(CBezier::mCount, points);
+}
+
+/// Stores the split points of `curve` in `run`, in order: those that GenerateSegment delivers when
+/// it is forced, with mMaxError and mRecursionLimit as they are, counters included. For callers
+/// whose use of the points changes none of these.
+template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
+    double const tolerance = CBezier::mMaxError;
+    int const levels = std::max(CBezier::mRecursionLimit - 1, 1);
+    if (levels <= trammel_detail::kMostBlockLevels) {
+        FlatnessFilter const filter(FlatnessFilter::SizeOf(curve), tolerance);
+        if (filter.Judges()) {
+            CountGenerated(trammel_detail::DivideInBlocks(curve, filter, levels, run));
+            return;
+        }
+    }
+    auto deliver = [&run](TPoint<double> const& pt) { run.Add(pt); };
+    Generate(curve, deliver, true, CBezier::mRecursionLimit);
+}
+
+/// Stores the points of the flattened curve in `run`, ends included, duplicates not left out.
+template <class Run> void FlattenTo(CBezier const& curve, double error, Run& run) {
     gCount = 0;
     trammel_detail::CurveErrorScope<CBezier> const scope(error);
-    deliver(curve.P0);
+    run.Add(curve.P0);
     if (!IsStraight(curve)) {
-        Generate(curve, deliver, true, CBezier::mRecursionLimit);
+        GenerateForced(curve, run);
     }
-    deliver(curve.P3);
+    run.Add(curve.P3);
+}
+
+/// Appends the points as AddPtToPoly does one after the other, but in one go where that gives the
+/// same: where none repeats the one before, and memory suffices for all.
+void AppendUniquePoints(TPoint<double> const* points, int count, TPolygon<double>& poly) {
+    bool unique = poly.Empty() || points[0] != poly.GetPt(poly.LastIndex());
+    for (int i = 1; i < count; ++i) {
+        unique &= points[i] != points[i - 1];
+    }
+    auto const size = static_cast<Size>(sizeof points[0]) * count;
+    if (unique && PtrAndHand(points, reinterpret_cast<Handle>(poly.mHandle), size) == noErr) {
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        CBezier::AddPtToPoly(points[i], poly);
+    }
+}
+
+/// The lengths of the edges from each point to the next, for `count` points.
+void LengthsBetween(TPoint<double> const* points, int count, double* lengths) {
+    trammel_detail::EdgeLengths(trammel_detail::Coordinates(points), count - 1, lengths);
+}
+
+/// The sum of the lengths of a flattening's edges, as its points come.
+class LengthOfRun {
+public:
+    double Total() const { return mTotal; }
+
+    /// Adds `count` points, with the lengths of the edges between them.
+    void Add(TPoint<double> const* points, int count, double const* lengths) {
+        // A point equal to the one before is none of the flattened curve's: its edge of length 0
+        // leaves the sum as it is, so that it need not be looked for, but where both are infinite.
+        double sum = mTotal;
+        if (mStarted) {
+            sum += Distance(mLast, points[0]);
+        }
+        for (int i = 0; i < count - 1; ++i) {
+            sum += lengths[i];
+        }
+        if (std::isnan(sum)) {
+            TPoint<double> last = mStarted ? mLast : points[0];
+            for (int i = 0; i < count; ++i) {
+                if (points[i] != last) {
+                    mTotal += Distance(last, points[i]);
+                    last = points[i];
+                }
+            }
+        } else {
+            mTotal = sum;
+        }
+        mLast = points[count - 1];
+        mStarted = true;
+    }
+    void operator()(TPoint<double> const* points, int count) {
+        double lengths[kFlattenRun];
+        LengthsBetween(points, count, lengths);
+        Add(points, count, lengths);
+    }
+
+private:
+    double mTotal = 0.0;
+    bool mStarted = false;
+    TPoint<double> mLast;
+};
+
+/// Finds the point at a distance along a flattening, as its points and edges come.
+class PointAtDistance {
+public:
+    explicit PointAtDistance(double target) : mTarget(target) {}
+
+    /// The point reached, or the last one where the distance lies beyond it or is NaN.
+    TPoint<double> Pt() const { return mFound ? mPt : mLast; }
+
+    /// Takes `count` points, with the lengths of the edges between them.
+    void Take(TPoint<double> const* points, int count, double const* lengths) {
+        if (!mStarted) {
+            mStarted = true;
+            mLast = points[0];
+        } else {
+            TakeEdge(points[0], Distance(mLast, points[0]));
+        }
+        for (int i = 0; i < count - 1 && !mFound; ++i) {
+            TakeEdge(points[i + 1], lengths[i]);
+        }
+    }
+    void operator()(TPoint<double> const* points, int count) {
+        double lengths[kFlattenRun];
+        LengthsBetween(points, count, lengths);
+        Take(points, count, lengths);
+    }
+
+private:
+    // A point equal to the one before is none of the flattened curve's.
+    void TakeEdge(TPoint<double> const& pt, double length) {
+        if (mFound || !(pt != mLast)) {
+            return;
+        }
+        double const before = mSum;
+        mSum += length;
+        if (mSum >= mTarget) {
+            mFound = true;
+            mPt = TLine<double>(mLast, pt).TPt((mTarget - before) / length);
+        } else {
+            mLast = pt;
+        }
+    }
+
+    double mTarget;
+    double mSum = 0.0;
+    bool mStarted = false;
+    bool mFound = false;
+    TPoint<double> mLast;
+    TPoint<double> mPt;
+};
+
+/// The point at `fraction` of the length of the curve's flattening: P0 and P3 for 0 and 1.
+TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
+    LengthOfRun length;
+    bool allAtOnce = true;
+    auto measure = [&](TPoint<double> const* points, int count) {
+        allAtOnce = false;
+        length(points, count);
+    };
+    PointRun<kFlattenRun, decltype(measure)> run(measure);
+    FlattenTo(curve, kLengthError, run);
+    if (fraction == 0.0) {
+        return curve.P0;
+    }
+    if (fraction == 1.0) {
+        return curve.P3;
+    }
+    if (allAtOnce) {
+        double lengths[kFlattenRun];
+        LengthsBetween(run.Points(), run.Count(), lengths);
+        length.Add(run.Points(), run.Count(), lengths);
+        PointAtDistance find(fraction * length.Total());
+        find.Take(run.Points(), run.Count(), lengths);
+        return find.Pt();
+    }
+    // More points than are kept: they are made again, and not counted again.
+    run.Pass();
+    PointAtDistance find(fraction * length.Total());
+    PointRun<kFlattenRun, PointAtDistance> again(find);
+    std::int32_t const counters[] = {CBezier::mCount, gCount, maxCount};
+    FlattenTo(curve, kLengthError, again);
+    again.Pass();
+    CBezier::mCount = counters[0];
+    gCount = counters[1];
+    maxCount = counters[2];
+    return find.Pt();
+}
+
+// -------------------------------------------------------------------------------------------------
+// The bisection toward the nearest point
+
+/// The literal decision of one step: true when the search goes on in the first half of `c`.
+bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double tolerance) {
+    TLine<double> const chord(c.TPt(0.5 - tolerance), c.TPt(0.5 + tolerance));
+    return chord.Perpendicular().HalfSpace(pt) == 1;
+}
+
+/// Decides the bisection's steps, from a cheap estimate wherever that leaves no doubt.
+///
+/// The literal decision takes the points A and B of the curve at 0.5 -+ t, t the tolerance, turns
+/// the chord a quarter about its middle M, takes a second quarter turn for the perpendicular, and
+/// asks for the sign of its product with the vector from the turned chord's start to the point p.
+/// In exact arithmetic that is the sign of -d·r with d = B - A and r = p - M, as the turned chord's
+/// start lies at a right angle to d from M; and by Taylor's formula
+///
+///     d = 3/2 t (P3 + P2 - P1 - P0) + 2 t³ (P3 - 3 P2 + 3 P1 - P0)
+///     M = (P0 + 3 P1 + 3 P2 + P3)/8 + 3/2 t² (P0 - P1 - P2 + P3)
+///
+/// With u = 2^-53, S a bound on the coordinates of the curve, t <= 1/8 (so |d| <= 3S in the sum of
+/// its components), and terms of order u² covered by the slack at the end:
+///
+///   literal    A and B are off by 14uS in each component (three steps P + (Q - P)·w with 3.5uS
+///              each, and the rounding of 0.5 -+ t), M by 17uS. The quarter turn's sine is 1 and
+///              its cosine, of the rounded angle, less than u, so turning adds 3u of the vector:
+///              the turned ends are off by 56uS, the second perpendicular by 130uS, and the product
+///              by uS(130 |r| + 196 |d|) + 4u |d| |r|, magnitudes being sums of components.
+///   estimate   d is off by 4uS, M by 8uS, the product by uS(4 |r| + 8 |d|) + 4u |d| |r|.
+///
+/// Together at most uS(158 |r| + 204 |d|), less than half of the bound uS 2^9 (|r| + |d|) that is
+/// used. Inside of it, and where products could overflow or underflow, the literal form decides.
+class SideFilter {
+public:
+    SideFilter(CBezier const& whole, double tolerance)
+        : mBound(FlatnessFilter::SizeOf(whole) * 0x1p-44), mFirst(1.5 * tolerance),
+          mThird(2.0 * tolerance * tolerance * tolerance), mSecond(1.5 * tolerance * tolerance) {}
+
+    /// True where estimates may be made for the pieces of `whole`.
+    static bool Serves(CBezier const& whole, TPoint<double> const& pt, double tolerance) {
+        return tolerance >= 0x1p-40 && tolerance <= 0.125 &&
+               FlatnessFilter::SizeOf(whole) <= 0x1p400 && std::abs(pt.h) <= 0x1p400 &&
+               std::abs(pt.v) <= 0x1p400;
+    }
+
+    /// Estimates the literal product's negative and its error's bound. `Number` is double, or a
+    /// vector of doubles that are computed side by side.
+    template <class Number> struct Estimate {
+        Number product;
+        Number magnitude; ///< |r| + |d|
+    };
+    template <class Number>
+    Estimate<Number> Of(Number const& h0, Number const& v0, Number const& h1, Number const& v1,
+                        Number const& h2, Number const& v2, Number const& h3, Number const& v3,
+                        TPoint<double> const& pt) const {
+        Number const dh = mFirst * ((h3 - h0) + (h2 - h1)) + mThird * ((h3 - h0) - 3.0 * (h2 - h1));
+        Number const dv = mFirst * ((v3 - v0) + (v2 - v1)) + mThird * ((v3 - v0) - 3.0 * (v2 - v1));
+        Number const rh =
+            pt.h - (((h0 + h3) + 3.0 * (h1 + h2)) * 0.125 + mSecond * ((h0 + h3) - (h1 + h2)));
+        Number const rv =
+            pt.v - (((v0 + v3) + 3.0 * (v1 + v2)) * 0.125 + mSecond * ((v0 + v3) - (v1 + v2)));
+        return Estimate<Number>{dh * rh + dv * rv,
+                                Magnitude(rh) + Magnitude(rv) + (Magnitude(dh) + Magnitude(dv))};
+    }
+    double Bound() const { return mBound; }
+
+    /// Below this the estimate's products may have lost bits.
+    static constexpr double kSmallestBound = 0x1p-1000;
+
+private:
+    static double Magnitude(double x) { return std::abs(x); }
+    static TwoDoubles Magnitude(TwoDoubles const& x) {
+        TwoWords const magnitude = {INT64_MAX, INT64_MAX};
+        return (TwoDoubles)((TwoWords)x & magnitude);
+    }
+
+    double mBound;
+    double mFirst;
+    double mThird;
+    double mSecond;
+};
+
+/// One step's decision: true when the search goes on in the first half of `c`.
+bool TowardStart(CBezier const& c, TPoint<double> const& pt, double tolerance) {
+    if (SideFilter::Serves(c, pt, tolerance)) {
+        SideFilter const filter(c, tolerance);
+        auto const estimate =
+            filter.Of(c.P0.h, c.P0.v, c.P1.h, c.P1.v, c.P2.h, c.P2.v, c.P3.h, c.P3.v, pt);
+        double const bound = filter.Bound() * estimate.magnitude;
+        if (std::abs(estimate.product) > bound && bound >= SideFilter::kSmallestBound) {
+            return estimate.product < 0.0;
+        }
+    }
+    return TowardStartExactly(c, pt, tolerance);
+}
+
+/// The bisection of FindDividedTValue on both halves of a curve, from 0 to 1, side by side: lane 0
+/// holds the piece of the left half, lane 1 that of the right one. Requires SideFilter::Serves, by
+/// which no middle is ever one of its bounds.
+void BisectHalves(CBezier const& whole, CBezier const& left, CBezier const& right,
+                  TPoint<double> const& pt, double tolerance, double& tLeft, double& tRight) {
+    SideFilter const filter(whole, tolerance);
+    TwoDoubles h0 = {left.P0.h, right.P0.h};
+    TwoDoubles v0 = {left.P0.v, right.P0.v};
+    TwoDoubles h1 = {left.P1.h, right.P1.h};
+    TwoDoubles v1 = {left.P1.v, right.P1.v};
+    TwoDoubles h2 = {left.P2.h, right.P2.h};
+    TwoDoubles v2 = {left.P2.v, right.P2.v};
+    TwoDoubles h3 = {left.P3.h, right.P3.h};
+    TwoDoubles v3 = {left.P3.v, right.P3.v};
+    TwoDoubles lo = {0.0, 0.0};
+    double width = 1.0; // hi - lo, the same power of two in both lanes: exact
+    TwoDoubles middle;
+    do {
+        auto const estimate = filter.Of(h0, v0, h1, v1, h2, v2, h3, v3, pt);
+        TwoDoubles const bound = filter.Bound() * estimate.magnitude;
+        TwoWords toStart = estimate.product < -bound;
+        TwoWords const decided =
+            (toStart | (estimate.product > bound)) & (bound >= SideFilter::kSmallestBound);
+        for (int lane = 0; lane < 2; ++lane) {
+            if (__builtin_expect(decided[lane] == 0, 0)) {
+                CBezier const piece(
+                    TPoint<double>(h0[lane], v0[lane]), TPoint<double>(h1[lane], v1[lane]),
+                    TPoint<double>(h2[lane], v2[lane]), TPoint<double>(h3[lane], v3[lane]));
+                toStart[lane] = TowardStartExactly(piece, pt, tolerance) ? -1 : 0;
+            }
+        }
+        HalveToward(toStart, h0, h1, h2, h3);
+        HalveToward(toStart, v0, v1, v2, v3);
+        width *= 0.5;
+        middle = lo + width;
+        lo = Choose(toStart, lo, middle);
+    } while (width > tolerance);
+    tLeft = middle[0];
+    tRight = middle[1];
 }
 
 } // namespace
@@ -185,7 +457,7 @@ double CBezier::SetCurveError(double e) {
     return old;
 }
 
-bool CBezier::Flat(double tolerance) const { return tolerance >= Deviation(*this); }
+bool CBezier::Flat(double tolerance) const { return tolerance >= trammel_detail::Deviation(*this); }
 
 TPoint<double> CBezier::Divide(CBezier& left, CBezier& right) const {
     return Halve(*this, left, right);
@@ -231,7 +503,12 @@ void CBezier::GenerateSegment(PointProc proc, bool force, short depth) const {
 }
 
 void CBezier::Flatten(TPolygon<double>& poly, double error) const {
-    FlattenTo(*this, error, [&poly](TPoint<double> const& pt) { AddPtToPoly(pt, poly); });
+    auto append = [&poly](TPoint<double> const* points, int count) {
+        AppendUniquePoints(points, count, poly);
+    };
+    PointRun<kFlattenRun, decltype(append)> run(append);
+    FlattenTo(*this, error, run);
+    run.Pass();
 }
 
 void CBezier::AddSegmentToPoly(TPolygon<double>& poly, double error) const { Flatten(poly, error); }
@@ -258,21 +535,30 @@ void CBezier::ContainsPt(TPoint<double> const& pt, IntersectInfoRec& rec) {
 double CBezier::FindTValue(TPoint<double> const& pt, double tolerance, double t0, double t1) const {
     double bestT = 0.5;
     double bestDistance = std::numeric_limits<double>::max();
-    double const distance0 = TLine<double>(TPt(t0), pt).Length();
-    double const distance1 = TLine<double>(TPt(t1), pt).Length();
+    double const distance0 = Distance(TPt(t0), pt);
+    double const distance1 = Distance(TPt(t1), pt);
     CBezier left;
     CBezier right;
-    Divide(left, right);
+    Halve(*this, left, right);
+    double tLeft = 0.0;
+    double tRight = 0.0;
+    if (t0 == 0.0 && t1 == 1.0 && SideFilter::Serves(*this, pt, tolerance)) {
+        BisectHalves(*this, left, right, pt, tolerance, tLeft, tRight);
+    } else {
+        if (0.5 > t0) {
+            tLeft = left.FindDividedTValue(pt, tolerance, 2.0 * t0, std::min(1.0, 2.0 * t1));
+        }
+        if (t1 > 0.5) {
+            tRight = right.FindDividedTValue(pt, tolerance, std::max(0.0, 2.0 * t0 - 1.0),
+                                             2.0 * t1 - 1.0);
+        }
+    }
     if (0.5 > t0) {
-        double const tLeft =
-            left.FindDividedTValue(pt, tolerance, 2.0 * t0, std::min(1.0, 2.0 * t1));
         bestT = tLeft / 2.0;
-        bestDistance = TLine<double>(TPt(bestT), pt).Length();
+        bestDistance = Distance(TPt(bestT), pt);
     }
     if (t1 > 0.5) {
-        double const tRight =
-            right.FindDividedTValue(pt, tolerance, std::max(0.0, 2.0 * t0 - 1.0), 2.0 * t1 - 1.0);
-        double const distance = TLine<double>(right.TPt(tRight), pt).Length();
+        double const distance = Distance(right.TPt(tRight), pt);
         if (bestDistance > distance) {
             bestDistance = distance;
             bestT = tRight / 2.0 + 0.5;
@@ -293,14 +579,13 @@ double CBezier::FindDividedTValue(TPoint<double> const& pt, double tolerance, do
     double middle;
     bool stuck;
     do {
-        CBezier left;
-        CBezier right;
-        current.Divide(left, right);
-        TLine<double> const chord(current.TPt(0.5 - tolerance), current.TPt(0.5 + tolerance));
         middle = (lo + hi) / 2.0;
         // A middle that is one of the bounds halves nothing: all further middles would be the same.
         stuck = middle == lo || middle == hi;
-        if (chord.Perpendicular().HalfSpace(pt) == 1) {
+        CBezier left;
+        CBezier right;
+        Halve(current, left, right);
+        if (TowardStart(current, pt, tolerance)) {
             current = left;
             hi = middle;
         } else {
@@ -323,8 +608,14 @@ bool CBezier::HitTest(TPoint<double> const& pt, double tolerance) const {
     rec.hit = false;
     rec.lastPt = P0;
     if (!IsStraight(*this)) {
-        auto deliver = [&rec](TPoint<double> const& point) { HitTestPt(point, rec); };
-        Generate(*this, deliver, true, mRecursionLimit);
+        auto test = [&rec](TPoint<double> const* points, int count) {
+            for (int i = 0; i < count && !rec.hit; ++i) {
+                HitTestPt(points[i], rec);
+            }
+        };
+        PointRun<kTestRun, decltype(test)> run(test);
+        GenerateForced(*this, run);
+        run.Pass();
     }
     HitTestPt(P3, rec);
     return rec.hit;
@@ -339,37 +630,29 @@ bool CBezier::Intersects(TRect<double> r) const {
     rec.rect = r;
     ContainsPt(P0, rec);
     if (!IsStraight(*this)) {
-        auto deliver = [&rec](TPoint<double> const& point) { ContainsPt(point, rec); };
-        Generate(*this, deliver, true, mRecursionLimit);
+        auto test = [&rec](TPoint<double> const* points, int count) {
+            for (int i = 0; i < count && !rec.hit; ++i) {
+                ContainsPt(points[i], rec);
+            }
+        };
+        PointRun<kTestRun, decltype(test)> run(test);
+        GenerateForced(*this, run);
+        run.Pass();
     }
     ContainsPt(P3, rec);
     return rec.hit;
 }
 
 double CBezier::Length() const {
-    // The edges of the flattening are summed as they come: the polygon itself is not needed.
-    double length = 0.0;
-    TPoint<double> last;
-    bool first = true;
-    FlattenTo(*this, kLengthError, [&](TPoint<double> const& pt) {
-        if (first) {
-            first = false;
-            last = pt;
-        } else if (pt != last) {
-            length += TLine<double>(last, pt).Length();
-            last = pt;
-        }
-    });
-    return length;
+    LengthOfRun length;
+    PointRun<kLengthRun, LengthOfRun> run(length);
+    FlattenTo(*this, kLengthError, run);
+    run.Pass();
+    return length.Total();
 }
 
 double CBezier::PercentT(double fraction) const {
-    TPolygon<double> poly;
-    Flatten(poly, kLengthError);
-    if (poly.Empty()) {
-        return std::numeric_limits<double>::quiet_NaN(); // memory is short
-    }
-    return FindTValue(poly.TPt(fraction), kPercentTolerance, 0.0, 1.0);
+    return FindTValue(FlattenedPt(*this, fraction), kPercentTolerance, 0.0, 1.0);
 }
 
 double CBezier::TPercent(double t) const {

@@ -2,8 +2,11 @@
 #include "CBezier.h"
 
 #include "CMatrix3x3.h"
+#include "Handles.h"
+#include "ShortMemory.h"
 #include "TLine.h"
 #include "TPoly.h"
+#include "UCurveKernels_p.h"
 #include "UGeometry.h"
 #include "UScalar.h"
 #include "plain/Comparing.h"
@@ -51,6 +54,7 @@ protected:
         CBezier::mCount = mCountBefore;
         gCount = gCountBefore;
         maxCount = maxCountBefore;
+        trammel_detail::UsePortableKernels(false);
     }
 
 private:
@@ -633,6 +637,73 @@ TEST_F(Bezier, ToleranceThatACallbackChangesAppliesFromThereOn) {
     EXPECT_PRED_FORMAT2(SamePoints, points,
                         (Points{kArch.TPt(1.0 / 32), kArch.TPt(1.0 / 16), kArch.TPt(1.0 / 8),
                                 kArch.TPt(1.0 / 4), kArch.TPt(1.0 / 2)}));
+}
+
+struct Overwriter {
+    Points points;
+    CBezier* curve;
+};
+
+void CollectAndOverwrite(Pt const& p, void* data) {
+    Overwriter& overwriter = *static_cast<Overwriter*>(data);
+    overwriter.points.push_back(p);
+    *overwriter.curve = CBezier();
+    CBezier::mMaxError = 0.5;
+}
+
+TEST_F(Bezier, CallbackMayOverwriteTheCurveAndTheTolerance) {
+    Random random(71);
+    for (int i = 0; i < 500; ++i) {
+        CBezier const original(random.Pt(0, 500), random.Pt(0, 500), random.Pt(0, 500),
+                               random.Pt(0, 500));
+        CBezier::mMaxError = plain::state.maxError = 4.0;
+        CBezier changing = original;
+        Overwriter overwriter = {Points(), &changing};
+        changing.GenerateSegment(CollectAndOverwrite, &overwriter, true, 12);
+        Points expected;
+        Plain(original).GenerateSegment(
+            [&expected](Pt const& p) {
+                expected.push_back(p);
+                plain::state.maxError = 0.5;
+            },
+            true, 12);
+        ASSERT_PRED_FORMAT2(SamePoints, overwriter.points, expected);
+    }
+}
+
+TEST_F(Bezier, QueriesAllocateNothing) {
+    Random random(72);
+    // Room for all of their points is found on the stack, also where there are thousands.
+    for (double const size : {10.0, 500.0, 1e6}) {
+        CBezier c(random.Pt(0, size), random.Pt(0, size), random.Pt(0, size), random.Pt(0, size));
+        Pt const pt = random.Pt(0, size);
+        trammel_detail::FailNextAllocations(1);
+        trammel_test::ShortMemory const none(0);
+        EXPECT_GT(c.Length(), 0.0);
+        EXPECT_GE(c.PercentT(0.3), 0.0);
+        EXPECT_GE(c.TPercent(0.3), 0.0);
+        EXPECT_GE(c.FindTValue(pt, 0.001, 0.0, 1.0), 0.0);
+        c.HitTest(c.TPt(0.25), 1.0);
+        c.Intersects(TRect<double>(pt, pt + Pt(1, 1)));
+        EXPECT_EQ(trammel_detail::gFailingRequests.load(), 1);
+        trammel_detail::FailNextAllocations(0);
+    }
+}
+
+TEST_F(Bezier, FlattenGrowsThePolygonOnce) {
+    TPolygon<double> poly;
+    long const before = trammel_detail::BlockReallocationCount();
+    CBezier(Pt(0, 0), Pt(10, 80), Pt(70, 90), Pt(90, 10)).Flatten(poly, 0.001);
+    EXPECT_EQ(trammel_detail::BlockReallocationCount() - before, 1);
+    EXPECT_GT(poly.LastIndex(), 100);
+}
+
+TEST_F(Bezier, FlattenAppendsWhatFitsWhenMemoryIsShort) {
+    TPolygon<double> poly;
+    trammel_detail::FailNextAllocations(1000000);
+    kArch.Flatten(poly, 0.001);
+    trammel_detail::FailNextAllocations(0);
+    EXPECT_TRUE(poly.Empty());
 }
 
 struct Thrower {
@@ -1334,6 +1405,15 @@ public:
     }
 };
 
+/// Makes the kernels take one of their forms for as long as it lives.
+class KernelForm {
+public:
+    explicit KernelForm(bool portable) { trammel_detail::UsePortableKernels(portable); }
+    ~KernelForm() { trammel_detail::UsePortableKernels(false); }
+    KernelForm(KernelForm const&) = delete;
+    KernelForm& operator=(KernelForm const&) = delete;
+};
+
 void CompareGeneration(CBezier const& c, double tolerance, std::int16_t limit) {
     plain::Bezier const same = Plain(c);
     ASSERT_EQ(c.Flat(tolerance), same.Flat(tolerance));
@@ -1433,6 +1513,7 @@ TEST_P(BezierComparison, GenerationAgreesAtAndAroundCriticalTolerances) {
             tolerance > 1e-5 ? full : std::min<std::int16_t>(full, std::int16_t{8});
         SCOPED_TRACE(testing::Message() << "curve " << i << ": " << Describe(c) << ", tolerance "
                                         << Text(tolerance) << ", depth " << limit);
+        KernelForm const form(i % 2 == 0);
         CompareGeneration(c, tolerance, limit);
         if (HasFatalFailure()) {
             return;
@@ -1470,10 +1551,58 @@ TEST_P(BezierComparison, QueriesAgree) {
         std::int16_t const limit = Limit(random);
         SCOPED_TRACE(testing::Message() << "curve " << i << ": " << Describe(c) << ", tolerance "
                                         << Text(tolerance) << ", depth " << limit);
+        KernelForm const form(i % 2 == 0);
         CompareQueries(random, c, tolerance, limit);
         if (HasFatalFailure()) {
             return;
         }
+    }
+}
+
+TEST_F(Bezier, LongCurvesAgreeWithThePlainForm) {
+    Random random(73);
+    for (int i = 0; i < 60; ++i) {
+        double const size = random.Decade(3, 7); // up to the 16,383 points that the depth allows
+        CBezier const c(random.Pt(0, size), random.Pt(0, size), random.Pt(0, size),
+                        random.Pt(0, size));
+        plain::Bezier const same = Plain(c);
+        SCOPED_TRACE(Describe(c));
+        KernelForm const form(i % 2 == 0);
+        CompareGeneration(c, 0.001, 15);
+        ASSERT_FALSE(HasFatalFailure());
+        double const t = random.Uniform(-0.1, 1.1);
+        Comparison const comparison(0.001, 15);
+        ASSERT_SAME(c.Length(), same.Length());
+        ASSERT_SAME(c.PercentT(t), same.PercentT(t));
+        ASSERT_TRUE(comparison.Agrees());
+    }
+}
+
+// At these points the bisection's product nearly vanishes: on the line through the middle of a
+// piece at a right angle to its chord, and as near to it as the rounding of the two forms.
+TEST_F(Bezier, NearestParameterAgreesWhereTheSideIsInDoubt) {
+    Random random(74);
+    for (int i = 0; i < 20000; ++i) {
+        CBezier c = MakeCurve(random, static_cast<Kind>(random.Int(0, 5)));
+        plain::Bezier const same = Plain(c);
+        double const step = random.OneIn(2) ? 0.001 : random.Decade(-6, -1);
+        plain::Bezier piece = same;
+        for (int depth = random.Int(0, 8); depth > 0; --depth) {
+            plain::Bezier left;
+            plain::Bezier right;
+            piece.Divide(left, right);
+            piece = random.OneIn(2) ? left : right;
+        }
+        Pt const a = piece.TPt(0.5 - step);
+        Pt const b = piece.TPt(0.5 + step);
+        Pt const normal(a.v - b.v, b.h - a.h);
+        Pt pt = (a + b) / 2.0 + normal * (random.Uniform(-1, 1) * random.Decade(0, 6));
+        pt.h = StepUlps(pt.h, random.Int(-4, 4));
+        ASSERT_SAME(c.FindTValue(pt, step, 0.0, 1.0), same.FindTValue(pt, step, 0.0, 1.0))
+            << Describe(c) << " " << Text(pt.h) << " " << Text(pt.v) << " " << Text(step);
+        ASSERT_SAME(c.FindDividedTValue(pt, step, 0.0, 1.0),
+                    same.FindDividedTValue(pt, step, 0.0, 1.0))
+            << Describe(c);
     }
 }
 
