@@ -11,7 +11,7 @@
 #include "UFlatness_p.h"
 #include "UGeometry.h"
 #include "UHypot_p.h"
-#include "UPointRun_p.h"
+#include "UPointBuffer_p.h"
 #include "UScalar.h"
 #include "USubdivision_p.h"
 
@@ -29,7 +29,7 @@ std::int32_t CBezier::mCount = 0;
 namespace {
 
 using trammel_detail::FlatnessFilter;
-using trammel_detail::PointRun;
+using trammel_detail::PointBuffer;
 
 /// Points of a flattening that are appended or kept at a time.
 constexpr int kFlattenRun = 1024;
@@ -283,7 +283,7 @@ TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
         allAtOnce = false;
         length(points, count);
     };
-    PointRun<kFlattenRun, decltype(measure)> run(measure);
+    PointBuffer<kFlattenRun, decltype(measure)> run(measure);
     FlattenTo(curve, kLengthError, run);
     if (fraction == 0.0) {
         return curve.P0;
@@ -302,7 +302,7 @@ TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
     // More points than are kept: they are made again, and not counted again.
     run.Pass();
     PointAtDistance find(fraction * length.Total());
-    PointRun<kFlattenRun, PointAtDistance> again(find);
+    PointBuffer<kFlattenRun, PointAtDistance> again(find);
     std::int32_t const counters[] = {CBezier::mCount, gCount, maxCount};
     FlattenTo(curve, kLengthError, again);
     again.Pass();
@@ -506,7 +506,7 @@ void CBezier::Flatten(TPolygon<double>& poly, double error) const {
     auto append = [&poly](TPoint<double> const* points, int count) {
         AppendUniquePoints(points, count, poly);
     };
-    PointRun<kFlattenRun, decltype(append)> run(append);
+    PointBuffer<kFlattenRun, decltype(append)> run(append);
     FlattenTo(*this, error, run);
     run.Pass();
 }
@@ -613,7 +613,7 @@ bool CBezier::HitTest(TPoint<double> const& pt, double tolerance) const {
                 HitTestPt(points[i], rec);
             }
         };
-        PointRun<kTestRun, decltype(test)> run(test);
+        PointBuffer<kTestRun, decltype(test)> run(test);
         GenerateForced(*this, run);
         run.Pass();
     }
@@ -635,7 +635,7 @@ bool CBezier::Intersects(TRect<double> r) const {
                 ContainsPt(points[i], rec);
             }
         };
-        PointRun<kTestRun, decltype(test)> run(test);
+        PointBuffer<kTestRun, decltype(test)> run(test);
         GenerateForced(*this, run);
         run.Pass();
     }
@@ -645,7 +645,7 @@ bool CBezier::Intersects(TRect<double> r) const {
 
 double CBezier::Length() const {
     LengthOfRun length;
-    PointRun<kLengthRun, LengthOfRun> run(length);
+    PointBuffer<kLengthRun, LengthOfRun> run(length);
     FlattenTo(*this, kLengthError, run);
     run.Pass();
     return length.Total();

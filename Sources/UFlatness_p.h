@@ -159,7 +159,7 @@ template <class Curve> bool ExactlyFlat(BlockCurve const& piece, double toleranc
 /// The levels that DivideInBlocks can go down.
 inline constexpr int kMostBlockLevels = 32;
 
-/// Stores the split points of a cubic's subdivision in `run` (a PointRun), in order, and returns
+/// Stores the split points of a cubic's subdivision in `run` (a PointBuffer), in order, and returns
 /// their number: what WalkSubdivision with these flatness rules delivers, made in blocks. `curve`
 /// is divided in any case; `levels`, 1 to kMostBlockLevels, is the number of levels that may
 /// divide, its own included. The filter has to judge (Judges()).

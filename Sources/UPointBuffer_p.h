@@ -3,8 +3,8 @@
 // Points on their way from where they are made to where they are used, many at a time. Not
 // installed.
 
-#ifndef TRAMMEL_UPOINTRUN_P_H
-#define TRAMMEL_UPOINTRUN_P_H
+#ifndef TRAMMEL_UPOINTBUFFER_P_H
+#define TRAMMEL_UPOINTBUFFER_P_H
 
 #include "TPoint.h"
 #include "UCurveKernels_p.h"
@@ -20,13 +20,13 @@ static_assert(sizeof(TPoint<double>) == 2 * sizeof(double) && offsetof(TPoint<do
 
 /// Collects points in a buffer of its own and passes them on, in order, whenever it is full: as
 /// use(points, count), at least one point at a time. Pass() passes on what is left.
-template <int kRoom, class Use> class PointRun {
+template <int kRoom, class Use> class PointBuffer {
     static_assert(kRoom > kBlockPoints, "a block has to fit");
 
 public:
-    explicit PointRun(Use& use) : mUse(use) {}
-    PointRun(PointRun const&) = delete;
-    PointRun& operator=(PointRun const&) = delete;
+    explicit PointBuffer(Use& use) : mUse(use) {}
+    PointBuffer(PointBuffer const&) = delete;
+    PointBuffer& operator=(PointBuffer const&) = delete;
 
     void Add(TPoint<double> const& p) {
         if (mCount == kRoom) {
