@@ -2,6 +2,8 @@
 
 #include "Inputs.h"
 
+#include "Operands.h"
+
 #include <trammel/CPathActions.h>
 #include <trammel/UTrigonometry.h>
 
@@ -50,17 +52,34 @@ std::vector<CPath> RandomOutlines() {
     return outlines;
 }
 
+std::vector<CPath> DrawingOutlines() {
+    Random random(5);
+    double const side = Side(Set::kDrawing);
+    std::vector<CPath> outlines(200);
+    for (CPath& outline : outlines) {
+        outline.MoveTo(random.Pt(0.0, side));
+        for (int i = 0; i < 10; ++i) {
+            TPoint<double> const c1 = random.Pt(0.0, side);
+            TPoint<double> const c2 = random.Pt(0.0, side);
+            outline.CurveTo(c1, c2, random.Pt(0.0, side));
+        }
+        outline.ClosePath();
+    }
+    return outlines;
+}
+
 #ifdef TRAMMEL_BENCH_FREETYPE
 
 /// A glyph's outline on its way into a path.
 struct Sink {
     CPath path;
+    double em;
     double scale;
     TPoint<double> current;
 
     TPoint<double> Pt(FT_Vector const* p) const {
         return TPoint<double>(static_cast<double>(p->x) * scale,
-                              100.0 - static_cast<double>(p->y) * scale);
+                              em - static_cast<double>(p->y) * scale);
     }
 };
 
@@ -92,7 +111,7 @@ int Cubic(FT_Vector const* c1, FT_Vector const* c2, FT_Vector const* to, void* u
     return 0;
 }
 
-std::vector<CPath> GlyphOutlines(char const* font) {
+std::vector<CPath> GlyphOutlines(char const* font, double em) {
     std::vector<CPath> outlines;
     FT_Library library = nullptr;
     FT_Face face = nullptr;
@@ -108,7 +127,8 @@ std::vector<CPath> GlyphOutlines(char const* font) {
                 continue;
             }
             Sink sink;
-            sink.scale = 100.0 / face->units_per_EM;
+            sink.em = em;
+            sink.scale = em / face->units_per_EM;
             if (FT_Outline_Decompose(&face->glyph->outline, &functions, &sink) == 0 &&
                 !sink.path.mCtls.empty()) {
                 sink.path.ClosePath();
@@ -123,16 +143,16 @@ std::vector<CPath> GlyphOutlines(char const* font) {
 
 #else
 
-std::vector<CPath> GlyphOutlines(char const*) { return {}; }
+std::vector<CPath> GlyphOutlines(char const*, double) { return {}; }
 
 #endif
 
-std::vector<CBezier> RandomCurves() {
-    Random random(2);
-    std::vector<CBezier> curves(1000);
+std::vector<CBezier> RandomCurves(unsigned seed, std::size_t count, double side) {
+    Random random(seed);
+    std::vector<CBezier> curves(count);
     for (CBezier& curve : curves) {
         for (TPoint<double>* p : {&curve.P0, &curve.P1, &curve.P2, &curve.P3}) {
-            *p = random.Pt(0.0, 1000.0);
+            *p = random.Pt(0.0, side);
         }
     }
     return curves;
@@ -159,19 +179,48 @@ std::vector<CBezier> CurvesOf(std::vector<CPath> const& outlines) {
 } // namespace
 
 std::vector<CPath> const& Outlines(Set set) {
+    static char const* const dejavu = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+    static char const* const garamond =
+        "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
     static std::vector<CPath> const random = RandomOutlines();
-    static std::vector<CPath> const trueType =
-        GlyphOutlines("/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf");
-    static std::vector<CPath> const cff =
-        GlyphOutlines("/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf");
-    return set == Set::kRandom ? random : set == Set::kTrueType ? trueType : cff;
+    static std::vector<CPath> const trueType = GlyphOutlines(dejavu, 100.0);
+    static std::vector<CPath> const cff = GlyphOutlines(garamond, 100.0);
+    static std::vector<CPath> const drawing = DrawingOutlines();
+    static std::vector<CPath> const poster = GlyphOutlines(garamond, 1000.0);
+    switch (set) {
+    case Set::kRandom:
+        return random;
+    case Set::kTrueType:
+        return trueType;
+    case Set::kCff:
+        return cff;
+    case Set::kDrawing:
+        return drawing;
+    case Set::kPoster:
+        break;
+    }
+    return poster;
 }
 
 std::vector<CBezier> const& Curves(Set set) {
-    static std::vector<CBezier> const random = RandomCurves();
+    static std::vector<CBezier> const random = RandomCurves(2, 1000, Side(Set::kRandom));
     static std::vector<CBezier> const trueType = CurvesOf(Outlines(Set::kTrueType));
     static std::vector<CBezier> const cff = CurvesOf(Outlines(Set::kCff));
-    return set == Set::kRandom ? random : set == Set::kTrueType ? trueType : cff;
+    static std::vector<CBezier> const drawing = RandomCurves(6, 10000, Side(Set::kDrawing));
+    static std::vector<CBezier> const poster = CurvesOf(Outlines(Set::kPoster));
+    switch (set) {
+    case Set::kRandom:
+        return random;
+    case Set::kTrueType:
+        return trueType;
+    case Set::kCff:
+        return cff;
+    case Set::kDrawing:
+        return drawing;
+    case Set::kPoster:
+        break;
+    }
+    return poster;
 }
 
 std::vector<TPoint<double>> Points(std::size_t count, double side) {
@@ -192,6 +241,43 @@ std::vector<TPoint<double>> Star(std::size_t count) {
         vertices[i].Set(500.0 + radius * std::cos(angle), 500.0 + radius * std::sin(angle));
     }
     return vertices;
+}
+
+std::vector<TPoint<double>> PointsInBoxes(std::vector<CBezier> const& curves) {
+    Random random(7);
+    std::vector<TPoint<double>> points;
+    points.reserve(curves.size());
+    for (CBezier const& curve : curves) {
+        TRect<double> const box = curve.Extents();
+        double const h = random(box.left, box.right);
+        points.emplace_back(h, random(box.top, box.bottom));
+    }
+    return points;
+}
+
+std::vector<TPoint<double>> Country(std::size_t count) {
+    operands::Pair const& pair = operands::Get(operands::Kind::kMap, count);
+    std::vector<TPoint<double>> longest;
+    for (operands::Ring const& ring : pair.first.rings) {
+        if (ring.size() > longest.size()) {
+            longest = ring;
+        }
+    }
+    return longest;
+}
+
+double Side(Set set) {
+    switch (set) {
+    case Set::kRandom:
+    case Set::kPoster:
+        return 1000.0;
+    case Set::kDrawing:
+        return 110.0;
+    case Set::kTrueType:
+    case Set::kCff:
+        break;
+    }
+    return 100.0;
 }
 
 } // namespace inputs

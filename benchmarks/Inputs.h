@@ -22,13 +22,17 @@ enum class Set {
     kRandom,   ///< seeded random numbers, coordinates from 0 to 1000
     kTrueType, ///< DejaVu Sans, whose quadratic curves are raised to cubic ones
     kCff,      ///< EB Garamond, cubic curves
+    kDrawing,  ///< as kRandom, coordinates from 0 to 110: the size of a drawing's curves
+    kPoster,   ///< the glyphs of kCff ten times as large
 };
 
-/// The outlines of a set: 200 random ones of 20 elements, or the glyphs of U+0021 to U+017F at 100
-/// units to the em, v downward. Empty when the font cannot be read.
+/// The outlines of a set: 200 random ones of 20 elements, 200 of 10 curves each for kDrawing, or
+/// the glyphs of U+0021 to U+017F at 100 units to the em, v downward. Empty when the font cannot be
+/// read.
 std::vector<CPath> const& Outlines(Set set);
 
-/// 1000 random curves, or all curves of the set's outlines.
+/// 1000 random curves, or all curves of the set's outlines. For kDrawing 10,000 random curves,
+/// which flatten to 201 points each at a tolerance of 0.001 and to 22 at 0.1, on average.
 std::vector<CBezier> const& Curves(Set set);
 
 /// `count` points spread evenly over the square from (0, 0) to (side, side).
@@ -38,8 +42,15 @@ std::vector<TPoint<double>> Points(std::size_t count, double side);
 /// distances that vary between 200 and 450.
 std::vector<TPoint<double>> Star(std::size_t count);
 
-/// The square in which the set's outlines lie, for Points.
-inline double Side(Set set) { return set == Set::kRandom ? 1000.0 : 100.0; }
+/// A point in the box of each curve's control points, one for each.
+std::vector<TPoint<double>> PointsInBoxes(std::vector<CBezier> const& curves);
+
+/// The longest outline among the country outlines of about `count` vertices; empty without map
+/// data.
+std::vector<TPoint<double>> Country(std::size_t count);
+
+/// The side of the square in which the set's outlines lie, for Points.
+double Side(Set set);
 
 } // namespace inputs
 

@@ -11,15 +11,17 @@
 #include "plain/PlainBezier.h"
 
 #include <cstdlib>
+#include <functional>
+#include <vector>
 
 namespace plain {
 
 struct Path {
     std::vector<char> codes;
-    Points pts;
+    std::vector<Pt> pts;
     Pt current;
     bool open = false;
-    TRect<double> bounds;
+    Rect bounds;
 
     // Building
 
