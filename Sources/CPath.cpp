@@ -4,132 +4,101 @@
 
 #include "CBezier.h"
 #include "CMatrix3x3.h"
+#include "CPathWalk_p.h"
 #include "Integers.h"
 #include "TLine.h"
+#include "UReach_p.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <limits>
 
 namespace {
 
-/// The step of the parameter to which the nearest point on a curve is searched.
-constexpr double kNearestTolerance = 0.001;
+using trammel_detail::ElementCursor;
+using trammel_detail::SegmentCursor;
 
-/// The number of points that an element takes; 0 for a close and for unknown codes.
-std::size_t PointCount(char code) {
-    switch (code) {
-    case kPathMove:
-    case kPathLine:
-        return 1;
-    case kPathCurve:
-        return 3;
-    default:
-        return 0;
-    }
-}
-
-/// Goes through a path's elements by index, so that a path whose codes ask for more points than it
-/// has, or that a visitor changes on the way, is never read beyond its end.
-class ElementCursor {
+/// Numbers in order, the first ones without a heap block: most outlines have no more segments.
+class Lengths {
 public:
-    explicit ElementCursor(CPath const& path) : mPath(path) {}
-
-    /// Steps to the next element; false at the end, or where the points do not suffice.
-    bool Next() {
-        mPoint += mTaken;
-        if (mElement >= mPath.mCtls.size()) {
-            return false;
+    void Append(double length) {
+        if (mCount < mFirst.size()) {
+            mFirst[mCount] = length;
+        } else {
+            mRest.push_back(length);
         }
-        mCode = mPath.mCtls[mElement++];
-        mTaken = PointCount(mCode);
-        return mPoint <= mPath.mPts.size() && mTaken <= mPath.mPts.size() - mPoint;
+        ++mCount;
     }
-    char Code() const { return mCode; }
-    /// Point `i` of the element, by value: it outlives a change of the path.
-    TPoint<double> Pt(std::size_t i) const { return mPath.mPts[mPoint + i]; }
+    double operator[](std::size_t i) const {
+        return i < mFirst.size() ? mFirst[i] : mRest[i - mFirst.size()];
+    }
 
 private:
-    CPath const& mPath;
-    std::size_t mElement = 0;
-    std::size_t mPoint = 0;
-    std::size_t mTaken = 0;
-    char mCode = kPathClose;
+    std::size_t mCount = 0;
+    std::array<double, 128> mFirst; // the first mCount are set
+    std::vector<double> mRest;
 };
 
-/// Goes through a path's segments: lines, closing lines and curves, with the moves between them.
-class SegmentCursor {
-public:
-    explicit SegmentCursor(CPath const& path) : mElements(path) {}
-
-    /// Steps to the next segment; false at the end. Moves are passed, and Start() tells of them.
-    bool Next() {
-        while (mElements.Next()) {
-            TPoint<double> const from = mCurrent;
-            switch (mElements.Code()) {
-            case kPathMove:
-                mStart = mCurrent = mElements.Pt(0);
-                break;
-            case kPathLine:
-                mCurrent = mElements.Pt(0);
-                mIsCurve = false;
-                mLine.Set(from, mCurrent);
-                return true;
-            case kPathCurve:
-                mCurrent = mElements.Pt(2);
-                mIsCurve = true;
-                mCurve.Set(from, mElements.Pt(0), mElements.Pt(1), mCurrent);
-                return true;
-            case kPathClose:
-                mIsCurve = false;
-                mLine.Set(from, mStart); // the current point stays where it was
-                return true;
-            default:
-                break;
-            }
-        }
-        return false;
-    }
-    bool IsCurve() const { return mIsCurve; }
-    TLine<double> const& Line() const { return mLine; }
-    CBezier const& Curve() const { return mCurve; }
-    double Length() const { return mIsCurve ? mCurve.Length() : mLine.Length(); }
-    /// The point of the last move passed, (0, 0) before the first.
-    TPoint<double> Start() const { return mStart; }
-
-private:
-    ElementCursor mElements;
-    TPoint<double> mStart;
-    TPoint<double> mCurrent;
-    bool mIsCurve = false;
-    TLine<double> mLine;
-    CBezier mCurve;
-};
-
-/// A path with the lengths of its segments, so that one query measures each segment once.
+/// A path with the lengths of its segments, so that one query measures each segment once, and with
+/// the last places that it found on curves: cutting asks for the same ones again.
 class MeasuredPath {
 public:
     explicit MeasuredPath(CPath const& path) : mPath(path) {
         for (SegmentCursor segment(path); segment.Next();) {
-            mLengths.push_back(segment.Length());
-            mTotal += mLengths.back();
+            double const length = segment.Length();
+            mLengths.Append(length);
+            mTotal += length;
         }
     }
     double Total() const { return mTotal; }
-    double SegmentLength(std::size_t i) const { return mLengths[i]; }
 
-    TPoint<double> TPt(double t) const {
-        double const target = t * mTotal;
-        double running = 0.0;
-        SegmentCursor segment(mPath);
-        for (std::size_t i = 0; segment.Next(); ++i) {
-            double const before = running;
-            running += mLengths[i];
-            if (target <= running) {
-                double const fraction = (target - before) / mLengths[i];
-                return segment.IsCurve() ? segment.Curve().TPt(segment.Curve().PercentT(fraction))
+    /// A walk over all segments.
+    class Walk {
+    public:
+        explicit Walk(MeasuredPath const& measured)
+            : mMeasured(measured), mSegment(measured.mPath) {}
+
+        bool Next() {
+            if (!mSegment.Next()) {
+                return false;
+            }
+            mBefore = mBehind;
+            mLength = mMeasured.mLengths[mIndex++];
+            mBehind += mLength;
+            return true;
+        }
+        bool IsCurve() const { return mSegment.IsCurve(); }
+        TLine<double> const& Line() const { return mSegment.Line(); }
+        CBezier const& Curve() const { return mSegment.Curve(); }
+        double Before() const { return mBefore; }
+        double Behind() const { return mBehind; }
+        double Length() const { return mLength; }
+        double PercentT(double fraction) const {
+            return mMeasured.PercentT(mIndex, mSegment.Curve(), fraction);
+        }
+        TPoint<double> Start() const { return mSegment.Start(); }
+
+    private:
+        MeasuredPath const& mMeasured;
+        SegmentCursor mSegment;
+        std::size_t mIndex = 0;
+        double mBefore = 0.0;
+        double mBehind = 0.0;
+        double mLength = 0.0;
+    };
+
+    Walk WalkFrom(double /*length*/) const { return Walk(*this); }
+
+    TPoint<double> PtAtLength(double target) const {
+        Walk segment(*this);
+        while (segment.Next()) {
+            if (target <= segment.Behind()) {
+                double const fraction = (target - segment.Before()) / segment.Length();
+                return segment.IsCurve() ? segment.Curve().TPt(segment.PercentT(fraction))
                                          : segment.Line().TPt(fraction);
             }
         }
@@ -137,10 +106,51 @@ public:
     }
 
 private:
+    struct Place {
+        std::size_t segment = 0; ///< counted from 1; 0: none yet
+        double fraction = 0.0;
+        double parameter = 0.0;
+    };
+
+    double PercentT(std::size_t segment, CBezier const& curve, double fraction) const {
+        for (Place const& place : mPlaces) {
+            if (place.segment == segment && place.fraction == fraction) {
+                return place.parameter;
+            }
+        }
+        Place& place = mPlaces[mNextPlace];
+        mNextPlace = (mNextPlace + 1) % mPlaces.size();
+        place.segment = segment;
+        place.fraction = fraction;
+        place.parameter = curve.PercentT(fraction);
+        return place.parameter;
+    }
+
     CPath const& mPath;
-    std::vector<double> mLengths;
+    Lengths mLengths;
     double mTotal = 0.0;
+    mutable std::array<Place, 2> mPlaces; // a piece has two ends
+    mutable std::size_t mNextPlace = 0;
 };
+
+/// RemoveTRange, when neither output is the path that was measured.
+void Remove(MeasuredPath const& measured, double t0, double t1, bool closed, CPath& outA,
+            CPath& outB) {
+    auto const cut = [&measured](double from, double to, CPath& out) {
+        trammel_detail::CutRange(measured, from * measured.Total(), to * measured.Total(), out);
+    };
+    if (t1 < t0) {
+        cut(t1, t0, outA);
+    } else if (closed) {
+        cut(0.0, t0, outB);
+        cut(t1, 1.0, outA);
+        outA.Append(outB);
+        outB.clear();
+    } else {
+        cut(0.0, t0, outA);
+        cut(t1, 1.0, outB);
+    }
+}
 
 TPoint<double> UnitPoint(double angle) {
     TPoint<double> p;
@@ -148,12 +158,21 @@ TPoint<double> UnitPoint(double angle) {
     return p;
 }
 
+/// The least number of items that room is made for: small outlines take one block, not five.
+constexpr std::size_t kLeastRoom = 16;
+
 /// Makes room for `more` items without giving up geometric growth.
 template <class Item> void Reserve(std::vector<Item>& items, std::size_t more) {
     std::size_t const needed = items.size() + more;
     if (needed > items.capacity()) {
-        items.reserve(std::max(needed, 2 * items.capacity()));
+        items.reserve(std::max(needed, std::max(kLeastRoom, 2 * items.capacity())));
     }
+}
+
+/// True when an element with its points can be appended without allocating.
+bool HasRoom(CPath const& path, std::size_t points) {
+    return path.mCtls.size() < path.mCtls.capacity() &&
+           points <= path.mPts.capacity() - path.mPts.size();
 }
 
 } // namespace
@@ -190,7 +209,9 @@ CPath& CPath::AddPt(TPoint<double> const& p) {
 
 CPath& CPath::MoveTo(TPoint<double> const& p) {
     TPoint<double> const to = p;
-    MakeRoom(1, 1);
+    if (!HasRoom(*this, 1)) {
+        MakeRoom(1, 1);
+    }
     if (!mCtls.empty() && mCtls.back() == kPathMove && !mPts.empty()) {
         mCtls.pop_back();
         mPts.pop_back();
@@ -206,7 +227,9 @@ CPath& CPath::LineTo(TPoint<double> const& p) {
     if (!mOpen) {
         MoveTo(to);
     } else if (to != mCurrentPt) {
-        MakeRoom(1, 1);
+        if (!HasRoom(*this, 1)) {
+            MakeRoom(1, 1);
+        }
         AddCtl(kPathLine);
         AddPt(to);
     }
@@ -218,7 +241,9 @@ CPath& CPath::CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint
     if (mOpen && points[2] == mCurrentPt) {
         return *this;
     }
-    MakeRoom(1, 3);
+    if (!HasRoom(*this, 3)) {
+        MakeRoom(1, 3);
+    }
     AddCtl(kPathCurve);
     for (TPoint<double> const& p : points) {
         AddPt(p);
@@ -393,41 +418,68 @@ double CPath::Length() const {
     return length;
 }
 
-TPoint<double> CPath::TPt(double t) const { return MeasuredPath(*this).TPt(t); }
+TPoint<double> CPath::TPt(double t) const {
+    MeasuredPath const measured(*this);
+    return measured.PtAtLength(t * measured.Total());
+}
 
 double CPath::FindTValue(TPoint<double> const& p) const {
     TPoint<double> const pt = p;
-    MeasuredPath const measured(*this);
     double best = std::numeric_limits<double>::max();
-    double result = 0.0;
+    double limit = trammel_detail::NearestLimit(best);
     double running = 0.0;
-    SegmentCursor segment(*this);
-    for (std::size_t i = 0; segment.Next(); ++i) {
+    // The nearest segment so far: only the last one's part is measured.
+    bool found = false;
+    bool isCurve = false;
+    double before = 0.0;
+    double parameter = 0.0;
+    CBezier curve;
+    TLine<double> part;
+    for (SegmentCursor segment(*this); segment.Next(); running += segment.Length()) {
         if (segment.IsCurve()) {
-            CBezier const& curve = segment.Curve();
-            double const t = curve.FindTValue(pt, kNearestTolerance, 0.0, 1.0);
-            double const distance = TLine<double>(pt, curve.TPt(t)).Length();
-            // Not strict, unlike for lines: on a tie a later curve wins, a later line does not.
-            if (distance <= best) {
-                best = distance;
-                CBezier left;
-                CBezier right;
-                curve.Divide(left, right, t);
-                result = (running + left.Length()) / measured.Total();
+            CBezier const& c = segment.Curve();
+            TPoint<double> const points[] = {c.P0, c.P1, c.P2, c.P3};
+            if (trammel_detail::Reach(points, 4).SquaredDistance(pt) > limit) {
+                continue;
             }
+            double const t = c.FindTValue(pt, trammel_detail::kNearestTolerance, 0.0, 1.0);
+            double const distance = TLine<double>(pt, c.TPt(t)).Length();
+            // Not strict, unlike for lines: on a tie a later curve wins, a later line does not.
+            if (!(distance <= best)) {
+                continue;
+            }
+            best = distance;
+            curve = c;
+            parameter = t;
         } else {
             TLine<double> const& line = segment.Line();
+            TPoint<double> const points[] = {line.mStart, line.mEnd};
+            if (trammel_detail::Reach(points, 2).SquaredDistance(pt) > limit) {
+                continue;
+            }
             TPoint<double> const nearest = line.TPt(line.FindTValue(pt));
             double const distance = TLine<double>(pt, nearest).Length();
-            if (distance < best) {
-                best = distance;
-                result =
-                    (running + TLine<double>(line.mStart, nearest).Length()) / measured.Total();
+            if (!(distance < best)) {
+                continue;
             }
+            best = distance;
+            part.Set(line.mStart, nearest);
         }
-        running += measured.SegmentLength(i);
+        limit = trammel_detail::NearestLimit(best);
+        found = true;
+        isCurve = segment.IsCurve();
+        before = running;
     }
-    return result;
+    if (!found) {
+        return 0.0;
+    }
+    if (isCurve) {
+        CBezier left;
+        CBezier right;
+        curve.Divide(left, right, parameter);
+        return (before + left.Length()) / running;
+    }
+    return (before + part.Length()) / running;
 }
 
 void CPath::GetTRange(double t0, double t1, CPath& out) const {
@@ -437,54 +489,14 @@ void CPath::GetTRange(double t0, double t1, CPath& out) const {
         return;
     }
     MeasuredPath const measured(*this);
-    double const startLength = t0 * measured.Total();
-    double const endLength = t1 * measured.Total();
-    double running = 0.0;
-    bool done = false;
-    out.MoveTo(measured.TPt(t0));
-    SegmentCursor segment(*this);
-    for (std::size_t i = 0; !done && segment.Next(); ++i) {
-        double const before = running;
-        running += measured.SegmentLength(i);
-        if (!(startLength < running)) {
-            continue;
-        }
-        if (!segment.IsCurve()) {
-            done = endLength <= running;
-            out.LineTo(done ? measured.TPt(t1) : segment.Line().mEnd);
-        } else if (endLength < before) {
-            done = true;
-        } else {
-            // A curve that holds the range's end does not end the walk: a following line adds
-            // itself up to t1, where it has length; a following curve stops.
-            CBezier const& curve = segment.Curve();
-            double const length = measured.SegmentLength(i);
-            double const u0 =
-                before < startLength ? curve.PercentT((startLength - before) / length) : 0.0;
-            double const u1 =
-                endLength < running ? curve.PercentT((endLength - before) / length) : 1.0;
-            CBezier piece;
-            curve.GetTRange(u0, u1, piece);
-            out.CurveTo(piece.P1, piece.P2, piece.P3);
-        }
-    }
+    trammel_detail::CutRange(measured, t0 * measured.Total(), t1 * measured.Total(), out);
 }
 
 void CPath::RemoveTRange(double t0, double t1, CPath& outA, CPath& outB) const {
     if (&outA == this || &outB == this) {
         CPath const source(*this);
-        source.RemoveTRange(t0, t1, outA, outB);
-        return;
-    }
-    if (t1 < t0) {
-        GetTRange(t1, t0, outA);
-    } else if (Closed()) {
-        GetTRange(0.0, t0, outB);
-        GetTRange(t1, 1.0, outA);
-        outA.Append(outB);
-        outB.clear();
+        Remove(MeasuredPath(source), t0, t1, source.Closed(), outA, outB);
     } else {
-        GetTRange(0.0, t0, outA);
-        GetTRange(t1, 1.0, outB);
+        Remove(MeasuredPath(*this), t0, t1, Closed(), outA, outB);
     }
 }

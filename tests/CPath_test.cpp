@@ -1419,6 +1419,116 @@ TEST_F(Path, AgreesWithThePlainForm) {
     }
 }
 
+/// Appends a segment whose nearest point to `p` is about `distance` away, in one of the shapes for
+/// which its box is as near as that, or nearly so.
+void AddSegmentAtDistance(Random& random, Pt const& p, double distance, plain::Path& path) {
+    double const reach = distance * random.Uniform(0.0, 3.0);
+    double const side = random.OneIn(2) ? distance : -distance;
+    bool const upright = random.OneIn(2);
+    auto const at = [&](double along, double across) {
+        return upright ? Pt(p.h + across, p.v + along) : Pt(p.h + along, p.v + across);
+    };
+    path.MoveTo(at(-reach, side));
+    switch (random.Int(0, 3)) {
+    case 0: // passes p at the distance, along the box's edge
+        path.LineTo(at(random.Uniform(0.0, 1.0) * reach, side));
+        break;
+    case 1: // begins or ends there
+        path.LineTo(at(0.0, side));
+        path.LineTo(at(random.Uniform(-1.0, 1.0) * reach, 2.0 * side));
+        break;
+    case 2: // a straight curve along the box's edge
+        path.CurveTo(at(-reach / 3.0, side), at(reach / 3.0, side), at(reach, side));
+        break;
+    default: // ends there, coming from farther away
+        path.CurveTo(at(-reach, 2.0 * side), at(0.0, 2.0 * side), at(0.0, side));
+        break;
+    }
+    if (random.OneIn(4)) {
+        path.ClosePath();
+    }
+}
+
+TEST_F(Path, NearestOfSegmentsAtAlmostTheSameDistanceAgreesWithThePlainForm) {
+    // Segments whose boxes decide by the last bits: nothing may be left out that wins or ties.
+    CBezier::mRecursionLimit = plain::state.recursionLimit = 5;
+    Random random(25);
+    for (int i = 0; i < 6000; ++i) {
+        // The distance against the place: as large, or down to where only few of its bits count.
+        double const size = random.OneIn(8) ? random.Decade(-320, 307) : random.Decade(-3, 9);
+        Pt const p = random.Pt(-size, size);
+        double const distance = size * random.Decade(-14, 1);
+        plain::Path same;
+        for (int k = random.Int(2, 6); k > 0; --k) {
+            double const d = random.OneIn(2) ? distance : StepUlps(distance, random.Int(-6, 6));
+            AddSegmentAtDistance(random, p, d, same);
+        }
+        CPath const path = LibraryPath(same);
+        ASSERT_SAME(path.FindTValue(p), same.FindTValue(p)) << i << " " << State(same);
+        Pt const beside(StepUlps(p.h, random.Int(-3, 3)), StepUlps(p.v, random.Int(-3, 3)));
+        ASSERT_SAME(path.FindTValue(beside), same.FindTValue(beside)) << i << " " << State(same);
+    }
+}
+
+TEST_F(Path, NearestWithCoordinatesThatOverflowAgreesWithThePlainForm) {
+    CBezier::mRecursionLimit = plain::state.recursionLimit = 4;
+    Random random(26);
+    std::vector<double> const special = {0.0,    -0.0,  1.0,    -3.0,  5e-324, -1e-310,
+                                         1e-160, 1e154, -1e160, 1e300, kMax,   -kMax,
+                                         kInf,   -kInf, kNaN,   1e150};
+    auto const coordinate = [&] {
+        return random.OneIn(2) ? special[static_cast<std::size_t>(
+                                     random.Int(0, static_cast<int>(special.size()) - 1))]
+                               : random.Uniform(-2, 2);
+    };
+    auto const point = [&] {
+        double const h = coordinate();
+        return Pt(h, coordinate());
+    };
+    for (int i = 0; i < 20000; ++i) {
+        plain::Path same;
+        for (int k = random.Int(1, 5); k > 0; --k) {
+            Pt const a = point();
+            Pt const b = point();
+            if (random.OneIn(2)) {
+                same.LineTo(a);
+            } else {
+                same.CurveTo(a, b, point());
+            }
+        }
+        CPath const path = LibraryPath(same);
+        Pt const p = point();
+        ASSERT_SAME(path.FindTValue(p), same.FindTValue(p)) << i << " " << State(same) << Text(p);
+    }
+}
+
+TEST_F(Path, ManySegmentsAreMeasuredLikeFew) {
+    // Beyond the number whose lengths are kept without a block.
+    Random random(27);
+    plain::Path same;
+    for (int i = 0; i < 300; ++i) {
+        same.LineTo(random.Pt(0, 100));
+        if (random.OneIn(7)) {
+            Pt const a = random.Pt(0, 100);
+            Pt const b = random.Pt(0, 100);
+            same.CurveTo(a, b, random.Pt(0, 100));
+        }
+    }
+    CPath const path = LibraryPath(same);
+    for (double t : {0.0, 0.01, 0.3, 0.45, 0.7, 0.999, 1.0, 1.5}) {
+        EXPECT_SAME(path.TPt(t), same.TPt(t)) << t;
+        CPath out;
+        plain::Path plainOut;
+        path.GetTRange(0.8 * t, t, out);
+        same.GetTRange(0.8 * t, t, plainOut);
+        EXPECT_EQ(State(out), State(plainOut)) << t;
+    }
+    for (int i = 0; i < 20; ++i) {
+        Pt const p = random.Pt(-50, 150);
+        EXPECT_SAME(path.FindTValue(p), same.FindTValue(p)) << Text(p);
+    }
+}
+
 TEST_F(Path, CircularArcsAgreeWithThePlainForm) {
     Random random(22);
     for (int i = 0; i < 2000; ++i) {
