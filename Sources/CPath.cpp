@@ -435,7 +435,9 @@ double CPath::FindTValue(TPoint<double> const& p) const {
     double parameter = 0.0;
     CBezier curve;
     TLine<double> part;
-    for (SegmentCursor segment(*this); segment.Next(); running += segment.Length()) {
+    for (SegmentCursor segment(*this); segment.Next();) {
+        double const start = running;
+        running += segment.Length();
         if (segment.IsCurve()) {
             CBezier const& c = segment.Curve();
             TPoint<double> const points[] = {c.P0, c.P1, c.P2, c.P3};
@@ -468,7 +470,7 @@ double CPath::FindTValue(TPoint<double> const& p) const {
         limit = trammel_detail::NearestLimit(best);
         found = true;
         isCurve = segment.IsCurve();
-        before = running;
+        before = start;
     }
     if (!found) {
         return 0.0;
