@@ -19,6 +19,7 @@
 #include "FixedPoint.h"
 #include "Handles.h"
 #include "Log.h"
+#include "PathMeasure.h"
 #include "PathObject.h"
 #include "Records.h"
 #include "SvgPath.h"

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: MIT
+//
+// What does measuring an outline once bring? The questions of Path_bench.cpp put to a PathMeasure
+// (Measure...), and for comparison to the path itself (Path...), on outlines of 10 to 100,000
+// segments: lines, curves, or lines and curves in turn. One iteration is one question; making the
+// PathMeasure is measured apart (MeasureMake).
+//
+// Run by hand: trammel_bench --benchmark_filter='(Measure|Path).*/(lines|curves|mixed)'
+
+#include "Inputs.h"
+
+#include <trammel/PathMeasure.h>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using trammel::PathMeasure;
+
+typedef TPoint<double> Pt;
+
+enum class Kind { kLines, kCurves, kMixed };
+
+/// A ragged ring of `count` segments in the square from 0 to 1000; the segments grow shorter as
+/// they become more, down to about a hundredth of a unit, and their curves are mildly bent.
+CPath Ring(Kind kind, std::size_t count) {
+    std::mt19937_64 engine(7);
+    auto const unit = [&engine] { return static_cast<double>(engine() >> 11U) * 0x1p-53; };
+    auto const on = [&](double turn) {
+        double const angle = 6.283185307179586 * turn;
+        double const radius = 350.0 + 100.0 * std::sin(7.0 * angle);
+        return Pt(500.0 + radius * std::cos(angle), 500.0 + radius * std::sin(angle));
+    };
+    double const step = 1.0 / static_cast<double>(count);
+    double const stray = 400.0 * step;
+    CPath path;
+    path.MoveTo(on(0.0));
+    for (std::size_t i = 1; i <= count; ++i) {
+        double const turn = static_cast<double>(i) * step;
+        Pt const jitter(stray * unit(), stray * unit());
+        if (kind == Kind::kLines || (kind == Kind::kMixed && i % 2 == 0)) {
+            path.LineTo(on(turn) + jitter);
+        } else {
+            path.CurveTo(on(turn - 0.7 * step) + jitter, on(turn - 0.3 * step) - jitter,
+                         on(turn) + jitter);
+        }
+    }
+    return path;
+}
+
+/// Made once for all benchmarks of the same outline.
+struct Subject {
+    Subject(Kind kind, std::size_t count) : path(Ring(kind, count)), measure(path) {}
+
+    CPath path;
+    PathMeasure measure;
+};
+
+Subject const& SubjectOf(Kind kind, std::int64_t count) {
+    static std::map<std::pair<Kind, std::int64_t>, Subject> subjects;
+    auto const key = std::make_pair(kind, count);
+    auto found = subjects.find(key);
+    if (found == subjects.end()) {
+        found = subjects.try_emplace(key, kind, static_cast<std::size_t>(count)).first;
+    }
+    return found->second;
+}
+
+/// 997 fractions spread evenly, out of order.
+std::vector<double> Fractions() {
+    std::vector<double> fractions;
+    for (int i = 0; i < 997; ++i) {
+        fractions.push_back(std::fmod(i * 0.6180339887498949, 1.0));
+    }
+    return fractions;
+}
+
+template <class Items, class Work>
+void AskEach(benchmark::State& state, Items const& items, Work work) {
+    std::size_t next = 0;
+    for (auto _ : state) {
+        work(items[next]);
+        next = next + 1 < items.size() ? next + 1 : 0;
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void MeasureMake(benchmark::State& state, Kind kind) {
+    CPath const& path = SubjectOf(kind, state.range(0)).path;
+    for (auto _ : state) {
+        PathMeasure const measure(path);
+        benchmark::DoNotOptimize(measure.Length());
+    }
+}
+
+void MeasurePoint(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    AskEach(state, Fractions(), [&](double t) { benchmark::DoNotOptimize(measure.TPt(t)); });
+}
+
+void PathPoint(benchmark::State& state, Kind kind) {
+    CPath const& path = SubjectOf(kind, state.range(0)).path;
+    AskEach(state, Fractions(), [&](double t) { benchmark::DoNotOptimize(path.TPt(t)); });
+}
+
+void MeasurePlace(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    AskEach(state, Fractions(), [&](double t) { benchmark::DoNotOptimize(measure.At(t)); });
+}
+
+/// One iteration is one of 997 points found in one call, in order.
+void MeasurePointsInOrder(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    std::vector<double> fractions = Fractions();
+    std::sort(fractions.begin(), fractions.end());
+    std::vector<Pt> points(fractions.size());
+    while (state.KeepRunningBatch(static_cast<std::int64_t>(points.size()))) {
+        measure.TPts(fractions.data(), fractions.size(), points.data());
+        benchmark::DoNotOptimize(points.data());
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+
+void MeasureNearest(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(measure.FindTValue(p)); });
+}
+
+void PathNearestOf(benchmark::State& state, Kind kind) {
+    CPath const& path = SubjectOf(kind, state.range(0)).path;
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(path.FindTValue(p)); });
+}
+
+void MeasureDistance(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(measure.Distance(p)); });
+}
+
+/// A hundredth of the outline.
+void MeasureCut(benchmark::State& state, Kind kind) {
+    PathMeasure const& measure = SubjectOf(kind, state.range(0)).measure;
+    CPath piece;
+    AskEach(state, Fractions(), [&](double t) {
+        piece.clear();
+        measure.GetTRange(0.99 * t, 0.99 * t + 0.01, piece);
+        benchmark::DoNotOptimize(piece.mPts.data());
+    });
+}
+
+void PathCutOf(benchmark::State& state, Kind kind) {
+    CPath const& path = SubjectOf(kind, state.range(0)).path;
+    CPath piece;
+    AskEach(state, Fractions(), [&](double t) {
+        piece.clear();
+        path.GetTRange(0.99 * t, 0.99 * t + 0.01, piece);
+        benchmark::DoNotOptimize(piece.mPts.data());
+    });
+}
+
+#define TRAMMEL_BENCHMARK_KINDS(function, most)                                                    \
+    BENCHMARK_CAPTURE(function, lines, Kind::kLines)->RangeMultiplier(10)->Range(10, most);        \
+    BENCHMARK_CAPTURE(function, curves, Kind::kCurves)->RangeMultiplier(10)->Range(10, most);      \
+    BENCHMARK_CAPTURE(function, mixed, Kind::kMixed)->RangeMultiplier(10)->Range(10, most)
+
+TRAMMEL_BENCHMARK_KINDS(MeasureMake, 1000);
+TRAMMEL_BENCHMARK_KINDS(MeasurePoint, 100000);
+TRAMMEL_BENCHMARK_KINDS(PathPoint, 1000);
+TRAMMEL_BENCHMARK_KINDS(MeasurePlace, 1000);
+TRAMMEL_BENCHMARK_KINDS(MeasurePointsInOrder, 100000);
+TRAMMEL_BENCHMARK_KINDS(MeasureNearest, 100000);
+TRAMMEL_BENCHMARK_KINDS(PathNearestOf, 1000);
+TRAMMEL_BENCHMARK_KINDS(MeasureDistance, 1000);
+TRAMMEL_BENCHMARK_KINDS(MeasureCut, 1000);
+TRAMMEL_BENCHMARK_KINDS(PathCutOf, 1000);
+
+} // namespace
