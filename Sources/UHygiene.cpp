@@ -33,17 +33,17 @@ template <> struct Traits<double> {
 };
 
 /// Logs event number `count` of its kind, unless the kind has fallen silent. A counter that wrapped
-/// to negative values logs again.
-void LogEvent(std::int32_t count, char const* signature, char const* what, double value) {
+/// to negative values logs again. The caller has yet to zero the value, so nothing is thrown: when
+/// memory is short the line is dropped, as NSLog itself drops it.
+void LogEvent(std::int32_t count, char const* signature, char const* what, double value) noexcept {
     if (count > kLogCap) {
         return;
     }
-    std::string const body = std::string(what) + " encountered - zeroing.  value: " +
-                             trammel_detail::FormatFixed6(value);
-    if (count == kLogCap) {
-        NSLog("(%d) '%s'  Last emmision...%s", count, signature, body.c_str());
-    } else {
-        NSLog("(%d) '%s' %s", count, signature, body.c_str());
+    try {
+        std::string const number = trammel_detail::FormatFixed6(value);
+        NSLog("(%d) '%s' %s%s encountered - zeroing.  value: %s", count, signature,
+              count == kLogCap ? " Last emmision..." : "", what, number.c_str());
+    } catch (...) { // memory is short
     }
 }
 

@@ -8,6 +8,9 @@
 // the last, later ones are zeroed in silence. The counters live as long as the process, one set for
 // all its modules. They are not synchronised: use from one thread at a time (concurrent use can
 // lose counts, never coordinates).
+//
+// None of these functions throws: an event whose line finds no memory is zeroed and counted all the
+// same, its line is dropped.
 
 #ifndef TRAMMEL_UHYGIENE_H
 #define TRAMMEL_UHYGIENE_H

@@ -3,6 +3,8 @@
 #include "UHygiene.h"
 
 #include "Log.h"
+#include "ShortMemory.h"
+#include "TRect.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -354,6 +356,49 @@ TEST_F(UHygieneDeathTest, CountsNothingThatIsNotZeroed) {
         EXPECT_FALSE(ValidateFloat(x));
         ASSERT_EQ(gLines.size(), 1U);
         EXPECT_EQ(gLines[0].substr(0, 4), "(0) ");
+    });
+}
+
+TEST_F(UHygieneDeathTest, ZeroesAndCountsWhereMemoryIsTooShortForTheLine) {
+    EXPECT_SUCCESS_IN_A_FRESH_PROCESS([] {
+        int const events = 12; // more than there are allocations in a line
+        for (int allocations = 0; allocations < events; ++allocations) {
+            double x = kNaN;
+            double y = 1e300; // a number that takes an allocation of its own
+            double z = -kInf;
+            TRect<double> r(1e300, 2, 3, kNaN);
+            bool found[4] = {};
+            {
+                trammel_test::ShortMemory const memory(allocations);
+                found[0] = ZeroIfNaNOrInf(x);
+                found[1] = ZeroIfOutOfRange(y);
+                found[2] = ValidateFloat(z);
+                found[3] = ValidateRect(r);
+            }
+            EXPECT_TRUE(found[0]) << allocations;
+            EXPECT_FALSE(found[1]) << allocations;
+            EXPECT_TRUE(found[2]) << allocations;
+            EXPECT_TRUE(found[3]) << allocations;
+            EXPECT_TRUE(trammel_test::SameBits(x, 0.0)) << allocations;
+            EXPECT_TRUE(trammel_test::SameBits(y, 0.0)) << allocations;
+            EXPECT_TRUE(trammel_test::SameBits(z, 0.0)) << allocations;
+            EXPECT_EQ(r, TRect<double>(0, 2, 3, 0)) << allocations;
+        }
+        gLines.clear();
+        double x = kNaN;
+        ZeroIfNaNOrInf(x);
+        x = kInf;
+        ZeroIfNaNOrInf(x);
+        x = 2e11;
+        ZeroIfOutOfRange(x);
+        EXPECT_EQ(gLines, (std::vector<std::string>{
+                              Line(2 * events, "bool ZeroIfNaNOrInf(T &) [T = double]",
+                                   "NaN encountered - zeroing.  value: nan"),
+                              Line(events, "bool ZeroIfNaNOrInf(T &) [T = double]",
+                                   "Inf encountered - zeroing.  value: inf"),
+                              Line(2 * events, "bool ZeroIfOutOfRange(T &) [T = double]",
+                                   "RangeErr encountered - zeroing.  value: 200000000000.000000"),
+                          }));
     });
 }
 
