@@ -4,6 +4,7 @@
 
 #include "UFPoly.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
 #include <new>
@@ -74,7 +75,7 @@ Tgcp_contour::Tgcp_contour(TRect<double> const& r)
 
 Tgcp_contour::Tgcp_contour(CFPolygonRef poly) : mReserved(false), mHole(false) {
     long const last = LastFPolyIndex(poly);
-    mVertices.reserve(static_cast<std::size_t>(last + 1));
+    mVertices.reserve(static_cast<std::size_t>(std::max(last + 1, 0L))); // no header: below -1
     for (long i = last; i >= 0; --i) {
         mVertices.push_back(poly.PolyPoints(i));
     }
@@ -128,10 +129,11 @@ gpc_polygon Create_gpc(Tgpc_polygon const& p) {
 
 Tgpc_polygon Create_Tgpc(gpc_polygon* g) {
     Tgpc_polygon polygon;
-    for (int i = 0; g != nullptr && i < g->num_contours; ++i) {
+    int const count = g != nullptr && g->contour != nullptr ? g->num_contours : 0;
+    for (int i = 0; i < count; ++i) {
         gpc_vertex_list const& list = g->contour[i];
         Tgcp_contour contour;
-        for (int k = 0; k < list.num_vertices; ++k) {
+        for (int k = 0; list.vertex != nullptr && k < list.num_vertices; ++k) {
             contour.mVertices.emplace_back(list.vertex[k].x, list.vertex[k].y);
         }
         contour.mHole = g->hole != nullptr && g->hole[i] != 0;

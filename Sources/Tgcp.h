@@ -85,7 +85,8 @@ public:
 /// A clipper record of `p`, its arrays allocated with malloc; free it with gpc_free_polygon. Throws
 /// std::bad_alloc when memory is short or a count does not fit an int, leaving nothing allocated.
 TRAMMEL_API gpc_polygon Create_gpc(Tgpc_polygon const& p);
-/// The contours of a clipper record, which is not freed; none for null. Throws std::bad_alloc.
+/// The contours of a clipper record, which is not freed. Null pointers and negative counts stand
+/// for nothing: no contours, a contour without vertices, no holes. Throws std::bad_alloc.
 TRAMMEL_API Tgpc_polygon Create_Tgpc(gpc_polygon* g);
 /// Makes `result` the polygon `a` `op` `b`; `result` may be `a` or `b`. An operation outside the
 /// four gives no contours. Time and memory are the clipper's, near linear for ordinary outlines.

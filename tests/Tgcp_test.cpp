@@ -2,6 +2,7 @@
 
 #include "Tgcp.h"
 
+#include "Handles.h"
 #include "TestSupport.h"
 #include "UFPoly.h"
 
@@ -125,6 +126,16 @@ TEST_F(Tgcp, NullAndEmptyHandlePolygonsGiveAContourWithoutVertices) {
     KillFPoly(empty);
 }
 
+TEST_F(Tgcp, BlocksWithoutAWholeHeaderGiveAContourWithoutVertices) {
+    for (Size const size : {0, 4, 11, 12, 27, 28, 43, 44}) {
+        Handle const block = NewHandle(size);
+        CFPolygonRef const foreign(reinterpret_cast<FPolygon**>(block), false);
+        EXPECT_EQ(Tgcp_contour(foreign).size(), 0u) << size;
+        EXPECT_EQ(Tgpc_polygon(foreign).NumContours(), 1) << size;
+        DisposeHandle(block);
+    }
+}
+
 TEST_F(Tgcp, ConvertingWhatIsNotThereGivesAnEmptyPolygon) {
     Tgpc_polygon polygon(Box(0, 0, 1, 1));
     polygon.AddContour(Tgcp_contour());
@@ -197,7 +208,26 @@ TEST_F(Tgcp, RecordsCarryCoordinatesAndHoleFlagsBothWays) {
     EXPECT_TRUE(back.mContours[1].mHole);
     EXPECT_EQ(record.num_contours, 3) << "the record is not freed";
     gpc_free_polygon(&record);
+}
+
+TEST_F(Tgcp, RecordsWithNullPointersHaveNothingThere) {
     EXPECT_EQ(Create_Tgpc(nullptr).NumContours(), 0);
+    gpc_polygon record = {};
+    record.num_contours = 2;
+    EXPECT_EQ(Create_Tgpc(&record).NumContours(), 0) << "no contours behind the count";
+    gpc_vertex vertex = {3, 4};
+    gpc_vertex_list lists[2] = {{5, nullptr}, {1, &vertex}};
+    record.contour = lists;
+    Tgpc_polygon const polygon = Create_Tgpc(&record);
+    ASSERT_EQ(polygon.NumContours(), 2);
+    EXPECT_EQ(polygon.mContours[0].size(), 0u);
+    EXPECT_EQ(polygon.mContours[1].mVertices, (Points{{3, 4}}));
+    EXPECT_FALSE(polygon.mContours[0].mHole || polygon.mContours[1].mHole) << "no hole flags";
+    record.num_contours = -1;
+    EXPECT_EQ(Create_Tgpc(&record).NumContours(), 0);
+    record.num_contours = 2;
+    lists[1].num_vertices = -1;
+    EXPECT_EQ(Create_Tgpc(&record).mContours[1].size(), 0u);
 }
 
 TEST_F(Tgcp, OperationCodesAreTheClippers) {
