@@ -10,6 +10,9 @@
 
 namespace {
 
+// The header's inline function is in the library, too, for callers that find it by name.
+[[gnu::used]] CMatrix3x3 (*const kInLibrary)(CMatrix3x3 const&, CMatrix3x3 const&) = Concat;
+
 /// Thrown by every inversion of a singular matrix; callers compare the text, spelling included.
 constexpr char const* kSingular = "marix_singularity";
 

@@ -191,7 +191,7 @@ public:
 };
 
 /// The product that applies `m1` first and then `m2`; kind 0.
-inline CMatrix3x3 Concat(CMatrix3x3 const& m1, CMatrix3x3 const& m2) {
+TRAMMEL_API inline CMatrix3x3 Concat(CMatrix3x3 const& m1, CMatrix3x3 const& m2) {
     return CMatrix3x3(m1.a * m2.a + m1.b * m2.c, m1.a * m2.b + m1.b * m2.d,
                       m1.c * m2.a + m1.d * m2.c, m1.c * m2.b + m1.d * m2.d,
                       m1.tx * m2.a + m1.ty * m2.c + m2.tx, m1.tx * m2.b + m1.ty * m2.d + m2.ty, 0);

@@ -4,6 +4,10 @@
 
 namespace {
 
+// The header's inline function is in the library, too, for callers that find it by name.
+[[gnu::used]] bool (*const kInLibrary)(TPoint<double>, TPoint<double>, TPoint<double>,
+                                       double) = HitTest;
+
 void SetCircle(TRect<double>& out, TPoint<double> centre, double radius) {
     out.Set(centre, centre);
     out.Outset(radius, radius);

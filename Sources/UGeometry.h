@@ -30,7 +30,8 @@ TRAMMEL_API void Pt3Circle(TPoint<double> const& a, TPoint<double> const& b,
                            TPoint<double> const& c, TRect<double>& out);
 
 /// True when `p` is about within `tolerance` of the segment from `a` to `b`: TLine::HitTest.
-inline bool HitTest(TPoint<double> a, TPoint<double> b, TPoint<double> p, double tolerance) {
+TRAMMEL_API inline bool HitTest(TPoint<double> a, TPoint<double> b, TPoint<double> p,
+                                double tolerance) {
     return TLine<double>(a, b).HitTest(p, tolerance);
 }
 

@@ -2,6 +2,13 @@
 
 #include "UHandle.h"
 
+namespace {
+
+// The header's inline function is in the library, too, for callers that find it by name.
+[[gnu::used]] void (*const kInLibrary)(void const*, void*, long) = BlockMove;
+
+} // namespace
+
 void GrowHandle(char** h, long delta) {
     long size = 0;
     if (__builtin_add_overflow(GetHandleSize(h), delta, &size)) {

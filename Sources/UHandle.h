@@ -19,7 +19,7 @@
 TRAMMEL_API void GrowHandle(char** h, long delta);
 
 /// Copies `count` bytes from `src` to `dst`, which may overlap; nothing for a count of 0 or less.
-inline void BlockMove(void const* src, void* dst, long count) {
+TRAMMEL_API inline void BlockMove(void const* src, void* dst, long count) {
     if (count > 0) {
         std::memmove(dst, src, static_cast<std::size_t>(count));
     }

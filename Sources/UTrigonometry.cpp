@@ -2,6 +2,13 @@
 
 #include "UTrigonometry.h"
 
+namespace {
+
+// The header's inline functions are in the library, too, for callers that find them by name.
+[[gnu::used]] double (*const kInLibrary[])(double) = {DegToRad, RadToDeg};
+
+} // namespace
+
 void SinCos(double angle, double& sinOut, double& cosOut) {
     if (angle == 0.0) {
         sinOut = 0.0;

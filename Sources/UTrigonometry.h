@@ -26,10 +26,10 @@ TRAMMEL_API void SinCos(double angle, double& sinOut, double& cosOut);
 
 /// Returns `degrees` in radians: degrees · pi / 180, multiplied first. NaN gives NaN; magnitudes
 /// above about 5.7e307 overflow to infinity.
-inline double DegToRad(double degrees) { return degrees * pi / 180.0; }
+TRAMMEL_API inline double DegToRad(double degrees) { return degrees * pi / 180.0; }
 
 /// Returns `radians` in degrees: radians · 180 / pi, multiplied first. NaN gives NaN; magnitudes
 /// above about 1e306 overflow to infinity.
-inline double RadToDeg(double radians) { return radians * 180.0 / pi; }
+TRAMMEL_API inline double RadToDeg(double radians) { return radians * 180.0 / pi; }
 
 #endif
