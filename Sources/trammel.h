@@ -21,6 +21,7 @@
 #include "Log.h"
 #include "PathMeasure.h"
 #include "PathObject.h"
+#include "PreparedPolygon.h"
 #include "Records.h"
 #include "SvgPath.h"
 #include "TLine.h"

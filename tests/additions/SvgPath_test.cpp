@@ -3,11 +3,11 @@
 
 #include "../platform/LocaleForTests.h"
 #include "CMatrix3x3.h"
+#include "CountedMemory.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -24,28 +24,18 @@
 #include <string_view>
 #include <vector>
 
-// The address sanitizer has its own memory operators, and checks them.
-#if defined(__SANITIZE_ADDRESS__)
-#define TRAMMEL_TEST_COUNTS_MEMORY 0
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TRAMMEL_TEST_COUNTS_MEMORY 0
-#endif
-#endif
-#ifndef TRAMMEL_TEST_COUNTS_MEMORY
-#define TRAMMEL_TEST_COUNTS_MEMORY 1
-#endif
-
 #if TRAMMEL_TEST_COUNTS_MEMORY
 
-namespace {
-std::atomic<std::size_t> gAllocatedBytes{0}; // by everything in this program
-} // namespace
+using trammel_test::gAllocatedBytes;
 
-// Counts what is allocated, so that a cost can be tested without a clock. Not inline: the compiler
-// would see blocks of `new` being freed, and warn.
+// Not inline: the compiler would see blocks of `new` being freed, and warn.
 [[gnu::noinline]] void* operator new(std::size_t size) {
     gAllocatedBytes += size;
+    ++trammel_test::gAllocations;
+    if (trammel_test::gAllocationsLeft >= 0 && trammel_test::gAllocationsLeft-- == 0) {
+        trammel_test::gAllocationsLeft = 0; // stays short until the test says otherwise
+        throw std::bad_alloc();
+    }
     if (void* const block = std::malloc(size > 0 ? size : 1)) {
         return block;
     }
