@@ -6,6 +6,7 @@
 #ifndef TRAMMEL_TRAMMEL_H
 #define TRAMMEL_TRAMMEL_H
 
+#include "AccurateCurve.h"
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CFPoint.h"

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+//
+// Bounds from the zeros of the derivative in each coordinate.
+
+#include "AccurateCurve.h"
+#include "AccurateCurve_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::Pt;
+using trammel_detail::ScaledPoints;
+
+/// How far a computed extremum may be inside the true one, as a part of the control points' extent.
+/// With the extent e and u = 2^-53, relative to P0: the derivative's coefficients are at most 6e
+/// and its zeros leave a residue below 32·u·e, over a parameter range of at most 1; evaluation adds
+/// less than 16·u·e.
+constexpr double kMargin = 0x1p-46;
+
+/// The range of one coordinate of a curve.
+struct Range {
+    double lo;
+    double hi;
+};
+
+/// The range of the cubic with coefficients p0 to p3.
+Range CubicRange(double p0, double p1, double p2, double p3) {
+    Range const ends = {std::min(p0, p3), std::max(p0, p3)};
+    Range const hull = {std::min(ends.lo, std::min(p1, p2)), std::max(ends.hi, std::max(p1, p2))};
+    if (hull.lo == ends.lo && hull.hi == ends.hi) {
+        return ends;
+    }
+    // The derivative's coefficients are d0, d1, d2; as a polynomial, a + 2bt + ct².
+    double const d0 = p1 - p0;
+    double const d1 = p2 - p1;
+    double const d2 = p3 - p2;
+    double const b = d1 - d0;
+    double const c = (d0 - d1) + (d2 - d1);
+    double const root =
+        std::sqrt(std::max(b * b - d0 * c, 0.0)); // where it only touches zero: none
+    double const s = b >= 0.0 ? -(b + root) : root - b;
+    double lo = ends.lo;
+    double hi = ends.hi;
+    double const margin = kMargin * (hull.hi - hull.lo);
+    for (double const zero : {s / c, d0 / s}) {
+        if (!(zero > 0.0 && zero < 1.0)) {
+            continue;
+        }
+        // Relative to the nearer end, by Horner's rule.
+        double const x =
+            zero < 0.5 ? p0 + (3.0 * d0 + (3.0 * b + c * zero) * zero) * zero
+                       : p3 - (3.0 * d2 - (3.0 * (d2 - d1) - c * (1.0 - zero)) * (1.0 - zero)) *
+                                  (1.0 - zero);
+        // The last addition is rounded to a unit of the coordinate itself.
+        double const infinity = std::numeric_limits<double>::infinity();
+        lo = std::min(lo, std::nextafter(x - margin, -infinity));
+        hi = std::max(hi, std::nextafter(x + margin, infinity));
+    }
+    return {std::max(lo, hull.lo), std::min(hi, hull.hi)};
+}
+
+/// The range of the quadratic with coefficients p0 to p2.
+Range QuadraticRange(double p0, double p1, double p2) {
+    Range const ends = {std::min(p0, p2), std::max(p0, p2)};
+    if (p1 >= ends.lo && p1 <= ends.hi) {
+        return ends;
+    }
+    // The derivative vanishes at d0/(d0 - d1); both differences have opposite signs or one is 0.
+    double const d0 = p1 - p0;
+    double const d1 = p2 - p1;
+    double const x = p0 + d0 * (d0 / (d0 - d1));
+    double const margin = kMargin * (std::abs(d0) + std::abs(d1));
+    double const infinity = std::numeric_limits<double>::infinity();
+    double const lo = std::min(ends.lo, std::nextafter(x - margin, -infinity));
+    double const hi = std::max(ends.hi, std::nextafter(x + margin, infinity));
+    return {std::max(lo, std::min(ends.lo, p1)), std::min(hi, std::max(ends.hi, p1))};
+}
+
+/// The ranges as a rectangle in the input's unit. Where points were scaled, the smallest of them
+/// may have been rounded, and sides near zero are rounded once more: they grow by a unit, and are
+/// then brought between the control points (outside) and the ends (inside), which are known
+/// exactly.
+template <std::size_t N>
+TRect<double> InputUnit(std::array<Pt, N> const& points, ScaledPoints<N> const& p, Range const& h,
+                        Range const& v) {
+    if (!p.Scaled()) {
+        return TRect<double>(h.lo, v.lo, h.hi, v.hi);
+    }
+    auto const bring = [&](Range const& range, double Pt::*coordinate) {
+        double const first = points.front().*coordinate;
+        double const last = points.back().*coordinate;
+        Range const ends = {std::min(first, last), std::max(first, last)};
+        Range hull = ends;
+        for (Pt const& point : points) {
+            hull.lo = std::min(hull.lo, point.*coordinate);
+            hull.hi = std::max(hull.hi, point.*coordinate);
+        }
+        double const infinity = std::numeric_limits<double>::infinity();
+        double const tiny = std::numeric_limits<double>::min();
+        double lo = p.Up(range.lo);
+        double hi = p.Up(range.hi);
+        lo = std::abs(lo) < tiny ? std::nextafter(lo, -infinity) : lo;
+        hi = std::abs(hi) < tiny ? std::nextafter(hi, infinity) : hi;
+        return Range{std::max(std::min(lo, ends.lo), hull.lo),
+                     std::min(std::max(hi, ends.hi), hull.hi)};
+    };
+    Range const rangeH = bring(h, &Pt::h);
+    Range const rangeV = bring(v, &Pt::v);
+    return TRect<double>(rangeH.lo, rangeV.lo, rangeH.hi, rangeV.hi);
+}
+
+/// Bounds that grow. Unlike TRect's union it does not take a point at the origin for nothing.
+struct Bounds {
+    bool any = false;
+    bool finite = true;
+    TRect<double> rect;
+
+    void Add(TRect<double> const& r) {
+        finite = finite && std::isfinite(r.left) && std::isfinite(r.top) &&
+                 std::isfinite(r.right) && std::isfinite(r.bottom);
+        rect = any ? TRect<double>(std::min(rect.left, r.left), std::min(rect.top, r.top),
+                                   std::max(rect.right, r.right), std::max(rect.bottom, r.bottom))
+                   : r;
+        any = true;
+    }
+
+    void Move(Pt const&) {}
+    void Line(Pt const& from, Pt const& to) { Add(TRect<double>(from, to)); }
+    void Close(Pt const& from, Pt const& start) { Line(from, start); }
+    void Curve(CBezier const& curve) { Add(TightBounds(curve)); }
+};
+
+TRect<double> NoBounds() {
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    return TRect<double>(nan, nan, nan, nan);
+}
+
+} // namespace
+
+TRect<double> TightBounds(CBezier const& curve) {
+    std::array<Pt, 4> const points = {curve.P0, curve.P1, curve.P2, curve.P3};
+    ScaledPoints<4> const p(points);
+    if (!p.Finite()) {
+        return NoBounds();
+    }
+    Range const h = CubicRange(p[0].h, p[1].h, p[2].h, p[3].h);
+    Range const v = CubicRange(p[0].v, p[1].v, p[2].v, p[3].v);
+    return InputUnit(points, p, h, v);
+}
+
+TRect<double> TightBounds(CBSpline const& curve) {
+    std::array<Pt, 3> const points = {curve.P0, curve.P1, curve.P2};
+    ScaledPoints<3> const p(points);
+    if (!p.Finite()) {
+        return NoBounds();
+    }
+    Range const h = QuadraticRange(p[0].h, p[1].h, p[2].h);
+    Range const v = QuadraticRange(p[0].v, p[1].v, p[2].v);
+    return InputUnit(points, p, h, v);
+}
+
+TRect<double> TightBounds(CPath const& path) {
+    Bounds bounds;
+    trammel_detail::ForEachSegment(path, bounds);
+    return bounds.finite ? bounds.rect : NoBounds();
+}
+
+} // namespace trammel

@@ -1,0 +1,144 @@
+// SPDX-License-Identifier: MIT
+//
+// AccurateCurve: length, nearest point, flattening and bounds of curves, each to an accuracy that
+// the caller names and that is kept.
+//
+// The curves' own functions of these purposes (CBezier::Length, FindTValue, Flatten, Extents) keep
+// their definitions by subdivision and control points. Choose these here where a result has to be
+// right within a known distance: they are by quadrature, by isolating roots, and by verified
+// chords. They look at no class-wide setting and write none.
+//
+// Accuracies are distances in coordinate units, and guarantees: the result is off by no more,
+// except for the rounding of doubles, which each function states. An accuracy finer than rounding
+// allows (0, negative, NaN) gives the finest that there is. Curves of any size are measured alike:
+// one scaled by a power of two has the same results scaled, bit for bit, with the accuracy scaled
+// along.
+//
+// A NaN or infinite coordinate gives NaN in all results; nothing is reported. Every call ends, and
+// none allocates, but for what the polygon or path that it fills takes. No shared state: all are
+// safe from any thread.
+
+#ifndef TRAMMEL_ACCURATECURVE_H
+#define TRAMMEL_ACCURATECURVE_H
+
+#include "CBSpline.h"
+#include "CBezier.h"
+#include "CPath.h"
+#include "TPoint.h"
+#include "TRect.h"
+#include "TrammelExport.h"
+
+namespace trammel {
+
+// Length
+
+/// The arc length, right within `accuracy` plus 2^-48 of the control polygon's length.
+///
+/// Cusps, loops and curves that double back are measured like any other. Infinite where it exceeds
+/// the range of double. Cost: one to a few dozen pieces of at most 32 square roots; the number of
+/// digits asked for matters little.
+/// Source: Gauss-Legendre quadrature; error by the ellipse of analyticity around each piece, known
+/// beforehand [Trefethen, Approximation Theory and Approximation Practice, theorem 19.3].
+TRAMMEL_API double ArcLength(CBezier const& curve, double accuracy);
+/// The arc length from parameter `t0` to `t1`, each limited to [0, 1]; negative when t1 < t0.
+TRAMMEL_API double ArcLength(CBezier const& curve, double t0, double t1, double accuracy);
+/// The same for a quadratic curve.
+TRAMMEL_API double ArcLength(CBSpline const& curve, double accuracy);
+/// The length of all segments, closing ones included, and of the same segments as CPath::Length.
+/// Each of n curves gets the n-th part of `accuracy`; lines are right to rounding. O(n).
+TRAMMEL_API double ArcLength(CPath const& path, double accuracy);
+
+/// The parameter at which the arc length from the start reaches `length`: the length up to it is
+/// `length` within `accuracy` plus 2^-47 of the control polygon's length.
+///
+/// 0 for lengths of 0 and less, 1 for those of the whole curve and more; a NaN gives NaN. Where the
+/// curve (nearly) stands still, many parameters have (nearly) the same length, and it is one of
+/// them.
+/// Source: Newton's method on ArcLength, in a bracket that is halved where it does not shrink.
+TRAMMEL_API double ParameterAtLength(CBezier const& curve, double length, double accuracy);
+/// The parameter at which `fraction` of the arc length is reached, to the accuracy of
+/// ParameterAtLength. 0 for fractions of 0 and less and for a curve without length, 1 for 1 and
+/// more.
+TRAMMEL_API double ParameterAtFraction(CBezier const& curve, double fraction, double accuracy);
+
+// Nearest point
+
+/// A place on a curve, and how far from the point asked about it is.
+struct TRAMMEL_API CurvePoint {
+    double t;             ///< the parameter, from 0 to 1
+    TPoint<double> point; ///< the curve's TPt(t)
+    double distance;      ///< coordinate units
+};
+
+/// The point of the curve nearest to `pt`, the whole curve searched and its ends included.
+///
+/// `distance` exceeds the least distance by at most `accuracy` plus 2^-44 of the greatest distance
+/// of a control point from `pt`. Of several points as near as that it is one of them. `t` is as
+/// sharp as the distance makes it: a distance of 0 within a gives a point within a; but around the
+/// centre of an arc all points are equally near.
+///
+/// Cost: mostly one to ten pieces and some steps of Newton's method; at most some hundreds, where
+/// the curve keeps nearly the same distance.
+/// Source: subdivision of the squared distance in Bernstein form: pieces whose least coefficient is
+/// not below the best distance are dropped, critical points are isolated by Descartes' rule [Farin;
+/// Lane and Riesenfeld, Bounds on a Polynomial, BIT 21, 1981].
+TRAMMEL_API CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt,
+                                    double accuracy);
+/// The same for a quadratic curve. `point` is off by rounding as that of a cubic is.
+TRAMMEL_API CurvePoint NearestPoint(CBSpline const& curve, TPoint<double> const& pt,
+                                    double accuracy);
+
+// Flatten
+
+/// The most points into which FlattenWithin makes one curve. Reached where the tolerance is some
+/// 2^-34 of the curve's size and less; one curve takes at most a megabyte.
+inline constexpr long kMostFlatPoints = 65536;
+
+/// Appends the curve to `poly`: P0, points of the curve in order of increasing parameter, P3,
+/// leaving out those equal to their predecessor. Returns the distance that is kept.
+///
+/// Every point of the curve is within that distance of the polyline, and every point of the
+/// polyline within that distance of the curve (the Hausdorff distance), besides the rounding of the
+/// points themselves, 2^-50 of the greatest coordinate. It is `tolerance`, or 2^-40 of the curve's
+/// size if that is more, or what kMostFlatPoints points could achieve. A curve that is straight
+/// gives its ends and, where it doubles back, the turning points.
+///
+/// Points lie as densely as the bend demands, within a few per cent of the fewest possible for
+/// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
+/// returned.
+/// Cost: two evaluations a point; each chord is verified.
+/// Source: equal steps of the integral of the square root of the bend [Levien, Flattening quadratic
+/// Béziers, 2019]; the distance of a cubic from its chord by its control points, by definition.
+TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly);
+/// The same for a quadratic curve.
+TRAMMEL_API double FlattenWithin(CBSpline const& curve, double tolerance, TPolygon<double>& poly);
+/// Delivers the points (P0 and P3 included, none left out) to `proc` with `data`. No allocation;
+/// what `proc` throws passes through.
+TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance,
+                                 CBezier::PointDataProc proc, void* data);
+/// Appends the path to `out` with its curves made lines, subpaths and closes as they are. Returns
+/// the greatest of the curves' distances, 0 without curves.
+///
+/// Curves keep `tolerance` each. An element without a move before it begins with one, at the point
+/// from which it is measured. `out` may be this path. O(n). Memory exhaustion is std::bad_alloc,
+/// and `out` is then as it was.
+TRAMMEL_API double FlattenWithin(CPath const& path, double tolerance, CPath& out);
+
+// Bounds
+
+/// The bounds of the curve itself, not of its control points.
+///
+/// Contains every point of the curve, and each side is beyond the curve by at most 2^-45 of the
+/// control points' extent in that direction plus two units in the last place; sides that an end or
+/// a control point determines are exact. Never outside Extents(). Source: by definition (the zeros
+/// of the derivative in each coordinate).
+TRAMMEL_API TRect<double> TightBounds(CBezier const& curve);
+/// The same for a quadratic curve.
+TRAMMEL_API TRect<double> TightBounds(CBSpline const& curve);
+/// The bounds of all segments as CPath::Length measures them, of each curve as above. A move after
+/// which nothing is drawn does not count. The null rectangle for a path without segments. O(n).
+TRAMMEL_API TRect<double> TightBounds(CPath const& path);
+
+} // namespace trammel
+
+#endif

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: MIT
+//
+// What the accurate queries on curves share: control points brought to an ordinary magnitude, and
+// the walk over a path's segments. Not installed.
+
+#ifndef TRAMMEL_ACCURATECURVE_P_H
+#define TRAMMEL_ACCURATECURVE_P_H
+
+#include "CBSpline.h"
+#include "CBezier.h"
+#include "CPath.h"
+#include "TPoint.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace trammel_detail {
+
+typedef TPoint<double> Pt;
+
+inline double Dot(Pt const& a, Pt const& b) { return a.h * b.h + a.v * b.v; }
+inline double Cross(Pt const& a, Pt const& b) { return a.h * b.v - a.v * b.h; }
+inline double Square(Pt const& a) { return a.h * a.h + a.v * a.v; }
+/// |h| + |v|: between the length of the vector and sqrt(2) times it.
+inline double Taxicab(Pt const& a) { return std::abs(a.h) + std::abs(a.v); }
+
+/// Points whose coordinates were multiplied by a power of two, if need be, so that products of four
+/// of them neither overflow nor underflow in a way that matters. The results then scale with the
+/// input exactly: a curve 2^k times as large has a result 2^k times as large, bit by bit.
+template <std::size_t N> class ScaledPoints {
+public:
+    explicit ScaledPoints(std::array<Pt, N> const& points) : mPts(points) {
+        double sum = 0.0;
+        for (Pt const& p : points) {
+            sum += Taxicab(p);
+        }
+        // Nearly all input. With a NaN the comparison fails.
+        if (!(sum >= kLeast && sum <= kGreatest)) {
+            Scale();
+        }
+    }
+    Pt const& operator[](std::size_t i) const { return mPts[i]; }
+    /// False when a coordinate is NaN or infinite.
+    bool Finite() const { return mFinite; }
+    bool Scaled() const { return mExponent != 0; }
+    /// From the input's unit to the one of the points, and back; infinite where it overflows.
+    double Down(double x) const { return Scaled() ? std::scalbn(x, -mExponent) : x; }
+    double Up(double x) const { return Scaled() ? std::scalbn(x, mExponent) : x; }
+    Pt Up(Pt const& p) const { return Pt(Up(p.h), Up(p.v)); }
+
+private:
+    static constexpr double kLeast = 0x1p-100;
+    static constexpr double kGreatest = 0x1p100;
+
+    void Scale() {
+        double greatest = 0.0;
+        for (Pt const& p : mPts) {
+            for (double const x : {p.h, p.v}) {
+                mFinite = mFinite && std::isfinite(x);
+                greatest = std::fmax(greatest, std::abs(x));
+            }
+        }
+        if (!mFinite || greatest == 0.0) {
+            return;
+        }
+        mExponent = std::ilogb(greatest);
+        for (Pt& p : mPts) {
+            p = Pt(std::scalbn(p.h, -mExponent), std::scalbn(p.v, -mExponent));
+        }
+    }
+
+    std::array<Pt, N> mPts;
+    int mExponent = 0;
+    bool mFinite = true;
+};
+
+/// The cubic through the same points as a quadratic: each control point rounded once or twice.
+inline CBezier Raised(CBSpline const& c) {
+    // In thirds, as the sum of three coordinates might overflow.
+    return CBezier(c.P0, c.P0 / 3.0 + c.P1 * (2.0 / 3.0), c.P2 / 3.0 + c.P1 * (2.0 / 3.0), c.P2);
+}
+
+/// Goes through the segments of a path as its own measuring does: an element before any move begins
+/// at (0, 0), one after a close at the last point drawn. Calls visitor.Move(point),
+/// Line(from, to), Curve(CBezier), Close(from, start). Ends early where the points do not suffice.
+template <class Visitor> void ForEachSegment(CPath const& path, Visitor& visitor) {
+    Pt start;
+    Pt current;
+    std::size_t next = 0;
+    for (char const code : path.mCtls) {
+        std::size_t const left = path.mPts.size() - next;
+        switch (code) {
+        case kPathMove:
+        case kPathLine: {
+            if (left < 1) {
+                return;
+            }
+            Pt const to = path.mPts[next++];
+            if (code == kPathLine) {
+                visitor.Line(current, to);
+            } else {
+                visitor.Move(to);
+                start = to;
+            }
+            current = to;
+            break;
+        }
+        case kPathCurve: {
+            if (left < 3) {
+                return;
+            }
+            CBezier const curve(current, path.mPts[next], path.mPts[next + 1], path.mPts[next + 2]);
+            next += 3;
+            visitor.Curve(curve);
+            current = curve.P3;
+            break;
+        }
+        case kPathClose:
+            visitor.Close(current, start);
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+} // namespace trammel_detail
+
+#endif

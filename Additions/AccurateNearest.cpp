@@ -1,0 +1,238 @@
+// SPDX-License-Identifier: MIT
+//
+// The nearest point by subdivision of the squared distance.
+//
+// Seen from the point asked about, a piece of the curve has four control vectors q, and its squared
+// distance D = |q(x)|² is a polynomial of degree 6 with Bernstein coefficients made of their
+// products. They tell everything:
+// - D is nowhere below the least coefficient: a piece where that is not below the best squared
+//   distance so far is dropped.
+// - The coefficients of D' are the differences of neighbours. Without a change of sign among them
+//   there is no extremum inside; with a single one from plus to minus it is a maximum: dropped, as
+//   the ends have been looked at. With a single one from minus to plus it is one minimum, which
+//   Newton's method finds in its bracket. Else the piece is halved.
+//
+// A difference within the rounding of its terms counts as either sign. Control vectors are halved,
+// not recomputed from the whole, so near the point asked about all errors are relative to the small
+// piece there; that is why a cusp or an end at that very point is found as sharply as any other.
+
+#include "AccurateCurve.h"
+#include "AccurateCurve_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::Dot;
+using trammel_detail::Pt;
+using trammel_detail::ScaledPoints;
+using trammel_detail::Square;
+using trammel_detail::Taxicab;
+
+/// The finest accuracy, as a part of the sum of the control vectors' magnitudes.
+constexpr double kRounding = 0x1p-47;
+/// Differences of coefficients below this part of the greatest squared control vector may have
+/// either sign: some ten roundings of 2^-53.
+constexpr double kUnclear = 0x1p-49;
+/// Halvings at most; a piece is a point then.
+constexpr std::size_t kMostPending = 60;
+/// Newton's steps and bisections at most: as many as halve the bracket to nothing.
+constexpr int kMostSteps = 64;
+
+/// A piece of the curve: control vectors, and the parameters of its ends.
+struct Piece {
+    std::array<Pt, 4> q;
+    double from;
+    double to;
+};
+
+/// The search for one point.
+class Search {
+public:
+    Search(ScaledPoints<5> const& p, double accuracy) {
+        mFirst.q = {p[0] - p[4], p[1] - p[4], p[2] - p[4], p[3] - p[4]};
+        mFirst.from = 0.0;
+        mFirst.to = 1.0;
+        double sum = 0.0;
+        for (Pt const& q : mFirst.q) {
+            sum += Taxicab(q);
+        }
+        double const least = kRounding * sum;
+        mAccuracy = accuracy > least ? accuracy : least;
+        Take(0.0, Square(mFirst.q[0]));
+        Take(1.0, Square(mFirst.q[3]));
+        Run();
+    }
+    double BestParameter() const { return mBest; }
+    double BestDistance() const { return mDistance; }
+
+private:
+    void Take(double t, double square) {
+        if (square < mSquare) {
+            mBest = t;
+            mSquare = square;
+            mDistance = std::sqrt(square);
+            double const better = std::max(mDistance - mAccuracy, 0.0);
+            mWorthwhile = better * better;
+        }
+    }
+    void Run();
+    void TakeMinimum(Piece const& piece, std::array<double, 7> const& d);
+
+    Piece mFirst;
+    double mAccuracy;
+    double mBest = 0.0;
+    double mSquare = std::numeric_limits<double>::infinity();
+    double mDistance = std::numeric_limits<double>::infinity();
+    double mWorthwhile = std::numeric_limits<double>::infinity(); ///< only less than this is better
+};
+
+/// The Bernstein coefficients of the squared distance.
+std::array<double, 7> SquaredDistance(std::array<Pt, 4> const& q) {
+    double const d11 = Square(q[1]);
+    double const d12 = Dot(q[1], q[2]);
+    double const d22 = Square(q[2]);
+    return {Square(q[0]),
+            Dot(q[0], q[1]),
+            0.4 * Dot(q[0], q[2]) + 0.6 * d11,
+            0.1 * Dot(q[0], q[3]) + 0.9 * d12,
+            0.4 * Dot(q[1], q[3]) + 0.6 * d22,
+            Dot(q[2], q[3]),
+            Square(q[3])};
+}
+
+enum class Extrema { kNone, kMinimum, kSeveral };
+
+/// What is certain about the minima inside a piece, by Descartes' rule of signs.
+Extrema Classify(std::array<double, 7> const& d, double unclear) {
+    unsigned falls = 0; // bit i: the i-th difference is negative, or may be
+    unsigned rises = 0;
+    for (unsigned i = 0; i < 6; ++i) {
+        double const difference = d[i + 1] - d[i];
+        falls |= static_cast<unsigned>(difference < unclear) << i;
+        rises |= static_cast<unsigned>(difference > -unclear) << i;
+    }
+    unsigned const firstFall = falls & (0U - falls);
+    unsigned const firstRise = rises & (0U - rises);
+    if (falls == 0 || rises < 2 * firstFall) {
+        return Extrema::kNone; // no rise after a fall
+    }
+    return falls < 2 * firstRise ? Extrema::kMinimum : Extrema::kSeveral; // no fall after a rise?
+}
+
+/// Takes the piece's only minimum.
+void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
+    auto const& q = piece.q;
+    Pt const c1 = (q[1] - q[0]) * 3.0;
+    Pt const c2 = ((q[0] - q[1]) + (q[2] - q[1])) * 3.0;
+    Pt const c3 = (q[3] - q[0]) - (q[2] - q[1]) * 3.0;
+
+    // First guess: where the control polygon of D' crosses zero.
+    double x = 0.5;
+    for (std::size_t i = 0; i < 5; ++i) {
+        double const g0 = d[i + 1] - d[i];
+        double const g1 = d[i + 2] - d[i + 1];
+        if (g0 < 0.0 && g1 >= 0.0) {
+            x = 0.2 * (static_cast<double>(i) + g0 / (g0 - g1));
+            break;
+        }
+    }
+    double const enough = 0.125 * mAccuracy;
+    double lo = 0.0;
+    double hi = 1.0;
+    for (int step = 0; step < kMostSteps; ++step) {
+        Pt const at = q[0] + (c1 + (c2 + c3 * x) * x) * x;
+        Pt const v = c1 + (c2 * 2.0 + c3 * (3.0 * x)) * x;
+        Pt const w = (c2 + c3 * (3.0 * x)) * 2.0;
+        double const g = Dot(at, v);
+        double const slope = Square(v) + Dot(at, w);
+        (g < 0.0 ? lo : hi) = x;
+        double next = x - g / slope;
+        bool const newton = slope > 0.0 && next > lo && next < hi && step % 8 != 7;
+        if (!newton) {
+            next = lo + 0.5 * (hi - lo);
+        }
+        double const moved = (next - x) * (next - x) * Square(v);
+        if (g == 0.0 || next == x || (newton && moved <= enough * enough)) {
+            Take(piece.from + (piece.to - piece.from) * x, Square(at));
+            x = g == 0.0 ? x : next;
+            break;
+        }
+        x = next;
+    }
+    // The distance is good enough where the loop ended; the last step makes the parameter sharper.
+    Pt const last = q[0] + (c1 + (c2 + c3 * x) * x) * x;
+    Take(piece.from + (piece.to - piece.from) * x, Square(last));
+}
+
+void Search::Run() {
+    std::array<Piece, kMostPending> pending;
+    std::size_t count = 0;
+    Piece piece = mFirst;
+    for (;;) {
+        std::array<double, 7> const d = SquaredDistance(piece.q);
+        double const least = std::min(std::min(std::min(d[0], d[1]), std::min(d[2], d[3])),
+                                      std::min(std::min(d[4], d[5]), d[6]));
+        bool divide = false;
+        if (least < mWorthwhile) {
+            double const greatest =
+                std::max(std::max(d[0], Square(piece.q[1])), std::max(Square(piece.q[2]), d[6]));
+            switch (Classify(d, kUnclear * greatest)) {
+            case Extrema::kNone:
+                break;
+            case Extrema::kMinimum:
+                TakeMinimum(piece, d);
+                break;
+            case Extrema::kSeveral:
+                divide = count < kMostPending;
+                break;
+            }
+        }
+        if (divide) {
+            auto const& q = piece.q;
+            Pt const a = (q[0] + q[1]) * 0.5;
+            Pt const b = (q[1] + q[2]) * 0.5;
+            Pt const c = (q[2] + q[3]) * 0.5;
+            Pt const e = (a + b) * 0.5;
+            Pt const f = (b + c) * 0.5;
+            Pt const middle = (e + f) * 0.5;
+            double const t = piece.from + 0.5 * (piece.to - piece.from);
+            Take(t, Square(middle));
+            Piece const left = {{q[0], a, e, middle}, piece.from, t};
+            Piece const right = {{middle, f, c, q[3]}, t, piece.to};
+            // The nearer half first: the other one may then be dropped.
+            bool const leftFirst = d[0] <= d[6];
+            pending[count++] = leftFirst ? right : left;
+            piece = leftFirst ? left : right;
+        } else if (count > 0) {
+            piece = pending[--count];
+        } else {
+            return;
+        }
+    }
+}
+
+} // namespace
+
+CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double accuracy) {
+    ScaledPoints<5> const p({curve.P0, curve.P1, curve.P2, curve.P3, pt});
+    if (!p.Finite()) {
+        double const nan = std::numeric_limits<double>::quiet_NaN();
+        return {nan, Pt(nan, nan), nan};
+    }
+    Search const search(p, p.Down(accuracy));
+    double const t = search.BestParameter();
+    return {t, curve.TPt(t), p.Up(search.BestDistance())};
+}
+
+CurvePoint NearestPoint(CBSpline const& curve, TPoint<double> const& pt, double accuracy) {
+    return NearestPoint(trammel_detail::Raised(curve), pt, accuracy);
+}
+
+} // namespace trammel
