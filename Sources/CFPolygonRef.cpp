@@ -4,8 +4,8 @@
 
 #include "CMatrix3x3.h"
 #include "Handles.h"
-#include "UCrossing_p.h"
 #include "UHandle.h"
+#include "UPointRun_p.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -55,13 +55,15 @@ void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
     }
 }
 
-/// Replaces every point by what `change` makes of it.
-template <class Change> void ForEachPoint(CFPolygonRef const& polygon, Change change) {
-    for (long i = polygon.LastIndex(); i >= 0; --i) {
-        TPoint<double> p = trammel_detail::ReadFPolygonPoint(Bytes(polygon.mRef), i);
-        change(p);
-        trammel_detail::WriteFPolygonPoint(Bytes(polygon.mRef), i, p);
-    }
+/// The points; good until the block is resized. None for a null handle.
+trammel_detail::PointRun Points(CFPolygonRef const& polygon) {
+    return {polygon.mRef != nullptr ? Bytes(polygon.mRef) + kHeaderSize : nullptr,
+            polygon.LastIndex() + 1};
+}
+
+/// Where the points begin, for loops that change them; null for a null handle.
+char* PointBytes(CFPolygonRef const& polygon) {
+    return polygon.mRef != nullptr ? Bytes(polygon.mRef) + kHeaderSize : nullptr;
 }
 
 } // namespace
@@ -171,17 +173,9 @@ long CFPolygonRef::GeometryEdgeCount() const {
 }
 
 bool CFPolygonRef::Contains(TPoint<double> const& p) const {
-    TPoint<double> const test = p;
-    long const edgeCount = EdgeCount();
-    long const lastEdge = GeometryEdgeCount();
-    bool odd = false;
-    for (long i = 0; i <= lastEdge; ++i) {
-        char const* const base = Bytes(mRef);
-        odd ^= trammel_detail::CrossesBefore(
-            trammel_detail::ReadFPolygonPoint(base, i),
-            trammel_detail::ReadFPolygonPoint(base, i <= edgeCount ? i + 1 : 0), test);
-    }
-    return odd;
+    // Where the first point is repeated at the end, the edge between the two has no extent in v and
+    // counts for nothing: that GeometryEdgeCount leaves it out makes no difference.
+    return trammel_detail::OddCrossings(Points(*this), p.h, p.v);
 }
 
 CFPolygonRef& CFPolygonRef::SetSize(long n) {
@@ -267,16 +261,12 @@ void CFPolygonRef::CalcBounds() const {
     if (mRef == nullptr) {
         return;
     }
-    TRect<double> bounds;
-    for (long i = LastIndex(); i >= 0; --i) {
-        bounds |= trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
-    }
-    Record(mRef)->polyBBox = bounds;
+    Record(mRef)->polyBBox = trammel_detail::UnionBackward(Points(*this));
     Record(mRef)->polyBoundsValid = 1;
 }
 
 CFPolygonRef& CFPolygonRef::Offset(TPoint<double> const& d) {
-    ForEachPoint(*this, [by = d](TPoint<double>& p) { p += by; });
+    trammel_detail::OffsetRun(PointBytes(*this), LastIndex() + 1, d);
     InvalBounds();
     return *this;
 }
@@ -292,13 +282,13 @@ CFPolygonRef& CFPolygonRef::Scale(double sx, double sy) {
     if (sx == 1.0 && sy == 1.0) {
         return *this;
     }
-    ForEachPoint(*this, [=](TPoint<double>& p) { p.Scale(sx, sy); });
+    trammel_detail::ScaleRun(PointBytes(*this), LastIndex() + 1, sx, sy);
     InvalBounds();
     return *this;
 }
 
 CFPolygonRef& CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
-    ForEachPoint(*this, [=](TPoint<double>& p) { p.Rotate(angle, center); });
+    trammel_detail::RotateRun(PointBytes(*this), LastIndex() + 1, angle, center);
     InvalBounds();
     return *this;
 }
@@ -306,7 +296,7 @@ CFPolygonRef& CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
 CFPolygonRef& CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& to) {
     // One matrix serves all points: it is the one that TPoint::Map builds each time.
     CMatrix3x3 const m = CMatrix3x3().Map(from, to);
-    ForEachPoint(*this, [&m](TPoint<double>& p) { p.Transform(m); });
+    trammel_detail::TransformRun(PointBytes(*this), LastIndex() + 1, m);
     if (LastIndex() >= 0) {
         InvalBounds();
     }

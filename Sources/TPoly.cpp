@@ -5,7 +5,7 @@
 #include "Assertion.h"
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
-#include "UCrossing_p.h"
+#include "UPointRun_p.h"
 #include "UScalar.h"
 
 #include <algorithm>
@@ -61,6 +61,12 @@ struct Vertices {
         return TLine<double>(points[i], points[i + 1 < count ? i + 1 : 0]);
     }
 };
+
+/// The vertices as a run; good until the polygon changes.
+trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
+    Vertices const vertices(polygon);
+    return {reinterpret_cast<char const*>(vertices.points), vertices.count};
+}
 
 bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v); }
 
@@ -173,10 +179,7 @@ template <class T> bool TPolygon<T>::Closed() const {
 template <class T> TPolygon<T>& TPolygon<T>::Transform(CMatrix3x3 const& m) {
     long const count = LastIndex() + 1;
     if (count > 0) {
-        TPoint<T>* const points = (*mHandle)->mPoints;
-        for (long i = 0; i < count; ++i) {
-            points[i].Transform(m);
-        }
+        trammel_detail::TransformRun(reinterpret_cast<char*>((*mHandle)->mPoints), count, m);
         InvalBounds();
     }
     return *this;
@@ -229,13 +232,8 @@ template <class T> void TPolygon<T>::CalcBounds() const {
     if (mHandle == nullptr) {
         return;
     }
-    Vertices const vertices(*this);
-    TRect<T> bounds;
-    for (long i = 0; i < vertices.count; ++i) {
-        bounds |= vertices[i];
-    }
+    (*mHandle)->mBounds = trammel_detail::UnionForward(Run(*this));
     (*mHandle)->mBoundsValid = 1;
-    (*mHandle)->mBounds = bounds;
 }
 
 template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
@@ -246,16 +244,7 @@ template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
 }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
-    if (!Bounds().Contains(p)) {
-        return false;
-    }
-    Vertices const vertices(*this);
-    bool odd = false;
-    for (long i = 0; i < vertices.count; ++i) {
-        odd ^= trammel_detail::CrossesBefore(vertices[i],
-                                             vertices[i + 1 < vertices.count ? i + 1 : 0], p);
-    }
-    return odd;
+    return Bounds().Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);
 }
 
 template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+//
+// Loops over the points of both polygon kinds, as they lie in their blocks. Not installed.
+//
+// A run begins at any address: a handle polygon's points are misaligned for doubles. Results are
+// those of the plain loops over the points, bit for bit and whatever the points are; only the order
+// of work differs. None of this allocates.
+
+#ifndef TRAMMEL_UPOINTRUN_P_H
+#define TRAMMEL_UPOINTRUN_P_H
+
+#include "CMatrix3x3.h"
+#include "TPoint.h"
+#include "TRect.h"
+
+#include <cstring>
+
+namespace trammel_detail {
+
+/// The bytes of a point: v, then h.
+inline constexpr long kPointBytes = 16;
+static_assert(sizeof(TPoint<double>) == kPointBytes);
+
+/// `count` points that begin at `bytes`; good until their block is resized.
+struct PointRun {
+    char const* bytes;
+    long count; ///< 0 or less: none
+
+    /// Point `i`, which must be there.
+    TPoint<double> operator[](long i) const {
+        TPoint<double> p;
+        std::memcpy(&p, bytes + kPointBytes * i, sizeof p);
+        return p;
+    }
+};
+
+/// Whether an odd number of the run's edges, the one from the last point to the first included, are
+/// crossed before the point (h, v) (CrossesBefore). Numbers, as a point that arrives in registers
+/// would be written to memory by halves, and the read of the whole would have to wait for that.
+bool OddCrossings(PointRun points, double h, double v);
+
+/// The union of the null rectangle with each point in turn, from the first to the last.
+TRect<double> UnionForward(PointRun points);
+/// The union of the null rectangle with each point in turn, from the last to the first.
+TRect<double> UnionBackward(PointRun points);
+
+/// What CMatrix3x3::Transform makes of each of `count` points.
+void TransformRun(char* bytes, long count, CMatrix3x3 const& m);
+/// What TPoint::Rotate(angle, centre) makes of each of `count` points.
+void RotateRun(char* bytes, long count, double angle, TPoint<double> const& centre);
+/// Adds `d` to each of `count` points.
+void OffsetRun(char* bytes, long count, TPoint<double> const& d);
+/// Multiplies h by `sh` and v by `sv` in each of `count` points.
+void ScaleRun(char* bytes, long count, double sh, double sv);
+
+} // namespace trammel_detail
+
+#endif
