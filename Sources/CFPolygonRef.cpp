@@ -199,7 +199,9 @@ CFPolygonRef& CFPolygonRef::Append(TPoint<double> const& p) {
     long const sizeBefore = DataSize();
     AppendHandle(mRef, point);
     if (DataSize() > sizeBefore) {
-        GrowBounds(mRef, point);
+        if (BoundsValid()) {
+            GrowBounds(mRef, point);
+        }
         ReleaseCachedPath(mRef);
     }
     return *this;

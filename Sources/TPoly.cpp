@@ -28,6 +28,10 @@ constexpr long kPointSize = static_cast<long>(sizeof(TPoint<double>));
 /// A t nearer to 0 than this, exclusive, is the first vertex in the search by table.
 constexpr double kFirstVertexFraction = 0.0001;
 
+/// From as many points and vertices on Clip prepares the polygon for its questions.
+constexpr std::size_t kManyPieces = 6;
+constexpr long kManyVertices = 128;
+
 Handle AsHandle(CPolygon<double>** h) { return reinterpret_cast<Handle>(h); }
 
 /// The header of a new, open polygon with the given cached (but not current) bounds.
@@ -67,6 +71,27 @@ trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     Vertices const vertices(polygon);
     return {reinterpret_cast<char const*>(vertices.points), vertices.count};
 }
+
+/// On which sides of a segment's box points lie, so far off that SegmentsIntersect is false for a
+/// segment with both ends beyond the same side: a crossing has to lie in both boxes, each grown by
+/// the slack, and those do not meet. The bounds of a grown box are rounded, but rounding keeps
+/// order: the nearer end's is the box's. A coordinate that is NaN is beyond no side.
+class Beyond {
+public:
+    explicit Beyond(TLine<double> const& line) : mReach(line.Bounds()) {
+        mReach.Outset(trammel_detail::kSegmentSlack);
+    }
+    /// A bit for each side.
+    unsigned operator()(TPoint<double> const& p) const {
+        constexpr double kSlack = trammel_detail::kSegmentSlack;
+        return unsigned{p.v + kSlack < mReach.top} | unsigned{p.h + kSlack < mReach.left} << 1U |
+               unsigned{p.v - kSlack > mReach.bottom} << 2U |
+               unsigned{p.h - kSlack > mReach.right} << 3U;
+    }
+
+private:
+    TRect<double> mReach;
+};
 
 bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v); }
 
@@ -318,18 +343,34 @@ template <class T> std::vector<TLine<T>> TPolygon<T>::Clip(TLine<T> line) const 
     PointSort const before(1.0 > std::abs(line.Slope()));
     std::vector<TPoint<T>> points = {line.mStart, line.mEnd};
     Vertices const vertices(*this);
+    Beyond const beyond(line);
+    unsigned startSides = vertices.count > 0 ? beyond(vertices[0]) : 0;
     TPoint<T> where;
     for (long i = 0; i < vertices.count; ++i) {
-        if (line.SegmentsIntersect(vertices.Edge(i), where)) {
+        TLine<T> const edge = vertices.Edge(i);
+        unsigned const endSides = beyond(edge.mEnd);
+        if ((startSides & endSides) == 0 && line.SegmentsIntersect(edge, where)) {
             points.push_back(where);
         }
+        startSides = endSides;
     }
     std::sort(points.begin(), points.end(), before);
-    for (std::size_t k = 1; k < points.size(); ++k) {
-        TLine<T> const piece(points[k - 1], points[k]);
-        if (Contains(piece.MidPt())) {
-            pieces.push_back(piece);
+    auto const keepPieces = [&](auto const& contains) {
+        for (std::size_t k = 1; k < points.size(); ++k) {
+            TLine<T> const piece(points[k - 1], points[k]);
+            if (contains(piece.MidPt())) {
+                pieces.push_back(piece);
+            }
         }
+    };
+    if (points.size() < kManyPieces || vertices.count < kManyVertices) {
+        keepPieces([this](TPoint<T> const& p) { return Contains(p); });
+    } else {
+        TRect<T> const bounds = Bounds();
+        trammel_detail::Heights const heights(Run(*this));
+        keepPieces([&](TPoint<T> const& p) {
+            return bounds.Contains(p) && heights.OddCrossings(p.h, p.v);
+        });
     }
     return pieces;
 }

@@ -43,7 +43,15 @@ template <class Record> Record** Clone(Record** h) {
 /// short. n calls cost O(n) together.
 template <class Record, class Item> inline void AppendHandle(Record** h, Item item) {
     static_assert(std::is_trivially_copyable_v<Item>);
-    PtrAndHand(&item, reinterpret_cast<Handle>(h), static_cast<Size>(sizeof item));
+    Handle const block = reinterpret_cast<Handle>(h);
+    // The place of PtrAndHand's usual case, with the item taken by value: asking for its address
+    // would have it written to memory by parts and read back as a whole, which processors wait for.
+    if (char* const place = trammel_detail::TakeSpareBytes(block, sizeof item)) {
+        std::memcpy(place, &item, sizeof item);
+    } else {
+        Item const copy = item;
+        PtrAndHand(&copy, block, static_cast<Size>(sizeof copy));
+    }
 }
 
 #endif

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 // The loops are written for any processor. Where the compiler's own vectors fall short, those for
 // x86-64 stand beside them: pairs of doubles, which every such processor has, and quadruples, which
@@ -42,7 +43,7 @@ void Store(char* bytes, TPoint<double> const& p) { std::memcpy(bytes, &p, sizeof
 __m128d LoadPair(char const* bytes) { return _mm_loadu_pd(reinterpret_cast<double const*>(bytes)); }
 #endif
 
-bool NotBelow(PointRun points, long i, double v) { return points[i].v <= v; }
+bool NotBelow(PointRun points, long i, double v) { return points.V(i) <= v; }
 
 #if defined(TRAMMEL_PAIRS)
 /// All ones for each of points i and i + 1 that is not below, else zero.
@@ -109,7 +110,8 @@ struct ByH {
 };
 
 /// The edges between neighbouring points of a batch.
-bool OddCrossingsInBatch(PointRun points, TPoint<double> p) {
+[[gnu::noinline]] bool OddCrossingsInBatch(PointRun points, double h, double v) {
+    TPoint<double> const p(h, v);
     // An edge can only count when one end's v is at most p.v and the other's is not. (The converse
     // fails for NaN, which ByH sorts out.) These edges are listed first, and of them those left to
     // the rule once more: walking a list costs no mispredicted branch at each of its members, as
@@ -150,11 +152,16 @@ bool OddCrossingsInBatch(PointRun points, TPoint<double> p) {
     return odd != 0;
 }
 
-/// All edges of at most 64 points, without a list.
-bool OddCrossingsInWord(PointRun points, TPoint<double> p) {
+/// The edges between neighbours of at most 64 points, and with `closing` the one from the last to
+/// the first; without a list.
+[[gnu::noinline]] bool OddCrossingsInWord(PointRun points, bool closing, double h, double v) {
+    TPoint<double> const p(h, v);
     std::uint64_t const word = WordNotBelow(points, p.v);
     unsigned const last = static_cast<unsigned>(points.count - 1);
     std::uint64_t differing = word ^ (word >> 1U | (word & 1U) << last);
+    if (!closing) {
+        differing &= ~(std::uint64_t{1} << last);
+    }
     unsigned odd = 0;
     while (differing != 0) {
         long const i = __builtin_ctzll(differing);
@@ -171,15 +178,17 @@ bool OddCrossingsInWord(PointRun points, TPoint<double> p) {
 }
 
 /// All edges, one by one.
-bool OddCrossingsOneByOne(PointRun points, TPoint<double> p) {
+bool OddCrossingsOneByOne(PointRun points, double h, double v) {
     bool odd = false;
-    TPoint<double> a = points[points.count - 1];
+    long before = points.count - 1;
+    bool notBelow = points.V(before) <= v;
     for (long i = 0; i < points.count; ++i) {
-        TPoint<double> const b = points[i];
-        if ((a.v <= p.v) != (b.v <= p.v)) {
-            odd ^= CrossesBefore(a, b, p);
+        bool const nextNotBelow = points.V(i) <= v;
+        if (notBelow != nextNotBelow) {
+            odd ^= CrossesBefore(points[before], points[i], TPoint<double>(h, v));
         }
-        a = b;
+        before = i;
+        notBelow = nextNotBelow;
     }
     return odd;
 }
@@ -353,21 +362,53 @@ void Apply(char* bytes, long count, Affine const& map) {
 } // namespace
 
 bool OddCrossings(PointRun points, double h, double v) {
-    TPoint<double> const p(h, v);
     if (points.count < 2) {
         return false; // without extent in v
     }
     if (points.count < kShort) {
-        return OddCrossingsOneByOne(points, p);
+        return OddCrossingsOneByOne(points, h, v);
     }
     if (points.count <= kWordBits) {
-        return OddCrossingsInWord(points, p);
+        return OddCrossingsInWord(points, true, h, v);
     }
-    bool odd = CrossesBefore(points[points.count - 1], points[0], p);
+    bool odd = CrossesBefore(points[points.count - 1], points[0], TPoint<double>(h, v));
     // Batches share their end points.
     for (long i = 0; i < points.count - 1; i += kBatch - 1) {
         odd ^= OddCrossingsInBatch(
-            {points.bytes + kPointBytes * i, std::min(points.count - i, kBatch)}, p);
+            {points.bytes + kPointBytes * i, std::min(points.count - i, kBatch)}, h, v);
+    }
+    return odd;
+}
+
+Heights::Heights(PointRun points) : mPoints(points) {
+    mRanges.reserve(static_cast<std::size_t>(std::max(points.count, 0L) / kGroup + 1));
+    for (long first = 0; first + 1 < points.count; first += kGroup) {
+        Range range = {std::numeric_limits<double>::infinity(),
+                       -std::numeric_limits<double>::infinity()};
+        long const end = std::min(first + kGroup + 1, points.count);
+        for (long i = first; i < end; ++i) {
+            // With the range first, a NaN changes nothing: its edges are never crossed.
+            range.low = std::min(range.low, points.V(i));
+            range.high = std::max(range.high, points.V(i));
+        }
+        mRanges.push_back(range);
+    }
+}
+
+bool Heights::OddCrossings(double h, double v) const {
+    if (mPoints.count < 2) {
+        return false;
+    }
+    bool odd = CrossesBefore(mPoints[mPoints.count - 1], mPoints[0], TPoint<double>(h, v));
+    long first = 0;
+    for (Range const& range : mRanges) {
+        // An edge that takes part has an end at most at v and another above it.
+        if (range.low <= v && v < range.high) {
+            PointRun const group = {mPoints.bytes + kPointBytes * first,
+                                    std::min(mPoints.count - first, kGroup + 1)};
+            odd ^= OddCrossingsInWord(group, false, h, v);
+        }
+        first += kGroup;
     }
     return odd;
 }

@@ -14,6 +14,7 @@
 #include "TRect.h"
 
 #include <cstring>
+#include <vector>
 
 namespace trammel_detail {
 
@@ -26,11 +27,18 @@ struct PointRun {
     char const* bytes;
     long count; ///< 0 or less: none
 
+    /// The v of point `i`, which must be there.
+    double V(long i) const { return Coordinate(kPointBytes * i); }
+    /// The h of point `i`, which must be there.
+    double H(long i) const { return Coordinate(kPointBytes * i + kPointBytes / 2); }
     /// Point `i`, which must be there.
-    TPoint<double> operator[](long i) const {
-        TPoint<double> p;
-        std::memcpy(&p, bytes + kPointBytes * i, sizeof p);
-        return p;
+    TPoint<double> operator[](long i) const { return TPoint<double>(H(i), V(i)); }
+
+private:
+    double Coordinate(long offset) const {
+        double value;
+        std::memcpy(&value, bytes + offset, sizeof value);
+        return value;
     }
 };
 
@@ -38,6 +46,26 @@ struct PointRun {
 /// crossed before the point (h, v) (CrossesBefore). Numbers, as a point that arrives in registers
 /// would be written to memory by halves, and the read of the whole would have to wait for that.
 bool OddCrossings(PointRun points, double h, double v);
+
+/// The range of v of each few edges of a run, for many questions to one run. Good until the block
+/// that the run lies in is resized or written to. Throws std::bad_alloc.
+class Heights {
+public:
+    explicit Heights(PointRun points);
+    /// The same as OddCrossings of the run.
+    bool OddCrossings(double h, double v) const;
+
+private:
+    /// Edges for one range: as many as one word of bits can tell of, halved, as fewer edges have a
+    /// smaller range.
+    static constexpr long kGroup = 32;
+    struct Range {
+        double low;
+        double high;
+    };
+    PointRun mPoints;
+    std::vector<Range> mRanges;
+};
 
 /// The union of the null rectangle with each point in turn, from the first to the last.
 TRect<double> UnionForward(PointRun points);

@@ -59,6 +59,21 @@ extern TRAMMEL_API std::atomic<long> gFailingRequests;
 /// The general form of PtrAndHand: room is made when there is none, every argument is checked.
 TRAMMEL_API OSErr AppendToBlock(const void* source, Handle h, Size count) noexcept;
 
+/// Takes `count` (at least 1) of the block's spare bytes into use and returns where they begin, for
+/// the caller to fill; null, with nothing changed, when AppendToBlock has to be called instead.
+inline char* TakeSpareBytes(Handle h, Size count) noexcept {
+    if (h == nullptr || gFailingRequests.load(std::memory_order_relaxed) != 0) {
+        return nullptr;
+    }
+    BlockRecord* const record = RecordOf(h);
+    if (count > record->capacity - record->size) {
+        return nullptr;
+    }
+    char* const place = record->block + record->size;
+    record->size += count;
+    return place;
+}
+
 /// Makes the next `count` requests for memory fail, for tests of what follows from that. A request
 /// is a call that makes a handle or a path object, stores a path under a token, or grows a block by
 /// at least one byte (also where spare bytes would have served). 0 or less switches the failures
@@ -123,12 +138,9 @@ TRAMMEL_API OSErr PtrToHand(const void* source, Handle* h, Size size) noexcept;
 /// memFullErr when memory is short or the count is negative. After a failure the block is as it
 /// was.
 inline OSErr PtrAndHand(const void* source, Handle h, Size count) noexcept {
-    if (h != nullptr && source != nullptr && count > 0 &&
-        trammel_detail::gFailingRequests.load(std::memory_order_relaxed) == 0) {
-        trammel_detail::BlockRecord* const record = trammel_detail::RecordOf(h);
-        if (count <= record->capacity - record->size) {
-            std::memmove(record->block + record->size, source, static_cast<std::size_t>(count));
-            record->size += count;
+    if (source != nullptr && count > 0) {
+        if (char* const place = trammel_detail::TakeSpareBytes(h, count)) {
+            std::memmove(place, source, static_cast<std::size_t>(count));
             return noErr;
         }
     }
