@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What does it cost to grow a polygon or a path point by point, from nothing to 1,000 and to
-// 1,000,000 points? Items are points: the figure must not fall with the number of points but for
-// the caches.
+// What does it cost to grow a polygon or a path point by point, from nothing to 10, to 1,000
+// and to 1,000,000 points? Items are points: the figure must not fall with the number of points but
+// for the caches.
 //
 // Run by hand: trammel_bench --benchmark_filter=Append
 
@@ -28,7 +28,7 @@ void AppendPointListPolygon(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(AppendPointListPolygon)->Arg(1000)->Arg(1000000);
+BENCHMARK(AppendPointListPolygon)->Arg(10)->Arg(1000)->Arg(1000000);
 
 void AppendUniquePointListPolygon(benchmark::State& state) {
     auto const points = inputs::Points(static_cast<std::size_t>(state.range(0)), 1000.0);
@@ -41,7 +41,7 @@ void AppendUniquePointListPolygon(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(AppendUniquePointListPolygon)->Arg(1000)->Arg(1000000);
+BENCHMARK(AppendUniquePointListPolygon)->Arg(10)->Arg(1000)->Arg(1000000);
 
 void AppendHandlePolygon(benchmark::State& state) {
     auto const points = inputs::Points(static_cast<std::size_t>(state.range(0)), 1000.0);
@@ -55,7 +55,7 @@ void AppendHandlePolygon(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(AppendHandlePolygon)->Arg(1000)->Arg(1000000);
+BENCHMARK(AppendHandlePolygon)->Arg(10)->Arg(1000)->Arg(1000000);
 
 void AppendLinesToPath(benchmark::State& state) {
     auto const points = inputs::Points(static_cast<std::size_t>(state.range(0)), 1000.0);
@@ -68,6 +68,6 @@ void AppendLinesToPath(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
-BENCHMARK(AppendLinesToPath)->Arg(1000)->Arg(1000000);
+BENCHMARK(AppendLinesToPath)->Arg(10)->Arg(1000)->Arg(1000000);
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// How fast are bounds computed when nothing is cached? Items are points.
+// How fast are bounds computed when nothing is cached? Items are points, of 10, 1,000
+// and 100,000 in turn.
 //
 // Run by hand: trammel_bench --benchmark_filter=Bounds
 
@@ -12,19 +13,24 @@
 #include <benchmark/benchmark.h>
 
 #include <cstddef>
-#include <cstdint>
 
 namespace {
 
-constexpr std::size_t kCount = 1000;
+std::size_t Count(benchmark::State const& state) {
+    return static_cast<std::size_t>(state.range(0));
+}
+
+void Sizes(benchmark::internal::Benchmark* benchmark) {
+    benchmark->Arg(10)->Arg(1000)->Arg(100000);
+}
 
 void SetPoints(benchmark::State& state) {
-    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kCount));
+    state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
 void BoundsPointListPolygon(benchmark::State& state) {
     TPolygon<double> polygon;
-    for (TPoint<double> const& p : inputs::Points(kCount, 1000.0)) {
+    for (TPoint<double> const& p : inputs::Points(Count(state), 1000.0)) {
         polygon.Append(p, true);
     }
     for (auto _ : state) {
@@ -33,11 +39,11 @@ void BoundsPointListPolygon(benchmark::State& state) {
     }
     SetPoints(state);
 }
-BENCHMARK(BoundsPointListPolygon);
+BENCHMARK(BoundsPointListPolygon)->Apply(Sizes);
 
 void BoundsHandlePolygon(benchmark::State& state) {
     CFPolygonRef polygon;
-    polygon.CFPolygonCreate(inputs::Points(kCount, 1000.0));
+    polygon.CFPolygonCreate(inputs::Points(Count(state), 1000.0));
     for (auto _ : state) {
         polygon.InvalBounds();
         benchmark::DoNotOptimize(polygon.Bounds());
@@ -45,11 +51,11 @@ void BoundsHandlePolygon(benchmark::State& state) {
     polygon.Dispose();
     SetPoints(state);
 }
-BENCHMARK(BoundsHandlePolygon);
+BENCHMARK(BoundsHandlePolygon)->Apply(Sizes);
 
 void BoundsPath(benchmark::State& state) {
     CPath path;
-    for (TPoint<double> const& p : inputs::Points(kCount, 1000.0)) {
+    for (TPoint<double> const& p : inputs::Points(Count(state), 1000.0)) {
         path.LineTo(p);
     }
     for (auto _ : state) {
@@ -58,6 +64,6 @@ void BoundsPath(benchmark::State& state) {
     }
     SetPoints(state);
 }
-BENCHMARK(BoundsPath);
+BENCHMARK(BoundsPath)->Apply(Sizes);
 
 } // namespace

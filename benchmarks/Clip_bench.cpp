@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What does it cost to clip a line by a polygon, as hatching does? A star of 10 and of 1,000
-// vertices, crossed some 2 and 300 times, and the flattened outlines of a font, one iteration being
-// one line across the next outline.
+// What does it cost to clip a line by a polygon, as hatching does? A star of 10 to 10,000 vertices,
+// crossed more often the more it has, and the flattened outlines of a font, one iteration being one
+// line across the next outline.
 //
 // Run by hand: trammel_bench --benchmark_filter=Clip
 
@@ -34,7 +34,7 @@ void ClipByStar(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK(ClipByStar)->Arg(10)->Arg(1000);
+BENCHMARK(ClipByStar)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000);
 
 /// Flattens what it visits into one polygon for each subpath.
 class Flattener : public CPathActions {
