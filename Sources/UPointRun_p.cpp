@@ -157,7 +157,7 @@ struct ByH {
 [[gnu::noinline]] bool OddCrossingsInWord(PointRun points, bool closing, double h, double v) {
     TPoint<double> const p(h, v);
     std::uint64_t const word = WordNotBelow(points, p.v);
-    unsigned const last = static_cast<unsigned>(points.count - 1);
+    unsigned const last = static_cast<unsigned>(points.count - 1) % kWordBits;
     std::uint64_t differing = word ^ (word >> 1U | (word & 1U) << last);
     if (!closing) {
         differing &= ~(std::uint64_t{1} << last);
@@ -290,8 +290,9 @@ TRect<double> Union(char const* first, long step, long count) {
     return bounds;
 }
 
-/// What becomes of a point p: ((p - from) times the linear part) + to.
-struct Affine {
+/// What becomes of a point p: ((p - from) times the linear part) + to; without the subtraction
+/// where `from` is known to be the origin.
+template <bool kFromOrigin> struct Affine {
     TPoint<double> from;
     double hToH;
     double vToH;
@@ -300,8 +301,8 @@ struct Affine {
     TPoint<double> to;
 
     TPoint<double> operator()(TPoint<double> const& p) const {
-        double const h = p.h - from.h;
-        double const v = p.v - from.v;
+        double const h = kFromOrigin ? p.h : p.h - from.h;
+        double const v = kFromOrigin ? p.v : p.v - from.v;
         return TPoint<double>(h * hToH + v * vToH + to.h, h * hToV + v * vToV + to.v);
     }
 };
@@ -326,7 +327,9 @@ bool HaveQuadruples() {
 }
 
 /// Two points at a time; returns how many it did.
-__attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count, Affine const& map) {
+template <bool kFromOrigin>
+__attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count,
+                                                 Affine<kFromOrigin> const& map) {
     __m256d const from = _mm256_setr_pd(map.from.v, map.from.h, map.from.v, map.from.h);
     __m256d const byH = _mm256_setr_pd(map.hToV, map.hToH, map.hToV, map.hToH);
     __m256d const byV = _mm256_setr_pd(map.vToV, map.vToH, map.vToV, map.vToH);
@@ -335,7 +338,8 @@ __attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count, Affine
 #pragma GCC unroll 4
     for (; i + 2 <= count; i += 2) {
         double* const at = reinterpret_cast<double*>(bytes + kPointBytes * i);
-        __m256d const p = _mm256_sub_pd(_mm256_loadu_pd(at), from);
+        __m256d const loaded = _mm256_loadu_pd(at);
+        __m256d const p = kFromOrigin ? loaded : _mm256_sub_pd(loaded, from);
         __m256d const hs = _mm256_permute_pd(p, 0xF);
         __m256d const vs = _mm256_permute_pd(p, 0x0);
         __m256d const sum = _mm256_add_pd(_mm256_mul_pd(hs, byH), _mm256_mul_pd(vs, byV));
@@ -345,14 +349,14 @@ __attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count, Affine
 }
 #endif
 
-void Apply(char* bytes, long count, Affine const& map) {
+template <bool kFromOrigin> void Apply(char* bytes, long count, Affine<kFromOrigin> const& map) {
     long i = 0;
 #if defined(TRAMMEL_QUADRUPLES)
     if (count >= kShort && HaveQuadruples()) {
         i = ApplyToPairs(bytes, count, map);
     }
 #endif
-    Affine const own = map; // the points might be taken for parts of the argument
+    Affine<kFromOrigin> const own = map; // the points might be taken for parts of the argument
     for (; i < count; ++i) {
         char* const at = bytes + kPointBytes * i;
         Store(at, own(PointRun{at, 1}[0]));
@@ -422,15 +426,15 @@ TRect<double> UnionBackward(PointRun points) {
 }
 
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m) {
-    // Subtracting 0 changes no number, not even -0.
-    Apply(bytes, count, Affine{TPoint<double>(), m.a, m.c, m.b, m.d, TPoint<double>(m.tx, m.ty)});
+    Apply(bytes, count,
+          Affine<true>{TPoint<double>(), m.a, m.c, m.b, m.d, TPoint<double>(m.tx, m.ty)});
 }
 
 void RotateRun(char* bytes, long count, double angle, TPoint<double> const& centre) {
     double const s = std::sin(angle);
     double const c = std::cos(angle);
     // h·c + v·(-s) is h·c - v·s to the last bit.
-    Apply(bytes, count, Affine{centre, c, -s, s, c, centre});
+    Apply(bytes, count, Affine<false>{centre, c, -s, s, c, centre});
 }
 
 void OffsetRun(char* bytes, long count, TPoint<double> const& d) {
