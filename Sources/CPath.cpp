@@ -175,6 +175,19 @@ bool HasRoom(CPath const& path, std::size_t points) {
            points <= path.mPts.capacity() - path.mPts.size();
 }
 
+/// Appends an element for which there is room.
+template <std::size_t N>
+inline void AppendElement(CPath& path, char code, TPoint<double> const (&points)[N]) {
+    TRect<double> bounds = path.mBounds;
+    path.mCtls.push_back(code);
+    for (TPoint<double> const& p : points) {
+        path.mPts.push_back(p);
+        bounds |= p;
+    }
+    path.mCurrentPt = points[N - 1];
+    path.mBounds = bounds;
+}
+
 } // namespace
 
 CPath::CPath() { clear(); }
@@ -208,7 +221,7 @@ CPath& CPath::AddPt(TPoint<double> const& p) {
 }
 
 CPath& CPath::MoveTo(TPoint<double> const& p) {
-    TPoint<double> const to = p;
+    TPoint<double> const points[] = {p};
     if (!HasRoom(*this, 1)) {
         MakeRoom(1, 1);
     }
@@ -216,22 +229,21 @@ CPath& CPath::MoveTo(TPoint<double> const& p) {
         mCtls.pop_back();
         mPts.pop_back();
     }
-    AddCtl(kPathMove);
-    AddPt(to);
+    AppendElement(*this, kPathMove, points);
     mOpen = true;
     return *this;
 }
 
 CPath& CPath::LineTo(TPoint<double> const& p) {
-    TPoint<double> const to = p;
+    TPoint<double> const points[] = {p};
     if (!mOpen) {
-        MoveTo(to);
-    } else if (to != mCurrentPt) {
+        return MoveTo(points[0]);
+    }
+    if (points[0] != mCurrentPt) {
         if (!HasRoom(*this, 1)) {
             MakeRoom(1, 1);
         }
-        AddCtl(kPathLine);
-        AddPt(to);
+        AppendElement(*this, kPathLine, points);
     }
     return *this;
 }
@@ -244,10 +256,7 @@ CPath& CPath::CurveTo(TPoint<double> const& c1, TPoint<double> const& c2, TPoint
     if (!HasRoom(*this, 3)) {
         MakeRoom(1, 3);
     }
-    AddCtl(kPathCurve);
-    for (TPoint<double> const& p : points) {
-        AddPt(p);
-    }
+    AppendElement(*this, kPathCurve, points);
     return *this;
 }
 
