@@ -39,14 +39,18 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// At most so many vertices lie within a slab, not counting those at its lower end. Such vertices'
-/// edges are asked one by one, so more make a query slower and the index smaller.
-constexpr std::size_t kSlabHeights = 8;
+/// At most so many vertices lie within a slab, those at its lower end not counted. Their edges are
+/// asked one by one, so more make queries slower, and the index smaller and faster to build.
+constexpr std::size_t kSlabHeights = 16;
+/// So many vertices there are to a bucket of heights, where these are spread evenly.
+constexpr std::size_t kBucketHeights = 4;
 /// Polygons of at most so many vertices are one slab: going through all edges costs less than
 /// finding the right ones.
 constexpr std::size_t kOneSlab = 24;
+/// Slabs that begin in one bucket are gone through one by one when there are no more.
+constexpr std::uint32_t kFewSlabs = 4;
 /// Lists of at most so many spans are not sorted.
-constexpr std::size_t kShortList = 12;
+constexpr std::size_t kShortList = 24;
 /// Spans, and blocks of them, for which one greatest `hi` is kept.
 constexpr std::size_t kBlock = 16;
 /// Lists from this length on are sorted digit by digit.
@@ -116,16 +120,24 @@ struct Node {
     Id next; ///< the nearest node above that has spans, 0 for none
 };
 
+/// That an edge has a span in a node's list.
+struct Entry {
+    Id node;
+    Id edge;
+};
+
+unsigned HighestBit(Id bits) { return 31U - static_cast<unsigned>(__builtin_clz(bits)); }
+unsigned LowestBit(Id bits) { return static_cast<unsigned>(__builtin_ctz(bits)); }
+
 /// The finite extremes of what it is given; lo > hi for nothing.
 struct Extent {
     double lo = kInfinity;
     double hi = -kInfinity;
 
     void Add(double x) {
-        if (std::abs(x) < kInfinity) {
-            lo = std::min(lo, x);
-            hi = std::max(hi, x);
-        }
+        bool const counts = std::abs(x) < kInfinity;
+        lo = std::min(lo, counts ? x : lo);
+        hi = std::max(hi, counts ? x : hi);
     }
 };
 
@@ -161,34 +173,6 @@ void SortLongList(Span* spans, Span* spare, std::size_t count) {
     static_assert((32 / kDigitBits) % 2 == 0);
 }
 
-/// Sorts numbers (but NaN), most of them by putting them into buckets: O(n log n), for evenly
-/// spread ones O(n).
-std::vector<double> Sorted(std::vector<double> const& numbers) {
-    Extent extent;
-    for (double const x : numbers) {
-        extent.Add(x);
-    }
-    Buckets const buckets(extent.lo, extent.hi, numbers.size() / 2);
-    std::vector<Id> places(std::size_t{buckets.count} + 1);
-    for (double const x : numbers) {
-        ++places[buckets(x) + 1];
-    }
-    for (std::size_t b = 0; b < buckets.count; ++b) {
-        places[b + 1] += places[b];
-    }
-    std::vector<double> sorted(numbers.size());
-    for (double const x : numbers) {
-        sorted[places[buckets(x)]++] = x;
-    }
-    // Each place is now where its bucket ends.
-    Id begin = 0;
-    for (std::size_t b = 0; b < buckets.count; ++b) {
-        std::sort(sorted.begin() + begin, sorted.begin() + places[b]);
-        begin = places[b];
-    }
-    return sorted;
-}
-
 template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
     return items.capacity() * sizeof(Item);
 }
@@ -198,9 +182,12 @@ template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
 // Heights are cut into slabs, slab j from mSlabs[j] up to but without mSlabs[j + 1], at heights of
 // vertices. An edge covers some slabs as a whole and up to two in part. For the latter it stands in
 // the slabs' lists mPartial. The former are put together by the nodes of a binary tree over the
-// slabs (node 1 is the root, those below node i are 2i and 2i + 1, slab j is node mLeaves + j), at
-// most two of each depth; it stands in these nodes' lists of spans. A point's edges are then in
-// the list of its slab and in the nodes from there up to the root.
+// slabs, at most two of each depth; it stands in these nodes' lists of spans. A point's edges are
+// then in the list of its slab and in those of the nodes from there up to the root.
+//
+// Node 1 is the root, those below node i are 2i and 2i + 1, and node mLeaves + 1 + j is slab j
+// alone. The first and the last leaf stand for no slab, so that each run of slabs has a neighbour
+// on either side.
 struct PreparedPolygon::Index {
     TRect<double> mBounds;   // nothing outside of it is inside
     double mTop = kInfinity; // all edges lie between these heights
@@ -229,9 +216,7 @@ struct PreparedPolygon::Index {
         std::memcpy(static_cast<void*>(mPoints.data()), points, count * sizeof(TPoint<double>));
         mPoints[count] = mPoints[0];
         if (CutSlabs()) {
-            std::vector<Id> const places = PlaceVertices();
-            ListPartialEdges(places);
-            ListSpans(places);
+            ListEdges(PlaceVertices());
             SortSpans();
             SumUpSpans();
         }
@@ -248,14 +233,19 @@ struct PreparedPolygon::Index {
 
     /// The slab that holds `v`, which is from mTop up to but without mBottom.
     Id SlabOf(double v) const {
+        // The first slab that begins above v: of those that begin in v's bucket, or the next one.
+        // Most buckets have none or one; then a step without a branch finds it.
         Id const bucket = mBuckets(v);
         Id first = mFirstSlabs[bucket];
-        // The first slab that begins above v: of those that begin in v's bucket, or the next one.
-        for (Id count = mFirstSlabs[bucket + 1] - first; count > 0;) {
+        for (Id count = mFirstSlabs[bucket + 1] - first; count > kFewSlabs;) {
             Id const half = count / 2;
             bool const below = mSlabs[first + half] <= v;
             first = below ? first + half + 1 : first;
             count = below ? count - half - 1 : half;
+        }
+        first += mSlabs[first] <= v ? 1 : 0;
+        while (mSlabs[first] <= v) {
+            ++first;
         }
         return first - 1;
     }
@@ -277,7 +267,7 @@ struct PreparedPolygon::Index {
                 odd ^= trammel_detail::CrossesBefore(a, b, p);
             }
         }
-        Id node = mLeaves + slab;
+        Id node = mLeaves + 1 + slab;
         if (mNodes[node].first == mNodes[node + 1].first) {
             node = mNodes[node].next;
         }
@@ -359,48 +349,62 @@ private:
 
     /// Chooses the slabs' heights; false when there is nothing between two heights.
     bool CutSlabs() {
-        std::vector<double> heights;
-        heights.reserve(mPoints.size() - 1);
-        Extent finite;
-        for (std::size_t i = 0; i + 1 < mPoints.size(); ++i) {
-            if (!std::isnan(mPoints[i].v)) {
-                heights.push_back(mPoints[i].v);
-                finite.Add(mPoints[i].v);
-            }
+        Extent vs;
+        Extent hs;
+        for (TPoint<double> const& p : mPoints) {
+            mTop = p.v < mTop ? p.v : mTop; // no NaN gets in
+            mBottom = p.v > mBottom ? p.v : mBottom;
+            vs.Add(p.v);
+            hs.Add(p.h);
         }
-        heights = Sorted(heights);
-        if (heights.empty() || heights.front() == heights.back()) {
+        mKeys = Keys(hs.lo, hs.hi);
+        if (!(mTop < mBottom)) {
             return false;
         }
-        mTop = heights.front();
-        mBottom = heights.back();
-        std::size_t const most =
-            heights.size() <= kOneSlab ? std::size_t{kOneSlab} : std::size_t{kSlabHeights};
-        mSlabs.reserve(heights.size() / (most + 1) * 2 + 2);
-        mSlabs.push_back(mTop);
-        std::size_t inside = 0;
-        std::size_t i = 0;
-        while (heights[i] == mTop) {
-            ++i;
-        }
-        while (heights[i] != mBottom) {
-            std::size_t const begin = i;
-            while (heights[i] == heights[begin]) {
-                ++i;
+        std::size_t const count = mPoints.size() - 1;
+        std::size_t const most = count <= kOneSlab ? kOneSlab : kSlabHeights;
+        mBuckets = Buckets(vs.lo, vs.hi, count / kBucketHeights);
+        struct Bucket {
+            double lowest = kInfinity;
+            std::size_t count = 0;
+        };
+        std::vector<Bucket> buckets(mBuckets.count);
+        bool isCrowded = false;
+        for (std::size_t i = 0; i < count; ++i) {
+            double const v = mPoints[i].v;
+            if (!std::isnan(v)) {
+                Bucket& bucket = buckets[mBuckets(v)];
+                bucket.lowest = std::min(bucket.lowest, v);
+                isCrowded |= ++bucket.count > most;
             }
-            inside += i - begin;
-            if (inside > most) {
-                mSlabs.push_back(heights[begin]);
-                inside = 0;
+        }
+        std::vector<double> crowd; // of such buckets all heights
+        for (std::size_t i = 0; isCrowded && i < count; ++i) {
+            double const v = mPoints[i].v;
+            if (!std::isnan(v) && buckets[mBuckets(v)].count > most) {
+                crowd.push_back(v);
+            }
+        }
+        std::sort(crowd.begin(), crowd.end()); // and so by buckets
+        double const* heights = crowd.data();
+        std::size_t inside = most;
+        for (Bucket const& bucket : buckets) {
+            if (bucket.count > most) {
+                inside = CutBucket(heights, bucket.count, most);
+                heights += bucket.count;
+            } else if (inside + bucket.count > most) {
+                CutAt(bucket.lowest);
+                inside = bucket.count;
+            } else {
+                inside += bucket.count;
             }
         }
         mSlabs.push_back(mBottom);
 
         mLeaves = 1;
-        while (mLeaves < mSlabs.size() - 1) {
+        while (mLeaves < mSlabs.size() + 1) {
             mLeaves *= 2;
         }
-        mBuckets = Buckets(finite.lo, finite.hi, mSlabs.size() * 2);
         mFirstSlabs.resize(std::size_t{mBuckets.count} + 1);
         for (double const v : mSlabs) {
             ++mFirstSlabs[mBuckets(v) + 1];
@@ -409,6 +413,29 @@ private:
             mFirstSlabs[b + 1] += mFirstSlabs[b];
         }
         return true;
+    }
+
+    void CutAt(double v) {
+        if (v < mBottom) {
+            mSlabs.push_back(v);
+        }
+    }
+
+    /// Cuts between the heights of one bucket, which are sorted. Returns how many are within the
+    /// last slab.
+    std::size_t CutBucket(double const* heights, std::size_t count, std::size_t most) {
+        std::size_t inside = most; // begins with a slab
+        for (std::size_t begin = 0, end = 0; begin < count; begin = end) {
+            while (end < count && heights[end] == heights[begin]) {
+                ++end;
+            }
+            inside += end - begin;
+            if (inside > most) {
+                CutAt(heights[begin]);
+                inside = 0;
+            }
+        }
+        return inside;
     }
 
     static constexpr Id kNowhere = std::numeric_limits<Id>::max();
@@ -443,101 +470,99 @@ private:
         }
     }
 
-    void ListPartialEdges(std::vector<Id> const& places) {
-        auto const forEachPart = [&](auto visit) {
-            ForEachEdge(places, [&](Id edge, Id low, Id high) {
-                if (low % 2 != 0) {
-                    visit(edge, low / 2);
-                }
-                if (high % 2 != 0 && (low % 2 == 0 || low != high)) {
-                    visit(edge, high / 2);
-                }
-            });
-        };
+    /// Calls visit(slab, takes part) twice, with the slabs that hold such ends of an edge: whether
+    /// the edge covers a part of it (and has not been told before). Told and not asked, as no
+    /// processor can guess.
+    template <class Visit> static void ForEachPart(Id low, Id high, Visit visit) {
+        visit(low / 2, low % 2);
+        visit(high / 2, high % 2 & (low != high ? 1U : 0U));
+    }
+
+    /// Calls visit(node) for the fewest nodes that make up the slabs which the edge with such ends
+    /// covers as a whole.
+    template <class Visit> void ForEachNode(Id low, Id high, Visit visit) const {
+        Id const first = (low + 1) / 2;
+        Id const last = high / 2;
+        if (first >= last) {
+            return;
+        }
+        // From the leaf before the first one and from that behind the last up to where they meet:
+        // all that hangs off between the two ways.
+        Id const before = mLeaves + first;
+        Id const behind = mLeaves + 1 + last;
+        Id const below = (Id{1} << HighestBit(before ^ behind)) - 1;
+        for (Id depths = ~before & below; depths != 0; depths &= depths - 1) {
+            visit((before >> LowestBit(depths)) ^ 1U);
+        }
+        for (Id depths = behind & below; depths != 0; depths &= depths - 1) {
+            visit((behind >> LowestBit(depths)) ^ 1U);
+        }
+    }
+
+    void ListEdges(std::vector<Id> const& places) {
         mFirstPartial.resize(mSlabs.size());
-        forEachPart([this](Id, Id slab) { ++mFirstPartial[slab]; });
-        Id sum = 0; // at most two for each edge
+        std::vector<Entry> entries;
+        entries.reserve(mPoints.size() * 2);
+        ForEachEdge(places, [&](Id edge, Id low, Id high) {
+            ForEachPart(low, high, [&](Id slab, Id part) { mFirstPartial[slab] += part; });
+            ForEachNode(low, high, [&](Id node) { entries.push_back({node, edge}); });
+        });
+
+        // The lists are filled from their ends; until then `first` is where a list ends.
+        Id parts = 0; // at most two for each edge
         for (Id& first : mFirstPartial) {
-            sum += first;
-            first = sum;
+            parts += first;
+            first = parts;
         }
-        mPartial.resize(sum);
-        // Filled from each list's end, after which `first` is where it begins.
-        forEachPart([this](Id edge, Id slab) { mPartial[--mFirstPartial[slab]] = edge; });
-    }
-
-    /// Calls visit(node, first slab, slab after the last) for the fewest nodes that make up the
-    /// slabs from `first` up to `last`.
-    template <class Visit> void ForEachNode(Id first, Id last, Visit visit) const {
-        Id width = 1;
-        Id left = first + mLeaves;
-        Id right = last + mLeaves;
-        for (; left < right; left /= 2, right /= 2, width *= 2) {
-            if (left % 2 != 0) {
-                visit(left, first, first + width);
-                ++left;
-                first += width;
-            }
-            if (right % 2 != 0) {
-                --right;
-                visit(right, last - width, last);
-                last -= width;
-            }
-        }
-    }
-
-    void ListSpans(std::vector<Id> const& places) {
-        std::vector<std::uint64_t> counts(std::size_t{mLeaves} * 2 + 1);
-        Extent finite;
+        mPartial.resize(std::size_t{parts} + 1); // the last one takes what is no part
         ForEachEdge(places, [&](Id edge, Id low, Id high) {
-            finite.Add(mPoints[edge].h);
-            finite.Add(mPoints[edge + 1].h);
-            ForEachNode((low + 1) / 2, high / 2, [&](Id node, Id, Id) { ++counts[node]; });
+            ForEachPart(low, high, [&](Id slab, Id part) {
+                mFirstPartial[slab] -= part;
+                mPartial[part != 0 ? mFirstPartial[slab] : parts] = edge;
+            });
         });
-        mKeys = Keys(finite.lo, finite.hi);
-        mNodes.resize(counts.size());
-        std::uint64_t sum = 0;
-        for (std::size_t node = 0; node < counts.size(); ++node) {
-            std::uint64_t const count = counts[node];
-            sum += count;
-            if (sum > std::numeric_limits<Id>::max()) {
-                throw std::bad_alloc();
-            }
-            mNodes[node].first = static_cast<Id>(sum); // the end, for now
-            std::size_t const above = node / 2;
-            mNodes[node].next = static_cast<Id>(counts[above] > 0 ? above : mNodes[above].next);
+
+        if (entries.size() > std::numeric_limits<Id>::max()) {
+            throw std::bad_alloc();
         }
-        mSpans.resize(static_cast<std::size_t>(sum));
-        ForEachEdge(places, [&](Id edge, Id low, Id high) {
-            if ((low + 1) / 2 < high / 2) {
-                Fill(edge, (low + 1) / 2, high / 2);
-            }
-        });
+        mNodes.resize(std::size_t{mLeaves} * 2 + 1);
+        for (Entry const& entry : entries) {
+            ++mNodes[entry.node].first;
+        }
+        Id spans = 0;
+        for (std::size_t node = 0; node < mNodes.size(); ++node) {
+            spans += mNodes[node].first;
+            mNodes[node].first = spans;
+            Id const above = static_cast<Id>(node / 2);
+            Id const length = above > 0 ? mNodes[above].first - mNodes[above - 1].first : 0;
+            mNodes[node].next = length > 0 ? above : mNodes[above].next;
+        }
+        mSpans.resize(entries.size());
+        for (Entry const& entry : entries) {
+            mSpans[--mNodes[entry.node].first] = SpanOf(entry);
+        }
     }
 
-    void Fill(Id edge, Id firstSlab, Id lastSlab) {
-        TPoint<double> const a = mPoints[edge];
-        TPoint<double> const b = mPoints[edge + 1];
+    Span SpanOf(Entry const& entry) const {
+        TPoint<double> const a = mPoints[entry.edge];
+        TPoint<double> const b = mPoints[entry.edge + 1];
         double const slope = (a.h - b.h) / (a.v - b.v);
         bool const tame = std::abs(a.h) <= kTame && std::abs(b.h) <= kTame &&
                           std::abs(a.v) <= kTame && std::abs(b.v) <= kTame &&
                           std::abs(slope) < kInfinity;
+        if (!tame) {
+            return {mKeys(-kInfinity), mKeys(kInfinity), entry.edge};
+        }
         double const left = std::min(a.h, b.h);
         double const right = std::max(a.h, b.h);
         auto const crossing = [&](double v) {
             return std::clamp(a.h - (a.v - v) * slope, left, right);
         };
-        ForEachNode(firstSlab, lastSlab, [&](Id node, Id first, Id last) {
-            double lo = -kInfinity;
-            double hi = kInfinity;
-            if (tame) {
-                double const x = crossing(mSlabs[first]);
-                double const y = crossing(mSlabs[last]);
-                lo = std::min(x, y);
-                hi = std::max(x, y);
-            }
-            mSpans[--mNodes[node].first] = {mKeys(lo), mKeys(hi), edge};
-        });
+        unsigned const depth = HighestBit(mLeaves) - HighestBit(entry.node);
+        Id const slab = (entry.node << depth) - mLeaves - 1;
+        double const x = crossing(mSlabs[slab]);
+        double const y = crossing(mSlabs[slab + (Id{1} << depth)]);
+        return {mKeys(std::min(x, y)), mKeys(std::max(x, y)), entry.edge};
     }
 
     void SortSpans() {

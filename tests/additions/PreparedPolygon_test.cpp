@@ -535,7 +535,7 @@ TEST(PreparedPolygon, TakesBoundedMemory) {
         for (Points const& vertices :
              {Comb(size, 0.0, 500.0, random), Comb(size, 300.0, 400.0, random), Star(size, random),
               Tangle(size, random), Rack(size)}) {
-            EXPECT_LT(perVertex(vertices), 60.0 + 12.0 * 2.0 * std::log2(n / 8.0));
+            EXPECT_LT(perVertex(vertices), 60.0 + 13.0 * 2.0 * std::log2(n / 4.0) / 3.0);
         }
     }
 }

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+//
+// When does preparing a polygon for containment pay, and how does it compare with another library's
+// prepared polygon? Names are Prepared/SHAPE/VERTICES/WHAT/WHO:
+//   ask        one point, all prepared                 one iteration is one point
+//   build      preparing, and the first point          one iteration is one polygon
+//   session    preparing, and 36 points                one iteration is all of that
+// The polygon's own Contains (`polygon`) prepares nothing. `bytes` is the memory per vertex.
+//
+// Shapes: a smooth outline with ripples, a ragged star, combs upright, leaning and with teeth of
+// random lengths, a spiral. For the leaning comb no interval of h tells teeth apart.
+//
+// Run by hand: trammel_bench --benchmark_filter=Prepared/
+
+#include "Inputs.h"
+#include "peers/Locator.h"
+
+#include <trammel/PreparedPolygon.h>
+#include <trammel/UTrigonometry.h>
+
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+typedef std::vector<TPoint<double>> Points;
+
+constexpr std::size_t kSession = 36;
+
+Points Smooth(std::size_t count) {
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const turn = 2.0 * pi * static_cast<double>(i) / static_cast<double>(count);
+        double const ripples = static_cast<double>(count) / 50.0;
+        double const radius = 300.0 + 60.0 * std::sin(5.0 * turn) + 20.0 * std::sin(37.0 * turn) +
+                              5.0 * std::sin(ripples * turn);
+        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
+    }
+    return vertices;
+}
+
+/// Teeth from v = 0 to 1000, or to between 600 and 1000; each tip off its foot by `lean`.
+Points Comb(std::size_t count, double lean, bool isRagged) {
+    Points const random = inputs::Points(count, 400.0);
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const foot = (1000.0 - lean) * static_cast<double>(i) / static_cast<double>(count);
+        double const v = isRagged ? random[i].v : 0.0;
+        vertices.emplace_back(i % 2 != 0 ? foot + lean : foot, i % 2 != 0 ? 1000.0 - v : v);
+    }
+    return vertices;
+}
+
+Points UprightComb(std::size_t count) { return Comb(count, 0.0, false); }
+Points LeaningComb(std::size_t count) { return Comb(count, 500.0, false); }
+Points RaggedComb(std::size_t count) { return Comb(count, 0.0, true); }
+
+/// Twenty turns out, and back along them.
+Points Spiral(std::size_t count) {
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::size_t const step = i < count / 2 ? i : count - 1 - i;
+        double const part = 2.0 * static_cast<double>(step) / static_cast<double>(count);
+        double const radius = 10.0 + 450.0 * part + (i < count / 2 ? 0.0 : 10.0);
+        double const turn = 40.0 * pi * part;
+        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
+    }
+    return vertices;
+}
+
+struct Shape {
+    char const* name;
+    Points (*vertices)(std::size_t count);
+};
+
+constexpr Shape kShapes[] = {
+    {"smooth", Smooth},          {"star", inputs::Star},
+    {"comb", UprightComb},       {"leaning_comb", LeaningComb},
+    {"ragged_comb", RaggedComb}, {"spiral", Spiral},
+};
+
+/// A polygon and points to ask for, in our own form.
+struct Question {
+    TPolygon<double> polygon;
+    Points vertices;
+    Points points = inputs::Points(997, 1000.0);
+
+    Question(Shape const& shape, std::size_t count) : vertices(shape.vertices(count)) {
+        for (TPoint<double> const& p : vertices) {
+            polygon.Append(p, true);
+        }
+        polygon.CalcBounds();
+    }
+};
+
+/// Calls contains(i) for a point at each iteration.
+template <class Contains> void AskOneByOne(benchmark::State& state, Contains contains) {
+    std::size_t next = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(contains(next));
+        next = next == 996 ? 0 : next + 1;
+    }
+}
+
+void AskPolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
+    Question const question(shape, count);
+    AskOneByOne(state,
+                [&](std::size_t i) { return question.polygon.Contains(question.points[i]); });
+}
+
+void AskTrammel(benchmark::State& state, Shape const& shape, std::size_t count) {
+    Question const question(shape, count);
+    trammel::PreparedPolygon const prepared(question.polygon);
+    AskOneByOne(state, [&](std::size_t i) { return prepared.Contains(question.points[i]); });
+    state.counters["bytes"] =
+        static_cast<double>(prepared.MemorySize()) / static_cast<double>(count);
+}
+
+void BuildTrammel(benchmark::State& state, Shape const& shape, std::size_t count,
+                  std::size_t asked) {
+    Question const question(shape, count);
+    for (auto _ : state) {
+        trammel::PreparedPolygon const prepared(question.polygon);
+        for (std::size_t i = 0; i < asked; ++i) {
+            benchmark::DoNotOptimize(prepared.Contains(question.points[i]));
+        }
+    }
+}
+
+void SessionPolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
+    Question const question(shape, count);
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < kSession; ++i) {
+            benchmark::DoNotOptimize(question.polygon.Contains(question.points[i]));
+        }
+    }
+}
+
+#ifdef TRAMMEL_BENCH_GEOS
+
+void AskGeos(benchmark::State& state, Shape const& shape, std::size_t count) {
+    Question const question(shape, count);
+    std::unique_ptr<peers::Locator> const geos =
+        peers::GeosLocator(question.vertices, question.points);
+    geos->Prepare();
+    geos->Contains(0);
+    AskOneByOne(state, [&](std::size_t i) { return geos->Contains(i); });
+}
+
+void BuildGeos(benchmark::State& state, Shape const& shape, std::size_t count, std::size_t asked) {
+    Question const question(shape, count);
+    std::unique_ptr<peers::Locator> const geos =
+        peers::GeosLocator(question.vertices, question.points);
+    for (auto _ : state) {
+        geos->Prepare();
+        for (std::size_t i = 0; i < asked; ++i) {
+            benchmark::DoNotOptimize(geos->Contains(i));
+        }
+    }
+}
+
+#endif
+
+bool Register() {
+    for (Shape const& shape : kShapes) {
+        for (std::size_t const count : {10U, 1000U, 100000U}) {
+            std::string const name =
+                std::string("Prepared/") + shape.name + "/" + std::to_string(count);
+            auto const add = [&](char const* what, auto function, auto... more) {
+                benchmark::RegisterBenchmark((name + what).c_str(), function, shape, count,
+                                             more...);
+            };
+            add("/ask/polygon", AskPolygon);
+            add("/ask/trammel", AskTrammel);
+            add("/build/trammel", BuildTrammel, std::size_t{1});
+            add("/session/polygon", SessionPolygon);
+            add("/session/trammel", BuildTrammel, kSession);
+#ifdef TRAMMEL_BENCH_GEOS
+            add("/ask/geos", AskGeos);
+            add("/build/geos", BuildGeos, std::size_t{1});
+            add("/session/geos", BuildGeos, kSession);
+#endif
+        }
+    }
+    return true;
+}
+
+[[maybe_unused]] bool const kRegistered = Register();
+
+} // namespace
