@@ -48,7 +48,10 @@ WidePt operator-(WidePt a, WidePt b) { return {a.h - b.h, a.v - b.v}; }
 WidePt operator*(WidePt a, Wide s) { return {a.h * s, a.v * s}; }
 Wide Dot(WidePt a, WidePt b) { return a.h * b.h + a.v * b.v; }
 Wide Length(WidePt a) { return std::hypot(a.h, a.v); }
-WidePt Widened(Pt const& p) { return {p.h, p.v}; }
+Wide Widened(double x) { return static_cast<Wide>(x); }
+WidePt Widened(Pt const& p) { return {Widened(p.h), Widened(p.v)}; }
+/// How far a result is from the truth.
+Wide Off(double result, Wide truth) { return std::abs(Widened(result) - truth); }
 
 WidePt At(CBezier const& c, Wide t) {
     Wide const s = 1 - t;
@@ -300,10 +303,10 @@ TEST(ArcLength, OfAnyCurveIsWithinTheAccuracyAndRounding) {
             double const accuracy =
                 static_cast<double>(PolygonLength(curve)) * std::pow(10.0, -digits);
             double const length = ArcLength(curve, accuracy);
-            ASSERT_LE(std::abs(length - truth), accuracy + rounding) << Text(curve) << digits;
+            ASSERT_LE(Off(length, truth), Widened(accuracy) + rounding) << Text(curve) << digits;
         }
         for (double const finest : {0.0, -1.0, kNaN}) {
-            ASSERT_LE(std::abs(ArcLength(curve, finest) - truth), rounding) << Text(curve);
+            ASSERT_LE(Off(ArcLength(curve, finest), truth), rounding) << Text(curve);
         }
     }
 }
@@ -314,9 +317,10 @@ TEST(ArcLength, OfAPieceIsThatOfTheRange) {
         CBezier const curve = AnyCurve(random);
         double const a = random.Uniform(0, 1);
         double const b = random.Uniform(0, 1);
-        Wide const truth = a < b ? TrueLength(curve, a, b) : -TrueLength(curve, b, a);
+        Wide const truth = a < b ? TrueLength(curve, Widened(a), Widened(b))
+                                 : -TrueLength(curve, Widened(b), Widened(a));
         double const accuracy = static_cast<double>(PolygonLength(curve)) * 1e-10;
-        ASSERT_LE(std::abs(ArcLength(curve, a, b, accuracy) - truth), 1.001 * accuracy)
+        ASSERT_LE(Off(ArcLength(curve, a, b, accuracy), truth), 1.001L * Widened(accuracy))
             << Text(curve);
         ASSERT_EQ(ArcLength(curve, a, b, accuracy), -ArcLength(curve, b, a, accuracy));
         ASSERT_EQ(ArcLength(curve, -5, kInf, accuracy), ArcLength(curve, accuracy));
@@ -334,7 +338,7 @@ TEST(ArcLength, OfAQuadraticIsThatOfTheRaisedCubic) {
                          Pt(3.0 * random.Integer(-99, 99), 3.0 * random.Integer(-99, 99)),
                          Pt(3.0 * random.Integer(-99, 99), 3.0 * random.Integer(-99, 99)));
         CBezier const raised(c.P0, (c.P0 + c.P1 * 2.0) / 3.0, (c.P2 + c.P1 * 2.0) / 3.0, c.P2);
-        ASSERT_LE(std::abs(ArcLength(c, 1e-9) - TrueLength(raised)), 1e-9 + 1e-12);
+        ASSERT_LE(Off(ArcLength(c, 1e-9), TrueLength(raised)), 1e-9L + 1e-12L);
     }
 }
 
@@ -418,12 +422,14 @@ TEST(ParameterAtLength, CutsThePieceOfThatLength) {
         double const wanted = fraction * static_cast<double>(truth);
         for (int digits = 1; digits <= 13; digits += 3) {
             double const accuracy = static_cast<double>(size) * std::pow(10.0, -digits);
-            Wide const bound = accuracy + std::ldexp(size, -47);
+            Wide const bound = Widened(accuracy) + std::ldexp(size, -47);
             double const t = ParameterAtLength(curve, wanted, accuracy);
             ASSERT_TRUE(t >= 0.0 && t <= 1.0);
-            ASSERT_LE(std::abs(TrueLength(curve, 0, t) - wanted), bound) << Text(curve) << digits;
+            ASSERT_LE(Off(wanted, TrueLength(curve, 0, Widened(t))), bound)
+                << Text(curve) << digits;
             double const u = ParameterAtFraction(curve, fraction, accuracy);
-            ASSERT_LE(std::abs(TrueLength(curve, 0, u) - wanted), bound) << Text(curve) << digits;
+            ASSERT_LE(Off(wanted, TrueLength(curve, 0, Widened(u))), bound)
+                << Text(curve) << digits;
         }
     }
 }
@@ -486,8 +492,8 @@ void ExpectNearest(CBezier const& curve, Pt const& p, double accuracy) {
     Wide const rounding = NearestRounding(curve, p);
     ASSERT_TRUE(found.t >= 0.0 && found.t <= 1.0);
     ASSERT_TRUE(SameBits(found.point, curve.TPt(found.t)));
-    ASSERT_LE(std::abs(found.distance - DistanceAt(curve, found.t, p)), rounding);
-    ASSERT_LE(found.distance - TrueDistance(curve, p), accuracy + rounding)
+    ASSERT_LE(Off(found.distance, DistanceAt(curve, Widened(found.t), p)), rounding);
+    ASSERT_LE(Widened(found.distance) - TrueDistance(curve, p), Widened(accuracy) + rounding)
         << Text(curve) << " to " << Text(p) << " within " << accuracy;
 }
 
@@ -620,9 +626,9 @@ TEST(NearestPoint, OfSpecialCurvesEndsAndIsNaNWithoutNumbers) {
 void ExpectTight(CBezier const& curve) {
     TRect<double> const r = TightBounds(curve);
     TRect<double> const hull = curve.Extents();
-    Wide left = curve.P0.h;
+    Wide left = Widened(curve.P0.h);
     Wide right = left;
-    Wide top = curve.P0.v;
+    Wide top = Widened(curve.P0.v);
     Wide bottom = top;
     auto const add = [&](WidePt p) {
         left = std::min(left, p.h);
@@ -652,20 +658,20 @@ void ExpectTight(CBezier const& curve) {
     Wide const ulps = 2 * 0x1p-52L *
                       std::max(std::max(std::abs(left), std::abs(right)),
                                std::max(std::abs(top), std::abs(bottom)));
-    Wide const slackH = 0x1p-45L * (hull.right - hull.left) + ulps;
-    Wide const slackV = 0x1p-45L * (hull.bottom - hull.top) + ulps;
+    Wide const slackH = 0x1p-45L * Widened(hull.right - hull.left) + ulps;
+    Wide const slackV = 0x1p-45L * Widened(hull.bottom - hull.top) + ulps;
     // The samples themselves are rounded, in long double.
     Wide const noise =
         0x1p-60L * (std::abs(left) + std::abs(right) + std::abs(top) + std::abs(bottom) +
-                    hull.right - hull.left + hull.bottom - hull.top);
+                    Widened(hull.right - hull.left + hull.bottom - hull.top));
     ASSERT_LE(r.left, left + noise) << Text(curve);
     ASSERT_GE(r.right, right - noise) << Text(curve);
     ASSERT_LE(r.top, top + noise) << Text(curve);
     ASSERT_GE(r.bottom, bottom - noise) << Text(curve);
-    ASSERT_LE(left - r.left, slackH) << Text(curve);
-    ASSERT_LE(r.right - right, slackH) << Text(curve);
-    ASSERT_LE(top - r.top, slackV) << Text(curve);
-    ASSERT_LE(r.bottom - bottom, slackV) << Text(curve);
+    ASSERT_LE(Off(r.left, left), slackH) << Text(curve);
+    ASSERT_LE(Off(r.right, right), slackH) << Text(curve);
+    ASSERT_LE(Off(r.top, top), slackV) << Text(curve);
+    ASSERT_LE(Off(r.bottom, bottom), slackV) << Text(curve);
 }
 
 TEST(TightBounds, ContainTheCurveAndTouchIt) {
@@ -772,7 +778,7 @@ Wide HausdorffDistance(CBezier const& curve, std::vector<Pt> const& points) {
         for (int k = 0; k < 4; ++k) {
             WidePt const a = Widened(points[i]);
             WidePt const p = a + (Widened(points[i + 1]) - a) * (k / 4.0L);
-            Wide least = kInf;
+            Wide least = Widened(kInf);
             for (std::size_t j = 0; j + 1 < onCurve.size(); ++j) {
                 least = std::min(least, SegmentDistance(p, onCurve[j], onCurve[j + 1]));
             }
@@ -787,7 +793,7 @@ std::size_t FewestPoints(CBezier const& curve, double tolerance) {
     auto const keeps = [&](Wide a, Wide b) {
         for (int i = 1; i < 40; ++i) {
             if (SegmentDistance(At(curve, a + (b - a) * i / 40), At(curve, a), At(curve, b)) >
-                tolerance) {
+                Widened(tolerance)) {
                 return false;
             }
         }
@@ -842,12 +848,12 @@ TEST(FlattenWithin, KeepsFineTolerancesOnEveryChord) {
             ASSERT_EQ(FlattenWithin(curve, tolerance, polygon), tolerance);
             std::vector<Pt> const points = Points(polygon);
             // Both run alike, so the chord that is near is among the next ones.
-            Wide const limit = tolerance * 1.0000001L + 1e-12L;
+            Wide const limit = Widened(tolerance) * 1.0000001L + 1e-12L;
             std::size_t const samples = 20 * points.size();
             std::size_t chord = 0;
             for (std::size_t k = 0; k <= samples; ++k) {
                 WidePt const p = At(curve, static_cast<Wide>(k) / static_cast<Wide>(samples));
-                Wide least = kInf;
+                Wide least = Widened(kInf);
                 std::size_t const begin = chord;
                 for (std::size_t j = begin; j < begin + 30 && j + 1 < points.size(); ++j) {
                     Wide const distance =
