@@ -206,7 +206,11 @@ template <class T> struct TRAMMEL_API TPoint {
         double const c = std::cos(angle);
         double const oldH = h;
         double const oldV = v;
-        h = trammel_detail::StoreCoordinate<T>(oldH * c - oldV * s);
+        // oldH * c - oldV * s to the last bit. Written like this because GCC 12, where the
+        // processor has fused operations, makes one of the pair of a difference and a sum,
+        // -ffp-contract=off or not, and so gives other bits; of two sums it does not.
+        double const minusS = -s;
+        h = trammel_detail::StoreCoordinate<T>(oldH * c + oldV * minusS);
         v = trammel_detail::StoreCoordinate<T>(oldH * s + oldV * c);
         return *this;
     }
