@@ -1,0 +1,306 @@
+// SPDX-License-Identifier: MIT
+//
+// The parts about paths.
+
+#include "Identity.h"
+
+#include "CMatrix3x3.h"
+#include "CPath.h"
+#include "CPathActions.h"
+#include "plain/PlainPath.h"
+
+#include <cmath>
+
+namespace identity {
+
+namespace {
+
+/// A path and its plain form, built by the same calls.
+struct Both {
+    CPath path;
+    plain::Path plain;
+
+    void MoveTo(Pt const& p) {
+        path.MoveTo(p);
+        plain.MoveTo(p);
+    }
+    void LineTo(Pt const& p) {
+        path.LineTo(p);
+        plain.LineTo(p);
+    }
+    void CurveTo(Pt const& c1, Pt const& c2, Pt const& end) {
+        path.CurveTo(c1, c2, end);
+        plain.CurveTo(c1, c2, end);
+    }
+    void ClosePath() {
+        path.ClosePath();
+        plain.ClosePath();
+    }
+};
+
+/// The next point of a path: near the current one, or it, or its upright or level neighbour, or
+/// wild.
+Pt NextPoint(Random& random, Pt const& current, bool wild) {
+    Pt p = current + random.Point(-20, 20);
+    switch (random.Int(0, 11)) {
+    case 0:
+        return current;
+    case 1:
+        p.h = current.h;
+        return p;
+    case 2:
+        p.v = current.v;
+        return p;
+    case 3:
+        if (wild) {
+            p.h = random.OneIn(2) ? random.Special() : random.Binary(-900, 900);
+        }
+        return p;
+    default:
+        return p;
+    }
+}
+
+/// A path of a few elements, mostly such as drawings have; also without a move at its start, with
+/// elements after a close, and without any length.
+void Build(Random& random, bool wild, Both& both) {
+    int const count = random.Int(0, random.OneIn(4) ? 16 : 6);
+    if (!random.OneIn(8)) {
+        both.MoveTo(random.Point(0, 100));
+    }
+    for (int i = 0; i < count; ++i) {
+        Pt const current = both.path.CurrentPoint();
+        switch (random.Int(0, 9)) {
+        case 0:
+            both.MoveTo(NextPoint(random, current, wild));
+            break;
+        case 1:
+            both.ClosePath();
+            break;
+        case 2:
+        case 3:
+        case 4:
+            both.LineTo(NextPoint(random, current, wild));
+            break;
+        default: {
+            Pt const c1 = NextPoint(random, current, wild);
+            Pt const c2 = NextPoint(random, c1, wild);
+            both.CurveTo(c1, c2, NextPoint(random, c2, wild));
+        }
+        }
+    }
+    if (random.OneIn(2)) {
+        both.ClosePath();
+    }
+}
+
+void Add(Digest& digest, CPath const& path) {
+    digest.Add(static_cast<std::int64_t>(path.mCtls.size()));
+    for (char const code : path.mCtls) {
+        digest.Add(std::int32_t{code});
+    }
+    digest.Add(path.mPts);
+}
+
+void Add(Digest& digest, plain::Path const& path) {
+    digest.Add(static_cast<std::int64_t>(path.codes.size()));
+    for (char const code : path.codes) {
+        digest.Add(std::int32_t{code});
+    }
+    digest.Add(path.pts);
+}
+
+/// Wild coordinates are subdivided to the end everywhere, so their depth is small.
+void SetUpFor(Random& random, bool wild) {
+    int const depth = wild ? random.Int(1, 5) : 15;
+    SetUp(random, random.Uniform(0.1, 2.0), depth);
+}
+
+void Built(Part& part) {
+    Random& random = part.random;
+    for (int i = part.Count(100000); i > 0; --i) {
+        Both both;
+        Build(random, random.OneIn(4), both);
+        Pt const centre = random.Point(0, 100);
+        double const hRadius = random.Uniform(0, 50);
+        double const vRadius = random.OneIn(2) ? hRadius : random.Uniform(0, 50);
+        double const from =
+            random.OneIn(4) ? random.Int(-4, 4) * (pi / 2.0) : random.Uniform(-7, 7);
+        double const sweep =
+            random.OneIn(4) ? random.Int(-4, 4) * (pi / 2.0) : random.Uniform(-10, 10);
+        both.path.Arc(centre, hRadius, vRadius, from, sweep);
+        both.plain.Arc(centre, hRadius, vRadius, from, sweep);
+        Both more;
+        Build(random, false, more);
+        bool const appends = random.OneIn(2);
+        if (appends) {
+            both.path.Append(more.path);
+        }
+        Digest digest;
+        Add(digest, both.path);
+        digest.Add(both.path.CurrentPoint());
+        part.Take(digest, [&] {
+            if (appends) {
+                both.plain.Append(more.plain);
+            }
+            Digest expected;
+            Add(expected, both.plain);
+            expected.Add(both.plain.current);
+            return expected;
+        });
+    }
+}
+
+/// What has no plain form: rounded rectangles, transforms, bounds, visits.
+void Shaped(Part& part) {
+    class Visitor : public CPathActions {
+    public:
+        Digest digest;
+        void MoveTo(Pt const& p) override { digest.Add(p); }
+        void LineTo(Pt const& p) override { digest.Add(p); }
+        void CurveTo(Pt const& c1, Pt const& c2, Pt const& end) override {
+            digest.Add(c1);
+            digest.Add(c2);
+            digest.Add(end);
+        }
+        void ClosePath() override { digest.Add(true); }
+    };
+    Random& random = part.random;
+    for (int i = part.Count(60000); i > 0; --i) {
+        Both both;
+        Build(random, random.OneIn(4), both);
+        Pt const a = random.Point(0, 100);
+        Pt const b = random.Point(0, 100);
+        both.path.RRect(Box(a, b), random.Uniform(0, 40));
+        CMatrix3x3 m;
+        m.Scale(random.Uniform(-2, 2));
+        m.Translate(random.Uniform(-9, 9), 3.0);
+        m.c = random.Uniform(-1, 1);
+        Visitor visitor;
+        visitor.digest.Add(both.path.Bounds());
+        both.path.Transform(m);
+        visitor.digest.Add(both.path.Bounds());
+        both.path.ForAll(visitor);
+        visitor.digest.Add(both.path.TestContents(CPath::kContainsCurves));
+        visitor.digest.Add(both.path.Closed());
+        visitor.digest.Add(static_cast<std::uint64_t>(both.path.size()));
+        part.Take(visitor.digest);
+    }
+}
+
+void Measured(Part& part) {
+    Random& random = part.random;
+    for (int i = part.Count(30000); i > 0; --i) {
+        bool const wild = random.OneIn(4);
+        Both both;
+        Build(random, wild, both);
+        SetUpFor(random, wild);
+        double const t = Fraction(random);
+        Pt const pt = PointAbout(random, both.path.Bounds());
+        Digest digest;
+        digest.Add(both.path.Length());
+        digest.Add(both.path.TPt(t));
+        digest.Add(both.path.FindTValue(pt));
+        digest.Add(CBezier::mMaxError);
+        part.Take(
+            digest,
+            [&] {
+                Digest expected;
+                expected.Add(both.plain.Length());
+                expected.Add(both.plain.TPt(t));
+                expected.Add(both.plain.FindTValue(pt));
+                expected.Add(plain::state.maxError);
+                return expected;
+            },
+            16);
+    }
+}
+
+void Cut(Part& part) {
+    Random& random = part.random;
+    for (int i = part.Count(30000); i > 0; --i) {
+        bool const wild = random.OneIn(4);
+        Both both;
+        Build(random, wild, both);
+        SetUpFor(random, wild);
+        double t0 = Fraction(random);
+        double t1 = Fraction(random);
+        if (t1 < t0 && !random.OneIn(8)) {
+            double const t = t0;
+            t0 = t1;
+            t1 = t;
+        }
+        bool const removes = random.OneIn(4);
+        CPath a;
+        CPath b;
+        if (removes) {
+            both.path.RemoveTRange(t0, t1, a, b);
+        } else {
+            both.path.GetTRange(t0, t1, a);
+        }
+        Digest digest;
+        Add(digest, a);
+        Add(digest, b);
+        part.Take(
+            digest,
+            [&] {
+                plain::Path c;
+                plain::Path d;
+                if (removes) {
+                    both.plain.RemoveTRange(t0, t1, c, d);
+                } else {
+                    both.plain.GetTRange(t0, t1, c);
+                }
+                Digest expected;
+                Add(expected, c);
+                Add(expected, d);
+                return expected;
+            },
+            16);
+    }
+}
+
+/// Outlines of hundreds of elements.
+void Long(Part& part) {
+    Random& random = part.random;
+    for (int i = part.Count(150); i > 0; --i) {
+        Both both;
+        int const pieces = random.Int(20, 60);
+        for (int k = 0; k < pieces; ++k) {
+            Build(random, false, both);
+        }
+        SetUpFor(random, false);
+        double const t0 = random.Uniform(0, 0.9);
+        double const t1 = random.Uniform(t0, 1);
+        Pt const pt = PointAbout(random, both.path.Bounds());
+        CPath piece;
+        both.path.GetTRange(t0, t1, piece);
+        Digest digest;
+        Add(digest, piece);
+        digest.Add(both.path.TPt(t0));
+        digest.Add(both.path.FindTValue(pt));
+        part.Take(
+            digest,
+            [&] {
+                plain::Path c;
+                both.plain.GetTRange(t0, t1, c);
+                Digest expected;
+                Add(expected, c);
+                expected.Add(both.plain.TPt(t0));
+                expected.Add(both.plain.FindTValue(pt));
+                return expected;
+            },
+            40);
+    }
+}
+
+} // namespace
+
+std::vector<Entry> PathParts() {
+    return {
+        {"path.build", Built}, {"path.shape", Shaped}, {"path.measure", Measured},
+        {"path.cut", Cut},     {"path.long", Long},
+    };
+}
+
+} // namespace identity

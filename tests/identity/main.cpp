@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+//
+// The identity suite: a million inputs and more, from drawings and from the edges of what doubles
+// can hold, go through the library, and every bit that comes back goes into one hash. Where another
+// compiler, optimisation level, processor or form of an algorithm changes a single bit of a result,
+// the order of two points or a counter, the hash is another; the parts' hashes tell where. Many of
+// the inputs go through the plain forms (tests/plain), too, and are compared one by one.
+//
+//     trammel_identity [--quick] [--hashes-only] [--expect FILE] [--part NAME]...
+//
+// --quick        makes a small part of the inputs, for builds that are slow; their hashes are
+// others
+// --hashes-only  leaves the plain forms out
+// --expect       compares with the hashes in FILE, which are what the program prints
+// --part         runs only the parts whose names begin with NAME
+//
+// Ends with 0 when all is the same, 1 where something differs from FILE or from a plain form, 2 for
+// wrong arguments. 77 says that the C library's functions themselves give other bits here than they
+// gave where FILE was made: then all may be well that follows from them, and the plain forms, which
+// use the same functions, agree.
+
+#include "Identity.h"
+
+#include <chrono>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+namespace identity {
+
+namespace {
+
+/// The C library's functions, in a part of their own, as they are not ours.
+void CLibrary(Part& part) {
+    Random& random = part.random;
+    for (int i = part.Count(100000); i > 0; --i) {
+        // Volatile, so that the function is called and not computed by the compiler.
+        double volatile x = random.OneIn(4) ? random.Binary(-30, 30) : random.Uniform(-7, 7);
+        double volatile y = random.OneIn(4) ? random.Binary(-500, 500) : random.Uniform(-7, 7);
+        Digest digest;
+        digest.Add(std::sin(x));
+        digest.Add(std::cos(x));
+        digest.Add(std::hypot(x, y));
+        digest.Add(std::sqrt(std::abs(y)));
+        digest.Add(std::atan2(y, x));
+        digest.Add(std::acos(x));
+        part.Take(digest);
+    }
+}
+
+constexpr char const* kCLibrary = "c-library";
+
+typedef std::map<std::string, std::uint64_t> Hashes;
+
+/// "quick curve.hit" and so on, and their hashes; false when the file cannot be read.
+bool ReadHashes(char const* file, Hashes& hashes) {
+    std::ifstream in(file);
+    std::string line;
+    while (std::getline(in, line)) {
+        std::istringstream words(line);
+        std::string size;
+        std::string part;
+        std::string hash;
+        if (words >> size >> part >> hash && size[0] != '#') {
+            hashes[size + " " + part] = std::stoull(hash, nullptr, 16);
+        }
+    }
+    return in.eof();
+}
+
+struct Options {
+    bool quick = false;
+    bool compares = true;
+    char const* expect = nullptr;
+    std::vector<std::string> parts;
+
+    bool Selects(std::string const& name) const {
+        bool selected = parts.empty();
+        for (std::string const& begin : parts) {
+            selected = selected || name.compare(0, begin.size(), begin) == 0;
+        }
+        return selected;
+    }
+};
+
+int Run(Options const& options) {
+    Hashes expected;
+    if (options.expect != nullptr && !ReadHashes(options.expect, expected)) {
+        std::fprintf(stderr, "trammel_identity: cannot read %s\n", options.expect);
+        return 2;
+    }
+    std::vector<Entry> entries = {{kCLibrary, CLibrary}};
+    for (std::vector<Entry> const& some : {CurveParts(), PathParts(), PolygonParts()}) {
+        entries.insert(entries.end(), some.begin(), some.end());
+    }
+
+    std::string const size = options.quick ? "quick" : "full";
+    Digest all;
+    long inputs = 0;
+    long compared = 0;
+    long differences = 0;
+    bool otherLibrary = false;
+    int otherHashes = 0;
+    // One line of the table; tells when it is not what was expected.
+    auto const report = [&](std::string const& name, std::uint64_t value, long count,
+                            double seconds) {
+        auto const found = expected.find(size + " " + name);
+        bool const same =
+            options.expect == nullptr || (found != expected.end() && found->second == value);
+        std::printf("%s %-20s %016" PRIx64 " %8ld inputs %6.2f s%s\n", size.c_str(), name.c_str(),
+                    value, count, seconds, same ? "" : "  DIFFERS");
+        std::fflush(stdout);
+        return same;
+    };
+
+    for (Entry const& entry : entries) {
+        if (!options.Selects(entry.name)) {
+            continue;
+        }
+        auto const start = std::chrono::steady_clock::now();
+        Part part(entry.name, options.quick ? 40 : 1, options.compares);
+        entry.run(part);
+        std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
+        bool const same = report(entry.name, part.Value(), part.Inputs(), time.count());
+        if (entry.name == kCLibrary) {
+            otherLibrary = !same;
+            continue; // it tells about others
+        }
+        otherHashes += same ? 0 : 1;
+        all.Add(part.Value());
+        inputs += part.Inputs();
+        compared += part.Compared();
+        differences += part.Differences();
+    }
+    if (options.parts.empty() && !report("all", all.Value(), inputs, 0.0)) {
+        ++otherHashes;
+    }
+    std::printf("%ld of %ld compared with the plain forms, %ld differ\n", compared, inputs,
+                differences);
+    if (differences > 0) {
+        return 1;
+    }
+    if (otherHashes > 0 && otherLibrary) {
+        std::fprintf(stderr, "trammel_identity: this C library's functions give other bits than "
+                             "the one that the hashes are from\n");
+        return 77;
+    }
+    return otherHashes > 0 ? 1 : 0;
+}
+
+int Main(int count, char** arguments) {
+    Options options;
+    for (int i = 1; i < count; ++i) {
+        std::string const argument = arguments[i];
+        if (argument == "--quick") {
+            options.quick = true;
+        } else if (argument == "--hashes-only") {
+            options.compares = false;
+        } else if (argument == "--expect" && i + 1 < count) {
+            options.expect = arguments[++i];
+        } else if (argument == "--part" && i + 1 < count) {
+            options.parts.emplace_back(arguments[++i]);
+        } else {
+            std::fprintf(stderr,
+                         "trammel_identity [--quick] [--hashes-only] [--expect FILE] "
+                         "[--part NAME]...: not %s\n",
+                         argument.c_str());
+            return 2;
+        }
+    }
+    return Run(options);
+}
+
+} // namespace
+
+} // namespace identity
+
+int main(int count, char** arguments) {
+    try {
+        return identity::Main(count, arguments);
+    } catch (std::exception const& error) {
+        std::fprintf(stderr, "trammel_identity: %s\n", error.what());
+        return 1;
+    }
+}
