@@ -66,6 +66,15 @@ struct Vertices {
     }
 };
 
+/// The sum of the distances from vertex to vertex, the closing edge left out.
+double ChainLength(Vertices const& vertices) {
+    double length = 0.0;
+    for (long i = 1; i < vertices.count; ++i) {
+        length += TLine<double>(vertices[i - 1], vertices[i]).Length();
+    }
+    return length;
+}
+
 /// The vertices as a run; good until the polygon changes.
 trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     Vertices const vertices(polygon);
@@ -231,10 +240,9 @@ template <class T> TLine<T> TPolygon<T>::GetEdge(long index) const {
 
 template <class T> double TPolygon<T>::Length() const {
     Vertices const vertices(*this);
-    long const lastEdge = LastEdge();
-    double length = 0.0;
-    for (long i = 0; i <= lastEdge; ++i) {
-        length += vertices.Edge(i).Length();
+    double length = ChainLength(vertices);
+    if (Closed() && vertices.count > 0) {
+        length += vertices.Edge(vertices.count - 1).Length();
     }
     return length;
 }
