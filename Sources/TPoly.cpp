@@ -5,6 +5,7 @@
 #include "Assertion.h"
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
+#include "UCurveKernels_p.h"
 #include "UPointRun_p.h"
 #include "UScalar.h"
 
@@ -66,11 +67,40 @@ struct Vertices {
     }
 };
 
+/// The lengths of the edges from vertex to vertex, one after the other, the closing edge left out.
+/// Computed many at a time.
+class ChainEdges {
+public:
+    explicit ChainEdges(Vertices const& vertices) : mVertices(vertices) {}
+
+    /// The length of the next edge; called at most once for each edge.
+    double Next() {
+        if (mNext == mEnd) {
+            long const some = std::min(mVertices.count - 1 - mFrom, kAtOnce);
+            trammel_detail::EdgeLengths(&mVertices.points[mFrom].v, some, mLengths);
+            mFrom += some;
+            mEnd = some;
+            mNext = 0;
+        }
+        return mLengths[mNext++];
+    }
+
+private:
+    static constexpr long kAtOnce = 256;
+
+    Vertices const& mVertices;
+    long mFrom = 0;
+    long mNext = 0;
+    long mEnd = 0;
+    double mLengths[kAtOnce];
+};
+
 /// The sum of the distances from vertex to vertex, the closing edge left out.
 double ChainLength(Vertices const& vertices) {
+    ChainEdges edges(vertices);
     double length = 0.0;
     for (long i = 1; i < vertices.count; ++i) {
-        length += TLine<double>(vertices[i - 1], vertices[i]).Length();
+        length += edges.Next();
     }
     return length;
 }
@@ -290,14 +320,14 @@ template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {
     double const target = t * Length();
     Vertices const vertices(*this);
     long const lastEdge = LastEdge();
+    ChainEdges edges(vertices);
     double sum = 0.0;
     for (long i = 0; i <= lastEdge; ++i) {
-        TLine<T> const edge = vertices.Edge(i);
         double const before = sum;
-        double const length = edge.Length();
+        double const length = i + 1 < vertices.count ? edges.Next() : vertices.Edge(i).Length();
         sum += length;
         if (sum >= target) {
-            return edge.TPt((target - before) / length);
+            return vertices.Edge(i).TPt((target - before) / length);
         }
     }
     return GetPt(LastIndex());
