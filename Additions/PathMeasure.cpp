@@ -132,13 +132,21 @@ struct Strip {
 
     Pt End() const { return start + delta; }
 
-    /// The distance from `p` to the chord.
-    double ChordDistance(Pt const& p) const {
+    /// The square of the distance from `p` to the chord.
+    double SquaredChordDistance(Pt const& p) const {
         Pt const e = p - start;
         double const t = std::min(std::max((e.h * delta.h + e.v * delta.v) * inverse, 0.0), 1.0);
         double const h = e.h - delta.h * t;
         double const v = e.v - delta.v * t;
-        return std::sqrt(h * h + v * v);
+        return h * h + v * v;
+    }
+    double ChordDistance(Pt const& p) const { return std::sqrt(SquaredChordDistance(p)); }
+
+    /// True when nothing in the strip is as near as `limit`, which leaves room for rounding, to a
+    /// point with this squared distance from the chord.
+    bool Beyond(double limit, double squaredDistance) const {
+        double const reach = limit + radius;
+        return squaredDistance > reach * reach;
     }
 };
 
@@ -475,7 +483,9 @@ void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) cons
         point = segment.curve.TPt(parameter);
     } else {
         TLine<double> const line = segment.Line();
-        parameter = line.FindTValue(p);
+        // TLine::FindTValue, with the length at hand.
+        Pt const pinned = line.PinPtToLineSeg(line.PerpendicularPt(p));
+        parameter = TLine<double>(line.mStart, pinned).Length() / segment.length;
         point = line.TPt(parameter);
     }
     double const distance = TLine<double>(p, point).Length();
@@ -495,7 +505,8 @@ void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) cons
     }
 }
 
-/// The bound above which a strip holds nothing that is as near as `best`.
+/// The distance, rounding of all kinds included, beyond which nothing is as near as `best`. Neither
+/// it nor its square underflows.
 double MeasuredOutline::Limit(Pt const& p, double best) {
     if (best <= Strip::kLargest && Magnitude(p) <= Strip::kLargest) {
         return best * (1.0 + Strip::kSlack) + Strip::kSlack * Magnitude(p) + 0x1p-400;
@@ -510,18 +521,18 @@ PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction
         return nearest;
     }
     struct Node {
-        double bound;    ///< the least distance from p to what is in the strip
-        double distance; ///< from p to the strip's chord
+        double squaredDistance; ///< from p to the strip's chord
         std::size_t level;
         std::size_t index;
     };
     std::array<Node, kMostLevels*(kChildren - 1) + 1> pending;
     std::size_t count = 0;
     Candidate best;
-    pending[count++] = Node{0.0, 0.0, mTop, 0};
+    pending[count++] = Node{0.0, mTop, 0};
     while (count > 0) {
         Node const node = pending[--count];
-        if (node.bound > best.limit) {
+        if (mStrips[mLevels[node.level].first + node.index].Beyond(best.limit,
+                                                                   node.squaredDistance)) {
             continue;
         }
         if (node.level == 0) {
@@ -533,18 +544,17 @@ PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction
         std::size_t const firstPending = count;
         for (std::size_t i = node.index * kChildren; i < end; ++i) {
             Strip const& strip = mStrips[below.first + i];
-            double const distance = strip.ChordDistance(p);
-            double const bound = distance - strip.radius;
-            if (bound > best.limit) {
+            double const squared = strip.SquaredChordDistance(p);
+            if (strip.Beyond(best.limit, squared)) {
                 continue;
             }
-            // On top, to be taken first, the one with the nearest chord: bounds tell little where
-            // the strips are wide.
+            // On top, to be taken first, the one with the nearest chord: what is left beside the
+            // radius would tell little where the strips are wide.
             std::size_t at = count++;
-            for (; at > firstPending && pending[at - 1].distance < distance; --at) {
+            for (; at > firstPending && pending[at - 1].squaredDistance < squared; --at) {
                 pending[at] = pending[at - 1];
             }
-            pending[at] = Node{bound, distance, node.level - 1, i};
+            pending[at] = Node{squared, node.level - 1, i};
         }
     }
     if (!best.found) {
