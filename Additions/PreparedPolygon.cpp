@@ -102,7 +102,7 @@ struct Keys {
         }
     }
     float operator()(double h) const {
-        constexpr double kMax = std::numeric_limits<float>::max();
+        constexpr double kMax = static_cast<double>(std::numeric_limits<float>::max());
         return static_cast<float>(std::clamp((h - centre) * scale, -kMax, kMax));
     }
 };
