@@ -103,7 +103,7 @@ inline constexpr long kMostFlatPoints = 65536;
 /// size if that is more, or what kMostFlatPoints points could achieve. A curve that is straight
 /// gives its ends and, where it doubles back, the turning points.
 ///
-/// Points lie as densely as the bend demands, within a few per cent of the fewest possible for
+/// Points lie as densely as the bend demands, within about a tenth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
 /// returned.
 /// Cost: two evaluations a point; each chord is verified.

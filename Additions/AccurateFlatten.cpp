@@ -49,7 +49,7 @@ constexpr double kPlanned = 0.97;
 constexpr std::size_t kFewPanels = 16;
 constexpr std::size_t kManyPanels = 64;
 /// With more points than this there are many panels.
-constexpr double kFewPoints = 40.0;
+constexpr double kFewPoints = 80.0;
 /// The part of a piece that a division at a turn leaves at least on either side.
 constexpr double kLeastPart = 0.05;
 /// Divisions of a chord at most: its parameters are neighbours then.
@@ -134,20 +134,34 @@ struct Deviation {
     double along;  ///< beyond the ends
 };
 
+/// Of a piece over a parameter range `h`, with the chord (dh, dv) of squared length `square`, and
+/// thirds of the derivatives at its ends. In plain numbers, so that compilers see a loop over
+/// arrays.
+Deviation DeviationOf(double h, double dh, double dv, double square, double v0h, double v0v,
+                      double v1h, double v1v) {
+    double const e1 = h * (dh * v0v - dv * v0h);
+    double const e2 = -h * (dh * v1v - dv * v1h);
+    // By magnitudes instead of comparisons, which keeps the loop over many chords free of branches:
+    // the greater of |e1| and |e2|, and the lesser one, negative when on the other side of the
+    // chord, which counts 11/36 when positive, and 4/9 - 1/sqrt(12), rounded down, when negative.
+    double const sum = std::abs(e1 + e2);
+    double const difference = std::abs(e1 - e2);
+    double const greater = 0.5 * (sum + difference);
+    double const lesser = 0.5 * (sum - difference);
+    constexpr double kSame = 11.0 / 36.0;
+    constexpr double kOpposite = 0.1557;
+    double const across = 4.0 / 9.0 * greater + 0.5 * (kSame + kOpposite) * lesser +
+                          0.5 * (kSame - kOpposite) * std::abs(lesser);
+    // Control points at a1 and square - a2, the ends at 0 and square; distances from the middle.
+    double const middle = 0.5 * square;
+    double const a1 = std::abs(h * (dh * v0h + dv * v0v) - middle);
+    double const a2 = std::abs(h * (dh * v1h + dv * v1v) - middle);
+    double const beyond = 0.5 * (a1 + a2 + std::abs(a1 - a2)) - middle;
+    return {across, 0.375 * (beyond + std::abs(beyond))};
+}
+
 Deviation DeviationOf(Place const& p0, Place const& p1, Pt const& d, double square) {
-    double const h = p1.t - p0.t;
-    double const e1 = h * Cross(d, p0.v);
-    double const e2 = -h * Cross(d, p1.v);
-    double const greater = std::max(std::abs(e1), std::abs(e2));
-    double const lesser = std::min(std::abs(e1), std::abs(e2));
-    double const same = 4.0 / 9.0 * greater + 11.0 / 36.0 * lesser;
-    // 4/9 - 1/sqrt(12), rounded down
-    double const opposite = 4.0 / 9.0 * greater - 0.1557 * lesser;
-    double const a1 = h * Dot(d, p0.v);
-    double const a2 = h * Dot(d, p1.v);
-    // Control points at a1 and square - a2, the ends at 0 and square.
-    double const beyond = std::max(std::max(-a1, a1 - square), std::max(-a2, a2 - square));
-    return {e1 * e2 > 0.0 ? same : opposite, 0.75 * std::max(beyond, 0.0)};
+    return DeviationOf(p1.t - p0.t, d.h, d.v, square, p0.v.h, p0.v.v, p1.v.h, p1.v.v);
 }
 
 /// True when the piece keeps the distance from its chord.
@@ -281,7 +295,10 @@ struct Run {
     std::array<double, kRoom + 1> v;
     std::array<double, kRoom + 1> dh;
     std::array<double, kRoom + 1> dv;
-    std::array<double, kRoom + 1> spare; ///< at least 0: the chord before keeps the tolerance
+    std::array<double, kRoom + 1> spare; ///< at least 0: the chord before keeps the tolerance,
+    std::array<double, kRoom + 1> chord; ///< if this is above 0: it is longer than the tolerance
+
+    bool Keeps(std::size_t i) const { return spare[i] >= 0.0 && chord[i] > 0.0; }
 
     void Set(std::size_t i, Place const& p) {
         t[i] = p.t;
@@ -305,14 +322,13 @@ struct Run {
     void Verify(std::size_t count, double tolerance) {
         double const limit = tolerance * tolerance;
         for (std::size_t i = 0; i < count; ++i) {
-            Place const p0 = Get(i);
-            Place const p1 = Get(i + 1);
-            Pt const d = p1.at - p0.at;
-            double const square = Square(d);
-            Deviation const off = DeviationOf(p0, p1, d, square);
-            double const spared =
-                limit * square - (off.across * off.across + off.along * off.along);
-            spare[i + 1] = square > limit ? spared : -1.0;
+            double const chordH = h[i + 1] - h[i];
+            double const chordV = v[i + 1] - v[i];
+            double const square = chordH * chordH + chordV * chordV;
+            Deviation const off = DeviationOf(t[i + 1] - t[i], chordH, chordV, square, dh[i], dv[i],
+                                              dh[i + 1], dv[i + 1]);
+            spare[i + 1] = limit * square - (off.across * off.across + off.along * off.along);
+            chord[i + 1] = square - limit;
         }
     }
 };
@@ -337,7 +353,7 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
         run.Evaluate(curve, count);
         run.Verify(count, tolerance);
         for (std::size_t i = 1; i <= count; ++i) {
-            if (run.spare[i] >= 0.0) {
+            if (run.Keeps(i)) {
                 if (run.t[i] < 1.0) {
                     deliver(Pt(run.h[i], run.v[i]));
                 }
