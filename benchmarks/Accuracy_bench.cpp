@@ -7,8 +7,8 @@
 // Run by hand: trammel_bench --benchmark_filter=Accuracy
 
 #include "Measure.h"
+#include "Truth.h"
 
-#include <trammel/TLine.h>
 #include <trammel/TPoly.h>
 #include <trammel/UTrigonometry.h>
 
@@ -36,37 +36,6 @@ struct Errors {
     double Mean() const { return sum / count; }
 };
 
-/// The curve's speed at parameter t.
-double Speed(CBezier const& c, double t) {
-    TPoint<double> const d = (c.P1 - c.P0) * ((1.0 - t) * (1.0 - t)) +
-                             (c.P2 - c.P1) * (2.0 * t * (1.0 - t)) + (c.P3 - c.P2) * (t * t);
-    return 3.0 * d.Hypotenuse();
-}
-
-/// The arc length by 5-point Gauss-Legendre quadrature, halving until both halves together agree
-/// with the whole; near cusps, where it converges slowly, down to pieces that do not matter.
-double TrueLength(CBezier const& c, double t0, double t1, int depth) {
-    auto const gauss = [&](double a, double b) {
-        double const nodes[] = {0.0, 0.5384693101056831, 0.9061798459386640};
-        double const weights[] = {0.5688888888888889, 0.4786286704993665, 0.2369268850561891};
-        double const middle = (a + b) / 2.0;
-        double const half = (b - a) / 2.0;
-        double sum = weights[0] * Speed(c, middle);
-        for (int i = 1; i < 3; ++i) {
-            sum += weights[i] *
-                   (Speed(c, middle - half * nodes[i]) + Speed(c, middle + half * nodes[i]));
-        }
-        return sum * half;
-    };
-    double const middle = (t0 + t1) / 2.0;
-    double const whole = gauss(t0, t1);
-    double const halves = gauss(t0, middle) + gauss(middle, t1);
-    if (depth == 0 || std::abs(whole - halves) <= 1e-12 * halves) {
-        return halves;
-    }
-    return TrueLength(c, t0, middle, depth - 1) + TrueLength(c, middle, t1, depth - 1);
-}
-
 template <class Items> bool Skipped(benchmark::State& state, Items const& items) {
     if (items.empty()) {
         state.SkipWithError("no such font here, or built without FreeType");
@@ -83,7 +52,7 @@ void AccuracyLength(benchmark::State& state, inputs::Set set) {
     Errors relative;
     for (auto _ : state) {
         for (CBezier const& curve : curves) {
-            double const truth = TrueLength(curve, 0.0, 1.0, 40);
+            double const truth = truth::Length(curve, 0.0, 1.0);
             relative.Add(std::abs(curve.Length() - truth) / truth);
         }
     }
@@ -93,15 +62,6 @@ void AccuracyLength(benchmark::State& state, inputs::Set set) {
 BENCHMARK_CAPTURE(AccuracyLength, random, inputs::Set::kRandom)->Iterations(1);
 BENCHMARK_CAPTURE(AccuracyLength, truetype, inputs::Set::kTrueType)->Iterations(1);
 BENCHMARK_CAPTURE(AccuracyLength, cff, inputs::Set::kCff)->Iterations(1);
-
-/// The distance from `p` to the segment from `a` to `b`.
-double Distance(TPoint<double> const& p, TPoint<double> const& a, TPoint<double> const& b) {
-    TPoint<double> const d = b - a;
-    double const square = d.h * d.h + d.v * d.v;
-    TPoint<double> const q = p - a;
-    double const t = square > 0.0 ? (q.h * d.h + q.v * d.v) / square : 0.0;
-    return (a + d * std::min(std::max(t, 0.0), 1.0) - p).Length();
-}
 
 /// How far curves are from their flattenings, in units of the tolerance asked for: `worst` is the
 /// greatest distance of a point of a curve, `beyond` the share of curves that exceed 1 somewhere.
@@ -121,8 +81,8 @@ void AccuracyFlatten(benchmark::State& state, inputs::Set set, double error) {
                 TPoint<double> const p = curve.TPt(i / 2000.0);
                 double nearest = std::numeric_limits<double>::infinity();
                 for (long edge = 0; edge < polygon.LastIndex(); ++edge) {
-                    nearest = std::min(nearest,
-                                       Distance(p, polygon.GetPt(edge), polygon.GetPt(edge + 1)));
+                    nearest = std::min(
+                        nearest, truth::Distance(p, polygon.GetPt(edge), polygon.GetPt(edge + 1)));
                 }
                 worst = std::max(worst, nearest);
             }

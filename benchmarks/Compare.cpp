@@ -2,6 +2,8 @@
 
 #include "Compare.h"
 
+#include <trammel/TPoly.h>
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -45,7 +47,35 @@ std::string Name(std::string const& work, std::string const& input, std::string 
     return "compare/" + work + "/" + input + "/" + who;
 }
 
+TPolygon<double> Polygon(truth::Chain const& ring) {
+    TPolygon<double> polygon;
+    for (TPoint<double> const& p : ring) {
+        polygon.Append(p, true);
+    }
+    return polygon;
+}
+
 } // namespace
+
+double ContainedIn(truth::Chain const& ring, truth::Chain const& points) {
+    TPolygon<double> const polygon = Polygon(ring);
+    double count = 0.0;
+    for (TPoint<double> const& p : points) {
+        count += polygon.Contains(p) ? 1.0 : 0.0;
+    }
+    return count;
+}
+
+double ClippedBy(truth::Chain const& ring, std::vector<TLine<double>> const& lines) {
+    TPolygon<double> const polygon = Polygon(ring);
+    double length = 0.0;
+    for (TLine<double> const& line : lines) {
+        for (TLine<double> const& piece : polygon.Clip(line)) {
+            length += piece.Length();
+        }
+    }
+    return length;
+}
 
 void Register(std::string const& work, std::string const& input, Maker make) {
     auto const shared = std::make_shared<Shared>();
@@ -75,17 +105,23 @@ void Register(std::string const& work, std::string const& input, Maker make) {
 
 void RegisterAlone(std::string const& work, std::string const& input, std::string const& who,
                    std::function<Job()> make) {
-    auto const job = std::make_shared<std::shared_ptr<Job>>();
-    benchmark::RegisterBenchmark(Name(work, input, who).c_str(),
-                                 [job, make = std::move(make)](benchmark::State& state) {
-                                     if (*job == nullptr) {
-                                         *job = std::make_shared<Job>(make());
-                                     }
-                                     Measure(state, **job, (*job)->trammel);
-                                     for (auto const& [name, value] : (*job)->counters) {
-                                         state.counters[name] = value;
-                                     }
-                                 });
+    auto const shared = std::make_shared<std::shared_ptr<Job>>();
+    benchmark::RegisterBenchmark(
+        Name(work, input, who).c_str(), [shared, make = std::move(make)](benchmark::State& state) {
+            if (*shared == nullptr) {
+                *shared = std::make_shared<Job>(make());
+            }
+            Job const& job = **shared;
+            if (job.items != 0 && !std::isnan(job.expected) &&
+                !(std::abs(job.trammel() - job.expected) <= job.slack * std::abs(job.expected))) {
+                state.SkipWithError("its results differ");
+                return;
+            }
+            Measure(state, job, job.trammel);
+            for (auto const& [name, value] : job.counters) {
+                state.counters[name] = value;
+            }
+        });
 }
 
 } // namespace compare

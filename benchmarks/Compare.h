@@ -1,29 +1,39 @@
 // SPDX-License-Identifier: MIT
 //
 // Work that is done by several: by the library, by its plain form (plain/Plain.h) and by other
-// libraries (peers/Peer.h). All are measured in one run, so that the ratios hold whatever else the
+// libraries (peers/Works.h). All are measured in one run, so that the ratios hold whatever else the
 // machine does: a benchmark is named
 //
 //     compare/WORK/INPUT/WHO
 //
-// and script/bench makes a table of all of that name, a line for a WORK and INPUT, a column for a
-// WHO. One iteration is a pass over all items of the input; items are counted, so the time of an
-// item is known. Counters that the table shows beside the time:
+// and script/bench makes a table of all of that WORK, a line for a WHO, a column for an INPUT. One
+// iteration is a pass over all items of the input; items are counted, so the time of an item is
+// known. Counters that the table shows beside the time:
 //
 //     target   how many times as fast as the plain form the library is to be
 //     limit    how many nanoseconds an item may take
-//     worst    the greatest error, p95 the error that 95 of 100 items do not exceed; the unit is
-//              that of the work
+//     worst    the greatest error, and p95, the error that 95 of 100 items do not exceed (Truth.h)
 //     points   how many points an item comes to
+//
+// Further benchmarks need nothing but such a name, by whatever means they are registered, and
+// SetItemsProcessed. A new WHO gets a line of its own; another way to the same result that the
+// library offers is named "trammel-SOMETHING". README.md in this folder says more.
 
 #ifndef TRAMMEL_COMPARE_H
 #define TRAMMEL_COMPARE_H
 
+#include "Truth.h"
+
+#include <trammel/TLine.h>
+
+#include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace compare {
 
@@ -36,7 +46,23 @@ struct Job {
     Pass plain;                             ///< the same by the plain form, whose sum is the same
     Pass trammel;                           ///<
     std::map<std::string, double> counters; ///< of the library's benchmark
+    /// What RegisterAlone compares the sum with, if it is not NaN, and the relative difference that
+    /// it lets pass.
+    double expected = std::numeric_limits<double>::quiet_NaN();
+    double slack = 0.0;
+
+    void Add(truth::Errors const& errors) {
+        counters["worst"] = errors.worst;
+        counters["p95"] = errors.p95;
+    }
 };
+
+/// How many calls on something of that many vertices make a pass of reasonable length, at most
+/// `most`.
+inline std::size_t Calls(std::size_t vertices, std::size_t most) {
+    std::size_t const calls = 1000000 / std::max<std::size_t>(vertices, 1);
+    return std::max<std::size_t>(20, std::min(most, calls));
+}
 
 /// Makes a job when it is first needed.
 typedef std::function<std::shared_ptr<Job>()> Maker;
@@ -45,9 +71,16 @@ typedef std::function<std::shared_ptr<Job>()> Maker;
 /// sums of both are compared, to the last bit: if they differ, that is the benchmark's result.
 void Register(std::string const& work, std::string const& input, Maker make);
 
-/// Registers the benchmark of one participant; what it returns is not compared.
+/// Registers the benchmark of one participant, whose pass is `trammel`. If what it returns is not
+/// what is expected, that is the benchmark's result.
 void RegisterAlone(std::string const& work, std::string const& input, std::string const& who,
                    std::function<Job()> make);
+
+/// How many of the points the library finds inside of the ring.
+double ContainedIn(truth::Chain const& ring, truth::Chain const& points);
+
+/// The length of what the library finds inside of the ring, of all lines.
+double ClippedBy(truth::Chain const& ring, std::vector<TLine<double>> const& lines);
 
 } // namespace compare
 

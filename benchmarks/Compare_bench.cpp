@@ -7,6 +7,7 @@
 
 #include "Compare.h"
 #include "Inputs.h"
+#include "Truth.h"
 
 #include <trammel/CFPolygonRef.h>
 #include <trammel/CMatrix3x3.h>
@@ -68,10 +69,13 @@ std::shared_ptr<CurveInput> CurvesOf(inputs::Set set) {
     return entry;
 }
 
-/// A job on every curve: ours(curve, point) and plainly(curve, point) return a number.
+typedef std::function<truth::Errors(CurveInput const&)> ErrorsOf;
+
+/// A job on every curve: ours(curve, point) and plainly(curve, point) return a number; `errors`
+/// tells how far the answers are off.
 template <class Ours, class Plainly>
 void OnCurves(std::string const& work, std::string const& input, inputs::Set set, double target,
-              Ours ours, Plainly plainly) {
+              Ours ours, Plainly plainly, ErrorsOf const& errors = {}) {
     compare::Register(work, input, [=] {
         auto const data = CurvesOf(set);
         auto job = std::make_shared<Job>();
@@ -93,6 +97,9 @@ void OnCurves(std::string const& work, std::string const& input, inputs::Set set
         if (target > 0.0) {
             job->counters["target"] = target;
         }
+        if (errors) {
+            job->Add(errors(*data));
+        }
         return job;
     });
 }
@@ -112,6 +119,17 @@ void RegisterFlatten(std::string const& work, std::string const& input, inputs::
             plain::Flatten(curve, polygon, error);
             long const last = polygon.LastIndex();
             return static_cast<double>(last) + polygon.GetPt(last / 2).h;
+        },
+        [=](CurveInput const& data) {
+            return truth::OfFlattening(data.ours, [&](std::size_t i) {
+                TPolygon<double> polygon;
+                data.ours[i].Flatten(polygon, error);
+                truth::Chain chain;
+                for (long k = 0; k <= polygon.LastIndex(); ++k) {
+                    chain.push_back(polygon.GetPt(k));
+                }
+                return chain;
+            });
         });
 }
 
@@ -123,7 +141,10 @@ void RegisterCurves(std::string const& input, inputs::Set set, bool targets) {
     OnCurves(
         "curve_length", input, set, target(11.0),
         [](CBezier const& curve, TPoint<double> const&) { return curve.Length(); },
-        [](plain::Bezier const& curve, plain::Pt const&) { return plain::Length(curve); });
+        [](plain::Bezier const& curve, plain::Pt const&) { return plain::Length(curve); },
+        [](CurveInput const& data) {
+            return truth::OfLength(data.ours, [&](std::size_t i) { return data.ours[i].Length(); });
+        });
     OnCurves(
         "curve_nearest", input, set, target(5.0),
         [](CBezier const& curve, TPoint<double> const& p) {
@@ -131,11 +152,20 @@ void RegisterCurves(std::string const& input, inputs::Set set, bool targets) {
         },
         [](plain::Bezier const& curve, plain::Pt const& p) {
             return plain::FindTValue(curve, p, 0.001, 0.0, 1.0);
+        },
+        [](CurveInput const& data) {
+            return truth::OfNearest(data.ours, data.points, [&](std::size_t i) {
+                return data.ours[i].FindTValue(data.points[i], 0.001, 0.0, 1.0);
+            });
         });
     OnCurves(
         "curve_fraction_to_parameter", input, set, target(11.0),
         [](CBezier const& curve, TPoint<double> const&) { return curve.PercentT(0.3); },
-        [](plain::Bezier const& curve, plain::Pt const&) { return plain::PercentT(curve, 0.3); });
+        [](plain::Bezier const& curve, plain::Pt const&) { return plain::PercentT(curve, 0.3); },
+        [](CurveInput const& data) {
+            return truth::OfFraction(data.ours, 0.3,
+                                     [&](std::size_t i) { return data.ours[i].PercentT(0.3); });
+        });
     OnCurves(
         "curve_parameter_to_fraction", input, set, 0.0,
         [](CBezier const& curve, TPoint<double> const&) { return curve.TPercent(0.3); },
@@ -147,6 +177,11 @@ void RegisterCurves(std::string const& input, inputs::Set set, bool targets) {
         },
         [](plain::Bezier const& curve, plain::Pt const& p) {
             return plain::HitTest(curve, p, 0.5) ? 1.0 : 0.0;
+        },
+        [](CurveInput const& data) {
+            return truth::OfHit(data.ours, data.points, 0.5, [&](std::size_t i) {
+                return data.ours[i].HitTest(data.points[i], 0.5);
+            });
         });
     OnCurves(
         "curve_in_rectangle", input, set, 0.0,
@@ -291,15 +326,8 @@ struct PolygonInput {
         }
         list.Close();
         plainList.Close();
-        TRect<double> const box = list.Bounds();
-        auto const place = [&](TPoint<double> const& unit) {
-            return TPoint<double>(box.left + box.Width() * unit.h, box.top + box.Height() * unit.v);
-        };
-        auto const units = inputs::Points(2000, 1.0);
-        for (std::size_t i = 0; i < 1000; ++i) {
-            points.push_back(place(units[i]));
-            lines.emplace_back(place(units[i]), place(units[1000 + i]));
-        }
+        points = inputs::PointsOver(vertices, 1000);
+        lines = inputs::LinesOver(vertices, 1000);
         plainPoints = ToPlain(points);
         for (TLine<double> const& line : lines) {
             plainLines.emplace_back(ToPlain(line.mStart), ToPlain(line.mEnd));
@@ -312,11 +340,6 @@ struct PolygonInput {
         plainHandle.Dispose();
     }
 };
-
-/// How many of `all` items make a pass of reasonable length.
-std::size_t Some(std::size_t all, std::size_t vertices) {
-    return std::max<std::size_t>(20, std::min(all, 1000000 / std::max<std::size_t>(vertices, 1)));
-}
 
 typedef std::function<std::vector<TPoint<double>>()> Ring;
 typedef std::function<std::shared_ptr<PolygonInput>()> PolygonMaker;
@@ -341,7 +364,7 @@ void OnPolygon(std::string const& work, std::string const& input, PolygonMaker c
     compare::Register(work, input, [=] {
         auto const data = make();
         auto job = std::make_shared<Job>();
-        std::size_t const calls = Some(most, data->vertices.size());
+        std::size_t const calls = compare::Calls(data->vertices.size(), most);
         job->items = perVertex ? calls * data->vertices.size() : calls;
         if (data->vertices.empty()) {
             job->items = 0;
@@ -384,7 +407,7 @@ plain::Matrix PlainTurn() {
 
 void RegisterContains(std::string const& input, PolygonMaker const& make, double target) {
     OnPolygon(
-        "contains_list", input, make, Target(target), false, 1000,
+        "contains", input, make, Target(target), false, 1000,
         [](PolygonInput& data, std::size_t i) {
             return data.list.Contains(data.points[i]) ? 1.0 : 0.0;
         },
@@ -403,7 +426,7 @@ void RegisterContains(std::string const& input, PolygonMaker const& make, double
 
 void RegisterLoops(std::string const& input, PolygonMaker const& make, bool large) {
     OnPolygon(
-        "bounds_list", input, make, Target(large ? 12.0 : 0.0), true, 1000,
+        "bounds", input, make, Target(large ? 12.0 : 0.0), true, 1000,
         [](PolygonInput& data, std::size_t) {
             data.list.InvalBounds();
             return Sum(data.list.Bounds());
@@ -432,7 +455,7 @@ void RegisterLoops(std::string const& input, PolygonMaker const& make, bool larg
 /// of passes is not the same for both, so their results do not agree after the first.
 void RegisterTransforms(std::string const& input, Ring const& ring, bool large) {
     OnPolygon(
-        "transform_list", input, Once(ring), Target(large ? 40.0 : 0.0), true, 1000,
+        "transform", input, Once(ring), Target(large ? 40.0 : 0.0), true, 1000,
         [m = Turn()](PolygonInput& data, std::size_t) {
             data.list.Transform(m);
             return Sum(data.list.GetPt(0));

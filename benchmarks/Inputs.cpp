@@ -266,6 +266,30 @@ std::vector<TPoint<double>> Country(std::size_t count) {
     return longest;
 }
 
+std::vector<TPoint<double>> PointsOver(std::vector<TPoint<double>> const& ring, std::size_t count) {
+    if (ring.empty()) {
+        return {};
+    }
+    TRect<double> box(ring.front(), ring.front());
+    for (TPoint<double> const& p : ring) {
+        box |= p;
+    }
+    auto points = Points(count, 1.0);
+    for (TPoint<double>& p : points) {
+        p.Set(box.left + box.Width() * p.h, box.top + box.Height() * p.v);
+    }
+    return points;
+}
+
+std::vector<TLine<double>> LinesOver(std::vector<TPoint<double>> const& ring, std::size_t count) {
+    auto const points = PointsOver(ring, 2 * count);
+    std::vector<TLine<double>> lines;
+    for (std::size_t i = 0; 2 * i + 1 < points.size(); ++i) {
+        lines.emplace_back(points[2 * i], points[2 * i + 1]);
+    }
+    return lines;
+}
+
 double Side(Set set) {
     switch (set) {
     case Set::kRandom:

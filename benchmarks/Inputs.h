@@ -11,6 +11,7 @@
 
 #include <trammel/CBezier.h>
 #include <trammel/CPath.h>
+#include <trammel/TLine.h>
 
 #include <cstddef>
 #include <vector>
@@ -48,6 +49,12 @@ std::vector<TPoint<double>> PointsInBoxes(std::vector<CBezier> const& curves);
 /// The longest outline among the country outlines of about `count` vertices; empty without map
 /// data.
 std::vector<TPoint<double>> Country(std::size_t count);
+
+/// `count` points spread evenly over the bounds of a ring.
+std::vector<TPoint<double>> PointsOver(std::vector<TPoint<double>> const& ring, std::size_t count);
+
+/// `count` segments between points spread evenly over the bounds of a ring.
+std::vector<TLine<double>> LinesOver(std::vector<TPoint<double>> const& ring, std::size_t count);
 
 /// The side of the square in which the set's outlines lie, for Points.
 double Side(Set set);

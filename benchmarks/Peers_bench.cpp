@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+//
+// The works of Compare_bench.cpp in other libraries, those that are found when this is configured.
+// Each starts from its own form of the input; what it takes to get there is not measured.
+//
+// Run by hand: trammel_bench --benchmark_filter='^compare/.*/(2geom|agg|boost|cairo|cgal|geos|qt)'
+
+#include "peers/Works.h"
+
+namespace {
+
+bool RegisterAll() {
+#ifdef TRAMMEL_BENCH_LIB2GEOM
+    peers::RegisterLib2geomWorks();
+#endif
+#ifdef TRAMMEL_BENCH_AGG
+    peers::RegisterAggWorks();
+#endif
+#ifdef TRAMMEL_BENCH_BOOST
+    peers::RegisterBoostWorks();
+#endif
+#ifdef TRAMMEL_BENCH_CAIRO
+    peers::RegisterCairoWorks();
+#endif
+#ifdef TRAMMEL_BENCH_CGAL
+    peers::RegisterCgalWorks();
+#endif
+#ifdef TRAMMEL_BENCH_GEOS
+    peers::RegisterGeosWorks();
+#endif
+#ifdef TRAMMEL_BENCH_QT
+    peers::RegisterQtWorks();
+#endif
+    return true;
+}
+
+[[maybe_unused]] bool const kRegistered = RegisterAll();
+
+} // namespace

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+
+#include "Works.h"
+
+#include <trammel/CPathActions.h>
+
+#include <2geom/affine.h>
+#include <2geom/bezier-curve.h>
+#include <2geom/path.h>
+#include <2geom/transforms.h>
+
+#include <memory>
+
+namespace peers {
+namespace {
+
+Geom::Point To2geom(TPoint<double> const& p) { return {p.h, p.v}; }
+
+typedef std::shared_ptr<Geom::CubicBezier> Curve;
+typedef std::shared_ptr<std::vector<Geom::Path>> Paths;
+
+class Builder : public CPathActions {
+public:
+    Paths mPaths = std::make_shared<std::vector<Geom::Path>>();
+    void MoveTo(TPoint<double> const& p) override { mPaths->emplace_back(To2geom(p)); }
+    void LineTo(TPoint<double> const& p) override {
+        mPaths->back().appendNew<Geom::LineSegment>(To2geom(p));
+    }
+    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
+                 TPoint<double> const& e) override {
+        mPaths->back().appendNew<Geom::CubicBezier>(To2geom(c1), To2geom(c2), To2geom(e));
+    }
+    void ClosePath() override { mPaths->back().close(); }
+};
+
+} // namespace
+
+void RegisterLib2geomWorks() {
+    CurveWorks<Curve> curves;
+    curves.convert = [](CBezier const& c) {
+        return std::make_shared<Geom::CubicBezier>(To2geom(c.P0), To2geom(c.P1), To2geom(c.P2),
+                                                   To2geom(c.P3));
+    };
+    curves.length = [](Curve const& curve) { return curve->length(0.001); };
+    curves.nearest = [](Curve const& curve, TPoint<double> const& p) {
+        return curve->nearestTime(To2geom(p));
+    };
+    curves.hit = [](Curve const& curve, TPoint<double> const& p, double tolerance) {
+        Geom::Rect box = curve->boundsFast();
+        box.expandBy(tolerance);
+        Geom::Point const point = To2geom(p);
+        if (!box.contains(point)) {
+            return false;
+        }
+        return Geom::distance(curve->pointAt(curve->nearestTime(point)), point) <= tolerance;
+    };
+    RegisterCurves("2geom", curves);
+
+    PathWorks<Paths> paths;
+    paths.convert = [](CPath const& path) {
+        Builder builder;
+        path.ForAll(builder);
+        return builder.mPaths;
+    };
+    paths.length = [](Paths const& list) {
+        double length = 0.0;
+        for (Geom::Path const& path : *list) {
+            for (Geom::Curve const& curve : path) {
+                length += curve.length(0.001);
+            }
+        }
+        return length;
+    };
+    RegisterPaths("2geom", paths);
+
+    typedef std::vector<Geom::Point> Points;
+    PolygonWorks<Points> polygons;
+    polygons.convert = [](truth::Chain const& ring) {
+        auto points = std::make_shared<Points>();
+        for (TPoint<double> const& p : ring) {
+            points->push_back(To2geom(p));
+        }
+        return points;
+    };
+    polygons.bounds = [](Points const& points) {
+        Geom::Rect const box = Geom::Rect::from_range(points.begin(), points.end());
+        return box.left() + box.top() + box.right() + box.bottom();
+    };
+    Geom::Affine const turn =
+        Geom::Translate(-500.0, -500.0) * Geom::Rotate(1.0) * Geom::Translate(500.0, 500.0);
+    polygons.transform = [turn](Points& points) {
+        for (Geom::Point& p : points) {
+            p *= turn;
+        }
+    };
+    RegisterPolygons("2geom", polygons);
+}
+
+} // namespace peers

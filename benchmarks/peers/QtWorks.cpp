@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+
+#include "Works.h"
+
+#include <trammel/CPathActions.h>
+
+#include <QPainterPath>
+#include <QPainterPathStroker>
+#include <QPolygonF>
+#include <QTransform>
+
+namespace peers {
+namespace {
+
+QPointF ToQt(TPoint<double> const& p) { return {p.h, p.v}; }
+
+QPainterPath ToQt(CBezier const& c) {
+    QPainterPath path(ToQt(c.P0));
+    path.cubicTo(ToQt(c.P1), ToQt(c.P2), ToQt(c.P3));
+    return path;
+}
+
+class Builder : public CPathActions {
+public:
+    QPainterPath mPath;
+    void MoveTo(TPoint<double> const& p) override { mPath.moveTo(ToQt(p)); }
+    void LineTo(TPoint<double> const& p) override { mPath.lineTo(ToQt(p)); }
+    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
+                 TPoint<double> const& e) override {
+        mPath.cubicTo(ToQt(c1), ToQt(c2), ToQt(e));
+    }
+    void ClosePath() override { mPath.closeSubpath(); }
+};
+
+/// Qt flattens to half a unit; for another tolerance the path is scaled.
+QPolygonF Flattened(QPainterPath const& path, double tolerance) {
+    double const scale = 0.5 / tolerance;
+    return path.toSubpathPolygons(QTransform::fromScale(scale, scale)).constFirst();
+}
+
+} // namespace
+
+void RegisterQtWorks() {
+    CurveWorks<QPainterPath> curves;
+    curves.convert = [](CBezier const& c) { return ToQt(c); };
+    curves.flatten = [](QPainterPath const& path, double tolerance) {
+        return static_cast<double>(Flattened(path, tolerance).size());
+    };
+    curves.points = [](QPainterPath const& path, double tolerance) {
+        truth::Chain chain;
+        for (QPointF const& p : Flattened(path, tolerance)) {
+            chain.emplace_back(p.x() * tolerance / 0.5, p.y() * tolerance / 0.5);
+        }
+        return chain;
+    };
+    curves.length = [](QPainterPath const& path) { return path.length(); };
+    curves.parameter = [](QPainterPath const& path, double fraction) {
+        return path.percentAtLength(fraction * path.length());
+    };
+    curves.hit = [](QPainterPath const& path, TPoint<double> const& p, double tolerance) {
+        QPainterPathStroker stroker;
+        stroker.setWidth(2.0 * tolerance);
+        stroker.setCapStyle(Qt::RoundCap);
+        stroker.setJoinStyle(Qt::RoundJoin);
+        return stroker.createStroke(path).contains(ToQt(p));
+    };
+    RegisterCurves("qt", curves);
+
+    PathWorks<QPainterPath> paths;
+    paths.convert = [](CPath const& path) {
+        Builder builder;
+        path.ForAll(builder);
+        return builder.mPath;
+    };
+    paths.length = [](QPainterPath const& path) { return path.length(); };
+    paths.point = [](QPainterPath const& path, double fraction) {
+        QPointF const p = path.pointAtPercent(path.percentAtLength(fraction * path.length()));
+        return TPoint<double>(p.x(), p.y());
+    };
+    RegisterPaths("qt", paths);
+
+    PolygonWorks<QPolygonF> polygons;
+    polygons.convert = [](truth::Chain const& ring) {
+        auto polygon = std::make_shared<QPolygonF>();
+        for (TPoint<double> const& p : ring) {
+            polygon->append(ToQt(p));
+        }
+        return polygon;
+    };
+    polygons.contains = [](QPolygonF const& polygon, TPoint<double> const& p) {
+        return polygon.containsPoint(ToQt(p), Qt::OddEvenFill);
+    };
+    polygons.bounds = [](QPolygonF const& polygon) {
+        QRectF const r = polygon.boundingRect();
+        return r.left() + r.top() + r.right() + r.bottom();
+    };
+    QTransform turn;
+    turn.translate(500.0, 500.0);
+    turn.rotateRadians(1.0);
+    turn.translate(-500.0, -500.0);
+    polygons.transform = [turn](QPolygonF& polygon) { polygon = turn.map(polygon); };
+    RegisterPolygons("qt", polygons);
+}
+
+} // namespace peers
