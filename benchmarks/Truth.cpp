@@ -72,13 +72,13 @@ double Distance(CBezier const& curve, TPoint<double> const& p) {
         samples[static_cast<std::size_t>(i)] = at(static_cast<double>(i) / kSteps);
     }
     double best = std::min(samples.front(), samples.back());
-    for (int i = 1; i < kSteps; ++i) {
+    for (int i = 0; i <= kSteps; ++i) {
         auto const k = static_cast<std::size_t>(i);
-        if (samples[k] > samples[k - 1] || samples[k] > samples[k + 1]) {
+        if ((i > 0 && samples[k] > samples[k - 1]) || (i < kSteps && samples[k] > samples[k + 1])) {
             continue;
         }
-        double lo = (i - 1.0) / kSteps;
-        double hi = (i + 1.0) / kSteps;
+        double lo = std::max(0.0, (i - 1.0) / kSteps);
+        double hi = std::min(1.0, (i + 1.0) / kSteps);
         for (int round = 0; round < 60; ++round) {
             double const a = lo + (hi - lo) / 3.0;
             double const b = hi - (hi - lo) / 3.0;
