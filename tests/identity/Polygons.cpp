@@ -124,18 +124,16 @@ void Contains(Part& part) {
         CFPolygonRef handle;
         handle.CFPolygonCreate(points);
         Box const bounds = polygon.Bounds();
-        std::size_t const n = points.size();
-        int const queries = n > 300 ? 4 : 16;
+        int const queries = points.size() > 300 ? 4 : 16;
         for (int k = 0; k < queries; ++k) {
             Pt const p = Asked(random, points, bounds);
             Digest digest;
             digest.Add(polygon.Contains(p));
             digest.Add(handle.Contains(p));
             part.Take(digest, [&] {
-                std::size_t const edges = n > 0 && points[0] == points[n - 1] ? n - 1 : n;
                 Digest expected;
-                expected.Add(bounds.Contains(p) && plain::OddCrossings(points, n, p));
-                expected.Add(plain::OddCrossings(points, edges, p));
+                expected.Add(plain::PointList{points, false}.Contains(p));
+                expected.Add(plain::HandlePoints{points}.Contains(p));
                 return expected;
             });
         }
@@ -156,30 +154,15 @@ void Bounds(Part& part) {
         digest.Add(handle.Bounds());
         digest.Add(handle.BoundsValid());
         part.Take(digest, [&] {
-            Box forward;
-            Box backward;
-            for (std::size_t k = 0; k < points.size(); ++k) {
-                forward |= points[k];
-                backward |= points[points.size() - 1 - k];
-            }
             Digest expected;
-            expected.Add(forward);
+            expected.Add(plain::PointList{points, false}.Bounds());
             expected.Add(true);
-            expected.Add(backward);
+            expected.Add(plain::HandlePoints{points}.Bounds());
             expected.Add(true);
             return expected;
         });
         handle.Dispose();
     }
-}
-
-/// The length of the edges that count, one after the other.
-double PlainLength(Points const& points, bool closed) {
-    double length = plain::ChainLength(points);
-    if (closed && !points.empty()) {
-        length += plain::LineLength(points.back(), points.front());
-    }
-    return length;
 }
 
 void Measured(Part& part) {
@@ -191,11 +174,12 @@ void Measured(Part& part) {
         double const t = Fraction(random);
         double const distance = random.Uniform(-10, 400);
         bool const fromStart = random.OneIn(2);
+        plain::PointList const plainly{points, closed};
         Digest length;
         length.Add(polygon.Length());
         part.Take(length, [&] {
             Digest expected;
-            expected.Add(PlainLength(points, closed));
+            expected.Add(plainly.Length());
             return expected;
         });
         if (points.empty()) {
@@ -211,16 +195,32 @@ void Measured(Part& part) {
         for (double const entry : table) {
             digest.Add(entry);
         }
-        part.Take(digest);
-        if (!closed) {
-            Digest open;
-            open.Add(polygon.TPt(t));
-            part.Take(open, [&] {
-                Digest expected;
-                expected.Add(plain::ChainPt(points, t));
-                return expected;
-            });
-        }
+        part.Take(digest, [&] {
+            std::vector<double> const lengths = plainly.Table();
+            // One vertex is every point.
+            auto const at = [&](double fraction) {
+                return points.size() > 1 ? plainly.TPt(fraction, lengths) : points[0];
+            };
+            double const whole = plainly.Length();
+            double const fraction = whole != 0.0 ? distance / whole : 0.0;
+            Digest expected;
+            expected.Add(plainly.TPt(t));
+            expected.Add(at(t));
+            expected.Add(at(t));
+            expected.Add(at(fromStart ? fraction : 1.0 - fraction));
+            for (double const entry : lengths) {
+                expected.Add(entry);
+            }
+            return expected;
+        });
+    }
+}
+
+void AddLines(Digest& digest, std::vector<TLine<double>> const& lines) {
+    digest.Add(static_cast<std::int64_t>(lines.size()));
+    for (TLine<double> const& line : lines) {
+        digest.Add(line.mStart);
+        digest.Add(line.mEnd);
     }
 }
 
@@ -234,14 +234,18 @@ void Clipped(Part& part) {
         for (int k = points.size() > 300 ? 1 : 4; k > 0; --k) {
             Pt const a = Asked(random, points, bounds);
             Pt const b = Asked(random, points, bounds);
-            std::vector<TLine<double>> const pieces = polygon.Clip(TLine<double>(a, b));
+            TLine<double> const line(a, b);
             Digest digest;
-            digest.Add(static_cast<std::int64_t>(pieces.size()));
-            for (TLine<double> const& piece : pieces) {
-                digest.Add(piece.mStart);
-                digest.Add(piece.mEnd);
+            AddLines(digest, polygon.Clip(line));
+            if (std::isnan(a.h) || std::isnan(a.v) || std::isnan(b.h) || std::isnan(b.v)) {
+                part.Take(digest); // no pieces, by definition
+                continue;
             }
-            part.Take(digest);
+            part.Take(digest, [&] {
+                Digest expected;
+                AddLines(expected, plain::PointList{points, false}.Clip(line));
+                return expected;
+            });
         }
     }
 }
@@ -264,19 +268,34 @@ CMatrix3x3 RandomMatrix(Random& random) {
 void Changed(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(60000); i > 0; --i) {
-        Points points = RandomPoints(random, true);
+        Points const points = RandomPoints(random, true);
         TPolygon<double> polygon = PolygonOf(points, random.OneIn(2));
         CMatrix3x3 const m = RandomMatrix(random);
         polygon.Transform(m);
         Digest digest;
         digest.Add(polygon);
         digest.Add(polygon.Bounds());
-        polygon.Append(random.Point(-200, 200), false);
+        Pt const added = random.Point(-200, 200);
+        polygon.Append(added, false);
         digest.Add(polygon.BoundsValid());
         digest.Add(polygon.Bounds());
         polygon.InvalBounds();
         digest.Add(polygon.Bounds());
-        part.Take(digest);
+        part.Take(digest, [&] {
+            plain::PointList plainly{points, false};
+            plainly.Transform(m);
+            Digest expected;
+            expected.Add(plainly.points);
+            Box const bounds = plainly.Bounds();
+            expected.Add(bounds);
+            if (plainly.points.empty() || added != plainly.points.back()) {
+                plainly.points.push_back(added);
+            }
+            expected.Add(true);
+            expected.Add(bounds); // as it was, until it is dropped
+            expected.Add(plainly.Bounds());
+            return expected;
+        });
     }
 }
 
@@ -401,7 +420,16 @@ void Lines(Part& part) {
         digest.Add(a.SegmentsIntersect(b, where));
         digest.Add(where);
         digest.Add(a.CosTheta(b));
-        part.Take(digest);
+        part.Take(digest, [&] {
+            Pt place;
+            Digest expected;
+            expected.Add(plain::LinesIntersect(a, b, place));
+            expected.Add(place);
+            expected.Add(plain::SegmentsIntersect(a, b, place));
+            expected.Add(place);
+            expected.Add(plain::CosTheta(a, b));
+            return expected;
+        });
         Digest searched;
         searched.Add(a.Length());
         searched.Add(a.PerpendicularPt(p));

@@ -67,7 +67,7 @@ bool ReadHashes(char const* file, Hashes& hashes) {
         std::string part;
         std::string hash;
         if (words >> size >> part >> hash && size[0] != '#') {
-            hashes[size + " " + part] = std::stoull(hash, nullptr, 16);
+            hashes[size.append(" ").append(part)] = std::stoull(hash, nullptr, 16);
         }
     }
     return in.eof();
