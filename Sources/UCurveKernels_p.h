@@ -10,8 +10,6 @@
 #ifndef TRAMMEL_UCURVEKERNELS_P_H
 #define TRAMMEL_UCURVEKERNELS_P_H
 
-#include "TrammelExport.h"
-
 namespace trammel_detail {
 
 /// The levels of subdivision that a block has room for, which make at most 2^6 - 1 points.
@@ -64,10 +62,6 @@ int DivideBlockPortable(BlockJob const& job, double* out);
 void EdgeLengthsPortable(double const* points, long edges, double* lengths);
 int DivideBlockAvx2(BlockJob const& job, double* out);
 void EdgeLengthsAvx2(double const* points, long edges, double* lengths);
-
-/// Makes the kernels take the form for every processor (true), or the best that this one has
-/// (false), for tests that compare the two. Returns false when the processor has but one.
-TRAMMEL_API bool UsePortableKernels(bool portable);
 
 } // namespace trammel_detail
 

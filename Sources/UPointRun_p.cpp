@@ -3,6 +3,7 @@
 #include "UPointRun_p.h"
 
 #include "UCrossing_p.h"
+#include "UProcessor_p.h"
 
 #include <algorithm>
 #include <array>
@@ -20,7 +21,6 @@
 #endif
 #if defined(__x86_64__) && defined(__GNUC__)
 #define TRAMMEL_QUADRUPLES 1
-#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -308,24 +308,6 @@ template <bool kFromOrigin> struct Affine {
 };
 
 #if defined(TRAMMEL_QUADRUPLES)
-__attribute__((target("xsave"))) bool SystemKeepsQuadruples() {
-    constexpr unsigned long long kHalves = 6; // the lower and the upper halves of the registers
-    return (_xgetbv(0) & kHalves) == kHalves;
-}
-
-/// Whether processor and system have vectors of four doubles.
-bool HaveQuadruples() {
-    static bool const have = [] {
-        unsigned a = 0;
-        unsigned b = 0;
-        unsigned c = 0;
-        unsigned d = 0;
-        return __get_cpuid(1, &a, &b, &c, &d) != 0 && (c & bit_AVX) != 0 &&
-               (c & bit_OSXSAVE) != 0 && SystemKeepsQuadruples();
-    }();
-    return have;
-}
-
 /// Two points at a time; returns how many it did.
 template <bool kFromOrigin>
 __attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count,
@@ -352,7 +334,7 @@ __attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count,
 template <bool kFromOrigin> void Apply(char* bytes, long count, Affine<kFromOrigin> const& map) {
     long i = 0;
 #if defined(TRAMMEL_QUADRUPLES)
-    if (count >= kShort && HaveQuadruples()) {
+    if (count >= kShort && HasWideVectors()) {
         i = ApplyToPairs(bytes, count, map);
     }
 #endif

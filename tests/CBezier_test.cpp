@@ -6,7 +6,7 @@
 #include "ShortMemory.h"
 #include "TLine.h"
 #include "TPoly.h"
-#include "UCurveKernels_p.h"
+#include "UProcessor_p.h"
 #include "UGeometry.h"
 #include "UScalar.h"
 #include "plain/Comparing.h"
@@ -54,7 +54,7 @@ protected:
         CBezier::mCount = mCountBefore;
         gCount = gCountBefore;
         maxCount = maxCountBefore;
-        trammel_detail::UsePortableKernels(false);
+        trammel_detail::UsePortableForms(false);
     }
 
 private:
@@ -1408,8 +1408,8 @@ public:
 /// Makes the kernels take one of their forms for as long as it lives.
 class KernelForm {
 public:
-    explicit KernelForm(bool portable) { trammel_detail::UsePortableKernels(portable); }
-    ~KernelForm() { trammel_detail::UsePortableKernels(false); }
+    explicit KernelForm(bool portable) { trammel_detail::UsePortableForms(portable); }
+    ~KernelForm() { trammel_detail::UsePortableForms(false); }
     KernelForm(KernelForm const&) = delete;
     KernelForm& operator=(KernelForm const&) = delete;
 };

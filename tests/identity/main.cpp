@@ -6,11 +6,12 @@
 // the order of two points or a counter, the hash is another; the parts' hashes tell where. Many of
 // the inputs go through the plain forms (tests/plain), too, and are compared one by one.
 //
-//     trammel_identity [--quick] [--hashes-only] [--expect FILE] [--part NAME]...
+//     trammel_identity [--quick] [--hashes-only] [--portable] [--expect FILE] [--part NAME]...
 //
 // --quick        makes a small part of the inputs, for builds that are slow; their hashes are
 // others
 // --hashes-only  leaves the plain forms out
+// --portable     runs the forms for every processor, also where this one has more
 // --expect       compares with the hashes in FILE, which are what the program prints
 // --part         runs only the parts whose names begin with NAME
 //
@@ -20,6 +21,7 @@
 // use the same functions, agree.
 
 #include "Identity.h"
+#include "UProcessor_p.h"
 
 #include <chrono>
 #include <cinttypes>
@@ -161,13 +163,17 @@ int Main(int count, char** arguments) {
             options.quick = true;
         } else if (argument == "--hashes-only") {
             options.compares = false;
+        } else if (argument == "--portable") {
+            if (!trammel_detail::UsePortableForms(true)) {
+                std::puts("This processor has the portable forms only.");
+            }
         } else if (argument == "--expect" && i + 1 < count) {
             options.expect = arguments[++i];
         } else if (argument == "--part" && i + 1 < count) {
             options.parts.emplace_back(arguments[++i]);
         } else {
             std::fprintf(stderr,
-                         "trammel_identity [--quick] [--hashes-only] [--expect FILE] "
+                         "trammel_identity [--quick] [--hashes-only] [--portable] [--expect FILE] "
                          "[--part NAME]...: not %s\n",
                          argument.c_str());
             return 2;
