@@ -91,6 +91,7 @@ else()
         TRAMMEL_SOURCES
         platform/Clipper.cpp
         platform/ClipperContours_p.cpp
+        platform/ClipperCrossings_p.cpp
         platform/ClipperGrid_p.cpp
         platform/ClipperLines_p.cpp
         platform/ClipperLinker_p.cpp

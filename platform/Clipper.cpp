@@ -12,8 +12,6 @@
 #include "ClipperGrid_p.h"
 #include "ClipperOrder_p.h"
 
-#include <polyclipping/clipper.hpp>
-
 #include <algorithm>
 #include <climits>
 #include <cmath>
@@ -38,7 +36,8 @@ namespace {
 
 using trammel_detail::ClipGrid;
 using trammel_detail::GridLines;
-using trammel_detail::GridPoint;
+using trammel_detail::Operands;
+using trammel_detail::RegionOf;
 using trammel_detail::ResolvedContours;
 
 [[noreturn]] void FailFor(char const* what) {
@@ -96,6 +95,13 @@ struct Operand {
     std::vector<Contour> contours;
     Bounds bounds;
 
+    std::size_t Size() const {
+        std::size_t size = 0;
+        for (Contour const& c : contours) {
+            size += static_cast<std::size_t>(c.list->num_vertices);
+        }
+        return size;
+    }
     void Keep(Bounds const& where) {
         contours.erase(std::remove_if(contours.begin(), contours.end(),
                                       [&](Contour const& c) { return !c.bounds.Meets(where); }),
@@ -156,104 +162,60 @@ unsigned Beyond(Bounds const& where, gpc_vertex const& v) {
            (v.y < where.lowY ? 4U : 0U) | (v.y > where.highY ? 8U : 0U);
 }
 
-/// The grid points of the contours, one path each. What is inside has to be right within `where`
+/// Appends the contours' grid points, a line each. What is inside has to be right within `where`
 /// only: of vertices that follow each other beyond the same side of it those in the middle are left
 /// out, which changes nothing but on that side.
-ClipperLib::Paths ToPaths(Operand const& operand, Bounds const& where, ClipGrid& grid) {
-    ClipperLib::Paths paths(operand.contours.size());
-    for (std::size_t c = 0; c < paths.size(); ++c) {
-        gpc_vertex const* const v = operand.contours[c].list->vertex;
-        auto const count = static_cast<std::size_t>(operand.contours[c].list->num_vertices);
-        ClipperLib::Path& path = paths[c];
-        path.reserve(count);
+void AppendLines(Operand const& operand, Operands bit, Bounds const& where, ClipGrid& grid,
+                 GridLines& lines) {
+    for (Contour const& contour : operand.contours) {
+        gpc_vertex const* const v = contour.list->vertex;
+        auto const count = static_cast<std::size_t>(contour.list->num_vertices);
         unsigned last = 0;
         unsigned next = Beyond(where, v[0]);
         for (std::size_t i = 0; i < count; ++i) {
             unsigned const here = next;
             next = i + 1 < count ? Beyond(where, v[i + 1]) : 0;
             if ((last & here & next) == 0) {
-                GridPoint const p = grid.Add(v[i].x, v[i].y);
-                path.emplace_back(p.x, p.y);
+                lines.points.push_back(grid.Add(v[i].x, v[i].y));
                 last = here;
             }
         }
+        lines.Close(bit);
     }
-    return paths;
 }
 
-ClipperLib::ClipType ClipTypeOf(gpc_op operation) {
+Operands const kSubject = 1;
+Operands const kClip = 2;
+
+/// The operands' lines.
+GridLines LinesOf(gpc_op operation, Operand const& subject, Operand const& clip, ClipGrid& grid) {
+    GridLines lines;
+    lines.points.reserve(subject.Size() + clip.Size());
+    lines.ends.reserve(subject.contours.size() + clip.contours.size());
+    lines.operands.reserve(lines.ends.capacity());
+    // Nothing of an intersection lies outside of either operand, or of a difference outside of the
+    // first.
+    AppendLines(subject, kSubject, operation == GPC_INT ? clip.bounds : subject.bounds, grid,
+                lines);
+    AppendLines(clip, kClip,
+                operation == GPC_INT || operation == GPC_DIFF ? subject.bounds : clip.bounds, grid,
+                lines);
+    grid.FinishAdding();
+    return lines;
+}
+
+RegionOf RegionOfResult(gpc_op operation) {
     switch (operation) {
     case GPC_DIFF:
-        return ClipperLib::ctDifference;
+        return {false, true, false, false};
     case GPC_INT:
-        return ClipperLib::ctIntersection;
+        return {false, false, false, true};
     case GPC_XOR:
-        return ClipperLib::ctXor;
+        return {false, true, true, false};
     case GPC_UNION:
         break;
     }
-    return ClipperLib::ctUnion;
-}
-
-/// Exchanges x and y.
-void Transpose(ClipperLib::Paths& paths) {
-    for (ClipperLib::Path& path : paths) {
-        for (ClipperLib::IntPoint& p : path) {
-            std::swap(p.X, p.Y);
-        }
-    }
-}
-
-/// The sweep: lines that bound the result by the even-odd rule. False if it did not succeed.
-bool Sweep(gpc_op operation, ClipperLib::Paths const& subject, ClipperLib::Paths const& clip,
-           ClipperLib::Paths& result) {
-    ClipperLib::Clipper clipper(ClipperLib::ioPreserveCollinear);
-    bool any = clipper.AddPaths(subject, ClipperLib::ptSubject, true);
-    any |= clipper.AddPaths(clip, ClipperLib::ptClip, true);
-    if (!any) {
-        // Nothing encloses anything; a sweep over nothing would count as failed.
-        return true;
-    }
-    return clipper.Execute(ClipTypeOf(operation), result, ClipperLib::pftEvenOdd);
-}
-
-/// The boundary of the result by the even-odd rule, on points that are doubles.
-GridLines Boundary(gpc_op operation, Operand const& subject, Operand const& clip, ClipGrid& grid) {
-    ClipperLib::Paths result;
-    {
-        // Nothing of an intersection lies outside of either operand, or of a difference outside of
-        // the first.
-        ClipperLib::Paths first =
-            ToPaths(subject, operation == GPC_INT ? clip.bounds : subject.bounds, grid);
-        ClipperLib::Paths second = ToPaths(
-            clip, operation == GPC_INT || operation == GPC_DIFF ? subject.bounds : clip.bounds,
-            grid);
-        grid.FinishAdding();
-        if (!Sweep(operation, first, second, result)) {
-            // Rounding can leave crossings on one line in an order that the sweep does not take.
-            // The other direction meets them on different lines.
-            result.clear();
-            Transpose(first);
-            Transpose(second);
-            if (!Sweep(operation, first, second, result)) {
-                FailFor("sweep");
-            }
-            Transpose(result);
-        }
-    }
-    GridLines lines;
-    std::size_t count = 0;
-    for (ClipperLib::Path const& path : result) {
-        count += path.size();
-    }
-    lines.points.reserve(count);
-    for (ClipperLib::Path const& path : result) {
-        for (ClipperLib::IntPoint const& p : path) {
-            lines.points.push_back(grid.Snapped({p.X, p.Y}));
-        }
-        lines.Close();
-    }
-    return lines;
+    return {false, true, true, true};
 }
 
 gpc_polygon ToRecord(ResolvedContours const& resolved, std::vector<std::size_t> const& order,
@@ -295,8 +257,11 @@ gpc_polygon Clip(gpc_op operation, gpc_polygon const& a, gpc_polygon const& b) {
         return none;
     }
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
-    GridLines lines = Boundary(operation, subject, clip, grid);
-    ResolvedContours resolved = trammel_detail::ResolveContours(std::move(lines), grid);
+    ResolvedContours resolved;
+    if (!trammel_detail::ResolveContours(LinesOf(operation, subject, clip, grid),
+                                         RegionOfResult(operation), grid, resolved)) {
+        FailFor("sweep");
+    }
     std::vector<std::size_t> const order = trammel_detail::OrderContours(resolved);
     return ToRecord(resolved, order, grid);
 }

@@ -7,6 +7,7 @@
 #include "ClipperGrid_p.h"
 #include "ClipperLines_p.h"
 
+#include <array>
 #include <vector>
 
 namespace trammel_detail {
@@ -19,13 +20,17 @@ struct ResolvedContours {
     std::vector<char> holes; ///< one a contour: 1 if the region lies outside of it
 };
 
-/// The contours that bound the region inside `lines` by the even-odd rule.
+/// Whether points that lie in just these operands belong to the region, by Operands from 0 to 3.
+/// Those that lie in none do not.
+typedef std::array<bool, 4> RegionOf;
+
+/// The contours of the region of points that lie in certain operands, each of them being what is
+/// inside its lines by the even-odd rule. The lines may cross, touch, coincide and run in any
+/// direction. Returns false, and no contours, if it did not succeed.
 ///
-/// The lines may cross, touch, coincide and run in any direction. Where they have to be cut, the
-/// new vertices are points of `grid` that are doubles; edges move by no more than that rounding.
-///
-/// Cost: in practice O(n log n); at worst the number of pairs of edges that share some y.
-ResolvedContours ResolveContours(GridLines lines, ClipGrid const& grid);
+/// Cost: see CutAtCrossings() and LinkContours().
+bool ResolveContours(GridLines lines, RegionOf const& region, ClipGrid const& grid,
+                     ResolvedContours& result);
 
 } // namespace trammel_detail
 

@@ -7,7 +7,7 @@
 
 namespace trammel_detail {
 
-void GridLines::Close() {
+void GridLines::Close(Operands operand) {
     std::size_t begin = ends.empty() ? 0 : ends.back();
     // Whether b can go between a and c: it repeats one of them, or the line turns back there.
     auto const encloses = [](GridPoint a, GridPoint b, GridPoint c) {
@@ -47,14 +47,25 @@ void GridLines::Close() {
     }
     points.resize(size);
     ends.push_back(size);
+    operands.push_back(operand);
 }
 
-EdgeTree::EdgeTree(GridLines const& lines, GridPoint margin) : mLines(lines), mMargin(margin) {
+EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin)
+    : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin) {
     mEdges.reserve(lines.points.size());
     mFirst.assign(lines.points.size(), 0);
     mChains.reserve(lines.points.size() / 2);
-    std::vector<GridBox> level;
+    Level level;
     level.reserve(lines.points.size() / 2);
+    // Ends the chain from edge `chain` to before edge `end`, whose last vertex is `last`.
+    auto const endChain = [&](std::size_t chain, std::size_t end, GridPoint last) {
+        bool isFresh = false;
+        for (std::size_t i = chain; i < end && !isFresh; ++i) {
+            isFresh = IsFresh(i);
+        }
+        mChains.push_back(chain);
+        level.push_back({Widened(BoxOf(lines.points[chain], last)), isFresh});
+    };
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const begin = lines.Begin(line);
         std::size_t const end = lines.End(line);
@@ -68,8 +79,7 @@ EdgeTree::EdgeTree(GridLines const& lines, GridPoint margin) : mLines(lines), mM
             int const x = (b.x > a.x) - (b.x < a.x);
             int const y = (b.y > a.y) - (b.y < a.y);
             if (x * directionX < 0 || y * directionY < 0 || i - chain == kLongestChain) {
-                mChains.push_back(chain);
-                level.push_back(Widened(BoxOf(lines.points[chain], a)));
+                endChain(chain, i, a);
                 chain = i;
                 directionX = 0;
                 directionY = 0;
@@ -78,12 +88,11 @@ EdgeTree::EdgeTree(GridLines const& lines, GridPoint margin) : mLines(lines), mM
             directionY = y != 0 ? y : directionY;
             mEdges.push_back({a, b});
         }
-        mChains.push_back(chain);
-        level.push_back(Widened(BoxOf(lines.points[chain], lines.points[begin])));
+        endChain(chain, end, lines.points[begin]);
     }
     mChains.push_back(mEdges.size());
     while (level.size() > 1) {
-        std::vector<GridBox> above((level.size() + kFan - 1) / kFan);
+        Level above((level.size() + kFan - 1) / kFan);
         for (std::size_t i = 0; i < level.size(); ++i) {
             above[i / kFan].Include(level[i]);
         }
@@ -99,10 +108,10 @@ bool EdgeTree::Follow(std::size_t i, std::size_t j) const {
     }
     // The last edge of a line and its first.
     return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
-           *std::upper_bound(mLines.ends.begin(), mLines.ends.end(), i) == j + 1;
+           mLines.End(LineOf(i)) == j + 1;
 }
 
-bool EdgeTree::InsideWestOf(std::size_t edge) const {
+Operands EdgeTree::InsideWestOf(std::size_t edge) const {
     // Counts the edges that a ray to the west crosses. It starts at p, moved up along the edge by
     // an infinitely small amount: edges that end at p.y are below it, those that begin there reach
     // it.
@@ -110,12 +119,12 @@ bool EdgeTree::InsideWestOf(std::size_t edge) const {
     GridPoint const p = up ? mEdges[edge].a : mEdges[edge].b;
     GridPoint const q = up ? mEdges[edge].b : mEdges[edge].a;
     auto const above = [p](GridPoint r) { return r.y > p.y; };
-    bool inside = false;
+    Operands inside = 0;
     std::vector<std::pair<std::size_t, std::size_t>> open{{mLevels.size() - 1, 0}};
     while (!open.empty()) {
         auto const [level, node] = open.back();
         open.pop_back();
-        GridBox const& box = mLevels[level][node];
+        GridBox const& box = mLevels[level][node].box;
         if (p.y < box.y0 || p.y >= box.y1 || p.x < box.x0) {
             continue;
         }
@@ -130,8 +139,13 @@ bool EdgeTree::InsideWestOf(std::size_t edge) const {
             }
             first = mChains[first];
             last = mChains[std::min(last, mChains.size() - 1)] - 1;
-            inside ^= above(mEdges[first].a) != above(StartOfLine(first));
-            inside ^= above(mEdges[last].b) != above(StartOfLine(last));
+            for (auto const& [end, at] : {std::pair(first, mEdges[first].a),
+                                          std::pair(last, mEdges[last].b)}) {
+                std::size_t const line = LineOf(end);
+                if (above(at) != above(mLines.points[mLines.Begin(line)])) {
+                    inside ^= mLines.operands[line];
+                }
+            }
             continue;
         }
         if (level > 0) {
@@ -153,7 +167,9 @@ bool EdgeTree::InsideWestOf(std::size_t edge) const {
                 side = Sign(static_cast<Int128>(high.x - low.x) * (q.y - p.y) -
                             static_cast<Int128>(high.y - low.y) * (q.x - p.x));
             }
-            inside ^= side < 0;
+            if (side < 0) {
+                inside ^= mLines.operands[LineOf(i)];
+            }
         }
     }
     return inside;

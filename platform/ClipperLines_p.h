@@ -15,10 +15,15 @@
 
 namespace trammel_detail {
 
-/// Closed lines: the vertices of all of them one after the other, and where each ends.
+/// A set of operands, one bit each.
+typedef unsigned char Operands;
+
+/// Closed lines: the vertices of all of them one after the other, where each ends, and the operand
+/// that it bounds.
 struct GridLines {
     std::vector<GridPoint> points;
     std::vector<std::size_t> ends;
+    std::vector<Operands> operands;
 
     std::size_t Count() const { return ends.size(); }
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1]; }
@@ -27,7 +32,7 @@ struct GridLines {
     /// Ends the line that was begun with points.push_back(): takes out what encloses nothing
     /// (repeated vertices, edges that run back over the one before), and the whole line if fewer
     /// than three vertices are left. The parity of no point changes.
-    void Close();
+    void Close(Operands operand);
 };
 
 /// An edge, in the direction of its line.
@@ -71,21 +76,26 @@ inline GridBox BoxOf(GridEdge const& e) { return BoxOf(e.a, e.b); }
 /// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
 class EdgeTree {
 public:
-    /// The boxes reach `margin` further than the edges.
-    explicit EdgeTree(GridLines const& lines, GridPoint margin = {0, 0});
+    /// The boxes reach `margin` further than the edges. `fresh` has a 1 for each edge that is to be
+    /// looked at, or is empty if all are.
+    EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin);
 
     GridLines const& Lines() const { return mLines; }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
+    /// The number of the edge's second vertex.
+    std::size_t SecondOf(std::size_t edge) const {
+        return edge + 1 < Count() && mFirst[edge + 1] == 0 ? edge + 1 : StartOfLine(edge);
+    }
 
-    /// Calls visit(i, j, follow), i < j, for all pairs of edges whose boxes have a point in common,
-    /// save those of one chain if there is no margin. `follow` is true for those that follow each
-    /// other on a line.
+    /// Calls visit(i, j, follow), i < j, for all pairs of edges, at least one of them fresh, whose
+    /// boxes have a point in common, save those of one chain if there is no margin. `follow` is
+    /// true for those that follow each other on a line.
     template <class Visit> void ForMeetingPairs(Visit&& visit) const;
 
-    /// Whether points directly west of an edge that is not horizontal, near its lower end, are
-    /// inside by the even-odd rule. Exact, also where edges share that end.
-    bool InsideWestOf(std::size_t edge) const;
+    /// The operands that points directly west of an edge that is not horizontal, near its lower
+    /// end, lie in by the even-odd rule. Exact, also where edges share that end.
+    Operands InsideWestOf(std::size_t edge) const;
 
 private:
     static constexpr std::size_t kFan = 4;
@@ -109,23 +119,41 @@ private:
     GridBox Widened(GridBox const& b) const {
         return {b.x0 - mMargin.x, b.y0 - mMargin.y, b.x1 + mMargin.x, b.y1 + mMargin.y};
     }
-    GridPoint StartOfLine(std::size_t edge) const {
+    std::size_t LineOf(std::size_t edge) const {
         auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
-        return mLines.points[line == mLines.ends.begin() ? 0 : *(line - 1)];
+        return static_cast<std::size_t>(line - mLines.ends.begin());
     }
+    std::size_t StartOfLine(std::size_t edge) const { return mLines.Begin(LineOf(edge)); }
+    bool IsFresh(std::size_t edge) const { return mFreshEdges.empty() || mFreshEdges[edge] != 0; }
+
+    /// A node's box, and whether there is a fresh edge in it.
+    struct Node {
+        GridBox box;
+        bool fresh = false;
+
+        void Include(Node const& n) {
+            box.Include(n.box);
+            fresh = fresh || n.fresh;
+        }
+        bool Concerns(Node const& n) const {
+            return (static_cast<int>(fresh) | static_cast<int>(n.fresh)) != 0 && box.Meets(n.box);
+        }
+    };
+    typedef std::vector<Node> Level;
 
     GridLines const& mLines;
+    std::vector<char> mFreshEdges;
     GridPoint mMargin;
     std::vector<GridEdge> mEdges;
-    std::vector<char> mFirst;                  // one an edge: 1 for the first of its line
-    std::vector<std::size_t> mChains;          // the first edge of each, and the number of edges
-    std::vector<std::vector<GridBox>> mLevels; // [0] chains, [i] over [i - 1], the last has one
+    std::vector<char> mFirst;         // one an edge: 1 for the first of its line
+    std::vector<std::size_t> mChains; // the first edge of each, and the number of edges
+    std::vector<Level> mLevels;       // [0] chains, [i] over [i - 1], the last has one
 };
 
 template <class Visit> void EdgeTree::ForMeetingPairs(Visit&& visit) const {
     bool const withinChains = mMargin != GridPoint{0, 0};
     std::vector<Pair> open;
-    if (!mEdges.empty()) {
+    if (!mEdges.empty() && mLevels.back()[0].fresh) {
         open.push_back({mLevels.size() - 1, 0, 0});
     }
     while (!open.empty()) {
@@ -135,17 +163,17 @@ template <class Visit> void EdgeTree::ForMeetingPairs(Visit&& visit) const {
         std::size_t const endI = EndOf(level, i);
         std::size_t const endJ = EndOf(level, j);
         if (level > 0) {
-            std::vector<GridBox> const& boxes = mLevels[level - 1];
+            Level const& nodes = mLevels[level - 1];
             for (std::size_t k = FirstOf(level, i); k < endI; ++k) {
                 std::size_t l = firstJ;
                 if (i == j) {
                     l = k + 1;
-                    if (level > 1 || withinChains) {
+                    if ((level > 1 || withinChains) && nodes[k].fresh) {
                         open.push_back({level - 1, k, k});
                     }
                 }
                 for (; l < endJ; ++l) {
-                    if (boxes[k].Meets(boxes[l])) {
+                    if (nodes[k].Concerns(nodes[l])) {
                         open.push_back({level - 1, k, l});
                     }
                 }
@@ -161,11 +189,12 @@ template <class Visit> void EdgeTree::ForMeetingPairs(Visit&& visit) const {
         }
         for (std::size_t k = FirstOf(level, i); k < endI; ++k) {
             GridBox const box = Widened(BoxOf(mEdges[k]));
-            if (!box.Meets(mLevels[0][j])) {
+            bool const fresh = IsFresh(k);
+            if (!box.Meets(mLevels[0][j].box) || !(fresh || mLevels[0][j].fresh)) {
                 continue;
             }
             for (std::size_t l = i == j ? k + 1 : firstJ; l < endJ; ++l) {
-                if (box.Meets(boxes[l - firstJ])) {
+                if (box.Meets(boxes[l - firstJ]) && (fresh || IsFresh(l))) {
                     visit(k, l, Follow(k, l));
                 }
             }

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "ClipperLinker_p.h"
 
+#include "ClipperPlaces_p.h"
 #include "ClipperPredicates_p.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <utility>
@@ -14,16 +16,30 @@ namespace {
 
 std::size_t const kNone = std::numeric_limits<std::size_t>::max();
 
-/// The end at which an edge that is entered at one end is left.
-EdgeEnd OtherEnd(EdgeEnd end) { return end ^ 1; }
+/// Edges of a line that follow each other, from one shared vertex to the next; or a whole line
+/// without any.
+struct Arc {
+    std::size_t line;
+    std::size_t first; // its first edge
+    std::size_t count; // of edges
+    bool closed;
+    Operands operands;     // that it separates its two sides in: 0 once it has cancelled
+    Operands left = 0;     // that the points to its left lie in
+    bool labelled = false; // whether that is known
+    bool bounds = false;   // whether it is on the boundary of the region
+};
 
-std::size_t EdgeOf(EdgeEnd end) { return end / 2; }
+/// The end of an arc: 2 * the arc's number, + 1 at its last vertex.
+typedef std::size_t ArcEnd;
 
-/// A spoke of the wheel around a shared vertex: an edge's end, and the edge's other vertex.
+/// The end at which an arc that is entered at one end is left.
+ArcEnd OtherEnd(ArcEnd end) { return end ^ 1; }
+
+/// A spoke of the wheel around a shared vertex: an arc's end, and the next vertex on the arc.
 struct Spoke {
     GridPoint hub;
     GridPoint tip;
-    EdgeEnd end;
+    ArcEnd end;
 };
 
 /// Whether spoke s comes before t, turning counterclockwise from east around their common hub.
@@ -42,192 +58,8 @@ bool TurnsFirst(Spoke const& s, Spoke const& t) {
     return s.tip != t.tip ? s.tip < t.tip : s.end < t.end;
 }
 
-/// The work of LinkContours().
-class Linker {
-public:
-    Linker(EdgeTree const& tree, std::vector<char> const& shared);
-
-    /// Decides for every edge which of its sides is inside.
-    void FindInside();
-
-    ResolvedContours Contours();
-
-private:
-    GridPoint VertexAt(EdgeEnd end) const {
-        GridEdge const& e = mTree.At(EdgeOf(end));
-        return end % 2 == 0 ? e.a : e.b;
-    }
-    void CancelEqualEdges();
-    /// The edge's end at which it is entered by someone who has the inside to the left.
-    EdgeEnd Entry(std::size_t edge) const { return 2 * edge + (mBackwards[edge] != 0 ? 1 : 0); }
-    /// Calls visit(begin, end) for the spokes of each wheel.
-    template <class Visit> void ForWheels(Visit&& visit) const;
-
-    EdgeTree const& mTree;
-    std::vector<EdgeEnd> mMate;   // by end: the one at the same vertex where a walk goes on
-    std::vector<Spoke> mSpokes;   // wheel after wheel, in each counterclockwise
-    std::vector<char> mGone;      // by edge: has cancelled
-    std::vector<char> mBackwards; // by edge: has the inside to the left from its second vertex
-};
-
-template <class Visit> void Linker::ForWheels(Visit&& visit) const {
-    for (std::size_t begin = 0; begin < mSpokes.size();) {
-        std::size_t end = begin + 1;
-        while (end < mSpokes.size() && mSpokes[end].hub == mSpokes[begin].hub) {
-            ++end;
-        }
-        visit(begin, end);
-        begin = end;
-    }
-}
-
-Linker::Linker(EdgeTree const& tree, std::vector<char> const& shared)
-    : mTree(tree), mGone(tree.Count(), 0), mBackwards(tree.Count(), 0) {
-    // At vertices that occur once walks go on as the lines do.
-    GridLines const& lines = tree.Lines();
-    mMate.reserve(2 * tree.Count());
-    for (std::size_t line = 0; line < lines.Count(); ++line) {
-        std::size_t const begin = lines.Begin(line);
-        std::size_t const end = lines.End(line);
-        for (std::size_t i = begin; i < end; ++i) {
-            mMate.push_back(2 * (i == begin ? end - 1 : i - 1) + 1);
-            mMate.push_back(2 * (i + 1 == end ? begin : i + 1));
-        }
-    }
-
-    for (EdgeEnd end = 0; end < shared.size(); ++end) {
-        if (shared[end] != 0 || shared[mMate[end]] != 0) {
-            mSpokes.push_back({VertexAt(end), VertexAt(OtherEnd(end)), end});
-        }
-    }
-    std::sort(mSpokes.begin(), mSpokes.end(), [](Spoke const& s, Spoke const& t) {
-        return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
-    });
-    CancelEqualEdges();
-
-    // Spokes that are neighbours are joined: walks that go on so do not cross.
-    ForWheels([this](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i + 1 < end; i += 2) {
-            mMate[mSpokes[i].end] = mSpokes[i + 1].end;
-            mMate[mSpokes[i + 1].end] = mSpokes[i].end;
-        }
-    });
-}
-
-void Linker::CancelEqualEdges() {
-    // Of equal edges one is left if their number is odd, none otherwise.
-    ForWheels([this](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i + 1 < end;) {
-            if (mSpokes[i].tip == mSpokes[i + 1].tip) {
-                mGone[EdgeOf(mSpokes[i].end)] = 1;
-                mGone[EdgeOf(mSpokes[i + 1].end)] = 1;
-                i += 2;
-            } else {
-                ++i;
-            }
-        }
-    });
-    mSpokes.erase(std::remove_if(mSpokes.begin(), mSpokes.end(),
-                                 [this](Spoke const& s) { return mGone[EdgeOf(s.end)] != 0; }),
-                  mSpokes.end());
-}
-
-void Linker::FindInside() {
-    // A walk that does not cross anything has the same to its left all along.
-    std::vector<char> done(mGone);
-    std::vector<std::size_t> walk;
-    for (std::size_t first = 0; first < done.size(); ++first) {
-        if (done[first] != 0) {
-            continue;
-        }
-        walk.clear();
-        EdgeEnd lowest = 2 * first;
-        EdgeEnd end = lowest;
-        do {
-            done[EdgeOf(end)] = 1;
-            mBackwards[EdgeOf(end)] = end % 2 != 0;
-            walk.push_back(EdgeOf(end));
-            if (VertexAt(end) < VertexAt(lowest)) {
-                lowest = end;
-            }
-            end = mMate[OtherEnd(end)];
-        } while (done[EdgeOf(end)] == 0);
-
-        // One of the two edges at the lowest vertex goes up: the one that leaves, or else the one
-        // that arrives, which the walk goes down.
-        bool const leaves = VertexAt(OtherEnd(lowest)).y > VertexAt(lowest).y;
-        std::size_t const up = EdgeOf(leaves ? lowest : mMate[lowest]);
-        if (mTree.InsideWestOf(up) != leaves) {
-            for (std::size_t const edge : walk) {
-                mBackwards[edge] ^= 1;
-            }
-        }
-    }
-}
-
-ResolvedContours Linker::Contours() {
-    // Around a vertex edges that come in and go out alternate. Who comes in goes on along the next
-    // edge clockwise: what lies between is inside.
-    std::vector<std::size_t> wheel(mMate.size(), kNone); // by end
-    std::size_t wheels = 0;
-    ForWheels([&](std::size_t begin, std::size_t end) {
-        for (std::size_t i = begin; i < end; ++i) {
-            EdgeEnd const name = mSpokes[i].end;
-            wheel[name] = wheels;
-            if (Entry(EdgeOf(name)) != name) {
-                mMate[name] = mSpokes[i > begin ? i - 1 : end - 1].end;
-            }
-        }
-        ++wheels;
-    });
-
-    ResolvedContours result;
-    GridLines& contours = result.contours;
-    contours.points.reserve(mGone.size());
-    std::vector<char> done(mGone);
-    std::vector<std::size_t> place(wheels, kNone); // on the way, of vertices that are shared
-    std::vector<EdgeEnd> way;
-    // Makes the last part of the way, which has come back to where it began, a contour. It has no
-    // vertex twice. The way has the inside to the left, contours have it to the right.
-    auto const finish = [&](std::size_t begin) {
-        for (std::size_t i = way.size(); i-- > begin;) {
-            contours.points.push_back(VertexAt(way[i]));
-            if (wheel[way[i]] != kNone) {
-                place[wheel[way[i]]] = kNone;
-            }
-        }
-        way.resize(begin);
-        contours.Close();
-    };
-    for (std::size_t edge = 0; edge < done.size(); ++edge) {
-        if (done[edge] != 0) {
-            continue;
-        }
-        EdgeEnd end = Entry(edge);
-        do {
-            if (wheel[end] != kNone) {
-                std::size_t const before = place[wheel[end]];
-                if (before != kNone) {
-                    finish(before);
-                }
-                place[wheel[end]] = way.size();
-            }
-            way.push_back(end);
-            done[EdgeOf(end)] = 1;
-            end = mMate[OtherEnd(end)];
-        } while (done[EdgeOf(end)] == 0);
-        finish(0);
-    }
-    result.holes.reserve(contours.Count());
-    for (std::size_t i = 0; i < contours.Count(); ++i) {
-        result.holes.push_back(FootOf(contours, i).counterclockwise ? 1 : 0);
-    }
-    return result;
-}
-
-} // namespace
-
-Foot FootOf(GridLines const& lines, std::size_t line) {
+/// The direction of a line that does not cross itself, by the turn at its lowest vertex.
+bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
     std::size_t const begin = lines.Begin(line);
     std::size_t const end = lines.End(line);
     std::size_t i = begin;
@@ -236,17 +68,304 @@ Foot FootOf(GridLines const& lines, std::size_t line) {
     }
     std::size_t const before = i == begin ? end - 1 : i - 1;
     std::size_t const after = i + 1 == end ? begin : i + 1;
-    GridPoint const p = lines.points[i];
-    bool const left = SideOf(lines.points[before], p, lines.points[after]) > 0;
-    if (lines.points[after].y > p.y) {
-        return {i, true, left};
-    }
-    return {before, false, left};
+    return SideOf(lines.points[before], lines.points[i], lines.points[after]) > 0;
 }
 
-ResolvedContours LinkContours(EdgeTree const& tree, std::vector<char> const& shared) {
-    Linker linker(tree, shared);
-    linker.FindInside();
+/// The work of LinkContours().
+class Linker {
+public:
+    Linker(EdgeTree const& tree, std::vector<char> const& shared, RegionOf const& region)
+        : mTree(tree), mLines(tree.Lines()), mRegion(region) {
+        MakeArcs(shared);
+        MakeWheels();
+    }
+
+    /// Finds the arcs on the boundary.
+    void FindBoundary();
+
+    ResolvedContours Contours();
+
+private:
+    void MakeArcs(std::vector<char> const& shared);
+    void MakeWheels();
+    /// Puts the spokes of arcs that satisfy a condition into mWheels.
+    template <class Condition> void FillWheels(Condition&& isIn);
+    void MergeEqualArcs();
+    /// Labels what hangs together with an arc that is labelled. `done` has an element for each
+    /// wheel.
+    void LabelFrom(ArcEnd first, std::vector<char>& done);
+    /// The number of an arc's vertex number k.
+    std::size_t VertexOf(Arc const& arc, std::size_t k) const {
+        std::size_t const i = arc.first + k;
+        std::size_t const end = mLines.End(arc.line);
+        return i < end ? i : i - end + mLines.Begin(arc.line);
+    }
+    GridPoint PointOf(Arc const& arc, std::size_t k) const {
+        return mLines.points[VertexOf(arc, k)];
+    }
+    /// The arc's end at which it is entered by someone who has the region to the left.
+    ArcEnd Entry(std::size_t arc) const {
+        return 2 * arc + (mRegion[mArcs[arc].left] ? 0 : 1);
+    }
+    /// The next spoke of the wheel, clockwise.
+    ArcEnd Next(ArcEnd end) const {
+        std::size_t const wheel = mWheelOf[end];
+        std::size_t const i = mSpokeOf[end];
+        return mEnds[(i > mWheels[wheel] ? i : mWheels[wheel + 1]) - 1];
+    }
+    /// Appends the vertices that someone meets who walks along an arc, save the one at which it is
+    /// entered.
+    void AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const;
+
+    EdgeTree const& mTree;
+    GridLines const& mLines;
+    RegionOf const& mRegion;
+    std::vector<Arc> mArcs;
+    std::vector<Spoke> mSpokes;        // wheel after wheel, in each counterclockwise
+    std::vector<ArcEnd> mEnds;         // the same, those of arcs that are left
+    std::vector<std::size_t> mWheels;  // in mEnds: where each begins, and where the last one ends
+    std::vector<std::size_t> mWheelOf; // by end
+    std::vector<std::size_t> mSpokeOf; // by end: in mEnds
+};
+
+void Linker::MakeArcs(std::vector<char> const& shared) {
+    for (std::size_t line = 0; line < mLines.Count(); ++line) {
+        std::size_t const begin = mLines.Begin(line);
+        std::size_t const end = mLines.End(line);
+        Arc arc{line, begin, end - begin, true, mLines.operands[line]};
+        auto const next = [&](std::size_t i) {
+            while (i < end && shared[i] == 0) {
+                ++i;
+            }
+            return i;
+        };
+        std::size_t const first = next(begin);
+        if (first < end) {
+            arc.closed = false;
+            for (std::size_t i = first; i < end;) {
+                std::size_t const j = next(i + 1);
+                arc.first = i;
+                arc.count = j - i + (j == end ? first - begin : 0);
+                mArcs.push_back(arc);
+                i = j;
+            }
+        } else {
+            mArcs.push_back(arc);
+        }
+    }
+}
+
+void Linker::MakeWheels() {
+    std::vector<Spoke> spokes;
+    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+        Arc const& arc = mArcs[i];
+        if (!arc.closed) {
+            spokes.push_back({PointOf(arc, 0), PointOf(arc, 1), 2 * i});
+            spokes.push_back({PointOf(arc, arc.count), PointOf(arc, arc.count - 1), 2 * i + 1});
+        }
+    }
+    if (spokes.empty()) {
+        return;
+    }
+    // Into buckets by their place, a wheel or two in each if they are spread evenly; then each
+    // bucket is sorted.
+    int bits = 0;
+    while (spokes.size() >> bits > 4 && bits < kPlaceBits) {
+        ++bits;
+    }
+    auto const bucketOf = [bits](Spoke const& s) {
+        return bits == 0 ? 0 : static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
+    };
+    std::vector<std::size_t> ends((std::size_t{1} << bits), 0);
+    for (Spoke const& s : spokes) {
+        ++ends[bucketOf(s)];
+    }
+    std::size_t sum = 0;
+    for (std::size_t& end : ends) {
+        sum += std::exchange(end, sum);
+    }
+    mSpokes.resize(spokes.size());
+    for (Spoke const& s : spokes) {
+        mSpokes[ends[bucketOf(s)]++] = s;
+    }
+    auto begin = mSpokes.begin();
+    for (std::size_t const size : ends) {
+        auto const end = mSpokes.begin() + static_cast<std::ptrdiff_t>(size);
+        std::sort(begin, end, [](Spoke const& s, Spoke const& t) {
+            return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
+        });
+        begin = end;
+    }
+}
+
+template <class Condition> void Linker::FillWheels(Condition&& isIn) {
+    mEnds.clear();
+    mWheels.clear();
+    mEnds.reserve(mSpokes.size());
+    mWheelOf.resize(2 * mArcs.size());
+    mSpokeOf.resize(2 * mArcs.size());
+    Spoke const* last = nullptr;
+    for (Spoke const& s : mSpokes) {
+        if (!isIn(mArcs[s.end / 2])) {
+            continue;
+        }
+        if (last == nullptr || last->hub != s.hub) {
+            mWheels.push_back(mEnds.size());
+        }
+        last = &s;
+        mWheelOf[s.end] = mWheels.size() - 1;
+        mSpokeOf[s.end] = mEnds.size();
+        mEnds.push_back(s.end);
+    }
+    mWheels.push_back(mEnds.size());
+}
+
+void Linker::MergeEqualArcs() {
+    // Equal arcs have one edge each. The one with the smallest number stands for all, once.
+    for (std::size_t i = 0; i + 1 < mSpokes.size();) {
+        std::size_t j = i + 1;
+        while (j < mSpokes.size() && mSpokes[j].hub == mSpokes[i].hub &&
+               mSpokes[j].tip == mSpokes[i].tip) {
+            ++j;
+        }
+        if (j > i + 1 && mSpokes[i].hub < mSpokes[i].tip) {
+            Arc& first = mArcs[mSpokes[i].end / 2];
+            for (std::size_t k = i + 1; k < j; ++k) {
+                first.operands ^= std::exchange(mArcs[mSpokes[k].end / 2].operands, Operands{0});
+            }
+        }
+        i = j;
+    }
+}
+
+void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
+    // From wheel to wheel: what the points beside one spoke lie in tells it for all spokes, and so
+    // for the other ends of their arcs.
+    std::vector<ArcEnd> open{first, OtherEnd(first)};
+    while (!open.empty()) {
+        ArcEnd const from = open.back();
+        open.pop_back();
+        if (std::exchange(done[mWheelOf[from]], 1) != 0) {
+            continue;
+        }
+        // What points counterclockwise of the spoke lie in.
+        Operands here = mArcs[from / 2].left ^ (from % 2 == 0 ? 0 : mArcs[from / 2].operands);
+        ArcEnd last = from;
+        for (ArcEnd at = Next(from); at != from; at = Next(at)) {
+            here ^= mArcs[last / 2].operands;
+            last = at;
+            Arc& arc = mArcs[at / 2];
+            if (!arc.labelled) {
+                arc.labelled = true;
+                arc.left = here ^ (at % 2 == 0 ? 0 : arc.operands);
+                open.push_back(OtherEnd(at));
+            }
+        }
+    }
+}
+
+void Linker::FindBoundary() {
+    MergeEqualArcs();
+    FillWheels([](Arc const& arc) { return arc.operands != 0; });
+    std::vector<char> done(mWheels.size(), 0);
+    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+        Arc& arc = mArcs[i];
+        if (arc.labelled || arc.operands == 0) {
+            continue;
+        }
+        // One edge that is not horizontal tells it for all that hangs together; there is one, as
+        // lines are closed.
+        std::size_t k = 0;
+        while (k < arc.count && PointOf(arc, k).y == PointOf(arc, k + 1).y) {
+            ++k;
+        }
+        if (k == arc.count) {
+            continue;
+        }
+        std::size_t const edge = VertexOf(arc, k);
+        bool const up = mTree.At(edge).a.y < mTree.At(edge).b.y;
+        arc.left = mTree.InsideWestOf(edge) ^ (up ? 0 : arc.operands);
+        arc.labelled = true;
+        if (!arc.closed) {
+            LabelFrom(2 * i, done);
+        }
+    }
+    for (Arc& arc : mArcs) {
+        arc.bounds = arc.labelled && mRegion[arc.left] != mRegion[arc.left ^ arc.operands];
+    }
+    FillWheels([](Arc const& arc) { return arc.bounds; });
+}
+
+void Linker::AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const {
+    Arc const& arc = mArcs[entry / 2];
+    if (entry % 2 == 0) {
+        for (std::size_t k = arc.count; k-- > 0;) {
+            points.push_back(PointOf(arc, k));
+        }
+    } else {
+        for (std::size_t k = 1; k <= arc.count; ++k) {
+            points.push_back(PointOf(arc, k));
+        }
+    }
+}
+
+ResolvedContours Linker::Contours() {
+    ResolvedContours result;
+    GridLines& contours = result.contours;
+    contours.points.reserve(mLines.points.size());
+    std::vector<char> done(mArcs.size(), 0);
+    std::vector<std::size_t> place(mWheels.size(), kNone); // on the way
+    std::vector<ArcEnd> way;                               // the arcs, by where they are entered
+    // Makes the last part of the way, which has come back to where it began, a contour. It has no
+    // vertex twice. The way has the region to the left, contours have it to the right.
+    auto const finish = [&](std::size_t begin) {
+        for (std::size_t i = way.size(); i-- > begin;) {
+            AppendBackwards(way[i], contours.points);
+            if (!mArcs[way[i] / 2].closed) {
+                place[mWheelOf[way[i]]] = kNone;
+            }
+        }
+        way.resize(begin);
+        contours.ends.push_back(contours.points.size());
+        contours.operands.push_back(0);
+    };
+    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+        if (!mArcs[i].bounds || done[i] != 0) {
+            continue;
+        }
+        ArcEnd end = Entry(i);
+        if (mArcs[i].closed) {
+            way.push_back(end);
+            finish(0);
+            continue;
+        }
+        // Who comes in at a wheel goes on along the next arc clockwise: what lies between is
+        // inside. Arcs that come in and go out alternate.
+        do {
+            std::size_t const wheel = mWheelOf[end];
+            if (place[wheel] != kNone) {
+                finish(place[wheel]);
+            }
+            place[wheel] = way.size();
+            way.push_back(end);
+            done[end / 2] = 1;
+            end = Next(OtherEnd(end));
+        } while (done[end / 2] == 0);
+        finish(0);
+    }
+    result.holes.reserve(contours.Count());
+    for (std::size_t i = 0; i < contours.Count(); ++i) {
+        result.holes.push_back(IsCounterclockwise(contours, i) ? 1 : 0);
+    }
+    return result;
+}
+
+} // namespace
+
+ResolvedContours LinkContours(EdgeTree const& tree, std::vector<char> const& shared,
+                              RegionOf const& region) {
+    Linker linker(tree, shared, region);
+    linker.FindBoundary();
     return linker.Contours();
 }
 

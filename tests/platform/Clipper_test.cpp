@@ -1025,7 +1025,7 @@ TEST(ClipperDeathTest, OutOfMemoryEndsTheProcess) {
     Dice dice(2);
     gpc_polygon subject = plain::ToRecord({Star(200000, 0, 0, 1, 0, dice)});
     gpc_polygon clip = plain::ToRecord({Star(200000, 1, 0, 1, 0, dice)});
-    for (rlim_t const megabytes : {0, 8, 16, 32, 64}) {
+    for (rlim_t const megabytes : {0, 4, 8, 16, 32}) {
         EXPECT_EXIT(ClipWithin(megabytes, subject, clip), ::testing::ExitedWithCode(1),
                     "^gpc malloc failure: [a-z ]+\n$")
             << megabytes;
