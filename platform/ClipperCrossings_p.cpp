@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace trammel_detail {
@@ -15,6 +16,75 @@ namespace {
 struct Cut {
     std::size_t edge;
     GridPoint at;
+    std::int64_t clearance; // how far the next vertex on the edge has to be, see Clearances
+};
+
+std::int64_t LengthBound(GridEdge const& e) {
+    return (e.b.x > e.a.x ? e.b.x - e.a.x : e.a.x - e.b.x) +
+           (e.b.y > e.a.y ? e.b.y - e.a.y : e.a.y - e.b.y);
+}
+
+/// When cutting edges cannot make them meet anew.
+///
+/// A cut's rounding moves it by half of the doubles' spacing and a step of the grid, in x and in y.
+/// So all parts of an edge stay within R of it, with R = 5 times the largest spacing. If parts of
+/// two edges e and f have a point in common then, both edges pass it within R. Hence:
+///
+/// - e and f more than 2 R apart do not meet.
+/// - If e and f cross at P with an angle of t, points within R of both lie within 2 R / sin t of P.
+///   If, on both, the next vertices are at least 9 R / sin t from P, then only the parts that end at
+///   P can come there: other parts stay R less than that away. And those have only that end in
+///   common, as each deviates from the direction of its edge by no more than asin(2 R / (9 R / sin t
+///   - 2 R)) < t / 2.
+/// - The same holds where P is the vertex between edges that follow each other; if they make an
+///   obtuse angle, as if it were a right one.
+///
+/// Distances between rounded vertices are up to 2 R less than those in the above, and sin t <= 1,
+/// so 11 R / sin t is enough; 12 leaves room for the rounding of doubles. Edges for which nothing of
+/// this can be shown are looked at again.
+class Clearances {
+public:
+    explicit Clearances(ClipGrid const& grid) {
+        GridPoint const spacing = grid.LargestSpacing();
+        std::int64_t const largest = std::max(spacing.x, spacing.y);
+        // Else products of it might not fit.
+        mUsable = largest < std::int64_t{1} << 37;
+        mReach = mUsable ? 5 * largest : 0;
+    }
+
+    /// Whether this works for the grid.
+    bool Usable() const { return mUsable; }
+    /// R.
+    std::int64_t Reach() const { return mReach; }
+
+    /// Whether an edge is more than 2 R from two points on the same side of it, given Cross() of
+    /// the edge and each.
+    bool Apart(GridEdge const& e, Int128 a, Int128 b) const {
+        Int128 const limit = static_cast<Int128>(2 * mReach) * LengthBound(e);
+        return (a > limit && b > limit) || (a < -limit && b < -limit);
+    }
+
+    /// 12 R / sin t, at least, for the angle between the edges, `product` being their cross product.
+    std::int64_t For(GridEdge const& e, GridEdge const& f, Int128 product) const {
+        // Rounded down: the upper half.
+        auto const high = static_cast<std::int64_t>((product < 0 ? -product : product) >> 64);
+        double const clearance = 12.0 * static_cast<double>(mReach) *
+                                 static_cast<double>(LengthBound(e)) *
+                                 (static_cast<double>(LengthBound(f)) * 0x1p-64) /
+                                 static_cast<double>(high);
+        return clearance < 0x1p62 ? static_cast<std::int64_t>(clearance) + 1 : kTooMuch;
+    }
+
+    /// The same for edges that follow each other, e before f.
+    std::int64_t ForCorner(GridEdge const& e, GridEdge const& f) const {
+        return SameDirection(e.b, e.a, f.b) ? For(e, f, Cross(e.a, e.b, f.b)) : 12 * mReach;
+    }
+
+private:
+    static constexpr std::int64_t kTooMuch = std::numeric_limits<std::int64_t>::max();
+
+    std::int64_t mReach;
+    bool mUsable;
 };
 
 /// The point where two edges cross that have no end in common, to within a step of the grid. The
@@ -64,11 +134,16 @@ public:
     /// less than half of the doubles' spacing, in x and in y. (J. D. Hobby, Practical Segment
     /// Intersection with Finite Precision Output, 1999: edges that are bent at all such vertices
     /// meet at vertices only.)
-    Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, std::vector<char>& shared)
-        : mTree(tree), mGrid(grid), mPixels(pixels), mShared(shared) {}
+    ///
+    /// With `clearances` instead `doubtful` gets a 1 for each edge that, if it is cut, may meet
+    /// another anew. The tree has a margin of their reach then.
+    Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, Clearances const* clearances,
+             std::vector<char>& doubtful, std::vector<char>& shared)
+        : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mDoubtful(doubtful),
+          mShared(shared) {}
 
     std::vector<Cut> Find() {
-        mTree.ForMeetingPairs([this](std::size_t i, std::size_t j, bool follow) {
+        mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
             } else {
@@ -84,15 +159,21 @@ public:
     }
 
 private:
-    void CutAt(std::size_t edge, GridPoint p) {
+    void CutAt(std::size_t edge, GridPoint p, std::int64_t clearance = 0) {
         if (p != mTree.At(edge).a && p != mTree.At(edge).b) {
-            mCuts.push_back({edge, p});
+            mCuts.push_back({edge, p, clearance});
         }
     }
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j) {
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j, std::int64_t clearance = 0) {
         GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j)));
-        CutAt(i, p);
-        CutAt(j, p);
+        CutAt(i, p, clearance);
+        CutAt(j, p, clearance);
+    }
+    void Doubt(std::size_t i, std::size_t j) {
+        if (mClearances != nullptr) {
+            mDoubtful[i] = 1;
+            mDoubtful[j] = 1;
+        }
     }
     void Share(std::size_t i, std::size_t j) {
         GridEdge const& e = mTree.At(i);
@@ -126,18 +207,26 @@ private:
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         if ((fa > 0 && fb > 0) || (fa < 0 && fb < 0)) {
+            if (mClearances != nullptr && !mClearances->Apart(e, fa, fb)) {
+                NearMiss(i, j, fa, fb);
+            }
             return;
         }
         Int128 const ea = Cross(f.a, f.b, e.a);
         // The two triangles on e and those on f make up the same quadrangle.
         Int128 const eb = ea + fa - fb;
         if ((ea > 0 && eb > 0) || (ea < 0 && eb < 0)) {
+            if (mClearances != nullptr && !mClearances->Apart(f, ea, eb)) {
+                Doubt(i, j);
+            }
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            CutBothWhereTheyCross(i, j);
+            CutBothWhereTheyCross(i, j,
+                                  mClearances != nullptr ? mClearances->For(e, f, fa - fb) : 0);
             return;
         }
+        Doubt(i, j);
         if (fa == 0 && BoxOf(e).Contains(f.a)) {
             CutAt(i, f.a);
         }
@@ -149,6 +238,14 @@ private:
         }
         if (eb == 0 && BoxOf(f).Contains(e.b)) {
             CutAt(j, e.b);
+        }
+    }
+    /// For edges that do not meet, f's ends lying on one side of e, but one of them near its line.
+    void NearMiss(std::size_t i, std::size_t j, Int128 fa, Int128 fb) {
+        GridEdge const& f = mTree.At(j);
+        Int128 const ea = Cross(f.a, f.b, mTree.At(i).a);
+        if (!mClearances->Apart(f, ea, ea + fa - fb)) {
+            Doubt(i, j);
         }
     }
     void InPixels(std::size_t i, std::size_t j) {
@@ -196,56 +293,107 @@ private:
     EdgeTree const& mTree;
     ClipGrid const& mGrid;
     bool mPixels;
+    Clearances const* mClearances;
+    std::vector<char>& mDoubtful;
     std::vector<char>& mShared;
     std::vector<Cut> mCuts;
 };
 
 /// Puts the cuts of one edge into their order along it: in the direction in which it is longer.
 /// Rounding can have moved points off the edge, but not past each other by more than a step or two.
-void SortAlong(GridEdge const& e, GridPoint* begin, GridPoint* end) {
+void SortAlong(GridEdge const& e, Cut* begin, Cut* end) {
     std::int64_t const dx = e.b.x - e.a.x;
     std::int64_t const dy = e.b.y - e.a.y;
     bool const wide = (dx < 0 ? -dx : dx) >= (dy < 0 ? -dy : dy);
-    std::sort(begin, end, [=](GridPoint p, GridPoint q) {
-        std::int64_t const x = dx < 0 ? q.x - p.x : p.x - q.x;
-        std::int64_t const y = dy < 0 ? q.y - p.y : p.y - q.y;
+    std::sort(begin, end, [=](Cut const& c, Cut const& d) {
+        std::int64_t const x = dx < 0 ? d.at.x - c.at.x : c.at.x - d.at.x;
+        std::int64_t const y = dy < 0 ? d.at.y - c.at.y : c.at.y - d.at.y;
         return wide ? (x != 0 ? x < 0 : y < 0) : (y != 0 ? y < 0 : x < 0);
     });
 }
 
-/// The points of the cuts, edge by edge, in the order along the edge. `ends` gets for each edge
-/// where its points end.
-std::vector<GridPoint> SortedCuts(std::vector<Cut> const& cuts, EdgeTree const& tree,
-                                  std::vector<std::size_t>& ends) {
-    ends.assign(tree.Count(), 0);
-    for (Cut const& cut : cuts) {
-        ++ends[cut.edge];
-    }
-    std::size_t sum = 0;
-    for (std::size_t& end : ends) {
-        sum += std::exchange(end, sum);
-    }
-    std::vector<GridPoint> points(cuts.size());
-    for (Cut const& cut : cuts) {
-        points[ends[cut.edge]++] = cut.at;
-    }
-    std::size_t begin = 0;
-    for (std::size_t edge = 0; edge < ends.size(); ++edge) {
-        if (ends[edge] - begin > 1) {
-            SortAlong(tree.At(edge), points.data() + begin, points.data() + ends[edge]);
+/// Cuts, edge by edge.
+struct SortedCuts {
+    std::vector<Cut> cuts;         // in the order along the edge
+    std::vector<std::size_t> ends; // one an edge: of its part of the cuts
+
+    SortedCuts(std::vector<Cut> const& unsorted, EdgeTree const& tree)
+        : cuts(unsorted.size()), ends(tree.Count(), 0) {
+        for (Cut const& cut : unsorted) {
+            ++ends[cut.edge];
         }
-        begin = ends[edge];
+        std::size_t sum = 0;
+        for (std::size_t& end : ends) {
+            sum += std::exchange(end, sum);
+        }
+        for (Cut const& cut : unsorted) {
+            cuts[ends[cut.edge]++] = cut;
+        }
+        for (std::size_t edge = 0; edge < ends.size(); ++edge) {
+            if (ends[edge] - Begin(edge) > 1) {
+                SortAlong(tree.At(edge), cuts.data() + Begin(edge), cuts.data() + ends[edge]);
+            }
+        }
     }
-    return points;
+    std::size_t Begin(std::size_t edge) const { return edge == 0 ? 0 : ends[edge - 1]; }
+    bool Has(std::size_t edge) const { return Begin(edge) < ends[edge]; }
+};
+
+/// Whether the vertices on an edge that is cut are so far from each other that the edge meets no
+/// other anew.
+bool IsClear(std::size_t edge, std::size_t before, std::size_t after, EdgeTree const& tree,
+             SortedCuts const& sorted, Clearances const& clearances) {
+    auto const distance = [](GridPoint p, GridPoint q) {
+        return std::max(p.x < q.x ? q.x - p.x : p.x - q.x, p.y < q.y ? q.y - p.y : p.y - q.y);
+    };
+    auto const clearOfCorner = [&](std::size_t other, std::int64_t clearance) {
+        // If it is cut itself, its own vertices are looked at in its turn.
+        return sorted.Has(other) || distance(tree.At(other).a, tree.At(other).b) >= clearance;
+    };
+    GridEdge const& e = tree.At(edge);
+    std::int64_t const first = clearances.ForCorner(tree.At(before), e);
+    std::int64_t const last = clearances.ForCorner(e, tree.At(after));
+    if (!clearOfCorner(before, first) || !clearOfCorner(after, last)) {
+        return false;
+    }
+    GridPoint at = e.a;
+    std::int64_t clearance = first;
+    for (std::size_t i = sorted.Begin(edge); i < sorted.ends[edge]; ++i) {
+        Cut const& cut = sorted.cuts[i];
+        if (distance(at, cut.at) < std::max(clearance, cut.clearance)) {
+            return false;
+        }
+        at = cut.at;
+        clearance = cut.clearance;
+    }
+    return distance(at, e.b) >= std::max(clearance, last);
+}
+
+/// The edges that may meet others once they are cut: with `clearances` those for which the opposite
+/// cannot be shown, else all that are cut.
+std::vector<char> Unclear(SortedCuts const& sorted, EdgeTree const& tree,
+                          std::vector<char> const& doubtful, Clearances const* clearances) {
+    std::vector<char> unclear(tree.Count(), 0);
+    GridLines const& lines = tree.Lines();
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        std::size_t const begin = lines.Begin(line);
+        std::size_t const end = lines.End(line);
+        for (std::size_t i = begin; i < end; ++i) {
+            if (sorted.Has(i)) {
+                unclear[i] = clearances == nullptr || doubtful[i] != 0 ||
+                             !IsClear(i, i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1,
+                                      tree, sorted, *clearances);
+            }
+        }
+    }
+    return unclear;
 }
 
 /// Makes the cuts new vertices. They are shared. Returns which edges are fresh: parts of those that
-/// were cut.
-std::vector<char> Apply(std::vector<Cut> const& cuts, EdgeTree const& tree, GridLines& lines,
-                        std::vector<char>& shared) {
-    std::vector<std::size_t> ends;
-    std::vector<GridPoint> const points = SortedCuts(cuts, tree, ends);
-    std::size_t const size = lines.points.size() + points.size();
+/// are unclear.
+std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& unclear,
+                        GridLines& lines, std::vector<char>& shared) {
+    std::size_t const size = lines.points.size() + sorted.cuts.size();
     std::vector<GridPoint> allPoints;
     std::vector<char> allShared;
     std::vector<char> fresh;
@@ -256,15 +404,14 @@ std::vector<char> Apply(std::vector<Cut> const& cuts, EdgeTree const& tree, Grid
     std::size_t i = 0;
     for (std::size_t& lineEnd : lines.ends) {
         for (; i < lineEnd; ++i) {
-            char const isFresh = cut < ends[i] ? 1 : 0;
             allPoints.push_back(lines.points[i]);
             allShared.push_back(shared[i]);
-            fresh.push_back(isFresh);
-            for (; cut < ends[i]; ++cut) {
-                if (points[cut] != allPoints.back()) {
-                    allPoints.push_back(points[cut]);
+            fresh.push_back(unclear[i]);
+            for (; cut < sorted.ends[i]; ++cut) {
+                if (sorted.cuts[cut].at != allPoints.back()) {
+                    allPoints.push_back(sorted.cuts[cut].at);
                     allShared.push_back(1);
-                    fresh.push_back(isFresh);
+                    fresh.push_back(unclear[i]);
                 }
             }
         }
@@ -285,18 +432,39 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<char>& s
     // nearly side by side could go on crossing, each time one double further along.
     int const kExactRounds = 2;
     int const kMaxRounds = 50;
+    Clearances const clearances(grid);
     shared.assign(lines.points.size(), 0);
-    tree.emplace(lines, std::vector<char>(), GridPoint{0, 0});
+    std::vector<char> doubtful(lines.points.size(), 0);
+    EdgeTree::Order order = EdgeTree::Order::kLines;
+    tree.emplace(lines, std::vector<char>(), GridPoint{clearances.Reach(), clearances.Reach()},
+                 order);
     for (int round = 0; round < kMaxRounds; ++round) {
-        bool const pixels = round >= kExactRounds;
-        std::vector<Cut> const cuts = Meetings(*tree, grid, pixels, shared).Find();
-        if (cuts.empty()) {
+        Clearances const* const proving =
+            round == 0 && clearances.Usable() ? &clearances : nullptr;
+        std::vector<Cut> const cuts =
+            Meetings(*tree, grid, round >= kExactRounds, proving, doubtful, shared).Find();
+        bool isSettled = cuts.empty();
+        if (!isSettled) {
+            std::size_t const count = tree->Count();
+            SortedCuts const sorted(cuts, *tree);
+            std::vector<char> const unclear = Unclear(sorted, *tree, doubtful, proving);
+            isSettled = std::find(unclear.begin(), unclear.end(), 1) == unclear.end();
+            std::vector<char> fresh = Apply(sorted, unclear, lines, shared);
+            if (cuts.size() > count) {
+                order = EdgeTree::Order::kPlaces;
+            }
+            if (!isSettled) {
+                bool const pixels = round + 1 >= kExactRounds;
+                tree.emplace(lines, std::move(fresh),
+                             pixels ? grid.LargestSpacing() : GridPoint{0, 0}, order);
+            }
+        }
+        if (isSettled) {
+            if (!cuts.empty() || order != EdgeTree::Order::kLines) {
+                tree.emplace(lines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
+            }
             return true;
         }
-        std::vector<char> fresh = Apply(cuts, *tree, lines, shared);
-        bool const nextPixels = round + 1 >= kExactRounds;
-        tree.emplace(lines, std::move(fresh),
-                     nextPixels ? grid.LargestSpacing() : GridPoint{0, 0});
     }
     return false;
 }

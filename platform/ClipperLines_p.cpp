@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ClipperLines_p.h"
 
+#include "ClipperPlaces_p.h"
 #include "ClipperPredicates_p.h"
 
 #include <utility>
@@ -50,10 +51,11 @@ void GridLines::Close(Operands operand) {
     operands.push_back(operand);
 }
 
-EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin)
+EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order)
     : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin) {
     mEdges.reserve(lines.points.size());
     mFirst.assign(lines.points.size(), 0);
+    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
     mChains.reserve(lines.points.size() / 2);
     Level level;
     level.reserve(lines.points.size() / 2);
@@ -63,7 +65,7 @@ EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint ma
         for (std::size_t i = chain; i < end && !isFresh; ++i) {
             isFresh = IsFresh(i);
         }
-        mChains.push_back(chain);
+        mChains.push_back({chain, end});
         level.push_back({Widened(BoxOf(lines.points[chain], last)), isFresh});
     };
     for (std::size_t line = 0; line < lines.Count(); ++line) {
@@ -78,7 +80,7 @@ EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint ma
             GridPoint const b = lines.points[i + 1 == end ? begin : i + 1];
             int const x = (b.x > a.x) - (b.x < a.x);
             int const y = (b.y > a.y) - (b.y < a.y);
-            if (x * directionX < 0 || y * directionY < 0 || i - chain == kLongestChain) {
+            if (x * directionX < 0 || y * directionY < 0 || i - chain == longest) {
                 endChain(chain, i, a);
                 chain = i;
                 directionX = 0;
@@ -90,7 +92,9 @@ EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint ma
         }
         endChain(chain, end, lines.points[begin]);
     }
-    mChains.push_back(mEdges.size());
+    if (order == Order::kPlaces) {
+        SortChains(level);
+    }
     while (level.size() > 1) {
         Level above((level.size() + kFan - 1) / kFan);
         for (std::size_t i = 0; i < level.size(); ++i) {
@@ -100,6 +104,27 @@ EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint ma
         level = std::move(above);
     }
     mLevels.push_back(std::move(level));
+}
+
+void EdgeTree::SortChains(Level& level) {
+    std::vector<std::pair<std::uint64_t, std::size_t>> order;
+    order.reserve(level.size());
+    for (std::size_t i = 0; i < level.size(); ++i) {
+        GridBox const& box = level[i].box;
+        order.emplace_back(PlaceOf({box.x0 + (box.x1 - box.x0) / 2, box.y0 + (box.y1 - box.y0) / 2}),
+                           i);
+    }
+    std::sort(order.begin(), order.end());
+    std::vector<Chain> chains;
+    Level nodes;
+    chains.reserve(level.size());
+    nodes.reserve(level.size());
+    for (auto const& [place, i] : order) {
+        chains.push_back(mChains[i]);
+        nodes.push_back(level[i]);
+    }
+    mChains = std::move(chains);
+    level = std::move(nodes);
 }
 
 bool EdgeTree::Follow(std::size_t i, std::size_t j) const {
@@ -137,8 +162,8 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
                 first *= kFan;
                 last *= kFan;
             }
-            first = mChains[first];
-            last = mChains[std::min(last, mChains.size() - 1)] - 1;
+            first = mChains[first].begin;
+            last = mChains[std::min(last, mChains.size()) - 1].end - 1;
             for (auto const& [end, at] : {std::pair(first, mEdges[first].a),
                                           std::pair(last, mEdges[last].b)}) {
                 std::size_t const line = LineOf(end);

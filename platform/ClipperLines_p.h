@@ -68,17 +68,20 @@ inline GridBox BoxOf(GridPoint a, GridPoint b) {
 }
 inline GridBox BoxOf(GridEdge const& e) { return BoxOf(e.a, e.b); }
 
-/// A tree of boxes over the edges of closed lines, in the order of the lines: what follows each
-/// other on a line is near each other in the plane. Its leaves are chains of edges that rise or
-/// fall, and go east or west, all the way: the edges of a chain have nothing in common but their
-/// ends.
+/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that rise or fall,
+/// and go east or west, all the way: the edges of a chain have nothing in common but their ends.
 ///
 /// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
 class EdgeTree {
 public:
+    /// What comes together in a box: what follows each other on a line, which is near each other in
+    /// the plane in most drawings; or, at the cost of sorting, what is near each other. The latter
+    /// pays where long edges have been cut to many short ones.
+    enum class Order { kLines, kPlaces };
+
     /// The boxes reach `margin` further than the edges. `fresh` has a 1 for each edge that is to be
     /// looked at, or is empty if all are.
-    EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin);
+    EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order);
 
     GridLines const& Lines() const { return mLines; }
     std::size_t Count() const { return mEdges.size(); }
@@ -89,42 +92,25 @@ public:
     }
 
     /// Calls visit(i, j, follow), i < j, for all pairs of edges, at least one of them fresh, whose
-    /// boxes have a point in common, save those of one chain if there is no margin. `follow` is
-    /// true for those that follow each other on a line.
-    template <class Visit> void ForMeetingPairs(Visit&& visit) const;
+    /// boxes have a point in common; those of one chain only if asked for. `follow` is true for
+    /// those that follow each other on a line.
+    template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
 
     /// The operands that points directly west of an edge that is not horizontal, near its lower
-    /// end, lie in by the even-odd rule. Exact, also where edges share that end.
+    /// end, lie in by the even-odd rule. Exact, also where edges share that end. The tree is in the
+    /// order of the lines.
     Operands InsideWestOf(std::size_t edge) const;
 
 private:
     static constexpr std::size_t kFan = 4;
     static constexpr std::size_t kLongestChain = 8;
+    static constexpr std::size_t kLongestSortedChain = 2;
 
-    struct Pair {
-        std::size_t level;
-        std::size_t i;
-        std::size_t j;
+    /// The edges of a leaf.
+    struct Chain {
+        std::size_t begin;
+        std::size_t end;
     };
-
-    /// The children of a node: nodes of the level below, or edges.
-    std::size_t FirstOf(std::size_t level, std::size_t node) const {
-        return level == 0 ? mChains[node] : node * kFan;
-    }
-    std::size_t EndOf(std::size_t level, std::size_t node) const {
-        return level == 0 ? mChains[node + 1]
-                          : std::min(node * kFan + kFan, mLevels[level - 1].size());
-    }
-    bool Follow(std::size_t i, std::size_t j) const;
-    GridBox Widened(GridBox const& b) const {
-        return {b.x0 - mMargin.x, b.y0 - mMargin.y, b.x1 + mMargin.x, b.y1 + mMargin.y};
-    }
-    std::size_t LineOf(std::size_t edge) const {
-        auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
-        return static_cast<std::size_t>(line - mLines.ends.begin());
-    }
-    std::size_t StartOfLine(std::size_t edge) const { return mLines.Begin(LineOf(edge)); }
-    bool IsFresh(std::size_t edge) const { return mFreshEdges.empty() || mFreshEdges[edge] != 0; }
 
     /// A node's box, and whether there is a fresh edge in it.
     struct Node {
@@ -141,17 +127,44 @@ private:
     };
     typedef std::vector<Node> Level;
 
+    struct Pair {
+        std::size_t level;
+        std::size_t i;
+        std::size_t j;
+    };
+
+    /// The children of a node: nodes of the level below, or edges.
+    std::size_t FirstOf(std::size_t level, std::size_t node) const {
+        return level == 0 ? mChains[node].begin : node * kFan;
+    }
+    std::size_t EndOf(std::size_t level, std::size_t node) const {
+        return level == 0 ? mChains[node].end
+                          : std::min(node * kFan + kFan, mLevels[level - 1].size());
+    }
+    void SortChains(Level& level);
+    /// Whether edges i < j follow each other.
+    bool Follow(std::size_t i, std::size_t j) const;
+    GridBox Widened(GridBox const& b) const {
+        return {b.x0 - mMargin.x, b.y0 - mMargin.y, b.x1 + mMargin.x, b.y1 + mMargin.y};
+    }
+    std::size_t LineOf(std::size_t edge) const {
+        auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
+        return static_cast<std::size_t>(line - mLines.ends.begin());
+    }
+    std::size_t StartOfLine(std::size_t edge) const { return mLines.Begin(LineOf(edge)); }
+    bool IsFresh(std::size_t edge) const { return mFreshEdges.empty() || mFreshEdges[edge] != 0; }
+
     GridLines const& mLines;
     std::vector<char> mFreshEdges;
     GridPoint mMargin;
     std::vector<GridEdge> mEdges;
-    std::vector<char> mFirst;         // one an edge: 1 for the first of its line
-    std::vector<std::size_t> mChains; // the first edge of each, and the number of edges
-    std::vector<Level> mLevels;       // [0] chains, [i] over [i - 1], the last has one
+    std::vector<char> mFirst; // one an edge: 1 for the first of its line
+    std::vector<Chain> mChains;
+    std::vector<Level> mLevels; // [0] chains, [i] over [i - 1], the last has one
 };
 
-template <class Visit> void EdgeTree::ForMeetingPairs(Visit&& visit) const {
-    bool const withinChains = mMargin != GridPoint{0, 0};
+template <class Visit>
+void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
     std::vector<Pair> open;
     if (!mEdges.empty() && mLevels.back()[0].fresh) {
         open.push_back({mLevels.size() - 1, 0, 0});
@@ -195,7 +208,7 @@ template <class Visit> void EdgeTree::ForMeetingPairs(Visit&& visit) const {
             }
             for (std::size_t l = i == j ? k + 1 : firstJ; l < endJ; ++l) {
                 if (box.Meets(boxes[l - firstJ]) && (fresh || IsFresh(l))) {
-                    visit(k, l, Follow(k, l));
+                    visit(std::min(k, l), std::max(k, l), Follow(std::min(k, l), std::max(k, l)));
                 }
             }
         }
