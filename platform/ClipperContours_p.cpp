@@ -48,12 +48,12 @@ bool ResolveContours(GridLines lines, RegionOf const& region, ClipGrid const& gr
     if (lines.Count() > 2) {
         lines = SortedByPlace(lines);
     }
-    std::vector<char> shared;
+    std::vector<Meeting> meetings;
     std::optional<EdgeTree> tree;
-    if (!CutAtCrossings(lines, grid, shared, tree)) {
+    if (!CutAtCrossings(lines, grid, meetings, tree)) {
         return false;
     }
-    result = LinkContours(*tree, shared, region);
+    result = LinkContours(*tree, meetings, region);
     return true;
 }
 

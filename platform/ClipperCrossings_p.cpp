@@ -16,6 +16,7 @@ namespace {
 struct Cut {
     std::size_t edge;
     GridPoint at;
+    Meeting meeting;
     std::int64_t clearance; // how far the next vertex on the edge has to be, see Clearances
 };
 
@@ -138,9 +139,9 @@ public:
     /// With `clearances` instead `doubtful` gets a 1 for each edge that, if it is cut, may meet
     /// another anew. The tree has a margin of their reach then.
     Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, Clearances const* clearances,
-             std::vector<char>& doubtful, std::vector<char>& shared)
+             std::vector<char>& doubtful, std::vector<Meeting>& meetings)
         : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mDoubtful(doubtful),
-          mShared(shared) {}
+          mMeetings(meetings) {}
 
     std::vector<Cut> Find() {
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
@@ -159,15 +160,29 @@ public:
     }
 
 private:
-    void CutAt(std::size_t edge, GridPoint p, std::int64_t clearance = 0) {
+    void CutAt(std::size_t edge, GridPoint p) {
         if (p != mTree.At(edge).a && p != mTree.At(edge).b) {
-            mCuts.push_back({edge, p, clearance});
+            mCuts.push_back({edge, p, kMany, 0});
         }
     }
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j, std::int64_t clearance = 0) {
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j) {
         GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j)));
-        CutAt(i, p, clearance);
-        CutAt(j, p, clearance);
+        CutAt(i, p);
+        CutAt(j, p);
+    }
+    /// The same, with what is needed to show that nothing else meets there.
+    void CutBothWithClearance(std::size_t i, std::size_t j, std::int64_t clearance) {
+        std::size_t const before = mCuts.size();
+        CutBothWhereTheyCross(i, j);
+        if (mCuts.size() < before + 2 || mNext < kFirstCrossing) {
+            Doubt(i, j);
+            return;
+        }
+        for (std::size_t k = before; k < mCuts.size(); ++k) {
+            mCuts[k].clearance = clearance;
+            mCuts[k].meeting = mNext;
+        }
+        ++mNext;
     }
     void Doubt(std::size_t i, std::size_t j) {
         if (mClearances != nullptr) {
@@ -179,12 +194,12 @@ private:
         GridEdge const& e = mTree.At(i);
         GridEdge const& f = mTree.At(j);
         if (e.a == f.a || e.a == f.b) {
-            mShared[i] = 1;
-            mShared[e.a == f.a ? j : mTree.SecondOf(j)] = 1;
+            mMeetings[i] = kMany;
+            mMeetings[e.a == f.a ? j : mTree.SecondOf(j)] = kMany;
         }
         if (e.b == f.a || e.b == f.b) {
-            mShared[mTree.SecondOf(i)] = 1;
-            mShared[e.b == f.a ? j : mTree.SecondOf(j)] = 1;
+            mMeetings[mTree.SecondOf(i)] = kMany;
+            mMeetings[e.b == f.a ? j : mTree.SecondOf(j)] = kMany;
         }
     }
     /// Edges that follow each other overlap if the second runs back over the first.
@@ -197,7 +212,7 @@ private:
         GridPoint const q = inOrder ? f.b : f.a;
         if (Cross(turn, p, q) == 0 && SameDirection(turn, p, q)) {
             // The parts that are equal have to be told apart.
-            mShared[inOrder ? j : i] = 1;
+            mMeetings[inOrder ? j : i] = kMany;
             CutAt(BoxOf(e).Contains(q) ? i : j, BoxOf(e).Contains(q) ? q : p);
         }
     }
@@ -222,8 +237,11 @@ private:
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            CutBothWhereTheyCross(i, j,
-                                  mClearances != nullptr ? mClearances->For(e, f, fa - fb) : 0);
+            if (mClearances != nullptr) {
+                CutBothWithClearance(i, j, mClearances->For(e, f, fa - fb));
+            } else {
+                CutBothWhereTheyCross(i, j);
+            }
             return;
         }
         Doubt(i, j);
@@ -295,8 +313,9 @@ private:
     bool mPixels;
     Clearances const* mClearances;
     std::vector<char>& mDoubtful;
-    std::vector<char>& mShared;
+    std::vector<Meeting>& mMeetings;
     std::vector<Cut> mCuts;
+    Meeting mNext = kFirstCrossing;
 };
 
 /// Puts the cuts of one edge into their order along it: in the direction in which it is longer.
@@ -389,28 +408,42 @@ std::vector<char> Unclear(SortedCuts const& sorted, EdgeTree const& tree,
     return unclear;
 }
 
-/// Makes the cuts new vertices. They are shared. Returns which edges are fresh: parts of those that
-/// are unclear.
+/// Of crossings where not both edges are clear, takes back that there are just two edges.
+void ForgetUnclear(std::vector<Cut>& cuts, std::vector<char> const& unclear) {
+    std::vector<char> isUnclear(cuts.size() / 2 + kFirstCrossing + 1, 0);
+    for (Cut const& cut : cuts) {
+        if (unclear[cut.edge] != 0) {
+            isUnclear[cut.meeting] = 1;
+        }
+    }
+    for (Cut& cut : cuts) {
+        if (isUnclear[cut.meeting] != 0) {
+            cut.meeting = kMany;
+        }
+    }
+}
+
+/// Makes the cuts new vertices. Returns which edges are fresh: parts of those that are unclear.
 std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& unclear,
-                        GridLines& lines, std::vector<char>& shared) {
+                        GridLines& lines, std::vector<Meeting>& meetings) {
     std::size_t const size = lines.points.size() + sorted.cuts.size();
     std::vector<GridPoint> allPoints;
-    std::vector<char> allShared;
+    std::vector<Meeting> allMeetings;
     std::vector<char> fresh;
     allPoints.reserve(size);
-    allShared.reserve(size);
+    allMeetings.reserve(size);
     fresh.reserve(size);
     std::size_t cut = 0;
     std::size_t i = 0;
     for (std::size_t& lineEnd : lines.ends) {
         for (; i < lineEnd; ++i) {
             allPoints.push_back(lines.points[i]);
-            allShared.push_back(shared[i]);
+            allMeetings.push_back(meetings[i]);
             fresh.push_back(unclear[i]);
             for (; cut < sorted.ends[i]; ++cut) {
                 if (sorted.cuts[cut].at != allPoints.back()) {
                     allPoints.push_back(sorted.cuts[cut].at);
-                    allShared.push_back(1);
+                    allMeetings.push_back(sorted.cuts[cut].meeting);
                     fresh.push_back(unclear[i]);
                 }
             }
@@ -418,22 +451,23 @@ std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& uncle
         lineEnd = allPoints.size();
     }
     lines.points = std::move(allPoints);
-    shared = std::move(allShared);
+    meetings = std::move(allMeetings);
     return fresh;
 }
 
 } // namespace
 
-bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<char>& shared,
+bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>& meetings,
                     std::optional<EdgeTree>& tree) {
-    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so it
-    // is looked again until nothing is left to cut: two rounds are usual. If the second has found
-    // something, edges are bent at all vertices that they pass too closely; else two that run
-    // nearly side by side could go on crossing, each time one double further along.
+    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so
+    // edges for which that is not out of the question are looked at again until nothing is left to
+    // cut. If the second round has found something, edges are bent at all vertices that they pass
+    // too closely; else two that run nearly side by side could go on crossing, each time one double
+    // further along.
     int const kExactRounds = 2;
     int const kMaxRounds = 50;
     Clearances const clearances(grid);
-    shared.assign(lines.points.size(), 0);
+    meetings.assign(lines.points.size(), kAlone);
     std::vector<char> doubtful(lines.points.size(), 0);
     EdgeTree::Order order = EdgeTree::Order::kLines;
     tree.emplace(lines, std::vector<char>(), GridPoint{clearances.Reach(), clearances.Reach()},
@@ -442,24 +476,26 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<char>& s
         Clearances const* const proving =
             round == 0 && clearances.Usable() ? &clearances : nullptr;
         std::vector<Cut> const cuts =
-            Meetings(*tree, grid, round >= kExactRounds, proving, doubtful, shared).Find();
-        bool isSettled = cuts.empty();
-        if (!isSettled) {
-            std::size_t const count = tree->Count();
-            SortedCuts const sorted(cuts, *tree);
+            Meetings(*tree, grid, round >= kExactRounds, proving, doubtful, meetings).Find();
+        auto unclearCount = std::ptrdiff_t{0};
+        if (!cuts.empty()) {
+            SortedCuts sorted(cuts, *tree);
             std::vector<char> const unclear = Unclear(sorted, *tree, doubtful, proving);
-            isSettled = std::find(unclear.begin(), unclear.end(), 1) == unclear.end();
-            std::vector<char> fresh = Apply(sorted, unclear, lines, shared);
-            if (cuts.size() > count) {
-                order = EdgeTree::Order::kPlaces;
+            if (std::find(unclear.begin(), unclear.end(), 1) != unclear.end()) {
+                ForgetUnclear(sorted.cuts, unclear);
             }
-            if (!isSettled) {
+            std::vector<char> fresh = Apply(sorted, unclear, lines, meetings);
+            unclearCount = std::count(fresh.begin(), fresh.end(), 1);
+            if (unclearCount > 0) {
                 bool const pixels = round + 1 >= kExactRounds;
+                bool const many = fresh.size() > 2 * unclear.size() &&
+                                  static_cast<std::size_t>(unclearCount) > fresh.size() / 4;
+                order = many ? EdgeTree::Order::kPlaces : EdgeTree::Order::kLines;
                 tree.emplace(lines, std::move(fresh),
                              pixels ? grid.LargestSpacing() : GridPoint{0, 0}, order);
             }
         }
-        if (isSettled) {
+        if (unclearCount == 0) {
             if (!cuts.empty() || order != EdgeTree::Order::kLines) {
                 tree.emplace(lines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
             }

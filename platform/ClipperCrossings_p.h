@@ -7,21 +7,28 @@
 #include "ClipperGrid_p.h"
 #include "ClipperLines_p.h"
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
 namespace trammel_detail {
 
+/// What happens at a vertex: kAlone, it occurs once; kMany, anything may come together there; any
+/// other, just two edges cross there, which have been cut at vertices that have this number.
+typedef std::uint32_t Meeting;
+inline constexpr Meeting kAlone = 0;
+inline constexpr Meeting kMany = 1;
+inline constexpr Meeting kFirstCrossing = 2;
+
 /// Cuts lines where their edges cross, touch or overlap, themselves and each other: afterwards edges
 /// have nothing in common but their ends, or are equal. Returns false if there are crossings left.
 ///
-/// `shared` gets an element for each vertex: 1 at vertices that occur more than once (if two lines
-/// pass through it, at both), `tree` a tree of the cut lines. The new vertices are points of `grid`
-/// that are doubles; edges move by no more than that rounding.
+/// `meetings` gets an element for each vertex, `tree` a tree of the cut lines. The new vertices are
+/// points of `grid` that are doubles; edges move by no more than that rounding.
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.
-bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<char>& shared,
+bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>& meetings,
                     std::optional<EdgeTree>& tree);
 
 } // namespace trammel_detail

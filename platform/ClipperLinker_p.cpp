@@ -22,6 +22,7 @@ struct Arc {
     std::size_t line;
     std::size_t first; // its first edge
     std::size_t count; // of edges
+    std::size_t next;  // the arc that begins where this one ends
     bool closed;
     Operands operands;     // that it separates its two sides in: 0 once it has cancelled
     Operands left = 0;     // that the points to its left lie in
@@ -58,6 +59,40 @@ bool TurnsFirst(Spoke const& s, Spoke const& t) {
     return s.tip != t.tip ? s.tip < t.tip : s.end < t.end;
 }
 
+/// Brings the spokes of each wheel together, in each counterclockwise.
+void SortByHub(std::vector<Spoke>& spokes) {
+    // Into buckets by their place, a wheel or two in each if they are spread evenly; then each
+    // bucket is sorted.
+    int bits = 0;
+    while (spokes.size() >> bits > 4 && bits < kPlaceBits) {
+        ++bits;
+    }
+    auto const bucketOf = [bits](Spoke const& s) {
+        return bits == 0 ? 0 : static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
+    };
+    std::vector<std::size_t> ends(std::size_t{1} << bits, 0);
+    for (Spoke const& s : spokes) {
+        ++ends[bucketOf(s)];
+    }
+    std::size_t sum = 0;
+    for (std::size_t& end : ends) {
+        sum += std::exchange(end, sum);
+    }
+    std::vector<Spoke> sorted(spokes.size());
+    for (Spoke const& s : spokes) {
+        sorted[ends[bucketOf(s)]++] = s;
+    }
+    auto begin = sorted.begin();
+    for (std::size_t const size : ends) {
+        auto const end = sorted.begin() + static_cast<std::ptrdiff_t>(size);
+        std::sort(begin, end, [](Spoke const& s, Spoke const& t) {
+            return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
+        });
+        begin = end;
+    }
+    spokes = std::move(sorted);
+}
+
 /// The direction of a line that does not cross itself, by the turn at its lowest vertex.
 bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
     std::size_t const begin = lines.Begin(line);
@@ -74,10 +109,14 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
 /// The work of LinkContours().
 class Linker {
 public:
-    Linker(EdgeTree const& tree, std::vector<char> const& shared, RegionOf const& region)
+    Linker(EdgeTree const& tree, std::vector<Meeting> const& meetings, RegionOf const& region)
         : mTree(tree), mLines(tree.Lines()), mRegion(region) {
-        MakeArcs(shared);
-        MakeWheels();
+        MakeArcs(meetings);
+        mWheelOf.resize(2 * mArcs.size());
+        mSpokeOf.resize(2 * mArcs.size());
+        MakePlainWheels(meetings);
+        MakeWheels(meetings);
+        mWheels.push_back(mEnds.size());
     }
 
     /// Finds the arcs on the boundary.
@@ -86,11 +125,15 @@ public:
     ResolvedContours Contours();
 
 private:
-    void MakeArcs(std::vector<char> const& shared);
-    void MakeWheels();
-    /// Puts the spokes of arcs that satisfy a condition into mWheels.
-    template <class Condition> void FillWheels(Condition&& isIn);
-    void MergeEqualArcs();
+    void MakeArcs(std::vector<Meeting> const& meetings);
+    /// The wheels of crossings of two edges.
+    void MakePlainWheels(std::vector<Meeting> const& meetings);
+    /// The others; arcs that are equal are made one.
+    void MakeWheels(std::vector<Meeting> const& meetings);
+    void AppendWheel(ArcEnd const* begin, ArcEnd const* end);
+    bool IsPlain(Meeting meeting) const;
+    void DropWhatDoesNotBound();
+    void MergeEqualArcs(std::vector<Spoke> const& spokes);
     /// Labels what hangs together with an arc that is labelled. `done` has an element for each
     /// wheel.
     void LabelFrom(ArcEnd first, std::vector<char>& done);
@@ -121,31 +164,33 @@ private:
     GridLines const& mLines;
     RegionOf const& mRegion;
     std::vector<Arc> mArcs;
-    std::vector<Spoke> mSpokes;        // wheel after wheel, in each counterclockwise
-    std::vector<ArcEnd> mEnds;         // the same, those of arcs that are left
+    std::vector<std::pair<std::size_t, std::size_t>> mCrossings; // arcs that begin at a crossing
+    std::vector<ArcEnd> mEnds;         // the spokes, wheel after wheel, in each counterclockwise
     std::vector<std::size_t> mWheels;  // in mEnds: where each begins, and where the last one ends
     std::vector<std::size_t> mWheelOf; // by end
     std::vector<std::size_t> mSpokeOf; // by end: in mEnds
 };
 
-void Linker::MakeArcs(std::vector<char> const& shared) {
+void Linker::MakeArcs(std::vector<Meeting> const& meetings) {
     for (std::size_t line = 0; line < mLines.Count(); ++line) {
         std::size_t const begin = mLines.Begin(line);
         std::size_t const end = mLines.End(line);
-        Arc arc{line, begin, end - begin, true, mLines.operands[line]};
+        Arc arc{line, begin, end - begin, mArcs.size(), true, mLines.operands[line]};
         auto const next = [&](std::size_t i) {
-            while (i < end && shared[i] == 0) {
+            while (i < end && meetings[i] == kAlone) {
                 ++i;
             }
             return i;
         };
         std::size_t const first = next(begin);
         if (first < end) {
+            std::size_t const firstArc = mArcs.size();
             arc.closed = false;
             for (std::size_t i = first; i < end;) {
                 std::size_t const j = next(i + 1);
                 arc.first = i;
                 arc.count = j - i + (j == end ? first - begin : 0);
+                arc.next = j == end ? firstArc : mArcs.size() + 1;
                 mArcs.push_back(arc);
                 i = j;
             }
@@ -155,83 +200,117 @@ void Linker::MakeArcs(std::vector<char> const& shared) {
     }
 }
 
-void Linker::MakeWheels() {
+bool Linker::IsPlain(Meeting meeting) const {
+    return meeting >= kFirstCrossing && mCrossings[meeting - kFirstCrossing].second != kNone;
+}
+
+void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
+    Meeting const last = meetings.empty() ? kAlone : *std::max_element(meetings.begin(), meetings.end());
+    if (last < kFirstCrossing) {
+        return;
+    }
+    // The arcs that begin there, then those that end there.
+    mCrossings.assign(last - kFirstCrossing + 1, {kNone, kNone});
+    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+        Meeting const meeting = mArcs[i].closed ? kAlone : meetings[mArcs[i].first];
+        if (meeting >= kFirstCrossing) {
+            auto& [first, second] = mCrossings[meeting - kFirstCrossing];
+            (first == kNone ? first : second) = i;
+        }
+    }
+    std::vector<std::size_t> endingAt(mArcs.size(), kNone); // by the arc that begins there
+    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+        if (!mArcs[i].closed) {
+            endingAt[mArcs[i].next] = i;
+        }
+    }
+    for (auto const& [first, second] : mCrossings) {
+        if (second == kNone) {
+            continue;
+        }
+        ArcEnd const out[2] = {2 * first, 2 * second};
+        ArcEnd const in[2] = {2 * endingAt[first] + 1, 2 * endingAt[second] + 1};
+        bool const left = SideOf(PointOf(mArcs[first], 0), PointOf(mArcs[first], 1),
+                                 PointOf(mArcs[second], 1)) > 0;
+        ArcEnd const wheel[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
+        AppendWheel(wheel, wheel + 4);
+    }
+}
+
+void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
     std::vector<Spoke> spokes;
     for (std::size_t i = 0; i < mArcs.size(); ++i) {
         Arc const& arc = mArcs[i];
-        if (!arc.closed) {
+        if (arc.closed) {
+            continue;
+        }
+        if (!IsPlain(meetings[arc.first])) {
             spokes.push_back({PointOf(arc, 0), PointOf(arc, 1), 2 * i});
+        }
+        if (!IsPlain(meetings[VertexOf(arc, arc.count)])) {
             spokes.push_back({PointOf(arc, arc.count), PointOf(arc, arc.count - 1), 2 * i + 1});
         }
     }
-    if (spokes.empty()) {
-        return;
-    }
-    // Into buckets by their place, a wheel or two in each if they are spread evenly; then each
-    // bucket is sorted.
-    int bits = 0;
-    while (spokes.size() >> bits > 4 && bits < kPlaceBits) {
-        ++bits;
-    }
-    auto const bucketOf = [bits](Spoke const& s) {
-        return bits == 0 ? 0 : static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
-    };
-    std::vector<std::size_t> ends((std::size_t{1} << bits), 0);
-    for (Spoke const& s : spokes) {
-        ++ends[bucketOf(s)];
-    }
-    std::size_t sum = 0;
-    for (std::size_t& end : ends) {
-        sum += std::exchange(end, sum);
-    }
-    mSpokes.resize(spokes.size());
-    for (Spoke const& s : spokes) {
-        mSpokes[ends[bucketOf(s)]++] = s;
-    }
-    auto begin = mSpokes.begin();
-    for (std::size_t const size : ends) {
-        auto const end = mSpokes.begin() + static_cast<std::ptrdiff_t>(size);
-        std::sort(begin, end, [](Spoke const& s, Spoke const& t) {
-            return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
-        });
-        begin = end;
+    SortByHub(spokes);
+    MergeEqualArcs(spokes);
+    std::vector<ArcEnd> wheel;
+    for (std::size_t i = 0; i < spokes.size(); ++i) {
+        if (mArcs[spokes[i].end / 2].operands != 0) {
+            wheel.push_back(spokes[i].end);
+        }
+        if (i + 1 == spokes.size() || spokes[i + 1].hub != spokes[i].hub) {
+            AppendWheel(wheel.data(), wheel.data() + wheel.size());
+            wheel.clear();
+        }
     }
 }
 
-template <class Condition> void Linker::FillWheels(Condition&& isIn) {
-    mEnds.clear();
-    mWheels.clear();
-    mEnds.reserve(mSpokes.size());
-    mWheelOf.resize(2 * mArcs.size());
-    mSpokeOf.resize(2 * mArcs.size());
-    Spoke const* last = nullptr;
-    for (Spoke const& s : mSpokes) {
-        if (!isIn(mArcs[s.end / 2])) {
-            continue;
-        }
-        if (last == nullptr || last->hub != s.hub) {
-            mWheels.push_back(mEnds.size());
-        }
-        last = &s;
-        mWheelOf[s.end] = mWheels.size() - 1;
-        mSpokeOf[s.end] = mEnds.size();
-        mEnds.push_back(s.end);
+void Linker::AppendWheel(ArcEnd const* begin, ArcEnd const* end) {
+    for (ArcEnd const* i = begin; i < end; ++i) {
+        mWheelOf[*i] = mWheels.size();
+        mSpokeOf[*i] = mEnds.size();
+        mEnds.push_back(*i);
     }
-    mWheels.push_back(mEnds.size());
+    if (begin < end) {
+        mWheels.push_back(mEnds.size() - static_cast<std::size_t>(end - begin));
+    }
 }
 
-void Linker::MergeEqualArcs() {
+void Linker::DropWhatDoesNotBound() {
+    std::size_t wheels = 0;
+    std::size_t ends = 0;
+    for (std::size_t wheel = 0; wheel + 1 < mWheels.size(); ++wheel) {
+        std::size_t const begin = ends;
+        for (std::size_t i = mWheels[wheel]; i < mWheels[wheel + 1]; ++i) {
+            ArcEnd const end = mEnds[i];
+            if (mArcs[end / 2].bounds) {
+                mWheelOf[end] = wheels;
+                mSpokeOf[end] = ends;
+                mEnds[ends++] = end;
+            }
+        }
+        if (begin < ends) {
+            // Not beyond the wheel that has been read last.
+            mWheels[wheels++] = begin;
+        }
+    }
+    mWheels.resize(wheels + 1);
+    mWheels[wheels] = ends;
+    mEnds.resize(ends);
+}
+
+void Linker::MergeEqualArcs(std::vector<Spoke> const& spokes) {
     // Equal arcs have one edge each. The one with the smallest number stands for all, once.
-    for (std::size_t i = 0; i + 1 < mSpokes.size();) {
+    for (std::size_t i = 0; i + 1 < spokes.size();) {
         std::size_t j = i + 1;
-        while (j < mSpokes.size() && mSpokes[j].hub == mSpokes[i].hub &&
-               mSpokes[j].tip == mSpokes[i].tip) {
+        while (j < spokes.size() && spokes[j].hub == spokes[i].hub &&
+               spokes[j].tip == spokes[i].tip) {
             ++j;
         }
-        if (j > i + 1 && mSpokes[i].hub < mSpokes[i].tip) {
-            Arc& first = mArcs[mSpokes[i].end / 2];
+        if (j > i + 1 && spokes[i].hub < spokes[i].tip) {
+            Arc& first = mArcs[spokes[i].end / 2];
             for (std::size_t k = i + 1; k < j; ++k) {
-                first.operands ^= std::exchange(mArcs[mSpokes[k].end / 2].operands, Operands{0});
+                first.operands ^= std::exchange(mArcs[spokes[k].end / 2].operands, Operands{0});
             }
         }
         i = j;
@@ -265,8 +344,6 @@ void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
 }
 
 void Linker::FindBoundary() {
-    MergeEqualArcs();
-    FillWheels([](Arc const& arc) { return arc.operands != 0; });
     std::vector<char> done(mWheels.size(), 0);
     for (std::size_t i = 0; i < mArcs.size(); ++i) {
         Arc& arc = mArcs[i];
@@ -293,7 +370,7 @@ void Linker::FindBoundary() {
     for (Arc& arc : mArcs) {
         arc.bounds = arc.labelled && mRegion[arc.left] != mRegion[arc.left ^ arc.operands];
     }
-    FillWheels([](Arc const& arc) { return arc.bounds; });
+    DropWhatDoesNotBound();
 }
 
 void Linker::AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const {
@@ -362,9 +439,9 @@ ResolvedContours Linker::Contours() {
 
 } // namespace
 
-ResolvedContours LinkContours(EdgeTree const& tree, std::vector<char> const& shared,
+ResolvedContours LinkContours(EdgeTree const& tree, std::vector<Meeting> const& meetings,
                               RegionOf const& region) {
-    Linker linker(tree, shared, region);
+    Linker linker(tree, meetings, region);
     linker.FindBoundary();
     return linker.Contours();
 }
