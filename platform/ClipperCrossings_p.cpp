@@ -13,6 +13,8 @@ namespace trammel_detail {
 
 namespace {
 
+/// A point of an edge where it is to be cut; or a spot (then `meeting` is kAlone) where it is not,
+/// but where its parts may meet something if it is cut elsewhere.
 struct Cut {
     std::size_t edge;
     GridPoint at;
@@ -39,10 +41,13 @@ std::int64_t LengthBound(GridEdge const& e) {
 ///   - 2 R)) < t / 2.
 /// - The same holds where P is the vertex between edges that follow each other; if they make an
 ///   obtuse angle, as if it were a right one.
+/// - If they do not meet, but an end of one is within 2 R of the other's line, points within R of both
+///   lie within 4 R / sin t of that end.
 ///
 /// Distances between rounded vertices are up to 2 R less than those in the above, and sin t <= 1,
-/// so 11 R / sin t is enough; 12 leaves room for the rounding of doubles. Edges for which nothing of
-/// this can be shown are looked at again.
+/// so 11 R / sin t is enough; 12 leaves room for the rounding of doubles. Parts of edges that lie
+/// within that distance of such a point, where it is not kept by the next vertices, are looked at
+/// again.
 class Clearances {
 public:
     explicit Clearances(ClipGrid const& grid) {
@@ -82,7 +87,7 @@ public:
     }
 
 private:
-    static constexpr std::int64_t kTooMuch = std::numeric_limits<std::int64_t>::max();
+    static constexpr std::int64_t kTooMuch = std::int64_t{1} << 62;
 
     std::int64_t mReach;
     bool mUsable;
@@ -136,12 +141,11 @@ public:
     /// Intersection with Finite Precision Output, 1999: edges that are bent at all such vertices
     /// meet at vertices only.)
     ///
-    /// With `clearances` instead `doubtful` gets a 1 for each edge that, if it is cut, may meet
-    /// another anew. The tree has a margin of their reach then.
+    /// With `clearances` instead, cuts have their clearance, and there are spots. The tree has a
+    /// margin of their reach then.
     Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, Clearances const* clearances,
-             std::vector<char>& doubtful, std::vector<Meeting>& meetings)
-        : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mDoubtful(doubtful),
-          mMeetings(meetings) {}
+             std::vector<Meeting>& meetings)
+        : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mMeetings(meetings) {}
 
     std::vector<Cut> Find() {
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
@@ -165,29 +169,30 @@ private:
             mCuts.push_back({edge, p, kMany, 0});
         }
     }
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j) {
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j, Int128 product) {
         GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j)));
+        std::size_t const before = mCuts.size();
         CutAt(i, p);
         CutAt(j, p);
-    }
-    /// The same, with what is needed to show that nothing else meets there.
-    void CutBothWithClearance(std::size_t i, std::size_t j, std::int64_t clearance) {
-        std::size_t const before = mCuts.size();
-        CutBothWhereTheyCross(i, j);
-        if (mCuts.size() < before + 2 || mNext < kFirstCrossing) {
-            Doubt(i, j);
+        if (mClearances == nullptr) {
             return;
         }
+        if (mCuts.size() < before + 2 || mNext < kFirstCrossing) {
+            AddSpots(i, j, p, product);
+            return;
+        }
+        std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
         for (std::size_t k = before; k < mCuts.size(); ++k) {
             mCuts[k].clearance = clearance;
             mCuts[k].meeting = mNext;
         }
         ++mNext;
     }
-    void Doubt(std::size_t i, std::size_t j) {
+    void AddSpots(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
-            mDoubtful[i] = 1;
-            mDoubtful[j] = 1;
+            std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
+            mCuts.push_back({i, p, kAlone, clearance});
+            mCuts.push_back({j, p, kAlone, clearance});
         }
     }
     void Share(std::size_t i, std::size_t j) {
@@ -223,7 +228,10 @@ private:
         Int128 const fb = Cross(e.a, e.b, f.b);
         if ((fa > 0 && fb > 0) || (fa < 0 && fb < 0)) {
             if (mClearances != nullptr && !mClearances->Apart(e, fa, fb)) {
-                NearMiss(i, j, fa, fb);
+                Int128 const ea = Cross(f.a, f.b, e.a);
+                if (!mClearances->Apart(f, ea, ea + fa - fb)) {
+                    AddSpots(i, j, Nearer(f, fa, fb), fa - fb);
+                }
             }
             return;
         }
@@ -232,19 +240,15 @@ private:
         Int128 const eb = ea + fa - fb;
         if ((ea > 0 && eb > 0) || (ea < 0 && eb < 0)) {
             if (mClearances != nullptr && !mClearances->Apart(f, ea, eb)) {
-                Doubt(i, j);
+                AddSpots(i, j, Nearer(e, ea, eb), fa - fb);
             }
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            if (mClearances != nullptr) {
-                CutBothWithClearance(i, j, mClearances->For(e, f, fa - fb));
-            } else {
-                CutBothWhereTheyCross(i, j);
-            }
+            CutBothWhereTheyCross(i, j, fa - fb);
             return;
         }
-        Doubt(i, j);
+        AddSpots(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
         if (fa == 0 && BoxOf(e).Contains(f.a)) {
             CutAt(i, f.a);
         }
@@ -258,13 +262,9 @@ private:
             CutAt(j, e.b);
         }
     }
-    /// For edges that do not meet, f's ends lying on one side of e, but one of them near its line.
-    void NearMiss(std::size_t i, std::size_t j, Int128 fa, Int128 fb) {
-        GridEdge const& f = mTree.At(j);
-        Int128 const ea = Cross(f.a, f.b, mTree.At(i).a);
-        if (!mClearances->Apart(f, ea, ea + fa - fb)) {
-            Doubt(i, j);
-        }
+    /// The end of an edge that is nearer to another, given Cross() of the other and each.
+    static GridPoint Nearer(GridEdge const& f, Int128 fa, Int128 fb) {
+        return (fa < 0 ? -fa : fa) <= (fb < 0 ? -fb : fb) ? f.a : f.b;
     }
     void InPixels(std::size_t i, std::size_t j) {
         GridEdge const& e = mTree.At(i);
@@ -287,7 +287,7 @@ private:
             CutAt(j, e.b);
         }
         if (mCuts.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
-            CutBothWhereTheyCross(i, j);
+            CutBothWhereTheyCross(i, j, fa - fb);
         }
     }
     /// Whether edge e passes through the pixel around p, given Cross(e.a, e.b, p).
@@ -312,22 +312,33 @@ private:
     ClipGrid const& mGrid;
     bool mPixels;
     Clearances const* mClearances;
-    std::vector<char>& mDoubtful;
     std::vector<Meeting>& mMeetings;
     std::vector<Cut> mCuts;
     Meeting mNext = kFirstCrossing;
 };
 
-/// Puts the cuts of one edge into their order along it: in the direction in which it is longer.
-/// Rounding can have moved points off the edge, but not past each other by more than a step or two.
+/// Where points are along an edge, in the direction in which it is longer.
+class Along {
+public:
+    explicit Along(GridEdge const& e)
+        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
+          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
+
+    std::int64_t At(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
+    std::int64_t Beside(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
+
+private:
+    std::int64_t mX;
+    std::int64_t mY;
+    bool mWide;
+};
+
+/// Puts the cuts of one edge into their order along it. Rounding can have moved points off the edge,
+/// but not past each other by more than a step or two.
 void SortAlong(GridEdge const& e, Cut* begin, Cut* end) {
-    std::int64_t const dx = e.b.x - e.a.x;
-    std::int64_t const dy = e.b.y - e.a.y;
-    bool const wide = (dx < 0 ? -dx : dx) >= (dy < 0 ? -dy : dy);
-    std::sort(begin, end, [=](Cut const& c, Cut const& d) {
-        std::int64_t const x = dx < 0 ? d.at.x - c.at.x : c.at.x - d.at.x;
-        std::int64_t const y = dy < 0 ? d.at.y - c.at.y : c.at.y - d.at.y;
-        return wide ? (x != 0 ? x < 0 : y < 0) : (y != 0 ? y < 0 : x < 0);
+    std::sort(begin, end, [along = Along(e)](Cut const& c, Cut const& d) {
+        std::int64_t const difference = along.At(c.at) - along.At(d.at);
+        return difference != 0 ? difference < 0 : along.Beside(c.at) < along.Beside(d.at);
     });
 }
 
@@ -355,77 +366,129 @@ struct SortedCuts {
         }
     }
     std::size_t Begin(std::size_t edge) const { return edge == 0 ? 0 : ends[edge - 1]; }
-    bool Has(std::size_t edge) const { return Begin(edge) < ends[edge]; }
+    /// Whether the edge is cut.
+    bool Has(std::size_t edge) const {
+        return std::any_of(cuts.begin() + static_cast<std::ptrdiff_t>(Begin(edge)),
+                           cuts.begin() + static_cast<std::ptrdiff_t>(ends[edge]),
+                           [](Cut const& cut) { return cut.meeting != kAlone; });
+    }
 };
 
-/// Whether the vertices on an edge that is cut are so far from each other that the edge meets no
-/// other anew.
-bool IsClear(std::size_t edge, std::size_t before, std::size_t after, EdgeTree const& tree,
-             SortedCuts const& sorted, Clearances const& clearances) {
-    auto const distance = [](GridPoint p, GridPoint q) {
-        return std::max(p.x < q.x ? q.x - p.x : p.x - q.x, p.y < q.y ? q.y - p.y : p.y - q.y);
-    };
-    auto const clearOfCorner = [&](std::size_t other, std::int64_t clearance) {
-        // If it is cut itself, its own vertices are looked at in its turn.
-        return sorted.Has(other) || distance(tree.At(other).a, tree.At(other).b) >= clearance;
-    };
-    GridEdge const& e = tree.At(edge);
-    std::int64_t const first = clearances.ForCorner(tree.At(before), e);
-    std::int64_t const last = clearances.ForCorner(e, tree.At(after));
-    if (!clearOfCorner(before, first) || !clearOfCorner(after, last)) {
-        return false;
-    }
-    GridPoint at = e.a;
-    std::int64_t clearance = first;
-    for (std::size_t i = sorted.Begin(edge); i < sorted.ends[edge]; ++i) {
-        Cut const& cut = sorted.cuts[i];
-        if (distance(at, cut.at) < std::max(clearance, cut.clearance)) {
-            return false;
-        }
-        at = cut.at;
-        clearance = cut.clearance;
-    }
-    return distance(at, e.b) >= std::max(clearance, last);
-}
+/// Finds the parts of edges that may meet others, see Clearances.
+class Doubts {
+public:
+    /// Without clearances, all parts may.
+    Doubts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances)
+        : mTree(tree), mSorted(sorted), mClearances(clearances) {}
 
-/// The edges that may meet others once they are cut: with `clearances` those for which the opposite
-/// cannot be shown, else all that are cut.
-std::vector<char> Unclear(SortedCuts const& sorted, EdgeTree const& tree,
-                          std::vector<char> const& doubtful, Clearances const* clearances) {
-    std::vector<char> unclear(tree.Count(), 0);
-    GridLines const& lines = tree.Lines();
-    for (std::size_t line = 0; line < lines.Count(); ++line) {
-        std::size_t const begin = lines.Begin(line);
-        std::size_t const end = lines.End(line);
-        for (std::size_t i = begin; i < end; ++i) {
-            if (sorted.Has(i)) {
-                unclear[i] = clearances == nullptr || doubtful[i] != 0 ||
-                             !IsClear(i, i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1,
-                                      tree, sorted, *clearances);
+    /// The parts of an edge that is cut, from vertex to vertex: 1 for those in doubt. Cuts that lack
+    /// their clearance get kMany.
+    std::vector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
+        Collect(edge, before, after);
+        mParts.assign(1, 1);
+        if (mClearances == nullptr) {
+            mParts.resize(mPoints.size() - 1, 1);
+            return mParts;
+        }
+        FindLacks(edge);
+        // How far doubts reach, forwards and then backwards.
+        mParts.clear();
+        std::int64_t reach = std::numeric_limits<std::int64_t>::min();
+        std::int64_t last = 0;
+        for (Point const& p : mPoints) {
+            if (p.isVertex && &p != &mPoints.front()) {
+                mParts.push_back(reach > last ? 1 : 0);
+            }
+            last = p.isVertex ? p.at : last;
+            reach = p.lacks ? std::max(reach, p.at + p.clearance) : reach;
+        }
+        reach = std::numeric_limits<std::int64_t>::max();
+        std::size_t part = mParts.size();
+        for (std::size_t i = mPoints.size(); i-- > 0;) {
+            Point const& p = mPoints[i];
+            if (p.isVertex && i + 1 < mPoints.size() && reach < last) {
+                mParts[part - 1] = 1;
+            }
+            if (p.isVertex) {
+                part -= i + 1 < mPoints.size() ? 1 : 0;
+                last = p.at;
+            }
+            reach = p.lacks ? std::min(reach, p.at - p.clearance) : reach;
+        }
+        return mParts;
+    }
+
+private:
+    struct Point {
+        std::int64_t at;
+        std::int64_t clearance;
+        bool isVertex;
+        bool lacks;
+    };
+
+    /// The edge's ends, and between them its cuts and spots.
+    void Collect(std::size_t edge, std::size_t before, std::size_t after) {
+        GridEdge const& e = mTree.At(edge);
+        Along const along(e);
+        bool const known = mClearances != nullptr;
+        mPoints.clear();
+        mPoints.push_back({along.At(e.a),
+                           known ? mClearances->ForCorner(mTree.At(before), e) : 0, true, false});
+        for (std::size_t i = mSorted.Begin(edge); i < mSorted.ends[edge]; ++i) {
+            Cut const& cut = mSorted.cuts[i];
+            bool const isVertex = cut.meeting != kAlone;
+            mPoints.push_back({along.At(cut.at), cut.clearance, isVertex, !isVertex});
+        }
+        mPoints.push_back({along.At(e.b),
+                           known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
+        // The clearance at corners is also that of the neighbour; if it is cut itself, it looks to
+        // that in its turn.
+        mPoints.front().lacks = known && IsShort(before, mPoints.front().clearance);
+        mPoints.back().lacks = known && IsShort(after, mPoints.back().clearance);
+    }
+    bool IsShort(std::size_t edge, std::int64_t clearance) const {
+        GridEdge const& e = mTree.At(edge);
+        Along const along(e);
+        return along.At(e.b) - along.At(e.a) < clearance && !mSorted.Has(edge);
+    }
+    void FindLacks(std::size_t edge) {
+        std::size_t last = 0;
+        for (std::size_t i = 1; i < mPoints.size(); ++i) {
+            if (mPoints[i].isVertex) {
+                std::int64_t const gap = mPoints[i].at - mPoints[last].at;
+                mPoints[last].lacks |= gap < mPoints[last].clearance;
+                mPoints[i].lacks |= gap < mPoints[i].clearance;
+                last = i;
+            }
+        }
+        for (std::size_t i = 1; i + 1 < mPoints.size(); ++i) {
+            Cut& cut = mSorted.cuts[mSorted.Begin(edge) + i - 1];
+            if (mPoints[i].isVertex && mPoints[i].lacks) {
+                cut.meeting = kMany;
             }
         }
     }
-    return unclear;
-}
 
-/// Of crossings where not both edges are clear, takes back that there are just two edges.
-void ForgetUnclear(std::vector<Cut>& cuts, std::vector<char> const& unclear) {
-    std::vector<char> isUnclear(cuts.size() / 2 + kFirstCrossing + 1, 0);
-    for (Cut const& cut : cuts) {
-        if (unclear[cut.edge] != 0) {
-            isUnclear[cut.meeting] = 1;
-        }
-    }
-    for (Cut& cut : cuts) {
-        if (isUnclear[cut.meeting] != 0) {
-            cut.meeting = kMany;
-        }
-    }
-}
+    EdgeTree const& mTree;
+    SortedCuts& mSorted;
+    Clearances const* mClearances;
+    std::vector<Point> mPoints;
+    std::vector<char> mParts;
+};
 
-/// Makes the cuts new vertices. Returns which edges are fresh: parts of those that are unclear.
-std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& unclear,
+/// Makes the cuts new vertices. Returns which edges are fresh: parts that are in doubt.
+std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
                         GridLines& lines, std::vector<Meeting>& meetings) {
+    // Where an edge is cut later, its direction at its ends is not what it was.
+    auto const forget = [&](std::size_t vertex) {
+        meetings[vertex] = std::min(meetings[vertex], kMany);
+    };
+    for (std::size_t i = 0; i < tree.Count(); ++i) {
+        if (sorted.Has(i)) {
+            forget(i);
+            forget(tree.SecondOf(i));
+        }
+    }
     std::size_t const size = lines.points.size() + sorted.cuts.size();
     std::vector<GridPoint> allPoints;
     std::vector<Meeting> allMeetings;
@@ -433,22 +496,35 @@ std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& uncle
     allPoints.reserve(size);
     allMeetings.reserve(size);
     fresh.reserve(size);
-    std::size_t cut = 0;
-    std::size_t i = 0;
+    Doubts doubts(tree, sorted, clearances);
+    std::size_t begin = 0;
     for (std::size_t& lineEnd : lines.ends) {
-        for (; i < lineEnd; ++i) {
+        std::size_t const end = lineEnd;
+        for (std::size_t i = begin; i < end; ++i) {
             allPoints.push_back(lines.points[i]);
             allMeetings.push_back(meetings[i]);
-            fresh.push_back(unclear[i]);
-            for (; cut < sorted.ends[i]; ++cut) {
-                if (sorted.cuts[cut].at != allPoints.back()) {
-                    allPoints.push_back(sorted.cuts[cut].at);
-                    allMeetings.push_back(sorted.cuts[cut].meeting);
-                    fresh.push_back(unclear[i]);
+            if (!sorted.Has(i)) {
+                fresh.push_back(0);
+                continue;
+            }
+            char const* part = doubts.Of(i, i == begin ? end - 1 : i - 1,
+                                         i + 1 == end ? begin : i + 1).data();
+            fresh.push_back(*part++);
+            for (std::size_t k = sorted.Begin(i); k < sorted.ends[i]; ++k) {
+                Cut const& cut = sorted.cuts[k];
+                if (cut.meeting == kAlone) {
+                    continue;
                 }
+                if (cut.at != allPoints.back()) {
+                    allPoints.push_back(cut.at);
+                    allMeetings.push_back(cut.meeting);
+                    fresh.push_back(*part);
+                }
+                fresh.back() |= *part++;
             }
         }
         lineEnd = allPoints.size();
+        begin = end;
     }
     lines.points = std::move(allPoints);
     meetings = std::move(allMeetings);
@@ -459,48 +535,41 @@ std::vector<char> Apply(SortedCuts const& sorted, std::vector<char> const& uncle
 
 bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>& meetings,
                     std::optional<EdgeTree>& tree) {
-    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so
-    // edges for which that is not out of the question are looked at again until nothing is left to
-    // cut. If the second round has found something, edges are bent at all vertices that they pass
+    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so parts
+    // of edges for which that is not out of the question are looked at again until nothing is left
+    // to cut. If the second round has found something, edges are bent at all vertices that they pass
     // too closely; else two that run nearly side by side could go on crossing, each time one double
     // further along.
     int const kExactRounds = 2;
     int const kMaxRounds = 50;
     Clearances const clearances(grid);
     meetings.assign(lines.points.size(), kAlone);
-    std::vector<char> doubtful(lines.points.size(), 0);
-    EdgeTree::Order order = EdgeTree::Order::kLines;
     tree.emplace(lines, std::vector<char>(), GridPoint{clearances.Reach(), clearances.Reach()},
-                 order);
+                 EdgeTree::Order::kLines);
     for (int round = 0; round < kMaxRounds; ++round) {
-        Clearances const* const proving =
-            round == 0 && clearances.Usable() ? &clearances : nullptr;
+        Clearances const* const known = round == 0 && clearances.Usable() ? &clearances : nullptr;
         std::vector<Cut> const cuts =
-            Meetings(*tree, grid, round >= kExactRounds, proving, doubtful, meetings).Find();
-        auto unclearCount = std::ptrdiff_t{0};
-        if (!cuts.empty()) {
+            Meetings(*tree, grid, round >= kExactRounds, known, meetings).Find();
+        bool const any = std::any_of(cuts.begin(), cuts.end(),
+                                     [](Cut const& cut) { return cut.meeting != kAlone; });
+        std::vector<char> fresh;
+        std::size_t doubtful = 0;
+        std::size_t const count = tree->Count();
+        if (any) {
             SortedCuts sorted(cuts, *tree);
-            std::vector<char> const unclear = Unclear(sorted, *tree, doubtful, proving);
-            if (std::find(unclear.begin(), unclear.end(), 1) != unclear.end()) {
-                ForgetUnclear(sorted.cuts, unclear);
-            }
-            std::vector<char> fresh = Apply(sorted, unclear, lines, meetings);
-            unclearCount = std::count(fresh.begin(), fresh.end(), 1);
-            if (unclearCount > 0) {
-                bool const pixels = round + 1 >= kExactRounds;
-                bool const many = fresh.size() > 2 * unclear.size() &&
-                                  static_cast<std::size_t>(unclearCount) > fresh.size() / 4;
-                order = many ? EdgeTree::Order::kPlaces : EdgeTree::Order::kLines;
-                tree.emplace(lines, std::move(fresh),
-                             pixels ? grid.LargestSpacing() : GridPoint{0, 0}, order);
-            }
+            fresh = Apply(sorted, *tree, known, lines, meetings);
+            doubtful = static_cast<std::size_t>(std::count(fresh.begin(), fresh.end(), 1));
         }
-        if (unclearCount == 0) {
-            if (!cuts.empty() || order != EdgeTree::Order::kLines) {
+        if (doubtful == 0) {
+            if (any || !tree->IsInOrderOfLines()) {
                 tree.emplace(lines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
             }
             return true;
         }
+        bool const pixels = round + 1 >= kExactRounds;
+        bool const many = fresh.size() > 2 * count && doubtful > fresh.size() / 4;
+        tree.emplace(lines, std::move(fresh), pixels ? grid.LargestSpacing() : GridPoint{0, 0},
+                     many ? EdgeTree::Order::kPlaces : EdgeTree::Order::kLines);
     }
     return false;
 }

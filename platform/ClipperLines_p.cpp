@@ -52,7 +52,7 @@ void GridLines::Close(Operands operand) {
 }
 
 EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order)
-    : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin) {
+    : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin), mOrder(order) {
     mEdges.reserve(lines.points.size());
     mFirst.assign(lines.points.size(), 0);
     std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;

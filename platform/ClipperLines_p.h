@@ -84,6 +84,7 @@ public:
     EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order);
 
     GridLines const& Lines() const { return mLines; }
+    bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
     /// The number of the edge's second vertex.
@@ -157,6 +158,7 @@ private:
     GridLines const& mLines;
     std::vector<char> mFreshEdges;
     GridPoint mMargin;
+    Order mOrder;
     std::vector<GridEdge> mEdges;
     std::vector<char> mFirst; // one an edge: 1 for the first of its line
     std::vector<Chain> mChains;
