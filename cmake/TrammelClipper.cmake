@@ -96,6 +96,7 @@ else()
         platform/ClipperLines_p.cpp
         platform/ClipperLinker_p.cpp
         platform/ClipperOrder_p.cpp
+        platform/ClipperSweep_p.cpp
     )
 endif()
 

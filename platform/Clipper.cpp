@@ -1,16 +1,16 @@
 // SPDX-License-Identifier: MIT
 //
-// The clipper's C interface over libpolyclipping.
+// The clipper's C interface.
 //
-// libpolyclipping sweeps over a 64-bit integer grid and gets the region right, but neither the hole
-// flags where contours touch nor contours that never cross, and knows no doubles. So each operation
-// is: doubles to a grid fitted to the operands; the sweep; its lines taken as the even-odd boundary
-// that they are and resolved exactly (ResolveContours); back to doubles.
+// Each operation is: doubles to a grid of integers fitted to the operands; their edges cut wherever
+// they meet, exactly; of the pieces those that bound the result linked to contours; back to doubles.
+// libpolyclipping's sweep stands by for what cutting might not settle.
 #include "gpc.h"
 
 #include "ClipperContours_p.h"
 #include "ClipperGrid_p.h"
 #include "ClipperOrder_p.h"
+#include "ClipperSweep_p.h"
 
 #include <algorithm>
 #include <climits>
@@ -257,9 +257,12 @@ gpc_polygon Clip(gpc_op operation, gpc_polygon const& a, gpc_polygon const& b) {
         return none;
     }
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
+    RegionOf const region = RegionOfResult(operation);
+    GridLines lines = LinesOf(operation, subject, clip, grid);
     ResolvedContours resolved;
-    if (!trammel_detail::ResolveContours(LinesOf(operation, subject, clip, grid),
-                                         RegionOfResult(operation), grid, resolved)) {
+    if (!trammel_detail::ResolveContours(lines, region, grid, resolved) &&
+        !(trammel_detail::SweepBoundary(region, grid, lines) &&
+          trammel_detail::ResolveContours(lines, trammel_detail::kInsideSwept, grid, resolved))) {
         FailFor("sweep");
     }
     std::vector<std::size_t> const order = trammel_detail::OrderContours(resolved);

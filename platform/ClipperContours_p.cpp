@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ClipperContours_p.h"
 
-#include "ClipperCrossings_p.h"
-#include "ClipperLinker_p.h"
 #include "ClipperPlaces_p.h"
 
 #include <algorithm>
@@ -42,15 +40,13 @@ GridLines SortedByPlace(GridLines const& lines) {
 
 } // namespace
 
-bool ResolveContours(GridLines lines, RegionOf const& region, ClipGrid const& grid,
-                     ResolvedContours& result) {
+bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+                     ResolvedContours& result, Caution caution) {
     result = ResolvedContours();
-    if (lines.Count() > 2) {
-        lines = SortedByPlace(lines);
-    }
+    GridLines cut = lines.Count() > 2 ? SortedByPlace(lines) : lines;
     std::vector<Meeting> meetings;
     std::optional<EdgeTree> tree;
-    if (!CutAtCrossings(lines, grid, meetings, tree)) {
+    if (!CutAtCrossings(cut, grid, caution, meetings, tree)) {
         return false;
     }
     result = LinkContours(*tree, meetings, region);

@@ -533,8 +533,8 @@ std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances con
 
 } // namespace
 
-bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>& meetings,
-                    std::optional<EdgeTree>& tree) {
+bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
+                    std::vector<Meeting>& meetings, std::optional<EdgeTree>& tree) {
     // A cut moves edges by the rounding of the new vertex, which can make them meet others, so parts
     // of edges for which that is not out of the question are looked at again until nothing is left
     // to cut. If the second round has found something, edges are bent at all vertices that they pass
@@ -547,9 +547,10 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>
     tree.emplace(lines, std::vector<char>(), GridPoint{clearances.Reach(), clearances.Reach()},
                  EdgeTree::Order::kLines);
     for (int round = 0; round < kMaxRounds; ++round) {
-        Clearances const* const known = round == 0 && clearances.Usable() ? &clearances : nullptr;
+        bool const known = round == 0 && clearances.Usable() && caution == Caution::kWhereNeeded;
         std::vector<Cut> const cuts =
-            Meetings(*tree, grid, round >= kExactRounds, known, meetings).Find();
+            Meetings(*tree, grid, round >= kExactRounds, known ? &clearances : nullptr, meetings)
+                .Find();
         bool const any = std::any_of(cuts.begin(), cuts.end(),
                                      [](Cut const& cut) { return cut.meeting != kAlone; });
         std::vector<char> fresh;
@@ -557,7 +558,7 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>
         std::size_t const count = tree->Count();
         if (any) {
             SortedCuts sorted(cuts, *tree);
-            fresh = Apply(sorted, *tree, known, lines, meetings);
+            fresh = Apply(sorted, *tree, known ? &clearances : nullptr, lines, meetings);
             doubtful = static_cast<std::size_t>(std::count(fresh.begin(), fresh.end(), 1));
         }
         if (doubtful == 0) {

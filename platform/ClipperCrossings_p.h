@@ -20,6 +20,10 @@ inline constexpr Meeting kAlone = 0;
 inline constexpr Meeting kMany = 1;
 inline constexpr Meeting kFirstCrossing = 2;
 
+/// Which parts of edges are looked at again once they are cut: those that may meet others then, or
+/// all. The result is the same.
+enum class Caution { kWhereNeeded, kEverywhere };
+
 /// Cuts lines where their edges cross, touch or overlap, themselves and each other: afterwards edges
 /// have nothing in common but their ends, or are equal. Returns false if there are crossings left.
 ///
@@ -28,8 +32,8 @@ inline constexpr Meeting kFirstCrossing = 2;
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.
-bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, std::vector<Meeting>& meetings,
-                    std::optional<EdgeTree>& tree);
+bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
+                    std::vector<Meeting>& meetings, std::optional<EdgeTree>& tree);
 
 } // namespace trammel_detail
 

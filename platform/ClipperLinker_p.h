@@ -4,13 +4,25 @@
 #ifndef TRAMMEL_CLIPPERLINKER_P_H
 #define TRAMMEL_CLIPPERLINKER_P_H
 
-#include "ClipperContours_p.h"
 #include "ClipperCrossings_p.h"
 #include "ClipperLines_p.h"
 
+#include <array>
 #include <vector>
 
 namespace trammel_detail {
+
+/// The contours of a region. Each has neither vertex nor edge in common with itself; two may share
+/// single vertices, where they meet but do not cross. Those of holes run counterclockwise, the
+/// others clockwise (y up).
+struct ResolvedContours {
+    GridLines contours;
+    std::vector<char> holes; ///< one a contour: 1 if the region lies outside of it
+};
+
+/// Whether points that lie in just these operands belong to the region, by Operands from 0 to 3.
+/// Those that lie in none do not.
+typedef std::array<bool, 4> RegionOf;
 
 /// The contours of the region. The edges of `tree` have nothing in common but their ends, or are
 /// equal; `meetings` has an element for each vertex.
