@@ -343,7 +343,9 @@ bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double toler
 ///   estimate   d is off by 4uS, M by 8uS, the product by uS(4 |r| + 8 |d|) + 4u |d| |r|.
 ///
 /// Together at most uS(158 |r| + 204 |d|), less than half of the bound uS 2^9 (|r| + |d|) that is
-/// used. Inside of it, and where products could overflow or underflow, the literal form decides.
+/// used. Inside of it, and where products could overflow or underflow, the literal form decides. So
+/// it does for curves so small that uS is not far above the smallest number there is: each of the
+/// some dozen products on the way to A, B and d may lose that much, which the model leaves out.
 class SideFilter {
 public:
     SideFilter(CBezier const& whole, double tolerance)
@@ -352,9 +354,9 @@ public:
 
     /// True where estimates may be made for the pieces of `whole`.
     static bool Serves(CBezier const& whole, TPoint<double> const& pt, double tolerance) {
-        return tolerance >= 0x1p-40 && tolerance <= 0.125 &&
-               FlatnessFilter::SizeOf(whole) <= 0x1p400 && std::abs(pt.h) <= 0x1p400 &&
-               std::abs(pt.v) <= 0x1p400;
+        double const size = FlatnessFilter::SizeOf(whole);
+        return tolerance >= 0x1p-40 && tolerance <= 0.125 && size >= 0x1p-960 && size <= 0x1p400 &&
+               std::abs(pt.h) <= 0x1p400 && std::abs(pt.v) <= 0x1p400;
     }
 
     /// Estimates the literal product's negative and its error's bound. `Number` is double, or a

@@ -1606,6 +1606,26 @@ TEST_F(Bezier, NearestParameterAgreesWhereTheSideIsInDoubt) {
     }
 }
 
+// A curve of some denormal units, whose products are off by one each, and a point so far away that
+// the estimate's terms are ordinary numbers.
+TEST_F(Bezier, NearestParameterOfTinyCurvesToFarPointsAgrees) {
+    Random random(75);
+    for (int i = 0; i < 100000; ++i) {
+        double const size = std::ldexp(1.0, -random.Int(950, 1070));
+        auto const small = [&] { return Pt(random.Uniform(-1, 1), random.Uniform(-1, 1)) * size; };
+        CBezier c(small(), small(), small(), small());
+        plain::Bezier const same = Plain(c);
+        Pt const pt(std::ldexp(random.Uniform(-1, 1), random.Int(0, 400)),
+                    std::ldexp(random.Uniform(-1, 1), random.Int(0, 400)));
+        double const step = std::ldexp(1.0, -random.Int(3, 40));
+        ASSERT_SAME(c.FindTValue(pt, step, 0.0, 1.0), same.FindTValue(pt, step, 0.0, 1.0))
+            << Describe(c) << " " << Text(pt.h) << " " << Text(pt.v) << " " << Text(step);
+        ASSERT_SAME(c.FindDividedTValue(pt, step, 0.1, 0.9),
+                    same.FindDividedTValue(pt, step, 0.1, 0.9))
+            << Describe(c) << " " << Text(pt.h) << " " << Text(pt.v) << " " << Text(step);
+    }
+}
+
 std::string KindName(testing::TestParamInfo<Kind> const& info) {
     char const* const names[] = {"Drawing", "Grid",  "NearlyFlat", "SShape", "Loop",   "Degenerate",
                                  "Scaled",  "Mixed", "Denormal",   "Steep",  "Offset", "Special"};
