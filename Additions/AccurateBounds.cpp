@@ -23,6 +23,10 @@ using trammel_detail::ScaledPoints;
 /// and its zeros leave a residue below 32·u·e, over a parameter range of at most 1; evaluation adds
 /// less than 16·u·e.
 constexpr double kMargin = 0x1p-46;
+/// Products of two numbers of this size keep all their bits; smaller ones are multiplied by
+/// kMagnify, which takes even the smallest there is to where they do.
+constexpr double kSmall = 0x1p-400;
+constexpr double kMagnify = 0x1p600;
 
 /// The range of one coordinate of a curve.
 struct Range {
@@ -43,13 +47,19 @@ Range CubicRange(double p0, double p1, double p2, double p3) {
     double const d2 = p3 - p2;
     double const b = d1 - d0;
     double const c = (d0 - d1) + (d2 - d1);
+    // The zeros are quotients, so a common factor changes nothing. A coordinate may be far smaller
+    // than the other one, after which both were scaled; its squares must not underflow.
+    double const factor = hull.hi - hull.lo < kSmall ? kMagnify : 1.0;
+    double const zeroA = d0 * factor;
+    double const zeroB = b * factor;
+    double const zeroC = c * factor;
     double const root =
-        std::sqrt(std::max(b * b - d0 * c, 0.0)); // where it only touches zero: none
-    double const s = b >= 0.0 ? -(b + root) : root - b;
+        std::sqrt(std::max(zeroB * zeroB - zeroA * zeroC, 0.0)); // where it only touches zero: none
+    double const s = zeroB >= 0.0 ? -(zeroB + root) : root - zeroB;
     double lo = ends.lo;
     double hi = ends.hi;
     double const margin = kMargin * (hull.hi - hull.lo);
-    for (double const zero : {s / c, d0 / s}) {
+    for (double const zero : {s / zeroC, zeroA / s}) {
         if (!(zero > 0.0 && zero < 1.0)) {
             continue;
         }

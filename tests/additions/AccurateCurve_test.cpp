@@ -694,6 +694,31 @@ TEST(TightBounds, ContainTheCurveAndTouchIt) {
     }
 }
 
+// The squares of its differences underflow.
+TEST(TightBounds, ContainACoordinateFarSmallerThanTheOther) {
+    Random random(22);
+    for (int i = 0; i < 20000; ++i) {
+        CBezier curve = AnyCurve(random);
+        double const small = std::ldexp(1.0, -(i % 1080));
+        curve *= i % 2 == 0 ? Pt(small, 1.0) : Pt(1.0, small);
+        TRect<double> const r = TightBounds(curve);
+        TRect<double> const hull = curve.Extents();
+        // As above; long doubles hold numbers smaller than the smallest double.
+        Wide const noiseH = 0x1p-50L * Widened(hull.right - hull.left);
+        Wide const noiseV = 0x1p-50L * Widened(hull.bottom - hull.top);
+        for (int k = 0; k <= 100; ++k) {
+            WidePt const p = At(curve, k / 100.0L);
+            ASSERT_LE(r.left, p.h + noiseH) << Text(curve);
+            ASSERT_GE(r.right, p.h - noiseH) << Text(curve);
+            ASSERT_LE(r.top, p.v + noiseV) << Text(curve);
+            ASSERT_GE(r.bottom, p.v - noiseV) << Text(curve);
+        }
+    }
+    TRect<double> const thin = TightBounds(CBezier({0, 0}, {1e-300, 1}, {-1e-300, 2}, {0, 3}));
+    EXPECT_NEAR(thin.right * 1e300, std::sqrt(3.0) / 6.0, 1e-12);
+    EXPECT_EQ(thin.left, -thin.right);
+}
+
 TEST(TightBounds, OfKnownCurves) {
     // v = 3·100·t(1 - t): up to 75
     TRect<double> const arch = TightBounds(CBezier({0, 0}, {0, 100}, {100, 100}, {100, 0}));
