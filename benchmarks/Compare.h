@@ -25,6 +25,7 @@
 #include "Truth.h"
 
 #include <trammel/TLine.h>
+#include <trammel/TPoly.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -50,6 +51,7 @@ struct Job {
     /// it lets pass.
     double expected = std::numeric_limits<double>::quiet_NaN();
     double slack = 0.0;
+    bool agrees = true; ///< with whatever it was compared with when it was made
 
     void Add(truth::Errors const& errors) {
         counters["worst"] = errors.worst;
@@ -72,9 +74,12 @@ typedef std::function<std::shared_ptr<Job>()> Maker;
 void Register(std::string const& work, std::string const& input, Maker make);
 
 /// Registers the benchmark of one participant, whose pass is `trammel`. If what it returns is not
-/// what is expected, that is the benchmark's result.
+/// what is expected, or the job does not agree, that is the benchmark's result.
 void RegisterAlone(std::string const& work, std::string const& input, std::string const& who,
                    std::function<Job()> make);
+
+/// The closed polygon of the ring's vertices.
+TPolygon<double> Polygon(truth::Chain const& ring);
 
 /// How many of the points the library finds inside of the ring.
 double ContainedIn(truth::Chain const& ring, truth::Chain const& points);

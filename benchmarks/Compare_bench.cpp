@@ -61,7 +61,7 @@ struct CurveInput {
 };
 
 std::shared_ptr<CurveInput> CurvesOf(inputs::Set set) {
-    static std::shared_ptr<CurveInput> made[5];
+    static std::shared_ptr<CurveInput> made[6];
     auto& entry = made[static_cast<std::size_t>(set)];
     if (entry == nullptr) {
         entry = std::make_shared<CurveInput>(set);
@@ -230,7 +230,7 @@ struct PathInput {
 };
 
 std::shared_ptr<PathInput> PathsOf(inputs::Set set) {
-    static std::shared_ptr<PathInput> made[5];
+    static std::shared_ptr<PathInput> made[6];
     auto& entry = made[static_cast<std::size_t>(set)];
     if (entry == nullptr) {
         entry = std::make_shared<PathInput>(set);
@@ -631,6 +631,7 @@ bool RegisterAll() {
     RegisterPaths("poster_cff", inputs::Set::kPoster, true);
     RegisterPaths("drawing", inputs::Set::kDrawing, true);
     RegisterPaths("glyphs_truetype", inputs::Set::kTrueType, false);
+    RegisterPaths("outline_1000", inputs::Set::kLong, false);
 
     for (std::size_t const count : {10, 1000, 100000}) {
         std::string const input = std::to_string(count);

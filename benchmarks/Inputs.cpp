@@ -68,6 +68,14 @@ std::vector<CPath> DrawingOutlines() {
     return outlines;
 }
 
+std::vector<CPath> LongOutlines() {
+    std::vector<CPath> outlines;
+    for (unsigned seed = 8; seed < 28; ++seed) {
+        outlines.push_back(Ragged(Segments::kMixed, 1000, seed));
+    }
+    return outlines;
+}
+
 #ifdef TRAMMEL_BENCH_FREETYPE
 
 /// A glyph's outline on its way into a path.
@@ -178,6 +186,30 @@ std::vector<CBezier> CurvesOf(std::vector<CPath> const& outlines) {
 
 } // namespace
 
+CPath Ragged(Segments segments, std::size_t count, unsigned seed) {
+    Random random(seed);
+    auto const on = [](double turn) {
+        double const angle = 2.0 * pi * turn;
+        double const radius = 350.0 + 100.0 * std::sin(7.0 * angle);
+        return TPoint<double>(500.0 + radius * std::cos(angle), 500.0 + radius * std::sin(angle));
+    };
+    double const step = 1.0 / static_cast<double>(count);
+    double const stray = 400.0 * step;
+    CPath path;
+    path.MoveTo(on(0.0));
+    for (std::size_t i = 1; i <= count; ++i) {
+        double const turn = static_cast<double>(i) * step;
+        TPoint<double> const jitter = random.Pt(0.0, stray);
+        if (segments == Segments::kLines || (segments == Segments::kMixed && i % 2 == 0)) {
+            path.LineTo(on(turn) + jitter);
+        } else {
+            path.CurveTo(on(turn - 0.7 * step) + jitter, on(turn - 0.3 * step) - jitter,
+                         on(turn) + jitter);
+        }
+    }
+    return path;
+}
+
 std::vector<CPath> const& Outlines(Set set) {
     static char const* const dejavu = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
     static char const* const garamond =
@@ -187,6 +219,7 @@ std::vector<CPath> const& Outlines(Set set) {
     static std::vector<CPath> const cff = GlyphOutlines(garamond, 100.0);
     static std::vector<CPath> const drawing = DrawingOutlines();
     static std::vector<CPath> const poster = GlyphOutlines(garamond, 1000.0);
+    static std::vector<CPath> const longer = LongOutlines();
     switch (set) {
     case Set::kRandom:
         return random;
@@ -197,9 +230,11 @@ std::vector<CPath> const& Outlines(Set set) {
     case Set::kDrawing:
         return drawing;
     case Set::kPoster:
+        return poster;
+    case Set::kLong:
         break;
     }
-    return poster;
+    return longer;
 }
 
 std::vector<CBezier> const& Curves(Set set) {
@@ -208,6 +243,7 @@ std::vector<CBezier> const& Curves(Set set) {
     static std::vector<CBezier> const cff = CurvesOf(Outlines(Set::kCff));
     static std::vector<CBezier> const drawing = RandomCurves(6, 10000, Side(Set::kDrawing));
     static std::vector<CBezier> const poster = CurvesOf(Outlines(Set::kPoster));
+    static std::vector<CBezier> const longer = CurvesOf(Outlines(Set::kLong));
     switch (set) {
     case Set::kRandom:
         return random;
@@ -218,9 +254,11 @@ std::vector<CBezier> const& Curves(Set set) {
     case Set::kDrawing:
         return drawing;
     case Set::kPoster:
+        return poster;
+    case Set::kLong:
         break;
     }
-    return poster;
+    return longer;
 }
 
 std::vector<TPoint<double>> Points(std::size_t count, double side) {
@@ -294,6 +332,7 @@ double Side(Set set) {
     switch (set) {
     case Set::kRandom:
     case Set::kPoster:
+    case Set::kLong:
         return 1000.0;
     case Set::kDrawing:
         return 110.0;

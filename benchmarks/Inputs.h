@@ -25,11 +25,19 @@ enum class Set {
     kCff,      ///< EB Garamond, cubic curves
     kDrawing,  ///< as kRandom, coordinates from 0 to 110: the size of a drawing's curves
     kPoster,   ///< the glyphs of kCff ten times as large
+    kLong,     ///< ragged rings of 1,000 lines and curves in turn, coordinates from 0 to 1000
 };
 
-/// The outlines of a set: 200 random ones of 20 elements, 200 of 10 curves each for kDrawing, or
-/// the glyphs of U+0021 to U+017F at 100 units to the em, v downward. Empty when the font cannot be
-/// read.
+/// What a ring consists of.
+enum class Segments { kLines, kCurves, kMixed };
+
+/// A ragged ring of `count` segments in the square from 0 to 1000; the segments grow shorter as
+/// they become more, down to about a hundredth of a unit, and their curves are mildly bent.
+CPath Ragged(Segments segments, std::size_t count, unsigned seed);
+
+/// The outlines of a set: 200 random ones of 20 elements, 200 of 10 curves each for kDrawing, 20
+/// for kLong, or the glyphs of U+0021 to U+017F at 100 units to the em, v downward. Empty when the
+/// font cannot be read.
 std::vector<CPath> const& Outlines(Set set);
 
 /// 1000 random curves, or all curves of the set's outlines. For kDrawing 10,000 random curves,

@@ -18,7 +18,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,38 +28,11 @@ using trammel::PathMeasure;
 
 typedef TPoint<double> Pt;
 
-enum class Kind { kLines, kCurves, kMixed };
-
-/// A ragged ring of `count` segments in the square from 0 to 1000; the segments grow shorter as
-/// they become more, down to about a hundredth of a unit, and their curves are mildly bent.
-CPath Ring(Kind kind, std::size_t count) {
-    std::mt19937_64 engine(7);
-    auto const unit = [&engine] { return static_cast<double>(engine() >> 11U) * 0x1p-53; };
-    auto const on = [&](double turn) {
-        double const angle = 6.283185307179586 * turn;
-        double const radius = 350.0 + 100.0 * std::sin(7.0 * angle);
-        return Pt(500.0 + radius * std::cos(angle), 500.0 + radius * std::sin(angle));
-    };
-    double const step = 1.0 / static_cast<double>(count);
-    double const stray = 400.0 * step;
-    CPath path;
-    path.MoveTo(on(0.0));
-    for (std::size_t i = 1; i <= count; ++i) {
-        double const turn = static_cast<double>(i) * step;
-        Pt const jitter(stray * unit(), stray * unit());
-        if (kind == Kind::kLines || (kind == Kind::kMixed && i % 2 == 0)) {
-            path.LineTo(on(turn) + jitter);
-        } else {
-            path.CurveTo(on(turn - 0.7 * step) + jitter, on(turn - 0.3 * step) - jitter,
-                         on(turn) + jitter);
-        }
-    }
-    return path;
-}
+typedef inputs::Segments Kind;
 
 /// Made once for all benchmarks of the same outline.
 struct Subject {
-    Subject(Kind kind, std::size_t count) : path(Ring(kind, count)), measure(path) {}
+    Subject(Kind kind, std::size_t count) : path(inputs::Ragged(kind, count, 7)), measure(path) {}
 
     CPath path;
     PathMeasure measure;

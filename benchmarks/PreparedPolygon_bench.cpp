@@ -12,6 +12,7 @@
 //
 // Run by hand: trammel_bench --benchmark_filter=Prepared/
 
+#include "Compare.h"
 #include "Inputs.h"
 #include "peers/Locator.h"
 
@@ -86,14 +87,12 @@ constexpr Shape kShapes[] = {
 
 /// A polygon and points to ask for, in our own form.
 struct Question {
-    TPolygon<double> polygon;
     Points vertices;
+    TPolygon<double> polygon;
     Points points = inputs::Points(997, 1000.0);
 
-    Question(Shape const& shape, std::size_t count) : vertices(shape.vertices(count)) {
-        for (TPoint<double> const& p : vertices) {
-            polygon.Append(p, true);
-        }
+    Question(Shape const& shape, std::size_t count)
+        : vertices(shape.vertices(count)), polygon(compare::Polygon(vertices)) {
         polygon.CalcBounds();
         points[0].Set(500.0, 500.0); // GEOS builds its index for a point within the bounds only
     }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Other libraries at the works that are compared (../Compare.h). Each has its own source file,
-// which is compiled apart where the library is found and registers what the library can do.
+// which is compiled apart where the library is found and registers what the library can do. What
+// Trammel adds to its curves is measured in the same way (../Additions_bench.cpp).
 
 #ifndef TRAMMEL_WORKS_H
 #define TRAMMEL_WORKS_H
@@ -58,7 +59,8 @@ inline std::vector<std::pair<std::string, inputs::Set>> PathSets() {
     return {{"drawing", inputs::Set::kDrawing},
             {"glyphs_truetype", inputs::Set::kTrueType},
             {"glyphs_cff", inputs::Set::kCff},
-            {"poster_cff", inputs::Set::kPoster}};
+            {"poster_cff", inputs::Set::kPoster},
+            {"outline_1000", inputs::Set::kLong}};
 }
 
 /// Polygons by the names that they have in the table; without map data, the countries are empty.

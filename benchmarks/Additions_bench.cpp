@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: MIT
+//
+// What the library adds to its own calls, at the works that are compared (Compare.h):
+//
+//     trammel-accurate   AccurateCurve.h, to an accuracy of 0.001 units where no other is named
+//     trammel-measured   an outline measured beforehand (PathMeasure.h)
+//     trammel-prepared   a polygon prepared beforehand (PreparedPolygon.h)
+//
+// The first has errors of its own, which stand beside its times. The others give what the path and
+// the polygon give, which is held against them, item by item and to the last bit, before anything
+// is measured. Making them is a work of its own: path_measure, contains_build.
+//
+// Run by hand: trammel_bench --benchmark_filter='^compare/.*/trammel-'
+
+#include "Compare.h"
+#include "Inputs.h"
+#include "peers/Locator.h"
+#include "peers/Works.h"
+
+#include <trammel/AccurateCurve.h>
+#include <trammel/PathMeasure.h>
+#include <trammel/PreparedPolygon.h>
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using compare::Job;
+
+typedef TPoint<double> Pt;
+
+// ------------------------------------------------------------------------------------------------
+// Accurate
+
+constexpr double kAccuracy = 0.001;
+
+TPolygon<double> Flattened(CBezier const& curve, double tolerance) {
+    TPolygon<double> polygon;
+    trammel::FlattenWithin(curve, tolerance, polygon);
+    return polygon;
+}
+
+void RegisterAccurate() {
+    peers::CurveWorks<CBezier> curves;
+    curves.convert = [](CBezier const& curve) { return curve; };
+    curves.flatten = [](CBezier const& curve, double tolerance) {
+        return static_cast<double>(Flattened(curve, tolerance).LastIndex() + 1);
+    };
+    curves.points = [](CBezier const& curve, double tolerance) {
+        TPolygon<double> const polygon = Flattened(curve, tolerance);
+        truth::Chain chain;
+        for (long i = 0; i <= polygon.LastIndex(); ++i) {
+            chain.push_back(polygon.GetPt(i));
+        }
+        return chain;
+    };
+    curves.length = [](CBezier const& curve) { return trammel::ArcLength(curve, kAccuracy); };
+    curves.nearest = [](CBezier const& curve, Pt const& p) {
+        return trammel::NearestPoint(curve, p, kAccuracy).t;
+    };
+    curves.parameter = [](CBezier const& curve, double fraction) {
+        return trammel::ParameterAtFraction(curve, fraction, kAccuracy);
+    };
+    curves.hit = [](CBezier const& curve, Pt const& p, double tolerance) {
+        return trammel::NearestPoint(curve, p, kAccuracy).distance <= tolerance;
+    };
+    peers::RegisterCurves("trammel-accurate", curves);
+
+    peers::PathWorks<CPath> paths;
+    paths.convert = [](CPath const& path) { return path; };
+    paths.length = [](CPath const& path) { return trammel::ArcLength(path, kAccuracy); };
+    peers::RegisterPaths("trammel-accurate", paths);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Measured, prepared
+
+/// A job that calls call(i) for i from 0 to count - 1, and agrees if each returns what own(i) does.
+template <class Call, class Own> Job JobBeside(std::size_t count, Call call, Own own) {
+    Job job = peers::JobOf(count, call);
+    for (std::size_t i = 0; i < count; ++i) {
+        double const a = call(i);
+        double const b = own(i);
+        job.agrees = job.agrees && std::memcmp(&a, &b, sizeof(a)) == 0;
+    }
+    return job;
+}
+
+/// The same question, ask(outline, point), to a path and to its PathMeasure.
+template <class Ask> void OnPaths(std::string const& work, Ask ask) {
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone(work, input, "trammel-measured", [=] {
+            auto const& paths = inputs::Outlines(set);
+            auto const points = inputs::Points(paths.size(), inputs::Side(set));
+            std::vector<trammel::PathMeasure> const measures(paths.begin(), paths.end());
+            return JobBeside(
+                paths.size(), [=](std::size_t i) { return ask(measures[i], points[i]); },
+                [&](std::size_t i) { return ask(paths[i], points[i]); });
+        });
+    }
+}
+
+void RegisterMeasured() {
+    OnPaths("path_length", [](auto const& outline, Pt const&) { return outline.Length(); });
+    OnPaths("path_point", [](auto const& outline, Pt const&) {
+        Pt const p = outline.TPt(0.3);
+        return p.h + p.v;
+    });
+    OnPaths("path_nearest", [](auto const& outline, Pt const& p) { return outline.FindTValue(p); });
+    OnPaths("path_cut", [](auto const& outline, Pt const&) {
+        CPath piece;
+        outline.GetTRange(0.25, 0.75, piece);
+        double sum = 0.0;
+        for (Pt const& p : piece.mPts) {
+            sum += p.h + p.v;
+        }
+        return sum;
+    });
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone("path_measure", input, "trammel-measured", [=] {
+            auto const& paths = inputs::Outlines(set);
+            return JobBeside(
+                paths.size(),
+                [&paths](std::size_t i) { return trammel::PathMeasure(paths[i]).Length(); },
+                [&paths](std::size_t i) { return paths[i].Length(); });
+        });
+    }
+}
+
+void RegisterPrepared() {
+    typedef std::shared_ptr<TPolygon<double> const> Polygon;
+    for (auto const& [input, makeRing] : peers::Rings()) {
+        auto const make = makeRing;
+        auto const job = [=](auto prepare, std::size_t most) {
+            auto const ring = make();
+            Polygon const polygon = std::make_shared<TPolygon<double>>(compare::Polygon(ring));
+            auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), most));
+            return JobBeside(points.size(), prepare(polygon, points), [&](std::size_t i) {
+                return polygon->Contains(points[i]) ? 1.0 : 0.0;
+            });
+        };
+        compare::RegisterAlone("contains", input, "trammel-prepared", [=] {
+            return job(
+                [](Polygon const& polygon, truth::Chain const& points) {
+                    trammel::PreparedPolygon const prepared(*polygon);
+                    return [=](std::size_t i) { return prepared.Contains(points[i]) ? 1.0 : 0.0; };
+                },
+                1000);
+        });
+        compare::RegisterAlone("contains_build", input, "trammel-prepared", [=] {
+            return job(
+                [](Polygon const& polygon, truth::Chain const& points) {
+                    return [=](std::size_t i) {
+                        trammel::PreparedPolygon const prepared(*polygon);
+                        return prepared.Contains(points[i]) ? 1.0 : 0.0;
+                    };
+                },
+                100);
+        });
+#ifdef TRAMMEL_BENCH_GEOS
+        // GEOS builds its index for the first point within the bounds, as all of these are.
+        compare::RegisterAlone("contains_build", input, "geos-prepared", [=] {
+            auto const ring = make();
+            if (ring.empty()) {
+                return Job();
+            }
+            auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), 100));
+            std::shared_ptr<peers::Locator> const locator = peers::GeosLocator(ring, points);
+            Job made = peers::JobOf(points.size(), [=](std::size_t i) {
+                locator->Prepare();
+                return locator->Contains(i) ? 1.0 : 0.0;
+            });
+            made.expected = compare::ContainedIn(ring, points);
+            return made;
+        });
+#endif
+    }
+}
+
+bool RegisterAll() {
+    RegisterAccurate();
+    RegisterMeasured();
+    RegisterPrepared();
+    return true;
+}
+
+[[maybe_unused]] bool const kRegistered = RegisterAll();
+
+} // namespace
