@@ -22,6 +22,7 @@
 #include <trammel/PreparedPolygon.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -79,13 +80,17 @@ void RegisterAccurate() {
 // ------------------------------------------------------------------------------------------------
 // Measured, prepared
 
+std::uint64_t Bits(double x) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &x, sizeof(bits));
+    return bits;
+}
+
 /// A job that calls call(i) for i from 0 to count - 1, and agrees if each returns what own(i) does.
 template <class Call, class Own> Job JobBeside(std::size_t count, Call call, Own own) {
     Job job = peers::JobOf(count, call);
     for (std::size_t i = 0; i < count; ++i) {
-        double const a = call(i);
-        double const b = own(i);
-        job.agrees = job.agrees && std::memcmp(&a, &b, sizeof(a)) == 0;
+        job.agrees = job.agrees && Bits(call(i)) == Bits(own(i));
     }
     return job;
 }
