@@ -3,8 +3,8 @@
 // The clipper's C interface.
 //
 // Each operation is: doubles to a grid of integers fitted to the operands; their edges cut wherever
-// they meet, exactly; of the pieces those that bound the result linked to contours; back to doubles.
-// libpolyclipping's sweep stands by for what cutting might not settle.
+// they meet, exactly; of the pieces those that bound the result linked to contours; back to
+// doubles. libpolyclipping's sweep stands by for what cutting might not settle.
 #include "gpc.h"
 
 #include "ClipperContours_p.h"

@@ -35,13 +35,15 @@ std::int64_t LengthBound(GridEdge const& e) {
 ///
 /// - e and f more than 2 R apart do not meet.
 /// - If e and f cross at P with an angle of t, points within R of both lie within 2 R / sin t of P.
-///   If, on both, the next vertices are at least 9 R / sin t from P, then only the parts that end at
-///   P can come there: other parts stay R less than that away. And those have only that end in
-///   common, as each deviates from the direction of its edge by no more than asin(2 R / (9 R / sin t
+///   If, on both, the next vertices are at least 9 R / sin t from P, then only the parts that end
+///   at P can come there: other parts stay R less than that away. And those have only that end in
+///   common, as each deviates from the direction of its edge by no more than asin(2 R / (9 R / sin
+///   t
 ///   - 2 R)) < t / 2.
 /// - The same holds where P is the vertex between edges that follow each other; if they make an
 ///   obtuse angle, as if it were a right one.
-/// - If they do not meet, but an end of one is within 2 R of the other's line, points within R of both
+/// - If they do not meet, but an end of one is within 2 R of the other's line, points within R of
+/// both
 ///   lie within 4 R / sin t of that end.
 ///
 /// Distances between rounded vertices are up to 2 R less than those in the above, and sin t <= 1,
@@ -70,14 +72,14 @@ public:
         return (a > limit && b > limit) || (a < -limit && b < -limit);
     }
 
-    /// 12 R / sin t, at least, for the angle between the edges, `product` being their cross product.
+    /// 12 R / sin t, at least, for the angle between the edges, `product` being their cross
+    /// product.
     std::int64_t For(GridEdge const& e, GridEdge const& f, Int128 product) const {
         // Rounded down: the upper half.
         auto const high = static_cast<std::int64_t>((product < 0 ? -product : product) >> 64);
-        double const clearance = 12.0 * static_cast<double>(mReach) *
-                                 static_cast<double>(LengthBound(e)) *
-                                 (static_cast<double>(LengthBound(f)) * 0x1p-64) /
-                                 static_cast<double>(high);
+        double const clearance =
+            12.0 * static_cast<double>(mReach) * static_cast<double>(LengthBound(e)) *
+            (static_cast<double>(LengthBound(f)) * 0x1p-64) / static_cast<double>(high);
         return clearance < 0x1p62 ? static_cast<std::int64_t>(clearance) + 1 : kTooMuch;
     }
 
@@ -333,8 +335,8 @@ private:
     bool mWide;
 };
 
-/// Puts the cuts of one edge into their order along it. Rounding can have moved points off the edge,
-/// but not past each other by more than a step or two.
+/// Puts the cuts of one edge into their order along it. Rounding can have moved points off the
+/// edge, but not past each other by more than a step or two.
 void SortAlong(GridEdge const& e, Cut* begin, Cut* end) {
     std::sort(begin, end, [along = Along(e)](Cut const& c, Cut const& d) {
         std::int64_t const difference = along.At(c.at) - along.At(d.at);
@@ -381,8 +383,8 @@ public:
     Doubts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances)
         : mTree(tree), mSorted(sorted), mClearances(clearances) {}
 
-    /// The parts of an edge that is cut, from vertex to vertex: 1 for those in doubt. Cuts that lack
-    /// their clearance get kMany.
+    /// The parts of an edge that is cut, from vertex to vertex: 1 for those in doubt. Cuts that
+    /// lack their clearance get kMany.
     std::vector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
         Collect(edge, before, after);
         mParts.assign(1, 1);
@@ -432,15 +434,15 @@ private:
         Along const along(e);
         bool const known = mClearances != nullptr;
         mPoints.clear();
-        mPoints.push_back({along.At(e.a),
-                           known ? mClearances->ForCorner(mTree.At(before), e) : 0, true, false});
+        mPoints.push_back(
+            {along.At(e.a), known ? mClearances->ForCorner(mTree.At(before), e) : 0, true, false});
         for (std::size_t i = mSorted.Begin(edge); i < mSorted.ends[edge]; ++i) {
             Cut const& cut = mSorted.cuts[i];
             bool const isVertex = cut.meeting != kAlone;
             mPoints.push_back({along.At(cut.at), cut.clearance, isVertex, !isVertex});
         }
-        mPoints.push_back({along.At(e.b),
-                           known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
+        mPoints.push_back(
+            {along.At(e.b), known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
         // The clearance at corners is also that of the neighbour; if it is cut itself, it looks to
         // that in its turn.
         mPoints.front().lacks = known && IsShort(before, mPoints.front().clearance);
@@ -507,8 +509,8 @@ std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances con
                 fresh.push_back(0);
                 continue;
             }
-            char const* part = doubts.Of(i, i == begin ? end - 1 : i - 1,
-                                         i + 1 == end ? begin : i + 1).data();
+            char const* part =
+                doubts.Of(i, i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1).data();
             fresh.push_back(*part++);
             for (std::size_t k = sorted.Begin(i); k < sorted.ends[i]; ++k) {
                 Cut const& cut = sorted.cuts[k];
@@ -535,11 +537,11 @@ std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances con
 
 bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
                     std::vector<Meeting>& meetings, std::optional<EdgeTree>& tree) {
-    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so parts
-    // of edges for which that is not out of the question are looked at again until nothing is left
-    // to cut. If the second round has found something, edges are bent at all vertices that they pass
-    // too closely; else two that run nearly side by side could go on crossing, each time one double
-    // further along.
+    // A cut moves edges by the rounding of the new vertex, which can make them meet others, so
+    // parts of edges for which that is not out of the question are looked at again until nothing is
+    // left to cut. If the second round has found something, edges are bent at all vertices that
+    // they pass too closely; else two that run nearly side by side could go on crossing, each time
+    // one double further along.
     int const kExactRounds = 2;
     int const kMaxRounds = 50;
     Clearances const clearances(grid);

@@ -24,8 +24,9 @@ inline constexpr Meeting kFirstCrossing = 2;
 /// all. The result is the same.
 enum class Caution { kWhereNeeded, kEverywhere };
 
-/// Cuts lines where their edges cross, touch or overlap, themselves and each other: afterwards edges
-/// have nothing in common but their ends, or are equal. Returns false if there are crossings left.
+/// Cuts lines where their edges cross, touch or overlap, themselves and each other: afterwards
+/// edges have nothing in common but their ends, or are equal. Returns false if there are crossings
+/// left.
 ///
 /// `meetings` gets an element for each vertex, `tree` a tree of the cut lines. The new vertices are
 /// points of `grid` that are doubles; edges move by no more than that rounding.

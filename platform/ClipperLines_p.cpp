@@ -111,8 +111,8 @@ void EdgeTree::SortChains(Level& level) {
     order.reserve(level.size());
     for (std::size_t i = 0; i < level.size(); ++i) {
         GridBox const& box = level[i].box;
-        order.emplace_back(PlaceOf({box.x0 + (box.x1 - box.x0) / 2, box.y0 + (box.y1 - box.y0) / 2}),
-                           i);
+        order.emplace_back(
+            PlaceOf({box.x0 + (box.x1 - box.x0) / 2, box.y0 + (box.y1 - box.y0) / 2}), i);
     }
     std::sort(order.begin(), order.end());
     std::vector<Chain> chains;
@@ -164,8 +164,8 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
             }
             first = mChains[first].begin;
             last = mChains[std::min(last, mChains.size()) - 1].end - 1;
-            for (auto const& [end, at] : {std::pair(first, mEdges[first].a),
-                                          std::pair(last, mEdges[last].b)}) {
+            for (auto const& [end, at] :
+                 {std::pair(first, mEdges[first].a), std::pair(last, mEdges[last].b)}) {
                 std::size_t const line = LineOf(end);
                 if (above(at) != above(mLines.points[mLines.Begin(line)])) {
                     inside ^= mLines.operands[line];

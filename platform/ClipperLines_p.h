@@ -68,8 +68,9 @@ inline GridBox BoxOf(GridPoint a, GridPoint b) {
 }
 inline GridBox BoxOf(GridEdge const& e) { return BoxOf(e.a, e.b); }
 
-/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that rise or fall,
-/// and go east or west, all the way: the edges of a chain have nothing in common but their ends.
+/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that rise or
+/// fall, and go east or west, all the way: the edges of a chain have nothing in common but their
+/// ends.
 ///
 /// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
 class EdgeTree {
@@ -165,8 +166,7 @@ private:
     std::vector<Level> mLevels; // [0] chains, [i] over [i - 1], the last has one
 };
 
-template <class Visit>
-void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
+template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
     std::vector<Pair> open;
     if (!mEdges.empty() && mLevels.back()[0].fresh) {
         open.push_back({mLevels.size() - 1, 0, 0});

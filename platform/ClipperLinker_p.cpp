@@ -147,9 +147,7 @@ private:
         return mLines.points[VertexOf(arc, k)];
     }
     /// The arc's end at which it is entered by someone who has the region to the left.
-    ArcEnd Entry(std::size_t arc) const {
-        return 2 * arc + (mRegion[mArcs[arc].left] ? 0 : 1);
-    }
+    ArcEnd Entry(std::size_t arc) const { return 2 * arc + (mRegion[mArcs[arc].left] ? 0 : 1); }
     /// The next spoke of the wheel, clockwise.
     ArcEnd Next(ArcEnd end) const {
         std::size_t const wheel = mWheelOf[end];
@@ -205,7 +203,8 @@ bool Linker::IsPlain(Meeting meeting) const {
 }
 
 void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
-    Meeting const last = meetings.empty() ? kAlone : *std::max_element(meetings.begin(), meetings.end());
+    Meeting const last =
+        meetings.empty() ? kAlone : *std::max_element(meetings.begin(), meetings.end());
     if (last < kFirstCrossing) {
         return;
     }
@@ -334,7 +333,7 @@ void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
             here ^= mArcs[last / 2].operands;
             last = at;
             Arc& arc = mArcs[at / 2];
-            if (!arc.labelled) {
+            if (!arc.labelled && arc.operands != 0) {
                 arc.labelled = true;
                 arc.left = here ^ (at % 2 == 0 ? 0 : arc.operands);
                 open.push_back(OtherEnd(at));

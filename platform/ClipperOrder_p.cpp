@@ -116,18 +116,22 @@ std::vector<std::size_t> OrderContours(ResolvedContours& resolved) {
         auto const from = points.begin() + static_cast<std::ptrdiff_t>(start);
         auto const to = points.begin() + static_cast<std::ptrdiff_t>(size);
         auto highest = std::max_element(from, to);
-        if (resolved.holes[c] == 0) {
+        if (resolved.holes[c] == 0 && highest != to) {
             ++highest;
         }
         std::rotate(from, highest, to);
         contours.ends[c] = size;
-        keys.push_back(listingPoint.Of(points.data() + start, size - start));
+        keys.push_back(size > start ? listingPoint.Of(points.data() + start, size - start) : first);
         begin = end;
     }
     points.resize(size);
 
     std::vector<std::size_t> order(contours.Count());
     std::iota(order.begin(), order.end(), std::size_t{0});
+    // What runs along one horizontal line only has no vertices left, and encloses nothing.
+    order.erase(std::remove_if(order.begin(), order.end(),
+                               [&](std::size_t c) { return contours.Begin(c) == contours.End(c); }),
+                order.end());
     std::stable_sort(order.begin(), order.end(),
                      [&](std::size_t i, std::size_t j) { return Higher(keys[i], keys[j]); });
     return order;

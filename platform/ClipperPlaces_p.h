@@ -19,7 +19,8 @@ inline std::uint64_t PlaceOf(GridPoint p) {
     // The upper half of a coordinate, with a zero after each bit.
     auto const spread = [](std::int64_t v) {
         std::int64_t const limit = std::int64_t{1} << 60;
-        std::uint64_t bits = static_cast<std::uint64_t>(v < limit ? v + limit : 2 * limit - 1) >> 29;
+        std::uint64_t bits =
+            static_cast<std::uint64_t>(v < limit ? v + limit : 2 * limit - 1) >> 29;
         bits = (bits | bits << 16) & 0x0000FFFF0000FFFF;
         bits = (bits | bits << 8) & 0x00FF00FF00FF00FF;
         bits = (bits | bits << 4) & 0x0F0F0F0F0F0F0F0F;

@@ -121,8 +121,8 @@ Contour RandomContour(Dice& dice, int vertices) {
 Contour Comb(int teeth, double angle) {
     Contour contour;
     auto const add = [&](double x, double y) {
-        contour.push_back({x * std::cos(angle) - y * std::sin(angle),
-                           x * std::sin(angle) + y * std::cos(angle)});
+        contour.push_back(
+            {x * std::cos(angle) - y * std::sin(angle), x * std::sin(angle) + y * std::cos(angle)});
     };
     for (int i = 0; i < teeth; ++i) {
         double const y = static_cast<double>(i) / teeth - 0.5;
@@ -158,15 +158,14 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllInCombs) {
     for (int const teeth : {3, 25, 60}) {
         for (double const angle : {0.0, 0.1, 0.785, 1e-9}) {
             SCOPED_TRACE(std::to_string(teeth) + " " + std::to_string(angle));
-            ExpectNothingMissed({Comb(teeth, angle)},
-                                {Comb(teeth, angle + 1.5707963267948966)});
+            ExpectNothingMissed({Comb(teeth, angle)}, {Comb(teeth, angle + 1.5707963267948966)});
         }
     }
 }
 
 TEST(ClipperParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
-    // Edges that cross at angles from 2^-5 down to a few units in the last place, or pass each other
-    // at such a distance: the parts next to a crossing may cross once more for rounding.
+    // Edges that cross at angles from 2^-5 down to a few units in the last place, or pass each
+    // other at such a distance: the parts next to a crossing may cross once more for rounding.
     Dice dice(99);
     for (int power = 5; power <= 53; ++power) {
         SCOPED_TRACE("2^-" + std::to_string(power));
@@ -234,8 +233,8 @@ TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
     GridLines lines = drawing.lines;
     std::vector<Meeting> meetings;
     std::optional<EdgeTree> tree;
-    ASSERT_TRUE(trammel_detail::CutAtCrossings(lines, drawing.grid, Caution::kWhereNeeded, meetings,
-                                               tree));
+    ASSERT_TRUE(
+        trammel_detail::CutAtCrossings(lines, drawing.grid, Caution::kWhereNeeded, meetings, tree));
     // All, and one edge in ten.
     for (bool const all : {true, false}) {
         std::vector<char> fresh;
@@ -256,9 +255,8 @@ TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
         for (EdgeTree::Order const order : {EdgeTree::Order::kLines, EdgeTree::Order::kPlaces}) {
             Pairs found;
             EdgeTree const sorted(lines, fresh, {0, 0}, order);
-            sorted.ForMeetingPairs(true, [&](std::size_t i, std::size_t j, bool) {
-                found.emplace_back(i, j);
-            });
+            sorted.ForMeetingPairs(
+                true, [&](std::size_t i, std::size_t j, bool) { found.emplace_back(i, j); });
             std::sort(found.begin(), found.end());
             EXPECT_EQ(found, expected);
         }
