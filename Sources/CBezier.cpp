@@ -31,7 +31,8 @@ namespace {
 using trammel_detail::FlatnessFilter;
 using trammel_detail::PointBuffer;
 
-/// Points of a flattening that are appended or kept at a time.
+/// Points of a flattening that are appended or kept at a time: 16 KB of stack, where a thread may
+/// have no more than 64 in all.
 constexpr int kFlattenRun = 1024;
 /// Points of a flattening that are measured at a time; few, so that they stay in the cache.
 constexpr int kLengthRun = 256;
@@ -183,6 +184,18 @@ void LengthsBetween(TPoint<double> const* points, int count, double* lengths) {
     trammel_detail::EdgeLengths(trammel_detail::Coordinates(points), count - 1, lengths);
 }
 
+/// Calls use(points, count, lengths) for the points, some at a time, with the lengths of the edges
+/// between them. Not inlined, as the lengths would enlarge the frames of deep calls.
+template <class Use>
+[[gnu::noinline]] void WithLengths(TPoint<double> const* points, int count, Use const& use) {
+    double lengths[kLengthRun];
+    for (int from = 0; from < count; from += kLengthRun) {
+        int const some = std::min(count - from, kLengthRun);
+        LengthsBetween(points + from, some, lengths);
+        use(points + from, some, lengths);
+    }
+}
+
 /// The sum of the lengths of a flattening's edges, as its points come.
 class LengthOfRun {
 public:
@@ -214,9 +227,10 @@ public:
         mStarted = true;
     }
     void operator()(TPoint<double> const* points, int count) {
-        double lengths[kFlattenRun];
-        LengthsBetween(points, count, lengths);
-        Add(points, count, lengths);
+        WithLengths(points, count,
+                    [this](TPoint<double> const* some, int n, double const* between) {
+                        Add(some, n, between);
+                    });
     }
 
 private:
@@ -246,9 +260,10 @@ public:
         }
     }
     void operator()(TPoint<double> const* points, int count) {
-        double lengths[kFlattenRun];
-        LengthsBetween(points, count, lengths);
-        Take(points, count, lengths);
+        WithLengths(points, count,
+                    [this](TPoint<double> const* some, int n, double const* between) {
+                        Take(some, n, between);
+                    });
     }
 
 private:
@@ -275,8 +290,11 @@ private:
     TPoint<double> mPt;
 };
 
-/// The point at `fraction` of the length of the curve's flattening: P0 and P3 for 0 and 1.
-TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
+/// Finds the point at `fraction` of the length of the curve's flattening, P0 and P3 for 0 and 1, if
+/// the points can all be kept; if not, finds the length at which it is. Returns whether it has the
+/// point. Not inlined, nor is its counterpart: their buffers never share the stack.
+[[gnu::noinline]] bool FindFlattenedPt(CBezier const& curve, double fraction, TPoint<double>& pt,
+                                       double& target) {
     LengthOfRun length;
     bool allAtOnce = true;
     auto measure = [&](TPoint<double> const* points, int count) {
@@ -286,10 +304,12 @@ TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
     PointBuffer<kFlattenRun, decltype(measure)> run(measure);
     FlattenTo(curve, kLengthError, run);
     if (fraction == 0.0) {
-        return curve.P0;
+        pt = curve.P0;
+        return true;
     }
     if (fraction == 1.0) {
-        return curve.P3;
+        pt = curve.P3;
+        return true;
     }
     if (allAtOnce) {
         double lengths[kFlattenRun];
@@ -297,19 +317,32 @@ TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
         length.Add(run.Points(), run.Count(), lengths);
         PointAtDistance find(fraction * length.Total());
         find.Take(run.Points(), run.Count(), lengths);
-        return find.Pt();
+        pt = find.Pt();
+        return true;
     }
-    // More points than are kept: they are made again, and not counted again.
     run.Pass();
-    PointAtDistance find(fraction * length.Total());
-    PointBuffer<kFlattenRun, PointAtDistance> again(find);
+    target = fraction * length.Total();
+    return false;
+}
+
+/// The point at the length `target` of the curve's flattening, which is not counted again.
+[[gnu::noinline]] TPoint<double> FlattenedPtAt(CBezier const& curve, double target) {
+    PointAtDistance find(target);
+    PointBuffer<kLengthRun, PointAtDistance> run(find);
     std::int32_t const counters[] = {CBezier::mCount, gCount, maxCount};
-    FlattenTo(curve, kLengthError, again);
-    again.Pass();
+    FlattenTo(curve, kLengthError, run);
+    run.Pass();
     CBezier::mCount = counters[0];
     gCount = counters[1];
     maxCount = counters[2];
     return find.Pt();
+}
+
+/// The point at `fraction` of the length of the curve's flattening: P0 and P3 for 0 and 1.
+TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
+    TPoint<double> pt;
+    double target = 0.0;
+    return FindFlattenedPt(curve, fraction, pt, target) ? pt : FlattenedPtAt(curve, target);
 }
 
 // -------------------------------------------------------------------------------------------------

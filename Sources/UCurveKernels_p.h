@@ -3,9 +3,9 @@
 // The innermost work on curves: a whole block of a cubic's subdivision at once, and the lengths of
 // many edges at once. Not installed.
 //
-// Both exist for every processor and for those with AVX2; the first call finds out which one this
-// processor takes. Results are the same to the last bit, and the same as those of the work done
-// curve by curve and edge by edge.
+// Both exist for every processor and for those with AVX2; which one this processor takes is found
+// out when the library is loaded. Results are the same to the last bit, and the same as those of
+// the work done curve by curve and edge by edge.
 
 #ifndef TRAMMEL_UCURVEKERNELS_P_H
 #define TRAMMEL_UCURVEKERNELS_P_H

@@ -156,8 +156,9 @@ template <class Curve> bool ExactlyFlat(BlockCurve const& piece, double toleranc
     return tolerance >= Deviation(FromBlock<Curve>(piece));
 }
 
-/// The levels that DivideInBlocks can go down.
-inline constexpr int kMostBlockLevels = 32;
+/// The levels that DivideInBlocks can go down: as many as leave the counts of points (2^levels - 1)
+/// and of pieces (one more than twice as many) within an int.
+inline constexpr int kMostBlockLevels = 30;
 
 /// Stores the split points of a cubic's subdivision in `run` (a PointBuffer), in order, and returns
 /// their number: what WalkSubdivision with these flatness rules delivers, made in blocks. `curve`

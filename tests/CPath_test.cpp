@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include <pthread.h>
+
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -1621,6 +1623,61 @@ TEST_F(Path, LengthsOfPiecesOfACurvedPathAddUpApproximately) {
         // Fractions of a curve are resolved to 0.001 of its parameter at either side.
         EXPECT_NEAR(before.Length() + after.Length(), total, 0.005 * total) << t;
         EXPECT_NEAR(before.Length(), t * total, 0.005 * total) << t;
+    }
+}
+
+// Threads of embedded and of some script engines have no more stack than this. Sanitizers enlarge
+// the frames.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kSmallStack = std::size_t{512} << 10;
+#else
+constexpr std::size_t kSmallStack = std::size_t{64} << 10;
+#endif
+
+void AskEverythingOnce(CPath const& path, CBezier const& curve, double& sum) {
+    TPolygon<double> polygon;
+    curve.Flatten(polygon, 0.001);
+    CPath piece;
+    CPath rest;
+    path.GetTRange(0.2, 0.7, piece);
+    path.RemoveTRange(0.2, 0.7, piece, rest);
+    sum = curve.Length() + curve.PercentT(0.3) + curve.TPercent(0.3) + path.Length() +
+          path.TPt(0.6).h + path.FindTValue(Pt(1, 2)) + polygon.Length() + polygon.TPt(0.6).h +
+          polygon.TPt(1e-5).h + (curve.HitTest(Pt(1, 2), 1.0) ? 1.0 : 0.0) +
+          (curve.Intersects(TRect<double>(1, 2, 3, 4)) ? 1.0 : 0.0) +
+          (polygon.Contains(Pt(1, 2)) ? 1.0 : 0.0);
+}
+
+TEST_F(Path, QueriesOfCurvesPathsAndPolygonsFitIntoASmallStack) {
+    struct Question {
+        CPath path;
+        CBezier curve;
+        double sum = 0.0;
+    };
+    // A flattening of few points, one of many, and one that is walked as deep as it may be.
+    double const nan = std::numeric_limits<double>::quiet_NaN();
+    for (double const size : {100.0, 1e7, nan}) {
+        Question question;
+        question.curve = CBezier({0, 0}, {size, 0}, {50, size}, {100, 100});
+        question.path.MoveTo(question.curve.P0);
+        question.path.CurveTo(question.curve.P1, question.curve.P2, question.curve.P3);
+        question.path.LineTo(Pt(300, 100));
+        question.path.ClosePath();
+        double sum = 0.0;
+        AskEverythingOnce(question.path, question.curve, sum); // also binds the library's functions
+        pthread_attr_t attributes;
+        ASSERT_EQ(pthread_attr_init(&attributes), 0);
+        ASSERT_EQ(pthread_attr_setstacksize(&attributes, kSmallStack), 0);
+        auto const ask = [](void* data) -> void* {
+            Question& q = *static_cast<Question*>(data);
+            AskEverythingOnce(q.path, q.curve, q.sum);
+            return nullptr;
+        };
+        pthread_t thread;
+        ASSERT_EQ(pthread_create(&thread, &attributes, ask, &question), 0);
+        ASSERT_EQ(pthread_join(thread, nullptr), 0);
+        ASSERT_EQ(pthread_attr_destroy(&attributes), 0);
+        EXPECT_TRUE(question.sum == sum || std::isnan(sum));
     }
 }
 
