@@ -9,6 +9,7 @@
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CPath.h"
+#include "CPathWalk_p.h"
 #include "TPoint.h"
 
 #include <array>
@@ -87,37 +88,23 @@ inline CBezier Raised(CBSpline const& c) {
 template <class Visitor> void ForEachSegment(CPath const& path, Visitor& visitor) {
     Pt start;
     Pt current;
-    std::size_t next = 0;
-    for (char const code : path.mCtls) {
-        std::size_t const left = path.mPts.size() - next;
-        switch (code) {
+    for (ElementCursor element(path); element.Next();) {
+        Pt const from = current;
+        switch (element.Code()) {
         case kPathMove:
-        case kPathLine: {
-            if (left < 1) {
-                return;
-            }
-            Pt const to = path.mPts[next++];
-            if (code == kPathLine) {
-                visitor.Line(current, to);
-            } else {
-                visitor.Move(to);
-                start = to;
-            }
-            current = to;
+            start = current = element.Pt(0);
+            visitor.Move(current);
             break;
-        }
-        case kPathCurve: {
-            if (left < 3) {
-                return;
-            }
-            CBezier const curve(current, path.mPts[next], path.mPts[next + 1], path.mPts[next + 2]);
-            next += 3;
-            visitor.Curve(curve);
-            current = curve.P3;
+        case kPathLine:
+            current = element.Pt(0);
+            visitor.Line(from, current);
             break;
-        }
+        case kPathCurve:
+            current = element.Pt(2);
+            visitor.Curve(CBezier(from, element.Pt(0), element.Pt(1), current));
+            break;
         case kPathClose:
-            visitor.Close(current, start);
+            visitor.Close(from, start);
             break;
         default:
             break;

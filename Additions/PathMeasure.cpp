@@ -5,6 +5,7 @@
 #include "CBezier.h"
 #include "CPathWalk_p.h"
 #include "TLine.h"
+#include "USubdivision_p.h"
 
 #include <algorithm>
 #include <array>
@@ -17,11 +18,6 @@
 namespace {
 
 typedef TPoint<double> Pt;
-
-/// What CBezier::Length and CBezier::PercentT flatten by, and to which step of the parameter the
-/// latter resolves a fraction.
-constexpr double kLengthError = 0.001;
-constexpr double kPercentTolerance = 0.001;
 
 /// The number of points of a flattening up to which it is kept: 24 KB for one curve at most.
 constexpr std::size_t kMostPoints = 1024;
@@ -44,7 +40,7 @@ public:
         mLength = 0.0;
         Keep(curve.P0);
         if (curve.P0 != curve.P1 || curve.P2 != curve.P3) {
-            ErrorScope const scope;
+            trammel_detail::CurveErrorScope<CBezier> const scope(trammel_detail::kLengthError);
             gCount = 0;
             curve.GenerateSegment(
                 [](Pt const& p, void* data) { static_cast<Flattening*>(data)->Add(p); }, this, true,
@@ -60,17 +56,6 @@ public:
     std::vector<double> const& Sums() const { return mSums; }
 
 private:
-    class ErrorScope {
-    public:
-        ErrorScope() : mOld(CBezier::SetCurveError(kLengthError)) {}
-        ~ErrorScope() { CBezier::SetCurveError(mOld); }
-        ErrorScope(ErrorScope const&) = delete;
-        ErrorScope& operator=(ErrorScope const&) = delete;
-
-    private:
-        double mOld;
-    };
-
     void Add(Pt const& p) {
         if (p != mLast) {
             mLength += TLine<double>(mLast, p).Length();
@@ -432,7 +417,8 @@ double MeasuredOutline::PercentT(Segment const& segment, double fraction) const 
     if (segment.ptCount == 0) {
         return segment.curve.PercentT(fraction);
     }
-    return segment.curve.FindTValue(FlattenedPt(segment, fraction), kPercentTolerance, 0.0, 1.0);
+    return segment.curve.FindTValue(FlattenedPt(segment, fraction),
+                                    trammel_detail::kPercentTolerance, 0.0, 1.0);
 }
 
 double MeasuredOutline::Parameter(std::size_t i, double target) const {

@@ -29,6 +29,8 @@ std::int32_t CBezier::mCount = 0;
 namespace {
 
 using trammel_detail::FlatnessFilter;
+using trammel_detail::kLengthError;
+using trammel_detail::kPercentTolerance;
 using trammel_detail::PointBuffer;
 
 /// Points of a flattening that are appended or kept at a time: 16 KB of stack, where a thread may
@@ -38,13 +40,6 @@ constexpr int kFlattenRun = 1024;
 constexpr int kLengthRun = 256;
 /// Points that are tested at a time.
 constexpr int kTestRun = 64;
-
-/// The tolerance at which lengths are measured, in coordinate units: fixed, so that a length does
-/// not depend on how finely an application happens to draw.
-constexpr double kLengthError = 0.001;
-
-/// The step of the parameter to which a fraction of the length is resolved.
-constexpr double kPercentTolerance = 0.001;
 
 /// Two doubles worked on side by side, and the outcome of comparing two such.
 typedef double TwoDoubles __attribute__((vector_size(16)));

@@ -62,6 +62,13 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
     }
 }
 
+/// The tolerance at which a cubic's length is measured, in coordinate units: fixed, so that a
+/// length does not depend on how finely an application happens to draw.
+inline constexpr double kLengthError = 0.001;
+
+/// The step of the parameter to which a fraction of a cubic's length is resolved.
+inline constexpr double kPercentTolerance = 0.001;
+
 /// Installs a curve class's flatness tolerance for as long as it lives.
 template <class Curve> class CurveErrorScope {
 public:
