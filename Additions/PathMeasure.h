@@ -78,8 +78,8 @@ public:
 
     // Create
 
-    /// Measures `path`. O(n) and the flattening of every curve, as much as some three to four of the
-    /// path's own measuring calls.
+    /// Measures `path`. O(n) and the flattening of every curve, as much as some three to four of
+    /// the path's own measuring calls.
     explicit PathMeasure(CPath const& path);
     // No move: what is left behind would be no outline.
     PathMeasure(PathMeasure const&) = default;
