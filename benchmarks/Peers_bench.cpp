@@ -3,7 +3,8 @@
 // The works of Compare_bench.cpp in other libraries, those that are found when this is configured.
 // Each starts from its own form of the input; what it takes to get there is not measured.
 //
-// Run by hand: trammel_bench --benchmark_filter='^compare/.*/(2geom|agg|boost|cairo|cgal|geos|qt)'
+// Run by hand: trammel_bench
+// --benchmark_filter='^compare/.*/(2geom|agg|boost|cairo|cgal|geos|kurbo|qt)'
 
 #include "peers/Works.h"
 
@@ -27,6 +28,9 @@ bool RegisterAll() {
 #endif
 #ifdef TRAMMEL_BENCH_GEOS
     peers::RegisterGeosWorks();
+#endif
+#ifdef TRAMMEL_BENCH_KURBO
+    peers::RegisterKurboWorks();
 #endif
 #ifdef TRAMMEL_BENCH_QT
     peers::RegisterQtWorks();

@@ -27,6 +27,7 @@ void RegisterBoostWorks();
 void RegisterCairoWorks();
 void RegisterCgalWorks();
 void RegisterGeosWorks();
+void RegisterKurboWorks();
 void RegisterLib2geomWorks();
 void RegisterQtWorks();
 
