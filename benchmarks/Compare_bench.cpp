@@ -41,6 +41,46 @@ std::vector<plain::Pt> ToPlain(std::vector<TPoint<double>> const& points) {
     return result;
 }
 
+/// The counters of a work whose target is `value`, 0 if it has none.
+std::map<std::string, double> Target(double value) {
+    return value > 0.0 ? std::map<std::string, double>{{"target", value}}
+                       : std::map<std::string, double>();
+}
+
+/// The input made of a set, made when it is first needed.
+template <class Input> std::shared_ptr<Input> Kept(inputs::Set set) {
+    static std::map<inputs::Set, std::shared_ptr<Input>> kept;
+    auto& entry = kept[set];
+    if (entry == nullptr) {
+        entry = std::make_shared<Input>(set);
+    }
+    return entry;
+}
+
+/// A job on every item of an input: ours(item, point) and plainly(item, point) return a number.
+template <class Input, class Ours, class Plainly>
+std::shared_ptr<Job> JobOnEach(std::shared_ptr<Input> const& data, double target, Ours ours,
+                               Plainly plainly) {
+    auto job = std::make_shared<Job>();
+    job->items = data->ours.size();
+    job->trammel = [=] {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < data->ours.size(); ++i) {
+            sum += ours(data->ours[i], data->points[i]);
+        }
+        return sum;
+    };
+    job->plain = [=] {
+        double sum = 0.0;
+        for (std::size_t i = 0; i < data->ours.size(); ++i) {
+            sum += plainly(data->plainly[i], data->plainPoints[i]);
+        }
+        return sum;
+    };
+    job->counters = Target(target);
+    return job;
+}
+
 // ------------------------------------------------------------------------------------------------
 // Curves
 
@@ -60,15 +100,6 @@ struct CurveInput {
     }
 };
 
-std::shared_ptr<CurveInput> CurvesOf(inputs::Set set) {
-    static std::shared_ptr<CurveInput> made[6];
-    auto& entry = made[static_cast<std::size_t>(set)];
-    if (entry == nullptr) {
-        entry = std::make_shared<CurveInput>(set);
-    }
-    return entry;
-}
-
 typedef std::function<truth::Errors(CurveInput const&)> ErrorsOf;
 
 /// A job on every curve: ours(curve, point) and plainly(curve, point) return a number; `errors`
@@ -77,26 +108,8 @@ template <class Ours, class Plainly>
 void OnCurves(std::string const& work, std::string const& input, inputs::Set set, double target,
               Ours ours, Plainly plainly, ErrorsOf const& errors = {}) {
     compare::Register(work, input, [=] {
-        auto const data = CurvesOf(set);
-        auto job = std::make_shared<Job>();
-        job->items = data->ours.size();
-        job->trammel = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < data->ours.size(); ++i) {
-                sum += ours(data->ours[i], data->points[i]);
-            }
-            return sum;
-        };
-        job->plain = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < data->ours.size(); ++i) {
-                sum += plainly(data->plainly[i], data->plainPoints[i]);
-            }
-            return sum;
-        };
-        if (target > 0.0) {
-            job->counters["target"] = target;
-        }
+        auto const data = Kept<CurveInput>(set);
+        auto job = JobOnEach(data, target, ours, plainly);
         if (errors) {
             job->Add(errors(*data));
         }
@@ -229,41 +242,11 @@ struct PathInput {
     }
 };
 
-std::shared_ptr<PathInput> PathsOf(inputs::Set set) {
-    static std::shared_ptr<PathInput> made[6];
-    auto& entry = made[static_cast<std::size_t>(set)];
-    if (entry == nullptr) {
-        entry = std::make_shared<PathInput>(set);
-    }
-    return entry;
-}
-
 template <class Ours, class Plainly>
 void OnPaths(std::string const& work, std::string const& input, inputs::Set set, double target,
              Ours ours, Plainly plainly) {
-    compare::Register(work, input, [=] {
-        auto const data = PathsOf(set);
-        auto job = std::make_shared<Job>();
-        job->items = data->ours.size();
-        job->trammel = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < data->ours.size(); ++i) {
-                sum += ours(data->ours[i], data->points[i]);
-            }
-            return sum;
-        };
-        job->plain = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < data->ours.size(); ++i) {
-                sum += plainly(data->plainly[i], data->plainPoints[i]);
-            }
-            return sum;
-        };
-        if (target > 0.0) {
-            job->counters["target"] = target;
-        }
-        return job;
-    });
+    compare::Register(work, input,
+                      [=] { return JobOnEach(Kept<PathInput>(set), target, ours, plainly); });
 }
 
 void RegisterPaths(std::string const& input, inputs::Set set, bool targets) {
@@ -386,11 +369,6 @@ void OnPolygon(std::string const& work, std::string const& input, PolygonMaker c
         job->counters = counters;
         return job;
     });
-}
-
-std::map<std::string, double> Target(double value) {
-    return value > 0.0 ? std::map<std::string, double>{{"target", value}}
-                       : std::map<std::string, double>();
 }
 
 double Sum(TPoint<double> const& p) { return p.h + p.v; }
@@ -626,11 +604,13 @@ bool RegisterAll() {
     RegisterCurves("drawing", inputs::Set::kDrawing, true);
     RegisterCurves("glyphs_truetype", inputs::Set::kTrueType, false);
     RegisterCurves("glyphs_cff", inputs::Set::kCff, false);
+    RegisterCurves("icons", inputs::Set::kIcons, false);
     RegisterCurves("large", inputs::Set::kRandom, false);
     RegisterPaths("glyphs_cff", inputs::Set::kCff, true);
     RegisterPaths("poster_cff", inputs::Set::kPoster, true);
     RegisterPaths("drawing", inputs::Set::kDrawing, true);
     RegisterPaths("glyphs_truetype", inputs::Set::kTrueType, false);
+    RegisterPaths("icons", inputs::Set::kIcons, false);
     RegisterPaths("outline_1000", inputs::Set::kLong, false);
 
     for (std::size_t const count : {10, 1000, 100000}) {

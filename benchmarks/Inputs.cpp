@@ -5,15 +5,24 @@
 #include "Operands.h"
 
 #include <trammel/CPathActions.h>
+#include <trammel/SvgPath.h>
 #include <trammel/UTrigonometry.h>
 
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <map>
 #include <random>
+#include <string>
+#include <system_error>
 
 #ifdef TRAMMEL_BENCH_FREETYPE
 #include <ft2build.h>
 #include FT_FREETYPE_H
 #include FT_OUTLINE_H
+#endif
+#ifdef TRAMMEL_BENCH_PUGIXML
+#include <pugixml.hpp>
 #endif
 
 namespace inputs {
@@ -155,6 +164,37 @@ std::vector<CPath> GlyphOutlines(char const*, double) { return {}; }
 
 #endif
 
+/// The paths of all drawings in a folder, by the drawings' names; links are left out, as they are
+/// drawings of another name.
+std::vector<CPath> IconOutlines(std::string const& folder) {
+    std::vector<CPath> outlines;
+#ifdef TRAMMEL_BENCH_PUGIXML
+    std::vector<std::string> names;
+    std::error_code error;
+    for (auto const& entry : std::filesystem::directory_iterator(folder, error)) {
+        if (!entry.is_symlink() && entry.path().extension() == ".svg") {
+            names.push_back(entry.path().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    for (std::string const& name : names) {
+        pugi::xml_document document;
+        if (!document.load_file(name.c_str())) {
+            continue;
+        }
+        for (pugi::xpath_node const& node : document.select_nodes("//path")) {
+            auto const read = trammel::ReadSvgPath(node.node().attribute("d").value());
+            if (!read.error && !read.path.mCtls.empty()) {
+                outlines.push_back(read.path);
+            }
+        }
+    }
+#else
+    static_cast<void>(folder);
+#endif
+    return outlines;
+}
+
 std::vector<CBezier> RandomCurves(unsigned seed, std::size_t count, double side) {
     Random random(seed);
     std::vector<CBezier> curves(count);
@@ -184,6 +224,51 @@ std::vector<CBezier> CurvesOf(std::vector<CPath> const& outlines) {
     return collector.mCurves;
 }
 
+constexpr char kDejaVu[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
+constexpr char kGaramond[] = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
+constexpr char kBreeze[] = "/usr/share/icons/breeze/apps/48";
+
+std::vector<CPath> MakeOutlines(Set set) {
+    switch (set) {
+    case Set::kRandom:
+        return RandomOutlines();
+    case Set::kTrueType:
+        return GlyphOutlines(kDejaVu, 100.0);
+    case Set::kCff:
+        return GlyphOutlines(kGaramond, 100.0);
+    case Set::kDrawing:
+        return DrawingOutlines();
+    case Set::kPoster:
+        return GlyphOutlines(kGaramond, 1000.0);
+    case Set::kLong:
+        return LongOutlines();
+    case Set::kIcons:
+        break;
+    }
+    return IconOutlines(kBreeze);
+}
+
+std::vector<CBezier> MakeCurves(Set set) {
+    switch (set) {
+    case Set::kRandom:
+        return RandomCurves(2, 1000, Side(set));
+    case Set::kDrawing:
+        return RandomCurves(6, 10000, Side(set));
+    default:
+        return CurvesOf(Outlines(set));
+    }
+}
+
+/// What `make` makes of a set, made when it is first needed.
+template <class Item> std::vector<Item> const& Kept(Set set, std::vector<Item> (*make)(Set)) {
+    static std::map<Set, std::vector<Item>> kept;
+    auto found = kept.find(set);
+    if (found == kept.end()) {
+        found = kept.emplace(set, make(set)).first;
+    }
+    return found->second;
+}
+
 } // namespace
 
 CPath Ragged(Segments segments, std::size_t count, unsigned seed) {
@@ -210,56 +295,9 @@ CPath Ragged(Segments segments, std::size_t count, unsigned seed) {
     return path;
 }
 
-std::vector<CPath> const& Outlines(Set set) {
-    static char const* const dejavu = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-    static char const* const garamond =
-        "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
-    static std::vector<CPath> const random = RandomOutlines();
-    static std::vector<CPath> const trueType = GlyphOutlines(dejavu, 100.0);
-    static std::vector<CPath> const cff = GlyphOutlines(garamond, 100.0);
-    static std::vector<CPath> const drawing = DrawingOutlines();
-    static std::vector<CPath> const poster = GlyphOutlines(garamond, 1000.0);
-    static std::vector<CPath> const longer = LongOutlines();
-    switch (set) {
-    case Set::kRandom:
-        return random;
-    case Set::kTrueType:
-        return trueType;
-    case Set::kCff:
-        return cff;
-    case Set::kDrawing:
-        return drawing;
-    case Set::kPoster:
-        return poster;
-    case Set::kLong:
-        break;
-    }
-    return longer;
-}
+std::vector<CPath> const& Outlines(Set set) { return Kept(set, MakeOutlines); }
 
-std::vector<CBezier> const& Curves(Set set) {
-    static std::vector<CBezier> const random = RandomCurves(2, 1000, Side(Set::kRandom));
-    static std::vector<CBezier> const trueType = CurvesOf(Outlines(Set::kTrueType));
-    static std::vector<CBezier> const cff = CurvesOf(Outlines(Set::kCff));
-    static std::vector<CBezier> const drawing = RandomCurves(6, 10000, Side(Set::kDrawing));
-    static std::vector<CBezier> const poster = CurvesOf(Outlines(Set::kPoster));
-    static std::vector<CBezier> const longer = CurvesOf(Outlines(Set::kLong));
-    switch (set) {
-    case Set::kRandom:
-        return random;
-    case Set::kTrueType:
-        return trueType;
-    case Set::kCff:
-        return cff;
-    case Set::kDrawing:
-        return drawing;
-    case Set::kPoster:
-        return poster;
-    case Set::kLong:
-        break;
-    }
-    return longer;
-}
+std::vector<CBezier> const& Curves(Set set) { return Kept(set, MakeCurves); }
 
 std::vector<TPoint<double>> Points(std::size_t count, double side) {
     Random random(3);
@@ -336,6 +374,8 @@ double Side(Set set) {
         return 1000.0;
     case Set::kDrawing:
         return 110.0;
+    case Set::kIcons:
+        return 48.0;
     case Set::kTrueType:
     case Set::kCff:
         break;

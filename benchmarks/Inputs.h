@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What the benchmarks work on: random curves and outlines of the size of a drawing, the same in
-// every run, and the outlines of real fonts.
+// every run, and the outlines of real fonts and icons.
 //
 // Real outlines differ from random ones: their curves are short and mildly bent, so that a call
 // spends more of its time on set-up than in subdivision. Both are measured.
@@ -26,6 +26,7 @@ enum class Set {
     kDrawing,  ///< as kRandom, coordinates from 0 to 110: the size of a drawing's curves
     kPoster,   ///< the glyphs of kCff ten times as large
     kLong,     ///< ragged rings of 1,000 lines and curves in turn, coordinates from 0 to 1000
+    kIcons,    ///< the application icons of the Breeze theme, 48 units wide
 };
 
 /// What a ring consists of.
@@ -36,8 +37,9 @@ enum class Segments { kLines, kCurves, kMixed };
 CPath Ragged(Segments segments, std::size_t count, unsigned seed);
 
 /// The outlines of a set: 200 random ones of 20 elements, 200 of 10 curves each for kDrawing, 20
-/// for kLong, or the glyphs of U+0021 to U+017F at 100 units to the em, v downward. Empty when the
-/// font cannot be read.
+/// for kLong, the glyphs of U+0021 to U+017F at 100 units to the em, v downward, or the paths of
+/// the theme's drawings where their text puts them (elements may move them elsewhere). Empty when
+/// the font or the theme cannot be read.
 std::vector<CPath> const& Outlines(Set set);
 
 /// 1000 random curves, or all curves of the set's outlines. For kDrawing 10,000 random curves,

@@ -52,16 +52,15 @@ inline std::vector<std::pair<std::string, inputs::Set>> CurveSets() {
     return {{"drawing", inputs::Set::kDrawing},
             {"glyphs_truetype", inputs::Set::kTrueType},
             {"glyphs_cff", inputs::Set::kCff},
+            {"icons", inputs::Set::kIcons},
             {"large", inputs::Set::kRandom}};
 }
 
 /// The sets of paths by the names that they have in the table.
 inline std::vector<std::pair<std::string, inputs::Set>> PathSets() {
-    return {{"drawing", inputs::Set::kDrawing},
-            {"glyphs_truetype", inputs::Set::kTrueType},
-            {"glyphs_cff", inputs::Set::kCff},
-            {"poster_cff", inputs::Set::kPoster},
-            {"outline_1000", inputs::Set::kLong}};
+    return {{"drawing", inputs::Set::kDrawing},   {"glyphs_truetype", inputs::Set::kTrueType},
+            {"glyphs_cff", inputs::Set::kCff},    {"icons", inputs::Set::kIcons},
+            {"poster_cff", inputs::Set::kPoster}, {"outline_1000", inputs::Set::kLong}};
 }
 
 /// Polygons by the names that they have in the table; without map data, the countries are empty.
