@@ -174,6 +174,24 @@ void AppendUniquePoints(TPoint<double> const* points, int count, TPolygon<double
     }
 }
 
+/// Makes room in the polygon for all points of the flattened curve, of which there are many;
+/// `error` is the tolerance. There is room for as many as there are when all pieces are halved
+/// alike, which may be some times as many; what stays unused is but set apart. Where that would be
+/// more than 1 MB, the polygon grows as it does otherwise.
+void ReservePoints(CBezier const& curve, double error, TPolygon<double>& poly) {
+    constexpr int kMostLevels = 16;
+    FlatnessFilter const filter(FlatnessFilter::SizeOf(curve), error);
+    int levels = std::max(CBezier::mRecursionLimit - 1, 1);
+    if (filter.Judges()) {
+        levels = std::min(filter.LevelsToFlat(curve), levels);
+    }
+    if (levels <= kMostLevels) {
+        auto const points = (static_cast<Size>(1) << levels) + 1;
+        trammel_detail::ReserveBytes(reinterpret_cast<Handle>(poly.mHandle),
+                                     points * static_cast<Size>(sizeof(TPoint<double>)));
+    }
+}
+
 /// The lengths of the edges from each point to the next, for `count` points.
 void LengthsBetween(TPoint<double> const* points, int count, double* lengths) {
     trammel_detail::EdgeLengths(trammel_detail::Coordinates(points), count - 1, lengths);
@@ -533,7 +551,12 @@ void CBezier::GenerateSegment(PointProc proc, bool force, short depth) const {
 }
 
 void CBezier::Flatten(TPolygon<double>& poly, double error) const {
-    auto append = [&poly](TPoint<double> const* points, int count) {
+    bool first = true;
+    auto append = [&](TPoint<double> const* points, int count) {
+        if (first && count > kFlattenRun - trammel_detail::kBlockPoints) {
+            ReservePoints(*this, error, poly); // more are to come
+        }
+        first = false;
         AppendUniquePoints(points, count, poly);
     };
     PointBuffer<kFlattenRun, decltype(append)> run(append);

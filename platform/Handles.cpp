@@ -156,6 +156,14 @@ OSErr AppendToBlock(const void* source, Handle h, Size count) noexcept {
     return noErr;
 }
 
+void ReserveBytes(Handle h, Size count) noexcept {
+    BlockRecord* const record = RecordOf(h);
+    if (h != nullptr && count <= kLargestBlock - record->size &&
+        count > record->capacity - record->size) {
+        static_cast<void>(Reallocate(record, RoomFor(record->size + count)));
+    }
+}
+
 } // namespace trammel_detail
 
 Handle NewHandle(Size size) noexcept { return MakeBlock(size, true); }

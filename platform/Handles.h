@@ -74,6 +74,10 @@ inline char* TakeSpareBytes(Handle h, Size count) noexcept {
     return place;
 }
 
+/// Makes room in the block for `count` bytes beyond those in use, for a caller who is about to
+/// append as many; when memory is short, nothing changes.
+void ReserveBytes(Handle h, Size count) noexcept;
+
 /// Makes the next `count` requests for memory fail, for tests of what follows from that. A request
 /// is a call that makes a handle or a path object, stores a path under a token, or grows a block by
 /// at least one byte (also where spare bytes would have served). 0 or less switches the failures

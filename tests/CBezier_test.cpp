@@ -698,6 +698,38 @@ TEST_F(Bezier, FlattenGrowsThePolygonOnce) {
     EXPECT_GT(poly.LastIndex(), 100);
 }
 
+TEST_F(Bezier, FlattenGrowsThePolygonOnceForThousandsOfPoints) {
+    Random random(73);
+    long most = 0;
+    for (double const size : {5e3, 5e4, 3e5, 1e7}) {
+        for (int i = 0; i < 20; ++i) {
+            CBezier const c(random.Pt(0, size), random.Pt(0, size), random.Pt(0, size),
+                            random.Pt(0, size));
+            TPolygon<double> poly;
+            long const before = trammel_detail::BlockReallocationCount();
+            c.Flatten(poly, 0.001);
+            ASSERT_EQ(trammel_detail::BlockReallocationCount() - before, 1)
+                << poly.LastIndex() << " points";
+            most = std::max(most, poly.LastIndex());
+        }
+    }
+    EXPECT_EQ(most, 16384); // as many as the recursion limit allows
+}
+
+TEST_F(Bezier, FlattenLeavesThePolygonWhenThereIsNoMemoryForThousandsOfPoints) {
+    // No request for memory succeeds: the polygon stays as it was.
+    CBezier const c(Pt(0, 0), Pt(1e5, 8e5), Pt(7e5, 9e5), Pt(9e5, 1e5));
+    TPolygon<double> whole;
+    c.Flatten(whole, 0.001);
+    TPolygon<double> poly;
+    poly.Append(Pt(-1, -1), false);
+    trammel_detail::FailNextAllocations(1000000);
+    c.Flatten(poly, 0.001);
+    trammel_detail::FailNextAllocations(0);
+    EXPECT_GT(whole.LastIndex(), 4000);
+    EXPECT_EQ(poly.LastIndex(), 0);
+}
+
 TEST_F(Bezier, FlattenAppendsWhatFitsWhenMemoryIsShort) {
     TPolygon<double> poly;
     trammel_detail::FailNextAllocations(1000000);
