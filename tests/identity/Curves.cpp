@@ -44,6 +44,41 @@ private:
     plain::State mState;
 };
 
+/// Asks the cubic and its plain form, both from the settings and counters of now, and takes what
+/// ask(curve, digest) adds, with the settings and counters that it leaves.
+template <class Ask> void TakeFromBoth(Part& part, CBezier const& curve, Ask const& ask) {
+    FromHere const start;
+    Digest digest;
+    ask(curve, digest);
+    AddState(digest);
+    part.Take(digest, [&] {
+        start.Return();
+        Digest expected;
+        ask(PlainOf(curve), expected);
+        AddPlainState(expected);
+        return expected;
+    });
+}
+
+/// Adds the flattened curve, behind the point `before` if there is one.
+void AddFlattened(CBezier const& c, double tolerance, Pt const* before, Digest& digest) {
+    TPolygon<double> polygon;
+    if (before != nullptr) {
+        polygon.Append(*before, true);
+    }
+    c.Flatten(polygon, tolerance);
+    digest.Add(polygon);
+}
+
+void AddFlattened(plain::Bezier const& c, double tolerance, Pt const* before, Digest& digest) {
+    plain::Points chain;
+    if (before != nullptr) {
+        chain.push_back(*before);
+    }
+    c.Flatten(chain, tolerance);
+    digest.Add(chain);
+}
+
 void Flatten(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(400000); i > 0; --i) {
@@ -51,26 +86,8 @@ void Flatten(Part& part) {
         SetUp(random, random.Uniform(0.1, 2.0), in.depth);
         bool const appends = random.OneIn(8);
         Pt const before = random.OneIn(2) ? in.curve.P0 : random.Point(0, 100);
-        TPolygon<double> polygon;
-        if (appends) {
-            polygon.Append(before, true);
-        }
-        FromHere const start;
-        in.curve.Flatten(polygon, in.tolerance);
-        Digest digest;
-        digest.Add(polygon);
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            plain::Points chain;
-            if (appends) {
-                chain.push_back(before);
-            }
-            PlainOf(in.curve).Flatten(chain, in.tolerance);
-            Digest expected;
-            expected.Add(chain);
-            AddPlainState(expected);
-            return expected;
+        TakeFromBoth(part, in.curve, [&](auto const& c, Digest& digest) {
+            AddFlattened(c, in.tolerance, appends ? &before : nullptr, digest);
         });
     }
 }
@@ -85,25 +102,29 @@ void FlattenDeep(Part& part) {
             in.tolerance = random.OneIn(3) ? 0.0 : std::abs(random.Binary(-40, -16));
         }
         SetUp(random, 1.0, 15);
-        FromHere const start;
-        TPolygon<double> polygon;
-        in.curve.Flatten(polygon, in.tolerance);
-        Digest digest;
-        digest.Add(polygon);
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            plain::Points chain;
-            PlainOf(in.curve).Flatten(chain, in.tolerance);
-            Digest expected;
-            expected.Add(chain);
-            AddPlainState(expected);
-            return expected;
+        TakeFromBoth(part, in.curve, [&](auto const& c, Digest& digest) {
+            AddFlattened(c, in.tolerance, nullptr, digest);
         });
     }
 }
 
 Digest* gSink = nullptr; // the callback without data knows no other place
+
+void AddGenerated(CBezier const& c, bool force, int depth, bool withData, Digest& digest) {
+    auto const levels = static_cast<short>(depth);
+    if (withData) {
+        c.GenerateSegment([](Pt const& p, void* data) { static_cast<Digest*>(data)->Add(p); },
+                          &digest, force, levels);
+    } else {
+        gSink = &digest;
+        c.GenerateSegment([](Pt const& p) { gSink->Add(p); }, force, levels);
+    }
+}
+
+void AddGenerated(plain::Bezier const& c, bool force, int depth, bool /*withData*/,
+                  Digest& digest) {
+    c.GenerateSegment([&](Pt const& p) { digest.Add(p); }, force, depth);
+}
 
 void Generate(Part& part) {
     Random& random = part.random;
@@ -112,25 +133,8 @@ void Generate(Part& part) {
         SetUp(random, in.tolerance, 15);
         bool const force = random.OneIn(2);
         bool const withData = random.OneIn(2);
-        FromHere const start;
-        Digest digest;
-        if (withData) {
-            in.curve.GenerateSegment(
-                [](Pt const& p, void* data) { static_cast<Digest*>(data)->Add(p); }, &digest, force,
-                static_cast<short>(in.depth));
-        } else {
-            gSink = &digest;
-            in.curve.GenerateSegment([](Pt const& p) { gSink->Add(p); }, force,
-                                     static_cast<short>(in.depth));
-        }
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            Digest expected;
-            PlainOf(in.curve).GenerateSegment([&](Pt const& p) { expected.Add(p); }, force,
-                                              in.depth);
-            AddPlainState(expected);
-            return expected;
+        TakeFromBoth(part, in.curve, [&](auto const& c, Digest& digest) {
+            AddGenerated(c, force, in.depth, withData, digest);
         });
     }
 }
@@ -224,17 +228,7 @@ void Length(Part& part) {
             in.curve *= random.OneIn(2) ? 0.01 : 1e-3; // the tolerance is absolute
         }
         SetUp(random, in.tolerance, in.depth);
-        FromHere const start;
-        Digest digest;
-        digest.Add(in.curve.Length());
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            Digest expected;
-            expected.Add(PlainOf(in.curve).Length());
-            AddPlainState(expected);
-            return expected;
-        });
+        TakeFromBoth(part, in.curve, [](auto const& c, Digest& digest) { digest.Add(c.Length()); });
     }
 }
 
@@ -245,17 +239,8 @@ void Percent(Part& part) {
         double const fraction = Fraction(random);
         bool const inverse = random.OneIn(2);
         SetUp(random, in.tolerance, in.depth);
-        FromHere const start;
-        Digest digest;
-        digest.Add(inverse ? in.curve.TPercent(fraction) : in.curve.PercentT(fraction));
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            plain::Bezier const c = PlainOf(in.curve);
-            Digest expected;
-            expected.Add(inverse ? c.TPercent(fraction) : c.PercentT(fraction));
-            AddPlainState(expected);
-            return expected;
+        TakeFromBoth(part, in.curve, [&](auto const& c, Digest& digest) {
+            digest.Add(inverse ? c.TPercent(fraction) : c.PercentT(fraction));
         });
     }
 }
@@ -283,37 +268,23 @@ void Nearest(Part& part) {
         double const t0 = whole ? 0.0 : Fraction(random);
         double const t1 = whole ? 1.0 : Fraction(random);
         int const what = random.Int(0, 7);
-        Digest digest;
-        if (what == 0) {
-            CBezier left;
-            CBezier right;
-            digest.Add(in.curve.Divide(left, right, pt));
-            Add(digest, left);
-            Add(digest, right);
-        } else if (what <= 2) {
-            CBezier curve = in.curve;
-            digest.Add(curve.FindDividedTValue(pt, step, t0, t1));
-            Add(digest, curve);
-        } else {
-            digest.Add(in.curve.FindTValue(pt, step, t0, t1));
-        }
-        part.Take(digest, [&] {
-            plain::Bezier const c = PlainOf(in.curve);
-            Digest expected;
+        auto const ask = [&](auto curve) {
+            Digest digest;
             if (what == 0) {
-                plain::Bezier left;
-                plain::Bezier right;
-                expected.Add(c.Divide(left, right, pt));
-                Add(expected, left);
-                Add(expected, right);
+                decltype(curve) left;
+                decltype(curve) right;
+                digest.Add(curve.Divide(left, right, pt));
+                Add(digest, left);
+                Add(digest, right);
             } else if (what <= 2) {
-                expected.Add(c.FindDividedTValue(pt, step, t0, t1));
-                Add(expected, c);
+                digest.Add(curve.FindDividedTValue(pt, step, t0, t1));
+                Add(digest, curve);
             } else {
-                expected.Add(c.FindTValue(pt, step, t0, t1));
+                digest.Add(curve.FindTValue(pt, step, t0, t1));
             }
-            return expected;
-        });
+            return digest;
+        };
+        part.Take(ask(in.curve), [&] { return ask(PlainOf(in.curve)); });
     }
 }
 
@@ -332,17 +303,8 @@ void Hits(Part& part) {
         bool const hits = random.OneIn(2);
         Box rect(pt, pt);
         rect.Outset(reach, reach * 0.5);
-        FromHere const start;
-        Digest digest;
-        digest.Add(hits ? in.curve.HitTest(pt, reach) : in.curve.Intersects(rect));
-        AddState(digest);
-        part.Take(digest, [&] {
-            start.Return();
-            plain::Bezier const c = PlainOf(in.curve);
-            Digest expected;
-            expected.Add(hits ? c.HitTest(pt, reach) : c.Intersects(rect));
-            AddPlainState(expected);
-            return expected;
+        TakeFromBoth(part, in.curve, [&](auto const& c, Digest& digest) {
+            digest.Add(hits ? c.HitTest(pt, reach) : c.Intersects(rect));
         });
     }
 }

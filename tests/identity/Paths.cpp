@@ -10,6 +10,7 @@
 #include "plain/PlainPath.h"
 
 #include <cmath>
+#include <type_traits>
 
 namespace identity {
 
@@ -197,22 +198,17 @@ void Measured(Part& part) {
         SetUpFor(random, wild);
         double const t = Fraction(random);
         Pt const pt = PointAbout(random, both.path.Bounds());
-        Digest digest;
-        digest.Add(both.path.Length());
-        digest.Add(both.path.TPt(t));
-        digest.Add(both.path.FindTValue(pt));
-        digest.Add(CBezier::mMaxError);
+        auto const ask = [&](auto const& path, double const& maxError) {
+            Digest digest;
+            digest.Add(path.Length());
+            digest.Add(path.TPt(t));
+            digest.Add(path.FindTValue(pt));
+            digest.Add(maxError); // as they leave it
+            return digest;
+        };
         part.Take(
-            digest,
-            [&] {
-                Digest expected;
-                expected.Add(both.plain.Length());
-                expected.Add(both.plain.TPt(t));
-                expected.Add(both.plain.FindTValue(pt));
-                expected.Add(plain::state.maxError);
-                return expected;
-            },
-            16);
+            ask(both.path, CBezier::mMaxError),
+            [&] { return ask(both.plain, plain::state.maxError); }, 16);
     }
 }
 
@@ -231,32 +227,21 @@ void Cut(Part& part) {
             t1 = t;
         }
         bool const removes = random.OneIn(4);
-        CPath a;
-        CPath b;
-        if (removes) {
-            both.path.RemoveTRange(t0, t1, a, b);
-        } else {
-            both.path.GetTRange(t0, t1, a);
-        }
-        Digest digest;
-        Add(digest, a);
-        Add(digest, b);
+        auto const cut = [&](auto const& path) {
+            std::decay_t<decltype(path)> a;
+            std::decay_t<decltype(path)> b;
+            if (removes) {
+                path.RemoveTRange(t0, t1, a, b);
+            } else {
+                path.GetTRange(t0, t1, a);
+            }
+            Digest digest;
+            Add(digest, a);
+            Add(digest, b);
+            return digest;
+        };
         part.Take(
-            digest,
-            [&] {
-                plain::Path c;
-                plain::Path d;
-                if (removes) {
-                    both.plain.RemoveTRange(t0, t1, c, d);
-                } else {
-                    both.plain.GetTRange(t0, t1, c);
-                }
-                Digest expected;
-                Add(expected, c);
-                Add(expected, d);
-                return expected;
-            },
-            16);
+            cut(both.path), [&] { return cut(both.plain); }, 16);
     }
 }
 
@@ -273,24 +258,17 @@ void Long(Part& part) {
         double const t0 = random.Uniform(0, 0.9);
         double const t1 = random.Uniform(t0, 1);
         Pt const pt = PointAbout(random, both.path.Bounds());
-        CPath piece;
-        both.path.GetTRange(t0, t1, piece);
-        Digest digest;
-        Add(digest, piece);
-        digest.Add(both.path.TPt(t0));
-        digest.Add(both.path.FindTValue(pt));
+        auto const ask = [&](auto const& path) {
+            std::decay_t<decltype(path)> piece;
+            path.GetTRange(t0, t1, piece);
+            Digest digest;
+            Add(digest, piece);
+            digest.Add(path.TPt(t0));
+            digest.Add(path.FindTValue(pt));
+            return digest;
+        };
         part.Take(
-            digest,
-            [&] {
-                plain::Path c;
-                both.plain.GetTRange(t0, t1, c);
-                Digest expected;
-                Add(expected, c);
-                expected.Add(both.plain.TPt(t0));
-                expected.Add(both.plain.FindTValue(pt));
-                return expected;
-            },
-            40);
+            ask(both.path), [&] { return ask(both.plain); }, 40);
     }
 }
 
