@@ -74,6 +74,7 @@ void* AllocateOrNull(std::size_t size) noexcept {
 namespace {
 
 using plain::Random;
+using plain::RandomFraction;
 using plain::SameBits;
 using plain::StepUlps;
 using trammel_test::kInf;
@@ -1376,10 +1377,6 @@ void BuildAlike(Random& random, int count, bool grid, CPath& path, plain::Path& 
     }
 }
 
-double RandomFraction(Random& random) {
-    return random.OneIn(6) ? random.Int(-1, 5) / 4.0 : random.Uniform(-0.1, 1.1);
-}
-
 TEST_F(Path, AgreesWithThePlainForm) {
     Random random(21);
     for (int i = 0; i < 1500; ++i) {
@@ -1475,18 +1472,7 @@ TEST_F(Path, NearestOfSegmentsAtAlmostTheSameDistanceAgreesWithThePlainForm) {
 TEST_F(Path, NearestWithCoordinatesThatOverflowAgreesWithThePlainForm) {
     CBezier::mRecursionLimit = plain::state.recursionLimit = 4;
     Random random(26);
-    std::vector<double> const special = {0.0,    -0.0,  1.0,    -3.0,  5e-324, -1e-310,
-                                         1e-160, 1e154, -1e160, 1e300, kMax,   -kMax,
-                                         kInf,   -kInf, kNaN,   1e150};
-    auto const coordinate = [&] {
-        return random.OneIn(2) ? special[static_cast<std::size_t>(
-                                     random.Int(0, static_cast<int>(special.size()) - 1))]
-                               : random.Uniform(-2, 2);
-    };
-    auto const point = [&] {
-        double const h = coordinate();
-        return Pt(h, coordinate());
-    };
+    auto const point = [&] { return plain::WildPoint(random); };
     for (int i = 0; i < 20000; ++i) {
         plain::Path same;
         for (int k = random.Int(1, 5); k > 0; --k) {

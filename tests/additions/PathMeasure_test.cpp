@@ -21,6 +21,7 @@
 namespace {
 
 using plain::Random;
+using plain::RandomFraction;
 using plain::SameBits;
 using plain::StepUlps;
 using trammel::PathMeasure;
@@ -172,10 +173,6 @@ CPath RandomPath(Random& random, int count, bool grid) {
         }
     }
     return path;
-}
-
-double RandomFraction(Random& random) {
-    return random.OneIn(6) ? random.Int(-1, 5) / 4.0 : random.Uniform(-0.1, 1.1);
 }
 
 TEST_F(Measure, AgreesWithRandomPaths) {
@@ -338,18 +335,8 @@ TEST_F(Measure, SegmentsAtAlmostTheSameDistanceAreToldApart) {
 TEST_F(Measure, AgreesOnSpecialCoordinatesAndFractions) {
     CBezier::mRecursionLimit = 4;
     Random random(37);
-    std::vector<double> const special = {0.0,    -0.0,  1.0,    -3.0,  5e-324, -1e-310,
-                                         1e-160, 1e154, -1e160, 1e300, kMax,   -kMax,
-                                         kInf,   -kInf, kNaN,   1e150};
-    auto const number = [&] {
-        return random.OneIn(2) ? special[static_cast<std::size_t>(
-                                     random.Int(0, static_cast<int>(special.size()) - 1))]
-                               : random.Uniform(-2, 2);
-    };
-    auto const point = [&] {
-        double const h = number();
-        return Pt(h, number());
-    };
+    auto const number = [&] { return plain::WildNumber(random); };
+    auto const point = [&] { return plain::WildPoint(random); };
     for (int i = 0; i < 20000; ++i) {
         CPath path;
         for (int k = random.Int(1, 6); k > 0; --k) {

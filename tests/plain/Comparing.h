@@ -12,7 +12,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -70,6 +72,29 @@ public:
 private:
     std::mt19937_64 mEngine;
 };
+
+/// A fraction of a length: now and then a quarter of it, its ends among them, and beyond these.
+inline double RandomFraction(Random& random) {
+    return random.OneIn(6) ? random.Int(-1, 5) / 4.0 : random.Uniform(-0.1, 1.1);
+}
+
+/// A number from -2 to 2 or, as often, one that is special, or that overflows or underflows when it
+/// is multiplied.
+inline double WildNumber(Random& random) {
+    constexpr double kMax = std::numeric_limits<double>::max();
+    constexpr double kInf = std::numeric_limits<double>::infinity();
+    constexpr std::array<double, 16> kSpecial = {
+        0.0,    -0.0,    1.0,    -3.0,
+        5e-324, -1e-310, 1e-160, 1e154,
+        1e150,  -1e160,  1e300,  kMax,
+        -kMax,  kInf,    -kInf,  std::numeric_limits<double>::quiet_NaN()};
+    return random.OneIn(2) ? kSpecial[static_cast<std::size_t>(random.Int(0, 15))]
+                           : random.Uniform(-2, 2);
+}
+inline TPoint<double> WildPoint(Random& random) {
+    double const h = WildNumber(random);
+    return TPoint<double>(h, WildNumber(random));
+}
 
 /// The double `steps` representable numbers above (below, when negative) `x`.
 inline double StepUlps(double x, int steps) {
