@@ -158,6 +158,22 @@ template <class Run> void FlattenTo(CBezier const& curve, double error, Run& run
     run.Add(curve.P3);
 }
 
+/// Calls kTest(point, rec) for the split points of `curve`, in order, until `rec` knows of a hit;
+/// all are made and counted.
+template <auto kTest, class Rec> void TestSplitPoints(CBezier const& curve, Rec& rec) {
+    if (IsStraight(curve)) {
+        return;
+    }
+    auto test = [&rec](TPoint<double> const* points, int count) {
+        for (int i = 0; i < count && !rec.hit; ++i) {
+            kTest(points[i], rec);
+        }
+    };
+    PointBuffer<kTestRun, decltype(test)> run(test);
+    GenerateForced(curve, run);
+    run.Pass();
+}
+
 /// Appends the points as AddPtToPoly does one after the other, but in one go where that gives the
 /// same: where none repeats the one before, and memory suffices for all.
 void AppendUniquePoints(TPoint<double> const* points, int count, TPolygon<double>& poly) {
@@ -660,16 +676,7 @@ bool CBezier::HitTest(TPoint<double> const& pt, double tolerance) const {
     rec.testPt = pt;
     rec.hit = false;
     rec.lastPt = P0;
-    if (!IsStraight(*this)) {
-        auto test = [&rec](TPoint<double> const* points, int count) {
-            for (int i = 0; i < count && !rec.hit; ++i) {
-                HitTestPt(points[i], rec);
-            }
-        };
-        PointBuffer<kTestRun, decltype(test)> run(test);
-        GenerateForced(*this, run);
-        run.Pass();
-    }
+    TestSplitPoints<HitTestPt>(*this, rec);
     HitTestPt(P3, rec);
     return rec.hit;
 }
@@ -682,16 +689,7 @@ bool CBezier::Intersects(TRect<double> r) const {
     rec.hit = false;
     rec.rect = r;
     ContainsPt(P0, rec);
-    if (!IsStraight(*this)) {
-        auto test = [&rec](TPoint<double> const* points, int count) {
-            for (int i = 0; i < count && !rec.hit; ++i) {
-                ContainsPt(points[i], rec);
-            }
-        };
-        PointBuffer<kTestRun, decltype(test)> run(test);
-        GenerateForced(*this, run);
-        run.Pass();
-    }
+    TestSplitPoints<ContainsPt>(*this, rec);
     ContainsPt(P3, rec);
     return rec.hit;
 }
