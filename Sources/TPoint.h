@@ -30,7 +30,8 @@
 #include <type_traits>
 
 class CMatrix3x3;
-template <class T> struct TRect;
+// Marked here, too: of a template, Clang goes by the first declaration.
+template <class T> struct TRAMMEL_API TRect;
 
 namespace trammel_detail {
 
