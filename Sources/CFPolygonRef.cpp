@@ -22,7 +22,11 @@ constexpr long kQDPointSize = 4;
 
 Handle AsHandle(OpaqueCFPolygon** ref) { return reinterpret_cast<Handle>(ref); }
 
-/// The record in the block behind a handle that is not null; good until the block is resized.
+/// True when there is a block, and a whole header in it. Shorter ones come from elsewhere, and are
+/// treated as no block where the header is needed.
+bool HasHeader(OpaqueCFPolygon** ref) { return GetHandleSize(AsHandle(ref)) >= kHeaderSize; }
+
+/// The record in a block with a header; good until the block is resized.
 FPolygon* Record(OpaqueCFPolygon** ref) { return reinterpret_cast<FPolygon*>(*ref); }
 
 /// The block's bytes behind a handle that is not null; good until the block is resized.
@@ -38,6 +42,7 @@ long BlockSize(long n) {
     return size;
 }
 
+/// Of a block with a header.
 void ReleaseCachedPath(OpaqueCFPolygon** ref) {
     FPolygon* const record = Record(ref);
     if (record->polyPath != 0) {
@@ -46,7 +51,7 @@ void ReleaseCachedPath(OpaqueCFPolygon** ref) {
     }
 }
 
-/// Grows bounds that are current by a point that the polygon has just taken in.
+/// Grows bounds that are current by a point that the polygon, with a header, has just taken in.
 void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
     FPolygon* const record = Record(ref);
     if (record->polyBoundsValid != 0) {
@@ -55,15 +60,19 @@ void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
     }
 }
 
-/// The points; good until the block is resized. None for a null handle.
-trammel_detail::PointRun Points(CFPolygonRef const& polygon) {
-    return {polygon.mRef != nullptr ? Bytes(polygon.mRef) + kHeaderSize : nullptr,
-            polygon.LastIndex() + 1};
+/// How many points the block holds; 0 for a null handle.
+long PointCount(CFPolygonRef const& polygon) {
+    return trammel_detail::FPolygonPointCount(polygon.DataSize());
 }
 
 /// Where the points begin, for loops that change them; null for a null handle.
 char* PointBytes(CFPolygonRef const& polygon) {
     return polygon.mRef != nullptr ? Bytes(polygon.mRef) + kHeaderSize : nullptr;
+}
+
+/// The points; good until the block is resized. None for a null handle.
+trammel_detail::PointRun Points(CFPolygonRef const& polygon) {
+    return {PointBytes(polygon), PointCount(polygon)};
 }
 
 } // namespace
@@ -94,7 +103,7 @@ CFPolygonRef& CFPolygonRef::CFPolygonCreate(long n) {
 
 CFPolygonRef& CFPolygonRef::CFPolygonCreate(CFPolygonRef const& src) {
     mRef = Clone(src.mRef);
-    if (mRef != nullptr) {
+    if (HasHeader(mRef)) {
         Record(mRef)->polyPath = 0; // the path stays the source's
     }
     return *this;
@@ -131,7 +140,9 @@ CFPolygonRef& CFPolygonRef::CFPolygonCreate(TRect<double> const& r, double angle
 
 CFPolygonRef& CFPolygonRef::Dispose() {
     if (mRef != nullptr) {
-        ReleaseCachedPath(mRef);
+        if (HasHeader(mRef)) {
+            ReleaseCachedPath(mRef);
+        }
         DisposeHandle(AsHandle(mRef));
         mRef = nullptr;
     }
@@ -141,20 +152,20 @@ CFPolygonRef& CFPolygonRef::Dispose() {
 long CFPolygonRef::DataSize() const { return GetHandleSize(AsHandle(mRef)); }
 
 TPoint<double> CFPolygonRef::PolyPoints(long i) const {
-    if (i < 0 || i > LastIndex()) {
+    if (i < 0 || i >= PointCount(*this)) {
         return TPoint<double>();
     }
     return trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
 }
 
-bool CFPolygonRef::Closed() const { return mRef != nullptr && Record(mRef)->polyClosed != 0; }
+bool CFPolygonRef::Closed() const { return HasHeader(mRef) && Record(mRef)->polyClosed != 0; }
 
 bool CFPolygonRef::BoundsValid() const {
-    return mRef != nullptr && Record(mRef)->polyBoundsValid != 0;
+    return HasHeader(mRef) && Record(mRef)->polyBoundsValid != 0;
 }
 
 TRect<double> CFPolygonRef::Bounds() const {
-    if (mRef == nullptr) {
+    if (!HasHeader(mRef)) {
         return TRect<double>();
     }
     if (!BoundsValid()) {
@@ -187,7 +198,7 @@ CFPolygonRef& CFPolygonRef::SetSize(long n) {
 }
 
 CFPolygonRef& CFPolygonRef::SetPolyPoints(long i, TPoint<double> const& p) {
-    if (i >= 0 && i <= LastIndex()) {
+    if (i >= 0 && i < PointCount(*this)) {
         trammel_detail::WriteFPolygonPoint(Bytes(mRef), i, p);
         InvalBounds();
     }
@@ -198,7 +209,7 @@ CFPolygonRef& CFPolygonRef::Append(TPoint<double> const& p) {
     TPoint<double> const point = p;
     long const sizeBefore = DataSize();
     AppendHandle(mRef, point);
-    if (DataSize() > sizeBefore) {
+    if (DataSize() > sizeBefore && sizeBefore >= kHeaderSize) {
         if (BoundsValid()) {
             GrowBounds(mRef, point);
         }
@@ -208,11 +219,11 @@ CFPolygonRef& CFPolygonRef::Append(TPoint<double> const& p) {
 }
 
 CFPolygonRef& CFPolygonRef::Insert(long i, TPoint<double> const& p) {
-    if (mRef == nullptr) {
+    if (!HasHeader(mRef)) {
         return *this;
     }
     TPoint<double> const point = p;
-    long const index = std::clamp(i, 0L, std::max(LastIndex() + 1, 0L));
+    long const index = std::clamp(i, 0L, PointCount(*this));
     long const oldSize = DataSize();
     GrowHandle(AsHandle(mRef), kPointSize);
     if (DataSize() == oldSize) {
@@ -226,11 +237,11 @@ CFPolygonRef& CFPolygonRef::Insert(long i, TPoint<double> const& p) {
 }
 
 CFPolygonRef& CFPolygonRef::Delete(long i, long count) {
-    long const last = LastIndex();
-    if (i < 0 || i > last || count < 0) {
+    long const points = PointCount(*this);
+    if (i < 0 || i >= points || count < 0) {
         return *this;
     }
-    long const removed = std::min(count, last - i + 1);
+    long const removed = std::min(count, points - i);
     char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), i);
     char const* const rest = trammel_detail::FPolygonPointAt(Bytes(mRef), i + removed);
     BlockMove(rest, place, Bytes(mRef) + DataSize() - rest);
@@ -240,7 +251,7 @@ CFPolygonRef& CFPolygonRef::Delete(long i, long count) {
 }
 
 CFPolygonRef& CFPolygonRef::SetClosed(bool c) {
-    if (mRef != nullptr && Closed() != c) {
+    if (HasHeader(mRef) && Closed() != c) {
         Record(mRef)->polyClosed = c ? 1 : 0;
         InvalBounds();
     }
@@ -248,7 +259,7 @@ CFPolygonRef& CFPolygonRef::SetClosed(bool c) {
 }
 
 void CFPolygonRef::InvalBounds() const {
-    if (mRef == nullptr) {
+    if (!HasHeader(mRef)) {
         return;
     }
     FPolygon* const record = Record(mRef);
@@ -260,7 +271,7 @@ void CFPolygonRef::InvalBounds() const {
 }
 
 void CFPolygonRef::CalcBounds() const {
-    if (mRef == nullptr) {
+    if (!HasHeader(mRef)) {
         return;
     }
     Record(mRef)->polyBBox = trammel_detail::UnionBackward(Points(*this));
@@ -268,7 +279,7 @@ void CFPolygonRef::CalcBounds() const {
 }
 
 CFPolygonRef& CFPolygonRef::Offset(TPoint<double> const& d) {
-    trammel_detail::OffsetRun(PointBytes(*this), LastIndex() + 1, d);
+    trammel_detail::OffsetRun(PointBytes(*this), PointCount(*this), d);
     InvalBounds();
     return *this;
 }
@@ -284,13 +295,13 @@ CFPolygonRef& CFPolygonRef::Scale(double sx, double sy) {
     if (sx == 1.0 && sy == 1.0) {
         return *this;
     }
-    trammel_detail::ScaleRun(PointBytes(*this), LastIndex() + 1, sx, sy);
+    trammel_detail::ScaleRun(PointBytes(*this), PointCount(*this), sx, sy);
     InvalBounds();
     return *this;
 }
 
 CFPolygonRef& CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
-    trammel_detail::RotateRun(PointBytes(*this), LastIndex() + 1, angle, center);
+    trammel_detail::RotateRun(PointBytes(*this), PointCount(*this), angle, center);
     InvalBounds();
     return *this;
 }
@@ -298,8 +309,8 @@ CFPolygonRef& CFPolygonRef::Rotate(double angle, TPoint<double> const& center) {
 CFPolygonRef& CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& to) {
     // One matrix serves all points: it is the one that TPoint::Map builds each time.
     CMatrix3x3 const m = CMatrix3x3().Map(from, to);
-    trammel_detail::TransformRun(PointBytes(*this), LastIndex() + 1, m);
-    if (LastIndex() >= 0) {
+    trammel_detail::TransformRun(PointBytes(*this), PointCount(*this), m);
+    if (PointCount(*this) > 0) {
         InvalBounds();
     }
     return *this;
@@ -308,7 +319,7 @@ CFPolygonRef& CFPolygonRef::Map(TRect<double> const& from, TRect<double> const& 
 void CFPolygonRef::SetBuilPathProc(CGPath* (*proc)(CFPolygonRef)) { mBuildProc = proc; }
 
 CGPath* CFPolygonRef::GetPath() {
-    if (mRef == nullptr) {
+    if (!HasHeader(mRef)) {
         return nullptr;
     }
     CGPath* path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
@@ -322,13 +333,13 @@ CGPath* CFPolygonRef::GetPath() {
 }
 
 MacPolygon** CFPolygonRef::CreateQDPoly() const {
-    long const last = LastIndex();
-    Handle const h = NewHandle(kQDHeaderSize + kQDPointSize * (last + 1));
+    long const points = PointCount(*this);
+    Handle const h = NewHandle(kQDHeaderSize + kQDPointSize * points);
     if (h == nullptr) {
         return nullptr;
     }
-    for (long i = last; i >= 0; --i) {
-        Point const p = trammel_detail::ReadFPolygonPoint(Bytes(mRef), i);
+    for (long i = points - 1; i >= 0; --i) {
+        Point const p = PolyPoints(i);
         BlockMove(&p, *h + kQDHeaderSize + kQDPointSize * i, kQDPointSize);
     }
     MacPolygon* const header = reinterpret_cast<MacPolygon*>(*h);

@@ -9,7 +9,8 @@
 //
 // Null: a reference without block (a new one, or where memory was short) absorbs every operation
 // and gives 0, false, -1, the null rectangle or (0, 0). Copying a null reference gives a null
-// reference.
+// reference. A block from elsewhere that is shorter than the header of 44 bytes has no points,
+// flags or caches either; but it has a size, can be copied, resized, appended to and disposed.
 //
 // Indexes run from 0 to LastIndex(). Outside of it, reading gives (0, 0) and writing does nothing.
 // Short memory leaves the polygon as it was. Members that change it return the reference, so that
@@ -81,7 +82,9 @@ public:
 
     /// The block's size in bytes, 44 + 16 for each point; 0 without block.
     long DataSize() const;
-    /// The index of the last point; -1 for an empty polygon and without block.
+    /// The index of the last point; -1 for an empty polygon and without block. From its size, so
+    /// that it is 0, too, for a block from elsewhere of 45 to 59 bytes, which holds less than a
+    /// point: that is read as (0, 0), and not written.
     long LastIndex() const {
         return mRef != nullptr ? (DataSize() - 60) / trammel_detail::kFPolygonPointSize : -1;
     }

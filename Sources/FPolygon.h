@@ -33,6 +33,15 @@ template <class Byte> Byte* FPolygonPointAt(Byte* base, long i) {
     return base + kFPolygonHeaderSize + kFPolygonPointSize * i;
 }
 
+/// How many whole points a block of `size` bytes holds. One more than the last index, but for
+/// blocks with less than a point behind the header: the division that gives the last index rounds
+/// toward 0.
+inline long FPolygonPointCount(long size) {
+    return size < kFPolygonHeaderSize + kFPolygonPointSize
+               ? 0
+               : (size - kFPolygonHeaderSize) / kFPolygonPointSize;
+}
+
 /// Point `i` of the block at `base`, which must hold it.
 inline TPoint<double> ReadFPolygonPoint(char const* base, long i) {
     TPoint<double> p;

@@ -1145,4 +1145,48 @@ TEST_F(HandlePolygon, SpecialCoordinatesPassThroughEveryOperation) {
     }
 }
 
+TEST_F(HandlePolygon, BlocksThatHoldNoWholePointAreNeitherReadNorWrittenBeyondTheirEnd) {
+    for (Size size = 0; size < 80; ++size) {
+        SCOPED_TRACE(size);
+        std::vector<char> const bytes(static_cast<std::size_t>(size), '\0');
+        long const whole = size < 60 ? 0 : (size - 44) / 16;
+        for (long const at : {-1L, 0L, 1L, 2L, 9L}) {
+            Handle block = nullptr;
+            ASSERT_EQ(PtrToHand(bytes.data(), &block, size), noErr);
+            CFPolygonRef polygon(reinterpret_cast<FPolygon**>(block), false);
+            EXPECT_EQ(polygon.LastIndex(), (size - 60) / 16);
+            EXPECT_EQ(polygon.PolyPoints(at), TPoint<double>(0, 0));
+            polygon.SetPolyPoints(at, TPoint<double>(5, 6));
+            EXPECT_EQ(polygon.PolyPoints(at),
+                      at >= 0 && at < whole ? TPoint<double>(5, 6) : TPoint<double>(0, 0));
+            polygon.Offset(TPoint<double>(1, 1))
+                .Scale(2.0)
+                .Map(TRect<double>(0, 0, 1, 1), TRect<double>(0, 0, 2, 2));
+            EXPECT_FALSE(polygon.Contains(TPoint<double>(1, 1)));
+            polygon.Delete(at, 1);
+            EXPECT_EQ(polygon.DataSize(), at >= 0 && at < whole ? size - 16 : size);
+            long const before = polygon.DataSize();
+            polygon.Insert(at, TPoint<double>(7, 8));
+            EXPECT_EQ(polygon.DataSize(), size < 44 ? before : before + 16);
+            if (size >= 44) {
+                long const left = (before - 44) / 16;
+                EXPECT_EQ(polygon.PolyPoints(std::clamp(at, 0L, left)), TPoint<double>(7, 8));
+            }
+            CFPolygonRef copy(polygon, true);
+            EXPECT_EQ(copy.DataSize(), polygon.DataSize());
+            EXPECT_EQ(copy.Bounds(), polygon.Bounds());
+            MacPolygon** const quickDraw = copy.CreateQDPoly();
+            EXPECT_GE(GetHandleSize(reinterpret_cast<Handle>(quickDraw)), 10);
+            DisposeHandle(reinterpret_cast<Handle>(quickDraw));
+            EXPECT_EQ(copy.GetPath(), nullptr);
+            copy.SetClosed(true).Append(TPoint<double>(1, 2));
+            EXPECT_EQ(copy.DataSize(), polygon.DataSize() + 16);
+            copy.SetSize(1);
+            EXPECT_EQ(copy.LastIndex(), 0);
+            copy.Dispose();
+            polygon.Dispose();
+        }
+    }
+}
+
 } // namespace
