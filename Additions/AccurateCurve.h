@@ -130,8 +130,9 @@ TRAMMEL_API double FlattenWithin(CPath const& path, double tolerance, CPath& out
 ///
 /// Contains every point of the curve, and each side is beyond the curve by at most 2^-45 of the
 /// control points' extent in that direction plus two units in the last place; sides that an end or
-/// a control point determines are exact. Never outside Extents(). Source: by definition (the zeros
-/// of the derivative in each coordinate).
+/// a control point determines are exact. Never outside the box of the control points (which
+/// Extents() is, unless some lie at the origin). Source: by definition (the zeros of the derivative
+/// in each coordinate).
 TRAMMEL_API TRect<double> TightBounds(CBezier const& curve);
 /// The same for a quadratic curve.
 TRAMMEL_API TRect<double> TightBounds(CBSpline const& curve);
