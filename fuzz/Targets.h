@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+//
+// What is fuzzed: each target reads an input as calls of one family, makes them, and ends the
+// program where what comes back is not what it has to be. README.md says how they are run.
+
+#ifndef TRAMMEL_FUZZ_TARGETS_H
+#define TRAMMEL_FUZZ_TARGETS_H
+
+#include "Input.h"
+
+#include <array>
+
+namespace fuzz {
+
+/// Cubics and quadratics against their plain forms, and the accurate queries.
+void Curves(Input& in);
+/// Paths against their plain form, PathMeasure against the path, and what reads and makes paths.
+void Paths(Input& in);
+/// Both polygons against their plain forms, PreparedPolygon against the polygon.
+void Polygons(Input& in);
+/// Handle polygons of foreign bytes, changed at random.
+void Handles(Input& in);
+/// Boolean operations.
+void Clip(Input& in);
+/// SVG path text.
+void Text(Input& in);
+
+struct Target {
+    char const* name;
+    void (*run)(Input& in);
+};
+
+inline constexpr std::array<Target, 6> kTargets = {{{"curves", Curves},
+                                                    {"paths", Paths},
+                                                    {"polygons", Polygons},
+                                                    {"handles", Handles},
+                                                    {"clip", Clip},
+                                                    {"text", Text}}};
+
+/// Ends the program, naming `what` does not hold, unless it does.
+void Require(bool holds, char const* what);
+
+} // namespace fuzz
+
+#endif
