@@ -7,15 +7,19 @@
 //
 // and says: false for p.h < m = min(a.h, b.h), true for p.h > M = max(a.h, b.h), else p.h > X(v).
 // Each of X's three operations is rounded, and rounding is monotone, so as long as nothing is NaN
-// the computed X is a monotone function of v: between the heights v0 and v1 it lies between X(v0)
-// and X(v1), as computed, with no allowance for error. Hence for all v from v0 to v1, with
-// lo = clamp(min(X(v0), X(v1)), m, M) and hi = clamp(max(X(v0), X(v1)), m, M),
+// the computed X is a monotone function of v, falling or rising as the edge does: no allowance for
+// error is needed. Where an edge is cut at a height c, let x = clamp(X(c), m, M) and let e be the h
+// of one of its ends. Then for all v from c to that end, with lo = min(x, e) and hi = max(x, e),
 //
 //     p.h < lo: false,    p.h > hi: true,    else: ask the formula.
 //
-// (p.h < lo implies p.h < M; then either p.h < m, or lo is the smaller X and p.h is below it. The
-// other one likewise.) Such intervals are kept rounded to float, by way of a monotone mapping q
-// that is applied to p.h as well: q(p.h) < q(lo) implies p.h < lo.
+// For e is m or M. If e = m, then p.h < lo = m is false; and p.h > hi = x means that p.h is above
+// M, or not below X(c) and so above X(v), which lies on the end's side of X(c). (x = m where X(c)
+// is less.) The other three cases likewise. For an edge that is not cut, lo = m and hi = M.
+//
+// Such intervals, and the heights between which they hold, are kept rounded to few bits, by way of
+// monotone mappings that are applied to the point as well: step(p.h) < step(lo) implies p.h < lo.
+// What equal steps leave open is left to the formula.
 //
 // Edges that could make NaN or overflow on the way (coordinates beyond kTame, NaN, infinite slopes)
 // get the interval of all numbers, so that always the formula is asked.
@@ -24,42 +28,80 @@
 
 #include "Integers.h"
 #include "UCrossing_p.h"
+#include "UPointRun_p.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
+#include <memory>
 #include <new>
 #include <vector>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace trammel {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
+/// Polygons of at most so many vertices have no index: going through all edges costs less than
+/// finding the right ones.
+constexpr std::size_t kFewVertices = 64;
 /// At most so many vertices lie within a slab, those at its lower end not counted. Their edges are
-/// asked one by one, so more make queries slower, and the index smaller and faster to build.
-constexpr std::size_t kSlabHeights = 16;
+/// all looked at, so more make queries slower, and the index smaller and faster to build.
+constexpr std::size_t kSlabHeights = 32;
 /// So many vertices there are to a bucket of heights, where these are spread evenly.
 constexpr std::size_t kBucketHeights = 4;
-/// Polygons of at most so many vertices are one slab: going through all edges costs less than
-/// finding the right ones.
-constexpr std::size_t kOneSlab = 24;
 /// Slabs that begin in one bucket are gone through one by one when there are no more.
 constexpr std::uint32_t kFewSlabs = 4;
-/// Lists of at most so many spans are not sorted.
-constexpr std::size_t kShortList = 24;
-/// Spans, and blocks of them, for which one greatest `hi` is kept.
-constexpr std::size_t kBlock = 16;
-/// Lists from this length on are sorted digit by digit.
-constexpr std::size_t kLongList = 512;
 /// No difference, quotient by a difference not tiny, or product of coordinates up to this
 /// overflows in CrossesBefore.
 constexpr double kTame = 0x1p1000;
 
-typedef std::uint32_t Id; ///< of an edge, a slab, a node, a span
+typedef std::uint32_t Id;  ///< of an edge, a slab, a node, a piece
+typedef std::int16_t Step; ///< a coordinate in few bits
+
+/// The steps of points are less than this, and more than kLeast.
+constexpr Step kMost = std::numeric_limits<Step>::max();
+constexpr Step kLeast = std::numeric_limits<Step>::min();
+constexpr double kMostOfPoint = kMost - 1;
+
+// Without a branch, as none of the outcomes can be foreseen; with a NaN they give `b`.
+#if defined(__SSE2__)
+double Lesser(double a, double b) {
+    return _mm_cvtsd_f64(_mm_min_sd(_mm_set_sd(a), _mm_set_sd(b)));
+}
+double Greater(double a, double b) {
+    return _mm_cvtsd_f64(_mm_max_sd(_mm_set_sd(a), _mm_set_sd(b)));
+}
+#else
+double Lesser(double a, double b) { return a < b ? a : b; }
+double Greater(double a, double b) { return a > b ? a : b; }
+#endif
+
+/// A fixed number of items, not initialised.
+template <class Item> class Array {
+public:
+    Array() = default;
+    explicit Array(std::size_t size) : mItems(new Item[size]), mSize(size) {}
+    Item& operator[](std::size_t i) { return mItems[i]; }
+    Item const& operator[](std::size_t i) const { return mItems[i]; }
+    Item* begin() { return mItems.get(); }
+    Item* end() { return mItems.get() + mSize; }
+    Item const* begin() const { return mItems.get(); }
+    Item const* end() const { return mItems.get() + mSize; }
+    std::size_t Size() const { return mSize; }
+    std::size_t Bytes() const { return mSize * sizeof(Item); }
+
+private:
+    std::unique_ptr<Item[]> mItems; // NOLINT: a vector would set every item to zero first
+    std::size_t mSize = 0;
+};
 
 /// A monotone mapping of doubles (but NaN) to 0..count - 1.
 struct Buckets {
@@ -78,56 +120,102 @@ struct Buckets {
         }
     }
     Id operator()(double v) const {
-        double const place = (v - origin) * scale;
-        if (!(place > 0.0)) {
-            return 0;
-        }
-        return place < static_cast<double>(count)
-                   ? static_cast<Id>(trammel_detail::TruncateToInt32(place))
-                   : count - 1;
+        double const place = Greater((v - origin) * scale, 0.0);
+        return static_cast<Id>(
+            trammel_detail::TruncateToInt32(Lesser(place, static_cast<double>(count - 1))));
     }
 };
 
-/// The monotone mapping q of coordinates h (but NaN) to finite floats.
-struct Keys {
+/// A monotone mapping of coordinates h (but NaN) to steps of points.
+struct Steps {
     double centre = 0.0;
-    double scale = 1.0;
+    double scale = 0.0;
 
-    Keys() = default;
-    Keys(double lo, double hi) {
-        if (lo <= hi) {
+    /// Spreads [lo, hi] evenly, if it has a length that can be computed with.
+    Steps() = default;
+    Steps(double lo, double hi) {
+        double const perUnit = kMostOfPoint / (hi * 0.5 - lo * 0.5);
+        if (perUnit > 0.0 && perUnit < kInfinity) {
             centre = lo * 0.5 + hi * 0.5;
-            double const perUnit = 1.0 / (hi * 0.5 - lo * 0.5);
-            scale = perUnit < kInfinity && perUnit > 0.0 ? perUnit : 1.0;
+            scale = perUnit;
         }
     }
-    float operator()(double h) const {
-        constexpr double kMax = static_cast<double>(std::numeric_limits<float>::max());
-        return static_cast<float>(std::clamp((h - centre) * scale, -kMax, kMax));
+    Step operator()(double h) const {
+        // Without a scale an infinite h makes a NaN, and is at 0 then as all others are.
+        double const step = scale > 0.0 ? (h - centre) * scale : 0.0;
+        return static_cast<Step>(Lesser(Greater(step, -kMostOfPoint), kMostOfPoint));
     }
 };
 
-/// Part of an edge that crosses all heights of a node.
-struct Span {
-    float lo; ///< q of the interval's ends
-    float hi;
-    Id edge;
+/// Parts of edges that each lie within the heights of one node, side by side.
+struct Pieces {
+    static constexpr unsigned kCount = 8;
+
+    Step top[kCount]; ///< between which heights, in the node's steps; -1 and kMost for the node's
+    Step bottom[kCount];
+    Step lo[kCount]; ///< the interval's ends
+    Step hi[kCount];
+    Id edge[kCount];
+
+    /// For each piece i, bit i: a point with such steps is certainly behind it; bit kCount + i: the
+    /// edge has to be asked. Neither: it certainly does not count.
+    unsigned Compare(Step v, Step h) const {
+#if defined(__SSE2__)
+        auto const load = [](Step const* steps) {
+            return _mm_loadu_si128(reinterpret_cast<__m128i const*>(steps));
+        };
+        __m128i const vs = _mm_set1_epi16(v);
+        __m128i const hs = _mm_set1_epi16(h);
+        __m128i const tops = load(top);
+        __m128i const bottoms = load(bottom);
+        __m128i const never =
+            _mm_or_si128(_mm_or_si128(_mm_cmpgt_epi16(tops, vs), _mm_cmpgt_epi16(vs, bottoms)),
+                         _mm_cmpgt_epi16(load(lo), hs));
+        __m128i const always =
+            _mm_and_si128(_mm_and_si128(_mm_cmpgt_epi16(vs, tops), _mm_cmpgt_epi16(bottoms, vs)),
+                          _mm_cmpgt_epi16(hs, load(hi)));
+        // Packing takes masks of all ones and zeros from 16 bits to 8.
+        __m128i const packed = _mm_packs_epi16(always, _mm_or_si128(always, never));
+        return static_cast<unsigned>(_mm_movemask_epi8(packed)) ^ 0xFF00U;
+#else
+        unsigned result = 0;
+        for (unsigned i = 0; i < kCount; ++i) {
+            bool const never = top[i] > v || v > bottom[i] || lo[i] > h;
+            bool const always = v > top[i] && bottom[i] > v && h > hi[i];
+            result |= (always ? 1U : 0U) << i;
+            result |= (always || never ? 0U : 1U) << (kCount + i);
+        }
+        return result;
+#endif
+    }
 };
 
-/// A node's spans are those from `first` up to the next node's `first`.
+/// A node's pieces are those from `first` up to the next node's `first`.
 struct Node {
-    Id first;
-    Id next; ///< the nearest node above that has spans, 0 for none
+    double top = 0.0;   ///< where its heights begin
+    float scale = 0.0F; ///< steps for a unit of height
+    Id first = 0;
+    Id next = 0; ///< the nearest node above that has pieces, 0 for none
+
+    /// A monotone mapping of heights (but NaN) from `top` on to steps of points.
+    Step StepOf(double v) const {
+        // Infinite heights can make a NaN, with all of a node's heights or only with its first.
+        double const step = Greater((v - top) * static_cast<double>(scale), 0.0);
+        return static_cast<Step>(Lesser(step, kMostOfPoint));
+    }
 };
 
-/// That an edge has a span in a node's list.
-struct Entry {
-    Id node;
-    Id edge;
+/// What is known of a vertex while the index is built.
+struct Vertex {
+    Id place; ///< its bucket at first; then 2j at the lower end of slab j, 2j + 1 above it
+    Step h;   ///< kLeast for coordinates that are not tame
 };
+constexpr Id kNowhere = std::numeric_limits<Id>::max(); ///< the place of NaN
 
-unsigned HighestBit(Id bits) { return 31U - static_cast<unsigned>(__builtin_clz(bits)); }
-unsigned LowestBit(Id bits) { return static_cast<unsigned>(__builtin_ctz(bits)); }
+/// The number of bits without leading zeros.
+unsigned BitLength(Id bits) {
+    return 63U - static_cast<unsigned>(__builtin_clzll(2 * std::uint64_t{bits} + 1));
+}
 
 /// The finite extremes of what it is given; lo > hi for nothing.
 struct Extent {
@@ -139,39 +227,8 @@ struct Extent {
         lo = std::min(lo, counts ? x : lo);
         hi = std::max(hi, counts ? x : hi);
     }
+    bool IsFinite() const { return -kInfinity < lo && hi < kInfinity; }
 };
-
-/// An integer whose order is that of floats (but NaN); -0 comes before 0.
-std::uint32_t Ordered(float x) {
-    std::uint32_t bits = 0;
-    std::memcpy(&bits, &x, sizeof bits);
-    return bits ^ ((bits >> 31U) != 0 ? 0xFFFFFFFFU : 0x80000000U);
-}
-
-/// Sorts spans by `lo`, digit by digit from the lowest: O(count), which keeps the whole at
-/// O(n log n). `spare` has room for as many.
-void SortLongList(Span* spans, Span* spare, std::size_t count) {
-    constexpr unsigned kDigitBits = 8;
-    constexpr std::size_t kDigits = std::size_t{1} << kDigitBits;
-    for (unsigned shift = 0; shift < 32; shift += kDigitBits) {
-        auto const digit = [shift](Span const& span) {
-            return (Ordered(span.lo) >> shift) & (kDigits - 1);
-        };
-        std::array<std::size_t, kDigits + 1> places{};
-        for (std::size_t i = 0; i < count; ++i) {
-            ++places[digit(spans[i]) + 1];
-        }
-        for (std::size_t d = 0; d < kDigits; ++d) {
-            places[d + 1] += places[d];
-        }
-        for (std::size_t i = 0; i < count; ++i) {
-            spare[places[digit(spans[i])]++] = spans[i];
-        }
-        std::swap(spans, spare);
-    }
-    // After an even number of digits all is where it was.
-    static_assert((32 / kDigitBits) % 2 == 0);
-}
 
 template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
     return items.capacity() * sizeof(Item);
@@ -180,62 +237,69 @@ template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
 } // namespace
 
 // Heights are cut into slabs, slab j from mSlabs[j] up to but without mSlabs[j + 1], at heights of
-// vertices. An edge covers some slabs as a whole and up to two in part. For the latter it stands in
-// the slabs' lists mPartial. The former are put together by the nodes of a binary tree over the
-// slabs, at most two of each depth; it stands in these nodes' lists of spans. A point's edges are
-// then in the list of its slab and in those of the nodes from there up to the root.
+// vertices. The nodes of a binary tree are runs of slabs; an edge is a piece of the smallest that
+// holds it, or is cut into two pieces of such nodes. A point's edges are then in the lists of the
+// nodes from its slab up to the root.
 //
-// Node 1 is the root, those below node i are 2i and 2i + 1, and node mLeaves + 1 + j is slab j
-// alone. The first and the last leaf stand for no slab, so that each run of slabs has a neighbour
-// on either side.
+// Node 1 is the root, those below node i are 2i and 2i + 1, and node mLeaves + j is slab j alone.
 struct PreparedPolygon::Index {
     TRect<double> mBounds;   // nothing outside of it is inside
     double mTop = kInfinity; // all edges lie between these heights
     double mBottom = -kInfinity;
-    Keys mKeys;
     Buckets mBuckets;
+    Steps mSteps;
     Id mLeaves = 0;
-    std::size_t mLevels = 0;
 
-    std::vector<TPoint<double>> mPoints; // the vertices, and vertex 0 again
-    std::vector<double> mSlabs;
-    std::vector<Id> mFirstSlabs; // of each bucket: the first slab that begins in it or later
-    std::vector<Id> mFirstPartial;
-    std::vector<Id> mPartial;
-    std::vector<Node> mNodes;
-    std::vector<Span> mSpans;
-    // The greatest `hi` of each kBlock spans, then of each kBlock of these, and so on.
-    std::array<std::vector<float>, 8> mMaxima;
+    Array<TPoint<double>> mPoints; // the vertices, and vertex 0 again
+    std::vector<double> mSlabs;    // empty: there is no index
+    std::vector<Id> mFirstSlabs;   // of each bucket: the first slab that begins in it or later
+    Array<Node> mNodes;
+    Array<Pieces> mPieces;
 
     /// `points` is the first byte of `count` points.
     Index(TRect<double> const& bounds, char const* points, std::size_t count) : mBounds(bounds) {
         if (count >= std::numeric_limits<std::int32_t>::max()) {
             throw std::bad_alloc();
         }
-        mPoints.resize(count + 1);
-        std::memcpy(static_cast<void*>(mPoints.data()), points, count * sizeof(TPoint<double>));
+        mPoints = Array<TPoint<double>>(count + 1);
+        std::memcpy(static_cast<void*>(mPoints.begin()), points, count * sizeof(TPoint<double>));
         mPoints[count] = mPoints[0];
-        if (CutSlabs()) {
-            ListEdges(PlaceVertices());
-            SortSpans();
-            SumUpSpans();
+        if (count <= kFewVertices) {
+            return;
+        }
+        Measure();
+        if (mTop < mBottom) { // else there is nothing between two heights
+            Array<Vertex> vertices(count + 1);
+            CutSlabs(vertices);
+            MakeNodes();
+            PlaceVertices(vertices);
+            CountPieces(vertices);
+            ListPieces(vertices);
         }
     }
 
     std::size_t Size() const {
-        std::size_t size = sizeof(*this) + Bytes(mPoints) + Bytes(mSlabs) + Bytes(mFirstSlabs) +
-                           Bytes(mFirstPartial) + Bytes(mPartial) + Bytes(mNodes) + Bytes(mSpans);
-        for (std::vector<float> const& level : mMaxima) {
-            size += Bytes(level);
-        }
-        return size;
+        return sizeof(*this) + mPoints.Bytes() + Bytes(mSlabs) + Bytes(mFirstSlabs) +
+               mNodes.Bytes() + mPieces.Bytes();
     }
 
-    /// The slab that holds `v`, which is from mTop up to but without mBottom.
-    Id SlabOf(double v) const {
+    bool Contains(TPoint<double> const& p) const {
+        if (!mBounds.Contains(p)) {
+            return false;
+        }
+        if (mPoints.Size() <= kFewVertices + 1) {
+            return trammel_detail::OddCrossings({reinterpret_cast<char const*>(mPoints.begin()),
+                                                 static_cast<long>(mPoints.Size() - 1)},
+                                                p.h, p.v);
+        }
+        return mTop <= p.v && p.v < mBottom && OddInSlab(p, SlabOf(p.v, mBuckets(p.v)));
+    }
+
+private:
+    /// The slab that holds `v`, which is from mTop up to but without mBottom and in such a bucket.
+    Id SlabOf(double v, Id bucket) const {
         // The first slab that begins above v: of those that begin in v's bucket, or the next one.
         // Most buckets have none or one; then a step without a branch finds it.
-        Id const bucket = mBuckets(v);
         Id first = mFirstSlabs[bucket];
         for (Id count = mFirstSlabs[bucket + 1] - first; count > kFewSlabs;) {
             Id const half = count / 2;
@@ -250,149 +314,105 @@ struct PreparedPolygon::Index {
         return first - 1;
     }
 
-    bool Contains(TPoint<double> const& p) const {
-        if (!mBounds.Contains(p) || !(mTop <= p.v && p.v < mBottom)) {
-            return false;
-        }
-        return OddInSlab(p, SlabOf(p.v));
-    }
-
     bool OddInSlab(TPoint<double> const& p, Id slab) const {
+        Step const h = mSteps(p.h);
         bool odd = false;
-        for (Id i = mFirstPartial[slab]; i < mFirstPartial[slab + 1]; ++i) {
-            TPoint<double> const& a = mPoints[mPartial[i]];
-            TPoint<double> const& b = mPoints[mPartial[i] + 1];
-            // The half-open span in v: no listed edge has a NaN there.
-            if ((a.v <= p.v) != (b.v <= p.v)) {
-                odd ^= trammel_detail::CrossesBefore(a, b, p);
+        Id id = mLeaves + slab;
+        do {
+            Node const& node = mNodes[id];
+            Id const last = mNodes[id + 1].first;
+            if (node.first != last) {
+                odd ^= OddInList(p, node.StepOf(p.v), h, node.first, last);
             }
-        }
-        Id node = mLeaves + 1 + slab;
-        if (mNodes[node].first == mNodes[node + 1].first) {
-            node = mNodes[node].next;
-        }
-        if (node != 0) {
-            float const key = mKeys(p.h);
-            do {
-                Id const first = mNodes[node].first;
-                Id const last = mNodes[node + 1].first;
-                odd ^= last - first <= kShortList ? OddInShortList(p, key, first, last)
-                                                  : OddInSortedList(p, key, first, last);
-                node = mNodes[node].next;
-            } while (node != 0);
-        }
+            id = node.next;
+        } while (id != 0);
         return odd;
     }
 
-private:
-    bool Crosses(Id edge, TPoint<double> const& p) const {
-        return trammel_detail::CrossesBefore(mPoints[edge], mPoints[edge + 1], p);
+    bool OddInList(TPoint<double> const& p, Step v, Step h, Id first, Id last) const {
+        constexpr unsigned kAll = (1U << Pieces::kCount) - 1;
+        Id const lastGroup = (last - 1) / Pieces::kCount;
+        // The lists before and behind share the first group and the last one.
+        unsigned mask = kAll << first % Pieces::kCount & kAll;
+        unsigned odd = 0;
+        for (Id group = first / Pieces::kCount; group <= lastGroup; ++group) {
+            if (group == lastGroup) {
+                mask &= kAll >> (Pieces::kCount - 1 - (last - 1) % Pieces::kCount);
+            }
+            unsigned const result = mPieces[group].Compare(v, h);
+            odd ^= result & mask;
+            for (unsigned asked = result >> Pieces::kCount & mask; asked != 0; asked &= asked - 1) {
+                Id const edge = mPieces[group].edge[__builtin_ctz(asked)];
+                // Any bit will do to count by.
+                odd ^= trammel_detail::CrossesBefore(mPoints[edge], mPoints[edge + 1], p) ? 1U : 0U;
+            }
+            mask = kAll;
+        }
+        return __builtin_parity(odd) != 0;
     }
 
-    bool OddInShortList(TPoint<double> const& p, float key, Id first, Id last) const {
-        bool odd = false;
-        for (Id i = first; i < last; ++i) {
-            Span const& span = mSpans[i];
-            bool const after = key > span.hi;
-            odd ^= after;
-            if (!after && !(key < span.lo)) {
-                odd ^= Crosses(span.edge, p);
-            }
-        }
-        return odd;
-    }
-
-    bool OddInSortedList(TPoint<double> const& p, float key, Id first, Id last) const {
-        // The spans from `first` up to `end` have lo <= key. All are counted, then those that were
-        // counted wrongly are taken back: these have hi >= key, and are found from the end down.
-        Id end = first;
-        for (Id count = last - first; count > 0;) {
-            Id const half = count / 2;
-            bool const before = mSpans[end + half].lo <= key;
-            end = before ? end + half + 1 : end;
-            count = before ? count - half - 1 : half;
-        }
-        bool odd = ((end - first) & 1U) != 0;
-        while (end > first) {
-            Id const step = BlockBefore(end, key);
-            if (step > 0) {
-                if (end - first <= step) {
-                    break;
-                }
-                end -= step;
-                continue;
-            }
-            --end;
-            if (!(mSpans[end].hi < key)) {
-                odd ^= !Crosses(mSpans[end].edge, p);
-            }
-        }
-        return odd;
-    }
-
-    /// The number of spans in the greatest block that ends before `end` and whose spans all have
-    /// hi < key (it may reach into the list of the node before); 0 for none.
-    Id BlockBefore(Id end, float key) const {
-        std::size_t step = 0;
-        std::size_t place = end;
-        std::size_t width = 1;
-        for (std::size_t level = 0; level < mLevels && place % kBlock == 0; ++level) {
-            place /= kBlock;
-            width *= kBlock;
-            if (!(mMaxima[level][place - 1] < key)) {
-                break;
-            }
-            step = width;
-        }
-        return static_cast<Id>(step);
-    }
-
-    /// Chooses the slabs' heights; false when there is nothing between two heights.
-    bool CutSlabs() {
-        Extent vs;
-        Extent hs;
+    /// The mappings, and between which heights all lies.
+    void Measure() {
+        double left = kInfinity;
+        double right = -kInfinity;
         for (TPoint<double> const& p : mPoints) {
-            mTop = p.v < mTop ? p.v : mTop; // no NaN gets in
-            mBottom = p.v > mBottom ? p.v : mBottom;
-            vs.Add(p.v);
-            hs.Add(p.h);
+            mTop = Lesser(p.v, mTop); // no NaN gets in
+            mBottom = Greater(p.v, mBottom);
+            left = Lesser(p.h, left);
+            right = Greater(p.h, right);
         }
-        mKeys = Keys(hs.lo, hs.hi);
-        if (!(mTop < mBottom)) {
-            return false;
+        Extent vs = {mTop, mBottom};
+        Extent hs = {left, right};
+        if (!vs.IsFinite() || !hs.IsFinite()) {
+            vs = Extent();
+            hs = Extent();
+            for (TPoint<double> const& p : mPoints) {
+                vs.Add(p.v);
+                hs.Add(p.h);
+            }
         }
-        std::size_t const count = mPoints.size() - 1;
-        std::size_t const most = count <= kOneSlab ? kOneSlab : kSlabHeights;
-        mBuckets = Buckets(vs.lo, vs.hi, count / kBucketHeights);
+        mBuckets = Buckets(vs.lo, vs.hi, (mPoints.Size() - 1) / kBucketHeights);
+        mSteps = Steps(hs.lo, hs.hi);
+    }
+
+    /// Chooses the slabs' heights.
+    void CutSlabs(Array<Vertex>& vertices) {
+        for (std::size_t i = 0; i < mPoints.Size(); ++i) {
+            TPoint<double> const& p = mPoints[i];
+            bool const isTame = std::abs(p.h) <= kTame && std::abs(p.v) <= kTame;
+            vertices[i].h = isTame ? mSteps(p.h) : kLeast;
+            vertices[i].place = std::isnan(p.v) ? kNowhere : mBuckets(p.v);
+        }
         struct Bucket {
             double lowest = kInfinity;
             std::size_t count = 0;
+            bool IsCrowded() const { return count > kSlabHeights; }
         };
         std::vector<Bucket> buckets(mBuckets.count);
-        bool isCrowded = false;
+        std::size_t const count = mPoints.Size() - 1;
         for (std::size_t i = 0; i < count; ++i) {
-            double const v = mPoints[i].v;
-            if (!std::isnan(v)) {
-                Bucket& bucket = buckets[mBuckets(v)];
-                bucket.lowest = std::min(bucket.lowest, v);
-                isCrowded |= ++bucket.count > most;
+            if (vertices[i].place != kNowhere) {
+                Bucket& bucket = buckets[vertices[i].place];
+                bucket.lowest = Lesser(mPoints[i].v, bucket.lowest);
+                ++bucket.count;
             }
         }
         std::vector<double> crowd; // of such buckets all heights
-        for (std::size_t i = 0; isCrowded && i < count; ++i) {
-            double const v = mPoints[i].v;
-            if (!std::isnan(v) && buckets[mBuckets(v)].count > most) {
-                crowd.push_back(v);
+        if (std::any_of(buckets.begin(), buckets.end(), std::mem_fn(&Bucket::IsCrowded))) {
+            for (std::size_t i = 0; i < count; ++i) {
+                if (vertices[i].place != kNowhere && buckets[vertices[i].place].IsCrowded()) {
+                    crowd.push_back(mPoints[i].v);
+                }
             }
+            std::sort(crowd.begin(), crowd.end()); // and so by buckets
         }
-        std::sort(crowd.begin(), crowd.end()); // and so by buckets
         double const* heights = crowd.data();
-        std::size_t inside = most;
+        std::size_t inside = kSlabHeights;
         for (Bucket const& bucket : buckets) {
-            if (bucket.count > most) {
-                inside = CutBucket(heights, bucket.count, most);
+            if (bucket.IsCrowded()) {
+                inside = CutBucket(heights, bucket.count);
                 heights += bucket.count;
-            } else if (inside + bucket.count > most) {
+            } else if (inside + bucket.count > kSlabHeights) {
                 CutAt(bucket.lowest);
                 inside = bucket.count;
             } else {
@@ -401,10 +421,6 @@ private:
         }
         mSlabs.push_back(mBottom);
 
-        mLeaves = 1;
-        while (mLeaves < mSlabs.size() + 1) {
-            mLeaves *= 2;
-        }
         mFirstSlabs.resize(std::size_t{mBuckets.count} + 1);
         for (double const v : mSlabs) {
             ++mFirstSlabs[mBuckets(v) + 1];
@@ -412,7 +428,6 @@ private:
         for (std::size_t b = 0; b < mBuckets.count; ++b) {
             mFirstSlabs[b + 1] += mFirstSlabs[b];
         }
-        return true;
     }
 
     void CutAt(double v) {
@@ -423,14 +438,14 @@ private:
 
     /// Cuts between the heights of one bucket, which are sorted. Returns how many are within the
     /// last slab.
-    std::size_t CutBucket(double const* heights, std::size_t count, std::size_t most) {
-        std::size_t inside = most; // begins with a slab
+    std::size_t CutBucket(double const* heights, std::size_t count) {
+        std::size_t inside = kSlabHeights; // begins with a slab
         for (std::size_t begin = 0, end = 0; begin < count; begin = end) {
             while (end < count && heights[end] == heights[begin]) {
                 ++end;
             }
             inside += end - begin;
-            if (inside > most) {
+            if (inside > kSlabHeights) {
                 CutAt(heights[begin]);
                 inside = 0;
             }
@@ -438,165 +453,141 @@ private:
         return inside;
     }
 
-    static constexpr Id kNowhere = std::numeric_limits<Id>::max();
+    void MakeNodes() {
+        auto const slabs = static_cast<Id>(mSlabs.size() - 1);
+        mLeaves = Id{1} << BitLength(slabs - 1);
+        mNodes = Array<Node>(std::size_t{mLeaves} * 2 + 1); // one more, for the end of the last
+        for (Id first = mLeaves, length = 1; first > 0; first /= 2, length *= 2) {
+            for (Id slab = 0; slab < slabs; slab += length) {
+                Node& node = mNodes[first + slab / length];
+                node.top = mSlabs[slab];
+                double const bottom = mSlabs[std::min(slab + length, slabs)];
+                node.scale = static_cast<float>(
+                    Lesser(kMost / (bottom - node.top),
+                           static_cast<double>(std::numeric_limits<float>::max())));
+            }
+        }
+    }
 
-    /// For each vertex 2j at the lower end of slab j, 2j + 1 above it within the slab (which grows
-    /// with v); kNowhere for a NaN.
-    std::vector<Id> PlaceVertices() const {
-        std::vector<Id> places(mPoints.size());
-        for (std::size_t i = 0; i < mPoints.size(); ++i) {
+    /// Turns the vertices' buckets into places.
+    void PlaceVertices(Array<Vertex>& vertices) const {
+        for (std::size_t i = 0; i < mPoints.Size(); ++i) {
             double const v = mPoints[i].v;
-            if (std::isnan(v)) {
-                places[i] = kNowhere;
-            } else if (v == mBottom) {
-                places[i] = 2 * static_cast<Id>(mSlabs.size() - 1);
-            } else {
-                Id const slab = SlabOf(v);
-                places[i] = 2 * slab + (v > mSlabs[slab] ? 1 : 0);
-            }
-        }
-        return places;
-    }
-
-    /// Calls visit(edge, low, high) for each edge that any point can be beside, with the places of
-    /// its lower and upper end.
-    template <class Visit> void ForEachEdge(std::vector<Id> const& places, Visit visit) const {
-        for (std::size_t i = 0; i + 1 < mPoints.size(); ++i) {
-            Id const a = places[i];
-            Id const b = places[i + 1];
-            if (a != kNowhere && b != kNowhere && mPoints[i].v != mPoints[i + 1].v) {
-                visit(static_cast<Id>(i), std::min(a, b), std::max(a, b));
+            Vertex& vertex = vertices[i];
+            if (v < mBottom) {
+                Id const slab = SlabOf(v, vertex.place);
+                vertex.place = 2 * slab + (v > mSlabs[slab] ? 1 : 0);
+            } else if (vertex.place != kNowhere) {
+                vertex.place = 2 * static_cast<Id>(mSlabs.size() - 1);
             }
         }
     }
 
-    /// Calls visit(slab, takes part) twice, with the slabs that hold such ends of an edge: whether
-    /// the edge covers a part of it (and has not been told before). Told and not asked, as no
-    /// processor can guess.
-    template <class Visit> static void ForEachPart(Id low, Id high, Visit visit) {
-        visit(low / 2, low % 2);
-        visit(high / 2, high % 2 & (low != high ? 1U : 0U));
+    /// Where an edge is cut. All is computed without a branch, as no processor can guess it.
+    struct Cut {
+        Id upper; ///< the node that holds the upper piece
+        Id lower; ///< the node that begins where the edge is cut, or `upper`
+        Id count; ///< how often it is: 0 or 1
+    };
+
+    /// For an edge that any point can be beside.
+    Cut CutOf(Vertex const& a, Vertex const& b) const {
+        // An edge that ends where a slab begins does not reach into it.
+        Id const first = mLeaves + std::min(a.place, b.place) / 2;
+        Id const last = mLeaves + (std::max(a.place, b.place) - 1) / 2;
+        // The smallest nodes that have no more than two side by side for the edge.
+        unsigned const height = BitLength(last - first);
+        Id const count = (last >> height) - (first >> height);
+        // Each of two pieces then reaches to the cut, and goes to the smallest node that does.
+        Id const cut = last >> height << height;
+        Id const mask = 0 - count;
+        unsigned const above = BitLength(((cut - 1) ^ first) & mask);
+        unsigned const below = BitLength((cut ^ last) & mask);
+        unsigned const both = height & ~mask;
+        return {first >> (above + both), last >> (below + both), count};
     }
 
-    /// Calls visit(node) for the fewest nodes that make up the slabs which the edge with such ends
-    /// covers as a whole.
-    template <class Visit> void ForEachNode(Id low, Id high, Visit visit) const {
-        Id const first = (low + 1) / 2;
-        Id const last = high / 2;
-        if (first >= last) {
-            return;
-        }
-        // From the leaf before the first one and from that behind the last up to where they meet:
-        // all that hangs off between the two ways.
-        Id const before = mLeaves + first;
-        Id const behind = mLeaves + 1 + last;
-        Id const below = (Id{1} << HighestBit(before ^ behind)) - 1;
-        for (Id depths = ~before & below; depths != 0; depths &= depths - 1) {
-            visit((before >> LowestBit(depths)) ^ 1U);
-        }
-        for (Id depths = behind & below; depths != 0; depths &= depths - 1) {
-            visit((behind >> LowestBit(depths)) ^ 1U);
+    /// Calls visit(edge, a, b) for each edge that any point can be beside, with what is known of
+    /// its ends.
+    template <class Visit> void ForEachEdge(Array<Vertex> const& vertices, Visit visit) const {
+        for (std::size_t i = 0; i + 1 < mPoints.Size(); ++i) {
+            Vertex const& a = vertices[i];
+            Vertex const& b = vertices[i + 1];
+            if (a.place != kNowhere && b.place != kNowhere && mPoints[i].v != mPoints[i + 1].v) {
+                visit(static_cast<Id>(i), a, b);
+            }
         }
     }
 
-    void ListEdges(std::vector<Id> const& places) {
-        mFirstPartial.resize(mSlabs.size());
-        std::vector<Entry> entries;
-        entries.reserve(mPoints.size() * 2);
-        ForEachEdge(places, [&](Id edge, Id low, Id high) {
-            ForEachPart(low, high, [&](Id slab, Id part) { mFirstPartial[slab] += part; });
-            ForEachNode(low, high, [&](Id node) { entries.push_back({node, edge}); });
+    void CountPieces(Array<Vertex> const& vertices) {
+        ForEachEdge(vertices, [this](Id, Vertex const& a, Vertex const& b) {
+            Cut const cut = CutOf(a, b);
+            ++mNodes[cut.upper].first;
+            mNodes[cut.lower].first += cut.count;
         });
-
         // The lists are filled from their ends; until then `first` is where a list ends.
-        Id parts = 0; // at most two for each edge
-        for (Id& first : mFirstPartial) {
-            parts += first;
-            first = parts;
+        for (Id id = 1; id < mNodes.Size(); ++id) {
+            Node& node = mNodes[id];
+            node.first += mNodes[id - 1].first;
+            Id const above = id / 2;
+            bool const isEmpty = above == 0 || mNodes[above].first == mNodes[above - 1].first;
+            node.next = isEmpty ? mNodes[above].next : above;
         }
-        mPartial.resize(std::size_t{parts} + 1); // the last one takes what is no part
-        ForEachEdge(places, [&](Id edge, Id low, Id high) {
-            ForEachPart(low, high, [&](Id slab, Id part) {
-                mFirstPartial[slab] -= part;
-                mPartial[part != 0 ? mFirstPartial[slab] : parts] = edge;
-            });
+        // One more group takes the lower pieces of edges that are not cut.
+        mPieces = Array<Pieces>(mNodes[mNodes.Size() - 1].first / Pieces::kCount + 2);
+        mPieces[mPieces.Size() - 2] = Pieces();
+    }
+
+    void ListPieces(Array<Vertex> const& vertices) {
+        auto const spare = static_cast<Id>(mPieces.Size() - 1) * Pieces::kCount;
+        ForEachEdge(vertices, [this, spare](Id edge, Vertex const& a, Vertex const& b) {
+            TPoint<double> const& p = mPoints[edge];
+            TPoint<double> const& q = mPoints[edge + 1];
+            double const top = Lesser(p.v, q.v);
+            double const bottom = Greater(p.v, q.v);
+            Cut const cut = CutOf(a, b);
+            Node& upper = mNodes[cut.upper];
+            if (cut.upper >= mLeaves && cut.count == 0) { // most edges of outlines
+                bool const isTame = a.h != kLeast && b.h != kLeast;
+                Put(--upper.first, upper.StepOf(top), upper.StepOf(bottom), std::min(a.h, b.h),
+                    isTame ? std::max(a.h, b.h) : kMost, edge);
+                return;
+            }
+            Node& lower = mNodes[cut.lower];
+            double const slope = (p.h - q.h) / (p.v - q.v);
+            double const crossing = p.h - (p.v - lower.top) * slope;
+            int const middle =
+                mSteps(Lesser(Greater(crossing, Lesser(p.h, q.h)), Greater(p.h, q.h)));
+            // Choices by masks of ones and zeros.
+            int const isCut = -static_cast<int>(cut.count);
+            int const isUp = a.place > b.place ? -1 : 0;
+            int const above = a.h ^ ((a.h ^ b.h) & isUp);
+            int const below = b.h ^ ((a.h ^ b.h) & isUp);
+            int const between = below ^ ((middle ^ below) & isCut);
+            int const end = lower.StepOf(bottom);
+            int upperLo = std::min(above, between);
+            int upperHi = std::max(above, between);
+            int lowerLo = std::min(below, between);
+            int lowerHi = std::max(below, between);
+            if (a.h == kLeast || b.h == kLeast || !(std::abs(slope) < kInfinity)) {
+                upperLo = lowerLo = kLeast;
+                upperHi = lowerHi = kMost;
+            }
+            Put(--upper.first, upper.StepOf(top), end | (kMost & isCut), upperLo, upperHi, edge);
+            lower.first -= cut.count;
+            Put(spare + ((lower.first - spare) & static_cast<Id>(isCut)), -1, end, lowerLo, lowerHi,
+                edge);
         });
-
-        if (entries.size() > std::numeric_limits<Id>::max()) {
-            throw std::bad_alloc();
-        }
-        mNodes.resize(std::size_t{mLeaves} * 2 + 1);
-        for (Entry const& entry : entries) {
-            ++mNodes[entry.node].first;
-        }
-        Id spans = 0;
-        for (std::size_t node = 0; node < mNodes.size(); ++node) {
-            spans += mNodes[node].first;
-            mNodes[node].first = spans;
-            Id const above = static_cast<Id>(node / 2);
-            Id const length = above > 0 ? mNodes[above].first - mNodes[above - 1].first : 0;
-            mNodes[node].next = length > 0 ? above : mNodes[above].next;
-        }
-        mSpans.resize(entries.size());
-        for (Entry const& entry : entries) {
-            mSpans[--mNodes[entry.node].first] = SpanOf(entry);
-        }
     }
 
-    Span SpanOf(Entry const& entry) const {
-        TPoint<double> const a = mPoints[entry.edge];
-        TPoint<double> const b = mPoints[entry.edge + 1];
-        double const slope = (a.h - b.h) / (a.v - b.v);
-        bool const tame = std::abs(a.h) <= kTame && std::abs(b.h) <= kTame &&
-                          std::abs(a.v) <= kTame && std::abs(b.v) <= kTame &&
-                          std::abs(slope) < kInfinity;
-        if (!tame) {
-            return {mKeys(-kInfinity), mKeys(kInfinity), entry.edge};
-        }
-        double const left = std::min(a.h, b.h);
-        double const right = std::max(a.h, b.h);
-        auto const crossing = [&](double v) {
-            return std::clamp(a.h - (a.v - v) * slope, left, right);
-        };
-        unsigned const depth = HighestBit(mLeaves) - HighestBit(entry.node);
-        Id const slab = (entry.node << depth) - mLeaves - 1;
-        double const x = crossing(mSlabs[slab]);
-        double const y = crossing(mSlabs[slab + (Id{1} << depth)]);
-        return {mKeys(std::min(x, y)), mKeys(std::max(x, y)), entry.edge};
-    }
-
-    void SortSpans() {
-        std::vector<Span> spare;
-        for (std::size_t node = 1; node + 1 < mNodes.size(); ++node) {
-            Span* const first = mSpans.data() + mNodes[node].first;
-            Span* const last = mSpans.data() + mNodes[node + 1].first;
-            auto const count = static_cast<std::size_t>(last - first);
-            if (count >= kLongList) {
-                spare.resize(std::max(spare.size(), count));
-                SortLongList(first, spare.data(), count);
-            } else if (count > kShortList) {
-                std::sort(first, last, [](Span const& x, Span const& y) { return x.lo < y.lo; });
-            }
-        }
-    }
-
-    void SumUpSpans() {
-        auto const maxima = [](auto const& items, auto value) {
-            std::vector<float> result(items.size() / kBlock); // whole blocks
-            for (std::size_t i = 0; i < result.size(); ++i) {
-                float most = value(items[i * kBlock]);
-                for (std::size_t j = 1; j < kBlock; ++j) {
-                    most = std::max(most, value(items[i * kBlock + j]));
-                }
-                result[i] = most;
-            }
-            return result;
-        };
-        mMaxima[0] = maxima(mSpans, [](Span const& span) { return span.hi; });
-        for (mLevels = 1; mLevels < mMaxima.size() && mMaxima[mLevels - 1].size() >= kBlock;
-             ++mLevels) {
-            mMaxima[mLevels] = maxima(mMaxima[mLevels - 1], [](float hi) { return hi; });
-        }
+    void Put(Id place, int top, int bottom, int lo, int hi, Id edge) {
+        Pieces& pieces = mPieces[place / Pieces::kCount];
+        Id const i = place % Pieces::kCount;
+        pieces.top[i] = static_cast<Step>(top);
+        pieces.bottom[i] = static_cast<Step>(bottom);
+        pieces.lo[i] = static_cast<Step>(lo);
+        pieces.hi[i] = static_cast<Step>(hi);
+        pieces.edge[i] = edge;
     }
 };
 
