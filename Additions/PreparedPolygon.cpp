@@ -21,17 +21,18 @@
 // monotone mappings that are applied to the point as well: step(p.h) < step(lo) implies p.h < lo.
 // What equal steps leave open is left to the formula.
 //
-// Edges that could make NaN or overflow on the way (coordinates beyond kTame, NaN, infinite slopes)
-// get the interval of all numbers, so that always the formula is asked.
+// Polygons whose coordinates could make NaN or overflow on the way (beyond kTame, or NaN) have no
+// such intervals, and are asked as a whole. Edges so flat that their slope is infinite get the
+// interval of all numbers, so that always the formula is asked.
 
 #include "PreparedPolygon.h"
 
-#include "Integers.h"
 #include "UCrossing_p.h"
 #include "UPointRun_p.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
@@ -84,6 +85,43 @@ double Lesser(double a, double b) { return a < b ? a : b; }
 double Greater(double a, double b) { return a > b ? a : b; }
 #endif
 
+/// Two numbers, worked on at once.
+#if defined(__SSE2__)
+struct Pair {
+    __m128d both;
+
+    Pair(double first, double second) : both(_mm_set_pd(second, first)) {}
+    explicit Pair(__m128d numbers) : both(numbers) {}
+    explicit Pair(TPoint<double> const& p) : Pair(p.v, p.h) {}
+    double First() const { return _mm_cvtsd_f64(both); }
+    double Second() const { return _mm_cvtsd_f64(_mm_unpackhi_pd(both, both)); }
+    Pair operator+(Pair x) const { return Pair(_mm_add_pd(both, x.both)); }
+    Pair operator-(Pair x) const { return Pair(_mm_sub_pd(both, x.both)); }
+    Pair operator*(Pair x) const { return Pair(_mm_mul_pd(both, x.both)); }
+    friend Pair Lesser(Pair a, Pair b) { return Pair(_mm_min_pd(a.both, b.both)); }
+    friend Pair Greater(Pair a, Pair b) { return Pair(_mm_max_pd(a.both, b.both)); }
+};
+#else
+struct Pair {
+    double first;
+    double second;
+
+    Pair(double one, double other) : first(one), second(other) {}
+    explicit Pair(TPoint<double> const& p) : Pair(p.v, p.h) {}
+    double First() const { return first; }
+    double Second() const { return second; }
+    Pair operator+(Pair x) const { return {first + x.first, second + x.second}; }
+    Pair operator-(Pair x) const { return {first - x.first, second - x.second}; }
+    Pair operator*(Pair x) const { return {first * x.first, second * x.second}; }
+    friend Pair Lesser(Pair a, Pair b) {
+        return {Lesser(a.first, b.first), Lesser(a.second, b.second)};
+    }
+    friend Pair Greater(Pair a, Pair b) {
+        return {Greater(a.first, b.first), Greater(a.second, b.second)};
+    }
+};
+#endif
+
 /// A fixed number of items, not initialised.
 template <class Item> class Array {
 public:
@@ -103,48 +141,30 @@ private:
     std::size_t mSize = 0;
 };
 
-/// A monotone mapping of doubles (but NaN) to 0..count - 1.
-struct Buckets {
-    double origin = 0.0;
-    double scale = 0.0;
+/// Monotone mappings: of heights to buckets, 0..count - 1, and of coordinates h to steps of points.
+struct Mapping {
+    Pair origin = {0.0, 0.0};
+    Pair scale = {0.0, 0.0};
+    Pair least = {0.0, 0.0};
+    Pair most = {0.0, 0.0};
     Id count = 1;
 
-    /// Spreads [lo, hi] evenly, if it has a length that can be computed with.
-    Buckets() = default;
-    Buckets(double lo, double hi, std::size_t wanted) {
-        double const perUnit = static_cast<double>(wanted) / (hi - lo);
-        if (perUnit > 0.0 && perUnit < kInfinity) {
-            origin = lo;
-            scale = perUnit;
-            count = static_cast<Id>(wanted);
-        }
+    /// Spreads what lies between two points evenly, where the extent can be computed with.
+    Mapping() = default;
+    Mapping(Pair lo, Pair hi, std::size_t buckets) {
+        double const bucketScale = static_cast<double>(buckets) / (hi - lo).First();
+        double const stepScale = kMostOfPoint / ((hi - lo).Second() * 0.5);
+        bool const hasBuckets = bucketScale < kInfinity;
+        bool const hasSteps = stepScale < kInfinity;
+        origin = Pair(lo.First(), lo.Second() * 0.5 + hi.Second() * 0.5);
+        scale = Pair(hasBuckets ? bucketScale : 0.0, hasSteps ? stepScale : 0.0);
+        count = hasBuckets ? static_cast<Id>(buckets) : 1;
+        least = Pair(0.0, hasSteps ? -kMostOfPoint : 0.0);
+        most = Pair(static_cast<double>(count - 1), hasSteps ? kMostOfPoint : 0.0);
     }
-    Id operator()(double v) const {
-        double const place = Greater((v - origin) * scale, 0.0);
-        return static_cast<Id>(
-            trammel_detail::TruncateToInt32(Lesser(place, static_cast<double>(count - 1))));
-    }
-};
-
-/// A monotone mapping of coordinates h (but NaN) to steps of points.
-struct Steps {
-    double centre = 0.0;
-    double scale = 0.0;
-
-    /// Spreads [lo, hi] evenly, if it has a length that can be computed with.
-    Steps() = default;
-    Steps(double lo, double hi) {
-        double const perUnit = kMostOfPoint / (hi * 0.5 - lo * 0.5);
-        if (perUnit > 0.0 && perUnit < kInfinity) {
-            centre = lo * 0.5 + hi * 0.5;
-            scale = perUnit;
-        }
-    }
-    Step operator()(double h) const {
-        // Without a scale an infinite h makes a NaN, and is at 0 then as all others are.
-        double const step = scale > 0.0 ? (h - centre) * scale : 0.0;
-        return static_cast<Step>(Lesser(Greater(step, -kMostOfPoint), kMostOfPoint));
-    }
+    /// The bucket and the step of a point. An infinite coordinate can make a NaN only where all are
+    /// at 0, as it is then.
+    Pair operator()(Pair p) const { return Lesser(Greater((p - origin) * scale, least), most); }
 };
 
 /// Parts of edges that each lie within the heights of one node, side by side.
@@ -193,14 +213,14 @@ struct Pieces {
 /// A node's pieces are those from `first` up to the next node's `first`.
 struct Node {
     double top = 0.0;   ///< where its heights begin
-    float scale = 0.0F; ///< steps for a unit of height
+    double scale = 0.0; ///< steps for a unit of height
     Id first = 0;
     Id next = 0; ///< the nearest node above that has pieces, 0 for none
 
     /// A monotone mapping of heights (but NaN) from `top` on to steps of points.
     Step StepOf(double v) const {
-        // Infinite heights can make a NaN, with all of a node's heights or only with its first.
-        double const step = Greater((v - top) * static_cast<double>(scale), 0.0);
+        // Of heights too near to each other for a finite scale, the first makes a NaN.
+        double const step = Greater((v - top) * scale, 0.0);
         return static_cast<Step>(Lesser(step, kMostOfPoint));
     }
 };
@@ -208,27 +228,44 @@ struct Node {
 /// What is known of a vertex while the index is built.
 struct Vertex {
     Id place; ///< its bucket at first; then 2j at the lower end of slab j, 2j + 1 above it
-    Step h;   ///< kLeast for coordinates that are not tame
+    Step v;   ///< in the steps of its slab
+    Step h;
 };
-constexpr Id kNowhere = std::numeric_limits<Id>::max(); ///< the place of NaN
+
+/// The lesser of each step of two vertices, and the greater of each.
+struct Box {
+    Step top;
+    Step lo;
+    Step bottom;
+    Step hi;
+
+    Box(Vertex const& a, Vertex const& b) {
+#if defined(__SSE2__)
+        static_assert(offsetof(Vertex, h) == offsetof(Vertex, v) + sizeof(Step));
+        auto const load = [](Vertex const& vertex) {
+            int steps;
+            std::memcpy(&steps, &vertex.v, sizeof steps);
+            return _mm_cvtsi32_si128(steps);
+        };
+        int const least = _mm_cvtsi128_si32(_mm_min_epi16(load(a), load(b)));
+        int const most = _mm_cvtsi128_si32(_mm_max_epi16(load(a), load(b)));
+        top = static_cast<Step>(least);
+        lo = static_cast<Step>(least >> 16);
+        bottom = static_cast<Step>(most);
+        hi = static_cast<Step>(most >> 16);
+#else
+        top = std::min(a.v, b.v);
+        lo = std::min(a.h, b.h);
+        bottom = std::max(a.v, b.v);
+        hi = std::max(a.h, b.h);
+#endif
+    }
+};
 
 /// The number of bits without leading zeros.
 unsigned BitLength(Id bits) {
     return 63U - static_cast<unsigned>(__builtin_clzll(2 * std::uint64_t{bits} + 1));
 }
-
-/// The finite extremes of what it is given; lo > hi for nothing.
-struct Extent {
-    double lo = kInfinity;
-    double hi = -kInfinity;
-
-    void Add(double x) {
-        bool const counts = std::abs(x) < kInfinity;
-        lo = std::min(lo, counts ? x : lo);
-        hi = std::max(hi, counts ? x : hi);
-    }
-    bool IsFinite() const { return -kInfinity < lo && hi < kInfinity; }
-};
 
 template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
     return items.capacity() * sizeof(Item);
@@ -246,8 +283,7 @@ struct PreparedPolygon::Index {
     TRect<double> mBounds;   // nothing outside of it is inside
     double mTop = kInfinity; // all edges lie between these heights
     double mBottom = -kInfinity;
-    Buckets mBuckets;
-    Steps mSteps;
+    Mapping mMapping;
     Id mLeaves = 0;
 
     Array<TPoint<double>> mPoints; // the vertices, and vertex 0 again
@@ -264,18 +300,15 @@ struct PreparedPolygon::Index {
         mPoints = Array<TPoint<double>>(count + 1);
         std::memcpy(static_cast<void*>(mPoints.begin()), points, count * sizeof(TPoint<double>));
         mPoints[count] = mPoints[0];
-        if (count <= kFewVertices) {
-            return;
+        if (count <= kFewVertices || !Measure() || !(mTop < mBottom)) {
+            return; // in the last case there is nothing between two heights
         }
-        Measure();
-        if (mTop < mBottom) { // else there is nothing between two heights
-            Array<Vertex> vertices(count + 1);
-            CutSlabs(vertices);
-            MakeNodes();
-            PlaceVertices(vertices);
-            CountPieces(vertices);
-            ListPieces(vertices);
-        }
+        Array<Vertex> vertices(count + 1);
+        CutSlabs(vertices);
+        MakeNodes();
+        PlaceVertices(vertices);
+        CountPieces(vertices);
+        ListPieces(vertices);
     }
 
     std::size_t Size() const {
@@ -287,12 +320,17 @@ struct PreparedPolygon::Index {
         if (!mBounds.Contains(p)) {
             return false;
         }
-        if (mPoints.Size() <= kFewVertices + 1) {
+        if (mSlabs.empty()) {
             return trammel_detail::OddCrossings({reinterpret_cast<char const*>(mPoints.begin()),
                                                  static_cast<long>(mPoints.Size() - 1)},
                                                 p.h, p.v);
         }
-        return mTop <= p.v && p.v < mBottom && OddInSlab(p, SlabOf(p.v, mBuckets(p.v)));
+        if (!(mTop <= p.v && p.v < mBottom)) {
+            return false;
+        }
+        Pair const place = mMapping(Pair(p));
+        return OddInSlab(p, static_cast<Step>(place.Second()),
+                         SlabOf(p.v, static_cast<Id>(static_cast<std::int32_t>(place.First()))));
     }
 
 private:
@@ -314,8 +352,7 @@ private:
         return first - 1;
     }
 
-    bool OddInSlab(TPoint<double> const& p, Id slab) const {
-        Step const h = mSteps(p.h);
+    bool OddInSlab(TPoint<double> const& p, Step h, Id slab) const {
         bool odd = false;
         Id id = mLeaves + slab;
         do {
@@ -351,56 +388,49 @@ private:
         return __builtin_parity(odd) != 0;
     }
 
-    /// The mappings, and between which heights all lies.
-    void Measure() {
-        double left = kInfinity;
-        double right = -kInfinity;
+    /// The mapping, and between which heights all lies; false if a coordinate is not tame.
+    bool Measure() {
+        Pair lo(kInfinity, kInfinity);
+        Pair hi(-kInfinity, -kInfinity);
+        Pair zero(0.0, 0.0); // or NaN, if a coordinate is not finite
         for (TPoint<double> const& p : mPoints) {
-            mTop = Lesser(p.v, mTop); // no NaN gets in
-            mBottom = Greater(p.v, mBottom);
-            left = Lesser(p.h, left);
-            right = Greater(p.h, right);
+            Pair const x(p);
+            lo = Lesser(x, lo);
+            hi = Greater(x, hi);
+            zero = zero + (x - x);
         }
-        Extent vs = {mTop, mBottom};
-        Extent hs = {left, right};
-        if (!vs.IsFinite() || !hs.IsFinite()) {
-            vs = Extent();
-            hs = Extent();
-            for (TPoint<double> const& p : mPoints) {
-                vs.Add(p.v);
-                hs.Add(p.h);
-            }
-        }
-        mBuckets = Buckets(vs.lo, vs.hi, (mPoints.Size() - 1) / kBucketHeights);
-        mSteps = Steps(hs.lo, hs.hi);
+        Pair const tame(kTame, kTame);
+        Pair const most = Lesser(Greater(hi, Pair(0.0, 0.0) - lo), tame + tame);
+        mTop = lo.First();
+        mBottom = hi.First();
+        mMapping = Mapping(lo, hi, (mPoints.Size() - 1) / kBucketHeights);
+        return zero.First() == 0.0 && zero.Second() == 0.0 && most.First() <= kTame &&
+               most.Second() <= kTame;
     }
 
     /// Chooses the slabs' heights.
     void CutSlabs(Array<Vertex>& vertices) {
         for (std::size_t i = 0; i < mPoints.Size(); ++i) {
-            TPoint<double> const& p = mPoints[i];
-            bool const isTame = std::abs(p.h) <= kTame && std::abs(p.v) <= kTame;
-            vertices[i].h = isTame ? mSteps(p.h) : kLeast;
-            vertices[i].place = std::isnan(p.v) ? kNowhere : mBuckets(p.v);
+            Pair const place = mMapping(Pair(mPoints[i]));
+            vertices[i].place = static_cast<Id>(static_cast<std::int32_t>(place.First()));
+            vertices[i].h = static_cast<Step>(place.Second());
         }
         struct Bucket {
             double lowest = kInfinity;
             std::size_t count = 0;
             bool IsCrowded() const { return count > kSlabHeights; }
         };
-        std::vector<Bucket> buckets(mBuckets.count);
+        std::vector<Bucket> buckets(mMapping.count);
         std::size_t const count = mPoints.Size() - 1;
         for (std::size_t i = 0; i < count; ++i) {
-            if (vertices[i].place != kNowhere) {
-                Bucket& bucket = buckets[vertices[i].place];
-                bucket.lowest = Lesser(mPoints[i].v, bucket.lowest);
-                ++bucket.count;
-            }
+            Bucket& bucket = buckets[vertices[i].place];
+            bucket.lowest = Lesser(mPoints[i].v, bucket.lowest);
+            ++bucket.count;
         }
         std::vector<double> crowd; // of such buckets all heights
         if (std::any_of(buckets.begin(), buckets.end(), std::mem_fn(&Bucket::IsCrowded))) {
             for (std::size_t i = 0; i < count; ++i) {
-                if (vertices[i].place != kNowhere && buckets[vertices[i].place].IsCrowded()) {
+                if (buckets[vertices[i].place].IsCrowded()) {
                     crowd.push_back(mPoints[i].v);
                 }
             }
@@ -421,11 +451,11 @@ private:
         }
         mSlabs.push_back(mBottom);
 
-        mFirstSlabs.resize(std::size_t{mBuckets.count} + 1);
+        mFirstSlabs.resize(std::size_t{mMapping.count} + 1);
         for (double const v : mSlabs) {
-            ++mFirstSlabs[mBuckets(v) + 1];
+            ++mFirstSlabs[static_cast<std::size_t>(mMapping(Pair(v, 0.0)).First()) + 1];
         }
-        for (std::size_t b = 0; b < mBuckets.count; ++b) {
+        for (std::size_t b = 0; b < mMapping.count; ++b) {
             mFirstSlabs[b + 1] += mFirstSlabs[b];
         }
     }
@@ -462,9 +492,7 @@ private:
                 Node& node = mNodes[first + slab / length];
                 node.top = mSlabs[slab];
                 double const bottom = mSlabs[std::min(slab + length, slabs)];
-                node.scale = static_cast<float>(
-                    Lesser(kMost / (bottom - node.top),
-                           static_cast<double>(std::numeric_limits<float>::max())));
+                node.scale = kMost / (bottom - node.top);
             }
         }
     }
@@ -477,8 +505,10 @@ private:
             if (v < mBottom) {
                 Id const slab = SlabOf(v, vertex.place);
                 vertex.place = 2 * slab + (v > mSlabs[slab] ? 1 : 0);
-            } else if (vertex.place != kNowhere) {
+                vertex.v = mNodes[mLeaves + slab].StepOf(v);
+            } else {
                 vertex.place = 2 * static_cast<Id>(mSlabs.size() - 1);
+                vertex.v = 0; // in no slab
             }
         }
     }
@@ -489,6 +519,11 @@ private:
         Id lower; ///< the node that begins where the edge is cut, or `upper`
         Id count; ///< how often it is: 0 or 1
     };
+
+    /// The leaf that holds an edge, as those do that hold most edges of outlines; 0 for none.
+    Id LeafOf(Vertex const& a, Vertex const& b) const {
+        return a.place / 2 == b.place / 2 ? mLeaves + a.place / 2 : 0;
+    }
 
     /// For an edge that any point can be beside.
     Cut CutOf(Vertex const& a, Vertex const& b) const {
@@ -513,7 +548,7 @@ private:
         for (std::size_t i = 0; i + 1 < mPoints.Size(); ++i) {
             Vertex const& a = vertices[i];
             Vertex const& b = vertices[i + 1];
-            if (a.place != kNowhere && b.place != kNowhere && mPoints[i].v != mPoints[i + 1].v) {
+            if (mPoints[i].v != mPoints[i + 1].v) {
                 visit(static_cast<Id>(i), a, b);
             }
         }
@@ -521,6 +556,10 @@ private:
 
     void CountPieces(Array<Vertex> const& vertices) {
         ForEachEdge(vertices, [this](Id, Vertex const& a, Vertex const& b) {
+            if (Id const leaf = LeafOf(a, b); leaf != 0) {
+                ++mNodes[leaf].first;
+                return;
+            }
             Cut const cut = CutOf(a, b);
             ++mNodes[cut.upper].first;
             mNodes[cut.lower].first += cut.count;
@@ -541,23 +580,22 @@ private:
     void ListPieces(Array<Vertex> const& vertices) {
         auto const spare = static_cast<Id>(mPieces.Size() - 1) * Pieces::kCount;
         ForEachEdge(vertices, [this, spare](Id edge, Vertex const& a, Vertex const& b) {
+            if (Id const leaf = LeafOf(a, b); leaf != 0) {
+                Box const box(a, b);
+                Put(--mNodes[leaf].first, box.top, box.bottom, box.lo, box.hi, edge);
+                return;
+            }
             TPoint<double> const& p = mPoints[edge];
             TPoint<double> const& q = mPoints[edge + 1];
             double const top = Lesser(p.v, q.v);
             double const bottom = Greater(p.v, q.v);
             Cut const cut = CutOf(a, b);
             Node& upper = mNodes[cut.upper];
-            if (cut.upper >= mLeaves && cut.count == 0) { // most edges of outlines
-                bool const isTame = a.h != kLeast && b.h != kLeast;
-                Put(--upper.first, upper.StepOf(top), upper.StepOf(bottom), std::min(a.h, b.h),
-                    isTame ? std::max(a.h, b.h) : kMost, edge);
-                return;
-            }
             Node& lower = mNodes[cut.lower];
             double const slope = (p.h - q.h) / (p.v - q.v);
             double const crossing = p.h - (p.v - lower.top) * slope;
-            int const middle =
-                mSteps(Lesser(Greater(crossing, Lesser(p.h, q.h)), Greater(p.h, q.h)));
+            double const within = Lesser(Greater(crossing, Lesser(p.h, q.h)), Greater(p.h, q.h));
+            int const middle = static_cast<Step>(mMapping(Pair(0.0, within)).Second());
             // Choices by masks of ones and zeros.
             int const isCut = -static_cast<int>(cut.count);
             int const isUp = a.place > b.place ? -1 : 0;
@@ -569,7 +607,7 @@ private:
             int upperHi = std::max(above, between);
             int lowerLo = std::min(below, between);
             int lowerHi = std::max(below, between);
-            if (a.h == kLeast || b.h == kLeast || !(std::abs(slope) < kInfinity)) {
+            if (!(std::abs(slope) < kInfinity)) {
                 upperLo = lowerLo = kLeast;
                 upperHi = lowerHi = kMost;
             }

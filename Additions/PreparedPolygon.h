@@ -10,7 +10,8 @@
 //
 // Choose this where a polygon of more than a hundred vertices is asked often: preparing costs as
 // much as some 50 to 100 calls of the polygon's own Contains, after which one costs a small part of
-// that. Polygons of up to 64 vertices are only copied.
+// that. Polygons of up to 64 vertices are only copied, and asked as
+// they would be themselves; so are those with a coordinate that is NaN, infinite or beyond 2^1000.
 //
 // A prepared polygon is a picture of the polygon as it was: what happens to the polygon later, its
 // end included, does not reach it. Nothing changes it but assignment. Copies share the edges and
@@ -66,6 +67,7 @@ public:
     /// O(log n + k) for k edges at the height of `p` or near it: not farther off than an edge is
     /// high itself, counted in slabs, which are ranges of heights with at most 32 vertices inside.
     /// Edges whose boxes `p` is outside of take a fraction of a nanosecond each. Allocates nothing.
+    /// O(n) for polygons with a coordinate that is not finite or beyond 2^1000.
     bool Contains(TPoint<double> const& p) const noexcept;
     /// Stores Contains(points[i]) in inside[i], for each i below `count`. The arrays must not
     /// overlap; with a `count` of 0 they may be null. Allocates nothing.
