@@ -8,7 +8,8 @@
 //
 // The first has errors of its own, which stand beside its times. The others give what the path and
 // the polygon give, which is held against them, item by item and to the last bit, before anything
-// is measured. Making them is a work of its own: path_measure, contains_build.
+// is measured. Making them is a work of its own: path_measure, contains_build; contains_session is
+// both, for a few dozen points.
 //
 // Run by hand: trammel_bench --benchmark_filter='^compare/.*/trammel-'
 
@@ -138,6 +139,19 @@ void RegisterMeasured() {
     }
 }
 
+/// With so many points a polygon is asked for, it has to pay to prepare it.
+constexpr std::size_t kSession = 36;
+
+/// How many of kSession points are inside, from point `first` on and round.
+template <class Contains>
+double CountInSession(std::size_t first, std::size_t count, Contains contains) {
+    double inside = 0.0;
+    for (std::size_t i = 0; i < kSession; ++i) {
+        inside += contains((first + i) % count) ? 1.0 : 0.0;
+    }
+    return inside;
+}
+
 void RegisterPrepared() {
     typedef std::shared_ptr<TPolygon<double> const> Polygon;
     for (auto const& [input, makeRing] : peers::Rings()) {
@@ -168,22 +182,48 @@ void RegisterPrepared() {
                 },
                 100);
         });
+        auto const registerSession = [=](std::string const& who, auto prepare) {
+            compare::RegisterAlone("contains_session", input, who, [=] {
+                auto const ring = make();
+                Polygon const polygon = std::make_shared<TPolygon<double>>(compare::Polygon(ring));
+                auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), 100));
+                auto const ask = [=](std::size_t first, auto const& asked) {
+                    return CountInSession(first, points.size(),
+                                          [&](std::size_t i) { return asked.Contains(points[i]); });
+                };
+                return JobBeside(
+                    points.size(), [=](std::size_t i) { return ask(i, prepare(*polygon)); },
+                    [=](std::size_t i) { return ask(i, *polygon); });
+            });
+        };
+        typedef TPolygon<double> const& Asked; // by reference: a copy is no preparation
+        registerSession("trammel", [](Asked polygon) -> Asked { return polygon; });
+        registerSession("trammel-prepared",
+                        [](Asked polygon) { return trammel::PreparedPolygon(polygon); });
 #ifdef TRAMMEL_BENCH_GEOS
         // GEOS builds its index for the first point within the bounds, as all of these are.
-        compare::RegisterAlone("contains_build", input, "geos-prepared", [=] {
-            auto const ring = make();
-            if (ring.empty()) {
-                return Job();
-            }
-            auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), 100));
-            std::shared_ptr<peers::Locator> const locator = peers::GeosLocator(ring, points);
-            Job made = peers::JobOf(points.size(), [=](std::size_t i) {
-                locator->Prepare();
-                return locator->Contains(i) ? 1.0 : 0.0;
+        auto const registerGeos = [=](std::string const& work, std::size_t asked) {
+            compare::RegisterAlone(work, input, "geos-prepared", [=] {
+                auto const ring = make();
+                if (ring.empty()) {
+                    return Job();
+                }
+                auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), 100));
+                std::shared_ptr<peers::Locator> const locator = peers::GeosLocator(ring, points);
+                Job made = peers::JobOf(points.size(), [=](std::size_t first) {
+                    locator->Prepare();
+                    double inside = 0.0;
+                    for (std::size_t i = 0; i < asked; ++i) {
+                        inside += locator->Contains((first + i) % points.size()) ? 1.0 : 0.0;
+                    }
+                    return inside;
+                });
+                made.expected = compare::ContainedIn(ring, points) * static_cast<double>(asked);
+                return made;
             });
-            made.expected = compare::ContainedIn(ring, points);
-            return made;
-        });
+        };
+        registerGeos("contains_build", 1);
+        registerGeos("contains_session", kSession);
 #endif
     }
 }
