@@ -21,9 +21,12 @@
 // monotone mappings that are applied to the point as well: step(p.h) < step(lo) implies p.h < lo.
 // What equal steps leave open is left to the formula.
 //
-// Polygons whose coordinates could make NaN or overflow on the way (beyond kTame, or NaN) have no
-// such intervals, and are asked as a whole. Edges so flat that their slope is infinite get the
-// interval of all numbers, so that always the formula is asked.
+// An infinite slope does no harm, nor does a product that overflows. X(c) is infinite then, on b's
+// side, and x = b.h: so is X(v) for all v from c to b, and the other piece has all from m to M left
+// to the formula (which makes a NaN of v = a.v).
+//
+// Polygons whose coordinates could make NaN or overflow otherwise (beyond kTame, or NaN) have no
+// such intervals, and are asked as a whole.
 
 #include "PreparedPolygon.h"
 
@@ -60,16 +63,14 @@ constexpr std::size_t kSlabHeights = 32;
 constexpr std::size_t kBucketHeights = 4;
 /// Slabs that begin in one bucket are gone through one by one when there are no more.
 constexpr std::uint32_t kFewSlabs = 4;
-/// No difference, quotient by a difference not tiny, or product of coordinates up to this
-/// overflows in CrossesBefore.
+/// No difference of coordinates up to this overflows, by far.
 constexpr double kTame = 0x1p1000;
 
 typedef std::uint32_t Id;  ///< of an edge, a slab, a node, a piece
 typedef std::int16_t Step; ///< a coordinate in few bits
 
-/// The steps of points are less than this, and more than kLeast.
+/// The steps of points are less than this, and more than its negative.
 constexpr Step kMost = std::numeric_limits<Step>::max();
-constexpr Step kLeast = std::numeric_limits<Step>::min();
 constexpr double kMostOfPoint = kMost - 1;
 
 // Without a branch, as none of the outcomes can be foreseen; with a NaN they give `b`.
@@ -603,14 +604,10 @@ private:
             int const below = b.h ^ ((a.h ^ b.h) & isUp);
             int const between = below ^ ((middle ^ below) & isCut);
             int const end = lower.StepOf(bottom);
-            int upperLo = std::min(above, between);
-            int upperHi = std::max(above, between);
-            int lowerLo = std::min(below, between);
-            int lowerHi = std::max(below, between);
-            if (!(std::abs(slope) < kInfinity)) {
-                upperLo = lowerLo = kLeast;
-                upperHi = lowerHi = kMost;
-            }
+            int const upperLo = std::min(above, between);
+            int const upperHi = std::max(above, between);
+            int const lowerLo = std::min(below, between);
+            int const lowerHi = std::max(below, between);
             Put(--upper.first, upper.StepOf(top), end | (kMost & isCut), upperLo, upperHi, edge);
             lower.first -= cut.count;
             Put(spare + ((lower.first - spare) & static_cast<Id>(isCut)), -1, end, lowerLo, lowerHi,

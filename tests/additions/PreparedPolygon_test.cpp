@@ -360,20 +360,20 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsForShapesOfManyKinds) {
     EXPECT_GT(count, 300000);
 }
 
-// Extents that no scale can be computed for, edges that are as good as flat, and all heights but
-// some in one place.
+// Extents that no scale can be computed for, edges whose slope is infinite or nothing, and all
+// heights but some in one place.
 TEST(PreparedPolygon, AnswersLikeThePolygonsOfNoExtent) {
     Random random(15);
     auto const vertices = [&random](int size, double h, double v) {
         Points points = Lattice(size, 7, random);
         for (Pt& p : points) {
-            p.Set(p.h * h, p.v * v);
+            p.Set((p.h - 3.5) * h, (p.v - 3.5) * v);
         }
         return points;
     };
     for (int const size : {65, 66, 100, 1000}) {
-        for (double const h : {0.0, kTiny, 1e-300, 1.0, 1e15, 0x1p990}) {
-            for (double const v : {0.0, kTiny, 1e-300, 1.0, 1e15, 0x1p990}) {
+        for (double const h : {0.0, kTiny, 1e-300, 1.0, 1e15, 0x1p990, 0x1p1022}) {
+            for (double const v : {0.0, kTiny, 1e-300, 1.0, 1e15, 0x1p990, 0x1p1022}) {
                 Points points = vertices(size, h, v);
                 Comparison compare("no extent", points);
                 Ask(compare, points, 300, random);
@@ -384,6 +384,28 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsOfNoExtent) {
                 Ask(compareFar, points, 300, random);
                 AskSpecial(compareFar, 100, random);
             }
+        }
+    }
+}
+
+// Heights whose differences overflow, and of which most lie beside each other: edges are cut where
+// the formula makes a NaN.
+TEST(PreparedPolygon, AnswersLikeThePolygonsWhereDifferencesOverflow) {
+    Random random(17);
+    double const levels[] = {-3.9, -3.8, -3.7, -3.6, 1.0, 2.0, 3.0, 3.5};
+    for (double const scale : {1.0, 0x1p999, 0x1p1022}) {
+        for (int round = 0; round < 20; ++round) {
+            Points points = Lattice(1000, 7, random);
+            for (Pt& p : points) {
+                p.v = levels[static_cast<std::size_t>(p.v)] * scale;
+            }
+            Comparison compare("overflow", points);
+            for (int i = 0; i < 400; ++i) {
+                double const h = random.Uniform(-0.5, 7.5);
+                compare(Pt(h, levels[random.Integer(0, 7)] * scale));
+                compare(Pt(h, random.Uniform(-3.9, 3.5) * scale));
+            }
+            EXPECT_GT(compare.Inside(), 100);
         }
     }
 }
