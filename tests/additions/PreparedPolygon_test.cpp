@@ -441,8 +441,8 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsOfAHundredThousandVertices) {
     }
 }
 
-// The intervals by which an edge is settled without its formula are the formula's own values at
-// the ends of a slab: points within a few steps of these are asked here, at the slabs' ends.
+// An interval by which an edge is settled without its formula ends at the formula's own value where
+// the edge is cut, at a vertex's height: points within a few steps of such values are asked here.
 TEST(PreparedPolygon, AnswersLikeThePolygonsWithinStepsOfAnEdge) {
     Random random(5);
     for (int round = 0; round < 60; ++round) {
