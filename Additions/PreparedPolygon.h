@@ -10,8 +10,8 @@
 //
 // Choose this where a polygon of more than a hundred vertices is asked often: preparing costs as
 // much as some 50 to 100 calls of the polygon's own Contains, after which one costs a small part of
-// that. Polygons of up to 64 vertices are only copied, and asked as
-// they would be themselves; so are those with a coordinate that is NaN, infinite or beyond 2^1000.
+// that. Polygons of up to 64 vertices are only copied, and asked as they would be themselves; so
+// are those with a coordinate that is NaN, infinite or beyond 2^1000.
 //
 // A prepared polygon is a picture of the polygon as it was: what happens to the polygon later, its
 // end included, does not reach it. Nothing changes it but assignment. Copies share the edges and
