@@ -35,10 +35,11 @@ namespace trammel {
 /// The arc length, right within `accuracy` plus 2^-48 of the control polygon's length.
 ///
 /// Cusps, loops and curves that double back are measured like any other. Infinite where it exceeds
-/// the range of double. Cost: one to a few dozen pieces of at most 32 square roots; the number of
-/// digits asked for matters little.
-/// Source: Gauss-Legendre quadrature; error by the ellipse of analyticity around each piece, known
-/// beforehand [Trefethen, Approximation Theory and Approximation Practice, theorem 19.3].
+/// the range of double. Cost: one to a few dozen pieces of at most 40 square roots, four of them at
+/// once where the processor has such; the number of digits asked for matters little.
+/// Source: Gauss-Legendre quadrature; error by the ellipse of analyticity around each piece and by
+/// the branch points outside, known beforehand [Trefethen, Approximation Theory and Approximation
+/// Practice, chapters 3 and 19].
 TRAMMEL_API double ArcLength(CBezier const& curve, double accuracy);
 /// The arc length from parameter `t0` to `t1`, each limited to [0, 1]; negative when t1 < t0.
 TRAMMEL_API double ArcLength(CBezier const& curve, double t0, double t1, double accuracy);
@@ -106,7 +107,8 @@ inline constexpr long kMostFlatPoints = 65536;
 /// Points lie as densely as the bend demands, within about a tenth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
 /// returned.
-/// Cost: two evaluations a point; each chord is verified.
+/// Cost: two evaluations a point; each chord is verified. Points are worked on four at a time, and
+/// appended many at a time.
 /// Source: equal steps of the integral of the square root of the bend [Levien, Flattening quadratic
 /// Béziers, 2019]; the distance of a cubic from its chord by its control points, by definition.
 TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly);

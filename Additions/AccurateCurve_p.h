@@ -36,11 +36,13 @@ public:
         for (Pt const& p : points) {
             sum += Taxicab(p);
         }
-        // Nearly all input. With a NaN the comparison fails.
-        if (!(sum >= kLeast && sum <= kGreatest)) {
+        if (!Ordinary(sum)) {
             Scale();
         }
     }
+    /// True when points with this sum of all coordinates' magnitudes stay as they are, as nearly
+    /// all do. False for a NaN.
+    static bool Ordinary(double sum) { return sum >= kLeast && sum <= kGreatest; }
     Pt const& operator[](std::size_t i) const { return mPts[i]; }
     /// False when a coordinate is NaN or infinite.
     bool Finite() const { return mFinite; }

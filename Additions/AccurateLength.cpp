@@ -4,28 +4,56 @@
 //
 // A cubic's derivative, read as a complex number, is a quadratic z(t). The speed |z(t)| is the root
 // of z(t) times its conjugate polynomial, so it is analytic but for the two zeros of z and their
-// conjugates: one complex square root tells where the integrand can be hard, whatever the curve.
+// conjugates: these tell where the integrand can be hard, whatever the curve.
 //
-// On a piece of the curve, mapped to -1 <= w <= 1, let E be the largest ellipse with foci -1 and 1
-// that has no zero inside. If a is its half-axis along the reals, 1/q = (a + sqrt(a² - 1))² and M
-// the maximum of the speed on E, then the coefficients of the speed's Chebyshev series are at most
-// 2 M q^(k/2) [Bernstein; Trefethen, theorem 8.1]. The formula with n nodes is exact up to degree
-// 2n - 1, odd terms vanish by symmetry, and an even term of degree k >= 4 is off by at most
-// 2 + 2/(k² - 1) <= 32/15. Summed up, the error is at most
+// On a piece of the curve, mapped to -1 <= w <= 1, let z(w) = A + Bw + Cw², a the half-axis along
+// the reals of an ellipse with foci -1 and 1 that has no zero inside, and q = (a - sqrt(a² - 1))².
+// With w = (u + 1/u)/2, |u| > 1, the speed's Chebyshev series has the coefficients
 //
-//     (64/15) M q^n / (1 - q)            [Trefethen, theorem 19.3]
+//     a_k = 1/(pi i) times the integral of speed(u) / u^(k + 1) du around the circle |u| = 1
 //
-// A zero lies at w when (|w - 1| + |w + 1|)/2 = a, and those are its distances from the piece's
-// ends in units of half the piece, so a takes two square roots for each zero. The number of nodes
-// is chosen by the bound; where 32 do not suffice, the piece is divided beside the zero that is
-// nearest. Pieces at cusps become small soon, by a factor of 5, and their length by one of 25.
+// [Trefethen, chapter 3]. The circle can be widened without end but for cuts from each of the four
+// zeros along its ray to infinity, on whose two sides the speed is counted with opposite signs, so
+// |a_k| is at most 2/pi times the sum over the cuts of the integral of |speed| / r^(k + 1) dr,
+// r = |u|. On the cut from a zero w1 with |u| = r1, where r = r1·e^x and b = (r1 + 1/r1)/2,
+//
+//     |w| and |w1|        are at most b·e^x, the ellipse's half-axis for r,
+//     |z| or |conjugate|  = |w - w1| |B + C(w + w1)| <= |w - w1| (|B| + 2|C|b) e^x,
+//     |w - w1|            <= (r - r1)(1 + 1/(r·r1))/2 <= b(e^x - 1) <= b·x·e^x,
+//     the other factor    <= (|A| + |B|b + |C|b²) e^(2x).
+//
+// The speed is the root of the product of both. The formula with n nodes is exact up to degree
+// 2n - 1, odd terms vanish by symmetry, and an even term of degree k >= 8 is off by at most
+// 2 + 2/(k² - 1) <= 128/63 [Trefethen, theorem 19.3]. Summing up first 1/r^(k + 1) over the even k
+// from 2n on, to r^(-2n - 1)/(1 - 1/r²), leaves the integral of sqrt(x) e^(2x - 2nx) dx, that is
+// sqrt(pi)/2 · (2n - 2)^(-3/2). What is said of a cut falls as b grows, and none of the four has a
+// b less than a, so the error is at most
+//
+//     512/63 / sqrt(pi) / (2n - 2)^(3/2) · S · q^n / (1 - q),
+//     S = sqrt((|A| + |B|a + |C|a²) a (|B| + 2|C|a)),
+//
+// which is some ten times what random curves are off by. Pieces have the integral 3·half·(...).
+//
+// To know that there is no zero nearby takes no root: two ellipses are covered by discs, in each of
+// which the test of Schur and Cohn tells whether a quadratic has a zero, by products of its
+// coefficients. Where the wider ellipse is free, few nodes suffice, where the narrow one is, up to
+// 40. A piece that has neither is divided at the first discs that are not free, each part with half
+// of the accuracy; most curves of drawings are done whole or in two pieces.
+//
+// What remains after some divisions, and what is to be finer than these ellipses allow, goes by the
+// zeros themselves. One lies at w when (|w - 1| + |w + 1|)/2 = a, and those are its distances from
+// the piece's ends in units of half the piece, so a takes two square roots for each zero. Where the
+// most nodes do not suffice, the piece is divided beside the zero that is nearest. Pieces at cusps
+// become small soon, by a factor of 5, and their length by one of 25.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
+#include "AccurateLength_p.h"
 
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CPath.h"
+#include "UProcessor_p.h"
 
 #include <algorithm>
 #include <array>
@@ -38,6 +66,7 @@ namespace trammel {
 namespace {
 
 using trammel_detail::Dot;
+using trammel_detail::kLengthRounding;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
 using trammel_detail::Square;
@@ -65,6 +94,13 @@ constexpr GaussFormula<8> kGauss16 = {
      0.755404408355003, 0.8656312023878318, 0.9445750230732326, 0.9894009349916499},
     {0.1894506104550685, 0.18260341504492358, 0.16915651939500254, 0.14959598881657674,
      0.12462897125553388, 0.09515851168249279, 0.062253523938647894, 0.027152459411754096}};
+constexpr GaussFormula<10> kGauss20 = {
+    {0.07652652113349734, 0.22778585114164507, 0.37370608871541955, 0.5108670019508271,
+     0.636053680726515, 0.7463319064601508, 0.8391169718222188, 0.912234428251326,
+     0.9639719272779138, 0.9931285991850949},
+    {0.15275338713072584, 0.14917298647260374, 0.14209610931838204, 0.13168863844917664,
+     0.11819453196151841, 0.10193011981724044, 0.08327674157670475, 0.06267204833410907,
+     0.04060142980038694, 0.017614007139152118}};
 constexpr GaussFormula<12> kGauss24 = {
     {0.06405689286260563, 0.1911188674736163, 0.3150426796961634, 0.4337935076260451,
      0.5454214713888396, 0.6480936519369755, 0.7401241915785544, 0.820001985973903,
@@ -72,6 +108,15 @@ constexpr GaussFormula<12> kGauss24 = {
     {0.12793819534675216, 0.1258374563468283, 0.12167047292780339, 0.1155056680537256,
      0.10744427011596563, 0.09761865210411388, 0.08619016153195327, 0.0733464814110803,
      0.05929858491543678, 0.04427743881741981, 0.028531388628933663, 0.0123412297999872}};
+constexpr GaussFormula<14> kGauss28 = {
+    {0.05507928988403427, 0.16456928213338076, 0.2720616276351781, 0.3762515160890787,
+     0.4758742249551183, 0.5697204718114017, 0.656651094038865, 0.7356108780136318,
+     0.8056413709171791, 0.8658925225743951, 0.9156330263921321, 0.9542592806289382,
+     0.9813031653708727, 0.9964424975739544},
+    {0.1100470130164752, 0.10871119225829413, 0.10605576592284642, 0.10211296757806076,
+     0.09693065799792992, 0.09057174439303284, 0.08311341722890121, 0.07464621423456878,
+     0.0652729239669996, 0.05510734567571675, 0.04427293475900423, 0.03290142778230438,
+     0.02113211259277126, 0.009124282593094517}};
 constexpr GaussFormula<16> kGauss32 = {
     {0.04830766568773832, 0.1444719615827965, 0.23928736225213706, 0.33186860228212767,
      0.42135127613063533, 0.5068999089322294, 0.5877157572407623, 0.6630442669302152,
@@ -81,205 +126,111 @@ constexpr GaussFormula<16> kGauss32 = {
      0.08765209300440381, 0.08331192422694675, 0.07819389578707031, 0.0723457941088485,
      0.06582222277636185, 0.058684093478535544, 0.050998059262376175, 0.04283589802222668,
      0.03427386291302143, 0.02539206530926206, 0.01627439473090567, 0.007018610009470096}};
+constexpr GaussFormula<18> kGauss36 = {
+    {0.04301819847370861, 0.1287361038093848, 0.2135008923168656, 0.29668499534402826,
+     0.37767254711968923, 0.45586394443342027, 0.5306802859262452, 0.6015676581359806,
+     0.668001236585521, 0.7294891715935565, 0.7855762301322066, 0.8358471669924753,
+     0.8799298008903972, 0.9174977745156591, 0.9482729843995076, 0.972027691049698,
+     0.9885864789022122, 0.9978304624840858},
+    {0.08598327567039475, 0.08534668573933862, 0.08407821897966193, 0.0821872667043397,
+     0.0796878289120716, 0.07659841064587067, 0.07294188500565306, 0.06874532383573645,
+     0.06403979735501548, 0.05886014424532482, 0.05324471397775992, 0.04723508349026598,
+     0.04087575092364489, 0.03421381077030723, 0.02729862149856878, 0.020181515297735472,
+     0.012915947284065574, 0.0055657196642450455}};
+constexpr GaussFormula<20> kGauss40 = {
+    {0.03877241750605082, 0.11608407067525521, 0.1926975807013711, 0.2681521850072537,
+     0.3419940908257585,  0.413779204371605,   0.4830758016861787, 0.5494671250951282,
+     0.6125538896679802,  0.6719566846141796,  0.7273182551899271, 0.7783056514265194,
+     0.8246122308333117,  0.8659595032122595,  0.9020988069688743, 0.9328128082786765,
+     0.9579168192137917,  0.9772599499837743,  0.990726238699457,  0.9982377097105593},
+    {0.0775059479784248,  0.07703981816424797,  0.07611036190062624,  0.07472316905796826,
+     0.07288658239580406, 0.07061164739128678,  0.0679120458152339,   0.06480401345660104,
+     0.06130624249292894, 0.05743976909939155,  0.05322784698393682,  0.04869580763507223,
+     0.04387090818567327, 0.038782167974472016, 0.033460195282547844, 0.0279370069800234,
+     0.02224584919416696, 0.01642105838190789,  0.010498284531152813, 0.004521277098533191}};
 
-/// No answer can be finer than this part of the control polygon's length: the rounding of some tens
-/// of additions. Finer accuracies are taken as this one.
-constexpr double kRounding = 0x1p-50;
-/// The largest half-axis that the bound asks for. Larger ellipses gain nothing: here 8 nodes are
-/// right to the last bit.
-constexpr double kLargestAxis = 64.0;
-/// The part of a piece that a division leaves at least on either side.
-constexpr double kLeastPart = 0.2;
-/// Pieces waiting for their turn: by then a piece has length 0.
-constexpr std::size_t kMostPending = 64;
+/// All of them as SpeedLength takes them.
+struct GaussTable {
+    double entries[trammel_detail::kGaussEntries] = {};
 
-// Complex numbers are points, h the real part.
-
-Pt Product(Pt const& a, Pt const& b) { return Pt(a.h * b.h - a.v * b.v, a.h * b.v + a.v * b.h); }
-/// NaN when `b` is 0.
-Pt Quotient(Pt const& a, Pt const& b) {
-    double const inverse = 1.0 / Square(b);
-    return Pt((a.h * b.h + a.v * b.v) * inverse, (a.v * b.h - a.h * b.v) * inverse);
-}
-Pt SquareRoot(Pt const& a) {
-    double const x = std::sqrt((std::sqrt(Square(a)) + std::abs(a.h)) * 0.5);
-    if (x == 0.0) {
-        return Pt();
+    constexpr GaussTable() {
+        Add(kGauss4);
+        Add(kGauss8);
+        Add(kGauss12);
+        Add(kGauss16);
+        Add(kGauss20);
+        Add(kGauss24);
+        Add(kGauss28);
+        Add(kGauss32);
+        Add(kGauss36);
+        Add(kGauss40);
     }
-    double const y = a.v / (2.0 * x);
-    return a.h >= 0.0 ? Pt(x, y) : Pt(std::abs(y), std::copysign(x, a.v));
-}
+
+private:
+    template <std::size_t Half> constexpr void Add(GaussFormula<Half> const& formula) {
+        for (std::size_t i = 0; i < Half; i += 2) {
+            for (std::size_t k = i; k < i + 2; ++k) {
+                entries[mFilled] = formula.nodes[k];
+                entries[mFilled + 1] = -formula.nodes[k];
+                entries[mFilled + 4] = formula.weights[k];
+                entries[mFilled + 5] = formula.weights[k];
+                mFilled += 2;
+            }
+            mFilled += 4;
+        }
+    }
+
+    std::size_t mFilled = 0;
+};
+constexpr GaussTable kTable;
 
 /// The speed of a curve, and its integral. Everything is relative to three times the unit.
 class Speed {
 public:
     /// The derivative with Bezier coefficients 3·d0, 3·d1, 3·d2.
-    Speed(Pt const& d0, Pt const& d1, Pt const& d2)
-        : mA(d0), mB(d1 - d0), mC((d0 - d1) + (d2 - d1)), mD2(d2),
-          mSize(Taxicab(d0) + Taxicab(d1) + Taxicab(d2)) {
-        // The zeros of a + 2bt + ct²; the one of greater magnitude from c, the other one from a, so
-        // that neither loses digits. Where there is none, its coordinates become NaN or huge.
-        Pt const root = SquareRoot(Product(mB, mB) - Product(mA, mC));
-        Pt const s = Dot(mB, root) >= 0.0 ? -(mB + root) : root - mB;
-        mZeros[0] = Quotient(s, mC);
-        mZeros[1] = Quotient(mA, s);
+    Speed(Pt const& d0, Pt const& d1, Pt const& d2) : mD2(d2) {
+        Pt const b = d1 - d0;
+        Pt const c = (d0 - d1) + (d2 - d1);
+        mCurve = {d0.h, d0.v, b.h, b.v, c.h, c.v, Taxicab(d0) + Taxicab(d1) + Taxicab(d2)};
     }
     /// A bound on the curve's length, at most sqrt(2) times the control polygon's.
-    double Size() const { return mSize; }
+    double Size() const { return mCurve.size; }
     /// The derivative's length at `t`.
     double At(double t) const {
         return 3.0 * std::sqrt(Square(t < 0.5 ? Value(t) : ValueFromEnd(1.0 - t)));
     }
     /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
     /// rounding, 2^-50 of the size.
-    double Length(double t0, double t1, double accuracy) const;
+    double Length(double t0, double t1, double accuracy) const {
+#ifdef TRAMMEL_AVX2_KERNELS
+        if (trammel_detail::HasWideVectors()) {
+            return trammel_detail::SpeedLengthAvx2(mCurve, t0, t1, accuracy, kTable.entries);
+        }
+#endif
+        return trammel_detail::SpeedLengthPortable(mCurve, t0, t1, accuracy, kTable.entries);
+    }
 
 private:
-    Pt Value(double t) const { return mA + (mB * 2.0 + mC * t) * t; }
+    Pt Value(double t) const {
+        return Pt(mCurve.aH, mCurve.aV) +
+               (Pt(mCurve.bH, mCurve.bV) * 2.0 + Pt(mCurve.cH, mCurve.cV) * t) * t;
+    }
     /// The same seen from the end, so that a curve that stops there really does.
-    Pt ValueFromEnd(double s) const { return mD2 - (mB * 2.0 + mC * 2.0 - mC * s) * s; }
+    Pt ValueFromEnd(double s) const {
+        Pt const c(mCurve.cH, mCurve.cV);
+        return mD2 - (Pt(mCurve.bH, mCurve.bV) * 2.0 + c * 2.0 - c * s) * s;
+    }
 
-    Pt mA;
-    Pt mB;
-    Pt mC;
+    trammel_detail::SpeedCurve mCurve;
     Pt mD2;
-    std::array<Pt, 2> mZeros;
-    double mSize;
 };
-
-/// The quadratic A + Bw + Cw² on a piece, -1 <= w <= 1.
-struct PieceSpeed {
-    Pt a;
-    Pt b;
-    Pt c;
-
-    /// The integral of its magnitude over the piece. Both coordinates are evaluated, not their
-    /// squares' quartic, which would lose half of the digits beside a cusp.
-    template <std::size_t Half> double Integral(GaussFormula<Half> const& formula) const {
-        std::array<double, 2> sums = {0.0, 0.0};
-        for (std::size_t i = 0; i < Half; i += 2) {
-            for (std::size_t lane = 0; lane < 2; ++lane) {
-                double const x = formula.nodes[i + lane];
-                double const evenH = a.h + c.h * (x * x);
-                double const evenV = a.v + c.v * (x * x);
-                double const oddH = b.h * x;
-                double const oddV = b.v * x;
-                double const ph = evenH + oddH;
-                double const pv = evenV + oddV;
-                double const mh = evenH - oddH;
-                double const mv = evenV - oddV;
-                sums[lane] += formula.weights[i + lane] *
-                              (std::sqrt(ph * ph + pv * pv) + std::sqrt(mh * mh + mv * mv));
-            }
-        }
-        return sums[0] + sums[1];
-    }
-};
-
-double Speed::Length(double t0, double t1, double accuracy) const {
-    // What the pieces to come may still be off by. Each takes what its own bound says, at most a
-    // quarter of what is left (the last piece all of it), so that the sum never exceeds the whole.
-    double const least = kRounding * mSize;
-    double left = accuracy > least ? accuracy : least; // a NaN gives the least
-    std::array<double, kMostPending> ends;
-    std::size_t pending = 0;
-    double sum = 0.0;
-    double from = t0;
-    double to = t1;
-    for (;;) {
-        double const width = to - from;
-        double const half = 0.5 * width;
-        double const middle = from + half;
-        PieceSpeed const piece = {middle < 0.5 ? Value(middle) : ValueFromEnd(1.0 - middle),
-                                  (mB + mC * middle) * width, mC * (half * half)};
-
-        double axis = kLargestAxis * width;
-        double zero = middle;
-        for (Pt const& z : mZeros) {
-            double const v = z.v * z.v;
-            double const a = z.h - from;
-            double const b = z.h - to;
-            double const sum2 = std::sqrt(a * a + v) + std::sqrt(b * b + v);
-            if (sum2 < axis) { // false for a zero that does not exist
-                axis = sum2;
-                zero = z.h;
-            }
-        }
-        axis = std::max(axis / width, 1.0);
-        double const inverse = axis - std::sqrt(axis * axis - 1.0);
-        double const q = inverse * inverse;
-
-        // |A| + |B|a + |C|a² bounds the speed on the ellipse; by Cauchy and Schwarz so does the
-        // root, at the price of a factor of at most sqrt(3). The integral is 3·half·(...).
-        double const axis2 = axis * axis;
-        double const bound = 3.0 * half * (64.0 / 15.0) *
-                             std::sqrt(3.0 * (Square(piece.a) +
-                                              axis2 * (Square(piece.b) + axis2 * Square(piece.c))));
-        double const allowed = pending == 0 ? left : 0.25 * left;
-        double const share = allowed * (1.0 - q);
-        double const q2 = q * q;
-        double const q4 = q2 * q2;
-        double const q8 = q4 * q4;
-        double const q16 = q8 * q8;
-        double used = 0.0;
-        double integral = 0.0;
-        if (bound * q8 <= share) {
-            if (bound * q4 <= share) {
-                used = bound * q4;
-                integral = piece.Integral(kGauss4);
-            } else {
-                used = bound * q8;
-                integral = piece.Integral(kGauss8);
-            }
-        } else if (bound * q16 <= share) {
-            if (bound * q8 * q4 <= share) {
-                used = bound * q8 * q4;
-                integral = piece.Integral(kGauss12);
-            } else {
-                used = bound * q16;
-                integral = piece.Integral(kGauss16);
-            }
-        } else if (bound * q16 * q16 <= share) {
-            if (bound * q16 * q8 <= share) {
-                used = bound * q16 * q8;
-                integral = piece.Integral(kGauss24);
-            } else {
-                used = bound * q16 * q16;
-                integral = piece.Integral(kGauss32);
-            }
-        } else {
-            // Both the length and its approximation lie between 0 and this, so the piece may be as
-            // short as that, wherever the zeros are.
-            double const longest =
-                6.0 * half * (Taxicab(piece.a) + Taxicab(piece.b) + Taxicab(piece.c));
-            double const split =
-                std::min(std::max(zero, from + kLeastPart * width), to - kLeastPart * width);
-            if (longest > allowed && pending < kMostPending && split > from && split < to) {
-                ends[pending++] = to;
-                to = split;
-                continue;
-            }
-            integral = piece.Integral(kGauss8);
-            left -= std::min(longest, 0.5 * left);
-        }
-        if (used > 0.0) {
-            left -= std::min(used / (1.0 - q), 0.5 * left);
-        }
-        sum += 3.0 * half * integral;
-        if (pending == 0) {
-            return sum;
-        }
-        from = to;
-        to = ends[--pending];
-    }
-}
 
 Speed SpeedOf(ScaledPoints<4> const& p) { return Speed(p[1] - p[0], p[2] - p[1], p[3] - p[2]); }
 
 /// The parameter at which `target` of the length `total` is reached, 0 < target < total, so that
 /// the length up to there is `target` within `accuracy`.
 double SolveLength(Speed const& speed, double target, double total, double accuracy) {
-    double const least = 2.0 * kRounding * speed.Size();
+    double const least = 2.0 * kLengthRounding * speed.Size();
     double const enough = std::max(0.5 * accuracy, least);
     double step =
         0.125 * accuracy; // of each integral; halved each time, so that the sum is bounded
@@ -328,7 +279,7 @@ double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) 
         return std::numeric_limits<double>::quiet_NaN();
     }
     Speed const speed = SpeedOf(p);
-    double const least = kRounding * speed.Size();
+    double const least = kLengthRounding * speed.Size();
     double const asked = p.Down(accuracy);
     double const within = asked > least ? asked : least;
     double const total = speed.Length(0.0, 1.0, 0.125 * within);
@@ -362,6 +313,12 @@ struct LengthSum {
 } // namespace
 
 double ArcLength(CBezier const& curve, double accuracy) {
+    // The usual case, without copies of the points.
+    if (ScaledPoints<4>::Ordinary(Taxicab(curve.P0) + Taxicab(curve.P1) + Taxicab(curve.P2) +
+                                  Taxicab(curve.P3))) {
+        return Speed(curve.P1 - curve.P0, curve.P2 - curve.P1, curve.P3 - curve.P2)
+            .Length(0.0, 1.0, accuracy);
+    }
     return ArcLength(curve, 0.0, 1.0, accuracy);
 }
 

@@ -67,6 +67,13 @@ struct PackPair {
     }
     [[gnu::always_inline]] inline double First() const { return low[0]; }
     [[gnu::always_inline]] inline double Second() const { return low[1]; }
+    [[gnu::always_inline]] inline double LowSum() const { return low[0] + low[1]; }
+    [[gnu::always_inline]] inline double HighSum() const { return high[0] + high[1]; }
+    /// The sum of the lanes, as (0 + 2) + (1 + 3).
+    [[gnu::always_inline]] inline double Total() const {
+        Half const two = low + high;
+        return two[0] + two[1];
+    }
 
     [[gnu::always_inline]] inline friend PackPair operator+(PackPair const& a, PackPair const& b) {
         return PackPair{a.low + b.low, a.high + b.high};
@@ -161,6 +168,16 @@ struct PackAvx2 {
     [[gnu::always_inline]] inline void Store(double* to) const { _mm256_storeu_pd(to, value); }
     [[gnu::always_inline]] inline double First() const { return value[0]; }
     [[gnu::always_inline]] inline double Second() const { return value[1]; }
+    [[gnu::always_inline]] inline double LowSum() const { return value[0] + value[1]; }
+    [[gnu::always_inline]] inline double HighSum() const {
+        __m128d const high = _mm256_extractf128_pd(value, 1);
+        return high[0] + high[1];
+    }
+    [[gnu::always_inline]] inline double Total() const {
+        __m128d const two =
+            _mm_add_pd(_mm256_castpd256_pd128(value), _mm256_extractf128_pd(value, 1));
+        return two[0] + two[1];
+    }
 
     [[gnu::always_inline]] inline friend PackAvx2 operator+(PackAvx2 const& a, PackAvx2 const& b) {
         return PackAvx2{_mm256_add_pd(a.value, b.value)};

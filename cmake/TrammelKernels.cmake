@@ -7,11 +7,10 @@ check_cxx_compiler_flag("-mavx2 -Werror" TRAMMEL_HAS_MAVX2)
 
 function(trammel_use_kernels target)
     if(TRAMMEL_HAS_MAVX2 AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
-        target_sources(${target} PRIVATE Sources/UCurveKernelsAvx2_p.cpp)
-        set_source_files_properties(
-            "${PROJECT_SOURCE_DIR}/Sources/UCurveKernelsAvx2_p.cpp"
-            PROPERTIES COMPILE_OPTIONS -mavx2
-        )
+        set(forms Sources/UCurveKernelsAvx2_p.cpp Additions/AccurateLengthAvx2_p.cpp)
+        target_sources(${target} PRIVATE ${forms})
+        list(TRANSFORM forms PREPEND "${PROJECT_SOURCE_DIR}/")
+        set_source_files_properties(${forms} PROPERTIES COMPILE_OPTIONS -mavx2)
         target_compile_definitions(${target} PRIVATE TRAMMEL_AVX2_KERNELS)
     endif()
 endfunction()

@@ -4,6 +4,7 @@
 #include "../TestSupport.h"
 #include "CMatrix3x3.h"
 #include "TPoly.h"
+#include "UProcessor_p.h"
 #include "UTrigonometry.h"
 
 #include <gtest/gtest.h>
@@ -340,6 +341,69 @@ TEST(ArcLength, OfAQuadraticIsThatOfTheRaisedCubic) {
         CBezier const raised(c.P0, (c.P0 + c.P1 * 2.0) / 3.0, (c.P2 + c.P1 * 2.0) / 3.0, c.P2);
         ASSERT_LE(Off(ArcLength(c, 1e-9), TrueLength(raised)), 1e-9L + 1e-12L);
     }
+}
+
+/// A curve whose derivative is zero at two parameters, as complex numbers, at a random turn.
+CBezier CurveWithZeros(Random& random, Pt const& z0, Pt const& z1) {
+    auto const product = [](Pt const& p, Pt const& q) {
+        return Pt(p.h * q.h - p.v * q.v, p.h * q.v + p.v * q.h);
+    };
+    Pt const c = random.Point(1000);
+    Pt const a = product(c, product(z0, z1)); // c (t - z0)(t - z1) = a + 2bt + ct²
+    Pt const b = product(c, z0 + z1) * -0.5;
+    Pt const p0 = random.Point(10);
+    Pt const p1 = p0 + a;
+    Pt const p2 = p1 + a + b;
+    return CBezier(p0, p1, p2, p2 + a + b * 2.0 + c);
+}
+
+// Where the number of nodes changes, pieces are divided, or another method takes over.
+TEST(ArcLength, IsWithinTheAccuracyWhereverTheDerivativesZerosAre) {
+    Random random(5);
+    for (int i = 0; i < 4000; ++i) {
+        auto const zero = [&] {
+            // Around the parameters from 0 to 1, at distances of 2^-12 to 1 and more.
+            double const off = std::ldexp(random.Uniform(0.5, 1.5), -random.Integer(0, 12));
+            double const turn = random.Uniform(-4.0, 4.0);
+            return Pt(random.Uniform(-0.05, 1.05) + off * std::cos(turn), off * std::sin(turn));
+        };
+        CBezier const curve = CurveWithZeros(random, zero(), zero());
+        Wide const truth = TrueLength(curve);
+        Wide const size = PolygonLength(curve);
+        for (int digits = 2; digits <= 13; ++digits) {
+            double const accuracy = static_cast<double>(size) * std::pow(10.0, -digits);
+            ASSERT_LE(Off(ArcLength(curve, accuracy), truth),
+                      Widened(accuracy) + std::ldexp(size, -48))
+                << Text(curve) << digits;
+        }
+    }
+}
+
+/// Calls `compute` with vectors of four doubles, if the processor has them, and without.
+template <class Compute> void ExpectTheSameInBothForms(Compute const& compute) {
+    auto const wide = compute();
+    trammel_detail::UsePortableForms(true);
+    auto const portable = compute();
+    trammel_detail::UsePortableForms(false);
+    ASSERT_EQ(wide.size(), portable.size());
+    for (std::size_t i = 0; i < wide.size(); ++i) {
+        ASSERT_TRUE(SameBits(wide[i], portable[i])) << i;
+    }
+}
+
+TEST(ArcLength, IsTheSameOnEveryProcessor) {
+    ExpectTheSameInBothForms([] {
+        Random random(6);
+        std::vector<double> results;
+        for (int i = 0; i < 3000; ++i) {
+            CBezier const curve = AnyCurve(random);
+            for (double const accuracy : {1.0, 1e-3, 1e-6, 1e-10, 0.0}) {
+                results.push_back(ArcLength(curve, accuracy));
+            }
+            results.push_back(ParameterAtFraction(curve, 0.3, 1e-6));
+        }
+        return results;
+    });
 }
 
 TEST(ArcLength, ScalesExactlyByPowersOfTwo) {
@@ -957,6 +1021,38 @@ TEST(FlattenWithin, DeliversWhatItAppends) {
     FlattenWithin(CBSpline({0, 0}, {30, 60}, {60, 0}), 0.01, a);
     FlattenWithin(CBezier({0, 0}, {20, 40}, {40, 40}, {60, 0}), 0.01, b);
     EXPECT_EQ(a.LastIndex(), b.LastIndex());
+}
+
+TEST(FlattenWithin, IsTheSameOnEveryProcessor) {
+    ExpectTheSameInBothForms([] {
+        Random random(36);
+        std::vector<double> results;
+        for (int i = 0; i < 1000; ++i) {
+            CBezier const curve = AnyCurve(random);
+            for (double const tolerance : {10.0, 0.1, 1e-3, 1e-5}) {
+                TPolygon<double> polygon;
+                results.push_back(FlattenWithin(curve, tolerance, polygon));
+                for (Pt const& p : Points(polygon)) {
+                    results.push_back(p.h);
+                    results.push_back(p.v);
+                }
+            }
+        }
+        return results;
+    });
+}
+
+// Points of a curve far from the origin coincide by rounding.
+TEST(FlattenWithin, LeavesOutPointsEqualToTheirPredecessor) {
+    TPolygon<double> polygon;
+    double const far = 0x1p52;
+    FlattenWithin(CBezier({far, far}, {far + 1, far + 5}, {far + 4, far + 6}, {far + 8, far}), 1e-6,
+                  polygon);
+    ASSERT_GT(polygon.LastIndex(), 5);
+    ASSERT_LT(polygon.LastIndex(), 40);
+    for (long i = 1; i <= polygon.LastIndex(); ++i) {
+        ASSERT_NE(polygon.GetPt(i), polygon.GetPt(i - 1)) << i;
+    }
 }
 
 TEST(FlattenWithin, ScalesExactlyByPowersOfTwo) {

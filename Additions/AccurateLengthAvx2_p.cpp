@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: MIT
+//
+// The integral of a curve's speed for processors with AVX2. Compiled with -mavx2, and called only
+// where the processor has it; see UCurveKernelsAvx2_p.cpp for what must not be here.
+
+#include "AccurateLengthForms_p.h"
+
+namespace trammel_detail {
+
+double SpeedLengthAvx2(SpeedCurve const& curve, double t0, double t1, double accuracy,
+                       double const (&table)[kGaussEntries]) {
+    return SpeedLengthForm<PackAvx2>(curve, t0, t1, accuracy, table);
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,345 @@
+// SPDX-License-Identifier: MIT
+//
+// The integral of a curve's speed, written for any kind of pack (UPack_p.h). Included by the files
+// that compile it for one kind each, and by nothing else. AccurateLength.cpp tells the method. Not
+// installed.
+
+#ifndef TRAMMEL_ACCURATELENGTHFORMS_P_H
+#define TRAMMEL_ACCURATELENGTHFORMS_P_H
+
+#include "AccurateLength_p.h"
+#include "UPack_p.h"
+
+namespace trammel_detail {
+
+// Plain expressions instead of the standard library's functions, which might not be inlined.
+
+[[gnu::always_inline]] inline constexpr double Lesser(double a, double b) { return a < b ? a : b; }
+[[gnu::always_inline]] inline constexpr double Greater(double a, double b) { return a > b ? a : b; }
+[[gnu::always_inline]] inline double Magnitude(double h, double v) {
+    return __builtin_fabs(h) + __builtin_fabs(v);
+}
+
+/// A third of a cubic's derivative on a piece of its parameters, as A + Bw + Cw², -1 <= w <= 1.
+/// Every number fills a pack.
+template <class Pack> struct PieceSpeed {
+    Pack middle;
+    Pack half; ///< of the piece's width
+    Pack aH, aV, bH, bV, cH, cV;
+
+    [[gnu::always_inline]] PieceSpeed(SpeedCurve const& curve, double from, double to) {
+        double const width = to - from;
+        Pack const widths = Pack::All(width);
+        middle = Pack::All(from + 0.5 * width);
+        half = Pack::All(0.5 * width);
+        Pack const square = half * half;
+        Pack const riseH = Pack::All(curve.cH) * middle + Pack::All(curve.bH);
+        Pack const riseV = Pack::All(curve.cV) * middle + Pack::All(curve.bV);
+        aH = Pack::All(curve.aH) + (Pack::All(curve.bH) + riseH) * middle;
+        aV = Pack::All(curve.aV) + (Pack::All(curve.bV) + riseV) * middle;
+        bH = riseH * widths;
+        bV = riseV * widths;
+        cH = Pack::All(curve.cH) * square;
+        cV = Pack::All(curve.cV) * square;
+    }
+    // Upper bounds on the coefficients' magnitudes.
+    [[gnu::always_inline]] Pack SizeA() const { return Pack::Abs(aH) + Pack::Abs(aV); }
+    [[gnu::always_inline]] Pack SizeB() const { return Pack::Abs(bH) + Pack::Abs(bV); }
+    [[gnu::always_inline]] Pack SizeC() const { return Pack::Abs(cH) + Pack::Abs(cV); }
+    /// The integral by the formula with 4·steps nodes.
+    [[gnu::always_inline]] double Integral(double const (&table)[kGaussEntries], int steps) const {
+        double const* formula = table + 4 * steps * (steps - 1);
+        Pack sum = Pack::All(0.0);
+        for (int i = 0; i < steps; ++i, formula += 8) {
+            Pack const w = Pack::Load(formula);
+            Pack const h = aH + w * (bH + w * cH);
+            Pack const v = aV + w * (bV + w * cV);
+            sum = sum + Pack::Load(formula + 4) * Pack::Sqrt(h * h + v * v);
+        }
+        return 3.0 * half.First() * sum.Total();
+    }
+};
+
+// ------------------------------------------------------------------------------------------------
+// By ellipses without zeros
+
+/// An ellipse with foci -1 and 1, covered by discs around points of the real axis. As a cover is
+/// symmetric, the half with positive reals is given, from 0 on.
+template <int Discs> struct Cover {
+    double axis;             ///< the half-axis along the reals, at least that for q
+    double height;           ///< the other one
+    double seams[Discs + 1]; ///< disc i covers the ellipse from seam i to i + 1
+    double centres[Discs];
+    double radii[Discs];
+
+    /// Whether the discs cover the ellipse, with some room, given 1/sqrt(q), rounded up. The
+    /// squared distance of the ellipse's points from a centre is a convex function of their real
+    /// part, so the seams tell.
+    constexpr bool Covers(double inverseRoot) const {
+        bool covers = axis >= 0.5 * (inverseRoot + 1.0 / inverseRoot) &&
+                      height >= 0.5 * (inverseRoot - 1.0 / inverseRoot) && seams[0] == 0.0 &&
+                      seams[Discs] == axis;
+        for (int i = 0; i < Discs; ++i) {
+            for (int k = i; k <= i + 1; ++k) {
+                double const x = seams[k];
+                double const y2 = height * height * (1.0 - x * x / (axis * axis));
+                double const off = x - centres[i];
+                covers = covers && off * off + y2 <= radii[i] * radii[i] * (1.0 - 1e-6);
+            }
+        }
+        return covers;
+    }
+};
+
+/// The ellipses of q = 11/20 and q = 7/10.
+inline constexpr Cover<2> kWide = {
+    1.04502, 0.3034, {0.0, 0.739, 1.04502}, {0.338, 0.817}, {0.455, 0.229}};
+inline constexpr Cover<4> kNarrow = {1.01595,
+                                     0.17929,
+                                     {0.0, 0.389, 0.718, 0.939, 1.01595},
+                                     {0.188, 0.536, 0.803, 0.947},
+                                     {0.261, 0.222, 0.153, 0.069}};
+static_assert(kWide.Covers(1.3484) && kNarrow.Covers(1.195229));
+
+/// (512/63 / sqrt(pi) / (2n - 2)^(3/2) · q^n / (1 - q))² for q = 11/20 and n = 4, 8 and so on,
+/// rounded up.
+inline constexpr int kWideLeast = 1; ///< steps
+inline constexpr double kWideErrors[8] = {4.027e-03, 2.654e-06, 5.728e-09, 1.891e-11,
+                                          7.793e-14, 3.679e-16, 1.904e-18, 1.053e-20};
+/// The same for q = 7/10 and n = 12, 16 and so on.
+inline constexpr int kNarrowLeast = 3;
+inline constexpr double kNarrowErrors[8] = {4.205e-06, 9.561e-08, 2.712e-09, 8.814e-11,
+                                            3.141e-12, 1.196e-13, 4.792e-15, 1.997e-16};
+static_assert(kNarrowLeast + 7 == kGaussFormulas);
+
+/// A cover's discs in the order of their centres.
+struct DiscRow {
+    double centres[8] = {};
+    double radii[8] = {};
+
+    template <int Discs> explicit constexpr DiscRow(Cover<Discs> const& cover) {
+        for (int i = 0; i < Discs; ++i) {
+            centres[Discs + i] = cover.centres[i];
+            centres[Discs - 1 - i] = -cover.centres[i];
+            radii[Discs + i] = radii[Discs - 1 - i] = cover.radii[i];
+        }
+    }
+};
+inline constexpr DiscRow kWideDiscs(kWide);
+inline constexpr DiscRow kNarrowDiscs(kNarrow);
+
+/// Where to divide a piece, by the narrow discs that are free of zeros, as bits: in the middle of
+/// the first ones that are not, but not near an end.
+struct Divisions {
+    double at[256] = {};
+
+    constexpr Divisions() {
+        for (int free = 0; free < 255; ++free) {
+            int first = 0;
+            while ((free >> first & 1) != 0) {
+                ++first;
+            }
+            int last = first;
+            while (last < 7 && (free >> (last + 1) & 1) == 0) {
+                ++last;
+            }
+            double const middle = 0.5 * (kNarrowDiscs.centres[first] + kNarrowDiscs.centres[last]);
+            at[free] = Lesser(Greater(middle, -kFarthest), kFarthest);
+        }
+    }
+
+private:
+    static constexpr double kFarthest = 0.8;
+};
+inline constexpr Divisions kDivisions;
+
+/// Whether the derivative has no zero in each of four discs, as bits. By the test of Schur and Cohn
+/// for the unit disc [Marden, Geometry of Polynomials, section 42].
+template <class Pack>
+[[gnu::always_inline]] inline unsigned FreeDiscs(PieceSpeed<Pack> const& z, Pack const& centre,
+                                                 Pack const& radius) {
+    Pack const slopeH = centre * z.cH;
+    Pack const slopeV = centre * z.cV;
+    Pack const p0H = z.aH + centre * (z.bH + slopeH);
+    Pack const p0V = z.aV + centre * (z.bV + slopeV);
+    Pack const p1H = radius * (z.bH + (slopeH + slopeH));
+    Pack const p1V = radius * (z.bV + (slopeV + slopeV));
+    Pack const square = radius * radius;
+    Pack const p2H = square * z.cH;
+    Pack const p2V = square * z.cV;
+    Pack const constant = (p0H * p0H + p0V * p0V) - (p2H * p2H + p2V * p2V);
+    Pack const linearH = (p0H - p2H) * p1H + (p0V - p2V) * p1V;
+    Pack const linearV = (p0H + p2H) * p1V - (p0V + p2V) * p1H;
+    auto const positive = Pack::All(0.0) < constant;
+    auto const greater = linearH * linearH + linearV * linearV < constant * constant;
+    return (positive & greater).Bits();
+}
+
+/// Bits of the errors that are at most `limit` when multiplied by `factor`.
+template <class Pack>
+[[gnu::always_inline]] inline unsigned Suffice(double const (&errors)[8], Pack const& factor,
+                                               Pack const& limit) {
+    return (Pack::Load(errors) * factor <= limit).Bits() |
+           (Pack::Load(errors + 4) * factor <= limit).Bits() << 4U;
+}
+
+// ------------------------------------------------------------------------------------------------
+// By the zeros themselves
+
+/// The largest half-axis that the bound asks for. Larger ellipses gain nothing: here 4 nodes are
+/// right to 2^-50.
+inline constexpr double kLargestAxis = 64.0;
+/// The part of a piece that a division leaves at least on either side.
+inline constexpr double kLeastPart = 0.2;
+/// Pieces waiting for their turn: by then a piece has length 0.
+inline constexpr int kMostPending = 64;
+/// The bound's 512/63 / sqrt(pi) / (2n - 2)^(3/2) for the formulas, rounded up.
+inline constexpr double kGaussFactors[kGaussFormulas] = {
+    0.311981,  0.0875312, 0.0444346,  0.0279044,  0.0195740,
+    0.0146967, 0.0115549, 0.00939221, 0.00782904, 0.00665601};
+
+/// The length from `t0` to `t1` within `accuracy`.
+template <class Pack>
+[[gnu::noinline]] double LengthByZeros(SpeedCurve const& curve, double t0, double t1,
+                                       double accuracy, double const (&table)[kGaussEntries]) {
+    double zeroH[2];
+    double zeroV[2];
+    ZerosOf(curve, zeroH, zeroV);
+    // What the pieces to come may still be off by. Each takes what its own bound says, at most a
+    // quarter of what is left (the last piece all of it), so that the sum never exceeds the whole.
+    double left = accuracy;
+    double ends[kMostPending];
+    int pending = 0;
+    double sum = 0.0;
+    double from = t0;
+    double to = t1;
+    for (;;) {
+        PieceSpeed<Pack> const piece(curve, from, to);
+        double const width = to - from;
+        double const half = piece.half.First();
+        double const sizeA = piece.SizeA().First();
+        double const sizeB = piece.SizeB().First();
+        double const sizeC = piece.SizeC().First();
+        double axis = kLargestAxis * width;
+        double zero = from + half;
+        for (int i = 0; i < 2; ++i) {
+            double const v = zeroV[i] * zeroV[i];
+            double const d0 = zeroH[i] - from;
+            double const d1 = zeroH[i] - to;
+            double const both = __builtin_sqrt(d0 * d0 + v) + __builtin_sqrt(d1 * d1 + v);
+            if (both < axis) { // false for a zero that does not exist
+                axis = both;
+                zero = zeroH[i];
+            }
+        }
+        axis = Greater(axis / width, 1.0);
+        double const axis2 = axis * axis;
+        double const inverse = axis - __builtin_sqrt(axis2 - 1.0);
+        double const q = inverse * inverse;
+        double const bound = 3.0 * half *
+                             __builtin_sqrt((sizeA + (sizeB * axis + sizeC * axis2)) *
+                                            (sizeB * axis + 2.0 * (sizeC * axis2)));
+        double const allowed = pending == 0 ? left : 0.25 * left;
+        double const share = allowed * (1.0 - q);
+        double const q2 = q * q;
+        double const q4 = q2 * q2;
+        double power = q4;
+        int steps = 1;
+        while (steps <= kGaussFormulas && !(power * (bound * kGaussFactors[steps - 1]) <= share)) {
+            power *= q4;
+            ++steps;
+        }
+        if (steps > kGaussFormulas) {
+            // Both the length and its approximation lie between 0 and this, so the piece may be as
+            // short as that, wherever the zeros are.
+            double const longest = 6.0 * half * (sizeA + sizeB + sizeC);
+            double const split =
+                Lesser(Greater(zero, from + kLeastPart * width), to - kLeastPart * width);
+            if (longest > allowed && pending < kMostPending && split > from && split < to) {
+                ends[pending++] = to;
+                to = split;
+                continue;
+            }
+            steps = 2;
+            left -= Lesser(longest, 0.5 * left);
+        } else if (pending > 0) {
+            double const used = power * (bound * kGaussFactors[steps - 1]);
+            left -= Lesser(used / (1.0 - q), 0.5 * left);
+        }
+        sum += piece.Integral(table, steps);
+        if (pending == 0) {
+            return sum;
+        }
+        from = to;
+        to = ends[--pending];
+    }
+}
+
+// ------------------------------------------------------------------------------------------------
+
+/// Pieces are divided that often before their zeros are looked for.
+inline constexpr int kQuickDivisions = 3;
+template <class Pack>
+[[gnu::always_inline]] inline double SpeedLengthForm(SpeedCurve const& curve, double t0, double t1,
+                                                     double accuracy,
+                                                     double const (&table)[kGaussEntries]) {
+    struct Waiting {
+        double to;
+        double accuracy;
+        int divisions;
+    };
+    Waiting waiting[kQuickDivisions + 1];
+    int pending = 0;
+    double const least = kLengthRounding * curve.size;
+    double sum = 0.0;
+    double from = t0;
+    Waiting now = {t1, accuracy > least ? accuracy : least, 0}; // a NaN gives the least
+    for (;;) {
+        PieceSpeed<Pack> const piece(curve, from, now.to);
+        Pack const sizeB = Pack::All(kWide.axis) * piece.SizeB();
+        Pack const sizeC = Pack::All(kWide.axis * kWide.axis) * piece.SizeC();
+        Pack const factor = (Pack::All(9.0) * (piece.half * piece.half)) *
+                            ((piece.SizeA() + (sizeB + sizeC)) * (sizeB + (sizeC + sizeC)));
+        Pack const limit = Pack::All(now.accuracy * now.accuracy);
+        constexpr unsigned kNone = 0x100;
+        int const wideSteps =
+            kWideLeast + __builtin_ctz(kNone | Suffice<Pack>(kWideErrors, factor, limit));
+        unsigned const wide =
+            FreeDiscs(piece, Pack::Load(kWideDiscs.centres), Pack::Load(kWideDiscs.radii));
+        int steps = wide == 0xF ? wideSteps : kGaussFormulas + 1;
+        unsigned narrow = 0xFF;
+        if (steps > kWideLeast + 7) {
+            narrow =
+                FreeDiscs(piece, Pack::Load(kNarrowDiscs.centres), Pack::Load(kNarrowDiscs.radii)) |
+                FreeDiscs(piece, Pack::Load(kNarrowDiscs.centres + 4),
+                          Pack::Load(kNarrowDiscs.radii + 4))
+                    << 4U;
+            steps = narrow == 0xFF
+                        ? kNarrowLeast +
+                              __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit))
+                        : kGaussFormulas + 1;
+        }
+        if (steps <= kGaussFormulas) {
+            sum += piece.Integral(table, steps);
+        } else if (narrow != 0xFF && now.divisions < kQuickDivisions &&
+                   wideSteps < kWideLeast + 8) {
+            double const split = piece.middle.First() + piece.half.First() * kDivisions.at[narrow];
+            now.accuracy *= 0.5;
+            ++now.divisions;
+            waiting[pending++] = now;
+            now.to = split;
+            continue;
+        } else {
+            sum += LengthByZeros<Pack>(curve, from, now.to, now.accuracy, table);
+        }
+        if (pending == 0) {
+            return sum;
+        }
+        from = now.to;
+        now = waiting[--pending];
+    }
+}
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+//
+// The integral of a curve's speed, in a form for every processor and in one for those with AVX2, of
+// the same bits. AccurateLength.cpp tells the method. Not installed.
+
+#ifndef TRAMMEL_ACCURATELENGTH_P_H
+#define TRAMMEL_ACCURATELENGTH_P_H
+
+namespace trammel_detail {
+
+/// A third of a cubic's derivative, a + 2bt + ct² in both coordinates.
+struct SpeedCurve {
+    double aH, aV, bH, bV, cH, cV;
+    /// At least its magnitude, for t from 0 to 1.
+    double size;
+};
+
+/// The formulas that SpeedLength chooses from have 4, 8 and so on nodes, up to 4 times this.
+inline constexpr int kGaussFormulas = 10;
+/// Numbers in their table: for every four nodes these, then their weights. The formula with 4k
+/// nodes begins where the shorter ones end.
+inline constexpr int kGaussEntries = 8 * (kGaussFormulas * (kGaussFormulas + 1) / 2);
+
+/// No answer can be finer than this part of the control polygon's length: the rounding of some tens
+/// of additions. Finer accuracies are taken as this one.
+inline constexpr double kLengthRounding = 0x1p-50;
+
+/// Stores the zeros of a + 2bt + ct² as a polynomial of complex numbers; NaN or huge where there is
+/// none.
+void ZerosOf(SpeedCurve const& curve, double (&h)[2], double (&v)[2]);
+
+/// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
+/// rounding, 2^-50 of the size.
+double SpeedLengthPortable(SpeedCurve const& curve, double t0, double t1, double accuracy,
+                           double const (&table)[kGaussEntries]);
+double SpeedLengthAvx2(SpeedCurve const& curve, double t0, double t1, double accuracy,
+                       double const (&table)[kGaussEntries]);
+
+} // namespace trammel_detail
+
+#endif
