@@ -12,6 +12,7 @@
 #include "UGeometry.h"
 #include "UHypot_p.h"
 #include "UPointBuffer_p.h"
+#include "UPolygonAppend_p.h"
 #include "UScalar.h"
 #include "USubdivision_p.h"
 
@@ -172,22 +173,6 @@ template <auto kTest, class Rec> void TestSplitPoints(CBezier const& curve, Rec&
     PointBuffer<kTestRun, decltype(test)> run(test);
     GenerateForced(curve, run);
     run.Pass();
-}
-
-/// Appends the points as AddPtToPoly does one after the other, but in one go where that gives the
-/// same: where none repeats the one before, and memory suffices for all.
-void AppendUniquePoints(TPoint<double> const* points, int count, TPolygon<double>& poly) {
-    bool unique = poly.Empty() || points[0] != poly.GetPt(poly.LastIndex());
-    for (int i = 1; i < count; ++i) {
-        unique &= points[i] != points[i - 1];
-    }
-    auto const size = static_cast<Size>(sizeof points[0]) * count;
-    if (unique && PtrAndHand(points, reinterpret_cast<Handle>(poly.mHandle), size) == noErr) {
-        return;
-    }
-    for (int i = 0; i < count; ++i) {
-        CBezier::AddPtToPoly(points[i], poly);
-    }
 }
 
 /// Makes room in the polygon for all points of the flattened curve, of which there are many;
@@ -573,7 +558,7 @@ void CBezier::Flatten(TPolygon<double>& poly, double error) const {
             ReservePoints(*this, error, poly); // more are to come
         }
         first = false;
-        AppendUniquePoints(points, count, poly);
+        trammel_detail::AppendUniquePoints(points, count, poly);
     };
     PointBuffer<kFlattenRun, decltype(append)> run(append);
     FlattenTo(*this, error, run);

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+//
+// The arithmetic of flattening for every processor.
+
+#include "AccurateFlattenForms_p.h"
+
+namespace trammel_detail {
+
+void PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan) {
+    PlanFlatteningForm<PackPair>(curve, scale, plan);
+}
+
+void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {
+    NextFlatRunForm<PackPair>(curve, tolerance, plan, run);
+}
+
+} // namespace trammel_detail

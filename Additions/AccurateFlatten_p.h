@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+//
+// The arithmetic of flattening, in a form for every processor and in one for those with AVX2, of
+// the same bits. AccurateFlatten.cpp tells the method. Not installed.
+
+#ifndef TRAMMEL_ACCURATEFLATTEN_P_H
+#define TRAMMEL_ACCURATEFLATTEN_P_H
+
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// A cubic relative to its start, 3at + 3bt² + ct³ in both coordinates.
+struct FlatCubic {
+    double aH, aV, bH, bV, cH, cV;
+    double endH, endV;   ///< the point at 1, exactly
+    double lastH, lastV; ///< a third of the derivative there
+};
+
+/// Panels in which the bend is looked at: few for few points.
+inline constexpr int kFewPanels = 16;
+inline constexpr int kManyPanels = 64;
+/// With more points than this there are many panels.
+inline constexpr double kFewPoints = 80.0;
+
+/// Where on the curve the points are to lie. Arrays have room for whole packs.
+struct FlatPlan {
+    int panels;
+    int panel;       ///< the one that the next chord ends in
+    int chords;      ///< into which the curve is divided
+    int done;        ///< of them
+    double step;     ///< the share of a chord in the last sum
+    double perChord; ///< its inverse
+    double density[kManyPanels + 4];
+    double sums[kManyPanels + 4]; ///< integrals of the density from 0 to the panels' ends
+};
+
+/// Planned points, computed together.
+struct FlatRun {
+    static constexpr int kRoom = 60;
+
+    int count;
+    std::uint64_t failing; ///< bit i: the chord to point i + 1 is not known to keep the tolerance
+    // At index 0 the point before the run: its parameter, itself, a third of the derivative. Room
+    // for whole packs.
+    double t[kRoom + 8];
+    double h[kRoom + 8];
+    double v[kRoom + 8];
+    double dh[kRoom + 8];
+    double dv[kRoom + 8];
+};
+
+/// Sets the plan's panels, densities and sums: equal steps of the last sum are chords that leave
+/// the curve by the tolerance. `scale` is 3/(4·tolerance).
+void PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
+void PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
+
+/// Computes the next points of the plan, and verifies the chords that end in them. count is 0 when
+/// the plan is done.
+void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
+void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
+
+} // namespace trammel_detail
+
+#endif
