@@ -184,7 +184,7 @@ public:
         double const chords = std::max(1.0, std::ceil(total)); // may be beyond any integer
         mPlan.chords = chords < most ? static_cast<int>(chords) : most;
         mPlan.step = total / mPlan.chords;
-        mPlan.perChord = 1.0 / mPlan.step;
+        mPlan.perChord = mPlan.chords / total;
         mPlan.panel = 0;
         mPlan.done = 0;
         return mPlan.chords;

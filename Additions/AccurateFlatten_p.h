@@ -30,7 +30,7 @@ struct FlatPlan {
     int chords;      ///< into which the curve is divided
     int done;        ///< of them
     double step;     ///< the share of a chord in the last sum
-    double perChord; ///< its inverse
+    double perChord; ///< its inverse; infinite or NaN where there is no bend
     double density[kManyPanels + 4];
     double sums[kManyPanels + 4]; ///< integrals of the density from 0 to the panels' ends
 };

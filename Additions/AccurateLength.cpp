@@ -152,37 +152,34 @@ constexpr GaussFormula<20> kGauss40 = {
 /// All of them as SpeedLength takes them.
 struct GaussTable {
     double entries[trammel_detail::kGaussEntries] = {};
+    std::size_t filled = 0;
 
-    constexpr GaussTable() {
-        Add(kGauss4);
-        Add(kGauss8);
-        Add(kGauss12);
-        Add(kGauss16);
-        Add(kGauss20);
-        Add(kGauss24);
-        Add(kGauss28);
-        Add(kGauss32);
-        Add(kGauss36);
-        Add(kGauss40);
-    }
-
-private:
-    template <std::size_t Half> constexpr void Add(GaussFormula<Half> const& formula) {
+    template <std::size_t Half> constexpr GaussTable& Add(GaussFormula<Half> const& formula) {
         for (std::size_t i = 0; i < Half; i += 2) {
             for (std::size_t k = i; k < i + 2; ++k) {
-                entries[mFilled] = formula.nodes[k];
-                entries[mFilled + 1] = -formula.nodes[k];
-                entries[mFilled + 4] = formula.weights[k];
-                entries[mFilled + 5] = formula.weights[k];
-                mFilled += 2;
+                entries[filled] = formula.nodes[k];
+                entries[filled + 1] = -formula.nodes[k];
+                entries[filled + 4] = formula.weights[k];
+                entries[filled + 5] = formula.weights[k];
+                filled += 2;
             }
-            mFilled += 4;
+            filled += 4;
         }
+        return *this;
     }
-
-    std::size_t mFilled = 0;
 };
-constexpr GaussTable kTable;
+constexpr GaussTable kTable = GaussTable()
+                                  .Add(kGauss4)
+                                  .Add(kGauss8)
+                                  .Add(kGauss12)
+                                  .Add(kGauss16)
+                                  .Add(kGauss20)
+                                  .Add(kGauss24)
+                                  .Add(kGauss28)
+                                  .Add(kGauss32)
+                                  .Add(kGauss36)
+                                  .Add(kGauss40);
+static_assert(kTable.filled == trammel_detail::kGaussEntries);
 
 /// The speed of a curve, and its integral. Everything is relative to three times the unit.
 class Speed {
