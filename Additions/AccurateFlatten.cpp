@@ -309,7 +309,7 @@ public:
     void Run(double const* h, double const* v, int count) {
         static_assert(FlatRun::kRoom <= trammel_detail::kBlockPoints);
         double* const room = mBuffer.RoomForBlock();
-        for (int i = 0; i < count; ++i) {
+        for (long i = 0; i < count; ++i) {
             room[2 * i] = mOrigin.v + v[i];
             room[2 * i + 1] = mOrigin.h + h[i];
         }

@@ -25,7 +25,7 @@ inline constexpr double kFewPoints = 80.0;
 
 /// Where on the curve the points are to lie. Arrays have room for whole packs.
 struct FlatPlan {
-    int panels;
+    int panels = kFewPanels;
     int panel;       ///< the one that the next chord ends in
     int chords;      ///< into which the curve is divided
     int done;        ///< of them

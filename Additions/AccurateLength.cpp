@@ -65,7 +65,6 @@ namespace trammel {
 
 namespace {
 
-using trammel_detail::Dot;
 using trammel_detail::kLengthRounding;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;

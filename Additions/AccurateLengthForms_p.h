@@ -47,10 +47,10 @@ template <class Pack> struct PieceSpeed {
     [[gnu::always_inline]] Pack SizeB() const { return Pack::Abs(bH) + Pack::Abs(bV); }
     [[gnu::always_inline]] Pack SizeC() const { return Pack::Abs(cH) + Pack::Abs(cV); }
     /// The integral by the formula with 4·steps nodes.
-    [[gnu::always_inline]] double Integral(double const (&table)[kGaussEntries], int steps) const {
+    [[gnu::always_inline]] double Integral(double const (&table)[kGaussEntries], long steps) const {
         double const* formula = table + 4 * steps * (steps - 1);
         Pack sum = Pack::All(0.0);
-        for (int i = 0; i < steps; ++i, formula += 8) {
+        for (long i = 0; i < steps; ++i, formula += 8) {
             Pack const w = Pack::Load(formula);
             Pack const h = aH + w * (bH + w * cH);
             Pack const v = aV + w * (bV + w * cV);
