@@ -112,67 +112,97 @@ inline constexpr double kNarrowErrors[8] = {4.205e-06, 9.561e-08, 2.712e-09, 8.8
                                             3.141e-12, 1.196e-13, 4.792e-15, 1.997e-16};
 static_assert(kNarrowLeast + 7 == kGaussFormulas);
 
-/// A cover's discs in the order of their centres.
-struct DiscRow {
-    double centres[8] = {};
-    double radii[8] = {};
-
-    template <int Discs> explicit constexpr DiscRow(Cover<Discs> const& cover) {
-        for (int i = 0; i < Discs; ++i) {
-            centres[Discs + i] = cover.centres[i];
-            centres[Discs - 1 - i] = -cover.centres[i];
-            radii[Discs + i] = radii[Discs - 1 - i] = cover.radii[i];
-        }
-    }
-};
-inline constexpr DiscRow kWideDiscs(kWide);
-inline constexpr DiscRow kNarrowDiscs(kNarrow);
-
-/// Where to divide a piece, by the narrow discs that are free of zeros, as bits: in the middle of
-/// the first ones that are not, but not near an end.
+/// Where to divide a piece, by the narrow discs that are free of zeros, as bits: first those on the
+/// left, from the middle outwards, then those on the right. In the middle of the first discs from
+/// the left that are not free, but not near an end.
 struct Divisions {
     double at[256] = {};
 
     constexpr Divisions() {
         for (int free = 0; free < 255; ++free) {
-            int first = 0;
-            while ((free >> first & 1) != 0) {
+            int first = 0; // of the discs from left to right
+            while (Free(free, first)) {
                 ++first;
             }
             int last = first;
-            while (last < 7 && (free >> (last + 1) & 1) == 0) {
+            while (last < 7 && !Free(free, last + 1)) {
                 ++last;
             }
-            double const middle = 0.5 * (kNarrowDiscs.centres[first] + kNarrowDiscs.centres[last]);
+            double const middle = 0.5 * (Centre(first) + Centre(last));
             at[free] = Lesser(Greater(middle, -kFarthest), kFarthest);
         }
     }
 
 private:
     static constexpr double kFarthest = 0.8;
+
+    static constexpr bool Free(int free, int disc) {
+        return (free >> (disc < 4 ? 3 - disc : disc) & 1) != 0;
+    }
+    static constexpr double Centre(int disc) {
+        return disc < 4 ? -kNarrow.centres[3 - disc] : kNarrow.centres[disc - 4];
+    }
 };
 inline constexpr Divisions kDivisions;
 
-/// Whether the derivative has no zero in each of four discs, as bits. By the test of Schur and Cohn
-/// for the unit disc [Marden, Geometry of Polynomials, section 42].
+// A disc is free of zeros when z(centre + radius·u) = p0 + p1·u + p2·u² has none in the unit disc.
+// By Schur and Cohn that is so when |p0| > |p2| and |conj(p0) p1 - p2 conj(p1)| < |p0|² - |p2|²
+// [Marden, Geometry of Polynomials, section 42].
+
+/// Whether discs with these p0, p1, p2 and |p2|² are free, as bits.
 template <class Pack>
-[[gnu::always_inline]] inline unsigned FreeDiscs(PieceSpeed<Pack> const& z, Pack const& centre,
-                                                 Pack const& radius) {
-    Pack const slopeH = centre * z.cH;
-    Pack const slopeV = centre * z.cV;
-    Pack const p0H = z.aH + centre * (z.bH + slopeH);
-    Pack const p0V = z.aV + centre * (z.bV + slopeV);
-    Pack const p1H = radius * (z.bH + (slopeH + slopeH));
-    Pack const p1V = radius * (z.bV + (slopeV + slopeV));
-    Pack const square = radius * radius;
-    Pack const p2H = square * z.cH;
-    Pack const p2V = square * z.cV;
-    Pack const constant = (p0H * p0H + p0V * p0V) - (p2H * p2H + p2V * p2V);
+[[gnu::always_inline]] inline unsigned Free(Pack const& p0H, Pack const& p0V, Pack const& p1H,
+                                            Pack const& p1V, Pack const& p2H, Pack const& p2V,
+                                            Pack const& p2Square) {
+    Pack const constant = (p0H * p0H + p0V * p0V) - p2Square;
     Pack const linearH = (p0H - p2H) * p1H + (p0V - p2V) * p1V;
     Pack const linearV = (p0H + p2H) * p1V - (p0V + p2V) * p1H;
     auto const positive = Pack::All(0.0) < constant;
     auto const greater = linearH * linearH + linearV * linearV < constant * constant;
     return (positive & greater).Bits();
+}
+
+/// Whether the discs of the wide ellipse are free.
+template <class Pack> [[gnu::always_inline]] inline bool WideIsFree(PieceSpeed<Pack> const& z) {
+    static constexpr double kCentres[4] = {-kWide.centres[1], -kWide.centres[0], kWide.centres[0],
+                                           kWide.centres[1]};
+    static constexpr double kRadii[4] = {kWide.radii[1], kWide.radii[0], kWide.radii[0],
+                                         kWide.radii[1]};
+    Pack const centre = Pack::Load(kCentres);
+    Pack const radius = Pack::Load(kRadii);
+    Pack const slopeH = centre * z.cH;
+    Pack const slopeV = centre * z.cV;
+    Pack const square = radius * radius;
+    Pack const p2H = square * z.cH;
+    Pack const p2V = square * z.cV;
+    return Free(z.aH + centre * (z.bH + slopeH), z.aV + centre * (z.bV + slopeV),
+                radius * (z.bH + (slopeH + slopeH)), radius * (z.bV + (slopeV + slopeV)), p2H, p2V,
+                p2H * p2H + p2V * p2V) == 0xF;
+}
+
+/// Which discs of the narrow ellipse are free, as bits in the order of Divisions. Those to the left
+/// and to the right have much in common.
+template <class Pack> [[gnu::always_inline]] inline unsigned NarrowFree(PieceSpeed<Pack> const& z) {
+    Pack const centre = Pack::Load(kNarrow.centres);
+    Pack const radius = Pack::Load(kNarrow.radii);
+    Pack const square = radius * radius;
+    Pack const twice = radius * (centre + centre);
+    Pack const even = centre * centre;
+    Pack const even0H = z.aH + even * z.cH;
+    Pack const even0V = z.aV + even * z.cV;
+    Pack const odd0H = centre * z.bH;
+    Pack const odd0V = centre * z.bV;
+    Pack const even1H = radius * z.bH;
+    Pack const even1V = radius * z.bV;
+    Pack const odd1H = twice * z.cH;
+    Pack const odd1V = twice * z.cV;
+    Pack const p2H = square * z.cH;
+    Pack const p2V = square * z.cV;
+    Pack const p2Square = p2H * p2H + p2V * p2V;
+    return Free(even0H - odd0H, even0V - odd0V, even1H - odd1H, even1V - odd1V, p2H, p2V,
+                p2Square) |
+           Free(even0H + odd0H, even0V + odd0V, even1H + odd1H, even1V + odd1V, p2H, p2V, p2Square)
+               << 4U;
 }
 
 /// Bits of the errors that are at most `limit` when multiplied by `factor`.
@@ -304,20 +334,13 @@ template <class Pack>
         constexpr unsigned kNone = 0x100;
         int const wideSteps =
             kWideLeast + __builtin_ctz(kNone | Suffice<Pack>(kWideErrors, factor, limit));
-        unsigned const wide =
-            FreeDiscs(piece, Pack::Load(kWideDiscs.centres), Pack::Load(kWideDiscs.radii));
-        int steps = wide == 0xF ? wideSteps : kGaussFormulas + 1;
+        int steps = WideIsFree(piece) ? wideSteps : kGaussFormulas + 1;
         unsigned narrow = 0xFF;
         if (steps > kWideLeast + 7) {
-            narrow =
-                FreeDiscs(piece, Pack::Load(kNarrowDiscs.centres), Pack::Load(kNarrowDiscs.radii)) |
-                FreeDiscs(piece, Pack::Load(kNarrowDiscs.centres + 4),
-                          Pack::Load(kNarrowDiscs.radii + 4))
-                    << 4U;
-            steps = narrow == 0xFF
-                        ? kNarrowLeast +
-                              __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit))
-                        : kGaussFormulas + 1;
+            narrow = NarrowFree(piece);
+            int const narrowSteps =
+                kNarrowLeast + __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit));
+            steps = narrow == 0xFF ? narrowSteps : kGaussFormulas + 1;
         }
         if (steps <= kGaussFormulas) {
             sum += piece.Integral(table, steps);
