@@ -170,21 +170,19 @@ public:
         // A power of two in the input cancels in front of the root, so that it changes nothing.
         double const scale = 0.75 / (kPlanned * tolerance);
 #ifdef TRAMMEL_AVX2_KERNELS
-        if (mWide) {
-            trammel_detail::PlanFlatteningAvx2(mCurve, scale, mPlan);
-            return;
-        }
+        mTotal = mWide ? trammel_detail::PlanFlatteningAvx2(mCurve, scale, mPlan)
+                       : trammel_detail::PlanFlatteningPortable(mCurve, scale, mPlan);
+#else
+        mTotal = trammel_detail::PlanFlatteningPortable(mCurve, scale, mPlan);
 #endif
-        trammel_detail::PlanFlatteningPortable(mCurve, scale, mPlan);
     }
     /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
     /// many.
     int Divide(int most) {
-        double const total = mPlan.sums[mPlan.panels];
-        double const chords = std::max(1.0, std::ceil(total)); // may be beyond any integer
+        double const chords = std::max(1.0, std::ceil(mTotal)); // may be beyond any integer
         mPlan.chords = chords < most ? static_cast<int>(chords) : most;
-        mPlan.step = total / mPlan.chords;
-        mPlan.perChord = mPlan.chords / total;
+        mPlan.step = mTotal / mPlan.chords;
+        mPlan.perChord = mPlan.chords / mTotal;
         mPlan.panel = 0;
         mPlan.done = 0;
         return mPlan.chords;
@@ -205,6 +203,7 @@ private:
     FlatCubic mCurve;
     double mTolerance;
     bool mWide;
+    double mTotal; ///< chords, not yet rounded
     FlatPlan mPlan;
 };
 

@@ -7,8 +7,8 @@
 
 namespace trammel_detail {
 
-void PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan) {
-    PlanFlatteningForm<PackAvx2>(curve, scale, plan);
+double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan) {
+    return PlanFlatteningForm<PackAvx2>(curve, scale, plan);
 }
 
 void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {

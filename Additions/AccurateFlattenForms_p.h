@@ -123,12 +123,13 @@ template <class Pack>
 }
 
 template <class Pack>
-[[gnu::always_inline]] inline void PlanFlatteningForm(FlatCubic const& curve, double scale,
-                                                      FlatPlan& plan) {
+[[gnu::always_inline]] inline double PlanFlatteningForm(FlatCubic const& curve, double scale,
+                                                        FlatPlan& plan) {
     Integrate<Pack>(curve, scale, kFewPanels, plan);
     if (plan.sums[kFewPanels] > kFewPoints) {
         Integrate<Pack>(curve, scale, kManyPanels, plan);
     }
+    return plan.sums[plan.panels];
 }
 
 /// Stores the parameters at the ends of the next chords; returns how many.

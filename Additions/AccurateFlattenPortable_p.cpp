@@ -6,8 +6,8 @@
 
 namespace trammel_detail {
 
-void PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan) {
-    PlanFlatteningForm<PackPair>(curve, scale, plan);
+double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan) {
+    return PlanFlatteningForm<PackPair>(curve, scale, plan);
 }
 
 void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {

@@ -50,10 +50,10 @@ struct FlatRun {
     double dv[kRoom + 8];
 };
 
-/// Sets the plan's panels, densities and sums: equal steps of the last sum are chords that leave
-/// the curve by the tolerance. `scale` is 3/(4·tolerance).
-void PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
-void PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
+/// Sets the plan's panels, densities and sums. Returns the last sum, which is the number of chords
+/// that leave the curve by the tolerance. `scale` is 3/(4·tolerance).
+double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
+double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
 
 /// Computes the next points of the plan, and verifies the chords that end in them. count is 0 when
 /// the plan is done.

@@ -187,7 +187,13 @@ public:
     Speed(Pt const& d0, Pt const& d1, Pt const& d2) : mD2(d2) {
         Pt const b = d1 - d0;
         Pt const c = (d0 - d1) + (d2 - d1);
-        mCurve = {d0.h, d0.v, b.h, b.v, c.h, c.v, Taxicab(d0) + Taxicab(d1) + Taxicab(d2)};
+        mCurve.aH = d0.h;
+        mCurve.aV = d0.v;
+        mCurve.bH = b.h;
+        mCurve.bV = b.v;
+        mCurve.cH = c.h;
+        mCurve.cV = c.v;
+        mCurve.size = Taxicab(d0) + Taxicab(d1) + Taxicab(d2);
     }
     /// A bound on the curve's length, at most sqrt(2) times the control polygon's.
     double Size() const { return mCurve.size; }
@@ -197,7 +203,7 @@ public:
     }
     /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
     /// rounding, 2^-50 of the size.
-    double Length(double t0, double t1, double accuracy) const {
+    double Length(double t0, double t1, double accuracy) {
 #ifdef TRAMMEL_AVX2_KERNELS
         if (trammel_detail::HasWideVectors()) {
             return trammel_detail::SpeedLengthAvx2(mCurve, t0, t1, accuracy, kTable.entries);
@@ -225,7 +231,7 @@ Speed SpeedOf(ScaledPoints<4> const& p) { return Speed(p[1] - p[0], p[2] - p[1],
 
 /// The parameter at which `target` of the length `total` is reached, 0 < target < total, so that
 /// the length up to there is `target` within `accuracy`.
-double SolveLength(Speed const& speed, double target, double total, double accuracy) {
+double SolveLength(Speed& speed, double target, double total, double accuracy) {
     double const least = 2.0 * kLengthRounding * speed.Size();
     double const enough = std::max(0.5 * accuracy, least);
     double step =
@@ -274,7 +280,7 @@ double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) 
     if (!p.Finite()) {
         return std::numeric_limits<double>::quiet_NaN();
     }
-    Speed const speed = SpeedOf(p);
+    Speed speed = SpeedOf(p);
     double const least = kLengthRounding * speed.Size();
     double const asked = p.Down(accuracy);
     double const within = asked > least ? asked : least;
@@ -341,7 +347,7 @@ double ArcLength(CBSpline const& curve, double accuracy) {
     // The derivative 2·((1 - t)·d0 + t·d1) as a quadratic, up to the factor of 2/3.
     Pt const d0 = p[1] - p[0];
     Pt const d1 = p[2] - p[1];
-    Speed const speed(d0, (d0 + d1) * 0.5, d1);
+    Speed speed(d0, (d0 + d1) * 0.5, d1);
     return p.Up(2.0 / 3.0 * speed.Length(0.0, 1.0, 1.5 * p.Down(accuracy)));
 }
 

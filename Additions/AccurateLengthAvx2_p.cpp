@@ -7,7 +7,7 @@
 
 namespace trammel_detail {
 
-double SpeedLengthAvx2(SpeedCurve const& curve, double t0, double t1, double accuracy,
+double SpeedLengthAvx2(SpeedCurve& curve, double t0, double t1, double accuracy,
                        double const (&table)[kGaussEntries]) {
     return SpeedLengthForm<PackAvx2>(curve, t0, t1, accuracy, table);
 }

@@ -110,7 +110,7 @@ inline constexpr double kWideErrors[8] = {4.027e-03, 2.654e-06, 5.728e-09, 1.891
 inline constexpr int kNarrowLeast = 3;
 inline constexpr double kNarrowErrors[8] = {4.205e-06, 9.561e-08, 2.712e-09, 8.814e-11,
                                             3.141e-12, 1.196e-13, 4.792e-15, 1.997e-16};
-static_assert(kNarrowLeast + 7 == kGaussFormulas);
+static_assert(kNarrowLeast + 7 == kGaussFormulas && kWideErrors[7] < kNarrowErrors[7]);
 
 /// Where to divide a piece, by the narrow discs that are free of zeros, as bits: first those on the
 /// left, from the middle outwards, then those on the right. In the middle of the first discs from
@@ -230,11 +230,15 @@ inline constexpr double kGaussFactors[kGaussFormulas] = {
 
 /// The length from `t0` to `t1` within `accuracy`.
 template <class Pack>
-[[gnu::noinline]] double LengthByZeros(SpeedCurve const& curve, double t0, double t1,
-                                       double accuracy, double const (&table)[kGaussEntries]) {
-    double zeroH[2];
-    double zeroV[2];
-    ZerosOf(curve, zeroH, zeroV);
+[[gnu::noinline]] double LengthByZeros(SpeedCurve& curve, double t0, double t1, double accuracy,
+                                       double const (&table)[kGaussEntries]) {
+    if (!curve.zerosKnown) {
+        FindZeros(curve);
+    }
+    // Each twice, for the distances from both ends.
+    Pack const zerosH = Pack::FirstTwos(Pack::All(curve.zeroH[0]), Pack::All(curve.zeroH[1]));
+    Pack const zerosV = Pack::FirstTwos(Pack::All(curve.zeroV[0]), Pack::All(curve.zeroV[1]));
+    Pack const zerosV2 = zerosV * zerosV;
     // What the pieces to come may still be off by. Each takes what its own bound says, at most a
     // quarter of what is left (the last piece all of it), so that the sum never exceeds the whole.
     double left = accuracy;
@@ -250,19 +254,13 @@ template <class Pack>
         double const sizeA = piece.SizeA().First();
         double const sizeB = piece.SizeB().First();
         double const sizeC = piece.SizeC().First();
-        double axis = kLargestAxis * width;
-        double zero = from + half;
-        for (int i = 0; i < 2; ++i) {
-            double const v = zeroV[i] * zeroV[i];
-            double const d0 = zeroH[i] - from;
-            double const d1 = zeroH[i] - to;
-            double const both = __builtin_sqrt(d0 * d0 + v) + __builtin_sqrt(d1 * d1 + v);
-            if (both < axis) { // false for a zero that does not exist
-                axis = both;
-                zero = zeroH[i];
-            }
-        }
-        axis = Greater(axis / width, 1.0);
+        Pack const alongH = zerosH - Pack::Firsts(Pack::All(from), Pack::All(to));
+        Pack const distances = Pack::Sqrt(alongH * alongH + zerosV2);
+        // Comparisons that are false for a zero that does not exist.
+        double const sum0 = distances.LowSum();
+        double const sum1 = distances.HighSum();
+        double const nearest = Lesser(sum1, Lesser(sum0, kLargestAxis * width));
+        double const axis = Greater(nearest / width, 1.0);
         double const axis2 = axis * axis;
         double const inverse = axis - __builtin_sqrt(axis2 - 1.0);
         double const q = inverse * inverse;
@@ -282,6 +280,9 @@ template <class Pack>
         if (steps > kGaussFormulas) {
             // Both the length and its approximation lie between 0 and this, so the piece may be as
             // short as that, wherever the zeros are.
+            double const zero = sum0 == nearest   ? curve.zeroH[0]
+                                : sum1 == nearest ? curve.zeroH[1]
+                                                  : from + half;
             double const longest = 6.0 * half * (sizeA + sizeB + sizeC);
             double const split =
                 Lesser(Greater(zero, from + kLeastPart * width), to - kLeastPart * width);
@@ -307,10 +308,12 @@ template <class Pack>
 
 // ------------------------------------------------------------------------------------------------
 
+/// Accuracies finer than this part of the curve's size are not within the reach of the ellipses.
+inline constexpr double kFinestByEllipses = 0x1p-34;
 /// Pieces are divided that often before their zeros are looked for.
 inline constexpr int kQuickDivisions = 3;
 template <class Pack>
-[[gnu::always_inline]] inline double SpeedLengthForm(SpeedCurve const& curve, double t0, double t1,
+[[gnu::always_inline]] inline double SpeedLengthForm(SpeedCurve& curve, double t0, double t1,
                                                      double accuracy,
                                                      double const (&table)[kGaussEntries]) {
     struct Waiting {
@@ -321,9 +324,13 @@ template <class Pack>
     Waiting waiting[kQuickDivisions + 1];
     int pending = 0;
     double const least = kLengthRounding * curve.size;
+    double const within = accuracy > least ? accuracy : least; // a NaN gives the least
+    if (within < kFinestByEllipses * (curve.size * (t1 - t0))) {
+        return LengthByZeros<Pack>(curve, t0, t1, within, table);
+    }
     double sum = 0.0;
     double from = t0;
-    Waiting now = {t1, accuracy > least ? accuracy : least, 0}; // a NaN gives the least
+    Waiting now = {t1, within, 0};
     for (;;) {
         PieceSpeed<Pack> const piece(curve, from, now.to);
         Pack const sizeB = Pack::All(kWide.axis) * piece.SizeB();
@@ -334,18 +341,22 @@ template <class Pack>
         constexpr unsigned kNone = 0x100;
         int const wideSteps =
             kWideLeast + __builtin_ctz(kNone | Suffice<Pack>(kWideErrors, factor, limit));
-        int steps = WideIsFree(piece) ? wideSteps : kGaussFormulas + 1;
+        int steps = kGaussFormulas + 1;
         unsigned narrow = 0xFF;
-        if (steps > kWideLeast + 7) {
-            narrow = NarrowFree(piece);
-            int const narrowSteps =
-                kNarrowLeast + __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit));
-            steps = narrow == 0xFF ? narrowSteps : kGaussFormulas + 1;
+        if (wideSteps <= kWideLeast + 7) { // else the narrow ellipse does not suffice, either
+            if (WideIsFree(piece)) {
+                steps = wideSteps;
+            } else {
+                narrow = NarrowFree(piece);
+                int const narrowSteps =
+                    kNarrowLeast +
+                    __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit));
+                steps = narrow == 0xFF ? narrowSteps : steps;
+            }
         }
         if (steps <= kGaussFormulas) {
             sum += piece.Integral(table, steps);
-        } else if (narrow != 0xFF && now.divisions < kQuickDivisions &&
-                   wideSteps < kWideLeast + 8) {
+        } else if (narrow != 0xFF && now.divisions < kQuickDivisions) {
             double const split = piece.middle.First() + piece.half.First() * kDivisions.at[narrow];
             now.accuracy *= 0.5;
             ++now.divisions;

@@ -30,7 +30,7 @@ Pt SquareRoot(Pt const& a) {
 
 } // namespace
 
-void ZerosOf(SpeedCurve const& curve, double (&h)[2], double (&v)[2]) {
+void FindZeros(SpeedCurve& curve) {
     // The one of greater magnitude from c, the other one from a, so that neither loses digits.
     Pt const a(curve.aH, curve.aV);
     Pt const b(curve.bH, curve.bV);
@@ -39,13 +39,14 @@ void ZerosOf(SpeedCurve const& curve, double (&h)[2], double (&v)[2]) {
     Pt const s = Dot(b, root) >= 0.0 ? -(b + root) : root - b;
     Pt const greater = Quotient(s, c);
     Pt const lesser = Quotient(a, s);
-    h[0] = greater.h;
-    h[1] = lesser.h;
-    v[0] = greater.v;
-    v[1] = lesser.v;
+    curve.zeroH[0] = greater.h;
+    curve.zeroH[1] = lesser.h;
+    curve.zeroV[0] = greater.v;
+    curve.zeroV[1] = lesser.v;
+    curve.zerosKnown = true;
 }
 
-double SpeedLengthPortable(SpeedCurve const& curve, double t0, double t1, double accuracy,
+double SpeedLengthPortable(SpeedCurve& curve, double t0, double t1, double accuracy,
                            double const (&table)[kGaussEntries]) {
     return SpeedLengthForm<PackPair>(curve, t0, t1, accuracy, table);
 }

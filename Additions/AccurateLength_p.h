@@ -13,6 +13,9 @@ struct SpeedCurve {
     double aH, aV, bH, bV, cH, cV;
     /// At least its magnitude, for t from 0 to 1.
     double size;
+    bool zerosKnown = false;
+    /// Its zeros as a polynomial of complex numbers, if known; NaN or huge where there is none.
+    double zeroH[2], zeroV[2];
 };
 
 /// The formulas that SpeedLength chooses from have 4, 8 and so on nodes, up to 4 times this.
@@ -25,15 +28,14 @@ inline constexpr int kGaussEntries = 8 * (kGaussFormulas * (kGaussFormulas + 1) 
 /// of additions. Finer accuracies are taken as this one.
 inline constexpr double kLengthRounding = 0x1p-50;
 
-/// Stores the zeros of a + 2bt + ct² as a polynomial of complex numbers; NaN or huge where there is
-/// none.
-void ZerosOf(SpeedCurve const& curve, double (&h)[2], double (&v)[2]);
+/// Finds the zeros.
+void FindZeros(SpeedCurve& curve);
 
 /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
-/// rounding, 2^-50 of the size.
-double SpeedLengthPortable(SpeedCurve const& curve, double t0, double t1, double accuracy,
+/// rounding, 2^-50 of the size. Finds the curve's zeros where it takes them.
+double SpeedLengthPortable(SpeedCurve& curve, double t0, double t1, double accuracy,
                            double const (&table)[kGaussEntries]);
-double SpeedLengthAvx2(SpeedCurve const& curve, double t0, double t1, double accuracy,
+double SpeedLengthAvx2(SpeedCurve& curve, double t0, double t1, double accuracy,
                        double const (&table)[kGaussEntries]);
 
 } // namespace trammel_detail
