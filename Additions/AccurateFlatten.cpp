@@ -162,19 +162,33 @@ double DistanceOf(Place const& p0, Place const& p1) {
     return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
 }
 
+// The forms for this processor.
+
+double PlanFlattening(FlatCubic const& curve, double scale, FlatPlan& plan) {
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        return trammel_detail::PlanFlatteningAvx2(curve, scale, plan);
+    }
+#endif
+    return trammel_detail::PlanFlatteningPortable(curve, scale, plan);
+}
+
+void NextFlatRun(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        trammel_detail::NextFlatRunAvx2(curve, tolerance, plan, run);
+        return;
+    }
+#endif
+    trammel_detail::NextFlatRunPortable(curve, tolerance, plan, run);
+}
+
 /// Where on the curve the points are to lie, and the points.
 class Plan {
 public:
-    Plan(Cubic const& curve, double tolerance)
-        : mCurve(curve.Flat()), mTolerance(tolerance), mWide(trammel_detail::HasWideVectors()) {
+    Plan(Cubic const& curve, double tolerance) : mCurve(curve.Flat()), mTolerance(tolerance) {
         // A power of two in the input cancels in front of the root, so that it changes nothing.
-        double const scale = 0.75 / (kPlanned * tolerance);
-#ifdef TRAMMEL_AVX2_KERNELS
-        mTotal = mWide ? trammel_detail::PlanFlatteningAvx2(mCurve, scale, mPlan)
-                       : trammel_detail::PlanFlatteningPortable(mCurve, scale, mPlan);
-#else
-        mTotal = trammel_detail::PlanFlatteningPortable(mCurve, scale, mPlan);
-#endif
+        mTotal = PlanFlattening(mCurve, 0.75 / (kPlanned * tolerance), mPlan);
     }
     /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
     /// many.
@@ -189,20 +203,13 @@ public:
     }
     /// Computes the next points; false when there are none.
     bool Next(FlatRun& run) {
-#ifdef TRAMMEL_AVX2_KERNELS
-        if (mWide) {
-            trammel_detail::NextFlatRunAvx2(mCurve, mTolerance, mPlan, run);
-            return run.count > 0;
-        }
-#endif
-        trammel_detail::NextFlatRunPortable(mCurve, mTolerance, mPlan, run);
+        NextFlatRun(mCurve, mTolerance, mPlan, run);
         return run.count > 0;
     }
 
 private:
     FlatCubic mCurve;
     double mTolerance;
-    bool mWide;
     double mTotal; ///< chords, not yet rounded
     FlatPlan mPlan;
 };

@@ -356,7 +356,8 @@ template <class Pack>
         }
         if (steps <= kGaussFormulas) {
             sum += piece.Integral(table, steps);
-        } else if (narrow != 0xFF && now.divisions < kQuickDivisions) {
+        } else if (narrow != 0xFF && now.divisions < kQuickDivisions &&
+                   now.accuracy < piece.half.First() * curve.size) { // not so short anyway
             double const split = piece.middle.First() + piece.half.First() * kDivisions.at[narrow];
             now.accuracy *= 0.5;
             ++now.divisions;
