@@ -30,6 +30,7 @@
 
 #include "PreparedPolygon.h"
 
+#include "FPolygon.h"
 #include "UCrossing_p.h"
 #include "UPointRun_p.h"
 
@@ -639,7 +640,7 @@ PreparedPolygon::PreparedPolygon(TPolygon<double> const& polygon) {
 PreparedPolygon::PreparedPolygon(CFPolygonRef const& polygon) {
     // Its test knows no bounds. Whether its first point is repeated at the end makes no difference
     // here: the closing edge then has no height and is never counted.
-    long const count = polygon.LastIndex() + 1;
+    long const count = trammel_detail::FPolygonPointCount(polygon.DataSize());
     if (count > 0) {
         char const* const base = reinterpret_cast<char const*>(*polygon.mRef);
         mIndex = std::make_shared<Index const>(
