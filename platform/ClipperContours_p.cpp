@@ -49,7 +49,7 @@ bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid co
     if (!CutAtCrossings(cut, grid, caution, meetings, tree)) {
         return false;
     }
-    result = LinkContours(*tree, meetings, region);
+    result = LinkContours(cut, tree, meetings, region);
     return true;
 }
 

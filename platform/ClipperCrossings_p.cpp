@@ -13,13 +13,33 @@ namespace trammel_detail {
 
 namespace {
 
+/// Where points are along an edge, in the direction in which it is longer.
+class Along {
+public:
+    explicit Along(GridEdge const& e)
+        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
+          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
+
+    std::int64_t At(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
+    std::int64_t Beside(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
+    GridPoint Point(std::int64_t at, std::int64_t beside) const {
+        return mWide ? GridPoint{at * mX, beside * mY} : GridPoint{beside * mX, at * mY};
+    }
+
+private:
+    std::int64_t mX;
+    std::int64_t mY;
+    bool mWide;
+};
+
 /// A point of an edge where it is to be cut; or a spot (then `meeting` is kAlone) where it is not,
 /// but where its parts may meet something if it is cut elsewhere.
 struct Cut {
-    std::size_t edge;
-    GridPoint at;
-    Meeting meeting;
+    std::int64_t at;        // Along the edge
+    std::int64_t beside;    // the same
     std::int64_t clearance; // how far the next vertex on the edge has to be, see Clearances
+    std::uint32_t edge;
+    Meeting meeting;
 };
 
 std::int64_t LengthBound(GridEdge const& e) {
@@ -95,37 +115,52 @@ private:
     bool mUsable;
 };
 
+/// The number of bits of v, v > 0.
+int BitsOf(UInt128 v) {
+    auto const high = static_cast<std::uint64_t>(v >> 64);
+    return high != 0 ? 128 - __builtin_clzll(high)
+                     : 64 - __builtin_clzll(static_cast<std::uint64_t>(v));
+}
+
+/// Twice the areas of the triangles that two edges e and f make with each other's ends, and that of
+/// the quadrangle of all four ends: fa is Cross(e.a, e.b, f.a), and so on.
+struct Crosses {
+    Int128 ea;
+    Int128 eb;
+    Int128 fa;
+    Int128 fb;
+};
+
 /// The point where two edges cross that have no end in common, to within a step of the grid. The
 /// same whatever the order of the edges and their directions, so that lines that coincide are cut
 /// alike.
-GridPoint Crossing(GridEdge e, GridEdge f) {
-    auto const direct = [](GridEdge& edge) {
-        if (edge.b < edge.a) {
-            std::swap(edge.a, edge.b);
-        }
-    };
-    direct(e);
-    direct(f);
-    if (f.a != e.a ? f.a < e.a : f.b < e.b) {
-        std::swap(e, f);
-    }
-    // Measured from the nearer end of f, where the rounding is least: num / den of the way.
-    auto const distance = [&e](GridPoint p) {
-        Int128 const cross = Cross(e.a, e.b, p);
+GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
+    auto const distance = [](Int128 cross) {
         return static_cast<UInt128>(cross < 0 ? -cross : cross);
     };
-    UInt128 num = distance(f.a);
-    UInt128 const other = distance(f.b);
+    GridPoint const lowE = e.b < e.a ? e.b : e.a;
+    GridPoint const lowF = f.b < f.a ? f.b : f.a;
+    bool const exchange =
+        lowF != lowE ? lowF < lowE : (f.b < f.a ? f.a : f.b) < (e.b < e.a ? e.a : e.b);
+    // Measured from the nearer end of f, where the rounding is least: num / den of the way.
+    UInt128 num = distance(exchange ? crosses.ea : crosses.fa);
+    UInt128 other = distance(exchange ? crosses.eb : crosses.fb);
+    if (exchange) {
+        std::swap(e, f);
+    }
+    if (f.b < f.a) {
+        std::swap(f.a, f.b);
+        std::swap(num, other);
+    }
     UInt128 den = num + other;
     if (other < num) {
         num = other;
         std::swap(f.a, f.b);
     }
     // 63 leading bits of the denominator leave room for a quotient of 63 bits.
-    while (den >> 63 != 0) {
-        den >>= 1;
-        num >>= 1;
-    }
+    int const surplus = std::max(BitsOf(den) - 63, 0);
+    den >>= surplus;
+    num >>= surplus;
     Int128 const ratio = static_cast<Int128>((num << 62) / den); // of 2^62
     auto const part = [ratio](std::int64_t d) {
         return static_cast<std::int64_t>((ratio * d + (static_cast<Int128>(1) << 61)) >> 62);
@@ -168,11 +203,17 @@ public:
 private:
     void CutAt(std::size_t edge, GridPoint p) {
         if (p != mTree.At(edge).a && p != mTree.At(edge).b) {
-            mCuts.push_back({edge, p, kMany, 0});
+            Push(edge, p, kMany, 0);
         }
     }
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j, Int128 product) {
-        GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j)));
+    void Push(std::size_t edge, GridPoint p, Meeting meeting, std::int64_t clearance) {
+        Along const along(mTree.At(edge));
+        mCuts.push_back(
+            {along.At(p), along.Beside(p), clearance, static_cast<std::uint32_t>(edge), meeting});
+    }
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j, Crosses const& crosses) {
+        Int128 const product = crosses.fa - crosses.fb;
+        GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j), crosses));
         std::size_t const before = mCuts.size();
         CutAt(i, p);
         CutAt(j, p);
@@ -193,8 +234,8 @@ private:
     void AddSpots(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
             std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
-            mCuts.push_back({i, p, kAlone, clearance});
-            mCuts.push_back({j, p, kAlone, clearance});
+            Push(i, p, kAlone, clearance);
+            Push(j, p, kAlone, clearance);
         }
     }
     void Share(std::size_t i, std::size_t j) {
@@ -247,7 +288,7 @@ private:
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            CutBothWhereTheyCross(i, j, fa - fb);
+            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
             return;
         }
         AddSpots(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
@@ -289,7 +330,7 @@ private:
             CutAt(j, e.b);
         }
         if (mCuts.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
-            CutBothWhereTheyCross(i, j, fa - fb);
+            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
         }
     }
     /// Whether edge e passes through the pixel around p, given Cross(e.a, e.b, p).
@@ -319,43 +360,40 @@ private:
     Meeting mNext = kFirstCrossing;
 };
 
-/// Where points are along an edge, in the direction in which it is longer.
-class Along {
-public:
-    explicit Along(GridEdge const& e)
-        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
-          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
-
-    std::int64_t At(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
-    std::int64_t Beside(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
-
-private:
-    std::int64_t mX;
-    std::int64_t mY;
-    bool mWide;
-};
-
 /// Puts the cuts of one edge into their order along it. Rounding can have moved points off the
 /// edge, but not past each other by more than a step or two.
-void SortAlong(GridEdge const& e, Cut* begin, Cut* end) {
-    std::sort(begin, end, [along = Along(e)](Cut const& c, Cut const& d) {
-        std::int64_t const difference = along.At(c.at) - along.At(d.at);
-        return difference != 0 ? difference < 0 : along.Beside(c.at) < along.Beside(d.at);
-    });
+void SortAlong(Cut* begin, Cut* end) {
+    auto const before = [](Cut const& c, Cut const& d) {
+        return c.at != d.at ? c.at < d.at : c.beside < d.beside;
+    };
+    // Where edges lie side by side, they are met in the order along those that they cross, or in
+    // the opposite one.
+    if (before(end[-1], *begin)) {
+        std::reverse(begin, end);
+    }
+    if (!std::is_sorted(begin, end, before)) {
+        std::sort(begin, end, before);
+    }
 }
 
 /// Cuts, edge by edge.
 struct SortedCuts {
-    std::vector<Cut> cuts;         // in the order along the edge
-    std::vector<std::size_t> ends; // one an edge: of its part of the cuts
+    std::vector<Cut> cuts;           // in the order along the edge
+    std::vector<std::uint32_t> ends; // one an edge: of its part of the cuts
+    std::vector<char> has;           // one an edge: kCut, kSpot
+
+    static constexpr char kCut = 1;
+    static constexpr char kSpot = 2;
 
     SortedCuts(std::vector<Cut> const& unsorted, EdgeTree const& tree)
-        : cuts(unsorted.size()), ends(tree.Count(), 0) {
+        : cuts(unsorted.size()), ends(tree.Count(), 0), has(tree.Count(), 0) {
         for (Cut const& cut : unsorted) {
             ++ends[cut.edge];
+            has[cut.edge] =
+                static_cast<char>(has[cut.edge] | (cut.meeting == kAlone ? kSpot : kCut));
         }
-        std::size_t sum = 0;
-        for (std::size_t& end : ends) {
+        std::uint32_t sum = 0;
+        for (std::uint32_t& end : ends) {
             sum += std::exchange(end, sum);
         }
         for (Cut const& cut : unsorted) {
@@ -363,17 +401,14 @@ struct SortedCuts {
         }
         for (std::size_t edge = 0; edge < ends.size(); ++edge) {
             if (ends[edge] - Begin(edge) > 1) {
-                SortAlong(tree.At(edge), cuts.data() + Begin(edge), cuts.data() + ends[edge]);
+                SortAlong(cuts.data() + Begin(edge), cuts.data() + ends[edge]);
             }
         }
     }
     std::size_t Begin(std::size_t edge) const { return edge == 0 ? 0 : ends[edge - 1]; }
     /// Whether the edge is cut.
-    bool Has(std::size_t edge) const {
-        return std::any_of(cuts.begin() + static_cast<std::ptrdiff_t>(Begin(edge)),
-                           cuts.begin() + static_cast<std::ptrdiff_t>(ends[edge]),
-                           [](Cut const& cut) { return cut.meeting != kAlone; });
-    }
+    bool Has(std::size_t edge) const { return (has[edge] & kCut) != 0; }
+    bool HasSpots(std::size_t edge) const { return (has[edge] & kSpot) != 0; }
 };
 
 /// Finds the parts of edges that may meet others, see Clearances.
@@ -382,6 +417,26 @@ public:
     /// Without clearances, all parts may.
     Doubts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances)
         : mTree(tree), mSorted(sorted), mClearances(clearances) {}
+
+    /// Whether no part of an edge that is cut is in doubt.
+    bool IsClear(std::size_t edge, std::size_t before, std::size_t after) const {
+        if (mClearances == nullptr || mSorted.HasSpots(edge)) {
+            return false;
+        }
+        GridEdge const& e = mTree.At(edge);
+        Along const along(e);
+        std::int64_t clearance = mClearances->ForCorner(mTree.At(before), e);
+        std::int64_t const endClearance = mClearances->ForCorner(e, mTree.At(after));
+        bool clear = !IsShort(before, clearance) && !IsShort(after, endClearance);
+        std::int64_t at = along.At(e.a);
+        for (std::size_t i = mSorted.Begin(edge); i < mSorted.ends[edge]; ++i) {
+            Cut const& cut = mSorted.cuts[i];
+            clear &= cut.at - at >= std::max(clearance, cut.clearance);
+            at = cut.at;
+            clearance = cut.clearance;
+        }
+        return clear && along.At(e.b) - at >= std::max(clearance, endClearance);
+    }
 
     /// The parts of an edge that is cut, from vertex to vertex: 1 for those in doubt. Cuts that
     /// lack their clearance get kMany.
@@ -439,7 +494,7 @@ private:
         for (std::size_t i = mSorted.Begin(edge); i < mSorted.ends[edge]; ++i) {
             Cut const& cut = mSorted.cuts[i];
             bool const isVertex = cut.meeting != kAlone;
-            mPoints.push_back({along.At(cut.at), cut.clearance, isVertex, !isVertex});
+            mPoints.push_back({cut.at, cut.clearance, isVertex, !isVertex});
         }
         mPoints.push_back(
             {along.At(e.b), known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
@@ -478,9 +533,10 @@ private:
     std::vector<char> mParts;
 };
 
-/// Makes the cuts new vertices. Returns which edges are fresh: parts that are in doubt.
-std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
-                        GridLines& lines, std::vector<Meeting>& meetings) {
+/// Makes the cuts new vertices. `fresh` gets an element for each edge: 1 for parts that are in
+/// doubt. Returns how many there are.
+std::size_t Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
+                  GridLines& lines, std::vector<Meeting>& meetings, std::vector<char>& fresh) {
     // Where an edge is cut later, its direction at its ends is not what it was.
     auto const forget = [&](std::size_t vertex) {
         meetings[vertex] = std::min(meetings[vertex], kMany);
@@ -491,46 +547,64 @@ std::vector<char> Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances con
             forget(tree.SecondOf(i));
         }
     }
-    std::size_t const size = lines.points.size() + sorted.cuts.size();
-    std::vector<GridPoint> allPoints;
-    std::vector<Meeting> allMeetings;
-    std::vector<char> fresh;
-    allPoints.reserve(size);
-    allMeetings.reserve(size);
-    fresh.reserve(size);
+    std::size_t const most = lines.points.size() + sorted.cuts.size();
+    std::vector<GridPoint> allPoints(most);
+    std::vector<Meeting> allMeetings(most);
+    fresh.assign(most, 0);
     Doubts doubts(tree, sorted, clearances);
+    std::size_t size = 0;
+    std::size_t doubtful = 0;
     std::size_t begin = 0;
     for (std::size_t& lineEnd : lines.ends) {
         std::size_t const end = lineEnd;
         for (std::size_t i = begin; i < end; ++i) {
-            allPoints.push_back(lines.points[i]);
-            allMeetings.push_back(meetings[i]);
+            allPoints[size] = lines.points[i];
+            allMeetings[size] = meetings[i];
+            ++size;
             if (!sorted.Has(i)) {
-                fresh.push_back(0);
                 continue;
             }
-            char const* part =
-                doubts.Of(i, i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1).data();
-            fresh.push_back(*part++);
+            Along const along(tree.At(i));
+            std::size_t const before = i == begin ? end - 1 : i - 1;
+            std::size_t const after = i + 1 == end ? begin : i + 1;
+            if (doubts.IsClear(i, before, after)) {
+                for (std::size_t k = sorted.Begin(i); k < sorted.ends[i]; ++k) {
+                    Cut const& cut = sorted.cuts[k];
+                    allPoints[size] = along.Point(cut.at, cut.beside);
+                    allMeetings[size] = cut.meeting;
+                    ++size;
+                }
+                continue;
+            }
+            std::size_t const first = size - 1;
+            char const* part = doubts.Of(i, before, after).data();
+            fresh[first] = *part++;
             for (std::size_t k = sorted.Begin(i); k < sorted.ends[i]; ++k) {
                 Cut const& cut = sorted.cuts[k];
                 if (cut.meeting == kAlone) {
                     continue;
                 }
-                if (cut.at != allPoints.back()) {
-                    allPoints.push_back(cut.at);
-                    allMeetings.push_back(cut.meeting);
-                    fresh.push_back(*part);
+                GridPoint const p = along.Point(cut.at, cut.beside);
+                if (p != allPoints[size - 1]) {
+                    allPoints[size] = p;
+                    allMeetings[size] = cut.meeting;
+                    ++size;
                 }
-                fresh.back() |= *part++;
+                fresh[size - 1] |= *part++;
             }
+            doubtful += static_cast<std::size_t>(
+                std::count(fresh.begin() + static_cast<std::ptrdiff_t>(first),
+                           fresh.begin() + static_cast<std::ptrdiff_t>(size), 1));
         }
-        lineEnd = allPoints.size();
+        lineEnd = size;
         begin = end;
     }
+    allPoints.resize(size);
+    allMeetings.resize(size);
+    fresh.resize(size);
     lines.points = std::move(allPoints);
     meetings = std::move(allMeetings);
-    return fresh;
+    return doubtful;
 }
 
 } // namespace
@@ -555,18 +629,19 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
                 .Find();
         bool const any = std::any_of(cuts.begin(), cuts.end(),
                                      [](Cut const& cut) { return cut.meeting != kAlone; });
-        std::vector<char> fresh;
-        std::size_t doubtful = 0;
-        std::size_t const count = tree->Count();
-        if (any) {
-            SortedCuts sorted(cuts, *tree);
-            fresh = Apply(sorted, *tree, known ? &clearances : nullptr, lines, meetings);
-            doubtful = static_cast<std::size_t>(std::count(fresh.begin(), fresh.end(), 1));
-        }
-        if (doubtful == 0) {
-            if (any || !tree->IsInOrderOfLines()) {
-                tree.emplace(lines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
+        if (!any) {
+            if (!tree->IsInOrderOfLines() || !tree->HasBoxes()) {
+                tree.reset();
             }
+            return true;
+        }
+        SortedCuts sorted(cuts, *tree);
+        std::vector<char> fresh;
+        std::size_t const count = tree->Count();
+        std::size_t const doubtful =
+            Apply(sorted, *tree, known ? &clearances : nullptr, lines, meetings, fresh);
+        if (doubtful == 0) {
+            tree.reset();
             return true;
         }
         bool const pixels = round + 1 >= kExactRounds;

@@ -28,8 +28,9 @@ enum class Caution { kWhereNeeded, kEverywhere };
 /// edges have nothing in common but their ends, or are equal. Returns false if there are crossings
 /// left.
 ///
-/// `meetings` gets an element for each vertex, `tree` a tree of the cut lines. The new vertices are
-/// points of `grid` that are doubles; edges move by no more than that rounding.
+/// `meetings` gets an element for each vertex, `tree` a tree of the cut lines in their order if one
+/// is at hand, or none. The new vertices are points of `grid` that are doubles; edges move by no
+/// more than that rounding.
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.

@@ -4,7 +4,11 @@
 #include "ClipperPlaces_p.h"
 #include "ClipperPredicates_p.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <stdexcept>
 #include <utility>
+#include <vector>
 
 namespace trammel_detail {
 
@@ -53,78 +57,92 @@ void GridLines::Close(Operands operand) {
 
 EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order)
     : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin), mOrder(order) {
-    mEdges.reserve(lines.points.size());
+    if (lines.points.size() > kMostEdges) {
+        throw std::length_error("EdgeTree");
+    }
+    mEdges.resize(lines.points.size());
     mFirst.assign(lines.points.size(), 0);
-    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
-    mChains.reserve(lines.points.size() / 2);
-    Level level;
-    level.reserve(lines.points.size() / 2);
-    // Ends the chain from edge `chain` to before edge `end`, whose last vertex is `last`.
-    auto const endChain = [&](std::size_t chain, std::size_t end, GridPoint last) {
-        bool isFresh = false;
-        for (std::size_t i = chain; i < end && !isFresh; ++i) {
-            isFresh = IsFresh(i);
-        }
-        mChains.push_back({chain, end});
-        level.push_back({Widened(BoxOf(lines.points[chain], last)), isFresh});
-    };
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const begin = lines.Begin(line);
         std::size_t const end = lines.End(line);
         mFirst[begin] = 1;
-        std::size_t chain = begin;
-        int directionX = 0;
-        int directionY = 0;
-        for (std::size_t i = begin; i < end; ++i) {
-            GridPoint const a = lines.points[i];
-            GridPoint const b = lines.points[i + 1 == end ? begin : i + 1];
-            int const x = (b.x > a.x) - (b.x < a.x);
-            int const y = (b.y > a.y) - (b.y < a.y);
-            if (x * directionX < 0 || y * directionY < 0 || i - chain == longest) {
-                endChain(chain, i, a);
-                chain = i;
-                directionX = 0;
-                directionY = 0;
-            }
-            directionX = x != 0 ? x : directionX;
-            directionY = y != 0 ? y : directionY;
-            mEdges.push_back({a, b});
+        for (std::size_t i = begin; i + 1 < end; ++i) {
+            mEdges[i] = {lines.points[i], lines.points[i + 1]};
         }
-        endChain(chain, end, lines.points[begin]);
+        mEdges[end - 1] = {lines.points[end - 1], lines.points[begin]};
+    }
+    bool const few =
+        !mFreshEdges.empty() && std::count(mFreshEdges.begin(), mFreshEdges.end(), 1) <=
+                                    static_cast<std::ptrdiff_t>(kFewFresh);
+    if (few || mEdges.empty()) {
+        return;
+    }
+    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
+    mChains.reserve(lines.points.size() / 2);
+    mNodes.reserve(lines.points.size());
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        std::size_t const end = lines.End(line);
+        for (std::size_t i = lines.Begin(line); i < end;) {
+            std::size_t const chain = i;
+            // Where the chain has gone so far: 1 and 2 for east and west, 4 and 8 for up and down.
+            unsigned directions = 0;
+            bool isFresh = false;
+            for (; i < end && i - chain < longest; ++i) {
+                auto const [a, b] = mEdges[i];
+                unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
+                                     (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
+                if ((all & (all >> 1) & 5U) != 0) {
+                    break;
+                }
+                directions = all;
+                isFresh = isFresh || IsFresh(i);
+            }
+            mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
+            mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isFresh});
+        }
     }
     if (order == Order::kPlaces) {
-        SortChains(level);
+        SortChains();
     }
-    while (level.size() > 1) {
-        Level above((level.size() + kFan - 1) / kFan);
-        for (std::size_t i = 0; i < level.size(); ++i) {
-            above[i / kFan].Include(level[i]);
-        }
-        mLevels.push_back(std::move(level));
-        level = std::move(above);
-    }
-    mLevels.push_back(std::move(level));
+    AddLevels();
 }
 
-void EdgeTree::SortChains(Level& level) {
+void EdgeTree::AddLevels() {
+    mLevels[1] = mNodes.size();
+    while (SizeOf(mTop) > kMostAtTop) {
+        std::size_t const begin = mLevels[mTop];
+        std::size_t const end = mLevels[mTop + 1];
+        for (std::size_t i = begin; i < end; i += kFan) {
+            Node above = mNodes[i];
+            for (std::size_t k = i + 1; k < std::min(i + kFan, end); ++k) {
+                above.Include(mNodes[k]);
+            }
+            mNodes.push_back(above);
+        }
+        ++mTop;
+        mLevels[mTop + 1] = mNodes.size();
+    }
+}
+
+void EdgeTree::SortChains() {
     std::vector<std::pair<std::uint64_t, std::size_t>> order;
-    order.reserve(level.size());
-    for (std::size_t i = 0; i < level.size(); ++i) {
-        GridBox const& box = level[i].box;
+    order.reserve(mNodes.size());
+    for (std::size_t i = 0; i < mNodes.size(); ++i) {
+        GridBox const& box = mNodes[i].box;
         order.emplace_back(
             PlaceOf({box.x0 + (box.x1 - box.x0) / 2, box.y0 + (box.y1 - box.y0) / 2}), i);
     }
     std::sort(order.begin(), order.end());
     std::vector<Chain> chains;
-    Level nodes;
-    chains.reserve(level.size());
-    nodes.reserve(level.size());
+    std::vector<Node> nodes;
+    chains.reserve(order.size());
+    nodes.reserve(order.size() + order.size() / 2);
     for (auto const& [place, i] : order) {
         chains.push_back(mChains[i]);
-        nodes.push_back(level[i]);
+        nodes.push_back(mNodes[i]);
     }
     mChains = std::move(chains);
-    level = std::move(nodes);
+    mNodes = std::move(nodes);
 }
 
 bool EdgeTree::Follow(std::size_t i, std::size_t j) const {
@@ -136,66 +154,116 @@ bool EdgeTree::Follow(std::size_t i, std::size_t j) const {
            mLines.End(LineOf(i)) == j + 1;
 }
 
+namespace {
+
+/// A ray to the west that counts the edges that it crosses. It starts at the lower end p of an
+/// edge, moved up along the edge by an infinitely small amount: edges that end at p.y are below it,
+/// those that begin there reach it.
+class Ray {
+public:
+    explicit Ray(GridEdge const& e)
+        : mP(e.a.y < e.b.y ? e.a : e.b), mQ(e.a.y < e.b.y ? e.b : e.a) {}
+
+    GridPoint Start() const { return mP; }
+    bool IsBelow(GridPoint r) const { return r.y > mP.y; }
+    /// Whether the ray crosses another edge, of whose ends it passes between.
+    bool Crosses(GridEdge const& e) const {
+        GridPoint const low = IsBelow(e.a) ? e.b : e.a;
+        GridPoint const high = IsBelow(e.a) ? e.a : e.b;
+        if (low.x < mP.x && high.x < mP.x) {
+            return true;
+        }
+        if (low.x > mP.x && high.x > mP.x) {
+            return false;
+        }
+        int side = SideOf(low, high, mP);
+        if (side == 0) {
+            // Through p: the slopes decide.
+            side = Sign(static_cast<Int128>(high.x - low.x) * (mQ.y - mP.y) -
+                        static_cast<Int128>(high.y - low.y) * (mQ.x - mP.x));
+        }
+        return side < 0;
+    }
+
+private:
+    GridPoint mP;
+    GridPoint mQ;
+};
+
+} // namespace
+
 Operands EdgeTree::InsideWestOf(std::size_t edge) const {
-    // Counts the edges that a ray to the west crosses. It starts at p, moved up along the edge by
-    // an infinitely small amount: edges that end at p.y are below it, those that begin there reach
-    // it.
-    bool const up = mEdges[edge].a.y < mEdges[edge].b.y;
-    GridPoint const p = up ? mEdges[edge].a : mEdges[edge].b;
-    GridPoint const q = up ? mEdges[edge].b : mEdges[edge].a;
-    auto const above = [p](GridPoint r) { return r.y > p.y; };
+    Ray const ray(mEdges[edge]);
+    GridPoint const p = ray.Start();
     Operands inside = 0;
-    std::vector<std::pair<std::size_t, std::size_t>> open{{mLevels.size() - 1, 0}};
-    while (!open.empty()) {
-        auto const [level, node] = open.back();
-        open.pop_back();
-        GridBox const& box = mLevels[level][node].box;
-        if (p.y < box.y0 || p.y >= box.y1 || p.x < box.x0) {
-            continue;
-        }
-        if (box.x1 < p.x) {
-            // All west of p. Whole lines are crossed an even number of times, so the beginning of
-            // the first line's part and the end of the last one's tell the parity.
-            std::size_t first = node;
-            std::size_t last = node + 1;
-            for (std::size_t i = 0; i < level; ++i) {
-                first *= kFan;
-                last *= kFan;
-            }
-            first = mChains[first].begin;
-            last = mChains[std::min(last, mChains.size()) - 1].end - 1;
-            for (auto const& [end, at] :
-                 {std::pair(first, mEdges[first].a), std::pair(last, mEdges[last].b)}) {
-                std::size_t const line = LineOf(end);
-                if (above(at) != above(mLines.points[mLines.Begin(line)])) {
-                    inside ^= mLines.operands[line];
-                }
-            }
-            continue;
-        }
-        if (level > 0) {
-            for (std::size_t i = FirstOf(level, node); i < EndOf(level, node); ++i) {
-                open.emplace_back(level - 1, i);
-            }
-            continue;
-        }
-        for (std::size_t i = FirstOf(0, node); i < EndOf(0, node); ++i) {
-            GridEdge const& e = mEdges[i];
-            if (i == edge || above(e.a) == above(e.b)) {
+    Stack open;
+    auto const walk = [&] {
+        while (!open.Empty()) {
+            auto const [level, node, unused] = open.Pop();
+            static_cast<void>(unused);
+            GridBox const& box = NodesOf(level)[node].box;
+            if (p.y < box.y0 || p.y >= box.y1 || p.x < box.x0) {
                 continue;
             }
-            GridPoint const low = above(e.a) ? e.b : e.a;
-            GridPoint const high = above(e.a) ? e.a : e.b;
-            int side = SideOf(low, high, p);
-            if (side == 0) {
-                // Through p: the slopes decide.
-                side = Sign(static_cast<Int128>(high.x - low.x) * (q.y - p.y) -
-                            static_cast<Int128>(high.y - low.y) * (q.x - p.x));
+            if (box.x1 < p.x) {
+                // All west of p. Whole lines are crossed an even number of times, so the beginning
+                // of the first line's part and the end of the last one's tell the parity.
+                std::size_t first = node;
+                std::size_t last = node + 1;
+                for (std::size_t i = 0; i < level; ++i) {
+                    first *= kFan;
+                    last *= kFan;
+                }
+                first = mChains[first].begin;
+                last = mChains[std::min(last, mChains.size()) - 1].end - 1;
+                for (auto const& [end, at] :
+                     {std::pair(first, mEdges[first].a), std::pair(last, mEdges[last].b)}) {
+                    std::size_t const line = LineOf(end);
+                    if (ray.IsBelow(at) != ray.IsBelow(mLines.points[mLines.Begin(line)])) {
+                        inside ^= mLines.operands[line];
+                    }
+                }
+                continue;
             }
-            if (side < 0) {
-                inside ^= mLines.operands[LineOf(i)];
+            if (level > 0) {
+                for (std::size_t i = FirstOf(level, node); i < EndOf(level, node); ++i) {
+                    open.Push(level - 1, i, 0);
+                }
+                continue;
+            }
+            for (std::size_t i = FirstOf(0, node); i < EndOf(0, node); ++i) {
+                GridEdge const& e = mEdges[i];
+                if (i != edge && ray.IsBelow(e.a) != ray.IsBelow(e.b) && ray.Crosses(e)) {
+                    inside ^= mLines.operands[LineOf(i)];
+                }
             }
         }
+    };
+    for (std::size_t i = 0; i < SizeOf(mTop); ++i) {
+        open.Push(mTop, i, 0);
+        walk();
+    }
+    return inside;
+}
+
+Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
+    auto const second = [&](std::size_t i, std::size_t line) {
+        return lines.points[i + 1 == lines.End(line) ? lines.Begin(line) : i + 1];
+    };
+    auto const found = std::upper_bound(lines.ends.begin(), lines.ends.end(), edge);
+    auto const lineOfEdge = static_cast<std::size_t>(found - lines.ends.begin());
+    Ray const ray({lines.points[edge], second(edge, lineOfEdge)});
+    Operands inside = 0;
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        bool odd = false;
+        bool below = ray.IsBelow(lines.points[lines.Begin(line)]);
+        for (std::size_t i = lines.Begin(line); i < lines.End(line); ++i) {
+            GridPoint const b = second(i, line);
+            bool const next = ray.IsBelow(b);
+            odd ^= next != below && i != edge && ray.Crosses({lines.points[i], b});
+            below = next;
+        }
+        inside ^= odd ? lines.operands[line] : Operands{0};
     }
     return inside;
 }

@@ -81,11 +81,12 @@ public:
     enum class Order { kLines, kPlaces };
 
     /// The boxes reach `margin` further than the edges. `fresh` has a 1 for each edge that is to be
-    /// looked at, or is empty if all are.
+    /// looked at, or is empty if all are. Throws std::length_error for more than kMostEdges.
     EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order);
 
-    GridLines const& Lines() const { return mLines; }
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
+    /// Whether there are boxes: not if so few edges are fresh that each is held against all.
+    bool HasBoxes() const { return !mNodes.empty(); }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
     /// The number of the edge's second vertex.
@@ -100,18 +101,22 @@ public:
 
     /// The operands that points directly west of an edge that is not horizontal, near its lower
     /// end, lie in by the even-odd rule. Exact, also where edges share that end. The tree is in the
-    /// order of the lines.
+    /// order of the lines, and has boxes.
     Operands InsideWestOf(std::size_t edge) const;
 
 private:
+    static constexpr std::size_t kMostEdges = std::size_t{1} << 31;
     static constexpr std::size_t kFan = 4;
+    static constexpr std::size_t kMostAtTop = 12;
+    static constexpr std::size_t kMostLevels = 17;
     static constexpr std::size_t kLongestChain = 8;
     static constexpr std::size_t kLongestSortedChain = 2;
+    static constexpr std::size_t kFewFresh = 8;
 
     /// The edges of a leaf.
     struct Chain {
-        std::size_t begin;
-        std::size_t end;
+        std::uint32_t begin;
+        std::uint32_t end;
     };
 
     /// A node's box, and whether there is a fresh edge in it.
@@ -127,12 +132,27 @@ private:
             return (static_cast<int>(fresh) | static_cast<int>(n.fresh)) != 0 && box.Meets(n.box);
         }
     };
-    typedef std::vector<Node> Level;
 
+    /// Nodes of a level, or one twice, that may have edges that meet.
     struct Pair {
-        std::size_t level;
-        std::size_t i;
-        std::size_t j;
+        std::uint32_t level;
+        std::uint32_t i;
+        std::uint32_t j;
+    };
+    /// Nodes that are waiting while a tree is walked. Of each level there are no more than come
+    /// from one pair of the level above.
+    class Stack {
+    public:
+        void Push(std::size_t level, std::size_t i, std::size_t j) {
+            mPairs[mSize++] = {static_cast<std::uint32_t>(level), static_cast<std::uint32_t>(i),
+                               static_cast<std::uint32_t>(j)};
+        }
+        bool Empty() const { return mSize == 0; }
+        Pair Pop() { return mPairs[--mSize]; }
+
+    private:
+        std::array<Pair, kMostLevels * kFan * kFan> mPairs;
+        std::size_t mSize = 0;
     };
 
     /// The children of a node: nodes of the level below, or edges.
@@ -140,10 +160,14 @@ private:
         return level == 0 ? mChains[node].begin : node * kFan;
     }
     std::size_t EndOf(std::size_t level, std::size_t node) const {
-        return level == 0 ? mChains[node].end
-                          : std::min(node * kFan + kFan, mLevels[level - 1].size());
+        return level == 0 ? mChains[node].end : std::min(node * kFan + kFan, SizeOf(level - 1));
     }
-    void SortChains(Level& level);
+    std::size_t SizeOf(std::size_t level) const { return mLevels[level + 1] - mLevels[level]; }
+    Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
+    void AddLevels();
+    void SortChains();
+    template <class Visit> void ForMeetingFresh(Visit&& visit) const;
+    template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
     /// Whether edges i < j follow each other.
     bool Follow(std::size_t i, std::size_t j) const;
     GridBox Widened(GridBox const& b) const {
@@ -163,59 +187,105 @@ private:
     std::vector<GridEdge> mEdges;
     std::vector<char> mFirst; // one an edge: 1 for the first of its line
     std::vector<Chain> mChains;
-    std::vector<Level> mLevels; // [0] chains, [i] over [i - 1], the last has one
+    std::vector<Node> mNodes;                           // level by level: chains first
+    std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
+    std::size_t mTop = 0;                               // the last level
 };
 
 template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
-    std::vector<Pair> open;
-    if (!mEdges.empty() && mLevels.back()[0].fresh) {
-        open.push_back({mLevels.size() - 1, 0, 0});
+    if (!HasBoxes()) {
+        ForMeetingFresh(visit);
+        return;
     }
-    while (!open.empty()) {
-        auto const [level, i, j] = open.back();
-        open.pop_back();
-        std::size_t const firstJ = FirstOf(level, j);
-        std::size_t const endI = EndOf(level, i);
-        std::size_t const endJ = EndOf(level, j);
-        if (level > 0) {
-            Level const& nodes = mLevels[level - 1];
+    Stack open;
+    auto const walk = [&] {
+        while (!open.Empty()) {
+            auto const [level, i, j] = open.Pop();
+            if (level == 0) {
+                ForMeetingEdges(i, j, visit);
+                continue;
+            }
+            std::size_t const endI = EndOf(level, i);
+            std::size_t const endJ = EndOf(level, j);
+            Node const* const nodes = NodesOf(level - 1);
             for (std::size_t k = FirstOf(level, i); k < endI; ++k) {
-                std::size_t l = firstJ;
+                std::size_t l = FirstOf(level, j);
                 if (i == j) {
                     l = k + 1;
                     if ((level > 1 || withinChains) && nodes[k].fresh) {
-                        open.push_back({level - 1, k, k});
+                        open.Push(level - 1, k, k);
                     }
                 }
                 for (; l < endJ; ++l) {
                     if (nodes[k].Concerns(nodes[l])) {
-                        open.push_back({level - 1, k, l});
+                        open.Push(level - 1, k, l);
                     }
                 }
             }
-            continue;
         }
-        if (i == j && !withinChains) {
-            continue;
+    };
+    Node const* const nodes = NodesOf(mTop);
+    for (std::size_t k = 0; k < SizeOf(mTop); ++k) {
+        if ((mTop > 0 || withinChains) && nodes[k].fresh) {
+            open.Push(mTop, k, k);
+            walk();
         }
-        std::array<GridBox, kLongestChain> boxes;
-        for (std::size_t l = firstJ; l < endJ; ++l) {
-            boxes[l - firstJ] = Widened(BoxOf(mEdges[l]));
-        }
-        for (std::size_t k = FirstOf(level, i); k < endI; ++k) {
-            GridBox const box = Widened(BoxOf(mEdges[k]));
-            bool const fresh = IsFresh(k);
-            if (!box.Meets(mLevels[0][j].box) || !(fresh || mLevels[0][j].fresh)) {
-                continue;
-            }
-            for (std::size_t l = i == j ? k + 1 : firstJ; l < endJ; ++l) {
-                if (box.Meets(boxes[l - firstJ]) && (fresh || IsFresh(l))) {
-                    visit(std::min(k, l), std::max(k, l), Follow(std::min(k, l), std::max(k, l)));
-                }
+        for (std::size_t l = k + 1; l < SizeOf(mTop); ++l) {
+            if (nodes[k].Concerns(nodes[l])) {
+                open.Push(mTop, k, l);
+                walk();
             }
         }
     }
 }
+
+/// The pairs of edges of two chains, or within one.
+template <class Visit>
+void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const {
+    Node const& nodeI = mNodes[i];
+    Node const& nodeJ = mNodes[j];
+    struct {
+        GridBox box;
+        std::size_t edge;
+    } near[kLongestChain];
+    std::size_t count = 0;
+    for (std::size_t l = mChains[j].begin; l < mChains[j].end; ++l) {
+        near[count] = {Widened(BoxOf(mEdges[l])), l};
+        count += nodeI.box.Meets(near[count].box) && (nodeI.fresh || IsFresh(l)) ? 1 : 0;
+    }
+    for (std::size_t k = mChains[i].begin; k < mChains[i].end && count > 0; ++k) {
+        GridBox const box = Widened(BoxOf(mEdges[k]));
+        bool const fresh = IsFresh(k);
+        if (!box.Meets(nodeJ.box) || !(fresh || nodeJ.fresh)) {
+            continue;
+        }
+        for (std::size_t n = 0; n < count; ++n) {
+            std::size_t const l = near[n].edge;
+            if (box.Meets(near[n].box) && (i != j || k < l) && (fresh || IsFresh(l))) {
+                visit(std::min(k, l), std::max(k, l), Follow(std::min(k, l), std::max(k, l)));
+            }
+        }
+    }
+}
+
+/// All pairs with a fresh edge. Edges of one chain are not left out, but have nothing in common.
+template <class Visit> void EdgeTree::ForMeetingFresh(Visit&& visit) const {
+    for (std::size_t i = 0; i < Count(); ++i) {
+        if (!IsFresh(i)) {
+            continue;
+        }
+        GridBox const box = Widened(Widened(BoxOf(mEdges[i])));
+        for (std::size_t j = 0; j < Count(); ++j) {
+            if (box.Meets(BoxOf(mEdges[j])) && (j > i || (j < i && !IsFresh(j)))) {
+                visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
+            }
+        }
+    }
+}
+
+/// The operands that points directly west of an edge of `lines` lie in, as EdgeTree::InsideWestOf()
+/// tells, but looking at all edges.
+Operands InsideWestOf(GridLines const& lines, std::size_t edge);
 
 } // namespace trammel_detail
 

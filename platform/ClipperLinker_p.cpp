@@ -7,22 +7,28 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
 namespace trammel_detail {
 
 namespace {
 
-std::size_t const kNone = std::numeric_limits<std::size_t>::max();
+/// The number of a line, an edge, an arc or a wheel. EdgeTree takes no more edges than fit.
+typedef std::uint32_t Number;
+
+Number const kNone = std::numeric_limits<Number>::max();
 
 /// Edges of a line that follow each other, from one shared vertex to the next; or a whole line
 /// without any.
 struct Arc {
-    std::size_t line;
-    std::size_t first; // its first edge
-    std::size_t count; // of edges
-    std::size_t next;  // the arc that begins where this one ends
+    Number line;
+    Number first; // its first edge
+    Number count; // of edges
+    Number next;  // the arc that begins where this one ends
     bool closed;
     Operands operands;     // that it separates its two sides in: 0 once it has cancelled
     Operands left = 0;     // that the points to its left lie in
@@ -31,7 +37,7 @@ struct Arc {
 };
 
 /// The end of an arc: 2 * the arc's number, + 1 at its last vertex.
-typedef std::size_t ArcEnd;
+typedef Number ArcEnd;
 
 /// The end at which an arc that is entered at one end is left.
 ArcEnd OtherEnd(ArcEnd end) { return end ^ 1; }
@@ -109,14 +115,14 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
 /// The work of LinkContours().
 class Linker {
 public:
-    Linker(EdgeTree const& tree, std::vector<Meeting> const& meetings, RegionOf const& region)
-        : mTree(tree), mLines(tree.Lines()), mRegion(region) {
+    Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
+           std::vector<Meeting> const& meetings, RegionOf const& region)
+        : mTree(tree), mLines(lines), mRegion(region) {
         MakeArcs(meetings);
         mWheelOf.resize(2 * mArcs.size());
-        mSpokeOf.resize(2 * mArcs.size());
+        mNext.resize(2 * mArcs.size());
         MakePlainWheels(meetings);
         MakeWheels(meetings);
-        mWheels.push_back(mEnds.size());
     }
 
     /// Finds the arcs on the boundary.
@@ -130,65 +136,72 @@ private:
     void MakePlainWheels(std::vector<Meeting> const& meetings);
     /// The others; arcs that are equal are made one.
     void MakeWheels(std::vector<Meeting> const& meetings);
-    void AppendWheel(ArcEnd const* begin, ArcEnd const* end);
+    /// Makes spokes, counterclockwise, a wheel.
+    void AddWheel(ArcEnd const* begin, ArcEnd const* end);
     bool IsPlain(Meeting meeting) const;
-    void DropWhatDoesNotBound();
     void MergeEqualArcs(std::vector<Spoke> const& spokes);
+    Operands InsideWestOf(Number edge);
     /// Labels what hangs together with an arc that is labelled. `done` has an element for each
     /// wheel.
     void LabelFrom(ArcEnd first, std::vector<char>& done);
     /// The number of an arc's vertex number k.
-    std::size_t VertexOf(Arc const& arc, std::size_t k) const {
-        std::size_t const i = arc.first + k;
-        std::size_t const end = mLines.End(arc.line);
-        return i < end ? i : i - end + mLines.Begin(arc.line);
+    Number VertexOf(Arc const& arc, Number k) const {
+        Number const i = arc.first + k;
+        auto const end = static_cast<Number>(mLines.End(arc.line));
+        return i < end ? i : i - end + static_cast<Number>(mLines.Begin(arc.line));
     }
-    GridPoint PointOf(Arc const& arc, std::size_t k) const {
-        return mLines.points[VertexOf(arc, k)];
-    }
+    GridPoint PointOf(Arc const& arc, Number k) const { return mLines.points[VertexOf(arc, k)]; }
     /// The arc's end at which it is entered by someone who has the region to the left.
-    ArcEnd Entry(std::size_t arc) const { return 2 * arc + (mRegion[mArcs[arc].left] ? 0 : 1); }
-    /// The next spoke of the wheel, clockwise.
-    ArcEnd Next(ArcEnd end) const {
-        std::size_t const wheel = mWheelOf[end];
-        std::size_t const i = mSpokeOf[end];
-        return mEnds[(i > mWheels[wheel] ? i : mWheels[wheel + 1]) - 1];
+    ArcEnd Entry(Number arc) const { return 2 * arc + (mRegion[mArcs[arc].left] ? 0 : 1); }
+    /// The next spoke of the wheel, clockwise, that is on the boundary.
+    ArcEnd NextOnBoundary(ArcEnd end) const {
+        do {
+            end = mNext[end];
+        } while (!mArcs[end / 2].bounds);
+        return end;
     }
-    /// Appends the vertices that someone meets who walks along an arc, save the one at which it is
-    /// entered.
+    /// Appends the vertices that someone meets who walks back along an arc, save the one at which
+    /// it is entered.
     void AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const;
 
-    EdgeTree const& mTree;
+    std::optional<EdgeTree> const& mTree;
+    std::optional<EdgeTree> mOwnTree;
+    int mRays = 0; // asked of no tree
     GridLines const& mLines;
     RegionOf const& mRegion;
     std::vector<Arc> mArcs;
-    std::vector<std::pair<std::size_t, std::size_t>> mCrossings; // arcs that begin at a crossing
-    std::vector<ArcEnd> mEnds;         // the spokes, wheel after wheel, in each counterclockwise
-    std::vector<std::size_t> mWheels;  // in mEnds: where each begins, and where the last one ends
-    std::vector<std::size_t> mWheelOf; // by end
-    std::vector<std::size_t> mSpokeOf; // by end: in mEnds
+    std::vector<std::pair<Number, Number>> mCrossings; // arcs that begin at a crossing
+    Number mWheels = 0;
+    std::vector<Number> mWheelOf; // by end
+    std::vector<ArcEnd> mNext;    // by end: the next spoke of the wheel, clockwise
 };
 
 void Linker::MakeArcs(std::vector<Meeting> const& meetings) {
+    std::size_t count = mLines.Count();
+    for (Meeting const meeting : meetings) {
+        count += meeting != kAlone ? 1 : 0;
+    }
+    mArcs.reserve(count);
     for (std::size_t line = 0; line < mLines.Count(); ++line) {
-        std::size_t const begin = mLines.Begin(line);
-        std::size_t const end = mLines.End(line);
-        Arc arc{line, begin, end - begin, mArcs.size(), true, mLines.operands[line]};
-        auto const next = [&](std::size_t i) {
+        auto const begin = static_cast<Number>(mLines.Begin(line));
+        auto const end = static_cast<Number>(mLines.End(line));
+        auto const firstArc = static_cast<Number>(mArcs.size());
+        Arc arc{static_cast<Number>(line), begin, end - begin, firstArc, true,
+                mLines.operands[line]};
+        auto const next = [&](Number i) {
             while (i < end && meetings[i] == kAlone) {
                 ++i;
             }
             return i;
         };
-        std::size_t const first = next(begin);
+        Number const first = next(begin);
         if (first < end) {
-            std::size_t const firstArc = mArcs.size();
             arc.closed = false;
-            for (std::size_t i = first; i < end;) {
-                std::size_t const j = next(i + 1);
+            for (Number i = first; i < end;) {
+                Number const j = next(i + 1);
                 arc.first = i;
                 arc.count = j - i + (j == end ? first - begin : 0);
-                arc.next = j == end ? firstArc : mArcs.size() + 1;
+                arc.next = j == end ? firstArc : static_cast<Number>(mArcs.size()) + 1;
                 mArcs.push_back(arc);
                 i = j;
             }
@@ -210,18 +223,17 @@ void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
     }
     // The arcs that begin there, then those that end there.
     mCrossings.assign(last - kFirstCrossing + 1, {kNone, kNone});
-    for (std::size_t i = 0; i < mArcs.size(); ++i) {
-        Meeting const meeting = mArcs[i].closed ? kAlone : meetings[mArcs[i].first];
+    std::vector<Number> endingAt(mArcs.size(), kNone); // by the arc that begins there
+    for (Number i = 0; i < mArcs.size(); ++i) {
+        if (mArcs[i].closed) {
+            continue;
+        }
+        Meeting const meeting = meetings[mArcs[i].first];
         if (meeting >= kFirstCrossing) {
             auto& [first, second] = mCrossings[meeting - kFirstCrossing];
             (first == kNone ? first : second) = i;
         }
-    }
-    std::vector<std::size_t> endingAt(mArcs.size(), kNone); // by the arc that begins there
-    for (std::size_t i = 0; i < mArcs.size(); ++i) {
-        if (!mArcs[i].closed) {
-            endingAt[mArcs[i].next] = i;
-        }
+        endingAt[mArcs[i].next] = i;
     }
     for (auto const& [first, second] : mCrossings) {
         if (second == kNone) {
@@ -232,13 +244,13 @@ void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
         bool const left = SideOf(PointOf(mArcs[first], 0), PointOf(mArcs[first], 1),
                                  PointOf(mArcs[second], 1)) > 0;
         ArcEnd const wheel[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
-        AppendWheel(wheel, wheel + 4);
+        AddWheel(wheel, wheel + 4);
     }
 }
 
 void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
     std::vector<Spoke> spokes;
-    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+    for (Number i = 0; i < mArcs.size(); ++i) {
         Arc const& arc = mArcs[i];
         if (arc.closed) {
             continue;
@@ -246,9 +258,12 @@ void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
         if (!IsPlain(meetings[arc.first])) {
             spokes.push_back({PointOf(arc, 0), PointOf(arc, 1), 2 * i});
         }
-        if (!IsPlain(meetings[VertexOf(arc, arc.count)])) {
+        if (!IsPlain(meetings[mArcs[arc.next].first])) {
             spokes.push_back({PointOf(arc, arc.count), PointOf(arc, arc.count - 1), 2 * i + 1});
         }
+    }
+    if (spokes.empty()) {
+        return;
     }
     SortByHub(spokes);
     MergeEqualArcs(spokes);
@@ -258,44 +273,23 @@ void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
             wheel.push_back(spokes[i].end);
         }
         if (i + 1 == spokes.size() || spokes[i + 1].hub != spokes[i].hub) {
-            AppendWheel(wheel.data(), wheel.data() + wheel.size());
+            AddWheel(wheel.data(), wheel.data() + wheel.size());
             wheel.clear();
         }
     }
 }
 
-void Linker::AppendWheel(ArcEnd const* begin, ArcEnd const* end) {
+void Linker::AddWheel(ArcEnd const* begin, ArcEnd const* end) {
+    if (begin == end) {
+        return;
+    }
+    ArcEnd last = end[-1];
     for (ArcEnd const* i = begin; i < end; ++i) {
-        mWheelOf[*i] = mWheels.size();
-        mSpokeOf[*i] = mEnds.size();
-        mEnds.push_back(*i);
+        mWheelOf[*i] = mWheels;
+        mNext[*i] = last;
+        last = *i;
     }
-    if (begin < end) {
-        mWheels.push_back(mEnds.size() - static_cast<std::size_t>(end - begin));
-    }
-}
-
-void Linker::DropWhatDoesNotBound() {
-    std::size_t wheels = 0;
-    std::size_t ends = 0;
-    for (std::size_t wheel = 0; wheel + 1 < mWheels.size(); ++wheel) {
-        std::size_t const begin = ends;
-        for (std::size_t i = mWheels[wheel]; i < mWheels[wheel + 1]; ++i) {
-            ArcEnd const end = mEnds[i];
-            if (mArcs[end / 2].bounds) {
-                mWheelOf[end] = wheels;
-                mSpokeOf[end] = ends;
-                mEnds[ends++] = end;
-            }
-        }
-        if (begin < ends) {
-            // Not beyond the wheel that has been read last.
-            mWheels[wheels++] = begin;
-        }
-    }
-    mWheels.resize(wheels + 1);
-    mWheels[wheels] = ends;
-    mEnds.resize(ends);
+    ++mWheels;
 }
 
 void Linker::MergeEqualArcs(std::vector<Spoke> const& spokes) {
@@ -316,6 +310,18 @@ void Linker::MergeEqualArcs(std::vector<Spoke> const& spokes) {
     }
 }
 
+Operands Linker::InsideWestOf(Number edge) {
+    // A tree is worth while for many.
+    int const kFewRays = 8;
+    if (!mTree && !mOwnTree) {
+        if (++mRays <= kFewRays) {
+            return trammel_detail::InsideWestOf(mLines, edge);
+        }
+        mOwnTree.emplace(mLines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
+    }
+    return (mTree ? mTree : mOwnTree)->InsideWestOf(edge);
+}
+
 void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
     // From wheel to wheel: what the points beside one spoke lie in tells it for all spokes, and so
     // for the other ends of their arcs.
@@ -328,39 +334,40 @@ void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
         }
         // What points counterclockwise of the spoke lie in.
         Operands here = mArcs[from / 2].left ^ (from % 2 == 0 ? 0 : mArcs[from / 2].operands);
-        ArcEnd last = from;
-        for (ArcEnd at = Next(from); at != from; at = Next(at)) {
-            here ^= mArcs[last / 2].operands;
-            last = at;
+        Operands last = mArcs[from / 2].operands;
+        for (ArcEnd at = mNext[from]; at != from; at = mNext[at]) {
             Arc& arc = mArcs[at / 2];
+            here ^= last;
+            last = arc.operands;
             if (!arc.labelled && arc.operands != 0) {
                 arc.labelled = true;
                 arc.left = here ^ (at % 2 == 0 ? 0 : arc.operands);
-                open.push_back(OtherEnd(at));
+                if (done[mWheelOf[OtherEnd(at)]] == 0) {
+                    open.push_back(OtherEnd(at));
+                }
             }
         }
     }
 }
 
 void Linker::FindBoundary() {
-    std::vector<char> done(mWheels.size(), 0);
-    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+    std::vector<char> done(mWheels, 0);
+    for (Number i = 0; i < mArcs.size(); ++i) {
         Arc& arc = mArcs[i];
         if (arc.labelled || arc.operands == 0) {
             continue;
         }
         // One edge that is not horizontal tells it for all that hangs together; there is one, as
         // lines are closed.
-        std::size_t k = 0;
+        Number k = 0;
         while (k < arc.count && PointOf(arc, k).y == PointOf(arc, k + 1).y) {
             ++k;
         }
         if (k == arc.count) {
             continue;
         }
-        std::size_t const edge = VertexOf(arc, k);
-        bool const up = mTree.At(edge).a.y < mTree.At(edge).b.y;
-        arc.left = mTree.InsideWestOf(edge) ^ (up ? 0 : arc.operands);
+        bool const up = PointOf(arc, k).y < PointOf(arc, k + 1).y;
+        arc.left = InsideWestOf(VertexOf(arc, k)) ^ (up ? 0 : arc.operands);
         arc.labelled = true;
         if (!arc.closed) {
             LabelFrom(2 * i, done);
@@ -369,19 +376,25 @@ void Linker::FindBoundary() {
     for (Arc& arc : mArcs) {
         arc.bounds = arc.labelled && mRegion[arc.left] != mRegion[arc.left ^ arc.operands];
     }
-    DropWhatDoesNotBound();
 }
 
 void Linker::AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const {
     Arc const& arc = mArcs[entry / 2];
+    auto const at = [this](std::size_t i) {
+        return mLines.points.begin() + static_cast<std::ptrdiff_t>(i);
+    };
+    std::size_t const begin = mLines.Begin(arc.line);
+    std::size_t const end = mLines.End(arc.line);
+    // The part up to the line's end, and what goes on at its beginning.
+    std::size_t const first = arc.first + (entry % 2 == 0 ? 0U : 1U);
+    std::size_t const last = first + arc.count;
+    std::size_t const over = last > end ? last - end : 0;
     if (entry % 2 == 0) {
-        for (std::size_t k = arc.count; k-- > 0;) {
-            points.push_back(PointOf(arc, k));
-        }
+        std::reverse_copy(at(begin), at(begin + over), std::back_inserter(points));
+        std::reverse_copy(at(first), at(last - over), std::back_inserter(points));
     } else {
-        for (std::size_t k = 1; k <= arc.count; ++k) {
-            points.push_back(PointOf(arc, k));
-        }
+        points.insert(points.end(), at(first), at(last - over));
+        points.insert(points.end(), at(begin), at(begin + over));
     }
 }
 
@@ -390,22 +403,23 @@ ResolvedContours Linker::Contours() {
     GridLines& contours = result.contours;
     contours.points.reserve(mLines.points.size());
     std::vector<char> done(mArcs.size(), 0);
-    std::vector<std::size_t> place(mWheels.size(), kNone); // on the way
-    std::vector<ArcEnd> way;                               // the arcs, by where they are entered
+    std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
+    std::vector<std::size_t> place(mWheels, kNowhere); // on the way
+    std::vector<ArcEnd> way;                           // the arcs, by where they are entered
     // Makes the last part of the way, which has come back to where it began, a contour. It has no
     // vertex twice. The way has the region to the left, contours have it to the right.
     auto const finish = [&](std::size_t begin) {
         for (std::size_t i = way.size(); i-- > begin;) {
             AppendBackwards(way[i], contours.points);
             if (!mArcs[way[i] / 2].closed) {
-                place[mWheelOf[way[i]]] = kNone;
+                place[mWheelOf[way[i]]] = kNowhere;
             }
         }
         way.resize(begin);
         contours.ends.push_back(contours.points.size());
         contours.operands.push_back(0);
     };
-    for (std::size_t i = 0; i < mArcs.size(); ++i) {
+    for (Number i = 0; i < mArcs.size(); ++i) {
         if (!mArcs[i].bounds || done[i] != 0) {
             continue;
         }
@@ -418,14 +432,14 @@ ResolvedContours Linker::Contours() {
         // Who comes in at a wheel goes on along the next arc clockwise: what lies between is
         // inside. Arcs that come in and go out alternate.
         do {
-            std::size_t const wheel = mWheelOf[end];
-            if (place[wheel] != kNone) {
+            Number const wheel = mWheelOf[end];
+            if (place[wheel] != kNowhere) {
                 finish(place[wheel]);
             }
             place[wheel] = way.size();
             way.push_back(end);
             done[end / 2] = 1;
-            end = Next(OtherEnd(end));
+            end = NextOnBoundary(OtherEnd(end));
         } while (done[end / 2] == 0);
         finish(0);
     }
@@ -438,9 +452,9 @@ ResolvedContours Linker::Contours() {
 
 } // namespace
 
-ResolvedContours LinkContours(EdgeTree const& tree, std::vector<Meeting> const& meetings,
-                              RegionOf const& region) {
-    Linker linker(tree, meetings, region);
+ResolvedContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
+                              std::vector<Meeting> const& meetings, RegionOf const& region) {
+    Linker linker(lines, tree, meetings, region);
     linker.FindBoundary();
     return linker.Contours();
 }

@@ -8,6 +8,7 @@
 #include "ClipperLines_p.h"
 
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace trammel_detail {
@@ -24,13 +25,14 @@ struct ResolvedContours {
 /// Those that lie in none do not.
 typedef std::array<bool, 4> RegionOf;
 
-/// The contours of the region. The edges of `tree` have nothing in common but their ends, or are
-/// equal; `meetings` has an element for each vertex.
+/// The contours of the region. The edges of the lines have nothing in common but their ends, or are
+/// equal; `tree` is a tree over them in their order, or none; `meetings` has an element for each
+/// vertex.
 ///
 /// Cost: O(n + s log s) for s vertices at which anything may come together, and a ray for each part
 /// of the lines that hangs together.
-ResolvedContours LinkContours(EdgeTree const& tree, std::vector<Meeting> const& meetings,
-                              RegionOf const& region);
+ResolvedContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
+                              std::vector<Meeting> const& meetings, RegionOf const& region);
 
 } // namespace trammel_detail
 
