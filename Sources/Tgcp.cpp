@@ -130,14 +130,17 @@ gpc_polygon Create_gpc(Tgpc_polygon const& p) {
 Tgpc_polygon Create_Tgpc(gpc_polygon* g) {
     Tgpc_polygon polygon;
     int const count = g != nullptr && g->contour != nullptr ? g->num_contours : 0;
+    polygon.mContours.reserve(static_cast<std::size_t>(std::max(count, 0)));
     for (int i = 0; i < count; ++i) {
         gpc_vertex_list const& list = g->contour[i];
-        Tgcp_contour contour;
-        for (int k = 0; list.vertex != nullptr && k < list.num_vertices; ++k) {
+        polygon.mContours.emplace_back();
+        Tgcp_contour& contour = polygon.mContours.back();
+        int const size = list.vertex != nullptr ? std::max(list.num_vertices, 0) : 0;
+        contour.mVertices.reserve(static_cast<std::size_t>(size));
+        for (int k = 0; k < size; ++k) {
             contour.mVertices.emplace_back(list.vertex[k].x, list.vertex[k].y);
         }
         contour.mHole = g->hole != nullptr && g->hole[i] != 0;
-        polygon.mContours.push_back(std::move(contour));
     }
     return polygon;
 }

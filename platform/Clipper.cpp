@@ -10,6 +10,7 @@
 #include "ClipperContours_p.h"
 #include "ClipperGrid_p.h"
 #include "ClipperOrder_p.h"
+#include "ClipperScratch_p.h"
 #include "ClipperSweep_p.h"
 
 #include <algorithm>
@@ -39,6 +40,8 @@ using trammel_detail::GridLines;
 using trammel_detail::Operands;
 using trammel_detail::RegionOf;
 using trammel_detail::ResolvedContours;
+using trammel_detail::Scratch;
+using trammel_detail::ScratchVector;
 
 [[noreturn]] void FailFor(char const* what) {
     std::fprintf(stderr, "gpc malloc failure: %s\n", what);
@@ -92,9 +95,10 @@ struct Contour {
 };
 
 struct Operand {
-    std::vector<Contour> contours;
+    ScratchVector<Contour> contours;
     Bounds bounds;
 
+    explicit Operand(Scratch* scratch) : contours(scratch) {}
     std::size_t Size() const {
         std::size_t size = 0;
         for (Contour const& c : contours) {
@@ -135,8 +139,8 @@ std::optional<Bounds> BoundsOf(gpc_vertex_list const& list) {
     return bounds;
 }
 
-Operand Read(gpc_polygon const& polygon) {
-    Operand operand;
+Operand Read(gpc_polygon const& polygon, Scratch* scratch) {
+    Operand operand(scratch);
     for (int i = 0; i < polygon.num_contours && polygon.contour != nullptr; ++i) {
         if (std::optional<Bounds> const bounds = BoundsOf(polygon.contour[i])) {
             operand.contours.push_back({&polygon.contour[i], *bounds});
@@ -188,8 +192,9 @@ Operands const kSubject = 1;
 Operands const kClip = 2;
 
 /// The operands' lines.
-GridLines LinesOf(gpc_op operation, Operand const& subject, Operand const& clip, ClipGrid& grid) {
-    GridLines lines;
+GridLines LinesOf(gpc_op operation, Operand const& subject, Operand const& clip, ClipGrid& grid,
+                  Scratch* scratch) {
+    GridLines lines(scratch);
     lines.points.reserve(subject.Size() + clip.Size());
     lines.ends.reserve(subject.contours.size() + clip.contours.size());
     lines.operands.reserve(lines.ends.capacity());
@@ -218,7 +223,7 @@ RegionOf RegionOfResult(gpc_op operation) {
     return {false, true, true, true};
 }
 
-gpc_polygon ToRecord(ResolvedContours const& resolved, std::vector<std::size_t> const& order,
+gpc_polygon ToRecord(ResolvedContours const& resolved, ScratchVector<std::size_t> const& order,
                      ClipGrid const& grid) {
     GridLines const& contours = resolved.contours;
     if (order.size() > INT_MAX) {
@@ -248,8 +253,9 @@ gpc_polygon Clip(gpc_op operation, gpc_polygon const& a, gpc_polygon const& b) {
     if (operation > GPC_UNION) {
         return none;
     }
-    Operand subject = Read(a);
-    Operand clip = Read(b);
+    Scratch scratch;
+    Operand subject = Read(a, &scratch);
+    Operand clip = Read(b, &scratch);
     LeaveOutUseless(operation, subject, clip);
     Bounds all = subject.bounds;
     all.Include(clip.bounds);
@@ -258,14 +264,14 @@ gpc_polygon Clip(gpc_op operation, gpc_polygon const& a, gpc_polygon const& b) {
     }
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
     RegionOf const region = RegionOfResult(operation);
-    GridLines lines = LinesOf(operation, subject, clip, grid);
-    ResolvedContours resolved;
+    GridLines lines = LinesOf(operation, subject, clip, grid, &scratch);
+    ResolvedContours resolved(&scratch);
     if (!trammel_detail::ResolveContours(lines, region, grid, resolved) &&
         !(trammel_detail::SweepBoundary(region, grid, lines) &&
           trammel_detail::ResolveContours(lines, trammel_detail::kInsideSwept, grid, resolved))) {
         FailFor("sweep");
     }
-    std::vector<std::size_t> const order = trammel_detail::OrderContours(resolved);
+    ScratchVector<std::size_t> const order = trammel_detail::OrderContours(resolved);
     return ToRecord(resolved, order, grid);
 }
 

@@ -17,13 +17,13 @@ namespace {
 /// The lines in an order in which neighbours are near each other: that of their first vertices
 /// along Morton's curve.
 GridLines SortedByPlace(GridLines const& lines) {
-    std::vector<std::pair<std::uint64_t, std::size_t>> order;
+    ScratchVector<std::pair<std::uint64_t, std::size_t>> order(lines.points.get_allocator());
     order.reserve(lines.Count());
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         order.emplace_back(PlaceOf(lines.points[lines.Begin(line)]), line);
     }
     std::sort(order.begin(), order.end());
-    GridLines sorted;
+    GridLines sorted(lines.points.get_allocator().GetScratch());
     sorted.points.reserve(lines.points.size());
     sorted.ends.reserve(lines.Count());
     sorted.operands.reserve(lines.Count());
@@ -42,9 +42,10 @@ GridLines SortedByPlace(GridLines const& lines) {
 
 bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
                      ResolvedContours& result, Caution caution) {
-    result = ResolvedContours();
+    Scratch* const scratch = lines.points.get_allocator().GetScratch();
+    result = ResolvedContours(scratch);
     GridLines cut = lines.Count() > 2 ? SortedByPlace(lines) : lines;
-    std::vector<Meeting> meetings;
+    ScratchVector<Meeting> meetings(scratch);
     std::optional<EdgeTree> tree;
     if (!CutAtCrossings(cut, grid, caution, meetings, tree)) {
         return false;

@@ -181,10 +181,11 @@ public:
     /// With `clearances` instead, cuts have their clearance, and there are spots. The tree has a
     /// margin of their reach then.
     Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, Clearances const* clearances,
-             std::vector<Meeting>& meetings)
-        : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mMeetings(meetings) {}
+             ScratchVector<Meeting>& meetings)
+        : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mMeetings(meetings),
+          mCuts(meetings.get_allocator()) {}
 
-    std::vector<Cut> Find() {
+    ScratchVector<Cut> Find() {
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
@@ -355,8 +356,8 @@ private:
     ClipGrid const& mGrid;
     bool mPixels;
     Clearances const* mClearances;
-    std::vector<Meeting>& mMeetings;
-    std::vector<Cut> mCuts;
+    ScratchVector<Meeting>& mMeetings;
+    ScratchVector<Cut> mCuts;
     Meeting mNext = kFirstCrossing;
 };
 
@@ -378,15 +379,17 @@ void SortAlong(Cut* begin, Cut* end) {
 
 /// Cuts, edge by edge.
 struct SortedCuts {
-    std::vector<Cut> cuts;           // in the order along the edge
-    std::vector<std::uint32_t> ends; // one an edge: of its part of the cuts
-    std::vector<char> has;           // one an edge: kCut, kSpot
+    ScratchVector<Cut> cuts;           // in the order along the edge
+    ScratchVector<std::uint32_t> ends; // one an edge: of its part of the cuts
+    ScratchVector<char> has;           // one an edge: kCut, kSpot
 
     static constexpr char kCut = 1;
     static constexpr char kSpot = 2;
 
-    SortedCuts(std::vector<Cut> const& unsorted, EdgeTree const& tree)
-        : cuts(unsorted.size()), ends(tree.Count(), 0), has(tree.Count(), 0) {
+    SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree)
+        : cuts(unsorted.size(), unsorted.get_allocator()),
+          ends(tree.Count(), 0, unsorted.get_allocator()),
+          has(tree.Count(), 0, unsorted.get_allocator()) {
         for (Cut const& cut : unsorted) {
             ++ends[cut.edge];
             has[cut.edge] =
@@ -416,7 +419,8 @@ class Doubts {
 public:
     /// Without clearances, all parts may.
     Doubts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances)
-        : mTree(tree), mSorted(sorted), mClearances(clearances) {}
+        : mTree(tree), mSorted(sorted), mClearances(clearances),
+          mPoints(sorted.cuts.get_allocator()), mParts(sorted.cuts.get_allocator()) {}
 
     /// Whether no part of an edge that is cut is in doubt.
     bool IsClear(std::size_t edge, std::size_t before, std::size_t after) const {
@@ -440,7 +444,7 @@ public:
 
     /// The parts of an edge that is cut, from vertex to vertex: 1 for those in doubt. Cuts that
     /// lack their clearance get kMany.
-    std::vector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
+    ScratchVector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
         Collect(edge, before, after);
         mParts.assign(1, 1);
         if (mClearances == nullptr) {
@@ -529,14 +533,14 @@ private:
     EdgeTree const& mTree;
     SortedCuts& mSorted;
     Clearances const* mClearances;
-    std::vector<Point> mPoints;
-    std::vector<char> mParts;
+    ScratchVector<Point> mPoints;
+    ScratchVector<char> mParts;
 };
 
 /// Makes the cuts new vertices. `fresh` gets an element for each edge: 1 for parts that are in
 /// doubt. Returns how many there are.
 std::size_t Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
-                  GridLines& lines, std::vector<Meeting>& meetings, std::vector<char>& fresh) {
+                  GridLines& lines, ScratchVector<Meeting>& meetings, ScratchVector<char>& fresh) {
     // Where an edge is cut later, its direction at its ends is not what it was.
     auto const forget = [&](std::size_t vertex) {
         meetings[vertex] = std::min(meetings[vertex], kMany);
@@ -548,8 +552,8 @@ std::size_t Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* cl
         }
     }
     std::size_t const most = lines.points.size() + sorted.cuts.size();
-    std::vector<GridPoint> allPoints(most);
-    std::vector<Meeting> allMeetings(most);
+    ScratchVector<GridPoint> allPoints(most, meetings.get_allocator());
+    ScratchVector<Meeting> allMeetings(most, meetings.get_allocator());
     fresh.assign(most, 0);
     Doubts doubts(tree, sorted, clearances);
     std::size_t size = 0;
@@ -610,7 +614,7 @@ std::size_t Apply(SortedCuts& sorted, EdgeTree const& tree, Clearances const* cl
 } // namespace
 
 bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
-                    std::vector<Meeting>& meetings, std::optional<EdgeTree>& tree) {
+                    ScratchVector<Meeting>& meetings, std::optional<EdgeTree>& tree) {
     // A cut moves edges by the rounding of the new vertex, which can make them meet others, so
     // parts of edges for which that is not out of the question are looked at again until nothing is
     // left to cut. If the second round has found something, edges are bent at all vertices that
@@ -620,11 +624,11 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
     int const kMaxRounds = 50;
     Clearances const clearances(grid);
     meetings.assign(lines.points.size(), kAlone);
-    tree.emplace(lines, std::vector<char>(), GridPoint{clearances.Reach(), clearances.Reach()},
-                 EdgeTree::Order::kLines);
+    tree.emplace(lines, ScratchVector<char>(meetings.get_allocator()),
+                 GridPoint{clearances.Reach(), clearances.Reach()}, EdgeTree::Order::kLines);
     for (int round = 0; round < kMaxRounds; ++round) {
         bool const known = round == 0 && clearances.Usable() && caution == Caution::kWhereNeeded;
-        std::vector<Cut> const cuts =
+        ScratchVector<Cut> const cuts =
             Meetings(*tree, grid, round >= kExactRounds, known ? &clearances : nullptr, meetings)
                 .Find();
         bool const any = std::any_of(cuts.begin(), cuts.end(),
@@ -636,7 +640,7 @@ bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
             return true;
         }
         SortedCuts sorted(cuts, *tree);
-        std::vector<char> fresh;
+        ScratchVector<char> fresh(meetings.get_allocator());
         std::size_t const count = tree->Count();
         std::size_t const doubtful =
             Apply(sorted, *tree, known ? &clearances : nullptr, lines, meetings, fresh);

@@ -35,7 +35,7 @@ enum class Caution { kWhereNeeded, kEverywhere };
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.
 bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
-                    std::vector<Meeting>& meetings, std::optional<EdgeTree>& tree);
+                    ScratchVector<Meeting>& meetings, std::optional<EdgeTree>& tree);
 
 } // namespace trammel_detail
 

@@ -55,8 +55,10 @@ void GridLines::Close(Operands operand) {
     operands.push_back(operand);
 }
 
-EdgeTree::EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order)
-    : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin), mOrder(order) {
+EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint margin, Order order)
+    : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin), mOrder(order),
+      mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
+      mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()) {
     if (lines.points.size() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
@@ -125,7 +127,7 @@ void EdgeTree::AddLevels() {
 }
 
 void EdgeTree::SortChains() {
-    std::vector<std::pair<std::uint64_t, std::size_t>> order;
+    ScratchVector<std::pair<std::uint64_t, std::size_t>> order(mNodes.get_allocator());
     order.reserve(mNodes.size());
     for (std::size_t i = 0; i < mNodes.size(); ++i) {
         GridBox const& box = mNodes[i].box;
@@ -133,8 +135,8 @@ void EdgeTree::SortChains() {
             PlaceOf({box.x0 + (box.x1 - box.x0) / 2, box.y0 + (box.y1 - box.y0) / 2}), i);
     }
     std::sort(order.begin(), order.end());
-    std::vector<Chain> chains;
-    std::vector<Node> nodes;
+    ScratchVector<Chain> chains(mNodes.get_allocator());
+    ScratchVector<Node> nodes(mNodes.get_allocator());
     chains.reserve(order.size());
     nodes.reserve(order.size() + order.size() / 2);
     for (auto const& [place, i] : order) {

@@ -5,6 +5,7 @@
 #define TRAMMEL_CLIPPERLINES_P_H
 
 #include "ClipperGrid_p.h"
+#include "ClipperScratch_p.h"
 
 #include <algorithm>
 #include <array>
@@ -21,9 +22,12 @@ typedef unsigned char Operands;
 /// Closed lines: the vertices of all of them one after the other, where each ends, and the operand
 /// that it bounds.
 struct GridLines {
-    std::vector<GridPoint> points;
-    std::vector<std::size_t> ends;
-    std::vector<Operands> operands;
+    ScratchVector<GridPoint> points;
+    ScratchVector<std::size_t> ends;
+    ScratchVector<Operands> operands;
+
+    explicit GridLines(Scratch* scratch = nullptr)
+        : points(scratch), ends(scratch), operands(scratch) {}
 
     std::size_t Count() const { return ends.size(); }
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1]; }
@@ -82,7 +86,7 @@ public:
 
     /// The boxes reach `margin` further than the edges. `fresh` has a 1 for each edge that is to be
     /// looked at, or is empty if all are. Throws std::length_error for more than kMostEdges.
-    EdgeTree(GridLines const& lines, std::vector<char> fresh, GridPoint margin, Order order);
+    EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint margin, Order order);
 
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
     /// Whether there are boxes: not if so few edges are fresh that each is held against all.
@@ -181,13 +185,13 @@ private:
     bool IsFresh(std::size_t edge) const { return mFreshEdges.empty() || mFreshEdges[edge] != 0; }
 
     GridLines const& mLines;
-    std::vector<char> mFreshEdges;
+    ScratchVector<char> mFreshEdges;
     GridPoint mMargin;
     Order mOrder;
-    std::vector<GridEdge> mEdges;
-    std::vector<char> mFirst; // one an edge: 1 for the first of its line
-    std::vector<Chain> mChains;
-    std::vector<Node> mNodes;                           // level by level: chains first
+    ScratchVector<GridEdge> mEdges;
+    ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
+    ScratchVector<Chain> mChains;
+    ScratchVector<Node> mNodes;                         // level by level: chains first
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
 };

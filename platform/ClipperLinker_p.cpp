@@ -66,7 +66,7 @@ bool TurnsFirst(Spoke const& s, Spoke const& t) {
 }
 
 /// Brings the spokes of each wheel together, in each counterclockwise.
-void SortByHub(std::vector<Spoke>& spokes) {
+void SortByHub(ScratchVector<Spoke>& spokes) {
     // Into buckets by their place, a wheel or two in each if they are spread evenly; then each
     // bucket is sorted.
     int bits = 0;
@@ -76,7 +76,7 @@ void SortByHub(std::vector<Spoke>& spokes) {
     auto const bucketOf = [bits](Spoke const& s) {
         return bits == 0 ? 0 : static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
     };
-    std::vector<std::size_t> ends(std::size_t{1} << bits, 0);
+    ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, spokes.get_allocator());
     for (Spoke const& s : spokes) {
         ++ends[bucketOf(s)];
     }
@@ -84,7 +84,7 @@ void SortByHub(std::vector<Spoke>& spokes) {
     for (std::size_t& end : ends) {
         sum += std::exchange(end, sum);
     }
-    std::vector<Spoke> sorted(spokes.size());
+    ScratchVector<Spoke> sorted(spokes.size(), spokes.get_allocator());
     for (Spoke const& s : spokes) {
         sorted[ends[bucketOf(s)]++] = s;
     }
@@ -116,8 +116,10 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
 class Linker {
 public:
     Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
-           std::vector<Meeting> const& meetings, RegionOf const& region)
-        : mTree(tree), mLines(lines), mRegion(region) {
+           ScratchVector<Meeting> const& meetings, RegionOf const& region)
+        : mTree(tree), mLines(lines), mRegion(region),
+          mScratch(meetings.get_allocator().GetScratch()), mArcs(mScratch), mCrossings(mScratch),
+          mWheelOf(mScratch), mNext(mScratch) {
         MakeArcs(meetings);
         mWheelOf.resize(2 * mArcs.size());
         mNext.resize(2 * mArcs.size());
@@ -131,19 +133,19 @@ public:
     ResolvedContours Contours();
 
 private:
-    void MakeArcs(std::vector<Meeting> const& meetings);
+    void MakeArcs(ScratchVector<Meeting> const& meetings);
     /// The wheels of crossings of two edges.
-    void MakePlainWheels(std::vector<Meeting> const& meetings);
+    void MakePlainWheels(ScratchVector<Meeting> const& meetings);
     /// The others; arcs that are equal are made one.
-    void MakeWheels(std::vector<Meeting> const& meetings);
+    void MakeWheels(ScratchVector<Meeting> const& meetings);
     /// Makes spokes, counterclockwise, a wheel.
     void AddWheel(ArcEnd const* begin, ArcEnd const* end);
     bool IsPlain(Meeting meeting) const;
-    void MergeEqualArcs(std::vector<Spoke> const& spokes);
+    void MergeEqualArcs(ScratchVector<Spoke> const& spokes);
     Operands InsideWestOf(Number edge);
     /// Labels what hangs together with an arc that is labelled. `done` has an element for each
     /// wheel.
-    void LabelFrom(ArcEnd first, std::vector<char>& done);
+    void LabelFrom(ArcEnd first, ScratchVector<char>& done);
     /// The number of an arc's vertex number k.
     Number VertexOf(Arc const& arc, Number k) const {
         Number const i = arc.first + k;
@@ -162,21 +164,22 @@ private:
     }
     /// Appends the vertices that someone meets who walks back along an arc, save the one at which
     /// it is entered.
-    void AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const;
+    void AppendBackwards(ArcEnd entry, ScratchVector<GridPoint>& points) const;
 
     std::optional<EdgeTree> const& mTree;
     std::optional<EdgeTree> mOwnTree;
     int mRays = 0; // asked of no tree
     GridLines const& mLines;
     RegionOf const& mRegion;
-    std::vector<Arc> mArcs;
-    std::vector<std::pair<Number, Number>> mCrossings; // arcs that begin at a crossing
+    Scratch* mScratch;
+    ScratchVector<Arc> mArcs;
+    ScratchVector<std::pair<Number, Number>> mCrossings; // arcs that begin at a crossing
     Number mWheels = 0;
-    std::vector<Number> mWheelOf; // by end
-    std::vector<ArcEnd> mNext;    // by end: the next spoke of the wheel, clockwise
+    ScratchVector<Number> mWheelOf; // by end
+    ScratchVector<ArcEnd> mNext;    // by end: the next spoke of the wheel, clockwise
 };
 
-void Linker::MakeArcs(std::vector<Meeting> const& meetings) {
+void Linker::MakeArcs(ScratchVector<Meeting> const& meetings) {
     std::size_t count = mLines.Count();
     for (Meeting const meeting : meetings) {
         count += meeting != kAlone ? 1 : 0;
@@ -215,7 +218,7 @@ bool Linker::IsPlain(Meeting meeting) const {
     return meeting >= kFirstCrossing && mCrossings[meeting - kFirstCrossing].second != kNone;
 }
 
-void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
+void Linker::MakePlainWheels(ScratchVector<Meeting> const& meetings) {
     Meeting const last =
         meetings.empty() ? kAlone : *std::max_element(meetings.begin(), meetings.end());
     if (last < kFirstCrossing) {
@@ -223,7 +226,7 @@ void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
     }
     // The arcs that begin there, then those that end there.
     mCrossings.assign(last - kFirstCrossing + 1, {kNone, kNone});
-    std::vector<Number> endingAt(mArcs.size(), kNone); // by the arc that begins there
+    ScratchVector<Number> endingAt(mArcs.size(), kNone, mScratch); // by the arc that begins there
     for (Number i = 0; i < mArcs.size(); ++i) {
         if (mArcs[i].closed) {
             continue;
@@ -248,8 +251,8 @@ void Linker::MakePlainWheels(std::vector<Meeting> const& meetings) {
     }
 }
 
-void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
-    std::vector<Spoke> spokes;
+void Linker::MakeWheels(ScratchVector<Meeting> const& meetings) {
+    ScratchVector<Spoke> spokes(mScratch);
     for (Number i = 0; i < mArcs.size(); ++i) {
         Arc const& arc = mArcs[i];
         if (arc.closed) {
@@ -267,7 +270,7 @@ void Linker::MakeWheels(std::vector<Meeting> const& meetings) {
     }
     SortByHub(spokes);
     MergeEqualArcs(spokes);
-    std::vector<ArcEnd> wheel;
+    ScratchVector<ArcEnd> wheel(mScratch);
     for (std::size_t i = 0; i < spokes.size(); ++i) {
         if (mArcs[spokes[i].end / 2].operands != 0) {
             wheel.push_back(spokes[i].end);
@@ -292,7 +295,7 @@ void Linker::AddWheel(ArcEnd const* begin, ArcEnd const* end) {
     ++mWheels;
 }
 
-void Linker::MergeEqualArcs(std::vector<Spoke> const& spokes) {
+void Linker::MergeEqualArcs(ScratchVector<Spoke> const& spokes) {
     // Equal arcs have one edge each. The one with the smallest number stands for all, once.
     for (std::size_t i = 0; i + 1 < spokes.size();) {
         std::size_t j = i + 1;
@@ -317,15 +320,16 @@ Operands Linker::InsideWestOf(Number edge) {
         if (++mRays <= kFewRays) {
             return trammel_detail::InsideWestOf(mLines, edge);
         }
-        mOwnTree.emplace(mLines, std::vector<char>(), GridPoint{0, 0}, EdgeTree::Order::kLines);
+        mOwnTree.emplace(mLines, ScratchVector<char>(mScratch), GridPoint{0, 0},
+                         EdgeTree::Order::kLines);
     }
     return (mTree ? mTree : mOwnTree)->InsideWestOf(edge);
 }
 
-void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
+void Linker::LabelFrom(ArcEnd first, ScratchVector<char>& done) {
     // From wheel to wheel: what the points beside one spoke lie in tells it for all spokes, and so
     // for the other ends of their arcs.
-    std::vector<ArcEnd> open{first, OtherEnd(first)};
+    ScratchVector<ArcEnd> open({first, OtherEnd(first)}, mScratch);
     while (!open.empty()) {
         ArcEnd const from = open.back();
         open.pop_back();
@@ -351,7 +355,7 @@ void Linker::LabelFrom(ArcEnd first, std::vector<char>& done) {
 }
 
 void Linker::FindBoundary() {
-    std::vector<char> done(mWheels, 0);
+    ScratchVector<char> done(mWheels, 0, mScratch);
     for (Number i = 0; i < mArcs.size(); ++i) {
         Arc& arc = mArcs[i];
         if (arc.labelled || arc.operands == 0) {
@@ -378,7 +382,7 @@ void Linker::FindBoundary() {
     }
 }
 
-void Linker::AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const {
+void Linker::AppendBackwards(ArcEnd entry, ScratchVector<GridPoint>& points) const {
     Arc const& arc = mArcs[entry / 2];
     auto const at = [this](std::size_t i) {
         return mLines.points.begin() + static_cast<std::ptrdiff_t>(i);
@@ -399,13 +403,13 @@ void Linker::AppendBackwards(ArcEnd entry, std::vector<GridPoint>& points) const
 }
 
 ResolvedContours Linker::Contours() {
-    ResolvedContours result;
+    ResolvedContours result(mScratch);
     GridLines& contours = result.contours;
     contours.points.reserve(mLines.points.size());
-    std::vector<char> done(mArcs.size(), 0);
+    ScratchVector<char> done(mArcs.size(), 0, mScratch);
     std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
-    std::vector<std::size_t> place(mWheels, kNowhere); // on the way
-    std::vector<ArcEnd> way;                           // the arcs, by where they are entered
+    ScratchVector<std::size_t> place(mWheels, kNowhere, mScratch); // on the way
+    ScratchVector<ArcEnd> way(mScratch); // the arcs, by where they are entered
     // Makes the last part of the way, which has come back to where it began, a contour. It has no
     // vertex twice. The way has the region to the left, contours have it to the right.
     auto const finish = [&](std::size_t begin) {
@@ -453,7 +457,7 @@ ResolvedContours Linker::Contours() {
 } // namespace
 
 ResolvedContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
-                              std::vector<Meeting> const& meetings, RegionOf const& region) {
+                              ScratchVector<Meeting> const& meetings, RegionOf const& region) {
     Linker linker(lines, tree, meetings, region);
     linker.FindBoundary();
     return linker.Contours();

@@ -17,8 +17,10 @@ namespace trammel_detail {
 /// single vertices, where they meet but do not cross. Those of holes run counterclockwise, the
 /// others clockwise (y up).
 struct ResolvedContours {
+    explicit ResolvedContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
+
     GridLines contours;
-    std::vector<char> holes; ///< one a contour: 1 if the region lies outside of it
+    ScratchVector<char> holes; ///< one a contour: 1 if the region lies outside of it
 };
 
 /// Whether points that lie in just these operands belong to the region, by Operands from 0 to 3.
@@ -32,7 +34,7 @@ typedef std::array<bool, 4> RegionOf;
 /// Cost: O(n + s log s) for s vertices at which anything may come together, and a ray for each part
 /// of the lines that hangs together.
 ResolvedContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
-                              std::vector<Meeting> const& meetings, RegionOf const& region);
+                              ScratchVector<Meeting> const& meetings, RegionOf const& region);
 
 } // namespace trammel_detail
 

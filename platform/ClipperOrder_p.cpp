@@ -25,6 +25,9 @@ struct Maximum {
 /// The low point by which a contour is listed.
 class ListingPoint {
 public:
+    explicit ListingPoint(Scratch* scratch)
+        : mMinima(scratch), mMaxima(scratch), mParent(scratch) {}
+
     /// Of the contour with `count` vertices from `v`, which starts at its highest vertex or ends
     /// there.
     GridPoint Of(GridPoint const* v, std::size_t count);
@@ -38,9 +41,9 @@ private:
         return i;
     }
 
-    std::vector<GridPoint> mMinima;
-    std::vector<Maximum> mMaxima;
-    std::vector<std::size_t> mParent;
+    ScratchVector<GridPoint> mMinima;
+    ScratchVector<Maximum> mMaxima;
+    ScratchVector<std::size_t> mParent;
 };
 
 GridPoint ListingPoint::Of(GridPoint const* v, std::size_t count) {
@@ -91,12 +94,12 @@ GridPoint ListingPoint::Of(GridPoint const* v, std::size_t count) {
 
 } // namespace
 
-std::vector<std::size_t> OrderContours(ResolvedContours& resolved) {
+ScratchVector<std::size_t> OrderContours(ResolvedContours& resolved) {
     GridLines& contours = resolved.contours;
-    std::vector<GridPoint>& points = contours.points;
-    std::vector<GridPoint> keys;
+    ScratchVector<GridPoint>& points = contours.points;
+    ScratchVector<GridPoint> keys(points.get_allocator());
     keys.reserve(contours.Count());
-    ListingPoint listingPoint;
+    ListingPoint listingPoint(points.get_allocator().GetScratch());
     std::size_t begin = 0;
     std::size_t size = 0;
     for (std::size_t c = 0; c < contours.Count(); ++c) {
@@ -126,7 +129,7 @@ std::vector<std::size_t> OrderContours(ResolvedContours& resolved) {
     }
     points.resize(size);
 
-    std::vector<std::size_t> order(contours.Count());
+    ScratchVector<std::size_t> order(contours.Count(), points.get_allocator());
     std::iota(order.begin(), order.end(), std::size_t{0});
     // What runs along one horizontal line only has no vertices left, and encloses nothing.
     order.erase(std::remove_if(order.begin(), order.end(),

@@ -210,7 +210,7 @@ TEST(ClipperParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
     Drawing const drawing({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}}, {{{2, 1}, {6, 1}, {6, 3}, {2, 3}}});
     for (Caution const caution : {Caution::kWhereNeeded, Caution::kEverywhere}) {
         GridLines lines = drawing.lines;
-        std::vector<Meeting> meetings;
+        trammel_detail::ScratchVector<Meeting> meetings;
         std::optional<EdgeTree> tree;
         ASSERT_TRUE(trammel_detail::CutAtCrossings(lines, drawing.grid, caution, meetings, tree));
         ASSERT_EQ(lines.points.size(), 12U);
@@ -231,13 +231,13 @@ TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
     Dice dice(5);
     Drawing const drawing({RandomContour(dice, 90)}, {RandomContour(dice, 110)});
     GridLines lines = drawing.lines;
-    std::vector<Meeting> meetings;
+    trammel_detail::ScratchVector<Meeting> meetings;
     std::optional<EdgeTree> tree;
     ASSERT_TRUE(
         trammel_detail::CutAtCrossings(lines, drawing.grid, Caution::kWhereNeeded, meetings, tree));
     // All, and one edge in ten.
     for (bool const all : {true, false}) {
-        std::vector<char> fresh;
+        trammel_detail::ScratchVector<char> fresh;
         for (std::size_t i = 0; i < lines.points.size() && !all; ++i) {
             fresh.push_back(i % 10 == 0 ? 1 : 0);
         }
