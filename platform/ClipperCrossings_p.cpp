@@ -228,9 +228,9 @@ private:
         std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
         for (std::size_t k = before; k < mCuts.size(); ++k) {
             mCuts[k].clearance = clearance;
-            mCuts[k].meeting = mNext;
+            mCuts[k].meeting = mNext + (crosses.fb > 0 ? 1 : 0);
         }
-        ++mNext;
+        mNext += 2;
     }
     void AddSpots(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
         if (mClearances != nullptr) {

@@ -14,7 +14,8 @@
 namespace trammel_detail {
 
 /// What happens at a vertex: kAlone, it occurs once; kMany, anything may come together there; any
-/// other, just two edges cross there, which have been cut at vertices that have this number.
+/// other, just two edges cross there, which have been cut at vertices that have this number: twice
+/// that of the crossing, + 1 if the edge that comes later crosses the other to its left.
 typedef std::uint32_t Meeting;
 inline constexpr Meeting kAlone = 0;
 inline constexpr Meeting kMany = 1;

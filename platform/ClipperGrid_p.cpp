@@ -34,6 +34,9 @@ GridAxis::GridAxis(double low, double high) {
     double const steps = first * mStepsPerUnit;
     mOrigin = std::fabs(steps) < 0x1p52 ? std::nearbyint(steps) * mStep : first;
     mHalf = static_cast<std::int64_t>(range / 2 * mStepsPerUnit);
+    mIsNearZero = std::fabs(mOrigin * mStepsPerUnit) <= 0x1p61;
+    mFromZero =
+        mIsNearZero ? mHalf + static_cast<std::int64_t>(mOrigin * mStepsPerUnit) : mFromZero;
     mExactFrom = 0x1p53 * mStep * mDown1 * mDown2;
 }
 

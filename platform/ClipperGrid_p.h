@@ -81,6 +81,10 @@ private:
     double mStep = 1;         // scaled
     double mStepsPerUnit = 1; // 1 / mStep
     double mExactFrom = 0;
+    // The origin in steps, less half the range: what is to be added to a grid coordinate to count
+    // from zero. Only if no such sum exceeds 62 bits.
+    bool mIsNearZero = false;
+    std::int64_t mFromZero = 0;
 };
 
 inline std::int64_t GridAxis::ToGrid(double v) const {
@@ -94,6 +98,12 @@ inline std::int64_t GridAxis::ToGrid(double v) const {
 }
 
 inline double GridAxis::FromGrid(std::int64_t& g) const {
+    if (mIsNearZero) {
+        // Conversion rounds to the nearest double, as the below does.
+        double const v = static_cast<double>(g + mFromZero);
+        g = static_cast<std::int64_t>(v) - mFromZero;
+        return v * mStep * mDown1 * mDown2;
+    }
     std::int64_t const steps = g + mHalf;
     double const high = static_cast<double>(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
@@ -106,6 +116,9 @@ inline double GridAxis::FromGrid(std::int64_t& g) const {
 }
 
 inline double GridAxis::OfDouble(std::int64_t g) const {
+    if (mIsNearZero) {
+        return static_cast<double>(g + mFromZero) * mStep * mDown1 * mDown2;
+    }
     std::int64_t const steps = g + mHalf;
     double const high = static_cast<double>(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));

@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 #include <limits>
 #include <optional>
 #include <utility>
@@ -26,13 +25,16 @@ Number const kNone = std::numeric_limits<Number>::max();
 /// without any.
 struct Arc {
     Number line;
-    Number first; // its first edge
-    Number count; // of edges
-    Number next;  // the arc that begins where this one ends
+    Number first;    // its first edge
+    Number count;    // of edges
+    Number next;     // the arc that begins where this one ends
+    Number previous; // the arc that ends where this one begins
+    Number other; // the arc of the other edge, if two edges cross where this one begins; or kNone
     bool closed;
     Operands operands;     // that it separates its two sides in: 0 once it has cancelled
     Operands left = 0;     // that the points to its left lie in
     bool labelled = false; // whether that is known
+    bool followed = false; // whether it was followed both ways to label what goes on from it
     bool bounds = false;   // whether it is on the boundary of the region
 };
 
@@ -118,13 +120,13 @@ public:
     Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
            ScratchVector<Meeting> const& meetings, RegionOf const& region)
         : mTree(tree), mLines(lines), mRegion(region),
-          mScratch(meetings.get_allocator().GetScratch()), mArcs(mScratch), mCrossings(mScratch),
-          mWheelOf(mScratch), mNext(mScratch) {
+          mScratch(meetings.get_allocator().GetScratch()), mArcs(mScratch), mWheelOf(mScratch),
+          mNext(mScratch), mDone(mScratch), mOpen(mScratch) {
         MakeArcs(meetings);
         mWheelOf.resize(2 * mArcs.size());
         mNext.resize(2 * mArcs.size());
         MakePlainWheels(meetings);
-        MakeWheels(meetings);
+        MakeWheels();
     }
 
     /// Finds the arcs on the boundary.
@@ -137,15 +139,15 @@ private:
     /// The wheels of crossings of two edges.
     void MakePlainWheels(ScratchVector<Meeting> const& meetings);
     /// The others; arcs that are equal are made one.
-    void MakeWheels(ScratchVector<Meeting> const& meetings);
+    void MakeWheels();
     /// Makes spokes, counterclockwise, a wheel.
     void AddWheel(ArcEnd const* begin, ArcEnd const* end);
-    bool IsPlain(Meeting meeting) const;
     void MergeEqualArcs(ScratchVector<Spoke> const& spokes);
     Operands InsideWestOf(Number edge);
-    /// Labels what hangs together with an arc that is labelled. `done` has an element for each
-    /// wheel.
-    void LabelFrom(ArcEnd first, ScratchVector<char>& done);
+    /// Labels what hangs together with an arc that is labelled.
+    void LabelFrom(Number first);
+    void LabelAlong(Number arc);
+    void LabelAround(ArcEnd from);
     /// The number of an arc's vertex number k.
     Number VertexOf(Arc const& arc, Number k) const {
         Number const i = arc.first + k;
@@ -164,7 +166,7 @@ private:
     }
     /// Appends the vertices that someone meets who walks back along an arc, save the one at which
     /// it is entered.
-    void AppendBackwards(ArcEnd entry, ScratchVector<GridPoint>& points) const;
+    GridPoint* AppendBackwards(ArcEnd entry, GridPoint* out) const;
 
     std::optional<EdgeTree> const& mTree;
     std::optional<EdgeTree> mOwnTree;
@@ -173,49 +175,53 @@ private:
     RegionOf const& mRegion;
     Scratch* mScratch;
     ScratchVector<Arc> mArcs;
-    ScratchVector<std::pair<Number, Number>> mCrossings; // arcs that begin at a crossing
     Number mWheels = 0;
     ScratchVector<Number> mWheelOf; // by end
     ScratchVector<ArcEnd> mNext;    // by end: the next spoke of the wheel, clockwise
+    // While arcs are labelled:
+    ScratchVector<char> mDone;   // by wheel: 1 once its arcs are
+    ScratchVector<Number> mOpen; // arcs that are, and are to be followed
 };
 
 void Linker::MakeArcs(ScratchVector<Meeting> const& meetings) {
-    std::size_t count = mLines.Count();
+    std::size_t most = mLines.Count();
     for (Meeting const meeting : meetings) {
-        count += meeting != kAlone ? 1 : 0;
+        most += meeting != kAlone ? 1 : 0;
     }
-    mArcs.reserve(count);
+    mArcs.resize(most);
+    Number count = 0;
     for (std::size_t line = 0; line < mLines.Count(); ++line) {
         auto const begin = static_cast<Number>(mLines.Begin(line));
         auto const end = static_cast<Number>(mLines.End(line));
-        auto const firstArc = static_cast<Number>(mArcs.size());
-        Arc arc{static_cast<Number>(line), begin, end - begin, firstArc, true,
-                mLines.operands[line]};
-        auto const next = [&](Number i) {
-            while (i < end && meetings[i] == kAlone) {
-                ++i;
-            }
-            return i;
-        };
-        Number const first = next(begin);
-        if (first < end) {
-            arc.closed = false;
-            for (Number i = first; i < end;) {
-                Number const j = next(i + 1);
+        Number const firstArc = count;
+        for (Number i = begin; i < end; ++i) {
+            if (meetings[i] != kAlone) {
+                Arc& arc = mArcs[count];
+                arc.line = static_cast<Number>(line);
                 arc.first = i;
-                arc.count = j - i + (j == end ? first - begin : 0);
-                arc.next = j == end ? firstArc : static_cast<Number>(mArcs.size()) + 1;
-                mArcs.push_back(arc);
-                i = j;
+                arc.previous = count - 1;
+                arc.other = kNone;
+                arc.closed = false;
+                arc.operands = mLines.operands[line];
+                ++count;
+                arc.next = count;
             }
-        } else {
-            mArcs.push_back(arc);
         }
+        if (firstArc == count) {
+            mArcs[count] = {
+                static_cast<Number>(line), begin, end - begin, count, count, kNone, true,
+                mLines.operands[line]};
+            ++count;
+            continue;
+        }
+        mArcs[firstArc].previous = count - 1;
+        mArcs[count - 1].next = firstArc;
+        for (Number i = firstArc; i + 1 < count; ++i) {
+            mArcs[i].count = mArcs[i + 1].first - mArcs[i].first;
+        }
+        mArcs[count - 1].count = end - mArcs[count - 1].first + mArcs[firstArc].first - begin;
     }
-}
-
-bool Linker::IsPlain(Meeting meeting) const {
-    return meeting >= kFirstCrossing && mCrossings[meeting - kFirstCrossing].second != kNone;
+    mArcs.resize(count);
 }
 
 void Linker::MakePlainWheels(ScratchVector<Meeting> const& meetings) {
@@ -224,44 +230,40 @@ void Linker::MakePlainWheels(ScratchVector<Meeting> const& meetings) {
     if (last < kFirstCrossing) {
         return;
     }
-    // The arcs that begin there, then those that end there.
-    mCrossings.assign(last - kFirstCrossing + 1, {kNone, kNone});
-    ScratchVector<Number> endingAt(mArcs.size(), kNone, mScratch); // by the arc that begins there
+    // By crossing: the first arc that begins there. If there is no second, its end of the other
+    // edge has come to be one where anything may come together.
+    ScratchVector<Number> firstAt((last - kFirstCrossing) / 2 + 1, kNone, mScratch);
     for (Number i = 0; i < mArcs.size(); ++i) {
-        if (mArcs[i].closed) {
+        if (mArcs[i].closed || meetings[mArcs[i].first] < kFirstCrossing) {
             continue;
         }
-        Meeting const meeting = meetings[mArcs[i].first];
-        if (meeting >= kFirstCrossing) {
-            auto& [first, second] = mCrossings[meeting - kFirstCrossing];
-            (first == kNone ? first : second) = i;
-        }
-        endingAt[mArcs[i].next] = i;
-    }
-    for (auto const& [first, second] : mCrossings) {
-        if (second == kNone) {
+        Meeting const meeting = meetings[mArcs[i].first] - kFirstCrossing;
+        Number const first = firstAt[meeting / 2];
+        if (first == kNone) {
+            firstAt[meeting / 2] = i;
             continue;
         }
-        ArcEnd const out[2] = {2 * first, 2 * second};
-        ArcEnd const in[2] = {2 * endingAt[first] + 1, 2 * endingAt[second] + 1};
-        bool const left = SideOf(PointOf(mArcs[first], 0), PointOf(mArcs[first], 1),
-                                 PointOf(mArcs[second], 1)) > 0;
+        mArcs[i].other = first;
+        mArcs[first].other = i;
+        bool const left = meeting % 2 != 0;
+        ArcEnd const out[2] = {2 * first, 2 * i};
+        ArcEnd const in[2] = {2 * mArcs[first].previous + 1, 2 * mArcs[i].previous + 1};
         ArcEnd const wheel[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
         AddWheel(wheel, wheel + 4);
     }
 }
 
-void Linker::MakeWheels(ScratchVector<Meeting> const& meetings) {
+void Linker::MakeWheels() {
     ScratchVector<Spoke> spokes(mScratch);
     for (Number i = 0; i < mArcs.size(); ++i) {
         Arc const& arc = mArcs[i];
         if (arc.closed) {
             continue;
         }
-        if (!IsPlain(meetings[arc.first])) {
+        if (arc.other == kNone) {
             spokes.push_back({PointOf(arc, 0), PointOf(arc, 1), 2 * i});
         }
-        if (!IsPlain(meetings[mArcs[arc.next].first])) {
+        if (mArcs[arc.next].other == kNone) {
             spokes.push_back({PointOf(arc, arc.count), PointOf(arc, arc.count - 1), 2 * i + 1});
         }
     }
@@ -326,36 +328,72 @@ Operands Linker::InsideWestOf(Number edge) {
     return (mTree ? mTree : mOwnTree)->InsideWestOf(edge);
 }
 
-void Linker::LabelFrom(ArcEnd first, ScratchVector<char>& done) {
-    // From wheel to wheel: what the points beside one spoke lie in tells it for all spokes, and so
-    // for the other ends of their arcs.
-    ScratchVector<ArcEnd> open({first, OtherEnd(first)}, mScratch);
-    while (!open.empty()) {
-        ArcEnd const from = open.back();
-        open.pop_back();
-        if (std::exchange(done[mWheelOf[from]], 1) != 0) {
-            continue;
+void Linker::LabelFrom(Number first) {
+    mOpen.push_back(first);
+    while (!mOpen.empty()) {
+        Number const arc = mOpen.back();
+        mOpen.pop_back();
+        if (!mArcs[arc].followed) {
+            LabelAlong(arc);
         }
-        // What points counterclockwise of the spoke lie in.
-        Operands here = mArcs[from / 2].left ^ (from % 2 == 0 ? 0 : mArcs[from / 2].operands);
-        Operands last = mArcs[from / 2].operands;
-        for (ArcEnd at = mNext[from]; at != from; at = mNext[at]) {
-            Arc& arc = mArcs[at / 2];
-            here ^= last;
-            last = arc.operands;
-            if (!arc.labelled && arc.operands != 0) {
-                arc.labelled = true;
-                arc.left = here ^ (at % 2 == 0 ? 0 : arc.operands);
-                if (done[mWheelOf[OtherEnd(at)]] == 0) {
-                    open.push_back(OtherEnd(at));
-                }
-            }
+    }
+}
+
+/// Labels the arcs that go on from a labelled one in both directions, as long as just two edges
+/// cross where they do, and what they meet.
+void Linker::LabelAlong(Number arc) {
+    // To pass a crossing is to come to the other side of the other edge.
+    mArcs[arc].followed = true;
+    Number last = arc;
+    for (Number i = mArcs[arc].next; i != arc && mArcs[i].other != kNone; i = mArcs[i].next) {
+        mArcs[i].left = mArcs[last].left ^ mArcs[mArcs[i].other].operands;
+        mArcs[i].labelled = true;
+        mArcs[i].followed = true;
+        last = i;
+    }
+    Number first = arc;
+    while (mArcs[first].other != kNone && !mArcs[mArcs[first].previous].followed) {
+        Number const i = mArcs[first].previous;
+        mArcs[i].left = mArcs[first].left ^ mArcs[mArcs[first].other].operands;
+        mArcs[i].labelled = true;
+        mArcs[i].followed = true;
+        first = i;
+    }
+    for (Number i = first;; i = mArcs[i].next) {
+        if (mArcs[i].other != kNone ? !mArcs[mArcs[i].other].labelled
+                                    : mDone[mWheelOf[2 * i]] == 0) {
+            LabelAround(2 * i);
+        }
+        if (i == last) {
+            break;
+        }
+    }
+    if (mArcs[mArcs[last].next].other == kNone && mDone[mWheelOf[2 * last + 1]] == 0) {
+        LabelAround(2 * last + 1);
+    }
+}
+
+/// Labels the arcs that begin or end where one does that is labelled: what the points beside one
+/// spoke lie in tells it for all spokes of the wheel.
+void Linker::LabelAround(ArcEnd from) {
+    mDone[mWheelOf[from]] = 1;
+    // What points counterclockwise of the spoke lie in.
+    Operands here = mArcs[from / 2].left ^ (from % 2 == 0 ? 0 : mArcs[from / 2].operands);
+    Operands last = mArcs[from / 2].operands;
+    for (ArcEnd at = mNext[from]; at != from; at = mNext[at]) {
+        Arc& arc = mArcs[at / 2];
+        here ^= last;
+        last = arc.operands;
+        if (!arc.labelled) {
+            arc.labelled = true;
+            arc.left = here ^ (at % 2 == 0 ? 0 : arc.operands);
+            mOpen.push_back(at / 2);
         }
     }
 }
 
 void Linker::FindBoundary() {
-    ScratchVector<char> done(mWheels, 0, mScratch);
+    mDone.assign(mWheels, 0);
     for (Number i = 0; i < mArcs.size(); ++i) {
         Arc& arc = mArcs[i];
         if (arc.labelled || arc.operands == 0) {
@@ -374,7 +412,7 @@ void Linker::FindBoundary() {
         arc.left = InsideWestOf(VertexOf(arc, k)) ^ (up ? 0 : arc.operands);
         arc.labelled = true;
         if (!arc.closed) {
-            LabelFrom(2 * i, done);
+            LabelFrom(i);
         }
     }
     for (Arc& arc : mArcs) {
@@ -382,30 +420,32 @@ void Linker::FindBoundary() {
     }
 }
 
-void Linker::AppendBackwards(ArcEnd entry, ScratchVector<GridPoint>& points) const {
+GridPoint* Linker::AppendBackwards(ArcEnd entry, GridPoint* out) const {
     Arc const& arc = mArcs[entry / 2];
-    auto const at = [this](std::size_t i) {
-        return mLines.points.begin() + static_cast<std::ptrdiff_t>(i);
-    };
     std::size_t const begin = mLines.Begin(arc.line);
     std::size_t const end = mLines.End(arc.line);
-    // The part up to the line's end, and what goes on at its beginning.
-    std::size_t const first = arc.first + (entry % 2 == 0 ? 0U : 1U);
-    std::size_t const last = first + arc.count;
-    std::size_t const over = last > end ? last - end : 0;
     if (entry % 2 == 0) {
-        std::reverse_copy(at(begin), at(begin + over), std::back_inserter(points));
-        std::reverse_copy(at(first), at(last - over), std::back_inserter(points));
+        std::size_t i = VertexOf(arc, arc.count);
+        for (Number k = 0; k < arc.count; ++k) {
+            i = (i == begin ? end : i) - 1;
+            *out++ = mLines.points[i];
+        }
     } else {
-        points.insert(points.end(), at(first), at(last - over));
-        points.insert(points.end(), at(begin), at(begin + over));
+        std::size_t i = arc.first;
+        for (Number k = 0; k < arc.count; ++k) {
+            i = i + 1 == end ? begin : i + 1;
+            *out++ = mLines.points[i];
+        }
     }
+    return out;
 }
 
 ResolvedContours Linker::Contours() {
     ResolvedContours result(mScratch);
     GridLines& contours = result.contours;
-    contours.points.reserve(mLines.points.size());
+    // Each edge is part of one contour at most.
+    contours.points.resize(mLines.points.size());
+    GridPoint* out = contours.points.data();
     ScratchVector<char> done(mArcs.size(), 0, mScratch);
     std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
     ScratchVector<std::size_t> place(mWheels, kNowhere, mScratch); // on the way
@@ -414,13 +454,13 @@ ResolvedContours Linker::Contours() {
     // vertex twice. The way has the region to the left, contours have it to the right.
     auto const finish = [&](std::size_t begin) {
         for (std::size_t i = way.size(); i-- > begin;) {
-            AppendBackwards(way[i], contours.points);
+            out = AppendBackwards(way[i], out);
             if (!mArcs[way[i] / 2].closed) {
                 place[mWheelOf[way[i]]] = kNowhere;
             }
         }
         way.resize(begin);
-        contours.ends.push_back(contours.points.size());
+        contours.ends.push_back(static_cast<std::size_t>(out - contours.points.data()));
         contours.operands.push_back(0);
     };
     for (Number i = 0; i < mArcs.size(); ++i) {
@@ -447,6 +487,7 @@ ResolvedContours Linker::Contours() {
         } while (done[end / 2] == 0);
         finish(0);
     }
+    contours.points.resize(static_cast<std::size_t>(out - contours.points.data()));
     result.holes.reserve(contours.Count());
     for (std::size_t i = 0; i < contours.Count(); ++i) {
         result.holes.push_back(IsCounterclockwise(contours, i) ? 1 : 0);
