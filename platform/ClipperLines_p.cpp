@@ -81,7 +81,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
     }
     std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
     mChains.reserve(lines.points.size() / 2);
-    mNodes.reserve(lines.points.size());
+    mNodes.reserve(few ? 0 : lines.points.size());
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const end = lines.End(line);
         for (std::size_t i = lines.Begin(line); i < end;) {
@@ -100,8 +100,13 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
                 isFresh = isFresh || IsFresh(i);
             }
             mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
-            mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isFresh});
+            if (!few) {
+                mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isFresh});
+            }
         }
+    }
+    if (few) {
+        return;
     }
     if (order == Order::kPlaces) {
         SortChains();
@@ -145,15 +150,6 @@ void EdgeTree::SortChains() {
     }
     mChains = std::move(chains);
     mNodes = std::move(nodes);
-}
-
-bool EdgeTree::Follow(std::size_t i, std::size_t j) const {
-    if (j == i + 1) {
-        return mFirst[j] == 0;
-    }
-    // The last edge of a line and its first.
-    return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
-           mLines.End(LineOf(i)) == j + 1;
 }
 
 namespace {

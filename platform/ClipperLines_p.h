@@ -89,7 +89,7 @@ public:
     EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint margin, Order order);
 
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
-    /// Whether there are boxes: not if so few edges are fresh that each is held against all.
+    /// Whether there are boxes: not where it costs less to hold edges against all others.
     bool HasBoxes() const { return !mNodes.empty(); }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
@@ -116,6 +116,7 @@ private:
     static constexpr std::size_t kLongestChain = 8;
     static constexpr std::size_t kLongestSortedChain = 2;
     static constexpr std::size_t kFewFresh = 8;
+    static constexpr std::size_t kFewEdges = 48;
 
     /// The edges of a leaf.
     struct Chain {
@@ -171,9 +172,17 @@ private:
     void AddLevels();
     void SortChains();
     template <class Visit> void ForMeetingFresh(Visit&& visit) const;
+    template <class Visit> void ForMeetingAmongFew(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
     /// Whether edges i < j follow each other.
-    bool Follow(std::size_t i, std::size_t j) const;
+    bool Follow(std::size_t i, std::size_t j) const {
+        if (j == i + 1) {
+            return mFirst[j] == 0;
+        }
+        // The last edge of a line and its first.
+        return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
+               mLines.End(LineOf(i)) == j + 1;
+    }
     GridBox Widened(GridBox const& b) const {
         return {b.x0 - mMargin.x, b.y0 - mMargin.y, b.x1 + mMargin.x, b.y1 + mMargin.y};
     }
@@ -198,7 +207,11 @@ private:
 
 template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
     if (!HasBoxes()) {
-        ForMeetingFresh(visit);
+        if (mChains.empty()) {
+            ForMeetingFresh(visit);
+        } else {
+            ForMeetingAmongFew(withinChains, visit);
+        }
         return;
     }
     Stack open;
@@ -282,6 +295,23 @@ template <class Visit> void EdgeTree::ForMeetingFresh(Visit&& visit) const {
         for (std::size_t j = 0; j < Count(); ++j) {
             if (box.Meets(BoxOf(mEdges[j])) && (j > i || (j < i && !IsFresh(j)))) {
                 visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
+            }
+        }
+    }
+}
+
+template <class Visit> void EdgeTree::ForMeetingAmongFew(bool withinChains, Visit&& visit) const {
+    std::array<GridBox, kFewEdges> boxes;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        boxes[i] = Widened(BoxOf(mEdges[i]));
+    }
+    for (Chain const& chain : mChains) {
+        for (std::size_t i = chain.begin; i < chain.end; ++i) {
+            bool const fresh = IsFresh(i);
+            for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
+                if (boxes[i].Meets(boxes[j]) && (fresh || IsFresh(j))) {
+                    visit(i, j, Follow(i, j));
+                }
             }
         }
     }

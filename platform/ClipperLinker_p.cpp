@@ -69,14 +69,22 @@ bool TurnsFirst(Spoke const& s, Spoke const& t) {
 
 /// Brings the spokes of each wheel together, in each counterclockwise.
 void SortByHub(ScratchVector<Spoke>& spokes) {
+    auto const before = [](Spoke const& s, Spoke const& t) {
+        return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
+    };
+    std::size_t const kFew = 64;
+    if (spokes.size() <= kFew) {
+        std::sort(spokes.begin(), spokes.end(), before);
+        return;
+    }
     // Into buckets by their place, a wheel or two in each if they are spread evenly; then each
     // bucket is sorted.
-    int bits = 0;
+    int bits = 1;
     while (spokes.size() >> bits > 4 && bits < kPlaceBits) {
         ++bits;
     }
     auto const bucketOf = [bits](Spoke const& s) {
-        return bits == 0 ? 0 : static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
+        return static_cast<std::size_t>(PlaceOf(s.hub) >> (kPlaceBits - bits));
     };
     ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, spokes.get_allocator());
     for (Spoke const& s : spokes) {
@@ -93,9 +101,7 @@ void SortByHub(ScratchVector<Spoke>& spokes) {
     auto begin = sorted.begin();
     for (std::size_t const size : ends) {
         auto const end = sorted.begin() + static_cast<std::ptrdiff_t>(size);
-        std::sort(begin, end, [](Spoke const& s, Spoke const& t) {
-            return s.hub != t.hub ? s.hub < t.hub : TurnsFirst(s, t);
-        });
+        std::sort(begin, end, before);
         begin = end;
     }
     spokes = std::move(sorted);

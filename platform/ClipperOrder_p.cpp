@@ -135,8 +135,9 @@ ScratchVector<std::size_t> OrderContours(ResolvedContours& resolved) {
     order.erase(std::remove_if(order.begin(), order.end(),
                                [&](std::size_t c) { return contours.Begin(c) == contours.End(c); }),
                 order.end());
-    std::stable_sort(order.begin(), order.end(),
-                     [&](std::size_t i, std::size_t j) { return Higher(keys[i], keys[j]); });
+    std::sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
+        return keys[i] != keys[j] ? Higher(keys[i], keys[j]) : i < j;
+    });
     return order;
 }
 
