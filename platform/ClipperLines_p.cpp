@@ -73,12 +73,13 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
         }
         mEdges[end - 1] = {lines.points[end - 1], lines.points[begin]};
     }
-    if (mEdges.empty() ||
-        (!mFreshEdges.empty() && std::count(mFreshEdges.begin(), mFreshEdges.end(), 1) <=
-                                     static_cast<std::ptrdiff_t>(kFewFresh))) {
+    bool const few = mEdges.size() <= kFewEdges;
+    bool const fewFresh =
+        !mFreshEdges.empty() && (few || std::count(mFreshEdges.begin(), mFreshEdges.end(), 1) <=
+                                            static_cast<std::ptrdiff_t>(kFewFresh));
+    if (mEdges.empty() || fewFresh) {
         return;
     }
-    bool const few = mEdges.size() <= kFewEdges;
     std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
     mChains.reserve(lines.points.size() / 2);
     mNodes.reserve(few ? 0 : lines.points.size());

@@ -307,9 +307,8 @@ template <class Visit> void EdgeTree::ForMeetingAmongFew(bool withinChains, Visi
     }
     for (Chain const& chain : mChains) {
         for (std::size_t i = chain.begin; i < chain.end; ++i) {
-            bool const fresh = IsFresh(i);
             for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
-                if (boxes[i].Meets(boxes[j]) && (fresh || IsFresh(j))) {
+                if (boxes[i].Meets(boxes[j])) {
                     visit(i, j, Follow(i, j));
                 }
             }
