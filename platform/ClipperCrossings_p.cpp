@@ -189,13 +189,13 @@ public:
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
-            } else {
+            } else if (mPixels) {
                 Share(i, j);
+            } else {
+                Exactly(i, j);
             }
             if (mPixels) {
                 InPixels(i, j);
-            } else if (!follow) {
-                Exactly(i, j);
             }
         });
         return std::move(mCuts);
@@ -292,6 +292,8 @@ private:
             CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
             return;
         }
+        // Where they share an end, one cross product for each is zero.
+        Share(i, j);
         AddSpots(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
         if (fa == 0 && BoxOf(e).Contains(f.a)) {
             CutAt(i, f.a);

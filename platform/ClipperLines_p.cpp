@@ -73,11 +73,17 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
         }
         mEdges[end - 1] = {lines.points[end - 1], lines.points[begin]};
     }
+    bool const allFresh = mFreshEdges.empty();
     bool const few = mEdges.size() <= kFewEdges;
-    bool const fewFresh =
-        !mFreshEdges.empty() && (few || std::count(mFreshEdges.begin(), mFreshEdges.end(), 1) <=
-                                            static_cast<std::ptrdiff_t>(kFewFresh));
-    if (mEdges.empty() || fewFresh) {
+    if (!allFresh) {
+        auto const countFresh =
+            static_cast<std::size_t>(std::count(mFreshEdges.begin(), mFreshEdges.end(), 1));
+        mIsSparse = countFresh <= mEdges.size() / 16;
+        if (few || countFresh <= kFewFresh) {
+            return;
+        }
+    }
+    if (mEdges.empty()) {
         return;
     }
     std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
@@ -109,10 +115,32 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
     if (few) {
         return;
     }
+    if (allFresh && mNodes.size() > 24 && mEdges.size() <= kMostEntangled && IsEntangled()) {
+        mNodes.clear();
+        return;
+    }
     if (order == Order::kPlaces) {
         SortChains();
     }
     AddLevels();
+}
+
+bool EdgeTree::IsEntangled() const {
+    // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
+    // other always meet.
+    std::size_t const kSamples = 32;
+    std::uint32_t random = 1;
+    auto const any = [&] {
+        random = random * 1664525U + 1013904223U;
+        return (random >> 16) * mNodes.size() >> 16;
+    };
+    std::size_t meeting = 0;
+    for (std::size_t k = 0; k < kSamples; ++k) {
+        std::size_t const i = any();
+        std::size_t const j = any();
+        meeting += (i + 1 < j || j + 1 < i) && mNodes[i].box.Meets(mNodes[j].box) ? 1 : 0;
+    }
+    return meeting > kSamples / 8;
 }
 
 void EdgeTree::AddLevels() {
@@ -246,23 +274,24 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
 }
 
 Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
-    auto const second = [&](std::size_t i, std::size_t line) {
-        return lines.points[i + 1 == lines.End(line) ? lines.Begin(line) : i + 1];
-    };
     auto const found = std::upper_bound(lines.ends.begin(), lines.ends.end(), edge);
-    auto const lineOfEdge = static_cast<std::size_t>(found - lines.ends.begin());
-    Ray const ray({lines.points[edge], second(edge, lineOfEdge)});
+    std::size_t const first = found == lines.ends.begin() ? 0 : found[-1];
+    Ray const ray({lines.points[edge], lines.points[edge + 1 == *found ? first : edge + 1]});
     Operands inside = 0;
     for (std::size_t line = 0; line < lines.Count(); ++line) {
-        bool odd = false;
-        bool below = ray.IsBelow(lines.points[lines.Begin(line)]);
-        for (std::size_t i = lines.Begin(line); i < lines.End(line); ++i) {
-            GridPoint const b = second(i, line);
-            bool const next = ray.IsBelow(b);
-            odd ^= next != below && i != edge && ray.Crosses({lines.points[i], b});
-            below = next;
+        std::size_t const end = lines.End(line);
+        // The edge to each vertex.
+        std::size_t i = end - 1;
+        bool below = ray.IsBelow(lines.points[i]);
+        for (std::size_t next = lines.Begin(line); next < end; ++next) {
+            bool const nextBelow = ray.IsBelow(lines.points[next]);
+            if (nextBelow != below && i != edge &&
+                ray.Crosses({lines.points[i], lines.points[next]})) {
+                inside ^= lines.operands[line];
+            }
+            below = nextBelow;
+            i = next;
         }
-        inside ^= odd ? lines.operands[line] : Operands{0};
     }
     return inside;
 }

@@ -117,6 +117,8 @@ private:
     static constexpr std::size_t kLongestSortedChain = 2;
     static constexpr std::size_t kFewFresh = 8;
     static constexpr std::size_t kFewEdges = 48;
+    // Where chains mostly meet, a tree keeps nothing apart; there may be so many edges then.
+    static constexpr std::size_t kMostEntangled = 2048;
 
     /// The edges of a leaf.
     struct Chain {
@@ -171,8 +173,10 @@ private:
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
     void AddLevels();
     void SortChains();
+    bool IsEntangled() const;
     template <class Visit> void ForMeetingFresh(Visit&& visit) const;
-    template <class Visit> void ForMeetingAmongFew(bool withinChains, Visit&& visit) const;
+    template <class Visit> void ForMeetingSparseFresh(bool withinChains, Visit&& visit) const;
+    template <class Visit> void ForMeetingAllPairs(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
     /// Whether edges i < j follow each other.
     bool Follow(std::size_t i, std::size_t j) const {
@@ -203,6 +207,7 @@ private:
     ScratchVector<Node> mNodes;                         // level by level: chains first
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
+    bool mIsSparse = false;                             // whether few edges are fresh
 };
 
 template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
@@ -210,8 +215,12 @@ template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&&
         if (mChains.empty()) {
             ForMeetingFresh(visit);
         } else {
-            ForMeetingAmongFew(withinChains, visit);
+            ForMeetingAllPairs(withinChains, visit);
         }
+        return;
+    }
+    if (mIsSparse) {
+        ForMeetingSparseFresh(withinChains, visit);
         return;
     }
     Stack open;
@@ -300,8 +309,50 @@ template <class Visit> void EdgeTree::ForMeetingFresh(Visit&& visit) const {
     }
 }
 
-template <class Visit> void EdgeTree::ForMeetingAmongFew(bool withinChains, Visit&& visit) const {
-    std::array<GridBox, kFewEdges> boxes;
+/// All pairs where few edges are fresh: each is looked up in the tree.
+template <class Visit>
+void EdgeTree::ForMeetingSparseFresh(bool withinChains, Visit&& visit) const {
+    Stack open;
+    for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
+        for (std::size_t i = mChains[chain].begin; i < mChains[chain].end && mNodes[chain].fresh;
+             ++i) {
+            if (!IsFresh(i)) {
+                continue;
+            }
+            GridBox const box = Widened(BoxOf(mEdges[i]));
+            for (std::size_t top = 0; top < SizeOf(mTop); ++top) {
+                open.Push(mTop, top, 0);
+                while (!open.Empty()) {
+                    auto const [level, node, unused] = open.Pop();
+                    static_cast<void>(unused);
+                    if (!box.Meets(NodesOf(level)[node].box)) {
+                        continue;
+                    }
+                    if (level > 0) {
+                        for (std::size_t k = FirstOf(level, node); k < EndOf(level, node); ++k) {
+                            open.Push(level - 1, k, 0);
+                        }
+                        continue;
+                    }
+                    if (node == chain && !withinChains) {
+                        continue;
+                    }
+                    for (std::size_t j = mChains[node].begin; j < mChains[node].end; ++j) {
+                        if (box.Meets(Widened(BoxOf(mEdges[j]))) &&
+                            (j > i || (j < i && !IsFresh(j)))) {
+                            visit(std::min(i, j), std::max(i, j),
+                                  Follow(std::min(i, j), std::max(i, j)));
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+/// All pairs, where all edges are fresh.
+template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
+    ScratchVector<GridBox> boxes(Count(), mEdges.get_allocator());
     for (std::size_t i = 0; i < Count(); ++i) {
         boxes[i] = Widened(BoxOf(mEdges[i]));
     }

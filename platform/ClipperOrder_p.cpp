@@ -129,15 +129,22 @@ ScratchVector<std::size_t> OrderContours(ResolvedContours& resolved) {
     }
     points.resize(size);
 
-    ScratchVector<std::size_t> order(contours.Count(), points.get_allocator());
-    std::iota(order.begin(), order.end(), std::size_t{0});
     // What runs along one horizontal line only has no vertices left, and encloses nothing.
-    order.erase(std::remove_if(order.begin(), order.end(),
-                               [&](std::size_t c) { return contours.Begin(c) == contours.End(c); }),
-                order.end());
-    std::sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
-        return keys[i] != keys[j] ? Higher(keys[i], keys[j]) : i < j;
+    ScratchVector<std::pair<GridPoint, std::size_t>> sorted(points.get_allocator());
+    sorted.reserve(contours.Count());
+    for (std::size_t c = 0; c < contours.Count(); ++c) {
+        if (contours.Begin(c) < contours.End(c)) {
+            sorted.emplace_back(keys[c], c);
+        }
+    }
+    std::sort(sorted.begin(), sorted.end(), [](auto const& a, auto const& b) {
+        return a.first != b.first ? Higher(a.first, b.first) : a.second < b.second;
     });
+    ScratchVector<std::size_t> order(points.get_allocator());
+    order.reserve(sorted.size());
+    for (auto const& [key, c] : sorted) {
+        order.push_back(c);
+    }
     return order;
 }
 
