@@ -115,7 +115,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
     if (few) {
         return;
     }
-    if (allFresh && mNodes.size() > 24 && mEdges.size() <= kMostEntangled && IsEntangled()) {
+    if (allFresh && mNodes.size() > kFewEdges && mEdges.size() <= kMostEntangled && IsEntangled()) {
         mNodes.clear();
         return;
     }
@@ -128,7 +128,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
 bool EdgeTree::IsEntangled() const {
     // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
     // other always meet.
-    std::size_t const kSamples = 32;
+    std::size_t const kSamples = 64;
     std::uint32_t random = 1;
     auto const any = [&] {
         random = random * 1664525U + 1013904223U;
