@@ -3,6 +3,7 @@
 // The clipper's shortcuts against the plain ways that they stand for.
 #include "ClipperContours_p.h"
 #include "ClipperOrder_p.h"
+#include "ClipperScratch_p.h"
 #include "ClipperSweep_p.h"
 
 #include "plain/ClipCorpus.h"
@@ -14,7 +15,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <new>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -227,40 +232,177 @@ TEST(ClipperParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
     }
 }
 
-TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
-    Dice dice(5);
-    Drawing const drawing({RandomContour(dice, 90)}, {RandomContour(dice, 110)});
-    GridLines lines = drawing.lines;
-    trammel_detail::ScratchVector<Meeting> meetings;
-    std::optional<EdgeTree> tree;
-    ASSERT_TRUE(
-        trammel_detail::CutAtCrossings(lines, drawing.grid, Caution::kWhereNeeded, meetings, tree));
-    // All, and one edge in ten.
-    for (bool const all : {true, false}) {
-        trammel_detail::ScratchVector<char> fresh;
-        for (std::size_t i = 0; i < lines.points.size() && !all; ++i) {
-            fresh.push_back(i % 10 == 0 ? 1 : 0);
+typedef std::vector<std::pair<std::size_t, std::size_t>> Pairs;
+
+/// The pairs of edges that a tree finds, in order, each as often as it does. `fresh` of every
+/// `step`th edge is set; 0 stands for all.
+Pairs PairsFound(GridLines const& lines, std::size_t step, GridPoint margin,
+                 EdgeTree::Order order) {
+    trammel_detail::ScratchVector<char> fresh;
+    for (std::size_t i = 0; i < lines.points.size() && step > 0; ++i) {
+        fresh.push_back(i % step == 0 ? 1 : 0);
+    }
+    EdgeTree const tree(lines, fresh, margin, order);
+    Pairs found;
+    tree.ForMeetingPairs(true, [&](std::size_t i, std::size_t j, bool follow) {
+        found.emplace_back(i, j);
+        EXPECT_EQ(follow, tree.SecondOf(i) == j || tree.SecondOf(j) == i);
+    });
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+/// The same by looking at all.
+Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) {
+    std::vector<GridBox> boxes;
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        for (std::size_t i = lines.Begin(line); i < lines.End(line); ++i) {
+            std::size_t const second = i + 1 == lines.End(line) ? lines.Begin(line) : i + 1;
+            GridBox const box = trammel_detail::BoxOf(lines.points[i], lines.points[second]);
+            boxes.push_back(
+                {box.x0 - margin.x, box.y0 - margin.y, box.x1 + margin.x, box.y1 + margin.y});
         }
-        typedef std::vector<std::pair<std::size_t, std::size_t>> Pairs;
-        Pairs expected;
-        EdgeTree const edges(lines, fresh, {0, 0}, EdgeTree::Order::kLines);
-        for (std::size_t i = 0; i < edges.Count(); ++i) {
-            for (std::size_t j = i + 1; j < edges.Count(); ++j) {
-                if ((all || fresh[i] != 0 || fresh[j] != 0) &&
-                    trammel_detail::BoxOf(edges.At(i)).Meets(trammel_detail::BoxOf(edges.At(j)))) {
-                    expected.emplace_back(i, j);
+    }
+    Pairs pairs;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+            if ((step == 0 || i % step == 0 || j % step == 0) && boxes[i].Meets(boxes[j])) {
+                pairs.emplace_back(i, j);
+            }
+        }
+    }
+    return pairs;
+}
+
+TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
+    // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
+    // are fresh (8 and fewer, or one in 16), and where all are.
+    Dice dice(5);
+    GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
+    for (int const vertices : {3, 20, 24, 25, 60}) {
+        Drawing const drawing({RandomContour(dice, vertices)}, {RandomContour(dice, vertices)});
+        GridLines cut = drawing.lines;
+        trammel_detail::ScratchVector<Meeting> meetings;
+        std::optional<EdgeTree> tree;
+        ASSERT_TRUE(trammel_detail::CutAtCrossings(cut, drawing.grid, Caution::kWhereNeeded,
+                                                   meetings, tree));
+        for (GridLines const& lines : {drawing.lines, cut}) {
+            for (std::size_t const step : {0, 2, 10, 16, 40, 1000}) {
+                for (GridPoint const margin : margins) {
+                    SCOPED_TRACE(std::to_string(lines.points.size()) + " edges, fresh " +
+                                 std::to_string(step));
+                    Pairs const expected = PairsThatMeet(lines, step, margin);
+                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kLines), expected);
+                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kPlaces), expected);
                 }
             }
         }
-        for (EdgeTree::Order const order : {EdgeTree::Order::kLines, EdgeTree::Order::kPlaces}) {
-            Pairs found;
-            EdgeTree const sorted(lines, fresh, {0, 0}, order);
-            sorted.ForMeetingPairs(
-                true, [&](std::size_t i, std::size_t j, bool) { found.emplace_back(i, j); });
-            std::sort(found.begin(), found.end());
-            EXPECT_EQ(found, expected);
+    }
+}
+
+TEST(ClipperParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
+    Dice dice(17);
+    for (int const vertices : {3, 10, 60}) {
+        Polygon const a{RandomContour(dice, vertices), RandomContour(dice, 4)};
+        GridLines lines = Drawing(a, {RandomContour(dice, vertices)}).lines;
+        // Few edges have no boxes.
+        while (lines.points.size() <= 48) {
+            GridLines const once = lines;
+            for (std::size_t line = 0; line < once.Count(); ++line) {
+                for (std::size_t i = once.Begin(line); i < once.End(line); ++i) {
+                    lines.points.push_back({once.points[i].x / 2, once.points[i].y});
+                }
+                lines.Close(once.operands[line]);
+            }
+        }
+        // One edge in two is fresh, lest the tree do without boxes as most edges meet.
+        trammel_detail::ScratchVector<char> fresh;
+        for (std::size_t i = 0; i < lines.points.size(); ++i) {
+            fresh.push_back(i % 2 == 0 ? 1 : 0);
+        }
+        EdgeTree const tree(lines, fresh, {0, 0}, EdgeTree::Order::kLines);
+        ASSERT_TRUE(tree.HasBoxes());
+        for (std::size_t i = 0; i < tree.Count(); ++i) {
+            if (tree.At(i).a.y != tree.At(i).b.y) {
+                EXPECT_EQ(trammel_detail::InsideWestOf(lines, i), tree.InsideWestOf(i)) << i;
+            }
         }
     }
+}
+
+TEST(ClipperParts, GridPointsBecomeTheNearestDoubles) {
+    // Near zero, where a grid point counted from there fits 64 bits, and far from it.
+    Dice dice(12);
+    for (double const low : {0.0, -0.7, 0.3, 1.0, -1.9, -2.0, 2.0, 3.0, 100.0, -1e5}) {
+        trammel_detail::GridAxis const axis(low, low + 1.0);
+        double const ulp = std::nextafter(std::abs(low) + 1, 1e9) - (std::abs(low) + 1);
+        for (int round = 0; round < 500; ++round) {
+            double const v = std::min(low + dice.Unit(), low + 1.0);
+            std::int64_t const exact = axis.ToGrid(v);
+            std::int64_t g = exact;
+            if (std::abs(v) >= 0x1p-8) {
+                EXPECT_EQ(axis.FromGrid(g), v);
+                EXPECT_EQ(g, exact);
+                EXPECT_EQ(axis.OfDouble(g), v);
+            }
+            // Off it by less than half of the spacing, and by more.
+            std::int64_t const spacing = axis.Spacing(exact);
+            for (std::int64_t const off : {spacing / 2 - 1, -(spacing / 2 - 1), spacing / 4}) {
+                g = exact + off;
+                std::int64_t const before = g;
+                double const w = axis.FromGrid(g);
+                EXPECT_LE(std::abs(g - before), spacing / 2);
+                EXPECT_EQ(axis.OfDouble(g), w);
+                EXPECT_LE(std::abs(w - v), ulp);
+            }
+        }
+    }
+}
+
+TEST(ClipperParts, TiesBetweenDoublesAreRoundedToEven) {
+    // The doubles from 1 to 2 are 2^9 steps of 2^-61 apart here.
+    for (double const low : {1.0, 1.0 - 0x1p-1}) {
+        trammel_detail::GridAxis const axis(low, low + 1.0);
+        std::int64_t const even = axis.ToGrid(1.25);
+        std::int64_t const spacing = axis.Spacing(even);
+        std::int64_t g = even + spacing / 2;
+        EXPECT_EQ(axis.FromGrid(g), 1.25);
+        EXPECT_EQ(g, even);
+        g = even + spacing + spacing / 2;
+        EXPECT_EQ(axis.FromGrid(g), 1.25 + 0x1p-51);
+        EXPECT_EQ(g, even + 2 * spacing);
+        g = even + spacing / 2 + 1;
+        EXPECT_EQ(axis.FromGrid(g), 1.25 + 0x1p-52);
+        EXPECT_EQ(g, even + spacing);
+    }
+}
+
+TEST(ClipperParts, ScratchGivesItsBlockAndThenTheHeap) {
+    trammel_detail::Scratch scratch;
+    void* const first = scratch.Take(100);
+    void* const second = scratch.Take(100);
+    EXPECT_EQ(static_cast<char*>(second) - static_cast<char*>(first), 112);
+    scratch.TakeBack(second, 100);
+    EXPECT_EQ(scratch.Take(40), second);
+    // Taken back out of turn, which leaves a gap until the operation ends.
+    scratch.TakeBack(first, 100);
+    EXPECT_NE(scratch.Take(100), first);
+    void* const large = scratch.Take(1 << 20);
+    auto const address = [](void const* p) { return reinterpret_cast<std::uintptr_t>(p); };
+    EXPECT_TRUE(address(large) < address(&scratch) ||
+                address(large) >= address(&scratch) + sizeof scratch);
+    scratch.TakeBack(large, 1 << 20);
+    trammel_detail::ScratchVector<double> vector(&scratch);
+    for (int i = 0; i < 10000; ++i) {
+        vector.push_back(i);
+    }
+    trammel_detail::ScratchVector<double> const moved = std::move(vector);
+    for (int i = 0; i < 10000; ++i) {
+        ASSERT_EQ(moved[static_cast<std::size_t>(i)], i);
+    }
+    trammel_detail::ScratchAllocator<double> allocator(&scratch);
+    EXPECT_THROW(static_cast<void>(allocator.allocate(std::numeric_limits<std::size_t>::max() / 2)),
+                 std::bad_alloc);
 }
 
 TEST(ClipperParts, TheSweepFindsTheSameRegions) {
