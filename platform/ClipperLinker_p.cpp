@@ -366,16 +366,18 @@ void Linker::LabelAlong(Number arc) {
         first = i;
     }
     for (Number i = first;; i = mArcs[i].next) {
+        ArcEnd const begin = 2 * i;
         if (mArcs[i].other != kNone ? !mArcs[mArcs[i].other].labelled
-                                    : mDone[mWheelOf[2 * i]] == 0) {
-            LabelAround(2 * i);
+                                    : mDone[mWheelOf[begin]] == 0) {
+            LabelAround(begin);
         }
         if (i == last) {
             break;
         }
     }
-    if (mArcs[mArcs[last].next].other == kNone && mDone[mWheelOf[2 * last + 1]] == 0) {
-        LabelAround(2 * last + 1);
+    ArcEnd const end = 2 * last + 1;
+    if (mArcs[mArcs[last].next].other == kNone && mDone[mWheelOf[end]] == 0) {
+        LabelAround(end);
     }
 }
 
