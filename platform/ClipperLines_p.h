@@ -294,15 +294,23 @@ void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) cons
     }
 }
 
-/// All pairs with a fresh edge. Edges of one chain are not left out, but have nothing in common.
+/// All pairs with a fresh edge, of which there are few. Edges of one chain are not left out, but
+/// have nothing in common.
 template <class Visit> void EdgeTree::ForMeetingFresh(Visit&& visit) const {
+    std::array<GridBox, kFewEdges> boxes;
+    std::array<std::size_t, kFewEdges> edges;
+    std::size_t count = 0;
     for (std::size_t i = 0; i < Count(); ++i) {
-        if (!IsFresh(i)) {
-            continue;
+        if (IsFresh(i)) {
+            boxes[count] = Widened(Widened(BoxOf(mEdges[i])));
+            edges[count++] = i;
         }
-        GridBox const box = Widened(Widened(BoxOf(mEdges[i])));
-        for (std::size_t j = 0; j < Count(); ++j) {
-            if (box.Meets(BoxOf(mEdges[j])) && (j > i || (j < i && !IsFresh(j)))) {
+    }
+    for (std::size_t j = 0; j < Count() && count > 0; ++j) {
+        GridBox const box = BoxOf(mEdges[j]);
+        for (std::size_t k = 0; k < count; ++k) {
+            std::size_t const i = edges[k];
+            if (box.Meets(boxes[k]) && (j > i || (j < i && !IsFresh(j)))) {
                 visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
             }
         }
