@@ -183,7 +183,7 @@ public:
     Meetings(EdgeTree const& tree, ClipGrid const& grid, bool pixels, Clearances const* clearances,
              ScratchVector<Meeting>& meetings)
         : mTree(tree), mGrid(grid), mPixels(pixels), mClearances(clearances), mMeetings(meetings),
-          mCuts(meetings.get_allocator()) {}
+          mLargestSpacing(grid.LargestSpacing()), mCuts(meetings.get_allocator()) {}
 
     ScratchVector<Cut> Find() {
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
@@ -338,12 +338,11 @@ private:
     }
     /// Whether edge e passes through the pixel around p, given Cross(e.a, e.b, p).
     bool Passes(GridEdge const& e, GridPoint p, Int128 cross) const {
-        GridPoint const largest = mGrid.LargestSpacing();
         GridBox const box = BoxOf(e);
         Int128 const width = box.x1 - box.x0;
         Int128 const height = box.y1 - box.y0;
         Int128 const distance = 2 * (cross < 0 ? -cross : cross);
-        if (distance >= width * largest.y + height * largest.x) {
+        if (distance >= width * mLargestSpacing.y + height * mLargestSpacing.x) {
             return false;
         }
         // Are they separate along x, along y, or along the edge's normal? Everything is doubled, to
@@ -359,6 +358,7 @@ private:
     bool mPixels;
     Clearances const* mClearances;
     ScratchVector<Meeting>& mMeetings;
+    GridPoint mLargestSpacing;
     ScratchVector<Cut> mCuts;
     Meeting mNext = kFirstCrossing;
 };
