@@ -84,7 +84,8 @@ typedef struct {
  * standard error and ends the process with exit(1).
  *
  * Cost: a sweep upwards; every distinct y of a vertex or crossing costs time proportional to the
- * number of edges at that height. Memory proportional to operands and result.
+ * number of edges at that height. Memory proportional to operands and result; some 32 KB of it
+ * are on the stack, which small operands fit in.
  */
 TRAMMEL_API void gpc_polygon_clip(gpc_op operation, gpc_polygon* subject, gpc_polygon* clip,
                                   gpc_polygon* result);
