@@ -4,6 +4,9 @@
 #include "ClipperPlaces_p.h"
 #include "ClipperPredicates_p.h"
 
+#include <algorithm>
+#include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
@@ -58,7 +61,8 @@ void GridLines::Close(Operands operand) {
 EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint margin, Order order)
     : mLines(lines), mFreshEdges(std::move(fresh)), mMargin(margin), mOrder(order),
       mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
-      mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()) {
+      mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
+      mStrips(lines.points.get_allocator()) {
     if (lines.points.size() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
@@ -115,32 +119,90 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
     if (few) {
         return;
     }
-    if (allFresh && mNodes.size() > kFewEdges && mEdges.size() <= kMostEntangled && IsEntangled()) {
+    if (mNodes.size() > kFewEdges && IsEntangled() && allFresh && mEdges.size() <= kMostEntangled) {
         mNodes.clear();
         return;
     }
     if (order == Order::kPlaces) {
         SortChains();
     }
+    if (mSlant.reach != 0) {
+        mStrips.reserve(mNodes.size() + mNodes.size() / 2);
+        for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
+            mStrips.push_back(StripOf(chain, mSlant));
+        }
+    }
     AddLevels();
 }
 
-bool EdgeTree::IsEntangled() const {
+EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
+    double const h = static_cast<double>(e.b.x - e.a.x);
+    double const v = static_cast<double>(e.b.y - e.a.y);
+    double const scale = kSlantUnits / std::max(std::abs(h), std::abs(v));
+    Slant slant;
+    slant.h = static_cast<std::int64_t>(-v * scale);
+    slant.v = static_cast<std::int64_t>(h * scale);
+    // Coordinates were rounded down, and the edges' margin counts.
+    slant.reach = std::abs(slant.h) * ((mMargin.x >> kUnitBits) + 2) +
+                  std::abs(slant.v) * ((mMargin.y >> kUnitBits) + 2);
+    return slant;
+}
+
+EdgeTree::Strip EdgeTree::StripOf(std::size_t chain, Slant const& slant) const {
+    std::int64_t const first = slant.Of(mEdges[mChains[chain].begin].a);
+    Strip strip = {first, first};
+    for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
+        std::int64_t const at = slant.Of(mEdges[i].b);
+        strip.Include({at, at});
+    }
+    return {strip.low - slant.reach, strip.high + slant.reach};
+}
+
+/// Whether most chains meet, by their boxes, and by the slant where that helps, which is then set.
+bool EdgeTree::IsEntangled() {
     // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
     // other always meet.
-    std::size_t const kSamples = 64;
+    constexpr std::size_t kSamples = 64;
+    constexpr std::size_t kMostSamples = 2048;
+    constexpr std::size_t kWorthwhile = 4;
     std::uint32_t random = 1;
     auto const any = [&] {
         random = random * 1664525U + 1013904223U;
         return (random >> 16) * mNodes.size() >> 16;
     };
-    std::size_t meeting = 0;
-    for (std::size_t k = 0; k < kSamples; ++k) {
+    std::array<std::pair<std::size_t, std::size_t>, kSamples> meeting;
+    std::size_t count = 0;
+    std::size_t const samples = std::clamp(mNodes.size() / 64, kSamples, kMostSamples);
+    std::size_t drawn = 0;
+    for (; drawn < samples && count < meeting.size(); ++drawn) {
         std::size_t const i = any();
         std::size_t const j = any();
-        meeting += (i + 1 < j || j + 1 < i) && mNodes[i].box.Meets(mNodes[j].box) ? 1 : 0;
+        if ((i + 1 < j || j + 1 < i) && mNodes[i].box.Meets(mNodes[j].box)) {
+            meeting[count++] = {i, j};
+        }
     }
-    return meeting > kSamples / 8;
+    if (count < kWorthwhile) {
+        return false;
+    }
+    // Across which of some edges' directions are most of them apart?
+    std::size_t best = count;
+    for (std::size_t k = 0; k < count; k += (count + 7) / 8) {
+        GridEdge const& e = mEdges[mChains[meeting[k].first].begin];
+        if (e.a.x == e.b.x || e.a.y == e.b.y) {
+            continue; // across these the boxes tell
+        }
+        Slant const slant = SlantAcross(e);
+        std::size_t const still = static_cast<std::size_t>(
+            std::count_if(meeting.begin(), meeting.begin() + static_cast<std::ptrdiff_t>(count),
+                          [&](std::pair<std::size_t, std::size_t> const& pair) {
+                              return StripOf(pair.first, slant).Meets(StripOf(pair.second, slant));
+                          }));
+        if (still <= count / 2 && still < best) {
+            best = still;
+            mSlant = slant;
+        }
+    }
+    return best > drawn / 8;
 }
 
 void EdgeTree::AddLevels() {
@@ -149,11 +211,19 @@ void EdgeTree::AddLevels() {
         std::size_t const begin = mLevels[mTop];
         std::size_t const end = mLevels[mTop + 1];
         for (std::size_t i = begin; i < end; i += kFan) {
+            std::size_t const last = std::min(i + kFan, end);
             Node above = mNodes[i];
-            for (std::size_t k = i + 1; k < std::min(i + kFan, end); ++k) {
+            for (std::size_t k = i + 1; k < last; ++k) {
                 above.Include(mNodes[k]);
             }
             mNodes.push_back(above);
+            if (!mStrips.empty()) {
+                Strip across = mStrips[i];
+                for (std::size_t k = i + 1; k < last; ++k) {
+                    across.Include(mStrips[k]);
+                }
+                mStrips.push_back(across);
+            }
         }
         ++mTop;
         mLevels[mTop + 1] = mNodes.size();

@@ -99,8 +99,9 @@ public:
     }
 
     /// Calls visit(i, j, follow), i < j, for all pairs of edges, at least one of them fresh, whose
-    /// boxes have a point in common; those of one chain only if asked for. `follow` is true for
-    /// those that follow each other on a line.
+    /// boxes have a point in common, but for some that are apart by more than the margins all the
+    /// same; those of one chain only if asked for. `follow` is true for those that follow each
+    /// other on a line.
     template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
 
     /// The operands that points directly west of an edge that is not horizontal, near its lower
@@ -140,6 +141,34 @@ private:
         }
     };
 
+    /// A direction across which edges are told apart that are slanted and nearly parallel, as those
+    /// of hatching are: their boxes all meet. A point is at h·x + v·y, with coordinates in units in
+    /// which that is exact but for `reach`, which is 0 if there is no such direction.
+    struct Slant {
+        std::int64_t h = 0;
+        std::int64_t v = 0;
+        std::int64_t reach = 0;
+
+        std::int64_t Of(GridPoint p) const {
+            return h * (p.x >> kUnitBits) + v * (p.y >> kUnitBits);
+        }
+    };
+    /// With 61 bits of a coordinate, and these of the direction, sums fit in 63.
+    static constexpr int kUnitBits = 16;
+    static constexpr double kSlantUnits = 32767.0;
+
+    /// Where a node lies across the slant.
+    struct Strip {
+        std::int64_t low;
+        std::int64_t high;
+
+        void Include(Strip const& s) {
+            low = std::min(low, s.low);
+            high = std::max(high, s.high);
+        }
+        bool Meets(Strip const& s) const { return low <= s.high && s.low <= high; }
+    };
+
     /// Nodes of a level, or one twice, that may have edges that meet.
     struct Pair {
         std::uint32_t level;
@@ -173,7 +202,15 @@ private:
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
     void AddLevels();
     void SortChains();
-    bool IsEntangled() const;
+    bool IsEntangled();
+    Slant SlantAcross(GridEdge const& e) const;
+    Strip StripOf(std::size_t chain, Slant const& slant) const;
+    /// Whether nodes of a level may have edges that meet, one of them fresh.
+    bool Concern(std::size_t level, std::size_t k, std::size_t l) const {
+        Node const* const nodes = NodesOf(level);
+        return nodes[k].Concerns(nodes[l]) &&
+               (mStrips.empty() || mStrips[mLevels[level] + k].Meets(mStrips[mLevels[level] + l]));
+    }
     template <class Visit> void ForMeetingFresh(Visit&& visit) const;
     template <class Visit> void ForMeetingSparseFresh(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingAllPairs(bool withinChains, Visit&& visit) const;
@@ -204,7 +241,9 @@ private:
     ScratchVector<GridEdge> mEdges;
     ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
     ScratchVector<Chain> mChains;
-    ScratchVector<Node> mNodes;                         // level by level: chains first
+    ScratchVector<Node> mNodes;   // level by level: chains first
+    ScratchVector<Strip> mStrips; // the same, or empty without a slant
+    Slant mSlant;
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
     bool mIsSparse = false;                             // whether few edges are fresh
@@ -243,7 +282,7 @@ template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&&
                     }
                 }
                 for (; l < endJ; ++l) {
-                    if (nodes[k].Concerns(nodes[l])) {
+                    if (Concern(level - 1, k, l)) {
                         open.Push(level - 1, k, l);
                     }
                 }
@@ -257,7 +296,7 @@ template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&&
             walk();
         }
         for (std::size_t l = k + 1; l < SizeOf(mTop); ++l) {
-            if (nodes[k].Concerns(nodes[l])) {
+            if (Concern(mTop, k, l)) {
                 open.Push(mTop, k, l);
                 walk();
             }

@@ -3,6 +3,7 @@
 // The clipper's shortcuts against the plain ways that they stand for.
 #include "ClipperContours_p.h"
 #include "ClipperOrder_p.h"
+#include "ClipperPredicates_p.h"
 #include "ClipperScratch_p.h"
 #include "ClipperSweep_p.h"
 
@@ -33,6 +34,7 @@ using trammel_detail::Caution;
 using trammel_detail::ClipGrid;
 using trammel_detail::EdgeTree;
 using trammel_detail::GridBox;
+using trammel_detail::GridEdge;
 using trammel_detail::GridLines;
 using trammel_detail::GridPoint;
 using trammel_detail::Meeting;
@@ -294,6 +296,69 @@ TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
                     Pairs const expected = PairsThatMeet(lines, step, margin);
                     EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kLines), expected);
                     EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kPlaces), expected);
+                }
+            }
+        }
+    }
+}
+
+/// Whether two segments have a point in common.
+bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
+    using trammel_detail::SideOf;
+    return trammel_detail::BoxOf(e).Meets(trammel_detail::BoxOf(f)) &&
+           SideOf(e.a, e.b, f.a) * SideOf(e.a, e.b, f.b) <= 0 &&
+           SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) <= 0;
+}
+
+TEST(ClipperParts, HatchingIsToldApartByItsSlant) {
+    // Thin slanted bars side by side, all of whose boxes meet, with a triangle across some of them.
+    std::int64_t const unit = std::int64_t{1} << 40;
+    for (auto const& [h, v] :
+         {std::pair(5, 3), std::pair(-2, 7), std::pair(1, 1), std::pair(9, -1)}) {
+        SCOPED_TRACE(std::to_string(h) + ":" + std::to_string(v));
+        GridLines lines;
+        std::int64_t const count = 150;
+        for (std::int64_t k = 0; k < count; ++k) {
+            GridPoint const a = {-v * k * 10 * unit, h * k * 10 * unit};
+            GridPoint const b = {a.x + h * 40000 * unit, a.y + v * 40000 * unit};
+            lines.points.insert(lines.points.end(), {a,
+                                                     b,
+                                                     {b.x - 4 * v * unit, b.y + 4 * h * unit},
+                                                     {a.x - 4 * v * unit, a.y + 4 * h * unit}});
+            lines.Close(1);
+        }
+        lines.points.insert(lines.points.end(), {{h * 100 * unit, v * 200 * unit},
+                                                 {h * 9000 * unit, v * 8000 * unit},
+                                                 {-v * 300 * unit, h * 400 * unit}});
+        lines.Close(2);
+        for (GridPoint const margin : {GridPoint{0, 0}, GridPoint{unit / 3, unit}}) {
+            for (std::size_t const step : {0, 2, 10}) {
+                Pairs const boxes = PairsThatMeet(lines, step, margin);
+                for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kPlaces}) {
+                    Pairs const found = PairsFound(lines, step, margin, order);
+                    EXPECT_TRUE(
+                        std::includes(boxes.begin(), boxes.end(), found.begin(), found.end()));
+                    // One triangle's three edges meet all boxes.
+                    EXPECT_LT(found.size(), boxes.size() / (step == 0 || step == 2 ? 10 : 2));
+                    EdgeTree const tree(lines, trammel_detail::ScratchVector<char>(), {0, 0},
+                                        order);
+                    for (auto const& [i, j] : boxes) {
+                        GridEdge const e = tree.At(j);
+                        bool near = false;
+                        for (std::int64_t const x : {-1, 0, 1}) {
+                            for (std::int64_t const y : {-1, 0, 1}) {
+                                GridPoint const by = {x * margin.x, y * margin.y};
+                                near = near ||
+                                       SegmentsMeet(tree.At(i), {{e.a.x + by.x, e.a.y + by.y},
+                                                                 {e.b.x + by.x, e.b.y + by.y}});
+                            }
+                        }
+                        if (near) {
+                            EXPECT_TRUE(
+                                std::binary_search(found.begin(), found.end(), std::pair(i, j)))
+                                << i << ", " << j;
+                        }
+                    }
                 }
             }
         }
