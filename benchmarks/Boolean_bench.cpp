@@ -166,6 +166,7 @@ bool Register() {
         {"random", Kind::kRandom, {10, 100, 300}},
         {"combs", Kind::kCombs, {10, 100, 300, 1000}},
         {"saws", Kind::kSaws, {10, 100, 1000, 10000}},
+        {"hatch", Kind::kHatch, {100, 1000, 3000}},
     };
     struct Operation {
         char const* name;

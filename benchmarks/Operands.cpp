@@ -354,6 +354,26 @@ Rings Saw(std::size_t size, double back, double root, double tip, double shift) 
     return {ring};
 }
 
+/// Thin bars at an angle of 0.6 radians, which are as many vertices, across a box.
+Rings Bars(std::size_t size, TRect<double> const& box) {
+    TPoint<double> const middle = box.MidPt();
+    double const reach = 0.5 * std::hypot(box.Width(), box.Height());
+    std::size_t const count = std::max<std::size_t>(size / 4, 1);
+    double const pitch = 2.0 * reach / static_cast<double>(count);
+    Rings rings;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const at = pitch * static_cast<double>(i) - reach;
+        Ring bar;
+        for (TPoint<double> const& p :
+             {TPoint<double>(-reach, at), TPoint<double>(reach, at),
+              TPoint<double>(reach, at + 0.3 * pitch), TPoint<double>(-reach, at + 0.3 * pitch)}) {
+            bar.push_back((middle + p).Rotate(0.6, middle));
+        }
+        rings.push_back(bar);
+    }
+    return rings;
+}
+
 Pair Make(Kind kind, std::size_t size) {
     Pair pair;
     switch (kind) {
@@ -379,6 +399,19 @@ Pair Make(Kind kind, std::size_t size) {
         pair.first = Simple(Saw(size, 0.0, 100.0, 900.0, 0.0));
         pair.second = Simple(Saw(size, 1000.0, 900.0, 100.0, 0.37));
         break;
+    case Kind::kHatch: {
+        Pair const glyphs = Glyphs(size);
+        pair.whyMissing = glyphs.whyMissing;
+        pair.second = glyphs.first;
+        TRect<double> box;
+        for (Ring const& ring : pair.second.rings) {
+            for (TPoint<double> const& p : ring) {
+                box |= p;
+            }
+        }
+        pair.first = Simple(Bars(size, box));
+        break;
+    }
     }
     return pair;
 }

@@ -46,6 +46,7 @@ enum class Kind {
     kRandom, ///< polygons of random vertices: the crossings grow with the square of their number
     kCombs,  ///< two simple combs at right angles: a quarter of the square of their vertices
     kSaws,   ///< two simple saws with long teeth side by side: few crossings, but wide sweep lines
+    kHatch,  ///< slanted bars side by side across a page of glyphs: their boxes all meet
 };
 
 /// The pair of a kind whose operands have about `size` vertices each. Made at the first call.
