@@ -148,8 +148,18 @@ inline constexpr Divisions kDivisions;
 // A disc is free of zeros when z(centre + radius·u) = p0 + p1·u + p2·u² has none in the unit disc.
 // By Schur and Cohn that is so when |p0| > |p2| and |conj(p0) p1 - p2 conj(p1)| < |p0|² - |p2|²
 // [Marden, Geometry of Polynomials, section 42].
+//
+// Both sides vanish when the zeros are each other's mirror images in the circle, one of them maybe
+// deep inside, and rounding would decide then. So the right side is made less by more than both are
+// off by. With u = 2^-53 and s = |A| + |B| + |C|, by the sums of their coordinates' magnitudes,
+// p0 is at most s, p1 at most s/2, p2 at most s/4 and each off by at most four times u of that
+// (p2 by two). Then |p0|² - |p2|² is off by at most 13·u·s², the left side by 13·u·s², and
+// comparing squares adds 2·u·s²: 28·u·s² < 2^-48·s² in all.
 
-/// Whether discs with these p0, p1, p2 and |p2|² are free, as bits.
+/// What is taken from |p0|² - |p2|², as a part of s²; with room.
+inline constexpr double kFreeMargin = 0x1p-46;
+
+/// Whether discs with these p0, p1, p2 and |p2|², increased by the margin, are free, as bits.
 template <class Pack>
 [[gnu::always_inline]] inline unsigned Free(Pack const& p0H, Pack const& p0V, Pack const& p1H,
                                             Pack const& p1V, Pack const& p2H, Pack const& p2V,
@@ -175,9 +185,10 @@ template <class Pack> [[gnu::always_inline]] inline bool WideIsFree(PieceSpeed<P
     Pack const square = radius * radius;
     Pack const p2H = square * z.cH;
     Pack const p2V = square * z.cV;
+    Pack const size = z.SizeA() + z.SizeB() + z.SizeC();
     return Free(z.aH + centre * (z.bH + slopeH), z.aV + centre * (z.bV + slopeV),
                 radius * (z.bH + (slopeH + slopeH)), radius * (z.bV + (slopeV + slopeV)), p2H, p2V,
-                p2H * p2H + p2V * p2V) == 0xF;
+                (p2H * p2H + p2V * p2V) + Pack::All(kFreeMargin) * (size * size)) == 0xF;
 }
 
 /// Which discs of the narrow ellipse are free, as bits in the order of Divisions. Those to the left
@@ -198,7 +209,8 @@ template <class Pack> [[gnu::always_inline]] inline unsigned NarrowFree(PieceSpe
     Pack const odd1V = twice * z.cV;
     Pack const p2H = square * z.cH;
     Pack const p2V = square * z.cV;
-    Pack const p2Square = p2H * p2H + p2V * p2V;
+    Pack const size = z.SizeA() + z.SizeB() + z.SizeC();
+    Pack const p2Square = (p2H * p2H + p2V * p2V) + Pack::All(kFreeMargin) * (size * size);
     return Free(even0H - odd0H, even0V - odd0V, even1H - odd1H, even1V - odd1V, p2H, p2V,
                 p2Square) |
            Free(even0H + odd0H, even0V + odd0V, even1H + odd1H, even1V + odd1V, p2H, p2V, p2Square)

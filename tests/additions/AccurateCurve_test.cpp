@@ -379,6 +379,28 @@ TEST(ArcLength, IsWithinTheAccuracyWhereverTheDerivativesZerosAre) {
     }
 }
 
+// One zero of the derivative lies deep within a disc that is searched for zeros, the other one is
+// its mirror image in the disc's circle: rounding alone would decide whether the disc is free.
+TEST(ArcLength, IsWithinTheAccuracyWhereZerosMirrorEachOther) {
+    struct Case {
+        CBezier curve;
+        double accuracy;
+    };
+    Case const cases[] = {{CBezier({0, 0}, {-0x1.8a433fedf4612p+10, -0x1.2b595d2f9da5bp+11},
+                                   {-0x1.08a86a8ffb7c7p+11, -0x1.91e3ce6f7e38ap+11},
+                                   {0x1.aedc0606d868cp+13, 0x1.4722ba3526e82p+14}),
+                           2.669953149120029e-05},
+                          {CBezier({0, 0}, {-0x1.498ac4a168p-61, 0x1.c0324abf36ab4p-67},
+                                   {0x1.038ee3a8524bp-57, 0x1.f1e283c68d007p-61},
+                                   {0x1.fd4e478a0148dp-53, 0x1.70294bf4ac1c5p-59}),
+                           1.7467949543072804e-21}};
+    for (Case const& c : cases) {
+        EXPECT_LE(Off(ArcLength(c.curve, c.accuracy), TrueLength(c.curve)),
+                  Widened(c.accuracy) + std::ldexp(PolygonLength(c.curve), -48))
+            << Text(c.curve);
+    }
+}
+
 /// Calls `compute` with vectors of four doubles, if the processor has them, and without.
 template <class Compute> void ExpectTheSameInBothForms(Compute const& compute) {
     auto const wide = compute();
