@@ -227,6 +227,12 @@ private:
     Pt mD2;
 };
 
+/// The points that a length is measured by, which depends on their differences alone.
+ScaledPoints<4> Measured(CBezier const& curve) {
+    return ScaledPoints<4>(
+        trammel_detail::WithoutCommon<4>({curve.P0, curve.P1, curve.P2, curve.P3}));
+}
+
 Speed SpeedOf(ScaledPoints<4> const& p) { return Speed(p[1] - p[0], p[2] - p[1], p[3] - p[2]); }
 
 /// The parameter at which `target` of the length `total` is reached, 0 < target < total, so that
@@ -276,7 +282,7 @@ double SolveLength(Speed& speed, double target, double total, double accuracy) {
 /// `wanted(total)` tells the length looked for, given the whole.
 template <class Wanted>
 double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) {
-    ScaledPoints<4> const p({curve.P0, curve.P1, curve.P2, curve.P3});
+    ScaledPoints<4> const p = Measured(curve);
     if (!p.Finite()) {
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -316,16 +322,15 @@ struct LengthSum {
 
 double ArcLength(CBezier const& curve, double accuracy) {
     // The usual case, without copies of the points.
-    if (ScaledPoints<4>::Ordinary(Taxicab(curve.P0) + Taxicab(curve.P1) + Taxicab(curve.P2) +
-                                  Taxicab(curve.P3))) {
-        return Speed(curve.P1 - curve.P0, curve.P2 - curve.P1, curve.P3 - curve.P2)
-            .Length(0.0, 1.0, accuracy);
+    Speed speed(curve.P1 - curve.P0, curve.P2 - curve.P1, curve.P3 - curve.P2);
+    if (ScaledPoints<4>::Ordinary(speed.Size())) {
+        return speed.Length(0.0, 1.0, accuracy);
     }
     return ArcLength(curve, 0.0, 1.0, accuracy);
 }
 
 double ArcLength(CBezier const& curve, double t0, double t1, double accuracy) {
-    ScaledPoints<4> const p({curve.P0, curve.P1, curve.P2, curve.P3});
+    ScaledPoints<4> const p = Measured(curve);
     if (!p.Finite() || std::isnan(t0) || std::isnan(t1)) {
         return std::numeric_limits<double>::quiet_NaN();
     }
@@ -340,7 +345,7 @@ double ArcLength(CBezier const& curve, double t0, double t1, double accuracy) {
 }
 
 double ArcLength(CBSpline const& curve, double accuracy) {
-    ScaledPoints<3> const p({curve.P0, curve.P1, curve.P2});
+    ScaledPoints<3> const p(trammel_detail::WithoutCommon<3>({curve.P0, curve.P1, curve.P2}));
     if (!p.Finite()) {
         return std::numeric_limits<double>::quiet_NaN();
     }

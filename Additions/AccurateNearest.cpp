@@ -221,7 +221,8 @@ void Search::Run() {
 } // namespace
 
 CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double accuracy) {
-    ScaledPoints<5> const p({curve.P0, curve.P1, curve.P2, curve.P3, pt});
+    ScaledPoints<5> const p(
+        trammel_detail::WithoutCommon<5>({curve.P0, curve.P1, curve.P2, curve.P3, pt}));
     if (!p.Finite()) {
         double const nan = std::numeric_limits<double>::quiet_NaN();
         return {nan, Pt(nan, nan), nan};

@@ -441,6 +441,21 @@ TEST(ArcLength, ScalesExactlyByPowersOfTwo) {
     }
 }
 
+// The coordinate that all points share says nothing of how small the curve is.
+TEST(ArcLength, IsRightHoweverSmallTheCurveIsBesideItsDistanceFromTheOrigin) {
+    for (double const at : {0.0, 1.0, -0x1p300, kHuge}) {
+        for (int const power : {-150, -500, -530, -700, -1000}) {
+            double const unit = std::ldexp(1.0, power);
+            CBezier const curve(Pt(at, 0), Pt(at, unit), Pt(at, 2 * unit), Pt(at, 3 * unit));
+            EXPECT_NEAR(ArcLength(curve, 0.0) / unit, 3.0, 1e-14) << at << ' ' << power;
+            EXPECT_NEAR(ArcLength(curve, 0.0, 0.5, 0.0) / unit, 1.5, 1e-14);
+            EXPECT_NEAR(ParameterAtLength(curve, unit, 0.0), 1.0 / 3.0, 1e-14);
+            CBSpline const quadratic(curve.P0, Pt(at, 1.5 * unit), curve.P3);
+            EXPECT_NEAR(ArcLength(quadratic, 0.0) / unit, 3.0, 1e-14);
+        }
+    }
+}
+
 TEST(ArcLength, OfSpecialCurvesEndsAndIsNaNWithoutNumbers) {
     for (CBezier const& curve : SpecialCurves()) {
         for (double const accuracy : {0.0, 1e-12, 1.0, 1e300, kInf, kNaN}) {
@@ -663,6 +678,18 @@ TEST(NearestPoint, OfAPointFarAwayIsRightToRounding) {
         Pt const origin = random.Point(1e9);
         CBezier const moved = curve + origin;
         ExpectNearest(moved, origin + random.Point(100), 1e-6);
+    }
+}
+
+TEST(NearestPoint, IsFoundHoweverSmallTheCurveIsBesideItsDistanceFromTheOrigin) {
+    for (double const at : {0.0, 1.0, -0x1p300, kHuge}) {
+        for (int const power : {-150, -500, -530, -700, -1000}) {
+            double const unit = std::ldexp(1.0, power);
+            CBezier const curve(Pt(at, 0), Pt(at, unit), Pt(at, 2 * unit), Pt(at, 3 * unit));
+            CurvePoint const found = NearestPoint(curve, Pt(at, 4 * unit), 0.0);
+            EXPECT_EQ(found.t, 1.0) << at << ' ' << power;
+            EXPECT_EQ(found.distance, unit) << at << ' ' << power;
+        }
     }
 }
 
