@@ -100,9 +100,9 @@ inline constexpr long kMostFlatPoints = 65536;
 ///
 /// Every point of the curve is within that distance of the polyline, and every point of the
 /// polyline within that distance of the curve (the Hausdorff distance), besides the rounding of the
-/// points themselves, 2^-50 of the greatest coordinate. It is `tolerance`, or 2^-40 of the curve's
-/// size if that is more, or what kMostFlatPoints points could achieve. A curve that is straight
-/// gives its ends and, where it doubles back, the turning points.
+/// points themselves, 2^-50 of the greatest coordinate, and 2^-1074. It is `tolerance`, or 2^-40 of
+/// the curve's size if that is more, or what kMostFlatPoints points could achieve. A curve that is
+/// straight gives its ends and, where it doubles back, the turning points.
 ///
 /// Points lie as densely as the bend demands, within about a tenth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
