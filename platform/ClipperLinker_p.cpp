@@ -324,14 +324,15 @@ void Linker::MergeEqualArcs(ScratchVector<Spoke> const& spokes) {
 Operands Linker::InsideWestOf(Number edge) {
     // A tree is worth while for many.
     int const kFewRays = 8;
-    if (!mTree && !mOwnTree) {
-        if (++mRays <= kFewRays) {
-            return trammel_detail::InsideWestOf(mLines, edge);
-        }
+    if (!mTree && !mOwnTree && ++mRays > kFewRays) {
         mOwnTree.emplace(mLines, ScratchVector<char>(mScratch), GridPoint{0, 0},
                          EdgeTree::Order::kLines);
     }
-    return (mTree ? mTree : mOwnTree)->InsideWestOf(edge);
+    std::optional<EdgeTree> const& tree = mTree ? mTree : mOwnTree;
+    // One without boxes has so few edges that a look at all of them for each ray takes no longer
+    // than holding them against each other.
+    return tree && tree->HasBoxes() ? tree->InsideWestOf(edge)
+                                    : trammel_detail::InsideWestOf(mLines, edge);
 }
 
 void Linker::LabelFrom(Number first) {

@@ -325,6 +325,33 @@ TEST(Clipper, NestedContoursAlternate) {
     ExpectDirections(region);
 }
 
+TEST(Clipper, ManyNestedContoursAlternate) {
+    // Nothing ties one contour to the next, so each asks anew what it lies in; and their edges'
+    // boxes meet all over.
+    for (int const sides : {3, 4, 62}) {
+        for (std::size_t const count : {8U, 9U, 12U, 16U, 33U, 60U}) {
+            Polygon rings;
+            for (std::size_t i = 0; i < count; ++i) {
+                double const radius = static_cast<double>(i + 1);
+                Contour ring;
+                for (int k = 0; k < sides; ++k) {
+                    double const angle = 6.283185307179586 * k / sides + 0.01;
+                    ring.push_back({radius * std::cos(angle), radius * std::sin(angle)});
+                }
+                rings.push_back(ring);
+            }
+            Region const region = Clip(GPC_UNION, rings, {});
+            ASSERT_EQ(region.contours.size(), count);
+            for (std::size_t i = 0; i < count; ++i) {
+                Vertex const v = region.contours[i][0];
+                auto const ring = static_cast<std::size_t>(std::lround(std::hypot(v.x, v.y)));
+                EXPECT_EQ(region.holes[i], (count - ring) % 2 == 0 ? 0 : 1);
+            }
+            ExpectDirections(region);
+        }
+    }
+}
+
 TEST(Clipper, ContoursThatTouchInACornerStaySeparate) {
     // A hole that touches the outline in one point, and squares that meet in their corners.
     Contour const diamond{{0, 5}, {5, 2}, {8, 5}, {5, 8}};
