@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 #include <utility>
 
 namespace trammel_detail {
@@ -392,6 +393,10 @@ struct SortedCuts {
         : cuts(unsorted.size(), unsorted.get_allocator()),
           ends(tree.Count(), 0, unsorted.get_allocator()),
           has(tree.Count(), 0, unsorted.get_allocator()) {
+        // More than can be counted: as if there were no memory for them.
+        if (unsorted.size() > std::numeric_limits<std::uint32_t>::max()) {
+            throw std::length_error("SortedCuts");
+        }
         for (Cut const& cut : unsorted) {
             ++ends[cut.edge];
             has[cut.edge] =

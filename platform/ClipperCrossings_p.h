@@ -31,7 +31,8 @@ enum class Caution { kWhereNeeded, kEverywhere };
 ///
 /// `meetings` gets an element for each vertex, `tree` a tree of the cut lines in their order if one
 /// is at hand, or none. The new vertices are points of `grid` that are doubles; edges move by no
-/// more than that rounding.
+/// more than that rounding. Throws std::length_error for more edges than EdgeTree takes, or more
+/// cuts in a round than 32 bits count.
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.

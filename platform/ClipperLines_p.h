@@ -79,6 +79,9 @@ inline GridBox BoxOf(GridEdge const& e) { return BoxOf(e.a, e.b); }
 /// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
 class EdgeTree {
 public:
+    /// As many as can be numbered, twice over, with 32 bits.
+    static constexpr std::size_t kMostEdges = std::size_t{1} << 31;
+
     /// What comes together in a box: what follows each other on a line, which is near each other in
     /// the plane in most drawings; or, at the cost of sorting, what is near each other. The latter
     /// pays where long edges have been cut to many short ones.
@@ -110,7 +113,6 @@ public:
     Operands InsideWestOf(std::size_t edge) const;
 
 private:
-    static constexpr std::size_t kMostEdges = std::size_t{1} << 31;
     static constexpr std::size_t kFan = 4;
     static constexpr std::size_t kMostAtTop = 12;
     static constexpr std::size_t kMostLevels = 17;

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -16,7 +17,8 @@ namespace trammel_detail {
 
 namespace {
 
-/// The number of a line, an edge, an arc or a wheel. EdgeTree takes no more edges than fit.
+/// The number of a line, an edge, an arc or a wheel, of each of which there are no more than
+/// EdgeTree::kMostEdges.
 typedef std::uint32_t Number;
 
 Number const kNone = std::numeric_limits<Number>::max();
@@ -190,6 +192,10 @@ private:
 };
 
 void Linker::MakeArcs(ScratchVector<Meeting> const& meetings) {
+    // Cutting lines may have given them more edges than a tree takes.
+    if (mLines.points.size() > EdgeTree::kMostEdges) {
+        throw std::length_error("Linker");
+    }
     std::size_t most = mLines.Count();
     for (Meeting const meeting : meetings) {
         most += meeting != kAlone ? 1 : 0;

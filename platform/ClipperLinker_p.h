@@ -29,7 +29,7 @@ typedef std::array<bool, 4> RegionOf;
 
 /// The contours of the region. The edges of the lines have nothing in common but their ends, or are
 /// equal; `tree` is a tree over them in their order, or none; `meetings` has an element for each
-/// vertex.
+/// vertex. Throws std::length_error for more than EdgeTree::kMostEdges edges.
 ///
 /// Cost: O(n + s log s) for s vertices at which anything may come together, and a ray for each part
 /// of the lines that hangs together.

@@ -33,8 +33,9 @@ public:
     /// Takes back what Take() gave; what was given last can be given again.
     void TakeBack(void* given, std::size_t size) {
         auto* const begin = static_cast<unsigned char*>(given);
-        // std::less orders pointers into different arrays as well.
-        if (std::less<>()(begin, mBlock) || !std::less<>()(begin, mBlock + kSize)) {
+        // std::less orders pointers into different arrays as well. What is given of a full block
+        // where nothing was asked for is its end.
+        if (std::less<>()(begin, mBlock) || std::less<>()(mBlock + kSize, begin)) {
             ::operator delete(given);
         } else if (begin + Rounded(size) == mFree) {
             mFree = begin;

@@ -457,6 +457,18 @@ TEST(ClipperParts, ScratchGivesItsBlockAndThenTheHeap) {
     EXPECT_TRUE(address(large) < address(&scratch) ||
                 address(large) >= address(&scratch) + sizeof scratch);
     scratch.TakeBack(large, 1 << 20);
+    // Nothing, of what is left and where nothing is.
+    void* const nothing = scratch.Take(0);
+    scratch.TakeBack(nothing, 0);
+    std::vector<void*> units;
+    while (units.size() < sizeof scratch / 16) {
+        units.push_back(scratch.Take(16));
+    }
+    scratch.TakeBack(scratch.Take(0), 0);
+    while (!units.empty()) {
+        scratch.TakeBack(units.back(), 16);
+        units.pop_back();
+    }
     trammel_detail::ScratchVector<double> vector(&scratch);
     for (int i = 0; i < 10000; ++i) {
         vector.push_back(i);
