@@ -12,6 +12,7 @@
 #include "CPathWalk_p.h"
 #include "TPoint.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
@@ -26,21 +27,20 @@ inline double Square(Pt const& a) { return a.h * a.h + a.v * a.v; }
 /// |h| + |v|: between the length of the vector and sqrt(2) times it.
 inline double Taxicab(Pt const& a) { return std::abs(a.h) + std::abs(a.v); }
 
-/// The points with each coordinate that is the same in all of them made 0. That changes no
-/// difference, and keeps such a coordinate from having a say in the scale, which the others could
-/// be too small for.
-template <std::size_t N> std::array<Pt, N> WithoutCommon(std::array<Pt, N> points) {
+/// Makes each coordinate 0 that is the same in all points. That changes no difference, and keeps
+/// such a coordinate from having a say in the scale, which the others could be too small for.
+template <std::size_t N> void DropCommon(std::array<Pt, N>& points) {
     for (double Pt::*const coordinate : {&Pt::h, &Pt::v}) {
         double const common = points[0].*coordinate;
-        bool same = std::isfinite(common);
-        for (Pt const& p : points) {
-            same = same && p.*coordinate == common;
-        }
-        for (Pt& p : points) {
-            p.*coordinate = same ? 0.0 : p.*coordinate;
+        // The first comparison tells for nearly all input.
+        if (points[N - 1].*coordinate == common && std::isfinite(common) &&
+            std::all_of(points.begin(), points.end(),
+                        [&](Pt const& p) { return p.*coordinate == common; })) {
+            for (Pt& p : points) {
+                p.*coordinate = 0.0;
+            }
         }
     }
-    return points;
 }
 
 /// Points whose coordinates were multiplied by a power of two, if need be, so that products of four

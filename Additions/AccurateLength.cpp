@@ -229,8 +229,9 @@ private:
 
 /// The points that a length is measured by, which depends on their differences alone.
 ScaledPoints<4> Measured(CBezier const& curve) {
-    return ScaledPoints<4>(
-        trammel_detail::WithoutCommon<4>({curve.P0, curve.P1, curve.P2, curve.P3}));
+    std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
+    trammel_detail::DropCommon(points);
+    return ScaledPoints<4>(points);
 }
 
 Speed SpeedOf(ScaledPoints<4> const& p) { return Speed(p[1] - p[0], p[2] - p[1], p[3] - p[2]); }
@@ -345,7 +346,9 @@ double ArcLength(CBezier const& curve, double t0, double t1, double accuracy) {
 }
 
 double ArcLength(CBSpline const& curve, double accuracy) {
-    ScaledPoints<3> const p(trammel_detail::WithoutCommon<3>({curve.P0, curve.P1, curve.P2}));
+    std::array<Pt, 3> points = {curve.P0, curve.P1, curve.P2};
+    trammel_detail::DropCommon(points);
+    ScaledPoints<3> const p(points);
     if (!p.Finite()) {
         return std::numeric_limits<double>::quiet_NaN();
     }

@@ -221,8 +221,9 @@ void Search::Run() {
 } // namespace
 
 CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double accuracy) {
-    ScaledPoints<5> const p(
-        trammel_detail::WithoutCommon<5>({curve.P0, curve.P1, curve.P2, curve.P3, pt}));
+    std::array<Pt, 5> points = {curve.P0, curve.P1, curve.P2, curve.P3, pt};
+    trammel_detail::DropCommon(points);
+    ScaledPoints<5> const p(points);
     if (!p.Finite()) {
         double const nan = std::numeric_limits<double>::quiet_NaN();
         return {nan, Pt(nan, nan), nan};
