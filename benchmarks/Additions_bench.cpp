@@ -8,7 +8,7 @@
 //
 // The first has errors of its own, which stand beside its times. The others give what the path and
 // the polygon give, which is held against them, item by item and to the last bit, before anything
-// is measured. Making them is a work of its own: path_measure, contains_build; contains_session is
+// is measured. Making them is a work of its own: path_measure, contains_build; contains_some is
 // both, for a few dozen points.
 //
 // Run by hand: trammel_bench --benchmark_filter='^compare/.*/trammel-'
@@ -140,13 +140,13 @@ void RegisterMeasured() {
 }
 
 /// With so many points a polygon is asked for, it has to pay to prepare it.
-constexpr std::size_t kSession = 36;
+constexpr std::size_t kSome = 36;
 
-/// How many of kSession points are inside, from point `first` on and round.
+/// How many of kSome points are inside, from point `first` on and round.
 template <class Contains>
-double CountInSession(std::size_t first, std::size_t count, Contains contains) {
+double CountSome(std::size_t first, std::size_t count, Contains contains) {
     double inside = 0.0;
-    for (std::size_t i = 0; i < kSession; ++i) {
+    for (std::size_t i = 0; i < kSome; ++i) {
         inside += contains((first + i) % count) ? 1.0 : 0.0;
     }
     return inside;
@@ -182,14 +182,14 @@ void RegisterPrepared() {
                 },
                 100);
         });
-        auto const registerSession = [=](std::string const& who, auto prepare) {
-            compare::RegisterAlone("contains_session", input, who, [=] {
+        auto const registerSome = [=](std::string const& who, auto prepare) {
+            compare::RegisterAlone("contains_some", input, who, [=] {
                 auto const ring = make();
                 Polygon const polygon = std::make_shared<TPolygon<double>>(compare::Polygon(ring));
                 auto const points = inputs::PointsOver(ring, compare::Calls(ring.size(), 100));
                 auto const ask = [=](std::size_t first, auto const& asked) {
-                    return CountInSession(first, points.size(),
-                                          [&](std::size_t i) { return asked.Contains(points[i]); });
+                    return CountSome(first, points.size(),
+                                     [&](std::size_t i) { return asked.Contains(points[i]); });
                 };
                 return JobBeside(
                     points.size(), [=](std::size_t i) { return ask(i, prepare(*polygon)); },
@@ -197,9 +197,9 @@ void RegisterPrepared() {
             });
         };
         typedef TPolygon<double> const& Asked; // by reference: a copy is no preparation
-        registerSession("trammel", [](Asked polygon) -> Asked { return polygon; });
-        registerSession("trammel-prepared",
-                        [](Asked polygon) { return trammel::PreparedPolygon(polygon); });
+        registerSome("trammel", [](Asked polygon) -> Asked { return polygon; });
+        registerSome("trammel-prepared",
+                     [](Asked polygon) { return trammel::PreparedPolygon(polygon); });
 #ifdef TRAMMEL_BENCH_GEOS
         // GEOS builds its index for the first point within the bounds, as all of these are.
         auto const registerGeos = [=](std::string const& work, std::size_t asked) {
@@ -223,7 +223,7 @@ void RegisterPrepared() {
             });
         };
         registerGeos("contains_build", 1);
-        registerGeos("contains_session", kSession);
+        registerGeos("contains_some", kSome);
 #endif
     }
 }

@@ -4,7 +4,7 @@
 // prepared polygon? Names are Prepared/SHAPE/VERTICES/WHAT/WHO:
 //   ask        one point, all prepared                 one iteration is one point
 //   build      preparing, and the first point          one iteration is one polygon
-//   session    preparing, and 36 points                one iteration is all of that
+//   some       preparing, and 36 points                one iteration is all of that
 // The polygon's own Contains (`polygon`) prepares nothing. `bytes` is the memory per vertex.
 //
 // Shapes: a smooth outline with ripples, a ragged star, combs upright, leaning and with teeth of
@@ -31,7 +31,7 @@ namespace {
 
 typedef std::vector<TPoint<double>> Points;
 
-constexpr std::size_t kSession = 36;
+constexpr std::size_t kSome = 36;
 
 Points Smooth(std::size_t count) {
     Points vertices;
@@ -132,10 +132,10 @@ void BuildTrammel(benchmark::State& state, Shape const& shape, std::size_t count
     }
 }
 
-void SessionPolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
+void SomePolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
     Question const question(shape, count);
     for (auto _ : state) {
-        for (std::size_t i = 0; i < kSession; ++i) {
+        for (std::size_t i = 0; i < kSome; ++i) {
             benchmark::DoNotOptimize(question.polygon.Contains(question.points[i]));
         }
     }
@@ -178,12 +178,12 @@ bool Register() {
             add("/ask/polygon", AskPolygon);
             add("/ask/trammel", AskTrammel);
             add("/build/trammel", BuildTrammel, std::size_t{1});
-            add("/session/polygon", SessionPolygon);
-            add("/session/trammel", BuildTrammel, kSession);
+            add("/some/polygon", SomePolygon);
+            add("/some/trammel", BuildTrammel, kSome);
 #ifdef TRAMMEL_BENCH_GEOS
             add("/ask/geos", AskGeos);
             add("/build/geos", BuildGeos, std::size_t{1});
-            add("/session/geos", BuildGeos, kSession);
+            add("/some/geos", BuildGeos, kSome);
 #endif
         }
     }
