@@ -54,18 +54,19 @@ std::int64_t LengthBound(GridEdge const& e) {
 /// So all parts of an edge stay within R of it, with R = 5 times the largest spacing. If parts of
 /// two edges e and f have a point in common then, both edges pass it within R. Hence:
 ///
-/// - e and f more than 2 R apart do not meet.
-/// - If e and f cross at P with an angle of t, points within R of both lie within 2 R / sin t of P.
-///   If, on both, the next vertices are at least 9 R / sin t from P, then only the parts that end
-///   at P can come there: other parts stay R less than that away. And those have only that end in
-///   common, as each deviates from the direction of its edge by no more than asin(2 R / (9 R / sin
-///   t
-///   - 2 R)) < t / 2.
-/// - The same holds where P is the vertex between edges that follow each other; if they make an
-///   obtuse angle, as if it were a right one.
-/// - If they do not meet, but an end of one is within 2 R of the other's line, points within R of
-/// both
-///   lie within 4 R / sin t of that end.
+/// 1. e and f more than 2 R apart do not meet.
+///
+/// 2. If e and f cross at P with an angle of t, points within R of both lie within 2 R / sin t of
+/// P. If, on both, the next vertices are at least 9 R / sin t from P, then only the parts that end
+/// at P can come there: other parts stay R less than that away. And those have only that end in
+/// common, as each deviates from the direction of its edge by no more than asin(2 R / (9 R / sin t
+/// - 2 R)) < t / 2.
+///
+/// 3. The same holds where P is the vertex between edges that follow each other; if they make an
+/// obtuse angle, as if it were a right one.
+///
+/// 4. If they do not meet, but an end of one is within 2 R of the other's line, points within R of
+/// both lie within 4 R / sin t of that end.
 ///
 /// Distances between rounded vertices are up to 2 R less than those in the above, and sin t <= 1,
 /// so 11 R / sin t is enough; 12 leaves room for the rounding of doubles. Parts of edges that lie

@@ -119,17 +119,19 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> fresh, GridPoint 
     if (few) {
         return;
     }
-    if (mNodes.size() > kFewEdges && IsEntangled() && allFresh && mEdges.size() <= kMostEntangled) {
+    Slant slant;
+    bool const entangled = mNodes.size() > kFewEdges && ChooseSlant(slant);
+    if (entangled && allFresh && mEdges.size() <= kMostEntangled) {
         mNodes.clear();
         return;
     }
     if (order == Order::kPlaces) {
         SortChains();
     }
-    if (mSlant.reach != 0) {
+    if (slant.reach != 0) {
         mStrips.reserve(mNodes.size() + mNodes.size() / 2);
         for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
-            mStrips.push_back(StripOf(chain, mSlant));
+            mStrips.push_back(StripOf(chain, slant));
         }
     }
     AddLevels();
@@ -158,8 +160,9 @@ EdgeTree::Strip EdgeTree::StripOf(std::size_t chain, Slant const& slant) const {
     return {strip.low - slant.reach, strip.high + slant.reach};
 }
 
-/// Whether most chains meet, by their boxes, and by the slant where that helps, which is then set.
-bool EdgeTree::IsEntangled() {
+/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether most
+/// chains meet all the same.
+bool EdgeTree::ChooseSlant(Slant& best) const {
     // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
     // other always meet.
     constexpr std::size_t kSamples = 64;
@@ -185,7 +188,7 @@ bool EdgeTree::IsEntangled() {
         return false;
     }
     // Across which of some edges' directions are most of them apart?
-    std::size_t best = count;
+    std::size_t least = count;
     for (std::size_t k = 0; k < count; k += (count + 7) / 8) {
         GridEdge const& e = mEdges[mChains[meeting[k].first].begin];
         if (e.a.x == e.b.x || e.a.y == e.b.y) {
@@ -197,12 +200,12 @@ bool EdgeTree::IsEntangled() {
                           [&](std::pair<std::size_t, std::size_t> const& pair) {
                               return StripOf(pair.first, slant).Meets(StripOf(pair.second, slant));
                           }));
-        if (still <= count / 2 && still < best) {
-            best = still;
-            mSlant = slant;
+        if (still <= count / 2 && still < least) {
+            least = still;
+            best = slant;
         }
     }
-    return best > drawn / 8;
+    return least > drawn / 8;
 }
 
 void EdgeTree::AddLevels() {

@@ -204,7 +204,7 @@ private:
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
     void AddLevels();
     void SortChains();
-    bool IsEntangled();
+    bool ChooseSlant(Slant& slant) const;
     Slant SlantAcross(GridEdge const& e) const;
     Strip StripOf(std::size_t chain, Slant const& slant) const;
     /// Whether nodes of a level may have edges that meet, one of them fresh.
@@ -243,9 +243,8 @@ private:
     ScratchVector<GridEdge> mEdges;
     ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
     ScratchVector<Chain> mChains;
-    ScratchVector<Node> mNodes;   // level by level: chains first
-    ScratchVector<Strip> mStrips; // the same, or empty without a slant
-    Slant mSlant;
+    ScratchVector<Node> mNodes;                         // level by level: chains first
+    ScratchVector<Strip> mStrips;                       // the same, or empty without a slant
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
     bool mIsSparse = false;                             // whether few edges are fresh
