@@ -16,9 +16,6 @@ namespace trammel_detail {
 
 [[gnu::always_inline]] inline constexpr double Lesser(double a, double b) { return a < b ? a : b; }
 [[gnu::always_inline]] inline constexpr double Greater(double a, double b) { return a > b ? a : b; }
-[[gnu::always_inline]] inline double Magnitude(double h, double v) {
-    return __builtin_fabs(h) + __builtin_fabs(v);
-}
 
 /// A third of a cubic's derivative on a piece of its parameters, as A + Bw + Cw², -1 <= w <= 1.
 /// Every number fills a pack.
