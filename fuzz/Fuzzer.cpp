@@ -6,8 +6,7 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <string>
+#include <string_view>
 
 namespace {
 
@@ -16,15 +15,11 @@ fuzz::Target const* gTarget = nullptr;
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    char const option[] = "--target=";
+    std::string_view const option = "--target=";
     for (int i = 1; i < *argc; ++i) {
-        char const* const argument = (*argv)[i];
-        if (std::strncmp(argument, option, sizeof option - 1) == 0) {
-            for (fuzz::Target const& target : fuzz::kTargets) {
-                if (std::strcmp(argument + sizeof option - 1, target.name) == 0) {
-                    gTarget = &target;
-                }
-            }
+        std::string_view const argument = (*argv)[i];
+        if (argument.substr(0, option.size()) == option) {
+            gTarget = fuzz::FindTarget(argument.substr(option.size()));
         }
     }
     if (gTarget == nullptr) {

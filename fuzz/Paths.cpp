@@ -61,23 +61,16 @@ bool Build(Input& in, CPath& path, plain::Path& same) {
     return proper;
 }
 
-Digest DigestOf(CPath const& path) {
+template <class Codes> Digest DigestOf(std::vector<Pt> const& points, Codes const& codes) {
     Digest digest;
-    digest.Add(path.mPts);
-    for (char const code : path.mCtls) {
+    digest.Add(points);
+    for (char const code : codes) {
         digest.Add(std::int32_t{code});
     }
     return digest;
 }
-
-Digest DigestOf(plain::Path const& path) {
-    Digest digest;
-    digest.Add(path.pts);
-    for (char const code : path.codes) {
-        digest.Add(std::int32_t{code});
-    }
-    return digest;
-}
+Digest DigestOf(CPath const& path) { return DigestOf(path.mPts, path.mCtls); }
+Digest DigestOf(plain::Path const& path) { return DigestOf(path.pts, path.codes); }
 
 /// What the path, its plain form and its measure are asked in the same words.
 template <class Outline, class Piece>

@@ -5,8 +5,9 @@
 //     trammel_replay TARGET FILE...     runs the inputs in these files
 //     trammel_replay TARGET --random N  runs N inputs of random bytes, the same in every run
 //
-// What ends the program is the sanitizers, or a requirement that does not hold; the number of the
-// random input is then in the message before.
+// What ends the program is the sanitizers, or a requirement that does not hold. With
+// TRAMMEL_REPLAY_VERBOSE in the environment, the number of each random input is told before it
+// runs.
 
 #include "Targets.h"
 
@@ -43,10 +44,11 @@ Bytes RandomBytes(identity::Random& random, bool asText) {
 
 void RunRandom(fuzz::Target const& target, long count) {
     bool const isText = std::strcmp(target.name, "text") == 0;
+    bool const isVerbose = std::getenv("TRAMMEL_REPLAY_VERBOSE") != nullptr;
     for (long i = 0; i < count; ++i) {
         identity::Random random(static_cast<std::uint64_t>(i));
         Bytes const bytes = RandomBytes(random, isText);
-        if (std::getenv("TRAMMEL_REPLAY_VERBOSE") != nullptr) {
+        if (isVerbose) {
             std::fprintf(stderr, "input %ld\n", i);
         }
         Run(target, bytes);
@@ -65,10 +67,7 @@ int main(int argc, char** argv) {
     if (argc < 3) {
         return Usage();
     }
-    fuzz::Target const* chosen = nullptr;
-    for (fuzz::Target const& target : fuzz::kTargets) {
-        chosen = std::strcmp(argv[1], target.name) == 0 ? &target : chosen;
-    }
+    fuzz::Target const* const chosen = fuzz::FindTarget(argv[1]);
     if (chosen == nullptr) {
         std::fprintf(stderr, "trammel_replay: no target '%s'\n", argv[1]);
         return 2;

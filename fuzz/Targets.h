@@ -9,6 +9,7 @@
 #include "Input.h"
 
 #include <array>
+#include <string_view>
 
 namespace fuzz {
 
@@ -36,6 +37,9 @@ inline constexpr std::array<Target, 6> kTargets = {{{"curves", Curves},
                                                     {"handles", Handles},
                                                     {"clip", Clip},
                                                     {"text", Text}}};
+
+/// The target of that name, null for none.
+Target const* FindTarget(std::string_view name);
 
 /// Ends the program, naming `what` does not hold, unless it does.
 void Require(bool holds, char const* what);

@@ -82,12 +82,10 @@ inline double RandomFraction(Random& random) {
 /// is multiplied.
 inline double WildNumber(Random& random) {
     constexpr double kMax = std::numeric_limits<double>::max();
-    constexpr double kInf = std::numeric_limits<double>::infinity();
+    using trammel_test::kInf;
     constexpr std::array<double, 16> kSpecial = {
-        0.0,    -0.0,    1.0,    -3.0,
-        5e-324, -1e-310, 1e-160, 1e154,
-        1e150,  -1e160,  1e300,  kMax,
-        -kMax,  kInf,    -kInf,  std::numeric_limits<double>::quiet_NaN()};
+        0.0,   -0.0,   1.0,   -3.0, 5e-324, -1e-310, 1e-160, 1e154,
+        1e150, -1e160, 1e300, kMax, -kMax,  kInf,    -kInf,  trammel_test::kNaN};
     return random.OneIn(2) ? kSpecial[static_cast<std::size_t>(random.Int(0, 15))]
                            : random.Uniform(-2, 2);
 }
