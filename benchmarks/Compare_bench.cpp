@@ -57,28 +57,38 @@ template <class Input> std::shared_ptr<Input> Kept(inputs::Set set) {
     return entry;
 }
 
-/// A job on every item of an input: ours(item, point) and plainly(item, point) return a number.
-template <class Input, class Ours, class Plainly>
-std::shared_ptr<Job> JobOnEach(std::shared_ptr<Input> const& data, double target, Ours ours,
-                               Plainly plainly) {
+/// A job of ours(i) and plainly(i) for i from 0 to calls - 1, which return a number.
+template <class Ours, class Plainly>
+std::shared_ptr<Job> JobOf(std::size_t calls, std::map<std::string, double> const& counters,
+                           Ours ours, Plainly plainly) {
     auto job = std::make_shared<Job>();
-    job->items = data->ours.size();
+    job->items = calls;
     job->trammel = [=] {
         double sum = 0.0;
-        for (std::size_t i = 0; i < data->ours.size(); ++i) {
-            sum += ours(data->ours[i], data->points[i]);
+        for (std::size_t i = 0; i < calls; ++i) {
+            sum += ours(i);
         }
         return sum;
     };
     job->plain = [=] {
         double sum = 0.0;
-        for (std::size_t i = 0; i < data->ours.size(); ++i) {
-            sum += plainly(data->plainly[i], data->plainPoints[i]);
+        for (std::size_t i = 0; i < calls; ++i) {
+            sum += plainly(i);
         }
         return sum;
     };
-    job->counters = Target(target);
+    job->counters = counters;
     return job;
+}
+
+/// A job on every item of an input: ours(item, point) and plainly(item, point) return a number.
+template <class Input, class Ours, class Plainly>
+std::shared_ptr<Job> JobOnEach(std::shared_ptr<Input> const& data, double target, Ours ours,
+                               Plainly plainly) {
+    return JobOf(
+        data->ours.size(), Target(target),
+        [=](std::size_t i) { return ours(data->ours[i], data->points[i]); },
+        [=](std::size_t i) { return plainly(data->plainly[i], data->plainPoints[i]); });
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -346,27 +356,13 @@ void OnPolygon(std::string const& work, std::string const& input, PolygonMaker c
                Ours ours, Plainly plainly) {
     compare::Register(work, input, [=] {
         auto const data = make();
-        auto job = std::make_shared<Job>();
-        std::size_t const calls = compare::Calls(data->vertices.size(), most);
-        job->items = perVertex ? calls * data->vertices.size() : calls;
-        if (data->vertices.empty()) {
-            job->items = 0;
+        std::size_t const vertices = data->vertices.size();
+        auto job = JobOf(
+            compare::Calls(vertices, most), counters, [=](std::size_t i) { return ours(*data, i); },
+            [=](std::size_t i) { return plainly(*data, i); });
+        if (perVertex || vertices == 0) {
+            job->items *= vertices;
         }
-        job->trammel = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < calls; ++i) {
-                sum += ours(*data, i);
-            }
-            return sum;
-        };
-        job->plain = [=] {
-            double sum = 0.0;
-            for (std::size_t i = 0; i < calls; ++i) {
-                sum += plainly(*data, i);
-            }
-            return sum;
-        };
-        job->counters = counters;
         return job;
     });
 }
@@ -477,27 +473,16 @@ void RegisterClip(std::string const& input, PolygonMaker const& make, double tar
 void RegisterPointByTable(std::string const& input, PolygonMaker const& make) {
     compare::Register("polygon_point_by_table", input, [=] {
         auto const data = make();
-        auto job = std::make_shared<Job>();
-        job->items = 1000;
         auto const table = std::make_shared<std::vector<double>>();
         BuildLTable<double>(data->list, *table);
         auto const plainTable = std::make_shared<std::vector<double>>();
         plain::BuildLTable(data->plainList, *plainTable);
-        job->trammel = [=] {
-            double sum = 0.0;
-            for (int i = 0; i < 1000; ++i) {
-                sum += Sum(data->list.TPt(0.001 * ((i * 617) % 1000), table.get()));
-            }
-            return sum;
+        auto const fraction = [](std::size_t i) {
+            return 0.001 * static_cast<double>((i * 617) % 1000);
         };
-        job->plain = [=] {
-            double sum = 0.0;
-            for (int i = 0; i < 1000; ++i) {
-                sum += Sum(data->plainList.TPt(0.001 * ((i * 617) % 1000), plainTable.get()));
-            }
-            return sum;
-        };
-        return job;
+        return JobOf(
+            1000, {}, [=](std::size_t i) { return Sum(data->list.TPt(fraction(i), table.get())); },
+            [=](std::size_t i) { return Sum(data->plainList.TPt(fraction(i), plainTable.get())); });
     });
 }
 
