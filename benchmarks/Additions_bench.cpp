@@ -53,12 +53,7 @@ void RegisterAccurate() {
         return static_cast<double>(Flattened(curve, tolerance).LastIndex() + 1);
     };
     curves.points = [](CBezier const& curve, double tolerance) {
-        TPolygon<double> const polygon = Flattened(curve, tolerance);
-        truth::Chain chain;
-        for (long i = 0; i <= polygon.LastIndex(); ++i) {
-            chain.push_back(polygon.GetPt(i));
-        }
-        return chain;
+        return compare::Vertices(Flattened(curve, tolerance));
     };
     curves.length = [](CBezier const& curve) { return trammel::ArcLength(curve, kAccuracy); };
     curves.nearest = [](CBezier const& curve, Pt const& p) {

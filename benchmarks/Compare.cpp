@@ -56,6 +56,14 @@ TPolygon<double> Polygon(truth::Chain const& ring) {
     return polygon;
 }
 
+truth::Chain Vertices(TPolygon<double> const& polygon) {
+    truth::Chain chain;
+    for (long i = 0; i <= polygon.LastIndex(); ++i) {
+        chain.push_back(polygon.GetPt(i));
+    }
+    return chain;
+}
+
 double ContainedIn(truth::Chain const& ring, truth::Chain const& points) {
     TPolygon<double> const polygon = Polygon(ring);
     double count = 0.0;

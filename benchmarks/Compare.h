@@ -81,6 +81,9 @@ void RegisterAlone(std::string const& work, std::string const& input, std::strin
 /// The closed polygon of the ring's vertices.
 TPolygon<double> Polygon(truth::Chain const& ring);
 
+/// The vertices of a polygon.
+truth::Chain Vertices(TPolygon<double> const& polygon);
+
 /// How many of the points the library finds inside of the ring.
 double ContainedIn(truth::Chain const& ring, truth::Chain const& points);
 

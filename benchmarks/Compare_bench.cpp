@@ -147,11 +147,7 @@ void RegisterFlatten(std::string const& work, std::string const& input, inputs::
             return truth::OfFlattening(data.ours, [&](std::size_t i) {
                 TPolygon<double> polygon;
                 data.ours[i].Flatten(polygon, error);
-                truth::Chain chain;
-                for (long k = 0; k <= polygon.LastIndex(); ++k) {
-                    chain.push_back(polygon.GetPt(k));
-                }
-                return chain;
+                return compare::Vertices(polygon);
             });
         });
 }
