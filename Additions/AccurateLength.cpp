@@ -34,17 +34,24 @@
 //
 // which is some ten times what random curves are off by. Pieces have the integral 3·half·(...).
 //
-// To know that there is no zero nearby takes no root: two ellipses are covered by discs, in each of
-// which the test of Schur and Cohn tells whether a quadratic has a zero, by products of its
-// coefficients. Where the wider ellipse is free, few nodes suffice, where the narrow one is, up to
-// 40. A piece that has neither is divided at the first discs that are not free, each part with half
-// of the accuracy; most curves of drawings are done whole or in two pieces.
+// As S is at most a² times what it is for a = 1, and of a piece with the part p of the whole width
+// at most sqrt(p) times that of the whole, the error of a piece is at most p^(3/2) times
 //
-// What remains after some divisions, and what is to be finer than these ellipses allow, goes by the
-// zeros themselves. One lies at w when (|w - 1| + |w + 1|)/2 = a, and those are its distances from
-// the piece's ends in units of half the piece, so a takes two square roots for each zero. Where the
-// most nodes do not suffice, the piece is divided beside the zero that is nearest. Pieces at cusps
-// become small soon, by a factor of 5, and their length by one of 25.
+//     3/2 · S(whole, a = 1) · 512/63 / sqrt(pi) / (2n - 2)^(3/2) · a² · q^n / (1 - q).
+//
+// These p^(3/2) never come to more than 1. So every piece, however the curve is divided, may be
+// taken by any formula for which that is within the accuracy, that is, which finds the zeros
+// outside of an ellipse that depends only on the ratio of S to the accuracy. The ellipses are kept
+// in a table, by n and by powers of two of the ratio's square. A curve that none is right for as a
+// whole is divided at the real parts of the zeros nearby: a piece that ends beside a zero asks for
+// about the root of the nodes that it takes around it, so hardly any is divided further. The zeros
+// themselves are needed to half of the digits only.
+//
+// What is to be finer than the table goes, and the last bits beside a cusp, are measured piece by
+// piece with the ellipse of the zero that is nearest. One lies at w when (|w - 1| + |w + 1|)/2 = a,
+// and those are its distances from the piece's ends in units of half the piece. Where the most
+// nodes do not suffice, the piece is divided beside that zero. Pieces at cusps become small soon,
+// by a factor of 5, and their length by one of 25.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -227,6 +234,16 @@ private:
     Pt mD2;
 };
 
+/// The whole curve's length; NaN if the points are to be scaled first, or not finite.
+double LengthUnscaled(CBezier const& curve, double accuracy) {
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        return trammel_detail::CurveLengthAvx2(curve, accuracy, kTable.entries);
+    }
+#endif
+    return trammel_detail::CurveLengthPortable(curve, accuracy, kTable.entries);
+}
+
 /// The points that a length is measured by, which depends on their differences alone.
 ScaledPoints<4> Measured(CBezier const& curve) {
     std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
@@ -323,9 +340,9 @@ struct LengthSum {
 
 double ArcLength(CBezier const& curve, double accuracy) {
     // The usual case, without copies of the points.
-    Speed speed(curve.P1 - curve.P0, curve.P2 - curve.P1, curve.P3 - curve.P2);
-    if (ScaledPoints<4>::Ordinary(speed.Size())) {
-        return speed.Length(0.0, 1.0, accuracy);
+    double const length = LengthUnscaled(curve, accuracy);
+    if (!std::isnan(length)) {
+        return length;
     }
     return ArcLength(curve, 0.0, 1.0, accuracy);
 }

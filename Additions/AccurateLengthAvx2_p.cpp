@@ -7,6 +7,11 @@
 
 namespace trammel_detail {
 
+double CurveLengthAvx2(CBezier const& curve, double accuracy,
+                       double const (&table)[kGaussEntries]) {
+    return CurveLengthForm<PackAvx2>(curve, accuracy, table);
+}
+
 double SpeedLengthAvx2(SpeedCurve& curve, double t0, double t1, double accuracy,
                        double const (&table)[kGaussEntries]) {
     return SpeedLengthForm<PackAvx2>(curve, t0, t1, accuracy, table);

@@ -8,7 +8,10 @@
 #define TRAMMEL_ACCURATELENGTHFORMS_P_H
 
 #include "AccurateLength_p.h"
+#include "CBezier.h"
 #include "UPack_p.h"
+
+#include <cstdint>
 
 namespace trammel_detail {
 
@@ -43,9 +46,8 @@ template <class Pack> struct PieceSpeed {
     [[gnu::always_inline]] Pack SizeA() const { return Pack::Abs(aH) + Pack::Abs(aV); }
     [[gnu::always_inline]] Pack SizeB() const { return Pack::Abs(bH) + Pack::Abs(bV); }
     [[gnu::always_inline]] Pack SizeC() const { return Pack::Abs(cH) + Pack::Abs(cV); }
-    /// The integral by the formula with 4·steps nodes.
-    [[gnu::always_inline]] double Integral(double const (&table)[kGaussEntries], long steps) const {
-        double const* formula = table + 4 * steps * (steps - 1);
+    /// The integral by the formula with 4·steps nodes, which begins there.
+    [[gnu::always_inline]] double Integral(double const* formula, long steps) const {
         Pack sum = Pack::All(0.0);
         for (long i = 0; i < steps; ++i, formula += 8) {
             Pack const w = Pack::Load(formula);
@@ -58,172 +60,7 @@ template <class Pack> struct PieceSpeed {
 };
 
 // ------------------------------------------------------------------------------------------------
-// By ellipses without zeros
-
-/// An ellipse with foci -1 and 1, covered by discs around points of the real axis. As a cover is
-/// symmetric, the half with positive reals is given, from 0 on.
-template <int Discs> struct Cover {
-    double axis;             ///< the half-axis along the reals, at least that for q
-    double height;           ///< the other one
-    double seams[Discs + 1]; ///< disc i covers the ellipse from seam i to i + 1
-    double centres[Discs];
-    double radii[Discs];
-
-    /// Whether the discs cover the ellipse, with some room, given 1/sqrt(q), rounded up. The
-    /// squared distance of the ellipse's points from a centre is a convex function of their real
-    /// part, so the seams tell.
-    constexpr bool Covers(double inverseRoot) const {
-        bool covers = axis >= 0.5 * (inverseRoot + 1.0 / inverseRoot) &&
-                      height >= 0.5 * (inverseRoot - 1.0 / inverseRoot) && seams[0] == 0.0 &&
-                      seams[Discs] == axis;
-        for (int i = 0; i < Discs; ++i) {
-            for (int k = i; k <= i + 1; ++k) {
-                double const x = seams[k];
-                double const y2 = height * height * (1.0 - x * x / (axis * axis));
-                double const off = x - centres[i];
-                covers = covers && off * off + y2 <= radii[i] * radii[i] * (1.0 - 1e-6);
-            }
-        }
-        return covers;
-    }
-};
-
-/// The ellipses of q = 11/20 and q = 7/10.
-inline constexpr Cover<2> kWide = {
-    1.04502, 0.3034, {0.0, 0.739, 1.04502}, {0.338, 0.817}, {0.455, 0.229}};
-inline constexpr Cover<4> kNarrow = {1.01595,
-                                     0.17929,
-                                     {0.0, 0.389, 0.718, 0.939, 1.01595},
-                                     {0.188, 0.536, 0.803, 0.947},
-                                     {0.261, 0.222, 0.153, 0.069}};
-static_assert(kWide.Covers(1.3484) && kNarrow.Covers(1.195229));
-
-/// (512/63 / sqrt(pi) / (2n - 2)^(3/2) · q^n / (1 - q))² for q = 11/20 and n = 4, 8 and so on,
-/// rounded up.
-inline constexpr int kWideLeast = 1; ///< steps
-inline constexpr double kWideErrors[8] = {4.027e-03, 2.654e-06, 5.728e-09, 1.891e-11,
-                                          7.793e-14, 3.679e-16, 1.904e-18, 1.053e-20};
-/// The same for q = 7/10 and n = 12, 16 and so on.
-inline constexpr int kNarrowLeast = 3;
-inline constexpr double kNarrowErrors[8] = {4.205e-06, 9.561e-08, 2.712e-09, 8.814e-11,
-                                            3.141e-12, 1.196e-13, 4.792e-15, 1.997e-16};
-static_assert(kNarrowLeast + 7 == kGaussFormulas && kWideErrors[7] < kNarrowErrors[7]);
-
-/// Where to divide a piece, by the narrow discs that are free of zeros, as bits: first those on the
-/// left, from the middle outwards, then those on the right. In the middle of the first discs from
-/// the left that are not free, but not near an end.
-struct Divisions {
-    double at[256] = {};
-
-    constexpr Divisions() {
-        for (int free = 0; free < 255; ++free) {
-            int first = 0; // of the discs from left to right
-            while (Free(free, first)) {
-                ++first;
-            }
-            int last = first;
-            while (last < 7 && !Free(free, last + 1)) {
-                ++last;
-            }
-            double const middle = 0.5 * (Centre(first) + Centre(last));
-            at[free] = Lesser(Greater(middle, -kFarthest), kFarthest);
-        }
-    }
-
-private:
-    static constexpr double kFarthest = 0.8;
-
-    static constexpr bool Free(int free, int disc) {
-        return (free >> (disc < 4 ? 3 - disc : disc) & 1) != 0;
-    }
-    static constexpr double Centre(int disc) {
-        return disc < 4 ? -kNarrow.centres[3 - disc] : kNarrow.centres[disc - 4];
-    }
-};
-inline constexpr Divisions kDivisions;
-
-// A disc is free of zeros when z(centre + radius·u) = p0 + p1·u + p2·u² has none in the unit disc.
-// By Schur and Cohn that is so when |p0| > |p2| and |conj(p0) p1 - p2 conj(p1)| < |p0|² - |p2|²
-// [Marden, Geometry of Polynomials, section 42].
-//
-// Both sides vanish when the zeros are each other's mirror images in the circle, one of them maybe
-// deep inside, and rounding would decide then. So the right side is made less by more than both are
-// off by. With u = 2^-53 and s = |A| + |B| + |C|, by the sums of their coordinates' magnitudes,
-// p0 is at most s, p1 at most s/2, p2 at most s/4 and each off by at most four times u of that
-// (p2 by two). Then |p0|² - |p2|² is off by at most 13·u·s², the left side by 13·u·s², and
-// comparing squares adds 2·u·s²: 28·u·s² < 2^-48·s² in all.
-
-/// What is taken from |p0|² - |p2|², as a part of s²; with room.
-inline constexpr double kFreeMargin = 0x1p-46;
-
-/// Whether discs with these p0, p1, p2 and |p2|², increased by the margin, are free, as bits.
-template <class Pack>
-[[gnu::always_inline]] inline unsigned Free(Pack const& p0H, Pack const& p0V, Pack const& p1H,
-                                            Pack const& p1V, Pack const& p2H, Pack const& p2V,
-                                            Pack const& p2Square) {
-    Pack const constant = (p0H * p0H + p0V * p0V) - p2Square;
-    Pack const linearH = (p0H - p2H) * p1H + (p0V - p2V) * p1V;
-    Pack const linearV = (p0H + p2H) * p1V - (p0V + p2V) * p1H;
-    auto const positive = Pack::All(0.0) < constant;
-    auto const greater = linearH * linearH + linearV * linearV < constant * constant;
-    return (positive & greater).Bits();
-}
-
-/// Whether the discs of the wide ellipse are free.
-template <class Pack> [[gnu::always_inline]] inline bool WideIsFree(PieceSpeed<Pack> const& z) {
-    static constexpr double kCentres[4] = {-kWide.centres[1], -kWide.centres[0], kWide.centres[0],
-                                           kWide.centres[1]};
-    static constexpr double kRadii[4] = {kWide.radii[1], kWide.radii[0], kWide.radii[0],
-                                         kWide.radii[1]};
-    Pack const centre = Pack::Load(kCentres);
-    Pack const radius = Pack::Load(kRadii);
-    Pack const slopeH = centre * z.cH;
-    Pack const slopeV = centre * z.cV;
-    Pack const square = radius * radius;
-    Pack const p2H = square * z.cH;
-    Pack const p2V = square * z.cV;
-    Pack const size = z.SizeA() + z.SizeB() + z.SizeC();
-    return Free(z.aH + centre * (z.bH + slopeH), z.aV + centre * (z.bV + slopeV),
-                radius * (z.bH + (slopeH + slopeH)), radius * (z.bV + (slopeV + slopeV)), p2H, p2V,
-                (p2H * p2H + p2V * p2V) + Pack::All(kFreeMargin) * (size * size)) == 0xF;
-}
-
-/// Which discs of the narrow ellipse are free, as bits in the order of Divisions. Those to the left
-/// and to the right have much in common.
-template <class Pack> [[gnu::always_inline]] inline unsigned NarrowFree(PieceSpeed<Pack> const& z) {
-    Pack const centre = Pack::Load(kNarrow.centres);
-    Pack const radius = Pack::Load(kNarrow.radii);
-    Pack const square = radius * radius;
-    Pack const twice = radius * (centre + centre);
-    Pack const even = centre * centre;
-    Pack const even0H = z.aH + even * z.cH;
-    Pack const even0V = z.aV + even * z.cV;
-    Pack const odd0H = centre * z.bH;
-    Pack const odd0V = centre * z.bV;
-    Pack const even1H = radius * z.bH;
-    Pack const even1V = radius * z.bV;
-    Pack const odd1H = twice * z.cH;
-    Pack const odd1V = twice * z.cV;
-    Pack const p2H = square * z.cH;
-    Pack const p2V = square * z.cV;
-    Pack const size = z.SizeA() + z.SizeB() + z.SizeC();
-    Pack const p2Square = (p2H * p2H + p2V * p2V) + Pack::All(kFreeMargin) * (size * size);
-    return Free(even0H - odd0H, even0V - odd0V, even1H - odd1H, even1V - odd1V, p2H, p2V,
-                p2Square) |
-           Free(even0H + odd0H, even0V + odd0V, even1H + odd1H, even1V + odd1V, p2H, p2V, p2Square)
-               << 4U;
-}
-
-/// Bits of the errors that are at most `limit` when multiplied by `factor`.
-template <class Pack>
-[[gnu::always_inline]] inline unsigned Suffice(double const (&errors)[8], Pack const& factor,
-                                               Pack const& limit) {
-    return (Pack::Load(errors) * factor <= limit).Bits() |
-           (Pack::Load(errors + 4) * factor <= limit).Bits() << 4U;
-}
-
-// ------------------------------------------------------------------------------------------------
-// By the zeros themselves
+// By the zeros, piece by piece
 
 /// The largest half-axis that the bound asks for. Larger ellipses gain nothing: here 4 nodes are
 /// right to 2^-50.
@@ -306,7 +143,7 @@ template <class Pack>
             double const used = power * (bound * kGaussFactors[steps - 1]);
             left -= Lesser(used / (1.0 - q), 0.5 * left);
         }
-        sum += piece.Integral(table, steps);
+        sum += piece.Integral(table + GaussStart(steps), steps);
         if (pending == 0) {
             return sum;
         }
@@ -316,72 +153,296 @@ template <class Pack>
 }
 
 // ------------------------------------------------------------------------------------------------
+// By pieces from zero to zero
 
-/// Accuracies finer than this part of the curve's size are not within the reach of the ellipses.
-inline constexpr double kFinestByEllipses = 0x1p-34;
-/// Pieces are divided that often before their zeros are looked for.
-inline constexpr int kQuickDivisions = 3;
+/// The formulas that these pieces are measured by, as quarters of the numbers of nodes.
+inline constexpr int kChoices = 4;
+inline constexpr int kChoiceSteps[kChoices] = {2, 4, 7, 10};
+/// Where they begin in the table.
+inline constexpr long kChoiceStarts[kChoices] = {GaussStart(2), GaussStart(4), GaussStart(7),
+                                                 GaussStart(10)};
+/// Ratios of the bound to the accuracy that they can do with: their squares are below 2 to this.
+inline constexpr int kRatios = 72;
+
+/// The ellipses that must be free of zeros for each of the formulas, as x²·across + y²·along >= 1.
+/// Row e is for squares of the ratio up to 2^e.
+struct LeastEllipses {
+    struct Row {
+        double across[kChoices];
+        double along[kChoices];
+    };
+    Row rows[kRatios] = {};
+
+    constexpr LeastEllipses() {
+        double least = 1.0; // 2^-e
+        for (Row& row : rows) {
+            for (int i = 0; i < kChoices; ++i) {
+                double const axis = HalfAxis(kChoiceSteps[i], least);
+                row.across[i] = 1.0 / (axis * axis);
+                row.along[i] = 1.0 / (axis * axis - 1.0);
+            }
+            least *= 0.5;
+        }
+    }
+
+private:
+    // No ellipse is smaller than the one of the first radius; the last one suffices for all.
+    static constexpr double kLeastRadius = 1.05;
+    static constexpr double kGreatestRadius = 16.0;
+
+    /// Whether the ellipse of the radius does, given the square of how much smaller than the bound
+    /// the error is to be.
+    static constexpr bool Suffices(int steps, double radius, double square) {
+        double const inverse = 1.0 / radius;
+        double const axis = 0.5 * (radius + inverse);
+        double const q = inverse * inverse;
+        double error = kGaussFactors[steps - 1] * (axis * axis) / (1.0 - q);
+        for (int i = 0; i < steps; ++i) {
+            error *= (q * q) * (q * q);
+        }
+        return error * error <= square;
+    }
+    /// The half-axis of the smallest ellipse that does, rounded up.
+    static constexpr double HalfAxis(int steps, double square) {
+        double less = kLeastRadius;
+        double enough = kLeastRadius;
+        if (!Suffices(steps, less, square)) {
+            enough = kGreatestRadius;
+            for (int i = 0; i < 24; ++i) {
+                double const middle = 0.5 * (less + enough);
+                (Suffices(steps, middle, square) ? enough : less) = middle;
+            }
+        }
+        return 0.5 * (enough + 1.0 / enough) * (1.0 + 1e-9);
+    }
+};
+inline constexpr LeastEllipses kLeastEllipses;
+
+/// Where a curve's zeros are, to kZeroError of the parameter or, farther than 8 away, to nearly
+/// that times as much.
+struct ZeroPlaces {
+    double h0, h1; ///< twice the real parts
+    double v0, v1; ///< the squares of twice the imaginary parts
+
+    // They are (-b ± s)/c, s² = b² - ac =: d. Where c is no less than a sixteenth of the size, that
+    // is off by some 16 times what s is, as a part of the size; else they are taken as FindZeros
+    // has them, and what does not exist lies far away.
+    [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve& z) {
+        double const square = z.cH * z.cH + z.cV * z.cV;
+        if (256.0 * square < z.size * z.size) {
+            FromZeros(z);
+            return;
+        }
+        double const dH = (z.bH * z.bH - z.bV * z.bV) - (z.aH * z.cH - z.aV * z.cV);
+        double const dV = (z.bH * z.bV + z.bH * z.bV) - (z.aH * z.cV + z.aV * z.cH);
+        double const magnitude = __builtin_sqrt(dH * dH + dV * dV);
+        double const inverse = 1.0 / square;
+        double const overH = z.cH * inverse; // the conjugate of 1/c
+        double const overV = z.cV * inverse;
+        double const middleH = -(z.bH * overH + z.bV * overV);
+        double const middleV = z.bH * overV - z.bV * overH;
+        constexpr double kRootOfHalf = 0x1.6a09e667f3bcdp-1;
+        double const sign = __builtin_copysign(kRootOfHalf, dV);
+        double const rootH = __builtin_sqrt(__builtin_fabs(magnitude + dH));
+        double const rootV = __builtin_sqrt(__builtin_fabs(magnitude - dH));
+        double const offH = rootH * (kRootOfHalf * overH) + rootV * (sign * overV);
+        double const offV = rootV * (sign * overH) - rootH * (kRootOfHalf * overV);
+        Set(middleH - offH, middleV - offV, middleH + offH, middleV + offV);
+    }
+
+private:
+    [[gnu::always_inline]] void Set(double zero0H, double zero0V, double zero1H, double zero1V) {
+        h0 = zero0H + zero0H;
+        h1 = zero1H + zero1H;
+        v0 = 4.0 * (zero0V * zero0V);
+        v1 = 4.0 * (zero1V * zero1V);
+    }
+    [[gnu::always_inline]] void FromZeros(SpeedCurve& z) {
+        if (!z.zerosKnown) {
+            FindZeros(z);
+        }
+        Set(z.zeroH[0], z.zeroV[0], z.zeroH[1], z.zeroV[1]);
+        constexpr double kFar = 1e100;
+        if (!(__builtin_fabs(h0) < kFar && v0 < kFar)) { // a NaN, too
+            h0 = kFar;
+            v0 = 0.0;
+        }
+        if (!(__builtin_fabs(h1) < kFar && v1 < kFar)) {
+            h1 = kFar;
+            v1 = 0.0;
+        }
+    }
+};
+
+// With u = 2^-53 and the size s, the parts of d are sums of four products that come to 2·s² at
+// most, so each is off by at most 6·u·s² and d by 2^-49.9·s². The root of that, 2^-24.9·s, bounds
+// what s is off by, as |sqrt(x) - sqrt(y)| <= sqrt(|x - y|). Its parts are roots of differences
+// that are off by at most 8·u·s², which adds at most 2^-25·s. In all, 16·2^-23.9 < 2^-19.8.
+//
+// FindZeros divides by no less than the greater of |b| and |s|, so its zeros are right to 2^-24.8
+// of their magnitude. Zeros more than 8 away are outside of all ellipses, anyway.
+
+/// What a zero's place may be off by, of the parameter.
+inline constexpr double kZeroError = 0x1p-19;
+/// What is added to a piece's width for that: x² times across plus y² times along is the square of
+/// a norm, and 20.5 at most times the usual one; x and y are twice the place.
+inline constexpr double kZeroMargin = 0x1p-13;
+static_assert(2.0 * 20.5 * kZeroError < kZeroMargin);
+static_assert(kLeastEllipses.rows[0].along[kChoices - 1] < 20.5 * 20.5);
+
+/// Which formulas suffice for a piece, as bits.
+template <class Pack> class Choice {
+public:
+    [[gnu::always_inline]] Choice(LeastEllipses::Row const& row, ZeroPlaces const& zeros)
+        : mZeros(zeros), mAcross(Pack::Load(row.across)),
+          mAlong0(Pack::All(zeros.v0) * Pack::Load(row.along)),
+          mAlong1(Pack::All(zeros.v1) * Pack::Load(row.along)) {}
+
+    [[gnu::always_inline]] unsigned Of(double from, double to) const {
+        double const width = (to - from) + kZeroMargin;
+        double const twiceMiddle = from + to;
+        double const x0 = mZeros.h0 - twiceMiddle;
+        double const x1 = mZeros.h1 - twiceMiddle;
+        Pack const square = Pack::All(width * width);
+        auto const outside0 = square <= Pack::All(x0 * x0) * mAcross + mAlong0;
+        auto const outside1 = square <= Pack::All(x1 * x1) * mAcross + mAlong1;
+        return (outside0 & outside1).Bits();
+    }
+
+private:
+    ZeroPlaces const& mZeros;
+    Pack mAcross;
+    Pack mAlong0, mAlong1;
+};
+
+/// Where to divide a piece for the sake of the zeros: at their real parts, if they are inside of
+/// the ellipse of q = 11/20, else at the piece's end.
+struct Cuts {
+    double first, second;
+
+    template <class Pack>
+    [[gnu::always_inline]] static Cuts Of(ZeroPlaces const& zeros, double from, double to) {
+        constexpr double kAxis2 = 1.045 * 1.045;
+        constexpr double kAlong = kAxis2 / (kAxis2 - 1.0);
+        double const width = to - from;
+        double const x0 = zeros.h0 - (from + to);
+        double const x1 = zeros.h1 - (from + to);
+        double const place0 = Lesser(Greater(0.5 * zeros.h0, from), to);
+        double const place1 = Lesser(Greater(0.5 * zeros.h1, from), to);
+        Pack const squares =
+            Pack::Of(x0 * x0 + zeros.v0 * kAlong, x1 * x1 + zeros.v1 * kAlong, 0.0, 0.0);
+        Pack const cuts = Pack::Choose(squares < Pack::All(width * width * kAxis2),
+                                       Pack::Of(place0, place1, 0.0, 0.0), Pack::All(to));
+        double const cut0 = cuts.First();
+        double const cut1 = cuts.Second();
+        return Cuts{Lesser(cut0, cut1), Greater(cut0, cut1)};
+    }
+};
+
+/// The row for the curve and the accuracy; kRatios or more where there is none. The ratio's
+/// logarithm is read off the bits of both numbers, which stand for it but for less than 0.0861,
+/// either way.
+[[gnu::always_inline]] inline std::int64_t RatioRow(SpeedCurve const& z, double accuracy) {
+    // Of the whole curve, from 0 to 1, and 9/4 for its three times half of the width.
+    double const cH = 0.25 * z.cH;
+    double const cV = 0.25 * z.cV;
+    double const sizeC = __builtin_fabs(cH) + __builtin_fabs(cV);
+    double const sizeB = __builtin_fabs(z.bH + (cH + cH)) + __builtin_fabs(z.bV + (cV + cV));
+    double const sizeA = __builtin_fabs(z.aH + (z.bH + cH)) + __builtin_fabs(z.aV + (z.bV + cV));
+    double const bound = (sizeA + (sizeB + sizeC)) * (sizeB + (sizeC + sizeC));
+    double const limit = accuracy * accuracy;
+    std::int64_t boundBits = 0;
+    std::int64_t limitBits = 0;
+    __builtin_memcpy(&boundBits, &bound, sizeof bound);
+    __builtin_memcpy(&limitBits, &limit, sizeof limit);
+    constexpr double kLogarithm = 1.16993; // of 9/4, to base 2, rounded up
+    constexpr auto kRoom = static_cast<std::int64_t>((1.0 + kLogarithm + 0.0861) * 0x1p52);
+    std::int64_t const row = (boundBits - limitBits + kRoom) >> 52;
+    return row < 0 ? 0 : row;
+}
+
+/// Pieces wider than this are divided where no formula suffices.
+inline constexpr double kNarrowest = 0x1p-6;
+/// Ends of pieces waiting for their turn: after three more than 16 divisions, the later part being
+/// 0.8 at most of the piece each time, none is so wide.
+inline constexpr int kMostEnds = 24;
+
 template <class Pack>
 [[gnu::always_inline]] inline double SpeedLengthForm(SpeedCurve& curve, double t0, double t1,
                                                      double accuracy,
                                                      double const (&table)[kGaussEntries]) {
-    struct Waiting {
-        double to;
-        double accuracy;
-        int divisions;
-    };
-    Waiting waiting[kQuickDivisions + 1];
-    int pending = 0;
     double const least = kLengthRounding * curve.size;
     double const within = accuracy > least ? accuracy : least; // a NaN gives the least
-    if (within < kFinestByEllipses * (curve.size * (t1 - t0))) {
+    std::int64_t const row = RatioRow(curve, within);
+    if (row >= kRatios) {
         return LengthByZeros<Pack>(curve, t0, t1, within, table);
     }
+    ZeroPlaces const zeros(curve);
+    Choice<Pack> const choice(kLeastEllipses.rows[row], zeros);
+    auto const integral = [&](double from, double to, int i) __attribute__((always_inline)) {
+        return PieceSpeed<Pack>(curve, from, to)
+            .Integral(table + kChoiceStarts[i], kChoiceSteps[i]);
+    };
+    unsigned const whole = choice.Of(t0, t1);
+    if ((whole & 1U) != 0) { // apart from the next, as the processor goes on with a known formula
+        return integral(t0, t1, 0);
+    }
+    if ((whole & 4U) != 0) {
+        return integral(t0, t1, (whole & 2U) != 0 ? 1 : 2);
+    }
+    Cuts const cuts = Cuts::Of<Pack>(zeros, t0, t1);
+    double ends[kMostEnds] = {t1, cuts.second};
+    int pending = 2;
     double sum = 0.0;
     double from = t0;
-    Waiting now = {t1, within, 0};
+    double to = cuts.first;
     for (;;) {
-        PieceSpeed<Pack> const piece(curve, from, now.to);
-        Pack const sizeB = Pack::All(kWide.axis) * piece.SizeB();
-        Pack const sizeC = Pack::All(kWide.axis * kWide.axis) * piece.SizeC();
-        Pack const factor = (Pack::All(9.0) * (piece.half * piece.half)) *
-                            ((piece.SizeA() + (sizeB + sizeC)) * (sizeB + (sizeC + sizeC)));
-        Pack const limit = Pack::All(now.accuracy * now.accuracy);
-        constexpr unsigned kNone = 0x100;
-        int const wideSteps =
-            kWideLeast + __builtin_ctz(kNone | Suffice<Pack>(kWideErrors, factor, limit));
-        int steps = kGaussFormulas + 1;
-        unsigned narrow = 0xFF;
-        if (wideSteps <= kWideLeast + 7) { // else the narrow ellipse does not suffice, either
-            if (WideIsFree(piece)) {
-                steps = wideSteps;
+        if (from < to) {
+            double const width = to - from;
+            unsigned const suffice = choice.Of(from, to);
+            if (suffice != 0) {
+                sum += integral(from, to, __builtin_ctz(suffice));
+            } else if (width > kNarrowest && pending < kMostEnds) {
+                double const nearest = zeros.v0 < zeros.v1 ? zeros.h0 : zeros.h1;
+                ends[pending++] = to;
+                to = nearest < from + to ? from + kLeastPart * width : to - kLeastPart * width;
+                continue;
             } else {
-                narrow = NarrowFree(piece);
-                int const narrowSteps =
-                    kNarrowLeast +
-                    __builtin_ctz(kNone | Suffice<Pack>(kNarrowErrors, factor, limit));
-                steps = narrow == 0xFF ? narrowSteps : steps;
+                sum += LengthByZeros<Pack>(curve, from, to, width * within, table);
             }
-        }
-        if (steps <= kGaussFormulas) {
-            sum += piece.Integral(table, steps);
-        } else if (narrow != 0xFF && now.divisions < kQuickDivisions &&
-                   now.accuracy < piece.half.First() * curve.size) { // not so short anyway
-            double const split = piece.middle.First() + piece.half.First() * kDivisions.at[narrow];
-            now.accuracy *= 0.5;
-            ++now.divisions;
-            waiting[pending++] = now;
-            now.to = split;
-            continue;
-        } else {
-            sum += LengthByZeros<Pack>(curve, from, now.to, now.accuracy, table);
         }
         if (pending == 0) {
             return sum;
         }
-        from = now.to;
-        now = waiting[--pending];
+        from = to;
+        to = ends[--pending];
     }
+}
+
+/// CurveLength in either form.
+template <class Pack>
+[[gnu::always_inline]] inline double CurveLengthForm(CBezier const& c, double accuracy,
+                                                     double const (&table)[kGaussEntries]) {
+    double const d0H = c.P1.h - c.P0.h;
+    double const d0V = c.P1.v - c.P0.v;
+    double const d1H = c.P2.h - c.P1.h;
+    double const d1V = c.P2.v - c.P1.v;
+    double const d2H = c.P3.h - c.P2.h;
+    double const d2V = c.P3.v - c.P2.v;
+    SpeedCurve curve;
+    curve.aH = d0H;
+    curve.aV = d0V;
+    curve.bH = d1H - d0H;
+    curve.bV = d1V - d0V;
+    curve.cH = (d0H - d1H) + (d2H - d1H);
+    curve.cV = (d0V - d1V) + (d2V - d1V);
+    curve.size = ((__builtin_fabs(d0H) + __builtin_fabs(d0V)) +
+                  (__builtin_fabs(d1H) + __builtin_fabs(d1V))) +
+                 (__builtin_fabs(d2H) + __builtin_fabs(d2V));
+    if (!(curve.size >= kLeastMeasured && curve.size <= kGreatestMeasured)) {
+        return __builtin_nan("");
+    }
+    return SpeedLengthForm<Pack>(curve, 0.0, 1.0, accuracy, table);
 }
 
 } // namespace trammel_detail

@@ -46,6 +46,11 @@ void FindZeros(SpeedCurve& curve) {
     curve.zerosKnown = true;
 }
 
+double CurveLengthPortable(CBezier const& curve, double accuracy,
+                           double const (&table)[kGaussEntries]) {
+    return CurveLengthForm<PackPair>(curve, accuracy, table);
+}
+
 double SpeedLengthPortable(SpeedCurve& curve, double t0, double t1, double accuracy,
                            double const (&table)[kGaussEntries]) {
     return SpeedLengthForm<PackPair>(curve, t0, t1, accuracy, table);

@@ -6,6 +6,8 @@
 #ifndef TRAMMEL_ACCURATELENGTH_P_H
 #define TRAMMEL_ACCURATELENGTH_P_H
 
+#include "CBezier.h"
+
 namespace trammel_detail {
 
 /// A third of a cubic's derivative, a + 2bt + ct² in both coordinates.
@@ -20,16 +22,28 @@ struct SpeedCurve {
 
 /// The formulas that SpeedLength chooses from have 4, 8 and so on nodes, up to 4 times this.
 inline constexpr int kGaussFormulas = 10;
-/// Numbers in their table: for every four nodes these, then their weights. The formula with 4k
-/// nodes begins where the shorter ones end.
+/// Numbers in their table: for every four nodes these, then their weights.
 inline constexpr int kGaussEntries = 8 * (kGaussFormulas * (kGaussFormulas + 1) / 2);
+/// Where the formula with 4·steps nodes begins: at the end of the shorter ones.
+inline constexpr long GaussStart(long steps) { return 4 * steps * (steps - 1); }
 
 /// No answer can be finer than this part of the control polygon's length: the rounding of some tens
 /// of additions. Finer accuracies are taken as this one.
 inline constexpr double kLengthRounding = 0x1p-50;
 
+/// Sizes with which no product of four differences of points overflows, or underflows in a way that
+/// matters.
+inline constexpr double kLeastMeasured = 0x1p-100;
+inline constexpr double kGreatestMeasured = 0x1p100;
+
 /// Finds the zeros.
 void FindZeros(SpeedCurve& curve);
+
+/// The length of a cubic, right within `accuracy` and the rounding, 2^-50 of the size. NaN if its
+/// size is not between those above.
+double CurveLengthPortable(CBezier const& curve, double accuracy,
+                           double const (&table)[kGaussEntries]);
+double CurveLengthAvx2(CBezier const& curve, double accuracy, double const (&table)[kGaussEntries]);
 
 /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
 /// rounding, 2^-50 of the size. Finds the curve's zeros where it takes them.

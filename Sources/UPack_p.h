@@ -57,6 +57,9 @@ struct PackPair {
     [[gnu::always_inline]] inline static PackPair All(double x) {
         return PackPair{Half{x, x}, Half{x, x}};
     }
+    [[gnu::always_inline]] inline static PackPair Of(double a, double b, double c, double d) {
+        return PackPair{Half{a, b}, Half{c, d}};
+    }
     [[gnu::always_inline]] inline static PackPair Load(double const* from) {
         return PackPair{*reinterpret_cast<Loose const*>(from),
                         *reinterpret_cast<Loose const*>(from + 2)};
@@ -161,6 +164,9 @@ struct PackAvx2 {
 
     [[gnu::always_inline]] inline static PackAvx2 All(double x) {
         return PackAvx2{_mm256_set1_pd(x)};
+    }
+    [[gnu::always_inline]] inline static PackAvx2 Of(double a, double b, double c, double d) {
+        return PackAvx2{_mm256_setr_pd(a, b, c, d)};
     }
     [[gnu::always_inline]] inline static PackAvx2 Load(double const* from) {
         return PackAvx2{_mm256_loadu_pd(from)};
