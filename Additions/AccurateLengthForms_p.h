@@ -224,63 +224,80 @@ struct ZeroPlaces {
     double h0, h1; ///< twice the real parts
     double v0, v1; ///< the squares of twice the imaginary parts
 
-    // They are (-b ± s)/c, s² = b² - ac =: d. Where c is no less than a sixteenth of the size, that
-    // is off by some 16 times what s is, as a part of the size; else they are taken as FindZeros
-    // has them, and what does not exist lies far away.
-    [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve& z) {
-        double const square = z.cH * z.cH + z.cV * z.cV;
-        if (256.0 * square < z.size * z.size) {
-            FromZeros(z);
+    // They are (-b ± s)/c, s² = b² - ac =: d.
+    [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve const& z) {
+        double const squareB = z.bH * z.bH + z.bV * z.bV;
+        double const squareC = z.cH * z.cH + z.cV * z.cV;
+        double const squareSize = z.size * z.size;
+        bool const small = 256.0 * squareC < squareSize;
+        if (small && squareC * squareSize < 0x1p-44 * (squareB * squareB)) {
+            // As in the derivative of a quadratic: one at -a/(2b), the other one far away.
+            double const inverse = 0.5 / squareB;
+            Set(-(z.aH * z.bH + z.aV * z.bV) * inverse, (z.aH * z.bV - z.aV * z.bH) * inverse, kFar,
+                0.0);
             return;
         }
         double const dH = (z.bH * z.bH - z.bV * z.bV) - (z.aH * z.cH - z.aV * z.cV);
         double const dV = (z.bH * z.bV + z.bH * z.bV) - (z.aH * z.cV + z.aV * z.cH);
         double const magnitude = __builtin_sqrt(dH * dH + dV * dV);
-        double const inverse = 1.0 / square;
+        double const inverse = 1.0 / squareC;
         double const overH = z.cH * inverse; // the conjugate of 1/c
         double const overV = z.cV * inverse;
-        double const middleH = -(z.bH * overH + z.bV * overV);
-        double const middleV = z.bH * overV - z.bV * overH;
         constexpr double kRootOfHalf = 0x1.6a09e667f3bcdp-1;
         double const sign = __builtin_copysign(kRootOfHalf, dV);
         double const rootH = __builtin_sqrt(__builtin_fabs(magnitude + dH));
         double const rootV = __builtin_sqrt(__builtin_fabs(magnitude - dH));
+        if (small) {
+            // The farther one by the greater of -b - s and s - b, the other one as a over that.
+            double const sH = kRootOfHalf * rootH;
+            double const sV = sign * rootV;
+            double const same = __builtin_copysign(1.0, z.bH * sH + z.bV * sV);
+            double const qH = -(z.bH + same * sH);
+            double const qV = -(z.bV + same * sV);
+            double const inverseQ = 1.0 / (qH * qH + qV * qV);
+            Set(qH * overH + qV * overV, qV * overH - qH * overV,
+                (z.aH * qH + z.aV * qV) * inverseQ, (z.aV * qH - z.aH * qV) * inverseQ);
+            // What does not exist is far away.
+            if (!(__builtin_fabs(h0) < kFar && v0 < kFar)) { // a NaN, too
+                h0 = kFar;
+                v0 = 0.0;
+            }
+            if (!(__builtin_fabs(h1) < kFar && v1 < kFar)) {
+                h1 = kFar;
+                v1 = 0.0;
+            }
+            return;
+        }
+        // The same with less to wait for.
+        double const middleH = -(z.bH * overH + z.bV * overV);
+        double const middleV = z.bH * overV - z.bV * overH;
         double const offH = rootH * (kRootOfHalf * overH) + rootV * (sign * overV);
         double const offV = rootV * (sign * overH) - rootH * (kRootOfHalf * overV);
         Set(middleH - offH, middleV - offV, middleH + offH, middleV + offV);
     }
 
 private:
+    static constexpr double kFar = 1e100;
+
     [[gnu::always_inline]] void Set(double zero0H, double zero0V, double zero1H, double zero1V) {
         h0 = zero0H + zero0H;
         h1 = zero1H + zero1H;
         v0 = 4.0 * (zero0V * zero0V);
         v1 = 4.0 * (zero1V * zero1V);
     }
-    [[gnu::always_inline]] void FromZeros(SpeedCurve& z) {
-        if (!z.zerosKnown) {
-            FindZeros(z);
-        }
-        Set(z.zeroH[0], z.zeroV[0], z.zeroH[1], z.zeroV[1]);
-        constexpr double kFar = 1e100;
-        if (!(__builtin_fabs(h0) < kFar && v0 < kFar)) { // a NaN, too
-            h0 = kFar;
-            v0 = 0.0;
-        }
-        if (!(__builtin_fabs(h1) < kFar && v1 < kFar)) {
-            h1 = kFar;
-            v1 = 0.0;
-        }
-    }
 };
 
-// With u = 2^-53 and the size s, the parts of d are sums of four products that come to 2·s² at
-// most, so each is off by at most 6·u·s² and d by 2^-49.9·s². The root of that, 2^-24.9·s, bounds
-// what s is off by, as |sqrt(x) - sqrt(y)| <= sqrt(|x - y|). Its parts are roots of differences
-// that are off by at most 8·u·s², which adds at most 2^-25·s. In all, 16·2^-23.9 < 2^-19.8.
+// With u = 2^-53 and P = |b|² + |ac|, the parts of d are sums of four products, off by at most
+// 3·u·P each, so d by 2^-50.9·P. The root of that, 2^-25.4 of the root of P, bounds what s is off
+// by, as |sqrt(x) - sqrt(y)| <= sqrt(|x - y|). Its parts are roots of differences that are off by
+// at most 4·u·P, which adds at most 2^-25.5 for both. In all, s is off by 2^-24.4·sqrt(P).
 //
-// FindZeros divides by no less than the greater of |b| and |s|, so its zeros are right to 2^-24.8
-// of their magnitude. Zeros more than 8 away are outside of all ellipses, anyway.
+// As P is at most twice the squared size, the zeros are off by sqrt(2)·16·2^-24.4 < 2^-19.8 where c
+// is no less than a sixteenth of the size. The greater of b + s and b - s has no less than the
+// squared magnitude |b|² + |d|, that is P/2, so where c is less the zeros are right to 2^-23.8 of
+// their magnitude; and of -a/(b + s), -a/(2b) is off by little more than a fourth of
+// |ac/b²| < 2^-22, the other one being about 2b/c, beyond 2^12. Zeros more than 8 away are outside
+// of all ellipses, anyway.
 
 /// What a zero's place may be off by, of the parameter.
 inline constexpr double kZeroError = 0x1p-19;
