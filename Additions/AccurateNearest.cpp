@@ -24,6 +24,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <new>
 
 namespace trammel {
 
@@ -182,7 +183,11 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
 }
 
 void Search::Run() {
-    std::array<Piece, kMostPending> pending;
+    union Slot {
+        Piece piece;
+        Slot() {} // leaves it as it is: setting all of them would take longer than most searches
+    };
+    std::array<Slot, kMostPending> pending;
     std::size_t count = 0;
     Piece piece = mFirst;
     for (;;) {
@@ -218,10 +223,10 @@ void Search::Run() {
             Piece const right = {{middle, f, c, q[3]}, t, piece.to};
             // The nearer half first: the other one may then be dropped.
             bool const leftFirst = d[0] <= d[6];
-            pending[count++] = leftFirst ? right : left;
+            new (&pending[count++].piece) Piece(leftFirst ? right : left);
             piece = leftFirst ? left : right;
         } else if (count > 0) {
-            piece = pending[--count];
+            piece = pending[--count].piece;
         } else {
             return;
         }

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <new>
 
 namespace trammel_detail {
 
@@ -28,8 +29,12 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
         Curve right;
         int depth;
     };
+    union Slot {
+        Pending pending;
+        Slot() {} // leaves it as it is: setting all of them would take longer than a small curve
+    };
     constexpr std::size_t kRoom = 32;
-    std::array<Pending, kRoom> pending;
+    std::array<Slot, kRoom> slots;
     std::size_t count = 0;
     Curve current = curve;
     for (;;) {
@@ -46,12 +51,12 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
                 rules.Delivered();
                 current = right;
             } else {
-                Pending& next = pending[count++];
+                Pending& next = *new (&slots[count++].pending) Pending;
                 rules.Divide(current, current, next.right);
                 next.depth = depth;
             }
         } else if (count > 0) {
-            Pending const& next = pending[--count];
+            Pending const& next = slots[--count].pending;
             current = next.right;
             depth = next.depth;
             deliver(current.P0);
