@@ -408,7 +408,9 @@ template <class Pack>
         return integral(t0, t1, (whole & 2U) != 0 ? 1 : 2);
     }
     Cuts const cuts = Cuts::Of<Pack>(zeros, t0, t1);
-    double ends[kMostEnds] = {t1, cuts.second};
+    double ends[kMostEnds];
+    ends[0] = t1;
+    ends[1] = cuts.second;
     int pending = 2;
     double sum = 0.0;
     double from = t0;
