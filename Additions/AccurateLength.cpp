@@ -22,30 +22,33 @@
 //     |w - w1|            <= (r - r1)(1 + 1/(r·r1))/2 <= b(e^x - 1) <= b·x·e^x,
 //     the other factor    <= (|A| + |B|b + |C|b²) e^(2x).
 //
-// The speed is the root of the product of both. The formula with n nodes is exact up to degree
-// 2n - 1, odd terms vanish by symmetry, and an even term of degree k >= 8 is off by at most
-// 2 + 2/(k² - 1) <= 128/63 [Trefethen, theorem 19.3]. Summing up first 1/r^(k + 1) over the even k
-// from 2n on, to r^(-2n - 1)/(1 - 1/r²), leaves the integral of sqrt(x) e^(2x - 2nx) dx, that is
-// sqrt(pi)/2 · (2n - 2)^(-3/2). What is said of a cut falls as b grows, and none of the four has a
-// b less than a, so the error is at most
+// The speed is the root of the product of both, and dr = r dx. The formula with n nodes is exact up
+// to degree 2n - 1, odd terms vanish by symmetry, and an even term of degree k >= 8 is off by at
+// most 2 + 2/(k² - 1) <= 128/63 [Trefethen, theorem 19.3]. Summing up first 1/r^(k + 1) over the
+// even k from 2n on, to r^(-2n - 1)/(1 - 1/r²), leaves the integral of sqrt(x) e^(2x - 2nx) dx,
+// that is sqrt(pi)/2 · (2n - 2)^(-3/2). What is said of a cut falls as b grows, and none of the
+// four has a b less than a, so the error is at most
 //
 //     512/63 / sqrt(pi) / (2n - 2)^(3/2) · S · q^n / (1 - q),
 //     S = sqrt((|A| + |B|a + |C|a²) a (|B| + 2|C|a)),
 //
-// which is some ten times what random curves are off by. Pieces have the integral 3·half·(...).
+// which is some ten times what random curves are off by, and four times what the worst are. Pieces
+// have the integral 3·half·(...). Only the triangle inequality was used of the magnitudes |A|, |B|
+// and |C|, and that they are no less than the true ones: |h| + |v| will do.
 //
 // As S is at most a² times what it is for a = 1, and of a piece with the part p of the whole width
 // at most sqrt(p) times that of the whole, the error of a piece is at most p^(3/2) times
 //
 //     3/2 · S(whole, a = 1) · 512/63 / sqrt(pi) / (2n - 2)^(3/2) · a² · q^n / (1 - q).
 //
-// These p^(3/2) never come to more than 1. So every piece, however the curve is divided, may be
-// taken by any formula for which that is within the accuracy, that is, which finds the zeros
-// outside of an ellipse that depends only on the ratio of S to the accuracy. The ellipses are kept
-// in a table, by n and by powers of two of the ratio's square. A curve that none is right for as a
-// whole is divided at the real parts of the zeros nearby: a piece that ends beside a zero asks for
-// about the root of the nodes that it takes around it, so hardly any is divided further. The zeros
-// themselves are needed to half of the digits only.
+// These p^(3/2) never come to more than 1, nor do the p themselves, the shares of the pieces that
+// are measured otherwise. So every piece, however the curve is divided, may be taken by any formula
+// for which that is within the accuracy, that is, which finds the zeros outside of an ellipse that
+// depends only on the ratio of S to the accuracy. The ellipses are kept in a table, by n and by
+// powers of two of the ratio's square. A curve that none is right for as a whole is divided at the
+// real parts of the zeros nearby: a piece that ends beside a zero asks for about the root of the
+// nodes that it takes around it, so hardly any is divided further. The zeros themselves are needed
+// to half of the digits only.
 //
 // What is to be finer than the table goes, and the last bits beside a cusp, are measured piece by
 // piece with the ellipse of the zero that is nearest. One lies at w when (|w - 1| + |w + 1|)/2 = a,

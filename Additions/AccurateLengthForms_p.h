@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The integral of a curve's speed, written for any kind of pack (UPack_p.h). Included by the files
-// that compile it for one kind each, and by nothing else. AccurateLength.cpp tells the method. Not
-// installed.
+// that compile it for one kind each, and by the test of its parts. AccurateLength.cpp tells the
+// method. Not installed.
 
 #ifndef TRAMMEL_ACCURATELENGTHFORMS_P_H
 #define TRAMMEL_ACCURATELENGTHFORMS_P_H
@@ -229,7 +229,8 @@ struct ZeroPlaces {
         double const squareB = z.bH * z.bH + z.bV * z.bV;
         double const squareC = z.cH * z.cH + z.cV * z.cV;
         double const squareSize = z.size * z.size;
-        bool const small = 256.0 * squareC < squareSize;
+        // "<=", so that a curve that is one point has its zeros far away, too, instead of NaNs.
+        bool const small = 256.0 * squareC <= squareSize;
         if (small && squareC * squareSize < 0x1p-44 * (squareB * squareB)) {
             // As in the derivative of a quadratic: one at -a/(2b), the other one far away.
             double const inverse = 0.5 / squareB;
@@ -293,11 +294,16 @@ private:
 // at most 4·u·P, which adds at most 2^-25.5 for both. In all, s is off by 2^-24.4·sqrt(P).
 //
 // As P is at most twice the squared size, the zeros are off by sqrt(2)·16·2^-24.4 < 2^-19.8 where c
-// is no less than a sixteenth of the size. The greater of b + s and b - s has no less than the
+// is more than a sixteenth of the size. The greater of b + s and b - s has no less than the
 // squared magnitude |b|² + |d|, that is P/2, so where c is less the zeros are right to 2^-23.8 of
 // their magnitude; and of -a/(b + s), -a/(2b) is off by little more than a fourth of
-// |ac/b²| < 2^-22, the other one being about 2b/c, beyond 2^12. Zeros more than 8 away are outside
-// of all ellipses, anyway.
+// |ac/b²| < 2^-22, the other one being about 2b/c, beyond 2^22, as b is at most the size. Zeros
+// more than 8 away are outside of all ellipses, anyway.
+//
+// Underflow does no harm. A zero within 8 means that b or c is no less than a 400th of the size,
+// and sizes are 2^-156 at least (points of ordinary size may differ by a rounding). Where both are
+// less, the zeros are far away, and stay so with whatever is lost of d or c², be they infinite or
+// NaN.
 
 /// What a zero's place may be off by, of the parameter.
 inline constexpr double kZeroError = 0x1p-19;
@@ -356,9 +362,11 @@ struct Cuts {
     }
 };
 
-/// The row for the curve and the accuracy; kRatios or more where there is none. The ratio's
-/// logarithm is read off the bits of both numbers, which stand for it but for less than 0.0861,
-/// either way.
+/// The row for the curve and the accuracy; kRatios or more where there is none.
+///
+/// Logarithms are read off the bits, 2^52 for a factor of 2, as if they were straight between
+/// powers of two. They are less than 0.0861 above that, and never below: so 0.0861 is added for the
+/// bound, and none is needed for the limit. A bound that underflows has bits for too much.
 [[gnu::always_inline]] inline std::int64_t RatioRow(SpeedCurve const& z, double accuracy) {
     // Of the whole curve, from 0 to 1, and 9/4 for its three times half of the width.
     double const cH = 0.25 * z.cH;
@@ -380,8 +388,9 @@ struct Cuts {
 
 /// Pieces wider than this are divided where no formula suffices.
 inline constexpr double kNarrowest = 0x1p-6;
-/// Ends of pieces waiting for their turn: after three more than 16 divisions, the later part being
-/// 0.8 at most of the piece each time, none is so wide.
+/// Ends of pieces that may wait for their turn. It is 21 at most: the first two, and one for every
+/// division that the piece at hand is the former part of. Each left it 0.8 of the width at most, so
+/// after 19 (0.8^19 < 2^-6) it is not wide enough for another.
 inline constexpr int kMostEnds = 24;
 
 template <class Pack>
@@ -427,6 +436,7 @@ template <class Pack>
                 to = nearest < from + to ? from + kLeastPart * width : to - kLeastPart * width;
                 continue;
             } else {
+                // Its part of the accuracy is no less than what p^(3/2) leaves for it.
                 sum += LengthByZeros<Pack>(curve, from, to, width * within, table);
             }
         }
