@@ -32,6 +32,10 @@ using trammel_test::Random;
 typedef long double Wide;
 typedef std::complex<Wide> Complex;
 
+Wide Widened(double x) { return static_cast<Wide>(x); }
+Complex Number(double h, double v) { return Complex(Widened(h), Widened(v)); }
+Complex Turned(double length, double angle) { return std::polar(Widened(length), Widened(angle)); }
+
 /// The derivative a + 2bt + ct².
 SpeedCurve Curve(Complex const& a, Complex const& b, Complex const& c) {
     SpeedCurve curve = {};
@@ -48,16 +52,16 @@ SpeedCurve Curve(Complex const& a, Complex const& b, Complex const& c) {
     return curve;
 }
 SpeedCurve CurveWithZeros(Random& random, Complex const& z0, Complex const& z1) {
-    Complex const c = std::polar(std::ldexp(Wide{1}, random.Integer(-20, 20)) / (1 + std::abs(z1)),
-                                 Wide{random.Uniform(-3.2, 3.2)});
-    return Curve(c * z0 * z1, c * (z0 + z1) * Wide{-0.5}, c);
+    Complex const c = Turned(std::ldexp(1.0, random.Integer(-20, 20)), random.Uniform(-3.2, 3.2)) /
+                      (1 + std::abs(z1));
+    return Curve(c * z0 * z1, c * (z0 + z1) * -0.5L, c);
 }
 
 /// The zeros of the rounded coefficients, above the real axis, in long double.
 std::array<Complex, 2> TrueZeros(SpeedCurve const& curve) {
-    Complex const a(curve.aH, curve.aV);
-    Complex const b(curve.bH, curve.bV);
-    Complex const c(curve.cH, curve.cV);
+    Complex const a = Number(curve.aH, curve.aV);
+    Complex const b = Number(curve.bH, curve.bV);
+    Complex const c = Number(curve.cH, curve.cV);
     Complex const root = std::sqrt(b * b - a * c);
     Complex const s = (std::conj(b) * root).real() >= 0 ? -(b + root) : root - b;
     auto const above = [](Complex const& z) { return Complex(z.real(), std::abs(z.imag())); };
@@ -69,8 +73,8 @@ Wide Off(Complex const& place, Complex const& zero) {
     return std::abs(zero) > 8 && std::abs(place) > 7 ? 0 : std::abs(place - zero);
 }
 Wide Off(ZeroPlaces const& places, std::array<Complex, 2> const& zeros) {
-    Complex const p(0.5 * places.h0, 0.5 * std::sqrt(places.v0));
-    Complex const q(0.5 * places.h1, 0.5 * std::sqrt(places.v1));
+    Complex const p = Number(0.5 * places.h0, 0.5 * std::sqrt(places.v0));
+    Complex const q = Number(0.5 * places.h1, 0.5 * std::sqrt(places.v1));
     return std::min(std::max(Off(p, zeros[0]), Off(q, zeros[1])),
                     std::max(Off(p, zeros[1]), Off(q, zeros[0])));
 }
@@ -80,13 +84,11 @@ Wide Off(ZeroPlaces const& places, std::array<Complex, 2> const& zeros) {
 TEST(ZeroPlaces, AreRightWithinTheErrorThatChoicesAllowFor) {
     Random random(1);
     for (int i = 0; i < 200000; ++i) {
-        auto const turn = [&](double length) {
-            return std::polar(Wide{length}, Wide{random.Uniform(-3.2, 3.2)});
-        };
+        auto const turn = [&](double length) { return Turned(length, random.Uniform(-3.2, 3.2)); };
         Complex const zero =
             random.Integer(0, 1) == 0
                 ? turn(random.Uniform(0.0, 12.0))
-                : Complex(random.Uniform(-0.5, 1.5), std::ldexp(1.0, -random.Integer(0, 40)));
+                : Number(random.Uniform(-0.5, 1.5), std::ldexp(1.0, -random.Integer(0, 40)));
         Complex other;
         switch (random.Integer(0, 3)) {
         case 0: // nearly double
@@ -103,7 +105,7 @@ TEST(ZeroPlaces, AreRightWithinTheErrorThatChoicesAllowFor) {
             break;
         }
         SpeedCurve const curve = CurveWithZeros(random, zero, other);
-        ASSERT_LE(Off(ZeroPlaces(curve), TrueZeros(curve)), Wide{kZeroError}) << zero << other;
+        ASSERT_LE(Off(ZeroPlaces(curve), TrueZeros(curve)), Widened(kZeroError)) << zero << other;
     }
 }
 
@@ -117,15 +119,15 @@ bool ShortestSuffices(SpeedCurve const& curve) {
 TEST(ZeroPlaces, OfACurveWithoutZerosAreFarAway) {
     EXPECT_TRUE(ShortestSuffices(Curve(0, 0, 0))); // one point
     for (double const size : {0x1p-156, 1.0, 0x1p102}) {
-        EXPECT_TRUE(ShortestSuffices(Curve({size, -size}, 0, 0))) << size;
+        EXPECT_TRUE(ShortestSuffices(Curve(Number(size, -size), 0, 0))) << size;
         for (int power = 10; power < 1200; ++power) {
-            Wide const small = std::ldexp(Wide{size}, -power);
+            Wide const small = std::ldexp(Widened(size), -power);
             Complex const b = small * Complex(1, 2);
             Complex const c = small * Complex(-2, 1);
-            EXPECT_TRUE(ShortestSuffices(Curve(size, b, c))) << size << ' ' << power;
-            EXPECT_TRUE(ShortestSuffices(Curve(size, 0, c))) << size << ' ' << power;
-            EXPECT_TRUE(ShortestSuffices(Curve(size, b, 0))) << size << ' ' << power;
-            EXPECT_TRUE(ShortestSuffices(Curve(size, b, c * (small / Wide{size}))))
+            EXPECT_TRUE(ShortestSuffices(Curve(Number(size, 0.0), b, c))) << size << ' ' << power;
+            EXPECT_TRUE(ShortestSuffices(Curve(Number(size, 0.0), 0, c))) << size << ' ' << power;
+            EXPECT_TRUE(ShortestSuffices(Curve(Number(size, 0.0), b, 0))) << size << ' ' << power;
+            EXPECT_TRUE(ShortestSuffices(Curve(Number(size, 0.0), b, c * (small / Widened(size)))))
                 << size << ' ' << power;
         }
     }
@@ -137,15 +139,15 @@ TEST(LeastEllipses, SufficeForEveryRatioOfTheirRow) {
         for (int i = 0; i < kChoices; ++i) {
             int const nodes = 4 * kChoiceSteps[i];
             // The ellipse may not be larger than its numbers say, in either direction.
-            Wide const across = kLeastEllipses.rows[row].across[i];
-            Wide const along = kLeastEllipses.rows[row].along[i];
+            Wide const across = Widened(kLeastEllipses.rows[row].across[i]);
+            Wide const along = Widened(kLeastEllipses.rows[row].along[i]);
             Wide const axis2 = std::min(1 / across, 1 + 1 / along);
             Wide const inverse = std::sqrt(axis2) - std::sqrt(axis2 - 1);
             Wide const q = inverse * inverse;
             Wide const error = Wide{512} / 63 / std::sqrt(std::acos(Wide{-1})) /
-                               std::pow(Wide(2 * nodes - 2), Wide{1.5}) * axis2 *
+                               std::pow(Wide(2 * nodes - 2), 1.5L) * axis2 *
                                std::pow(q, Wide(nodes)) / (1 - q);
-            EXPECT_LE(error, std::pow(Wide{2}, Wide{-0.5} * row)) << row << ' ' << nodes;
+            EXPECT_LE(error, std::pow(Wide{2}, -0.5L * row)) << row << ' ' << nodes;
         }
     }
 }
@@ -156,25 +158,25 @@ TEST(RatioRow, IsNeverTooLowAndAtMostTwoTooHigh) {
         auto const any = [&] {
             return std::ldexp(random.Uniform(-1.0, 1.0), random.Integer(-30, 0));
         };
-        SpeedCurve const curve = Curve({any(), any()}, {any(), any()}, {any(), any()});
+        SpeedCurve const curve =
+            Curve(Number(any(), any()), Number(any(), any()), Number(any(), any()));
         // Of A + Bw + Cw², the whole curve being -1 <= w <= 1.
-        auto const size = [](Wide h, Wide v) { return std::abs(h) + std::abs(v); };
-        Wide const c = size(curve.cH, curve.cV) / 4;
-        Wide const b = size(curve.bH + curve.cH * Wide{0.5}, curve.bV + curve.cV * Wide{0.5});
-        Wide const a = size(curve.aH + (curve.bH + curve.cH * Wide{0.25}),
-                            curve.aV + (curve.bV + curve.cV * Wide{0.25}));
-        Wide const square = Wide{2.25} * (a + b + c) * (b + 2 * c);
+        auto const size = [](Complex const& z) { return std::abs(z.real()) + std::abs(z.imag()); };
+        Complex const c = Number(curve.cH, curve.cV) * 0.25L;
+        Complex const b = Number(curve.bH, curve.bV) + c * 2.0L;
+        Complex const a = Number(curve.aH, curve.aV) + Number(curve.bH, curve.bV) + c;
+        Wide const square = 2.25L * (size(a) + size(b) + size(c)) * (size(b) + 2 * size(c));
         // Just beside the powers of two, on both sides, and anywhere.
-        Wide const exponent =
-            random.Integer(-10, 90) +
-            (random.Integer(0, 1) == 0 ? random.Uniform(-1e-12, 1e-12) : random.Uniform(0.0, 1.0));
+        double const beside =
+            random.Integer(0, 1) == 0 ? random.Uniform(-1e-12, 1e-12) : random.Uniform(0.0, 1.0);
+        Wide const exponent = random.Integer(-10, 90) + Widened(beside);
         double const accuracy =
             static_cast<double>(std::sqrt(square / std::pow(Wide{2}, exponent)));
         std::int64_t const row = RatioRow(curve, accuracy);
-        ASSERT_GE(static_cast<Wide>(row), exponent - Wide{1e-14});
+        ASSERT_GE(static_cast<Wide>(row), exponent - 1e-14L);
         ASSERT_LE(static_cast<Wide>(row), std::max(exponent, Wide{0}) + 2);
     }
-    SpeedCurve const curve = Curve({1.0, 0.0}, {1.0, 2.0}, {3.0, 1.0});
+    SpeedCurve const curve = Curve({1, 0}, {1, 2}, {3, 1});
     EXPECT_EQ(RatioRow(curve, trammel_test::kInf), 0);
     EXPECT_EQ(RatioRow(curve, 1e300), 0);
     EXPECT_GE(RatioRow(curve, 1e-300), kRatios);
