@@ -14,7 +14,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -30,8 +29,6 @@ using trammel_test::kNaN;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
-
-constexpr double kMax = std::numeric_limits<double>::max();
 
 /// Everything in the path, to the last bit.
 std::string State(CPath const& path) {
