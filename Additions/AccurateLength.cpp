@@ -50,6 +50,11 @@
 // nodes that it takes around it, so hardly any is divided further. The zeros themselves are needed
 // to half of the digits only.
 //
+// A zero on the reals is one with its conjugate, and the cut from it is none, unless it is inside
+// of the piece: the speed is |w - w1| times something analytic. That is made use of at the ends of
+// curves whose first two control points are one, or the last two, as drawn ones often have: these
+// zeros are exactly there, and for every piece as if they did not exist.
+//
 // What is to be finer than the table goes, and the last bits beside a cusp, are measured piece by
 // piece with the ellipse of the zero that is nearest. One lies at w when (|w - 1| + |w + 1|)/2 = a,
 // and those are its distances from the piece's ends in units of half the piece. Where the most
@@ -204,6 +209,8 @@ public:
         mCurve.cH = c.h;
         mCurve.cV = c.v;
         mCurve.size = Taxicab(d0) + Taxicab(d1) + Taxicab(d2);
+        mCurve.restsAtStart = Taxicab(d0) == 0.0;
+        mCurve.restsAtEnd = Taxicab(d2) == 0.0;
     }
     /// A bound on the curve's length, at most sqrt(2) times the control polygon's.
     double Size() const { return mCurve.size; }

@@ -219,15 +219,27 @@ private:
 inline constexpr LeastEllipses kLeastEllipses;
 
 /// Where a curve's zeros are, to kZeroError of the parameter or, farther than 8 away, to nearly
-/// that times as much.
+/// that times as much. Those at ends where the curve rests are put far away.
 struct ZeroPlaces {
     double h0, h1; ///< twice the real parts
     double v0, v1; ///< the squares of twice the imaginary parts
 
     // They are (-b ± s)/c, s² = b² - ac =: d.
     [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve const& z) {
-        double const squareB = z.bH * z.bH + z.bV * z.bV;
         double const squareC = z.cH * z.cH + z.cV * z.cV;
+        if (z.restsAtStart || z.restsAtEnd) {
+            // One is 0 or 1, and no obstacle. The other one: their sum is -2b/c, their product a/c.
+            double const inverse = 1.0 / squareC;
+            double const aH = z.restsAtStart ? -2.0 * z.bH : z.aH;
+            double const aV = z.restsAtStart ? -2.0 * z.bV : z.aV;
+            Set((aH * z.cH + aV * z.cV) * inverse, (aV * z.cH - aH * z.cV) * inverse, kFar, 0.0);
+            if (z.restsAtStart && z.restsAtEnd) {
+                h0 = kFar;
+            }
+            DropMissing();
+            return;
+        }
+        double const squareB = z.bH * z.bH + z.bV * z.bV;
         double const squareSize = z.size * z.size;
         // "<=", so that a curve that is one point has its zeros far away, too, instead of NaNs.
         bool const small = 256.0 * squareC <= squareSize;
@@ -258,15 +270,7 @@ struct ZeroPlaces {
             double const inverseQ = 1.0 / (qH * qH + qV * qV);
             Set(qH * overH + qV * overV, qV * overH - qH * overV,
                 (z.aH * qH + z.aV * qV) * inverseQ, (z.aV * qH - z.aH * qV) * inverseQ);
-            // What does not exist is far away.
-            if (!(__builtin_fabs(h0) < kFar && v0 < kFar)) { // a NaN, too
-                h0 = kFar;
-                v0 = 0.0;
-            }
-            if (!(__builtin_fabs(h1) < kFar && v1 < kFar)) {
-                h1 = kFar;
-                v1 = 0.0;
-            }
+            DropMissing();
             return;
         }
         // The same with less to wait for.
@@ -286,6 +290,17 @@ private:
         v0 = 4.0 * (zero0V * zero0V);
         v1 = 4.0 * (zero1V * zero1V);
     }
+    /// What does not exist is far away.
+    [[gnu::always_inline]] void DropMissing() {
+        if (!(__builtin_fabs(h0) < kFar && v0 < kFar)) { // a NaN, too
+            h0 = kFar;
+            v0 = 0.0;
+        }
+        if (!(__builtin_fabs(h1) < kFar && v1 < kFar)) {
+            h1 = kFar;
+            v1 = 0.0;
+        }
+    }
 };
 
 // With u = 2^-53 and P = |b|² + |ac|, the parts of d are sums of four products, off by at most
@@ -299,6 +314,8 @@ private:
 // their magnitude; and of -a/(b + s), -a/(2b) is off by little more than a fourth of
 // |ac/b²| < 2^-22, the other one being about 2b/c, beyond 2^22, as b is at most the size. Zeros
 // more than 8 away are outside of all ellipses, anyway.
+// Beside a zero at an end the other one is a quotient. Where that is within 8, c is no less than a
+// 20th of the size, so the roundings of a, b and c matter little.
 //
 // Underflow does no harm. A zero within 8 means that b or c is no less than a 400th of the size,
 // and sizes are 2^-156 at least (points of ordinary size may differ by a rounding). Where both are
@@ -465,9 +482,11 @@ template <class Pack>
     curve.bV = d1V - d0V;
     curve.cH = (d0H - d1H) + (d2H - d1H);
     curve.cV = (d0V - d1V) + (d2V - d1V);
-    curve.size = ((__builtin_fabs(d0H) + __builtin_fabs(d0V)) +
-                  (__builtin_fabs(d1H) + __builtin_fabs(d1V))) +
-                 (__builtin_fabs(d2H) + __builtin_fabs(d2V));
+    double const size0 = __builtin_fabs(d0H) + __builtin_fabs(d0V);
+    double const size2 = __builtin_fabs(d2H) + __builtin_fabs(d2V);
+    curve.size = (size0 + (__builtin_fabs(d1H) + __builtin_fabs(d1V))) + size2;
+    curve.restsAtStart = size0 == 0.0;
+    curve.restsAtEnd = size2 == 0.0;
     if (!(curve.size >= kLeastMeasured && curve.size <= kGreatestMeasured)) {
         return __builtin_nan("");
     }

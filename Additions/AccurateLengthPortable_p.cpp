@@ -6,6 +6,7 @@
 #include "AccurateLengthForms_p.h"
 
 #include <cmath>
+#include <limits>
 
 namespace trammel_detail {
 
@@ -35,6 +36,19 @@ void FindZeros(SpeedCurve& curve) {
     Pt const a(curve.aH, curve.aV);
     Pt const b(curve.bH, curve.bV);
     Pt const c(curve.cH, curve.cV);
+    if (curve.restsAtStart || curve.restsAtEnd) {
+        // One is 0 or 1, and no obstacle. The other one: their sum is -2b/c, their product a/c.
+        double const nan = std::numeric_limits<double>::quiet_NaN();
+        Pt const other = curve.restsAtStart && curve.restsAtEnd
+                             ? Pt(nan, nan)
+                             : Quotient(curve.restsAtStart ? b * -2.0 : a, c);
+        curve.zeroH[0] = other.h;
+        curve.zeroV[0] = other.v;
+        curve.zeroH[1] = nan;
+        curve.zeroV[1] = nan;
+        curve.zerosKnown = true;
+        return;
+    }
     Pt const root = SquareRoot(Product(b, b) - Product(a, c));
     Pt const s = Dot(b, root) >= 0.0 ? -(b + root) : root - b;
     Pt const greater = Quotient(s, c);

@@ -15,8 +15,12 @@ struct SpeedCurve {
     double aH, aV, bH, bV, cH, cV;
     /// At least its magnitude, for t from 0 to 1.
     double size;
+    /// Whether the curve stands still there: the first two control points, or the last two, are
+    /// one.
+    bool restsAtStart, restsAtEnd;
     bool zerosKnown = false;
-    /// Its zeros as a polynomial of complex numbers, if known; NaN or huge where there is none.
+    /// Its zeros as a polynomial of complex numbers, if known, but for those at the ends where it
+    /// rests; NaN or huge where there is none.
     double zeroH[2], zeroV[2];
 };
 

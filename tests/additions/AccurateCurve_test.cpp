@@ -409,6 +409,42 @@ TEST(ArcLength, IsWithinTheAccuracyWhereZerosAreNearlyOne) {
     }
 }
 
+// There the derivative has a zero that no piece has to keep away from; the other one may be
+// anywhere.
+TEST(ArcLength, IsWithinTheAccuracyWhereTheCurveRestsAtItsEnds) {
+    Random random(10);
+    for (int i = 0; i < 1000; ++i) {
+        double const off = std::ldexp(random.Uniform(0.5, 1.5), -random.Integer(-40, 30));
+        double const turn = random.Integer(0, 3) == 0 ? 0.0 : random.Uniform(-4.0, 4.0);
+        Pt const other(random.Uniform(-0.05, 1.05) + off * std::cos(turn), off * std::sin(turn));
+        CBezier const start = CurveWithZeros(random, Pt(), other);
+        CBezier const end(start.P3, start.P2, start.P1, start.P0);
+        ASSERT_EQ(start.P0, start.P1);
+        ASSERT_NO_FATAL_FAILURE(ExpectWithinEveryAccuracy(start));
+        ASSERT_NO_FATAL_FAILURE(ExpectWithinEveryAccuracy(end));
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectWithinEveryAccuracy(CBezier(start.P0, start.P0, start.P3, start.P3)));
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectWithinEveryAccuracy(CBezier(start.P0, start.P0, start.P0, start.P3)));
+
+        double const from = random.Uniform(0.0, 1.0);
+        double const to = random.Uniform(from, 1.0);
+        double const size = static_cast<double>(PolygonLength(start));
+        for (double const accuracy : {1e-2 * size, 1e-7 * size, 0.0}) {
+            for (CBezier const& curve : {start, end}) {
+                ASSERT_LE(Off(ArcLength(curve, from, to, accuracy),
+                              TrueLength(curve, Widened(from), Widened(to))),
+                          Widened(accuracy) + std::ldexp(PolygonLength(curve), -48))
+                    << Text(curve) << accuracy;
+            }
+            CBSpline const quadratic(start.P0, start.P0, start.P3);
+            ASSERT_LE(
+                Off(ArcLength(quadratic, accuracy), Length(Widened(start.P3) - Widened(start.P0))),
+                Widened(accuracy) + std::ldexp(PolygonLength(start), -48));
+        }
+    }
+}
+
 // Two zeros that are each other's mirror image in a circle around a parameter, one of them maybe
 // very near: no estimate may take them for one.
 TEST(ArcLength, IsWithinTheAccuracyWhereZerosMirrorEachOther) {

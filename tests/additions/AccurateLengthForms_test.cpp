@@ -14,6 +14,7 @@
 #include <complex>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 namespace {
 
@@ -79,6 +80,12 @@ Wide Off(ZeroPlaces const& places, std::array<Complex, 2> const& zeros) {
                     std::max(Off(p, zeros[1]), Off(q, zeros[0])));
 }
 
+/// Whether the shortest formula suffices for the whole curve.
+bool ShortestSuffices(SpeedCurve const& curve) {
+    ZeroPlaces const zeros(curve);
+    return (Choice<PackPair>(kLeastEllipses.rows[kRatios - 1], zeros).Of(0.0, 1.0) & 1U) != 0;
+}
+
 // The farther zero decides which of the three ways is taken: up to some 10, at some 20 to 2^22, or
 // beyond.
 TEST(ZeroPlaces, AreRightWithinTheErrorThatChoicesAllowFor) {
@@ -109,10 +116,25 @@ TEST(ZeroPlaces, AreRightWithinTheErrorThatChoicesAllowFor) {
     }
 }
 
-/// Whether the shortest formula suffices for the whole curve.
-bool ShortestSuffices(SpeedCurve const& curve) {
-    ZeroPlaces const zeros(curve);
-    return (Choice<PackPair>(kLeastEllipses.rows[kRatios - 1], zeros).Of(0.0, 1.0) & 1U) != 0;
+TEST(ZeroPlaces, LeaveOutThoseAtEndsWhereTheCurveRests) {
+    Random random(3);
+    for (int i = 0; i < 20000; ++i) {
+        Complex const other = Turned(std::ldexp(random.Uniform(0.5, 1.0), random.Integer(-40, 4)),
+                                     random.Uniform(-3.2, 3.2));
+        SpeedCurve start = CurveWithZeros(random, 0, other);
+        start.restsAtStart = true;
+        SpeedCurve end = CurveWithZeros(random, 1, other);
+        end.restsAtEnd = true;
+        for (SpeedCurve& curve : {std::ref(start), std::ref(end)}) {
+            ZeroPlaces const places(curve);
+            Complex const place(0.5L * Widened(places.h0), 0.5L * std::sqrt(Widened(places.v0)));
+            ASSERT_LE(Off(place, Complex(other.real(), std::abs(other.imag()))),
+                      Widened(kZeroError));
+            ASSERT_GT(places.h1, 1e99);
+        }
+        start.restsAtEnd = true;
+        ASSERT_TRUE(ShortestSuffices(start));
+    }
 }
 
 // A zero that does not exist must not keep the shortest formula from being chosen, as a NaN would.
