@@ -227,7 +227,7 @@ struct ZeroPlaces {
     // They are (-b ± s)/c, s² = b² - ac =: d.
     [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve const& z) {
         double const squareC = z.cH * z.cH + z.cV * z.cV;
-        if (z.restsAtStart || z.restsAtEnd) {
+        if (__builtin_expect(static_cast<long>(z.restsAtStart || z.restsAtEnd), 0) != 0) {
             // One is 0 or 1, and no obstacle. The other one: their sum is -2b/c, their product a/c.
             double const inverse = 1.0 / squareC;
             double const aH = z.restsAtStart ? -2.0 * z.bH : z.aH;
