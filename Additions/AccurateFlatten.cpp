@@ -19,6 +19,11 @@
 //
 // Planned points are computed and verified four at a time; only what follows from a chord that
 // fails is done one by one.
+//
+// Curves that take few chords, as most of a glyph or an icon do, are mildly bent, and a rough plan
+// does for them: the bend in the middles of four panels, one vector, as if constant on each. As its
+// chords are verified alike, it decides about the number of points only. Where one fails, a chord
+// more is tried, then the plan above.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -162,6 +167,10 @@ double DistanceOf(Place const& p0, Place const& p1) {
     return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
 }
 
+/// What the bend divided by the speed is multiplied by for the plan. A power of two in the input
+/// cancels in front of the root then, so that it changes nothing.
+double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
+
 // The forms for this processor.
 
 double PlanFlattening(FlatCubic const& curve, double scale, FlatPlan& plan) {
@@ -183,12 +192,21 @@ void NextFlatRun(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatR
     trammel_detail::NextFlatRunPortable(curve, tolerance, plan, run);
 }
 
+int FewChords(FlatCubic const& curve, double tolerance, FlatRun& run) {
+    double const scale = ScaleFor(tolerance);
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        return trammel_detail::FewChordsAvx2(curve, scale, tolerance, run);
+    }
+#endif
+    return trammel_detail::FewChordsPortable(curve, scale, tolerance, run);
+}
+
 /// Where on the curve the points are to lie, and the points.
 class Plan {
 public:
     Plan(Cubic const& curve, double tolerance) : mCurve(curve.Flat()), mTolerance(tolerance) {
-        // A power of two in the input cancels in front of the root, so that it changes nothing.
-        mTotal = PlanFlattening(mCurve, 0.75 / (kPlanned * tolerance), mPlan);
+        mTotal = PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
     }
     /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
     /// many.
@@ -234,12 +252,17 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     if (curve.Size() == 0.0) {
         return tolerance;
     }
+    FlatRun run;
+    int const chords = FewChords(curve.Flat(), tolerance, run);
+    if (chords > 0) {
+        deliver.Run(run.h + 1, run.v + 1, chords - 1);
+        return tolerance;
+    }
     Plan plan(curve, tolerance);
     constexpr int kMost = static_cast<int>(kMostFlatPoints) - 1;
     int spare = kMost - plan.Divide(kMost); // points that may be added
     double kept = tolerance;
     std::array<double, kMostPending> pending;
-    FlatRun run;
     Set(run, 0, curve.Start());
     while (plan.Next(run)) {
         for (int i = 1; i <= run.count; ++i) {

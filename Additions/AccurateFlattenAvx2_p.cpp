@@ -15,4 +15,8 @@ void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, F
     NextFlatRunForm<PackAvx2>(curve, tolerance, plan, run);
 }
 
+int FewChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
+    return FewChordsForm<PackAvx2>(curve, scale, tolerance, run);
+}
+
 } // namespace trammel_detail

@@ -69,6 +69,65 @@ DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& s
     return {across, Filled<Number>(0.375) * (beyond + AbsOf(beyond))};
 }
 
+/// Places on a curve: parameters, points relative to the start, thirds of the derivatives.
+template <class Pack> struct PlaceLanes { Pack t, h, v, dh, dv; };
+
+/// The places before `b`, the one before the first being the last one of `a`.
+template <class Pack>
+[[gnu::always_inline]] inline PlaceLanes<Pack> Preceding(PlaceLanes<Pack> const& a,
+                                                         PlaceLanes<Pack> const& b) {
+    return {Pack::Preceding(a.t, b.t), Pack::Preceding(a.h, b.h), Pack::Preceding(a.v, b.v),
+            Pack::Preceding(a.dh, b.dh), Pack::Preceding(a.dv, b.dv)};
+}
+
+/// A cubic in all lanes.
+template <class Pack> struct CubicLanes {
+    Pack aH, aV, twoBH, twoBV, threeAH, threeAV, threeBH, threeBV, cH, cV;
+    Pack endH, endV, lastH, lastV;
+
+    [[gnu::always_inline]] inline explicit CubicLanes(FlatCubic const& c)
+        : aH(Pack::All(c.aH)), aV(Pack::All(c.aV)), twoBH(Pack::All(2.0 * c.bH)),
+          twoBV(Pack::All(2.0 * c.bV)), threeAH(Pack::All(3.0 * c.aH)),
+          threeAV(Pack::All(3.0 * c.aV)), threeBH(Pack::All(3.0 * c.bH)),
+          threeBV(Pack::All(3.0 * c.bV)), cH(Pack::All(c.cH)), cV(Pack::All(c.cV)),
+          endH(Pack::All(c.endH)), endV(Pack::All(c.endV)), lastH(Pack::All(c.lastH)),
+          lastV(Pack::All(c.lastV)) {}
+    [[gnu::always_inline]] inline PlaceLanes<Pack> Start() const {
+        Pack const zero = Pack::All(0.0);
+        return {zero, zero, zero, aH, aV};
+    }
+    /// At 1, and for a NaN, the end exactly.
+    [[gnu::always_inline]] inline PlaceLanes<Pack> At(Pack const& t) const {
+        auto const inside = t < Pack::All(1.0);
+        Pack const riseH = cH * t;
+        Pack const riseV = cV * t;
+        return {t, Pack::Choose(inside, (threeAH + (threeBH + riseH) * t) * t, endH),
+                Pack::Choose(inside, (threeAV + (threeBV + riseV) * t) * t, endV),
+                Pack::Choose(inside, aH + (twoBH + riseH) * t, lastH),
+                Pack::Choose(inside, aV + (twoBV + riseV) * t, lastV)};
+    }
+};
+
+/// |B' x B''| / 18.
+template <class Pack> [[gnu::always_inline]] inline Pack BendOf(FlatCubic const& c, Pack const& t) {
+    Pack const bend0 = Pack::All(c.aH * c.bV - c.aV * c.bH);
+    Pack const bend1 = Pack::All(c.aH * c.cV - c.aV * c.cH);
+    Pack const bend2 = Pack::All(c.bH * c.cV - c.bV * c.cH);
+    return Pack::Abs(bend0 + (bend1 + bend2 * t) * t);
+}
+
+/// In which lanes a piece from one place to the other keeps the tolerance, whose square is `limit`.
+template <class Pack>
+[[gnu::always_inline]] inline auto Keep(PlaceLanes<Pack> const& from, PlaceLanes<Pack> const& to,
+                                        Pack const& limit) {
+    Pack const h = to.h - from.h;
+    Pack const v = to.v - from.v;
+    Pack const square = h * h + v * v;
+    Deviation<Pack> const off =
+        DeviationOf(to.t - from.t, h, v, square, from.dh, from.dv, to.dh, to.dv);
+    return (off.across * off.across + off.along * off.along <= limit * square) & (limit < square);
+}
+
 /// 0, 1, 2 and 3.
 inline constexpr double kCounting[4] = {0.0, 1.0, 2.0, 3.0};
 
@@ -228,6 +287,120 @@ template <class Pack>
         keeping |= std::uint64_t{keeps.Bits()} << static_cast<unsigned>(i);
     }
     run.failing = ~keeping & ((std::uint64_t{1} << static_cast<unsigned>(count)) - 1);
+}
+
+/// The middles of four panels.
+inline constexpr double kMiddles[4] = {0.125, 0.375, 0.625, 0.875};
+
+/// At [n], j/n for j from 1 on; 1 from n on.
+inline constexpr double kShares[kFewChords + 1][kFewChords] = {
+    {1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0}, // none
+    {1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
+    {1.0 / 2, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
+    {1.0 / 3, 2.0 / 3, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
+    {1.0 / 4, 2.0 / 4, 3.0 / 4, 1.0, 1.0, 1.0, 1.0, 1.0},
+    {1.0 / 5, 2.0 / 5, 3.0 / 5, 4.0 / 5, 1.0, 1.0, 1.0, 1.0},
+    {1.0 / 6, 2.0 / 6, 3.0 / 6, 4.0 / 6, 5.0 / 6, 1.0, 1.0, 1.0},
+    {1.0 / 7, 2.0 / 7, 3.0 / 7, 4.0 / 7, 5.0 / 7, 6.0 / 7, 1.0, 1.0},
+    {1.0 / 8, 2.0 / 8, 3.0 / 8, 4.0 / 8, 5.0 / 8, 6.0 / 8, 7.0 / 8, 1.0}};
+
+/// The integral of the density in units of four, the density constant on each of four panels.
+template <class Pack> struct FewPanels {
+    double total;
+    Pack total4;
+    Pack sums[3];     ///< up to the ends of all panels but the last one
+    Pack inverses[4]; ///< of the densities
+
+    [[gnu::always_inline]] inline FewPanels(CubicLanes<Pack> const& c, FlatCubic const& curve,
+                                            double scale) {
+        Pack const t = Pack::Load(kMiddles);
+        Pack const h = c.aH + (c.twoBH + c.cH * t) * t;
+        Pack const v = c.aV + (c.twoBV + c.cV * t) * t;
+        Pack const speed = Pack::Sqrt(h * h + v * v);
+        Pack const density = Pack::Sqrt(BendOf<Pack>(curve, t) * Pack::All(scale) / speed);
+        double d[4];
+        double inverse[4];
+        density.Store(d);
+        (Pack::All(1.0) / density).Store(inverse);
+        double const two = d[0] + d[1];
+        sums[0] = Pack::All(d[0]);
+        sums[1] = Pack::All(two);
+        sums[2] = Pack::All(two + d[2]);
+        total = two + (d[2] + d[3]);
+        total4 = Pack::All(total);
+        for (int i = 0; i < 4; ++i) {
+            inverses[i] = Pack::All(inverse[i]);
+        }
+    }
+    /// The parameters up to which the given shares of the integral lie. NaN where they lie on a
+    /// panel without density, which only a share of 0 or 1 does.
+    [[gnu::always_inline]] inline Pack At(Pack const& share) const {
+        Pack const y = share * total4;
+        Pack sum = Pack::All(0.0);
+        Pack panel = sum;
+        Pack inverse = inverses[0];
+        for (int i = 0; i < 3; ++i) {
+            auto const beyond = sums[i] <= y;
+            sum = Pack::Choose(beyond, sums[i], sum);
+            panel = Pack::Choose(beyond, Pack::All(i + 1), panel);
+            inverse = Pack::Choose(beyond, inverses[i + 1], inverse);
+        }
+        return (panel + (y - sum) * inverse) * Pack::All(0.25);
+    }
+};
+
+/// Computes the points that divide the curve into `chords` by equal shares of the integral, and
+/// stores them; true when all chords keep the tolerance, whose square is `limit`.
+template <class Pack>
+[[gnu::always_inline]] inline bool DivideIntoFew(CubicLanes<Pack> const& c,
+                                                 FewPanels<Pack> const& panels, int chords,
+                                                 double limit, FlatRun& run) {
+    PlaceLanes<Pack> before = c.Start();
+    unsigned keeping = 0;
+    for (int i = 0; i < chords; i += 4) {
+        Pack const share = Pack::Load(kShares[chords] + i);
+        Pack const t = Pack::Choose(share < Pack::All(1.0), panels.At(share), Pack::All(1.0));
+        PlaceLanes<Pack> const places = c.At(t);
+        places.h.Store(run.h + 1 + i);
+        places.v.Store(run.v + 1 + i);
+        auto const keeps = Keep(Preceding(before, places), places, Pack::All(limit));
+        keeping |= keeps.Bits() << static_cast<unsigned>(i);
+        before = places;
+    }
+    return (~keeping & ((1U << static_cast<unsigned>(chords)) - 1)) == 0;
+}
+
+template <class Pack>
+[[gnu::always_inline]] inline int FewChordsForm(FlatCubic const& c, double scale, double tolerance,
+                                                FlatRun& run) {
+    double const limit = tolerance * tolerance;
+    double const nextH = c.bH + c.cH;
+    double const nextV = c.bV + c.cV;
+    double const most = kMostFewBend * kMostFewBend * limit;
+    if (c.bH * c.bH + c.bV * c.bV > most || nextH * nextH + nextV * nextV > most) {
+        return 0;
+    }
+    double const square = c.endH * c.endH + c.endV * c.endV;
+    Deviation<double> const off =
+        DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
+    if (limit < square && off.across * off.across + off.along * off.along <= limit * square) {
+        return 1;
+    }
+    CubicLanes<Pack> const lanes(c);
+    FewPanels<Pack> const panels(lanes, c, scale);
+    double const planned = 0.25 * panels.total;
+    if (!(planned > 1.0 && planned <= kFewChords)) { // also for a NaN
+        return 0;
+    }
+    int const whole = static_cast<int>(planned);
+    int const chords = whole < planned ? whole + 1 : whole;
+    if (DivideIntoFew(lanes, panels, chords, limit, run)) {
+        return chords;
+    }
+    if (chords < kFewChords && DivideIntoFew(lanes, panels, chords + 1, limit, run)) {
+        return chords + 1;
+    }
+    return 0;
 }
 
 } // namespace trammel_detail

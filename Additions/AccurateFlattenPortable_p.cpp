@@ -14,4 +14,8 @@ void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& pla
     NextFlatRunForm<PackPair>(curve, tolerance, plan, run);
 }
 
+int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
+    return FewChordsForm<PackPair>(curve, scale, tolerance, run);
+}
+
 } // namespace trammel_detail

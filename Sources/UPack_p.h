@@ -123,6 +123,10 @@ struct PackPair {
     [[gnu::always_inline]] inline static PackPair FirstTwos(PackPair const& a, PackPair const& b) {
         return PackPair{a.low, b.low};
     }
+    /// The last lane of `a`, then the first three of `b`.
+    [[gnu::always_inline]] inline static PackPair Preceding(PackPair const& a, PackPair const& b) {
+        return PackPair{Half{a.high[1], b.low[0]}, Half{b.low[1], b.high[0]}};
+    }
     /// Stores lane i of `a` and lane i of `b` side by side at `to[i]`.
     [[gnu::always_inline]] inline static void StorePairs(PackPair const& a, PackPair const& b,
                                                          double* const (&to)[4]) {
@@ -219,6 +223,10 @@ struct PackAvx2 {
     }
     [[gnu::always_inline]] inline static PackAvx2 FirstTwos(PackAvx2 const& a, PackAvx2 const& b) {
         return PackAvx2{_mm256_permute2f128_pd(a.value, b.value, 0x20)};
+    }
+    [[gnu::always_inline]] inline static PackAvx2 Preceding(PackAvx2 const& a, PackAvx2 const& b) {
+        __m256d const between = _mm256_permute2f128_pd(a.value, b.value, 0x21); // a2, a3, b0, b1
+        return PackAvx2{_mm256_shuffle_pd(between, b.value, 0x5)};
     }
     [[gnu::always_inline]] inline static void StorePairs(PackAvx2 const& a, PackAvx2 const& b,
                                                          double* const (&to)[4]) {

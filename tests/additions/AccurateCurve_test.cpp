@@ -1098,6 +1098,132 @@ TEST(FlattenWithin, TakesHardlyMoreThanTheFewestPoints) {
     EXPECT_LE(static_cast<double>(ours), 1.1 * static_cast<double>(fewest));
 }
 
+/// Checks the flattening's ends and both distances; returns how many points there are.
+std::size_t ExpectKept(CBezier const& curve, double tolerance) {
+    TPolygon<double> polygon;
+    EXPECT_EQ(FlattenWithin(curve, tolerance, polygon), tolerance);
+    std::vector<Pt> const points = Points(polygon);
+    EXPECT_TRUE(points.front() == curve.P0 && points.back() == curve.P3);
+    Wide const size = PolygonLength(curve);
+    EXPECT_LE(HausdorffDistance(curve, points), 1.0001L * Widened(tolerance) + 1e-7L * size)
+        << Text(curve) << " at " << tolerance;
+    return points.size();
+}
+
+/// A quadratic curve, raised: any, nearly straight, doubling back on itself sharply or exactly.
+CBezier AnyRaised(Random& random) {
+    CBSpline c(random.Point(100), random.Point(100), random.Point(100));
+    switch (random.Integer(0, 4)) {
+    case 0: // along a line, or nearly
+        c.P1 = c.P0 + (c.P2 - c.P0) * random.Uniform(-1, 2);
+        break;
+    case 1: // beyond an end: a turn back, as sharp as the disturbance is small
+        c.P1 = c.P0 + (c.P2 - c.P0) * random.Uniform(1.2, 3) +
+               random.Point(std::ldexp(1.0, -random.Integer(0, 40)));
+        break;
+    case 2: // out and back
+        c.P2 = c.P0;
+        break;
+    default:
+        break;
+    }
+    return CBezier(c.P0, c.P0 / 3.0 + c.P1 * (2.0 / 3.0), c.P2 / 3.0 + c.P1 * (2.0 / 3.0), c.P2);
+}
+
+// Curves are divided into a few chords in another way than into many, and some of both where the
+// one does not succeed: each curve at tolerances just above and below those at which the number of
+// points changes.
+TEST(FlattenWithin, KeepsTheDistanceWhereTheNumberOfPointsChanges) {
+    Random random(37);
+    std::array<int, 14> seen = {};
+    for (int i = 0; i < 60; ++i) {
+        CBezier curve = i % 3 == 0 ? AnyCurve(random) : AnyRaised(random);
+        if (i % 3 == 2) { // a third difference that begins to matter
+            curve.P1 += random.Point(std::ldexp(1.0, -random.Integer(0, 50)));
+        }
+        auto const count = [&](double tolerance) {
+            TPolygon<double> polygon;
+            FlattenWithin(curve, tolerance, polygon);
+            return static_cast<std::size_t>(polygon.LastIndex() + 1);
+        };
+        for (std::size_t wanted = 2; wanted <= 12; ++wanted) {
+            double fine = 1e-3;
+            double coarse = 300.0;
+            if (count(fine) <= wanted) {
+                continue;
+            }
+            for (int step = 0; step < 60; ++step) {
+                double const middle = std::sqrt(fine * coarse);
+                (count(middle) > wanted ? fine : coarse) = middle;
+            }
+            ++seen[std::min<std::size_t>(ExpectKept(curve, coarse), 13)];
+            ++seen[std::min<std::size_t>(ExpectKept(curve, fine), 13)];
+        }
+    }
+    for (std::size_t points = 2; points < 13; ++points) {
+        EXPECT_GT(seen[points], 20) << points;
+    }
+}
+
+// A second difference of 400/3 tolerances: up to there a few chords are tried.
+TEST(FlattenWithin, KeepsTheDistanceAtTheGreatestBendOfAFewChords) {
+    for (double const width : {1.0, 40.0, 200.0, 1000.0, 1e5}) {
+        for (double const third : {0.0, 1e-9, -1e-9, 3.0, -200.0}) {
+            // Second differences of 400/3 and of that and the third difference.
+            double const bend = 400.0 / 3.0;
+            CBezier const curve({0, 0}, {width / 3, -bend}, {2 * width / 3, -bend}, {width, third});
+            double tolerance = 1.0;
+            for (int ulps = -2; ulps <= 2; ++ulps) {
+                tolerance = 1.0 + ulps * 0x1p-52;
+                ExpectKept(curve, tolerance);
+            }
+            ExpectKept(curve, 0.999);
+            ExpectKept(curve, 1.001);
+        }
+    }
+}
+
+TEST(FlattenWithin, TakesTheChordThatKeepsTheTolerance) {
+    // v = 12t(1 - t), so 3 above the chord.
+    CBezier const curve({0, 0}, {10, 4}, {20, 4}, {30, 0});
+    for (Pt const& place : {Pt(0, 0), Pt(7, -3)}) {
+        CBezier const placed(curve.P0 + place, curve.P1 + place, curve.P2 + place,
+                             curve.P3 + place);
+        EXPECT_EQ(ExpectKept(placed, 3.0000001), 2U);
+        EXPECT_EQ(ExpectKept(placed, 2.9999999), 3U);
+    }
+    // The ends are no farther apart than the tolerance, but the curve leaves them.
+    EXPECT_GE(ExpectKept(CBezier({0, 0}, {4, 1}, {-3, 1}, {1, 0}), 1.0), 4U);
+    EXPECT_GE(ExpectKept(CBezier({0, 0}, {9, 0.1}, {-8, 0.1}, {1, 0}), 1.0), 4U);
+}
+
+TEST(FlattenWithin, TakesHardlyMoreThanTheFewestPointsOfDrawnCurves) {
+    Random random(38);
+    std::size_t ours = 0;
+    std::size_t fewest = 0;
+    for (int i = 0; i < 300; ++i) {
+        // A turn by up to a right angle, one arm up to three times as long as the other.
+        double const turn = random.Uniform(0.3, 1.6);
+        double const arm = random.Uniform(1, 3);
+        Pt const first(random.Uniform(2, 30), 0);
+        Pt const second = Pt(std::cos(turn), std::sin(turn)) * first.h * arm;
+        CBezier curve({0, 0}, first * 0.6, first + second * 0.4, first + second);
+        if (i % 2 == 0) { // a quadratic one
+            curve.P1 = first * (2.0 / 3.0);
+            curve.P2 = first + second * (1.0 / 3.0);
+        }
+        for (double const tolerance : {0.25, 0.1}) {
+            std::size_t const count = ExpectKept(curve, tolerance);
+            std::size_t const least = FewestPoints(curve, tolerance);
+            EXPECT_LE(count, least + 1) << Text(curve) << " at " << tolerance;
+            ours += count;
+            fewest += least;
+        }
+    }
+    std::printf("%zu points, fewest %zu\n", ours, fewest);
+    EXPECT_LE(static_cast<double>(ours), 1.05 * static_cast<double>(fewest));
+}
+
 TEST(FlattenWithin, MakesStraightCurvesTheirEndsAndTurns) {
     TPolygon<double> line;
     FlattenWithin(CBezier({0, 0}, {1, 1}, {5, 5}, {9, 9}), 1e-6, line);
