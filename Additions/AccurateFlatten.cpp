@@ -66,6 +66,11 @@ using trammel_detail::Taxicab;
 constexpr double kFinest = 0x1p-40;
 /// The part of the tolerance for which points are planned, so that few chords have to be divided.
 constexpr double kPlanned = 0.97;
+/// What is bent more is not divided into few chords: where a second difference of the control
+/// points is longer than this many tolerances. By n equal steps of the parameter a curve keeps the
+/// tolerance where none is longer than 4n²/3 tolerances; ten such steps are some eight of equal
+/// bend.
+constexpr double kMostFewBend = 400.0 / 3.0;
 /// The part of a piece that a division at a turn leaves at least on either side.
 constexpr double kLeastPart = 0.05;
 /// Divisions of a chord at most: its parameters are neighbours then.
@@ -90,6 +95,11 @@ public:
         return {mA.h, mA.v, mB.h, mB.v, mC.h, mC.v, mEnd.h, mEnd.v, mEndV.h, mEndV.v};
     }
     double Size() const { return mSize; }
+    /// True when a few chords may do.
+    bool HardlyBent(double tolerance) const {
+        double const most = kMostFewBend * tolerance;
+        return std::max(Square(mB), Square(mB + mC)) <= most * most;
+    }
     Place Start() const { return {0.0, Pt(), mA}; }
     /// At 1, the end exactly.
     Place At(double t) const {
@@ -154,6 +164,15 @@ bool Keeps(Place const& p0, Place const& p1, double tolerance) {
     return off.across * off.across + off.along * off.along <= limit * square;
 }
 
+/// True when the chord from start to end is longer than the tolerance and keeps it.
+bool KeepsAsAWhole(FlatCubic const& c, double tolerance) {
+    double const square = c.endH * c.endH + c.endV * c.endV;
+    double const limit = tolerance * tolerance;
+    Deviation<double> const off =
+        trammel_detail::DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
+    return limit < square && off.across * off.across + off.along * off.along <= limit * square;
+}
+
 /// A bound on the piece's distance from its chord.
 double DistanceOf(Place const& p0, Place const& p1) {
     Pt const d = p1.at - p0.at;
@@ -205,7 +224,7 @@ int FewChords(FlatCubic const& curve, double tolerance, FlatRun& run) {
 /// Where on the curve the points are to lie, and the points.
 class Plan {
 public:
-    Plan(Cubic const& curve, double tolerance) : mCurve(curve.Flat()), mTolerance(tolerance) {
+    Plan(FlatCubic const& curve, double tolerance) : mCurve(curve), mTolerance(tolerance) {
         mTotal = PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
     }
     /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
@@ -226,7 +245,7 @@ public:
     }
 
 private:
-    FlatCubic mCurve;
+    FlatCubic const& mCurve;
     double mTolerance;
     double mTotal; ///< chords, not yet rounded
     FlatPlan mPlan;
@@ -244,21 +263,28 @@ void Set(FlatRun& run, int i, Place const& p) {
     run.dv[i] = p.v.v;
 }
 
-/// Delivers the points after P0 relative to P0, the last one excepted, one by one or as
-/// deliver.Run(h, v, count); returns the distance kept.
+/// Delivers the points after P0 relative to P0, the last one excepted, one by one, as
+/// deliver.Run(h, v, count) or as deliver.Run(h, v, count), where no more than eight; returns the
+/// distance kept.
 template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
     double const finest = kFinest * curve.Size();
     double const tolerance = asked > finest ? asked : finest;
     if (curve.Size() == 0.0) {
         return tolerance;
     }
+    FlatCubic const flat = curve.Flat();
     FlatRun run;
-    int const chords = FewChords(curve.Flat(), tolerance, run);
-    if (chords > 0) {
-        deliver.Run(run.h + 1, run.v + 1, chords - 1);
-        return tolerance;
+    if (curve.HardlyBent(tolerance)) {
+        if (KeepsAsAWhole(flat, tolerance)) {
+            return tolerance;
+        }
+        int const chords = FewChords(flat, tolerance, run);
+        if (chords > 0) {
+            deliver.Run(run.h + 1, run.v + 1, chords - 1);
+            return tolerance;
+        }
     }
-    Plan plan(curve, tolerance);
+    Plan plan(flat, tolerance);
     constexpr int kMost = static_cast<int>(kMostFlatPoints) - 1;
     int spare = kMost - plan.Divide(kMost); // points that may be added
     double kept = tolerance;

@@ -184,8 +184,19 @@ template <class Pack>
 template <class Pack>
 [[gnu::always_inline]] inline double PlanFlatteningForm(FlatCubic const& curve, double scale,
                                                         FlatPlan& plan) {
-    Integrate<Pack>(curve, scale, kFewPanels, plan);
-    if (plan.sums[kFewPanels] > kFewPoints) {
+    // With n steps of equal parameters the curve keeps the tolerance where its second differences
+    // are no longer than 4n²/3 tolerances. Of those that take twice kFewPoints such steps nearly
+    // all have more than kFewPoints of equal bend.
+    double const h = curve.bH + curve.cH;
+    double const v = curve.bV + curve.cV;
+    double const first = curve.bH * curve.bH + curve.bV * curve.bV;
+    double const last = h * h + v * v;
+    constexpr double kMost = 4.0 * kFewPoints * kFewPoints;
+    bool const many = (first > last ? first : last) * (scale * scale) > kMost * kMost;
+    if (!many) {
+        Integrate<Pack>(curve, scale, kFewPanels, plan);
+    }
+    if (many || plan.sums[kFewPanels] > kFewPoints) {
         Integrate<Pack>(curve, scale, kManyPanels, plan);
     }
     return plan.sums[plan.panels];
@@ -209,14 +220,12 @@ template <class Pack>
                 end = static_cast<int>(ends);
             }
         }
+        // Never negative: rounding keeps order, so neither the sums nor their multiples decrease.
         int here = end - plan.done;
         if (here <= FlatRun::kRoom - filled) {
             ++plan.panel;
         } else {
             here = FlatRun::kRoom - filled;
-        }
-        if (here <= 0) {
-            continue;
         }
         // The density is linear: with its values r0 and r1, the integral up to x is
         // r0·x + (r1 - r0)·x²/2 panels, solved for x in the form that does not cancel.
@@ -225,7 +234,9 @@ template <class Pack>
         Pack const rise = Pack::All(2.0 * (plan.density[panel + 1] - density));
         Pack const square = r0 * r0;
         Pack const sum = Pack::All(plan.sums[panel]);
-        for (int k = 0; k < here; k += 4) {
+        // One pack for no chords, too: a branch could not foresee which panels have none.
+        int k = 0;
+        do {
             Pack const chord = Pack::All(plan.done + 1 + k) + Pack::Load(kCounting);
             Pack const y =
                 GreaterOf((chord * Pack::All(plan.step) - sum) * Pack::All(panels), zero);
@@ -233,7 +244,8 @@ template <class Pack>
             Pack const x = (y + y) / (r0 + root);
             Pack const inside = Pack::Choose(x < one, x, one); // 1 for a NaN
             ((Pack::All(panel) + inside) * Pack::All(width)).Store(t + 1 + filled + k);
-        }
+            k += 4;
+        } while (k < here);
         filled += here;
         plan.done += here;
     }
@@ -373,19 +385,6 @@ template <class Pack>
 template <class Pack>
 [[gnu::always_inline]] inline int FewChordsForm(FlatCubic const& c, double scale, double tolerance,
                                                 FlatRun& run) {
-    double const limit = tolerance * tolerance;
-    double const nextH = c.bH + c.cH;
-    double const nextV = c.bV + c.cV;
-    double const most = kMostFewBend * kMostFewBend * limit;
-    if (c.bH * c.bH + c.bV * c.bV > most || nextH * nextH + nextV * nextV > most) {
-        return 0;
-    }
-    double const square = c.endH * c.endH + c.endV * c.endV;
-    Deviation<double> const off =
-        DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
-    if (limit < square && off.across * off.across + off.along * off.along <= limit * square) {
-        return 1;
-    }
     CubicLanes<Pack> const lanes(c);
     FewPanels<Pack> const panels(lanes, c, scale);
     double const planned = 0.25 * panels.total;
@@ -394,6 +393,7 @@ template <class Pack>
     }
     int const whole = static_cast<int>(planned);
     int const chords = whole < planned ? whole + 1 : whole;
+    double const limit = tolerance * tolerance;
     if (DivideIntoFew(lanes, panels, chords, limit, run)) {
         return chords;
     }

@@ -25,11 +25,6 @@ inline constexpr double kFewPoints = 80.0;
 
 /// Into so many chords at most a curve is divided without a plan.
 inline constexpr int kFewChords = 8;
-/// What is bent more is not tried: where a second difference of the control points is longer than
-/// this many tolerances. By n equal steps of the parameter a curve keeps the tolerance where its
-/// second differences are no longer than 4n²/3 tolerances; ten such steps are some eight of equal
-/// bend.
-inline constexpr double kMostFewBend = 400.0 / 3.0;
 
 /// Where on the curve the points are to lie. Arrays have room for whole packs.
 struct FlatPlan {
@@ -68,7 +63,7 @@ double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
 void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
 void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
 
-/// Divides a curve into at most kFewChords chords that all keep the tolerance. Returns how many,
+/// Divides a curve into two to kFewChords chords that all keep the tolerance. Returns how many,
 /// and stores the points at their ends, h and v alone, from index 1 on. 0 when it did not succeed,
 /// for whatever reason; then a plan is made. `scale` as above.
 int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
