@@ -29,7 +29,9 @@ inline double Taxicab(Pt const& a) { return std::abs(a.h) + std::abs(a.v); }
 
 /// Makes each coordinate 0 that is the same in all points. That changes no difference, and keeps
 /// such a coordinate from having a say in the scale, which the others could be too small for.
-template <std::size_t N> void DropCommon(std::array<Pt, N>& points) {
+/// Returns 1 in the coordinates that were dropped, else 0.
+template <std::size_t N> Pt DropCommon(std::array<Pt, N>& points) {
+    Pt dropped;
     for (double Pt::*const coordinate : {&Pt::h, &Pt::v}) {
         double const common = points[0].*coordinate;
         // The first comparison tells for nearly all input.
@@ -39,8 +41,10 @@ template <std::size_t N> void DropCommon(std::array<Pt, N>& points) {
             for (Pt& p : points) {
                 p.*coordinate = 0.0;
             }
+            dropped.*coordinate = 1.0;
         }
     }
+    return dropped;
 }
 
 /// Points whose coordinates were multiplied by a power of two, if need be, so that products of four

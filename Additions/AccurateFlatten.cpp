@@ -263,9 +263,8 @@ void Set(FlatRun& run, int i, Place const& p) {
     run.dv[i] = p.v.v;
 }
 
-/// Delivers the points after P0 relative to P0, the last one excepted, one by one, as
-/// deliver.Run(h, v, count) or as deliver.Run(h, v, count), where no more than eight; returns the
-/// distance kept.
+/// Delivers the points after P0 relative to P0, the last one excepted, one by one or as
+/// deliver.Run(h, v, count); returns the distance kept.
 template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
     double const finest = kFinest * curve.Size();
     double const tolerance = asked > finest ? asked : finest;
@@ -326,11 +325,31 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     return kept;
 }
 
-/// Brings points back to where the curve is, and to the input's unit, and hands each to `use`.
+/// A curve's points as they are flattened: only their differences count.
+class Flattened {
+public:
+    explicit Flattened(CBezier const& curve)
+        : mStart(curve.P0), mPoints({curve.P0, curve.P1, curve.P2, curve.P3}),
+          mDropped(trammel_detail::DropCommon(mPoints)), mScaled(mPoints) {}
+    ScaledPoints<4> const& Scaled() const { return mScaled; }
+    /// Brings a point back to where the curve is, and to the input's unit.
+    Pt Back(Pt const& relative) const {
+        Pt const p = mScaled.Up(mScaled[0] + relative);
+        return Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v);
+    }
+
+private:
+    Pt mStart;
+    std::array<Pt, 4> mPoints;
+    Pt mDropped;
+    ScaledPoints<4> mScaled;
+};
+
+/// Brings points back and hands each to `use`.
 template <class Use> class EachPoint {
 public:
-    EachPoint(ScaledPoints<4> const& points, Use& use) : mPoints(points), mUse(use) {}
-    void Point(Pt const& relative) { mUse(mPoints.Up(mPoints[0] + relative)); }
+    EachPoint(Flattened const& points, Use& use) : mPoints(points), mUse(use) {}
+    void Point(Pt const& relative) { mUse(mPoints.Back(relative)); }
     void Run(double const* h, double const* v, int count) {
         for (int i = 0; i < count; ++i) {
             Point(Pt(h[i], v[i]));
@@ -338,17 +357,18 @@ public:
     }
 
 private:
-    ScaledPoints<4> const& mPoints;
+    Flattened const& mPoints;
     Use& mUse;
 };
 
 /// Flattens, and delivers all points in the input's unit.
 template <class Use> double FlattenAll(CBezier const& curve, double tolerance, Use use) {
-    ScaledPoints<4> const p({curve.P0, curve.P1, curve.P2, curve.P3});
+    Flattened const points(curve);
+    ScaledPoints<4> const& p = points.Scaled();
     use(curve.P0);
     double kept = std::numeric_limits<double>::quiet_NaN();
     if (p.Finite()) {
-        EachPoint<Use> deliver(p, use);
+        EachPoint<Use> deliver(points, use);
         kept = p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
     }
     use(curve.P3);
@@ -419,7 +439,8 @@ struct LineMaker {
 } // namespace
 
 double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly) {
-    ScaledPoints<4> const p({curve.P0, curve.P1, curve.P2, curve.P3});
+    Flattened const flattened(curve);
+    ScaledPoints<4> const& p = flattened.Scaled();
     if (!p.Finite() || p.Scaled()) {
         return FlattenAll(curve, tolerance,
                           [&poly](Pt const& point) { poly.Append(point, false); });

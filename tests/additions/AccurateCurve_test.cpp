@@ -1316,6 +1316,31 @@ TEST(FlattenWithin, ScalesExactlyByPowersOfTwo) {
     }
 }
 
+// The coordinate that all points share says nothing of how small the curve is: its turns are found.
+TEST(FlattenWithin, KeepsTheTurnsOfCurvesFarSmallerThanACommonCoordinate) {
+    for (double const at : {0.0, 1.0, -0x1p300, kHuge}) {
+        for (int const power : {-500, -700, -1000}) {
+            double const unit = std::ldexp(1.0, power);
+            CBezier const curve(Pt(at, 0), Pt(at, 3 * unit), Pt(at, 3 * unit), Pt(at, 0));
+            std::vector<Pt> points;
+            double const kept = FlattenWithin(
+                curve, 1e-6 * unit,
+                [](Pt const& p, void* data) { static_cast<std::vector<Pt>*>(data)->push_back(p); },
+                &points);
+            EXPECT_EQ(kept, 1e-6 * unit);
+            double farthest = 0.0;
+            for (Pt const& p : points) {
+                EXPECT_EQ(p.h, at);
+                farthest = std::max(farthest, p.v);
+            }
+            EXPECT_NEAR(farthest / unit, 2.25, 1e-6) << at << ' ' << power;
+            TPolygon<double> polygon;
+            EXPECT_EQ(FlattenWithin(curve, 1e-6 * unit, polygon), kept);
+            EXPECT_EQ(Text(Points(polygon)), Text(points));
+        }
+    }
+}
+
 TEST(FlattenWithin, MakesNoMorePointsThanTheLimit) {
     for (double const size : {1e-300, 1.0, 1e300}) {
         for (double const tolerance : {0.0, 1e-30 * size, 1e-15 * size, -1.0, kNaN}) {
