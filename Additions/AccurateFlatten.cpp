@@ -325,31 +325,16 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     return kept;
 }
 
-/// A curve's points as they are flattened: only their differences count.
-class Flattened {
-public:
-    explicit Flattened(CBezier const& curve)
-        : mStart(curve.P0), mPoints({curve.P0, curve.P1, curve.P2, curve.P3}),
-          mDropped(trammel_detail::DropCommon(mPoints)), mScaled(mPoints) {}
-    ScaledPoints<4> const& Scaled() const { return mScaled; }
-    /// Brings a point back to where the curve is, and to the input's unit.
-    Pt Back(Pt const& relative) const {
-        Pt const p = mScaled.Up(mScaled[0] + relative);
-        return Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v);
-    }
-
-private:
-    Pt mStart;
-    std::array<Pt, 4> mPoints;
-    Pt mDropped;
-    ScaledPoints<4> mScaled;
-};
-
-/// Brings points back and hands each to `use`.
+/// Brings points back to where the curve is, and to the input's unit, and hands each to `use`.
 template <class Use> class EachPoint {
 public:
-    EachPoint(Flattened const& points, Use& use) : mPoints(points), mUse(use) {}
-    void Point(Pt const& relative) { mUse(mPoints.Back(relative)); }
+    /// `dropped` is what DropCommon() returned of the points.
+    EachPoint(ScaledPoints<4> const& points, Pt const& start, Pt const& dropped, Use& use)
+        : mPoints(points), mStart(start), mDropped(dropped), mUse(use) {}
+    void Point(Pt const& relative) {
+        Pt const p = mPoints.Up(mPoints[0] + relative);
+        mUse(Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v));
+    }
     void Run(double const* h, double const* v, int count) {
         for (int i = 0; i < count; ++i) {
             Point(Pt(h[i], v[i]));
@@ -357,18 +342,21 @@ public:
     }
 
 private:
-    Flattened const& mPoints;
+    ScaledPoints<4> const& mPoints;
+    Pt mStart;
+    Pt mDropped;
     Use& mUse;
 };
 
 /// Flattens, and delivers all points in the input's unit.
 template <class Use> double FlattenAll(CBezier const& curve, double tolerance, Use use) {
-    Flattened const points(curve);
-    ScaledPoints<4> const& p = points.Scaled();
+    std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
+    Pt const dropped = trammel_detail::DropCommon(points);
+    ScaledPoints<4> const p(points);
     use(curve.P0);
     double kept = std::numeric_limits<double>::quiet_NaN();
     if (p.Finite()) {
-        EachPoint<Use> deliver(points, use);
+        EachPoint<Use> deliver(p, curve.P0, dropped, use);
         kept = p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
     }
     use(curve.P3);
@@ -439,8 +427,9 @@ struct LineMaker {
 } // namespace
 
 double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly) {
-    Flattened const flattened(curve);
-    ScaledPoints<4> const& p = flattened.Scaled();
+    std::array<Pt, 4> flattened = {curve.P0, curve.P1, curve.P2, curve.P3};
+    trammel_detail::DropCommon(flattened);
+    ScaledPoints<4> const p(flattened);
     if (!p.Finite() || p.Scaled()) {
         return FlattenAll(curve, tolerance,
                           [&poly](Pt const& point) { poly.Append(point, false); });

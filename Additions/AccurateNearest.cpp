@@ -185,7 +185,8 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
 void Search::Run() {
     union Slot {
         Piece piece;
-        Slot() {} // leaves it as it is: setting all of them would take longer than most searches
+        // Stays unset: setting all of them would take longer than most searches.
+        Slot() {} // NOLINT(modernize-use-equals-default)
     };
     std::array<Slot, kMostPending> pending;
     std::size_t count = 0;

@@ -31,7 +31,8 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
     };
     union Slot {
         Pending pending;
-        Slot() {} // leaves it as it is: setting all of them would take longer than a small curve
+        // Stays unset: setting all of them would take longer than a small curve.
+        Slot() {} // NOLINT(modernize-use-equals-default)
     };
     constexpr std::size_t kRoom = 32;
     std::array<Slot, kRoom> slots;
