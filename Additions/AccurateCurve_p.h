@@ -61,9 +61,6 @@ public:
             Scale();
         }
     }
-    /// True when points with this sum of all coordinates' magnitudes stay as they are, as nearly
-    /// all do. False for a NaN.
-    static bool Ordinary(double sum) { return sum >= kLeast && sum <= kGreatest; }
     Pt const& operator[](std::size_t i) const { return mPts[i]; }
     /// False when a coordinate is NaN or infinite.
     bool Finite() const { return mFinite; }
@@ -77,6 +74,9 @@ private:
     static constexpr double kLeast = 0x1p-100;
     static constexpr double kGreatest = 0x1p100;
 
+    /// True when points with this sum of all coordinates' magnitudes stay as they are, as nearly
+    /// all do. False for a NaN.
+    static bool Ordinary(double sum) { return sum >= kLeast && sum <= kGreatest; }
     void Scale() {
         double greatest = 0.0;
         for (Pt const& p : mPts) {

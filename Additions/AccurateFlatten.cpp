@@ -95,11 +95,6 @@ public:
         return {mA.h, mA.v, mB.h, mB.v, mC.h, mC.v, mEnd.h, mEnd.v, mEndV.h, mEndV.v};
     }
     double Size() const { return mSize; }
-    /// True when a few chords may do.
-    bool HardlyBent(double tolerance) const {
-        double const most = kMostFewBend * tolerance;
-        return std::max(Square(mB), Square(mB + mC)) <= most * most;
-    }
     Place Start() const { return {0.0, Pt(), mA}; }
     /// At 1, the end exactly.
     Place At(double t) const {
@@ -162,6 +157,12 @@ bool Keeps(Place const& p0, Place const& p1, double tolerance) {
     }
     Deviation<double> const off = DeviationOf(p0, p1, d, square);
     return off.across * off.across + off.along * off.along <= limit * square;
+}
+
+/// True when a few chords may do.
+bool HardlyBent(FlatCubic const& c, double tolerance) {
+    double const most = kMostFewBend * tolerance;
+    return trammel_detail::SquaredBend(c) <= most * most;
 }
 
 /// True when the chord from start to end is longer than the tolerance and keeps it.
@@ -273,7 +274,7 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     }
     FlatCubic const flat = curve.Flat();
     FlatRun run;
-    if (curve.HardlyBent(tolerance)) {
+    if (HardlyBent(flat, tolerance)) {
         if (KeepsAsAWhole(flat, tolerance)) {
             return tolerance;
         }

@@ -187,12 +187,8 @@ template <class Pack>
     // With n steps of equal parameters the curve keeps the tolerance where its second differences
     // are no longer than 4n²/3 tolerances. Of those that take twice kFewPoints such steps nearly
     // all have more than kFewPoints of equal bend.
-    double const h = curve.bH + curve.cH;
-    double const v = curve.bV + curve.cV;
-    double const first = curve.bH * curve.bH + curve.bV * curve.bV;
-    double const last = h * h + v * v;
     constexpr double kMost = 4.0 * kFewPoints * kFewPoints;
-    bool const many = (first > last ? first : last) * (scale * scale) > kMost * kMost;
+    bool const many = SquaredBend(curve) * (scale * scale) > kMost * kMost;
     if (!many) {
         Integrate<Pack>(curve, scale, kFewPanels, plan);
     }

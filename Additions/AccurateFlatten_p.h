@@ -17,6 +17,15 @@ struct FlatCubic {
     double lastH, lastV; ///< a third of the derivative there
 };
 
+/// The square of the longer one of the control points' second differences.
+[[gnu::always_inline]] inline double SquaredBend(FlatCubic const& c) {
+    double const h = c.bH + c.cH;
+    double const v = c.bV + c.cV;
+    double const first = c.bH * c.bH + c.bV * c.bV;
+    double const last = h * h + v * v;
+    return first > last ? first : last;
+}
+
 /// Panels in which the bend is looked at: few for few points.
 inline constexpr int kFewPanels = 16;
 inline constexpr int kManyPanels = 64;

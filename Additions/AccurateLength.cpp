@@ -84,7 +84,6 @@ using trammel_detail::kLengthRounding;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
 using trammel_detail::Square;
-using trammel_detail::Taxicab;
 
 /// Half of the nodes (those above 0) of the Gauss-Legendre formula with 2·Half nodes, and their
 /// weights.
@@ -199,19 +198,8 @@ static_assert(kTable.filled == trammel_detail::kGaussEntries);
 class Speed {
 public:
     /// The derivative with Bezier coefficients 3·d0, 3·d1, 3·d2.
-    Speed(Pt const& d0, Pt const& d1, Pt const& d2) : mD2(d2) {
-        Pt const b = d1 - d0;
-        Pt const c = (d0 - d1) + (d2 - d1);
-        mCurve.aH = d0.h;
-        mCurve.aV = d0.v;
-        mCurve.bH = b.h;
-        mCurve.bV = b.v;
-        mCurve.cH = c.h;
-        mCurve.cV = c.v;
-        mCurve.size = Taxicab(d0) + Taxicab(d1) + Taxicab(d2);
-        mCurve.restsAtStart = Taxicab(d0) == 0.0;
-        mCurve.restsAtEnd = Taxicab(d2) == 0.0;
-    }
+    Speed(Pt const& d0, Pt const& d1, Pt const& d2)
+        : mCurve(trammel_detail::SpeedCurveOf(d0.h, d0.v, d1.h, d1.v, d2.h, d2.v)), mD2(d2) {}
     /// A bound on the curve's length, at most sqrt(2) times the control polygon's.
     double Size() const { return mCurve.size; }
     /// The derivative's length at `t`.

@@ -218,6 +218,23 @@ private:
 };
 inline constexpr LeastEllipses kLeastEllipses;
 
+/// The zero of a curve that rests at an end, but for the one there; NaN or infinite where there is
+/// none. Both zeros' sum is -2b/c, their product a/c.
+struct OtherZero {
+    double h, v;
+
+    [[gnu::always_inline]] explicit OtherZero(SpeedCurve const& z) {
+        double const inverse = 1.0 / (z.cH * z.cH + z.cV * z.cV);
+        double const aH = z.restsAtStart ? -2.0 * z.bH : z.aH;
+        double const aV = z.restsAtStart ? -2.0 * z.bV : z.aV;
+        h = (aH * z.cH + aV * z.cV) * inverse;
+        v = (aV * z.cH - aH * z.cV) * inverse;
+        if (z.restsAtStart && z.restsAtEnd) {
+            h = __builtin_nan("");
+        }
+    }
+};
+
 /// Where a curve's zeros are, to kZeroError of the parameter or, farther than 8 away, to nearly
 /// that times as much. Those at ends where the curve rests are put far away.
 struct ZeroPlaces {
@@ -226,19 +243,14 @@ struct ZeroPlaces {
 
     // They are (-b ± s)/c, s² = b² - ac =: d.
     [[gnu::always_inline]] explicit ZeroPlaces(SpeedCurve const& z) {
-        double const squareC = z.cH * z.cH + z.cV * z.cV;
         if (__builtin_expect(static_cast<long>(z.restsAtStart || z.restsAtEnd), 0) != 0) {
-            // One is 0 or 1, and no obstacle. The other one: their sum is -2b/c, their product a/c.
-            double const inverse = 1.0 / squareC;
-            double const aH = z.restsAtStart ? -2.0 * z.bH : z.aH;
-            double const aV = z.restsAtStart ? -2.0 * z.bV : z.aV;
-            Set((aH * z.cH + aV * z.cV) * inverse, (aV * z.cH - aH * z.cV) * inverse, kFar, 0.0);
-            if (z.restsAtStart && z.restsAtEnd) {
-                h0 = kFar;
-            }
+            // One is 0 or 1, and no obstacle.
+            OtherZero const other(z);
+            Set(other.h, other.v, kFar, 0.0);
             DropMissing();
             return;
         }
+        double const squareC = z.cH * z.cH + z.cV * z.cV;
         double const squareB = z.bH * z.bH + z.bV * z.bV;
         double const squareSize = z.size * z.size;
         // "<=", so that a curve that is one point has its zeros far away, too, instead of NaNs.
@@ -469,24 +481,8 @@ template <class Pack>
 template <class Pack>
 [[gnu::always_inline]] inline double CurveLengthForm(CBezier const& c, double accuracy,
                                                      double const (&table)[kGaussEntries]) {
-    double const d0H = c.P1.h - c.P0.h;
-    double const d0V = c.P1.v - c.P0.v;
-    double const d1H = c.P2.h - c.P1.h;
-    double const d1V = c.P2.v - c.P1.v;
-    double const d2H = c.P3.h - c.P2.h;
-    double const d2V = c.P3.v - c.P2.v;
-    SpeedCurve curve;
-    curve.aH = d0H;
-    curve.aV = d0V;
-    curve.bH = d1H - d0H;
-    curve.bV = d1V - d0V;
-    curve.cH = (d0H - d1H) + (d2H - d1H);
-    curve.cV = (d0V - d1V) + (d2V - d1V);
-    double const size0 = __builtin_fabs(d0H) + __builtin_fabs(d0V);
-    double const size2 = __builtin_fabs(d2H) + __builtin_fabs(d2V);
-    curve.size = (size0 + (__builtin_fabs(d1H) + __builtin_fabs(d1V))) + size2;
-    curve.restsAtStart = size0 == 0.0;
-    curve.restsAtEnd = size2 == 0.0;
+    SpeedCurve curve = SpeedCurveOf(c.P1.h - c.P0.h, c.P1.v - c.P0.v, c.P2.h - c.P1.h,
+                                    c.P2.v - c.P1.v, c.P3.h - c.P2.h, c.P3.v - c.P2.v);
     if (!(curve.size >= kLeastMeasured && curve.size <= kGreatestMeasured)) {
         return __builtin_nan("");
     }

@@ -37,11 +37,8 @@ void FindZeros(SpeedCurve& curve) {
     Pt const b(curve.bH, curve.bV);
     Pt const c(curve.cH, curve.cV);
     if (curve.restsAtStart || curve.restsAtEnd) {
-        // One is 0 or 1, and no obstacle. The other one: their sum is -2b/c, their product a/c.
         double const nan = std::numeric_limits<double>::quiet_NaN();
-        Pt const other = curve.restsAtStart && curve.restsAtEnd
-                             ? Pt(nan, nan)
-                             : Quotient(curve.restsAtStart ? b * -2.0 : a, c);
+        OtherZero const other(curve); // one is 0 or 1, and no obstacle
         curve.zeroH[0] = other.h;
         curve.zeroV[0] = other.v;
         curve.zeroH[1] = nan;

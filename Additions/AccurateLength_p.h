@@ -24,6 +24,24 @@ struct SpeedCurve {
     double zeroH[2], zeroV[2];
 };
 
+/// The one with the Bezier coefficients d0, d1, d2, given as pairs h, v.
+[[gnu::always_inline]] inline SpeedCurve SpeedCurveOf(double d0H, double d0V, double d1H,
+                                                      double d1V, double d2H, double d2V) {
+    SpeedCurve curve;
+    curve.aH = d0H;
+    curve.aV = d0V;
+    curve.bH = d1H - d0H;
+    curve.bV = d1V - d0V;
+    curve.cH = (d0H - d1H) + (d2H - d1H);
+    curve.cV = (d0V - d1V) + (d2V - d1V);
+    double const size0 = __builtin_fabs(d0H) + __builtin_fabs(d0V);
+    double const size2 = __builtin_fabs(d2H) + __builtin_fabs(d2V);
+    curve.size = (size0 + (__builtin_fabs(d1H) + __builtin_fabs(d1V))) + size2;
+    curve.restsAtStart = size0 == 0.0;
+    curve.restsAtEnd = size2 == 0.0;
+    return curve;
+}
+
 /// The formulas that SpeedLength chooses from have 4, 8 and so on nodes, up to 4 times this.
 inline constexpr int kGaussFormulas = 10;
 /// Numbers in their table: for every four nodes these, then their weights.

@@ -147,7 +147,7 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
     double const enough = 0.125 * mAccuracy;
     double lo = 0.0;
     double hi = 1.0;
-    bool halve = false;
+    bool jumped = false; // the step before led nearly to an end of the bracket
     for (int step = 0; step < kMostSteps; ++step) {
         Pt const at = q[0] + (c1 + (c2 + c3 * x) * x) * x;
         Pt const v = c1 + (c2 * 2.0 + c3 * (3.0 * x)) * x;
@@ -157,17 +157,18 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
         (g < 0.0 ? lo : hi) = x;
         double next = x - g / slope;
         double squaredSpeed = Square(v);
-        if (!(slope > 0.0 && next > lo && next < hi) || step % 8 == 7) {
+        bool const newton = slope > 0.0 && step % 8 != 7;
+        if (newton && next > lo && next < hi) {
+            jumped = false;
+        } else {
             // Newton's step was to lead out of the bracket: the zero is probably near that end. If
             // it was not, and to be sure, the bracket is halved. The zero is at most twice as far
             // away as the step leads then, and the speed may be any.
-            double const part = slope > 0.0 && !halve && step % 8 != 7 ? 0.9 : 0.5;
-            halve = part == 0.9;
+            jumped = newton && !jumped;
+            double const part = jumped ? 0.9 : 0.5;
             next = g < 0.0 ? x + part * (hi - x) : x - part * (x - lo);
             squaredSpeed = 36.0 * std::max(Square(q[1] - q[0]),
                                            std::max(Square(q[2] - q[1]), Square(q[3] - q[2])));
-        } else {
-            halve = false;
         }
         double const moved = (next - x) * (next - x) * squaredSpeed;
         if (g == 0.0 || next == x || moved <= enough * enough) {

@@ -2,6 +2,7 @@
 #include "AccurateCurve.h"
 
 #include "../TestSupport.h"
+#include "AccurateCurve_p.h"
 #include "CMatrix3x3.h"
 #include "TPoly.h"
 #include "UProcessor_p.h"
@@ -1127,7 +1128,7 @@ CBezier AnyRaised(Random& random) {
     default:
         break;
     }
-    return CBezier(c.P0, c.P0 / 3.0 + c.P1 * (2.0 / 3.0), c.P2 / 3.0 + c.P1 * (2.0 / 3.0), c.P2);
+    return trammel_detail::Raised(c);
 }
 
 // Curves are divided into a few chords in another way than into many, and some of both where the
