@@ -3,9 +3,9 @@
 #include "CBSpline.h"
 
 #include "Integers.h"
+#include "Subdivision_p.h"
 #include "TPoly.h"
 #include "UScalar.h"
-#include "USubdivision_p.h"
 
 #include <cmath>
 

@@ -3,18 +3,18 @@
 #include "CBezier.h"
 
 #include "CMatrix3x3.h"
+#include "CurveKernels_p.h"
+#include "Flatness_p.h"
 #include "Handles.h"
+#include "Hypot_p.h"
 #include "Integers.h"
+#include "PointBuffer_p.h"
+#include "PolygonAppend_p.h"
+#include "Subdivision_p.h"
 #include "TLine.h"
 #include "TPoly.h"
-#include "UCurveKernels_p.h"
-#include "UFlatness_p.h"
 #include "UGeometry.h"
-#include "UHypot_p.h"
-#include "UPointBuffer_p.h"
-#include "UPolygonAppend_p.h"
 #include "UScalar.h"
-#include "USubdivision_p.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,8 +4,8 @@
 
 #include "CMatrix3x3.h"
 #include "Handles.h"
+#include "PointRun_p.h"
 #include "UHandle.h"
-#include "UPointRun_p.h"
 
 #include <algorithm>
 #include <cstddef>

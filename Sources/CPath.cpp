@@ -4,10 +4,10 @@
 
 #include "CBezier.h"
 #include "CMatrix3x3.h"
-#include "CPathWalk_p.h"
 #include "Integers.h"
+#include "PathWalk_p.h"
+#include "Reach_p.h"
 #include "TLine.h"
-#include "UReach_p.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>

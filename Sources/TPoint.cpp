@@ -2,7 +2,7 @@
 
 #include "TPoint.h"
 
-#include "Text.h"
+#include "Text_p.h"
 
 template <class T> std::string TPoint<T>::NSString() const {
     if constexpr (std::is_same_v<T, double>) {

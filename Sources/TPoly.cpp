@@ -2,11 +2,11 @@
 
 #include "TPoly.h"
 
-#include "Assertion.h"
+#include "Assertion_p.h"
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
-#include "UCurveKernels_p.h"
-#include "UPointRun_p.h"
+#include "CurveKernels_p.h"
+#include "PointRun_p.h"
 #include "UScalar.h"
 
 #include <algorithm>

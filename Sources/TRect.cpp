@@ -2,7 +2,7 @@
 
 #include "TRect.h"
 
-#include "Text.h"
+#include "Text_p.h"
 #include "UHygiene.h"
 
 template <class T> std::string TRect<T>::NSString() const {

@@ -4,7 +4,7 @@
 
 #include "Integers.h"
 #include "Log.h"
-#include "Text.h"
+#include "Text_p.h"
 
 #include <cmath>
 #include <cstdint>

@@ -4,7 +4,8 @@
 # same C interface over libpolyclipping. <trammel/gpc.h> is installed in both cases.
 #
 # Include this before the library's target is made, and call trammel_use_clipper(trammel) after. It
-# adds to TRAMMEL_HEADERS and TRAMMEL_SOURCES, and sets TRAMMEL_CLIPPER to SYSTEM or BUNDLED.
+# sets TRAMMEL_CLIPPER to SYSTEM or BUNDLED, and for SYSTEM takes the files of the room clip/ out of
+# TRAMMEL_HEADERS and TRAMMEL_SOURCES.
 
 set(TRAMMEL_GPC "AUTO"
     CACHE STRING "Polygon clipper: AUTO (the system's if it is there), SYSTEM or BUNDLED"
@@ -58,6 +59,8 @@ extern \"C\" {
         @ONLY
     )
     set(TRAMMEL_CLIPPER_SUMMARY "the system's, ${GPC_LIBRARY}")
+    list(REMOVE_ITEM TRAMMEL_HEADERS clip/gpc.h)
+    list(FILTER TRAMMEL_SOURCES EXCLUDE REGEX "^clip/")
 else()
     find_package(PkgConfig QUIET)
     if(PkgConfig_FOUND)
@@ -84,19 +87,6 @@ else()
     )
     set(TRAMMEL_CLIPPER_SUMMARY
         "bundled, over libpolyclipping ${TRAMMEL_POLYCLIPPING_VERSION} (${TRAMMEL_POLYCLIPPING_LIBRARY})"
-    )
-    list(APPEND TRAMMEL_HEADERS platform/gpc.h)
-    list(
-        APPEND
-        TRAMMEL_SOURCES
-        platform/Clipper.cpp
-        platform/ClipperContours_p.cpp
-        platform/ClipperCrossings_p.cpp
-        platform/ClipperGrid_p.cpp
-        platform/ClipperLines_p.cpp
-        platform/ClipperLinker_p.cpp
-        platform/ClipperOrder_p.cpp
-        platform/ClipperSweep_p.cpp
     )
 endif()
 

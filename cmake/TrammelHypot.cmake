@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Does the inlined hypot (Sources/UHypot_p.h) give the bits of the C library's? Found out by running
+# Does the inlined hypot (kernels/Hypot_p.h) give the bits of the C library's? Found out by running
 # the two side by side; where that cannot be done (cross-compiling), the C library's is called.
 
 if(NOT DEFINED TRAMMEL_HYPOT_AGREES)
@@ -8,7 +8,7 @@ if(NOT DEFINED TRAMMEL_HYPOT_AGREES)
     else()
         try_run(
             ran compiled "${PROJECT_BINARY_DIR}/check_hypot" "${PROJECT_SOURCE_DIR}/cmake/check_hypot.cpp"
-            CMAKE_FLAGS "-DINCLUDE_DIRECTORIES=${PROJECT_SOURCE_DIR}/Sources"
+            CMAKE_FLAGS "-DINCLUDE_DIRECTORIES=${PROJECT_SOURCE_DIR}/kernels"
             COMPILE_DEFINITIONS -O2 -ffp-contract=off CXX_STANDARD 17 CXX_STANDARD_REQUIRED ON
         )
         if(compiled AND ran EQUAL 0)

@@ -7,9 +7,7 @@ check_cxx_compiler_flag("-mavx2 -Werror" TRAMMEL_HAS_MAVX2)
 
 function(trammel_use_kernels target)
     if(TRAMMEL_HAS_MAVX2 AND CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
-        set(forms Sources/UCurveKernelsAvx2_p.cpp Additions/AccurateFlattenAvx2_p.cpp
-                  Additions/AccurateLengthAvx2_p.cpp
-        )
+        set(forms ${TRAMMEL_AVX2_SOURCES})
         target_sources(${target} PRIVATE ${forms})
         list(TRANSFORM forms PREPEND "${PROJECT_SOURCE_DIR}/")
         set_source_files_properties(${forms} PROPERTIES COMPILE_OPTIONS -mavx2)

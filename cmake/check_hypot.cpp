@@ -4,7 +4,7 @@
 // does for all pairs tried.
 
 #define TRAMMEL_INLINE_HYPOT // NOLINT: what is to be tried
-#include "UHypot_p.h"
+#include "Hypot_p.h"
 
 #include <cmath>
 #include <cstdint>

@@ -19,11 +19,17 @@ die() {
     exit 1
 }
 
-# C++ files of the repository, one a line: cpp_files FOLDER...
+# The library's rooms, from the bottom to the top, as far as there are files in them.
+ROOMS=()
+while read -r room; do
+    [ ! -d "$room" ] || ROOMS+=("$room")
+done <cmake/rooms.txt
+
+# C++ files of the repository, one a line: cpp_files FOLDER|FILE...
 cpp_files() {
     local folder
     for folder in "$@"; do
-        if [ -d "$folder" ]; then
+        if [ -e "$folder" ]; then
             find "$folder" -type f \( -name '*.h' -o -name '*.cpp' \)
         fi
     done | sort

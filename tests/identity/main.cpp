@@ -20,8 +20,8 @@
 // gave where FILE was made: then all may be well that follows from them, and the plain forms, which
 // use the same functions, agree.
 
+#include "Dispatch_p.h"
 #include "Identity.h"
-#include "UProcessor_p.h"
 
 #include <chrono>
 #include <cinttypes>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Assertion.h"
+#include "Assertion_p.h"
 
 #include <gtest/gtest.h>
 

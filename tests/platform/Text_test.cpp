@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "Text.h"
+#include "Text_p.h"
 
 #include "LocaleForTests.h"
 

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "Contours_p.h"
+
+#include "MortonOrder_p.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace trammel_detail {
+
+namespace {
+
+/// The lines in an order in which neighbours are near each other: that of their first vertices
+/// along Morton's curve.
+GridLines SortedByPlace(GridLines const& lines) {
+    ScratchVector<std::pair<std::uint64_t, std::size_t>> order(lines.points.get_allocator());
+    order.reserve(lines.Count());
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        order.emplace_back(PlaceOf(lines.points[lines.Begin(line)]), line);
+    }
+    std::sort(order.begin(), order.end());
+    GridLines sorted(lines.points.get_allocator().GetScratch());
+    sorted.points.reserve(lines.points.size());
+    sorted.ends.reserve(lines.Count());
+    sorted.operands.reserve(lines.Count());
+    for (auto const& [place, line] : order) {
+        auto const first = lines.points.begin();
+        sorted.points.insert(sorted.points.end(),
+                             first + static_cast<std::ptrdiff_t>(lines.Begin(line)),
+                             first + static_cast<std::ptrdiff_t>(lines.End(line)));
+        sorted.ends.push_back(sorted.points.size());
+        sorted.operands.push_back(lines.operands[line]);
+    }
+    return sorted;
+}
+
+} // namespace
+
+bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+                     ResolvedContours& result, Caution caution) {
+    Scratch* const scratch = lines.points.get_allocator().GetScratch();
+    result = ResolvedContours(scratch);
+    GridLines cut = lines.Count() > 2 ? SortedByPlace(lines) : lines;
+    ScratchVector<Meeting> meetings(scratch);
+    std::optional<EdgeTree> tree;
+    if (!CutAtCrossings(cut, grid, caution, meetings, tree)) {
+        return false;
+    }
+    result = LinkContours(cut, tree, meetings, region);
+    return true;
+}
+
+} // namespace trammel_detail

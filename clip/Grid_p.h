@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: MIT
+//
+// Between doubles and the clipper's integer grid.
+#ifndef TRAMMEL_GRID_P_H
+#define TRAMMEL_GRID_P_H
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+namespace trammel_detail {
+
+/// A point of the grid. Both coordinates lie within -2^60 .. 2^60, so that a difference has 62 bits
+/// with its sign and a cross product of differences fits in 128.
+struct GridPoint {
+    std::int64_t x;
+    std::int64_t y;
+};
+
+inline bool operator==(GridPoint a, GridPoint b) { return a.x == b.x && a.y == b.y; }
+inline bool operator!=(GridPoint a, GridPoint b) { return !(a == b); }
+/// By y, then by x: the order in which a sweep upwards meets them.
+inline bool operator<(GridPoint a, GridPoint b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
+
+struct TwoSumResult {
+    double value;
+    double error;
+};
+
+/// a + b, and exactly what rounding took from it. (D. E. Knuth, The Art of Computer Programming 2,
+/// section 4.2.2, theorem B.)
+inline TwoSumResult TwoSum(double a, double b) {
+    double const s = a + b;
+    double const t = s - a;
+    return {s, (a - (s - t)) + (b - t)};
+}
+
+/// One axis of the grid: 2^61 steps, each a power of two, over the range of the coordinates.
+///
+/// The grid is centred on the range, and depends on nothing but the coordinates' differences from
+/// its lower end, so that figures give the same grid points wherever they are moved. With a step
+/// that is a power of two the mapping is exact for every double that has no bits below the step;
+/// that is every double, save those within 2^-8 of the range from zero.
+class GridAxis {
+public:
+    /// The axis for coordinates in low <= v <= high, where low < high and both are finite.
+    GridAxis(double low, double high);
+
+    /// The grid coordinate nearest to `v`, which lies in the axis' range.
+    std::int64_t ToGrid(double v) const;
+
+    /// The double nearest to grid coordinate `g`, which becomes the coordinate of that double. The
+    /// doubles may be coarser than the grid, but never lie between its points here.
+    double FromGrid(std::int64_t& g) const;
+
+    /// The distance of the double at grid coordinate `g` to the next one away from zero, in steps;
+    /// 1 if that is less.
+    std::int64_t Spacing(std::int64_t g) const;
+
+    /// The largest Spacing() of the axis.
+    std::int64_t LargestSpacing() const { return std::max(Spacing(-mHalf), Spacing(mHalf + 1)); }
+
+    /// The same for the coordinate of a double.
+    double OfDouble(std::int64_t g) const;
+
+    /// Doubles of this magnitude and more map exactly.
+    double ExactFrom() const { return mExactFrom; }
+
+private:
+    // A double v is first made v * mUp1 * mUp2, of magnitude 4 at most: two factors, as one might
+    // be beyond the doubles. mDown1 and mDown2 are their inverses.
+    double mUp1 = 1;
+    double mUp2 = 1;
+    double mDown1 = 1;
+    double mDown2 = 1;
+    double mOrigin = 0;       // scaled, a multiple of the step near the range's lower end
+    std::int64_t mHalf = 0;   // half the range, in steps: what is added to be centred
+    double mStep = 1;         // scaled
+    double mStepsPerUnit = 1; // 1 / mStep
+    double mExactFrom = 0;
+    // The origin in steps, less half the range: what is to be added to a grid coordinate to count
+    // from zero. Only if no such sum exceeds 62 bits.
+    bool mIsNearZero = false;
+    std::int64_t mFromZero = 0;
+};
+
+inline std::int64_t GridAxis::ToGrid(double v) const {
+    TwoSumResult const d = TwoSum(v * mUp1 * mUp2, -mOrigin);
+    double const steps = d.value * mStepsPerUnit;
+    std::int64_t const whole = static_cast<std::int64_t>(steps);
+    double const rest = (steps - static_cast<double>(whole)) + d.error * mStepsPerUnit;
+    // Adding and subtracting this rounds what is small to an integer, faster than a function does.
+    double const integers = 0x1.8p52;
+    return whole - mHalf + static_cast<std::int64_t>((rest + integers) - integers);
+}
+
+inline double GridAxis::FromGrid(std::int64_t& g) const {
+    if (mIsNearZero) {
+        // Conversion rounds to the nearest double, as the below does.
+        double const v = static_cast<double>(g + mFromZero);
+        g = static_cast<std::int64_t>(v) - mFromZero;
+        return v * mStep * mDown1 * mDown2;
+    }
+    std::int64_t const steps = g + mHalf;
+    double const high = static_cast<double>(steps);
+    double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
+    TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
+    TwoSumResult const rest = TwoSum(sum.error, low * mStep);
+    TwoSumResult const v = TwoSum(sum.value, rest.value);
+    g -= static_cast<std::int64_t>(v.error * mStepsPerUnit) +
+         static_cast<std::int64_t>(rest.error * mStepsPerUnit);
+    return v.value * mDown1 * mDown2;
+}
+
+inline double GridAxis::OfDouble(std::int64_t g) const {
+    if (mIsNearZero) {
+        return static_cast<double>(g + mFromZero) * mStep * mDown1 * mDown2;
+    }
+    std::int64_t const steps = g + mHalf;
+    double const high = static_cast<double>(steps);
+    double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
+    TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
+    // Exact, because the sum of all is: each double is the difference of two that are near.
+    return (sum.value + (sum.error + low * mStep)) * mDown1 * mDown2;
+}
+
+inline std::int64_t GridAxis::Spacing(std::int64_t g) const {
+    double const v = mOrigin + static_cast<double>(g + mHalf) * mStep;
+    // The power of two below v: its bits without those of the fraction and the sign.
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &v, sizeof bits);
+    bits &= 0x7FF0000000000000;
+    double power = 0;
+    std::memcpy(&power, &bits, sizeof power);
+    double const spacing = power * 0x1p-52 * mStepsPerUnit;
+    return spacing > 1 ? static_cast<std::int64_t>(spacing) : 1;
+}
+
+/// The grid of one clip, and the operands' vertices that it cannot hold exactly.
+class ClipGrid {
+public:
+    /// The grid over low.x <= x <= high.x, low.y <= y <= high.y.
+    ClipGrid(double lowX, double lowY, double highX, double highY)
+        : mX(lowX, highX), mY(lowY, highY) {}
+
+    /// The grid point of an operand's vertex; remembers the vertex if the way back would change it.
+    GridPoint Add(double x, double y) {
+        GridPoint const p{mX.ToGrid(x), mY.ToGrid(y)};
+        if (std::fabs(x) < mX.ExactFrom() || std::fabs(y) < mY.ExactFrom()) {
+            AddInexact(p, x, y);
+        }
+        return p;
+    }
+
+    /// To be called after the last Add() and before the first ToDoubles().
+    void FinishAdding();
+
+    /// Moves a point to the nearest one that is a pair of doubles.
+    GridPoint Snapped(GridPoint p) const {
+        mX.FromGrid(p.x);
+        mY.FromGrid(p.y);
+        return p;
+    }
+
+    /// The distances from a snapped point to the next doubles in x and in y, in steps, at least 1.
+    GridPoint Spacing(GridPoint p) const { return {mX.Spacing(p.x), mY.Spacing(p.y)}; }
+    GridPoint LargestSpacing() const { return {mX.LargestSpacing(), mY.LargestSpacing()}; }
+
+    /// The doubles of a snapped point: those of the vertex that was added there, or its own.
+    void ToDoubles(GridPoint p, double& x, double& y) const;
+
+private:
+    void AddInexact(GridPoint p, double x, double y);
+
+    struct Vertex {
+        GridPoint at;
+        double x;
+        double y;
+    };
+    GridAxis mX;
+    GridAxis mY;
+    std::vector<Vertex> mInexact;
+};
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// Numbers for points of the clipper's grid that are near each other where the points are.
+#ifndef TRAMMEL_MORTONORDER_P_H
+#define TRAMMEL_MORTONORDER_P_H
+
+#include "Grid_p.h"
+
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// The bits of PlaceOf().
+inline constexpr int kPlaceBits = 64;
+
+/// The position of the point along Morton's curve: the bits of the upper halves of x and y, in
+/// turns.
+inline std::uint64_t PlaceOf(GridPoint p) {
+    // The upper half of a coordinate, with a zero after each bit.
+    auto const spread = [](std::int64_t v) {
+        std::int64_t const limit = std::int64_t{1} << 60;
+        std::uint64_t bits =
+            static_cast<std::uint64_t>(v < limit ? v + limit : 2 * limit - 1) >> 29;
+        bits = (bits | bits << 16) & 0x0000FFFF0000FFFF;
+        bits = (bits | bits << 8) & 0x00FF00FF00FF00FF;
+        bits = (bits | bits << 4) & 0x0F0F0F0F0F0F0F0F;
+        bits = (bits | bits << 2) & 0x3333333333333333;
+        return (bits | bits << 1) & 0x5555555555555555;
+    };
+    return spread(p.x) << 1 | spread(p.y);
+}
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// Exact predicates on the clipper's grid.
+#ifndef TRAMMEL_PREDICATES_P_H
+#define TRAMMEL_PREDICATES_P_H
+
+#include "Grid_p.h"
+
+namespace trammel_detail {
+
+__extension__ typedef __int128 Int128;
+__extension__ typedef unsigned __int128 UInt128;
+
+/// Twice the signed area of the triangle a, b, c: positive if c lies left of the line from a to b
+/// (y up). Exact: the points' differences have 62 bits.
+inline Int128 Cross(GridPoint a, GridPoint b, GridPoint c) {
+    return static_cast<Int128>(b.x - a.x) * (c.y - a.y) -
+           static_cast<Int128>(b.y - a.y) * (c.x - a.x);
+}
+
+inline int Sign(Int128 v) { return (v > 0) - (v < 0); }
+
+/// The sign of Cross().
+inline int SideOf(GridPoint a, GridPoint b, GridPoint c) { return Sign(Cross(a, b, c)); }
+
+/// Whether b and c lie in the same direction from a, a, b and c being on one line.
+inline bool SameDirection(GridPoint a, GridPoint b, GridPoint c) {
+    return static_cast<Int128>(b.x - a.x) * (c.x - a.x) +
+               static_cast<Int128>(b.y - a.y) * (c.y - a.y) >
+           0;
+}
+
+} // namespace trammel_detail
+
+#endif

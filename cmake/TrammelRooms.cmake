@@ -1,0 +1,32 @@
+# SPDX-License-Identifier: MIT
+#
+# The library's rooms, from the bottom to the top: the lines of cmake/rooms.txt. The scripts read the
+# same file. A room that holds no file yet has no folder.
+#
+# Sets, of all rooms:
+#   TRAMMEL_ROOMS     the rooms that exist
+#   TRAMMEL_ROOM_DIRS their folders
+#   TRAMMEL_HEADERS   public headers: those without _p at the end of their name, and trammel.h
+#   TRAMMEL_SOURCES   sources, without those for certain processors (NAMEAvx2_p.cpp)
+#   TRAMMEL_AVX2_SOURCES   those
+
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/rooms.txt)
+file(STRINGS cmake/rooms.txt rooms)
+set(TRAMMEL_ROOMS)
+set(TRAMMEL_HEADERS trammel.h)
+set(TRAMMEL_SOURCES)
+foreach(room IN LISTS rooms)
+    file(GLOB headers RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS ${room}/*.h)
+    file(GLOB sources RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS ${room}/*.cpp)
+    if(headers OR sources)
+        list(APPEND TRAMMEL_ROOMS ${room})
+        list(FILTER headers EXCLUDE REGEX "_p\\.h$")
+        list(APPEND TRAMMEL_HEADERS ${headers})
+        list(APPEND TRAMMEL_SOURCES ${sources})
+    endif()
+endforeach()
+set(TRAMMEL_AVX2_SOURCES ${TRAMMEL_SOURCES})
+list(FILTER TRAMMEL_AVX2_SOURCES INCLUDE REGEX "Avx2_p\\.cpp$")
+list(FILTER TRAMMEL_SOURCES EXCLUDE REGEX "Avx2_p\\.cpp$")
+set(TRAMMEL_ROOM_DIRS ${TRAMMEL_ROOMS})
+list(TRANSFORM TRAMMEL_ROOM_DIRS PREPEND "${PROJECT_SOURCE_DIR}/")

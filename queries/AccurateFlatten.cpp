@@ -1,0 +1,473 @@
+// SPDX-License-Identifier: MIT
+//
+// Flattening in two steps: points are planned by the bend, then each chord is verified.
+//
+// The plan: a short piece of length s with curvature k leaves its chord by k·s²/8, so chords that
+// use up the tolerance e follow each other at equal steps of the integral of
+//
+//     sqrt(k/(8e)) ds = sqrt(|B' x B''| / (8e |B'|)) dt
+//
+// [Levien]. It is taken by the trapezoidal rule over a few panels, and inverted panel by panel. For
+// a cubic with B' = 3(a + 2bt + ct²), B' x B'' is 18 (a x b + (a x c) t + (b x c) t²).
+//
+// The verification: on a piece, the distance from the line through its ends is
+// 3t(1 - t)((1 - t)e1 + t·e2), where e1 and e2 are those of the control points. Its maximum is a
+// convex function of e2/e1 with the values 3/4, 4/9 and 1/sqrt(12) at 1, 0 and -1, so it is at most
+// what interpolates between these. Along the chord the curve overshoots its ends by at most 3/4 of
+// what the control points do. And as it runs from end to end, it is beside each point of the chord
+// somewhere: one bound holds for both directions of the distance. A chord that fails is divided.
+//
+// Planned points are computed and verified four at a time; only what follows from a chord that
+// fails is done one by one.
+//
+// Curves that take few chords, as most of a glyph or an icon do, are mildly bent, and a rough plan
+// does for them: the bend in the middles of four panels, one vector, as if constant on each. As its
+// chords are verified alike, it decides about the number of points only. Where one fails, a chord
+// more is tried, then the plan above.
+
+#include "AccurateCurve.h"
+#include "AccurateCurve_p.h"
+#include "AccurateFlattenForms_p.h"
+#include "AccurateFlatten_p.h"
+
+#include "CBSpline.h"
+#include "CBezier.h"
+#include "CPath.h"
+#include "Dispatch_p.h"
+#include "PointBuffer_p.h"
+#include "PolygonAppend_p.h"
+#include "TPoint.h"
+#include "TPoly.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::Deviation;
+using trammel_detail::Dot;
+using trammel_detail::FlatCubic;
+using trammel_detail::FlatPlan;
+using trammel_detail::FlatRun;
+using trammel_detail::Pt;
+using trammel_detail::ScaledPoints;
+using trammel_detail::Square;
+using trammel_detail::Taxicab;
+
+/// The finest tolerance, as a part of the control vectors' magnitudes. Rounding moves computed
+/// distances from chords by 2^-49 of these.
+constexpr double kFinest = 0x1p-40;
+/// The part of the tolerance for which points are planned, so that few chords have to be divided.
+constexpr double kPlanned = 0.97;
+/// What is bent more is not divided into few chords: where a second difference of the control
+/// points is longer than this many tolerances. By n equal steps of the parameter a curve keeps the
+/// tolerance where none is longer than 4n²/3 tolerances; ten such steps are some eight of equal
+/// bend.
+constexpr double kMostFewBend = 400.0 / 3.0;
+/// The part of a piece that a division at a turn leaves at least on either side.
+constexpr double kLeastPart = 0.05;
+/// Divisions of a chord at most: its parameters are neighbours then.
+constexpr std::size_t kMostPending = 56;
+
+/// A point of the curve relative to P0, with a third of the derivative.
+struct Place {
+    double t;
+    Pt at;
+    Pt v;
+};
+
+/// A cubic as a polynomial relative to P0.
+class Cubic {
+public:
+    explicit Cubic(ScaledPoints<4> const& p)
+        : mA(p[1] - p[0]), mB((p[2] - p[1]) - mA), mEnd(p[3] - p[0]), mEndV(p[3] - p[2]),
+          mSize(Taxicab(mA) + Taxicab(p[2] - p[1]) + Taxicab(mEndV)) {
+        mC = (mEndV - (p[2] - p[1])) - mB;
+    }
+    FlatCubic Flat() const {
+        return {mA.h, mA.v, mB.h, mB.v, mC.h, mC.v, mEnd.h, mEnd.v, mEndV.h, mEndV.v};
+    }
+    double Size() const { return mSize; }
+    Place Start() const { return {0.0, Pt(), mA}; }
+    /// At 1, the end exactly.
+    Place At(double t) const {
+        if (t == 1.0) {
+            return {t, mEnd, mEndV};
+        }
+        Pt const rise = mC * t;
+        return {t, (mA * 3.0 + (mB * 3.0 + rise) * t) * t, mA + (mB * 2.0 + rise) * t};
+    }
+    /// Where to divide the piece between two places: where it turns back along its chord, so that
+    /// straight curves need no more points than turns; in the middle if it does not, or only near
+    /// an end, where a point would gain little.
+    double Split(Place const& p0, Place const& p1, double tolerance) const {
+        Pt d = p1.at - p0.at;
+        if (Square(d) <= tolerance * tolerance) {
+            d = Square(p0.v) > Square(p1.v) ? p0.v : p1.v;
+        }
+        double const a = Dot(mA, d);
+        double const b = Dot(mB, d);
+        double const c = Dot(mC, d);
+        double const width = p1.t - p0.t;
+        double const middle = p0.t + 0.5 * width;
+        double const root = std::sqrt(std::max(b * b - a * c, 0.0));
+        double const s = b >= 0.0 ? -(b + root) : root - b;
+        double best = middle;
+        double nearest = (0.5 - kLeastPart) * width;
+        for (double const t : {s / c, a / s}) {
+            if (std::abs(t - middle) < nearest) {
+                best = t;
+                nearest = std::abs(t - middle);
+            }
+        }
+        return best;
+    }
+
+private:
+    Pt mA;
+    Pt mB;
+    Pt mC;
+    Pt mEnd;
+    Pt mEndV;
+    double mSize;
+};
+
+Deviation<double> DeviationOf(Place const& p0, Place const& p1, Pt const& d, double square) {
+    return trammel_detail::DeviationOf(p1.t - p0.t, d.h, d.v, square, p0.v.h, p0.v.v, p1.v.h,
+                                       p1.v.v);
+}
+
+/// True when the piece keeps the distance from its chord.
+bool Keeps(Place const& p0, Place const& p1, double tolerance) {
+    Pt const d = p1.at - p0.at;
+    double const square = Square(d);
+    double const limit = tolerance * tolerance;
+    if (square <= limit) {
+        // Hardly a chord: the whole hull is within the tolerance of the piece's start.
+        double const h = p1.t - p0.t;
+        double const reach = std::sqrt(std::max(Square(p0.v), Square(p1.v))) * h;
+        return std::sqrt(square) + reach <= tolerance;
+    }
+    Deviation<double> const off = DeviationOf(p0, p1, d, square);
+    return off.across * off.across + off.along * off.along <= limit * square;
+}
+
+/// True when a few chords may do.
+bool HardlyBent(FlatCubic const& c, double tolerance) {
+    double const most = kMostFewBend * tolerance;
+    return trammel_detail::SquaredBend(c) <= most * most;
+}
+
+/// True when the chord from start to end is longer than the tolerance and keeps it.
+bool KeepsAsAWhole(FlatCubic const& c, double tolerance) {
+    double const square = c.endH * c.endH + c.endV * c.endV;
+    double const limit = tolerance * tolerance;
+    Deviation<double> const off =
+        trammel_detail::DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
+    return limit < square && off.across * off.across + off.along * off.along <= limit * square;
+}
+
+/// A bound on the piece's distance from its chord.
+double DistanceOf(Place const& p0, Place const& p1) {
+    Pt const d = p1.at - p0.at;
+    double const square = Square(d);
+    double const h = p1.t - p0.t;
+    double const reach = std::sqrt(square) + h * std::sqrt(std::max(Square(p0.v), Square(p1.v)));
+    if (square == 0.0) {
+        return reach;
+    }
+    Deviation<double> const off = DeviationOf(p0, p1, d, square);
+    return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
+}
+
+/// What the bend divided by the speed is multiplied by for the plan. A power of two in the input
+/// cancels in front of the root then, so that it changes nothing.
+double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
+
+// The forms for this processor.
+
+double PlanFlattening(FlatCubic const& curve, double scale, FlatPlan& plan) {
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        return trammel_detail::PlanFlatteningAvx2(curve, scale, plan);
+    }
+#endif
+    return trammel_detail::PlanFlatteningPortable(curve, scale, plan);
+}
+
+void NextFlatRun(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        trammel_detail::NextFlatRunAvx2(curve, tolerance, plan, run);
+        return;
+    }
+#endif
+    trammel_detail::NextFlatRunPortable(curve, tolerance, plan, run);
+}
+
+int FewChords(FlatCubic const& curve, double tolerance, FlatRun& run) {
+    double const scale = ScaleFor(tolerance);
+#ifdef TRAMMEL_AVX2_KERNELS
+    if (trammel_detail::HasWideVectors()) {
+        return trammel_detail::FewChordsAvx2(curve, scale, tolerance, run);
+    }
+#endif
+    return trammel_detail::FewChordsPortable(curve, scale, tolerance, run);
+}
+
+/// Where on the curve the points are to lie, and the points.
+class Plan {
+public:
+    Plan(FlatCubic const& curve, double tolerance) : mCurve(curve), mTolerance(tolerance) {
+        mTotal = PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
+    }
+    /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
+    /// many.
+    int Divide(int most) {
+        double const chords = std::max(1.0, std::ceil(mTotal)); // may be beyond any integer
+        mPlan.chords = chords < most ? static_cast<int>(chords) : most;
+        mPlan.step = mTotal / mPlan.chords;
+        mPlan.perChord = mPlan.chords / mTotal;
+        mPlan.panel = 0;
+        mPlan.done = 0;
+        return mPlan.chords;
+    }
+    /// Computes the next points; false when there are none.
+    bool Next(FlatRun& run) {
+        NextFlatRun(mCurve, mTolerance, mPlan, run);
+        return run.count > 0;
+    }
+
+private:
+    FlatCubic const& mCurve;
+    double mTolerance;
+    double mTotal; ///< chords, not yet rounded
+    FlatPlan mPlan;
+};
+
+Place Get(FlatRun const& run, int i) {
+    return {run.t[i], Pt(run.h[i], run.v[i]), Pt(run.dh[i], run.dv[i])};
+}
+
+void Set(FlatRun& run, int i, Place const& p) {
+    run.t[i] = p.t;
+    run.h[i] = p.at.h;
+    run.v[i] = p.at.v;
+    run.dh[i] = p.v.h;
+    run.dv[i] = p.v.v;
+}
+
+/// Delivers the points after P0 relative to P0, the last one excepted, one by one or as
+/// deliver.Run(h, v, count); returns the distance kept.
+template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
+    double const finest = kFinest * curve.Size();
+    double const tolerance = asked > finest ? asked : finest;
+    if (curve.Size() == 0.0) {
+        return tolerance;
+    }
+    FlatCubic const flat = curve.Flat();
+    FlatRun run;
+    if (HardlyBent(flat, tolerance)) {
+        if (KeepsAsAWhole(flat, tolerance)) {
+            return tolerance;
+        }
+        int const chords = FewChords(flat, tolerance, run);
+        if (chords > 0) {
+            deliver.Run(run.h + 1, run.v + 1, chords - 1);
+            return tolerance;
+        }
+    }
+    Plan plan(flat, tolerance);
+    constexpr int kMost = static_cast<int>(kMostFlatPoints) - 1;
+    int spare = kMost - plan.Divide(kMost); // points that may be added
+    double kept = tolerance;
+    std::array<double, kMostPending> pending;
+    Set(run, 0, curve.Start());
+    while (plan.Next(run)) {
+        for (int i = 1; i <= run.count; ++i) {
+            std::uint64_t const failing = run.failing >> static_cast<unsigned>(i - 1);
+            int const first = failing != 0 ? i + __builtin_ctzll(failing) : run.count + 1;
+            int const last = first - 1;
+            if (last >= i) {
+                deliver.Run(run.h + i, run.v + i, last - i + (run.t[last] < 1.0 ? 1 : 0));
+                i = last;
+                continue;
+            }
+            Place from = Get(run, i - 1);
+            std::size_t waiting = 0;
+            for (double t = run.t[i]; t > from.t;) {
+                Place const to = curve.At(t);
+                if (!Keeps(from, to, tolerance)) {
+                    double const split = curve.Split(from, to, tolerance);
+                    if (spare > 0 && waiting < kMostPending && split > from.t && split < t) {
+                        --spare;
+                        pending[waiting++] = t;
+                        t = split;
+                        continue;
+                    }
+                    kept = std::max(kept, DistanceOf(from, to));
+                }
+                from = to;
+                if (t < 1.0) {
+                    deliver.Point(to.at);
+                }
+                t = waiting > 0 ? pending[--waiting] : 0.0;
+            }
+        }
+        Set(run, 0, Get(run, run.count));
+    }
+    return kept;
+}
+
+/// Brings points back to where the curve is, and to the input's unit, and hands each to `use`.
+template <class Use> class EachPoint {
+public:
+    /// `dropped` is what DropCommon() returned of the points.
+    EachPoint(ScaledPoints<4> const& points, Pt const& start, Pt const& dropped, Use& use)
+        : mPoints(points), mStart(start), mDropped(dropped), mUse(use) {}
+    void Point(Pt const& relative) {
+        Pt const p = mPoints.Up(mPoints[0] + relative);
+        mUse(Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v));
+    }
+    void Run(double const* h, double const* v, int count) {
+        for (int i = 0; i < count; ++i) {
+            Point(Pt(h[i], v[i]));
+        }
+    }
+
+private:
+    ScaledPoints<4> const& mPoints;
+    Pt mStart;
+    Pt mDropped;
+    Use& mUse;
+};
+
+/// Flattens, and delivers all points in the input's unit.
+template <class Use> double FlattenAll(CBezier const& curve, double tolerance, Use use) {
+    std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
+    Pt const dropped = trammel_detail::DropCommon(points);
+    ScaledPoints<4> const p(points);
+    use(curve.P0);
+    double kept = std::numeric_limits<double>::quiet_NaN();
+    if (p.Finite()) {
+        EachPoint<Use> deliver(p, curve.P0, dropped, use);
+        kept = p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
+    }
+    use(curve.P3);
+    return kept;
+}
+
+/// Points to be appended to a polygon, the way from P0 added.
+class Appending {
+public:
+    Appending(Pt const& origin, TPolygon<double>& poly) : mOrigin(origin), mAppend{poly} {}
+    void Place(Pt const& p) { mBuffer.Add(p); }
+    void Point(Pt const& relative) { mBuffer.Add(mOrigin + relative); }
+    void Run(double const* h, double const* v, int count) {
+        static_assert(FlatRun::kRoom <= trammel_detail::kBlockPoints);
+        double* const room = mBuffer.RoomForBlock();
+        for (long i = 0; i < count; ++i) {
+            room[2 * i] = mOrigin.v + v[i];
+            room[2 * i + 1] = mOrigin.h + h[i];
+        }
+        mBuffer.AddStored(count);
+    }
+    void Finish() { mBuffer.Pass(); }
+
+private:
+    struct Append {
+        TPolygon<double>& poly;
+        void operator()(Pt const* points, int count) const {
+            trammel_detail::AppendUniquePoints(points, count, poly);
+        }
+    };
+    Pt mOrigin;
+    Append mAppend;
+    trammel_detail::PointBuffer<256, Append> mBuffer{mAppend};
+};
+
+/// Makes the lines of a path.
+struct LineMaker {
+    CPath& out;
+    double tolerance;
+    double kept = 0.0;
+    bool open = false;
+
+    void Start(Pt const& from) {
+        if (!open) {
+            Move(from);
+        }
+    }
+    void Move(Pt const& p) {
+        out.MoveTo(p);
+        open = true;
+    }
+    void Line(Pt const& from, Pt const& to) {
+        Start(from);
+        out.LineTo(to);
+    }
+    void Curve(CBezier const& curve) {
+        Start(curve.P0);
+        double const distance =
+            FlattenAll(curve, tolerance, [this](Pt const& p) { out.LineTo(p); });
+        kept = std::isnan(distance) ? distance : std::max(distance, kept);
+    }
+    void Close(Pt const& /*from*/, Pt const& /*start*/) {
+        out.ClosePath();
+        open = false;
+    }
+};
+
+} // namespace
+
+double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly) {
+    std::array<Pt, 4> flattened = {curve.P0, curve.P1, curve.P2, curve.P3};
+    trammel_detail::DropCommon(flattened);
+    ScaledPoints<4> const p(flattened);
+    if (!p.Finite() || p.Scaled()) {
+        return FlattenAll(curve, tolerance,
+                          [&poly](Pt const& point) { poly.Append(point, false); });
+    }
+    Appending points(curve.P0, poly);
+    points.Place(curve.P0);
+    double const kept = Flatten(Cubic(p), tolerance, points);
+    points.Place(curve.P3);
+    points.Finish();
+    return kept;
+}
+
+double FlattenWithin(CBSpline const& curve, double tolerance, TPolygon<double>& poly) {
+    return FlattenWithin(trammel_detail::Raised(curve), tolerance, poly);
+}
+
+double FlattenWithin(CBezier const& curve, double tolerance, CBezier::PointDataProc proc,
+                     void* data) {
+    return FlattenAll(curve, tolerance, [proc, data](Pt const& p) { proc(p, data); });
+}
+
+double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
+    CPath result;
+    LineMaker lines = {result, tolerance};
+    trammel_detail::ForEachSegment(path, lines);
+    if (out.mCtls.empty() && out.mPts.empty()) {
+        out = std::move(result);
+        return lines.kept;
+    }
+    CPath joined(out);
+    joined.mCtls.insert(joined.mCtls.end(), result.mCtls.begin(), result.mCtls.end());
+    joined.mPts.insert(joined.mPts.end(), result.mPts.begin(), result.mPts.end());
+    joined.mCurrentPt = result.mCurrentPt;
+    joined.mOpen = result.mOpen;
+    joined.mBounds.SetNull(); // rebuilt when asked for
+    out = std::move(joined);
+    return lines.kept;
+}
+
+} // namespace trammel

@@ -1,0 +1,504 @@
+// SPDX-License-Identifier: MIT
+//
+// The clipper's shortcuts against the plain ways that they stand for.
+#include "ContourOrder_p.h"
+#include "Contours_p.h"
+#include "Predicates_p.h"
+#include "Scratch_p.h"
+#include "Sweep_p.h"
+
+#include "plain/ClipCorpus.h"
+#include "plain/PlainClip.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using plain::Contour;
+using plain::Dice;
+using plain::Polygon;
+using plain::Region;
+using plain::Vertex;
+using trammel_detail::Caution;
+using trammel_detail::ClipGrid;
+using trammel_detail::EdgeTree;
+using trammel_detail::GridBox;
+using trammel_detail::GridEdge;
+using trammel_detail::GridLines;
+using trammel_detail::GridPoint;
+using trammel_detail::Meeting;
+using trammel_detail::RegionOf;
+using trammel_detail::ResolvedContours;
+
+RegionOf const kRegions[4] = {{false, true, false, false},
+                              {false, false, false, true},
+                              {false, true, true, false},
+                              {false, true, true, true}};
+
+/// The operands' lines on a grid over both.
+struct Drawing {
+    plain::Box box;
+    ClipGrid grid;
+    GridLines lines;
+
+    Drawing(Polygon const& a, Polygon const& b)
+        : box(BoxOf(a, b)), grid(box.lowX, box.lowY, box.highX, box.highY) {
+        Add(a, 1);
+        Add(b, 2);
+        grid.FinishAdding();
+    }
+    static plain::Box BoxOf(Polygon const& a, Polygon const& b) {
+        plain::Box box;
+        box.Include(a);
+        box.Include(b);
+        return box;
+    }
+
+private:
+    void Add(Polygon const& polygon, trammel_detail::Operands operand) {
+        for (Contour const& contour : polygon) {
+            for (Vertex const& v : contour) {
+                lines.points.push_back(grid.Add(v.x, v.y));
+            }
+            lines.Close(operand);
+        }
+    }
+};
+
+/// The operation's result, the parts put together by hand.
+Region Resolve(Drawing const& drawing, std::size_t operation, Caution caution) {
+    ResolvedContours resolved;
+    EXPECT_TRUE(trammel_detail::ResolveContours(drawing.lines, kRegions[operation], drawing.grid,
+                                                resolved, caution));
+    Region region;
+    for (std::size_t const c : trammel_detail::OrderContours(resolved)) {
+        Contour contour;
+        for (std::size_t i = resolved.contours.Begin(c); i < resolved.contours.End(c); ++i) {
+            Vertex v{};
+            drawing.grid.ToDoubles(resolved.contours.points[i], v.x, v.y);
+            contour.push_back(v);
+        }
+        region.contours.push_back(contour);
+        region.holes.push_back(resolved.holes[c]);
+    }
+    return region;
+}
+
+void ExpectSame(Region const& a, Region const& b) {
+    EXPECT_EQ(a.holes, b.holes);
+    ASSERT_EQ(a.contours.size(), b.contours.size());
+    for (std::size_t i = 0; i < a.contours.size(); ++i) {
+        EXPECT_EQ(a.contours[i], b.contours[i]) << "contour " << i;
+    }
+}
+
+/// To look again only where it is needed gives what looking everywhere does.
+void ExpectNothingMissed(Polygon const& a, Polygon const& b) {
+    if (!Drawing::BoxOf(a, b).HasArea()) {
+        return;
+    }
+    Drawing const drawing(a, b);
+    for (std::size_t operation = 0; operation < 4; ++operation) {
+        ExpectSame(Resolve(drawing, operation, Caution::kWhereNeeded),
+                   Resolve(drawing, operation, Caution::kEverywhere));
+    }
+}
+
+Contour RandomContour(Dice& dice, int vertices) {
+    Contour contour;
+    for (int i = 0; i < vertices; ++i) {
+        double const x = dice.Unit();
+        contour.push_back({x, dice.Unit()});
+    }
+    return contour;
+}
+
+/// Teeth, turned about the middle.
+Contour Comb(int teeth, double angle) {
+    Contour contour;
+    auto const add = [&](double x, double y) {
+        contour.push_back(
+            {x * std::cos(angle) - y * std::sin(angle), x * std::sin(angle) + y * std::cos(angle)});
+    };
+    for (int i = 0; i < teeth; ++i) {
+        double const y = static_cast<double>(i) / teeth - 0.5;
+        add(-0.49, y);
+        add(0.5, y);
+        add(0.5, y + 0.5 / teeth);
+        add(-0.49, y + 0.5 / teeth);
+    }
+    add(-0.5, 0.5);
+    add(-0.5, -0.5);
+    return contour;
+}
+
+TEST(ClipperParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
+    Dice dice(1807);
+    for (int round = 0; round < 150; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        ExpectNothingMissed({RandomContour(dice, dice.Int(3, 40)), RandomContour(dice, 5)},
+                            {RandomContour(dice, dice.Int(3, 40))});
+    }
+}
+
+TEST(ClipperParts, LookingAgainWhereNeededFindsAllInGridCases) {
+    // Most of these touch, overlap or share vertices.
+    for (plain::GridCase const& c : plain::MakeGridCases()) {
+        SCOPED_TRACE(c.name);
+        ExpectNothingMissed(c.a, c.b);
+    }
+}
+
+TEST(ClipperParts, LookingAgainWhereNeededFindsAllInCombs) {
+    // The second comb's outline lies along all teeth of the first, to within rounding.
+    for (int const teeth : {3, 25, 60}) {
+        for (double const angle : {0.0, 0.1, 0.785, 1e-9}) {
+            SCOPED_TRACE(std::to_string(teeth) + " " + std::to_string(angle));
+            ExpectNothingMissed({Comb(teeth, angle)}, {Comb(teeth, angle + 1.5707963267948966)});
+        }
+    }
+}
+
+TEST(ClipperParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
+    // Edges that cross at angles from 2^-5 down to a few units in the last place, or pass each
+    // other at such a distance: the parts next to a crossing may cross once more for rounding.
+    Dice dice(99);
+    for (int power = 5; power <= 53; ++power) {
+        SCOPED_TRACE("2^-" + std::to_string(power));
+        for (int round = 0; round < 12; ++round) {
+            Polygon fans[2];
+            for (Polygon& fan : fans) {
+                for (int i = 0; i < 6; ++i) {
+                    auto const y = [&] { return 1.3 + std::ldexp(dice.Unit(), -power); };
+                    double const left = 1 + 0.1 * dice.Unit();
+                    double const right = 2 - 0.1 * dice.Unit();
+                    double const first = y();
+                    fan.push_back({{left, first}, {right, y()}, {1.5, 1.9}});
+                }
+            }
+            ExpectNothingMissed(fans[0], fans[1]);
+        }
+    }
+}
+
+TEST(ClipperParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
+    // With few doubles across the drawing every cut moves edges by as much as their details.
+    Dice dice(64);
+    for (double const distance : {0x1p40, 0x1p48, 0x1p50, 0x1p52}) {
+        for (int round = 0; round < 30; ++round) {
+            SCOPED_TRACE(std::to_string(distance) + " " + std::to_string(round));
+            Polygon operands[2];
+            for (Polygon& operand : operands) {
+                Contour contour;
+                for (int i = 0; i < 14; ++i) {
+                    double const x = distance + dice.Int(0, 60);
+                    contour.push_back({x, distance + dice.Int(0, 60)});
+                }
+                operand.push_back(contour);
+            }
+            ExpectNothingMissed(operands[0], operands[1]);
+        }
+    }
+}
+
+TEST(ClipperParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
+    // Two squares: two crossings, of two edges each.
+    Drawing const drawing({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}}, {{{2, 1}, {6, 1}, {6, 3}, {2, 3}}});
+    for (Caution const caution : {Caution::kWhereNeeded, Caution::kEverywhere}) {
+        GridLines lines = drawing.lines;
+        trammel_detail::ScratchVector<Meeting> meetings;
+        std::optional<EdgeTree> tree;
+        ASSERT_TRUE(trammel_detail::CutAtCrossings(lines, drawing.grid, caution, meetings, tree));
+        ASSERT_EQ(lines.points.size(), 12U);
+        std::vector<std::size_t> plainOnes;
+        for (std::size_t i = 0; i < 12; ++i) {
+            if (meetings[i] >= trammel_detail::kFirstCrossing) {
+                plainOnes.push_back(i);
+            }
+        }
+        EXPECT_EQ(plainOnes.size(), caution == Caution::kWhereNeeded ? 4U : 0U);
+        for (std::size_t const i : plainOnes) {
+            EXPECT_EQ(std::count(meetings.begin(), meetings.end(), meetings[i]), 2);
+        }
+    }
+}
+
+typedef std::vector<std::pair<std::size_t, std::size_t>> Pairs;
+
+/// The pairs of edges that a tree finds, in order, each as often as it does. `fresh` of every
+/// `step`th edge is set; 0 stands for all.
+Pairs PairsFound(GridLines const& lines, std::size_t step, GridPoint margin,
+                 EdgeTree::Order order) {
+    trammel_detail::ScratchVector<char> fresh;
+    for (std::size_t i = 0; i < lines.points.size() && step > 0; ++i) {
+        fresh.push_back(i % step == 0 ? 1 : 0);
+    }
+    EdgeTree const tree(lines, fresh, margin, order);
+    Pairs found;
+    tree.ForMeetingPairs(true, [&](std::size_t i, std::size_t j, bool follow) {
+        found.emplace_back(i, j);
+        EXPECT_EQ(follow, tree.SecondOf(i) == j || tree.SecondOf(j) == i);
+    });
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+/// The same by looking at all.
+Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) {
+    std::vector<GridBox> boxes;
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        for (std::size_t i = lines.Begin(line); i < lines.End(line); ++i) {
+            std::size_t const second = i + 1 == lines.End(line) ? lines.Begin(line) : i + 1;
+            GridBox const box = trammel_detail::BoxOf(lines.points[i], lines.points[second]);
+            boxes.push_back(
+                {box.x0 - margin.x, box.y0 - margin.y, box.x1 + margin.x, box.y1 + margin.y});
+        }
+    }
+    Pairs pairs;
+    for (std::size_t i = 0; i < boxes.size(); ++i) {
+        for (std::size_t j = i + 1; j < boxes.size(); ++j) {
+            if ((step == 0 || i % step == 0 || j % step == 0) && boxes[i].Meets(boxes[j])) {
+                pairs.emplace_back(i, j);
+            }
+        }
+    }
+    return pairs;
+}
+
+TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
+    // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
+    // are fresh (8 and fewer, or one in 16), and where all are.
+    Dice dice(5);
+    GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
+    for (int const vertices : {3, 20, 24, 25, 60}) {
+        Drawing const drawing({RandomContour(dice, vertices)}, {RandomContour(dice, vertices)});
+        GridLines cut = drawing.lines;
+        trammel_detail::ScratchVector<Meeting> meetings;
+        std::optional<EdgeTree> tree;
+        ASSERT_TRUE(trammel_detail::CutAtCrossings(cut, drawing.grid, Caution::kWhereNeeded,
+                                                   meetings, tree));
+        for (GridLines const& lines : {drawing.lines, cut}) {
+            for (std::size_t const step : {0, 2, 10, 16, 40, 1000}) {
+                for (GridPoint const margin : margins) {
+                    SCOPED_TRACE(std::to_string(lines.points.size()) + " edges, fresh " +
+                                 std::to_string(step));
+                    Pairs const expected = PairsThatMeet(lines, step, margin);
+                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kLines), expected);
+                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kPlaces), expected);
+                }
+            }
+        }
+    }
+}
+
+/// Whether two segments have a point in common.
+bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
+    using trammel_detail::SideOf;
+    return trammel_detail::BoxOf(e).Meets(trammel_detail::BoxOf(f)) &&
+           SideOf(e.a, e.b, f.a) * SideOf(e.a, e.b, f.b) <= 0 &&
+           SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) <= 0;
+}
+
+TEST(ClipperParts, HatchingIsToldApartByItsSlant) {
+    // Thin slanted bars side by side, all of whose boxes meet, with a triangle across some of them.
+    std::int64_t const unit = std::int64_t{1} << 40;
+    for (auto const& [h, v] :
+         {std::pair(5, 3), std::pair(-2, 7), std::pair(1, 1), std::pair(9, -1)}) {
+        SCOPED_TRACE(std::to_string(h) + ":" + std::to_string(v));
+        GridLines lines;
+        std::int64_t const count = 150;
+        for (std::int64_t k = 0; k < count; ++k) {
+            GridPoint const a = {-v * k * 10 * unit, h * k * 10 * unit};
+            GridPoint const b = {a.x + h * 40000 * unit, a.y + v * 40000 * unit};
+            lines.points.insert(lines.points.end(), {a,
+                                                     b,
+                                                     {b.x - 4 * v * unit, b.y + 4 * h * unit},
+                                                     {a.x - 4 * v * unit, a.y + 4 * h * unit}});
+            lines.Close(1);
+        }
+        lines.points.insert(lines.points.end(), {{h * 100 * unit, v * 200 * unit},
+                                                 {h * 9000 * unit, v * 8000 * unit},
+                                                 {-v * 300 * unit, h * 400 * unit}});
+        lines.Close(2);
+        for (GridPoint const margin : {GridPoint{0, 0}, GridPoint{20 * unit, 30 * unit}}) {
+            for (std::size_t const step : {0, 2, 10}) {
+                Pairs const boxes = PairsThatMeet(lines, step, margin);
+                for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kPlaces}) {
+                    Pairs const found = PairsFound(lines, step, margin, order);
+                    EXPECT_TRUE(
+                        std::includes(boxes.begin(), boxes.end(), found.begin(), found.end()));
+                    // With a margin, bars meet their neighbours.
+                    EXPECT_LT(found.size(), boxes.size() / (margin.x == 0 && step != 10 ? 10 : 2));
+                    EdgeTree const tree(lines, trammel_detail::ScratchVector<char>(), {0, 0},
+                                        order);
+                    for (auto const& [i, j] : boxes) {
+                        GridEdge const e = tree.At(j);
+                        bool near = false;
+                        for (std::int64_t const x : {-1, 0, 1}) {
+                            for (std::int64_t const y : {-1, 0, 1}) {
+                                GridPoint const by = {x * margin.x, y * margin.y};
+                                near = near ||
+                                       SegmentsMeet(tree.At(i), {{e.a.x + by.x, e.a.y + by.y},
+                                                                 {e.b.x + by.x, e.b.y + by.y}});
+                            }
+                        }
+                        if (near) {
+                            EXPECT_TRUE(
+                                std::binary_search(found.begin(), found.end(), std::pair(i, j)))
+                                << i << ", " << j;
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+TEST(ClipperParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
+    Dice dice(17);
+    for (int const vertices : {3, 10, 60}) {
+        Polygon const a{RandomContour(dice, vertices), RandomContour(dice, 4)};
+        GridLines lines = Drawing(a, {RandomContour(dice, vertices)}).lines;
+        // Few edges have no boxes.
+        while (lines.points.size() <= 48) {
+            GridLines const once = lines;
+            for (std::size_t line = 0; line < once.Count(); ++line) {
+                for (std::size_t i = once.Begin(line); i < once.End(line); ++i) {
+                    lines.points.push_back({once.points[i].x / 2, once.points[i].y});
+                }
+                lines.Close(once.operands[line]);
+            }
+        }
+        // One edge in two is fresh, lest the tree do without boxes as most edges meet.
+        trammel_detail::ScratchVector<char> fresh;
+        for (std::size_t i = 0; i < lines.points.size(); ++i) {
+            fresh.push_back(i % 2 == 0 ? 1 : 0);
+        }
+        EdgeTree const tree(lines, fresh, {0, 0}, EdgeTree::Order::kLines);
+        ASSERT_TRUE(tree.HasBoxes());
+        for (std::size_t i = 0; i < tree.Count(); ++i) {
+            if (tree.At(i).a.y != tree.At(i).b.y) {
+                EXPECT_EQ(trammel_detail::InsideWestOf(lines, i), tree.InsideWestOf(i)) << i;
+            }
+        }
+    }
+}
+
+TEST(ClipperParts, GridPointsBecomeTheNearestDoubles) {
+    // Near zero, where a grid point counted from there fits 64 bits, and far from it.
+    Dice dice(12);
+    for (double const low : {0.0, -0.7, 0.3, 1.0, -1.9, -2.0, 2.0, 3.0, 100.0, -1e5}) {
+        trammel_detail::GridAxis const axis(low, low + 1.0);
+        double const ulp = std::nextafter(std::abs(low) + 1, 1e9) - (std::abs(low) + 1);
+        for (int round = 0; round < 500; ++round) {
+            double const v = std::min(low + dice.Unit(), low + 1.0);
+            std::int64_t const exact = axis.ToGrid(v);
+            std::int64_t g = exact;
+            if (std::abs(v) >= 0x1p-8) {
+                EXPECT_EQ(axis.FromGrid(g), v);
+                EXPECT_EQ(g, exact);
+                EXPECT_EQ(axis.OfDouble(g), v);
+            }
+            // Off it by less than half of the spacing, and by more.
+            std::int64_t const spacing = axis.Spacing(exact);
+            for (std::int64_t const off : {spacing / 2 - 1, -(spacing / 2 - 1), spacing / 4}) {
+                g = exact + off;
+                std::int64_t const before = g;
+                double const w = axis.FromGrid(g);
+                EXPECT_LE(std::abs(g - before), spacing / 2);
+                EXPECT_EQ(axis.OfDouble(g), w);
+                EXPECT_LE(std::abs(w - v), ulp);
+            }
+        }
+    }
+}
+
+TEST(ClipperParts, TiesBetweenDoublesAreRoundedToEven) {
+    // The doubles from 1 to 2 are 2^9 steps of 2^-61 apart here.
+    for (double const low : {1.0, 1.0 - 0x1p-1}) {
+        trammel_detail::GridAxis const axis(low, low + 1.0);
+        std::int64_t const even = axis.ToGrid(1.25);
+        std::int64_t const spacing = axis.Spacing(even);
+        std::int64_t g = even + spacing / 2;
+        EXPECT_EQ(axis.FromGrid(g), 1.25);
+        EXPECT_EQ(g, even);
+        g = even + spacing + spacing / 2;
+        EXPECT_EQ(axis.FromGrid(g), 1.25 + 0x1p-51);
+        EXPECT_EQ(g, even + 2 * spacing);
+        g = even + spacing / 2 + 1;
+        EXPECT_EQ(axis.FromGrid(g), 1.25 + 0x1p-52);
+        EXPECT_EQ(g, even + spacing);
+    }
+}
+
+TEST(ClipperParts, ScratchGivesItsBlockAndThenTheHeap) {
+    trammel_detail::Scratch scratch;
+    void* const first = scratch.Take(100);
+    void* const second = scratch.Take(100);
+    EXPECT_EQ(static_cast<char*>(second) - static_cast<char*>(first), 112);
+    scratch.TakeBack(second, 100);
+    EXPECT_EQ(scratch.Take(40), second);
+    // Taken back out of turn, which leaves a gap until the operation ends.
+    scratch.TakeBack(first, 100);
+    EXPECT_NE(scratch.Take(100), first);
+    void* const large = scratch.Take(1 << 20);
+    auto const address = [](void const* p) { return reinterpret_cast<std::uintptr_t>(p); };
+    EXPECT_TRUE(address(large) < address(&scratch) ||
+                address(large) >= address(&scratch) + sizeof scratch);
+    scratch.TakeBack(large, 1 << 20);
+    // Nothing, of what is left and where nothing is.
+    void* const nothing = scratch.Take(0);
+    scratch.TakeBack(nothing, 0);
+    std::vector<void*> units;
+    while (units.size() < sizeof scratch / 16) {
+        units.push_back(scratch.Take(16));
+    }
+    scratch.TakeBack(scratch.Take(0), 0);
+    while (!units.empty()) {
+        scratch.TakeBack(units.back(), 16);
+        units.pop_back();
+    }
+    trammel_detail::ScratchVector<double> vector(&scratch);
+    for (int i = 0; i < 10000; ++i) {
+        vector.push_back(i);
+    }
+    trammel_detail::ScratchVector<double> const moved = std::move(vector);
+    for (int i = 0; i < 10000; ++i) {
+        ASSERT_EQ(moved[static_cast<std::size_t>(i)], i);
+    }
+    trammel_detail::ScratchAllocator<double> allocator(&scratch);
+    EXPECT_THROW(static_cast<void>(allocator.allocate(std::numeric_limits<std::size_t>::max() / 2)),
+                 std::bad_alloc);
+}
+
+TEST(ClipperParts, TheSweepFindsTheSameRegions) {
+    Dice dice(31);
+    for (int round = 0; round < 60; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        Drawing const drawing({RandomContour(dice, dice.Int(3, 25))},
+                              {RandomContour(dice, dice.Int(3, 25))});
+        for (std::size_t operation = 0; operation < 4; ++operation) {
+            Region const cut = Resolve(drawing, operation, Caution::kWhereNeeded);
+            Drawing swept = drawing;
+            ASSERT_TRUE(
+                trammel_detail::SweepBoundary(kRegions[operation], swept.grid, swept.lines));
+            Region const region = Resolve(swept, 0, Caution::kWhereNeeded);
+            EXPECT_NEAR(plain::AreaByFlags(region), plain::AreaByFlags(cut), 1e-12);
+            EXPECT_NEAR(plain::EvenOddArea(region.contours), plain::EvenOddArea(cut.contours),
+                        1e-12);
+        }
+    }
+}
+
+} // namespace
