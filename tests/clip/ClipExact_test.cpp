@@ -123,7 +123,7 @@ void ExpectRight(Polygon const& a, Polygon const& b) {
     }
 }
 
-TEST(ClipperExact, RegionsAreRight) {
+TEST(ClipExact, RegionsAreRight) {
     plain::Dice dice(4711);
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -143,7 +143,7 @@ TEST(ClipperExact, RegionsAreRight) {
     }
 }
 
-TEST(ClipperExact, RegionsOfGridCasesAreRight) {
+TEST(ClipExact, RegionsOfGridCasesAreRight) {
     std::vector<plain::GridCase> const cases = plain::MakeGridCases();
     for (std::size_t i = 0; i < cases.size(); i += 17) {
         SCOPED_TRACE(cases[i].name);
@@ -151,7 +151,7 @@ TEST(ClipperExact, RegionsOfGridCasesAreRight) {
     }
 }
 
-TEST(ClipperExact, RegionsOfReferenceCasesAreRight) {
+TEST(ClipExact, RegionsOfReferenceCasesAreRight) {
 #ifndef TRAMMEL_CLIP_CORPUS
     GTEST_SKIP() << "TRAMMEL_CLIP_CORPUS was not set when this test was compiled";
 #else
@@ -181,7 +181,7 @@ TEST(ClipperExact, RegionsOfReferenceCasesAreRight) {
 
 #else
 
-TEST(ClipperExact, RegionsAreRight) {
+TEST(ClipExact, RegionsAreRight) {
     GTEST_SKIP() << "CGAL was not found when this test was compiled";
 }
 

@@ -143,7 +143,7 @@ Contour Comb(int teeth, double angle) {
     return contour;
 }
 
-TEST(ClipperParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
+TEST(ClipParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
     Dice dice(1807);
     for (int round = 0; round < 150; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -152,7 +152,7 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
     }
 }
 
-TEST(ClipperParts, LookingAgainWhereNeededFindsAllInGridCases) {
+TEST(ClipParts, LookingAgainWhereNeededFindsAllInGridCases) {
     // Most of these touch, overlap or share vertices.
     for (plain::GridCase const& c : plain::MakeGridCases()) {
         SCOPED_TRACE(c.name);
@@ -160,7 +160,7 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllInGridCases) {
     }
 }
 
-TEST(ClipperParts, LookingAgainWhereNeededFindsAllInCombs) {
+TEST(ClipParts, LookingAgainWhereNeededFindsAllInCombs) {
     // The second comb's outline lies along all teeth of the first, to within rounding.
     for (int const teeth : {3, 25, 60}) {
         for (double const angle : {0.0, 0.1, 0.785, 1e-9}) {
@@ -170,7 +170,7 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllInCombs) {
     }
 }
 
-TEST(ClipperParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
+TEST(ClipParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
     // Edges that cross at angles from 2^-5 down to a few units in the last place, or pass each
     // other at such a distance: the parts next to a crossing may cross once more for rounding.
     Dice dice(99);
@@ -192,7 +192,7 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
     }
 }
 
-TEST(ClipperParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
+TEST(ClipParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
     // With few doubles across the drawing every cut moves edges by as much as their details.
     Dice dice(64);
     for (double const distance : {0x1p40, 0x1p48, 0x1p50, 0x1p52}) {
@@ -212,7 +212,7 @@ TEST(ClipperParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
     }
 }
 
-TEST(ClipperParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
+TEST(ClipParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
     // Two squares: two crossings, of two edges each.
     Drawing const drawing({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}}, {{{2, 1}, {6, 1}, {6, 3}, {2, 3}}});
     for (Caution const caution : {Caution::kWhereNeeded, Caution::kEverywhere}) {
@@ -276,7 +276,7 @@ Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) 
     return pairs;
 }
 
-TEST(ClipperParts, TreesInEitherOrderFindTheSamePairs) {
+TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
     // are fresh (8 and fewer, or one in 16), and where all are.
     Dice dice(5);
@@ -310,7 +310,7 @@ bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
            SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) <= 0;
 }
 
-TEST(ClipperParts, HatchingIsToldApartByItsSlant) {
+TEST(ClipParts, HatchingIsToldApartByItsSlant) {
     // Thin slanted bars side by side, all of whose boxes meet, with a triangle across some of them.
     std::int64_t const unit = std::int64_t{1} << 40;
     for (auto const& [h, v] :
@@ -365,7 +365,7 @@ TEST(ClipperParts, HatchingIsToldApartByItsSlant) {
     }
 }
 
-TEST(ClipperParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
+TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
     Dice dice(17);
     for (int const vertices : {3, 10, 60}) {
         Polygon const a{RandomContour(dice, vertices), RandomContour(dice, 4)};
@@ -395,7 +395,7 @@ TEST(ClipperParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
     }
 }
 
-TEST(ClipperParts, GridPointsBecomeTheNearestDoubles) {
+TEST(ClipParts, GridPointsBecomeTheNearestDoubles) {
     // Near zero, where a grid point counted from there fits 64 bits, and far from it.
     Dice dice(12);
     for (double const low : {0.0, -0.7, 0.3, 1.0, -1.9, -2.0, 2.0, 3.0, 100.0, -1e5}) {
@@ -424,7 +424,7 @@ TEST(ClipperParts, GridPointsBecomeTheNearestDoubles) {
     }
 }
 
-TEST(ClipperParts, TiesBetweenDoublesAreRoundedToEven) {
+TEST(ClipParts, TiesBetweenDoublesAreRoundedToEven) {
     // The doubles from 1 to 2 are 2^9 steps of 2^-61 apart here.
     for (double const low : {1.0, 1.0 - 0x1p-1}) {
         trammel_detail::GridAxis const axis(low, low + 1.0);
@@ -442,7 +442,7 @@ TEST(ClipperParts, TiesBetweenDoublesAreRoundedToEven) {
     }
 }
 
-TEST(ClipperParts, ScratchGivesItsBlockAndThenTheHeap) {
+TEST(ClipParts, ScratchGivesItsBlockAndThenTheHeap) {
     trammel_detail::Scratch scratch;
     void* const first = scratch.Take(100);
     void* const second = scratch.Take(100);
@@ -482,7 +482,7 @@ TEST(ClipperParts, ScratchGivesItsBlockAndThenTheHeap) {
                  std::bad_alloc);
 }
 
-TEST(ClipperParts, TheSweepFindsTheSameRegions) {
+TEST(ClipParts, TheSweepFindsTheSameRegions) {
     Dice dice(31);
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
