@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+//
+// A cubic's flattening at the class-wide settings, for all that asks for its points. Not installed.
+
+#ifndef TRAMMEL_CBEZIERFLATTEN_P_H
+#define TRAMMEL_CBEZIERFLATTEN_P_H
+
+#include "CBezier.h"
+#include "Flatness_p.h"
+#include "Halve_p.h"
+#include "Integers.h"
+#include "Subdivision_p.h"
+#include "TPoint.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace trammel_detail {
+
+/// The cubic's rules for the walk of its subdivision tree.
+class BezierRules {
+public:
+    explicit BezierRules(CBezier const& whole)
+        : mSize(FlatnessFilter::SizeOf(whole)), mFilter(mSize, CBezier::mMaxError) {}
+
+    void Enter() const {
+        gCount = WrappingAdd(gCount, 1);
+        maxCount = std::max(maxCount, gCount);
+    }
+    bool Flat(CBezier const& c) {
+        // Read anew each time, as the callback may change it (and the curve, which is not looked at
+        // again).
+        if (mFilter.Tolerance() != CBezier::mMaxError) {
+            mFilter = FlatnessFilter(mSize, CBezier::mMaxError);
+        }
+        return mFilter.Flat(c);
+    }
+    void Divide(CBezier const& c, CBezier& left, CBezier& right) const { Halve(c, left, right); }
+    void Delivered() const { CBezier::mCount = WrappingAdd(CBezier::mCount, 1); }
+
+private:
+    double mSize;
+    FlatnessFilter mFilter;
+};
+
+/// Delivers the split points of `curve`, see CBezier::GenerateSegment.
+template <class Deliver>
+void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
+    BezierRules rules(curve);
+    WalkSubdivision(curve, rules, deliver, force, depth);
+}
+
+/// True when the control points coincide with their ends: a straight segment.
+inline bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
+
+/// Counts `points` deliveries and the invocations of the generator that made them: the first one,
+/// and two for each division.
+inline void CountGenerated(std::int32_t points) {
+    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    std::int32_t const invocations = 1 + 2 * points;
+    maxCount = gCount > kMost - invocations ? kMost : std::max(maxCount, gCount + invocations);
+    gCount = WrappingAdd(gCount, invocations);
+    CBezier::mCount = WrappingAdd(CBezier::mCount, points);
+}
+
+/// Stores the split points of `curve` in `run`, in order: those that GenerateSegment delivers when
+/// it is forced, with mMaxError and mRecursionLimit as they are, counters included. For callers
+/// whose use of the points changes none of these.
+template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
+    double const tolerance = CBezier::mMaxError;
+    int const levels = std::max(CBezier::mRecursionLimit - 1, 1);
+    if (levels <= kMostBlockLevels) {
+        FlatnessFilter const filter(FlatnessFilter::SizeOf(curve), tolerance);
+        if (filter.Judges()) {
+            CountGenerated(DivideInBlocks(curve, filter, levels, run));
+            return;
+        }
+    }
+    auto deliver = [&run](TPoint<double> const& pt) { run.Add(pt); };
+    Generate(curve, deliver, true, CBezier::mRecursionLimit);
+}
+
+/// Stores the points of the flattened curve in `run`, ends included, duplicates not left out.
+template <class Run> void FlattenTo(CBezier const& curve, double error, Run& run) {
+    gCount = 0;
+    CurveErrorScope<CBezier> const scope(error);
+    run.Add(curve.P0);
+    if (!IsStraight(curve)) {
+        GenerateForced(curve, run);
+    }
+    run.Add(curve.P3);
+}
+
+} // namespace trammel_detail
+
+#endif
