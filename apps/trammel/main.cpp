@@ -57,18 +57,9 @@ int Run(int argc, char** argv) {
     app.set_version_flag("--version", "trammel " TRAMMEL_APP_VERSION);
     app.require_subcommand(1);
     app.footer("trammel COMMAND --help tells more. Coordinates are h,v: rightward and downward.");
-    tool::AddMeasure(app);
-    tool::AddPoint(app);
-    tool::AddNearest(app);
-    tool::AddHit(app);
-    tool::AddFlatten(app);
-    tool::AddCut(app);
-    tool::AddTransform(app);
-    tool::AddHatch(app);
-    tool::AddText(app);
-    tool::AddCombine(app);
-    tool::AddPolygons(app);
-    tool::AddGallery(app);
+    for (auto const add : tool::kCommands) {
+        add(app);
+    }
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const& e) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The commands of the tool. Each function adds one subcommand, whose callback does the work and
-// throws tool::Error when it cannot be done.
+// The commands of the tool. A new command NAME is a file NAMECommand.cpp in this folder, a
+// declaration here and an entry in the list below.
 
 #ifndef TRAMMEL_APP_COMMANDS_H
 #define TRAMMEL_APP_COMMANDS_H
@@ -11,6 +11,9 @@ class App;
 }
 
 namespace tool {
+
+// Each function adds one subcommand. Its callback does the work and throws tool::Error when the
+// work cannot be done.
 
 void AddMeasure(CLI::App& app);
 void AddPoint(CLI::App& app);
@@ -24,6 +27,12 @@ void AddText(CLI::App& app);
 void AddCombine(CLI::App& app);
 void AddPolygons(CLI::App& app);
 void AddGallery(CLI::App& app);
+
+/// All commands, in the order in which the help lists them.
+inline constexpr void (*kCommands[])(CLI::App& app) = {
+    AddMeasure,   AddPoint, AddNearest, AddHit,     AddFlatten,  AddCut,
+    AddTransform, AddHatch, AddText,    AddCombine, AddPolygons, AddGallery,
+};
 
 } // namespace tool
 

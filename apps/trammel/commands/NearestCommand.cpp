@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Outlines.h"
-#include "../Output.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
 
 #include <trammel/UScalar.h>
 

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-#include "../Gallery.h"
-
 #include "Commands.h"
-
-#include "../Drawing.h"
-#include "../Error.h"
-#include "../FontReader.h"
-#include "../Output.h"
-#include "../Picture.h"
-#include "../Progress.h"
+#include "Drawing.h"
+#include "Error.h"
+#include "FontReader.h"
+#include "Gallery.h"
+#include "Output.h"
+#include "Picture.h"
+#include "Progress.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,15 +1,14 @@
 // SPDX-License-Identifier: MIT
 
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Outlines.h"
-#include "../Output.h"
-#include "../OwnedPolygon.h"
-#include "../Progress.h"
-#include "../SvgShapes.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "OwnedPolygon.h"
+#include "Progress.h"
+#include "SvgShapes.h"
 
 #include <trammel/Handles.h>
 #include <trammel/UFPoly.h>

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-#include "../Hatch.h"
-
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Output.h"
-#include "../Progress.h"
+#include "Error.h"
+#include "Hatch.h"
+#include "Numbers.h"
+#include "Output.h"
+#include "Progress.h"
 
 #include <trammel/UTrigonometry.h>
 

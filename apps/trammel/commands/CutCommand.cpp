@@ -1,13 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#include "../Cut.h"
-
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Output.h"
+#include "Cut.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Output.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-#include "../Combine.h"
-
+#include "Combine.h"
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Outlines.h"
-#include "../Output.h"
-#include "../Progress.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "Progress.h"
 
 #include <CLI/CLI.hpp>
 

@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: MIT
 
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../Numbers.h"
-#include "../Outlines.h"
-#include "../Output.h"
-#include "../Progress.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "Progress.h"
 
 #include <CLI/CLI.hpp>
 

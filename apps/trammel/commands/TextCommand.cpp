@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 
+#include "CommandSupport.h"
 #include "Commands.h"
-#include "Common.h"
-
-#include "../Error.h"
-#include "../FontReader.h"
-#include "../Numbers.h"
-#include "../Outlines.h"
-#include "../Output.h"
-#include "../TextAlong.h"
+#include "Error.h"
+#include "FontReader.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "TextAlong.h"
 
 #include <CLI/CLI.hpp>
 

@@ -3,11 +3,11 @@
 // What several commands share: the input file and the choice of outlines in it, the output file,
 // JSON.
 
-#ifndef TRAMMEL_APP_COMMON_H
-#define TRAMMEL_APP_COMMON_H
+#ifndef TRAMMEL_APP_COMMANDSUPPORT_H
+#define TRAMMEL_APP_COMMANDSUPPORT_H
 
-#include "../Drawing.h"
-#include "../Picture.h"
+#include "Drawing.h"
+#include "Picture.h"
 
 #include <nlohmann/json.hpp>
 

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-#include "Common.h"
+#include "CommandSupport.h"
 
-#include "../Error.h"
-#include "../Outlines.h"
+#include "Error.h"
+#include "Outlines.h"
 
 #include <CLI/CLI.hpp>
 
