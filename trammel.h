@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Everything in the library, but for the additions that need other libraries' headers: include
 // CairoSink.h yourself.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CBSpline: one quadratic segment (three points, the quadratic Bezier form).
 //
 // The curve runs from P0 to P2, pulled toward P1. It offers what it takes to turn such a segment

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CBezier: one cubic Bezier segment.
 //
 // Four points: the curve runs from P0 (parameter 0) to P3 (parameter 1), leaving toward P1 and

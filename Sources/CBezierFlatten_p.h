@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // A cubic's flattening at the class-wide settings, for all that asks for its points. Not installed.
 
 #ifndef TRAMMEL_CBEZIERFLATTEN_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CFPoint: the fixed-point point, 16.16 in each coordinate, with the layout of the platform's
 // FPoint. A plain value; no shared state. It is no FPoint by derivation: a silent conversion to one
 // would let truncation replace the rounding that the conversions here choose.

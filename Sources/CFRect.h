@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CFRect: the fixed-point rectangle, 16.16 in each field, with the layout of the platform's FRect.
 // A plain value; no shared state. It is no FRect by derivation: a silent conversion to one would
 // let truncation replace the rounding that the conversions here choose.

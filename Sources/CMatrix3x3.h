@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CMatrix3x3: the two-dimensional affine transform.
 //
 // The six variable entries of a 3x3 matrix whose third column is (0, 0, 1), and a word that tells

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CPath: the general outline, a sequence of moves, lines, cubic curves and closes.
 //
 // Built element by element under joining rules that absorb degenerate input: a line of no length, a

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CPathActions: the visitor of a path.
 //
 // Derive from it, override the element operations that matter, and hand the object to

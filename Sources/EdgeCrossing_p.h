@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The edge step of the even-odd containment test, shared by both polygon kinds. Not installed.
 
 #ifndef TRAMMEL_EDGECROSSING_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // FPolygon: the record that a handle polygon's block holds, exchanged with applications as it
 // stands. CFPolygonRef is the class to work with; this is the raw layout.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Is a piece of a cubic flat? The literal answer, a filter that gives it faster, and the walk over
 // a curve's pieces that makes most of the filter. Not installed.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // A cubic divided at its middle, inline. Not installed.
 
 #ifndef TRAMMEL_HALVE_P_H

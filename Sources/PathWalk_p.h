@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Walks along a path's elements and segments, and the cutting of a piece, for all that measures
 // paths. Not installed.
 

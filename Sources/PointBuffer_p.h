@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Points on their way from where they are made to where they are used, many at a time. Not
 // installed.
 

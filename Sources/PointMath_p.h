@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Small formulas on points and vectors. Not installed.
 
 #ifndef TRAMMEL_POINTMATH_P_H

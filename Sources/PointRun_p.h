@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Loops over the points of both polygon kinds, as they lie in their blocks. Not installed.
 //
 // A run begins at any address: a handle polygon's points are misaligned for doubles. Results are

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Many points appended to a polygon at once. Not installed.
 
 #ifndef TRAMMEL_POLYGONAPPEND_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How near to a point a segment can come, for searches that leave out what is too far. Not
 // installed.
 

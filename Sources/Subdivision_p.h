@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The walk of a curve's subdivision tree, shared by the cubic and the quadratic. Not installed.
 
 #ifndef TRAMMEL_SUBDIVISION_P_H

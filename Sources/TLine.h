@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // TLine: a directed segment of two points, which serves as the infinite line through them as well.
 //
 // As a segment it has a length, a parameter (0 at mStart, 1 at mEnd), a hit test and segment

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // TPolygon: the point-list polygon, and the record CPolygon in which it keeps its state.
 //
 // An ordered list of vertices with a closed flag and a cached bounding rectangle, in one

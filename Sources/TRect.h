@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // TRect: the axis-aligned rectangle.
 //
 // A plain value made of two TPoint corners, in the field order of the platform's Rect: top, left,

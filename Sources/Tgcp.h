@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Polygon boolean operations: union, intersection, difference and exclusive-or of polygons of any
 // number of contours, holes included.
 //

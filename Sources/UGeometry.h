@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Circle utilities: from points that a user picked to the bounding square of a circle, and the hit
 // test of a segment given by its points. A circle is represented by its bounding rectangle, as wide
 // as high. Nothing is reported; NaN and infinities propagate. Stateless, safe from any thread.

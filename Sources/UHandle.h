@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Block helpers: the operations on relocatable memory blocks (Handles.h) that both polygon kinds
 // share. Memory errors are not reported: a block that cannot grow stays as it is. Different blocks
 // may be used from different threads.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Numeric hygiene: finds NaN, infinite and absurdly large coordinates, replaces them by zero and
 // reports them through the platform log (see NSLog in Log.h).
 //

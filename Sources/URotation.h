@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Rotation helpers: a process-wide rotation that is set once and applied to many points, and a
 // second, independent one that serves to undo it. Both are all-zero tables before they are set:
 // every point then maps to (0, 0). For rotations that are values use CMatrix3x3.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Scalar and point helpers: ordering, clamping, interpolation, distances, tolerant equality.
 // Stateless, safe from any thread. Each template exists for the types it names and for no others.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Trigonometric scalar helpers: angle units, and a sine/cosine pair that is exact at the
 // quadrant angles. Angles are radians unless a name says degrees. Stateless, safe from any thread.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The lookup table of the most-significant-bit-first (non-reflected) CRC-32 with the generator
 // polynomial 0x04C11DB7, as CRC-32/MPEG-2 and CRC-32/BZIP2 use it. Initial value, byte-wise update
 // and final exclusive-or are the client's:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How far are the results from the truth? Not times but errors, in the counters; docs/numerics.md
 // quotes them. Lengths are compared with Gauss-Legendre quadrature of the speed, flattenings and
 // nearest points with the curve itself, sampled densely.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What do the queries to a stated accuracy cost, and how accurate are they? One iteration is one
 // call on the next curve or outline. Beside the time stand, in units of the accuracy asked for, the
 // `worst` deviation from the truth and the one that 95 of 100 results do not exceed (`p95`).

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the library adds to its own calls, at the works that are compared (Compare.h):
 //
 //     trammel-accurate   AccurateCurve.h, to an accuracy of 0.001 units where no other is named

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What do union, intersection, difference and exclusive-or of polygons cost, and what do they cost
 // in other libraries? One iteration is one operation on a pair of polygons; names are
 // Boolean/KIND/VERTICES/OPERATION/LIBRARY. Each library starts from operands in its own form, and

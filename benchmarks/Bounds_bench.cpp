@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How fast are bounds computed when nothing is cached? Items are points, of 10, 1,000
 // and 100,000 in turn.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What does it cost to build a path? Outlines rebuilt element by element (one iteration is one
 // outline), circles of four arcs and rounded rectangles (one iteration is one shape in a new path).
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What does it cost to clip a line by a polygon, as hatching does? A star of 10 to 10,000 vertices,
 // crossed more often the more it has, and the flattened outlines of a font, one iteration being one
 // line across the next outline.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Work that is done by several: by the library, by its plain form (plain/Plain.h) and by other
 // libraries (peers/Works.h). All are measured in one run, so that the ratios hold whatever else the
 // machine does: a benchmark is named

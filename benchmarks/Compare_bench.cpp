@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How does the library compare with its plain form? The same work in the same order, results alike
 // to the last bit (Compare.h says how it is measured). `script/bench --ratios` prints the table.
 //

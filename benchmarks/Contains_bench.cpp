@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How fast is point-in-polygon, for both polygon kinds, at 4, 10, 1,000 and 100,000 vertices? Of a
 // star, whose long edges cross every height many times, and of a smooth outline, which most heights
 // cross twice. One iteration is one point; `edges` counts edges per second, so that a cost that

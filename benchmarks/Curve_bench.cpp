@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What do the measurements on one curve cost? Its length, the parameter nearest to a point, a hit
 // test of a point at a drawing's tolerance. One iteration is one call on the next curve.
 //

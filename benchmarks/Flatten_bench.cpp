@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How fast does a curve become points? Fine: at 0.001, the tolerance of lengths; coarse: at 0.1,
 // that of a drawing. Into a new polygon and into a callback that does nothing. `points` counts the
 // points of the flattened curves per second.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the benchmarks work on: random curves and outlines of the size of a drawing, the same in
 // every run, and the outlines of real fonts and icons.
 //

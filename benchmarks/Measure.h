@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The loop that the benchmarks on curves and outlines share.
 
 #ifndef TRAMMEL_MEASURE_H

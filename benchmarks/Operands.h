@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the boolean operations are measured on: pairs of polygons of a kind and about a size, the
 // same in every run.
 

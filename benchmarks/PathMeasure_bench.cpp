@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What does measuring an outline once bring? The questions of Path_bench.cpp put to a PathMeasure
 // (Measure...), and for comparison to the path itself (Path...), on outlines of 10 to 100,000
 // segments: lines, curves, or lines and curves in turn. One iteration is one question; making the

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What do the measurements on a whole outline cost? Its length, the point at a fraction of it, the
 // fraction nearest to a point, a piece cut out. One iteration is one call on the next outline.
 //

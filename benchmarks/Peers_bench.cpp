@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The works of Compare_bench.cpp in other libraries, those that are found when this is configured.
 // Each starts from its own form of the input; what it takes to get there is not measured.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // When does preparing a polygon for containment pay, and how does it compare with another library's
 // prepared polygon? Names are Prepared/SHAPE/VERTICES/WHAT/WHO:
 //   ask        one point, all prepared                 one iteration is one point

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How fast is SVG path text read and written? Bytes are those of the text; one iteration is the
 // text of the next outline.
 //

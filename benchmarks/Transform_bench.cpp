@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How fast do coordinates go through a matrix: as an array of points, as a polygon of either kind,
 // as a path? Items are points, of 10, 1,000 and 100,000 in turn.
 //

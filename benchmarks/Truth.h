@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What results are compared with when it is asked how far they are from the truth: quadrature for
 // lengths, dense sampling for distances, each far finer than what is judged.
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "ContourOrder_p.h"
 
 #include "Predicates_p.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The order in which the clipper lists contours and their vertices.
 #ifndef TRAMMEL_CONTOURORDER_P_H
 #define TRAMMEL_CONTOURORDER_P_H

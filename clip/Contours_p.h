@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // From closed lines on the clipper's grid to the contours of the region that they bound.
 #ifndef TRAMMEL_CONTOURS_P_H
 #define TRAMMEL_CONTOURS_P_H

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Crossings_p.h"
 
 #include "Predicates_p.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Cutting closed lines on the clipper's grid where they meet.
 #ifndef TRAMMEL_CROSSINGS_P_H
 #define TRAMMEL_CROSSINGS_P_H

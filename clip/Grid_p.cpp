@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Grid_p.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Between doubles and the clipper's integer grid.
 #ifndef TRAMMEL_GRID_P_H
 #define TRAMMEL_GRID_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Closed lines on the clipper's grid, and a tree of boxes over their edges.
 #ifndef TRAMMEL_LINES_P_H
 #define TRAMMEL_LINES_P_H

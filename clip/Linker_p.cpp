@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Linker_p.h"
 
 #include "MortonOrder_p.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Linking the edges that bound a region to contours that do not cross.
 #ifndef TRAMMEL_LINKER_P_H
 #define TRAMMEL_LINKER_P_H

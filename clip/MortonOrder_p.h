@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Numbers for points of the clipper's grid that are near each other where the points are.
 #ifndef TRAMMEL_MORTONORDER_P_H
 #define TRAMMEL_MORTONORDER_P_H

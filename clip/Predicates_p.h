@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Exact predicates on the clipper's grid.
 #ifndef TRAMMEL_PREDICATES_P_H
 #define TRAMMEL_PREDICATES_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Where the clipper keeps what it works with: on the stack for small operands, on the heap beyond.
 #ifndef TRAMMEL_SCRATCH_P_H
 #define TRAMMEL_SCRATCH_P_H

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Sweep_p.h"
 
 #include <polyclipping/clipper.hpp>

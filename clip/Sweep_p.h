@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The boundary of a boolean operation's result by libpolyclipping's sweep.
 #ifndef TRAMMEL_SWEEP_P_H
 #define TRAMMEL_SWEEP_P_H

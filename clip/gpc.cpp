@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's C interface.
 //
 // Each operation is: doubles to a grid of integers fitted to the operands; their edges cut wherever

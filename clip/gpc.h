@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 /*
  * Boolean operations on polygons: the C interface of the polygon clipper.
  *

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-#
+
 # Finds the General Polygon Clipper: the header gpc.h and the library gpc, or gpcl.
 #
 #   GPC_FOUND         both are there, and the library has gpc_polygon_clip

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-#
+
 # The polygon clipper: the General Polygon Clipper where the system has it, or our own provider of the
 # same C interface over libpolyclipping. <trammel/gpc.h> is installed in both cases.
 #

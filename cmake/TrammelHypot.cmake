@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # Does the inlined hypot (kernels/Hypot_p.h) give the bits of the C library's? Found out by running
 # the two side by side; where that cannot be done (cross-compiling), the C library's is called.
 

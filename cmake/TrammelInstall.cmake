@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # What `cmake --install` lays down: library, headers, CMake package, pkg-config file, licence.
 
 include(CMakePackageConfigHelpers)

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-#
+
 # The library's rooms, from the bottom to the top: the lines of cmake/rooms.txt. The scripts read the
 # same file. A room that holds no file yet has no folder.
 #

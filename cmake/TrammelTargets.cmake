@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # Settings of the targets that are built in this repository, and of no one else's.
 
 # trammel_own_target(NAME): warnings, source names in messages relative to the repository, and the

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Run by the configuration: does our inlined hypot give this C library's bits? Ends with 0 when it
 // does for all pairs tried.
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/AccurateCurve.h>
 #include <trammel/TPoly.h>
 

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # Runs PROGRAM and compares what it prints with the file EXPECTED.
 
 execute_process(COMMAND "${PROGRAM}" RESULT_VARIABLE status OUTPUT_VARIABLE output)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/CFPolygonRef.h>
 
 #include <cstdio>

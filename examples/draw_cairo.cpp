@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/CairoSink.h>
 #include <trammel/UTrigonometry.h>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/CBezier.h>
 #include <trammel/TPoly.h>
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/Log.h>
 #include <trammel/UHygiene.h>
 

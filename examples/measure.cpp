@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/PathMeasure.h>
 #include <trammel/UTrigonometry.h>
 

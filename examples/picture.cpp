@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Prints the picture at the head of README.md, docs/images/picture.svg: the outline of the first
 // example with its middle half, its tenths, and the nearest points to some others.
 #include <trammel/SvgPath.h>

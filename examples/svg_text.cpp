@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/CMatrix3x3.h>
 #include <trammel/SvgPath.h>
 

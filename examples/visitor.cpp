@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include <trammel/CPath.h>
 #include <trammel/TLine.h>
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // SvgPath: outlines as SVG path text, the language of the `d` attribute.
 //
 // ReadSvgPath understands the whole grammar: the commands M L H V C S Q T A Z in absolute and

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The targets behind libFuzzer: trammel_fuzz --target=NAME [OPTION...] [FOLDER...].
 
 #include "Targets.h"

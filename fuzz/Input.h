@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Bytes read as the numbers, points and texts that the targets work on. Any bytes are an input;
 // past their end there are zeros.
 

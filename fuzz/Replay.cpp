@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The targets without a fuzzer, for every compiler:
 //
 //     trammel_replay TARGET FILE...     runs the inputs in these files

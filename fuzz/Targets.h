@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What is fuzzed: each target reads an input as calls of one family, makes them, and ends the
 // program where what comes back is not what it has to be. README.md says how they are run.
 

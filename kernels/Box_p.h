@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // A rectangle as its least and its greatest coordinates, for every kind of number. Not installed.
 //
 // Two differences to TRect: a new box is empty instead of being the point (0, 0), and the edges

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Report of a broken precondition.
 #ifndef TRAMMEL_ASSERTION_P_H
 #define TRAMMEL_ASSERTION_P_H

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "FixedPoint.h"
 
 #include <cmath>

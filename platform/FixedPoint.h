@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // 16.16 fixed-point numbers.
 #ifndef TRAMMEL_FIXEDPOINT_H
 #define TRAMMEL_FIXEDPOINT_H

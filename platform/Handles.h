@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Relocatable memory blocks behind handles.
 #ifndef TRAMMEL_HANDLES_H
 #define TRAMMEL_HANDLES_H

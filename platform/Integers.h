@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Conversions to integers, and integer arithmetic, that are defined for every operand.
 #ifndef TRAMMEL_INTEGERS_H
 #define TRAMMEL_INTEGERS_H

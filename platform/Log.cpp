@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Log.h"
 
 #include <atomic>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The diagnostic log.
 #ifndef TRAMMEL_LOG_H
 #define TRAMMEL_LOG_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The drawing layer's path: a reference-counted list of segments, and the table that lets a 32-bit
 // record field stand for one.
 #ifndef TRAMMEL_PATHOBJECT_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The geometry records of the platform's drawing, printing and user-interface layers. They are
 // plain data: no constructors, uninitialised unless a value is given, copied byte by byte.
 #ifndef TRAMMEL_RECORDS_H

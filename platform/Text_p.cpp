@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Text_p.h"
 
 #include <charconv>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Numbers as text, the same in every locale.
 #ifndef TRAMMEL_TEXT_P_H
 #define TRAMMEL_TEXT_P_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The mark that makes a symbol part of the shared library's interface.
 #ifndef TRAMMEL_TRAMMELEXPORT_H
 #define TRAMMEL_TRAMMELEXPORT_H

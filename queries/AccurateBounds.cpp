@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Bounds from the zeros of the derivative in each coordinate.
 
 #include "AccurateCurve.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // AccurateCurve: length, nearest point, flattening and bounds of curves, each to an accuracy that
 // the caller names and that is kept.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the accurate queries on curves share: control points brought to an ordinary magnitude, and
 // the walk over a path's segments. Not installed.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The arithmetic of flattening for every processor.
 
 #include "AccurateFlattenForms_p.h"

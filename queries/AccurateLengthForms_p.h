@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The integral of a curve's speed, written for any kind of pack (Pack_p.h). Included by the files
 // that compile it for one kind each, and by the test of its parts. AccurateLength.cpp tells the
 // method. Not installed.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The nearest point by subdivision of the squared distance.
 //
 // Seen from the point asked about, a piece of the curve has four control vectors q, and its squared

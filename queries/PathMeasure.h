@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // PathMeasure: an outline measured once, for many questions about it.
 //
 // CPath keeps no lengths: each of its measuring calls measures every curve again. A PathMeasure is

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // How the answer stays that of the formula. CrossesBefore(a, b, p) computes, for a height v = p.v
 // between the edge's ends,
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // PreparedPolygon: point-in-polygon for many points and one polygon.
 //
 // The polygons' own Contains looks at every edge for every point. This class looks once, puts the

@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # What the scripts beside this file share; sourced by them, not run.
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."

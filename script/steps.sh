@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # The frame of script/test and script/gate, which source it.
 #
 # Both scripts run steps in order, and the first step that fails ends the run. The last line of output

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CGPathBuilder: ready builders that make the drawing layer's path of a handle polygon.
 //
 //     CFPolygonRef::SetBuilPathProc(trammel::BuildPath);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CairoSink: draws paths, and the drawing layer's paths, with Cairo.
 //
 // Header-only, and in no other header of the library: who includes it needs Cairo's headers and

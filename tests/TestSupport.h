@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the tests of several sources share.
 #ifndef TRAMMEL_TESTSUPPORT_H
 #define TRAMMEL_TESTSUPPORT_H

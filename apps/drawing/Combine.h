@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Combine: drawings as areas, and what is made of two of them by the boolean operations.
 
 #ifndef TRAMMEL_APP_COMBINE_H

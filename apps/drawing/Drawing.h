@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the commands work on: the outlines of one file, in the file's own coordinates with v
 // downward.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The one kind of failure that the tool reports: what went wrong, in which file, at which place of
 // it. It ends the run with one line on standard error and exit status 2.
 

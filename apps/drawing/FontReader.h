@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // FontReader: glyph outlines as paths, in font units with v downward and the baseline at v = 0.
 // TrueType's quadratic curves are raised to cubics, or on demand flattened as the quadratics that
 // they are; cubics are taken as they are.

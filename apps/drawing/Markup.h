@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Text inside of markup: the pictures' SVG and the gallery's page.
 
 #ifndef TRAMMEL_APP_MARKUP_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Numbers from and to text, the same in every locale. Only finite numbers are numbers.
 
 #ifndef TRAMMEL_APP_NUMBERS_H

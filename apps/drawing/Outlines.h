@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Outlines as the commands need them: joined, taken apart into subpaths, and flattened. All figures
 // come from the library; what is done here is to visit a path's elements and hand them over.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Picture: shapes on a page, to be written as SVG or PNG.
 
 #ifndef TRAMMEL_APP_PICTURE_H

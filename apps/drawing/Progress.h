@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Progress of long work: one line on standard error that is written over and over, and wiped at the
 // end. Nothing when standard error is no terminal, nor in the first fifth of a second.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The values of SVG attributes: transforms, lengths, lists of points, view boxes. Each function
 // reads the whole value and throws TextError where it is wrong.
 

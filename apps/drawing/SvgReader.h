@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // SvgReader: the outlines of an SVG document.
 //
 // Read are path, rect, circle, ellipse, line, polyline and polygon, in svg, g, a and switch, with

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The basic shapes as paths, with the starting points and directions that SVG defines.
 
 #ifndef TRAMMEL_APP_SVGSHAPES_H

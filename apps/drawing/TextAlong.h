@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Words as outlines: in a straight line, or along another outline.
 
 #ifndef TRAMMEL_APP_TEXTALONG_H

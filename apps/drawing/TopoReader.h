@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // TopoReader: the outlines of a map in TopoJSON.
 //
 // One outline for each feature of the object "countries" or, where there is none, of the first

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Tracer: follows one outline by arc length, for many positions on the same outline. The segments
 // are measured once; each position then costs a binary search and one curve.
 

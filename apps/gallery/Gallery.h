@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The gallery: pictures of what the library does, each with one sentence and the figures that were
 // computed while it was drawn.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plates about boolean operations: letters welded, countries joined, cut into and combined.
 
 #include "Combine.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // GalleryCanvas: a page of the gallery and the few things that are drawn on it. All of it, words
 // included, becomes filled and stroked outlines, so that SVG and PNG show the same.
 

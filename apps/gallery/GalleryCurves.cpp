@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plates about curves and what they enclose: flattened, hit, hatched, rounded.
 
 #include "Gallery.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plates about whole outlines: measured, written along, cut, searched.
 
 #include "Cut.h"

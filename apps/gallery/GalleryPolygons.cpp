@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plates about quadratic curves, cached drawing paths and rotated rectangles.
 
 #include "Error.h"

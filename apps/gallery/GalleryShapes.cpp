@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plates about transforms, circles and rectangles.
 
 #include "Gallery.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Output files that appear whole or not at all.
 
 #ifndef TRAMMEL_APP_OUTPUT_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // trammel: measures, cuts and shapes the outlines of drawings and fonts from the command line.
 //
 // Exit status 0: done. 2: not done, with one line on standard error that says why and where.

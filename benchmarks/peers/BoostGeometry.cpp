@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Boost.Geometry with doubles. It asks for valid operands and has no function that makes them so.
 
 #include "Peer.h"

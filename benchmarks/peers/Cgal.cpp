@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // CGAL's regularized operations on polygon sets, with exact constructions: no coordinate is ever
 // rounded, which the others do not offer and which takes its time. Operands must be valid.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // GEOS through its C interface. Operands that cross themselves go through GEOSMakeValid first, as
 // its documentation asks, and the time is counted: it is part of what such a caller waits for.
 

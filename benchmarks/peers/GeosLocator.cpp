@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Points become geometries beforehand, so that only the query is measured: that favours GEOS, as a
 // caller with coordinates would have to make them.
 

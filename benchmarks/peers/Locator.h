@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Another library's answer to many points and one polygon, so that it can be measured beside
 // Trammel's. Its source file is compiled where the library is found.
 

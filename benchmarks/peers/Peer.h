@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Other libraries' boolean operations behind one interface, so that they can be measured beside
 // Trammel's. Each has its own source file, which is compiled where the library is found.
 

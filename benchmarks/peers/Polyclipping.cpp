@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // libpolyclipping, called as a program would that has doubles: coordinates are scaled to a grid of
 // 61 bits and back. This is Trammel's bundled clipper without what it adds: exact coordinates of
 // vertices that survive, contours that do not cross, right hole flags, the order of contours.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Other libraries at the works that are compared (../Compare.h). Each has its own source file,
 // which is compiled apart where the library is found and registers what the library can do. What
 // Trammel adds to its curves is measured in the same way (../Additions_bench.cpp).

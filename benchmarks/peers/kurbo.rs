@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What KurboWorks.cpp calls of the Rust library kurbo. A curve is eight numbers, its control
 // points' coordinates in turn. Nothing unwinds through these: the library is built to abort.
 

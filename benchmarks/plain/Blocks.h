@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Relocatable blocks behind handles, as the plain library's polygons use them: growing keeps spare
 // room, so that appending costs linear time, as it does in the library proper.
 

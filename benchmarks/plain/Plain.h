@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The plain library: what the library does, done step by step.
 //
 // The times of the library are measured against what a careful, unoptimised implementation of the

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CBSpline.h"
 
 #include "CBezier.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CPathActions.h"
 
 #include "CPath.h"

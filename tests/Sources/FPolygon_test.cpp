@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "FPolygon.h"
 
 #include "CFPolygonRef.h"

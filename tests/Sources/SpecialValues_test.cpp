@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Every public function over every special value: NaN, infinities, signed zeros, denormals, the
 // largest and smallest numbers, and the limits that the library itself knows.
 //

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "UHandle.h"
 
 #include "FPolygon.h"

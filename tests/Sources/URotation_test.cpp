@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "URotation.h"
 
 #include "TestSupport.h"

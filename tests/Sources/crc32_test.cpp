@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "crc32.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
+
 """Tests of the command-line tool, as its users see it: files in, text, JSON and files out.
 
     commands_test.py PROGRAM [unittest options]

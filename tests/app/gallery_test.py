@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
+
 """Tests of `trammel gallery`: the pictures, the page, the figures, and what can go wrong.
 
     gallery_test.py PROGRAM [unittest options]

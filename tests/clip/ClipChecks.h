@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The figures that several of the clipper's tests draw, and what every result has to be.
 #ifndef TRAMMEL_CLIPCHECKS_H
 #define TRAMMEL_CLIPCHECKS_H

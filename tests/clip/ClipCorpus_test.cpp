@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's results on figures whose areas are known exactly.
 #include "ClipChecks.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper against the exact arrangements of CGAL, where that is installed.
 #include "gpc.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Laws that the clipper's results obey whatever the operands are.
 #include "ClipChecks.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's shortcuts against the plain ways that they stand for.
 #include "ContourOrder_p.h"
 #include "Contours_p.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's C interface: records, their memory, and no memory.
 #include "ClipChecks.h"
 

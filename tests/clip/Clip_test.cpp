@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's results on figures that can be drawn by hand, and on operands that are unusual.
 #include "ClipChecks.h"
 

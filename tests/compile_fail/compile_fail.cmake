@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # One case of CMakeLists.txt beside this file.
 
 set(command "${COMPILER}" -std=c++17 -fsyntax-only "-I${INCLUDE}")

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 // Lines exist between points of doubles only.
 
 #include <trammel/TLine.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 // Rectangles have coordinates of type double or short, and no other.
 
 #include <trammel/TRect.h>

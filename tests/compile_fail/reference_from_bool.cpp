@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 // A truth value is no polygon: the constructor that takes one must be called by name.
 
 #include <trammel/CFPolygonRef.h>

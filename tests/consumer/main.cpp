@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What a user's program does with an installed library: inline and compiled operations, a subclass
 // of an exported class, an exception that crosses the library's border, and the class-wide
 // settings. The numbers printed are exact, so that the text can be compared with expected.txt.

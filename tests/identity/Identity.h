@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the parts of the identity suite share: random input, the digest of what the library
 // delivers, and the record of one part. See main.cpp for what the suite is.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The parts about paths.
 
 #include "Identity.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The parts about polygons of both kinds, and about lines.
 
 #include "Identity.h"

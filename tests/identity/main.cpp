@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The identity suite: a million inputs and more, from drawings and from the edges of what doubles
 // can hold, go through the library, and every bit that comes back goes into one hash. Where another
 // compiler, optimisation level, processor or form of an algorithm changes a single bit of a result,

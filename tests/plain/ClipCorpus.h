@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The clipper's own reference cases: figures on integer grids from a generator with a fixed seed,
 // and the areas of the four operations on them by exact arithmetic.
 #ifndef TRAMMEL_CLIPCORPUS_H

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What comparing the library with the plain forms takes: equality to the last bit, and random
 // numbers that are the same everywhere.
 

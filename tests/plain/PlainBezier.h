@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The cubic's algorithms step by step, written to be read: recursion where the definition recurses,
 // a list of points where it flattens, every formula spelled out. The library is compared with them
 // bit for bit, so that whatever it does for the sake of speed changes no result.

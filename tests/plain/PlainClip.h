@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the clipper's tests share: polygons as vectors, areas, and the file of reference cases.
 #ifndef TRAMMEL_PLAINCLIP_H
 #define TRAMMEL_PLAINCLIP_H

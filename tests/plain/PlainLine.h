@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the plain forms of curves and paths stand on: lines given by their two points, and open
 // chains of points, each step written out.
 

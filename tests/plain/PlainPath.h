@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // A path's algorithms step by step, written to be read: one walk for each question, every curve
 // measured anew each time. The library is compared with them bit for bit.
 //

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 //
 // Both polygon kinds' algorithms step by step, written to be read: a list of points, walked edge by
 // edge. The library is compared with them bit for bit.

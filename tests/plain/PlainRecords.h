@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The records that the plain forms work on: here the library's own points and rectangles, and
 // chains of points in a vector. The benchmarks compile the plain forms with records of their own
 // (benchmarks/plain/records/plain), so nothing but the names declared here may be used of them.

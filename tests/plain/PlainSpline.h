@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The quadratic's algorithms step by step, written to be read: recursion where the definition
 // recurses, a list of points where it flattens. The library is compared with them bit for bit.
 //

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Assertion_p.h"
 
 #include <gtest/gtest.h>

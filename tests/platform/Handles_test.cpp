@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Handles.h"
 
 #include <gtest/gtest.h>

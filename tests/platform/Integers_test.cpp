@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Integers.h"
 
 #include <gtest/gtest.h>

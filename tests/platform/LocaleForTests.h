@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // A locale in which numbers have a decimal comma.
 #ifndef TRAMMEL_TESTS_LOCALEFORTESTS_H
 #define TRAMMEL_TESTS_LOCALEFORTESTS_H

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "PathObject.h"
 
 #include "Handles.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "Records.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "AccurateCurve.h"
 
 #include "../TestSupport.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What the accurate length takes for granted when it chooses a formula: where the zeros are, and
 // what an ellipse without zeros suffices for.
 #include "AccurateLengthForms_p.h"

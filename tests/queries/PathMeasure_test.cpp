@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "PathMeasure.h"
 
 #include "CBezier.h"

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
+
 """Tests of script/fetch-maps, against a registry of this program's own; no network is needed."""
 
 import base64

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CGPathBuilder.h"
 
 #include "TestSupport.h"

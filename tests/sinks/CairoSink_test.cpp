@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CairoSink.h"
 
 #include "CGPathBuilder.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What several commands share: the input file and the choice of outlines in it, the output file,
 // JSON.
 

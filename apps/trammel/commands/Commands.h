@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The commands of the tool. A new command NAME is a file NAMECommand.cpp in this folder, a
 // declaration here and an entry in the list below.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The functions that the plain forms of curves and paths stand on, by the plain library's own lines
 // and polygons.
 

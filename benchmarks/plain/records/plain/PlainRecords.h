@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The records of the plain library: points, rectangles, lines, matrices and the two polygons, every
 // operation but making and copying a point an ordinary function of the shared library. The plain
 // forms of curves and paths (tests/plain) are compiled with these records in place of the library's
