@@ -1,31 +1,32 @@
 // SPDX-License-Identifier: MIT
-//
-// The curve kernels, written for any kind of pack (Pack_p.h). Included by the files that compile
-// them for one kind each, and by nothing else. Not installed.
+
+// The curve kernels, written for either vector of four doubles (Vector_p.h). Each of two files
+// compiles them for one, and no other file includes this header. Not installed.
 
 #ifndef TRAMMEL_CURVEKERNELFORMS_P_H
 #define TRAMMEL_CURVEKERNELFORMS_P_H
 
 #include "CurveKernels_p.h"
 #include "Hypot_p.h"
-#include "Pack_p.h"
+#include "Vector_p.h"
 
 #include <cstdint>
 
 namespace trammel_detail {
 
-/// Four cubics, one a lane.
-template <class Pack> struct PackedCurves { Pack h0, v0, h1, v1, h2, v2, h3, v3; };
+/// Four cubics, one in each lane.
+template <class Vector> struct FourCurves { Vector h0, v0, h1, v1, h2, v2, h3, v3; };
 
-/// One coordinate of four cubics, halved: what comes between the first point, the middle and the
-/// last one. Midpoints are (a + b)/2; the half is exact, as a division by 2 is.
-template <class Pack> struct PackedHalves {
-    Pack left1, left2, middle, right1, right2;
+/// The control points that halving gives, in one coordinate of four cubics: those between the first
+/// point, the middle and the last point. A midpoint is (a + b)·0.5, which has the bits of (a +
+/// b)/2.
+template <class Vector> struct FourHalves {
+    Vector left1, left2, middle, right1, right2;
 
-    [[gnu::always_inline]] PackedHalves(Pack const& p0, Pack const& p1, Pack const& p2,
-                                        Pack const& p3) {
-        Pack const half = Pack::All(0.5);
-        Pack const between = (p1 + p2) * half;
+    [[gnu::always_inline]] FourHalves(Vector const& p0, Vector const& p1, Vector const& p2,
+                                      Vector const& p3) {
+        Vector const half = Vector(0.5);
+        Vector const between = (p1 + p2) * half;
         left1 = (p0 + p1) * half;
         right2 = (p2 + p3) * half;
         left2 = (left1 + between) * half;
@@ -34,40 +35,40 @@ template <class Pack> struct PackedHalves {
     }
 };
 
-template <class Pack>
-[[gnu::always_inline]] inline void
-HalvePacked(PackedCurves<Pack> const& c, PackedCurves<Pack>& left, PackedCurves<Pack>& right) {
-    PackedHalves<Pack> const h(c.h0, c.h1, c.h2, c.h3);
-    PackedHalves<Pack> const v(c.v0, c.v1, c.v2, c.v3);
-    left = PackedCurves<Pack>{c.h0, c.v0, h.left1, v.left1, h.left2, v.left2, h.middle, v.middle};
+template <class Vector>
+[[gnu::always_inline]] inline void HalveFour(FourCurves<Vector> const& c, FourCurves<Vector>& left,
+                                             FourCurves<Vector>& right) {
+    FourHalves<Vector> const h(c.h0, c.h1, c.h2, c.h3);
+    FourHalves<Vector> const v(c.v0, c.v1, c.v2, c.v3);
+    left = FourCurves<Vector>{c.h0, c.v0, h.left1, v.left1, h.left2, v.left2, h.middle, v.middle};
     right =
-        PackedCurves<Pack>{h.middle, v.middle, h.right1, v.right1, h.right2, v.right2, c.h3, c.v3};
+        FourCurves<Vector>{h.middle, v.middle, h.right1, v.right1, h.right2, v.right2, c.h3, c.v3};
 }
 
-/// The lanes among `asked` whose curves are not flat, each decided as FlatnessFilter::Flat does.
-/// With `flatIfJudged` it is known that they are flat wherever the band may judge.
-template <class Pack>
-[[gnu::always_inline]] inline unsigned NotFlat(PackedCurves<Pack> const& c, BlockJob const& job,
+/// Returns the lanes among `asked` whose curves are not flat, each decided as FlatnessFilter::Flat
+/// does. With `flatIfJudged`, the caller knows that a curve is flat wherever the band may judge it.
+template <class Vector>
+[[gnu::always_inline]] inline unsigned NotFlat(FourCurves<Vector> const& c, BlockJob const& job,
                                                bool flatIfJudged, unsigned asked) {
-    Pack const dh = c.h3 - c.h0;
-    Pack const dv = c.v3 - c.v0;
-    Pack const lengthH = Pack::Abs(dh);
-    Pack const lengthV = Pack::Abs(dv);
-    auto judged = (lengthH <= Pack::All(job.band.largestInverseSlope) * lengthV) &
-                  (lengthV <= Pack::All(FlatnessBand::kLargestSlope) * lengthH) &
-                  (Pack::All(FlatnessBand::kShortest) <= lengthV);
+    Vector const dh = c.h3 - c.h0;
+    Vector const dv = c.v3 - c.v0;
+    Vector const lengthH = Abs(dh);
+    Vector const lengthV = Abs(dv);
+    auto judged = (lengthH <= Vector(job.band.largestInverseSlope) * lengthV) &
+                  (lengthV <= Vector(FlatnessBand::kLargestSlope) * lengthH) &
+                  (Vector(FlatnessBand::kShortest) <= lengthV);
     unsigned notFlat = 0;
     unsigned decided;
     if (flatIfJudged) {
         decided = judged.Bits();
     } else {
-        Pack const wh = (c.h1 + c.h2) - (c.h0 + c.h3);
-        Pack const wv = (c.v1 + c.v2) - (c.v0 + c.v3);
-        Pack const cross = dh * wv - dv * wh;
-        Pack const crossSquared = cross * cross;
-        Pack const chordSquared = dh * dh + dv * dv;
-        auto const surelyFlat = crossSquared <= Pack::All(job.band.surelyFlat) * chordSquared;
-        auto const surelyNot = Pack::All(job.band.surelyNot) * chordSquared <= crossSquared;
+        Vector const wh = (c.h1 + c.h2) - (c.h0 + c.h3);
+        Vector const wv = (c.v1 + c.v2) - (c.v0 + c.v3);
+        Vector const cross = dh * wv - dv * wh;
+        Vector const crossSquared = cross * cross;
+        Vector const chordSquared = dh * dh + dv * dv;
+        auto const surelyFlat = crossSquared <= Vector(job.band.surelyFlat) * chordSquared;
+        auto const surelyNot = Vector(job.band.surelyNot) * chordSquared <= crossSquared;
         decided = (judged & (surelyFlat | surelyNot)).Bits();
         notFlat = surelyNot.Bits() & decided & asked;
     }
@@ -99,36 +100,39 @@ template <class Pack>
 
 /// Makes one block, see DivideBlock.
 ///
-/// The block's 63 places are those of a complete tree of six levels, in order. After two levels
-/// there are four quarters, one a lane: lane 0 holds the first quarter, lane 1 the third, lane 2
-/// the second, lane 3 the fourth, which is what dividing the two halves in lanes 0 and 1 gives
-/// without moving any lane. From there on the quarters go level by level in step: node `i` of a
-/// level lies in the same place of all four, its children in places i and i + n of the next. Places
-/// that no lane divides are passed.
-template <class Pack> class BlockForm {
+/// The block's 63 places are the nodes of a complete tree of six levels, in order. The first two
+/// levels divide the curve into four quarters, one in each lane:
+///
+///   lane     0      1      2       3
+///   quarter  first  third  second  fourth
+///
+/// Dividing the halves in lanes 0 and 1 gives this order, so no lane has to move. From then on all
+/// quarters go down level by level together. Node i of a level with n nodes is the same node of all
+/// four quarters. Its children are nodes i and i + n of the next level. A node that no lane divides
+/// is skipped.
+template <class Vector> class BlockForm {
 public:
     [[gnu::always_inline]] explicit BlockForm(BlockJob const& job) : mJob(job) {}
 
     [[gnu::always_inline]] inline int Divide(double* out) {
         double const* const p = mJob.curve.coordinates;
-        PackedCurves<Pack> curves{Pack::All(p[1]), Pack::All(p[0]), Pack::All(p[3]),
-                                  Pack::All(p[2]), Pack::All(p[5]), Pack::All(p[4]),
-                                  Pack::All(p[7]), Pack::All(p[6])};
-        PackedCurves<Pack> left;
-        PackedCurves<Pack> right;
-        HalvePacked(curves, left, right);
-        PutOne(kMiddle, left.h3.First(), left.v3.First());
+        FourCurves<Vector> curves{Vector(p[1]), Vector(p[0]), Vector(p[3]), Vector(p[2]),
+                                  Vector(p[5]), Vector(p[4]), Vector(p[7]), Vector(p[6])};
+        FourCurves<Vector> left;
+        FourCurves<Vector> right;
+        HalveFour(curves, left, right);
+        PutOne(kMiddle, left.h3[0], left.v3[0]);
         curves = Join<Firsts>(left, right);
         unsigned lanes = Ask(curves, 1, 0x3);
         if (lanes == 0) {
             return Gather(out);
         }
-        HalvePacked(curves, left, right);
+        HalveFour(curves, left, right);
         if ((lanes & 1) != 0) {
-            PutOne(kMiddle / 2, left.h3.First(), left.v3.First());
+            PutOne(kMiddle / 2, left.h3[0], left.v3[0]);
         }
         if ((lanes & 2) != 0) {
-            PutOne(kMiddle + kMiddle / 2, left.h3.Second(), left.v3.Second());
+            PutOne(kMiddle + kMiddle / 2, left.h3[1], left.v3[1]);
         }
         mFrom[0] = Join<FirstTwos>(left, right);
         mFromLanes[0] = static_cast<unsigned char>(Ask(mFrom[0], 2, lanes | lanes << 2));
@@ -141,28 +145,29 @@ public:
 private:
     static constexpr int kMiddle = 32;
     static constexpr int kQuarter = 16;
-    static constexpr int kNodes = kQuarter / 2; // of a quarter's last level
+    static constexpr int kNodes = kQuarter / 2; ///< of a quarter's last level
 
     struct Firsts {
-        [[gnu::always_inline]] static Pack Of(Pack const& a, Pack const& b) {
-            return Pack::Firsts(a, b);
+        [[gnu::always_inline]] static Vector Of(Vector const& a, Vector const& b) {
+            return FirstsTwice(a, b);
         }
     };
     struct FirstTwos {
-        [[gnu::always_inline]] static Pack Of(Pack const& a, Pack const& b) {
-            return Pack::FirstTwos(a, b);
+        [[gnu::always_inline]] static Vector Of(Vector const& a, Vector const& b) {
+            return LowHalves(a, b);
         }
     };
     template <class How>
-    [[gnu::always_inline]] static PackedCurves<Pack> Join(PackedCurves<Pack> const& a,
-                                                          PackedCurves<Pack> const& b) {
-        return PackedCurves<Pack>{How::Of(a.h0, b.h0), How::Of(a.v0, b.v0), How::Of(a.h1, b.h1),
+    [[gnu::always_inline]] static FourCurves<Vector> Join(FourCurves<Vector> const& a,
+                                                          FourCurves<Vector> const& b) {
+        return FourCurves<Vector>{How::Of(a.h0, b.h0), How::Of(a.v0, b.v0), How::Of(a.h1, b.h1),
                                   How::Of(a.v1, b.v1), How::Of(a.h2, b.h2), How::Of(a.v2, b.v2),
                                   How::Of(a.h3, b.h3), How::Of(a.v3, b.v3)};
     }
 
-    /// The lanes among `asked` to be divided on `level`; what may not be divided is noted.
-    [[gnu::always_inline]] inline unsigned Ask(PackedCurves<Pack> const& curves, int level,
+    /// Returns the lanes among `asked` that are to be divided on `level`. Notes those that would
+    /// have to be divided, but lie too deep.
+    [[gnu::always_inline]] inline unsigned Ask(FourCurves<Vector> const& curves, int level,
                                                unsigned asked) {
         if (level >= mJob.levels && mJob.limited) {
             return 0;
@@ -182,8 +187,8 @@ private:
     }
 
     [[gnu::always_inline]] inline void DivideQuarters() {
-        PackedCurves<Pack>* from = mFrom;
-        PackedCurves<Pack>* to = mTo;
+        FourCurves<Vector>* from = mFrom;
+        FourCurves<Vector>* to = mTo;
         unsigned char* fromLanes = mFromLanes;
         unsigned char* toLanes = mToLanes;
         unsigned char places[2 * kNodes];
@@ -204,12 +209,12 @@ private:
                 if (lanes == 0) {
                     continue;
                 }
-                PackedCurves<Pack> left;
-                PackedCurves<Pack> right;
-                HalvePacked(from[i], left, right);
-                Pack::StorePairs(left.v3, left.h3,
-                                 {mPoints[place], mPoints[place + 2 * kQuarter],
-                                  mPoints[place + kQuarter], mPoints[place + 3 * kQuarter]});
+                FourCurves<Vector> left;
+                FourCurves<Vector> right;
+                HalveFour(from[i], left, right);
+                StorePairs(left.v3, left.h3,
+                           {mPoints[place], mPoints[place + 2 * kQuarter],
+                            mPoints[place + kQuarter], mPoints[place + 3 * kQuarter]});
                 mTaken |= Spread(lanes) << place;
                 unsigned const leftLanes = Ask(left, level, lanes);
                 unsigned const rightLanes = Ask(right, level, lanes);
@@ -227,7 +232,7 @@ private:
                 return;
             }
             step /= 2;
-            PackedCurves<Pack>* const curves = from;
+            FourCurves<Vector>* const curves = from;
             from = to;
             to = curves;
             unsigned char* const lanes = fromLanes;
@@ -236,14 +241,14 @@ private:
         }
     }
 
-    /// For lanes 0 to 3 the first place of their quarters.
+    /// Returns a word with the bit of the first place of each lane's quarter.
     [[gnu::always_inline]] static std::uint64_t Spread(unsigned lanes) {
         std::uint64_t const wide = lanes;
         return (wide & 1) | (wide & 2) << (2 * kQuarter - 1) | (wide & 4) << (kQuarter - 2) |
                (wide & 8) << (3 * kQuarter - 3);
     }
 
-    /// Moves the points that were made to `out`, in order.
+    /// Moves the points to `out`, in order. Returns their number, or -1 after an overflow.
     [[gnu::always_inline]] inline int Gather(double* out) {
         if (mOverflow != 0) {
             return -1;
@@ -263,49 +268,49 @@ private:
     unsigned mOverflow = 0;
     unsigned char mFromLanes[2 * kNodes];
     unsigned char mToLanes[2 * kNodes];
-    PackedCurves<Pack> mFrom[kNodes];
-    PackedCurves<Pack> mTo[kNodes];
+    FourCurves<Vector> mFrom[kNodes];
+    FourCurves<Vector> mTo[kNodes];
     alignas(16) double mPoints[4 * kQuarter][2];
 };
 
-/// The lengths of `edges` edges, see EdgeLengths.
-template <class Pack>
+/// Stores the lengths of edges, see EdgeLengths.
+template <class Vector>
 [[gnu::always_inline]] inline void EdgeLengthsForm(double const* points, long edges,
                                                    double* lengths) {
     long i = 0;
     if constexpr (kInlineHypot) {
         for (; i + 4 <= edges; i += 4) {
-            Pack h0;
-            Pack v0;
-            Pack h1;
-            Pack v1;
-            Pack::LoadPairs(points + 2 * i, v0, h0);
-            Pack::LoadPairs(points + 2 * i + 2, v1, h1);
-            Pack const absH = Pack::Abs(h1 - h0);
-            Pack const absV = Pack::Abs(v1 - v0);
+            Vector h0;
+            Vector v0;
+            Vector h1;
+            Vector v1;
+            LoadPairs(points + 2 * i, v0, h0);
+            LoadPairs(points + 2 * i + 2, v1, h1);
+            Vector const absH = Abs(h1 - h0);
+            Vector const absV = Abs(v1 - v0);
             auto const swapped = absH < absV;
-            Pack const longer = Pack::Choose(swapped, absV, absH);
-            Pack const shorter = Pack::Choose(swapped, absH, absV);
-            // As in Hypot: NaN is not common.
-            Pack const zero = Pack::All(0.0);
+            Vector const longer = Select(swapped, absV, absH);
+            Vector const shorter = Select(swapped, absH, absV);
+            // A NaN is not common, as in Hypot.
+            Vector const zero = Vector(0.0);
             auto const none = shorter <= zero;
-            auto const common = (longer <= Pack::All(kHypotLargest)) &
-                                ((Pack::All(kHypotSmallest) <= shorter) | none);
-            // CorrectedHypot, both of its branches.
-            Pack const two = Pack::All(2.0);
-            Pack const root = Pack::Sqrt(longer * longer + shorter * shorter);
-            Pack const nearDelta = root - shorter;
-            Pack const nearResidual = longer * (two * nearDelta - longer) +
-                                      (nearDelta - two * (longer - shorter)) * nearDelta;
-            Pack const farDelta = root - longer;
-            Pack const farResidual =
+            auto const common =
+                (longer <= Vector(kHypotLargest)) & ((Vector(kHypotSmallest) <= shorter) | none);
+            // Both branches of CorrectedHypot.
+            Vector const two = Vector(2.0);
+            Vector const root = Sqrt(longer * longer + shorter * shorter);
+            Vector const nearDelta = root - shorter;
+            Vector const nearResidual = longer * (two * nearDelta - longer) +
+                                        (nearDelta - two * (longer - shorter)) * nearDelta;
+            Vector const farDelta = root - longer;
+            Vector const farResidual =
                 two * farDelta * (longer - two * shorter) +
-                ((Pack::All(4.0) * farDelta - shorter) * shorter + farDelta * farDelta);
-            Pack const residual = Pack::Choose(root <= two * shorter, nearResidual, farResidual);
-            Pack const corrected = root - residual / (two * root);
-            Pack const negligible = longer + shorter;
-            Pack const length = Pack::Choose(
-                (shorter <= longer * Pack::All(kHypotNegligible)) | none, negligible, corrected);
+                ((Vector(4.0) * farDelta - shorter) * shorter + farDelta * farDelta);
+            Vector const residual = Select(root <= two * shorter, nearResidual, farResidual);
+            Vector const corrected = root - residual / (two * root);
+            Vector const negligible = longer + shorter;
+            Vector const length = Select((shorter <= longer * Vector(kHypotNegligible)) | none,
+                                         negligible, corrected);
             length.Store(lengths + i);
             unsigned rare = ~common.Bits() & 0xF;
             while (__builtin_expect(rare != 0, 0)) {

@@ -9,7 +9,7 @@ namespace trammel_detail {
 namespace {
 
 bool Detect() {
-#if defined(__x86_64__)
+#if defined(TRAMMEL_AVX2_KERNELS)
     __builtin_cpu_init();
     return __builtin_cpu_supports("avx2") != 0; // asks the system, too
 #else

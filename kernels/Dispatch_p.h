@@ -1,23 +1,45 @@
 // SPDX-License-Identifier: MIT
-//
-// What the processor can do. Not installed.
+
+// The choice between the two forms of a kernel: the one for every processor, and the one for
+// processors with AVX2. Both give the same results to the last bit. Not installed.
 
 #ifndef TRAMMEL_DISPATCH_P_H
 #define TRAMMEL_DISPATCH_P_H
 
 #include "TrammelExport.h"
 
+#include <type_traits>
+
 namespace trammel_detail {
 
-/// True where processor and system have vectors of four doubles (AVX2), unless
-/// UsePortableForms(true) was called. Found out by the first call. For functions that exist in a
-/// form for these and in one for every processor, with the same results to the last bit.
+/// True when the build has the forms for AVX2 (cmake/TrammelKernels.cmake).
+#ifdef TRAMMEL_AVX2_KERNELS
+inline constexpr bool kHasAvx2Forms = true;
+#else
+inline constexpr bool kHasAvx2Forms = false;
+#endif
+
+/// True when the forms for AVX2 run: the build has them, processor and system have AVX2, and
+/// UsePortableForms(true) was not called. The first call finds it out.
 bool HasWideVectors();
 
-/// Makes HasWideVectors() false (true), or the truth again (false), for tests that compare the two
-/// forms. Returns false when there is but one form on this processor. Not for use while other
-/// threads call the library.
+/// Makes the portable forms run (true), or those for this processor again (false), so that tests
+/// can compare the two. Returns false when the portable forms run in both cases. Other threads must
+/// not call the library meanwhile.
 TRAMMEL_API bool UsePortableForms(bool portable);
+
+/// Calls the form of a kernel that suits this processor. Where the build has no forms for AVX2,
+/// `avx2` may be declared only.
+template <auto portable, auto avx2, class... Arguments>
+[[gnu::always_inline]] inline auto Dispatch(Arguments&&... arguments) {
+    static_assert(std::is_same_v<decltype(portable), decltype(avx2)>, "two forms of one kernel");
+    if constexpr (kHasAvx2Forms) {
+        if (HasWideVectors()) {
+            return avx2(arguments...);
+        }
+    }
+    return portable(arguments...);
+}
 
 } // namespace trammel_detail
 

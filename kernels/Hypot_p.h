@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The C library's hypot, inlined. Not installed.
 //
-// Lengths are what hypot gives, to the last bit, and calling it is most of what a length costs. The
-// form here is used where it gives the C library's bits: the build compares the two (see
-// cmake/TrammelHypot.cmake) and defines TRAMMEL_INLINE_HYPOT when they agree. Elsewhere the C
-// library itself is called.
+// Lengths have the bits of the C library's hypot, and calling it is most of a length's cost. The
+// build compares the form here with the C library's (cmake/TrammelHypot.cmake). When the bits
+// agree, it defines TRAMMEL_INLINE_HYPOT, and the form here runs. Otherwise the C library's own
+// runs.
 //
-// Always inlined, and without the C++ library's own inline functions, as files that are compiled
-// for certain processors only use it too.
+// Files for AVX2 include this header. So all functions are always inlined, and use none of the C++
+// library's inline functions (Vector_p.h tells the rule).
 
 #ifndef TRAMMEL_HYPOT_P_H
 #define TRAMMEL_HYPOT_P_H
@@ -24,14 +24,13 @@ inline constexpr bool kInlineHypot = true;
 inline constexpr bool kInlineHypot = false;
 #endif
 
-// Outside of these magnitudes squares overflow, or lose bits that count.
-inline constexpr double kHypotLargest = 0x1p+511;
-inline constexpr double kHypotSmallest = 0x1p-459;
-/// A shorter leg of at most this part of the longer one does not change the result but by rounding.
+inline constexpr double kHypotLargest = 0x1p+511;  ///< squares of larger legs overflow
+inline constexpr double kHypotSmallest = 0x1p-459; ///< squares of smaller legs lose bits that count
+/// A shorter leg of at most this part of the longer one changes the result by rounding only.
 inline constexpr double kHypotNegligible = 0x1p-54;
 
-/// The length of a vector from its legs' magnitudes, `longer` >= `shorter`: the square root, mended
-/// by one step of Newton's method whose residual is formed without cancellation.
+/// Returns the length of a vector from its legs' magnitudes, `longer` >= `shorter`. One step of
+/// Newton's method mends the square root; its residual is formed without cancellation.
 ///
 /// Source: Carlos F. Borges, "Algorithm 1014: An Improved Algorithm for hypot(x,y)", ACM
 /// Transactions on Mathematical Software 47 (2020), the form without fused operations.
@@ -51,14 +50,14 @@ inline constexpr double kHypotNegligible = 0x1p-54;
     return h;
 }
 
-/// hypot(h, v), to the last bit of the C library's for every argument.
+/// Returns hypot(h, v), with the C library's bits for every argument.
 [[gnu::always_inline]] inline double Hypot(double h, double v) {
     if constexpr (kInlineHypot) {
         double const absH = __builtin_fabs(h);
         double const absV = __builtin_fabs(v);
         double const longer = absH < absV ? absV : absH;
         double const shorter = absH < absV ? absH : absV;
-        // Written so that NaN goes the long way.
+        // Both comparisons are false for a NaN, which is left to the C library.
         if (longer <= kHypotLargest && shorter >= kHypotSmallest) {
             return shorter <= longer * kHypotNegligible ? longer + shorter
                                                         : CorrectedHypot(longer, shorter);

@@ -27,13 +27,11 @@
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
-#include "AccurateFlattenForms_p.h"
-#include "AccurateFlatten_p.h"
 
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CPath.h"
-#include "Dispatch_p.h"
+#include "FlattenKernels_p.h"
 #include "PointBuffer_p.h"
 #include "PolygonAppend_p.h"
 #include "TPoint.h"
@@ -191,42 +189,11 @@ double DistanceOf(Place const& p0, Place const& p1) {
 /// cancels in front of the root then, so that it changes nothing.
 double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
 
-// The forms for this processor.
-
-double PlanFlattening(FlatCubic const& curve, double scale, FlatPlan& plan) {
-#ifdef TRAMMEL_AVX2_KERNELS
-    if (trammel_detail::HasWideVectors()) {
-        return trammel_detail::PlanFlatteningAvx2(curve, scale, plan);
-    }
-#endif
-    return trammel_detail::PlanFlatteningPortable(curve, scale, plan);
-}
-
-void NextFlatRun(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {
-#ifdef TRAMMEL_AVX2_KERNELS
-    if (trammel_detail::HasWideVectors()) {
-        trammel_detail::NextFlatRunAvx2(curve, tolerance, plan, run);
-        return;
-    }
-#endif
-    trammel_detail::NextFlatRunPortable(curve, tolerance, plan, run);
-}
-
-int FewChords(FlatCubic const& curve, double tolerance, FlatRun& run) {
-    double const scale = ScaleFor(tolerance);
-#ifdef TRAMMEL_AVX2_KERNELS
-    if (trammel_detail::HasWideVectors()) {
-        return trammel_detail::FewChordsAvx2(curve, scale, tolerance, run);
-    }
-#endif
-    return trammel_detail::FewChordsPortable(curve, scale, tolerance, run);
-}
-
 /// Where on the curve the points are to lie, and the points.
 class Plan {
 public:
     Plan(FlatCubic const& curve, double tolerance) : mCurve(curve), mTolerance(tolerance) {
-        mTotal = PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
+        mTotal = trammel_detail::PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
     }
     /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
     /// many.
@@ -241,7 +208,7 @@ public:
     }
     /// Computes the next points; false when there are none.
     bool Next(FlatRun& run) {
-        NextFlatRun(mCurve, mTolerance, mPlan, run);
+        trammel_detail::NextFlatRun(mCurve, mTolerance, mPlan, run);
         return run.count > 0;
     }
 
@@ -278,7 +245,7 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
         if (KeepsAsAWhole(flat, tolerance)) {
             return tolerance;
         }
-        int const chords = FewChords(flat, tolerance, run);
+        int const chords = trammel_detail::FewChords(flat, ScaleFor(tolerance), tolerance, run);
         if (chords > 0) {
             deliver.Run(run.h + 1, run.v + 1, chords - 1);
             return tolerance;

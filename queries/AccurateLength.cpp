@@ -63,12 +63,11 @@
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
-#include "AccurateLength_p.h"
 
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CPath.h"
-#include "Dispatch_p.h"
+#include "LengthKernels_p.h"
 
 #include <algorithm>
 #include <array>
@@ -209,12 +208,7 @@ public:
     /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
     /// rounding, 2^-50 of the size.
     double Length(double t0, double t1, double accuracy) {
-#ifdef TRAMMEL_AVX2_KERNELS
-        if (trammel_detail::HasWideVectors()) {
-            return trammel_detail::SpeedLengthAvx2(mCurve, t0, t1, accuracy, kTable.entries);
-        }
-#endif
-        return trammel_detail::SpeedLengthPortable(mCurve, t0, t1, accuracy, kTable.entries);
+        return trammel_detail::SpeedLength(mCurve, t0, t1, accuracy, kTable.entries);
     }
 
 private:
@@ -234,12 +228,7 @@ private:
 
 /// The whole curve's length; NaN if the points are to be scaled first, or not finite.
 double LengthUnscaled(CBezier const& curve, double accuracy) {
-#ifdef TRAMMEL_AVX2_KERNELS
-    if (trammel_detail::HasWideVectors()) {
-        return trammel_detail::CurveLengthAvx2(curve, accuracy, kTable.entries);
-    }
-#endif
-    return trammel_detail::CurveLengthPortable(curve, accuracy, kTable.entries);
+    return trammel_detail::CurveLength(&curve.P0.v, accuracy, kTable.entries);
 }
 
 /// The points that a length is measured by, which depends on their differences alone.

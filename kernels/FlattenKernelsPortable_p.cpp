@@ -2,20 +2,20 @@
 
 // The arithmetic of flattening for every processor.
 
-#include "AccurateFlattenForms_p.h"
+#include "FlattenKernelForms_p.h"
 
 namespace trammel_detail {
 
 double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan) {
-    return PlanFlatteningForm<PackPair>(curve, scale, plan);
+    return PlanFlatteningForm<Double4>(curve, scale, plan);
 }
 
 void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run) {
-    NextFlatRunForm<PackPair>(curve, tolerance, plan, run);
+    NextFlatRunForm<Double4>(curve, tolerance, plan, run);
 }
 
 int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
-    return FewChordsForm<PackPair>(curve, scale, tolerance, run);
+    return FewChordsForm<Double4>(curve, scale, tolerance, run);
 }
 
 } // namespace trammel_detail

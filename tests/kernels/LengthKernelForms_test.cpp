@@ -2,7 +2,7 @@
 
 // What the accurate length takes for granted when it chooses a formula: where the zeros are, and
 // what an ellipse without zeros suffices for.
-#include "AccurateLengthForms_p.h"
+#include "LengthKernelForms_p.h"
 
 #include "../TestSupport.h"
 
@@ -19,12 +19,12 @@
 namespace {
 
 using trammel_detail::Choice;
+using trammel_detail::Double4;
 using trammel_detail::kChoices;
 using trammel_detail::kChoiceSteps;
 using trammel_detail::kLeastEllipses;
 using trammel_detail::kRatios;
 using trammel_detail::kZeroError;
-using trammel_detail::PackPair;
 using trammel_detail::RatioRow;
 using trammel_detail::SpeedCurve;
 using trammel_detail::ZeroPlaces;
@@ -83,7 +83,7 @@ Wide Off(ZeroPlaces const& places, std::array<Complex, 2> const& zeros) {
 /// Whether the shortest formula suffices for the whole curve.
 bool ShortestSuffices(SpeedCurve const& curve) {
     ZeroPlaces const zeros(curve);
-    return (Choice<PackPair>(kLeastEllipses.rows[kRatios - 1], zeros).Of(0.0, 1.0) & 1U) != 0;
+    return (Choice<Double4>(kLeastEllipses.rows[kRatios - 1], zeros).Of(0.0, 1.0) & 1U) != 0;
 }
 
 // The farther zero decides which of the three ways is taken: up to some 10, at some 20 to 2^22, or

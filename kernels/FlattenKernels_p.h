@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+
+// The arithmetic of flattening, in a form for every processor and in one for AVX2, of the same
+// bits. AccurateFlatten.cpp tells the method. Not installed.
+
+#ifndef TRAMMEL_FLATTENKERNELS_P_H
+#define TRAMMEL_FLATTENKERNELS_P_H
+
+#include "Dispatch_p.h"
+#include "Vector_p.h"
+
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// A cubic relative to its start, 3at + 3bt² + ct³ in both coordinates.
+struct FlatCubic {
+    double aH, aV, bH, bV, cH, cV;
+    double endH, endV;   ///< the point at 1, exactly
+    double lastH, lastV; ///< a third of the derivative there
+};
+
+/// Returns the square of the longer one of the control points' second differences.
+[[gnu::always_inline]] inline double SquaredBend(FlatCubic const& c) {
+    double const h = c.bH + c.cH;
+    double const v = c.bV + c.cV;
+    double const first = c.bH * c.bH + c.bV * c.bV;
+    double const last = h * h + v * v;
+    return first > last ? first : last;
+}
+
+/// Upper bounds on the distance between a piece of a curve and its chord, times the chord's length.
+/// Number is double or a vector.
+template <class Number> struct Deviation {
+    Number across; ///< from the line through the ends
+    Number along;  ///< beyond the ends
+};
+
+/// Returns the bounds for a piece over a parameter range `h`. Its chord is (dh, dv), of squared
+/// length `square`; a third of the derivative is (v0h, v0v) at its start and (v1h, v1v) at its end.
+template <class Number>
+[[gnu::always_inline]] inline Deviation<Number>
+DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& square,
+            Number const& v0h, Number const& v0v, Number const& v1h, Number const& v1v) {
+    Number const e1 = h * (dh * v0v - dv * v0h);
+    Number const e2 = h * (dv * v1h - dh * v1v);
+    // Magnitudes stand for comparisons. `greater` is the greater one of |e1| and |e2|. `lesser` is
+    // the lesser one, negated when the two lie on different sides of the chord. It counts 11/36
+    // when positive, and 4/9 - 1/sqrt(12), rounded down, when negative.
+    Number const half = Number(0.5);
+    Number const sum = Abs(e1 + e2);
+    Number const difference = Abs(e1 - e2);
+    Number const greater = half * (sum + difference);
+    Number const lesser = half * (sum - difference);
+    constexpr double kSame = 11.0 / 36.0;
+    constexpr double kOpposite = 0.1557;
+    Number const across = Number(4.0 / 9.0) * greater + Number(0.5 * (kSame + kOpposite)) * lesser +
+                          Number(0.5 * (kSame - kOpposite)) * Abs(lesser);
+    // Along the chord the ends lie at 0 and `square`. The control points lie at a1 and square - a2.
+    // The code measures their distances from the middle.
+    Number const middle = half * square;
+    Number const a1 = Abs(h * (dh * v0h + dv * v0v) - middle);
+    Number const a2 = Abs(h * (dh * v1h + dv * v1v) - middle);
+    Number const beyond = half * (a1 + a2 + Abs(a1 - a2)) - middle;
+    return {across, Number(0.375) * (beyond + Abs(beyond))};
+}
+
+inline constexpr int kFewPanels = 16;      ///< panels of a plan for few points
+inline constexpr int kManyPanels = 64;     ///< panels of a plan for many points
+inline constexpr double kFewPoints = 80.0; ///< a plan for more points has many panels
+inline constexpr int kFewChords = 8;       ///< the most chords that a curve gets without a plan
+
+/// Where on the curve the points are to lie. Arrays have room for whole vectors.
+struct FlatPlan {
+    int panels = kFewPanels;
+    int panel;       ///< the panel in which the next chord ends
+    int chords;      ///< the number of chords that the curve is divided into
+    int done;        ///< the number of chords whose ends are computed
+    double step;     ///< the last sum divided by the number of chords
+    double perChord; ///< the inverse of `step`; infinite or NaN where there is no bend
+    double density[kManyPanels + 4];
+    double sums[kManyPanels + 4]; ///< integrals of the density from 0 to the panels' ends
+};
+
+/// Planned points, computed together.
+struct FlatRun {
+    static constexpr int kRoom = 60;
+
+    int count;
+    std::uint64_t failing; ///< bit i: the chord to point i + 1 is not known to keep the tolerance
+    // Index 0 holds the point before the run. There is room for whole vectors.
+    double t[kRoom + 8]; ///< parameters
+    double h[kRoom + 8]; ///< points
+    double v[kRoom + 8];
+    double dh[kRoom + 8]; ///< a third of the derivatives
+    double dv[kRoom + 8];
+};
+
+double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
+double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
+
+/// Sets the plan's panels, densities and sums. Returns the last sum: the number of chords that
+/// leave the curve by the tolerance. `scale` is 3/(4·tolerance).
+[[gnu::always_inline]] inline double PlanFlattening(FlatCubic const& curve, double scale,
+                                                    FlatPlan& plan) {
+    return Dispatch<PlanFlatteningPortable, PlanFlatteningAvx2>(curve, scale, plan);
+}
+
+void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
+void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
+
+/// Computes the next points of the plan, and verifies the chords that end in them. The run's count
+/// is 0 when the plan is done.
+[[gnu::always_inline]] inline void NextFlatRun(FlatCubic const& curve, double tolerance,
+                                               FlatPlan& plan, FlatRun& run) {
+    Dispatch<NextFlatRunPortable, NextFlatRunAvx2>(curve, tolerance, plan, run);
+}
+
+int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
+int FewChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
+
+/// Tries to divide a curve into two to kFewChords chords that all keep the tolerance. Returns their
+/// number, and stores h and v of the points at their ends, from index 1 on. Returns 0 when it does
+/// not succeed; the caller then makes a plan. `scale` is 3/(4·tolerance).
+[[gnu::always_inline]] inline int FewChords(FlatCubic const& curve, double scale, double tolerance,
+                                            FlatRun& run) {
+    return Dispatch<FewChordsPortable, FewChordsAvx2>(curve, scale, tolerance, run);
+}
+
+} // namespace trammel_detail
+
+#endif
