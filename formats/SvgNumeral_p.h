@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+
+// The shortest spellings of numbers in SVG path text. Not installed.
+
+#ifndef TRAMMEL_SVGNUMERAL_P_H
+#define TRAMMEL_SVGNUMERAL_P_H
+
+#include <cmath>
+#include <cstddef>
+#include <string_view>
+
+namespace trammel_detail {
+
+/// True when two finite numbers are equal bit by bit: unlike `==`, it tells 0 from -0.
+inline bool Same(double a, double b) { return a == b && std::signbit(a) == std::signbit(b); }
+
+/// The shortest spelling of one number.
+struct SvgNumeral {
+    char text[32];
+    std::size_t length = 0;
+    bool fraction = false; ///< has a point or an exponent: a point after it begins a new number
+
+    std::string_view View() const { return std::string_view(text, length); }
+};
+
+/// Returns the shortest numeral that reads as `value`, which is finite.
+SvgNumeral AbsoluteNumeral(double value);
+
+/// Finds the shortest numeral that gives `to`, bit by bit, when added to `from`; false when none is
+/// found.
+bool FindRelativeNumeral(double from, double to, SvgNumeral& numeral);
+
+} // namespace trammel_detail
+
+#endif

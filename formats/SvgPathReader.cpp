@@ -1,0 +1,431 @@
+// SPDX-License-Identifier: MIT
+
+#include "SvgPath.h"
+
+#include "SvgArc_p.h"
+#include "SvgPathError_p.h"
+#include "SvgPathGrammar_p.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::Described;
+using trammel_detail::IsDigit;
+using trammel_detail::IsFinite;
+using trammel_detail::IsLetter;
+using trammel_detail::IsSpace;
+using trammel_detail::Quoted;
+using trammel_detail::Reflected;
+using trammel_detail::SvgArc;
+
+typedef TPoint<double> Pt;
+
+/// Returns the number of arguments of a command in capitals, -1 for any other letter.
+int ArgumentCount(char command) {
+    switch (command) {
+    case 'Z':
+        return 0;
+    case 'H':
+    case 'V':
+        return 1;
+    case 'M':
+    case 'L':
+    case 'T':
+        return 2;
+    case 'S':
+    case 'Q':
+        return 4;
+    case 'C':
+        return 6;
+    case 'A':
+        return 7;
+    default:
+        return -1;
+    }
+}
+
+/// True when a number without sign that is too great or too small for a double is too small.
+bool IsTiny(std::string_view number) {
+    std::size_t const mantissa = std::min(number.find_first_of("eE"), number.size());
+    std::size_t const point = std::min(number.substr(0, mantissa).find('.'), mantissa);
+    std::size_t const first = number.find_first_of("123456789");
+    if (first >= mantissa) {
+        return true;
+    }
+    // The decimal exponent of the first digit, without the written exponent.
+    std::int64_t exponent =
+        static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) - (first < point);
+    if (mantissa < number.size()) {
+        std::string_view written = number.substr(mantissa + 1);
+        bool const negative = written[0] == '-';
+        if (!IsDigit(written[0])) {
+            written.remove_prefix(1);
+        }
+        std::int64_t value = 0;
+        if (std::from_chars(written.data(), written.data() + written.size(), value).ec !=
+            std::errc()) {
+            return negative;
+        }
+        // The sum stays within 64 bits: no text is that long, and the value is cut.
+        value = std::min<std::int64_t>(value, std::numeric_limits<std::int64_t>::max() / 2);
+        exponent += negative ? -value : value;
+    }
+    return exponent < 0;
+}
+
+/// Returns (p + 2q) / 3 with an error below 0.51 units in the last place. The errors of the sum
+/// (Knuth's TwoSum) and of the quotient (a fused remainder) are added to the result.
+double TwoThirds(double p, double q) {
+    double scale = 1.0;
+    if (!std::isfinite(p + 2.0 * q)) {
+        p /= 4.0;
+        q /= 4.0;
+        scale = 4.0;
+    }
+    double const twice = 2.0 * q;
+    double const sum = p + twice;
+    double const part = sum - p;
+    double const lost = (p - (sum - part)) + (twice - part);
+    double const quotient = sum / 3.0;
+    double const rest = std::fma(-3.0, quotient, sum) + lost;
+    return (quotient + rest / 3.0) * scale;
+}
+
+Pt TwoThirds(Pt const& p, Pt const& q) { return Pt(TwoThirds(p.h, q.h), TwoThirds(p.v, q.v)); }
+
+/// Returns the point at `t` between two points; no step overflows.
+Pt Between(Pt const& a, Pt const& b, double t) {
+    return Pt(a.h * (1.0 - t) + b.h * t, a.v * (1.0 - t) + b.v * t);
+}
+
+/// Reads one text into a path, from left to right.
+class Reader {
+public:
+    explicit Reader(std::string_view text) : mText(text) {}
+
+    SvgPathResult Read() {
+        SkipSpace();
+        if (!AtEnd() && mText[mPos] != 'M' && mText[mPos] != 'm') {
+            Fail("a move (M or m)");
+            return std::move(mResult);
+        }
+        while (!AtEnd() && ReadCommand()) {
+        }
+        return std::move(mResult);
+    }
+
+private:
+    // Text
+
+    bool AtEnd() const { return mPos >= mText.size(); }
+    bool At(char c) const { return !AtEnd() && mText[mPos] == c; }
+    bool AtDigit() const { return !AtEnd() && IsDigit(mText[mPos]); }
+
+    void SkipSpace() {
+        while (!AtEnd() && IsSpace(mText[mPos])) {
+            ++mPos;
+        }
+    }
+
+    /// Skips white space with at most one comma in it; true when there was a comma.
+    bool SkipSeparator() {
+        SkipSpace();
+        if (!At(',')) {
+            return false;
+        }
+        ++mPos;
+        SkipSpace();
+        return true;
+    }
+
+    bool SkipDigits() {
+        std::size_t const begin = mPos;
+        while (AtDigit()) {
+            ++mPos;
+        }
+        return mPos > begin;
+    }
+
+    bool Fail(std::size_t position, std::string found, char const* expected) {
+        mResult.error = SvgPathError{position, std::move(found), expected};
+        return false;
+    }
+    bool Fail(char const* expected) { return Fail(mPos, Described(mText.substr(mPos)), expected); }
+    /// Fails at the piece from `begin` up to the place of reading.
+    bool FailRange(std::size_t begin, char const* expected) {
+        return Fail(begin, Quoted(mText.substr(begin, mPos - begin)), expected);
+    }
+
+    bool ReadNumber(double& number) {
+        std::size_t const begin = mPos;
+        bool const sign = At('-') || At('+');
+        if (sign) {
+            ++mPos;
+        }
+        std::size_t const unsignedBegin = mPos;
+        bool digits = SkipDigits();
+        if (At('.')) {
+            ++mPos;
+            digits = SkipDigits() || digits;
+        }
+        if (!digits) {
+            return Fail(mPos > begin ? "a digit" : "a number");
+        }
+        if (At('e') || At('E')) {
+            std::size_t const mantissaEnd = mPos;
+            ++mPos;
+            if (At('-') || At('+')) {
+                ++mPos;
+            }
+            if (!SkipDigits()) {
+                mPos = mantissaEnd; // no exponent; the letter is then out of place
+            }
+        }
+        std::string_view const token = mText.substr(unsignedBegin, mPos - unsignedBegin);
+        number = 0.0;
+        std::errc const code =
+            std::from_chars(token.data(), token.data() + token.size(), number).ec;
+        if (code == std::errc::result_out_of_range && IsTiny(token)) {
+            number = 0.0;
+        } else if (code != std::errc() || !std::isfinite(number)) {
+            return FailRange(begin, "a number in the range of double");
+        }
+        if (mText[begin] == '-') {
+            number = -number;
+        }
+        return true;
+    }
+
+    bool ReadFlag(double& flag) {
+        if (!At('0') && !At('1')) {
+            return Fail("an arc flag (0 or 1)");
+        }
+        flag = mText[mPos] - '0';
+        ++mPos;
+        return true;
+    }
+
+    /// Reads a command letter with all its groups of arguments.
+    bool ReadCommand() {
+        char const letter = mText[mPos];
+        bool const relative = letter >= 'a';
+        char command = static_cast<char>(relative ? letter - 'a' + 'A' : letter);
+        int const count = IsLetter(letter) ? ArgumentCount(command) : -1;
+        if (count < 0) {
+            return Fail(mMayRepeat ? "a command or a number" : "a command");
+        }
+        ++mPos;
+        SkipSpace();
+        mMayRepeat = count > 0;
+        if (count == 0) {
+            Close();
+            return true;
+        }
+        bool more;
+        do {
+            if (!ReadGroup(command, static_cast<std::size_t>(count), relative)) {
+                return false;
+            }
+            if (command == 'M') {
+                command = 'L';
+            }
+            more = SkipSeparator() || At('-') || At('+') || At('.') || AtDigit();
+        } while (more);
+        return true;
+    }
+
+    /// Reads one group of arguments, and draws the segment that it makes.
+    bool ReadGroup(char command, std::size_t count, bool relative) {
+        std::size_t const begin = mPos;
+        std::array<double, 7> a{};
+        for (std::size_t i = 0; i < count; ++i) {
+            if (i > 0) {
+                SkipSeparator();
+            }
+            bool const flag = command == 'A' && (i == 3 || i == 4);
+            if (!(flag ? ReadFlag(a[i]) : ReadNumber(a[i]))) {
+                return false;
+            }
+        }
+        // Nothing is added to absolute coordinates: -0 + 0 is not -0.
+        auto const h = [&](std::size_t i) { return relative ? mCurrent.h + a[i] : a[i]; };
+        auto const v = [&](std::size_t i) { return relative ? mCurrent.v + a[i] : a[i]; };
+        auto const point = [&](std::size_t i) { return Pt(h(i), v(i + 1)); };
+        bool drawn = false;
+        switch (command) {
+        case 'M':
+            drawn = Move(point(0));
+            break;
+        case 'L':
+            drawn = Line(point(0));
+            break;
+        case 'H':
+            drawn = Line(Pt(h(0), mCurrent.v));
+            break;
+        case 'V':
+            drawn = Line(Pt(mCurrent.h, v(0)));
+            break;
+        case 'C':
+            drawn = Cubic(point(0), point(2), point(4));
+            break;
+        case 'S':
+            drawn = Cubic(Smooth(kCubic), point(0), point(2));
+            break;
+        case 'Q':
+            drawn = Quadratic(point(0), point(2));
+            break;
+        case 'T':
+            drawn = Quadratic(Smooth(kQuadratic), point(0));
+            break;
+        default:
+            drawn = Arc(a, point(5));
+            break;
+        }
+        return drawn || FailRange(begin, "coordinates in the range of double");
+    }
+
+    // Segments: each function is false, and draws nothing, when a point is out of range
+
+    bool Move(Pt const& p) {
+        if (!IsFinite(p)) {
+            return false;
+        }
+        mResult.path.MoveTo(p);
+        mStart = p;
+        Arrive(p);
+        return true;
+    }
+
+    bool Line(Pt const& p) {
+        if (!IsFinite(p)) {
+            return false;
+        }
+        if (p != mCurrent) {
+            Open();
+            mResult.path.LineTo(p);
+        }
+        Arrive(p);
+        return true;
+    }
+
+    bool Cubic(Pt const& c1, Pt const& c2, Pt const& e) {
+        if (!IsFinite(c1) || !IsFinite(c2) || !IsFinite(e)) {
+            return false;
+        }
+        AddCurve(c1, c2, e);
+        Arrive(e, kCubic, c2);
+        return true;
+    }
+
+    bool Quadratic(Pt const& q, Pt const& e) {
+        if (!IsFinite(q) || !IsFinite(e)) {
+            return false;
+        }
+        AddCurve(TwoThirds(mCurrent, q), TwoThirds(e, q), e);
+        Arrive(e, kQuadratic, q);
+        return true;
+    }
+
+    bool Arc(std::array<double, 7> const& a, Pt const& e) {
+        double const rx = std::abs(a[0]);
+        double const ry = std::abs(a[1]);
+        if (rx == 0.0 || ry == 0.0 || e == mCurrent) {
+            return Line(e);
+        }
+        if (!IsFinite(e)) {
+            return false;
+        }
+        SvgArc const curves(mCurrent, e, rx, ry, a[2], a[3] != 0.0, a[4] != 0.0);
+        if (!curves.IsFinite()) {
+            return false;
+        }
+        for (std::size_t i = 0; i < curves.Count(); ++i) {
+            Pt const* const points = curves.Curve(i);
+            AddCurve(points[0], points[1], points[2]);
+            Arrive(points[2]);
+        }
+        return true;
+    }
+
+    void Close() {
+        mResult.path.ClosePath();
+        Arrive(mStart);
+    }
+
+    /// Adds a curve from the current point. It cuts a curve in two that the path would drop as one.
+    void AddCurve(Pt const& c1, Pt const& c2, Pt const& e) {
+        if (e != mCurrent) {
+            Open();
+            mResult.path.CurveTo(c1, c2, e);
+            return;
+        }
+        // A curve whose middle lies on its ends crosses itself there or runs to and fro. Its point
+        // at a quarter then lies elsewhere, unless the whole curve stays in one point.
+        for (double const t : {0.5, 0.25, 0.75}) {
+            Pt const a = Between(mCurrent, c1, t);
+            Pt const b = Between(c1, c2, t);
+            Pt const c = Between(c2, e, t);
+            Pt const ab = Between(a, b, t);
+            Pt const bc = Between(b, c, t);
+            Pt const cut = Between(ab, bc, t);
+            if (cut != mCurrent) {
+                Open();
+                mResult.path.CurveTo(a, ab, cut);
+                mResult.path.CurveTo(bc, c, e);
+                return;
+            }
+        }
+    }
+
+    /// Begins a subpath at the start of the last one where that is closed.
+    void Open() {
+        if (!mResult.path.mOpen) {
+            mResult.path.MoveTo(mStart);
+        }
+    }
+
+    // The grammar's state: where the next command starts. The path's own may differ
+
+    enum Kind : std::uint8_t { kOther, kCubic, kQuadratic };
+
+    void Arrive(Pt const& p, Kind kind = kOther, Pt const& control = Pt()) {
+        mCurrent = p;
+        mKind = kind;
+        mControl = control;
+    }
+
+    /// Returns the first control point of a smooth curve.
+    Pt Smooth(Kind kind) const { return mKind == kind ? Reflected(mControl, mCurrent) : mCurrent; }
+
+    std::string_view mText;
+    std::size_t mPos = 0;
+    bool mMayRepeat = false; ///< the command read last takes arguments
+    Pt mStart;               ///< the start of the subpath
+    Pt mCurrent;
+    Kind mKind = kOther; ///< the kind of the last segment
+    Pt mControl;         ///< the last control point of that segment, where it is a curve
+    SvgPathResult mResult;
+};
+
+} // namespace
+
+std::string SvgPathError::Message() const {
+    return "at byte " + std::to_string(position) + ": expected " + expected + ", found " + found;
+}
+
+SvgPathResult ReadSvgPath(std::string_view text) { return Reader(text).Read(); }
+
+} // namespace trammel
