@@ -238,14 +238,14 @@ CFPolygonRef& CFPolygonRef::Insert(long i, TPoint<double> const& p) {
 
 CFPolygonRef& CFPolygonRef::Delete(long i, long count) {
     long const points = PointCount(*this);
-    if (i < 0 || i >= points || count < 0) {
-        return *this;
+    if (i >= 0 && count >= 0 && HasHeader(mRef)) {
+        if (i <= points && count <= points - i) {
+            char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), i);
+            char const* const rest = trammel_detail::FPolygonPointAt(Bytes(mRef), i + count);
+            BlockMove(rest, place, Bytes(mRef) + DataSize() - rest);
+        }
+        GrowHandle(AsHandle(mRef), -kPointSize * std::min(count, points));
     }
-    long const removed = std::min(count, points - i);
-    char* const place = trammel_detail::FPolygonPointAt(Bytes(mRef), i);
-    char const* const rest = trammel_detail::FPolygonPointAt(Bytes(mRef), i + removed);
-    BlockMove(rest, place, Bytes(mRef) + DataSize() - rest);
-    GrowHandle(AsHandle(mRef), -kPointSize * removed);
     InvalBounds();
     return *this;
 }

@@ -12,7 +12,8 @@
 // reference. A block from elsewhere that is shorter than the header of 44 bytes has no points,
 // flags or caches either; but it has a size, can be copied, resized, appended to and disposed.
 //
-// Indexes run from 0 to LastIndex(). Outside of it, reading gives (0, 0) and writing does nothing.
+// Indexes run from 0 to LastIndex(). Outside of it, reading gives (0, 0) and storing does nothing;
+// Insert and Delete say what they do there.
 // Short memory leaves the polygon as it was. Members that change it return the reference, so that
 // they can be chained.
 //
@@ -127,8 +128,13 @@ public:
     /// taken to the nearer end). A current bounds cache grows with it. Unlike after Append, a
     /// cached path stays as it was.
     CFPolygonRef& Insert(long i, TPoint<double> const& p);
-    /// Removes `count` points from point `i` on, at most those that follow; nothing for a negative
-    /// index or count.
+    /// Removes `count` points from point `i` on and drops the caches.
+    ///
+    /// Works in two steps: it moves the points behind `i` + `count` down to `i`, if there are any,
+    /// then takes `count` points off the end. So a range that reaches beyond the end still removes
+    /// `count` points (at most all), the last ones: Delete(2, 2) of three points leaves the first,
+    /// Delete(3, 1) the first two. A negative index or count removes nothing; the caches go even
+    /// then.
     CFPolygonRef& Delete(long i, long count);
     /// Sets the closed flag. When it changes, bounds and path are dropped.
     CFPolygonRef& SetClosed(bool c);

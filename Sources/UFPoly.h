@@ -82,7 +82,8 @@ TRAMMEL_API void InsertPolyPt(long i, TPoint<double> pt, CFPolygonRef p);
 /// Points that `src` does not have come as (0, 0). The run ends where memory does, and one of 2^36
 /// points or more, which no polygon can hold, is not begun.
 TRAMMEL_API void InsertPolyPts(CFPolygonRef dst, CFPolygonRef src, long count, short mode);
-/// Removes the last point and computes the bounds; nothing for an empty polygon.
+/// Removes the last point, drops the cached path and computes the bounds; an empty polygon stays
+/// empty.
 TRAMMEL_API void DeletePolyPt(CFPolygonRef p);
 
 // Containment

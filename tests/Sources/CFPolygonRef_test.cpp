@@ -418,19 +418,33 @@ TEST_F(HandlePolygon, AppendToCurrentBoundsOfAnEmptyPolygonStartsThem) {
     EXPECT_EQ(Text(ref.Bounds()), "[3, 4, 3, 4]");
 }
 
-TEST_F(HandlePolygon, AFailedAppendOrInsertLeavesThePolygonAsItWas) {
-    CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
-    ref.CalcBounds();
-    CGPath* const path = CachePath(ref);
-    std::string const before = Contents(ref);
-    trammel_detail::FailNextAllocations(1);
-    ref.Append(TPoint<double>(9, 9));
-    EXPECT_EQ(Contents(ref), before);
-    trammel_detail::FailNextAllocations(1);
-    ref.Insert(0, TPoint<double>(9, 9));
-    EXPECT_EQ(Contents(ref), before);
-    EXPECT_EQ(CachedPath(ref), path);
-    CGPathRelease(path);
+TEST_F(HandlePolygon, AFailedAppendInsertOrSetSizeLeavesBlockBoundsAndCachedPath) {
+    std::pair<char const*, std::function<void(CFPolygonRef&)>> const operations[] = {
+        {"Append", [](CFPolygonRef& r) { r.Append(TPoint<double>(9, 9)); }},
+        {"Insert before the first", [](CFPolygonRef& r) { r.Insert(0, TPoint<double>(9, 9)); }},
+        {"Insert before the last", [](CFPolygonRef& r) { r.Insert(1, TPoint<double>(9, 9)); }},
+        {"Insert at the end", [](CFPolygonRef& r) { r.Insert(2, TPoint<double>(9, 9)); }},
+        {"SetSize", [](CFPolygonRef& r) { r.SetSize(1000); }},
+    };
+    for (bool const boundsValid : {false, true}) {
+        for (auto const& [name, operation] : operations) {
+            SCOPED_TRACE(name);
+            CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
+            if (boundsValid) {
+                ref.CalcBounds();
+            }
+            CGPath* const path = CachePath(ref);
+            std::string const before = Contents(ref);
+            trammel_detail::FailNextAllocations(1);
+            operation(ref);
+            EXPECT_FALSE(trammel_detail::TakeInjectedFailure()) << "it asked for memory";
+            EXPECT_EQ(Contents(ref), before);
+            EXPECT_EQ(CachedPath(ref), path);
+            operation(ref); // now there is memory
+            EXPECT_NE(Contents(ref), before);
+            CGPathRelease(path);
+        }
+    }
 }
 
 TEST_F(HandlePolygon, InsertPutsAPointBeforeAnother) {
@@ -491,29 +505,68 @@ TEST_F(HandlePolygon, DeleteRemovesThePointsFromAnIndexOn) {
     EXPECT_EQ(Text(ref.Bounds()), "[0, 0, 0, 0]");
 }
 
-TEST_F(HandlePolygon, DeleteTakesAtMostThePointsThatFollow) {
-    for (long const count : {2L, 3L, 1000L, LONG_MAX, LONG_MAX / 16 + 1, 1L << 60}) {
+TEST_F(HandlePolygon, DeleteBeyondTheEndTakesThatManyPointsOffTheEnd) {
+    struct Case {
+        long i;
+        long count;
+        char const* left;
+    };
+    Case const cases[] = {
+        {2, 2, "(1, 1)"},
+        {3, 1, "(1, 1) (2, 2)"},
+        {3, 2, "(1, 1)"},
+        {4, 1, "(1, 1) (2, 2)"},
+        {1L << 60, 1, "(1, 1) (2, 2)"},
+        {LONG_MAX, 1, "(1, 1) (2, 2)"},
+        {LONG_MAX, 2, "(1, 1)"},
+        {1, 3, ""},
+        {0, 4, ""},
+        {2, 3, ""},
+        {1, 1000, ""},
+        {1, 1L << 60, ""},
+        {1, LONG_MAX / 16 + 1, ""},
+        {1, LONG_MAX, ""},
+        {3, LONG_MAX, ""},
+        {LONG_MAX, LONG_MAX, ""},
+    };
+    for (Case const& c : cases) {
         CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
-        ref.Delete(1, count);
-        EXPECT_EQ(Text(PointsOf(ref)), "(1, 1)") << count;
+        ref.CalcBounds();
+        ref.Delete(c.i, c.count);
+        EXPECT_EQ(Text(PointsOf(ref)), c.left) << c.i << " " << c.count;
+        EXPECT_FALSE(ref.BoundsValid()) << c.i << " " << c.count;
     }
 }
 
-TEST_F(HandlePolygon, DeleteOutsideRemovesNothing) {
-    CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
+TEST_F(HandlePolygon, DeleteOfNoneOrANegativeRangeRemovesNothingAndDropsTheCaches) {
     std::pair<long, long> const ranges[] = {
-        {-1, 1}, {-1, 4},       {LONG_MIN, LONG_MAX}, {3, 1},
-        {4, 1},  {LONG_MAX, 1}, {1L << 60, 1},        {0, -1},
-        {1, -2}, {0, LONG_MIN}, {LONG_MAX, LONG_MAX}, {LONG_MIN, 1},
-        {3, 0}};
+        {-1, 1}, {-1, 4},        {LONG_MIN, LONG_MAX}, {0, -1},       {1, -2}, {0, LONG_MIN},
+        {0, 0},  {3, 0},         {LONG_MAX, 0},        {LONG_MIN, 1}, {-1, 0}, {-1, -1},
+        {4, -1}, {LONG_MAX, -1}, {LONG_MIN, LONG_MIN}};
     for (auto const& [i, count] : ranges) {
+        CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}, {3, 3}}));
+        ref.CalcBounds();
+        CGPath* const path = CachePath(ref);
         ref.Delete(i, count);
         EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (2, 2) (3, 3)") << i << " " << count;
+        EXPECT_FALSE(ref.BoundsValid()) << i << " " << count;
+        EXPECT_EQ(Text(Record(ref)->polyBBox), "[0, 0, 0, 0]") << i << " " << count;
+        EXPECT_EQ(CachedPath(ref), nullptr) << i << " " << count;
+        CGPathRelease(path);
     }
+}
+
+TEST_F(HandlePolygon, DeleteLeavesTheHeaderOfAnEmptyPolygon) {
     CFPolygonRef& empty = Keep(CFPolygonRef(true));
-    empty.Delete(0, 1);
-    empty.Delete(0, LONG_MAX);
-    EXPECT_EQ(empty.DataSize(), 44);
+    std::pair<long, long> const ranges[] = {{0, 1}, {0, LONG_MAX}, {5, 1}, {-1, 1}, {0, 0}};
+    for (auto const& [i, count] : ranges) {
+        empty.SetClosed(true);
+        empty.CalcBounds();
+        empty.Delete(i, count);
+        EXPECT_EQ(empty.DataSize(), 44) << i << " " << count;
+        EXPECT_TRUE(empty.Closed()) << i << " " << count;
+        EXPECT_FALSE(empty.BoundsValid()) << i << " " << count;
+    }
 }
 
 TEST_F(HandlePolygon, DeletingNeedsNoMemory) {
@@ -1066,8 +1119,12 @@ TEST_F(HandlePolygon, KeepsStepWithAPlainListUnderRandomOperations) {
         case 4: {
             long const count = static_cast<long>(random() % 5) - 1;
             ref.Delete(i, count);
-            if (i >= 0 && i < size() && count > 0) {
-                model.erase(model.begin() + i, model.begin() + std::min(i + count, size()));
+            if (i >= 0 && count > 0) {
+                long const kept = size() - std::min(count, size());
+                for (long k = i; k < kept; ++k) {
+                    model[static_cast<std::size_t>(k)] = model[static_cast<std::size_t>(k + count)];
+                }
+                model.resize(static_cast<std::size_t>(kept));
             }
             break;
         }
@@ -1164,7 +1221,7 @@ TEST_F(HandlePolygon, BlocksThatHoldNoWholePointAreNeitherReadNorWrittenBeyondTh
                 .Map(TRect<double>(0, 0, 1, 1), TRect<double>(0, 0, 2, 2));
             EXPECT_FALSE(polygon.Contains(TPoint<double>(1, 1)));
             polygon.Delete(at, 1);
-            EXPECT_EQ(polygon.DataSize(), at >= 0 && at < whole ? size - 16 : size);
+            EXPECT_EQ(polygon.DataSize(), at >= 0 && whole > 0 ? size - 16 : size);
             long const before = polygon.DataSize();
             polygon.Insert(at, TPoint<double>(7, 8));
             EXPECT_EQ(polygon.DataSize(), size < 44 ? before : before + 16);

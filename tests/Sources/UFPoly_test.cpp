@@ -411,6 +411,17 @@ TEST_F(FPoly, DeleteRemovesTheLastPointAndComputesTheBounds) {
     DeletePolyPt(CFPolygonRef());
 }
 
+TEST_F(FPoly, DeleteOfAPartOfAPointRemovesNothing) {
+    for (long size = 45; size < 60; ++size) {
+        Handle const block = NewHandleClear(size);
+        CFPolygonRef const foreign(reinterpret_cast<FPolygon**>(block), false);
+        DeletePolyPt(foreign);
+        EXPECT_EQ(foreign.DataSize(), size);
+        EXPECT_EQ(LastFPolyIndex(foreign), 0);
+        DisposeHandle(block);
+    }
+}
+
 TEST_F(FPoly, InsertPtsAppendsARunInEitherDirection) {
     Points const source = {{10, 1}, {11, 1}, {12, 1}, {13, 1}};
     struct Case {
