@@ -28,6 +28,7 @@
 #include <cstdint>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 class CMatrix3x3;
 // Marked here, too: of a template, Clang goes by the first declaration.
@@ -256,6 +257,37 @@ template <class T> struct TRAMMEL_API TPoint {
     }
     /// "{h, v}" with six decimals for doubles, as integers for shorts; the same in every locale.
     std::string NSString() const;
+};
+
+/// Coordinate `I` of the point, 0 for h and 1 for v, in the order of all arguments and not in the
+/// order of storage. Structured bindings call these: `auto [h, v] = p`, and with `auto& [h, v]` a
+/// write goes into the point.
+template <std::size_t I, class T> T& get(TPoint<T>& p) noexcept {
+    static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
+    if constexpr (I == 0) {
+        return p.h;
+    } else {
+        return p.v;
+    }
+}
+/// As above, for reading.
+template <std::size_t I, class T> T const& get(TPoint<T> const& p) noexcept {
+    static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
+    if constexpr (I == 0) {
+        return p.h;
+    } else {
+        return p.v;
+    }
+}
+/// As above, of a point that is about to end.
+template <std::size_t I, class T> T&& get(TPoint<T>&& p) noexcept { return std::move(get<I>(p)); }
+
+/// A point is a pair (h, v) to structured bindings.
+template <class T> struct std::tuple_size<TPoint<T>> : std::integral_constant<std::size_t, 2> {};
+/// Both coordinates have the same type.
+template <std::size_t I, class T> struct std::tuple_element<I, TPoint<T>> {
+    static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
+    using type = T;
 };
 
 extern template struct TPoint<double>;

@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <tuple>
 #include <type_traits>
 
 using trammel_test::kInf;
@@ -76,6 +77,57 @@ TEST(TPointShort, StartsNullAndTakesHorizontalFirst) {
     EXPECT_EQ(copy, SPoint(5, 6));
     p.SetNull();
     EXPECT_EQ(p, SPoint(0, 0));
+}
+
+template <class P> void ExpectAPairInTheOrderOfTheArguments() {
+    using T = decltype(P::h);
+    static_assert(std::tuple_size_v<P> == 2);
+    static_assert(std::is_same_v<std::tuple_element_t<0, P>, T>);
+    static_assert(std::is_same_v<std::tuple_element_t<1, P>, T>);
+    static_assert(std::is_same_v<std::tuple_element_t<1, P const>, T const>);
+
+    P p(3, -4);
+    auto [h, v] = p;
+    EXPECT_EQ(h, 3);
+    EXPECT_EQ(v, -4);
+    h = 7; // of the copy
+    EXPECT_EQ(p, P(3, -4));
+
+    auto& [hRef, vRef] = p;
+    hRef = 5;
+    vRef = 6;
+    EXPECT_EQ(p.h, 5);
+    EXPECT_EQ(p.v, 6);
+
+    P const& constant = p;
+    auto const& [hConst, vConst] = constant;
+    static_assert(std::is_same_v<decltype(hConst), T const>);
+    EXPECT_EQ(&hConst, &p.h);
+    EXPECT_EQ(&vConst, &p.v);
+
+    auto&& [hOfResult, vOfResult] = p + P(1, 1);
+    EXPECT_EQ(hOfResult, 6);
+    EXPECT_EQ(vOfResult, 7);
+
+    static_assert(std::is_same_v<decltype(get<0>(p)), T&>);
+    static_assert(std::is_same_v<decltype(get<0>(constant)), T const&>);
+    static_assert(std::is_same_v<decltype(get<0>(P(1, 2))), T&&>);
+    static_assert(std::is_same_v<decltype(get<1>(P(1, 2))), T&&>);
+    get<0>(p) = 8;
+    get<1>(p) = 9;
+    EXPECT_EQ(p, P(8, 9));
+    EXPECT_EQ(get<0>(constant), 8);
+    EXPECT_EQ(get<1>(constant), 9);
+    EXPECT_EQ(get<0>(P(1, 2)), 1);
+    EXPECT_EQ(get<1>(P(1, 2)), 2);
+}
+
+TEST(TPointDouble, StructuredBindingsTakeHorizontalFirst) {
+    ExpectAPairInTheOrderOfTheArguments<DPoint>();
+}
+
+TEST(TPointShort, StructuredBindingsTakeHorizontalFirst) {
+    ExpectAPairInTheOrderOfTheArguments<SPoint>();
 }
 
 TEST(TPointDouble, IsNullWhenBothCoordinatesAreZeroOfEitherSign) {
