@@ -16,29 +16,39 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <new>
+#include <vector>
 
 namespace {
 
 using trammel_detail::ElementCursor;
 using trammel_detail::SegmentCursor;
 
-/// Numbers in order, the first ones without a heap block: most outlines have no more segments.
+/// Lengths in order. The first ones take no heap block: most outlines have no more segments. When
+/// memory is short it keeps only the lengths before that point, and never throws.
 class Lengths {
 public:
-    void Append(double length) {
+    void Append(double length) noexcept {
         if (mCount < mFirst.size()) {
-            mFirst[mCount] = length;
-        } else {
-            mRest.push_back(length);
+            mFirst[mCount++] = length;
+        } else if (!mFull) {
+            try {
+                mRest.push_back(length);
+                ++mCount;
+            } catch (std::bad_alloc const&) {
+                mFull = true;
+            }
         }
-        ++mCount;
     }
+    /// True when length `i` is kept.
+    bool Has(std::size_t i) const { return i < mCount; }
     double operator[](std::size_t i) const {
         return i < mFirst.size() ? mFirst[i] : mRest[i - mFirst.size()];
     }
 
 private:
     std::size_t mCount = 0;
+    bool mFull = false;
     std::array<double, 128> mFirst; // the first mCount are set
     std::vector<double> mRest;
 };
@@ -67,7 +77,9 @@ public:
                 return false;
             }
             mBefore = mBehind;
-            mLength = mMeasured.mLengths[mIndex++];
+            Lengths const& lengths = mMeasured.mLengths;
+            mLength = lengths.Has(mIndex) ? lengths[mIndex] : mSegment.Length();
+            ++mIndex;
             mBehind += mLength;
             return true;
         }
