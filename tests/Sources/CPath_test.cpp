@@ -17,7 +17,6 @@
 
 #include <array>
 #include <cmath>
-#include <cstdlib>
 #include <functional>
 #include <limits>
 #include <new>
@@ -25,51 +24,6 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-// ---------------------------------------------------------------------------------------------
-// Memory that runs out when a test says so. Otherwise allocation is what it always is. Not inline:
-// the compiler would see a block of operator new handed to free.
-
-namespace {
-
-using trammel_test::gAllocationsLeft;
-using trammel_test::gLargestAllocation;
-using trammel_test::gMemoryIsShort;
-using trammel_test::ShortMemory;
-
-void* AllocateOrNull(std::size_t size) noexcept {
-    if (gMemoryIsShort && (size > gLargestAllocation || --gAllocationsLeft < 0)) {
-        return nullptr;
-    }
-    return std::malloc(size != 0 ? size : 1);
-}
-
-} // namespace
-
-[[gnu::noinline]] void* operator new(std::size_t size) {
-    void* const block = AllocateOrNull(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-[[gnu::noinline]] void* operator new[](std::size_t size) { return operator new(size); }
-[[gnu::noinline]] void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
-    return AllocateOrNull(size);
-}
-[[gnu::noinline]] void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
-    return AllocateOrNull(size);
-}
-[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete[](void* block) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete(void* block, std::nothrow_t const&) noexcept {
-    std::free(block);
-}
-[[gnu::noinline]] void operator delete[](void* block, std::nothrow_t const&) noexcept {
-    std::free(block);
-}
 
 namespace {
 
@@ -79,6 +33,7 @@ using plain::SameBits;
 using plain::StepUlps;
 using trammel_test::kInf;
 using trammel_test::kNaN;
+using trammel_test::ShortMemory;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
@@ -1206,6 +1161,46 @@ TEST_F(Path, CuttingKeepsThePathsConsistentWhenMemoryIsShort) {
                 ASSERT_EQ(path->mPts.size(), points);
             }
             ASSERT_SAME(CBezier::mMaxError, 1.0);
+        }
+    }
+}
+
+TEST_F(Path, MeasuringAndSearchingNeverThrowAndAnswerTheSameWithoutMemory) {
+    CPath path;
+    path.MoveTo(Pt(0, 0));
+    for (int i = 1; i <= 100; ++i) {
+        path.LineTo(Pt(10 * i, i % 7));
+        path.LineTo(Pt(10 * i, 50 + i % 3));
+        path.CurveTo(Pt(10 * i + 3, 90), Pt(10 * i + 7, -30), Pt(10 * i + 8, i % 5));
+    }
+    auto const ask = [&path] {
+        return std::array<double, 17>{path.Length(),
+                                      path.TPt(-0.5).h,
+                                      path.TPt(0.0).v,
+                                      path.TPt(0.1).h,
+                                      path.TPt(0.1).v,
+                                      path.TPt(0.45).h,
+                                      path.TPt(0.45).v,
+                                      path.TPt(0.77).h,
+                                      path.TPt(0.77).v,
+                                      path.TPt(1.0).h,
+                                      path.TPt(1.0).v,
+                                      path.TPt(1.5).h,
+                                      path.TPt(1.5).v,
+                                      path.FindTValue(Pt(0, 0)),
+                                      path.FindTValue(Pt(500, 30)),
+                                      path.FindTValue(Pt(1009, -40)),
+                                      path.FindTValue(Pt(300.5, 51))};
+    };
+    std::array<double, 17> const expected = ask();
+    for (long const allocations : {0L, 1L, 2L, 3L}) {
+        std::array<double, 17> answers = {};
+        {
+            ShortMemory const memory(allocations);
+            answers = ask();
+        }
+        for (std::size_t i = 0; i < answers.size(); ++i) {
+            EXPECT_SAME(answers[i], expected[i]) << allocations << " allocations, answer " << i;
         }
     }
 }

@@ -257,7 +257,7 @@ TEST_F(PointRuns, ContainmentAllocatesNothing) {
                 static_cast<void>(handle.Contains(p));
                 static_cast<void>(FPtInFPoly(handle, p));
             }
-            EXPECT_EQ(trammel_test::gAllocationsLeft, kAllowed) << count;
+            EXPECT_EQ(trammel_test::ShortMemory::Left(), kAllowed) << count;
         }
         EXPECT_EQ(trammel_detail::LiveHandleCount(), handles);
         EXPECT_EQ(trammel_detail::BlockReallocationCount(), reallocations);

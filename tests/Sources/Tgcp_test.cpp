@@ -3,6 +3,7 @@
 #include "Tgcp.h"
 
 #include "Handles.h"
+#include "ShortMemory.h"
 #include "TestSupport.h"
 #include "UFPoly.h"
 
@@ -10,7 +11,10 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -350,6 +354,93 @@ TEST_F(Tgcp, HandlePolygonsGoThroughAClipAndBack) {
     KillFPoly(result);
     KillFPoly(right);
     KillFPoly(left);
+}
+
+TEST_F(Tgcp, AClipWithoutMemoryForItsRecordsThrowsAndLeavesTheResult) {
+    if (!trammel_test::ShortMalloc::Works()) {
+        GTEST_SKIP() << "malloc cannot be made to fail here";
+    }
+    Tgpc_polygon const a(Box(0, 0, 10, 10));
+    Tgpc_polygon const b(Box(5, 5, 15, 15));
+    Tgpc_polygon const before(Box(1, 2, 3, 4));
+    // The record of each operand takes three requests: holes, contours and vertices.
+    for (long granted = 0; granted < 6; ++granted) {
+        Tgpc_polygon result = before;
+        {
+            trammel_test::ShortMalloc const memory(granted);
+            EXPECT_THROW(Tgpc_polygon_clip(kPolyUnion, a, b, result), std::bad_alloc) << granted;
+        }
+        EXPECT_TRUE(SameContours(result, before)) << granted;
+    }
+    for (long granted = 0; granted < 3; ++granted) {
+        trammel_test::ShortMalloc const memory(granted);
+        EXPECT_THROW(Create_gpc(a), std::bad_alloc) << granted;
+    }
+}
+
+TEST_F(Tgcp, AClipWithoutMemoryForItsContoursThrowsAndLeavesTheResult) {
+    Tgpc_polygon const a(Box(0, 0, 10, 10));
+    Tgpc_polygon const b(Box(5, 5, 15, 15));
+    Tgpc_polygon const before(Box(1, 2, 3, 4));
+    Tgpc_polygon const expected = Clip(kPolyUnion, a, b);
+    // The contours and the vertices of the one contour take a request each.
+    for (long granted = 0; granted < 3; ++granted) {
+        Tgpc_polygon result = before;
+        bool thrown = false;
+        try {
+            trammel_test::ShortMemory const memory(granted);
+            Tgpc_polygon_clip(kPolyUnion, a, b, result);
+        } catch (std::bad_alloc const&) {
+            thrown = true;
+        }
+        EXPECT_EQ(thrown, granted < 2) << granted;
+        EXPECT_TRUE(SameContours(result, thrown ? before : expected)) << granted;
+    }
+}
+
+/// While it lives, `items` claims to have `count` elements. Only its size() may be asked for: no
+/// machine that runs this test has the memory for the elements.
+template <class Item> class ClaimedSize {
+public:
+    ClaimedSize(std::vector<Item>& items, std::size_t count) : mItems(items) {
+        std::uintptr_t const begin = 4096;
+        std::uintptr_t const end = begin + count * sizeof(Item);
+        std::uintptr_t const pointers[3] = {begin, end, end}; // begin, end, end of the block
+        static_assert(sizeof pointers == sizeof items);
+        std::memcpy(mOwn, static_cast<void*>(&mItems), sizeof mOwn);
+        std::memcpy(static_cast<void*>(&mItems), pointers, sizeof pointers);
+    }
+    ~ClaimedSize() { std::memcpy(static_cast<void*>(&mItems), mOwn, sizeof mOwn); }
+    ClaimedSize(ClaimedSize const&) = delete;
+    ClaimedSize& operator=(ClaimedSize const&) = delete;
+
+private:
+    std::vector<Item>& mItems;
+    unsigned char mOwn[sizeof(std::vector<Item>)];
+};
+
+TEST_F(Tgcp, CountsThatDoNotFitTheRecordsAreTheStandardExceptionAndLeaveTheResult) {
+    Tgpc_polygon const b(Box(5, 5, 15, 15));
+    Tgpc_polygon const before(Box(1, 2, 3, 4));
+    for (std::size_t const count : {std::size_t{1} << 31U, (std::size_t{1} << 31U) + 4,
+                                    std::size_t{1} << 32U, (std::size_t{1} << 32U) + 4}) {
+        Tgpc_polygon result = before;
+        Tgpc_polygon manyVertices(Box(0, 0, 10, 10));
+        {
+            ClaimedSize<Pt> const claim(manyVertices.mContours[0].mVertices, count);
+            ASSERT_EQ(manyVertices.mContours[0].size(), count);
+            EXPECT_THROW(Create_gpc(manyVertices), std::bad_alloc) << count;
+            EXPECT_THROW(Tgpc_polygon_clip(kPolyUnion, manyVertices, b, result), std::bad_alloc);
+            EXPECT_THROW(Tgpc_polygon_clip(kPolyUnion, b, manyVertices, result), std::bad_alloc);
+        }
+        Tgpc_polygon manyContours;
+        {
+            ClaimedSize<Tgcp_contour> const claim(manyContours.mContours, count);
+            EXPECT_THROW(Create_gpc(manyContours), std::bad_alloc) << count;
+            EXPECT_THROW(Tgpc_polygon_clip(kPolyUnion, manyContours, b, result), std::bad_alloc);
+        }
+        EXPECT_TRUE(SameContours(result, before)) << count;
+    }
 }
 
 } // namespace

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
+
 #include "SvgPath.h"
 
 #include "../platform/LocaleForTests.h"
-#include "CountedMemory.h"
+#include "ShortMemory.h"
 #include "SvgTexts.h"
 
 #include <gtest/gtest.h>
@@ -28,15 +29,12 @@ namespace {
 using trammel::ReadSvgPath;
 using trammel::SvgPathResult;
 using trammel::WriteSvgPath;
+using trammel_test::AllocatedBytes;
 using trammel_test::Elements;
 using trammel_test::Read;
 using trammel_test::Same;
 
 typedef TPoint<double> Pt;
-
-#if TRAMMEL_TEST_COUNTS_MEMORY
-using trammel_test::gAllocatedBytes;
-#endif
 
 constexpr double kPi = 3.14159265358979323846;
 
@@ -150,8 +148,6 @@ TEST(SvgPath, KnowsNoLocale) {
     EXPECT_TRUE(ReadSvgPath("M1,5").error == std::nullopt);
 }
 
-#if TRAMMEL_TEST_COUNTS_MEMORY
-
 /// `count` segments of all kinds.
 std::string LongText(std::size_t count) {
     std::mt19937 random(1);
@@ -185,18 +181,17 @@ std::string LongText(std::size_t count) {
 TEST(SvgPath, MemoryIsLinear) {
     for (std::size_t const count : {1000U, 10000U, 100000U}) {
         std::string const text = LongText(count);
-        std::size_t before = gAllocatedBytes;
+        std::size_t before = AllocatedBytes();
         CPath const path = Read(text);
-        std::size_t const read = gAllocatedBytes - before;
+        std::size_t const read = AllocatedBytes() - before;
         // Growing by halves or doubling: all blocks together, freed ones too, within a few times
         // the last. Quadratic growth would be thousands of times.
         EXPECT_LT(read, 6 * path.size() + 4096) << count;
-        before = gAllocatedBytes;
+        before = AllocatedBytes();
         std::string const written = WriteSvgPath(path);
-        EXPECT_LT(gAllocatedBytes - before, 8 * written.size() + 65536) << count;
+        EXPECT_LT(AllocatedBytes() - before, 8 * written.size() + 65536) << count;
     }
 }
-#endif
 
 // With millions of bytes in one token, one error or one gap, anything quadratic would not come to
 // an end within this program's time.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "PreparedPolygon.h"
 
-#include "CountedMemory.h"
+#include "ShortMemory.h"
 #include "TestSupport.h"
 #include "plain/PlainPolygon.h"
 
@@ -623,22 +623,20 @@ TEST(PreparedPolygon, TakesBoundedMemory) {
     }
 }
 
-#if TRAMMEL_TEST_COUNTS_MEMORY
-
 TEST(PreparedPolygon, AllocatesNothingToAnswer) {
     Random random(10);
     Points const vertices = Comb(5000, 100.0, 300.0, random);
     PreparedPolygon const prepared(PointList(vertices));
     Points const points = Tangle(1000, random);
     std::array<bool, 1000> inside{};
-    std::size_t const before = trammel_test::gAllocations;
+    std::size_t const before = trammel_test::AllocationCount();
     long count = 0;
     for (Pt const& p : points) {
         count += prepared.Contains(p) ? 1 : 0;
     }
     prepared.Contains(points.data(), points.size(), inside.data());
     PreparedPolygon const copy(prepared);
-    std::size_t const after = trammel_test::gAllocations;
+    std::size_t const after = trammel_test::AllocationCount();
     EXPECT_EQ(after - before, 0U);
     EXPECT_EQ(std::count(inside.begin(), inside.end(), true), count);
     EXPECT_TRUE(copy.MemorySize() == prepared.MemorySize());
@@ -651,16 +649,15 @@ TEST(PreparedPolygon, IsAsItWasWhenMemoryRunsOut) {
     PreparedPolygon prepared(PointList({{0, 0}, {10, 0}, {10, 10}, {0, 10}}));
     int failures = 0;
     for (long allocations = 0;; ++allocations) {
-        trammel_test::gAllocationsLeft = allocations;
         bool done = false;
         try {
+            trammel_test::ShortMemory const memory(allocations);
             prepared =
                 allocations % 2 == 0 ? PreparedPolygon(polygon) : PreparedPolygon(handle.ref);
             done = true;
         } catch (std::bad_alloc const&) {
             ++failures;
         }
-        trammel_test::gAllocationsLeft = -1;
         if (done) {
             break;
         }
@@ -678,13 +675,11 @@ TEST(PreparedPolygon, IsBuiltWithinAFewTimesItsSize) {
     Random random(12);
     for (int const size : {1000, 10000, 100000}) {
         TPolygon<double> const polygon = PointList(Comb(size, 0.0, 450.0, random));
-        std::size_t const before = trammel_test::gAllocatedBytes;
+        std::size_t const before = trammel_test::AllocatedBytes();
         PreparedPolygon const prepared(polygon);
-        EXPECT_LT(trammel_test::gAllocatedBytes - before, 3 * prepared.MemorySize()) << size;
+        EXPECT_LT(trammel_test::AllocatedBytes() - before, 3 * prepared.MemorySize()) << size;
     }
 }
-
-#endif
 
 TEST(PreparedPolygon, AnswersSeveralThreadsAtOnce) {
     Random random(13);
