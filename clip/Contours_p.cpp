@@ -41,18 +41,14 @@ GridLines SortedByPlace(GridLines const& lines) {
 
 } // namespace
 
-bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
-                     ResolvedContours& result, Caution caution) {
+ResolvedContours ResolveContours(GridLines const& lines, RegionOf const& region,
+                                 ClipGrid const& grid, Caution caution) {
     Scratch* const scratch = lines.points.get_allocator().GetScratch();
-    result = ResolvedContours(scratch);
     GridLines cut = lines.Count() > 2 ? SortedByPlace(lines) : lines;
     ScratchVector<Meeting> meetings(scratch);
     std::optional<EdgeTree> tree;
-    if (!CutAtCrossings(cut, grid, caution, meetings, tree)) {
-        return false;
-    }
-    result = LinkContours(cut, tree, meetings, region);
-    return true;
+    CutAtCrossings(cut, grid, caution, meetings, tree);
+    return LinkContours(cut, tree, meetings, region);
 }
 
 } // namespace trammel_detail

@@ -13,11 +13,11 @@ namespace trammel_detail {
 
 /// The contours of the region of points that lie in certain operands, each of them being what is
 /// inside its lines by the even-odd rule. The lines may cross, touch, coincide and run in any
-/// direction. Returns false, and no contours, if cutting the lines did not settle.
+/// direction.
 ///
 /// Cost: see CutAtCrossings() and LinkContours().
-bool ResolveContours(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
-                     ResolvedContours& result, Caution caution = Caution::kWhereNeeded);
+ResolvedContours ResolveContours(GridLines const& lines, RegionOf const& region,
+                                 ClipGrid const& grid, Caution caution = Caution::kWhereNeeded);
 
 } // namespace trammel_detail
 

@@ -26,8 +26,7 @@ inline constexpr Meeting kFirstCrossing = 2;
 enum class Caution { kWhereNeeded, kEverywhere };
 
 /// Cuts lines where their edges cross, touch or overlap, themselves and each other: afterwards
-/// edges have nothing in common but their ends, or are equal. Returns false if there are crossings
-/// left.
+/// edges have nothing in common but their ends, or are equal.
 ///
 /// `meetings` gets an element for each vertex, `tree` a tree of the cut lines in their order if one
 /// is at hand, or none. The new vertices are points of `grid` that are doubles; edges move by no
@@ -36,7 +35,7 @@ enum class Caution { kWhereNeeded, kEverywhere };
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.
-bool CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
+void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Caution caution,
                     ScratchVector<Meeting>& meetings, std::optional<EdgeTree>& tree);
 
 } // namespace trammel_detail

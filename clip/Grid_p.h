@@ -57,7 +57,8 @@ public:
     double FromGrid(std::int64_t& g) const;
 
     /// The distance of the double at grid coordinate `g` to the next one away from zero, in steps;
-    /// 1 if that is less.
+    /// 1 if that is less. Rounding can give twice the distance for the last doubles below a power
+    /// of two, and half of it for the first ones from there on.
     std::int64_t Spacing(std::int64_t g) const;
 
     /// The largest Spacing() of the axis.

@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+
+#include "Boolean_p.h"
+
+#include "ContourOrder_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trammel_detail {
+
+namespace {
+
+Operands const kFirst = 1;
+Operands const kSecond = 2;
+
+/// The sides of a box, as a set of bits.
+enum Side : unsigned { kLeft = 1, kRight = 2, kBelow = 4, kAbove = 8 };
+
+/// Returns the sides beyond which a point lies.
+unsigned Beyond(Box<double> const& where, double x, double y) {
+    return (x < where.lowX ? unsigned{kLeft} : 0U) | (x > where.highX ? unsigned{kRight} : 0U) |
+           (y < where.lowY ? unsigned{kBelow} : 0U) | (y > where.highY ? unsigned{kAbove} : 0U);
+}
+
+} // namespace
+
+void BooleanOperand::Add(double const* coordinates, std::size_t count) {
+    if (count < 3) {
+        return;
+    }
+    Box<double> bounds;
+    for (std::size_t i = 0; i < 2 * count; i += 2) {
+        double const x = coordinates[i];
+        double const y = coordinates[i + 1];
+        if (!std::isfinite(x) || !std::isfinite(y)) {
+            return;
+        }
+        bounds.Include(x, y);
+    }
+    if (bounds.HasArea()) {
+        mContours.push_back({coordinates, count, bounds});
+        mBounds.Include(bounds);
+    }
+}
+
+std::size_t BooleanOperand::VertexCount() const {
+    std::size_t count = 0;
+    for (Contour const& contour : mContours) {
+        count += contour.count;
+    }
+    return count;
+}
+
+void BooleanOperand::Keep(Box<double> const& where) {
+    mContours.erase(std::remove_if(mContours.begin(), mContours.end(),
+                                   [&](Contour const& c) { return !c.bounds.Meets(where); }),
+                    mContours.end());
+    mBounds = Box<double>();
+    for (Contour const& contour : mContours) {
+        mBounds.Include(contour.bounds);
+    }
+}
+
+void BooleanOperand::AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
+                                 GridLines& lines) const {
+    for (Contour const& contour : mContours) {
+        double const* const v = contour.coordinates;
+        std::size_t const end = 2 * contour.count;
+        unsigned last = 0;
+        unsigned next = Beyond(where, v[0], v[1]);
+        for (std::size_t i = 0; i < end; i += 2) {
+            unsigned const here = next;
+            next = i + 2 < end ? Beyond(where, v[i + 2], v[i + 3]) : 0;
+            if ((last & here & next) == 0) {
+                lines.points.push_back(grid.Add(v[i], v[i + 1]));
+                last = here;
+            }
+        }
+        lines.Close(bit);
+    }
+}
+
+BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf const& region,
+                      Scratch* scratch) {
+    // Without points that lie in one operand only, nothing of the region lies outside of the other.
+    bool const withinSecond = !region[kFirst];
+    bool const withinFirst = !region[kSecond];
+    if (withinSecond) {
+        first.Keep(second.Bounds());
+    }
+    if (withinFirst) {
+        second.Keep(first.Bounds());
+    }
+    Box<double> all = first.Bounds();
+    all.Include(second.Bounds());
+    if (!all.HasArea()) {
+        return {ResolvedContours(scratch), ScratchVector<std::size_t>(scratch),
+                ClipGrid(0, 0, 1, 1)};
+    }
+    ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
+    GridLines lines(scratch);
+    lines.points.reserve(first.VertexCount() + second.VertexCount());
+    lines.ends.reserve(first.Count() + second.Count());
+    lines.operands.reserve(lines.ends.capacity());
+    first.AppendLines(kFirst, withinSecond ? second.Bounds() : first.Bounds(), grid, lines);
+    second.AppendLines(kSecond, withinFirst ? first.Bounds() : second.Bounds(), grid, lines);
+    grid.FinishAdding();
+    ResolvedContours resolved = ResolveContours(lines, region, grid);
+    ScratchVector<std::size_t> order = OrderContours(resolved);
+    return {std::move(resolved), std::move(order), std::move(grid)};
+}
+
+} // namespace trammel_detail
