@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-// Other libraries at the works that are compared (../Compare.h). Each has its own source file,
-// which is compiled apart where the library is found and registers what the library can do. What
-// Trammel adds to its curves is measured in the same way (../Additions_bench.cpp).
+// Other libraries at the works that are compared (../Compare.h). Each library has its own source
+// file, which is compiled apart if the library is found, and which registers the works that the
+// library can do. Trammel's queries are measured in the same way (../Queries_bench.cpp).
 
 #ifndef TRAMMEL_WORKS_H
 #define TRAMMEL_WORKS_H

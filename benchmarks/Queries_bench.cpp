@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
 
-// What the library adds to its own calls, at the works that are compared (Compare.h):
+// The library's queries at the works that are compared (Compare.h):
 //
 //     trammel-accurate   AccurateCurve.h, to an accuracy of 0.001 units where no other is named
 //     trammel-measured   an outline measured beforehand (PathMeasure.h)
 //     trammel-prepared   a polygon prepared beforehand (PreparedPolygon.h)
 //
-// The first has errors of its own, which stand beside its times. The others give what the path and
-// the polygon give, which is held against them, item by item and to the last bit, before anything
-// is measured. Making them is a work of its own: path_measure, contains_build; contains_some is
+// The first has errors of its own, which the tables show. The others give the results of the path
+// and of the polygon. The program checks that, item by item and to the last bit, before it
+// measures. Making them is a work of its own: path_measure and contains_build. contains_some is
 // both, for a few dozen points.
 //
 // Run by hand: trammel_bench --benchmark_filter='^compare/.*/trammel-'
