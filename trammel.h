@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Everything in the library, but for the additions that need other libraries' headers: include
-// CairoSink.h yourself.
+// Everything in the library, except CairoSink.h: that needs Cairo's headers, so include it
+// yourself.
 
 #ifndef TRAMMEL_TRAMMEL_H
 #define TRAMMEL_TRAMMEL_H

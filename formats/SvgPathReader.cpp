@@ -397,7 +397,7 @@ private:
         }
     }
 
-    // The grammar's state: where the next command starts. The path's own may differ
+    // The start of the next command: the grammar's, which may differ from the path's
 
     enum Kind : std::uint8_t { kOther, kCubic, kQuadratic };
 

@@ -27,8 +27,8 @@ typedef TPoint<double> Pt;
 
 bool Same(Pt const& a, Pt const& b) { return Same(a.h, b.h) && Same(a.v, b.v); }
 
-/// Writes one path. It keeps two states: that of a reader of the text, and that of the path as
-/// measured. They differ where elements have no move before them.
+/// Writes one path. It keeps the state of a reader of the text beside the state of the path as
+/// measured. The two differ where elements have no move before them.
 class Writer {
 public:
     std::string Write(CPath const& path) {

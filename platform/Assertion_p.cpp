@@ -7,9 +7,9 @@
 
 namespace trammel_detail {
 
-void trammel_assert_rtn(const char* function, const char* file, long line,
-                        const char* condition) noexcept {
-    auto const text = [](const char* given) { return given != nullptr ? given : ""; };
+void trammel_assert_rtn(char const* function, char const* file, long line,
+                        char const* condition) noexcept {
+    auto const text = [](char const* given) { return given != nullptr ? given : ""; };
     std::fprintf(stderr, "Assertion failed: (%s), function %s, file %s, line %ld.\n",
                  text(condition), text(function), text(file), line);
     std::fflush(stderr);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Report of a broken precondition.
+// The report of a broken precondition. Not installed.
+
 #ifndef TRAMMEL_ASSERTION_P_H
 #define TRAMMEL_ASSERTION_P_H
 
@@ -9,13 +10,16 @@
 namespace trammel_detail {
 
 /// Prints "Assertion failed: (CONDITION), function NAME, file FILE, line N." and a line end to
-/// standard error, then aborts the process. In every build type: callers test the condition
-/// themselves, and NDEBUG has no influence.
+/// standard error, then aborts the process. It does so in every build type: callers test the
+/// condition themselves, and NDEBUG has no influence.
 ///
-/// Parameters: function - its bare name; file - the path below the source tree, such as
-/// "Sources/TPoly.cpp"; line - the line of the test; condition - its text. Null texts print as "".
-[[noreturn]] TRAMMEL_API void trammel_assert_rtn(const char* function, const char* file, long line,
-                                                 const char* condition) noexcept;
+/// Null texts print as "".
+/// \param function the function's bare name.
+/// \param file the path below the source tree, such as "Sources/TPoly.cpp".
+/// \param line the line of the test.
+/// \param condition the text of the condition.
+[[noreturn]] TRAMMEL_API void trammel_assert_rtn(char const* function, char const* file, long line,
+                                                 char const* condition) noexcept;
 
 } // namespace trammel_detail
 

@@ -10,7 +10,7 @@ Fixed X2Fix(double x) noexcept {
     if (scaled >= 2147483647.0) {
         return INT32_MAX;
     }
-    // Written so that a NaN, for which no comparison holds, comes here too.
+    // No comparison holds for a NaN: negated, this one takes it here too.
     if (!(scaled > -2147483648.0)) {
         return INT32_MIN;
     }
@@ -21,14 +21,14 @@ Fixed FixDiv(Fixed dividend, Fixed divisor) noexcept {
     if (divisor == 0) {
         return dividend < 0 ? INT32_MIN : INT32_MAX;
     }
-    int64_t const sign = divisor < 0 ? -1 : 1;
-    int64_t const over = sign * dividend;
-    int64_t const under = sign * divisor;
+    std::int64_t const sign = divisor < 0 ? -1 : 1;
+    std::int64_t const over = sign * dividend;
+    std::int64_t const under = sign * divisor;
     // The nearest integer to q, ties upward, is floor(q + 1/2) with q = 65536 over / under. The
     // numerator stays below 2^49, so nothing overflows.
-    int64_t const numerator = 131072 * over + under;
-    int64_t const denominator = 2 * under;
-    int64_t quotient = numerator / denominator;
+    std::int64_t const numerator = 131072 * over + under;
+    std::int64_t const denominator = 2 * under;
+    std::int64_t quotient = numerator / denominator;
     if (numerator % denominator < 0) {
         --quotient; // division truncates toward zero
     }

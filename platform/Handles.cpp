@@ -26,15 +26,15 @@ constexpr auto kRelaxed = std::memory_order_relaxed;
 std::atomic<long> gLiveHandles{0};
 std::atomic<long> gReallocations{0};
 
-/// More than any memory holds, and small enough that no sum or product below overflows.
+/// The largest block: more than any memory holds, yet no sum or product below overflows.
 constexpr Size kLargestBlock = Size{1} << 40;
 
-/// Blocks with less room than this are not worth giving memory back from.
+/// Blocks with less room than this keep it: giving it back is not worth a reallocation.
 constexpr Size kSmallestShrinkingBlock = 256;
 
 constexpr bool IsBlockSize(Size size) { return size >= 0 && size <= kLargestBlock; }
 
-/// The room for `size` bytes: never 0, so that an empty block has an address.
+/// Returns the room for `size` bytes: never 0, so that an empty block has an address.
 constexpr Size RoomFor(Size size) { return std::max((size + 15) / 16 * 16, Size{16}); }
 
 constexpr std::size_t Bytes(Size size) { return static_cast<std::size_t>(size); }
@@ -46,14 +46,15 @@ void StoreBlock(BlockRecord* record, Ptr block) {
     std::memcpy(&record->block, &block, sizeof block);
 }
 
-/// `room` bytes, zero or undefined; null when memory is short. The C allocator is the one that can
-/// resize a block, which a large one mostly survives where it lies.
+/// Returns `room` bytes, zero or undefined; null when memory is short. The memory is the C
+/// allocator's, which can resize a block, and mostly resizes a large one without moving it.
 void* Allocate(Size room, bool clear) {
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): containers cannot grow where they lie
     return clear ? std::calloc(Bytes(room), 1) : std::malloc(Bytes(room));
 }
 
-/// A new handle to `size` bytes, zero or (for callers that fill them) undefined; null on failure.
+/// Returns a new handle to `size` bytes, zero or (for callers that fill them) undefined; null on
+/// failure.
 Handle MakeBlock(Size size, bool clear) {
     if (!IsBlockSize(size) || TakeInjectedFailure()) {
         return nullptr;
@@ -88,8 +89,8 @@ bool Reallocate(BlockRecord* record, Size capacity) {
     return true;
 }
 
-/// Makes room for `size` bytes. Doubling bounds the bytes that n appends copy by twice the final
-/// size; when there is no memory for that, just what is needed will do.
+/// Makes room for `size` bytes; false when memory is short. Doubling bounds the bytes that n
+/// appends copy by twice the final size; when there is no memory for that, the room needed must do.
 bool MakeRoom(BlockRecord* record, Size size) {
     if (size <= record->capacity) {
         return true;
@@ -130,7 +131,7 @@ long LiveHandleCount() noexcept { return gLiveHandles.load(kRelaxed); }
 
 long BlockReallocationCount() noexcept { return gReallocations.load(kRelaxed); }
 
-OSErr AppendToBlock(const void* source, Handle h, Size count) noexcept {
+OSErr AppendToBlock(void const* source, Handle h, Size count) noexcept {
     if (h == nullptr) {
         return nilHandleErr;
     }
@@ -209,7 +210,7 @@ OSErr HandToHand(Handle* h) noexcept {
     return PtrToHand(**h, h, GetHandleSize(*h));
 }
 
-OSErr PtrToHand(const void* source, Handle* h, Size size) noexcept {
+OSErr PtrToHand(void const* source, Handle* h, Size size) noexcept {
     if (h == nullptr) {
         return nilHandleErr;
     }

@@ -35,8 +35,8 @@ private:
 class ClassicLocale {
 public:
     ClassicLocale() {
-        // Made once and kept for the life of the process. Without it, which takes a failing
-        // allocation, the text is written in the thread's locale.
+        // Made once and kept for the life of the process. Where its allocation fails, the text is
+        // written in the thread's locale.
         static locale_t const classic = newlocale(LC_ALL_MASK, "C", locale_t{});
         if (classic != locale_t{}) {
             mFormer = uselocale(classic);
@@ -54,9 +54,9 @@ private:
     locale_t mFormer{};
 };
 
-/// Appends what `printf` would print; false when it cannot be formatted. Formats at most twice, the
-/// second time when the text is longer than usual: hence the arguments come in two copies.
-bool AppendFormatted(std::string& text, const char* format, va_list first, va_list second) {
+/// Appends the text that `printf` would print; false when it cannot be formatted. A text longer
+/// than usual is formatted twice: hence the arguments come in two copies.
+bool AppendFormatted(std::string& text, char const* format, va_list first, va_list second) {
     constexpr std::size_t usualLength = 256;
     std::size_t const start = text.size();
     text.resize(start + usualLength);
@@ -88,7 +88,7 @@ void JoinLines(std::string& text, std::size_t start) {
     }
 }
 
-/// The local time as "2024-05-01 12:34:56.789 ".
+/// Returns the local time as "2024-05-01 12:34:56.789 ".
 std::string TimeStamp() {
     std::timespec now{};
     std::timespec_get(&now, TIME_UTC);
@@ -101,7 +101,7 @@ std::string TimeStamp() {
 }
 
 void WriteToStandardError(std::string const& line) {
-    const char* next = line.data();
+    char const* next = line.data();
     std::size_t left = line.size();
     // One write takes all of it, unless a signal or a full pipe comes between.
     while (left > 0) {
@@ -115,14 +115,14 @@ void WriteToStandardError(std::string const& line) {
     }
 }
 
-void LogLine(const char* format, va_list first, va_list second) {
+void LogLine(char const* format, va_list first, va_list second) {
     int const formerErrno = errno;
     NSLogSink const sink = tInsideSink ? nullptr : gSink.load();
     std::string line = sink == nullptr ? TimeStamp() : std::string();
     std::size_t const start = line.size();
     {
         ClassicLocale const classic;
-        errno = formerErrno; // for %m; what went before may have changed it
+        errno = formerErrno; // for %m; the time stamp and the locale may have changed it
         if (!AppendFormatted(line, format, first, second)) {
             return;
         }
@@ -140,7 +140,7 @@ void LogLine(const char* format, va_list first, va_list second) {
 
 } // namespace
 
-void NSLog(const char* format, ...) noexcept {
+void NSLog(char const* format, ...) noexcept {
     if (format == nullptr) {
         return;
     }

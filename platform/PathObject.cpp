@@ -38,7 +38,7 @@ constexpr std::size_t PointCount(CGPathElementType type) {
     return 0;
 }
 
-CGPoint Mapped(const CGAffineTransform* m, CGFloat x, CGFloat y) {
+CGPoint Mapped(CGAffineTransform const* m, CGFloat x, CGFloat y) {
     if (m == nullptr) {
         return CGPointMake(x, y);
     }
@@ -56,7 +56,7 @@ struct Interval {
         high = value > high ? value : high;
     }
     bool Empty() const { return low > high; }
-    /// 0 for a single value, also where that is infinite and the difference would be a NaN.
+    /// Returns 0 for a single value, also for an infinite one, where the difference would be a NaN.
     CGFloat Length() const { return low == high ? 0.0F : high - low; }
 };
 
@@ -94,19 +94,19 @@ long CGPathGetRetainCount(CGPathRef path) noexcept {
     return path != nullptr ? path->references.load(std::memory_order_relaxed) : 0;
 }
 
-void CGPathMoveToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y) {
+void CGPathMoveToPoint(CGMutablePathRef path, CGAffineTransform const* m, CGFloat x, CGFloat y) {
     if (path != nullptr) {
         path->segments.push_back({kCGPathElementMoveToPoint, {Mapped(m, x, y), {}, {}}});
     }
 }
 
-void CGPathAddLineToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloat x, CGFloat y) {
+void CGPathAddLineToPoint(CGMutablePathRef path, CGAffineTransform const* m, CGFloat x, CGFloat y) {
     if (!CGPathIsEmpty(path)) {
         path->segments.push_back({kCGPathElementAddLineToPoint, {Mapped(m, x, y), {}, {}}});
     }
 }
 
-void CGPathAddCurveToPoint(CGMutablePathRef path, const CGAffineTransform* m, CGFloat cp1x,
+void CGPathAddCurveToPoint(CGMutablePathRef path, CGAffineTransform const* m, CGFloat cp1x,
                            CGFloat cp1y, CGFloat cp2x, CGFloat cp2y, CGFloat x, CGFloat y) {
     if (!CGPathIsEmpty(path)) {
         path->segments.push_back({kCGPathElementAddCurveToPoint,
@@ -124,7 +124,7 @@ void CGPathApply(CGPathRef path, void* info, CGPathApplierFunction function) {
     if (path == nullptr || function == nullptr) {
         return;
     }
-    // The function may release the path or add to it, which moves the segments.
+    // The function may release the path. It may also add to it, which moves the segments.
     struct Keeper {
         CGPathRef path;
         ~Keeper() { CGPathRelease(path); }
@@ -161,30 +161,30 @@ bool CGPathIsEmpty(CGPathRef path) noexcept { return path == nullptr || path->se
 namespace trammel_detail {
 namespace {
 
-/// What a token stands for.
+/// The path that a token stands for.
 struct StoredPath {
     CGPath* path;
-    const void* owner;
+    void const* owner;
 };
 
 struct TokenTable {
     std::mutex mutex;
-    std::unordered_map<uint32_t, StoredPath> paths;
-    uint32_t next = 1;
+    std::unordered_map<std::uint32_t, StoredPath> paths;
+    std::uint32_t next = 1;
 };
 
-/// The table lives as long as the process, for the sake of blocks that are disposed by the
-/// destructors of static objects.
+/// Returns the table. It lives as long as the process, because destructors of static objects may
+/// dispose blocks.
 TokenTable& Table() {
     static TokenTable& table = *new TokenTable;
     return table;
 }
 
 /// Enters the path under the next free number; 0 when memory is short.
-uint32_t EnterPath(CGPath* path, const void* owner) {
+std::uint32_t EnterPath(CGPath* path, void const* owner) {
     TokenTable& table = Table();
     std::lock_guard<std::mutex> const lock(table.mutex);
-    if (table.paths.size() >= std::numeric_limits<uint32_t>::max()) {
+    if (table.paths.size() >= std::numeric_limits<std::uint32_t>::max()) {
         return 0; // every number but 0 is in use
     }
     while (table.next == 0 || table.paths.count(table.next) != 0) {
@@ -196,8 +196,8 @@ uint32_t EnterPath(CGPath* path, const void* owner) {
 
 } // namespace
 
-int32_t StorePath(CGPath* path, const void* owner) noexcept {
-    uint32_t number = 0;
+std::int32_t StorePath(CGPath* path, void const* owner) noexcept {
+    std::uint32_t number = 0;
     if (path != nullptr && owner != nullptr && !TakeInjectedFailure()) {
         try {
             number = EnterPath(path, owner);
@@ -207,21 +207,21 @@ int32_t StorePath(CGPath* path, const void* owner) noexcept {
     if (number == 0) {
         CGPathRelease(path);
     }
-    return static_cast<int32_t>(number);
+    return static_cast<std::int32_t>(number);
 }
 
-CGPath* PathForToken(int32_t token, const void* owner) noexcept {
+CGPath* PathForToken(std::int32_t token, void const* owner) noexcept {
     if (token == 0) {
         return nullptr;
     }
     TokenTable& table = Table();
     std::lock_guard<std::mutex> const lock(table.mutex);
-    auto const found = table.paths.find(static_cast<uint32_t>(token));
+    auto const found = table.paths.find(static_cast<std::uint32_t>(token));
     return found != table.paths.end() && found->second.owner == owner ? found->second.path
                                                                       : nullptr;
 }
 
-void ReleasePathToken(int32_t token, const void* owner) noexcept {
+void ReleasePathToken(std::int32_t token, void const* owner) noexcept {
     if (token == 0) {
         return;
     }
@@ -229,7 +229,7 @@ void ReleasePathToken(int32_t token, const void* owner) noexcept {
     {
         TokenTable& table = Table();
         std::lock_guard<std::mutex> const lock(table.mutex);
-        auto const found = table.paths.find(static_cast<uint32_t>(token));
+        auto const found = table.paths.find(static_cast<std::uint32_t>(token));
         if (found == table.paths.end() || found->second.owner != owner) {
             return;
         }
@@ -247,10 +247,10 @@ long LivePathTokenCount() noexcept {
     return static_cast<long>(table.paths.size());
 }
 
-void SetNextPathToken(int32_t token) noexcept {
+void SetNextPathToken(std::int32_t token) noexcept {
     TokenTable& table = Table();
     std::lock_guard<std::mutex> const lock(table.mutex);
-    table.next = static_cast<uint32_t>(token);
+    table.next = static_cast<std::uint32_t>(token);
 }
 
 } // namespace trammel_detail

@@ -2,6 +2,7 @@
 
 // The geometry records of the platform's drawing, printing and user-interface layers. They are
 // plain data: no constructors, uninitialised unless a value is given, copied byte by byte.
+
 #ifndef TRAMMEL_RECORDS_H
 #define TRAMMEL_RECORDS_H
 
@@ -13,16 +14,16 @@
 
 /// A place on the integer grid: v grows downward, h to the right.
 struct Point {
-    int16_t v;
-    int16_t h;
+    std::int16_t v;
+    std::int16_t h;
 };
 
 /// A rectangle on the integer grid.
 struct Rect {
-    int16_t top;
-    int16_t left;
-    int16_t bottom;
-    int16_t right;
+    std::int16_t top;
+    std::int16_t left;
+    std::int16_t bottom;
+    std::int16_t right;
 };
 
 /// A place in fixed-point coordinates.
@@ -101,16 +102,15 @@ struct CGAffineTransform {
 ///     offset   0          2           10            14            18
 ///              | polySize | polyBBox  | point 0     | point 1     | ...
 struct MacPolygon {
-    int16_t polySize; ///< the record's bytes, header and points
+    std::int16_t polySize; ///< the record's bytes, header and points
     Rect polyBBox;
     Point polyPoints[1];
 };
 
-/// The point (x, y).
+/// Returns the point (x, y).
 inline constexpr CGPoint CGPointMake(CGFloat x, CGFloat y) noexcept { return CGPoint{x, y}; }
 
-/// The rectangle with the corner (x, y) and the given extent, as it stands: a negative extent is
-/// kept.
+/// Returns the rectangle with the corner (x, y) and the given extent. A negative extent is kept.
 inline constexpr CGRect CGRectMake(CGFloat x, CGFloat y, CGFloat width, CGFloat height) noexcept {
     return CGRect{CGPoint{x, y}, CGSize{width, height}};
 }

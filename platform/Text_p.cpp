@@ -10,7 +10,7 @@ namespace trammel_detail {
 namespace {
 
 constexpr int kDecimals = 6;
-/// Sign, all digits of the largest double, point, decimals.
+/// The longest text: sign, all digits of the largest double, point, decimals.
 constexpr int kLongestFixed6 =
     1 + (std::numeric_limits<double>::max_exponent10 + 1) + 1 + kDecimals;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Numbers as text, the same in every locale.
+// Numbers as text, the same in every locale. Not installed.
+
 #ifndef TRAMMEL_TEXT_P_H
 #define TRAMMEL_TEXT_P_H
 
@@ -11,16 +12,19 @@
 
 namespace trammel_detail {
 
-/// The value with six decimals and a decimal point, as `%f` writes it in the classic locale: all
-/// digits before the point (309 of them for 1e308), rounded to nearest with a tie to the even last
-/// digit; "-0.000000" for -0 and for small negative values. NaN of either sign is "nan", the
-/// infinities are "inf" and "-inf". Throws std::bad_alloc when memory is short.
+/// Returns the value with six decimals and a decimal point, as `%f` writes it in the classic
+/// locale.
+///
+/// All digits before the point are written (309 of them for 1e308). The exact value is rounded to
+/// nearest, a tie to the even last digit. -0 and small negative values give "-0.000000". NaN of
+/// either sign is "nan", the infinities are "inf" and "-inf". Throws std::bad_alloc when memory is
+/// short.
 TRAMMEL_API std::string FormatFixed6(double value);
 
-/// The values, each by FormatFixed6, in braces: "{1.000000, 2.500000}". "{}" for none.
+/// Returns the values, each by FormatFixed6, in braces: "{1.000000, 2.500000}"; "{}" for none.
 TRAMMEL_API std::string FormatFixed6List(std::initializer_list<double> values);
 
-/// The values in decimal, in braces: "{1, -2}". "{}" for none.
+/// Returns the values in decimal, in braces: "{1, -2}"; "{}" for none.
 TRAMMEL_API std::string FormatIntegerList(std::initializer_list<int> values);
 
 } // namespace trammel_detail

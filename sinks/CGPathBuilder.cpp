@@ -15,7 +15,7 @@ struct ReleasePath {
     void operator()(CGPath* path) const { CGPathRelease(path); }
 };
 
-/// Draws an outline into a path, point by point, and leaves a gap around what is no number.
+/// Draws an outline into a path, point by point, and leaves gaps around points that it cannot hold.
 class Pen {
 public:
     explicit Pen(CGPath* path) : mPath(path) {}
@@ -40,13 +40,13 @@ public:
     }
 
 private:
-    /// False for NaN.
+    /// True when single precision holds `x`; false for NaN.
     static bool InRange(double x) {
         return std::abs(x) <= static_cast<double>(std::numeric_limits<CGFloat>::max());
     }
 
     CGPath* mPath;
-    bool mDown = false; ///< the path ends at the last point that came
+    bool mDown = false; ///< the path ends at the point that came last
     bool mWhole = true; ///< no gap so far
 };
 

@@ -2,14 +2,14 @@
 
 // CairoSink: draws paths, and the drawing layer's paths, with Cairo.
 //
-// Header-only, and in no other header of the library: who includes it needs Cairo's headers and
-// links with Cairo (pkg-config cairo); the library itself does not.
+// This header is complete in itself, and no other header of the library includes it. Its user needs
+// Cairo's headers and links with Cairo (pkg-config cairo); the library itself does not.
 //
 //     trammel::DrawPath(cr, path);
 //     cairo_fill(cr);
 //
-// Only adds to the context's current path: colours, line width, fill rule, transform and the
-// drawing itself stay with the caller. One thread at a time for one context.
+// The functions only add to the context's current path. Colours, line width, fill rule, transform
+// and the drawing itself stay with the caller. One thread at a time may use a context.
 
 #ifndef TRAMMEL_CAIROSINK_H
 #define TRAMMEL_CAIROSINK_H
@@ -26,20 +26,21 @@ namespace trammel {
 
 /// The visitor that hands a path's elements to a Cairo context: `path.ForAll(sink)`.
 ///
-/// Draws what CPath measures. A curve or line with no move before it starts at (0, 0) in front and
-/// at the last point drawn after a close; the context's own current point plays no part.
+/// The sink draws the segments that CPath measures. A curve or line with no move before it starts
+/// at (0, 0) when it is the first, and at the last point drawn when it follows a close. The
+/// context's own current point plays no part.
 ///
-/// A segment of which any point, its start included, is NaN or infinite is left out, and leaves a
-/// gap: Cairo never sees such a number, and the segments around are drawn as they are. A subpath
-/// with a gap is closed by a line. Finite points are passed on whatever their size; Cairo holds
-/// device coordinates as fixed-point numbers and cannot draw those beyond about ±8 million right.
+/// A segment with a NaN or infinite coordinate, in its start or another point, is left out and
+/// leaves a gap. Cairo never sees such a number, and the segments around the gap are drawn as they
+/// are. A subpath with a gap is closed by a line. Finite points are passed on whatever their size.
+/// Cairo itself holds device coordinates as fixed-point numbers, which end at about ±8 million.
 ///
-/// After an error the context ignores what it is given, as with every Cairo call; ask
-/// cairo_status().
+/// After an error the context ignores all further calls, as it does with Cairo's own;
+/// cairo_status() tells.
 class CairoSink : public CPathActions {
 public:
-    /// Draws into `cairo`, which is neither referenced nor released: it must outlive the sink's
-    /// use.
+    /// Makes a sink that draws into `cairo`. The sink takes no reference: the context must outlive
+    /// the sink's use.
     explicit CairoSink(cairo_t* cairo) : mCairo(cairo) {}
 
     void MoveTo(TPoint<double> const& p) override {
@@ -70,7 +71,7 @@ public:
         } else if (Begin(IsFinite(start))) {
             cairo_line_to(mCairo, start.h, start.v);
         }
-        mJoined = false; // what follows is measured from mFrom, the last point drawn
+        mJoined = false; // the next segment is measured from mFrom, the last point drawn
     }
 
 private:
@@ -78,7 +79,7 @@ private:
         return std::isfinite(p.h) && std::isfinite(p.v);
     }
 
-    /// Puts Cairo where the segment starts, if it can be drawn.
+    /// Moves Cairo to the start of a segment; false when the segment cannot be drawn.
     bool Begin(bool drawable) {
         if (!drawable || !IsFinite(mFrom)) {
             mJoined = false;
@@ -93,12 +94,12 @@ private:
     }
 
     cairo_t* mCairo;
-    TPoint<double> mFrom; ///< where the next segment starts as measured
+    TPoint<double> mFrom; ///< the point that the next segment is measured from
     bool mJoined = false; ///< Cairo's current point is mFrom
     bool mWhole = false;  ///< Cairo's subpath starts where ours does
 };
 
-/// Adds `path` to the current path of `cairo`, as CairoSink says. Cost O(n).
+/// Adds `path` to the current path of `cairo`, as CairoSink says. Cost: O(n).
 inline void DrawPath(cairo_t* cairo, CPath const& path) {
     CairoSink sink(cairo);
     path.ForAll(sink);
@@ -108,8 +109,8 @@ inline void DrawPath(cairo_t* cairo, CPath const& path) {
 
 namespace trammel_detail {
 
-/// Hands the elements of a drawing layer's path to a CairoSink: the function and the data for
-/// CGPathApply.
+/// Hands the elements of a drawing layer's path to a CairoSink. It holds the function and the data
+/// for CGPathApply.
 class CairoFeed {
 public:
     explicit CairoFeed(cairo_t* cairo) : mSink(cairo) {}
@@ -157,9 +158,9 @@ private:
 
 namespace trammel {
 
-/// Adds a drawing layer's path to the current path of `cairo`. What is drawn after a close starts
-/// where the closed subpath did; NaN and infinities leave gaps as CairoSink says. Nothing for null
-/// or an empty path. Cost O(n).
+/// Adds a drawing layer's path to the current path of `cairo`. A segment after a close starts at
+/// the start of the closed subpath. NaN and infinities leave gaps as CairoSink says. Does nothing
+/// for a null or empty path. Cost: O(n).
 inline void DrawPath(cairo_t* cairo, CGPathRef path) {
     trammel_detail::CairoFeed feed(cairo);
     CGPathApply(path, &feed, trammel_detail::CairoFeed::Apply);

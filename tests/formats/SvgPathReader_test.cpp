@@ -111,7 +111,7 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"M0 0C64 0-64 0 0 0", "M 0,0 C 16,0 20,0 18,0 C 12,0 -48,0 0,0"},
         // It never leaves its start.
         ReadRow{"M1 1C1 1 1 1 1 1", "M 1,1"}, ReadRow{"M1 1C1 1 1 1 1 1L2 2", "M 1,1 L 2,2"},
-        // Smooth commands after a cut curve reflect its own control point, not that of the piece.
+        // Smooth commands after a cut curve reflect its own control point, not the last piece's.
         ReadRow{"M0 0C8 0 0 8 0 0S1 1 2 2", "M 0,0 C 4,0 4,2 3,3 C 2,4 0,4 0,0 C 0,-8 1,1 2,2"},
         ReadRow{"M1 1C1 1 2 3 1 1S3 3 5 5",
                 "M 1,1 C 1,1 1.25,1.5 1.375,1.75 C 1.5,2 1.5,2 1,1 C 0,-1 3,3 5,5"},

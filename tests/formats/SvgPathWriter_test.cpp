@@ -86,8 +86,8 @@ INSTANTIATE_TEST_SUITE_P(
         // Minus zero has no relative spelling from zero.
         WriteRow{"M 0 5 L -0 9", "M0 5-0 9"}));
 
-/// All texts of a path by trying everything: each element in each command that fits, its letter
-/// written or left out, separators written only where the text would else read differently.
+/// Finds the shortest text of a path by trying every text. Each element comes in each command that
+/// fits, with its letter and without, with every choice of separators that reads the same.
 /// Coordinates and their differences must be short exact decimals.
 class ShortestByForce {
 public:

@@ -18,9 +18,10 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 /// A value from the whole range of 32 bits, small ones as often as large ones.
 Fixed RandomFixed(std::mt19937& random) {
-    uint32_t const bits = static_cast<uint32_t>(random()) >> (random() % 32);
-    int64_t const value = random() % 2 == 0 ? int64_t{bits} : -int64_t{bits};
-    return static_cast<Fixed>(std::min<int64_t>(std::max<int64_t>(value, kLowest), kHighest));
+    std::uint32_t const bits = static_cast<std::uint32_t>(random()) >> (random() % 32);
+    std::int64_t const value = random() % 2 == 0 ? std::int64_t{bits} : -std::int64_t{bits};
+    return static_cast<Fixed>(
+        std::min<std::int64_t>(std::max<std::int64_t>(value, kLowest), kHighest));
 }
 
 Fixed const kSpecial[] = {
@@ -141,7 +142,7 @@ TEST(Fix2Long, TakesTheNearestAndHalvesAwayFromZero) {
     std::mt19937 random(3);
     for (int i = 0; i < 100000; ++i) {
         Fixed const f = RandomFixed(random);
-        ASSERT_EQ(Fix2Long(f), static_cast<int32_t>(std::round(Fix2X(f)))) << f;
+        ASSERT_EQ(Fix2Long(f), static_cast<std::int32_t>(std::round(Fix2X(f)))) << f;
     }
 }
 
@@ -200,10 +201,10 @@ TEST(FixDiv, OfZeroDivisorTakesTheDividendsSign) {
 /// q is the nearest integer to 65536 a / b, ties upward, exactly when q - 1/2 <= 65536 a / b < q +
 /// 1/2. Checked by multiplication, without a division.
 void ExpectNearestQuotient(Fixed a, Fixed b) {
-    int64_t const sign = b < 0 ? -1 : 1;
-    int64_t const under = sign * b;
-    int64_t const twice = 131072 * sign * a; // 2 * 65536 a / b * under
-    int64_t const q = FixDiv(a, b);
+    std::int64_t const sign = b < 0 ? -1 : 1;
+    std::int64_t const under = sign * b;
+    std::int64_t const twice = 131072 * sign * a; // 2 * 65536 a / b * under
+    std::int64_t const q = FixDiv(a, b);
     bool const atLeast = (2 * q - 1) * under <= twice;
     bool const below = twice < (2 * q + 1) * under;
     ASSERT_TRUE(atLeast || q == kLowest) << a << " / " << b << " = " << q;

@@ -48,7 +48,7 @@ Size const kImpossibleSizes[] = {
 
 TEST_F(Handles, HaveTheCustomaryTypesAndCodes) {
     static_assert(std::is_same_v<Ptr, char*> && std::is_same_v<Handle, char**>);
-    static_assert(std::is_same_v<Size, long> && std::is_same_v<OSErr, int16_t>);
+    static_assert(std::is_same_v<Size, long> && std::is_same_v<OSErr, std::int16_t>);
     static_assert(noErr == 0 && memFullErr == -108 && nilHandleErr == -109);
     static_assert(std::is_same_v<decltype(memFullErr), OSErr const>);
     SUCCEED();

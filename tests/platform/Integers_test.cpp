@@ -19,8 +19,8 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
 struct Row {
     double x;
-    int32_t wide;
-    int16_t narrow;
+    std::int32_t wide;
+    std::int16_t narrow;
 };
 
 TEST(Truncation, FollowsItsTable) {
@@ -68,9 +68,9 @@ TEST(Truncation, AgreesWithTheLibrarysTruncOverRandomNumbers) {
         double const x = (random() % 2 == 0 ? 1.0 : -1.0) * std::exp2(exponent(random));
         double const whole = std::trunc(x);
         bool const inside = whole >= -2147483648.0 && whole <= 2147483647.0;
-        int64_t const expected = inside ? static_cast<int64_t>(whole) : INT32_MIN;
+        std::int64_t const expected = inside ? static_cast<std::int64_t>(whole) : INT32_MIN;
         ASSERT_EQ(TruncateToInt32(x), expected) << x;
-        int64_t const low = expected & 0xFFFF;
+        std::int64_t const low = expected & 0xFFFF;
         ASSERT_EQ(TruncateToInt16(x), low >= 0x8000 ? low - 0x10000 : low) << x;
     }
 }
@@ -102,14 +102,16 @@ TEST(WrappingArithmetic, IsModulo32Bits) {
     EXPECT_EQ(WrappingNegate(INT32_MIN), INT32_MIN);
     std::mt19937 random(6);
     for (int i = 0; i < 10000; ++i) {
-        int32_t const a = static_cast<int32_t>(random());
-        int32_t const b = static_cast<int32_t>(random());
+        std::int32_t const a = static_cast<std::int32_t>(random());
+        std::int32_t const b = static_cast<std::int32_t>(random());
         // Congruent modulo 2^32 to the exact result.
-        auto const low = [](int64_t exact) { return static_cast<uint32_t>(exact & 0xFFFFFFFF); };
-        ASSERT_EQ(static_cast<uint32_t>(WrappingAdd(a, b)), low(int64_t{a} + b));
-        ASSERT_EQ(static_cast<uint32_t>(WrappingSubtract(a, b)), low(int64_t{a} - b));
-        ASSERT_EQ(static_cast<uint32_t>(WrappingMultiply(a, b)), low(int64_t{a} * b));
-        ASSERT_EQ(static_cast<uint32_t>(WrappingNegate(a)), low(-int64_t{a}));
+        auto const low = [](std::int64_t exact) {
+            return static_cast<std::uint32_t>(exact & 0xFFFFFFFF);
+        };
+        ASSERT_EQ(static_cast<std::uint32_t>(WrappingAdd(a, b)), low(std::int64_t{a} + b));
+        ASSERT_EQ(static_cast<std::uint32_t>(WrappingSubtract(a, b)), low(std::int64_t{a} - b));
+        ASSERT_EQ(static_cast<std::uint32_t>(WrappingMultiply(a, b)), low(std::int64_t{a} * b));
+        ASSERT_EQ(static_cast<std::uint32_t>(WrappingNegate(a)), low(-std::int64_t{a}));
     }
 }
 

@@ -214,7 +214,7 @@ TEST_F(Path, TheFunctionMayAddReleaseAndThrow) {
                              [](void*, CGPathElement const*) { throw std::runtime_error("stop"); }),
                  std::runtime_error);
     EXPECT_EQ(CGPathGetRetainCount(path), 1);
-    // The last reference given back in the middle: the rest is shown all the same.
+    // The last reference is given back in the middle: the rest is nevertheless shown.
     struct Info {
         CGPath* path;
         int calls;
@@ -281,7 +281,7 @@ TEST_F(Path, TheBoundingBoxReachesToInfinity) {
 TEST_F(PathToken, StandsForThePathOfItsOwner) {
     int owner = 0;
     CGPath* const path = CGPathCreateMutable();
-    int32_t const token = StorePath(path, &owner);
+    std::int32_t const token = StorePath(path, &owner);
     EXPECT_NE(token, 0);
     EXPECT_EQ(CGPathGetRetainCount(path), 1); // the reference moved, none was added
     EXPECT_EQ(PathForToken(token, &owner), path);
@@ -323,7 +323,7 @@ TEST_F(PathToken, MeansNothingForAnotherOwner) {
     int owner = 0;
     int other = 0;
     CGPath* const path = CGPathCreateMutable();
-    int32_t const token = StorePath(path, &owner);
+    std::int32_t const token = StorePath(path, &owner);
     EXPECT_EQ(PathForToken(token, &other), nullptr);
     EXPECT_EQ(PathForToken(token, nullptr), nullptr);
     ReleasePathToken(token, &other);
@@ -336,11 +336,11 @@ TEST_F(PathToken, OfABlockCopiedByteByByteNeverReleasesTwice) {
     // A block with the token at offset 40, as an application may copy it.
     Handle const first = NewHandle(44);
     CGPath* const path = CGPathCreateMutable();
-    int32_t const token = StorePath(path, first);
+    std::int32_t const token = StorePath(path, first);
     std::memcpy(*first + 40, &token, sizeof token);
     Handle second = first;
     ASSERT_EQ(HandToHand(&second), noErr);
-    int32_t copied = 0;
+    std::int32_t copied = 0;
     std::memcpy(&copied, *second + 40, sizeof copied);
     ASSERT_EQ(copied, token);
 
@@ -355,12 +355,12 @@ TEST_F(PathToken, OfABlockCopiedByteByByteNeverReleasesTwice) {
 TEST_F(PathToken, AnOldCopyDoesNotMeetALaterPath) {
     int owner = 0;
     int other = 0;
-    int32_t const old = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const old = StorePath(CGPathCreateMutable(), &owner);
     ReleasePathToken(old, &owner);
     // Later paths of the same and of another owner; the old token comes back from a saved copy.
-    std::vector<int32_t> later;
+    std::vector<std::int32_t> later;
     for (int i = 0; i < 5000; ++i) {
-        int32_t const token = StorePath(CGPathCreateMutable(), i % 2 == 0 ? &owner : &other);
+        std::int32_t const token = StorePath(CGPathCreateMutable(), i % 2 == 0 ? &owner : &other);
         ASSERT_NE(token, old);
         later.push_back(token);
     }
@@ -377,22 +377,22 @@ TEST_F(PathToken, AnOldCopyDoesNotMeetALaterPath) {
 TEST_F(PathToken, ComesBackAfterReleaseOnceTheRangeIsThrough) {
     int owner = 0;
     trammel_detail::SetNextPathToken(1);
-    int32_t const first = StorePath(CGPathCreateMutable(), &owner);
-    int32_t const second = StorePath(CGPathCreateMutable(), &owner);
-    int32_t const third = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const first = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const second = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const third = StorePath(CGPathCreateMutable(), &owner);
     EXPECT_EQ(first, 1);
     EXPECT_EQ(second, 2);
     EXPECT_EQ(third, 3);
     ReleasePathToken(second, &owner);
     trammel_detail::SetNextPathToken(-1); // the last number of the range
-    int32_t const last = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const last = StorePath(CGPathCreateMutable(), &owner);
     EXPECT_EQ(last, -1);
     // 0 is left out, 1 and 3 are in use, 2 is free again.
-    int32_t const again = StorePath(CGPathCreateMutable(), &owner);
-    int32_t const next = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const again = StorePath(CGPathCreateMutable(), &owner);
+    std::int32_t const next = StorePath(CGPathCreateMutable(), &owner);
     EXPECT_EQ(again, 2);
     EXPECT_EQ(next, 4);
-    for (int32_t const token : {first, third, last, again, next}) {
+    for (std::int32_t const token : {first, third, last, again, next}) {
         ASSERT_NE(PathForToken(token, &owner), nullptr);
         ReleasePathToken(token, &owner);
     }
@@ -401,7 +401,7 @@ TEST_F(PathToken, ComesBackAfterReleaseOnceTheRangeIsThrough) {
 TEST_F(PathToken, PathsMayReleaseInAnyOrder) {
     std::mt19937 random(8);
     struct Stored {
-        int32_t token;
+        std::int32_t token;
         CGPath* path;
         int owner;
     };
@@ -411,7 +411,7 @@ TEST_F(PathToken, PathsMayReleaseInAnyOrder) {
         if (stored.empty() || (random() % 2 == 0 && stored.size() < 300)) {
             CGPath* const path = CGPathCreateMutable();
             int const owner = static_cast<int>(random() % 3);
-            int32_t const token = StorePath(path, &owners[owner]);
+            std::int32_t const token = StorePath(path, &owners[owner]);
             ASSERT_NE(token, 0);
             stored.push_back({token, path, owner});
         } else {
@@ -439,7 +439,7 @@ TEST_F(PathToken, TheTableMayBeUsedInSeveralThreads) {
             int owner = 0;
             for (int i = 0; i < 2000; ++i) {
                 CGPath* const path = CGPathCreateMutable();
-                int32_t const token = StorePath(path, &owner);
+                std::int32_t const token = StorePath(path, &owner);
                 good += PathForToken(token, &owner) == path ? 1 : 0;
                 ReleasePathToken(token, &owner);
             }

@@ -21,8 +21,8 @@ void ExpectFields(Record const& record, Number const (&expected)[Count]) {
 }
 
 TEST(Records, HaveTheirFieldsInOrder) {
-    ExpectFields<int16_t>(Point{1, 2}, {1, 2});
-    ExpectFields<int16_t>(Rect{1, 2, 3, 4}, {1, 2, 3, 4});
+    ExpectFields<std::int16_t>(Point{1, 2}, {1, 2});
+    ExpectFields<std::int16_t>(Rect{1, 2, 3, 4}, {1, 2, 3, 4});
     ExpectFields<Fixed>(FPoint{1, 2}, {1, 2});
     ExpectFields<Fixed>(FRect{1, 2, 3, 4}, {1, 2, 3, 4});
     ExpectFields<float>(CGPoint{1, 2}, {1, 2});
@@ -55,7 +55,7 @@ TEST(Records, HaveTheirNames) {
 
 TEST(Records, MacPolygonHasAHeaderOf10Bytes) {
     MacPolygon const polygon{14, Rect{1, 2, 3, 4}, {Point{5, 6}}};
-    ExpectFields<int16_t>(polygon, {14, 1, 2, 3, 4, 5, 6});
+    ExpectFields<std::int16_t>(polygon, {14, 1, 2, 3, 4, 5, 6});
     EXPECT_EQ(reinterpret_cast<char const*>(polygon.polyPoints) -
                   reinterpret_cast<char const*>(&polygon),
               10);

@@ -56,11 +56,11 @@ TEST(FormatFixed6, NamesWhatIsNoNumber) {
 TEST(FormatFixed6, AgreesWithPrintfOverAllKindsOfNumbers) {
     std::mt19937_64 random(7);
     for (int i = 0; i < 50000; ++i) {
-        uint64_t const bits = random();
+        std::uint64_t const bits = random();
         double value = 0.0;
         std::memcpy(&value, &bits, sizeof value);
         if (i % 2 == 0) { // numbers of a drawing's size, often exact ties
-            value = static_cast<double>(static_cast<int64_t>(bits >> 20)) * 0x1p-30;
+            value = static_cast<double>(static_cast<std::int64_t>(bits >> 20)) * 0x1p-30;
         }
         if (std::isnan(value)) {
             continue;
