@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // CFPoint: the fixed-point point, 16.16 in each coordinate, with the layout of the platform's
-// FPoint. A plain value; no shared state. It is no FPoint by derivation: a silent conversion to one
-// would let truncation replace the rounding that the conversions here choose.
+// FPoint. A plain value; no shared state: safe in any thread. It does not derive from FPoint: a
+// silent conversion to one would let truncation replace the rounding of the conversions here.
 
 #ifndef TRAMMEL_CFPOINT_H
 #define TRAMMEL_CFPOINT_H
@@ -29,21 +29,21 @@ struct TRAMMEL_API CFPoint {
     Fixed v; ///< vertical coordinate
     Fixed h; ///< horizontal coordinate
 
-    /// No value: both fields 0x80000000 (not zero, unlike the null TPoint).
+    /// Makes a point without value: both fields are 0x80000000, not zero as in the null TPoint.
     CFPoint() : v(trammel_detail::kNoFixedValue), h(trammel_detail::kNoFixedValue) {}
-    /// Stores raw fixed-point values, horizontal first (of each the low 32 bits).
+    /// Stores the low 32 bits of two raw fixed-point values, horizontal first.
     CFPoint(long hFixed, long vFixed)
         : v(static_cast<Fixed>(vFixed)), h(static_cast<Fixed>(hFixed)) {}
     CFPoint(CFPoint const&) = default;
     CFPoint& operator=(CFPoint const&) = default;
-    /// From integers; exact, as every short fits.
+    /// Converts from integers, exactly, because every short fits.
     CFPoint(TPoint<short> const& p) : v(Long2Fix(p.v)), h(Long2Fix(p.h)) {}
-    /// From doubles: the nearest fixed-point value, saturating; NaN gives 0x80000000.
+    /// Converts from doubles to the nearest fixed-point values, saturating; NaN gives 0x80000000.
     CFPoint(TPoint<double> const& p) : v(X2Fix(p.v)), h(X2Fix(p.h)) {}
 
-    /// To doubles; exact.
+    /// Converts to doubles, exactly.
     operator TPoint<double>() const { return TPoint<double>(Fix2X(h), Fix2X(v)); }
-    /// True when both raw fields are equal; two points without value are.
+    /// True when both raw fields are equal; two points without value are equal.
     bool operator==(CFPoint const& p) const { return v == p.v && h == p.h; }
 };
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // CFRect: the fixed-point rectangle, 16.16 in each field, with the layout of the platform's FRect.
-// A plain value; no shared state. It is no FRect by derivation: a silent conversion to one would
-// let truncation replace the rounding that the conversions here choose.
+// A plain value; no shared state: safe in any thread. It does not derive from FRect: a silent
+// conversion to one would let truncation replace the rounding of the conversions here.
 
 #ifndef TRAMMEL_CFRECT_H
 #define TRAMMEL_CFRECT_H
@@ -25,32 +25,33 @@ struct TRAMMEL_API CFRect {
     Fixed bottom;
     Fixed right;
 
-    /// No value: all fields 0x80000000 (not zero, unlike the null TRect). Empty.
+    /// Makes a rectangle without value: all fields are 0x80000000, not zero as in the null TRect.
+    /// It is empty.
     CFRect()
         : top(trammel_detail::kNoFixedValue), left(trammel_detail::kNoFixedValue),
           bottom(trammel_detail::kNoFixedValue), right(trammel_detail::kNoFixedValue) {}
     CFRect(CFRect const&) = default;
     CFRect& operator=(CFRect const&) = default;
-    /// From doubles: each field the nearest fixed-point value, saturating; NaN gives 0x80000000.
+    /// Converts from doubles to the nearest fixed-point values, saturating; NaN gives 0x80000000.
     CFRect(TRect<double> const& r)
         : top(X2Fix(r.top)), left(X2Fix(r.left)), bottom(X2Fix(r.bottom)), right(X2Fix(r.right)) {}
 
-    /// To integers: each field to the nearest, halves away from zero (cut to 16 bits); not put in
-    /// order.
+    /// Converts to integers: each field to the nearest, halves away from zero, cut to 16 bits. The
+    /// result is not put in order.
     operator TRect<short>() const {
         return TRect<short>(static_cast<short>(Fix2Long(left)), static_cast<short>(Fix2Long(top)),
                             static_cast<short>(Fix2Long(right)),
                             static_cast<short>(Fix2Long(bottom)));
     }
-    /// To doubles by way of single precision, as the platform's rectangles come: only 24
-    /// significant bits survive, so magnitudes above 256 lose their lowest bits. (CFPoint converts
-    /// exactly.)
+    /// Converts to doubles by way of single precision, as the platform's rectangles come. Only 24
+    /// significant bits survive, so magnitudes above 256 lose their lowest bits. CFPoint converts
+    /// exactly.
     operator TRect<double>() const { return TRect<double>(FRect{top, left, bottom, right}); }
 
     /// True when right <= left or bottom <= top.
     bool Empty() const { return right <= left || bottom <= top; }
-    /// The centre: each field is halved before the sum, so that it cannot overflow (a sum of
-    /// rounded halves beyond the range wraps).
+    /// Returns the centre. Each field is halved before the sum, so that the sum does not overflow;
+    /// a sum of rounded halves beyond the range wraps.
     CFPoint MidPt() const {
         constexpr Fixed two = 0x00020000;
         return CFPoint(trammel_detail::WrappingAdd(FixDiv(left, two), FixDiv(right, two)),

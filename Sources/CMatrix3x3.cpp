@@ -10,17 +10,18 @@
 
 namespace {
 
-// The header's inline function is in the library, too, for callers that find it by name.
+// The library also exports the header's inline function, for callers that find it by name.
 [[gnu::used]] CMatrix3x3 (*const kInLibrary)(CMatrix3x3 const&, CMatrix3x3 const&) = Concat;
 
-/// Thrown by every inversion of a singular matrix; callers compare the text, spelling included.
+/// The text thrown by every inversion of a singular matrix; callers compare the text, spelling
+/// included.
 constexpr char const* kSingular = "marix_singularity";
 
-/// Scale(o, from, to) leaves a direction alone in which `from` is closer than this to `o`: a ratio
+/// Scale(o, from, to) leaves a direction alone where `from` is closer to `o` than this: a ratio
 /// over so short an arm would be noise.
 constexpr double kShortestArm = 1e-15;
 
-/// Map leaves a direction alone in which the source is narrower than this, the epsilon of single
+/// Map leaves a direction alone where the source is narrower than this. It is the epsilon of single
 /// precision, in which the platform's rectangles come.
 constexpr double kNarrowestMapSource = 1.1920928955078125e-07;
 

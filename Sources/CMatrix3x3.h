@@ -2,8 +2,8 @@
 
 // CMatrix3x3: the two-dimensional affine transform.
 //
-// The six variable entries of a 3x3 matrix whose third column is (0, 0, 1), and a word that tells
-// how the matrix was built. Points are row vectors multiplied on the left:
+// It holds the six variable entries of a 3x3 matrix whose third column is (0, 0, 1), and a word
+// that tells how the matrix was built. Points are row vectors multiplied on the left:
 //
 //                         | a   b   0 |
 //     [x' y' 1] = [x y 1] | c   d   0 |     x' = x·a + y·c + tx     (x = h, y = v)
@@ -11,10 +11,11 @@
 //
 // Building operations post-concatenate and return the matrix, so a chain applies in call order:
 // CMatrix3x3().Translate(1, 0).Rotate(pi / 2) moves first and turns then. Angles are radians; a
-// positive one turns from +h toward +v, which is clockwise to the eye, as v grows downward.
+// positive one turns from +h toward +v, which is clockwise to the eye, because v grows downward.
 //
-// Nothing but inversion checks its input: NaN and infinities propagate. Arguments are read before
-// anything is written, so a matrix may be its own argument. No shared state: safe from any thread.
+// Only inversion checks its input, and only inversion throws: NaN and infinities propagate.
+// Arguments are read before anything is written, so a matrix may be its own argument. No shared
+// state: safe in any thread.
 
 #ifndef TRAMMEL_CMATRIX3X3_H
 #define TRAMMEL_CMATRIX3X3_H
@@ -30,9 +31,9 @@
 
 /// Bits of CMatrix3x3::mKind.
 ///
-/// Concatenation clears the word, and every elementary operation concatenates: the bits of the
-/// elementary ones therefore live in temporaries only, and those of the compound ones survive until
-/// the next concatenation. The word is informational; nothing decides by it.
+/// Concatenation clears the word, and every elementary operation concatenates. The bits of
+/// elementary operations therefore live in temporaries only; the bits of compound operations
+/// survive until the next concatenation. The word is informational: nothing decides by it.
 enum CMatrixKind : std::int32_t {
     kMatrixTranslate = 0x1,    ///< temporaries of Translate
     kMatrixScale = 0x2,        ///< temporaries of Scale
@@ -60,14 +61,14 @@ public:
 
     // Create
 
-    /// The identity, of kind 0.
+    /// Makes the identity, of kind 0.
     CMatrix3x3() : a(1.0), b(0.0), c(0.0), d(1.0), tx(0.0), ty(0.0), mKind(0) {}
-    /// Stores the seven values as given (of `kind` the low 32 bits).
+    /// Stores the six entries as given, and the low 32 bits of `kind`.
     CMatrix3x3(double aIn, double bIn, double cIn, double dIn, double txIn, double tyIn, long kind)
         : a(aIn), b(bIn), c(cIn), d(dIn), tx(txIn), ty(tyIn),
           mKind(static_cast<std::int32_t>(kind)) {}
-    /// All zero, then read as by `operator>>`: what cannot be read stays zero (or as the stream's
-    /// extractors leave it), and the stream tells by its state.
+    /// Sets all fields to zero, then reads them as `operator>>` does. Fields that cannot be read
+    /// stay zero, or as the stream's extractors leave them, and the stream's state tells.
     explicit CMatrix3x3(std::istream& in);
 
     /// Resets to the identity of kind 0.
@@ -86,22 +87,22 @@ public:
         txOut = m.tx;
         tyOut = m.ty;
     }
-    /// a·d - b·c: the signed factor by which areas grow.
+    /// Returns a·d - b·c: the signed factor by which areas grow.
     double Determinant() const { return a * d - b * c; }
     /// True when the determinant is exactly 0: then, and only then, inversion throws. False for
     /// NaN.
     bool IsSingular() const { return Determinant() == 0.0; }
-    /// The linear part: the same a, b, c, d without translation, of kind 0.
+    /// Returns the linear part: the same a, b, c, d without translation, of kind 0.
     CMatrix3x3 GetDTransform() const { return CMatrix3x3(a, b, c, d, 0.0, 0.0, 0); }
 
     // Concatenate
 
-    /// The product that applies this matrix first and then `m`; kind 0.
+    /// Returns the product that applies this matrix first and then `m`; kind 0.
     CMatrix3x3 operator*(CMatrix3x3 const& m) const;
     /// Applies `m` after this matrix: *this = *this · m, kind 0.
     CMatrix3x3& PostCat(CMatrix3x3 const& m);
-    /// The same as PostCat, in spite of its name: *this = *this · m. Callers depend on it; for the
-    /// other order write m = Concat(other, m).
+    /// Does the same as PostCat, in spite of its name: *this = *this · m. Callers depend on it; for
+    /// the other order write m = Concat(other, m).
     CMatrix3x3& PreCat(CMatrix3x3 const& m);
 
     // Build: each operation applies after what the matrix already does
@@ -130,8 +131,8 @@ public:
     /// Then mirrors in the line through `p1` and `p2`; sets kMatrixReflect. Coincident points
     /// mirror in the horizontal line through them.
     CMatrix3x3& Reflect(TPoint<double> const& p1, TPoint<double> const& p2);
-    /// Then rotates about `o` by the angle that turns the direction of `from` to that of `to`; sets
-    /// kMatrixRotateAbout.
+    /// Then rotates about `o` by the angle that turns the direction to `from` into the direction to
+    /// `to`; sets kMatrixRotateAbout.
     CMatrix3x3& Rotate(TPoint<double> const& o, TPoint<double> const& from,
                        TPoint<double> const& to);
     /// Then scales about `o` so that `from` moves to `to`; sets kMatrixScaleAbout. A direction in
@@ -144,12 +145,12 @@ public:
                         TPoint<double> const& p3);
     /// Then shears about `o`, along the direction from `p2` to `p3`; sets kMatrixShear3.
     ///
-    /// The shear ratios found from the three points are handed to Shear(TPoint) as they are, which
-    /// takes them for angles. Zero coordinates on the way divide by zero: infinities or NaN.
+    /// The shear ratios found from the three points go to Shear(TPoint), which takes them for
+    /// angles. Zero coordinates on the way divide by zero: infinities or NaN.
     CMatrix3x3& Shear(TPoint<double> const& o, TPoint<double> const& p2, TPoint<double> const& p3);
-    /// Then applies the transform that carries rectangle `src` onto rectangle `dst`, signed widths
-    /// and heights; sets kMatrixMap. A direction in which `src` is narrower than 2^-23 is neither
-    /// scaled nor moved.
+    /// Then applies the transform that carries rectangle `src` onto rectangle `dst`; sets
+    /// kMatrixMap. Widths and heights keep their signs. A direction in which `src` is narrower than
+    /// 2^-23 is neither scaled nor moved.
     CMatrix3x3& Map(TRect<double> const& src, TRect<double> const& dst);
 
     // Apply
@@ -161,7 +162,8 @@ public:
         p.h = x * a + y * c + tx;
         p.v = x * b + y * d + ty;
     }
-    /// Maps a difference of positions (a vector): as Transform without the translation.
+    /// Maps a difference of positions (a vector): does the same as Transform without the
+    /// translation.
     void DTransform(TPoint<double>& p) const {
         double const x = p.h;
         double const y = p.v;
@@ -171,7 +173,7 @@ public:
 
     // Invert: a determinant of exactly 0 throws the `char const*` "marix_singularity"
 
-    /// The inverse; its kind is this one's with kMatrixInverted.
+    /// Returns the inverse; its kind is this one's with kMatrixInverted.
     CMatrix3x3 Inverse() const;
     /// Stores the inverse in `out` and returns true. When it throws, `out` is the identity (even
     /// when `out` is this matrix).
@@ -182,15 +184,16 @@ public:
 
     // Stream
 
-    /// Writes a, b, c, d, tx, ty and the kind with the stream's own formatting and nothing between
-    /// them (the identity is "1001000"), so the text cannot be read back. Returns the stream.
+    /// Writes a, b, c, d, tx, ty and the kind with the stream's own formatting. Nothing stands
+    /// between them (the identity is "1001000"), so the text cannot be read back. Returns the
+    /// stream.
     std::ostream& operator<<(std::ostream& out) const;
     /// Reads six doubles and the kind with the stream's extractors, in field order. A kind that
     /// does not fit 32 bits sets the failbit. Returns the stream.
     std::istream& operator>>(std::istream& in);
 };
 
-/// The product that applies `m1` first and then `m2`; kind 0.
+/// Returns the product that applies `m1` first and then `m2`; kind 0.
 TRAMMEL_API inline CMatrix3x3 Concat(CMatrix3x3 const& m1, CMatrix3x3 const& m2) {
     return CMatrix3x3(m1.a * m2.a + m1.b * m2.c, m1.a * m2.b + m1.b * m2.d,
                       m1.c * m2.a + m1.d * m2.c, m1.c * m2.b + m1.d * m2.d,

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// FPolygon: the record that a handle polygon's block holds, exchanged with applications as it
-// stands. CFPolygonRef is the class to work with; this is the raw layout.
+// FPolygon: the record that a handle polygon's block holds. Applications exchange it byte by byte.
+// CFPolygonRef is the class to work with; this is the raw layout.
 //
 //      0  polyReserved1    2  polyClosed    4  polyReserved2    6  polyBoundsValid
 //      8  polyBBox: top, left, bottom, right
@@ -28,21 +28,21 @@ namespace trammel_detail {
 inline constexpr long kFPolygonHeaderSize = 44;
 inline constexpr long kFPolygonPointSize = 16;
 
-/// The address of point `i` in a handle polygon's block. `base` is the block's first byte.
+/// Returns the address of point `i` in a handle polygon's block. `base` is the block's first byte.
 template <class Byte> Byte* FPolygonPointAt(Byte* base, long i) {
     return base + kFPolygonHeaderSize + kFPolygonPointSize * i;
 }
 
-/// How many whole points a block of `size` bytes holds. One more than the last index, but for
-/// blocks with less than a point behind the header: the division that gives the last index rounds
-/// toward 0.
+/// Returns the number of whole points that a block of `size` bytes holds. This is one more than the
+/// last index, except in blocks with less than a point behind the header: the division that gives
+/// the last index rounds toward 0.
 inline long FPolygonPointCount(long size) {
     return size < kFPolygonHeaderSize + kFPolygonPointSize
                ? 0
                : (size - kFPolygonHeaderSize) / kFPolygonPointSize;
 }
 
-/// Point `i` of the block at `base`, which must hold it.
+/// Returns point `i` of the block at `base`, which must hold it.
 inline TPoint<double> ReadFPolygonPoint(char const* base, long i) {
     TPoint<double> p;
     std::memcpy(&p, FPolygonPointAt(base, i), sizeof p);
@@ -68,12 +68,12 @@ struct FPolygon {
     std::int32_t polyPath;        ///< token of the cached drawing path, 0 for none
     TPoint<double> polyPoints[1]; ///< as many as the block has room for
 
-    /// Point `i`; no checks: the block must hold it.
+    /// Returns point `i`; no checks: the block must hold it.
     TPoint<double> PolyPoints(long i) const {
         return trammel_detail::ReadFPolygonPoint(reinterpret_cast<char const*>(this), i);
     }
-    /// Stores point `i` and marks the bounds invalid; no checks: the block must hold it. Leaves the
-    /// stale bounds and the cached path in place, which CFPolygonRef::SetPolyPoints does not.
+    /// Stores point `i` and marks the bounds invalid; no checks: the block must hold it. Unlike
+    /// CFPolygonRef::SetPolyPoints, it leaves the stale bounds and the cached path in place.
     FPolygon& SetPolyPoints(long i, TPoint<double> const& p) {
         trammel_detail::WriteFPolygonPoint(reinterpret_cast<char*>(this), i, p);
         polyBoundsValid = 0;

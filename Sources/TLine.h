@@ -3,12 +3,12 @@
 // TLine: a directed segment of two points, which serves as the infinite line through them as well.
 //
 // As a segment it has a length, a parameter (0 at mStart, 1 at mEnd), a hit test and segment
-// intersection; as a line it has a slope, perpendicular feet, distances and line intersection. Each
+// intersection. As a line it has a slope, perpendicular feet, distances and line intersection. Each
 // operation says which it is. Coordinates are doubles, angles radians, v grows downward.
 //
 // Degenerate: nothing is reported. A zero length or a NaN flows through the arithmetic into
 // infinities or NaN, except where an operation says otherwise. Arguments are read before anything
-// is written. No shared state: safe from any thread.
+// is written. Nothing throws. No shared state: safe in any thread.
 
 #ifndef TRAMMEL_TLINE_H
 #define TRAMMEL_TLINE_H
@@ -26,12 +26,12 @@
 
 namespace trammel_detail {
 
-/// How near to 1 or -1 a cosine counts as exactly that, inclusive: lines whose directions agree to
-/// the last few bits are parallel.
+/// A cosine within this distance of 1 or -1, inclusive, counts as exactly 1 or -1. Lines whose
+/// directions agree to the last few bits are thus parallel.
 inline constexpr double kParallelCosine = 1e-15;
 
-/// How far beyond its segments' boxes, in coordinate units, a crossing still counts: the epsilon of
-/// single precision, in which the platform's coordinates come.
+/// The distance beyond its segments' boxes, in coordinate units, within which a crossing still
+/// counts. It is the epsilon of single precision, in which the platform's coordinates come.
 inline constexpr double kSegmentSlack = 1.1920928955078125e-07;
 
 } // namespace trammel_detail
@@ -45,9 +45,9 @@ template <class T> struct TRAMMEL_API TLine {
 
     // Create
 
-    /// Both points at the origin.
+    /// Makes a line with both points at the origin.
     TLine() = default;
-    /// From `a` to `b`.
+    /// Makes the line from `a` to `b`.
     TLine(TPoint<T> const& a, TPoint<T> const& b) : mStart(a), mEnd(b) {}
     TLine(TLine const&) = default;
     TLine& operator=(TLine const&) = default;
@@ -63,19 +63,19 @@ template <class T> struct TRAMMEL_API TLine {
     bool operator==(TLine const& other) const {
         return mStart == other.mStart && mEnd == other.mEnd;
     }
-    /// The direction mEnd - mStart.
+    /// Returns the direction mEnd - mStart.
     TPoint<T> Delta() const { return mEnd - mStart; }
-    /// The segment's bounding rectangle, in order.
+    /// Returns the segment's bounding rectangle, in order.
     TRect<T> Bounds() const { return TRect<T>(mStart, mEnd); }
-    /// The segment's length, by hypot: no overflow or underflow before the result's own.
+    /// Returns the segment's length, by hypot: no overflow or underflow before the result's own.
     double Length() const { return Delta().Hypotenuse(); }
-    /// The direction's angle in radians, atan2(v, h), in [-pi, pi].
+    /// Returns the direction's angle in radians, atan2(v, h), in [-pi, pi].
     double Angle() const { return Delta().Angle(); }
-    /// The direction's v / h: ±infinity for a vertical line, NaN for coincident points.
+    /// Returns the direction's v / h: ±infinity for a vertical line, NaN for coincident points.
     double Slope() const { return Delta().Slope(); }
-    /// The point at parameter `t`, mStart + Delta()·t; not limited to [0, 1].
+    /// Returns the point at parameter `t`, mStart + Delta()·t; not limited to [0, 1].
     TPoint<T> TPt(double t) const { return mStart + Delta() * t; }
-    /// The point at parameter 0.5.
+    /// Returns the point at parameter 0.5.
     TPoint<T> MidPt() const { return TPt(0.5); }
 
     // Arithmetic
@@ -104,36 +104,39 @@ template <class T> struct TRAMMEL_API TLine {
         mEnd.Rotate(angle, centre);
         return *this;
     }
-    /// The segment turned by a quarter turn (pi/2) about `c`.
+    /// Returns the segment turned by a quarter turn (pi/2) about `c`.
     TLine Perpendicular(TPoint<T> const& c) const { return TLine(*this).Rotate(pi / 2.0, c); }
-    /// The segment turned by a quarter turn about its middle.
+    /// Returns the segment turned by a quarter turn about its middle.
     TLine Perpendicular() const { return Perpendicular(MidPt()); }
-    /// The same as Perpendicular(): a segment on the perpendicular bisector.
+    /// Returns the same as Perpendicular(): a segment on the perpendicular bisector.
     TLine PerpendicularBisector() const { return Perpendicular(); }
-    /// The scalar product of the two directions.
+    /// Returns the scalar product of the two directions.
     double Dot(TLine const& other) const {
         TPoint<T> const d = Delta();
         TPoint<T> const e = other.Delta();
         return d.h * e.h + d.v * e.v;
     }
-    /// The cosine of the angle between the two directions. Within 1e-15 (inclusive) of 1 or -1 it
-    /// is exactly that. A zero-length line gives NaN. The product of the two squared lengths
-    /// overflows when both are longer than about 1e77 and underflows when both are shorter than
-    /// about 1e-81: the result is then no cosine but 0, an infinity or NaN.
+    /// Returns the cosine of the angle between the two directions. Within 1e-15 (inclusive) of 1 or
+    /// -1 it is exactly 1 or -1. A zero-length line gives NaN.
+    ///
+    /// The product of the two squared lengths overflows when both are longer than about 1e77, and
+    /// underflows when both are shorter than about 1e-81. The result is then no cosine but 0, an
+    /// infinity or NaN.
     double CosTheta(TLine const& other) const;
-    /// The angle between the two directions in [0, pi]; NaN where CosTheta is or where it
+    /// Returns the angle between the two directions in [0, pi]; NaN where CosTheta is or where it
     /// exceeds 1.
     double DeltaAngle(TLine const& other) const { return std::acos(CosTheta(other)); }
-    /// +1 when `p` lies on the side toward which a quarter turn (from +h toward +v) takes the
-    /// direction, -1 otherwise: also on the line where the products cancel, at mStart and with NaN.
+    /// Returns +1 when `p` lies on the side toward which a quarter turn (from +h toward +v) takes
+    /// the direction, -1 otherwise. Points on the line where the products cancel, mStart and NaN
+    /// give -1.
     ///
-    /// Computed by way of the rotated segment, not by a cross product; near the line the rounding
-    /// of that way decides.
+    /// It is computed by way of the rotated segment, not by a cross product. Near the line the
+    /// rounding on that way decides.
     int HalfSpace(TPoint<T> p) const {
         return Perpendicular(mStart).Dot(TLine(mStart, p)) > 0.0 ? 1 : -1;
     }
-    /// The foot of the perpendicular from `p` onto the infinite line; exact for horizontal and
-    /// vertical lines. For coincident points it is (mStart.h, p.v), as for a vertical line.
+    /// Returns the foot of the perpendicular from `p` onto the infinite line; exact for horizontal
+    /// and vertical lines. For coincident points it is (mStart.h, p.v), as for a vertical line.
     TPoint<T> PerpendicularPt(TPoint<T> const& p) const {
         TPoint<T> const d = Delta();
         if (d.h == 0.0) {
@@ -148,19 +151,20 @@ template <class T> struct TRAMMEL_API TLine {
         double const y = n * x - n * p.h + p.v;
         return TPoint<T>(x, y);
     }
-    /// The distance from `p` to the infinite line, not to the segment.
+    /// Returns the distance from `p` to the infinite line, not to the segment.
     double Distance(TPoint<T> const& p) const { return TLine(p, PerpendicularPt(p)).Length(); }
     /// True when `p` is about within `tolerance` (coordinate units) of the segment.
     ///
-    /// The point has to lie in the segment's box grown by the tolerance. A segment shorter than the
-    /// tolerance (exclusive) in either direction is then hit; any other is when the vertical or the
-    /// horizontal offset of the point from its line is within the tolerance (inclusive). Beside a
-    /// slanted line this reaches less far than the perpendicular distance would (at 45 degrees as
-    /// far as tolerance/sqrt(2)), beyond its ends a little farther. A negative tolerance and NaN
-    /// give false.
+    /// The point has to lie in the segment's box grown by the tolerance. Then a segment is hit when
+    /// it is shorter than the tolerance (exclusive) in either direction. Any other segment is hit
+    /// when the point's vertical or horizontal offset from its line is within the tolerance
+    /// (inclusive). A negative tolerance and NaN give false.
+    ///
+    /// Beside a slanted line this reaches less far than the perpendicular distance would, at 45
+    /// degrees as far as tolerance/sqrt(2). Beyond its ends it reaches a little farther.
     bool HitTest(TPoint<T> const& p, double tolerance) const;
-    /// Stores the crossing of the two infinite lines in `where` and returns true; false, with
-    /// `where` untouched, when either line has coincident points or the cosine of their angle is
+    /// Stores the crossing of the two infinite lines in `where` and returns true. Returns false,
+    /// and leaves `where` untouched, when either line has coincident points, or when CosTheta is
     /// exactly ±1 (parallel to within 1e-15, coincident lines included).
     bool Intersects(TLine const& other, TPoint<T>& where) const;
     /// Stores the point of the infinite line at horizontal coordinate `x`; not for vertical lines
@@ -169,34 +173,33 @@ template <class T> struct TRAMMEL_API TLine {
         double const m = Slope();
         where = TPoint<T>(x, m * x + (mStart.v - m * mStart.h));
     }
-    /// Stores the crossing of the two infinite lines in `where` and returns true when it lies in
-    /// the boxes of both segments grown by 2^-23 (edges inclusive), end points thus included. Where
-    /// the lines cross elsewhere `where` is written all the same; where they do not, it is
-    /// untouched.
+    /// Stores the crossing of the two infinite lines in `where`. Returns true when it lies in the
+    /// boxes of both segments, grown by 2^-23, edges inclusive: end points count. `where` is
+    /// written wherever the lines cross, and untouched when they do not.
     bool SegmentsIntersect(TLine const& other, TPoint<T>& where) const;
-    /// The point at `distance` (coordinate units) along the segment, from mStart toward mEnd or,
-    /// when `fromStart` is false, back from mEnd. Not limited to the segment; on a segment of
-    /// length 0 it is the end it is measured from.
+    /// Returns the point at `distance` (coordinate units) along the segment, from mStart toward
+    /// mEnd or, when `fromStart` is false, back from mEnd. It is not limited to the segment. On a
+    /// segment of length 0 it is the end that the distance is measured from.
     TPoint<T> CalcPtFromEnd(double distance, bool fromStart) const {
         double const length = Length();
         double const f = length != 0.0 ? distance / length : 0.0;
         return TPt(fromStart ? f : 1.0 - f);
     }
-    /// Moves mStart (or mEnd, when `fromStart` is false) to CalcPtFromEnd(distance, fromStart):
-    /// cuts that much off the end, or lengthens it for a negative distance.
+    /// Moves mStart (or mEnd, when `fromStart` is false) to CalcPtFromEnd(distance, fromStart).
+    /// This cuts `distance` off that end, or lengthens it by a negative distance.
     void TrimEnd(double distance, bool fromStart) {
         TPoint<T> const p = CalcPtFromEnd(distance, fromStart);
         (fromStart ? mStart : mEnd) = p;
     }
-    /// The parameter of the segment's point nearest `p`, as a ratio of lengths: the foot of the
-    /// perpendicular, clamped into the segment's box, measured from mStart. In [0, 1] up to
-    /// rounding, NaN for a segment of length 0.
+    /// Returns the parameter of the segment's point nearest `p`, as a ratio of lengths. The point
+    /// is the foot of the perpendicular, clamped into the segment's box and measured from mStart.
+    /// The result is in [0, 1] up to rounding; it is NaN for a segment of length 0.
     double FindTValue(TPoint<T> const& p) const {
         TPoint<T> const nearest = PinPtToLineSeg(PerpendicularPt(p));
         return TLine(mStart, nearest).Length() / Length();
     }
-    /// `p` clamped into the segment's bounding box: first h, then v. This is no projection; off a
-    /// slanted segment the result need not lie on it.
+    /// Returns `p` clamped into the segment's bounding box: first h, then v. This is no projection;
+    /// off a slanted segment the result need not lie on it.
     TPoint<T> PinPtToLineSeg(TPoint<T> const& p) const {
         TPoint<T> out = p;
         PinValueToRange(std::min(mStart.h, mEnd.h), std::max(mStart.h, mEnd.h), out.h);

@@ -29,13 +29,13 @@ constexpr long kPointSize = static_cast<long>(sizeof(TPoint<double>));
 /// A t nearer to 0 than this, exclusive, is the first vertex in the search by table.
 constexpr double kFirstVertexFraction = 0.0001;
 
-/// From as many points and vertices on Clip prepares the polygon for its questions.
+/// With at least this many points and vertices, Clip prepares the polygon for its questions.
 constexpr std::size_t kManyPieces = 6;
 constexpr long kManyVertices = 128;
 
 Handle AsHandle(CPolygon<double>** h) { return reinterpret_cast<Handle>(h); }
 
-/// The header of a new, open polygon with the given cached (but not current) bounds.
+/// Returns the header of a new, open polygon with the given cached (but not current) bounds.
 CPolygon<double> NewHeader(TRect<double> const& bounds) {
     CPolygon<double> header;
     header.mReserved = 0;
@@ -51,7 +51,7 @@ CPolygon<double>** NewBlock(CPolygon<double> const& header) {
     return reinterpret_cast<CPolygon<double>**>(h);
 }
 
-/// The vertices of a polygon as they lie in its block; good until the polygon changes.
+/// The vertices of a polygon as they lie in its block. They are good until the polygon changes.
 struct Vertices {
     TPoint<double> const* points;
     long count;
@@ -61,19 +61,19 @@ struct Vertices {
           count(polygon.LastIndex() + 1) {}
 
     TPoint<double> const& operator[](long i) const { return points[i]; }
-    /// Edge `i`, the last one leading back to vertex 0.
+    /// Returns edge `i`; the last edge leads back to vertex 0.
     TLine<double> Edge(long i) const {
         return TLine<double>(points[i], points[i + 1 < count ? i + 1 : 0]);
     }
 };
 
-/// The lengths of the edges from vertex to vertex, one after the other, the closing edge left out.
-/// Computed many at a time.
+/// The lengths of the edges from vertex to vertex, one after the other, without the closing edge.
+/// They are computed many at a time.
 class ChainEdges {
 public:
     explicit ChainEdges(Vertices const& vertices) : mVertices(vertices) {}
 
-    /// The length of the next edge; called at most once for each edge.
+    /// Returns the length of the next edge; to be called at most once for each edge.
     double Next() {
         if (mNext == mEnd) {
             long const some = std::min(mVertices.count - 1 - mFrom, kAtOnce);
@@ -95,7 +95,7 @@ private:
     double mLengths[kAtOnce];
 };
 
-/// The sum of the distances from vertex to vertex, the closing edge left out.
+/// Returns the sum of the distances from vertex to vertex, without the closing edge.
 double ChainLength(Vertices const& vertices) {
     ChainEdges edges(vertices);
     double length = 0.0;
@@ -105,22 +105,24 @@ double ChainLength(Vertices const& vertices) {
     return length;
 }
 
-/// The vertices as a run; good until the polygon changes.
+/// Returns the vertices as a run, which is good until the polygon changes.
 trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     Vertices const vertices(polygon);
     return {reinterpret_cast<char const*>(vertices.points), vertices.count};
 }
 
-/// On which sides of a segment's box points lie, so far off that SegmentsIntersect is false for a
-/// segment with both ends beyond the same side: a crossing has to lie in both boxes, each grown by
-/// the slack, and those do not meet. The bounds of a grown box are rounded, but rounding keeps
-/// order: the nearer end's is the box's. A coordinate that is NaN is beyond no side.
+/// Tells the sides of a segment's box beyond which a point lies.
+///
+/// For another segment with both ends beyond the same side, SegmentsIntersect is false. A crossing
+/// would have to lie in both boxes, each grown by the slack, and these do not meet. The bounds of a
+/// grown box are rounded, but rounding keeps order: the rounded bound of the other segment's nearer
+/// end is the bound of its box. A NaN coordinate is beyond no side.
 class Beyond {
 public:
     explicit Beyond(TLine<double> const& line) : mReach(line.Bounds()) {
         mReach.Outset(trammel_detail::kSegmentSlack);
     }
-    /// A bit for each side.
+    /// Returns the sides as bits: 1 top, 2 left, 4 bottom, 8 right.
     unsigned operator()(TPoint<double> const& p) const {
         constexpr double kSlack = trammel_detail::kSegmentSlack;
         return unsigned{p.v + kSlack < mReach.top} | unsigned{p.h + kSlack < mReach.left} << 1U |
@@ -137,8 +139,8 @@ bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v);
 } // namespace
 
 template <class T> TPolygon<T>::TPolygon() {
-    // Never reported, as they are marked as not current. The smallest positive number, not the most
-    // negative one, is what the record has always held.
+    // These bounds are never reported, because they are marked as not current. `min` is the
+    // smallest positive number, not the most negative one: the record has always held it.
     T const min = std::numeric_limits<T>::min();
     T const max = std::numeric_limits<T>::max();
     mHandle = NewBlock(NewHeader(TRect<T>(min, min, max, max)));

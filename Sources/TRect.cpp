@@ -31,7 +31,7 @@ template <class T> bool SectTRect(TRect<T> const& a, TRect<T> const& b, TRect<T>
 
 namespace {
 
-/// Whether the extents [a1, a2] and [b1, b2], each in either order, meet.
+/// True when the extents [a1, a2] and [b1, b2], each in either order, meet.
 template <class T> bool ExtentsMeet(T a1, T a2, T b1, T b2) {
     T aLo;
     T aHi;

@@ -4,7 +4,7 @@
 //
 // A plain value made of two TPoint corners, in the field order of the platform's Rect: top, left,
 // bottom, right. v grows downward and h rightward, so top is the smaller v. Four-value constructors
-// and setters take (left, top, right, bottom) and store what they are given; nothing keeps a
+// and setters take (left, top, right, bottom) and store the values as given. Nothing keeps a
 // rectangle ordered.
 //
 // Three tests that are not interchangeable:
@@ -13,9 +13,10 @@
 //   Valid  top <= bottom and left <= right.
 //   Empty  right <= left or bottom <= top: no area. The null rectangle is empty and valid.
 //
-// A NaN field makes a double rectangle not null, not valid and, if it blocks both comparisons, not
-// empty. Short arithmetic wraps at 16 bits. Arguments are read before anything is written, so a
-// rectangle's own corner may be an argument. No shared state: safe from any thread.
+// A double rectangle with a NaN field is neither null nor valid. It is empty only where the
+// other direction has no extent. Short arithmetic wraps at 16 bits. Arguments are read before
+// anything is written, so a rectangle's own corner may be an argument. No shared state: safe in any
+// thread. Nothing here throws, except NSString when memory is short.
 
 #ifndef TRAMMEL_TRECT_H
 #define TRAMMEL_TRECT_H
@@ -49,8 +50,8 @@ template <class T> struct TRAMMEL_API TRect {
     /// The coordinate type of the sister instantiation: short for double, double for short.
     using Other = std::conditional_t<std::is_same_v<T, double>, short, double>;
 
-    // The corners overlay the fields, so that operator[] hands out a true reference: a write to a
-    // field is seen through it at every optimisation level.
+    // The corners overlay the fields, so that operator[] hands out a true reference. It shows a
+    // write to a field at every optimisation level.
 #if defined(__clang__)
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wnested-anon-types"
@@ -70,38 +71,39 @@ template <class T> struct TRAMMEL_API TRect {
 
     // Create
 
-    /// The null rectangle.
+    /// Makes the null rectangle.
     TRect() { SetNull(); }
     /// Stores the four values as given, ordered or not.
     TRect(T leftH, T topV, T rightH, T bottomV) { Set(leftH, topV, rightH, bottomV); }
-    /// The rectangle with corners `a` and `b`, in either order (see Rectify).
+    /// Makes the rectangle with corners `a` and `b`, in either order (see Rectify).
     TRect(TPoint<T> const& a, TPoint<T> const& b) { Set(a, b); }
-    /// The rectangle of the given half-sizes around `centre`; negative half-sizes are put in order.
+    /// Makes the rectangle of the given half-sizes around `centre`, put in order.
     TRect(TPoint<T> const& centre, T halfWidth, T halfHeight) {
         Set(centre, halfWidth, halfHeight);
     }
     TRect(TRect const&) = default;
     TRect& operator=(TRect const&) = default;
 
-    /// From the sister type: exact into double, each field truncated toward zero (and wrapped at 16
-    /// bits) into short. Choose `FloorCeil` first where the integer rectangle has to enclose.
+    /// Converts from the sister type. Into double this is exact. Into short each field is truncated
+    /// toward zero, and wraps at 16 bits. Apply `FloorCeil` first where the integer rectangle has
+    /// to enclose.
     TRect(TRect<Other> const& r) {
         Store(static_cast<double>(r.left), static_cast<double>(r.top), static_cast<double>(r.right),
               static_cast<double>(r.bottom));
     }
-    /// From 16.16 fixed point, by way of single precision: 24 significant bits survive.
+    /// Converts from 16.16 fixed point, by way of single precision: 24 significant bits survive.
     TRect(FRect const& r) {
         Store(FixedToSingle(r.left), FixedToSingle(r.top), FixedToSingle(r.right),
               FixedToSingle(r.bottom));
     }
-    /// From a single-precision origin and size; a negative size is put in order. The far edges are
-    /// summed in single precision. Truncated toward zero into short.
+    /// Converts from a single-precision origin and size; a negative size is put in order. The far
+    /// edges are summed in single precision. Shorts are truncated toward zero.
     TRect(CGRect const& r) { StoreOriginAndSize(r); }
-    /// As from CGRect.
+    /// Converts as from CGRect.
     TRect(_NSRect const& r) { StoreOriginAndSize(r); }
-    /// From a printing rectangle: copied into double, truncated toward zero into short.
+    /// Converts from a printing rectangle: exact into double, truncated toward zero into short.
     TRect(PMRect const& r) { Store(r.left, r.top, r.right, r.bottom); }
-    /// From the platform's integer rectangle; exact.
+    /// Converts from the platform's integer rectangle, exactly.
     TRect(Rect const& r) { Set(r.left, r.top, r.right, r.bottom); }
 
     // Set
@@ -133,8 +135,7 @@ template <class T> struct TRAMMEL_API TRect {
     }
     /// Makes this the null rectangle.
     void SetNull() { Set(0, 0, 0, 0); }
-    /// Called whenever the fields have been stored anew. There is nothing to do; it marks the
-    /// places.
+    /// Does nothing. Set calls it after it has stored the fields, so each call marks such a place.
     void SetFlags() {}
     /// Swaps top with bottom and left with right where they are out of order; a NaN swaps nothing.
     TRect& Rectify() {
@@ -155,14 +156,14 @@ template <class T> struct TRAMMEL_API TRect {
     bool Valid() const { return bottom >= top && right >= left; }
     /// True when there is no area: right <= left or bottom <= top.
     bool Empty() const { return right <= left || bottom <= top; }
-    /// right - left; negative when out of order, cut to 16 bits for shorts.
+    /// Returns right - left; negative when out of order, cut to 16 bits for shorts.
     T Width() const { return trammel_detail::Narrow<T>(right - left); }
-    /// bottom - top; negative when out of order, cut to 16 bits for shorts.
+    /// Returns bottom - top; negative when out of order, cut to 16 bits for shorts.
     T Height() const { return trammel_detail::Narrow<T>(bottom - top); }
-    /// (h = Width, v = Height).
+    /// Returns (h = Width, v = Height).
     TPoint<T> GetSize() const { return TPoint<T>(Width(), Height()); }
-    /// The centre, (left + right)/2 and (top + bottom)/2 in double; short sums do not wrap, double
-    /// sums above 1.8e308 are infinite.
+    /// Returns the centre, (left + right)/2 and (top + bottom)/2 in double; short sums do not wrap,
+    /// double sums above 1.8e308 are infinite.
     TPoint<double> MidPt() const {
         return TPoint<double>((left + right) / 2.0, (top + bottom) / 2.0);
     }
@@ -170,8 +171,8 @@ template <class T> struct TRAMMEL_API TRect {
     TPoint<T> TopRight() const { return TPoint<T>(right, top); }
     TPoint<T> BottomLeft() const { return TPoint<T>(left, bottom); }
     TPoint<T> BottomRight() const { return TPoint<T>(right, bottom); }
-    /// A reference to the stored corner, valid while the rectangle lives; later writes to the
-    /// fields are seen through it. Every selector but kBottomRight gives the top-left corner.
+    /// Returns a reference to the stored corner, valid while the rectangle lives. It shows later
+    /// writes to the fields. Every selector except kBottomRight gives the top-left corner.
     TPoint<T> const& operator[](PointSelector which) const {
         return mCorners[which == kBottomRight ? 1 : 0];
     }
@@ -188,19 +189,19 @@ template <class T> struct TRAMMEL_API TRect {
     bool operator==(TRect const& r) const {
         return top == r.top && left == r.left && bottom == r.bottom && right == r.right;
     }
-    /// The negation of `==`.
+    /// Returns the negation of `==`.
     bool operator!=(TRect const& r) const { return !(*this == r); }
 
     // Arithmetic
 
-    /// Moves by `d`.
+    /// Moves the rectangle by `d`.
     TRect& operator+=(TPoint<T> const& d) {
         TPoint<T> const by = d;
         mCorners[0] += by;
         mCorners[1] += by;
         return *this;
     }
-    /// Moves by -`d`.
+    /// Moves the rectangle by -`d`.
     TRect& operator-=(TPoint<T> const& d) {
         TPoint<T> const by = d;
         mCorners[0] -= by;
@@ -232,7 +233,7 @@ template <class T> struct TRAMMEL_API TRect {
     TRect operator*(double s) const { return TRect(*this) *= s; }
     TRect operator/(double s) const { return TRect(*this) /= s; }
 
-    /// Same as `*= s`.
+    /// Does the same as `*= s`.
     TRect& Scale(double s) { return *this *= s; }
     /// Multiplies by one factor for each direction. For shorts each factor is first truncated to an
     /// integer: Scale(1.5, 2.7) multiplies by 1 and 2.
@@ -244,9 +245,9 @@ template <class T> struct TRAMMEL_API TRect {
         mCorners[1] -= by;
         return *this;
     }
-    /// Same as Inset(d, d).
+    /// Does the same as Inset(d, d).
     TRect& Inset(T d) { return Inset(d, d); }
-    /// Same as Inset(p.h, p.v).
+    /// Does the same as Inset(p.h, p.v).
     TRect& Inset(TPoint<T> const& p) { return Inset(p.h, p.v); }
     /// Moves every edge outward by `dh` and `dv`; the reverse of Inset.
     TRect& Outset(T dh, T dv) {
@@ -255,15 +256,15 @@ template <class T> struct TRAMMEL_API TRect {
         mCorners[1] += by;
         return *this;
     }
-    /// Same as Outset(d, d).
+    /// Does the same as Outset(d, d).
     TRect& Outset(T d) { return Outset(d, d); }
-    /// Moves by (dh, dv).
+    /// Moves the rectangle by (dh, dv).
     TRect& Offset(T dh, T dv) { return *this += TPoint<T>(dh, dv); }
-    /// Same as `+= p`.
+    /// Does the same as `+= p`.
     TRect& Offset(TPoint<T> const& p) { return *this += p; }
 
-    /// Union: a null rectangle becomes `r`, a null `r` changes nothing, otherwise the smallest
-    /// rectangle around both (neither is put in order first; ties and NaN keep this one's value).
+    /// Becomes the union: the smallest rectangle around both. A null rectangle becomes `r`; a null
+    /// `r` changes nothing. Neither is put in order first; ties and NaN keep this one's value.
     TRect& operator|=(TRect const& r) {
         if (Null()) {
             *this = r;
@@ -275,8 +276,8 @@ template <class T> struct TRAMMEL_API TRect {
         }
         return *this;
     }
-    /// Grows to include `p`; a null rectangle becomes the degenerate rectangle at `p` (so the
-    /// origin is forgotten when it comes first). A rectangle that is not null overlooks a NaN
+    /// Grows to include `p`. A null rectangle becomes the degenerate rectangle at `p`, so the
+    /// origin is forgotten when it comes first. A rectangle that is not null overlooks a NaN
     /// coordinate.
     TRect& operator|=(TPoint<T> const& p) {
         if (Null()) {
@@ -290,9 +291,9 @@ template <class T> struct TRAMMEL_API TRect {
         }
         return *this;
     }
-    /// Intersection: a null rectangle becomes `r`, a null `r` changes nothing (no constraint),
-    /// otherwise the common part, or null when there is none. Unlike SectTRect, which has no null
-    /// rule and puts its operands in order.
+    /// Becomes the intersection: the common part, or null when there is none. A null rectangle
+    /// means no constraint: it becomes `r`, and a null `r` changes nothing. SectTRect is different:
+    /// it has no null rule, and puts its operands in order.
     TRect& operator&=(TRect const& r) {
         if (Null()) {
             *this = r;
@@ -319,17 +320,17 @@ template <class T> struct TRAMMEL_API TRect {
         }
         return *this;
     }
-    /// Moves both stored corners as the transform that carries rectangle `from` onto rectangle `to`
-    /// does; the result is not put in order. Defined in CMatrix3x3.h.
+    /// Maps both stored corners by the transform that carries rectangle `from` onto rectangle `to`
+    /// (CMatrix3x3::Map). The result is not put in order. Defined in CMatrix3x3.h.
     TRect& Map(TRect const& from, TRect const& to);
     /// Becomes the bounds of the four transformed corners. A first corner that lands on the origin
-    /// is forgotten, as the bounds are then still null. Defined in CMatrix3x3.h.
+    /// is forgotten, because the bounds are then still null. Defined in CMatrix3x3.h.
     TRect& Transform(CMatrix3x3 m);
 
     // Convert
 
-    /// To the platform's integer rectangle: each field rounded, halves away from zero, and cut to
-    /// 16 bits.
+    /// Converts to the platform's integer rectangle: each field is rounded, halves away from zero,
+    /// and cut to 16 bits.
     operator Rect() const {
         Point const topLeft = mCorners[0];
         Point const bottomRight = mCorners[1];
@@ -340,12 +341,12 @@ template <class T> struct TRAMMEL_API TRect {
         out.right = bottomRight.h;
         return out;
     }
-    /// To a single-precision origin (left, top) and size.
+    /// Converts to a single-precision origin (left, top) and size.
     operator CGRect() const {
         return CGRectMake(static_cast<float>(left), static_cast<float>(top),
                           static_cast<float>(Width()), static_cast<float>(Height()));
     }
-    /// To a single-precision origin (left, top) and size.
+    /// Converts to a single-precision origin (left, top) and size.
     operator _NSRect() const {
         _NSRect out;
         out.origin.x = static_cast<float>(left);
@@ -354,8 +355,8 @@ template <class T> struct TRAMMEL_API TRect {
         out.size.height = static_cast<float>(Height());
         return out;
     }
-    /// left, top, right, bottom as text: "TRect<double>::NSString() {%f, %f, %f, %f}" for doubles,
-    /// "{%d, %d, %d, %d}" for shorts; the same in every locale.
+    /// Returns left, top, right, bottom as text, the same in every locale. For doubles it is
+    /// "TRect<double>::NSString() {%f, %f, %f, %f}", for shorts "{%d, %d, %d, %d}".
     std::string NSString() const;
 
 private:
@@ -378,20 +379,20 @@ private:
 };
 
 /// Stores the common part of two rectangles in `out` and returns true when they meet; touching
-/// along an edge or at a corner counts. The corners of either may be in any order, and a null
-/// rectangle is the point at the origin. Otherwise `out` becomes null and the result is false. T is
+/// along an edge or at a corner counts. Otherwise `out` becomes null and the result is false. The
+/// corners of either may be in any order, and a null rectangle is the point at the origin. T is
 /// short.
 template <class T> bool SectTRect(TRect<T> const& a, TRect<T> const& b, TRect<T>& out);
 
-/// True when two rectangles meet, touching included; their corners may be in any order. The cheap
-/// test where only yes or no is needed. T is double or short.
+/// True when two rectangles meet, touching included; their corners may be in any order. This is the
+/// cheap test where only yes or no is needed. T is double or short.
 ///
 /// A NaN in `right` or `bottom` makes that direction count as meeting; with a NaN in `left` or
 /// `top` that direction shrinks to its other edge (see minmax).
 template <class T> bool NaiveSectTRect(TRect<T> const& a, TRect<T> const& b);
 
 /// Applies `ValidateFloat` (UHygiene.h) to left, top, right and bottom in this order, up to the
-/// first NaN or infinity, and returns whether there was one. Out-of-range fields met on the way are
+/// first NaN or infinity. Returns true when there was one. Out-of-range fields met on the way are
 /// zeroed; fields after the first NaN or infinity are not examined.
 TRAMMEL_API bool ValidateRect(TRect<double>& r);
 

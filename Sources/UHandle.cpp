@@ -4,7 +4,7 @@
 
 namespace {
 
-// The header's inline function is in the library, too, for callers that find it by name.
+// The library also exports the header's inline function, for callers that find it by name.
 [[gnu::used]] void (*const kInLibrary)(void const*, void*, long) = BlockMove;
 
 } // namespace

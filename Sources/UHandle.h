@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // Block helpers: the operations on relocatable memory blocks (Handles.h) that both polygon kinds
-// share. Memory errors are not reported: a block that cannot grow stays as it is. Different blocks
-// may be used from different threads.
+// share. Memory errors are not reported: a block that cannot grow stays as it is. Nothing throws.
+// Different threads may use different blocks.
 
 #ifndef TRAMMEL_UHANDLE_H
 #define TRAMMEL_UHANDLE_H
@@ -14,18 +14,20 @@
 #include <cstring>
 #include <type_traits>
 
-/// Changes the size of the block behind `h` by `delta` bytes; a size below 0 becomes 0, a null
+/// Changes the size of the block behind `h` by `delta` bytes. A size below 0 becomes 0. A null
 /// handle, a sum that overflows and short memory change nothing. Grown bytes are zero.
 TRAMMEL_API void GrowHandle(char** h, long delta);
 
-/// Copies `count` bytes from `src` to `dst`, which may overlap; nothing for a count of 0 or less.
+/// Copies `count` bytes from `src` to `dst`, which may overlap. Copies nothing for a count of 0 or
+/// less.
 TRAMMEL_API inline void BlockMove(void const* src, void* dst, long count) {
     if (count > 0) {
         std::memmove(dst, src, static_cast<std::size_t>(count));
     }
 }
 
-/// A new handle to a copy of the block behind `h`; null when `h` is null or memory is short.
+/// Returns a new handle to a copy of the block behind `h`; null when `h` is null or memory is
+/// short.
 template <class Record> Record** Clone(Record** h) {
     Handle const source = reinterpret_cast<Handle>(h);
     if (source == nullptr) {
@@ -39,13 +41,13 @@ template <class Record> Record** Clone(Record** h) {
     return reinterpret_cast<Record**>(copy);
 }
 
-/// Appends the bytes of `item` to the block behind `h`; nothing when `h` is null or memory is
-/// short. n calls cost O(n) together.
+/// Appends the bytes of `item` to the block behind `h`. Appends nothing when `h` is null or memory
+/// is short. n calls cost O(n) together.
 template <class Record, class Item> inline void AppendHandle(Record** h, Item item) {
     static_assert(std::is_trivially_copyable_v<Item>);
     Handle const block = reinterpret_cast<Handle>(h);
-    // The place of PtrAndHand's usual case, with the item taken by value: asking for its address
-    // would have it written to memory by parts and read back as a whole, which processors wait for.
+    // This is PtrAndHand's usual case, with the item taken by value. Taking its address would write
+    // it to memory by parts and read it back as a whole, for which processors wait.
     if (char* const place = trammel_detail::TakeSpareBytes(block, sizeof item)) {
         std::memcpy(place, &item, sizeof item);
     } else {

@@ -12,7 +12,7 @@
 
 namespace {
 
-// Totals over both types, for a look with the debugger; nothing reads them.
+// Totals over both types, for the debugger; nothing reads them.
 [[maybe_unused]] std::int32_t sZeroNaNandInfCount = 0;
 [[maybe_unused]] std::int32_t sZeroOutOfRangeCount = 0;
 
@@ -33,8 +33,8 @@ template <> struct Traits<double> {
 };
 
 /// Logs event number `count` of its kind, unless the kind has fallen silent. A counter that wrapped
-/// to negative values logs again. The caller has yet to zero the value, so nothing is thrown: when
-/// memory is short the line is dropped, as NSLog itself drops it.
+/// to negative values logs again. Nothing is thrown, because the caller has yet to zero the value:
+/// when memory is short the line is dropped, as NSLog itself drops it.
 void LogEvent(std::int32_t count, char const* signature, char const* what, double value) noexcept {
     if (count > kLogCap) {
         return;

@@ -4,13 +4,12 @@
 // reports them through the platform log (see NSLog in Log.h).
 //
 // Each kind of event (NaN, infinity, out of range; float and double apart) has its own 32-bit
-// counter. Its first 100 events are logged with the numbers 0 to 99, the next one is announced as
-// the last, later ones are zeroed in silence. The counters live as long as the process, one set for
-// all its modules. They are not synchronised: use from one thread at a time (concurrent use can
-// lose counts, never coordinates).
+// counter. Its first 100 events are logged with the numbers 0 to 99. The next one is announced as
+// the last, and later ones are zeroed in silence. The counters live as long as the process, one set
+// for all its modules. They are not synchronised: one thread at a time may use these functions.
 //
-// None of these functions throws: an event whose line finds no memory is zeroed and counted all the
-// same, its line is dropped.
+// None of these functions throws. An event whose line finds no memory is still zeroed and counted;
+// its line is dropped.
 
 #ifndef TRAMMEL_UHYGIENE_H
 #define TRAMMEL_UHYGIENE_H
@@ -22,18 +21,18 @@
 /// T is float or double.
 template <class T> TRAMMEL_API bool ZeroIfNaNOrInf(T& x);
 
-/// Zeroes and logs an `x` beyond ±113596369920 (doubles) or ±113596366848 (floats), the limits
-/// themselves being allowed. A NaN is left alone. Returns false in every case, zeroed or not, which
-/// is what lets `ValidatePoint` go on to the second coordinate. T is float or double.
+/// Zeroes and logs an `x` beyond ±113596369920 (doubles) or ±113596366848 (floats). The limits
+/// themselves are allowed; a NaN is left alone. Always returns false, zeroed or not, so that
+/// `ValidatePoint` goes on to the second coordinate. T is float or double.
 template <class T> TRAMMEL_API bool ZeroIfOutOfRange(T& x);
 
 /// Applies `ZeroIfNaNOrInf` and, only if that found nothing, `ZeroIfOutOfRange`. Returns true
-/// exactly when a NaN or an infinity was zeroed. Leaves a finite value within the limits behind.
+/// exactly when a NaN or an infinity was zeroed. Afterwards `x` is finite and within the limits.
 /// T is float or double.
 template <class T> TRAMMEL_API bool ValidateFloat(T& x);
 
 /// Applies `ValidateFloat` to `p.h` and, only if that returned false, to `p.v`. Returns true when a
-/// NaN or an infinity was zeroed; after a bad h, v has not been examined.
+/// NaN or an infinity was zeroed. After a NaN or infinite h, v has not been examined.
 TRAMMEL_API bool ValidatePoint(TPoint<double>& p);
 
 extern template TRAMMEL_API bool ZeroIfNaNOrInf<float>(float&);

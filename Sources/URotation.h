@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
 // Rotation helpers: a process-wide rotation that is set once and applied to many points, and a
-// second, independent one that serves to undo it. Both are all-zero tables before they are set:
-// every point then maps to (0, 0). For rotations that are values use CMatrix3x3.
+// second, independent one that serves to undo it. Before they are set, both are all-zero tables,
+// which map every finite point to (0, 0). For rotations that are values use CMatrix3x3.
 //
-// The tables are not synchronised: set and apply from one thread at a time.
+// The tables are not synchronised: one thread at a time may set and apply them. Nothing throws.
 
 #ifndef TRAMMEL_UROTATION_H
 #define TRAMMEL_UROTATION_H

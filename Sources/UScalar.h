@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Scalar and point helpers: ordering, clamping, interpolation, distances, tolerant equality.
-// Stateless, safe from any thread. Each template exists for the types it names and for no others.
+// Stateless, safe in any thread; nothing throws. Each template exists for the types it names only.
 
 #ifndef TRAMMEL_USCALAR_H
 #define TRAMMEL_USCALAR_H
@@ -16,8 +16,8 @@
 
 /// Stores the smaller of `a` and `b` in `lo` and the larger in `hi`. T is short or double.
 ///
-/// With doubles lo = a when b > a, else b, and hi = a when a >= b, else b: equal values (0 and -0)
-/// give lo = b and hi = a, and with a NaN both receive b.
+/// With doubles lo is a when b > a, or else b, and hi is a when a >= b, or else b. Equal values (0
+/// and -0) give lo = b and hi = a; with a NaN both receive b.
 template <class T> inline void minmax(T& lo, T& hi, T a, T b) {
     static_assert(std::is_same_v<T, double> || std::is_same_v<T, short>,
                   "minmax exists for double and short only");
@@ -29,7 +29,7 @@ template <class T> inline void minmax(T& lo, T& hi, T a, T b) {
     hi = a >= b ? a : b;
 }
 
-/// Clamps `value` in place: to `lo` when it is below, else to `hi` when it is above.
+/// Clamps `value` in place: to `lo` when it is below, or else to `hi` when it is above.
 ///
 /// Nothing checks that lo <= hi: with lo > hi, values below lo become lo, all others become hi. A
 /// NaN value stays. T is double.
@@ -46,37 +46,37 @@ template <class T> inline void PinValueToRange(T const& lo, T const& hi, T& valu
 /// units, exclusive): with tolerance 0 a point does not even equal itself. T is double or short.
 ///
 /// For shorts the difference is formed in 16 bits and wraps, so 32767 and -32768 are 1 apart. A NaN
-/// in the h difference gives false; in the v difference alone it is overlooked, as the larger of
-/// the two magnitudes is taken by `std::max(|dh|, |dv|)`.
+/// in the h difference gives false. In the v difference alone it is overlooked, because the larger
+/// of the two magnitudes is `std::max(|dh|, |dv|)`.
 template <class T> inline bool EqualTPt(TPoint<T> const& a, TPoint<T> const& b, double tolerance) {
     TPoint<double> const d(b - a);
     return tolerance > std::max(std::abs(d.h), std::abs(d.v));
 }
 
-/// The point at parameter `t` of the segment from `a` (t = 0) to `b` (t = 1): a + (b - a)·t.
-/// `t` is not limited to [0, 1]; at t = 1 the result can differ from b by the rounding of b - a.
-/// NaN and infinities propagate. T is double.
+/// Returns the point at parameter `t` of the segment from `a` (t = 0) to `b` (t = 1): a + (b -
+/// a)·t. `t` is not limited to [0, 1]; at t = 1 the result can differ from b by the rounding of b -
+/// a. NaN and infinities propagate. T is double.
 template <class T> inline TPoint<T> TPt(TPoint<T> const& a, TPoint<T> const& b, double t) {
     static_assert(std::is_same_v<T, double>, "TPt exists for double only");
     return a + (b - a) * t;
 }
 
-/// The middle of two points, a + (b - a)·0.5: in this form rather than (a + b)/2 so that it equals
-/// `TPt(a, b, 0.5)` to the last bit. T is double.
+/// Returns the middle of two points, a + (b - a)·0.5. It has this form rather than (a + b)/2 so
+/// that it equals `TPt(a, b, 0.5)` to the last bit. T is double.
 template <class T> inline TPoint<T> MidPt(TPoint<T> const& a, TPoint<T> const& b) {
     return TPt(a, b, 0.5);
 }
 
-/// Distance between two points by `hypot`: choose this when coordinates may be huge or tiny, as no
-/// square overflows or underflows on the way. T is double.
+/// Returns the distance between two points by `hypot`. Choose this when coordinates may be huge or
+/// tiny: no square overflows or underflows on the way. T is double.
 template <class T> inline double Hypotenuse(TPoint<T> const& a, TPoint<T> const& b) {
     static_assert(std::is_same_v<T, double>, "Hypotenuse exists for double only");
     return std::hypot(b.h - a.h, b.v - a.v);
 }
 
-/// Distance between two points by a square root: choose this when coordinates are ordinary and
-/// speed counts; it overflows to infinity for differences above about 1e154. For shorts each
-/// difference is formed in 32 bits, so it does not wrap. T is double or short.
+/// Returns the distance between two points by a square root. Choose this when coordinates are
+/// ordinary and speed counts: it overflows to infinity for differences above about 1e154. For
+/// shorts each difference is formed in 32 bits, so it does not wrap. T is double or short.
 template <class T> inline double LineLength(TPoint<T> const& a, TPoint<T> const& b) {
     double dh;
     double dv;
@@ -90,8 +90,8 @@ template <class T> inline double LineLength(TPoint<T> const& a, TPoint<T> const&
     return std::sqrt(dh * dh + dv * dv);
 }
 
-/// Squared distance between two points: choose this to compare distances without a root. T is
-/// double.
+/// Returns the squared distance between two points. Choose this to compare distances without a
+/// root. T is double.
 template <class T> inline double LineMagnitude(TPoint<T> const& a, TPoint<T> const& b) {
     static_assert(std::is_same_v<T, double>, "LineMagnitude exists for double only");
     double const dh = b.h - a.h;

@@ -4,7 +4,7 @@
 
 namespace {
 
-// The header's inline functions are in the library, too, for callers that find them by name.
+// The library also exports the header's inline functions, for callers that find them by name.
 [[gnu::used]] double (*const kInLibrary[])(double) = {DegToRad, RadToDeg};
 
 } // namespace
