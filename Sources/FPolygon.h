@@ -34,7 +34,7 @@ template <class Byte> Byte* FPolygonPointAt(Byte* base, long i) {
 }
 
 /// Returns the number of whole points that a block of `size` bytes holds. This is one more than the
-/// last index, except in blocks with less than a point behind the header: the division that gives
+/// last index, except in blocks with less than a point behind the header. The division that gives
 /// the last index rounds toward 0.
 inline long FPolygonPointCount(long size) {
     return size < kFPolygonHeaderSize + kFPolygonPointSize

@@ -115,8 +115,8 @@ trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
 ///
 /// For another segment with both ends beyond the same side, SegmentsIntersect is false. A crossing
 /// would have to lie in both boxes, each grown by the slack, and these do not meet. The bounds of a
-/// grown box are rounded, but rounding keeps order: the rounded bound of the other segment's nearer
-/// end is the bound of its box. A NaN coordinate is beyond no side.
+/// grown box are rounded, but rounding keeps order: the box's bound is the rounded bound of its
+/// nearer end. A NaN coordinate is beyond no side.
 class Beyond {
 public:
     explicit Beyond(TLine<double> const& line) : mReach(line.Bounds()) {

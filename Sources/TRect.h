@@ -387,8 +387,8 @@ template <class T> bool SectTRect(TRect<T> const& a, TRect<T> const& b, TRect<T>
 /// True when two rectangles meet, touching included; their corners may be in any order. This is the
 /// cheap test where only yes or no is needed. T is double or short.
 ///
-/// A NaN in `right` or `bottom` makes that direction count as meeting; with a NaN in `left` or
-/// `top` that direction shrinks to its other edge (see minmax).
+/// A NaN in `right` or `bottom` makes that direction count as meeting. A NaN in `left` or `top`
+/// shrinks that direction to its other edge (see minmax).
 template <class T> bool NaiveSectTRect(TRect<T> const& a, TRect<T> const& b);
 
 /// Applies `ValidateFloat` (UHygiene.h) to left, top, right and bottom in this order, up to the

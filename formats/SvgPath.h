@@ -100,8 +100,8 @@ TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text);
 /// - A curve or line with no move before it gets a move to the point that it is measured from. This
 ///   is (0, 0) for the first element and the last point drawn after a close.
 /// - A close that is measured to another point than the start of the subpath as written is a line.
-/// - Nothing is written for a close without an open subpath, for unknown codes, for codes with too
-///   few points, and for moves in a row except the last.
+/// - Not written are a close without an open subpath, unknown codes, codes with too few points, and
+///   moves in a row except the last.
 ///
 /// Lines without length, and curves that end where they start, can come from a transform. They are
 /// written, and read back as ReadSvgPath says.

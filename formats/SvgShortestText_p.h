@@ -24,7 +24,7 @@ struct SvgNumerals {
 /// Joins elements, of which each can be spelled in several ways, into the shortest text.
 ///
 /// The cost of a spelling depends only on the spelling before it. The shortest text that ends in a
-/// given spelling therefore follows from the shortest texts for the element before: this is a
+/// given spelling therefore follows from the shortest texts for the element before. This is a
 /// shortest path, found by dynamic programming. As soon as all spellings of an element go back to
 /// one spelling, the text up to that one is settled.
 class SvgShortestText {

@@ -40,7 +40,7 @@ constexpr Size RoomFor(Size size) { return std::max((size + 15) / 16 * 16, Size{
 constexpr std::size_t Bytes(Size size) { return static_cast<std::size_t>(size); }
 
 /// Stores the master pointer. Applications read it through pointers to their own record types,
-/// which the compiler may take for different objects; a store byte by byte is ordered with such
+/// which the compiler may take for different objects. A store byte by byte is ordered with such
 /// reads.
 void StoreBlock(BlockRecord* record, Ptr block) {
     std::memcpy(&record->block, &block, sizeof block);

@@ -17,10 +17,10 @@
 //     Handle ---> master pointer ---> block: | bytes in use | spare bytes |
 //                 (never moves)      (moves)  0              size          capacity
 //
-// The handle stays valid until DisposeHandle; the block may move whenever its size changes, so a
+// The handle stays valid until DisposeHandle. The block may move whenever its size changes, so a
 // pointer into it is good only until the next call that resizes it. Blocks begin at an address
-// divisible by 16. Spare bytes make repeated appending cheap and are never visible: sizes count the
-// bytes in use, and bytes that come into use by growing are zero.
+// divisible by 16. Spare bytes make repeated appending cheap. They are never visible: sizes count
+// the bytes in use, and bytes that come into use by growing are zero.
 //
 // No function here throws. Functions that take a handle accept a null one. Different threads may
 // use different handles at the same time; one handle is for one thread at a time.
@@ -119,8 +119,9 @@ inline Size GetHandleSize(Handle h) noexcept {
 /// Growing reserves room for more of it, so a series of small steps costs time linear in the final
 /// size. Shrinking below a quarter of the room gives memory back, except for rooms below 256 bytes.
 ///
-/// Returns noErr; nilHandleErr for a null handle; memFullErr when memory is short or the size is
-/// negative or above 1 TiB. After a failure the block is as it was. Shrinking does not fail.
+/// Returns noErr, or else the block is as it was. Shrinking does not fail.
+/// - nilHandleErr for a null handle,
+/// - memFullErr when memory is short or the size is negative or above 1 TiB.
 TRAMMEL_API OSErr SetHandleSize(Handle h, Size size) noexcept;
 
 /// Frees the block and its master pointer; does nothing for null. The handle must not be used
@@ -130,15 +131,16 @@ TRAMMEL_API void DisposeHandle(Handle h) noexcept;
 /// Replaces the handle at `*h` by a handle to a copy of its block. The first block stays as it is;
 /// a caller who wants to dispose it later keeps a copy of its handle.
 ///
-/// Returns noErr; memFullErr when memory is short, and then `*h` is null; nilHandleErr when `h` or
-/// `*h` is null.
+/// Returns noErr; nilHandleErr when `h` or `*h` is null; memFullErr when memory is short. In the
+/// last case `*h` is null.
 TRAMMEL_API OSErr HandToHand(Handle* h) noexcept;
 
 /// Makes a new block that holds a copy of the `size` bytes at `source`, and stores its handle in
 /// `*h`, whose former value plays no part.
 ///
-/// Returns noErr; memFullErr when memory is short or the size is negative; nilHandleErr when `h` is
-/// null, or when `source` is null and the size is positive. After a failure `*h` is null.
+/// Returns noErr, or else leaves null in `*h`:
+/// - memFullErr when memory is short or the size is negative,
+/// - nilHandleErr when `h` is null, or when `source` is null and the size is positive.
 TRAMMEL_API OSErr PtrToHand(void const* source, Handle* h, Size size) noexcept;
 
 /// Appends a copy of the `count` bytes at `source` to the block. The source may lie inside the same

@@ -103,13 +103,13 @@ TRAMMEL_API bool CGPathIsEmpty(CGPathRef path) noexcept;
 namespace trammel_detail {
 
 /// Stores a path for `owner`, takes over one of the caller's references, and returns the token.
-/// Returns 0 when the path or the owner is null, and when memory is short; the reference is then
+/// Returns 0 when the path or the owner is null, and when memory is short. The reference is then
 /// given back, so that the caller has nothing to clean up. All functions of the table are safe in
 /// several threads at once.
 TRAMMEL_API std::int32_t StorePath(CGPath* path, void const* owner) noexcept;
 
-/// Returns the path that `owner` stored under the token, without a new reference; null for 0, for a
-/// token that is not in use, and for a token of another owner.
+/// Returns the path that `owner` stored under the token, without a new reference. Returns null for
+/// 0, for a token that is not in use, and for a token of another owner.
 TRAMMEL_API CGPath* PathForToken(std::int32_t token, void const* owner) noexcept;
 
 /// Gives back the reference that `owner` stored under the token, and frees the token. Does nothing

@@ -27,8 +27,8 @@ namespace trammel {
 /// The visitor that hands a path's elements to a Cairo context: `path.ForAll(sink)`.
 ///
 /// The sink draws the segments that CPath measures. A curve or line with no move before it starts
-/// at (0, 0) when it is the first, and at the last point drawn when it follows a close. The
-/// context's own current point plays no part.
+/// at the last point drawn, or at (0, 0) when there is none. The context's own current point plays
+/// no part.
 ///
 /// A segment with a NaN or infinite coordinate, in its start or another point, is left out and
 /// leaves a gap. Cairo never sees such a number, and the segments around the gap are drawn as they
