@@ -84,6 +84,8 @@ void ExpectDirections(Region const& region) {
 
 namespace {
 
+__extension__ typedef __int128 Int128;
+
 /// A vertex in units of 2^-42, in which crossings can be tested exactly.
 struct IntegerPoint {
     std::int64_t x;
@@ -101,8 +103,8 @@ IntegerPoint ToInteger(Vertex v) {
 }
 
 int Side(IntegerPoint a, IntegerPoint b, IntegerPoint c) {
-    plain::Int128 const cross = static_cast<plain::Int128>(b.x - a.x) * (c.y - a.y) -
-                                static_cast<plain::Int128>(b.y - a.y) * (c.x - a.x);
+    Int128 const cross =
+        static_cast<Int128>(b.x - a.x) * (c.y - a.y) - static_cast<Int128>(b.y - a.y) * (c.x - a.x);
     return (cross > 0) - (cross < 0);
 }
 

@@ -1,202 +1,159 @@
 // SPDX-License-Identifier: MIT
 
-// The clipper's results on figures whose areas are known exactly.
+// The clipper against stored figures: areas, counts of contours and points inside that were
+// computed exactly (ClipExact_test.cpp proves them).
 #include "ClipChecks.h"
 
 #include "gpc.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstdio>
-#include <fstream>
+#include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace clip_test {
 namespace {
 
-using plain::Box;
-using plain::Clip;
+using plain::CaseFigures;
+using plain::ClipCase;
 using plain::kOperationNames;
 using plain::kOperations;
-using plain::Normalised;
+using plain::Measure;
 
-/// The areas by flags and by the even-odd rule against the exact one. They may be off by
-/// kAreaTolerance of the union, and by what rounding to doubles does: all edges of a result are
-/// parts of the operands' edges, with ends that are the nearest doubles, so that the area changes
-/// by no more than if all vertices of the operands were moved by a unit in the last place. At 1e11
-/// that is the greater part for figures of size 100, elsewhere nothing to speak of.
-void ExpectArea(Region const& region, double exact, double unionArea, Polygon const& a,
-                Polygon const& b) {
-    Box box;
-    box.Include(a);
-    box.Include(b);
-    if (!box.HasArea()) {
-        EXPECT_TRUE(region.contours.empty());
-        return;
+/// Calls `check` with each case of the corpus and its figures.
+void ForCorpus(std::function<void(ClipCase const&, CaseFigures const&)> const& check) {
+    std::string message;
+    std::vector<CaseFigures> const figures =
+        plain::ReadFigures(TRAMMEL_TEST_DATA_DIR "/clip_corpus.txt", message);
+    ASSERT_EQ(message, "");
+    std::vector<ClipCase> const cases = plain::MakeCorpus();
+    ASSERT_EQ(cases.size(), figures.size());
+    for (std::size_t i = 0; i < cases.size(); ++i) {
+        SCOPED_TRACE(cases[i].name);
+        ASSERT_EQ(cases[i].name, figures[i].name);
+        check(cases[i], figures[i]);
     }
-    Normalised const normalised(box);
-    Region const scaled{normalised(region.contours), region.holes};
-    double const tolerance = kAreaTolerance * normalised.Area(unionArea) +
-                             normalised.Area(plain::RoundingOfArea(a) + plain::RoundingOfArea(b));
-    double const evenOdd = plain::EvenOddArea(scaled.contours);
-    EXPECT_NEAR(evenOdd, normalised.Area(exact), tolerance + kStripTolerance);
-    EXPECT_NEAR(Area(scaled), evenOdd,
-                kAreaTolerance * normalised.Area(unionArea) + kStripTolerance);
 }
 
-/// Whether two results list the same contours with the same flags: each starting anywhere, in any
-/// order, coordinates to within a tolerance.
-bool SameContours(Region const& ours, Region const& theirs, double toleranceX, double toleranceY) {
-    if (ours.contours.size() != theirs.contours.size()) {
-        return false;
-    }
-    std::vector<char> used(theirs.contours.size(), 0);
-    for (std::size_t i = 0; i < ours.contours.size(); ++i) {
-        bool found = false;
-        for (std::size_t j = 0; j < theirs.contours.size() && !found; ++j) {
-            Contour contour = theirs.contours[j];
-            if (used[j] != 0 || ours.holes[i] != theirs.holes[j] ||
-                contour.size() != ours.contours[i].size()) {
-                continue;
-            }
-            for (std::size_t k = 0; k < contour.size() && !found; ++k) {
-                found = plain::Same(ours.contours[i], contour, toleranceX, toleranceY);
-                std::rotate(contour.begin(), contour.begin() + 1, contour.end());
-            }
-            used[j] = found;
+/// An area computed in doubles, and a bound of its error.
+struct BoundedArea {
+    double value = 0;
+    double error = 0;
+};
+
+/// The area that the flags of a result tell. Each term of the sum is rounded five times at most,
+/// and n terms take n additions; with terms t the error is below (n + 5) 2^-53 sum |t|.
+BoundedArea AreaOf(Region const& region) {
+    BoundedArea area;
+    double terms = 0;
+    double sizes = 0;
+    for (std::size_t i = 0; i < region.contours.size(); ++i) {
+        Contour const& contour = region.contours[i];
+        Vertex const o = contour[0];
+        double twice = 0;
+        for (std::size_t k = 0; k < contour.size(); ++k) {
+            Vertex const p = contour[k];
+            Vertex const q = contour[k + 1 == contour.size() ? 0 : k + 1];
+            double const first = (p.x - o.x) * (q.y - o.y);
+            double const second = (p.y - o.y) * (q.x - o.x);
+            twice += first - second;
+            sizes += std::fabs(first) + std::fabs(second);
+            terms += 1;
         }
-        if (!found) {
-            return false;
-        }
+        area.value += (region.holes[i] != 0 ? -0.5 : 0.5) * std::fabs(twice);
+        terms += 1;
     }
-    return true;
+    area.error = (terms + 5) * 0x1p-53 * sizes;
+    return area;
 }
 
-/// Whether no vertex occurs twice: nothing touches, so that there is one way to list the contours.
-bool IsSimple(Region const& region, double toleranceX, double toleranceY) {
-    std::vector<Vertex> vertices;
-    for (Contour const& contour : region.contours) {
-        vertices.insert(vertices.end(), contour.begin(), contour.end());
-    }
-    std::sort(vertices.begin(), vertices.end());
-    for (std::size_t i = 0; i < vertices.size(); ++i) {
-        for (std::size_t j = i + 1;
-             j < vertices.size() && vertices[j].y - vertices[i].y <= toleranceY; ++j) {
-            if (std::fabs(vertices[j].x - vertices[i].x) <= toleranceX) {
-                return false;
-            }
+TEST(ClipCorpus, HasTheOperandsThatItsFiguresStandFor) {
+    std::size_t settled = 0;
+    std::size_t samples = 0;
+    ForCorpus([&](ClipCase const& c, CaseFigures const& figures) {
+        EXPECT_EQ(plain::Fingerprint(c), figures.fingerprint);
+        settled += figures.settled ? 1 : 0;
+        for (char const sample : figures.samples) {
+            samples += sample >= '0' && sample <= '3' ? 1 : 0;
         }
-    }
-    return true;
+    });
+    // Most cases compare all that there is to compare.
+    EXPECT_GE(settled, 600U);
+    EXPECT_GE(samples, 14000U);
 }
 
-TEST(ClipCorpus, FindsTheAreasOfGridCases) {
-    std::vector<plain::GridCase> const cases = plain::MakeGridCases();
-    ASSERT_GT(cases.size(), 400U);
-    for (plain::GridCase const& c : cases) {
-        std::array<double, 4> const exact = plain::ExactAreas(c.a, c.b);
-        // The exact areas themselves: what is in a but not b, in both, and in b but not a.
-        double const onlyA = exact[0];
-        double const both = exact[1];
-        EXPECT_NEAR(exact[3] - exact[2], both, 1e-9 * exact[3]);
-        EXPECT_GE(exact[2] - onlyA, -1e-9);
+TEST(ClipCorpus, HasTheExactAreas) {
+    ForCorpus([](ClipCase const& c, CaseFigures const& figures) {
+        Measure const measure(c);
+        double const tolerance = plain::RegionTolerance(c, measure);
+        for (std::size_t k = 0; k < 4; ++k) {
+            Region region = plain::Clip(kOperations[k], c.a, c.b);
+            region.contours = measure.Scaled(region.contours);
+            BoundedArea const area = AreaOf(region);
+            EXPECT_NEAR(area.value, figures.results[k].area, tolerance + area.error)
+                << kOperationNames[k];
+        }
+    });
+}
+
+TEST(ClipCorpus, HasTheContoursAndHolesOfTheExactResults) {
+    ForCorpus([](ClipCase const& c, CaseFigures const& figures) {
+        for (std::size_t k = 0; figures.settled && k < 4; ++k) {
+            Region const region = plain::Clip(kOperations[k], c.a, c.b);
+            int holes = 0;
+            for (int const hole : region.holes) {
+                holes += hole;
+            }
+            EXPECT_EQ(static_cast<int>(region.contours.size()), figures.results[k].contours)
+                << kOperationNames[k];
+            EXPECT_EQ(holes, figures.results[k].holes) << kOperationNames[k];
+        }
+    });
+}
+
+TEST(ClipCorpus, CoversThePointsOfTheExactResults) {
+    ForCorpus([](ClipCase const& c, CaseFigures const& figures) {
+        std::vector<Vertex> const points = plain::SamplePoints(c);
+        if (points.empty()) {
+            EXPECT_EQ(figures.samples, "none");
+            return;
+        }
+        ASSERT_EQ(points.size(), figures.samples.size());
+        for (std::size_t k = 0; k < 4; ++k) {
+            Region const region = plain::Clip(kOperations[k], c.a, c.b);
+            for (std::size_t i = 0; i < points.size(); ++i) {
+                if (figures.samples[i] != '-') {
+                    int const set = figures.samples[i] - '0';
+                    EXPECT_EQ(plain::Inside(region.contours, points[i]),
+                              plain::Combine(kOperations[k], (set & 1) != 0, (set & 2) != 0))
+                        << kOperationNames[k] << " at point " << i;
+                }
+            }
+        }
+    });
+}
+
+TEST(ClipCorpus, GivesWellFormedContours) {
+    ForCorpus([](ClipCase const& c, CaseFigures const&) {
+        for (gpc_op const operation : kOperations) {
+            ExpectWellFormed(plain::Clip(operation, c.a, c.b));
+        }
+    });
+}
+
+TEST(ClipCorpus, GivesContoursThatNeverCrossOnIntegerGrids) {
+    for (ClipCase const& c : plain::MakeGridCases()) {
         for (std::size_t k = 0; k < 4; ++k) {
             SCOPED_TRACE(c.name + ": " + kOperationNames[k]);
-            Region const region = Clip(kOperations[k], c.a, c.b);
-            ExpectArea(region, exact[k], exact[3], c.a, c.b);
-            ExpectWellFormed(region);
+            Region const region = plain::Clip(kOperations[k], c.a, c.b);
             ExpectDirections(region);
             ExpectNoCrossings(region);
         }
     }
-}
-
-TEST(ClipCorpus, FindsTheAreasOfReferenceCases) {
-#ifndef TRAMMEL_CLIP_CORPUS
-    GTEST_SKIP() << "TRAMMEL_CLIP_CORPUS was not set when this test was compiled";
-#else
-    std::string const path = TRAMMEL_CLIP_CORPUS;
-    if (!std::ifstream(path)) {
-        GTEST_SKIP() << "no file of reference cases at '" << path << "'";
-    }
-    std::string message;
-    std::vector<plain::ReferenceCase> const cases = plain::ReadReferenceCases(path, message);
-    ASSERT_EQ(message, "");
-    ASSERT_GT(cases.size(), 0U);
-    int compared = 0;
-    int equal = 0;
-    int listedAlike = 0;
-    for (plain::ReferenceCase const& c : cases) {
-        Box box;
-        box.Include(c.a);
-        box.Include(c.b);
-        for (std::size_t k = 0; k < 4; ++k) {
-            SCOPED_TRACE(c.group + " " + c.name + ": " + kOperationNames[k]);
-            plain::ReferenceResult const& reference = c.results[k];
-            Region const region = Clip(kOperations[k], c.a, c.b);
-            ExpectArea(region, reference.exactArea, c.results[3].exactArea, c.a, c.b);
-            ExpectWellFormed(region);
-
-            // How a result is listed is comparable where there is one way to do it and the
-            // reference is right.
-            if (!reference.listed || kOperations[k] == GPC_XOR || !box.HasArea() ||
-                !(reference.regionError <= kAreaTolerance)) {
-                continue;
-            }
-            double const toleranceX = kAreaTolerance * (box.highX - box.lowX);
-            double const toleranceY = kAreaTolerance * (box.highY - box.lowY);
-            if (!IsSimple(reference.region, toleranceX, toleranceY)) {
-                continue;
-            }
-            ++compared;
-            if (SameContours(region, reference.region, toleranceX, toleranceY)) {
-                ++equal;
-                bool alike = true;
-                for (std::size_t i = 0; i < region.contours.size(); ++i) {
-                    alike = alike && plain::Same(region.contours[i], reference.region.contours[i],
-                                                 toleranceX, toleranceY);
-                }
-                listedAlike += alike ? 1 : 0;
-            }
-        }
-    }
-    std::printf("%zu cases; of %d simple results %d have the reference's contours, %d of them in "
-                "its order\n",
-                cases.size(), compared, equal, listedAlike);
-    EXPECT_GE(equal, compared * 95 / 100);
-    // First vertices and the order of the contours follow its conventions without exception.
-    EXPECT_EQ(listedAlike, equal);
-#endif
-}
-
-TEST(ClipCorpus, KnowsTheAreasOfKnownFigures) {
-    auto const at = [](std::initializer_list<std::pair<int, int>> points) {
-        Contour contour;
-        for (auto const& [x, y] : points) {
-            contour.push_back(plain::GridVertex(x, y));
-        }
-        return contour;
-    };
-    std::array<double, 4> const squares = plain::ExactAreas({plain::GridRectangle(0, 0, 10, 10)},
-                                                            {plain::GridRectangle(5, 5, 15, 15)});
-    EXPECT_EQ(squares, (std::array<double, 4>{75, 25, 150, 175}));
-    // A bow tie, and twice the same contour, which is nothing.
-    std::array<double, 4> const bowTie =
-        plain::ExactAreas({at({{0, 0}, {10, 10}, {10, 0}, {0, 10}})}, {});
-    EXPECT_EQ(bowTie, (std::array<double, 4>{50, 0, 50, 50}));
-    Contour const triangle = at({{0, 0}, {7, 3}, {2, 9}});
-    EXPECT_EQ(plain::ExactAreas({triangle, triangle}, {}), (std::array<double, 4>{0, 0, 0, 0}));
-    EXPECT_EQ(plain::ExactAreas({triangle}, {triangle}), (std::array<double, 4>{0, 28.5, 0, 28.5}));
-    // Two triangles that cross in (10/3, 10/3): twice the common area is 100 / 3.
-    std::array<double, 4> const crossing =
-        plain::ExactAreas({at({{0, 0}, {10, 0}, {0, 5}})}, {at({{0, 0}, {5, 0}, {0, 10}})});
-    EXPECT_DOUBLE_EQ(crossing[1], 50.0 / 3);
 }
 
 } // namespace

@@ -152,7 +152,7 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
 
 TEST(ClipParts, LookingAgainWhereNeededFindsAllInGridCases) {
     // Most of these touch, overlap or share vertices.
-    for (plain::GridCase const& c : plain::MakeGridCases()) {
+    for (plain::ClipCase const& c : plain::MakeGridCases()) {
         SCOPED_TRACE(c.name);
         ExpectNothingMissed(c.a, c.b);
     }
