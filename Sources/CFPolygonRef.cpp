@@ -22,17 +22,19 @@ constexpr long kQDPointSize = 4;
 
 Handle AsHandle(OpaqueCFPolygon** ref) { return reinterpret_cast<Handle>(ref); }
 
-/// True when there is a block, and a whole header in it. Shorter ones come from elsewhere, and are
-/// treated as no block where the header is needed.
+/// True when there is a block with a whole header in it. Shorter blocks come from elsewhere, and
+/// count as no block where the header is needed.
 bool HasHeader(OpaqueCFPolygon** ref) { return GetHandleSize(AsHandle(ref)) >= kHeaderSize; }
 
-/// The record in a block with a header; good until the block is resized.
+/// Returns the record in a block with a header. It is good until the block is resized.
 FPolygon* Record(OpaqueCFPolygon** ref) { return reinterpret_cast<FPolygon*>(*ref); }
 
-/// The block's bytes behind a handle that is not null; good until the block is resized.
+/// Returns the block's bytes behind a handle that is not null. They are good until the block is
+/// resized.
 char* Bytes(OpaqueCFPolygon** ref) { return reinterpret_cast<char*>(*ref); }
 
-/// The block size of a polygon of `n` points, or -1 when `n` is negative or the size overflows.
+/// Returns the block size of a polygon of `n` points, or -1 when `n` is negative or the size
+/// overflows.
 long BlockSize(long n) {
     long size = 0;
     if (n < 0 || __builtin_mul_overflow(n, kPointSize, &size) ||
@@ -42,7 +44,7 @@ long BlockSize(long n) {
     return size;
 }
 
-/// Of a block with a header.
+/// Releases the cached path of a block with a header.
 void ReleaseCachedPath(OpaqueCFPolygon** ref) {
     FPolygon* const record = Record(ref);
     if (record->polyPath != 0) {
@@ -51,7 +53,7 @@ void ReleaseCachedPath(OpaqueCFPolygon** ref) {
     }
 }
 
-/// Grows bounds that are current by a point that the polygon, with a header, has just taken in.
+/// Grows current bounds by a point that the polygon, which has a header, has just taken in.
 void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
     FPolygon* const record = Record(ref);
     if (record->polyBoundsValid != 0) {
@@ -60,17 +62,17 @@ void GrowBounds(OpaqueCFPolygon** ref, TPoint<double> const& p) {
     }
 }
 
-/// How many points the block holds; 0 for a null handle.
+/// Returns the number of points in the block; 0 for a null handle.
 long PointCount(CFPolygonRef const& polygon) {
     return trammel_detail::FPolygonPointCount(polygon.DataSize());
 }
 
-/// Where the points begin, for loops that change them; null for a null handle.
+/// Returns the place where the points begin, for loops that change them; null for a null handle.
 char* PointBytes(CFPolygonRef const& polygon) {
     return polygon.mRef != nullptr ? Bytes(polygon.mRef) + kHeaderSize : nullptr;
 }
 
-/// The points; good until the block is resized. None for a null handle.
+/// Returns the points, which are good until the block is resized. A null handle gives none.
 trammel_detail::PointRun Points(CFPolygonRef const& polygon) {
     return {PointBytes(polygon), PointCount(polygon)};
 }
@@ -185,7 +187,7 @@ long CFPolygonRef::GeometryEdgeCount() const {
 
 bool CFPolygonRef::Contains(TPoint<double> const& p) const {
     // Where the first point is repeated at the end, the edge between the two has no extent in v and
-    // counts for nothing: that GeometryEdgeCount leaves it out makes no difference.
+    // counts for nothing. So it makes no difference that GeometryEdgeCount leaves it out.
     return trammel_detail::OddCrossings(Points(*this), p.h, p.v);
 }
 
@@ -325,7 +327,7 @@ CGPath* CFPolygonRef::GetPath() {
     CGPath* path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
     if (path == nullptr && mBuildProc != nullptr) {
         path = mBuildProc(CFPolygonRef(*this, false));
-        ReleaseCachedPath(mRef); // of a builder that asked for the path it was building
+        ReleaseCachedPath(mRef); // a builder may have asked for the path that it was building
         Record(mRef)->polyPath = trammel_detail::StorePath(path, mRef);
         path = trammel_detail::PathForToken(Record(mRef)->polyPath, mRef);
     }

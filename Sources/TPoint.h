@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
-//
+
 // TPoint: the two-dimensional point and vector.
 //
 // A plain value, copied freely, used as a position and as a displacement alike. TPoint<double> is
-// the working type of all geometry; TPoint<short> is the integer screen coordinate with the layout
+// the working type of all geometry. TPoint<short> is the integer screen coordinate with the layout
 // of the platform's Point. The vertical coordinate is stored first, yet every pair of arguments and
 // every text is (h, v), that is (x, y). v grows downward, h rightward.
 //
 // The null point is (0, 0). Any value may be stored, NaN and infinities too; nothing is validated
-// (see UHygiene.h for that). Arithmetic on doubles is plain floating point, arithmetic on shorts
-// wraps at 16 bits, and a double stored into a short is truncated toward zero to 32 bits, of which
-// the low 16 are kept (NaN and what does not fit 32 bits store 0).
+// (see UHygiene.h for that). Arithmetic on doubles is plain floating point. Arithmetic on shorts
+// wraps at 16 bits. A double stored into a short is truncated toward zero to 32 bits, and the low
+// 16 of them are kept. NaN and numbers that do not fit 32 bits store 0.
 //
-// Arguments are read before anything is written, so a point may be its own argument.
-// No shared state: safe from any thread.
+// Arguments are read before anything is written, so a point may be its own argument. Nothing
+// throws, except NSString when memory is short. No shared state: safe in any thread.
 
 #ifndef TRAMMEL_TPOINT_H
 #define TRAMMEL_TPOINT_H
@@ -31,7 +31,7 @@
 #include <utility>
 
 class CMatrix3x3;
-// Marked here, too: of a template, Clang goes by the first declaration.
+// It is marked here, too, because Clang goes by a template's first declaration.
 template <class T> struct TRAMMEL_API TRect;
 
 namespace trammel_detail {
@@ -63,28 +63,31 @@ template <class T> struct TRAMMEL_API TPoint {
 
     // Create
 
-    /// The null point (0, 0).
+    /// Makes the null point (0, 0).
     TPoint() : v(0), h(0) {}
-    /// The point (h, v): horizontal coordinate first.
+    /// Makes the point (h, v): horizontal coordinate first.
     TPoint(T hCoord, T vCoord) : v(vCoord), h(hCoord) {}
     TPoint(TPoint const&) = default;
     TPoint& operator=(TPoint const&) = default;
 
-    /// From the sister type: exact into double; into short each coordinate is truncated toward zero
-    /// and wraps at 16 bits. Choose `operator Point` where rounding is wanted.
+    /// Converts from the sister type. Into double this is exact. Into short each coordinate is
+    /// truncated toward zero, and wraps at 16 bits. Choose `operator Point` where rounding is
+    /// wanted.
     TPoint(TPoint<Other> const& p)
         : v(trammel_detail::StoreCoordinate<T>(p.v)), h(trammel_detail::StoreCoordinate<T>(p.h)) {}
-    /// From a 16.16 fixed-point record: exact into double, truncated toward zero into short.
+    /// Converts from a 16.16 fixed-point record: exact into double, truncated toward zero into
+    /// short.
     TPoint(FPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(Fix2X(p.v))),
           h(trammel_detail::StoreCoordinate<T>(Fix2X(p.h))) {}
-    /// From the platform's integer point; exact.
+    /// Converts from the platform's integer point, exactly.
     TPoint(Point const& p) : v(p.v), h(p.h) {}
-    /// From a single-precision point: h from x, v from y; truncated toward zero into short.
+    /// Converts from a single-precision point: h from x, v from y. Shorts are truncated toward
+    /// zero.
     TPoint(CGPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
           h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
-    /// As from CGPoint.
+    /// Converts as from CGPoint.
     TPoint(_NSPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
           h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
@@ -101,25 +104,25 @@ template <class T> struct TRAMMEL_API TPoint {
 
     // Query
 
-    /// True when both coordinates equal 0 (a NaN coordinate: false).
+    /// True when both coordinates equal 0; false with a NaN.
     bool Null() const { return h == 0 && v == 0; }
     /// True when both coordinates are equal; a NaN is unequal to everything, itself included.
     bool operator==(TPoint const& p) const { return h == p.h && v == p.v; }
-    /// The exact negation of `==`: true with a NaN.
+    /// True exactly when `==` is false: true with a NaN.
     bool operator!=(TPoint const& p) const { return !(*this == p); }
-    /// True when neither coordinate exceeds the other's: componentwise dominance, not an ordering
-    /// (of two points neither may be <= the other). False with a NaN.
+    /// True when neither coordinate exceeds the other's. This is componentwise dominance, not an
+    /// ordering: of two points neither may be <= the other. False with a NaN.
     bool operator<=(TPoint const& p) const { return h <= p.h && v <= p.v; }
 
-    /// v / h, unguarded: ±infinity for a vertical vector, NaN for the null one.
+    /// Returns v / h, unguarded: ±infinity for a vertical vector, NaN for the null one.
     double Slope() const { return static_cast<double>(v) / static_cast<double>(h); }
-    /// Direction in radians, atan2(v, h), in [-pi, pi]: 0 along +h, pi/2 along +v (downward).
+    /// Returns the direction in radians, atan2(v, h), in [-pi, pi]: 0 along +h, pi/2 along +v
+    /// (downward).
     double Angle() const { return std::atan2(static_cast<double>(v), static_cast<double>(h)); }
-    /// Distance from the origin, sqrt(h² + v²).
+    /// Returns the distance from the origin, sqrt(h² + v²).
     ///
-    /// Choose this when coordinates are ordinary and speed counts; it overflows to infinity above
-    /// about 1e154 (and underflows below 1e-162). For shorts the sum is formed in 32 bits and
-    /// wraps:
+    /// Choose this when coordinates are ordinary and speed counts. It overflows to infinity above
+    /// about 1e154, and underflows below 1e-162. For shorts the sum is formed in 32 bits and wraps:
     /// (-32768, -32768) gives NaN.
     double Length() const {
         if constexpr (std::is_same_v<T, short>) {
@@ -129,15 +132,15 @@ template <class T> struct TRAMMEL_API TPoint {
             return std::sqrt(h * h + v * v);
         }
     }
-    /// Distance from the origin by hypot.
+    /// Returns the distance from the origin by hypot.
     ///
     /// Choose this when coordinates may be huge or tiny: it neither overflows nor underflows before
-    /// its result does. Agrees with `Length` for ordinary values up to the last bit or two.
+    /// its result does. For ordinary values it agrees with `Length` up to the last bit or two.
     double Hypotenuse() const { return std::hypot(static_cast<double>(h), static_cast<double>(v)); }
 
     // Arithmetic: each works on h and v independently
 
-    /// The opposite vector; for shorts -32768 stays -32768.
+    /// Returns the opposite vector; for shorts -32768 stays -32768.
     TPoint operator-() const {
         return TPoint(trammel_detail::Narrow<T>(-h), trammel_detail::Narrow<T>(-v));
     }
@@ -157,8 +160,9 @@ template <class T> struct TRAMMEL_API TPoint {
         v = trammel_detail::Narrow<T>(v * p.v);
         return *this;
     }
-    /// Divides coordinate by coordinate. Doubles: a zero divisor gives infinity or NaN. Shorts:
-    /// truncates toward zero; precondition: neither coordinate of `p` is 0.
+    /// Divides coordinate by coordinate.
+    /// - Doubles: a zero divisor gives infinity or NaN.
+    /// - Shorts are truncated toward zero; precondition: neither coordinate of `p` is 0.
     TPoint& operator/=(TPoint const& p) {
         h = trammel_detail::Narrow<T>(h / p.h);
         v = trammel_detail::Narrow<T>(v / p.v);
@@ -186,11 +190,11 @@ template <class T> struct TRAMMEL_API TPoint {
 
     // Geometry
 
-    /// Moves by (dh, dv).
+    /// Moves the point by (dh, dv).
     TPoint& Offset(T dh, T dv) { return *this += TPoint(dh, dv); }
-    /// Same as `+=`.
+    /// Does the same as `+= d`.
     TPoint& Offset(TPoint const& d) { return *this += d; }
-    /// Same as `*= s`: scales about the origin.
+    /// Does the same as `*= s`: scales about the origin.
     TPoint& Scale(double s) { return *this *= s; }
     /// Scales about the origin with one factor for each direction; shorts truncate.
     TPoint& Scale(double sh, double sv) {
@@ -200,7 +204,7 @@ template <class T> struct TRAMMEL_API TPoint {
     }
     /// Rotates about the origin by `angle` radians; a positive angle turns from +h toward +v.
     ///
-    /// Uses the C library's sine and cosine, so a quarter turn leaves residues near 1e-16
+    /// It uses the C library's sine and cosine, so a quarter turn leaves residues near 1e-16
     /// (CMatrix3x3 rotations are exact at quarter turns). Shorts are computed in double and
     /// truncated.
     TPoint& Rotate(double angle) {
@@ -208,16 +212,16 @@ template <class T> struct TRAMMEL_API TPoint {
         double const c = std::cos(angle);
         double const oldH = h;
         double const oldV = v;
-        // oldH * c - oldV * s to the last bit. Written like this because GCC 12, where the
-        // processor has fused operations, makes one of the pair of a difference and a sum,
-        // -ffp-contract=off or not, and so gives other bits; of two sums it does not.
+        // oldH * c - oldV * s to the last bit. It is written as a sum because of GCC 12 on
+        // processors with fused operations. There GCC 12 fuses a pair of a difference and a sum, in
+        // spite of -ffp-contract=off, and so gives other bits. It leaves two sums alone.
         double const minusS = -s;
         h = trammel_detail::StoreCoordinate<T>(oldH * c + oldV * minusS);
         v = trammel_detail::StoreCoordinate<T>(oldH * s + oldV * c);
         return *this;
     }
-    /// Rotates about `centre`: subtracts it, rotates about the origin, adds it back, each step in
-    /// the point's own arithmetic.
+    /// Rotates about `centre`: subtracts it, rotates about the origin and adds it back, each step
+    /// in the point's own arithmetic.
     TPoint& Rotate(double angle, TPoint const& centre) {
         TPoint const c = centre;
         *this -= c;
@@ -227,14 +231,14 @@ template <class T> struct TRAMMEL_API TPoint {
     /// Maps the point through the matrix; shorts go through double and are truncated.
     /// Defined in CMatrix3x3.h.
     TPoint& Transform(CMatrix3x3 const& m);
-    /// Moves the point as the transform that carries rectangle `from` onto rectangle `to` does (see
-    /// CMatrix3x3::Map for flat rectangles); shorts are truncated. Defined in CMatrix3x3.h.
+    /// Maps the point by the transform that carries rectangle `from` onto rectangle `to`;
+    /// CMatrix3x3::Map tells about flat rectangles. Shorts are truncated. Defined in CMatrix3x3.h.
     TPoint& Map(TRect<T> const& from, TRect<T> const& to);
 
     // Convert
 
-    /// To the platform's integer point: each coordinate rounded, halves away from zero, then cut to
-    /// 16 bits. Choose the conversion to TPoint<short> where truncation is wanted.
+    /// Converts to the platform's integer point: each coordinate is rounded, halves away from zero,
+    /// then cut to 16 bits. Choose the conversion to TPoint<short> where truncation is wanted.
     operator Point() const {
         Point out;
         if constexpr (std::is_same_v<T, short>) {
@@ -246,22 +250,23 @@ template <class T> struct TRAMMEL_API TPoint {
         }
         return out;
     }
-    /// To a single-precision point: x = h, y = v.
+    /// Converts to a single-precision point: x = h, y = v.
     operator CGPoint() const { return CGPointMake(static_cast<float>(h), static_cast<float>(v)); }
-    /// To a single-precision point: x = h, y = v.
+    /// Converts to a single-precision point: x = h, y = v.
     operator _NSPoint() const {
         _NSPoint out;
         out.x = static_cast<float>(h);
         out.y = static_cast<float>(v);
         return out;
     }
-    /// "{h, v}" with six decimals for doubles, as integers for shorts; the same in every locale.
+    /// Returns "{h, v}", with six decimals for doubles, as integers for shorts; the same in every
+    /// locale.
     std::string NSString() const;
 };
 
-/// Coordinate `I` of the point, 0 for h and 1 for v, in the order of all arguments and not in the
-/// order of storage. Structured bindings call these: `auto [h, v] = p`, and with `auto& [h, v]` a
-/// write goes into the point.
+/// Returns coordinate `I` of the point, 0 for h and 1 for v: in the order of all arguments, not in
+/// the order of storage. Structured bindings call these functions: `auto [h, v] = p`. With `auto&
+/// [h, v]` a write goes into the point.
 template <std::size_t I, class T> T& get(TPoint<T>& p) noexcept {
     static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
     if constexpr (I == 0) {
@@ -270,7 +275,7 @@ template <std::size_t I, class T> T& get(TPoint<T>& p) noexcept {
         return p.v;
     }
 }
-/// As above, for reading.
+/// Does the same for reading.
 template <std::size_t I, class T> T const& get(TPoint<T> const& p) noexcept {
     static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
     if constexpr (I == 0) {
@@ -279,12 +284,12 @@ template <std::size_t I, class T> T const& get(TPoint<T> const& p) noexcept {
         return p.v;
     }
 }
-/// As above, of a point that is about to end.
+/// Does the same for a point that is about to end.
 template <std::size_t I, class T> T&& get(TPoint<T>&& p) noexcept { return std::move(get<I>(p)); }
 
-/// A point is a pair (h, v) to structured bindings.
+/// Tells structured bindings that a point is a pair (h, v).
 template <class T> struct std::tuple_size<TPoint<T>> : std::integral_constant<std::size_t, 2> {};
-/// Both coordinates have the same type.
+/// Tells structured bindings that both coordinates have the same type.
 template <std::size_t I, class T> struct std::tuple_element<I, TPoint<T>> {
     static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
     using type = T;

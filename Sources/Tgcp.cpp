@@ -16,7 +16,7 @@ static_assert(static_cast<int>(kPolyDifference) == GPC_DIFF &&
 
 namespace {
 
-/// Frees a clipper record at the end of its scope. The arrays come from malloc, as the clipper
+/// Frees a clipper record at the end of its scope. The arrays come from malloc, because the clipper
 /// frees them with free.
 class GpcRecord {
 public:
@@ -32,7 +32,7 @@ private:
     gpc_polygon mRecord = {};
 };
 
-/// An uninitialised array of `count` items from malloc. Throws std::bad_alloc.
+/// Returns an uninitialised array of `count` items from malloc. Throws std::bad_alloc.
 template <class Item> Item* Allocate(std::size_t count) {
     if (count > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throw std::bad_alloc(); // the records count in ints

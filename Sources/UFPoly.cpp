@@ -19,10 +19,10 @@ constexpr Fixed kCircleTolerance = 4000;
 constexpr long kQDHeaderSize = 10;
 constexpr long kQDPointSize = 4;
 
-/// More points than the largest block holds: a run of so many is not begun.
+/// A run of so many points or more is not begun: no block can hold them.
 constexpr long kTooManyPoints = 1L << 36;
 
-/// How far beyond the box InFptBounds reaches, in coordinate units.
+/// The distance beyond the box that InFptBounds reaches, in coordinate units.
 constexpr double kBoundsReach = 1.0;
 
 } // namespace
@@ -42,8 +42,8 @@ CFPolygonRef CloneFPoly(CFPolygonRef p) { return CFPolygonRef(p, true); }
 void KillFPoly(CFPolygonRef p) { p.Dispose(); }
 
 CFPolygonRef Poly2FPoly(MacPolygon** qd) {
-    // By whole points: LastPolyIndex rounds toward zero and would let a header with a piece of a
-    // point pass for one point.
+    // This counts whole points. LastPolyIndex rounds toward zero, and would take a header with a
+    // piece of a point for one point.
     long const size = GetHandleSize(reinterpret_cast<Handle>(qd));
     long const count = std::max((size - kQDHeaderSize) / kQDPointSize, 0L);
     CFPolygonRef p = CreatePoly(count);
@@ -130,7 +130,7 @@ void InsertPolyPts(CFPolygonRef dst, CFPolygonRef src, long count, short mode) {
         dst.Append(pt);
         return dst.LastIndex() > before;
     };
-    // Points that arrive during the run are none of the source's, where both are one polygon.
+    // Where both are one polygon, points that arrive during the run do not count as the source's.
     auto const point = [&src, last = src.LastIndex()](long i) {
         return i <= last ? src.PolyPoints(i) : TPoint<double>();
     };
