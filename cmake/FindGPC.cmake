@@ -3,7 +3,7 @@
 # Finds the General Polygon Clipper: the header gpc.h and the library gpc, or gpcl.
 #
 #   GPC_FOUND         both are there, and the library has gpc_polygon_clip
-#   GPC_INCLUDE_DIR   where gpc.h is
+#   GPC_INCLUDE_DIR   the folder of gpc.h
 #   GPC_LIBRARY       the library
 #   GPC::GPC          an imported target of the two
 #

@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: MIT
 
-# Does the inlined hypot (kernels/Hypot_p.h) give the bits of the C library's? Found out by running
-# the two side by side; where that cannot be done (cross-compiling), the C library's is called.
+# Does the inlined hypot (kernels/Hypot_p.h) give the bits of the C library's hypot? The configuration runs
+# both side by side. It cannot do that when it compiles for another machine; the library then calls the C
+# library.
 
 if(NOT DEFINED TRAMMEL_HYPOT_AGREES)
     if(CMAKE_CROSSCOMPILING)

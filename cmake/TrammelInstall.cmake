@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 
-# What `cmake --install` lays down: library, headers, CMake package, pkg-config file, licence.
+# `cmake --install` installs the library, the headers, a CMake package, a pkg-config file and the licence.
 
 include(CMakePackageConfigHelpers)
 
@@ -32,8 +32,8 @@ install(
 # Headers, flat.
 install(FILES ${TRAMMEL_HEADERS} DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/trammel")
 
-# pkg-config. The prefix is found from the place of the file itself, so that an installed tree can be
-# moved; directories that were given as absolute paths stay absolute.
+# pkg-config. The file derives the prefix from its own place, so that an installed tree can be moved.
+# Folders that the user gave as absolute paths stay absolute.
 set(TRAMMEL_PC_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
     set(TRAMMEL_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
@@ -49,7 +49,7 @@ foreach(kind IN ITEMS INCLUDEDIR LIBDIR)
         set(TRAMMEL_PC_${kind} "\${prefix}/${CMAKE_INSTALL_${kind}}")
     endif()
 endforeach()
-# A static library's users link the C++ runtime themselves; a shared one brings it along.
+# Users of a static library link the C++ runtime themselves; a shared library brings it along.
 if(TRAMMEL_TYPE STREQUAL "STATIC_LIBRARY")
     set(TRAMMEL_PC_PRIVATE_LIBS "-lstdc++ -lm")
 else()

@@ -3,12 +3,12 @@
 # The library's rooms, from the bottom to the top: the lines of cmake/rooms.txt. The scripts read the
 # same file. A room that holds no file yet has no folder.
 #
-# Sets, of all rooms:
-#   TRAMMEL_ROOMS     the rooms that exist
-#   TRAMMEL_ROOM_DIRS their folders
-#   TRAMMEL_HEADERS   public headers: those without _p at the end of their name, and trammel.h
-#   TRAMMEL_SOURCES   sources, without those for certain processors (NAMEAvx2_p.cpp)
-#   TRAMMEL_AVX2_SOURCES   those
+# Sets, for all rooms together:
+#   TRAMMEL_ROOMS          the rooms that exist
+#   TRAMMEL_ROOM_DIRS      their folders
+#   TRAMMEL_HEADERS        the public headers: trammel.h, and all headers except NAME_p.h
+#   TRAMMEL_SOURCES        all sources except NAMEAvx2_p.cpp
+#   TRAMMEL_AVX2_SOURCES   the sources NAMEAvx2_p.cpp, for processors with AVX2
 
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/rooms.txt)
 file(STRINGS cmake/rooms.txt rooms)

@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: MIT
 
-# Settings of the targets that are built in this repository, and of no one else's.
+# Settings for the targets of this repository. Targets of users do not get them.
 
-# trammel_own_target(NAME): warnings, source names in messages relative to the repository, and the
-# sanitizers where they are asked for.
+# trammel_own_target(NAME): turns on warnings and, with TRAMMEL_SANITIZE, the sanitizers. Messages of the
+# program name its sources relative to the repository.
 function(trammel_own_target target)
     target_compile_options(${target} PRIVATE "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
     target_compile_options(

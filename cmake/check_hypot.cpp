@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Run by the configuration: does our inlined hypot give this C library's bits? Ends with 0 when it
-// does for all pairs tried.
+// The configuration runs this program. It ends with 0 when our inlined hypot gives this C library's bits
+// for all pairs that it tries.
 
 #define TRAMMEL_INLINE_HYPOT // NOLINT: what is to be tried
 #include "Hypot_p.h"

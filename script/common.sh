@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: MIT
 
-# What the scripts beside this file share; sourced by them, not run.
+# Shared parts of the scripts beside this file, which source it.
 
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -9,7 +9,7 @@ export LC_ALL=C.UTF-8
 
 JOBS="$(nproc)"
 
-# Says what comes next: step "What it is".
+# Announces a step: step NAME
 step() {
     printf '\n==> %s\n' "$*"
 }
@@ -20,13 +20,13 @@ die() {
     exit 1
 }
 
-# The library's rooms, from the bottom to the top, as far as there are files in them.
+# The library's rooms that have a folder, from the bottom to the top.
 ROOMS=()
 while read -r room; do
     [ ! -d "$room" ] || ROOMS+=("$room")
 done <cmake/rooms.txt
 
-# C++ files of the repository, one a line: cpp_files FOLDER|FILE...
+# Prints the C++ files in folders, one a line: cpp_files FOLDER|FILE...
 cpp_files() {
     local folder
     for folder in "$@"; do

@@ -171,7 +171,7 @@ class PageTest(GalleryCase):
         self.assertTrue(self.page.startswith("<!DOCTYPE html>"))
         self.assertIn('<meta name="viewport"', self.page)
         body = self.page[self.page.index("<body>") : self.page.index("</body>") + 7]
-        # The body is XML but for the image tags, which HTML leaves open.
+        # The body is XML, except that HTML leaves the tags of images and line breaks open.
         ElementTree.fromstring(re.sub(r"(<(?:img|br)\b[^>]*)>", r"\1/>", body))
         for plate in PLATES:
             for link in (f'<img src="{plate}.svg"', f'href="{plate}.png"', f'href="{plate}.svg"',
