@@ -2,45 +2,37 @@
 
 #include "CBezier.h"
 
+#include "CubicHalves_p.h"
 #include "Flatness_p.h"
 #include "Halve_p.h"
 #include "PointMath_p.h"
 #include "TLine.h"
+#include "Vector_p.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <limits>
 
 namespace {
 
+using trammel_detail::Abs;
+using trammel_detail::CubicHalves;
 using trammel_detail::Distance;
+using trammel_detail::Double2;
 using trammel_detail::FlatnessFilter;
 using trammel_detail::Halve;
+using trammel_detail::Mask2;
 
-/// Two doubles worked on side by side, and the outcome of comparing two such.
-typedef double TwoDoubles __attribute__((vector_size(16)));
-typedef std::int64_t TwoWords __attribute__((vector_size(16)));
-
-/// In each lane, `a` where the mask is set, else `b`.
-inline TwoDoubles Choose(TwoWords mask, TwoDoubles a, TwoDoubles b) {
-    return (TwoDoubles)(((TwoWords)a & mask) | ((TwoWords)b & ~mask));
+/// Halves one coordinate of two cubics. Keeps the first half in the lanes where the mask is set,
+/// else the second one.
+inline void HalveToward(Mask2 const& first, Double2& p0, Double2& p1, Double2& p2, Double2& p3) {
+    CubicHalves<Double2> const halves(p0, p1, p2, p3);
+    p0 = Select(first, p0, halves.middle);
+    p1 = Select(first, halves.left1, halves.right1);
+    p2 = Select(first, halves.left2, halves.right2);
+    p3 = Select(first, halves.middle, p3);
 }
 
-/// One coordinate of two cubics, halved: the first half where the mask is set, else the second.
-inline void HalveToward(TwoWords first, TwoDoubles& p0, TwoDoubles& p1, TwoDoubles& p2,
-                        TwoDoubles& p3) {
-    TwoDoubles const m01 = (p0 + p1) * 0.5;
-    TwoDoubles const m12 = (p1 + p2) * 0.5;
-    TwoDoubles const m23 = (p2 + p3) * 0.5;
-    TwoDoubles const m012 = (m01 + m12) * 0.5;
-    TwoDoubles const m123 = (m12 + m23) * 0.5;
-    TwoDoubles const split = (m012 + m123) * 0.5;
-    p0 = Choose(first, p0, split);
-    p1 = Choose(first, m01, m123);
-    p2 = Choose(first, m012, m23);
-    p3 = Choose(first, split, p3);
-}
 /// The literal decision of one step: true when the search goes on in the first half of `c`.
 bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double tolerance) {
     TLine<double> const chord(c.TPt(0.5 - tolerance), c.TPt(0.5 + tolerance));
@@ -101,8 +93,7 @@ public:
             pt.h - (((h0 + h3) + 3.0 * (h1 + h2)) * 0.125 + mSecond * ((h0 + h3) - (h1 + h2)));
         Number const rv =
             pt.v - (((v0 + v3) + 3.0 * (v1 + v2)) * 0.125 + mSecond * ((v0 + v3) - (v1 + v2)));
-        return Estimate<Number>{dh * rh + dv * rv,
-                                Magnitude(rh) + Magnitude(rv) + (Magnitude(dh) + Magnitude(dv))};
+        return Estimate<Number>{dh * rh + dv * rv, Abs(rh) + Abs(rv) + (Abs(dh) + Abs(dv))};
     }
     double Bound() const { return mBound; }
 
@@ -110,12 +101,6 @@ public:
     static constexpr double kSmallestBound = 0x1p-1000;
 
 private:
-    static double Magnitude(double x) { return std::abs(x); }
-    static TwoDoubles Magnitude(TwoDoubles const& x) {
-        TwoWords const magnitude = {INT64_MAX, INT64_MAX};
-        return (TwoDoubles)((TwoWords)x & magnitude);
-    }
-
     double mBound;
     double mFirst;
     double mThird;
@@ -142,36 +127,36 @@ bool TowardStart(CBezier const& c, TPoint<double> const& pt, double tolerance) {
 void BisectHalves(CBezier const& whole, CBezier const& left, CBezier const& right,
                   TPoint<double> const& pt, double tolerance, double& tLeft, double& tRight) {
     SideFilter const filter(whole, tolerance);
-    TwoDoubles h0 = {left.P0.h, right.P0.h};
-    TwoDoubles v0 = {left.P0.v, right.P0.v};
-    TwoDoubles h1 = {left.P1.h, right.P1.h};
-    TwoDoubles v1 = {left.P1.v, right.P1.v};
-    TwoDoubles h2 = {left.P2.h, right.P2.h};
-    TwoDoubles v2 = {left.P2.v, right.P2.v};
-    TwoDoubles h3 = {left.P3.h, right.P3.h};
-    TwoDoubles v3 = {left.P3.v, right.P3.v};
-    TwoDoubles lo = {0.0, 0.0};
+    Double2 h0 = Double2::Of(left.P0.h, right.P0.h);
+    Double2 v0 = Double2::Of(left.P0.v, right.P0.v);
+    Double2 h1 = Double2::Of(left.P1.h, right.P1.h);
+    Double2 v1 = Double2::Of(left.P1.v, right.P1.v);
+    Double2 h2 = Double2::Of(left.P2.h, right.P2.h);
+    Double2 v2 = Double2::Of(left.P2.v, right.P2.v);
+    Double2 h3 = Double2::Of(left.P3.h, right.P3.h);
+    Double2 v3 = Double2::Of(left.P3.v, right.P3.v);
+    Double2 lo = 0.0;
     double width = 1.0; // hi - lo, the same power of two in both lanes: exact
-    TwoDoubles middle;
+    Double2 middle;
     do {
         auto const estimate = filter.Of(h0, v0, h1, v1, h2, v2, h3, v3, pt);
-        TwoDoubles const bound = filter.Bound() * estimate.magnitude;
-        TwoWords toStart = estimate.product < -bound;
-        TwoWords const decided =
-            (toStart | (estimate.product > bound)) & (bound >= SideFilter::kSmallestBound);
+        Double2 const bound = filter.Bound() * estimate.magnitude;
+        Mask2 toStart = estimate.product < -bound;
+        unsigned const decided =
+            ((toStart | (estimate.product > bound)) & (bound >= SideFilter::kSmallestBound)).Bits();
         for (int lane = 0; lane < 2; ++lane) {
-            if (__builtin_expect(decided[lane] == 0, 0)) {
+            if (__builtin_expect((decided >> lane & 1U) == 0, 0)) {
                 CBezier const piece(
                     TPoint<double>(h0[lane], v0[lane]), TPoint<double>(h1[lane], v1[lane]),
                     TPoint<double>(h2[lane], v2[lane]), TPoint<double>(h3[lane], v3[lane]));
-                toStart[lane] = TowardStartExactly(piece, pt, tolerance) ? -1 : 0;
+                toStart.Set(lane, TowardStartExactly(piece, pt, tolerance));
             }
         }
         HalveToward(toStart, h0, h1, h2, h3);
         HalveToward(toStart, v0, v1, v2, v3);
         width *= 0.5;
         middle = lo + width;
-        lo = Choose(toStart, lo, middle);
+        lo = Select(toStart, lo, middle);
     } while (width > tolerance);
     tLeft = middle[0];
     tRight = middle[1];

@@ -6,6 +6,7 @@
 #ifndef TRAMMEL_CURVEKERNELFORMS_P_H
 #define TRAMMEL_CURVEKERNELFORMS_P_H
 
+#include "CubicHalves_p.h"
 #include "CurveKernels_p.h"
 #include "Hypot_p.h"
 #include "Vector_p.h"
@@ -17,29 +18,11 @@ namespace trammel_detail {
 /// Four cubics, one in each lane.
 template <class Vector> struct FourCurves { Vector h0, v0, h1, v1, h2, v2, h3, v3; };
 
-/// The control points that halving gives, in one coordinate of four cubics: those between the first
-/// point, the middle and the last point. A midpoint is (a + b)·0.5, which has the bits of (a +
-/// b)/2.
-template <class Vector> struct FourHalves {
-    Vector left1, left2, middle, right1, right2;
-
-    [[gnu::always_inline]] FourHalves(Vector const& p0, Vector const& p1, Vector const& p2,
-                                      Vector const& p3) {
-        Vector const half = Vector(0.5);
-        Vector const between = (p1 + p2) * half;
-        left1 = (p0 + p1) * half;
-        right2 = (p2 + p3) * half;
-        left2 = (left1 + between) * half;
-        right1 = (between + right2) * half;
-        middle = (left2 + right1) * half;
-    }
-};
-
 template <class Vector>
 [[gnu::always_inline]] inline void HalveFour(FourCurves<Vector> const& c, FourCurves<Vector>& left,
                                              FourCurves<Vector>& right) {
-    FourHalves<Vector> const h(c.h0, c.h1, c.h2, c.h3);
-    FourHalves<Vector> const v(c.v0, c.v1, c.v2, c.v3);
+    CubicHalves<Vector> const h(c.h0, c.h1, c.h2, c.h3);
+    CubicHalves<Vector> const v(c.v0, c.v1, c.v2, c.v3);
     left = FourCurves<Vector>{c.h0, c.v0, h.left1, v.left1, h.left2, v.left2, h.middle, v.middle};
     right =
         FourCurves<Vector>{h.middle, v.middle, h.right1, v.right1, h.right2, v.right2, c.h3, c.v3};

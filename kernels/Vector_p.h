@@ -54,6 +54,7 @@ template <class Raw> struct MaskOf {
     }
     /// Returns a number whose bit i is lane i.
     [[gnu::always_inline]] inline unsigned Bits() const { return RawBits(raw); }
+    [[gnu::always_inline]] inline void Set(int lane, bool holds) { raw[lane] = holds ? -1 : 0; }
 };
 
 /// A vector of doubles. A double converts to a vector that has it in all lanes.

@@ -191,6 +191,18 @@ TEST(Double2, JoinsTheFirstAndTheSecondLanesOfTwo) {
     EXPECT_EQ(Seconds(a, b)[1], 4.0);
 }
 
+TEST(Double2, HasMasksWhoseLanesCanBeSet) {
+    Mask2 mask = Double2::Of(1.0, 2.0) < Double2(1.5);
+    EXPECT_EQ(mask.Bits(), 1U);
+    mask.Set(1, true);
+    EXPECT_EQ(mask.Bits(), 3U);
+    mask.Set(0, false);
+    EXPECT_EQ(mask.Bits(), 2U);
+    Double2 const chosen = Select(mask, Double2(5.0), Double2(7.0));
+    EXPECT_EQ(chosen[0], 7.0);
+    EXPECT_EQ(chosen[1], 5.0);
+}
+
 TEST(Double2, LoadsAndStoresAtAnyAddress) {
     for (std::size_t offset = 0; offset < 16; ++offset) {
         double const numbers[2] = {-0.0, kNaN};
