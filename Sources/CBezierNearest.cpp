@@ -158,8 +158,8 @@ void BisectHalves(CBezier const& whole, CBezier const& left, CBezier const& righ
         middle = lo + width;
         lo = Select(toStart, lo, middle);
     } while (width > tolerance);
-    tLeft = middle[0];
-    tRight = middle[1];
+    tLeft = trammel_detail::Lane<0>(middle);
+    tRight = trammel_detail::Lane<1>(middle);
 }
 
 } // namespace

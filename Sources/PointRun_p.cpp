@@ -2,7 +2,6 @@
 
 #include "PointRun_p.h"
 
-#include "Dispatch_p.h"
 #include "EdgeCrossing_p.h"
 
 #include <algorithm>
@@ -12,92 +11,30 @@
 #include <cstdint>
 #include <limits>
 
-// The loops are written for any processor. Where the compiler's own vectors fall short, those for
-// x86-64 stand beside them: pairs of doubles, which every such processor has, and quadruples, which
-// are taken when the one that the program runs on has them.
-#if defined(__SSE2__)
-#define TRAMMEL_PAIRS 1
-#include <emmintrin.h>
-#endif
-#if defined(__x86_64__) && defined(__GNUC__)
-#define TRAMMEL_QUADRUPLES 1
-#include <immintrin.h>
-#endif
-
 namespace trammel_detail {
 
 namespace {
 
-/// A run of fewer points is looked through edge by edge.
+/// A run of fewer points is searched edge by edge.
 constexpr long kShort = 8;
-/// The bits of a word, one for each point.
+/// The bits of a word; each stands for a point.
 constexpr long kWordBits = 64;
-/// The points that are looked at together: few enough for the processor's nearest cache and for
-/// 16-bit indexes, and enough to spread the cost of a turn.
+/// The points of a batch: few enough for the processor's nearest cache and for 16-bit indexes, and
+/// enough to spread the cost of beginning a batch.
 constexpr long kBatch = 1024;
 
 void Store(char* bytes, TPoint<double> const& p) { std::memcpy(bytes, &p, sizeof p); }
 
-#if defined(TRAMMEL_PAIRS)
-/// A point's v and h, from any address.
-__m128d LoadPair(char const* bytes) { return _mm_loadu_pd(reinterpret_cast<double const*>(bytes)); }
-#endif
-
-bool NotBelow(PointRun points, long i, double v) { return points.V(i) <= v; }
-
-#if defined(TRAMMEL_PAIRS)
-/// All ones for each of points i and i + 1 that is not below, else zero.
-__m128d TwoNotBelow(PointRun points, long i, double v) {
-    char const* const at = points.bytes + kPointBytes * i;
-    return _mm_cmple_pd(_mm_unpacklo_pd(LoadPair(at), LoadPair(at + kPointBytes)), _mm_set1_pd(v));
-}
-#endif
-
-/// Bit i tells whether point i of 16 has a v of at most `v`; never with a NaN.
-std::uint64_t SixteenNotBelow(PointRun points, double v) {
-#if defined(TRAMMEL_PAIRS)
-    // Packing takes masks of all ones and zeros from 64 bits to 8, in the order of the points.
-    auto const two = [&](long i) { return _mm_castpd_si128(TwoNotBelow(points, i, v)); };
-    auto const eight = [&](long i) {
-        return _mm_packs_epi32(_mm_packs_epi32(two(i), two(i + 2)),
-                               _mm_packs_epi32(two(i + 4), two(i + 6)));
-    };
-    __m128i const all = _mm_packs_epi16(eight(0), eight(8));
-    return static_cast<std::uint64_t>(_mm_movemask_epi8(all));
-#else
-    std::uint64_t bits = 0;
-    for (long i = 0; i < 16; ++i) {
-        bits |= std::uint64_t{NotBelow(points, i, v)} << static_cast<unsigned>(i);
-    }
-    return bits;
-#endif
-}
-
-/// Bit i tells whether point i has a v of at most `v`; at most 64 points, the bits beyond are 0.
-std::uint64_t WordNotBelow(PointRun points, double v) {
-    std::uint64_t bits = 0;
-    long i = 0;
-    for (; i + 16 <= points.count; i += 16) {
-        bits |= SixteenNotBelow({points.bytes + kPointBytes * i, 16}, v)
-                << static_cast<unsigned>(i);
-    }
-#if defined(TRAMMEL_PAIRS)
-    for (; i + 2 <= points.count; i += 2) {
-        bits |= static_cast<std::uint64_t>(_mm_movemask_pd(TwoNotBelow(points, i, v)))
-                << static_cast<unsigned>(i);
-    }
-#endif
-    for (; i < points.count; ++i) {
-        bits |= std::uint64_t{NotBelow(points, i, v)} << static_cast<unsigned>(i);
-    }
-    return bits;
-}
-
-/// What is known of an edge whose ends lie on different sides of p.v, as long as neither v is NaN,
-/// by comparing h alone: crossed before p, where both ends are; not crossed, where both come after;
-/// or left to the rule. As bits, for there is no telling which it will be.
+/// What h alone tells of an edge whose ends lie on different sides of p.v:
+///
+///   both ends before p, no v is NaN    the edge is crossed before p
+///   both ends before p, a v is NaN     the edge is not crossed before p
+///   both ends after p                  the edge is not crossed before p
+///   otherwise                          the rule decides
+///
+/// The answers are bits, as a branch could not be predicted.
 struct ByH {
-    unsigned odd;  ///< 1: crossed before `p`
+    unsigned odd;  ///< 1: the edge is crossed before `p`
     unsigned left; ///< 1: CrossesBefore decides
 
     ByH(TPoint<double> const& a, TPoint<double> const& b, TPoint<double> const& p) {
@@ -109,19 +46,18 @@ struct ByH {
     }
 };
 
-/// The edges between neighbouring points of a batch.
+/// True when an odd number of edges between neighbouring points of a batch are crossed.
 [[gnu::noinline]] bool OddCrossingsInBatch(PointRun points, double h, double v) {
     TPoint<double> const p(h, v);
-    // An edge can only count when one end's v is at most p.v and the other's is not. (The converse
-    // fails for NaN, which ByH sorts out.) These edges are listed first, and of them those left to
-    // the rule once more: walking a list costs no mispredicted branch at each of its members, as
-    // walking along the polygon does.
+    // An edge only counts when one end's v is at most p.v and the other's is not. (The converse
+    // fails for NaN, which ByH sorts out.) The first pass lists these edges. The second pass lists
+    // those that are left to the rule. Walking along the polygon would cost a mispredicted branch
+    // at each such edge; walking a list costs none.
     std::array<std::uint16_t, kBatch> list;
     std::size_t listed = 0;
     auto const wordFrom = [=](long i) {
-        return i < points.count ? WordNotBelow({points.bytes + kPointBytes * i,
-                                                std::min(points.count - i, kWordBits)},
-                                               p.v)
+        return i < points.count ? NotBelow(points.bytes + kPointBytes * i,
+                                           std::min(points.count - i, kWordBits), p.v)
                                 : 0;
     };
     std::uint64_t word = wordFrom(0);
@@ -152,11 +88,11 @@ struct ByH {
     return odd != 0;
 }
 
-/// The edges between neighbours of at most 64 points, and with `closing` the one from the last to
-/// the first; without a list.
+/// True when an odd number of edges between neighbours of at most 64 points are crossed. With
+/// `closing` the edge from the last point to the first counts as well. This needs no list.
 [[gnu::noinline]] bool OddCrossingsInWord(PointRun points, bool closing, double h, double v) {
     TPoint<double> const p(h, v);
-    std::uint64_t const word = WordNotBelow(points, p.v);
+    std::uint64_t const word = NotBelow(points.bytes, points.count, p.v);
     unsigned const last = static_cast<unsigned>(points.count - 1) % kWordBits;
     std::uint64_t differing = word ^ (word >> 1U | (word & 1U) << last);
     if (!closing) {
@@ -177,7 +113,7 @@ struct ByH {
     return odd != 0;
 }
 
-/// All edges, one by one.
+/// See OddCrossings. Goes through all edges one by one.
 bool OddCrossingsOneByOne(PointRun points, double h, double v) {
     bool odd = false;
     long before = points.count - 1;
@@ -193,43 +129,13 @@ bool OddCrossingsOneByOne(PointRun points, double h, double v) {
     return odd;
 }
 
-/// The two coordinates of a point, v first, and what the union of points does with them.
-#if defined(TRAMMEL_PAIRS)
-struct Pair {
-    __m128d both;
-
-    static Pair Load(char const* bytes) { return {LoadPair(bytes)}; }
-    // Of two zeros, and with a NaN, these instructions give their second operand: as std::min(lo,
-    // p) and std::max(hi, p) give lo and hi.
-    void KeepLower(Pair p) { both = _mm_min_pd(p.both, both); }
-    void KeepHigher(Pair p) { both = _mm_max_pd(p.both, both); }
-    TPoint<double> Point() const {
-        return TPoint<double>(_mm_cvtsd_f64(_mm_unpackhi_pd(both, both)), _mm_cvtsd_f64(both));
-    }
-};
-#else
-struct Pair {
-    TPoint<double> both;
-
-    static Pair Load(char const* bytes) { return {PointRun{bytes, 1}[0]}; }
-    void KeepLower(Pair p) {
-        both.v = std::min(both.v, p.both.v);
-        both.h = std::min(both.h, p.both.h);
-    }
-    void KeepHigher(Pair p) {
-        both.v = std::max(both.v, p.both.v);
-        both.h = std::max(both.h, p.both.h);
-    }
-    TPoint<double> Point() const { return both; }
-};
-#endif
-
-/// The union in the order first, first + step, ... of `count` points.
+/// Returns the union of the null rectangle with `count` points, in the order first, first + step,
+/// ...
 TRect<double> Union(char const* first, long step, long count) {
     auto const point = [=](long i) { return PointRun{first + step * i, 1}[0]; };
-    // A rectangle that is null takes over the next point, so points at the origin are forgotten
-    // while nothing else has come (of them the last one stays, with the signs of its zeros). The
-    // point that ends this is in the rectangle for good, and one of its fields is not 0.
+    // A null rectangle takes over the next point. So points at the origin are forgotten until
+    // another point comes; if none comes, the last one stays, with the signs of its zeros. The
+    // first other point is in the rectangle for good, as one of its fields is not 0.
     long start = 0;
     while (start < count - 1 && point(start).Null()) {
         ++start;
@@ -237,37 +143,17 @@ TRect<double> Union(char const* first, long step, long count) {
     if (start >= count) {
         return TRect<double>();
     }
-    // Lower and higher are kept in four lanes, as each is a chain of operations that wait for the
-    // other. A NaN at the start is in all lanes and stays, as no number replaces it; later ones
-    // replace nothing.
-    constexpr std::size_t kLanes = 4;
-    constexpr long kStride = static_cast<long>(kLanes);
-    std::array<Pair, kLanes> low;
-    low.fill(Pair::Load(first + step * start));
-    std::array<Pair, kLanes> high = low;
-    long i = start + 1;
-    for (; i + kStride <= count; i += kStride) {
-        for (std::size_t lane = 0; lane < kLanes; ++lane) {
-            Pair const p = Pair::Load(first + step * (i + static_cast<long>(lane)));
-            low[lane].KeepLower(p);
-            high[lane].KeepHigher(p);
-        }
-    }
-    for (; i < count; ++i) {
-        Pair const p = Pair::Load(first + step * i);
-        low[0].KeepLower(p);
-        high[0].KeepHigher(p);
-    }
-    for (std::size_t lane = 1; lane < kLanes; ++lane) {
-        low[0].KeepLower(low[lane]);
-        high[0].KeepHigher(high[lane]);
-    }
+    // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
+    PointExtent const extent = ExtentOfPoints(first + step * start, step, count - start);
     TRect<double> bounds;
-    bounds.mCorners[0] = low[0].Point();
-    bounds.mCorners[1] = high[0].Point();
-    // Lanes change the order, which shows in one thing only: which of several equal values was
-    // kept, and equal values that differ are zeros. In order it is the first one, as it ended what
-    // was kept before and no later one can end it.
+    extent.low.Store(&bounds.mCorners[0]);
+    extent.high.Store(&bounds.mCorners[1]);
+    if (((extent.low == 0.0) | (extent.high == 0.0)).Bits() == 0) {
+        return bounds;
+    }
+    // The extent takes the points in another order. That shows only where equal values differ,
+    // which zeros do. In order, the first zero is kept: it replaced the number before, and no later
+    // zero replaces it.
     auto const firstZero = [=](double TPoint<double>::*coordinate) {
         for (long k = start; k < count; ++k) {
             double const value = point(k).*coordinate;
@@ -288,61 +174,6 @@ TRect<double> Union(char const* first, long step, long count) {
         bounds.right = bounds.right == 0.0 ? zero : bounds.right;
     }
     return bounds;
-}
-
-/// What becomes of a point p: ((p - from) times the linear part) + to; without the subtraction
-/// where `from` is known to be the origin.
-template <bool kFromOrigin> struct Affine {
-    TPoint<double> from;
-    double hToH;
-    double vToH;
-    double hToV;
-    double vToV;
-    TPoint<double> to;
-
-    TPoint<double> operator()(TPoint<double> const& p) const {
-        double const h = kFromOrigin ? p.h : p.h - from.h;
-        double const v = kFromOrigin ? p.v : p.v - from.v;
-        return TPoint<double>(h * hToH + v * vToH + to.h, h * hToV + v * vToV + to.v);
-    }
-};
-
-#if defined(TRAMMEL_QUADRUPLES)
-/// Two points at a time; returns how many it did.
-template <bool kFromOrigin>
-__attribute__((target("avx"))) long ApplyToPairs(char* bytes, long count,
-                                                 Affine<kFromOrigin> const& map) {
-    __m256d const from = _mm256_setr_pd(map.from.v, map.from.h, map.from.v, map.from.h);
-    __m256d const byH = _mm256_setr_pd(map.hToV, map.hToH, map.hToV, map.hToH);
-    __m256d const byV = _mm256_setr_pd(map.vToV, map.vToH, map.vToV, map.vToH);
-    __m256d const to = _mm256_setr_pd(map.to.v, map.to.h, map.to.v, map.to.h);
-    long i = 0;
-#pragma GCC unroll 4
-    for (; i + 2 <= count; i += 2) {
-        double* const at = reinterpret_cast<double*>(bytes + kPointBytes * i);
-        __m256d const loaded = _mm256_loadu_pd(at);
-        __m256d const p = kFromOrigin ? loaded : _mm256_sub_pd(loaded, from);
-        __m256d const hs = _mm256_permute_pd(p, 0xF);
-        __m256d const vs = _mm256_permute_pd(p, 0x0);
-        __m256d const sum = _mm256_add_pd(_mm256_mul_pd(hs, byH), _mm256_mul_pd(vs, byV));
-        _mm256_storeu_pd(at, _mm256_add_pd(sum, to));
-    }
-    return i;
-}
-#endif
-
-template <bool kFromOrigin> void Apply(char* bytes, long count, Affine<kFromOrigin> const& map) {
-    long i = 0;
-#if defined(TRAMMEL_QUADRUPLES)
-    if (count >= kShort && HasWideVectors()) {
-        i = ApplyToPairs(bytes, count, map);
-    }
-#endif
-    Affine<kFromOrigin> const own = map; // the points might be taken for parts of the argument
-    for (; i < count; ++i) {
-        char* const at = bytes + kPointBytes * i;
-        Store(at, own(PointRun{at, 1}[0]));
-    }
 }
 
 } // namespace
@@ -408,15 +239,18 @@ TRect<double> UnionBackward(PointRun points) {
 }
 
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m) {
-    Apply(bytes, count,
-          Affine<true>{TPoint<double>(), m.a, m.c, m.b, m.d, TPoint<double>(m.tx, m.ty)});
+    AffineMap const map = {Double2(0.0), Double2::Of(m.d, m.c), Double2::Of(m.b, m.a),
+                           Double2::Of(m.ty, m.tx), true};
+    TransformPoints(bytes, count, map);
 }
 
 void RotateRun(char* bytes, long count, double angle, TPoint<double> const& centre) {
     double const s = std::sin(angle);
     double const c = std::cos(angle);
     // h·c + v·(-s) is h·c - v·s to the last bit.
-    Apply(bytes, count, Affine<false>{centre, c, -s, s, c, centre});
+    Double2 const from = Double2::Of(centre.v, centre.h);
+    AffineMap const map = {from, Double2::Of(c, -s), Double2::Of(s, c), from, false};
+    TransformPoints(bytes, count, map);
 }
 
 void OffsetRun(char* bytes, long count, TPoint<double> const& d) {

@@ -2,14 +2,15 @@
 
 // Loops over the points of both polygon kinds, as they lie in their blocks. Not installed.
 //
-// A run begins at any address: a handle polygon's points are misaligned for doubles. Results are
-// those of the plain loops over the points, bit for bit and whatever the points are; only the order
-// of work differs. None of this allocates.
+// A run begins at any address: a handle polygon's points are misaligned for doubles. Results have
+// the bits of the plain loops over the points, whatever the points are. Only the order of work
+// differs. Only Heights allocates.
 
 #ifndef TRAMMEL_POINTRUN_P_H
 #define TRAMMEL_POINTRUN_P_H
 
 #include "CMatrix3x3.h"
+#include "PointKernels_p.h"
 #include "TPoint.h"
 #include "TRect.h"
 
@@ -18,20 +19,18 @@
 
 namespace trammel_detail {
 
-/// The bytes of a point: v, then h.
-inline constexpr long kPointBytes = 16;
 static_assert(sizeof(TPoint<double>) == kPointBytes);
 
-/// `count` points that begin at `bytes`; good until their block is resized.
+/// `count` points that begin at `bytes`. Valid until their block is resized.
 struct PointRun {
     char const* bytes;
     long count; ///< 0 or less: none
 
-    /// The v of point `i`, which must be there.
+    /// Returns the v of point `i`, which must exist.
     double V(long i) const { return Coordinate(kPointBytes * i); }
-    /// The h of point `i`, which must be there.
+    /// Returns the h of point `i`, which must exist.
     double H(long i) const { return Coordinate(kPointBytes * i + kPointBytes / 2); }
-    /// Point `i`, which must be there.
+    /// Returns point `i`, which must exist.
     TPoint<double> operator[](long i) const { return TPoint<double>(H(i), V(i)); }
 
 private:
@@ -42,22 +41,22 @@ private:
     }
 };
 
-/// Whether an odd number of the run's edges, the one from the last point to the first included, are
-/// crossed before the point (h, v) (CrossesBefore). Numbers, as a point that arrives in registers
-/// would be written to memory by halves, and the read of the whole would have to wait for that.
+/// True when an odd number of the run's edges are crossed before the point (h, v) (CrossesBefore).
+/// The edge from the last point to the first counts as well. The point comes as two numbers: as a
+/// point it would be written to memory by halves, and reading the whole would wait for that.
 bool OddCrossings(PointRun points, double h, double v);
 
-/// The range of v of each few edges of a run, for many questions to one run. Good until the block
-/// that the run lies in is resized or written to. Throws std::bad_alloc.
+/// The ranges of v of groups of a run's edges, for many questions to one run. Valid until the run's
+/// block is resized or written to. Throws std::bad_alloc.
 class Heights {
 public:
     explicit Heights(PointRun points);
-    /// The same as OddCrossings of the run.
+    /// Returns what OddCrossings returns for the run.
     bool OddCrossings(double h, double v) const;
 
 private:
-    /// Edges for one range: as many as one word of bits can tell of, halved, as fewer edges have a
-    /// smaller range.
+    /// The edges of a group: half of what one word of bits can hold, as fewer edges have a smaller
+    /// range.
     static constexpr long kGroup = 32;
     struct Range {
         double low;
@@ -67,14 +66,14 @@ private:
     std::vector<Range> mRanges;
 };
 
-/// The union of the null rectangle with each point in turn, from the first to the last.
+/// Returns the union of the null rectangle with each point in turn, from the first to the last.
 TRect<double> UnionForward(PointRun points);
-/// The union of the null rectangle with each point in turn, from the last to the first.
+/// Returns the union of the null rectangle with each point in turn, from the last to the first.
 TRect<double> UnionBackward(PointRun points);
 
-/// What CMatrix3x3::Transform makes of each of `count` points.
+/// Replaces each of `count` points by what CMatrix3x3::Transform makes of it.
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m);
-/// What TPoint::Rotate(angle, centre) makes of each of `count` points.
+/// Replaces each of `count` points by what TPoint::Rotate(angle, centre) makes of it.
 void RotateRun(char* bytes, long count, double angle, TPoint<double> const& centre);
 /// Adds `d` to each of `count` points.
 void OffsetRun(char* bytes, long count, TPoint<double> const& d);

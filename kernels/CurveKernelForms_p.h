@@ -104,7 +104,7 @@ public:
         FourCurves<Vector> left;
         FourCurves<Vector> right;
         HalveFour(curves, left, right);
-        PutOne(kMiddle, left.h3[0], left.v3[0]);
+        PutOne(kMiddle, Lane<0>(left.h3), Lane<0>(left.v3));
         curves = Join<Firsts>(left, right);
         unsigned lanes = Ask(curves, 1, 0x3);
         if (lanes == 0) {
@@ -112,10 +112,10 @@ public:
         }
         HalveFour(curves, left, right);
         if ((lanes & 1) != 0) {
-            PutOne(kMiddle / 2, left.h3[0], left.v3[0]);
+            PutOne(kMiddle / 2, Lane<0>(left.h3), Lane<0>(left.v3));
         }
         if ((lanes & 2) != 0) {
-            PutOne(kMiddle + kMiddle / 2, left.h3[1], left.v3[1]);
+            PutOne(kMiddle + kMiddle / 2, Lane<1>(left.h3), Lane<1>(left.v3));
         }
         mFrom[0] = Join<FirstTwos>(left, right);
         mFromLanes[0] = static_cast<unsigned char>(Ask(mFrom[0], 2, lanes | lanes << 2));

@@ -49,7 +49,7 @@ template <class Vector> struct PieceSpeed {
             Vector const v = aV + w * (bV + w * cV);
             sum = sum + Vector::Load(formula + 4) * Sqrt(h * h + v * v);
         }
-        return 3.0 * half[0] * Sum(sum);
+        return 3.0 * Lane<0>(half) * Sum(sum);
     }
 };
 
@@ -91,15 +91,15 @@ template <class Vector>
     for (;;) {
         PieceSpeed<Vector> const piece(curve, from, to);
         double const width = to - from;
-        double const half = piece.half[0];
+        double const half = Lane<0>(piece.half);
         double const sizeA = piece.SizeA()[0];
         double const sizeB = piece.SizeB()[0];
         double const sizeC = piece.SizeC()[0];
         Vector const alongH = zerosH - FirstsTwice(Vector(from), Vector(to));
         Vector const distances = Sqrt(alongH * alongH + zerosV2);
         // The comparisons below are false for a zero that does not exist.
-        double const sum0 = distances[0] + distances[1];
-        double const sum1 = distances[2] + distances[3];
+        double const sum0 = Lane<0>(distances) + Lane<1>(distances);
+        double const sum1 = Lane<2>(distances) + Lane<3>(distances);
         double const nearest = Min(sum1, Min(sum0, kLargestAxis * width));
         double const axis = Max(nearest / width, 1.0);
         double const axis2 = axis * axis;
@@ -387,8 +387,8 @@ struct Cuts {
             Vector::Of(x0 * x0 + zeros.v0 * kAlong, x1 * x1 + zeros.v1 * kAlong, 0.0, 0.0);
         Vector const cuts = Select(squares < Vector(width * width * kAxis2),
                                    Vector::Of(place0, place1, 0.0, 0.0), Vector(to));
-        double const cut0 = cuts[0];
-        double const cut1 = cuts[1];
+        double const cut0 = Lane<0>(cuts);
+        double const cut1 = Lane<1>(cuts);
         return Cuts{Min(cut0, cut1), Max(cut0, cut1)};
     }
 };

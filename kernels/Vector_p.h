@@ -10,8 +10,8 @@
 //   WideDouble4, WideMask4  one vector of four lanes, in files that are compiled for AVX2
 //   Short8                  one vector of eight 16-bit integers, on every processor
 //
-// Double4 and WideDouble4 have the same operations. A kernel is a template of either one, which the
-// name Vector stands for. docs/kernels.md tells how to add a kernel, and how to add a processor.
+// WideDouble4 has all operations of Double4. A kernel is a template of either one, which the name
+// Vector stands for. docs/kernels.md tells how to add a kernel, and how to add a processor.
 //
 // The rule on inlining: a file for AVX2 shares no function with other files unless the compiler
 // inlines it. Of two equal functions the linker keeps one, which could be the one for AVX2, and
@@ -88,6 +88,7 @@ template <class Raw, class RawMask> struct VectorOf {
     [[gnu::always_inline]] inline void Store(void* to) const {
         __builtin_memcpy(to, &raw, sizeof raw);
     }
+    /// Returns a lane that is known at run time only. Lane<i>(x) is faster otherwise.
     [[gnu::always_inline]] inline double operator[](int lane) const { return raw[lane]; }
 
     [[gnu::always_inline]] inline VectorOf operator-() const { return VectorOf(-raw); }
@@ -102,6 +103,9 @@ template <class Raw, class RawMask> struct VectorOf {
     }
     [[gnu::always_inline]] inline friend VectorOf operator/(VectorOf const& a, VectorOf const& b) {
         return VectorOf(a.raw / b.raw);
+    }
+    [[gnu::always_inline]] inline friend Mask operator==(VectorOf const& a, VectorOf const& b) {
+        return Mask{(RawMask)(a.raw == b.raw)};
     }
     [[gnu::always_inline]] inline friend Mask operator<(VectorOf const& a, VectorOf const& b) {
         return Mask{(RawMask)(a.raw < b.raw)};
@@ -137,6 +141,12 @@ template <class Raw, class RawMask> struct VectorOf {
     }
 };
 
+/// Returns a lane.
+template <int kLane, class Raw, class RawMask>
+[[gnu::always_inline]] inline double Lane(VectorOf<Raw, RawMask> const& a) {
+    return a.raw[kLane];
+}
+
 // ------------------------------------------------------------------------------------------------
 // Two doubles
 
@@ -151,6 +161,10 @@ typedef Double2::Mask Mask2;
 [[gnu::always_inline]] inline Double2 Seconds(Double2 const& a, Double2 const& b) {
     return Double2(__builtin_shufflevector(a.raw, b.raw, 1, 3));
 }
+/// Returns lane 0 in both lanes.
+[[gnu::always_inline]] inline Double2 EvenTwice(Double2 const& a) { return Firsts(a, a); }
+/// Returns lane 1 in both lanes.
+[[gnu::always_inline]] inline Double2 OddTwice(Double2 const& a) { return Seconds(a, a); }
 /// Returns a number whose bits 2i and 2i + 1 are the lanes of mask i.
 [[gnu::always_inline]] inline unsigned BitsOfEight(Mask2 const (&masks)[8]) {
     RawMask2 const raw[8] = {masks[0].raw, masks[1].raw, masks[2].raw, masks[3].raw,
@@ -213,6 +227,9 @@ struct Double4 {
     [[gnu::always_inline]] inline friend Double4 operator/(Double4 const& a, Double4 const& b) {
         return Double4(a.low / b.low, a.high / b.high);
     }
+    [[gnu::always_inline]] inline friend Mask4 operator==(Double4 const& a, Double4 const& b) {
+        return Mask4{a.low == b.low, a.high == b.high};
+    }
     [[gnu::always_inline]] inline friend Mask4 operator<(Double4 const& a, Double4 const& b) {
         return Mask4{a.low < b.low, a.high < b.high};
     }
@@ -227,6 +244,9 @@ struct Double4 {
     }
 };
 
+template <int kLane> [[gnu::always_inline]] inline double Lane(Double4 const& a) {
+    return kLane < 2 ? Lane<kLane % 2>(a.low) : Lane<kLane % 2>(a.high);
+}
 [[gnu::always_inline]] inline Double4 Min(Double4 const& a, Double4 const& b) {
     return Double4(Min(a.low, b.low), Min(a.high, b.high));
 }
@@ -246,7 +266,7 @@ struct Double4 {
 /// Returns the sum of the lanes, as (0 + 2) + (1 + 3).
 [[gnu::always_inline]] inline double Sum(Double4 const& a) {
     Double2 const two = a.low + a.high;
-    return two[0] + two[1];
+    return Lane<0>(two) + Lane<1>(two);
 }
 /// Returns lane 0 of `a` and lane 0 of `b`, and both again.
 [[gnu::always_inline]] inline Double4 FirstsTwice(Double4 const& a, Double4 const& b) {
@@ -262,14 +282,6 @@ struct Double4 {
 [[gnu::always_inline]] inline Double4 Preceding(Double4 const& a, Double4 const& b) {
     return Double4(Double2(__builtin_shufflevector(a.high.raw, b.low.raw, 1, 2)),
                    Double2(__builtin_shufflevector(b.low.raw, b.high.raw, 1, 2)));
-}
-/// Returns lanes 0, 0, 2 and 2.
-[[gnu::always_inline]] inline Double4 EvenTwice(Double4 const& a) {
-    return Double4(Firsts(a.low, a.low), Firsts(a.high, a.high));
-}
-/// Returns lanes 1, 1, 3 and 3.
-[[gnu::always_inline]] inline Double4 OddTwice(Double4 const& a) {
-    return Double4(Seconds(a.low, a.low), Seconds(a.high, a.high));
 }
 /// Reads four pairs that lie one after the other: their first members to `a`, the second to `b`.
 [[gnu::always_inline]] inline void LoadPairs(double const* from, Double4& a, Double4& b) {
@@ -288,7 +300,7 @@ struct Double4 {
 }
 
 // ------------------------------------------------------------------------------------------------
-// Four doubles as one vector: the same operations
+// Four doubles as one vector: the same operations, and three more for pairs
 
 #if defined(__AVX2__)
 
@@ -297,7 +309,7 @@ typedef WideDouble4::Mask WideMask4;
 
 [[gnu::always_inline]] inline double Sum(WideDouble4 const& a) {
     Double2 const two(__builtin_shufflevector(a.raw, a.raw, 0, 1) + RawHigh(a.raw));
-    return two[0] + two[1];
+    return Lane<0>(two) + Lane<1>(two);
 }
 [[gnu::always_inline]] inline WideDouble4 FirstsTwice(WideDouble4 const& a, WideDouble4 const& b) {
     return WideDouble4(__builtin_shufflevector(a.raw, b.raw, 0, 4, 0, 4));
@@ -308,9 +320,15 @@ typedef WideDouble4::Mask WideMask4;
 [[gnu::always_inline]] inline WideDouble4 Preceding(WideDouble4 const& a, WideDouble4 const& b) {
     return WideDouble4(__builtin_shufflevector(a.raw, b.raw, 3, 4, 5, 6));
 }
+/// Returns a pair in lanes 0 and 1, and again in lanes 2 and 3.
+[[gnu::always_inline]] inline WideDouble4 Repeat(Double2 const& pair) {
+    return WideDouble4(__builtin_shufflevector(pair.raw, pair.raw, 0, 1, 0, 1));
+}
+/// Returns lanes 0, 0, 2 and 2.
 [[gnu::always_inline]] inline WideDouble4 EvenTwice(WideDouble4 const& a) {
     return WideDouble4(__builtin_shufflevector(a.raw, a.raw, 0, 0, 2, 2));
 }
+/// Returns lanes 1, 1, 3 and 3.
 [[gnu::always_inline]] inline WideDouble4 OddTwice(WideDouble4 const& a) {
     return WideDouble4(__builtin_shufflevector(a.raw, a.raw, 1, 1, 3, 3));
 }

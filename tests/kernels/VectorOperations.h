@@ -22,6 +22,7 @@ enum class LaneOperation {
     kMin,
     kMax,
     kFillWithFirst, ///< the vector made of a[0]
+    kSelectEqual,   ///< c where a == b, else a
     kSelectLess,    ///< c where a < b, else a
     kSelectNotMore, ///< c where a <= b, else a
     kSelectMore,    ///< c where a > b, else a
@@ -32,7 +33,7 @@ enum class LaneOperation {
 };
 
 /// Operations that take lanes to other places. `a` and `b` have four lanes each.
-enum class LaneMove { kFirstsTwice, kLowHalves, kPreceding, kEvenTwice, kOddTwice };
+enum class LaneMove { kFirstsTwice, kLowHalves, kPreceding, kLanes };
 
 /// The operations of one vector, called by pointer.
 struct VectorUnderTest {
@@ -53,8 +54,9 @@ struct FourLanesUnderTest {
     void (*storePairs)(double const* a, double const* b, double* const (&to)[4]);
 };
 
-FourLanesUnderTest Double4UnderTest();
 FourLanesUnderTest WideDouble4UnderTest();
+/// Stores the pair at `from` by Repeat, then EvenTwice and OddTwice of the four lanes there.
+void MovePairsOfWideDouble4(double const* from, double* out);
 
 /// Functions to point at. The vector is part of their names, so that files for different processors
 /// share none.
@@ -95,6 +97,9 @@ template <class Vector> struct OperationsOf {
             break;
         case LaneOperation::kFillWithFirst:
             result = a[0];
+            break;
+        case LaneOperation::kSelectEqual:
+            result = Select(a == b, c, a);
             break;
         case LaneOperation::kSelectLess:
             result = Select(a < b, c, a);
@@ -139,11 +144,11 @@ template <class Vector> struct OperationsOf {
         case LaneMove::kPreceding:
             Preceding(a, b).Store(out);
             break;
-        case LaneMove::kEvenTwice:
-            EvenTwice(a).Store(out);
-            break;
-        case LaneMove::kOddTwice:
-            OddTwice(a).Store(out);
+        case LaneMove::kLanes:
+            out[0] = trammel_detail::Lane<0>(a);
+            out[1] = trammel_detail::Lane<1>(a);
+            out[2] = trammel_detail::Lane<2>(a);
+            out[3] = trammel_detail::Lane<3>(a);
             break;
         }
     }

@@ -10,4 +10,11 @@ FourLanesUnderTest WideDouble4UnderTest() {
     return OperationsOf<trammel_detail::WideDouble4>::Four();
 }
 
+void MovePairsOfWideDouble4(double const* from, double* out) {
+    auto const four = trammel_detail::WideDouble4::Load(from);
+    Repeat(trammel_detail::Double2::Load(from)).Store(out);
+    EvenTwice(four).Store(out + 4);
+    OddTwice(four).Store(out + 8);
+}
+
 } // namespace trammel_test

@@ -75,6 +75,8 @@ double Scalar(LaneOperation operation, double first, double second, double third
         return a > b ? a : b;
     case LaneOperation::kFillWithFirst:
         return firstOfAll;
+    case LaneOperation::kSelectEqual:
+        return a == b ? c : a;
     case LaneOperation::kSelectLess:
         return a < b ? c : a;
     case LaneOperation::kSelectNotMore:
@@ -149,8 +151,7 @@ void ExpectMoves(FourLanesUnderTest const& vector) {
     EXPECT_EQ(moved(LaneMove::kFirstsTwice), (Four{0.0, 4.0, 0.0, 4.0}));
     EXPECT_EQ(moved(LaneMove::kLowHalves), (Four{0.0, 1.0, 4.0, 5.0}));
     EXPECT_EQ(moved(LaneMove::kPreceding), (Four{3.0, 4.0, 5.0, 6.0}));
-    EXPECT_EQ(moved(LaneMove::kEvenTwice), (Four{0.0, 0.0, 2.0, 2.0}));
-    EXPECT_EQ(moved(LaneMove::kOddTwice), (Four{1.0, 1.0, 3.0, 3.0}));
+    EXPECT_EQ(moved(LaneMove::kLanes), (Four{0.0, 1.0, 2.0, 3.0}));
     Four of = {};
     vector.of(b, of.data());
     EXPECT_EQ(of, (Four{4.0, 5.0, 6.0, 7.0}));
@@ -189,6 +190,10 @@ TEST(Double2, JoinsTheFirstAndTheSecondLanesOfTwo) {
     EXPECT_EQ(Firsts(a, b)[1], 3.0);
     EXPECT_EQ(Seconds(a, b)[0], 2.0);
     EXPECT_EQ(Seconds(a, b)[1], 4.0);
+    EXPECT_EQ(EvenTwice(a)[1], 1.0);
+    EXPECT_EQ(OddTwice(a)[0], 2.0);
+    EXPECT_EQ(trammel_detail::Lane<0>(a), 1.0);
+    EXPECT_EQ(trammel_detail::Lane<1>(a), 2.0);
 }
 
 TEST(Double2, HasMasksWhoseLanesCanBeSet) {
@@ -254,6 +259,11 @@ TEST(WideDouble4, MovesLanesAndPairsToTheirPlaces) {
     ExpectMoves(trammel_test::WideDouble4UnderTest());
     ExpectPairs(trammel_test::WideDouble4UnderTest());
     ExpectSumByHalves(trammel_test::WideDouble4UnderTest());
+    double const from[4] = {0.0, 1.0, 2.0, 3.0};
+    std::array<double, 12> out = {};
+    trammel_test::MovePairsOfWideDouble4(from, out.data());
+    EXPECT_EQ(out,
+              (std::array<double, 12>{0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 2.0, 2.0, 1.0, 1.0, 3.0, 3.0}));
 }
 
 #endif
