@@ -63,7 +63,7 @@ BENCHMARK_CAPTURE(AccuracyLength, random, inputs::Set::kRandom)->Iterations(1);
 BENCHMARK_CAPTURE(AccuracyLength, truetype, inputs::Set::kTrueType)->Iterations(1);
 BENCHMARK_CAPTURE(AccuracyLength, cff, inputs::Set::kCff)->Iterations(1);
 
-/// How far curves are from their flattenings, in units of the tolerance asked for: `worst` is the
+/// Measures how far curves are from their flattenings, in units of the tolerance. `worst` is the
 /// greatest distance of a point of a curve, `beyond` the share of curves that exceed 1 somewhere.
 void AccuracyFlatten(benchmark::State& state, inputs::Set set, double error) {
     auto const& curves = inputs::Curves(set);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // What does it cost to grow a polygon or a path point by point, from nothing to 10, to 1,000
-// and to 1,000,000 points? Items are points: the figure must not fall with the number of points but
-// for the caches.
+// and to 1,000,000 points? Items are points: only the caches may let the figure fall as the number
+// of points grows.
 //
 // Run by hand: trammel_bench --benchmark_filter=Append
 

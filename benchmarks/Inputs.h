@@ -32,18 +32,21 @@ enum class Set {
 /// What a ring consists of.
 enum class Segments { kLines, kCurves, kMixed };
 
-/// A ragged ring of `count` segments in the square from 0 to 1000; the segments grow shorter as
-/// they become more, down to about a hundredth of a unit, and their curves are mildly bent.
+/// Returns a ragged ring of `count` segments in the square from 0 to 1000. The segments grow
+/// shorter as they become more, down to about a hundredth of a unit. Their curves are mildly bent.
 CPath Ragged(Segments segments, std::size_t count, unsigned seed);
 
-/// The outlines of a set: 200 random ones of 20 elements, 200 of 10 curves each for kDrawing, 20
-/// for kLong, the glyphs of U+0021 to U+017F at 100 units to the em, v downward, or the paths of
-/// the theme's drawings where their text puts them (elements may move them elsewhere). Empty when
-/// the font or the theme cannot be read.
+/// Returns the outlines of a set; none when the font or the theme cannot be read.
+/// - kRandom has 200 outlines of 20 elements, kDrawing 200 of 10 curves, kLong 20.
+/// - kTrueType, kCff and kPoster have the glyphs of U+0021 to U+017F, v downward, at 100 units to
+///   the em; kPoster at 1000.
+/// - kIcons has the paths of the theme's drawings where the paths' text puts them; elements may
+///   move them elsewhere.
 std::vector<CPath> const& Outlines(Set set);
 
-/// 1000 random curves, or all curves of the set's outlines. For kDrawing 10,000 random curves,
-/// which flatten to 201 points each at a tolerance of 0.001 and to 22 at 0.1, on average.
+/// Returns 1000 random curves, or all curves of the set's outlines. For kDrawing it returns 10,000
+/// random curves. They flatten to 201 points each at a tolerance of 0.001 and to 22 at 0.1, on
+/// average.
 std::vector<CBezier> const& Curves(Set set);
 
 /// `count` points spread evenly over the square from (0, 0) to (side, side).
@@ -53,7 +56,7 @@ std::vector<TPoint<double>> Points(std::size_t count, double side);
 /// distances that vary between 200 and 450.
 std::vector<TPoint<double>> Star(std::size_t count);
 
-/// A point in the box of each curve's control points, one for each.
+/// Returns a point in the box of each curve's control points, one for each.
 std::vector<TPoint<double>> PointsInBoxes(std::vector<CBezier> const& curves);
 
 /// The longest outline among the country outlines of about `count` vertices; empty without map

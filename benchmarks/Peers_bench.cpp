@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// The works of Compare_bench.cpp in other libraries, those that are found when this is configured.
-// Each starts from its own form of the input; what it takes to get there is not measured.
+// The works of Compare_bench.cpp in other libraries, as far as they are found when this is
+// configured. Each starts from its own form of the input; the way there is not measured.
 //
 // Run by hand: trammel_bench
 // --benchmark_filter='^compare/.*/(2geom|agg|boost|cairo|cgal|geos|kurbo|qt)'

@@ -33,7 +33,7 @@ void kurbo_path_point(KurboPath const& path, double fraction, double accuracy, d
 namespace peers {
 namespace {
 
-/// What is asked for where the work names no other tolerance, in units.
+/// The accuracy where the work names no other tolerance, in units.
 constexpr double kAccuracy = 0.001;
 
 class Builder : public CPathActions {

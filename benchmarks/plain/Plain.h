@@ -15,9 +15,9 @@
 //   which the tests compare the library, compiled from tests/plain.
 //
 // Nothing is slower than the step that it writes out: appending takes constant time, an operator on
-// points is one call. Nor do accidents of the compiler count: GCC 12 at -O2 loads a point as one
-// pair where its coordinates have just been stored one by one, for which the processor has to wait;
-// that alone would make flattening three times as slow, so pairing is off
+// points is one call. Nor do accidents of the compiler count. GCC 12 at -O2 loads a point as one
+// pair where its coordinates have just been stored one by one, and the processor has to wait for
+// it. This alone would make flattening three times as slow, so pairing is off
 // (-fno-tree-slp-vectorize).
 //
 // Its results are the library's to the last bit; the benchmarks check that before they measure.
