@@ -27,7 +27,7 @@ typedef long double Wide;
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kArcError = 4.3e-6; // as stated by ReadSvgPath
 
-/// The ellipse of an arc by the published conversion, in Wide and by angles.
+/// The ellipse of an arc by the published conversion, which computes angles, in Wide.
 struct Ellipse {
     Wide cx, cy, rx, ry, phi, theta, delta;
 
@@ -64,7 +64,7 @@ struct Ellipse {
         }
     }
 
-    /// The point in the coordinates in which the ellipse is the unit circle.
+    /// Stores the point in the coordinates in which the ellipse is the unit circle.
     void ToCircle(Pt p, Wide& x, Wide& y) const {
         Wide const dx = Wide(p.h) - cx;
         Wide const dy = Wide(p.v) - cy;
@@ -74,11 +74,12 @@ struct Ellipse {
 };
 
 struct ArcDeviation {
-    Wide outside = 0; ///< greatest distance from the unit circle
-    Wide inside = 0;
+    Wide outside = 0; ///< greatest distance outside the unit circle
+    Wide inside = 0;  ///< greatest distance inside it
 };
 
-/// Compares an arc that was read with its true ellipse: on it, from end to end, in one direction.
+/// Compares an arc that was read with its true ellipse: it has to lie on the ellipse and run from
+/// end to end in one direction.
 ArcDeviation CheckArc(Pt from, double rx, double ry, double degrees, bool large, bool sweep, Pt to,
                       Wide tolerance) {
     char text[300];
@@ -178,7 +179,7 @@ TEST(SvgArc, FollowsTheFlags) {
 }
 
 TEST(SvgArc, EnlargesRadiiThatAreTooSmall) {
-    // A half circle over the chord, whatever the radius below half of it.
+    // The arc is a half circle over the chord, whatever the radius below half the chord.
     for (char const* const radii : {"1 1", "0.001 0.001", "5 5", "-5 5", "1e-300 1e-300"}) {
         CPath const path = Read("M0 0A" + std::string(radii) + " 0 0 1 10 0");
         ASSERT_EQ(path.mPts.size(), 13U) << radii;
@@ -208,7 +209,7 @@ TEST(SvgArc, QuarterTurnsOfTheAxesAreExact) {
 }
 
 TEST(SvgArc, EndsExactlyAndKeepsSmallArcsOfGiantCircles) {
-    // Sagitta c²/8r of an arc over the chord c = 1: at r = 1e9 far below the rounding of r itself.
+    // The sagitta of an arc over the chord c = 1 is c²/8r: at r = 1e9 far below the rounding of r.
     CPath const path = Read("M0 0A1e9 1e9 0 0 1 1 0");
     ASSERT_EQ(path.mPts.size(), 4U);
     Pt const middle = CurvePoint(path.mPts.data(), 0.5);

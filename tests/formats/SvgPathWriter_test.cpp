@@ -73,14 +73,14 @@ INSTANTIATE_TEST_SUITE_P(
         WriteRow{"M 0 0 C 1 2 3 4 5 6 C 7 8 9 9 8 7", "M0 0C1 2 3 4 5 6S9 9 8 7"},
         WriteRow{"M 1 2 C 1 2 3 4 5 6", "M1 2S3 4 5 6"},
         WriteRow{"M 0 0 L 9 5 C 1 2 3 4 5 6 7 9 9 9 8 7", "M0 0 9 5C1 2 3 4 5 6 7 9 9 9 8 7"},
-        // The start of a closed subpath goes without saying, where something is drawn.
+        // The start of a closed subpath is not written where something is drawn from there.
         WriteRow{"M 3 4 L 5 7 Z M 3 4 L 7 5", "M3 4 5 7ZL7 5"},
         WriteRow{"M 3 4 L 5 7 Z M 3 4 C 7 5 8 8 9 9", "M3 4 5 7ZC7 5 8 8 9 9"},
         WriteRow{"M 3 4 L 5 7 Z M 3 4", "M3 4 5 7ZM3 4"},
         WriteRow{"M 3 4 L 5 7 Z M 3 4 Z", "M3 4 5 7ZM3 4Z"},
         WriteRow{"M 3 4 L 5 7 Z M 3 5 L 7 5", "M3 4 5 7ZM3 5H7"},
         WriteRow{"M 0 4 L 5 7 Z M -0 4 L 7 5", "M0 4 5 7ZM-0 4 7 5"},
-        // The relative form with fewer digits than the difference of the doubles has.
+        // The relative form can have fewer digits than the difference of the doubles.
         WriteRow{"M 100.1 0 L 100.3 0", "M100.1 0h.2"},
         WriteRow{"m.1.3l.1.1.1.1.1.1", "m.1.3.1.1.1.1.1.1"},
         // Minus zero has no relative spelling from zero.
@@ -238,7 +238,7 @@ TEST(WriteSvgPath, NoTextIsShorter) {
     }
 }
 
-/// A path from the building operations with coordinates of one flavour.
+/// Returns a path from the building operations, with coordinates of one flavour.
 CPath RandomPath(std::mt19937_64& random, int flavour) {
     auto const coordinate = [&]() -> double {
         switch (flavour) {
@@ -290,7 +290,7 @@ CPath RandomPath(std::mt19937_64& random, int flavour) {
                             : path.mPts[static_cast<std::size_t>(random() % path.mPts.size())]);
         } else if (kind == 1) {
             path.ClosePath();
-            if (random() % 2 == 0) { // go on from the start
+            if (random() % 2 == 0) { // the path goes on from the start
                 std::size_t p = 0;
                 Pt start;
                 for (char const code : path.mCtls) {

@@ -38,7 +38,7 @@ typedef TPoint<double> Pt;
 
 constexpr double kPi = 3.14159265358979323846;
 
-/// Whatever the text, the result is in order.
+/// Checks that the result is in order, whatever the text.
 void CheckAnyText(std::string_view text) {
     SvgPathResult const result = ReadSvgPath(text);
     std::size_t points = 0;
@@ -55,7 +55,7 @@ void CheckAnyText(std::string_view text) {
     if (result.error) {
         ASSERT_LE(result.error->position, text.size());
         ASSERT_FALSE(result.error->found.empty());
-        // What stands before the error alone gives the same segments.
+        // The text before the error alone gives the same segments.
         ASSERT_TRUE(Same(ReadSvgPath(text.substr(0, result.error->position)).path, result.path));
     }
     std::string const written = WriteSvgPath(result.path);
@@ -123,7 +123,7 @@ TEST(SvgPathFuzz, MutatedTexts) {
 }
 
 TEST(SvgPathFuzz, ReadsNothingBeyondTheEnd) {
-    // Each prefix in a block of its own, for the address sanitizer.
+    // Each prefix lies in a block of its own, for the address sanitizer.
     std::string const text = "M1.5e3-2E-1a1 1 0 01.5.5\xE2\x88\x92+.5Z";
     for (std::size_t length = 0; length <= text.size(); ++length) {
         std::vector<char> const block(text.begin(),
@@ -148,7 +148,7 @@ TEST(SvgPath, KnowsNoLocale) {
     EXPECT_TRUE(ReadSvgPath("M1,5").error == std::nullopt);
 }
 
-/// `count` segments of all kinds.
+/// Returns the text of `count` segments of all kinds.
 std::string LongText(std::size_t count) {
     std::mt19937 random(1);
     std::string text = "M0 0";
@@ -184,8 +184,8 @@ TEST(SvgPath, MemoryIsLinear) {
         std::size_t before = AllocatedBytes();
         CPath const path = Read(text);
         std::size_t const read = AllocatedBytes() - before;
-        // Growing by halves or doubling: all blocks together, freed ones too, within a few times
-        // the last. Quadratic growth would be thousands of times.
+        // A vector that grows by halves or doubles takes, in all its blocks together, a few times
+        // the last one. Quadratic growth would be thousands of times.
         EXPECT_LT(read, 6 * path.size() + 4096) << count;
         before = AllocatedBytes();
         std::string const written = WriteSvgPath(path);
@@ -245,7 +245,7 @@ TEST(SvgPath, RealOutlines) {
     }
 }
 
-/// The values of all attributes named d in a file.
+/// Returns the values of all attributes named d in a file.
 std::vector<std::string> PathTexts(std::filesystem::path const& file) {
     std::ifstream in(file, std::ios::binary);
     std::string const text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());

@@ -16,7 +16,7 @@ constexpr Fixed kLowest = INT32_MIN;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-/// A value from the whole range of 32 bits, small ones as often as large ones.
+/// Returns a value from the whole range of 32 bits, small ones as often as large ones.
 Fixed RandomFixed(std::mt19937& random) {
     std::uint32_t const bits = static_cast<std::uint32_t>(random()) >> (random() % 32);
     std::int64_t const value = random() % 2 == 0 ? std::int64_t{bits} : -std::int64_t{bits};
@@ -198,8 +198,8 @@ TEST(FixDiv, OfZeroDivisorTakesTheDividendsSign) {
     EXPECT_EQ(FixDiv(kLowest, 0), kLowest);
 }
 
-/// q is the nearest integer to 65536 a / b, ties upward, exactly when q - 1/2 <= 65536 a / b < q +
-/// 1/2. Checked by multiplication, without a division.
+/// Expects FixDiv to give the nearest integer q to 65536 a / b, ties upward. That is q - 1/2 <=
+/// 65536 a / b < q + 1/2, checked by multiplication, without a division.
 void ExpectNearestQuotient(Fixed a, Fixed b) {
     std::int64_t const sign = b < 0 ? -1 : 1;
     std::int64_t const under = sign * b;

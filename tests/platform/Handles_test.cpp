@@ -57,7 +57,7 @@ TEST_F(Handles, HaveTheCustomaryTypesAndCodes) {
 TEST_F(Handles, NewBlocksAreZeroAlignedAndOfTheSizeAskedFor) {
     for (auto const make : {NewHandle, NewHandleClear}) {
         for (Size const size : {0L, 1L, 15L, 16L, 17L, 44L, 60L, 4096L, 1000003L}) {
-            // Memory that was in use before makes uncleared blocks show.
+            // Memory that was in use before reveals uncleared blocks.
             Handle dirty = NewHandle(size);
             ASSERT_NE(dirty, nullptr);
             std::memset(*dirty, 0x5A, static_cast<std::size_t>(size));
@@ -253,7 +253,7 @@ TEST_F(Handles, AFailedAppendLeavesTheBlockAsItWas) {
         EXPECT_EQ(PtrAndHand("x", h, size), memFullErr) << size;
     }
     EXPECT_EQ(PtrAndHand(nullptr, h, 5), nilHandleErr);
-    // With room to spare and without: an ordered failure is a failure.
+    // An ordered failure is a failure, with room to spare and without.
     trammel_detail::FailNextAllocations(2);
     EXPECT_EQ(PtrAndHand("x", h, 1), memFullErr);
     EXPECT_EQ(PtrAndHand(std::string(100, 'x').data(), h, 100), memFullErr);
@@ -341,7 +341,7 @@ TEST_F(Handles, DeletingOneByOneAndSwingingReallocateRarely) {
         ASSERT_TRUE(room < 256 || room <= 4 * size + 64) << size;
     }
     EXPECT_LE(trammel_detail::BlockReallocationCount() - before, 20);
-    // To and fro over every size at which a block grows or shrinks costs at most one step each.
+    // Going to and fro over a size at which a block grows or shrinks costs at most one step each.
     ASSERT_EQ(SetHandleSize(h, 4096), noErr);
     for (Size size = 4096; size > 0; size -= 16) {
         ASSERT_EQ(SetHandleSize(h, size), noErr);

@@ -104,7 +104,7 @@ TEST(WrappingArithmetic, IsModulo32Bits) {
     for (int i = 0; i < 10000; ++i) {
         std::int32_t const a = static_cast<std::int32_t>(random());
         std::int32_t const b = static_cast<std::int32_t>(random());
-        // Congruent modulo 2^32 to the exact result.
+        // The results are congruent to the exact ones modulo 2^32.
         auto const low = [](std::int64_t exact) {
             return static_cast<std::uint32_t>(exact & 0xFFFFFFFF);
         };

@@ -25,7 +25,7 @@ public:
     CommaLocale(CommaLocale const&) = delete;
     CommaLocale& operator=(CommaLocale const&) = delete;
 
-    /// False where the locale could not be made; the test is then to be skipped.
+    /// True when the locale could be made. Otherwise the test is to be skipped.
     bool Available() const { return mAvailable; }
 
 private:

@@ -53,7 +53,7 @@ public:
 
     bool Good() const { return mGood; }
 
-    /// What was written so far, one string a write.
+    /// Returns the text written so far, one string for each write.
     std::vector<std::string> Take() const {
         std::vector<std::string> writes;
         std::string packet(100000, '\0');
@@ -178,7 +178,7 @@ TEST_F(Log, SwallowsTheSinksExceptions) {
     EXPECT_EQ(gLines.size(), 1U); // the failed call left nothing behind that would bypass the sink
 }
 
-/// The shape of a time stamp.
+/// The pattern of a time stamp.
 std::string WithDigitsAs9(std::string text) {
     for (char& c : text) {
         c = c >= '0' && c <= '9' ? '9' : c;

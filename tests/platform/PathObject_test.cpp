@@ -54,7 +54,7 @@ std::string Number(float value) {
     return text;
 }
 
-/// The path's elements as text: "M 1,2 L 3,4 C ... Z".
+/// Returns the path's elements as text: "M 1,2 L 3,4 C ... Z".
 std::string Text(CGPathRef path) {
     std::string text;
     CGPathApply(path, &text, [](void* info, CGPathElement const* element) {
@@ -235,7 +235,7 @@ TEST_F(Path, TheBoundingBoxHoldsAllPoints) {
     ExpectBox(path, CGRectMake(1, 2, 0, 0));
     CGPathAddLineToPoint(path, nullptr, 4, -3);
     ExpectBox(path, CGRectMake(1, -3, 3, 5));
-    CGPathAddCurveToPoint(path, nullptr, -10, 0, 0, 20, 2, 2); // control points count
+    CGPathAddCurveToPoint(path, nullptr, -10, 0, 0, 20, 2, 2); // control points count, too
     ExpectBox(path, CGRectMake(-10, -3, 14, 23));
     CGPathCloseSubpath(path); // has no point: (0, 0) must not come in
     CGPathMoveToPoint(path, nullptr, 50, 0);
@@ -357,7 +357,8 @@ TEST_F(PathToken, AnOldCopyDoesNotMeetALaterPath) {
     int other = 0;
     std::int32_t const old = StorePath(CGPathCreateMutable(), &owner);
     ReleasePathToken(old, &owner);
-    // Later paths of the same and of another owner; the old token comes back from a saved copy.
+    // Later paths belong to the same and to another owner. The old token comes back from a saved
+    // copy.
     std::vector<std::int32_t> later;
     for (int i = 0; i < 5000; ++i) {
         std::int32_t const token = StorePath(CGPathCreateMutable(), i % 2 == 0 ? &owner : &other);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// The record as the numbers that lie in it, one after the other.
+/// Returns the numbers that lie in the record, one after the other.
 template <class Number, std::size_t Count, class Record>
 void ExpectFields(Record const& record, Number const (&expected)[Count]) {
     static_assert(sizeof(Record) == Count * sizeof(Number));

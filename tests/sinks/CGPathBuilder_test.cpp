@@ -22,7 +22,7 @@ using trammel_test::kNaN;
 typedef TPoint<double> Pt;
 typedef std::vector<Pt> Points;
 
-/// "M 1,2 L 3,4 Z"; nine digits tell single precision numbers apart.
+/// Returns the elements as "M 1,2 L 3,4 Z"; nine digits tell single precision numbers apart.
 std::string Elements(CGPathRef path) {
     struct Writer {
         static void Write(void* text, CGPathElement const* element) {
@@ -46,7 +46,7 @@ std::string Elements(CGPathRef path) {
 
 class PathBuilder : public trammel_test::WithoutLeaks {
 protected:
-    /// The elements that `build` makes of the points.
+    /// Returns the elements that `build` makes of the points.
     static std::string Built(CGPath* (*build)(CFPolygonRef), Points const& points,
                              bool closed = false) {
         CFPolygonRef ref;

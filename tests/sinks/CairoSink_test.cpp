@@ -36,14 +36,14 @@ public:
 
     cairo_t* Cairo() { return mCairo; }
 
-    /// The pixel whose left upper corner is (h, v).
+    /// Returns the pixel whose left upper corner is (h, v).
     int At(int h, int v) {
         cairo_surface_flush(mSurface);
         unsigned char const* const data = cairo_image_surface_get_data(mSurface);
         return data[v * cairo_image_surface_get_stride(mSurface) + h];
     }
 
-    /// The rows of the image, '#' for a covered pixel.
+    /// Returns the rows of the image, '#' for a covered pixel.
     std::vector<std::string> Rows() {
         int const size = cairo_image_surface_get_width(mSurface);
         std::vector<std::string> rows;
@@ -67,7 +67,7 @@ public:
         return sum;
     }
 
-    /// The elements of the context's current path: "M 1,2 L 3,4 Z M 1,2".
+    /// Returns the elements of the context's current path: "M 1,2 L 3,4 Z M 1,2".
     std::string Elements() {
         std::string text;
         cairo_path_t* const path = cairo_copy_path(mCairo);
@@ -204,7 +204,7 @@ TEST(CairoSink, LeavesOutWhatIsNotFiniteAndNothingElse) {
         std::vector<Pt> points;
         char const* elements;
     };
-    // (Of moves in a row Cairo keeps the last.)
+    // Of moves in a row Cairo keeps the last.
     Pt const bad(kNaN, 1);
     Pt const far(1, -kInfinity);
     for (Row const& row : {
@@ -280,7 +280,7 @@ TEST(CairoSink, SinkGoesOnFromPathToPath) {
 
 // The drawing layer's path
 
-/// A path that is released with it.
+/// A path that this object releases at its end.
 class LayerPath {
 public:
     LayerPath() : mPath(CGPathCreateMutable()) {}
@@ -351,7 +351,7 @@ TEST(CairoSinkOfLayerPaths, NonFinitePointsLeaveGaps) {
 }
 
 TEST(CairoSinkOfLayerPaths, QuadraticsAreRaisedToCubics) {
-    // No call adds one; a path of another make may show one.
+    // No function adds this element, but a path of another make may show one.
     Canvas canvas(8);
     trammel_detail::CairoFeed feed(canvas.Cairo());
     CGPoint start = CGPointMake(3, 0);
