@@ -1,4 +1,5 @@
 # SPDX-License-Identifier: MIT
+
 # The kernels in the form for processors with AVX2, where the compiler can make it. The library finds
 # out at run time which form this processor runs, so it runs on every processor of the family.
 

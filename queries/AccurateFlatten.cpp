@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Flattening in two steps: points are planned by the bend, then each chord is verified.
 //
 // The plan: a short piece of length s with curvature k leaves its chord by k·s²/8, so chords that

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // Arc length by Gauss-Legendre quadrature of the speed, with an error bound known beforehand.
 //
 // A cubic's derivative, read as a complex number, is a quadratic z(t). The speed |z(t)| is the root

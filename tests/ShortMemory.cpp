@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The program's operator new, which counts and may refuse, and a malloc that may refuse. Otherwise
 // both allocate as they always do.
 

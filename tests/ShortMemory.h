@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What a test program allocates, counted, so that a cost can be tested without a clock; and memory
 // that runs out when a test says so. The functions that count and refuse are in ShortMemory.cpp,
 // which is part of each program that includes this header. Memory for handles has a switch of its

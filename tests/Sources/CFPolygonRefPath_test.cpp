@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The drawing path that a handle polygon caches: who builds it, how long it is kept, and that each
 // is released exactly once.
 #include "CFPolygonRef.h"

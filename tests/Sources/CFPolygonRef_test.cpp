@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CFPolygonRef.h"
 
 #include "CMatrix3x3.h"

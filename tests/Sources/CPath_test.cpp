@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "CPath.h"
 
 #include "CBezier.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // The loops over points, through both polygon kinds: the library agrees with the plain forms to the
 // last bit, on random polygons and on ones made to be difficult.
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-//
+
 // What declarations promise before anything is computed: what members return, which of them take
 // constant objects, and which constructors do not convert.
 

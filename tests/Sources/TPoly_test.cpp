@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "TPoly.h"
 
 #include "CFPolygonRef.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "UFPoly.h"
 
 #include "TestSupport.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+
 #include "PreparedPolygon.h"
 
 #include "ShortMemory.h"
