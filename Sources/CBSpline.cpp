@@ -2,6 +2,7 @@
 
 #include "CBSpline.h"
 
+#include "CurveErrorScope_p.h"
 #include "Integers.h"
 #include "Subdivision_p.h"
 #include "TPoly.h"

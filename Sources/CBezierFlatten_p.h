@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// A cubic's flattening at the class-wide settings, for all that asks for its points. Not installed.
+// The points of a cubic's flattening, for everything that asks for them. Not installed.
 
 #ifndef TRAMMEL_CBEZIERFLATTEN_P_H
 #define TRAMMEL_CBEZIERFLATTEN_P_H
 
 #include "CBezier.h"
+#include "CurveErrorScope_p.h"
 #include "Flatness_p.h"
 #include "Halve_p.h"
 #include "Integers.h"
@@ -18,6 +19,10 @@
 
 namespace trammel_detail {
 
+/// The number of points for a PointBuffer that shall hold most flattenings at once. It takes 16 KB
+/// of stack, where a thread may have no more than 64 KB in all.
+inline constexpr int kFlattenRun = 1024;
+
 /// The cubic's rules for the walk of its subdivision tree.
 class BezierRules {
 public:
@@ -29,8 +34,8 @@ public:
         maxCount = std::max(maxCount, gCount);
     }
     bool Flat(CBezier const& c) {
-        // Read anew each time, as the callback may change it (and the curve, which is not looked at
-        // again).
+        // The tolerance is read each time, as the callback may change it. The callback may change
+        // the caller's curve as well: `mSize` is all that is needed of it.
         if (mFilter.Tolerance() != CBezier::mMaxError) {
             mFilter = FlatnessFilter(mSize, CBezier::mMaxError);
         }
@@ -51,7 +56,7 @@ void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
     WalkSubdivision(curve, rules, deliver, force, depth);
 }
 
-/// True when the control points coincide with their ends: a straight segment.
+/// True when each control point coincides with its end, so that the curve is a straight segment.
 inline bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
 
 /// Counts `points` deliveries and the invocations of the generator that made them: the first one,
@@ -64,9 +69,10 @@ inline void CountGenerated(std::int32_t points) {
     CBezier::mCount = WrappingAdd(CBezier::mCount, points);
 }
 
-/// Stores the split points of `curve` in `run`, in order: those that GenerateSegment delivers when
-/// it is forced, with mMaxError and mRecursionLimit as they are, counters included. For callers
-/// whose use of the points changes none of these.
+/// Stores the split points of `curve` in `run` (a PointBuffer), in order.
+///
+/// The points and the counters are those of a forced GenerateSegment with mMaxError and
+/// mRecursionLimit as they are. What the caller does with the points must change none of these.
 template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
     double const tolerance = CBezier::mMaxError;
     int const levels = std::max(CBezier::mRecursionLimit - 1, 1);
@@ -81,7 +87,9 @@ template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
     Generate(curve, deliver, true, CBezier::mRecursionLimit);
 }
 
-/// Stores the points of the flattened curve in `run`, ends included, duplicates not left out.
+/// Stores the points of the flattened curve in `run` (a PointBuffer): both ends and, unless the
+/// curve is straight, the split points between them. Points that repeat the one before are not left
+/// out.
 template <class Run> void FlattenTo(CBezier const& curve, double error, Run& run) {
     gCount = 0;
     CurveErrorScope<CBezier> const scope(error);

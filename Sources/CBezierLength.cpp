@@ -3,54 +3,33 @@
 #include "CBezier.h"
 
 #include "CBezierFlatten_p.h"
-#include "CurveKernels_p.h"
+#include "CBezierLength_p.h"
 #include "PointBuffer_p.h"
 #include "PointMath_p.h"
 #include "TLine.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
 namespace {
 
 using trammel_detail::Distance;
+using trammel_detail::FlattenedEdges;
 using trammel_detail::FlattenTo;
+using trammel_detail::kFlattenRun;
 using trammel_detail::kLengthError;
+using trammel_detail::kLengthRun;
 using trammel_detail::PointBuffer;
 
-/// Points of a flattening that are kept at a time: 16 KB of stack, where a thread may have no more
-/// than 64 in all.
-constexpr int kFlattenRun = 1024;
-/// Points of a flattening that are measured at a time; few, so that they stay in the cache.
-constexpr int kLengthRun = 256;
-
-/// The lengths of the edges from each point to the next, for `count` points.
-void LengthsBetween(TPoint<double> const* points, int count, double* lengths) {
-    trammel_detail::EdgeLengths(trammel_detail::Coordinates(points), count - 1, lengths);
-}
-
-/// Calls use(points, count, lengths) for the points, some at a time, with the lengths of the edges
-/// between them. Not inlined, as the lengths would enlarge the frames of deep calls.
-template <class Use>
-[[gnu::noinline]] void WithLengths(TPoint<double> const* points, int count, Use const& use) {
-    double lengths[kLengthRun];
-    for (int from = 0; from < count; from += kLengthRun) {
-        int const some = std::min(count - from, kLengthRun);
-        LengthsBetween(points + from, some, lengths);
-        use(points + from, some, lengths);
-    }
-}
-
-/// The sum of the lengths of a flattening's edges, as its points come.
+/// Sums up the lengths of a flattening's edges. A PointBuffer hands its points over.
 class LengthOfRun {
 public:
     double Total() const { return mTotal; }
 
-    /// Adds `count` points, with the lengths of the edges between them.
-    void Add(TPoint<double> const* points, int count, double const* lengths) {
-        // A point equal to the one before is none of the flattened curve's: its edge of length 0
-        // leaves the sum as it is, so that it need not be looked for, but where both are infinite.
+    /// Takes `count` points, with the lengths of the edges between them.
+    void Take(TPoint<double> const* points, int count, double const* lengths) {
+        // A point equal to the one before belongs to no edge. Its length of 0 leaves the sum as it
+        // is, so that such points need no search. Only for infinite points this length is NaN.
         double sum = mTotal;
         if (mStarted) {
             sum += Distance(mLast, points[0]);
@@ -58,87 +37,63 @@ public:
         for (int i = 0; i < count - 1; ++i) {
             sum += lengths[i];
         }
-        if (std::isnan(sum)) {
-            TPoint<double> last = mStarted ? mLast : points[0];
-            for (int i = 0; i < count; ++i) {
-                if (points[i] != last) {
-                    mTotal += Distance(last, points[i]);
-                    last = points[i];
-                }
-            }
-        } else {
-            mTotal = sum;
-        }
+        mTotal = std::isnan(sum) ? TotalOfEdges(points, count, lengths) : sum;
         mLast = points[count - 1];
         mStarted = true;
     }
     void operator()(TPoint<double> const* points, int count) {
-        WithLengths(points, count,
-                    [this](TPoint<double> const* some, int n, double const* between) {
-                        Add(some, n, between);
-                    });
+        trammel_detail::WithLengths(points, count,
+                                    [this](TPoint<double> const* some, int n,
+                                           double const* between) { Take(some, n, between); });
     }
 
 private:
+    /// The new total, points equal to the one before left out.
+    double TotalOfEdges(TPoint<double> const* points, int count, double const* lengths) const {
+        double sum = mTotal;
+        if (mStarted && points[0] != mLast) {
+            sum += Distance(mLast, points[0]);
+        }
+        for (int i = 1; i < count; ++i) {
+            if (points[i] != points[i - 1]) {
+                sum += lengths[i - 1];
+            }
+        }
+        return sum;
+    }
+
     double mTotal = 0.0;
     bool mStarted = false;
     TPoint<double> mLast;
 };
 
-/// Finds the point at a distance along a flattening, as its points and edges come.
+/// Finds the point at a distance along a flattening. FlattenedEdges hands its edges over.
 class PointAtDistance {
 public:
     explicit PointAtDistance(double target) : mTarget(target) {}
 
-    /// The point reached, or the last one where the distance lies beyond it or is NaN.
-    TPoint<double> Pt() const { return mFound ? mPt : mLast; }
+    /// The point reached; the last point where the distance lies beyond it or is NaN.
+    TPoint<double> Pt() const { return mPt; }
 
-    /// Takes `count` points, with the lengths of the edges between them.
-    void Take(TPoint<double> const* points, int count, double const* lengths) {
-        if (!mStarted) {
-            mStarted = true;
-            mLast = points[0];
-        } else {
-            TakeEdge(points[0], Distance(mLast, points[0]));
-        }
-        for (int i = 0; i < count - 1 && !mFound; ++i) {
-            TakeEdge(points[i + 1], lengths[i]);
-        }
-    }
-    void operator()(TPoint<double> const* points, int count) {
-        WithLengths(points, count,
-                    [this](TPoint<double> const* some, int n, double const* between) {
-                        Take(some, n, between);
-                    });
+    void Start(TPoint<double> const& pt) { mPt = pt; }
+    bool Edge(TPoint<double> const& pt, double length) {
+        double const before = mSum;
+        mSum += length;
+        bool const found = mSum >= mTarget;
+        mPt = found ? TLine<double>(mPt, pt).TPt((mTarget - before) / length) : pt;
+        return !found;
     }
 
 private:
-    // A point equal to the one before is none of the flattened curve's.
-    void TakeEdge(TPoint<double> const& pt, double length) {
-        if (mFound || !(pt != mLast)) {
-            return;
-        }
-        double const before = mSum;
-        mSum += length;
-        if (mSum >= mTarget) {
-            mFound = true;
-            mPt = TLine<double>(mLast, pt).TPt((mTarget - before) / length);
-        } else {
-            mLast = pt;
-        }
-    }
-
     double mTarget;
     double mSum = 0.0;
-    bool mStarted = false;
-    bool mFound = false;
-    TPoint<double> mLast;
     TPoint<double> mPt;
 };
 
-/// Finds the point at `fraction` of the length of the curve's flattening, P0 and P3 for 0 and 1, if
-/// the points can all be kept; if not, finds the length at which it is. Returns whether it has the
-/// point. Not inlined, nor is its counterpart: their buffers never share the stack.
+/// Finds the point at `fraction` of the length of the curve's flattening; P0 and P3 for 0 and 1.
+/// Returns true and sets `pt` if the buffer holds all points of the flattening. Otherwise sets
+/// `target` to the length at which the point is. Neither this function nor its counterpart is
+/// inlined, so that their buffers are never on the stack together.
 [[gnu::noinline]] bool FindFlattenedPt(CBezier const& curve, double fraction, TPoint<double>& pt,
                                        double& target) {
     LengthOfRun length;
@@ -159,10 +114,10 @@ private:
     }
     if (allAtOnce) {
         double lengths[kFlattenRun];
-        LengthsBetween(run.Points(), run.Count(), lengths);
-        length.Add(run.Points(), run.Count(), lengths);
+        trammel_detail::LengthsBetween(run.Points(), run.Count(), lengths);
+        length.Take(run.Points(), run.Count(), lengths);
         PointAtDistance find(fraction * length.Total());
-        find.Take(run.Points(), run.Count(), lengths);
+        FlattenedEdges<PointAtDistance>(find).Take(run.Points(), run.Count(), lengths);
         pt = find.Pt();
         return true;
     }
@@ -171,10 +126,12 @@ private:
     return false;
 }
 
-/// The point at the length `target` of the curve's flattening, which is not counted again.
+/// Returns the point at the length `target` of the curve's flattening. The counters stay as they
+/// are, as FindFlattenedPt has counted this flattening.
 [[gnu::noinline]] TPoint<double> FlattenedPtAt(CBezier const& curve, double target) {
     PointAtDistance find(target);
-    PointBuffer<kLengthRun, PointAtDistance> run(find);
+    FlattenedEdges<PointAtDistance> edges(find);
+    PointBuffer<kLengthRun, FlattenedEdges<PointAtDistance>> run(edges);
     std::int32_t const counters[] = {CBezier::mCount, gCount, maxCount};
     FlattenTo(curve, kLengthError, run);
     run.Pass();
@@ -184,7 +141,7 @@ private:
     return find.Pt();
 }
 
-/// The point at `fraction` of the length of the curve's flattening: P0 and P3 for 0 and 1.
+/// Returns the point at `fraction` of the length of the curve's flattening; P0 and P3 for 0 and 1.
 TPoint<double> FlattenedPt(CBezier const& curve, double fraction) {
     TPoint<double> pt;
     double target = 0.0;

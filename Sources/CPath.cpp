@@ -2,16 +2,11 @@
 
 #include "CPath.h"
 
-#include "CBezier.h"
 #include "CMatrix3x3.h"
-#include "Integers.h"
 #include "PathWalk_p.h"
-#include "Reach_p.h"
-#include "TLine.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -22,147 +17,6 @@
 namespace {
 
 using trammel_detail::ElementCursor;
-using trammel_detail::SegmentCursor;
-
-/// Lengths in order. The first ones take no heap block: most outlines have no more segments. When
-/// memory is short it keeps only the lengths before that point, and never throws.
-class Lengths {
-public:
-    void Append(double length) noexcept {
-        if (mCount < mFirst.size()) {
-            mFirst[mCount++] = length;
-        } else if (!mFull) {
-            try {
-                mRest.push_back(length);
-                ++mCount;
-            } catch (std::bad_alloc const&) {
-                mFull = true;
-            }
-        }
-    }
-    /// True when length `i` is kept.
-    bool Has(std::size_t i) const { return i < mCount; }
-    double operator[](std::size_t i) const {
-        return i < mFirst.size() ? mFirst[i] : mRest[i - mFirst.size()];
-    }
-
-private:
-    std::size_t mCount = 0;
-    bool mFull = false;
-    std::array<double, 128> mFirst; // the first mCount are set
-    std::vector<double> mRest;
-};
-
-/// A path with the lengths of its segments, so that one query measures each segment once, and with
-/// the last places that it found on curves: cutting asks for the same ones again.
-class MeasuredPath {
-public:
-    explicit MeasuredPath(CPath const& path) : mPath(path) {
-        for (SegmentCursor segment(path); segment.Next();) {
-            double const length = segment.Length();
-            mLengths.Append(length);
-            mTotal += length;
-        }
-    }
-    double Total() const { return mTotal; }
-
-    /// A walk over all segments.
-    class Walk {
-    public:
-        explicit Walk(MeasuredPath const& measured)
-            : mMeasured(measured), mSegment(measured.mPath) {}
-
-        bool Next() {
-            if (!mSegment.Next()) {
-                return false;
-            }
-            mBefore = mBehind;
-            Lengths const& lengths = mMeasured.mLengths;
-            mLength = lengths.Has(mIndex) ? lengths[mIndex] : mSegment.Length();
-            ++mIndex;
-            mBehind += mLength;
-            return true;
-        }
-        bool IsCurve() const { return mSegment.IsCurve(); }
-        TLine<double> const& Line() const { return mSegment.Line(); }
-        CBezier const& Curve() const { return mSegment.Curve(); }
-        double Before() const { return mBefore; }
-        double Behind() const { return mBehind; }
-        double Length() const { return mLength; }
-        double PercentT(double fraction) const {
-            return mMeasured.PercentT(mIndex, mSegment.Curve(), fraction);
-        }
-        TPoint<double> Start() const { return mSegment.Start(); }
-
-    private:
-        MeasuredPath const& mMeasured;
-        SegmentCursor mSegment;
-        std::size_t mIndex = 0;
-        double mBefore = 0.0;
-        double mBehind = 0.0;
-        double mLength = 0.0;
-    };
-
-    Walk WalkFrom(double /*length*/) const { return Walk(*this); }
-
-    TPoint<double> PtAtLength(double target) const {
-        Walk segment(*this);
-        while (segment.Next()) {
-            if (target <= segment.Behind()) {
-                double const fraction = (target - segment.Before()) / segment.Length();
-                return segment.IsCurve() ? segment.Curve().TPt(segment.PercentT(fraction))
-                                         : segment.Line().TPt(fraction);
-            }
-        }
-        return segment.Start();
-    }
-
-private:
-    struct Place {
-        std::size_t segment = 0; ///< counted from 1; 0: none yet
-        double fraction = 0.0;
-        double parameter = 0.0;
-    };
-
-    double PercentT(std::size_t segment, CBezier const& curve, double fraction) const {
-        for (Place const& place : mPlaces) {
-            if (place.segment == segment && place.fraction == fraction) {
-                return place.parameter;
-            }
-        }
-        Place& place = mPlaces[mNextPlace];
-        mNextPlace = (mNextPlace + 1) % mPlaces.size();
-        place.segment = segment;
-        place.fraction = fraction;
-        place.parameter = curve.PercentT(fraction);
-        return place.parameter;
-    }
-
-    CPath const& mPath;
-    Lengths mLengths;
-    double mTotal = 0.0;
-    mutable std::array<Place, 2> mPlaces; // a piece has two ends
-    mutable std::size_t mNextPlace = 0;
-};
-
-/// RemoveTRange, when neither output is the path that was measured.
-void Remove(MeasuredPath const& measured, double t0, double t1, bool closed, CPath& outA,
-            CPath& outB) {
-    auto const cut = [&measured](double from, double to, CPath& out) {
-        trammel_detail::CutRange(measured, from * measured.Total(), to * measured.Total(), out);
-    };
-    if (t1 < t0) {
-        cut(t1, t0, outA);
-    } else if (closed) {
-        cut(0.0, t0, outB);
-        cut(t1, 1.0, outA);
-        outA.Append(outB);
-        outB.clear();
-    } else {
-        cut(0.0, t0, outA);
-        cut(t1, 1.0, outB);
-    }
-}
 
 TPoint<double> UnitPoint(double angle) {
     TPoint<double> p;
@@ -170,7 +24,8 @@ TPoint<double> UnitPoint(double angle) {
     return p;
 }
 
-/// The least number of items that room is made for: small outlines take one block, not five.
+/// The least number of items that room is made for. So small outlines take one block instead of
+/// five.
 constexpr std::size_t kLeastRoom = 16;
 
 /// Makes room for `more` items without giving up geometric growth.
@@ -213,7 +68,7 @@ CPath& CPath::clear() {
     return *this;
 }
 
-// Called before an operation writes anything: what follows cannot run out of memory half-way.
+// Operations call this before they write anything, so that memory cannot run out half-way.
 void CPath::MakeRoom(std::size_t codes, std::size_t points) {
     Reserve(mCtls, codes);
     Reserve(mPts, points);
@@ -429,97 +284,4 @@ void CPath::Transform(CMatrix3x3 const& m) {
         p.Transform(m);
     }
     mBounds.SetNull();
-}
-
-double CPath::Length() const {
-    double length = 0.0;
-    for (SegmentCursor segment(*this); segment.Next();) {
-        length += segment.Length();
-    }
-    return length;
-}
-
-TPoint<double> CPath::TPt(double t) const {
-    MeasuredPath const measured(*this);
-    return measured.PtAtLength(t * measured.Total());
-}
-
-double CPath::FindTValue(TPoint<double> const& p) const {
-    TPoint<double> const pt = p;
-    double best = std::numeric_limits<double>::max();
-    double limit = trammel_detail::NearestLimit(best);
-    double running = 0.0;
-    // The nearest segment so far: only the last one's part is measured.
-    bool found = false;
-    bool isCurve = false;
-    double before = 0.0;
-    double parameter = 0.0;
-    CBezier curve;
-    TLine<double> part;
-    for (SegmentCursor segment(*this); segment.Next();) {
-        double const start = running;
-        running += segment.Length();
-        if (segment.IsCurve()) {
-            CBezier const& c = segment.Curve();
-            TPoint<double> const points[] = {c.P0, c.P1, c.P2, c.P3};
-            if (trammel_detail::Reach(points, 4).SquaredDistance(pt) > limit) {
-                continue;
-            }
-            double const t = c.FindTValue(pt, trammel_detail::kNearestTolerance, 0.0, 1.0);
-            double const distance = TLine<double>(pt, c.TPt(t)).Length();
-            // Not strict, unlike for lines: on a tie a later curve wins, a later line does not.
-            if (!(distance <= best)) {
-                continue;
-            }
-            best = distance;
-            curve = c;
-            parameter = t;
-        } else {
-            TLine<double> const& line = segment.Line();
-            TPoint<double> const points[] = {line.mStart, line.mEnd};
-            if (trammel_detail::Reach(points, 2).SquaredDistance(pt) > limit) {
-                continue;
-            }
-            TPoint<double> const nearest = line.TPt(line.FindTValue(pt));
-            double const distance = TLine<double>(pt, nearest).Length();
-            if (!(distance < best)) {
-                continue;
-            }
-            best = distance;
-            part.Set(line.mStart, nearest);
-        }
-        limit = trammel_detail::NearestLimit(best);
-        found = true;
-        isCurve = segment.IsCurve();
-        before = start;
-    }
-    if (!found) {
-        return 0.0;
-    }
-    if (isCurve) {
-        CBezier left;
-        CBezier right;
-        curve.Divide(left, right, parameter);
-        return (before + left.Length()) / running;
-    }
-    return (before + part.Length()) / running;
-}
-
-void CPath::GetTRange(double t0, double t1, CPath& out) const {
-    if (&out == this) {
-        CPath const source(*this);
-        source.GetTRange(t0, t1, out);
-        return;
-    }
-    MeasuredPath const measured(*this);
-    trammel_detail::CutRange(measured, t0 * measured.Total(), t1 * measured.Total(), out);
-}
-
-void CPath::RemoveTRange(double t0, double t1, CPath& outA, CPath& outB) const {
-    if (&outA == this || &outB == this) {
-        CPath const source(*this);
-        Remove(MeasuredPath(source), t0, t1, source.Closed(), outA, outB);
-    } else {
-        Remove(MeasuredPath(*this), t0, t1, Closed(), outA, outB);
-    }
 }

@@ -8,12 +8,22 @@
 #include "Hypot_p.h"
 #include "TPoint.h"
 
+#include <cmath>
+
 namespace trammel_detail {
 
-/// The distance of two points, the same bits as TLine::Length.
+/// Returns the distance of two points: the bits of TLine::Length.
 inline double Distance(TPoint<double> const& a, TPoint<double> const& b) {
     return Hypot(b.h - a.h, b.v - a.v);
 }
+
+inline double Dot(TPoint<double> const& a, TPoint<double> const& b) {
+    return a.h * b.h + a.v * b.v;
+}
+/// Returns the square of the vector's length.
+inline double Square(TPoint<double> const& a) { return a.h * a.h + a.v * a.v; }
+/// Returns |h| + |v|, which is between the vector's length and sqrt(2) times it.
+inline double Taxicab(TPoint<double> const& a) { return std::abs(a.h) + std::abs(a.v); }
 
 } // namespace trammel_detail
 

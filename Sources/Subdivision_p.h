@@ -13,16 +13,19 @@
 
 namespace trammel_detail {
 
-/// Walks the subdivision tree of `curve` in order, calling deliver(split point) for each division.
+/// Walks the subdivision tree of `curve` in order and calls deliver(split point) for each division.
 ///
-/// Of a Rules object it asks, for each curve that it comes to, first Enter() and then, unless the
-/// division is forced or the depth used up, Flat(curve); Divide(curve, left, right), where `left`
-/// may be `curve`; and Delivered() after each delivery. `force` divides the first curve in any
-/// case; `depth` counts down by one for each level, the first included.
+/// `force` divides the first curve in any case. `depth` counts down by one for each level, the
+/// first included. The walk calls these members of the rules:
+///
+///     Enter()                     for each curve that it comes to
+///     Flat(curve)                 next, unless the division is forced or the depth is used up
+///     Divide(curve, left, right)  for a curve that is not flat; `left` may be `curve`
+///     Delivered()                 after each delivery
 ///
 /// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
-/// than that continues in a nested call, so that even the largest depth neither allocates nor
-/// exhausts the thread's stack.
+/// than that continues in a nested call. So even the largest depth neither allocates nor exhausts
+/// the thread's stack.
 template <class Curve, class Rules, class Deliver>
 void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool force, int depth) {
     struct Pending {
@@ -31,7 +34,7 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
     };
     union Slot {
         Pending pending;
-        // Stays unset: setting all of them would take longer than a small curve.
+        // Stays unset: setting all slots would take longer than a small curve.
         Slot() {} // NOLINT(modernize-use-equals-default)
     };
     constexpr std::size_t kRoom = 32;
@@ -67,27 +70,6 @@ void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool fo
         }
     }
 }
-
-/// The tolerance at which a cubic's length is measured, in coordinate units: fixed, so that a
-/// length does not depend on how finely an application happens to draw.
-inline constexpr double kLengthError = 0.001;
-
-/// The step of the parameter to which a fraction of a cubic's length is resolved.
-inline constexpr double kPercentTolerance = 0.001;
-
-/// Installs a curve class's flatness tolerance for as long as it lives.
-template <class Curve> class CurveErrorScope {
-public:
-    explicit CurveErrorScope(double error) : mOld(Curve::CurveError()) {
-        Curve::SetCurveError(error);
-    }
-    ~CurveErrorScope() { Curve::SetCurveError(mOld); }
-    CurveErrorScope(CurveErrorScope const&) = delete;
-    CurveErrorScope& operator=(CurveErrorScope const&) = delete;
-
-private:
-    double mOld;
-};
 
 } // namespace trammel_detail
 

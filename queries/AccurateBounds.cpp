@@ -4,6 +4,9 @@
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
+#include "Box_p.h"
+#include "CPath.h"
+#include "PathWalk_p.h"
 
 #include <algorithm>
 #include <array>
@@ -126,30 +129,14 @@ TRect<double> InputUnit(std::array<Pt, N> const& points, ScaledPoints<N> const& 
     return TRect<double>(rangeH.lo, rangeV.lo, rangeH.hi, rangeV.hi);
 }
 
-/// Bounds that grow. Unlike TRect's union it does not take a point at the origin for nothing.
-struct Bounds {
-    bool any = false;
-    bool finite = true;
-    TRect<double> rect;
-
-    void Add(TRect<double> const& r) {
-        finite = finite && std::isfinite(r.left) && std::isfinite(r.top) &&
-                 std::isfinite(r.right) && std::isfinite(r.bottom);
-        rect = any ? TRect<double>(std::min(rect.left, r.left), std::min(rect.top, r.top),
-                                   std::max(rect.right, r.right), std::max(rect.bottom, r.bottom))
-                   : r;
-        any = true;
-    }
-
-    void Move(Pt const&) {}
-    void Line(Pt const& from, Pt const& to) { Add(TRect<double>(from, to)); }
-    void Close(Pt const& from, Pt const& start) { Line(from, start); }
-    void Curve(CBezier const& curve) { Add(TightBounds(curve)); }
-};
-
 TRect<double> NoBounds() {
     double const nan = std::numeric_limits<double>::quiet_NaN();
     return TRect<double>(nan, nan, nan, nan);
+}
+
+bool Finite(TRect<double> const& r) {
+    return std::isfinite(r.left) && std::isfinite(r.top) && std::isfinite(r.right) &&
+           std::isfinite(r.bottom);
 }
 
 } // namespace
@@ -177,9 +164,19 @@ TRect<double> TightBounds(CBSpline const& curve) {
 }
 
 TRect<double> TightBounds(CPath const& path) {
-    Bounds bounds;
-    trammel_detail::ForEachSegment(path, bounds);
-    return bounds.finite ? bounds.rect : NoBounds();
+    // Not TRect's union, for which a point at the origin is nothing.
+    trammel_detail::Box<double> box;
+    for (trammel_detail::SegmentCursor segment(path); segment.Next();) {
+        TRect<double> const r = segment.IsCurve()
+                                    ? TightBounds(segment.Curve())
+                                    : TRect<double>(segment.Line().mStart, segment.Line().mEnd);
+        if (!Finite(r)) {
+            return NoBounds();
+        }
+        box.Include({r.left, r.top, r.right, r.bottom});
+    }
+    bool const any = box.lowX <= box.highX;
+    return any ? TRect<double>(box.lowX, box.lowY, box.highX, box.highY) : TRect<double>();
 }
 
 } // namespace trammel

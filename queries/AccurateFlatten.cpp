@@ -32,7 +32,9 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "FlattenKernels_p.h"
+#include "PathWalk_p.h"
 #include "PointBuffer_p.h"
+#include "PointMath_p.h"
 #include "PolygonAppend_p.h"
 #include "TPoint.h"
 #include "TPoly.h"
@@ -360,38 +362,6 @@ private:
     trammel_detail::PointBuffer<256, Append> mBuffer{mAppend};
 };
 
-/// Makes the lines of a path.
-struct LineMaker {
-    CPath& out;
-    double tolerance;
-    double kept = 0.0;
-    bool open = false;
-
-    void Start(Pt const& from) {
-        if (!open) {
-            Move(from);
-        }
-    }
-    void Move(Pt const& p) {
-        out.MoveTo(p);
-        open = true;
-    }
-    void Line(Pt const& from, Pt const& to) {
-        Start(from);
-        out.LineTo(to);
-    }
-    void Curve(CBezier const& curve) {
-        Start(curve.P0);
-        double const distance =
-            FlattenAll(curve, tolerance, [this](Pt const& p) { out.LineTo(p); });
-        kept = std::isnan(distance) ? distance : std::max(distance, kept);
-    }
-    void Close(Pt const& /*from*/, Pt const& /*start*/) {
-        out.ClosePath();
-        open = false;
-    }
-};
-
 } // namespace
 
 double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly) {
@@ -421,11 +391,31 @@ double FlattenWithin(CBezier const& curve, double tolerance, CBezier::PointDataP
 
 double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
     CPath result;
-    LineMaker lines = {result, tolerance};
-    trammel_detail::ForEachSegment(path, lines);
+    double kept = 0.0;
+    bool open = false;
+    for (trammel_detail::SegmentCursor segment(path); segment.NextOrMove();) {
+        if (segment.Code() == kPathClose) {
+            result.ClosePath();
+            open = false;
+            continue;
+        }
+        if (segment.Code() == kPathMove) {
+            result.MoveTo(segment.Start());
+        } else if (!open) {
+            result.MoveTo(segment.IsCurve() ? segment.Curve().P0 : segment.Line().mStart);
+        }
+        open = true;
+        if (segment.Code() == kPathLine) {
+            result.LineTo(segment.Line().mEnd);
+        } else if (segment.IsCurve()) {
+            double const distance = FlattenAll(segment.Curve(), tolerance,
+                                               [&result](Pt const& p) { result.LineTo(p); });
+            kept = std::isnan(distance) ? distance : std::max(distance, kept);
+        }
+    }
     if (out.mCtls.empty() && out.mPts.empty()) {
         out = std::move(result);
-        return lines.kept;
+        return kept;
     }
     CPath joined(out);
     joined.mCtls.insert(joined.mCtls.end(), result.mCtls.begin(), result.mCtls.end());
@@ -434,7 +424,7 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
     joined.mOpen = result.mOpen;
     joined.mBounds.SetNull(); // rebuilt when asked for
     out = std::move(joined);
-    return lines.kept;
+    return kept;
 }
 
 } // namespace trammel

@@ -68,6 +68,8 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "LengthKernels_p.h"
+#include "PathWalk_p.h"
+#include "PointMath_p.h"
 
 #include <algorithm>
 #include <array>
@@ -306,22 +308,7 @@ double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) 
     return std::isnan(target) ? target : SolveLength(speed, target, total, within);
 }
 
-/// Adds up the segments of a path.
-struct LengthSum {
-    double accuracy;
-    double sum = 0.0;
-    bool finite = true;
-
-    void Move(Pt const&) {}
-    void Line(Pt const& from, Pt const& to) {
-        for (double const x : {from.h, from.v, to.h, to.v}) {
-            finite = finite && std::isfinite(x);
-        }
-        sum += (to - from).Hypotenuse();
-    }
-    void Close(Pt const& from, Pt const& start) { Line(from, start); }
-    void Curve(CBezier const& curve) { sum += ArcLength(curve, accuracy); } // a NaN stays
-};
+bool Finite(Pt const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
 
 } // namespace
 
@@ -365,9 +352,20 @@ double ArcLength(CBSpline const& curve, double accuracy) {
 
 double ArcLength(CPath const& path, double accuracy) {
     auto const curves = std::count(path.mCtls.begin(), path.mCtls.end(), char{kPathCurve});
-    LengthSum lengths = {accuracy / static_cast<double>(std::max<std::ptrdiff_t>(curves, 1))};
-    trammel_detail::ForEachSegment(path, lengths);
-    return lengths.finite ? lengths.sum : std::numeric_limits<double>::quiet_NaN();
+    double const each = accuracy / static_cast<double>(std::max<std::ptrdiff_t>(curves, 1));
+    double sum = 0.0;
+    for (trammel_detail::SegmentCursor segment(path); segment.Next();) {
+        if (segment.IsCurve()) {
+            sum += ArcLength(segment.Curve(), each); // a NaN stays
+        } else {
+            TLine<double> const& line = segment.Line();
+            if (!Finite(line.mStart) || !Finite(line.mEnd)) {
+                return std::numeric_limits<double>::quiet_NaN();
+            }
+            sum += trammel_detail::Distance(line.mStart, line.mEnd);
+        }
+    }
+    return sum;
 }
 
 double ParameterAtLength(CBezier const& curve, double length, double accuracy) {

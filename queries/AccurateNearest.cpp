@@ -18,6 +18,7 @@
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
+#include "PointMath_p.h"
 
 #include <algorithm>
 #include <array>

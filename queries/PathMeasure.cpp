@@ -3,8 +3,13 @@
 #include "PathMeasure.h"
 
 #include "CBezier.h"
+#include "CBezierFlatten_p.h"
+#include "CBezierLength_p.h"
+#include "PathCut_p.h"
 #include "PathWalk_p.h"
-#include "Subdivision_p.h"
+#include "PointBuffer_p.h"
+#include "PointMath_p.h"
+#include "Strip_p.h"
 #include "TLine.h"
 
 #include <algorithm>
@@ -17,161 +22,74 @@
 
 namespace {
 
+using trammel_detail::Distance;
+using trammel_detail::Strip;
+using trammel_detail::StripAround;
+using trammel_detail::Taxicab;
+
 typedef TPoint<double> Pt;
 
-/// The number of points of a flattening up to which it is kept: 24 KB for one curve at most.
+/// The most points of a flattening that is kept: 24 KB for one curve.
 constexpr std::size_t kMostPoints = 1024;
 
-/// The children of a node in the tree of strips.
+/// The number of children of a node in the tree of strips.
 constexpr std::size_t kChildren = 4;
 
-/// Levels that a tree can have: one for each doubling of the exponent of kChildren.
+/// The most levels that a tree can have. Each level has a quarter of the nodes of the one below.
 constexpr std::size_t kMostLevels = 33;
 
-/// The flattening that CBezier::Length sums up, as CBezier::Flatten makes it: points with the sums
-/// of the edges up to each. Of long ones only the length.
+/// The flattening of one curve: its points, with the sums of the edges up to each.
 class Flattening {
 public:
-    /// Flattens `curve` in place of the last one.
+    /// Flattens `curve` as CBezier::Length does, in place of the curve before.
     void Make(CBezier const& curve) {
-        mPts.clear();
-        mSums.clear();
-        mLast = curve.P0;
+        mCount = 0;
         mLength = 0.0;
-        Keep(curve.P0);
-        if (curve.P0 != curve.P1 || curve.P2 != curve.P3) {
-            trammel_detail::CurveErrorScope<CBezier> const scope(trammel_detail::kLengthError);
-            gCount = 0;
-            curve.GenerateSegment(
-                [](Pt const& p, void* data) { static_cast<Flattening*>(data)->Add(p); }, this, true,
-                CBezier::mRecursionLimit);
+        Edges edges(*this);
+        trammel_detail::PointBuffer<trammel_detail::kLengthRun, Edges> run(edges);
+        trammel_detail::FlattenTo(curve, trammel_detail::kLengthError, run);
+        run.Pass();
+    }
+    /// Returns the curve's length.
+    double Length() const { return mLength; }
+    /// Appends the points and the sums. Appends nothing when there are more points than
+    /// kMostPoints, or the sums are not in order. Returns the number of points appended.
+    std::size_t AppendTo(std::vector<Pt>& pts, std::vector<double>& sums) const {
+        if (mCount > kMostPoints || !std::isfinite(mLength)) {
+            return 0;
         }
-        Add(curve.P3);
+        pts.insert(pts.end(), mPts.begin(), mPts.begin() + static_cast<std::ptrdiff_t>(mCount));
+        sums.insert(sums.end(), mSums.begin(), mSums.begin() + static_cast<std::ptrdiff_t>(mCount));
+        return mCount;
     }
 
-    double Length() const { return mLength; }
-    /// True when all points are there and their sums are in order.
-    bool Complete() const { return mPts.size() <= kMostPoints && std::isfinite(mLength); }
-    std::vector<Pt> const& Pts() const { return mPts; }
-    std::vector<double> const& Sums() const { return mSums; }
+    // The edges' visitor.
+    void Start(Pt const& p) { Keep(p); }
+    bool Edge(Pt const& p, double length) {
+        mLength += length;
+        Keep(p);
+        return true;
+    }
 
 private:
-    void Add(Pt const& p) {
-        if (p != mLast) {
-            mLength += TLine<double>(mLast, p).Length();
-            mLast = p;
-            Keep(p);
-        }
-    }
+    typedef trammel_detail::FlattenedEdges<Flattening> Edges;
+
     void Keep(Pt const& p) {
-        if (mPts.size() <= kMostPoints) { // one more tells that there are too many
-            mPts.push_back(p);
-            mSums.push_back(mLength);
+        if (mCount <= kMostPoints) { // one more tells that there are too many
+            mPts[mCount] = p;
+            mSums[mCount] = mLength;
+            ++mCount;
         }
     }
 
-    std::vector<Pt> mPts;
-    std::vector<double> mSums;
-    Pt mLast;
+    std::vector<Pt> mPts = std::vector<Pt>(kMostPoints + 1);
+    std::vector<double> mSums = std::vector<double>(kMostPoints + 1);
+    std::size_t mCount = 0;
     double mLength = 0.0;
 };
 
-/// A strip around a chord that holds segments: every point at most `radius` from the segment from
-/// `start` along `delta`. For outlines, whose pieces are mildly bent, it fits far better than a
-/// box: the number of pieces about as near as the nearest one then does not grow with the outline.
-///
-/// Bounds are meant to be safe, not tight to the last bits: with u = 2^-53, all rounding errors
-/// here are some tens of u times the magnitudes of coordinates, and what is added for them is
-/// 2^-40, more than a hundred times as much.
-///
-///   points    those that the search computes leave the hull of a segment's points by no more than
-///             33u (see Reach); each strip's radius is enlarged by 2^-40 of the coordinates.
-///   distance  the parameter t is off by at most 8u|e|/|delta|, which takes the point on the chord
-///             8u|e| from the nearest one; differences and products add as much again.
-///
-/// Where squares could overflow or all of their bits underflow there is no strip but the whole
-/// plane, or its chord is a point; the absolute error that underflow leaves in t is below 2^-600.
-struct Strip {
-    Pt start;
-    Pt delta;
-    double inverse = 0.0; ///< 1 / |delta|²; 0 where delta counts for nothing
-    double radius = std::numeric_limits<double>::infinity();
-
-    static constexpr double kSlack = 0x1p-40;
-    static constexpr double kLargest = 0x1p500;
-    static constexpr double kShortestSquared = 0x1p-900;
-
-    /// The whole plane.
-    Strip() = default;
-
-    /// Only the chord from `a` to `b`.
-    Strip(Pt const& a, Pt const& b) : start(a), delta(b - a), radius(0.0) {
-        double const squared = delta.h * delta.h + delta.v * delta.v;
-        if (squared >= kShortestSquared) {
-            inverse = 1.0 / squared;
-        } else {
-            radius = std::abs(delta.h) + std::abs(delta.v);
-            delta.SetNull();
-        }
-    }
-
-    Pt End() const { return start + delta; }
-
-    /// The square of the distance from `p` to the chord.
-    double SquaredChordDistance(Pt const& p) const {
-        Pt const e = p - start;
-        double const t = std::min(std::max((e.h * delta.h + e.v * delta.v) * inverse, 0.0), 1.0);
-        double const h = e.h - delta.h * t;
-        double const v = e.v - delta.v * t;
-        return h * h + v * v;
-    }
-    double ChordDistance(Pt const& p) const { return std::sqrt(SquaredChordDistance(p)); }
-
-    /// True when nothing in the strip is as near as `limit`, which leaves room for rounding, to a
-    /// point with this squared distance from the chord.
-    bool Beyond(double limit, double squaredDistance) const {
-        double const reach = limit + radius;
-        return squaredDistance > reach * reach;
-    }
-};
-
-double Magnitude(Pt const& p) { return std::abs(p.h) + std::abs(p.v); }
-
-/// Of a segment. A curve is at most 3/4 as far from its chord as the farther control point:
-/// distance from a segment is convex, the weights of the control points add up to 3t(1 - t).
-Strip StripAround(CBezier const& c) {
-    double const size = Magnitude(c.P0) + Magnitude(c.P1) + Magnitude(c.P2) + Magnitude(c.P3);
-    if (!(size <= Strip::kLargest)) { // or NaN
-        return Strip();
-    }
-    Strip strip(c.P0, c.P3);
-    strip.radius += 0.75 * std::max(strip.ChordDistance(c.P1), strip.ChordDistance(c.P2));
-    strip.radius += Strip::kSlack * size;
-    return strip;
-}
-
-/// Of all that is in `count` strips. What is in one is no farther from the common chord than the
-/// farther end of its own chord, and its radius.
-Strip StripAround(Strip const* strips, std::size_t count) {
-    Strip strip(strips[0].start, strips[count - 1].End());
-    double size = 0.0;
-    double farthest = 0.0;
-    for (std::size_t i = 0; i < count; ++i) {
-        Strip const& part = strips[i];
-        if (std::isinf(part.radius)) {
-            return Strip();
-        }
-        double const distance =
-            std::max(strip.ChordDistance(part.start), strip.ChordDistance(part.End()));
-        farthest = std::max(farthest, distance + part.radius);
-        size = std::max(size, Magnitude(part.start) + Magnitude(part.End()) + part.radius);
-    }
-    strip.radius += farthest + Strip::kSlack * size;
-    return strip;
-}
-
-/// The first of `count` numbers in order that is not less than `target`; `count` when there is
-/// none, and for NaN.
+/// Returns the index of the first of `count` numbers in order that is not less than `target`.
+/// Returns `count` when there is none, and for a NaN.
 std::size_t FirstNotLess(double const* sums, std::size_t count, double target) {
     std::size_t first = 0;
     while (count > 0) {
@@ -186,12 +104,13 @@ std::size_t FirstNotLess(double const* sums, std::size_t count, double target) {
     return first;
 }
 
-/// A vector made one unit long; a null vector stays null.
+/// Returns the vector made one unit long; a null vector stays null.
 Pt Unit(Pt const& d) { return d.Null() ? d : d / d.Hypotenuse(); }
 
-/// The direction of a curve at a parameter. Where the derivative vanishes, that of the next one
-/// that does not leads on from there; from the curve's end it is looked back, against every second
-/// one.
+/// Returns the direction of a curve at a parameter, which is that of the first derivative.
+///
+/// Where that vanishes, the next derivative that does not vanish tells where the curve goes on. At
+/// the curve's end the way back counts: there the second derivative points against the direction.
 Pt DirectionAt(CBezier const& c, double t) {
     Pt const a = c.P1 - c.P0;
     Pt const b = c.P2 - c.P1;
@@ -214,14 +133,15 @@ namespace trammel_detail {
 
 using trammel::PathMeasure;
 
-/// What a path's segments come to. Built once, never changed.
+/// A path's segments with all that answers questions about them. It is built once and never
+/// changed.
 class MeasuredOutline {
     struct Segment {
         CBezier curve; ///< a line has its ends in P0 and P3, and again in P1 and P2
         double length;
         std::size_t element; ///< its index in the path's codes
-        std::size_t firstPt; ///< of its flattening
-        std::size_t ptCount; ///< of its flattening; 0: not kept
+        std::size_t firstPt; ///< the index of its flattening's first point
+        std::size_t ptCount; ///< the number of its flattening's points; 0: not kept
         bool isCurve;
 
         TLine<double> Line() const { return TLine<double>(curve.P0, curve.P3); }
@@ -232,12 +152,25 @@ public:
 
     double Total() const { return mBehind.empty() ? 0.0 : mBehind.back(); }
 
-    /// The segment on which the place at `target` lies, the number of segments when on none. The
-    /// first whose end is reached; `hint` is where to begin to look.
+    /// Returns the segment on which the place at `target` lies: the first one that ends there or
+    /// behind it. Returns the number of segments when there is none. `hint` is where the search
+    /// begins.
     ///
-    /// The sums never decrease, as lengths are not negative and rounding is monotone; a NaN makes
-    /// all later ones NaN, and no place lies there.
+    /// The sums never decrease, as lengths are not negative and rounding is monotone. A NaN makes
+    /// all later sums NaN, and no place lies there.
     std::size_t Find(double target, std::size_t hint) const;
+
+    /// Calls use(i, segment, target) for `count` places, `target` being values[i] * unit. The
+    /// search for each place begins at the one before.
+    template <class Use>
+    void FindEach(double const* values, std::size_t count, double unit, Use const& use) const {
+        std::size_t segment = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            double const target = values[i] * unit;
+            segment = Find(target, segment);
+            use(i, segment, target);
+        }
+    }
 
     Pt PtOn(std::size_t i, double target) const;
     PathMeasure::Place PlaceOn(std::size_t i, double target) const;
@@ -245,46 +178,21 @@ public:
 
     PathMeasure::Nearest FindNearest(Pt const& p, bool withFraction) const;
 
-    /// A walk over the segments that end behind a length, for cutting.
-    class Walk {
-    public:
-        Walk(MeasuredOutline const& outline, std::size_t first) : mOutline(outline), mNext(first) {}
-
-        bool Next() {
-            if (mNext >= mOutline.mOrdered) {
-                return false;
-            }
-            mSegment = mNext++;
-            return true;
-        }
-        bool IsCurve() const { return At().isCurve; }
-        TLine<double> Line() const { return At().Line(); }
-        CBezier const& Curve() const { return At().curve; }
-        double Before() const { return mOutline.Before(mSegment); }
-        double Behind() const { return mOutline.mBehind[mSegment]; }
-        double Length() const { return At().length; }
-        double PercentT(double fraction) const { return mOutline.PercentT(At(), fraction); }
-
-    private:
-        Segment const& At() const { return mOutline.mSegments[mSegment]; }
-
-        MeasuredOutline const& mOutline;
-        std::size_t mNext;
-        std::size_t mSegment = 0;
-    };
-    Walk WalkFrom(double length) const { return Walk(*this, FirstEndingBehind(length)); }
+    /// Appends the piece between two lengths to `out`.
+    void Cut(double startLength, double endLength, CPath& out) const;
 
 private:
+    class Walk;
     struct Level {
-        std::size_t first = 0; ///< of the strips
-        std::size_t count = 0;
+        std::size_t first = 0; ///< the index of its first strip
+        std::size_t count = 0; ///< the number of its strips
     };
     /// The nearest segment so far.
     struct Candidate {
         std::size_t segment = 0;
         bool found = false;
         double distance = std::numeric_limits<double>::max();
-        double limit = std::numeric_limits<double>::infinity(); ///< see Limit
+        double limit = std::numeric_limits<double>::infinity(); ///< Limit() of the distance
         double parameter = 0.0;
         Pt point;
     };
@@ -299,38 +207,34 @@ private:
     static double Limit(Pt const& p, double best);
 
     std::vector<double> mBehind; ///< the sums of lengths, each segment's own included
-    std::size_t mOrdered = 0;    ///< the number of those before the first NaN
+    std::size_t mOrdered = 0;    ///< the number of sums before the first NaN
     std::vector<Segment> mSegments;
-    std::vector<double> mSums; ///< of the flattenings' edges
-    std::vector<Pt> mPts;      ///< of the flattenings
+    std::vector<double> mSums; ///< the sums of the flattenings' edges
+    std::vector<Pt> mPts;      ///< the points of the flattenings
     std::vector<Strip> mStrips;
     std::array<Level, kMostLevels> mLevels; ///< from the segments' own strips to the single one
-    std::size_t mTop = 0;
-    Pt mStart; ///< of the last subpath
+    std::size_t mTop = 0;                   ///< the level of the single strip
+    Pt mStart;                              ///< the start of the last subpath
 };
 
 MeasuredOutline::MeasuredOutline(CPath const& path) {
     double running = 0.0;
     Flattening flattening;
-    trammel_detail::SegmentCursor cursor(path);
+    SegmentCursor cursor(path);
     while (cursor.Next()) {
         Segment segment{};
         segment.element = cursor.Element();
         segment.isCurve = cursor.IsCurve();
         if (segment.isCurve) {
             segment.curve = cursor.Curve();
+            segment.firstPt = mPts.size();
             flattening.Make(segment.curve);
             segment.length = flattening.Length();
-            if (flattening.Complete()) {
-                segment.firstPt = mPts.size();
-                segment.ptCount = flattening.Pts().size();
-                mPts.insert(mPts.end(), flattening.Pts().begin(), flattening.Pts().end());
-                mSums.insert(mSums.end(), flattening.Sums().begin(), flattening.Sums().end());
-            }
+            segment.ptCount = flattening.AppendTo(mPts, mSums);
         } else {
             TLine<double> const& line = cursor.Line();
             segment.curve.Set(line.mStart, line.mStart, line.mEnd, line.mEnd);
-            segment.length = line.Length();
+            segment.length = cursor.Length();
         }
         running += segment.length;
         mBehind.push_back(running);
@@ -371,7 +275,7 @@ std::size_t MeasuredOutline::Find(double target, std::size_t hint) const {
     std::size_t first = 0;
     std::size_t count = mOrdered;
     if (hint > 0 && hint < mOrdered && !(target <= sums[hint - 1])) {
-        // Ever longer steps from there, until one is too long.
+        // Ever longer steps lead on from there, until one is too long.
         first = hint;
         std::size_t step = 1;
         while (step < mOrdered - first && !(target <= sums[first + step - 1])) {
@@ -384,6 +288,7 @@ std::size_t MeasuredOutline::Find(double target, std::size_t hint) const {
     return first < mOrdered ? first : mSegments.size();
 }
 
+/// Returns the index of the first segment that ends behind `length`.
 std::size_t MeasuredOutline::FirstEndingBehind(double length) const {
     return static_cast<std::size_t>(
         std::partition_point(mBehind.begin(),
@@ -392,7 +297,40 @@ std::size_t MeasuredOutline::FirstEndingBehind(double length) const {
         mBehind.begin());
 }
 
-/// The point at a fraction of a curve's flattening, as TPolygon::TPt finds it.
+/// A walk over the segments from one of them on.
+class MeasuredOutline::Walk final : public MeasuredSegments {
+public:
+    Walk(MeasuredOutline const& outline, std::size_t first) : mOutline(outline), mNext(first) {}
+
+    bool Next() override {
+        if (mNext >= mOutline.mOrdered) {
+            return false;
+        }
+        mSegment = mNext++;
+        return true;
+    }
+    bool IsCurve() const override { return At().isCurve; }
+    TPoint<double> LineEnd() const override { return At().curve.P3; }
+    CBezier const& Curve() const override { return At().curve; }
+    double PercentT(double fraction) const override { return mOutline.PercentT(At(), fraction); }
+    double Length() const override { return At().length; }
+    double Before() const override { return mOutline.Before(mSegment); }
+    double Behind() const override { return mOutline.mBehind[mSegment]; }
+    TPoint<double> PtAtLength(double length) const override { return mOutline.PtAtLength(length); }
+
+private:
+    Segment const& At() const { return mOutline.mSegments[mSegment]; }
+
+    MeasuredOutline const& mOutline;
+    std::size_t mNext;
+    std::size_t mSegment = 0;
+};
+
+void MeasuredOutline::Cut(double startLength, double endLength, CPath& out) const {
+    CutRange(Walk(*this, FirstEndingBehind(startLength)), startLength, endLength, out);
+}
+
+/// Returns the point at a fraction of a curve's flattening, as TPolygon::TPt finds it.
 Pt MeasuredOutline::FlattenedPt(Segment const& segment, double fraction) const {
     Pt const* const pts = &mPts[segment.firstPt];
     double const* const sums = &mSums[segment.firstPt];
@@ -409,10 +347,10 @@ Pt MeasuredOutline::FlattenedPt(Segment const& segment, double fraction) const {
         return pts[last];
     }
     TLine<double> const line(pts[edge], pts[edge + 1]);
-    return line.TPt((target - sums[edge]) / line.Length());
+    return line.TPt((target - sums[edge]) / Distance(line.mStart, line.mEnd));
 }
 
-/// CBezier::PercentT.
+/// Does what CBezier::PercentT does.
 double MeasuredOutline::PercentT(Segment const& segment, double fraction) const {
     if (segment.ptCount == 0) {
         return segment.curve.PercentT(fraction);
@@ -457,9 +395,10 @@ PathMeasure::Place MeasuredOutline::PlaceOn(std::size_t i, double target) const 
 
 /// Takes segment `i` as the nearest if CPath::FindTValue does.
 ///
-/// In the order of the path, lines win with a smaller distance only, curves also with the same. So
-/// of all at the smallest distance the last curve wins, or the first line if there is no curve:
-/// a rule that does not depend on the order in which they are considered.
+/// FindTValue goes through the segments in their order. A line wins with a smaller distance only, a
+/// curve also with the same distance. So of all segments at the smallest distance the last curve
+/// wins, or the first line if there is no curve. This rule holds in whatever order the segments are
+/// considered.
 void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) const {
     Segment const& segment = mSegments[i];
     double parameter;
@@ -469,12 +408,12 @@ void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) cons
         point = segment.curve.TPt(parameter);
     } else {
         TLine<double> const line = segment.Line();
-        // TLine::FindTValue, with the length at hand.
+        // TLine::FindTValue with the length, which is known.
         Pt const pinned = line.PinPtToLineSeg(line.PerpendicularPt(p));
-        parameter = TLine<double>(line.mStart, pinned).Length() / segment.length;
+        parameter = Distance(line.mStart, pinned) / segment.length;
         point = line.TPt(parameter);
     }
-    double const distance = TLine<double>(p, point).Length();
+    double const distance = Distance(p, point);
     bool wins = distance < best.distance;
     if (distance == best.distance) {
         bool const other = best.found && mSegments[best.segment].isCurve;
@@ -491,18 +430,18 @@ void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) cons
     }
 }
 
-/// The distance, rounding of all kinds included, beyond which nothing is as near as `best`. Neither
-/// it nor its square underflows.
+/// Returns the distance beyond which nothing is as near as `best`, with room for all rounding.
+/// Neither it nor its square underflows.
 double MeasuredOutline::Limit(Pt const& p, double best) {
-    if (best <= Strip::kLargest && Magnitude(p) <= Strip::kLargest) {
-        return best * (1.0 + Strip::kSlack) + Strip::kSlack * Magnitude(p) + 0x1p-400;
+    if (best <= Strip::kLargest && Taxicab(p) <= Strip::kLargest) {
+        return best * (1.0 + Strip::kSlack) + Strip::kSlack * Taxicab(p) + 0x1p-400;
     }
     return std::numeric_limits<double>::infinity();
 }
 
 PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction) const {
     PathMeasure::Nearest nearest;
-    // At no finite distance from anything.
+    // Such a point is at no finite distance from anything.
     if (mSegments.empty() || !std::isfinite(p.h) || !std::isfinite(p.v)) {
         return nearest;
     }
@@ -534,8 +473,8 @@ PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction
             if (strip.Beyond(best.limit, squared)) {
                 continue;
             }
-            // On top, to be taken first, the one with the nearest chord: what is left beside the
-            // radius would tell little where the strips are wide.
+            // The strip with the nearest chord goes on top and is taken first. The distance from
+            // the strip, without its radius, would tell little where the strips are wide.
             std::size_t at = count++;
             for (; at > firstPending && pending[at - 1].squaredDistance < squared; --at) {
                 pending[at] = pending[at - 1];
@@ -559,7 +498,7 @@ PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction
             segment.curve.Divide(left, right, best.parameter);
             part = left.Length();
         } else {
-            part = TLine<double>(segment.curve.P0, best.point).Length();
+            part = Distance(segment.curve.P0, best.point);
         }
         nearest.length = Before(best.segment) + part;
         nearest.t = nearest.length / Total();
@@ -587,42 +526,28 @@ PathMeasure::Place PathMeasure::AtLength(double length) const {
 }
 
 void PathMeasure::TPts(double const* t, std::size_t count, TPoint<double>* out) const {
-    double const total = Length();
-    std::size_t segment = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const target = t[i] * total;
-        segment = mOutline->Find(target, segment);
+    mOutline->FindEach(t, count, Length(), [&](std::size_t i, std::size_t segment, double target) {
         out[i] = mOutline->PtOn(segment, target);
-    }
+    });
 }
 
 void PathMeasure::PtsAtLengths(double const* lengths, std::size_t count,
                                TPoint<double>* out) const {
-    std::size_t segment = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const target = lengths[i];
-        segment = mOutline->Find(target, segment);
+    mOutline->FindEach(lengths, count, 1.0, [&](std::size_t i, std::size_t segment, double target) {
         out[i] = mOutline->PtOn(segment, target);
-    }
+    });
 }
 
 void PathMeasure::Places(double const* t, std::size_t count, Place* out) const {
-    double const total = Length();
-    std::size_t segment = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const target = t[i] * total;
-        segment = mOutline->Find(target, segment);
+    mOutline->FindEach(t, count, Length(), [&](std::size_t i, std::size_t segment, double target) {
         out[i] = mOutline->PlaceOn(segment, target);
-    }
+    });
 }
 
 void PathMeasure::PlacesAtLengths(double const* lengths, std::size_t count, Place* out) const {
-    std::size_t segment = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const target = lengths[i];
-        segment = mOutline->Find(target, segment);
+    mOutline->FindEach(lengths, count, 1.0, [&](std::size_t i, std::size_t segment, double target) {
         out[i] = mOutline->PlaceOn(segment, target);
-    }
+    });
 }
 
 double PathMeasure::FindTValue(TPoint<double> const& p) const { return FindNearest(p).t; }
@@ -640,7 +565,7 @@ void PathMeasure::GetTRange(double t0, double t1, CPath& out) const {
 }
 
 void PathMeasure::GetLengthRange(double length0, double length1, CPath& out) const {
-    trammel_detail::CutRange(*mOutline, length0, length1, out);
+    mOutline->Cut(length0, length1, out);
 }
 
 } // namespace trammel

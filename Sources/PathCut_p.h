@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: MIT
+
+// The cutting of a piece out of a measured outline. Not installed.
+
+#ifndef TRAMMEL_PATHCUT_P_H
+#define TRAMMEL_PATHCUT_P_H
+
+#include "CBezier.h"
+#include "CPath.h"
+#include "TPoint.h"
+
+#include <type_traits>
+
+namespace trammel_detail {
+
+/// The segments of a measured outline, one after the other: what CutRange reads.
+class MeasuredSegments {
+public:
+    /// Steps to the next segment. Returns false at the end.
+    virtual bool Next() = 0;
+    virtual bool IsCurve() const = 0;
+    /// Returns the end of the segment, which is a line.
+    virtual TPoint<double> LineEnd() const = 0;
+    /// Returns the segment, which is a curve.
+    virtual CBezier const& Curve() const = 0;
+    /// Returns the parameter of the curve at a fraction of its length (CBezier::PercentT).
+    virtual double PercentT(double fraction) const = 0;
+    virtual double Length() const = 0;
+    /// Returns the length of the outline from its start up to the segment.
+    virtual double Before() const = 0;
+    /// Returns the length of the outline from its start up to the segment's end.
+    virtual double Behind() const = 0;
+    /// Returns the point of the outline at a length from its start (PathMeasure::PtAtLength).
+    virtual TPoint<double> PtAtLength(double length) const = 0;
+
+protected:
+    MeasuredSegments() = default;
+    MeasuredSegments(MeasuredSegments const&) = default;
+    MeasuredSegments& operator=(MeasuredSegments const&) = default;
+    ~MeasuredSegments() = default;
+};
+
+/// Appends the piece between two lengths to `out`, which must not be the path that is cut. See
+/// CPath::GetTRange.
+///
+/// `segments` may begin anywhere before the first segment that ends behind `startLength`. Its class
+/// is a template's parameter and final, so that the compiler calls its functions directly.
+template <class Segments>
+void CutRange(Segments segments, double startLength, double endLength, CPath& out) {
+    static_assert(std::is_base_of_v<MeasuredSegments, Segments> && std::is_final_v<Segments>);
+    out.MoveTo(segments.PtAtLength(startLength));
+    bool done = false;
+    while (!done && segments.Next()) {
+        if (!(startLength < segments.Behind())) {
+            continue;
+        }
+        if (!segments.IsCurve()) {
+            done = endLength <= segments.Behind();
+            out.LineTo(done ? segments.PtAtLength(endLength) : segments.LineEnd());
+        } else if (endLength < segments.Before()) {
+            done = true;
+        } else {
+            // A curve that holds the range's end does not end the walk. A following line adds
+            // itself up to the end, where it has length; a following curve stops.
+            double const before = segments.Before();
+            double const length = segments.Length();
+            double const u0 =
+                before < startLength ? segments.PercentT((startLength - before) / length) : 0.0;
+            double const u1 = endLength < segments.Behind()
+                                  ? segments.PercentT((endLength - before) / length)
+                                  : 1.0;
+            CBezier piece;
+            segments.Curve().GetTRange(u0, u1, piece);
+            out.CurveTo(piece.P1, piece.P2, piece.P3);
+        }
+    }
+}
+
+} // namespace trammel_detail
+
+#endif
