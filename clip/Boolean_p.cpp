@@ -96,8 +96,7 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
     Box<double> all = first.Bounds();
     all.Include(second.Bounds());
     if (!all.HasArea()) {
-        return {ResolvedContours(scratch), ScratchVector<std::size_t>(scratch),
-                ClipGrid(0, 0, 1, 1)};
+        return {RegionContours(scratch), ScratchVector<std::size_t>(scratch), ClipGrid(0, 0, 1, 1)};
     }
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
     GridLines lines(scratch);
@@ -107,7 +106,7 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
     first.AppendLines(kFirst, withinSecond ? second.Bounds() : first.Bounds(), grid, lines);
     second.AppendLines(kSecond, withinFirst ? first.Bounds() : second.Bounds(), grid, lines);
     grid.FinishAdding();
-    ResolvedContours resolved = ResolveContours(lines, region, grid);
+    RegionContours resolved = ContoursOf(lines, region, grid);
     ScratchVector<std::size_t> order = OrderContours(resolved);
     return {std::move(resolved), std::move(order), std::move(grid)};
 }

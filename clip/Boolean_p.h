@@ -55,7 +55,7 @@ private:
 
 /// The contours of a result in the order in which they are listed, see OrderContours().
 struct BooleanResult {
-    ResolvedContours resolved;
+    RegionContours resolved;
     ScratchVector<std::size_t> order;
     ClipGrid grid;
 

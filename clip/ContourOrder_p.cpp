@@ -95,7 +95,7 @@ GridPoint ListingPoint::Of(GridPoint const* v, std::size_t count) {
 
 } // namespace
 
-ScratchVector<std::size_t> OrderContours(ResolvedContours& resolved) {
+ScratchVector<std::size_t> OrderContours(RegionContours& resolved) {
     GridLines& contours = resolved.contours;
     ScratchVector<GridPoint>& points = contours.points;
     ScratchVector<GridPoint> keys(points.get_allocator());

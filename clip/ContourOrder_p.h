@@ -16,7 +16,7 @@ namespace trammel_detail {
 /// vertices between two horizontal edges, turns each contour so that it starts (a hole) or ends
 /// (any other) at its highest vertex, the rightmost of several, and returns the numbers of the
 /// contours in the order of the list. Cost: O(n log n).
-ScratchVector<std::size_t> OrderContours(ResolvedContours& resolved);
+ScratchVector<std::size_t> OrderContours(RegionContours& resolved);
 
 } // namespace trammel_detail
 

@@ -17,11 +17,11 @@ namespace {
 
 /// The lines in an order in which neighbours are near each other: that of their first vertices
 /// along Morton's curve.
-GridLines SortedByPlace(GridLines const& lines) {
+GridLines SortedAlongMortonCurve(GridLines const& lines) {
     ScratchVector<std::pair<std::uint64_t, std::size_t>> order(lines.points.get_allocator());
     order.reserve(lines.Count());
     for (std::size_t line = 0; line < lines.Count(); ++line) {
-        order.emplace_back(PlaceOf(lines.points[lines.Begin(line)]), line);
+        order.emplace_back(MortonCode(lines.points[lines.Begin(line)]), line);
     }
     std::sort(order.begin(), order.end());
     GridLines sorted(lines.points.get_allocator().GetScratch());
@@ -41,14 +41,14 @@ GridLines SortedByPlace(GridLines const& lines) {
 
 } // namespace
 
-ResolvedContours ResolveContours(GridLines const& lines, RegionOf const& region,
-                                 ClipGrid const& grid, Caution caution) {
+RegionContours ContoursOf(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+                          Recheck recheck) {
     Scratch* const scratch = lines.points.get_allocator().GetScratch();
-    GridLines cut = lines.Count() > 2 ? SortedByPlace(lines) : lines;
-    ScratchVector<Meeting> meetings(scratch);
+    GridLines cut = lines.Count() > 2 ? SortedAlongMortonCurve(lines) : lines;
+    ScratchVector<Incidence> incidences(scratch);
     std::optional<EdgeTree> tree;
-    CutAtCrossings(cut, grid, caution, meetings, tree);
-    return LinkContours(cut, tree, meetings, region);
+    CutAtCrossings(cut, grid, recheck, incidences, tree);
+    return LinkContours(cut, tree, incidences, region);
 }
 
 } // namespace trammel_detail

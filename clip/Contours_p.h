@@ -16,8 +16,8 @@ namespace trammel_detail {
 /// direction.
 ///
 /// Cost: see CutAtCrossings() and LinkContours().
-ResolvedContours ResolveContours(GridLines const& lines, RegionOf const& region,
-                                 ClipGrid const& grid, Caution caution = Caution::kWhereNeeded);
+RegionContours ContoursOf(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+                          Recheck recheck = Recheck::kWhereNeeded);
 
 } // namespace trammel_detail
 

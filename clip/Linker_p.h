@@ -16,8 +16,8 @@ namespace trammel_detail {
 /// The contours of a region. Each has neither vertex nor edge in common with itself; two may share
 /// single vertices, where they meet but do not cross. Those of holes run counterclockwise, the
 /// others clockwise (y up).
-struct ResolvedContours {
-    explicit ResolvedContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
+struct RegionContours {
+    explicit RegionContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
 
     GridLines contours;
     ScratchVector<char> holes; ///< one a contour: 1 if the region lies outside of it
@@ -28,13 +28,13 @@ struct ResolvedContours {
 typedef std::array<bool, 4> RegionOf;
 
 /// The contours of the region. The edges of the lines have nothing in common but their ends, or are
-/// equal; `tree` is a tree over them in their order, or none; `meetings` has an element for each
+/// equal; `tree` is a tree over them in their order, or none; `incidences` has an element for each
 /// vertex. Throws std::length_error for more than EdgeTree::kMostEdges edges.
 ///
 /// Cost: O(n + s log s) for s vertices at which anything may come together, and a ray for each part
 /// of the lines that hangs together.
-ResolvedContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
-                              ScratchVector<Meeting> const& meetings, RegionOf const& region);
+RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
+                            ScratchVector<Incidence> const& incidences, RegionOf const& region);
 
 } // namespace trammel_detail
 

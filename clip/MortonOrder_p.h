@@ -10,12 +10,12 @@
 
 namespace trammel_detail {
 
-/// The bits of PlaceOf().
-inline constexpr int kPlaceBits = 64;
+/// The bits of MortonCode().
+inline constexpr int kMortonBits = 64;
 
 /// The position of the point along Morton's curve: the bits of the upper halves of x and y, in
 /// turns.
-inline std::uint64_t PlaceOf(GridPoint p) {
+inline std::uint64_t MortonCode(GridPoint p) {
     // The upper half of a coordinate, with a zero after each bit.
     auto const spread = [](std::int64_t v) {
         std::int64_t const limit = std::int64_t{1} << 60;

@@ -29,16 +29,16 @@ using plain::Dice;
 using plain::Polygon;
 using plain::Region;
 using plain::Vertex;
-using trammel_detail::Caution;
 using trammel_detail::ClipGrid;
 using trammel_detail::EdgeTree;
 using trammel_detail::GridBox;
 using trammel_detail::GridEdge;
 using trammel_detail::GridLines;
 using trammel_detail::GridPoint;
-using trammel_detail::Meeting;
+using trammel_detail::Incidence;
+using trammel_detail::Recheck;
+using trammel_detail::RegionContours;
 using trammel_detail::RegionOf;
-using trammel_detail::ResolvedContours;
 
 RegionOf const kRegions[4] = {{false, true, false, false},
                               {false, false, false, true},
@@ -76,9 +76,9 @@ private:
 };
 
 /// The operation's result, the parts put together by hand.
-Region Resolve(Drawing const& drawing, std::size_t operation, Caution caution) {
-    ResolvedContours resolved =
-        trammel_detail::ResolveContours(drawing.lines, kRegions[operation], drawing.grid, caution);
+Region Resolve(Drawing const& drawing, std::size_t operation, Recheck recheck) {
+    RegionContours resolved =
+        trammel_detail::ContoursOf(drawing.lines, kRegions[operation], drawing.grid, recheck);
     Region region;
     for (std::size_t const c : trammel_detail::OrderContours(resolved)) {
         Contour contour;
@@ -108,8 +108,8 @@ void ExpectNothingMissed(Polygon const& a, Polygon const& b) {
     }
     Drawing const drawing(a, b);
     for (std::size_t operation = 0; operation < 4; ++operation) {
-        ExpectSame(Resolve(drawing, operation, Caution::kWhereNeeded),
-                   Resolve(drawing, operation, Caution::kEverywhere));
+        ExpectSame(Resolve(drawing, operation, Recheck::kWhereNeeded),
+                   Resolve(drawing, operation, Recheck::kEverywhere));
     }
 }
 
@@ -213,36 +213,36 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
 TEST(ClipParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
     // Two squares: two crossings, of two edges each.
     Drawing const drawing({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}}, {{{2, 1}, {6, 1}, {6, 3}, {2, 3}}});
-    for (Caution const caution : {Caution::kWhereNeeded, Caution::kEverywhere}) {
+    for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
         GridLines lines = drawing.lines;
-        trammel_detail::ScratchVector<Meeting> meetings;
+        trammel_detail::ScratchVector<Incidence> incidences;
         std::optional<EdgeTree> tree;
-        trammel_detail::CutAtCrossings(lines, drawing.grid, caution, meetings, tree);
+        trammel_detail::CutAtCrossings(lines, drawing.grid, recheck, incidences, tree);
         ASSERT_EQ(lines.points.size(), 12U);
         std::vector<std::size_t> plainOnes;
         for (std::size_t i = 0; i < 12; ++i) {
-            if (meetings[i] >= trammel_detail::kFirstCrossing) {
+            if (incidences[i] >= trammel_detail::kFirstCrossing) {
                 plainOnes.push_back(i);
             }
         }
-        EXPECT_EQ(plainOnes.size(), caution == Caution::kWhereNeeded ? 4U : 0U);
+        EXPECT_EQ(plainOnes.size(), recheck == Recheck::kWhereNeeded ? 4U : 0U);
         for (std::size_t const i : plainOnes) {
-            EXPECT_EQ(std::count(meetings.begin(), meetings.end(), meetings[i]), 2);
+            EXPECT_EQ(std::count(incidences.begin(), incidences.end(), incidences[i]), 2);
         }
     }
 }
 
 typedef std::vector<std::pair<std::size_t, std::size_t>> Pairs;
 
-/// The pairs of edges that a tree finds, in order, each as often as it does. `fresh` of every
+/// The pairs of edges that a tree finds, in order, each as often as it does. `active` of every
 /// `step`th edge is set; 0 stands for all.
 Pairs PairsFound(GridLines const& lines, std::size_t step, GridPoint margin,
                  EdgeTree::Order order) {
-    trammel_detail::ScratchVector<char> fresh;
+    trammel_detail::ScratchVector<char> active;
     for (std::size_t i = 0; i < lines.points.size() && step > 0; ++i) {
-        fresh.push_back(i % step == 0 ? 1 : 0);
+        active.push_back(i % step == 0 ? 1 : 0);
     }
-    EdgeTree const tree(lines, fresh, margin, order);
+    EdgeTree const tree(lines, active, margin, order);
     Pairs found;
     tree.ForMeetingPairs(true, [&](std::size_t i, std::size_t j, bool follow) {
         found.emplace_back(i, j);
@@ -259,8 +259,8 @@ Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) 
         for (std::size_t i = lines.Begin(line); i < lines.End(line); ++i) {
             std::size_t const second = i + 1 == lines.End(line) ? lines.Begin(line) : i + 1;
             GridBox const box = trammel_detail::BoxOf(lines.points[i], lines.points[second]);
-            boxes.push_back(
-                {box.x0 - margin.x, box.y0 - margin.y, box.x1 + margin.x, box.y1 + margin.y});
+            boxes.push_back({box.lowX - margin.x, box.lowY - margin.y, box.highX + margin.x,
+                             box.highY + margin.y});
         }
     }
     Pairs pairs;
@@ -276,23 +276,23 @@ Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) 
 
 TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
-    // are fresh (8 and fewer, or one in 16), and where all are.
+    // are active (8 and fewer, or one in 16), and where all are.
     Dice dice(5);
     GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
     for (int const vertices : {3, 20, 24, 25, 60}) {
         Drawing const drawing({RandomContour(dice, vertices)}, {RandomContour(dice, vertices)});
         GridLines cut = drawing.lines;
-        trammel_detail::ScratchVector<Meeting> meetings;
+        trammel_detail::ScratchVector<Incidence> incidences;
         std::optional<EdgeTree> tree;
-        trammel_detail::CutAtCrossings(cut, drawing.grid, Caution::kWhereNeeded, meetings, tree);
+        trammel_detail::CutAtCrossings(cut, drawing.grid, Recheck::kWhereNeeded, incidences, tree);
         for (GridLines const& lines : {drawing.lines, cut}) {
             for (std::size_t const step : {0, 2, 10, 16, 40, 1000}) {
                 for (GridPoint const margin : margins) {
-                    SCOPED_TRACE(std::to_string(lines.points.size()) + " edges, fresh " +
+                    SCOPED_TRACE(std::to_string(lines.points.size()) + " edges, active " +
                                  std::to_string(step));
                     Pairs const expected = PairsThatMeet(lines, step, margin);
                     EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kLines), expected);
-                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kPlaces), expected);
+                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kMorton), expected);
                 }
             }
         }
@@ -331,7 +331,7 @@ TEST(ClipParts, HatchingIsToldApartByItsSlant) {
         for (GridPoint const margin : {GridPoint{0, 0}, GridPoint{20 * unit, 30 * unit}}) {
             for (std::size_t const step : {0, 2, 10}) {
                 Pairs const boxes = PairsThatMeet(lines, step, margin);
-                for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kPlaces}) {
+                for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kMorton}) {
                     Pairs const found = PairsFound(lines, step, margin, order);
                     EXPECT_TRUE(
                         std::includes(boxes.begin(), boxes.end(), found.begin(), found.end()));
@@ -377,12 +377,12 @@ TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
                 lines.Close(once.operands[line]);
             }
         }
-        // One edge in two is fresh, lest the tree do without boxes as most edges meet.
-        trammel_detail::ScratchVector<char> fresh;
+        // One edge in two is active, lest the tree do without boxes as most edges meet.
+        trammel_detail::ScratchVector<char> active;
         for (std::size_t i = 0; i < lines.points.size(); ++i) {
-            fresh.push_back(i % 2 == 0 ? 1 : 0);
+            active.push_back(i % 2 == 0 ? 1 : 0);
         }
-        EdgeTree const tree(lines, fresh, {0, 0}, EdgeTree::Order::kLines);
+        EdgeTree const tree(lines, active, {0, 0}, EdgeTree::Order::kLines);
         ASSERT_TRUE(tree.HasBoxes());
         for (std::size_t i = 0; i < tree.Count(); ++i) {
             if (tree.At(i).a.y != tree.At(i).b.y) {
@@ -494,7 +494,8 @@ void ExpectNoCrossings(GridLines const& lines) {
         int const fa = SideOf(e.a, e.b, f.a);
         int const fb = SideOf(e.a, e.b, f.b);
         auto const inside = [&](GridPoint p, int side) {
-            return side == 0 && p != e.a && p != e.b && trammel_detail::BoxOf(e).Contains(p);
+            return side == 0 && p != e.a && p != e.b &&
+                   trammel_detail::Contains(trammel_detail::BoxOf(e), p);
         };
         return inside(f.a, fa) || inside(f.b, fb) ||
                (fa * fb < 0 && SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) < 0);
@@ -547,11 +548,11 @@ TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
         }
         lines.Close(2);
         grid.FinishAdding();
-        for (Caution const caution : {Caution::kWhereNeeded, Caution::kEverywhere}) {
+        for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
             GridLines cut = lines;
-            trammel_detail::ScratchVector<Meeting> meetings;
+            trammel_detail::ScratchVector<Incidence> incidences;
             std::optional<EdgeTree> tree;
-            trammel_detail::CutAtCrossings(cut, grid, caution, meetings, tree);
+            trammel_detail::CutAtCrossings(cut, grid, recheck, incidences, tree);
             ExpectNoCrossings(cut);
         }
     }

@@ -1,0 +1,272 @@
+// SPDX-License-Identifier: MIT
+
+#include "Cuts_p.h"
+
+#include <algorithm>
+#include <limits>
+#include <stdexcept>
+#include <utility>
+
+namespace trammel_detail {
+
+namespace {
+
+/// Puts the cuts of one edge into their order along it.
+void SortAlong(Cut* begin, Cut* end) {
+    auto const before = [](Cut const& c, Cut const& d) {
+        return c.along != d.along ? c.along < d.along : c.across < d.across;
+    };
+    // Edges that lie side by side are found in their order along an edge that crosses them, or in
+    // the opposite order.
+    if (before(end[-1], *begin)) {
+        std::reverse(begin, end);
+    }
+    if (!std::is_sorted(begin, end, before)) {
+        std::sort(begin, end, before);
+    }
+}
+
+/// Finds the parts of cut edges that may meet others, see Clearances.
+class UnsettledParts {
+public:
+    /// Without clearances, all parts may meet others.
+    UnsettledParts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances,
+                   Scratch* scratch)
+        : mTree(tree), mSorted(sorted), mClearances(clearances), mPoints(scratch), mParts(scratch) {
+    }
+
+    /// True when no part of a cut edge may meet others. `before` and `after` are the edges that the
+    /// edge follows and that follow it.
+    bool IsClear(std::size_t edge, std::size_t before, std::size_t after) const {
+        if (mClearances == nullptr || mSorted.HasNearMiss(edge)) {
+            return false;
+        }
+        GridEdge const& e = mTree.At(edge);
+        MajorAxis const axis(e);
+        std::int64_t clearance = mClearances->ForCorner(mTree.At(before), e);
+        std::int64_t const endClearance = mClearances->ForCorner(e, mTree.At(after));
+        bool clear = !IsShort(before, clearance) && !IsShort(after, endClearance);
+        std::int64_t at = axis.Along(e.a);
+        for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
+            Cut const& cut = mSorted.At(i);
+            clear &= cut.along - at >= std::max(clearance, cut.clearance);
+            at = cut.along;
+            clearance = cut.clearance;
+        }
+        return clear && axis.Along(e.b) - at >= std::max(clearance, endClearance);
+    }
+
+    /// Returns an element for each part of a cut edge: 1 if the part may meet others. Cuts that
+    /// lack their clearance get kShared.
+    ScratchVector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
+        Collect(edge, before, after);
+        mParts.assign(1, 1);
+        if (mClearances == nullptr) {
+            mParts.resize(mPoints.size() - 1, 1);
+            return mParts;
+        }
+        FindLacks(edge);
+        // A point that lacks its clearance affects the parts within that distance, forwards and
+        // then backwards.
+        mParts.clear();
+        std::int64_t reach = std::numeric_limits<std::int64_t>::min();
+        std::int64_t last = 0;
+        for (Point const& p : mPoints) {
+            if (p.isVertex && &p != &mPoints.front()) {
+                mParts.push_back(reach > last ? 1 : 0);
+            }
+            last = p.isVertex ? p.along : last;
+            reach = p.lacks ? std::max(reach, p.along + p.clearance) : reach;
+        }
+        reach = std::numeric_limits<std::int64_t>::max();
+        std::size_t part = mParts.size();
+        for (std::size_t i = mPoints.size(); i-- > 0;) {
+            Point const& p = mPoints[i];
+            if (p.isVertex && i + 1 < mPoints.size() && reach < last) {
+                mParts[part - 1] = 1;
+            }
+            if (p.isVertex) {
+                part -= i + 1 < mPoints.size() ? 1 : 0;
+                last = p.along;
+            }
+            reach = p.lacks ? std::min(reach, p.along - p.clearance) : reach;
+        }
+        return mParts;
+    }
+
+private:
+    struct Point {
+        std::int64_t along;
+        std::int64_t clearance;
+        bool isVertex;
+        bool lacks;
+    };
+
+    /// Sets the points: the edge's ends, and between them its cuts and near misses.
+    void Collect(std::size_t edge, std::size_t before, std::size_t after) {
+        GridEdge const& e = mTree.At(edge);
+        MajorAxis const axis(e);
+        bool const known = mClearances != nullptr;
+        mPoints.clear();
+        mPoints.push_back({axis.Along(e.a), known ? mClearances->ForCorner(mTree.At(before), e) : 0,
+                           true, false});
+        for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
+            Cut const& cut = mSorted.At(i);
+            bool const isVertex = cut.incidence != kSingle;
+            mPoints.push_back({cut.along, cut.clearance, isVertex, !isVertex});
+        }
+        mPoints.push_back(
+            {axis.Along(e.b), known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
+        // The clearance at a corner holds for the neighbour, too. A neighbour that is cut checks it
+        // in its turn.
+        mPoints.front().lacks = known && IsShort(before, mPoints.front().clearance);
+        mPoints.back().lacks = known && IsShort(after, mPoints.back().clearance);
+    }
+    bool IsShort(std::size_t edge, std::int64_t clearance) const {
+        GridEdge const& e = mTree.At(edge);
+        MajorAxis const axis(e);
+        return axis.Along(e.b) - axis.Along(e.a) < clearance && !mSorted.Has(edge);
+    }
+    void FindLacks(std::size_t edge) {
+        std::size_t last = 0;
+        for (std::size_t i = 1; i < mPoints.size(); ++i) {
+            if (mPoints[i].isVertex) {
+                std::int64_t const gap = mPoints[i].along - mPoints[last].along;
+                mPoints[last].lacks |= gap < mPoints[last].clearance;
+                mPoints[i].lacks |= gap < mPoints[i].clearance;
+                last = i;
+            }
+        }
+        for (std::size_t i = 1; i + 1 < mPoints.size(); ++i) {
+            Cut& cut = mSorted.At(mSorted.Begin(edge) + i - 1);
+            if (mPoints[i].isVertex && mPoints[i].lacks) {
+                cut.incidence = kShared;
+            }
+        }
+    }
+
+    EdgeTree const& mTree;
+    SortedCuts& mSorted;
+    Clearances const* mClearances;
+    ScratchVector<Point> mPoints;
+    ScratchVector<char> mParts;
+};
+
+} // namespace
+
+SortedCuts::SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree)
+    : mCuts(unsorted.size(), unsorted.get_allocator()),
+      mEnds(tree.Count(), 0, unsorted.get_allocator()),
+      mHas(tree.Count(), 0, unsorted.get_allocator()) {
+    // The caller treats this like a lack of memory.
+    if (unsorted.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::length_error("SortedCuts");
+    }
+    for (Cut const& cut : unsorted) {
+        ++mEnds[cut.edge];
+        mHas[cut.edge] =
+            static_cast<char>(mHas[cut.edge] | (cut.incidence == kSingle ? kNearMiss : kCut));
+    }
+    std::uint32_t sum = 0;
+    for (std::uint32_t& end : mEnds) {
+        sum += std::exchange(end, sum);
+    }
+    for (Cut const& cut : unsorted) {
+        mCuts[mEnds[cut.edge]++] = cut;
+    }
+    for (std::size_t edge = 0; edge < mEnds.size(); ++edge) {
+        if (mEnds[edge] - Begin(edge) > 1) {
+            SortAlong(mCuts.data() + Begin(edge), mCuts.data() + mEnds[edge]);
+        }
+    }
+}
+
+void SortedCuts::KeepMonotone() {
+    std::size_t begin = 0;
+    std::size_t size = 0;
+    for (std::uint32_t& end : mEnds) {
+        std::size_t const first = size;
+        for (std::size_t k = begin; k < end; ++k) {
+            if (size == first || mCuts[k].across >= mCuts[size - 1].across) {
+                mCuts[size++] = mCuts[k];
+            }
+        }
+        begin = std::exchange(end, static_cast<std::uint32_t>(size));
+    }
+    mCuts.resize(size);
+}
+std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
+                      GridLines& lines, ScratchVector<Incidence>& incidences,
+                      ScratchVector<char>& active) {
+    // A crossing's number tells the edges' directions there. A cut can change the directions at its
+    // edge's ends.
+    auto const forget = [&](std::size_t vertex) {
+        incidences[vertex] = std::min(incidences[vertex], kShared);
+    };
+    for (std::size_t i = 0; i < tree.Count(); ++i) {
+        if (sorted.Has(i)) {
+            forget(i);
+            forget(tree.SecondOf(i));
+        }
+    }
+    std::size_t const most = lines.points.size() + sorted.Count();
+    ScratchVector<GridPoint> allPoints(most, incidences.get_allocator());
+    ScratchVector<Incidence> allIncidences(most, incidences.get_allocator());
+    active.assign(most, 0);
+    UnsettledParts unsettled(tree, sorted, clearances, incidences.get_allocator().GetScratch());
+    std::size_t size = 0;
+    std::size_t unsettledCount = 0;
+    std::size_t begin = 0;
+    for (std::size_t& lineEnd : lines.ends) {
+        std::size_t const end = lineEnd;
+        for (std::size_t i = begin; i < end; ++i) {
+            allPoints[size] = lines.points[i];
+            allIncidences[size] = incidences[i];
+            ++size;
+            if (!sorted.Has(i)) {
+                continue;
+            }
+            MajorAxis const axis(tree.At(i));
+            std::size_t const before = i == begin ? end - 1 : i - 1;
+            std::size_t const after = i + 1 == end ? begin : i + 1;
+            if (unsettled.IsClear(i, before, after)) {
+                for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
+                    Cut const& cut = sorted.At(k);
+                    allPoints[size] = axis.Point(cut.along, cut.across);
+                    allIncidences[size] = cut.incidence;
+                    ++size;
+                }
+                continue;
+            }
+            std::size_t const first = size - 1;
+            char const* part = unsettled.Of(i, before, after).data();
+            active[first] = *part++;
+            for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
+                Cut const& cut = sorted.At(k);
+                if (cut.incidence == kSingle) {
+                    continue;
+                }
+                GridPoint const p = axis.Point(cut.along, cut.across);
+                if (p != allPoints[size - 1]) {
+                    allPoints[size] = p;
+                    allIncidences[size] = cut.incidence;
+                    ++size;
+                }
+                active[size - 1] |= *part++;
+            }
+            unsettledCount += static_cast<std::size_t>(
+                std::count(active.begin() + static_cast<std::ptrdiff_t>(first),
+                           active.begin() + static_cast<std::ptrdiff_t>(size), 1));
+        }
+        lineEnd = size;
+        begin = end;
+    }
+    allPoints.resize(size);
+    allIncidences.resize(size);
+    active.resize(size);
+    lines.points = std::move(allPoints);
+    incidences = std::move(allIncidences);
+    return unsettledCount;
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,327 @@
+// SPDX-License-Identifier: MIT
+
+#include "EdgeTree_p.h"
+
+#include "MortonOrder_p.h"
+#include "Predicates_p.h"
+
+#include <cmath>
+#include <stdexcept>
+#include <utility>
+
+namespace trammel_detail {
+
+EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin,
+                   Order order)
+    : mLines(lines), mActiveEdges(std::move(active)), mMargin(margin), mOrder(order),
+      mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
+      mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
+      mStrips(lines.points.get_allocator()) {
+    if (lines.points.size() > kMostEdges) {
+        throw std::length_error("EdgeTree");
+    }
+    mEdges.resize(lines.points.size());
+    mFirst.assign(lines.points.size(), 0);
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        std::size_t const begin = lines.Begin(line);
+        std::size_t const end = lines.End(line);
+        mFirst[begin] = 1;
+        for (std::size_t i = begin; i + 1 < end; ++i) {
+            mEdges[i] = {lines.points[i], lines.points[i + 1]};
+        }
+        mEdges[end - 1] = {lines.points[end - 1], lines.points[begin]};
+    }
+    bool const allActive = mActiveEdges.empty();
+    bool const few = mEdges.size() <= kFewEdges;
+    if (!allActive) {
+        auto const countActive =
+            static_cast<std::size_t>(std::count(mActiveEdges.begin(), mActiveEdges.end(), 1));
+        mIsSparse = countActive <= mEdges.size() / 16;
+        if (few || countActive <= kFewActive) {
+            return;
+        }
+    }
+    if (mEdges.empty()) {
+        return;
+    }
+    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
+    mChains.reserve(lines.points.size() / 2);
+    mNodes.reserve(few ? 0 : lines.points.size());
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        std::size_t const end = lines.End(line);
+        for (std::size_t i = lines.Begin(line); i < end;) {
+            std::size_t const chain = i;
+            // Where the chain has gone so far: 1 and 2 for east and west, 4 and 8 for up and down.
+            unsigned directions = 0;
+            bool isActive = false;
+            for (; i < end && i - chain < longest; ++i) {
+                auto const [a, b] = mEdges[i];
+                unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
+                                     (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
+                if ((all & (all >> 1) & 5U) != 0) {
+                    break;
+                }
+                directions = all;
+                isActive = isActive || IsActive(i);
+            }
+            mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
+            if (!few) {
+                mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isActive});
+            }
+        }
+    }
+    if (few) {
+        return;
+    }
+    Slant slant;
+    bool const entangled = mNodes.size() > kFewEdges && ChooseSlant(slant);
+    if (entangled && allActive && mEdges.size() <= kMostEntangled) {
+        mNodes.clear();
+        return;
+    }
+    if (order == Order::kMorton) {
+        SortChains();
+    }
+    if (slant.reach != 0) {
+        mStrips.reserve(mNodes.size() + mNodes.size() / 2);
+        for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
+            mStrips.push_back(StripOf(chain, slant));
+        }
+    }
+    AddLevels();
+}
+
+EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
+    double const h = static_cast<double>(e.b.x - e.a.x);
+    double const v = static_cast<double>(e.b.y - e.a.y);
+    double const scale = kSlantUnits / std::max(std::abs(h), std::abs(v));
+    Slant slant;
+    slant.h = static_cast<std::int64_t>(-v * scale);
+    slant.v = static_cast<std::int64_t>(h * scale);
+    // Coordinates were rounded down, and the edges' margin counts.
+    slant.reach = std::abs(slant.h) * ((mMargin.x >> kUnitBits) + 2) +
+                  std::abs(slant.v) * ((mMargin.y >> kUnitBits) + 2);
+    return slant;
+}
+
+EdgeTree::Strip EdgeTree::StripOf(std::size_t chain, Slant const& slant) const {
+    std::int64_t const first = slant.Of(mEdges[mChains[chain].begin].a);
+    Strip strip = {first, first};
+    for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
+        std::int64_t const at = slant.Of(mEdges[i].b);
+        strip.Include({at, at});
+    }
+    return {strip.low - slant.reach, strip.high + slant.reach};
+}
+
+/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether most
+/// chains meet all the same.
+bool EdgeTree::ChooseSlant(Slant& best) const {
+    // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
+    // other always meet.
+    constexpr std::size_t kSamples = 64;
+    constexpr std::size_t kMostSamples = 2048;
+    constexpr std::size_t kWorthwhile = 4;
+    std::uint32_t random = 1;
+    auto const any = [&] {
+        random = random * 1664525U + 1013904223U;
+        return (random >> 16) * mNodes.size() >> 16;
+    };
+    std::array<std::pair<std::size_t, std::size_t>, kSamples> meeting;
+    std::size_t count = 0;
+    std::size_t const samples = std::clamp(mNodes.size() / 64, kSamples, kMostSamples);
+    std::size_t drawn = 0;
+    for (; drawn < samples && count < meeting.size(); ++drawn) {
+        std::size_t const i = any();
+        std::size_t const j = any();
+        if ((i + 1 < j || j + 1 < i) && mNodes[i].box.Meets(mNodes[j].box)) {
+            meeting[count++] = {i, j};
+        }
+    }
+    if (count < kWorthwhile) {
+        return false;
+    }
+    // Across which of some edges' directions are most of them apart?
+    std::size_t least = count;
+    for (std::size_t k = 0; k < count; k += (count + 7) / 8) {
+        GridEdge const& e = mEdges[mChains[meeting[k].first].begin];
+        if (e.a.x == e.b.x || e.a.y == e.b.y) {
+            continue; // across these the boxes tell
+        }
+        Slant const slant = SlantAcross(e);
+        std::size_t const still = static_cast<std::size_t>(
+            std::count_if(meeting.begin(), meeting.begin() + static_cast<std::ptrdiff_t>(count),
+                          [&](std::pair<std::size_t, std::size_t> const& pair) {
+                              return StripOf(pair.first, slant).Meets(StripOf(pair.second, slant));
+                          }));
+        if (still <= count / 2 && still < least) {
+            least = still;
+            best = slant;
+        }
+    }
+    return least > drawn / 8;
+}
+
+void EdgeTree::AddLevels() {
+    mLevels[1] = mNodes.size();
+    while (SizeOf(mTop) > kMostAtTop) {
+        std::size_t const begin = mLevels[mTop];
+        std::size_t const end = mLevels[mTop + 1];
+        for (std::size_t i = begin; i < end; i += kFan) {
+            std::size_t const last = std::min(i + kFan, end);
+            Node above = mNodes[i];
+            for (std::size_t k = i + 1; k < last; ++k) {
+                above.Include(mNodes[k]);
+            }
+            mNodes.push_back(above);
+            if (!mStrips.empty()) {
+                Strip across = mStrips[i];
+                for (std::size_t k = i + 1; k < last; ++k) {
+                    across.Include(mStrips[k]);
+                }
+                mStrips.push_back(across);
+            }
+        }
+        ++mTop;
+        mLevels[mTop + 1] = mNodes.size();
+    }
+}
+
+void EdgeTree::SortChains() {
+    ScratchVector<std::pair<std::uint64_t, std::size_t>> order(mNodes.get_allocator());
+    order.reserve(mNodes.size());
+    for (std::size_t i = 0; i < mNodes.size(); ++i) {
+        GridBox const& box = mNodes[i].box;
+        order.emplace_back(MortonCode({box.lowX + (box.highX - box.lowX) / 2,
+                                       box.lowY + (box.highY - box.lowY) / 2}),
+                           i);
+    }
+    std::sort(order.begin(), order.end());
+    ScratchVector<Chain> chains(mNodes.get_allocator());
+    ScratchVector<Node> nodes(mNodes.get_allocator());
+    chains.reserve(order.size());
+    nodes.reserve(order.size() + order.size() / 2);
+    for (auto const& [place, i] : order) {
+        chains.push_back(mChains[i]);
+        nodes.push_back(mNodes[i]);
+    }
+    mChains = std::move(chains);
+    mNodes = std::move(nodes);
+}
+
+namespace {
+
+/// A ray to the west that counts the edges that it crosses. It starts at the lower end p of an
+/// edge, moved up along the edge by an infinitely small amount: edges that end at p.y are below it,
+/// those that begin there reach it.
+class Ray {
+public:
+    explicit Ray(GridEdge const& e)
+        : mP(e.a.y < e.b.y ? e.a : e.b), mQ(e.a.y < e.b.y ? e.b : e.a) {}
+
+    GridPoint Start() const { return mP; }
+    bool IsBelow(GridPoint r) const { return r.y > mP.y; }
+    /// Whether the ray crosses another edge, of whose ends it passes between.
+    bool Crosses(GridEdge const& e) const {
+        GridPoint const low = IsBelow(e.a) ? e.b : e.a;
+        GridPoint const high = IsBelow(e.a) ? e.a : e.b;
+        if (low.x < mP.x && high.x < mP.x) {
+            return true;
+        }
+        if (low.x > mP.x && high.x > mP.x) {
+            return false;
+        }
+        int side = SideOf(low, high, mP);
+        if (side == 0) {
+            // Through p: the slopes decide.
+            side = Sign(static_cast<Int128>(high.x - low.x) * (mQ.y - mP.y) -
+                        static_cast<Int128>(high.y - low.y) * (mQ.x - mP.x));
+        }
+        return side < 0;
+    }
+
+private:
+    GridPoint mP;
+    GridPoint mQ;
+};
+
+} // namespace
+
+Operands EdgeTree::InsideWestOf(std::size_t edge) const {
+    Ray const ray(mEdges[edge]);
+    GridPoint const p = ray.Start();
+    Operands inside = 0;
+    Stack open;
+    auto const walk = [&] {
+        while (!open.Empty()) {
+            auto const [level, node, unused] = open.Pop();
+            static_cast<void>(unused);
+            GridBox const& box = NodesOf(level)[node].box;
+            if (p.y < box.lowY || p.y >= box.highY || p.x < box.lowX) {
+                continue;
+            }
+            if (box.highX < p.x) {
+                // All west of p. Whole lines are crossed an even number of times, so the beginning
+                // of the first line's part and the end of the last one's tell the parity.
+                std::size_t first = node;
+                std::size_t last = node + 1;
+                for (std::size_t i = 0; i < level; ++i) {
+                    first *= kFan;
+                    last *= kFan;
+                }
+                first = mChains[first].begin;
+                last = mChains[std::min(last, mChains.size()) - 1].end - 1;
+                for (auto const& [end, at] :
+                     {std::pair(first, mEdges[first].a), std::pair(last, mEdges[last].b)}) {
+                    std::size_t const line = LineOf(end);
+                    if (ray.IsBelow(at) != ray.IsBelow(mLines.points[mLines.Begin(line)])) {
+                        inside ^= mLines.operands[line];
+                    }
+                }
+                continue;
+            }
+            if (level > 0) {
+                for (std::size_t i = FirstOf(level, node); i < EndOf(level, node); ++i) {
+                    open.Push(level - 1, i, 0);
+                }
+                continue;
+            }
+            for (std::size_t i = FirstOf(0, node); i < EndOf(0, node); ++i) {
+                GridEdge const& e = mEdges[i];
+                if (i != edge && ray.IsBelow(e.a) != ray.IsBelow(e.b) && ray.Crosses(e)) {
+                    inside ^= mLines.operands[LineOf(i)];
+                }
+            }
+        }
+    };
+    for (std::size_t i = 0; i < SizeOf(mTop); ++i) {
+        open.Push(mTop, i, 0);
+        walk();
+    }
+    return inside;
+}
+
+Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
+    auto const found = std::upper_bound(lines.ends.begin(), lines.ends.end(), edge);
+    std::size_t const first = found == lines.ends.begin() ? 0 : found[-1];
+    Ray const ray({lines.points[edge], lines.points[edge + 1 == *found ? first : edge + 1]});
+    Operands inside = 0;
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        std::size_t const end = lines.End(line);
+        // The edge to each vertex.
+        std::size_t i = end - 1;
+        bool below = ray.IsBelow(lines.points[i]);
+        for (std::size_t next = lines.Begin(line); next < end; ++next) {
+            bool const nextBelow = ray.IsBelow(lines.points[next]);
+            if (nextBelow != below && i != edge &&
+                ray.Crosses({lines.points[i], lines.points[next]})) {
+                inside ^= lines.operands[line];
+            }
+            below = nextBelow;
+            i = next;
+        }
+    }
+    return inside;
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,369 @@
+// SPDX-License-Identifier: MIT
+
+// A tree of boxes over the edges of closed lines. Not installed.
+
+#ifndef TRAMMEL_EDGETREE_P_H
+#define TRAMMEL_EDGETREE_P_H
+
+#include "Lines_p.h"
+#include "Scratch_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that rise or
+/// fall, and go east or west, all the way: the edges of a chain have nothing in common but their
+/// ends.
+///
+/// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
+class EdgeTree {
+public:
+    /// As many as can be numbered, twice over, with 32 bits.
+    static constexpr std::size_t kMostEdges = std::size_t{1} << 31;
+
+    /// What comes together in a box: what follows each other on a line, which is near each other in
+    /// the plane in most drawings; or, at the cost of sorting, what is near each other. The latter
+    /// pays where long edges have been cut to many short ones.
+    enum class Order { kLines, kMorton };
+
+    /// The boxes reach `margin` further than the edges. `active` has a 1 for each edge that is to
+    /// be looked at, or is empty if all are. Throws std::length_error for more than kMostEdges.
+    EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin, Order order);
+
+    bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
+    /// Whether there are boxes: not where it costs less to hold edges against all others.
+    bool HasBoxes() const { return !mNodes.empty(); }
+    std::size_t Count() const { return mEdges.size(); }
+    GridEdge const& At(std::size_t i) const { return mEdges[i]; }
+    /// The number of the edge's second vertex.
+    std::size_t SecondOf(std::size_t edge) const {
+        return edge + 1 < Count() && mFirst[edge + 1] == 0 ? edge + 1 : StartOfLine(edge);
+    }
+
+    /// Calls visit(i, j, follow), i < j, for all pairs of edges, at least one of them active, whose
+    /// boxes have a point in common, but for some that are apart by more than the margins all the
+    /// same; those of one chain only if asked for. `follow` is true for those that follow each
+    /// other on a line.
+    template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
+
+    /// The operands that points directly west of an edge that is not horizontal, near its lower
+    /// end, lie in by the even-odd rule. Exact, also where edges share that end. The tree is in the
+    /// order of the lines, and has boxes.
+    Operands InsideWestOf(std::size_t edge) const;
+
+private:
+    static constexpr std::size_t kFan = 4;
+    static constexpr std::size_t kMostAtTop = 12;
+    static constexpr std::size_t kMostLevels = 17;
+    static constexpr std::size_t kLongestChain = 8;
+    static constexpr std::size_t kLongestSortedChain = 2;
+    static constexpr std::size_t kFewActive = 8;
+    static constexpr std::size_t kFewEdges = 48;
+    // Where chains mostly meet, a tree keeps nothing apart; there may be so many edges then.
+    static constexpr std::size_t kMostEntangled = 2048;
+
+    /// The edges of a leaf.
+    struct Chain {
+        std::uint32_t begin;
+        std::uint32_t end;
+    };
+
+    /// A node's box, and whether there is a active edge in it.
+    struct Node {
+        GridBox box;
+        bool active = false;
+
+        void Include(Node const& n) {
+            box.Include(n.box);
+            active = active || n.active;
+        }
+        bool Concerns(Node const& n) const {
+            return (static_cast<int>(active) | static_cast<int>(n.active)) != 0 && box.Meets(n.box);
+        }
+    };
+
+    /// A direction across which edges are told apart that are slanted and nearly parallel, as those
+    /// of hatching are: their boxes all meet. A point is at h·x + v·y, with coordinates in units in
+    /// which that is exact but for `reach`, which is 0 if there is no such direction.
+    struct Slant {
+        std::int64_t h = 0;
+        std::int64_t v = 0;
+        std::int64_t reach = 0;
+
+        std::int64_t Of(GridPoint p) const {
+            return h * (p.x >> kUnitBits) + v * (p.y >> kUnitBits);
+        }
+    };
+    /// With 61 bits of a coordinate, and these of the direction, sums fit in 63.
+    static constexpr int kUnitBits = 16;
+    static constexpr double kSlantUnits = 32767.0;
+
+    /// Where a node lies across the slant.
+    struct Strip {
+        std::int64_t low;
+        std::int64_t high;
+
+        void Include(Strip const& s) {
+            low = std::min(low, s.low);
+            high = std::max(high, s.high);
+        }
+        bool Meets(Strip const& s) const { return low <= s.high && s.low <= high; }
+    };
+
+    /// Nodes of a level, or one twice, that may have edges that meet.
+    struct Pair {
+        std::uint32_t level;
+        std::uint32_t i;
+        std::uint32_t j;
+    };
+    /// Nodes that are waiting while a tree is walked. Of each level there are no more than come
+    /// from one pair of the level above.
+    class Stack {
+    public:
+        void Push(std::size_t level, std::size_t i, std::size_t j) {
+            mPairs[mSize++] = {static_cast<std::uint32_t>(level), static_cast<std::uint32_t>(i),
+                               static_cast<std::uint32_t>(j)};
+        }
+        bool Empty() const { return mSize == 0; }
+        Pair Pop() { return mPairs[--mSize]; }
+
+    private:
+        std::array<Pair, kMostLevels * kFan * kFan> mPairs;
+        std::size_t mSize = 0;
+    };
+
+    /// The children of a node: nodes of the level below, or edges.
+    std::size_t FirstOf(std::size_t level, std::size_t node) const {
+        return level == 0 ? mChains[node].begin : node * kFan;
+    }
+    std::size_t EndOf(std::size_t level, std::size_t node) const {
+        return level == 0 ? mChains[node].end : std::min(node * kFan + kFan, SizeOf(level - 1));
+    }
+    std::size_t SizeOf(std::size_t level) const { return mLevels[level + 1] - mLevels[level]; }
+    Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
+    void AddLevels();
+    void SortChains();
+    bool ChooseSlant(Slant& slant) const;
+    Slant SlantAcross(GridEdge const& e) const;
+    Strip StripOf(std::size_t chain, Slant const& slant) const;
+    /// Whether nodes of a level may have edges that meet, one of them active.
+    bool Concern(std::size_t level, std::size_t k, std::size_t l) const {
+        Node const* const nodes = NodesOf(level);
+        return nodes[k].Concerns(nodes[l]) &&
+               (mStrips.empty() || mStrips[mLevels[level] + k].Meets(mStrips[mLevels[level] + l]));
+    }
+    template <class Visit> void ForMeetingActive(Visit&& visit) const;
+    template <class Visit> void ForMeetingSparseActive(bool withinChains, Visit&& visit) const;
+    template <class Visit> void ForMeetingAllPairs(bool withinChains, Visit&& visit) const;
+    template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
+    /// Whether edges i < j follow each other.
+    bool Follow(std::size_t i, std::size_t j) const {
+        if (j == i + 1) {
+            return mFirst[j] == 0;
+        }
+        // The last edge of a line and its first.
+        return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
+               mLines.End(LineOf(i)) == j + 1;
+    }
+    GridBox Widened(GridBox const& b) const {
+        return {b.lowX - mMargin.x, b.lowY - mMargin.y, b.highX + mMargin.x, b.highY + mMargin.y};
+    }
+    std::size_t LineOf(std::size_t edge) const {
+        auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
+        return static_cast<std::size_t>(line - mLines.ends.begin());
+    }
+    std::size_t StartOfLine(std::size_t edge) const { return mLines.Begin(LineOf(edge)); }
+    bool IsActive(std::size_t edge) const {
+        return mActiveEdges.empty() || mActiveEdges[edge] != 0;
+    }
+
+    GridLines const& mLines;
+    ScratchVector<char> mActiveEdges;
+    GridPoint mMargin;
+    Order mOrder;
+    ScratchVector<GridEdge> mEdges;
+    ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
+    ScratchVector<Chain> mChains;
+    ScratchVector<Node> mNodes;                         // level by level: chains first
+    ScratchVector<Strip> mStrips;                       // the same, or empty without a slant
+    std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
+    std::size_t mTop = 0;                               // the last level
+    bool mIsSparse = false;                             // whether few edges are active
+};
+
+template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
+    if (!HasBoxes()) {
+        if (mChains.empty()) {
+            ForMeetingActive(visit);
+        } else {
+            ForMeetingAllPairs(withinChains, visit);
+        }
+        return;
+    }
+    if (mIsSparse) {
+        ForMeetingSparseActive(withinChains, visit);
+        return;
+    }
+    Stack open;
+    auto const walk = [&] {
+        while (!open.Empty()) {
+            auto const [level, i, j] = open.Pop();
+            if (level == 0) {
+                ForMeetingEdges(i, j, visit);
+                continue;
+            }
+            std::size_t const endI = EndOf(level, i);
+            std::size_t const endJ = EndOf(level, j);
+            Node const* const nodes = NodesOf(level - 1);
+            for (std::size_t k = FirstOf(level, i); k < endI; ++k) {
+                std::size_t l = FirstOf(level, j);
+                if (i == j) {
+                    l = k + 1;
+                    if ((level > 1 || withinChains) && nodes[k].active) {
+                        open.Push(level - 1, k, k);
+                    }
+                }
+                for (; l < endJ; ++l) {
+                    if (Concern(level - 1, k, l)) {
+                        open.Push(level - 1, k, l);
+                    }
+                }
+            }
+        }
+    };
+    Node const* const nodes = NodesOf(mTop);
+    for (std::size_t k = 0; k < SizeOf(mTop); ++k) {
+        if ((mTop > 0 || withinChains) && nodes[k].active) {
+            open.Push(mTop, k, k);
+            walk();
+        }
+        for (std::size_t l = k + 1; l < SizeOf(mTop); ++l) {
+            if (Concern(mTop, k, l)) {
+                open.Push(mTop, k, l);
+                walk();
+            }
+        }
+    }
+}
+
+/// The pairs of edges of two chains, or within one.
+template <class Visit>
+void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const {
+    Node const& nodeI = mNodes[i];
+    Node const& nodeJ = mNodes[j];
+    struct {
+        GridBox box;
+        std::size_t edge;
+    } near[kLongestChain];
+    std::size_t count = 0;
+    for (std::size_t l = mChains[j].begin; l < mChains[j].end; ++l) {
+        near[count] = {Widened(BoxOf(mEdges[l])), l};
+        count += nodeI.box.Meets(near[count].box) && (nodeI.active || IsActive(l)) ? 1 : 0;
+    }
+    for (std::size_t k = mChains[i].begin; k < mChains[i].end && count > 0; ++k) {
+        GridBox const box = Widened(BoxOf(mEdges[k]));
+        bool const active = IsActive(k);
+        if (!box.Meets(nodeJ.box) || !(active || nodeJ.active)) {
+            continue;
+        }
+        for (std::size_t n = 0; n < count; ++n) {
+            std::size_t const l = near[n].edge;
+            if (box.Meets(near[n].box) && (i != j || k < l) && (active || IsActive(l))) {
+                visit(std::min(k, l), std::max(k, l), Follow(std::min(k, l), std::max(k, l)));
+            }
+        }
+    }
+}
+
+/// All pairs with a active edge, of which there are few. Edges of one chain are not left out, but
+/// have nothing in common.
+template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
+    std::array<GridBox, kFewEdges> boxes;
+    std::array<std::size_t, kFewEdges> edges;
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < Count(); ++i) {
+        if (IsActive(i)) {
+            boxes[count] = Widened(Widened(BoxOf(mEdges[i])));
+            edges[count++] = i;
+        }
+    }
+    for (std::size_t j = 0; j < Count() && count > 0; ++j) {
+        GridBox const box = BoxOf(mEdges[j]);
+        for (std::size_t k = 0; k < count; ++k) {
+            std::size_t const i = edges[k];
+            if (box.Meets(boxes[k]) && (j > i || (j < i && !IsActive(j)))) {
+                visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
+            }
+        }
+    }
+}
+
+/// All pairs where few edges are active: each is looked up in the tree.
+template <class Visit>
+void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
+    Stack open;
+    for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
+        for (std::size_t i = mChains[chain].begin; i < mChains[chain].end && mNodes[chain].active;
+             ++i) {
+            if (!IsActive(i)) {
+                continue;
+            }
+            GridBox const box = Widened(BoxOf(mEdges[i]));
+            for (std::size_t top = 0; top < SizeOf(mTop); ++top) {
+                open.Push(mTop, top, 0);
+                while (!open.Empty()) {
+                    auto const [level, node, unused] = open.Pop();
+                    static_cast<void>(unused);
+                    if (!box.Meets(NodesOf(level)[node].box)) {
+                        continue;
+                    }
+                    if (level > 0) {
+                        for (std::size_t k = FirstOf(level, node); k < EndOf(level, node); ++k) {
+                            open.Push(level - 1, k, 0);
+                        }
+                        continue;
+                    }
+                    if (node == chain && !withinChains) {
+                        continue;
+                    }
+                    for (std::size_t j = mChains[node].begin; j < mChains[node].end; ++j) {
+                        if (box.Meets(Widened(BoxOf(mEdges[j]))) &&
+                            (j > i || (j < i && !IsActive(j)))) {
+                            visit(std::min(i, j), std::max(i, j),
+                                  Follow(std::min(i, j), std::max(i, j)));
+                        }
+                    }
+                }
+            }
+        }
+    }
+}
+
+/// All pairs, where all edges are active.
+template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
+    ScratchVector<GridBox> boxes(Count(), mEdges.get_allocator());
+    for (std::size_t i = 0; i < Count(); ++i) {
+        boxes[i] = Widened(BoxOf(mEdges[i]));
+    }
+    for (Chain const& chain : mChains) {
+        for (std::size_t i = chain.begin; i < chain.end; ++i) {
+            for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
+                if (boxes[i].Meets(boxes[j])) {
+                    visit(i, j, Follow(i, j));
+                }
+            }
+        }
+    }
+}
+
+/// The operands that points directly west of an edge of `lines` lie in, as EdgeTree::InsideWestOf()
+/// tells, but looking at all edges.
+Operands InsideWestOf(GridLines const& lines, std::size_t edge);
+
+} // namespace trammel_detail
+
+#endif

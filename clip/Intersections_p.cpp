@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+
+#include "Intersections_p.h"
+
+#include "Predicates_p.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace trammel_detail {
+
+namespace {
+
+/// Returns the number of bits of v, where v > 0.
+int BitsOf(UInt128 v) {
+    auto const high = static_cast<std::uint64_t>(v >> 64);
+    return high != 0 ? 128 - __builtin_clzll(high)
+                     : 64 - __builtin_clzll(static_cast<std::uint64_t>(v));
+}
+
+/// Twice the areas of the triangles that two edges e and f make with each other's ends: fa is
+/// Cross(e.a, e.b, f.a), and so on.
+struct Crosses {
+    Int128 ea;
+    Int128 eb;
+    Int128 fa;
+    Int128 fb;
+};
+
+/// Returns the point where two edges cross that have no end in common, to within a step of the
+/// grid. The point lies in both edges' boxes. It does not depend on the order of the edges or on
+/// their directions, so that lines that coincide are cut alike.
+GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
+    auto const distance = [](Int128 cross) {
+        return static_cast<UInt128>(cross < 0 ? -cross : cross);
+    };
+    GridPoint const lowE = e.b < e.a ? e.b : e.a;
+    GridPoint const lowF = f.b < f.a ? f.b : f.a;
+    bool const exchange =
+        lowF != lowE ? lowF < lowE : (f.b < f.a ? f.a : f.b) < (e.b < e.a ? e.a : e.b);
+    // The point is num / den of the way along f, from its nearer end, where the rounding is least.
+    UInt128 num = distance(exchange ? crosses.ea : crosses.fa);
+    UInt128 other = distance(exchange ? crosses.eb : crosses.fb);
+    if (exchange) {
+        std::swap(e, f);
+    }
+    if (f.b < f.a) {
+        std::swap(f.a, f.b);
+        std::swap(num, other);
+    }
+    UInt128 den = num + other;
+    if (other < num) {
+        num = other;
+        std::swap(f.a, f.b);
+    }
+    // 63 leading bits of the denominator leave room for a quotient of 63 bits.
+    int const surplus = std::max(BitsOf(den) - 63, 0);
+    den >>= surplus;
+    num >>= surplus;
+    Int128 const ratio = static_cast<Int128>((num << 62) / den); // of 2^62
+    auto const part = [ratio](std::int64_t d) {
+        return static_cast<std::int64_t>((ratio * d + (static_cast<Int128>(1) << 61)) >> 62);
+    };
+    GridBox const box = BoxOf(e);
+    return {std::clamp(f.a.x + part(f.b.x - f.a.x), box.lowX, box.highX),
+            std::clamp(f.a.y + part(f.b.y - f.a.y), box.lowY, box.highY)};
+}
+
+/// The work of FindCuts().
+class CutFinder {
+public:
+    CutFinder(EdgeTree const& tree, ClipGrid const& grid, Test test, Clearances const* clearances,
+              ScratchVector<Incidence>& incidences)
+        : mTree(tree), mGrid(grid), mPixels(test == Test::kHotPixels), mClearances(clearances),
+          mIncidences(incidences), mLargestSpacing(grid.LargestSpacing()),
+          mCuts(incidences.get_allocator()) {}
+
+    ScratchVector<Cut> Find() {
+        mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
+            if (follow) {
+                Following(i, j);
+            } else if (mPixels) {
+                Share(i, j);
+            } else {
+                Exactly(i, j);
+            }
+            if (mPixels) {
+                InPixels(i, j);
+            }
+        });
+        return std::move(mCuts);
+    }
+
+private:
+    void CutAt(std::size_t edge, GridPoint p) {
+        if (p != mTree.At(edge).a && p != mTree.At(edge).b) {
+            Push(edge, p, kShared, 0);
+        }
+    }
+    void Push(std::size_t edge, GridPoint p, Incidence incidence, std::int64_t clearance) {
+        MajorAxis const axis(mTree.At(edge));
+        mCuts.push_back({axis.Along(p), axis.Across(p), clearance, static_cast<std::uint32_t>(edge),
+                         incidence});
+    }
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j, Crosses const& crosses) {
+        Int128 const product = crosses.fa - crosses.fb;
+        GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j), crosses));
+        std::size_t const before = mCuts.size();
+        CutAt(i, p);
+        CutAt(j, p);
+        if (mClearances == nullptr) {
+            return;
+        }
+        if (mCuts.size() < before + 2 || mNext < kFirstCrossing) {
+            AddNearMiss(i, j, p, product);
+            return;
+        }
+        std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
+        for (std::size_t k = before; k < mCuts.size(); ++k) {
+            mCuts[k].clearance = clearance;
+            mCuts[k].incidence = mNext + (crosses.fb > 0 ? 1 : 0);
+        }
+        mNext += 2;
+    }
+    void AddNearMiss(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
+        if (mClearances != nullptr) {
+            std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
+            Push(i, p, kSingle, clearance);
+            Push(j, p, kSingle, clearance);
+        }
+    }
+    void Share(std::size_t i, std::size_t j) {
+        GridEdge const& e = mTree.At(i);
+        GridEdge const& f = mTree.At(j);
+        if (e.a == f.a || e.a == f.b) {
+            mIncidences[i] = kShared;
+            mIncidences[e.a == f.a ? j : mTree.SecondOf(j)] = kShared;
+        }
+        if (e.b == f.a || e.b == f.b) {
+            mIncidences[mTree.SecondOf(i)] = kShared;
+            mIncidences[e.b == f.a ? j : mTree.SecondOf(j)] = kShared;
+        }
+    }
+    /// Cuts edges that follow each other. They overlap if the second runs back over the first.
+    void Following(std::size_t i, std::size_t j) {
+        GridEdge const& e = mTree.At(i);
+        GridEdge const& f = mTree.At(j);
+        bool const inOrder = j == i + 1;
+        GridPoint const turn = inOrder ? e.b : e.a;
+        GridPoint const p = inOrder ? e.a : e.b;
+        GridPoint const q = inOrder ? f.b : f.a;
+        if (Cross(turn, p, q) == 0 && SameDirection(turn, p, q)) {
+            // Equal parts begin here, so that the vertex is the end of more than two edges.
+            mIncidences[inOrder ? j : i] = kShared;
+            CutAt(Contains(BoxOf(e), q) ? i : j, Contains(BoxOf(e), q) ? q : p);
+        }
+    }
+    void Exactly(std::size_t i, std::size_t j) {
+        GridEdge const& e = mTree.At(i);
+        GridEdge const& f = mTree.At(j);
+        Int128 const fa = Cross(e.a, e.b, f.a);
+        Int128 const fb = Cross(e.a, e.b, f.b);
+        if ((fa > 0 && fb > 0) || (fa < 0 && fb < 0)) {
+            if (mClearances != nullptr && !mClearances->Apart(e, fa, fb)) {
+                Int128 const ea = Cross(f.a, f.b, e.a);
+                if (!mClearances->Apart(f, ea, ea + fa - fb)) {
+                    AddNearMiss(i, j, Nearer(f, fa, fb), fa - fb);
+                }
+            }
+            return;
+        }
+        Int128 const ea = Cross(f.a, f.b, e.a);
+        // The two triangles on e and the two on f make up the same quadrangle.
+        Int128 const eb = ea + fa - fb;
+        if ((ea > 0 && eb > 0) || (ea < 0 && eb < 0)) {
+            if (mClearances != nullptr && !mClearances->Apart(f, ea, eb)) {
+                AddNearMiss(i, j, Nearer(e, ea, eb), fa - fb);
+            }
+            return;
+        }
+        if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
+            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
+            return;
+        }
+        // A cross product is zero, as it is where the edges share an end.
+        Share(i, j);
+        AddNearMiss(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
+        if (fa == 0 && Contains(BoxOf(e), f.a)) {
+            CutAt(i, f.a);
+        }
+        if (fb == 0 && Contains(BoxOf(e), f.b)) {
+            CutAt(i, f.b);
+        }
+        if (ea == 0 && Contains(BoxOf(f), e.a)) {
+            CutAt(j, e.a);
+        }
+        if (eb == 0 && Contains(BoxOf(f), e.b)) {
+            CutAt(j, e.b);
+        }
+    }
+    /// Returns the end of edge f that is nearer to another edge, given Cross() of that edge and
+    /// each end.
+    static GridPoint Nearer(GridEdge const& f, Int128 fa, Int128 fb) {
+        return (fa < 0 ? -fa : fa) <= (fb < 0 ? -fb : fb) ? f.a : f.b;
+    }
+    void InPixels(std::size_t i, std::size_t j) {
+        GridEdge const& e = mTree.At(i);
+        GridEdge const& f = mTree.At(j);
+        Int128 const fa = Cross(e.a, e.b, f.a);
+        Int128 const fb = Cross(e.a, e.b, f.b);
+        Int128 const ea = Cross(f.a, f.b, e.a);
+        Int128 const eb = Cross(f.a, f.b, e.b);
+        std::size_t const before = mCuts.size();
+        if (Passes(e, f.a, fa)) {
+            CutAt(i, f.a);
+        }
+        if (Passes(e, f.b, fb)) {
+            CutAt(i, f.b);
+        }
+        if (Passes(f, e.a, ea)) {
+            CutAt(j, e.a);
+        }
+        if (Passes(f, e.b, eb)) {
+            CutAt(j, e.b);
+        }
+        if (mCuts.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
+            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
+        }
+    }
+    /// True when edge e passes through the hot pixel of p, where `cross` is Cross(e.a, e.b, p).
+    bool Passes(GridEdge const& e, GridPoint p, Int128 cross) const {
+        GridBox const box = BoxOf(e);
+        Int128 const width = box.highX - box.lowX;
+        Int128 const height = box.highY - box.lowY;
+        Int128 const distance = 2 * (cross < 0 ? -cross : cross);
+        if (distance >= width * mLargestSpacing.y + height * mLargestSpacing.x) {
+            return false;
+        }
+        // The two are apart if they are so in x, in y or along the edge's normal. All numbers are
+        // doubled, to stay whole.
+        GridPoint const size = mGrid.Spacing(p);
+        return 2 * p.x + size.x > 2 * box.lowX && 2 * p.x - size.x < 2 * box.highX &&
+               2 * p.y + size.y > 2 * box.lowY && 2 * p.y - size.y < 2 * box.highY &&
+               distance < width * size.y + height * size.x;
+    }
+
+    EdgeTree const& mTree;
+    ClipGrid const& mGrid;
+    bool mPixels;
+    Clearances const* mClearances;
+    ScratchVector<Incidence>& mIncidences;
+    GridPoint mLargestSpacing;
+    ScratchVector<Cut> mCuts;
+    Incidence mNext = kFirstCrossing;
+};
+
+} // namespace
+
+ScratchVector<Cut> FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
+                            Clearances const* clearances, ScratchVector<Incidence>& incidences) {
+    return CutFinder(tree, grid, test, clearances, incidences).Find();
+}
+
+} // namespace trammel_detail

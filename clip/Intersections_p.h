@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+
+// The points at which edges have to be cut. Not installed.
+
+#ifndef TRAMMEL_INTERSECTIONS_P_H
+#define TRAMMEL_INTERSECTIONS_P_H
+
+#include "Clearances_p.h"
+#include "EdgeTree_p.h"
+#include "Grid_p.h"
+#include "Lines_p.h"
+#include "Scratch_p.h"
+
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// What comes together at a vertex.
+///
+/// | value                | meaning                                                             |
+/// |----------------------|---------------------------------------------------------------------|
+/// | kSingle              | the vertex occurs once                                              |
+/// | kShared              | anything may come together                                          |
+/// | kFirstCrossing + 2 i | crossing i of two edges only, both of which are cut there           |
+/// | the same + 1         | as before, and the edge that comes later crosses the other leftward |
+typedef std::uint32_t Incidence;
+inline constexpr Incidence kSingle = 0;
+inline constexpr Incidence kShared = 1;
+inline constexpr Incidence kFirstCrossing = 2;
+
+/// Measures where points are along an edge, in the coordinate in which the edge is longer.
+class MajorAxis {
+public:
+    explicit MajorAxis(GridEdge const& e)
+        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
+          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
+
+    /// Returns the longer coordinate, which grows from the edge's first end to its second.
+    std::int64_t Along(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
+    /// Returns the other coordinate, which does not fall from the first end to the second.
+    std::int64_t Across(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
+    GridPoint Point(std::int64_t along, std::int64_t across) const {
+        return mWide ? GridPoint{along * mX, across * mY} : GridPoint{across * mX, along * mY};
+    }
+
+private:
+    std::int64_t mX;
+    std::int64_t mY;
+    bool mWide;
+};
+
+/// A point at which an edge is to be cut. Where `incidence` is kSingle, it is a near miss instead:
+/// the edge is not cut there, but its parts may meet something if it is cut elsewhere.
+struct Cut {
+    std::int64_t along;     ///< MajorAxis::Along() of the edge
+    std::int64_t across;    ///< MajorAxis::Across() of the edge
+    std::int64_t clearance; ///< the distance that the next vertex needs, see Clearances
+    std::uint32_t edge;
+    Incidence incidence;
+};
+
+/// How edges are held against each other.
+enum class Test {
+    kExact,     ///< cut where edges have a point in common
+    kHotPixels, ///< cut also at vertices whose hot pixels an edge passes through
+};
+
+/// Returns the cuts of all pairs of edges that the tree finds, in no particular order.
+///
+/// The hot pixel of a vertex reaches half of the doubles' spacing to each side. Edges that are bent
+/// at all vertices whose hot pixels they pass through meet at vertices only. (J. D. Hobby,
+/// Practical Segment Intersection with Finite Precision Output, 1999.)
+///
+/// With `clearances`, which goes with exact tests only, cuts get their clearance, and near misses
+/// are found as well. The tree's margin is their reach then. Without, all cuts have clearance 0.
+/// Sets kShared in `incidences` for vertices that edges share.
+ScratchVector<Cut> FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
+                            Clearances const* clearances, ScratchVector<Incidence>& incidences);
+
+} // namespace trammel_detail
+
+#endif
