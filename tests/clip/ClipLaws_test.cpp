@@ -8,10 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace clip_test {
@@ -19,97 +21,177 @@ namespace {
 
 using plain::Box;
 using plain::Clip;
+using plain::ClipCase;
 using plain::Combine;
 using plain::kOperationNames;
 using plain::kOperations;
 using plain::Normalised;
 
-TEST(ClipLaws, HoldForRandomPolygons) {
+/// Pairs of polygons with one to three contours each, whose vertices lie anywhere in the unit
+/// square.
+std::vector<ClipCase> RandomPairs(int count) {
     Dice dice(77);
-    for (int round = 0; round < 300; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        Polygon a;
-        Polygon b;
-        for (Polygon* const operand : {&a, &b}) {
-            for (int i = dice.Int(1, 3); i > 0; --i) {
+    std::vector<ClipCase> pairs;
+    for (int i = 0; i < count; ++i) {
+        ClipCase c{"pair " + std::to_string(i), {}, {}};
+        for (Polygon* const operand : {&c.a, &c.b}) {
+            for (int contours = dice.Int(1, 3); contours > 0; --contours) {
                 operand->push_back(RandomDoubles(dice, dice.Int(3, 14)));
             }
         }
-        Region const results[4] = {Clip(GPC_DIFF, a, b), Clip(GPC_INT, a, b), Clip(GPC_XOR, a, b),
-                                   Clip(GPC_UNION, a, b)};
-        double const difference = Area(results[0]);
-        double const intersection = Area(results[1]);
-        double const either = Area(results[2]);
-        double const both = Area(results[3]);
-        Region const regionA = Clip(GPC_UNION, a, {});
-        Region const regionB = Clip(GPC_UNION, {}, b);
-        double const areaA = Area(regionA);
-        double const areaB = Area(regionB);
-        double const tolerance = kAreaTolerance * both;
-        EXPECT_NEAR(areaA, plain::EvenOddArea(a), tolerance);
-        EXPECT_NEAR(areaB, plain::EvenOddArea(b), tolerance);
+        pairs.push_back(c);
+    }
+    return pairs;
+}
 
-        // 1. Inclusion and exclusion.
+/// The results of all operations, in the order of kOperations.
+std::array<Region, 4> ClipAll(ClipCase const& c) {
+    return {Clip(GPC_DIFF, c.a, c.b), Clip(GPC_INT, c.a, c.b), Clip(GPC_XOR, c.a, c.b),
+            Clip(GPC_UNION, c.a, c.b)};
+}
+
+TEST(ClipLaws, AreasObeyInclusionAndExclusion) {
+    for (ClipCase const& c : RandomPairs(300)) {
+        SCOPED_TRACE(c.name);
+        std::array<Region, 4> const results = ClipAll(c);
+        double const difference = Area(results[GPC_DIFF]);
+        double const intersection = Area(results[GPC_INT]);
+        double const both = Area(results[GPC_UNION]);
+        double const areaA = Area(Clip(GPC_UNION, c.a, {}));
+        double const areaB = Area(Clip(GPC_UNION, {}, c.b));
+        double const tolerance = kAreaTolerance * both;
+        EXPECT_NEAR(areaA, plain::EvenOddArea(c.a), tolerance);
+        EXPECT_NEAR(areaB, plain::EvenOddArea(c.b), tolerance);
         EXPECT_NEAR(areaA + areaB, both + intersection, tolerance);
         EXPECT_NEAR(areaA, difference + intersection, tolerance);
         EXPECT_NEAR(both, areaB + difference, tolerance);
-        // 2. The union contains each operand: nothing of it is left outside.
-        EXPECT_LE(Area(Clip(GPC_DIFF, a, results[3].contours)), tolerance);
-        EXPECT_LE(Area(Clip(GPC_DIFF, b, results[3].contours)), tolerance);
-        // 3. Exclusive-or is union minus intersection.
-        Region const twoSteps = Clip(GPC_DIFF, results[3].contours, results[1].contours);
-        EXPECT_NEAR(either, Area(twoSteps), tolerance);
-        EXPECT_LE(Area(Clip(GPC_XOR, results[2].contours, twoSteps.contours)), tolerance);
-        // 4. Operands may change places, save in a difference.
-        for (gpc_op const operation : {GPC_INT, GPC_XOR, GPC_UNION}) {
-            EXPECT_NEAR(Area(results[operation]), Area(Clip(operation, b, a)), tolerance);
-        }
-        // 5. With itself.
-        EXPECT_TRUE(Clip(GPC_DIFF, a, a).contours.empty());
-        EXPECT_TRUE(Clip(GPC_XOR, a, a).contours.empty());
-        ExpectIdentical(Clip(GPC_INT, a, a), regionA);
-        ExpectIdentical(Clip(GPC_UNION, a, a), regionA);
-        // 6. Direction and first vertex of the operands do not matter.
-        Polygon turned = a;
-        for (Contour& contour : turned) {
-            std::reverse(contour.begin(), contour.end());
-            std::rotate(contour.begin(), contour.begin() + 1, contour.end());
-        }
-        EXPECT_NEAR(Area(Clip(GPC_INT, turned, b)), intersection, tolerance);
+    }
+}
 
-        // 7. Points are in the result exactly where the operands' membership says so.
-        for (int i = 0; i < 60; ++i) {
-            Vertex const p{dice.Unit(), dice.Unit()};
-            bool nearEdge = false;
-            for (Polygon const* const operand : {&a, &b}) {
-                for (Contour const& contour : *operand) {
-                    for (std::size_t k = 0; k < contour.size(); ++k) {
-                        Vertex const u = contour[k];
-                        Vertex const v = contour[(k + 1) % contour.size()];
-                        double const side = (v.x - u.x) * (p.y - u.y) - (v.y - u.y) * (p.x - u.x);
-                        nearEdge |= std::fabs(side) < 1e-9 * std::hypot(v.x - u.x, v.y - u.y);
-                    }
-                }
-            }
-            if (nearEdge) {
-                continue;
-            }
-            for (std::size_t k = 0; k < 4; ++k) {
-                EXPECT_EQ(plain::Inside(results[k].contours, p),
-                          Combine(kOperations[k], plain::Inside(a, p), plain::Inside(b, p)))
-                    << kOperationNames[k] << " at " << p.x << " " << p.y;
-            }
-        }
-        for (Region const& region : results) {
-            ExpectWellFormed(region);
-            ExpectDirections(region);
+TEST(ClipLaws, UnionsContainBothOperands) {
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        Region const both = Clip(GPC_UNION, c.a, c.b);
+        EXPECT_LE(Area(Clip(GPC_DIFF, c.a, both.contours)), kAreaTolerance * Area(both));
+        EXPECT_LE(Area(Clip(GPC_DIFF, c.b, both.contours)), kAreaTolerance * Area(both));
+    }
+}
+
+TEST(ClipLaws, ExclusiveOrIsTheUnionWithoutTheIntersection) {
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        std::array<Region, 4> const results = ClipAll(c);
+        Region const twoSteps =
+            Clip(GPC_DIFF, results[GPC_UNION].contours, results[GPC_INT].contours);
+        double const tolerance = kAreaTolerance * Area(results[GPC_UNION]);
+        EXPECT_NEAR(Area(results[GPC_XOR]), Area(twoSteps), tolerance);
+        EXPECT_LE(Area(Clip(GPC_XOR, results[GPC_XOR].contours, twoSteps.contours)), tolerance);
+    }
+}
+
+TEST(ClipLaws, OperandsMayChangePlacesExceptInADifference) {
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        for (gpc_op const operation : {GPC_INT, GPC_XOR, GPC_UNION}) {
+            ExpectIdentical(Clip(operation, c.a, c.b), Clip(operation, c.b, c.a));
         }
     }
 }
 
-TEST(ClipLaws, MoveResultsWithTheOperands) {
-    // By what leaves every coordinate exact: a power of two as factor, and a distance that is a
-    // multiple of the coordinates' last place and keeps them in their binade.
+TEST(ClipLaws, AnOperandAndItselfGiveNothingOrItself) {
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        Region const alone = Clip(GPC_UNION, c.a, {});
+        EXPECT_TRUE(Clip(GPC_DIFF, c.a, c.a).contours.empty());
+        EXPECT_TRUE(Clip(GPC_XOR, c.a, c.a).contours.empty());
+        ExpectIdentical(Clip(GPC_INT, c.a, c.a), alone);
+        ExpectIdentical(Clip(GPC_UNION, c.a, c.a), alone);
+    }
+}
+
+TEST(ClipLaws, DirectionsAndFirstVerticesOfOperandsDoNotMatter) {
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        Polygon turned = c.a;
+        for (Contour& contour : turned) {
+            std::reverse(contour.begin(), contour.end());
+            std::rotate(contour.begin(), contour.begin() + 1, contour.end());
+        }
+        for (gpc_op const operation : kOperations) {
+            ExpectIdentical(Clip(operation, turned, c.b), Clip(operation, c.a, c.b));
+        }
+    }
+}
+
+TEST(ClipLaws, PointsAreInsideWhereTheOperandsTellIt) {
+    Dice dice(78);
+    for (ClipCase const& c : RandomPairs(300)) {
+        SCOPED_TRACE(c.name);
+        std::array<Region, 4> const results = ClipAll(c);
+        plain::Measure const measure(c);
+        for (int i = 0; i < 60; ++i) {
+            double const x = dice.Unit();
+            Vertex const p{x, dice.Unit()};
+            if (plain::IsNearALine(c, measure, p)) {
+                continue;
+            }
+            for (std::size_t k = 0; k < 4; ++k) {
+                EXPECT_EQ(plain::Inside(results[k].contours, p),
+                          Combine(kOperations[k], plain::Inside(c.a, p), plain::Inside(c.b, p)))
+                    << kOperationNames[k] << " at " << p.x << " " << p.y;
+            }
+        }
+    }
+}
+
+TEST(ClipLaws, ContoursAreWellFormedAndNeverCross) {
+    // The doubles from 1024 to 2048 are integers of one unit, in which the test is exact.
+    for (ClipCase const& c : RandomPairs(100)) {
+        SCOPED_TRACE(c.name);
+        Polygon const a = Mapped(c.a, 1024, 1024, 1024, 1024);
+        Polygon const b = Mapped(c.b, 1024, 1024, 1024, 1024);
+        for (gpc_op const operation : kOperations) {
+            Region const region = Clip(operation, a, b);
+            ExpectWellFormed(region);
+            ExpectDirections(region);
+            ExpectNoCrossings(region);
+        }
+    }
+}
+
+TEST(ClipLaws, TheSameOperandsGiveTheSameBitsEveryTime) {
+    // Whatever was clipped before, in this thread or at the same time in another.
+    std::vector<ClipCase> const pairs = RandomPairs(40);
+    std::vector<std::array<Region, 4>> first;
+    for (ClipCase const& c : pairs) {
+        first.push_back(ClipAll(c));
+    }
+    std::array<std::vector<std::array<Region, 4>>, 3> later;
+    std::vector<std::thread> threads;
+    for (std::vector<std::array<Region, 4>>& results : later) {
+        threads.emplace_back([&pairs, &results] {
+            results.resize(pairs.size());
+            for (std::size_t i = pairs.size(); i > 0; --i) {
+                results[i - 1] = ClipAll(pairs[i - 1]);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        for (std::size_t k = 0; k < 4; ++k) {
+            for (auto const& results : later) {
+                SCOPED_TRACE(pairs[i].name + ": " + kOperationNames[k]);
+                ExpectIdentical(results[i][k], first[i][k]);
+            }
+        }
+    }
+}
+
+TEST(ClipLaws, ResultsMoveWithTheOperandsToTheBit) {
+    // All coordinates stay exact: they are multiplied by powers of two, or moved within their
+    // binade by multiples of the unit in their last place.
     Dice dice(5);
     for (int round = 0; round < 100; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -146,7 +228,7 @@ TEST(ClipLaws, MoveResultsWithTheOperands) {
     }
 }
 
-TEST(ClipLaws, HoldAtAnyScaleAndPlace) {
+TEST(ClipLaws, AreasObeyTheLawsAtAnyScaleAndPlace) {
     Dice dice(11);
     Polygon const a{Star(40, 0.5, 0.5, 0.5, 0.4, dice), Rectangle(0.4, 0.4, 0.6, 0.6)};
     Polygon const b{Star(30, 0.8, 0.6, 0.4, 0.6, dice)};
@@ -171,7 +253,7 @@ TEST(ClipLaws, HoldAtAnyScaleAndPlace) {
         };
         Polygon const placedA = put(a);
         Polygon const placedB = put(b);
-        // The truth for the coordinates as they are after rounding: their own even-odd areas.
+        // Placing has rounded the coordinates, so that their own even-odd areas are the truth.
         Box box;
         box.Include(placedA);
         box.Include(placedB);
