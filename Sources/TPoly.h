@@ -147,10 +147,9 @@ public:
     bool Contains(TPoint<T> p) const;
     /// Returns the point at fraction `t` of Length() along the edges. Asserts a vertex. O(n).
     /// - t = 0 gives the first vertex and t = 1 the last vertex, both exactly. This holds for a
-    /// closed
-    ///   polygon as well, although its path ends at the first vertex.
+    ///   closed polygon as well, although its path ends at the first vertex.
     /// - t > 1 and NaN give the last vertex; t < 0 gives a point on the first edge, extended
-    /// backward.
+    ///   backward.
     /// - A `t` that falls on an edge of length 0 gives NaN.
     TPoint<T> TPt(double t) const;
     /// Returns the point at fraction `t`, limited to [0, 1], of the open chain's length.

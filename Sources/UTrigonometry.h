@@ -18,9 +18,10 @@ inline constexpr double pi = 3.141592653589793238462643383279502884;
 ///
 /// The angles 0, `pi` and ±`pi`/2, compared exactly, give exact zeros and ones, so that quarter
 /// turns keep integers integral. Every other angle, -`pi` and 3·`pi`/2 among them, gives the
-/// results of the C library's `sin` and `cos`. Degenerate: a NaN or infinite angle gives NaN in
-/// both. \param angle  any angle, radians \param sinOut receives the sine \param cosOut receives
-/// the cosine
+/// results of the C library's `sin` and `cos`. A NaN or infinite angle gives NaN in both.
+/// \param angle any angle, radians
+/// \param sinOut receives the sine
+/// \param cosOut receives the cosine
 TRAMMEL_API void SinCos(double angle, double& sinOut, double& cosOut);
 
 /// Returns `degrees` in radians: degrees · pi / 180, multiplied first. NaN gives NaN; magnitudes

@@ -23,9 +23,11 @@ public:
 
     /// Makes the curves of the arc from `from` to `to`, which differ.
     ///
-    /// \param rx, ry the radii, above 0; they grow in proportion where the arc cannot reach its
-    /// ends. \param degrees the turn of the ellipse's axes, from h towards v. \param large true for
-    /// the arc of more than half a turn. \param sweep true for the arc that turns from h towards v.
+    /// \param rx, ry the radii, above 0; they grow in proportion where they are too small for the
+    ///     ends.
+    /// \param degrees the turn of the ellipse's axes, from h towards v.
+    /// \param large true for the arc of more than half a turn.
+    /// \param sweep true for the arc that turns from h towards v.
     SvgArc(TPoint<double> const& from, TPoint<double> const& to, double rx, double ry,
            double degrees, bool large, bool sweep);
 

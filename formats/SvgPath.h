@@ -55,8 +55,7 @@ struct TRAMMEL_API SvgPathResult {
 /// a subpath that begins with a move, and every coordinate is finite. The building operations would
 /// drop or bend some elements of a text, which are read in this way:
 /// - A curve that ends where it starts is cut in two at the middle of its parameter, or at a
-/// quarter
-///   if the middle lies on its ends. The new points are right to rounding.
+///   quarter if the middle lies on its ends. The new points are right to rounding.
 /// - A curve that never leaves its start is dropped.
 /// - A segment after a close is preceded by a move to the closed subpath's start.
 /// - Lines without length, and a close after a close, are dropped. The next command nevertheless

@@ -33,9 +33,10 @@ public:
     void BeginElement();
 
     /// Adds a spelling to the element, or nothing where the numerals are not valid. An element
-    /// takes four spellings at most; of equally short ones the first is taken. \param letter the
-    /// command; 0: the element is written as nothing at all. \param repeats the command that
-    /// numbers alone mean after this one; 0: none. \param begin the first numeral that is written.
+    /// takes four spellings at most; of equally short ones the first is taken.
+    /// \param letter the command; 0: the element is written as nothing at all.
+    /// \param repeats the command that numbers alone mean after this one; 0: none.
+    /// \param begin the first numeral that is written.
     void AddSpelling(char letter, char repeats, SvgNumerals const& numerals, std::size_t begin = 0);
 
     /// Ends the element, which has at least one spelling.
