@@ -1,38 +1,44 @@
 // SPDX-License-Identifier: MIT
 
-// How the answer stays that of the formula. CrossesBefore(a, b, p) computes, for a height v = p.v
+// The answers have the bits of the formula. CrossesBefore(a, b, p) computes, for a height v = p.v
 // between the edge's ends,
 //
 //     X(v) = a.h - (a.v - v) * slope
 //
-// and says: false for p.h < m = min(a.h, b.h), true for p.h > M = max(a.h, b.h), else p.h > X(v).
-// Each of X's three operations is rounded, and rounding is monotone, so as long as nothing is NaN
-// the computed X is a monotone function of v, falling or rising as the edge does: no allowance for
-// error is needed. Where an edge is cut at a height c, let x = clamp(X(c), m, M) and let e be the h
-// of one of its ends. Then for all v from c to that end, with lo = min(x, e) and hi = max(x, e),
+// Let m = min(a.h, b.h) and M = max(a.h, b.h). CrossesBefore returns false for p.h < m, true for
+// p.h > M, else p.h > X(v). Each of the three operations of X is rounded, and rounding is monotone.
+// So as long as nothing is NaN, the computed X is a monotone function of v, and falls or rises as
+// the edge does. No allowance for errors is needed.
+//
+// Let the edge be cut at a height c. Let x = clamp(X(c), m, M), and let e be the h of one of its
+// ends. With lo = min(x, e) and hi = max(x, e), all v from c to that end satisfy:
 //
 //     p.h < lo: false,    p.h > hi: true,    else: ask the formula.
 //
-// For e is m or M. If e = m, then p.h < lo = m is false; and p.h > hi = x means that p.h is above
-// M, or not below X(c) and so above X(v), which lies on the end's side of X(c). (x = m where X(c)
-// is less.) The other three cases likewise. For an edge that is not cut, lo = m and hi = M.
+// Proof: e is m or M. Let e = m; the other three cases are alike.
+//   - p.h < lo = m gives false.
+//   - p.h > hi = x means that p.h is above M, or not below X(c). In the second case p.h is above
+//     X(v), which lies on the end's side of X(c). (Where X(c) is less than m, x = m.)
+// An edge that is not cut has lo = m and hi = M.
 //
-// Such intervals, and the heights between which they hold, are kept rounded to few bits, by way of
-// monotone mappings that are applied to the point as well: step(p.h) < step(lo) implies p.h < lo.
-// What equal steps leave open is left to the formula.
+// The index keeps such intervals, and the heights between which they hold, in few bits. Monotone
+// mappings round them, and round the point in the same way: step(p.h) < step(lo) implies p.h < lo.
+// Where the steps are equal, the formula decides.
 //
-// An infinite slope does no harm, nor does a product that overflows. X(c) is infinite then, on b's
-// side, and x = b.h: so is X(v) for all v from c to b, and the other piece has all from m to M left
-// to the formula (which makes a NaN of v = a.v).
+// An infinite slope does no harm, nor does a product that overflows. X(c) is then infinite, on b's
+// side, and x = b.h. So is X(v) for all v from c to b. The other piece leaves everything from m to
+// M to the formula, which makes a NaN for v = a.v.
 //
-// Polygons whose coordinates could make NaN or overflow otherwise (beyond kTame, or NaN) have no
-// such intervals, and are asked as a whole.
+// A polygon with other coordinates that could make NaN or overflow (NaN itself, or beyond kTame)
+// has no index. Its queries go through all edges.
 
 #include "PreparedPolygon.h"
 
+#include "Box_p.h"
 #include "EdgeCrossing_p.h"
 #include "FPolygon.h"
 #include "PointRun_p.h"
+#include "Vector_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,84 +51,39 @@
 #include <new>
 #include <vector>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace trammel {
 namespace {
 
+using trammel_detail::BitsOfTwo;
+using trammel_detail::Double2;
+using trammel_detail::Lane;
+using trammel_detail::Max;
+using trammel_detail::Min;
+using trammel_detail::Short8;
+
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-/// Polygons of at most so many vertices have no index: going through all edges costs less than
-/// finding the right ones.
+/// Polygons of at most so many vertices have no index: going through all edges costs less.
 constexpr std::size_t kFewVertices = 64;
-/// At most so many vertices lie within a slab, those at its lower end not counted. Their edges are
-/// all looked at, so more make queries slower, and the index smaller and faster to build.
+/// At most so many vertices lie within a slab, without those where it begins. A query reads the
+/// edges of all of them. More make queries slower, but the index smaller and faster to build.
 constexpr std::size_t kSlabHeights = 32;
-/// So many vertices there are to a bucket of heights, where these are spread evenly.
+/// A bucket of heights has so many vertices when the heights are spread evenly.
 constexpr std::size_t kBucketHeights = 4;
-/// Slabs that begin in one bucket are gone through one by one when there are no more.
+/// Up to so many slabs that begin in one bucket are searched one by one.
 constexpr std::uint32_t kFewSlabs = 4;
-/// No difference of coordinates up to this overflows, by far.
+/// Differences of coordinates up to this are far from overflow.
 constexpr double kTame = 0x1p1000;
 
 typedef std::uint32_t Id;  ///< of an edge, a slab, a node, a piece
 typedef std::int16_t Step; ///< a coordinate in few bits
 
-/// The steps of points are less than this, and more than its negative.
+/// The greatest step. Steps of points are less, and greater than its negative.
 constexpr Step kMost = std::numeric_limits<Step>::max();
 constexpr double kMostOfPoint = kMost - 1;
 
-// Without a branch, as none of the outcomes can be foreseen; with a NaN they give `b`.
-#if defined(__SSE2__)
-double Lesser(double a, double b) {
-    return _mm_cvtsd_f64(_mm_min_sd(_mm_set_sd(a), _mm_set_sd(b)));
-}
-double Greater(double a, double b) {
-    return _mm_cvtsd_f64(_mm_max_sd(_mm_set_sd(a), _mm_set_sd(b)));
-}
-#else
-double Lesser(double a, double b) { return a < b ? a : b; }
-double Greater(double a, double b) { return a > b ? a : b; }
-#endif
-
-/// Two numbers, worked on at once.
-#if defined(__SSE2__)
-struct Pair {
-    __m128d both;
-
-    Pair(double first, double second) : both(_mm_set_pd(second, first)) {}
-    explicit Pair(__m128d numbers) : both(numbers) {}
-    explicit Pair(TPoint<double> const& p) : Pair(p.v, p.h) {}
-    double First() const { return _mm_cvtsd_f64(both); }
-    double Second() const { return _mm_cvtsd_f64(_mm_unpackhi_pd(both, both)); }
-    Pair operator+(Pair x) const { return Pair(_mm_add_pd(both, x.both)); }
-    Pair operator-(Pair x) const { return Pair(_mm_sub_pd(both, x.both)); }
-    Pair operator*(Pair x) const { return Pair(_mm_mul_pd(both, x.both)); }
-    friend Pair Lesser(Pair a, Pair b) { return Pair(_mm_min_pd(a.both, b.both)); }
-    friend Pair Greater(Pair a, Pair b) { return Pair(_mm_max_pd(a.both, b.both)); }
-};
-#else
-struct Pair {
-    double first;
-    double second;
-
-    Pair(double one, double other) : first(one), second(other) {}
-    explicit Pair(TPoint<double> const& p) : Pair(p.v, p.h) {}
-    double First() const { return first; }
-    double Second() const { return second; }
-    Pair operator+(Pair x) const { return {first + x.first, second + x.second}; }
-    Pair operator-(Pair x) const { return {first - x.first, second - x.second}; }
-    Pair operator*(Pair x) const { return {first * x.first, second * x.second}; }
-    friend Pair Lesser(Pair a, Pair b) {
-        return {Lesser(a.first, b.first), Lesser(a.second, b.second)};
-    }
-    friend Pair Greater(Pair a, Pair b) {
-        return {Greater(a.first, b.first), Greater(a.second, b.second)};
-    }
-};
-#endif
+/// Returns the v of a point in lane 0, and its h in lane 1.
+Double2 LanesOf(TPoint<double> const& p) { return Double2::Of(p.v, p.h); }
 
 /// A fixed number of items, not initialised.
 template <class Item> class Array {
@@ -143,128 +104,89 @@ private:
     std::size_t mSize = 0;
 };
 
-/// Monotone mappings: of heights to buckets, 0..count - 1, and of coordinates h to steps of points.
+/// Two monotone mappings: heights (lane 0) to buckets, 0 to count - 1, and coordinates h (lane 1)
+/// to steps of points.
 struct Mapping {
-    Pair origin = {0.0, 0.0};
-    Pair scale = {0.0, 0.0};
-    Pair least = {0.0, 0.0};
-    Pair most = {0.0, 0.0};
+    Double2 origin = 0.0;
+    Double2 scale = 0.0;
+    Double2 least = 0.0;
+    Double2 most = 0.0;
     Id count = 1;
 
-    /// Spreads what lies between two points evenly, where the extent can be computed with.
     Mapping() = default;
-    Mapping(Pair lo, Pair hi, std::size_t buckets) {
-        double const bucketScale = static_cast<double>(buckets) / (hi - lo).First();
-        double const stepScale = kMostOfPoint / ((hi - lo).Second() * 0.5);
+    /// Spreads the extent from `lo` to `hi` evenly. An extent too small for that maps to 0.
+    Mapping(Double2 const& lo, Double2 const& hi, std::size_t buckets) {
+        double const bucketScale = static_cast<double>(buckets) / Lane<0>(hi - lo);
+        double const stepScale = kMostOfPoint / (Lane<1>(hi - lo) * 0.5);
         bool const hasBuckets = bucketScale < kInfinity;
         bool const hasSteps = stepScale < kInfinity;
-        origin = Pair(lo.First(), lo.Second() * 0.5 + hi.Second() * 0.5);
-        scale = Pair(hasBuckets ? bucketScale : 0.0, hasSteps ? stepScale : 0.0);
+        origin = Double2::Of(Lane<0>(lo), Lane<1>(lo) * 0.5 + Lane<1>(hi) * 0.5);
+        scale = Double2::Of(hasBuckets ? bucketScale : 0.0, hasSteps ? stepScale : 0.0);
         count = hasBuckets ? static_cast<Id>(buckets) : 1;
-        least = Pair(0.0, hasSteps ? -kMostOfPoint : 0.0);
-        most = Pair(static_cast<double>(count - 1), hasSteps ? kMostOfPoint : 0.0);
+        least = Double2::Of(0.0, hasSteps ? -kMostOfPoint : 0.0);
+        most = Double2::Of(static_cast<double>(count - 1), hasSteps ? kMostOfPoint : 0.0);
     }
-    /// The bucket and the step of a point. An infinite coordinate can make a NaN only where all are
-    /// at 0, as it is then.
-    Pair operator()(Pair p) const { return Lesser(Greater((p - origin) * scale, least), most); }
+    /// Returns the bucket and the step of a point. An infinite coordinate makes a NaN only where
+    /// all coordinates map to 0; then the NaN maps to 0, too.
+    Double2 operator()(Double2 const& p) const {
+        return Min(Max((p - origin) * scale, least), most);
+    }
 };
 
-/// Parts of edges that each lie within the heights of one node, side by side.
+/// Parts of edges. Each lies within the heights of one node.
 struct Pieces {
     static constexpr unsigned kCount = 8;
 
-    Step top[kCount]; ///< between which heights, in the node's steps; -1 and kMost for the node's
-    Step bottom[kCount];
-    Step lo[kCount]; ///< the interval's ends
+    Step top[kCount];    ///< where the heights begin, in the node's steps; -1 for the node's own
+    Step bottom[kCount]; ///< where the heights end; kMost for the node's own
+    Step lo[kCount];     ///< the interval's ends
     Step hi[kCount];
     Id edge[kCount];
 
-    /// For each piece i, bit i: a point with such steps is certainly behind it; bit kCount + i: the
-    /// edge has to be asked. Neither: it certainly does not count.
+    /// Compares a point with all pieces. Returns two bits for each piece i:
+    ///
+    ///   bit i   bit kCount + i
+    ///   1       0               the point is certainly behind the piece
+    ///   0       1               the formula has to decide
+    ///   0       0               the piece certainly does not count
     unsigned Compare(Step v, Step h) const {
-#if defined(__SSE2__)
-        auto const load = [](Step const* steps) {
-            return _mm_loadu_si128(reinterpret_cast<__m128i const*>(steps));
-        };
-        __m128i const vs = _mm_set1_epi16(v);
-        __m128i const hs = _mm_set1_epi16(h);
-        __m128i const tops = load(top);
-        __m128i const bottoms = load(bottom);
-        __m128i const never =
-            _mm_or_si128(_mm_or_si128(_mm_cmpgt_epi16(tops, vs), _mm_cmpgt_epi16(vs, bottoms)),
-                         _mm_cmpgt_epi16(load(lo), hs));
-        __m128i const always =
-            _mm_and_si128(_mm_and_si128(_mm_cmpgt_epi16(vs, tops), _mm_cmpgt_epi16(bottoms, vs)),
-                          _mm_cmpgt_epi16(hs, load(hi)));
-        // Packing takes masks of all ones and zeros from 16 bits to 8.
-        __m128i const packed = _mm_packs_epi16(always, _mm_or_si128(always, never));
-        return static_cast<unsigned>(_mm_movemask_epi8(packed)) ^ 0xFF00U;
-#else
-        unsigned result = 0;
-        for (unsigned i = 0; i < kCount; ++i) {
-            bool const never = top[i] > v || v > bottom[i] || lo[i] > h;
-            bool const always = v > top[i] && bottom[i] > v && h > hi[i];
-            result |= (always ? 1U : 0U) << i;
-            result |= (always || never ? 0U : 1U) << (kCount + i);
-        }
-        return result;
-#endif
+        static_assert(kCount == 8, "a piece in each lane");
+        Short8 const vs(v);
+        Short8 const hs(h);
+        Short8 const tops = Short8::Load(top);
+        Short8 const bottoms = Short8::Load(bottom);
+        Short8 const never = (tops > vs) | (vs > bottoms) | (Short8::Load(lo) > hs);
+        Short8 const always = (vs > tops) & (bottoms > vs) & (hs > Short8::Load(hi));
+        return BitsOfTwo(always, always | never) ^ 0xFF00U;
     }
 };
 
-/// A node's pieces are those from `first` up to the next node's `first`.
+/// A run of slabs.
 struct Node {
     double top = 0.0;   ///< where its heights begin
     double scale = 0.0; ///< steps for a unit of height
-    Id first = 0;
-    Id next = 0; ///< the nearest node above that has pieces, 0 for none
+    Id first = 0;       ///< its first piece; its pieces end at the next node's `first`
+    Id next = 0;        ///< the nearest node above that has pieces, 0 for none
 
-    /// A monotone mapping of heights (but NaN) from `top` on to steps of points.
+    /// Maps heights from `top` on to steps of points, monotonously. The height is not NaN.
     Step StepOf(double v) const {
-        // Of heights too near to each other for a finite scale, the first makes a NaN.
-        double const step = Greater((v - top) * scale, 0.0);
-        return static_cast<Step>(Lesser(step, kMostOfPoint));
+        // Where heights are too near to each other for a finite scale, `top` makes a NaN.
+        double const step = Max((v - top) * scale, 0.0);
+        return static_cast<Step>(Min(step, kMostOfPoint));
     }
 };
 
-/// What is known of a vertex while the index is built.
+/// A vertex while the index is built.
 struct Vertex {
-    Id place; ///< its bucket at first; then 2j at the lower end of slab j, 2j + 1 above it
-    Step v;   ///< in the steps of its slab
+    Id place; ///< at first its bucket; later 2j where slab j begins, 2j + 1 within slab j
+    Step v;   ///< its height in the steps of its slab
     Step h;
 };
 
-/// The lesser of each step of two vertices, and the greater of each.
-struct Box {
-    Step top;
-    Step lo;
-    Step bottom;
-    Step hi;
+/// The steps of two vertices: h is x, v is y.
+typedef trammel_detail::Box<Step> StepBox;
 
-    Box(Vertex const& a, Vertex const& b) {
-#if defined(__SSE2__)
-        static_assert(offsetof(Vertex, h) == offsetof(Vertex, v) + sizeof(Step));
-        auto const load = [](Vertex const& vertex) {
-            int steps;
-            std::memcpy(&steps, &vertex.v, sizeof steps);
-            return _mm_cvtsi32_si128(steps);
-        };
-        int const least = _mm_cvtsi128_si32(_mm_min_epi16(load(a), load(b)));
-        int const most = _mm_cvtsi128_si32(_mm_max_epi16(load(a), load(b)));
-        top = static_cast<Step>(least);
-        lo = static_cast<Step>(least >> 16);
-        bottom = static_cast<Step>(most);
-        hi = static_cast<Step>(most >> 16);
-#else
-        top = std::min(a.v, b.v);
-        lo = std::min(a.h, b.h);
-        bottom = std::max(a.v, b.v);
-        hi = std::max(a.h, b.h);
-#endif
-    }
-};
-
-/// The number of bits without leading zeros.
+/// Returns the number of bits without leading zeros.
 unsigned BitLength(Id bits) {
     return 63U - static_cast<unsigned>(__builtin_clzll(2 * std::uint64_t{bits} + 1));
 }
@@ -275,12 +197,12 @@ template <class Item> std::size_t Bytes(std::vector<Item> const& items) {
 
 } // namespace
 
-// Heights are cut into slabs, slab j from mSlabs[j] up to but without mSlabs[j + 1], at heights of
-// vertices. The nodes of a binary tree are runs of slabs; an edge is a piece of the smallest that
-// holds it, or is cut into two pieces of such nodes. A point's edges are then in the lists of the
-// nodes from its slab up to the root.
+// The index divides the heights into slabs at heights of vertices. Slab j goes from mSlabs[j] up
+// to, but without, mSlabs[j + 1]. The nodes of a binary tree are runs of slabs. An edge is a piece
+// of the smallest node that holds it, or is cut into two pieces of smaller nodes. So the edges
+// beside a point are in the lists of the nodes from its slab up to the root.
 //
-// Node 1 is the root, those below node i are 2i and 2i + 1, and node mLeaves + j is slab j alone.
+// Node 1 is the root. The children of node i are nodes 2i and 2i + 1. Node mLeaves + j is slab j.
 struct PreparedPolygon::Index {
     TRect<double> mBounds;   // nothing outside of it is inside
     double mTop = kInfinity; // all edges lie between these heights
@@ -294,7 +216,7 @@ struct PreparedPolygon::Index {
     Array<Node> mNodes;
     Array<Pieces> mPieces;
 
-    /// `points` is the first byte of `count` points.
+    /// `count` points begin at `points`, which may be any address.
     Index(TRect<double> const& bounds, char const* points, std::size_t count) : mBounds(bounds) {
         if (count >= std::numeric_limits<std::int32_t>::max()) {
             throw std::bad_alloc();
@@ -303,7 +225,7 @@ struct PreparedPolygon::Index {
         std::memcpy(static_cast<void*>(mPoints.begin()), points, count * sizeof(TPoint<double>));
         mPoints[count] = mPoints[0];
         if (count <= kFewVertices || !Measure() || !(mTop < mBottom)) {
-            return; // in the last case there is nothing between two heights
+            return; // without two different heights no point is inside
         }
         Array<Vertex> vertices(count + 1);
         CutSlabs(vertices);
@@ -330,16 +252,16 @@ struct PreparedPolygon::Index {
         if (!(mTop <= p.v && p.v < mBottom)) {
             return false;
         }
-        Pair const place = mMapping(Pair(p));
-        return OddInSlab(p, static_cast<Step>(place.Second()),
-                         SlabOf(p.v, static_cast<Id>(static_cast<std::int32_t>(place.First()))));
+        Double2 const place = mMapping(LanesOf(p));
+        return OddInSlab(p, static_cast<Step>(Lane<1>(place)),
+                         SlabOf(p.v, static_cast<Id>(static_cast<std::int32_t>(Lane<0>(place)))));
     }
 
 private:
-    /// The slab that holds `v`, which is from mTop up to but without mBottom and in such a bucket.
+    /// Returns the slab that holds `v`. Requires mTop <= v < mBottom, and the bucket of `v`.
     Id SlabOf(double v, Id bucket) const {
-        // The first slab that begins above v: of those that begin in v's bucket, or the next one.
-        // Most buckets have none or one; then a step without a branch finds it.
+        // The search is for the first slab that begins above v. It begins in v's bucket, or is the
+        // first one behind. Most buckets have none or one; then one step without a branch finds it.
         Id first = mFirstSlabs[bucket];
         for (Id count = mFirstSlabs[bucket + 1] - first; count > kFewSlabs;) {
             Id const half = count / 2;
@@ -354,6 +276,7 @@ private:
         return first - 1;
     }
 
+    /// True when an odd number of the edges beside a point in a slab are crossed before it.
     bool OddInSlab(TPoint<double> const& p, Step h, Id slab) const {
         bool odd = false;
         Id id = mLeaves + slab;
@@ -368,10 +291,12 @@ private:
         return odd;
     }
 
+    /// True when an odd number of the pieces from `first` to `last` - 1 are crossed before the
+    /// point.
     bool OddInList(TPoint<double> const& p, Step v, Step h, Id first, Id last) const {
         constexpr unsigned kAll = (1U << Pieces::kCount) - 1;
         Id const lastGroup = (last - 1) / Pieces::kCount;
-        // The lists before and behind share the first group and the last one.
+        // The first group and the last group hold pieces of other nodes, too.
         unsigned mask = kAll << first % Pieces::kCount & kAll;
         unsigned odd = 0;
         for (Id group = first / Pieces::kCount; group <= lastGroup; ++group) {
@@ -382,7 +307,7 @@ private:
             odd ^= result & mask;
             for (unsigned asked = result >> Pieces::kCount & mask; asked != 0; asked &= asked - 1) {
                 Id const edge = mPieces[group].edge[__builtin_ctz(asked)];
-                // Any bit will do to count by.
+                // The parity of all bits counts, so any bit serves.
                 odd ^= trammel_detail::CrossesBefore(mPoints[edge], mPoints[edge + 1], p) ? 1U : 0U;
             }
             mask = kAll;
@@ -390,32 +315,30 @@ private:
         return __builtin_parity(odd) != 0;
     }
 
-    /// The mapping, and between which heights all lies; false if a coordinate is not tame.
+    /// Computes the mapping, mTop and mBottom. False when a coordinate is not tame.
     bool Measure() {
-        Pair lo(kInfinity, kInfinity);
-        Pair hi(-kInfinity, -kInfinity);
-        Pair zero(0.0, 0.0); // or NaN, if a coordinate is not finite
+        Double2 lo = kInfinity;
+        Double2 hi = -kInfinity;
+        Double2 zero = 0.0; // NaN if a coordinate is not finite
         for (TPoint<double> const& p : mPoints) {
-            Pair const x(p);
-            lo = Lesser(x, lo);
-            hi = Greater(x, hi);
+            Double2 const x = LanesOf(p);
+            lo = Min(x, lo);
+            hi = Max(x, hi);
             zero = zero + (x - x);
         }
-        Pair const tame(kTame, kTame);
-        Pair const most = Lesser(Greater(hi, Pair(0.0, 0.0) - lo), tame + tame);
-        mTop = lo.First();
-        mBottom = hi.First();
+        Double2 const most = Min(Max(hi, 0.0 - lo), 2.0 * kTame);
+        mTop = Lane<0>(lo);
+        mBottom = Lane<0>(hi);
         mMapping = Mapping(lo, hi, (mPoints.Size() - 1) / kBucketHeights);
-        return zero.First() == 0.0 && zero.Second() == 0.0 && most.First() <= kTame &&
-               most.Second() <= kTame;
+        return ((zero == 0.0) & (most <= kTame)).Bits() == 3U;
     }
 
     /// Chooses the slabs' heights.
     void CutSlabs(Array<Vertex>& vertices) {
         for (std::size_t i = 0; i < mPoints.Size(); ++i) {
-            Pair const place = mMapping(Pair(mPoints[i]));
-            vertices[i].place = static_cast<Id>(static_cast<std::int32_t>(place.First()));
-            vertices[i].h = static_cast<Step>(place.Second());
+            Double2 const place = mMapping(LanesOf(mPoints[i]));
+            vertices[i].place = static_cast<Id>(static_cast<std::int32_t>(Lane<0>(place)));
+            vertices[i].h = static_cast<Step>(Lane<1>(place));
         }
         struct Bucket {
             double lowest = kInfinity;
@@ -426,17 +349,17 @@ private:
         std::size_t const count = mPoints.Size() - 1;
         for (std::size_t i = 0; i < count; ++i) {
             Bucket& bucket = buckets[vertices[i].place];
-            bucket.lowest = Lesser(mPoints[i].v, bucket.lowest);
+            bucket.lowest = Min(mPoints[i].v, bucket.lowest);
             ++bucket.count;
         }
-        std::vector<double> crowd; // of such buckets all heights
+        std::vector<double> crowd; // all heights of the crowded buckets
         if (std::any_of(buckets.begin(), buckets.end(), std::mem_fn(&Bucket::IsCrowded))) {
             for (std::size_t i = 0; i < count; ++i) {
                 if (buckets[vertices[i].place].IsCrowded()) {
                     crowd.push_back(mPoints[i].v);
                 }
             }
-            std::sort(crowd.begin(), crowd.end()); // and so by buckets
+            std::sort(crowd.begin(), crowd.end()); // which orders them by buckets, too
         }
         double const* heights = crowd.data();
         std::size_t inside = kSlabHeights;
@@ -455,7 +378,7 @@ private:
 
         mFirstSlabs.resize(std::size_t{mMapping.count} + 1);
         for (double const v : mSlabs) {
-            ++mFirstSlabs[static_cast<std::size_t>(mMapping(Pair(v, 0.0)).First()) + 1];
+            ++mFirstSlabs[static_cast<std::size_t>(Lane<0>(mMapping(Double2::Of(v, 0.0)))) + 1];
         }
         for (std::size_t b = 0; b < mMapping.count; ++b) {
             mFirstSlabs[b + 1] += mFirstSlabs[b];
@@ -468,10 +391,10 @@ private:
         }
     }
 
-    /// Cuts between the heights of one bucket, which are sorted. Returns how many are within the
-    /// last slab.
+    /// Cuts between the heights of one bucket, which are sorted. Returns the number of heights
+    /// within the last slab.
     std::size_t CutBucket(double const* heights, std::size_t count) {
-        std::size_t inside = kSlabHeights; // begins with a slab
+        std::size_t inside = kSlabHeights; // so that a slab begins here
         for (std::size_t begin = 0, end = 0; begin < count; begin = end) {
             while (end < count && heights[end] == heights[begin]) {
                 ++end;
@@ -515,27 +438,28 @@ private:
         }
     }
 
-    /// Where an edge is cut. All is computed without a branch, as no processor can guess it.
+    /// Where an edge is cut. CutOf computes it without a branch, which could not be predicted.
     struct Cut {
         Id upper; ///< the node that holds the upper piece
-        Id lower; ///< the node that begins where the edge is cut, or `upper`
-        Id count; ///< how often it is: 0 or 1
+        Id lower; ///< the node that begins where the edge is cut; `upper` for an edge that is not
+                  ///< cut
+        Id count; ///< the number of cuts: 0 or 1
     };
 
-    /// The leaf that holds an edge, as those do that hold most edges of outlines; 0 for none.
+    /// Returns the leaf that holds an edge, 0 for none. Leaves hold most edges of outlines.
     Id LeafOf(Vertex const& a, Vertex const& b) const {
         return a.place / 2 == b.place / 2 ? mLeaves + a.place / 2 : 0;
     }
 
-    /// For an edge that any point can be beside.
+    /// Returns the cut of an edge that is not level.
     Cut CutOf(Vertex const& a, Vertex const& b) const {
         // An edge that ends where a slab begins does not reach into it.
         Id const first = mLeaves + std::min(a.place, b.place) / 2;
         Id const last = mLeaves + (std::max(a.place, b.place) - 1) / 2;
-        // The smallest nodes that have no more than two side by side for the edge.
+        // Nodes of this height are the smallest of which at most two neighbours hold the edge.
         unsigned const height = BitLength(last - first);
         Id const count = (last >> height) - (first >> height);
-        // Each of two pieces then reaches to the cut, and goes to the smallest node that does.
+        // Each of two pieces ends at the cut. It goes to the smallest node that holds it.
         Id const cut = last >> height << height;
         Id const mask = 0 - count;
         unsigned const above = BitLength(((cut - 1) ^ first) & mask);
@@ -544,8 +468,8 @@ private:
         return {first >> (above + both), last >> (below + both), count};
     }
 
-    /// Calls visit(edge, a, b) for each edge that any point can be beside, with what is known of
-    /// its ends.
+    /// Calls visit(edge, a, b) for each edge that is not level; `a` and `b` are its ends. No point
+    /// is beside a level edge.
     template <class Visit> void ForEachEdge(Array<Vertex> const& vertices, Visit visit) const {
         for (std::size_t i = 0; i + 1 < mPoints.Size(); ++i) {
             Vertex const& a = vertices[i];
@@ -566,7 +490,7 @@ private:
             ++mNodes[cut.upper].first;
             mNodes[cut.lower].first += cut.count;
         });
-        // The lists are filled from their ends; until then `first` is where a list ends.
+        // ListPieces fills each list from its end. Until then `first` is where the list ends.
         for (Id id = 1; id < mNodes.Size(); ++id) {
             Node& node = mNodes[id];
             node.first += mNodes[id - 1].first;
@@ -574,7 +498,7 @@ private:
             bool const isEmpty = above == 0 || mNodes[above].first == mNodes[above - 1].first;
             node.next = isEmpty ? mNodes[above].next : above;
         }
-        // One more group takes the lower pieces of edges that are not cut.
+        // One more group takes the lower pieces of edges that are not cut, which nothing reads.
         mPieces = Array<Pieces>(mNodes[mNodes.Size() - 1].first / Pieces::kCount + 2);
         mPieces[mPieces.Size() - 2] = Pieces();
     }
@@ -583,22 +507,22 @@ private:
         auto const spare = static_cast<Id>(mPieces.Size() - 1) * Pieces::kCount;
         ForEachEdge(vertices, [this, spare](Id edge, Vertex const& a, Vertex const& b) {
             if (Id const leaf = LeafOf(a, b); leaf != 0) {
-                Box const box(a, b);
-                Put(--mNodes[leaf].first, box.top, box.bottom, box.lo, box.hi, edge);
+                StepBox const box = StepBox::Of(a.h, a.v, b.h, b.v);
+                Put(--mNodes[leaf].first, box.lowY, box.highY, box.lowX, box.highX, edge);
                 return;
             }
             TPoint<double> const& p = mPoints[edge];
             TPoint<double> const& q = mPoints[edge + 1];
-            double const top = Lesser(p.v, q.v);
-            double const bottom = Greater(p.v, q.v);
+            double const top = Min(p.v, q.v);
+            double const bottom = Max(p.v, q.v);
             Cut const cut = CutOf(a, b);
             Node& upper = mNodes[cut.upper];
             Node& lower = mNodes[cut.lower];
             double const slope = (p.h - q.h) / (p.v - q.v);
             double const crossing = p.h - (p.v - lower.top) * slope;
-            double const within = Lesser(Greater(crossing, Lesser(p.h, q.h)), Greater(p.h, q.h));
-            int const middle = static_cast<Step>(mMapping(Pair(0.0, within)).Second());
-            // Choices by masks of ones and zeros.
+            double const within = Min(Max(crossing, Min(p.h, q.h)), Max(p.h, q.h));
+            int const middle = static_cast<Step>(Lane<1>(mMapping(Double2::Of(0.0, within))));
+            // Masks of ones and zeros choose without a branch.
             int const isCut = -static_cast<int>(cut.count);
             int const isUp = a.place > b.place ? -1 : 0;
             int const above = a.h ^ ((a.h ^ b.h) & isUp);
@@ -638,8 +562,8 @@ PreparedPolygon::PreparedPolygon(TPolygon<double> const& polygon) {
 }
 
 PreparedPolygon::PreparedPolygon(CFPolygonRef const& polygon) {
-    // Its test knows no bounds. Whether its first point is repeated at the end makes no difference
-    // here: the closing edge then has no height and is never counted.
+    // The test of this kind of polygon knows no bounds. Its first point may be repeated at the end:
+    // the closing edge then is level and never counted.
     long const count = trammel_detail::FPolygonPointCount(polygon.DataSize());
     if (count > 0) {
         char const* const base = reinterpret_cast<char const*>(*polygon.mRef);
