@@ -24,6 +24,8 @@ inline double Dot(TPoint<double> const& a, TPoint<double> const& b) {
 inline double Square(TPoint<double> const& a) { return a.h * a.h + a.v * a.v; }
 /// Returns |h| + |v|, which is between the vector's length and sqrt(2) times it.
 inline double Taxicab(TPoint<double> const& a) { return std::abs(a.h) + std::abs(a.v); }
+/// True when neither coordinate is NaN or infinite.
+inline bool IsFinite(TPoint<double> const& a) { return std::isfinite(a.h) && std::isfinite(a.v); }
 
 } // namespace trammel_detail
 

@@ -2,7 +2,7 @@
 
 #include "SvgArc_p.h"
 
-#include "SvgPathGrammar_p.h"
+#include "PointMath_p.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>

@@ -17,8 +17,6 @@ inline bool IsSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == 
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 inline bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-inline bool IsFinite(TPoint<double> const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
-
 /// Returns the first control point of a smooth curve: `control` mirrored in `p`. Each coordinate is
 /// rounded once.
 inline TPoint<double> Reflected(TPoint<double> const& control, TPoint<double> const& p) {

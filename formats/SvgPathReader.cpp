@@ -2,6 +2,7 @@
 
 #include "SvgPath.h"
 
+#include "PointMath_p.h"
 #include "SvgArc_p.h"
 #include "SvgPathError_p.h"
 #include "SvgPathGrammar_p.h"

@@ -2,6 +2,7 @@
 
 #include "SvgPath.h"
 
+#include "PointMath_p.h"
 #include "SvgPathGrammar_p.h"
 #include "SvgShortestText_p.h"
 
