@@ -98,9 +98,9 @@ BENCHMARK_CAPTURE(AccuracyFlatten, random_coarse, inputs::Set::kRandom, 0.1)->It
 BENCHMARK_CAPTURE(AccuracyFlatten, truetype_coarse, inputs::Set::kTrueType, 0.1)->Iterations(1);
 BENCHMARK_CAPTURE(AccuracyFlatten, cff_coarse, inputs::Set::kCff, 0.1)->Iterations(1);
 
-/// How much farther than the nearest point of the curve is the one that FindTValue finds, relative
-/// to the curve's extent? `wrong` is the share of searches that end more than a hundredth of it
-/// off.
+/// How much farther than the nearest point is the point that FindTValue finds, relative to the
+/// curve's extent? `wrong` is the share of searches that are off by more than a hundredth of the
+/// extent.
 void AccuracyNearest(benchmark::State& state, inputs::Set set) {
     auto const& curves = inputs::Curves(set);
     if (Skipped(state, curves)) {

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 
 // What do the queries to a stated accuracy cost, and how accurate are they? One iteration is one
-// call on the next curve or outline. Beside the time stand, in units of the accuracy asked for, the
-// `worst` deviation from the truth and the one that 95 of 100 results do not exceed (`p95`).
-// Lengths and nearest points are asked for within 0.001; coarse is 0.1, fine 1e-6, finest 1e-10.
-// Names with Plain measure the curve's own function of the purpose, which promises no accuracy.
+// call on the next curve or outline. Two deviations from the truth stand beside the time, in units
+// of the accuracy asked for: the `worst`, and `p95`, which 95 of 100 results do not exceed. Lengths
+// and nearest points are asked for within 0.001; coarse is 0.1, fine 1e-6, finest 1e-10. Names with
+// Plain measure the curve's own function for the purpose, which promises no accuracy.
 //
-// The truth is found in long double: lengths by quadrature of tight pieces, nearest points and
-// flattenings by samples, refined.
+// The truth comes from long doubles: quadrature of tight pieces gives lengths, and refined samples
+// give nearest points and flattenings.
 //
 // Run by hand: trammel_bench --benchmark_filter=Accurate
 
@@ -271,7 +271,7 @@ void MeasureFlatten(benchmark::State& state, inputs::Set set, double tolerance, 
     for (CBezier const& curve : curves) {
         polygon = TPolygon<double>();
         flatten(curve, polygon);
-        // Both run alike: the chord that is near is not far from the last one.
+        // Curve and chain run alike, so the near chord is not far from the last near one.
         Wide worst = 0;
         long near = 0;
         long const last = polygon.LastIndex();

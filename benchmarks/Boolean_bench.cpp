@@ -2,8 +2,8 @@
 
 // What do union, intersection, difference and exclusive-or of polygons cost, and what do they cost
 // in other libraries? One iteration is one operation on a pair of polygons; names are
-// Boolean/KIND/VERTICES/OPERATION/LIBRARY. Each library starts from operands in its own form, and
-// is done when the result is in its own form. Results whose area is not Trammel's are labelled.
+// Boolean/KIND/VERTICES/OPERATION/LIBRARY. Each library starts from operands in its own form and
+// ends with a result in its own form. A label marks results whose area differs from Trammel's.
 // docs/benchmarks.md quotes the times.
 //
 // Run by hand: trammel_bench --benchmark_filter=Boolean
@@ -87,8 +87,8 @@ double& TrammelArea(Question const& question) {
     return found->second;
 }
 
-/// How long a library has taken for one operation of a kind at the last size measured, in seconds.
-/// Sizes rise, so the next will take some ten to a hundred times as long.
+/// The time that a library took for one operation of a kind at the last size measured, in seconds.
+/// Sizes rise, so the next size takes some ten to a hundred times as long.
 double& LastTime(peers::Peer const& peer, Kind kind, TPolyOp op) {
     static std::map<std::tuple<std::string, Kind, TPolyOp>, double> times;
     return times[std::make_tuple(std::string(peer.name), kind, op)];

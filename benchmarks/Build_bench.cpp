@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Builds a copy of what it visits.
+/// Builds a copy of the path that it visits.
 class Builder : public CPathActions {
 public:
     CPath mPath;

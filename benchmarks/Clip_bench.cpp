@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-// What does it cost to clip a line by a polygon, as hatching does? A star of 10 to 10,000 vertices,
-// crossed more often the more it has, and the flattened outlines of a font, one iteration being one
-// line across the next outline.
+// What does it cost to clip a line by a polygon, as hatching does? The polygons are a star of 10 to
+// 10,000 vertices, which a line crosses more often the more it has, and the flattened outlines of a
+// font. One iteration is one line across the next outline.
 //
 // Run by hand: trammel_bench --benchmark_filter=Clip
 
@@ -36,7 +36,7 @@ void ClipByStar(benchmark::State& state) {
 }
 BENCHMARK(ClipByStar)->Arg(10)->Arg(100)->Arg(1000)->Arg(10000);
 
-/// Flattens what it visits into one polygon for each subpath.
+/// Flattens the path that it visits into one polygon for each subpath.
 class Flattener : public CPathActions {
 public:
     std::vector<TPolygon<double>> mPolygons;

@@ -1,23 +1,23 @@
 // SPDX-License-Identifier: MIT
 
-// Work that is done by several: by the library, by its plain form (plain/Plain.h) and by other
-// libraries (peers/Works.h). All are measured in one run, so that the ratios hold whatever else the
-// machine does: a benchmark is named
+// Works that have several participants: the library, its plain form (plain/Plain.h) and other
+// libraries (peers/Works.h). One run measures all of them, so the ratios hold whatever else the
+// machine does. A benchmark is named
 //
 //     compare/WORK/INPUT/WHO
 //
-// and script/bench makes a table of all of that WORK, a line for a WHO, a column for an INPUT. One
-// iteration is a pass over all items of the input; items are counted, so the time of an item is
-// known. Counters that the table shows beside the time:
+// and script/bench makes a table of each WORK, with a line for a WHO and a column for an INPUT. One
+// iteration is a pass over all items of the input. The benchmark counts items, which gives the time
+// of an item. These counters stand beside the time:
 //
 //     target   how many times as fast as the plain form the library is to be
 //     limit    how many nanoseconds an item may take
 //     worst    the greatest error, and p95, the error that 95 of 100 items do not exceed (Truth.h)
 //     points   how many points an item comes to
 //
-// Further benchmarks need nothing but such a name, by whatever means they are registered, and
-// SetItemsProcessed. A new WHO gets a line of its own; another way to the same result that the
-// library offers is named "trammel-SOMETHING". README.md in this folder says more.
+// A further benchmark needs such a name and SetItemsProcessed, however it is registered. A new WHO
+// gets a line of its own. A query of the library that gives the same result is named
+// "trammel-SOMETHING". README.md in this folder says more.
 
 #ifndef TRAMMEL_COMPARE_H
 #define TRAMMEL_COMPARE_H
@@ -38,7 +38,7 @@
 
 namespace compare {
 
-/// What one participant does: a pass over all items, which returns a sum over the results.
+/// The work of one participant: a pass over all items, which returns a sum over the results.
 typedef std::function<double()> Pass;
 
 /// A work on an input.
@@ -70,24 +70,25 @@ inline std::size_t Calls(std::size_t vertices, std::size_t most) {
 typedef std::function<std::shared_ptr<Job>()> Maker;
 
 /// Registers the benchmarks of the library and of the plain form. Before either is measured, the
-/// sums of both are compared, to the last bit: if they differ, that is the benchmark's result.
+/// sums of both are compared, to the last bit. If they differ, the benchmark reports that instead
+/// of a time.
 void Register(std::string const& work, std::string const& input, Maker make);
 
-/// Registers the benchmark of one participant, whose pass is `trammel`. If what it returns is not
-/// what is expected, or the job does not agree, that is the benchmark's result.
+/// Registers the benchmark of one participant, whose pass is `trammel`. If the pass does not return
+/// the expected sum, or the job does not agree, the benchmark reports that instead of a time.
 void RegisterAlone(std::string const& work, std::string const& input, std::string const& who,
                    std::function<Job()> make);
 
-/// The closed polygon of the ring's vertices.
+/// Returns the closed polygon of the ring's vertices.
 TPolygon<double> Polygon(truth::Chain const& ring);
 
-/// The vertices of a polygon.
+/// Returns the vertices of a polygon.
 truth::Chain Vertices(TPolygon<double> const& polygon);
 
-/// How many of the points the library finds inside of the ring.
+/// Returns the number of points that the library finds inside of the ring.
 double ContainedIn(truth::Chain const& ring, truth::Chain const& points);
 
-/// The length of what the library finds inside of the ring, of all lines.
+/// Returns the length of all lines inside of the ring, as the library finds it.
 double ClippedBy(truth::Chain const& ring, std::vector<TLine<double>> const& lines);
 
 } // namespace compare

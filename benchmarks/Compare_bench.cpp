@@ -216,7 +216,7 @@ void RegisterCurves(std::string const& input, inputs::Set set, bool targets) {
 // ------------------------------------------------------------------------------------------------
 // Paths
 
-/// Adds what it visits to a list of plain paths.
+/// Adds the path that it visits to a list of plain paths.
 class PlainBuilder : public CPathActions {
 public:
     explicit PlainBuilder(plain::PathList& list) : mList(list) { mList.Begin(); }
@@ -333,7 +333,7 @@ struct PolygonInput {
 typedef std::function<std::vector<TPoint<double>>()> Ring;
 typedef std::function<std::shared_ptr<PolygonInput>()> PolygonMaker;
 
-/// A maker that keeps what it has made.
+/// A maker that keeps its job.
 PolygonMaker Once(Ring const& ring) {
     auto const made = std::make_shared<std::shared_ptr<PolygonInput>>();
     return [=] {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// How fast is point-in-polygon, for both polygon kinds, at 4, 10, 1,000 and 100,000 vertices? Of a
-// star, whose long edges cross every height many times, and of a smooth outline, which most heights
-// cross twice. One iteration is one point; `edges` counts edges per second, so that a cost that
-// grows faster than the polygon would show.
+// How fast is point-in-polygon, for both polygon kinds, at 4, 10, 1,000 and 100,000 vertices? The
+// long edges of a star cross every height many times, and most heights cross a smooth outline
+// twice. One iteration is one point. `edges` counts edges per second, so that a cost that grows
+// faster than the polygon would show.
 //
 // Run by hand: trammel_bench --benchmark_filter=Contains
 

@@ -28,8 +28,8 @@
 namespace inputs {
 namespace {
 
-/// Numbers evenly spread over an interval. Made from the generator's bits here and not by the
-/// standard library's distribution, which may differ from one library to the next.
+/// Numbers evenly spread over an interval. They come from the generator's bits directly, because
+/// the standard library's distribution may differ from one library to the next.
 class Random {
 public:
     explicit Random(unsigned seed) : mEngine(seed) {}
@@ -259,7 +259,7 @@ std::vector<CBezier> MakeCurves(Set set) {
     }
 }
 
-/// What `make` makes of a set, made when it is first needed.
+/// Returns the result of `make` for a set. The first call makes it.
 template <class Item> std::vector<Item> const& Kept(Set set, std::vector<Item> (*make)(Set)) {
     static std::map<Set, std::vector<Item>> kept;
     auto found = kept.find(set);

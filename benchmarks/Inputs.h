@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the benchmarks work on: random curves and outlines of the size of a drawing, the same in
+// The inputs of the benchmarks: random curves and outlines of the size of a drawing, the same in
 // every run, and the outlines of real fonts and icons.
 //
 // Real outlines differ from random ones: their curves are short and mildly bent, so that a call
@@ -29,7 +29,7 @@ enum class Set {
     kIcons,    ///< the application icons of the Breeze theme, 48 units wide
 };
 
-/// What a ring consists of.
+/// The parts of a ring.
 enum class Segments { kLines, kCurves, kMixed };
 
 /// Returns a ragged ring of `count` segments in the square from 0 to 1000. The segments grow
@@ -49,11 +49,11 @@ std::vector<CPath> const& Outlines(Set set);
 /// average.
 std::vector<CBezier> const& Curves(Set set);
 
-/// `count` points spread evenly over the square from (0, 0) to (side, side).
+/// Returns `count` points spread evenly over the square from (0, 0) to (side, side).
 std::vector<TPoint<double>> Points(std::size_t count, double side);
 
-/// The vertices of a simple polygon in the square from 0 to 1000: turning around the middle, at
-/// distances that vary between 200 and 450.
+/// Returns the vertices of a simple polygon in the square from 0 to 1000. They turn around the
+/// middle, at distances that vary between 200 and 450.
 std::vector<TPoint<double>> Star(std::size_t count);
 
 /// Returns a point in the box of each curve's control points, one for each.
@@ -69,7 +69,7 @@ std::vector<TPoint<double>> PointsOver(std::vector<TPoint<double>> const& ring, 
 /// `count` segments between points spread evenly over the bounds of a ring.
 std::vector<TLine<double>> LinesOver(std::vector<TPoint<double>> const& ring, std::size_t count);
 
-/// The side of the square in which the set's outlines lie, for Points.
+/// Returns the side of the square around the set's outlines, for Points.
 double Side(Set set);
 
 } // namespace inputs

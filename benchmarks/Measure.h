@@ -12,8 +12,8 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Measures work(item) over all items in turn; one iteration is one call. `items` may be empty, as
-/// the outlines of a font that is not installed are: the benchmark is then reported as skipped.
+/// Measures work(item) over all items in turn; one iteration is one call. `items` may be empty, for
+/// example if a font is not installed. The benchmark is then reported as skipped.
 template <class Items, class Work>
 void MeasureEach(benchmark::State& state, Items const& items, Work work) {
     if (items.empty()) {

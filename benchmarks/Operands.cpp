@@ -291,8 +291,8 @@ private:
     std::mt19937_64 mEngine;
 };
 
-/// Steps of one length in random directions; what keeps the walk from ending where it began is
-/// spread over all steps.
+/// Returns a closed walk: steps of one length in random directions. The gap between its end and its
+/// start is spread over all steps.
 Rings Walk(std::size_t size, unsigned seed) {
     Random random(seed);
     Ring ring;
@@ -354,7 +354,7 @@ Rings Saw(std::size_t size, double back, double root, double tip, double shift) 
     return {ring};
 }
 
-/// Thin bars at an angle of 0.6 radians, which are as many vertices, across a box.
+/// Returns thin bars at an angle of 0.6 radians across a box, with `size` vertices in all.
 Rings Bars(std::size_t size, TRect<double> const& box) {
     TPoint<double> const middle = box.MidPt();
     double const reach = 0.5 * std::hypot(box.Width(), box.Height());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What the boolean operations are measured on: pairs of polygons of a kind and about a size, the
-// same in every run.
+// The inputs of the boolean operations: pairs of polygons of a kind and about a size, the same in
+// every run.
 
 #ifndef TRAMMEL_OPERANDS_H
 #define TRAMMEL_OPERANDS_H
@@ -17,16 +17,16 @@ namespace operands {
 /// A closed contour, the first vertex not repeated.
 using Ring = std::vector<TPoint<double>>;
 
-/// An area with holes, which do not cross each other or the outer contour.
+/// An area with holes. Its holes cross neither each other nor the outer contour.
 struct Area {
     Ring outer;
     std::vector<Ring> holes;
 };
 
-/// One operand, as contours read by the even-odd rule, and as areas for who needs them.
+/// One operand, as contours read by the even-odd rule, and as areas for libraries that need them.
 struct Operand {
     std::vector<Ring> rings;
-    std::vector<Area> areas; ///< what the contours bound; empty if they cross themselves
+    std::vector<Area> areas; ///< the areas of the contours; empty if these cross themselves
 
     /// The number of vertices in all contours.
     std::size_t Size() const;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// What does measuring an outline once bring? The questions of Path_bench.cpp put to a PathMeasure
-// (Measure...), and for comparison to the path itself (Path...), on outlines of 10 to 100,000
-// segments: lines, curves, or lines and curves in turn. One iteration is one question; making the
-// PathMeasure is measured apart (MeasureMake).
+// What does measuring an outline once bring? A PathMeasure answers the questions of Path_bench.cpp
+// (Measure...), and so does the path itself for comparison (Path...). Outlines have 10 to 100,000
+// segments: lines, curves, or lines and curves in turn. One iteration is one question. MeasureMake
+// measures the making of the PathMeasure.
 //
 // Run by hand: trammel_bench --benchmark_filter='(Measure|Path).*/(lines|curves|mixed)'
 

@@ -17,8 +17,9 @@ double Speed(CBezier const& c, double t) {
     return 3.0 * d.Hypotenuse();
 }
 
-/// By 5-point Gauss-Legendre quadrature, halving until both halves together agree with the whole;
-/// near cusps, where it converges slowly, down to pieces that do not matter.
+/// Returns the length by 5-point Gauss-Legendre quadrature. Halving goes on until both halves
+/// together agree with the whole. It converges slowly near cusps, and ends there at pieces that do
+/// not matter.
 double Quadrature(CBezier const& c, double t0, double t1, int depth) {
     auto const gauss = [&](double a, double b) {
         std::array<double, 3> const nodes = {0.0, 0.5384693101056831, 0.9061798459386640};

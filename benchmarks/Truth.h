@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What results are compared with when it is asked how far they are from the truth: quadrature for
-// lengths, dense sampling for distances, each far finer than what is judged.
+// The truth with which results are compared: quadrature for lengths and dense sampling for
+// distances. Both are far finer than the results.
 
 #ifndef TRAMMEL_TRUTH_H
 #define TRAMMEL_TRUTH_H
@@ -16,19 +16,19 @@ namespace truth {
 
 typedef std::vector<TPoint<double>> Chain;
 
-/// The length of the curve from parameter t0 to t1, to some 1e-12 of it.
+/// Returns the length of the curve from parameter t0 to t1, to some 1e-12 of it.
 double Length(CBezier const& curve, double t0, double t1);
 
-/// The distance from `p` to the segment from `a` to `b`.
+/// Returns the distance from `p` to the segment from `a` to `b`.
 double Distance(TPoint<double> const& p, TPoint<double> const& a, TPoint<double> const& b);
 
-/// The distance from `p` to the nearest point of the curve.
+/// Returns the distance from `p` to the nearest point of the curve.
 double Distance(CBezier const& curve, TPoint<double> const& p);
 
-/// The greatest distance of a point of the curve from the chain.
+/// Returns the greatest distance of a point of the curve from the chain.
 double Deviation(CBezier const& curve, Chain const& chain);
 
-/// The greatest of some errors, and the one that 95 of 100 do not exceed.
+/// The greatest of some errors, and the error that 95 of 100 do not exceed.
 struct Errors {
     double worst = 0.0;
     double p95 = 0.0;
@@ -36,8 +36,8 @@ struct Errors {
 
 Errors Summary(std::vector<double> errors);
 
-// How far answers to questions on curves are off. `answer(i)` answers for curve i; where there are
-// many, only some of them are asked.
+// The functions below return the errors of answers to questions on curves. `answer(i)` answers for
+// curve i. They ask only about some of many curves.
 
 /// Distances of curves from their flattenings, in units of the coordinates.
 Errors OfFlattening(std::vector<CBezier> const& curves,
@@ -45,15 +45,15 @@ Errors OfFlattening(std::vector<CBezier> const& curves,
 /// Lengths, relative.
 Errors OfLength(std::vector<CBezier> const& curves,
                 std::function<double(std::size_t)> const& answer);
-/// Parameters nearest to points: how much farther the point found is than the nearest, in units of
-/// the coordinates.
+/// Parameters nearest to points: the distance of the point found less the distance of the nearest
+/// point, in units of the coordinates.
 Errors OfNearest(std::vector<CBezier> const& curves, Chain const& points,
                  std::function<double(std::size_t)> const& answer);
-/// Parameters at which a fraction of the length is reached: the difference from the fraction there.
+/// Parameters at a fraction of the length: the difference from the fraction there.
 Errors OfFraction(std::vector<CBezier> const& curves, double fraction,
                   std::function<double(std::size_t)> const& answer);
-/// Whether points are within the tolerance of the curves: how far the distance was from the
-/// tolerance where the answer was wrong, 0 where it was right.
+/// Hits of points within the tolerance of the curves: 0 for a right answer, and the difference of
+/// the distance from the tolerance for a wrong one.
 Errors OfHit(std::vector<CBezier> const& curves, Chain const& points, double tolerance,
              std::function<bool(std::size_t)> const& answer);
 

@@ -14,8 +14,8 @@ namespace {
 
 typedef TPoint<double> Pt;
 
-/// The area that a contour encloses, seen from its first vertex so that a place far from the origin
-/// costs no digits. By the shoelace formula.
+/// Returns the area that a contour encloses, by the shoelace formula. Vertices count from the first
+/// one, so that a place far from the origin costs no digits.
 double EnclosedArea(Tgcp_contour const& contour) {
     std::vector<Pt> const& points = contour.Vertices();
     double twice = 0.0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Combine: drawings as areas, and what is made of two of them by the boolean operations.
+// Combine: drawings as areas, and the boolean operations on two of them.
 
 #ifndef TRAMMEL_APP_COMBINE_H
 #define TRAMMEL_APP_COMBINE_H
@@ -15,15 +15,14 @@
 
 namespace tool {
 
-/// Adds every subpath of the outline, flattened to `error`, as a contour. Together the contours
-/// are read by the even-odd rule, every subpath taken as closed.
+/// Adds every subpath of the outline as a contour, flattened to `error`. The even-odd rule applies
+/// to all contours together, and every subpath counts as closed.
 void AddContours(Tgpc_polygon& polygon, CPath const& path, double error);
 
-/// What the operation makes of `a` and `b`.
+/// Returns the result of the operation on `a` and `b`.
 Tgpc_polygon Combined(TPolyOp operation, Tgpc_polygon const& a, Tgpc_polygon const& b);
 
-/// The same area, with contours that do not cross and right hole flags, as a clip's result has
-/// them.
+/// Returns the same area with contours that do not cross and with right hole flags.
 Tgpc_polygon Untangled(Tgpc_polygon const& polygon);
 
 /// The figures of a polygon whose contours do not cross and whose hole flags are right.
@@ -34,10 +33,10 @@ struct AreaFigures {
     std::size_t vertices = 0;
 };
 
-/// The figures of a clip's result.
+/// Returns the figures of a clip's result.
 AreaFigures FiguresOf(Tgpc_polygon const& result);
 
-/// All contours as one path of closed subpaths, to be filled by the even-odd rule.
+/// Returns all contours as one path of closed subpaths, to be filled by the even-odd rule.
 CPath PathOf(Tgpc_polygon const& polygon);
 
 } // namespace tool

@@ -9,13 +9,13 @@ namespace tool {
 
 /// An outline cut in two.
 struct Pieces {
-    CPath cut;  ///< what lies between the two fractions
+    CPath cut;  ///< the part between the two fractions
     CPath rest; ///< the remainder; of a closed subpath one piece through its start
 };
 
 /// Cuts between two fractions (0 <= from < to <= 1) of the total length. Each subpath is cut by
-/// itself, so that no line joins the pieces of different subpaths; one that lies in the range whole
-/// stays as it is. A path without length is all rest.
+/// itself, so that no line joins the pieces of different subpaths. A subpath that lies wholly in
+/// the range stays as it is. A path without length is all rest.
 Pieces CutPath(CPath const& path, double from, double to);
 
 } // namespace tool

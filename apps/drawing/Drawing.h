@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the commands work on: the outlines of one file, in the file's own coordinates with v
+// The outlines of one file, which the commands work on. Coordinates are the file's own, with v
 // downward.
 
 #ifndef TRAMMEL_APP_DRAWING_H
@@ -37,7 +37,7 @@ struct Drawing {
 };
 
 /// Reads an SVG drawing, every glyph of a font (in font units) or every country of a TopoJSON map
-/// (in degrees), whichever the content shows the file to be, whatever its name. Throws Error.
+/// (in degrees). The content decides which of them the file is, not its name. Throws Error.
 Drawing ReadDrawing(std::string const& file);
 
 } // namespace tool

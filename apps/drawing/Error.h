@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// The one kind of failure that the tool reports: what went wrong, in which file, at which place of
-// it. It ends the run with one line on standard error and exit status 2.
+// The one kind of failure that the tool reports: the mistake, its file and its place there. It ends
+// the run with one line on standard error and exit status 2.
 
 #ifndef TRAMMEL_APP_ERROR_H
 #define TRAMMEL_APP_ERROR_H
@@ -24,10 +24,10 @@ private:
     std::string mLine;
 };
 
-/// The text with every control character written as \xNN.
+/// Returns the text with every control character written as \xNN.
 std::string OneLine(std::string const& text);
 
-/// The system's message for an error number.
+/// Returns the system's message for an error number.
 std::string SystemMessage(int errorNumber);
 
 } // namespace tool

@@ -39,7 +39,7 @@ std::string FreeTypeMessage(FT_Error code) {
     return text != nullptr ? text : "FreeType error " + std::to_string(code);
 }
 
-/// Receives a glyph's contours. A contour's closing line is left to ClosePath.
+/// Receives a glyph's contours. ClosePath makes a contour's closing line.
 class GlyphBuilder {
 public:
     CPath path;
@@ -60,8 +60,8 @@ public:
         Flush();
         AddCurve(path, c1, c2, e);
     }
-    /// The lines of its flattening, or the cubic through the same points: each control point two
-    /// thirds of the way to the given one.
+    /// Adds the lines of the curve's flattening, or the cubic through the same points. Each control
+    /// point of the cubic is two thirds of the way to the given one.
     void Quadratic(Pt const& c, Pt const& e) {
         Flush();
         Pt const from = path.CurrentPoint();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // FontReader: glyph outlines as paths, in font units with v downward and the baseline at v = 0.
-// TrueType's quadratic curves are raised to cubics, or on demand flattened as the quadratics that
-// they are; cubics are taken as they are.
+// TrueType's quadratic curves are raised to cubics, or flattened as quadratics on demand. Cubics
+// stay as they are.
 
 #ifndef TRAMMEL_APP_FONTREADER_H
 #define TRAMMEL_APP_FONTREADER_H
@@ -29,7 +29,7 @@ struct Glyph {
 /// An open font file. Every operation throws Error.
 class Font {
 public:
-    /// Reads the file; of a collection the first font.
+    /// Reads the file. Takes the first font of a collection.
     explicit Font(std::string const& file);
     /// Takes the file's content instead of reading it.
     Font(std::string const& file, std::string content);
@@ -37,20 +37,21 @@ public:
     Font(Font const&) = delete;
     Font& operator=(Font const&) = delete;
 
-    /// From now on ReadGlyph flattens quadratic curves by themselves instead of raising them to
-    /// cubics; the paths then have lines in their places. No effect on a font of cubic curves.
+    /// Makes ReadGlyph flatten quadratic curves from now on, instead of raising them to cubics. The
+    /// paths then have lines in their places. A font of cubic curves is not affected.
     /// \param error  flatness tolerance in font units; above 0
     void FlattenQuadratics(double error);
 
-    /// Font units in the size of the type.
+    /// Returns the number of font units in the size of the type.
     double UnitsPerEm() const;
-    /// The number of glyphs.
+    /// Returns the number of glyphs.
     unsigned GlyphCount() const;
-    /// The glyph that shows a Unicode character; an error when the font has none.
+    /// Returns the index of the glyph that shows a Unicode character. It is an error if the font
+    /// has none.
     unsigned IndexOf(char32_t character) const;
-    /// Glyph `index`.
+    /// Returns glyph `index`.
     Glyph ReadGlyph(unsigned index) const;
-    /// What the font's kerning table adds to the distance of two glyphs, in font units.
+    /// Returns the distance that the font's kerning table adds between two glyphs, in font units.
     double Kerning(unsigned left, unsigned right) const;
 
 private:
@@ -61,7 +62,7 @@ private:
 /// True when the content begins like a font file's.
 bool LooksLikeFont(std::string const& content);
 
-/// Every glyph of the font that has an outline, named by the font's glyph names.
+/// Returns every glyph of the font that has an outline, under the font's name for it.
 Drawing ReadFontDrawing(std::string const& file, std::string content);
 
 } // namespace tool

@@ -14,16 +14,16 @@ namespace tool {
 
 namespace {
 
-/// Beyond what can be seen or cut; each line costs a walk around the outline.
+/// Nobody can see or cut more lines than this. Each costs a walk around the outline.
 constexpr double kMostLines = 100000.0;
 
-/// How far, as a share of the outline's size, the lines begin outside of it.
+/// The distance outside of the outline at which lines begin, as a share of the outline's size.
 constexpr double kMargin = 0.01;
 
 } // namespace
 
 CPath Hatch(CPath const& path, double angle, double spacing) {
-    // In the frame of the lines, these are horizontal.
+    // The area turns so that the lines are horizontal.
     CMatrix3x3 const toPlane = CMatrix3x3().Rotate(angle);
     Area area(path, FineError(DrawnBounds(path)));
     area.Transform(CMatrix3x3().Rotate(-angle));

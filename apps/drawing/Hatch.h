@@ -7,10 +7,11 @@
 
 namespace tool {
 
-/// Parallel lines clipped to the inside of an outline (even-odd, every subpath taken as closed).
+/// Returns parallel lines clipped to the inside of an outline, by the even-odd rule. Every subpath
+/// counts as closed.
 ///
 /// The lines lie at half, three halves, five halves... of `spacing` from the origin, whatever the
-/// outline, so that the hatchings of neighbouring outlines fit together.
+/// outline is. The hatchings of neighbouring outlines therefore fit together.
 /// \param angle    direction of the lines in radians, from +h toward +v
 /// \param spacing  distance between lines in coordinate units; above 0
 /// Throws Error when there would be more than 100,000 lines.

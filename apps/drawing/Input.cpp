@@ -15,7 +15,7 @@ namespace tool {
 
 namespace {
 
-/// Beyond any drawing or font in use, and small enough to be held in memory a few times over.
+/// No drawing or font in use is larger, and memory holds a file of this size a few times over.
 constexpr std::size_t kLargestFile = std::size_t{128} << 20;
 
 struct FileCloser {

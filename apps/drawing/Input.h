@@ -7,8 +7,8 @@
 
 namespace tool {
 
-/// The content of a file of at most 128 MiB. Throws Error when it is missing, a folder, unreadable,
-/// empty or larger.
+/// Returns the content of a file of at most 128 MiB. Throws Error when the file is missing, a
+/// folder, unreadable, empty or larger.
 std::string ReadFile(std::string const& file);
 
 } // namespace tool

@@ -10,7 +10,7 @@
 
 namespace tool {
 
-/// The text with its `&`, `<`, `>` and `"` spelled out, for elements and for quoted attributes.
+/// Returns the text with its `&`, `<`, `>` and `"` spelled out, for elements and quoted attributes.
 inline std::string Escaped(std::string_view text) {
     std::string out;
     for (char const c : text) {

@@ -83,7 +83,8 @@ double Scanner::Number() {
     auto const [end, code] = std::from_chars(begin, rest.data() + rest.size(), number);
     std::string_view const token(rest.data(), static_cast<std::size_t>(end - rest.data()));
     if (code == std::errc::result_out_of_range) {
-        // Too small, unless the exponent is positive or there is none and the digits are many.
+        // The exponent's sign tells whether the number is too small. Without an exponent it is too
+        // small if its first digit other than 0 is behind the point.
         std::size_t const exponent = token.find_first_of("eE");
         bool const small = exponent != std::string_view::npos
                                ? token.substr(exponent + 1, 1) == "-"

@@ -15,7 +15,7 @@
 
 namespace tool {
 
-/// A text that is not what it should be, with the position of the first character that is wrong.
+/// A mistake in a text, with the position of the first wrong character.
 class TextError : public std::exception {
 public:
     TextError(std::size_t position, std::string message)
@@ -28,29 +28,29 @@ private:
     std::string mMessage;
 };
 
-/// Reads a text from left to right. Operations that find something else throw TextError.
+/// Reads a text from left to right. An operation that does not find its part throws TextError.
 class Scanner {
 public:
     explicit Scanner(std::string_view text) : mText(text) {}
 
     std::size_t Position() const { return mPosition; }
     bool AtEnd() const { return mPosition == mText.size(); }
-    /// The next character; NUL at the end.
+    /// Returns the next character; NUL at the end.
     char Peek() const { return AtEnd() ? '\0' : mText[mPosition]; }
     /// Passes blanks, tabs and line ends.
     void SkipSpace();
-    /// Passes space and one comma among it; true when there was a comma.
+    /// Passes space and one comma among it. True when there was a comma.
     bool SkipComma();
-    /// Passes `c` if it is next.
+    /// Passes `c` if it is next. True when it was.
     bool Take(char c);
-    /// Letters and percent signs up to something else.
+    /// Passes letters and percent signs, and returns them.
     std::string_view Word();
     /// True when a number begins here.
     bool NumberFollows() const;
-    /// A decimal number with optional sign, fraction and exponent. Too large for a double is an
-    /// error; too small is 0.
+    /// Passes a decimal number with optional sign, fraction and exponent, and returns it. A number
+    /// too large for a double is an error; one too small is 0.
     double Number();
-    /// "found X, expected `what`" at this position.
+    /// Throws "found X, expected `what`" for this position.
     [[noreturn]] void Fail(std::string const& what) const;
 
 private:
@@ -61,18 +61,18 @@ private:
 /// As many numbers as there are.
 inline constexpr std::size_t kMany = static_cast<std::size_t>(-1);
 
-/// Numbers separated by commas, for the value of an option. Throws Error, which names the option,
-/// unless there are at least `least` and at most `most`.
+/// Returns the numbers in the value of an option, which commas separate. Throws an Error that names
+/// the option unless there are at least `least` and at most `most`.
 std::vector<double> NumbersOf(std::string const& option, std::string const& text, std::size_t least,
                               std::size_t most);
-/// One number of an option.
+/// Returns the one number of an option.
 double NumberOf(std::string const& option, std::string const& text);
-/// A point "h,v" of an option.
+/// Returns the point "h,v" of an option.
 TPoint<double> PointOf(std::string const& option, std::string const& text);
 
-/// A number for people: up to eight significant digits.
+/// Returns a number for people: up to eight significant digits.
 std::string Figure(double number);
-/// The shortest text that reads back to the same number.
+/// Returns the shortest text that reads back to the same number.
 std::string Exact(double number);
 
 } // namespace tool

@@ -17,11 +17,11 @@ namespace {
 
 typedef TPoint<double> Pt;
 
-/// The share of a figure's size that a fine flattening may deviate.
+/// The deviation of a fine flattening, as a share of the figure's size.
 constexpr double kFineShare = 1e-6;
 
-/// The share of a clipped line's length within which two of its crossings are the same: subpaths
-/// that meet give the same crossing with different rounding.
+/// Two crossings of a clipped line are the same within this share of its length. Subpaths that meet
+/// give the same crossing with different rounding.
 constexpr double kSameShare = 1e-12;
 
 /// Repeats the elements that it visits on another path.
@@ -74,8 +74,8 @@ public:
     }
 };
 
-/// The bounds of points, where the origin is a point like any other: a rectangle that has only seen
-/// the origin is null, and a null one takes the next point for its first.
+/// The bounds of points, the origin included. A rectangle cannot hold the origin alone: it is null
+/// then, and a null rectangle takes the next point for its first.
 TRect<double> BoundsOf(std::vector<Pt> const& points) {
     if (points.empty()) {
         return TRect<double>();
@@ -128,7 +128,7 @@ private:
     double mTolerance;
 };
 
-/// Sets the flattening error of the curves' hit test for as long as it lives.
+/// Sets the flattening error of the curves' hit test for its own lifetime.
 class CurveErrorScope {
 public:
     explicit CurveErrorScope(double error) : mOld(CBezier::SetCurveError(error)) {}
@@ -140,8 +140,8 @@ private:
     double mOld;
 };
 
-/// The polygon, beginning with another vertex than the origin if it has one. The bounds by which
-/// containment is decided forget a leading vertex at the origin.
+/// Returns the polygon, beginning with another vertex than the origin if it has one. Containment
+/// depends on bounds, and these forget a leading vertex at the origin.
 TPolygon<double> NotFromOrigin(TPolygon<double> const& polygon) {
     long const last = polygon.LastIndex();
     long first = 0;
@@ -211,7 +211,7 @@ TRect<double> DrawnBounds(CPath const& path) {
     TRect<double> bounds = BoundsOf(ends.points);
     double const error = FineError(ControlBounds(path));
     for (CBezier const& curve : ends.curves) {
-        // A curve lies within its control points, so most need not be flattened.
+        // A curve lies within its control points, so most curves need no flattening.
         if (!bounds.Contains(curve.Extents())) {
             TPolygon<double> polygon;
             curve.Flatten(polygon, error);
@@ -259,7 +259,7 @@ bool Area::Contains(Pt const& p) const {
 }
 
 std::vector<TLine<double>> Area::Clip(TLine<double> const& line) const {
-    // Where a piece of any subpath begins or ends, the parity changes.
+    // The parity changes at the beginning and the end of each subpath's pieces.
     struct Change {
         double distance;
         Pt point;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Outlines as the commands need them: joined, taken apart into subpaths, and flattened. All figures
-// come from the library; what is done here is to visit a path's elements and hand them over.
+// come from the library. The functions here visit a path's elements and hand them over.
 
 #ifndef TRAMMEL_APP_OUTLINES_H
 #define TRAMMEL_APP_OUTLINES_H
@@ -15,59 +15,62 @@
 
 namespace tool {
 
-/// Adds a curve from the path's current point. One that ends where it starts, which a path does not
-/// record, is added as its two halves.
+/// Adds a curve from the path's current point. A path does not record a curve that ends at its
+/// start, so this function adds the two halves of such a curve.
 void AddCurve(CPath& path, TPoint<double> const& c1, TPoint<double> const& c2,
               TPoint<double> const& e);
 
-/// Appends the elements of `more` as they are: unlike CPath::Append, subpaths stay apart and
-/// closed.
+/// Appends the elements of `more` as they are. Subpaths stay apart and closed, unlike with
+/// CPath::Append.
 void AppendElements(CPath& path, CPath const& more);
 
-/// The subpaths, each as a path of its own that begins with its move.
+/// Returns the subpaths, each as a path of its own that begins with its move.
 std::vector<CPath> Subpaths(CPath const& path);
 
-/// The path without the subpaths that have no length; what remains can be measured by fractions.
+/// Returns the path without the subpaths that have no length. The rest can be measured by
+/// fractions.
 CPath WithoutDots(CPath const& path);
 
-/// The bounds of the outline as drawn, to within a millionth of its size. Null for an empty path.
+/// Returns the bounds of the outline as drawn, to within a millionth of its size. They are null for
+/// an empty path.
 TRect<double> DrawnBounds(CPath const& path);
 
-/// The bounds of all points, control points included, the origin not being left out as in
-/// CPath::Bounds. Null for an empty path.
+/// Returns the bounds of all points, control points included. The origin counts like any other
+/// point, unlike in CPath::Bounds. The bounds are null for an empty path.
 TRect<double> ControlBounds(CPath const& path);
 
-/// The smallest rectangle around both, where a null rectangle stands for nothing.
+/// Returns the smallest rectangle around both. A null rectangle stands for nothing.
 TRect<double> Around(TRect<double> const& a, TRect<double> const& b);
 
-/// A flattening error that is too fine to be seen in a figure of this size.
+/// Returns a flattening error that is too fine to be seen in a figure of this size.
 double FineError(TRect<double> const& bounds);
 
-/// One polygon for each subpath, curves flattened to `error`; closed where the subpath is.
+/// Returns one polygon for each subpath, with curves flattened to `error`. It is closed if the
+/// subpath is.
 std::vector<TPolygon<double>> Flatten(CPath const& path, double error);
 
-/// The polygons as a path again.
+/// Returns the polygons as a path.
 CPath PathOf(std::vector<TPolygon<double>> const& polygons);
 
-/// The area that an outline encloses by the even-odd rule, every subpath taken as closed.
+/// The area that an outline encloses by the even-odd rule. Every subpath counts as closed.
 class Area {
 public:
     /// Flattens the outline to `error`.
     Area(CPath const& path, double error);
     /// True when `p` lies inside an odd number of subpaths.
     bool Contains(TPoint<double> const& p) const;
-    /// The pieces of the segment that lie inside, in order from its start.
+    /// Returns the pieces of the segment that lie inside, in order from its start.
     std::vector<TLine<double>> Clip(TLine<double> const& line) const;
-    /// The area moved by a matrix.
+    /// Moves the area by a matrix.
     Area& Transform(CMatrix3x3 const& m);
-    /// The bounds; null for an area without vertices.
+    /// Returns the bounds, which are null for an area without vertices.
     TRect<double> Bounds() const;
 
 private:
     std::vector<TPolygon<double>> mPolygons;
 };
 
-/// True when `p` is within `tolerance` of the drawn outline: the library's hit tests of its lines
+/// True when `p` is within `tolerance` of the drawn outline, by the library's hit tests of lines
 /// and curves.
 bool HitsOutline(CPath const& path, TPoint<double> const& p, double tolerance);
 

@@ -46,24 +46,24 @@ struct Picture {
     std::vector<Shape> shapes;
 };
 
-/// The shapes of the outlines, all in one style.
+/// Adds the outlines as shapes, all in one style.
 void AddOutlines(Picture& picture, std::vector<Outline> const& outlines, Style const& style);
 
-/// A page that shows all of `bounds`: the given one where that suffices, otherwise enlarged (its
-/// size on paper in proportion). Without a given one, the bounds with a margin.
+/// Returns a page that shows all of `bounds`: the given page, enlarged as far as necessary with its
+/// size on paper in proportion. If the given page has no frame, the bounds get a margin.
 Page PageFor(Page const& page, TRect<double> const& bounds);
 
-/// The line width that suits a picture of this page: a 250th of its longer side.
+/// Returns the line width that suits a picture of this page: a 250th of its longer side.
 double HairWidth(Page const& page);
 
-/// The picture as an SVG document. Coordinates are written so that they read back the same.
+/// Returns the picture as an SVG document. Its coordinates read back to the same numbers.
 std::string SvgText(Picture const& picture);
 
-/// The picture as a PNG file whose longer side has `pixels` pixels. Throws Error.
+/// Returns the picture as a PNG file whose longer side has `pixels` pixels. Throws Error.
 std::string PngBytes(Picture const& picture, int pixels);
 
-/// The picture in the format that the file's name asks for: .svg or .png (1200 pixels). Throws
-/// Error for other names.
+/// Returns the picture in the format that the file's name asks for: .svg or .png (1200 pixels).
+/// Throws Error for other names.
 std::string PictureBytes(Picture const& picture, std::string const& file);
 
 } // namespace tool

@@ -38,8 +38,8 @@ void SetColour(cairo_t* context, Colour const& colour, double opacity) {
                           opacity);
 }
 
-/// Paints one shape. The path is mapped to pixels by the library before Cairo sees it, as Cairo's
-/// own coordinates are fixed-point numbers in which small units would lose their fraction.
+/// Paints one shape. The library maps the path to pixels before Cairo sees it. Cairo's own
+/// coordinates are fixed-point numbers, in which small units would lose their fraction.
 void Paint(cairo_t* context, Shape const& shape, CMatrix3x3 const& toPixels, double scale) {
     CPath path = shape.path;
     path.Transform(toPixels);

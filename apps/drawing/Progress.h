@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Progress of long work: one line on standard error that is written over and over, and wiped at the
-// end. Nothing when standard error is no terminal, nor in the first fifth of a second.
+// end. Nothing is written if standard error is no terminal, or in the first fifth of a second.
 
 #ifndef TRAMMEL_APP_PROGRESS_H
 #define TRAMMEL_APP_PROGRESS_H
@@ -20,7 +20,8 @@ public:
     Progress(Progress const&) = delete;
     Progress& operator=(Progress const&) = delete;
 
-    /// `done` steps are finished. Cheap; the terminal is written ten times a second.
+    /// Takes note that `done` steps are finished. A call is cheap: it writes to the terminal at
+    /// most ten times a second.
     void Update(std::size_t done);
 
 private:

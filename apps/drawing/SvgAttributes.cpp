@@ -75,7 +75,7 @@ CMatrix3x3 ParseTransform(std::string_view text) {
         return all;
     }
     while (!scanner.AtEnd()) {
-        // The last of the list is applied to a point first.
+        // The last entry of the list applies to a point first.
         all = Concat(ParseOneTransform(scanner), all);
         scanner.SkipComma();
     }
@@ -95,7 +95,7 @@ Length ParseLength(std::string_view text) {
 }
 
 double UserUnits(Length const& length, std::optional<double> whole) {
-    // 96 units in an inch, as everywhere in SVG.
+    // An inch has 96 units everywhere in SVG.
     struct Unit {
         char const* name;
         double size;

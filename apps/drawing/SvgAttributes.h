@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The values of SVG attributes: transforms, lengths, lists of points, view boxes. Each function
-// reads the whole value and throws TextError where it is wrong.
+// reads the whole value, and throws TextError with the place of a mistake.
 
 #ifndef TRAMMEL_APP_SVGATTRIBUTES_H
 #define TRAMMEL_APP_SVGATTRIBUTES_H
@@ -17,7 +17,8 @@
 
 namespace tool {
 
-/// The transform list, its last entry applied to a point first; an empty one is the identity.
+/// Returns the transform of a list, whose last entry applies to a point first. An empty list is the
+/// identity.
 CMatrix3x3 ParseTransform(std::string_view text);
 
 /// A length and its unit, as written.
@@ -26,20 +27,20 @@ struct Length {
     std::string unit;
 };
 
-/// A number with an optional unit.
+/// Reads a number with an optional unit.
 Length ParseLength(std::string_view text);
 
-/// The length in user units; `whole` is what 100% stands for, empty when that is unknown.
+/// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
 double UserUnits(Length const& length, std::optional<double> whole);
 
-/// Pairs of coordinates.
+/// Reads pairs of coordinates.
 std::vector<TPoint<double>> ParsePoints(std::string_view text);
 
-/// "left top width height"; a negative size is an error.
+/// Reads "left top width height". A negative size is an error.
 TRect<double> ParseViewBox(std::string_view text);
 
-/// The transform that fits `box` into the size (from the origin) as preserveAspectRatio says: empty
-/// means xMidYMid meet. Precondition: the box has an area.
+/// Returns the transform that fits `box` into the size (from the origin) as preserveAspectRatio
+/// says. An empty value means xMidYMid meet. Precondition: the box has an area.
 CMatrix3x3 FitViewBox(TRect<double> const& box, TPoint<double> const& size,
                       std::string_view preserveAspectRatio);
 

@@ -27,15 +27,15 @@ namespace {
 
 typedef TPoint<double> Pt;
 
-/// How deep elements may be nested, `use` included; drawings stay below 50.
+/// The greatest depth of nested elements, `use` included. Drawings stay below 50.
 constexpr int kMostLevels = 500;
 
-// What all `use` elements together may draw: a few hundred bytes of nested uses would otherwise
-// multiply without end.
+// The limits of what all `use` elements draw together: elements, and bytes of them. A few hundred
+// bytes of nested uses could otherwise multiply without end.
 constexpr std::size_t kMostUsedElements = 250000;
 constexpr std::size_t kMostUsedBytes = std::size_t{64} << 20;
 
-/// An attribute's value is wrong.
+/// The mistake in an attribute's value.
 struct AttributeError {
     std::string attribute;
     std::size_t position;
@@ -50,7 +50,7 @@ std::string_view Trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
-/// The value of a property in a style attribute; empty when it is not set.
+/// Returns the value of a property in a style attribute; empty when it is not set.
 std::string_view StyleValue(std::string_view style, std::string_view property) {
     std::string_view value;
     while (!style.empty()) {
@@ -82,7 +82,7 @@ public:
     Drawing Read();
 
 private:
-    /// What an element gets from the elements around it.
+    /// The state that an element inherits from the elements around it.
     struct Context {
         CMatrix3x3 transform;    ///< from the element's coordinates to the drawing's
         std::optional<Pt> whole; ///< what 100% stands for in each direction
@@ -107,18 +107,18 @@ private:
     CPath Polyline(pugi::xml_node element, bool closed) const;
 
     enum class Axis { kHorizontal, kVertical, kOther };
-    /// A length attribute in user units; empty when it is missing or "auto".
+    /// Returns a length attribute in user units; empty when it is missing or "auto".
     std::optional<double> LengthOf(pugi::xml_node element, char const* attribute,
                                    Context const& context, Axis axis) const;
     double LengthOr0(pugi::xml_node element, char const* attribute, Context const& context,
                      Axis axis) const {
         return LengthOf(element, attribute, context, axis).value_or(0.0);
     }
-    /// The same for a size, which must not be negative.
+    /// Does the same for a size, which must not be negative.
     std::optional<double> SizeOf(pugi::xml_node element, char const* attribute,
                                  Context const& context, Axis axis) const;
 
-    /// Runs a parser on an attribute's value and tells of which attribute its complaint is.
+    /// Runs a parser on an attribute's value, and adds the attribute's name to its complaint.
     template <class Parse>
     auto Parsed(pugi::xml_node element, char const* attribute, Parse parse) const {
         try {
@@ -147,7 +147,7 @@ private:
     Drawing mDrawing;
 };
 
-/// The element's name without its prefix; empty for elements of other vocabularies.
+/// Returns the element's name without its prefix; empty for elements of other vocabularies.
 std::string_view Reader::LocalName(pugi::xml_node element) const {
     std::string_view const name = element.name();
     std::size_t const colon = name.find(':');
@@ -158,7 +158,7 @@ std::string_view Reader::LocalName(pugi::xml_node element) const {
 }
 
 void Reader::IndexIds() {
-    // By steps from node to node, as the nesting may be deeper than the stack.
+    // The walk goes from node to node, because the nesting may be deeper than the stack.
     pugi::xml_node node = mDocument.first_child();
     while (node) {
         if (pugi::xml_attribute const id = node.attribute("id")) {
@@ -176,7 +176,7 @@ void Reader::IndexIds() {
 }
 
 std::string Reader::LineAndColumn(std::ptrdiff_t offset) const {
-    // In UTF-16 the parser's offsets are not those of the file.
+    // The parser's offsets differ from the file's in UTF-16.
     bool const wide = mText.find('\0') != std::string::npos;
     if (offset < 0 || static_cast<std::size_t>(offset) > mText.size() || wide) {
         return "";
@@ -312,7 +312,7 @@ void Reader::Children(pugi::xml_node element, Context const& context) {
     }
 }
 
-/// Draws the first child without conditions, or for the English language; there is no user to ask.
+/// Draws the first child without conditions or for the English language. There is no user to ask.
 void Reader::Switch(pugi::xml_node element, Context const& context) {
     for (pugi::xml_node const child : element.children()) {
         if (child.type() != pugi::node_element || LocalName(child).empty()) {
@@ -364,7 +364,7 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
     }
     auto const found = mIds.find(target.substr(1));
     if (found == mIds.end()) {
-        return; // draws nothing, as SVG has it; real icon themes contain such leftovers
+        return; // SVG says that it draws nothing; real icon themes contain such leftovers
     }
     pugi::xml_node const used = found->second;
     bool cyclic = std::find(mUsed.begin(), mUsed.end(), used) != mUsed.end();
@@ -491,7 +491,7 @@ void Reader::ReadPage(pugi::xml_node root) {
     if (!sizes[0] || !sizes[1]) {
         return;
     }
-    // A size in per cent or ems depends on the window that shows the drawing, and tells nothing.
+    // A size in per cent or ems depends on the window that shows the drawing, so it does not help.
     std::string_view const relative[] = {"%", "em", "ex", "rem", "ch", "vw", "vh", "vmin", "vmax"};
     for (std::string_view const unit : relative) {
         if (sizes[0]->unit == unit || sizes[1]->unit == unit) {

@@ -16,12 +16,13 @@ void AddQuarter(CPath& path, Pt const& centre, double hRadius, double vRadius, d
                 Pt const& end) {
     CPath quarter;
     quarter.Arc(centre, hRadius, vRadius, startAngle, pi / 2.0);
-    // A move, then curves. The last point is the sum of centre and radius but for rounding.
+    // The arc is a move and then curves. Rounding can move its last point off the sum of centre and
+    // radius.
     quarter.mPts.back() = end;
     for (std::size_t i = 1; i + 2 < quarter.mPts.size(); i += 3) {
         path.CurveTo(quarter.mPts[i], quarter.mPts[i + 1], quarter.mPts[i + 2]);
     }
-    path.LineTo(end); // nothing, unless the radius vanishes beside the centre's coordinates
+    path.LineTo(end); // has no effect unless the radius vanishes beside the centre's coordinates
 }
 
 } // namespace
@@ -65,7 +66,7 @@ CPath EllipsePath(Pt const& centre, double hRadius, double vRadius) {
 CPath PolylinePath(std::vector<Pt> const& points, bool closed) {
     CPath path;
     for (Pt const& p : points) {
-        path.LineTo(p); // the first is a move, as no subpath is open
+        path.LineTo(p); // the first is a move, because no subpath is open
     }
     if (closed) {
         path.ClosePath();

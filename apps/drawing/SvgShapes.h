@@ -13,14 +13,14 @@
 
 namespace tool {
 
-/// A rectangle whose corners are quarters of an ellipse with the given radii (at most half the
-/// sides; 0: plain corners).
+/// Returns a rectangle whose corners are quarters of an ellipse with the given radii. They are at
+/// most half the sides; 0 makes plain corners.
 CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius);
 
-/// An ellipse of eight curves, from the point at the right by way of the one at the bottom.
+/// Returns an ellipse of eight curves. It begins at the right and goes on to the bottom.
 CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius);
 
-/// Straight lines from point to point.
+/// Returns straight lines from point to point.
 CPath PolylinePath(std::vector<TPoint<double>> const& points, bool closed);
 
 } // namespace tool

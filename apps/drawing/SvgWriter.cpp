@@ -20,7 +20,7 @@ std::string Hex(Colour const& colour) {
     return text.data();
 }
 
-/// The text as an attribute's value; control characters, which XML cannot hold, are left out.
+/// Returns the text as an attribute's value, without the control characters that XML cannot hold.
 std::string AttributeValue(std::string text) {
     text.erase(std::remove_if(text.begin(), text.end(),
                               [](char c) { return static_cast<unsigned char>(c) < 0x20; }),

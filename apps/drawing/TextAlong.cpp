@@ -22,12 +22,13 @@ struct Placed {
 
 /// A line of text in font units.
 struct Line {
-    std::map<unsigned, Glyph> glyphs; ///< each that occurs, once
+    std::map<unsigned, Glyph> glyphs; ///< every glyph of the line, once
     std::vector<Placed> placed;
     double width = 0.0;
 };
 
-/// The next character of a UTF-8 text, from `i` on; throws Error where it is none.
+/// Returns the character of a UTF-8 text at `i`, and moves `i` behind it. Throws Error if there is
+/// no valid character.
 char32_t NextCharacter(std::string const& text, std::size_t& i) {
     std::size_t const begin = i;
     auto const lead = static_cast<unsigned char>(text[i++]);
@@ -71,7 +72,7 @@ Line LayOut(Font const& font, std::string const& words) {
     return line;
 }
 
-/// The glyph's outline moved by `m`, named by its place in the words.
+/// Adds the glyph's outline, moved by `m` and named by its place in the words.
 void AddGlyph(std::vector<Outline>& outlines, Placed const& placed, std::size_t number,
               CMatrix3x3 const& m) {
     if (placed.glyph->path.mCtls.empty()) {

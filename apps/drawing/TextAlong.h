@@ -16,18 +16,18 @@
 
 namespace tool {
 
-/// The width of the words (UTF-8) at a size in coordinate units, kerning included.
+/// Returns the width of the words (UTF-8) at a size in coordinate units, kerning included.
 double TextWidth(Font const& font, std::string const& words, double size);
 
-/// The words from `origin` (start of the baseline) to the right, one outline for each visible
-/// glyph.
+/// Returns the words from `origin` (start of the baseline) to the right, as one outline for each
+/// visible glyph.
 std::vector<Outline> TextLine(Font const& font, std::string const& words, double size,
                               TPoint<double> const& origin);
 
-/// The words along an outline: the middle of each glyph's advance stands on it, by arc length, and
-/// the glyph is turned to the outline's direction there.
+/// Returns the words along an outline. The middle of each glyph's advance stands on it, by arc
+/// length, and the glyph turns to the outline's direction there.
 /// \param size   of the type, in coordinate units; above 0
-/// \param start  where the words begin, as a distance along the outline
+/// \param start  the beginning of the words, as a distance along the outline
 /// Throws Error when the words do not fit on the outline, or it has no length.
 std::vector<Outline> TextAlong(Font const& font, std::string const& words, double size,
                                CPath const& along, double start);

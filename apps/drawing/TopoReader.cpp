@@ -20,16 +20,17 @@ namespace {
 typedef nlohmann::ordered_json Json;
 typedef TPoint<double> Pt;
 
-/// Collections within collections; maps in use have one level.
+/// The greatest depth of collections within collections. Maps in use have one level.
 constexpr int kDeepest = 64;
-/// Arcs may be used again and again, so a small file could ask for any number of vertices.
+/// The limit of vertices. Features may use arcs again and again, so a small file could ask for any
+/// number.
 constexpr std::size_t kMostVertices = 50'000'000;
 
 std::string Item(std::string const& place, std::size_t i) {
     return place + "[" + std::to_string(i) + "]";
 }
 
-/// The line and column of a byte.
+/// Returns the line and column of a byte.
 std::string LineAndColumn(std::string const& text, std::size_t position) {
     std::size_t line = 1;
     std::size_t column = 1;
@@ -90,7 +91,7 @@ private:
         return value;
     }
 
-    /// The first two numbers of a list: a position, or the transform's scale or shift.
+    /// Returns the first two numbers of a list: a position, or the transform's scale or shift.
     Pt Pair(Json const& value, std::string const& place) const {
         if (!value.is_array() || value.size() < 2 || !value[0].is_number() ||
             !value[1].is_number()) {
@@ -124,7 +125,7 @@ private:
             for (Json const& position : arc) {
                 Pt p = Pair(position, place);
                 if (mDeltas) {
-                    // With a transform each position is the step from the one before.
+                    // With a transform each position is a step from the position before.
                     sum += p;
                     p = sum * mScale + mShift;
                 }
@@ -137,7 +138,8 @@ private:
         }
     }
 
-    /// Adds the points of the arcs of one line or ring, the shared points of adjoining arcs once.
+    /// Adds the points of the arcs of one line or ring. Adjoining arcs share a point, which is
+    /// added once.
     void AddLine(CPath& path, Json const& indexes, bool closed, std::string const& place) {
         std::vector<Pt> points;
         for (std::size_t i = 0; i < List(indexes, place).size(); ++i) {

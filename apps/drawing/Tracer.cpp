@@ -69,8 +69,8 @@ Station Tracer::At(double distance) const {
     CBezier right;
     double const t = segment.PercentT(fraction);
     segment.Divide(left, right, t);
-    // The control points next to the division give the tangent. At an end whose control point
-    // coincides with it they do not, and the next points do.
+    // The control points next to the division give the tangent. They fail at an end that coincides
+    // with its control point; the next points give it there.
     Pt direction = right.P1 - left.P2;
     if (direction.Null()) {
         direction = right.P2 - left.P1;

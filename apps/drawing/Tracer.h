@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Tracer: follows one outline by arc length, for many positions on the same outline. The segments
-// are measured once; each position then costs a binary search and one curve.
+// Tracer: follows one outline by arc length, for many positions on it. It measures the segments
+// once; each position then costs a binary search and one curve.
 
 #ifndef TRAMMEL_APP_TRACER_H
 #define TRAMMEL_APP_TRACER_H
@@ -17,7 +17,7 @@ namespace tool {
 /// A position on an outline.
 struct Station {
     TPoint<double> point;
-    TPoint<double> direction; ///< in which the outline goes on from there; of length 1
+    TPoint<double> direction; ///< the direction in which the outline goes on, of length 1
 };
 
 /// An outline with the lengths of its segments.
@@ -25,13 +25,13 @@ class Tracer {
 public:
     explicit Tracer(CPath const& path);
 
-    /// The total length, the same as the path's.
+    /// Returns the total length, the same as the path's.
     double Length() const { return mEnds.empty() ? 0.0 : mEnds.back(); }
 
-    /// The station at `distance` from the start, limited to the outline's length; precondition: the
-    /// length is above 0. The point is the one that CPath::TPt finds. The direction is that of the
-    /// two control points next to it when the curve is divided there, of a line its own; at a
-    /// corner it is that of the segment which ends there.
+    /// Returns the station at `distance` from the start, limited to the outline's length.
+    /// Precondition: the length is above 0. The point is the same as CPath::TPt finds. On a line
+    /// the direction is the line's. A curve is divided at the point, and the two control points
+    /// next to the division give the direction. At a corner the segment that ends there decides.
     Station At(double distance) const;
 
 private:

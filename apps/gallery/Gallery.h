@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The gallery: pictures of what the library does, each with one sentence and the figures that were
+// The gallery: pictures of the library's work, each with one sentence and the figures that were
 // computed while it was drawn.
 
 #ifndef TRAMMEL_APP_GALLERY_H
@@ -16,7 +16,7 @@
 
 namespace tool {
 
-/// What the pictures are made from.
+/// The material of the pictures.
 struct GalleryInput {
     Font const& type;       ///< its glyphs are drawn and measured
     Font const& labels;     ///< for the words in the pictures
@@ -31,7 +31,7 @@ struct GalleryFigure {
     std::string value;
 };
 
-/// One picture with what is said about it.
+/// One picture with its text.
 struct Plate {
     std::string name;     ///< of the files, without ".svg" and ".png"
     std::string title;    ///< a few words
@@ -43,11 +43,11 @@ struct Plate {
 /// A function that draws one plate. Throws Error when the font lacks a glyph or the map a country.
 using PlateMaker = std::function<Plate(GalleryInput const&)>;
 
-/// The plates in the order of the page; those that need a map only with one.
+/// Returns the plates in the order of the page. Plates that need a map are there only with one.
 std::vector<PlateMaker> GalleryPlates(bool withMap);
 
-/// The page that shows the plates: HTML without script, and without anything from elsewhere but the
-/// pictures, which lie beside it as NAME.svg and NAME.png.
+/// Returns the page that shows the plates. It is HTML without script. It refers to nothing except
+/// the pictures, which lie beside it as NAME.svg and NAME.png.
 std::string GalleryPage(GalleryInput const& input, std::vector<Plate> const& plates);
 
 // The plates

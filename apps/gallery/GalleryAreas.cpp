@@ -21,7 +21,7 @@
 namespace tool {
 namespace {
 
-/// How far flattened curves may deviate in the pictures: a fortieth of a pixel of the PNG.
+/// The deviation of flattened curves in the pictures: a fortieth of a pixel of the PNG.
 constexpr double kError = 0.0125;
 
 Tgpc_polygon AreaOf(CPath const& path) {
@@ -36,7 +36,7 @@ std::string Contours(AreaFigures const& figures) {
            (figures.holes == 1 ? " of them a hole" : " of them holes");
 }
 
-/// "area, contours, holes" of a clip's result.
+/// Returns "area, contours, holes" of a clip's result.
 std::string Summary(AreaFigures const& figures) {
     return "area " + Rounded(figures.area, 3) + "; " + Contours(figures);
 }
@@ -50,8 +50,8 @@ CPath const& CountryPath(GalleryInput const& input, std::string const& name) {
     throw Error(input.map->file, "", "has no country '" + name + "'");
 }
 
-/// The subpath with the greatest bounds, and those that lie within these: a country without its
-/// islands far off, but with its holes and lakes.
+/// Returns the subpath with the greatest bounds, and all subpaths within these bounds. This is a
+/// country without its islands far off, but with its holes and lakes.
 CPath Mainland(CPath const& country) {
     TRect<double> largest;
     std::vector<CPath> const parts = Subpaths(country);
@@ -70,12 +70,13 @@ CPath Mainland(CPath const& country) {
     return mainland;
 }
 
-/// Degrees of longitude as narrow as they are in the middle of these bounds.
+/// Returns the transform that makes degrees of longitude as narrow as in the middle of these
+/// bounds.
 CMatrix3x3 Narrowed(TRect<double> const& degrees) {
     return CMatrix3x3().Scale(std::cos(DegToRad(degrees.MidPt().v)), 1.0);
 }
 
-/// An outline in degrees, brought into a rectangle of the picture.
+/// Returns the transform that brings an outline in degrees into a rectangle of the picture.
 CMatrix3x3 MapFitting(TRect<double> const& degrees, CPath const& outline, TRect<double> const& to) {
     CMatrix3x3 const narrowed = Narrowed(degrees);
     return Concat(narrowed, Fitting(DrawnBounds(Transformed(outline, narrowed)), to));

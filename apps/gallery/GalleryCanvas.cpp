@@ -81,7 +81,7 @@ void Canvas::Dashes(CPath const& path, Colour colour, double width, double dash)
 }
 
 void Canvas::Dots(std::vector<TPoint<double>> const& points, double radius, Colour colour) {
-    // A line too short to see, with round caps, is a disc, and takes little room in a file.
+    // A line too short to see becomes a disc by its round caps, and takes little room in a file.
     constexpr double kSpeck = 0.01;
     CPath specks;
     for (TPoint<double> const& p : points) {
@@ -183,7 +183,7 @@ double LabelPlacer::Clearance(TRect<double> const& box) const {
 
 TPoint<double> LabelPlacer::Place(TPoint<double> const& mark, double width, double height) {
     constexpr int kDirections = 24;
-    // More clearance than this makes a label no easier to read.
+    // More clearance than this does not make a label easier to read.
     constexpr double kEnough = 9.0;
     TRect<double> best;
     double bestScore = -std::numeric_limits<double>::infinity();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// GalleryCanvas: a page of the gallery and the few things that are drawn on it. All of it, words
+// GalleryCanvas: a page of the gallery and the few things that are drawn on it. Everything, words
 // included, becomes filled and stroked outlines, so that SVG and PNG show the same.
 
 #ifndef TRAMMEL_APP_GALLERYCANVAS_H
@@ -22,8 +22,8 @@
 
 namespace tool {
 
-/// The colours of the gallery: those of Okabe and Ito, which stay apart for colour-blind eyes, with
-/// black and greys.
+/// The colours of the gallery: the set of Okabe and Ito, which stay apart for colour-blind eyes,
+/// with black and greys.
 namespace palette {
 
 inline constexpr Colour paper{255, 255, 255};
@@ -39,7 +39,7 @@ inline constexpr Colour amber{230, 159, 0};
 
 } // namespace palette
 
-/// Which part of the words stands at the label's point.
+/// The part of the words that stands at the label's point.
 enum class Align { left, centre, right };
 
 /// A page that is drawn on.
@@ -55,21 +55,21 @@ public:
     void Fill(CPath const& path, Colour colour, double opacity = 1.0);
     void Stroke(CPath const& path, Colour colour, double width, double opacity = 1.0);
     void Segment(TPoint<double> const& a, TPoint<double> const& b, Colour colour, double width);
-    /// Strokes dashes along a path: as many equal dashes and gaps, each about `dash` long, as fit.
+    /// Strokes dashes along a path. Equal dashes and gaps, each about `dash` long, fill it.
     void Dashes(CPath const& path, Colour colour, double width, double dash = 7.0);
-    /// Filled discs of one size.
+    /// Draws filled discs of one size.
     void Dots(std::vector<TPoint<double>> const& points, double radius, Colour colour);
-    /// A filled disc in a thin rim of paper, so that it stands out from lines.
+    /// Draws a filled disc in a thin rim of paper, so that it stands out from lines.
     void Dot(TPoint<double> const& p, double radius, Colour colour);
-    /// A circle filled with paper.
+    /// Draws a circle filled with paper.
     void Ring(TPoint<double> const& p, double radius, Colour colour, double width);
-    /// A line with a head at its end.
+    /// Draws a line with a head at its end.
     void Arrow(TPoint<double> const& a, TPoint<double> const& b, Colour colour, double width);
-    /// Words; the middle of their capitals stands at the height of `p`. A rim of paper keeps them
-    /// apart from lines below.
+    /// Draws words, with the middle of their capitals at the height of `p`. A rim of paper keeps
+    /// them apart from lines below.
     void Label(std::string const& words, TPoint<double> const& p, Align align = Align::centre,
                Colour colour = palette::ink, double size = kLabelSize);
-    /// The width of the words in the label font.
+    /// Returns the width of the words in the label font.
     double LabelWidth(std::string const& words, double size = kLabelSize) const;
 
     Picture TakePicture() { return std::move(mPicture); }
@@ -79,30 +79,33 @@ private:
     Picture mPicture;
 };
 
-/// The transform that brings `from` into the middle of `to`, as large as fits, in proportion.
+/// Returns the transform that brings `from` into the middle of `to`, as large as fits, in
+/// proportion.
 CMatrix3x3 Fitting(TRect<double> const& from, TRect<double> const& to);
 
-/// A copy of the path, transformed.
+/// Returns a copy of the path, transformed.
 CPath Transformed(CPath path, CMatrix3x3 const& m);
 
-/// The outline of a letter of `input.type`, in font units. Throws Error when the font has none.
+/// Returns the outline of a letter of `input.type`, in font units. Throws Error when the font has
+/// none.
 CPath LetterPath(GalleryInput const& input, char character);
 
-/// The outline of a letter, fitted into a rectangle.
+/// Returns the outline of a letter, fitted into a rectangle.
 CPath LetterIn(GalleryInput const& input, char character, TRect<double> const& to);
 
 /// Finds places for labels beside marks on an outline.
 class LabelPlacer {
 public:
-    /// \param outline  keep clear of it
-    /// \param frame    stay inside of it
+    /// \param outline  labels keep clear of it
+    /// \param frame    labels stay inside of it
     LabelPlacer(CPath const& outline, TRect<double> const& frame);
 
     /// Keeps clear of a line as well.
     void Avoid(TLine<double> const& line);
 
-    /// A place for a label of the given size near `mark`: of the candidates around it the one that
-    /// is farthest from the outline and the places given so far, near ones preferred.
+    /// Returns a place for a label of the given size near `mark`. It is the candidate around the
+    /// mark that is farthest from the outline and from the places given so far. Near candidates are
+    /// preferred.
     TPoint<double> Place(TPoint<double> const& mark, double width, double height);
 
 private:
@@ -113,10 +116,10 @@ private:
     std::vector<TRect<double>> mTaken;
 };
 
-/// A number with a fixed count of decimals.
+/// Returns a number with a fixed count of decimals.
 std::string Rounded(double number, int decimals);
 
-/// A number with two significant digits, for errors: "3.1e-14", "0.0021", "0".
+/// Returns a number with two significant digits, for errors: "3.1e-14", "0.0021", "0".
 std::string Small(double number);
 
 } // namespace tool

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The plates about curves and what they enclose: flattened, hit, hatched, rounded.
+// The plates about curves and their areas: flattened, hit, hatched, rounded.
 
 #include "Gallery.h"
 #include "GalleryCanvas.h"
@@ -24,7 +24,7 @@
 namespace tool {
 namespace {
 
-/// The greatest distance of a curve, sampled, from the edges of its flattening.
+/// Returns the greatest distance of a curve, sampled, from the edges of its flattening.
 double Deviation(CBezier const& curve, TPolygon<double> const& polygon) {
     constexpr int kSamples = 2000;
     double deviation = 0.0;
@@ -33,7 +33,7 @@ double Deviation(CBezier const& curve, TPolygon<double> const& polygon) {
         double distance = std::numeric_limits<double>::infinity();
         for (long edge = 0; edge <= polygon.LastEdge(); ++edge) {
             TLine<double> const line = polygon.GetEdge(edge);
-            // The foot on the line, pinned into the edge's box, is the edge's nearest point.
+            // The edge's nearest point is the foot on the line, pinned into the edge's box.
             TPoint<double> const nearest = line.PinPtToLineSeg(line.PerpendicularPt(p));
             distance = std::min(distance, LineLength(p, nearest));
         }
@@ -57,7 +57,7 @@ void AddBox(CPath& path, TRect<double> const& r) {
 /// A polygon on the integer grid and the number of its points.
 struct GridPolygon {
     std::vector<TPoint<double>> points;
-    double farthest = 0.0; ///< that a point moved
+    double farthest = 0.0; ///< the greatest distance that a point moved
     int bytes = 0;
 };
 
@@ -103,7 +103,7 @@ Plate DrawFlattening(GalleryInput const& input) {
         canvas.Stroke(CurvePath(curve), palette::amber, 9.0, 0.45);
         canvas.Stroke(PathOf({polygon}), palette::blue, 2.5);
         long const count = polygon.LastIndex() + 1;
-        // Where points lie close, small discs without a rim.
+        // Points that lie close are small discs without a rim.
         bool const dense = count > 60;
         std::vector<TPoint<double>> points;
         for (long k = 0; k < count; ++k) {
@@ -138,7 +138,7 @@ Plate DrawHitMap(GalleryInput const& input) {
                      "within a tolerance, whether it is inside, and how far the nearest point of "
                      "the outline is.";
 
-    // The classes of cells: the hits, bands of the inside, bands of the outside.
+    // Cells have these classes: the hits, bands of the inside, bands of the outside.
     std::array<Colour, 9> const colours{{palette::vermilion,
                                          {80, 165, 220},
                                          {140, 200, 235},

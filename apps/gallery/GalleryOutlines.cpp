@@ -28,14 +28,15 @@ std::string Extent(TRect<double> const& r, int decimals) {
     return Rounded(r.Width(), decimals) + " × " + Rounded(r.Height(), decimals);
 }
 
-/// A curve that winds inward in half turns, from the left end of its widest one over the top.
+/// Returns a curve that winds inward in half turns. It begins at the left end of the widest half
+/// turn and goes over the top.
 CPath Spiral(TPoint<double> centre, TPoint<double> radii, TPoint<double> shrink, int halfTurns) {
     CPath path;
     double angle = pi;
     for (int i = 0; i < halfTurns; ++i) {
         path.Arc(centre, radii.h, radii.v, angle, 0.5 * pi);
         path.Arc(centre, radii.h, radii.v, angle + 0.5 * pi, 0.5 * pi);
-        // The next half turn begins where this one ends: at the right, then at the left.
+        // The next half turn begins at the end of this one: at the right, then at the left.
         TPoint<double> const end = path.CurrentPoint();
         radii -= shrink;
         angle += pi;
@@ -44,7 +45,7 @@ CPath Spiral(TPoint<double> centre, TPoint<double> radii, TPoint<double> shrink,
     return path;
 }
 
-/// The nearest point of a set of outlines.
+/// The point of a set of outlines that is nearest to another point.
 struct Nearest {
     TPoint<double> point;
     double distance = std::numeric_limits<double>::infinity();
@@ -269,7 +270,7 @@ Plate DrawNearest(GalleryInput const& input) {
         canvas.Dot(line.mEnd, 4.5, palette::vermilion);
     }
 
-    // What one unit of the drawing measures in the picture.
+    // The size of one unit of the drawing in the picture.
     double const scale = fit.a;
     plate.figures = {
         {"Drawing", input.drawing.file},

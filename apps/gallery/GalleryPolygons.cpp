@@ -31,7 +31,7 @@
 namespace tool {
 namespace {
 
-/// The curves of an outline.
+/// Collects the curves of an outline.
 class CurveCollector : public CPathActions {
 public:
     std::vector<CBezier> curves;
@@ -42,7 +42,7 @@ public:
     }
 };
 
-/// Both ends of the curves, and their control points with the lines that lead to them.
+/// Draws both ends of the curves, and their control points with the lines that lead to them.
 void DrawControls(Canvas& canvas, std::vector<std::vector<TPoint<double>>> const& arms,
                   std::vector<TPoint<double>> const& ends,
                   std::vector<TPoint<double>> const& controls) {
@@ -64,7 +64,8 @@ struct ContextCloser {
     void operator()(cairo_t* context) const { cairo_destroy(context); }
 };
 
-/// The area of a drawing path as Cairo fills it: what it covers of each pixel, all pixels together.
+/// Returns the area of a drawing path as Cairo fills it: the sum of the covered parts of all
+/// pixels.
 double FilledArea(CGPathRef path) {
     constexpr int kWidth = static_cast<int>(Canvas::kWidth);
     constexpr int kHeight = static_cast<int>(Canvas::kHeight);
@@ -91,7 +92,7 @@ double FilledArea(CGPathRef path) {
     return sum;
 }
 
-/// A drawing path as an outline: the function and the data for CGPathApply.
+/// Makes an outline of a drawing path: the function and the data for CGPathApply.
 class PathCopy {
 public:
     static CPath Of(CGPathRef path) {
@@ -113,7 +114,7 @@ private:
             break;
         case kCGPathElementAddQuadCurveToPoint:
         case kCGPathElementAddCurveToPoint:
-            break; // a polygon's path has lines only
+            break; // a polygon's path has only lines
         case kCGPathElementCloseSubpath:
             path.ClosePath();
             break;
@@ -123,7 +124,7 @@ private:
     CPath mPath;
 };
 
-/// Counts how often a path is built.
+/// The number of times that a path was built.
 int builds = 0;
 
 CGPath* BuildAndCount(CFPolygonRef polygon) {
@@ -131,7 +132,7 @@ CGPath* BuildAndCount(CFPolygonRef polygon) {
     return trammel::BuildClosedPath(polygon);
 }
 
-/// The area that a polygon encloses, by the shoelace formula.
+/// Returns the area that a polygon encloses, by the shoelace formula.
 double EnclosedArea(CFPolygonRef polygon) {
     double twice = 0.0;
     TPoint<double> const origin = polygon.PolyPoints(0);
@@ -311,7 +312,7 @@ Plate DrawCornerTest(GalleryInput const& input) {
     TRect<double> const rectangle(TPoint<double>(400.0, 255.0), 265.0, 130.0);
     OwnedPolygon const turned(RotRectToPoly(rectangle, DegToRad(kDegrees)));
     Canvas canvas(input.labels);
-    std::array<std::size_t, 3> counts{}; // none, some and all corners inside
+    std::array<std::size_t, 3> counts{}; // of places with none, some and all corners inside
     std::array<Colour, 3> const colours{palette::ghost, palette::amber, palette::green};
     for (int row = 0; row < 12; ++row) {
         for (int column = 0; column < 14; ++column) {

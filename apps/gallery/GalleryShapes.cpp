@@ -6,6 +6,7 @@
 #include "GalleryCanvas.h"
 #include "Numbers.h"
 #include "Outlines.h"
+#include "OwnedPolygon.h"
 #include "SvgShapes.h"
 
 #include <trammel/CFPolygonRef.h>
@@ -25,26 +26,22 @@ CPath BoxPath(TRect<double> const& r) {
     return PolylinePath({r.TopLeft(), r.TopRight(), r.BottomRight(), r.BottomLeft()}, true);
 }
 
-/// A circle given by its bounding square.
+/// Returns the circle with the given bounding square.
 CPath CirclePath(TRect<double> const& square) {
     return EllipsePath(square.MidPt(), 0.5 * square.Width(), 0.5 * square.Height());
 }
 
-/// How far a point lies from a circle given by its bounding square.
+/// Returns the distance of a point from the circle with the given bounding square.
 double OffCircle(TRect<double> const& square, TPoint<double> const& p) {
     return std::abs(LineLength(square.MidPt(), p) - 0.5 * square.Width());
 }
 
-/// A handle polygon that frees its block.
-class OwnedPolygon {
-public:
-    OwnedPolygon(TRect<double> const& r, double angle) { polygon.CFPolygonCreate(r, angle); }
-    ~OwnedPolygon() { polygon.Dispose(); }
-    OwnedPolygon(OwnedPolygon const&) = delete;
-    OwnedPolygon& operator=(OwnedPolygon const&) = delete;
-
+/// Returns a new handle polygon: the rectangle turned about its middle.
+CFPolygonRef TurnedRectangle(TRect<double> const& r, double angle) {
     CFPolygonRef polygon;
-};
+    polygon.CFPolygonCreate(r, angle);
+    return polygon;
+}
 
 CPath PathOfHandle(CFPolygonRef const& polygon) {
     std::vector<TPoint<double>> points;
@@ -230,8 +227,8 @@ Plate DrawPolygons(GalleryInput const& input) {
     for (Panel const& panel : panels) {
         TPoint<double> const centre(panel.centre, 245.0);
         TRect<double> const box(centre, 85.0, 60.0);
-        OwnedPolygon owned(box, DegToRad(panel.degrees));
-        CFPolygonRef& polygon = owned.polygon;
+        OwnedPolygon const owned(TurnedRectangle(box, DegToRad(panel.degrees)));
+        CFPolygonRef polygon = owned.Ref();
         TRect<double> const from = polygon.Bounds();
         TRect<double> const to(centre, 62.0, 185.0);
         if (panel.mapped) {

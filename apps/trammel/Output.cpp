@@ -31,7 +31,7 @@ public:
     Descriptor& operator=(Descriptor const&) = delete;
 
     int Number() const { return mNumber; }
-    /// Writes everything and closes; false with errno set when either fails.
+    /// Writes everything and closes. Returns false, with errno set, when either fails.
     bool WriteAndClose(std::string const& content) {
         std::size_t done = 0;
         while (done < content.size()) {
@@ -51,7 +51,8 @@ private:
     int mNumber;
 };
 
-/// The file that a name stands for, links followed; the name itself when there is no such file yet.
+/// Returns the file that a name stands for, following links. It is the name itself when there is no
+/// such file yet.
 std::string Resolved(std::string const& file) {
     struct FreeDeleter {
         void operator()(char* text) const {
@@ -62,7 +63,7 @@ std::string Resolved(std::string const& file) {
     return real ? real.get() : file;
 }
 
-/// The permissions of a file that is replaced, or those of a new one.
+/// Returns the permissions of the file that is replaced, or of a new file.
 mode_t Permissions(bool exists, struct stat const& status) {
     if (exists) {
         return status.st_mode & 07777;

@@ -10,8 +10,8 @@
 
 namespace tool {
 
-/// The files that one run writes. Each is written beside its place under another name; Commit then
-/// moves all of them. Without Commit nothing is left.
+/// The files that one run writes. Each is written beside its place under another name, and Commit
+/// then moves all of them. Without Commit nothing is left.
 class OutputFiles {
 public:
     OutputFiles() = default;
@@ -19,8 +19,8 @@ public:
     OutputFiles(OutputFiles const&) = delete;
     OutputFiles& operator=(OutputFiles const&) = delete;
 
-    /// Writes `content` for `file`. A link is followed; a device or pipe is written by Commit, as
-    /// it is. Throws Error when it cannot be written, or was added before.
+    /// Writes `content` for `file`, following links. Commit writes to a device or pipe directly.
+    /// Throws Error when the file cannot be written, or was added before.
     void Add(std::string const& file, std::string const& content);
     /// Moves the files to their places. Throws Error.
     void Commit();

@@ -2,7 +2,8 @@
 
 // trammel: measures, cuts and shapes the outlines of drawings and fonts from the command line.
 //
-// Exit status 0: done. 2: not done, with one line on standard error that says why and where.
+// Exit status 0 means that the work is done. 2 means that it is not; one line on standard error
+// says why and where.
 
 #include "Error.h"
 #include "commands/Commands.h"
@@ -26,7 +27,7 @@ int Fail(std::string const& message) {
     return kFailed;
 }
 
-/// The message of a wrong command line, in one line and with the command's name.
+/// Returns the message of a wrong command line, in one line and with the command's name.
 std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
     std::string command;
     for (CLI::App const* const chosen : app.get_subcommands()) {
@@ -34,7 +35,8 @@ std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
     }
     std::string text = error.what();
     std::replace(text.begin(), text.end(), '\n', ' ');
-    // What could not be understood is likelier the mistake than what is missing because of it.
+    // A word that the parser does not understand is the likelier mistake. The missing part that it
+    // reports can follow from it.
     std::vector<std::string> const unknown = app.remaining(true);
     if (!unknown.empty()) {
         bool const option = unknown.front().compare(0, 1, "-") == 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// CGAL's regularized operations on polygon sets, with exact constructions: no coordinate is ever
-// rounded, which the others do not offer and which takes its time. Operands must be valid.
+// CGAL's regularized operations on polygon sets, with exact constructions. No coordinate is ever
+// rounded; no other library here offers that, and it takes its time. Operands must be valid.
 
 #include "Peer.h"
 

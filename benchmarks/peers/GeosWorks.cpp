@@ -9,7 +9,7 @@
 namespace peers {
 namespace {
 
-/// A polygon and what it takes to ask it; prepared when asked for the first time.
+/// A polygon and GEOS's objects to ask it. The first question prepares it.
 class Polygon {
 public:
     Polygon(truth::Chain const& ring, bool prepare) : mContext(GEOS_init_r()) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Another library's answer to many points and one polygon, so that it can be measured beside
-// Trammel's. Its source file is compiled where the library is found.
+// Another library's answer to many points and one polygon, to be measured beside Trammel's. Its
+// source file is compiled if the library is found.
 
 #ifndef TRAMMEL_LOCATOR_H
 #define TRAMMEL_LOCATOR_H
@@ -18,10 +18,10 @@ namespace peers {
 class Locator {
 public:
     virtual ~Locator() = default;
-    /// Drops what was prepared and prepares the polygon anew; the library may leave the work to the
-    /// first Contains.
+    /// Prepares the polygon anew, without what it knew before. The library may leave the work to
+    /// the first Contains.
     virtual void Prepare() = 0;
-    /// Whether point `i` is inside. Prepare comes first.
+    /// True when point `i` is inside. Prepare comes first.
     virtual bool Contains(std::size_t i) = 0;
 };
 

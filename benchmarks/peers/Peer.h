@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Other libraries' boolean operations behind one interface, so that they can be measured beside
-// Trammel's. Each has its own source file, which is compiled where the library is found.
+// Other libraries' boolean operations behind one interface, to be measured beside Trammel's. Each
+// library has its own source file, which is compiled if the library is found.
 
 #ifndef TRAMMEL_PEER_H
 #define TRAMMEL_PEER_H
@@ -18,10 +18,10 @@ namespace peers {
 class Job {
 public:
     virtual ~Job() = default;
-    /// One operation, from the library's form of the operands to its form of the result, which is
-    /// kept until the next. Throws what derives from std::exception if the library fails.
+    /// Does one operation, from the library's form of the operands to its form of the result, and
+    /// keeps the result until the next. Throws a std::exception if the library fails.
     virtual void Run(TPolyOp op) = 0;
-    /// The area of the last result.
+    /// Returns the area of the last result.
     virtual double Area() const = 0;
 };
 

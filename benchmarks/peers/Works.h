@@ -31,7 +31,7 @@ void RegisterKurboWorks();
 void RegisterLib2geomWorks();
 void RegisterQtWorks();
 
-/// What a library does with a curve in its own form; what is missing is not measured.
+/// The works of a library on a curve in its own form. A work without a function is not measured.
 template <class Native> struct CurveWorks {
     std::function<Native(CBezier const&)> convert;
     /// The number of points at that tolerance.
@@ -41,9 +41,9 @@ template <class Native> struct CurveWorks {
     std::function<double(Native const&)> length;
     /// The parameter nearest to a point.
     std::function<double(Native const&, TPoint<double> const&)> nearest;
-    /// The parameter at which a fraction of the length is reached.
+    /// The parameter at a fraction of the length.
     std::function<double(Native const&, double)> parameter;
-    /// Whether a point is within the tolerance.
+    /// True when a point is within the tolerance.
     std::function<bool(Native const&, TPoint<double> const&, double)> hit;
 };
 
@@ -172,7 +172,7 @@ void RegisterCurves(std::string const& who, CurveWorks<Native> const& works) {
     }
 }
 
-/// What a library does with a path in its own form.
+/// The works of a library on a path in its own form.
 template <class Native> struct PathWorks {
     std::function<Native(CPath const&)> convert;
     std::function<double(Native const&)> length;
@@ -217,8 +217,8 @@ template <class Native> void RegisterPaths(std::string const& who, PathWorks<Nat
     }
 }
 
-/// What a library does with a polygon in its own form, which is shared: it may be prepared by the
-/// first call, and transformed.
+/// The works of a library on a polygon in its own form. The polygon is shared: the first call may
+/// prepare it, and it may be transformed.
 template <class Native> struct PolygonWorks {
     std::function<std::shared_ptr<Native>(truth::Chain const&)> convert;
     std::function<bool(Native const&, TPoint<double> const&)> contains;
@@ -226,9 +226,10 @@ template <class Native> struct PolygonWorks {
     std::function<double(Native&)> bounds;
     /// Turns the polygon by one radian about (500, 500).
     std::function<void(Native&)> transform;
-    /// The length of what is inside of a segment.
+    /// The length of a segment's parts inside of the polygon.
     std::function<double(Native const&, TLine<double> const&)> clip;
-    /// The library is not asked about more vertices than these, for which it takes seconds a point.
+    /// The greatest number of vertices that the library is asked about. It would take seconds a
+    /// point for more.
     std::size_t most = std::numeric_limits<std::size_t>::max();
 };
 

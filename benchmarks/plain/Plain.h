@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// The plain library: what the library does, done step by step.
+// The plain library: the library's operations, done step by step.
 //
-// The times of the library are measured against what a careful, unoptimised implementation of the
-// same operations costs. That is a shared library, compiled with -O2 and the default visibility, in
-// which
+// The times of the library are measured against a careful, unoptimised implementation of the same
+// operations. This is a shared library, compiled with -O2 and the default visibility, in which
 //
 // - the operations of points, rectangles, lines, matrices and polygons are ordinary exported
 //   functions, called as such; points are made and copied inline (records/plain/PlainRecords.h);

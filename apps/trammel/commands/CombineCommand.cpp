@@ -20,8 +20,8 @@ namespace tool {
 
 namespace {
 
-/// The flattening error without --error, as a share of the drawings' size: a tenth of a pixel of
-/// the PNG that this command writes.
+/// The flattening error without --error, as a share of the drawings' size. It is a tenth of a pixel
+/// of the PNG that this command writes.
 constexpr double kErrorShare = 1e-4;
 
 struct Operation {
@@ -71,7 +71,7 @@ double ErrorOf(Options const& options, TRect<double> const& bounds) {
     return std::max(bounds.Width(), bounds.Height()) * kErrorShare;
 }
 
-/// The area that the whole drawing covers.
+/// Returns the area that the whole drawing covers.
 Tgpc_polygon AreaOf(Drawing const& drawing, double error) {
     Tgpc_polygon polygon;
     Progress progress("flattening " + drawing.file, drawing.outlines.size());
@@ -142,8 +142,8 @@ void Run(Options const& options) {
     }
     progress.Update(3);
     if (!options.output.empty()) {
-        // The first drawing's page; where it has none, one that holds both drawings, so that the
-        // results of the four operations lie over each other.
+        // The page is the first drawing's. If that has none, the page holds both drawings, so that
+        // the results of the four operations lie over each other.
         Page const page = a.page.frame.Empty() ? PageFor(a.page, bounds) : a.page;
         CPath const path = PathOf(result);
         WriteFile(options.output,

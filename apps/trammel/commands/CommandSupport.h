@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What several commands share: the input file and the choice of outlines in it, the output file,
-// JSON.
+// Parts that several commands share: the input file and the choice of outlines in it, the output
+// file, JSON.
 
 #ifndef TRAMMEL_APP_COMMANDSUPPORT_H
 #define TRAMMEL_APP_COMMANDSUPPORT_H
@@ -45,15 +45,16 @@ Drawing Load(Source const& source);
 /// Keeps the outlines with these ids. Throws Error for one that does not exist.
 void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids);
 
-/// The total length of an outline; throws Error, naming file and outline, when it is no number
-/// above 0.
+/// Returns the total length of an outline. Throws an Error that names file and outline when the
+/// length is no number above 0.
 double LengthToDivide(Drawing const& drawing, Outline const& outline);
 
-/// Black lines on the drawing's page (enlarged to what is drawn on it), nothing filled.
+/// Returns black lines on the drawing's page, with nothing filled. The page is enlarged as far as
+/// the outlines ask for it.
 Picture LinePicture(Page const& page, std::vector<Outline> const& outlines);
 
-/// JSON as text with a line end; numbers that are not finite are null, bytes that are no UTF-8 are
-/// replaced.
+/// Returns JSON as text with a line end. Numbers that are not finite become null, and bytes that
+/// are no UTF-8 are replaced.
 std::string JsonText(Json const& json);
 Json ToJson(TPoint<double> const& p);
 Json ToJson(TRect<double> const& r);

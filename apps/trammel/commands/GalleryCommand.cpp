@@ -31,17 +31,17 @@ constexpr int kPixels = 1600;
 
 struct Options {
     std::string folder;
-    // Where Debian's packages fonts-ebgaramond, fonts-dejavu-core and breeze-icon-theme put them.
+    // Debian's packages fonts-ebgaramond, fonts-dejavu-core and breeze-icon-theme have these files.
     std::string font = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
     std::string labelFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf";
-    // Where `script/setup maps` puts it, seen from the folder of the sources.
+    // `script/setup maps` puts the map here, seen from the folder of the sources.
     std::string map = "build/data/world-atlas/countries-50m.json";
     bool mapChosen = false;
     std::string drawing = "/usr/share/icons/breeze/devices/64/input-gaming.svg";
 };
 
-/// A folder that is made where it does not exist, with the folders above it; what was made is
-/// removed again unless it is kept.
+/// A folder for output. The constructor makes it and the folders above it, as far as they do not
+/// exist. The destructor removes the new ones again unless Keep was called.
 class OutputFolder {
 public:
     explicit OutputFolder(std::string const& name) {
@@ -88,10 +88,10 @@ private:
         mMade.clear();
     }
 
-    std::vector<std::filesystem::path> mMade; ///< outer ones first
+    std::vector<std::filesystem::path> mMade; ///< the new folders, outer ones first
 };
 
-/// The drawing, its outlines without a length left out.
+/// Returns the drawing without the outlines that have no length.
 Drawing LoadDrawing(std::string const& file) {
     Drawing drawing = ReadDrawing(file);
     auto const hasNoLength = [](Outline const& outline) {
@@ -107,7 +107,7 @@ Drawing LoadDrawing(std::string const& file) {
     return drawing;
 }
 
-/// The map. One that is not there is missed only if it was asked for.
+/// Returns the map. A missing map is an error only if the user asked for it.
 std::optional<Drawing> LoadMap(Options const& options) {
     std::error_code ignored;
     if (!options.mapChosen && !std::filesystem::exists(options.map, ignored)) {

@@ -69,7 +69,7 @@ std::string BoundsText(TRect<double> const& r) {
            Figure(r.bottom);
 }
 
-/// One line for a person.
+/// Returns one line for people.
 std::string LineOf(std::string const& file, Outline const& outline, Figures const& figures) {
     std::string const contents = figures.lines && figures.curves ? "lines and curves"
                                  : figures.lines                 ? "lines"
@@ -105,7 +105,7 @@ Json JsonOf(Totals const& totals) {
     return json;
 }
 
-// Everything is measured before anything is printed: a file that cannot be read leaves no half
+// Everything is measured before anything is printed, so a file that cannot be read leaves no half
 // report.
 void Run(Options const& options) {
     std::string text;

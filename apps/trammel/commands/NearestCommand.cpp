@@ -31,7 +31,7 @@ struct Found {
     double distance;
 };
 
-/// The nearest place among all outlines that have length; the earlier outline on a tie.
+/// Returns the nearest place among all outlines that have length, and the earlier outline on a tie.
 Found Nearest(Drawing const& drawing, std::vector<CPath> const& paths, TPoint<double> const& to) {
     std::optional<Found> best;
     for (std::size_t i = 0; i < paths.size(); ++i) {

@@ -57,7 +57,7 @@ private:
     MacPolygon** mRecord;
 };
 
-/// What a command does with one outline: adds to the text, the JSON and the picture.
+/// The text, the JSON and the picture of all outlines so far.
 struct Report {
     std::string text;
     Json outlines = Json::array();
@@ -65,7 +65,7 @@ struct Report {
     std::vector<Outline> after;  ///< drawn black
 };
 
-/// The polygons of an outline, one for each subpath.
+/// Returns the polygons of an outline, one for each subpath.
 std::vector<TPolygon<double>> PolygonsOf(Options const& options, Outline const& outline) {
     TRect<double> const bounds = DrawnBounds(outline.path);
     double const error = options.error.empty()
@@ -167,8 +167,8 @@ void ToQuickDraw(Options const& options, Drawing const& drawing, Outline const& 
             points.push_back(p);
             jsonPoints.push_back(ToJson(p));
         }
-        // Rounding to a 16-bit integer moves a coordinate by half a unit; by more, where it is
-        // beyond their range.
+        // Rounding to a 16-bit integer moves a coordinate by half a unit at most. A coordinate
+        // beyond the range of these integers moves by more.
         if (!(farthest < 1.0)) {
             throw Error(drawing.file, outline.id,
                         "has coordinates beyond those of a QuickDraw polygon, -32768 to 32767");
@@ -195,7 +195,7 @@ void ToQuickDraw(Options const& options, Drawing const& drawing, Outline const& 
     report.after.push_back({outline.id, std::move(rounded)});
 }
 
-/// Grey what was there before, black what has become of it.
+/// Returns the picture: the outlines before in grey, and the outlines after in black.
 Picture PictureOf(Drawing const& drawing, Report const& report) {
     std::vector<Outline> everything = report.before;
     everything.insert(everything.end(), report.after.begin(), report.after.end());
@@ -205,7 +205,7 @@ Picture PictureOf(Drawing const& drawing, Report const& report) {
     style.strokeWidth = HairWidth(picture.page);
     style.stroke = Colour{176, 176, 176};
     for (Outline const& outline : report.before) {
-        // Without ids, which stand for the outlines that the command makes.
+        // The ids stand for the outlines that the command makes, so these have none.
         picture.shapes.push_back({outline.path, style, ""});
     }
     style.stroke = Colour{};

@@ -32,7 +32,7 @@ struct Options {
 /// The flattening error of --raw-quadratics without --error, as a share of the type's size.
 constexpr double kErrorShare = 1e-3;
 
-/// The size at which the words fill the given length, but for a thousandth that rounding may take.
+/// Returns the size at which the words fill the given length, less a thousandth for rounding.
 double FittingSize(Font const& font, std::string const& words, double length) {
     double const width = TextWidth(font, words, font.UnitsPerEm());
     if (!(width > 0.0)) {
@@ -75,7 +75,7 @@ void Run(Options const& options) {
         size = FittingSize(font, options.words, length - start);
     }
     if (options.rawQuadratics) {
-        double const unit = size / font.UnitsPerEm(); // of the font, in the drawing
+        double const unit = size / font.UnitsPerEm(); // the size of a font unit in the drawing
         font.FlattenQuadratics((error > 0.0 ? error : size * kErrorShare) / unit);
     }
     std::vector<Outline> glyphs;
