@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The figures that several of the clipper's tests draw, and what every result has to be.
+// Figures for several of the clipper's tests, and expectations of every result.
 #ifndef TRAMMEL_CLIPCHECKS_H
 #define TRAMMEL_CLIPCHECKS_H
 
@@ -56,7 +56,7 @@ inline double Area(Region const& region) { return plain::AreaByFlags(region); }
 /// Expects two results that are equal to the last bit and list the contours in the same order.
 void ExpectIdentical(Region const& a, Region const& b);
 
-/// Expects what the header promises of each contour by itself:
+/// Expects the properties that the header promises of each contour by itself:
 /// - at least three vertices, none twice,
 /// - no vertex within a horizontal run,
 /// - a hole starts at its highest vertex, another contour ends there.

@@ -75,7 +75,7 @@ private:
     }
 };
 
-/// The operation's result, the parts put together by hand.
+/// Returns the operation's result. It joins the parts in the same way as gpc_polygon_clip().
 Region Resolve(Drawing const& drawing, std::size_t operation, Recheck recheck) {
     RegionContours resolved =
         trammel_detail::ContoursOf(drawing.lines, kRegions[operation], drawing.grid, recheck);
@@ -101,7 +101,7 @@ void ExpectSame(Region const& a, Region const& b) {
     }
 }
 
-/// To look again only where it is needed gives what looking everywhere does.
+/// Expects the same results whether edges are tested again everywhere or only where it is needed.
 void ExpectNothingMissed(Polygon const& a, Polygon const& b) {
     if (!Drawing::BoxOf(a, b).HasArea()) {
         return;
@@ -122,7 +122,7 @@ Contour RandomContour(Dice& dice, int vertices) {
     return contour;
 }
 
-/// Teeth, turned about the middle.
+/// A comb, turned about the middle.
 Contour Comb(int teeth, double angle) {
     Contour contour;
     auto const add = [&](double x, double y) {
@@ -141,7 +141,7 @@ Contour Comb(int teeth, double angle) {
     return contour;
 }
 
-TEST(ClipParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
+TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingInRandomPolygons) {
     Dice dice(1807);
     for (int round = 0; round < 150; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -150,7 +150,7 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllInRandomPolygons) {
     }
 }
 
-TEST(ClipParts, LookingAgainWhereNeededFindsAllInGridCases) {
+TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingInGridCases) {
     // Most of these touch, overlap or share vertices.
     for (plain::ClipCase const& c : plain::MakeGridCases()) {
         SCOPED_TRACE(c.name);
@@ -158,7 +158,7 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllInGridCases) {
     }
 }
 
-TEST(ClipParts, LookingAgainWhereNeededFindsAllInCombs) {
+TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingInCombs) {
     // The second comb's outline lies along all teeth of the first, to within rounding.
     for (int const teeth : {3, 25, 60}) {
         for (double const angle : {0.0, 0.1, 0.785, 1e-9}) {
@@ -168,9 +168,9 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllInCombs) {
     }
 }
 
-TEST(ClipParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
-    // Edges that cross at angles from 2^-5 down to a few units in the last place, or pass each
-    // other at such a distance: the parts next to a crossing may cross once more for rounding.
+TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingAtFlatAngles) {
+    // Edges cross at angles from 2^-5 down to a few units in the last place, or pass each other at
+    // such a distance. Rounding may make the parts next to a crossing cross once more.
     Dice dice(99);
     for (int power = 5; power <= 53; ++power) {
         SCOPED_TRACE("2^-" + std::to_string(power));
@@ -190,7 +190,7 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllBetweenFlatAngles) {
     }
 }
 
-TEST(ClipParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
+TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingOnCoarseGrids) {
     // With few doubles across the drawing every cut moves edges by as much as their details.
     Dice dice(64);
     for (double const distance : {0x1p40, 0x1p48, 0x1p50, 0x1p52}) {
@@ -211,7 +211,7 @@ TEST(ClipParts, LookingAgainWhereNeededFindsAllOnCoarseGrids) {
 }
 
 TEST(ClipParts, CrossingsOfTwoEdgesAreKnownAsSuch) {
-    // Two squares: two crossings, of two edges each.
+    // Two squares have two crossings, of two edges each.
     Drawing const drawing({{{0, 0}, {4, 0}, {4, 4}, {0, 4}}}, {{{2, 1}, {6, 1}, {6, 3}, {2, 3}}});
     for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
         GridLines lines = drawing.lines;
@@ -252,7 +252,7 @@ Pairs PairsFound(GridLines const& lines, std::size_t step, GridPoint margin,
     return found;
 }
 
-/// The same by looking at all.
+/// The same pairs, found by testing all.
 Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) {
     std::vector<GridBox> boxes;
     for (std::size_t line = 0; line < lines.Count(); ++line) {
@@ -299,7 +299,7 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     }
 }
 
-/// Whether two segments have a point in common.
+/// True when two segments have a point in common.
 bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
     using trammel_detail::SideOf;
     return trammel_detail::BoxOf(e).Meets(trammel_detail::BoxOf(f)) &&
@@ -367,7 +367,7 @@ TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
     for (int const vertices : {3, 10, 60}) {
         Polygon const a{RandomContour(dice, vertices), RandomContour(dice, 4)};
         GridLines lines = Drawing(a, {RandomContour(dice, vertices)}).lines;
-        // Few edges have no boxes.
+        // The tree makes boxes only for more than 48 edges.
         while (lines.points.size() <= 48) {
             GridLines const once = lines;
             for (std::size_t line = 0; line < once.Count(); ++line) {
@@ -393,7 +393,7 @@ TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
 }
 
 TEST(ClipParts, GridPointsBecomeTheNearestDoubles) {
-    // Near zero, where a grid point counted from there fits 64 bits, and far from it.
+    // Near zero a grid point that is counted from there fits in 64 bits; far from it, it does not.
     Dice dice(12);
     for (double const low : {0.0, -0.7, 0.3, 1.0, -1.9, -2.0, 2.0, 3.0, 100.0, -1e5}) {
         trammel_detail::GridAxis const axis(low, low + 1.0);
@@ -446,7 +446,7 @@ TEST(ClipParts, ScratchGivesItsBlockAndThenTheHeap) {
     EXPECT_EQ(static_cast<char*>(second) - static_cast<char*>(first), 112);
     scratch.TakeBack(second, 100);
     EXPECT_EQ(scratch.Take(40), second);
-    // Taken back out of turn, which leaves a gap until the operation ends.
+    // A block that comes back out of turn leaves a gap until the operation ends.
     scratch.TakeBack(first, 100);
     EXPECT_NE(scratch.Take(100), first);
     void* const large = scratch.Take(1 << 20);
@@ -454,7 +454,7 @@ TEST(ClipParts, ScratchGivesItsBlockAndThenTheHeap) {
     EXPECT_TRUE(address(large) < address(&scratch) ||
                 address(large) >= address(&scratch) + sizeof scratch);
     scratch.TakeBack(large, 1 << 20);
-    // Nothing, of what is left and where nothing is.
+    // Requests for no bytes, while the block has some left and when it has none.
     void* const nothing = scratch.Take(0);
     scratch.TakeBack(nothing, 0);
     std::vector<void*> units;
@@ -479,7 +479,7 @@ TEST(ClipParts, ScratchGivesItsBlockAndThenTheHeap) {
                  std::bad_alloc);
 }
 
-/// Checks that edges have nothing in common but ends, or are equal.
+/// Expects edges that are equal or have at most ends in common.
 void ExpectNoCrossings(GridLines const& lines) {
     std::vector<GridEdge> edges;
     for (std::size_t line = 0; line < lines.Count(); ++line) {
@@ -509,10 +509,10 @@ void ExpectNoCrossings(GridLines const& lines) {
 }
 
 TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
-    // Vertices a few doubles around a power of two, in a drawing much larger than that: the doubles
-    // just below the power count as twice as far apart as they are. The first of these drawings
-    // takes more than 50 rounds, in which the diagonals of a square come back again and again. So
-    // do some of the random ones.
+    // The vertices lie a few doubles around a power of two, in a drawing much larger than that. The
+    // doubles just below the power count as twice as far apart as they are. The first of these
+    // drawings takes more than 50 rounds, in which the diagonals of a square come back again and
+    // again. So do some of the random ones.
     std::vector<std::vector<std::pair<int, int>>> drawings = {{{-7, -8},
                                                                {-7, -7},
                                                                {-4, -5},
@@ -559,7 +559,7 @@ TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
 }
 
 TEST(ClipParts, SnappingIsMonotoneAndLeavesDoublesInPlace) {
-    // That keeps a cut in its edge's box, without which cutting might not end.
+    // Both keep a cut in its edge's box. Without them cutting might not end.
     Dice dice(23);
     for (double const low : {0.0, -0.7, 1.0, -2.0, 3.0, -1e5, 0x1p52}) {
         trammel_detail::GridAxis const axis(low, low + 1.0);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// The clipper's C interface: records, their memory, and no memory.
+// The clipper's C interface: its records, their memory, and shortage of memory.
 #include "ClipChecks.h"
 
+#include "ShortMemory.h"
 #include "gpc.h"
 
 #include <gtest/gtest.h>
@@ -137,15 +138,16 @@ TEST(ClipRecords, ClipsAMillionVerticesInMemoryThatGrowsWithThem) {
         gpc_free_polygon(&result);
     }
 #ifndef TRAMMEL_CLIP_SANITIZED
-    // Four times the vertices, and some more than four times the memory for blocks that double.
+    // Four times the vertices take about four times the memory, or twice that where a block has
+    // just doubled.
     EXPECT_LT(growth[1], 8 * std::max(growth[0], 1000L));
-    // Less than a kilobyte a vertex of the operands.
+    // That is less than a kilobyte for each vertex of the operands.
     EXPECT_LT(growth[1], 1000 * 1000);
 #endif
 }
 
 #ifndef TRAMMEL_CLIP_SANITIZED
-/// Clips with no more memory than the process has and so much more, then ends the process.
+/// Clips with the memory that the process has and at most `megabytes` more, and ends the process.
 [[noreturn]] void ClipWithin(rlim_t megabytes, gpc_polygon subject, gpc_polygon clip) {
     long pages = 0;
     std::FILE* const file = std::fopen("/proc/self/statm", "r");
@@ -177,6 +179,42 @@ TEST(ClipRecordsDeathTest, EndsTheProcessWhenMemoryRunsOut) {
     gpc_free_polygon(&subject);
     gpc_free_polygon(&clip);
 #endif
+}
+
+/// Clips while malloc grants so many requests, then ends the process with status 0.
+[[noreturn]] void ClipWithRequests(long requests, gpc_polygon subject, gpc_polygon clip) {
+    gpc_polygon result{0, nullptr, nullptr};
+    {
+        trammel_test::ShortMalloc const shortage(requests);
+        gpc_polygon_clip(GPC_XOR, &subject, &clip, &result);
+    }
+    std::_Exit(0);
+}
+
+TEST(ClipRecordsDeathTest, TellsWhatTheMemoryWasFor) {
+    if (!trammel_test::ShortMalloc::Works()) {
+        GTEST_SKIP() << "malloc is not ours to deny";
+    }
+    // The work on small operands needs no memory. The result has two contours.
+    gpc_polygon subject = plain::ToRecord({Rectangle(0, 0, 10, 10)});
+    gpc_polygon clip = plain::ToRecord({Rectangle(5, 5, 15, 15)});
+    char const* const messages[] = {
+        "^gpc malloc failure: hole flags\n$", "^gpc malloc failure: contours\n$",
+        "^gpc malloc failure: vertices\n$", "^gpc malloc failure: vertices\n$"};
+    for (long requests = 0; requests < 4; ++requests) {
+        EXPECT_EXIT(ClipWithRequests(requests, subject, clip), ::testing::ExitedWithCode(1),
+                    messages[requests]);
+    }
+    EXPECT_EXIT(ClipWithRequests(4, subject, clip), ::testing::ExitedWithCode(0), "^$");
+    gpc_free_polygon(&subject);
+    gpc_free_polygon(&clip);
+
+    // The work on large operands needs memory, too.
+    Dice dice(2);
+    gpc_polygon large = plain::ToRecord({Star(5000, 0, 0, 1, 0, dice)});
+    EXPECT_EXIT(ClipWithRequests(0, large, large), ::testing::ExitedWithCode(1),
+                "^gpc malloc failure: sweep\n$");
+    gpc_free_polygon(&large);
 }
 
 } // namespace

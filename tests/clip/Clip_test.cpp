@@ -110,8 +110,8 @@ TEST(Clip, MakesHolesOfEverySecondNestedContour) {
 }
 
 TEST(Clip, MakesHolesOfEverySecondOfManyNestedContours) {
-    // Nothing ties one contour to the next, so each asks anew what it lies in; and their edges'
-    // boxes meet all over.
+    // No contour shares a vertex with another, so that each has to find out by itself what it lies
+    // in. The boxes of their edges meet nearly everywhere.
     for (int const sides : {3, 4, 62}) {
         for (std::size_t const count : {8U, 9U, 12U, 16U, 33U, 60U}) {
             Polygon rings;
@@ -150,7 +150,7 @@ TEST(Clip, KeepsContoursThatTouchInACornerApart) {
 }
 
 TEST(Clip, KeepsTinyDetailsInLargeDrawings) {
-    // A square of 1e-6 beside one of 1e5, and one inside of it as a hole.
+    // A square of size 1e-6 lies beside one of size 1e5, and another lies inside it as a hole.
     Polygon const a{Rectangle(0, 0, 1e5, 1e5), Rectangle(5e4, 5e4, 5e4 + 1e-6, 5e4 + 1e-6)};
     Polygon const b{Rectangle(-1, -1, -1 + 1e-6, -1 + 1e-6)};
     Region const region = Clip(GPC_UNION, a, b);
@@ -163,8 +163,8 @@ TEST(Clip, KeepsTheBitsOfVerticesThatSurvive) {
     Dice dice(3);
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
-        // Around the origin, where coordinates are finer than any grid over the whole; with values
-        // from 1e-20 to 1 and both zeros. The far square lies off and is not cut.
+        // Around the origin coordinates are finer than any grid over the whole. There are values
+        // from 1e-20 to 1 and both zeros. The other square lies far off, so that nothing is cut.
         Contour star;
         for (int i = 0; i < 24; ++i) {
             double const t = 2 * kPi * i / 24;
@@ -286,8 +286,8 @@ TEST(Clip, CombinesOperandsThatAreAUnitInTheLastPlaceApart) {
 }
 
 TEST(Clip, LeavesNoCrossingsOnGridsAsCoarseAsTheDoubles) {
-    // Far from the origin there are few doubles: every crossing is rounded by as much as the
-    // figures' own details, so that new crossings come up.
+    // Far from the origin there are few doubles. Every crossing is rounded by as much as the size
+    // of the figures' details, so that new crossings come up.
     Dice dice(8);
     for (int round = 0; round < 60; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
@@ -313,8 +313,8 @@ TEST(Clip, LeavesNoCrossingsOnGridsAsCoarseAsTheDoubles) {
 }
 
 TEST(Clip, FindsTheHolesOfAFrameAroundManySquares) {
-    // 40,000 squares in a frame: the holes are found in time that does not grow with the square of
-    // their number.
+    // 40,000 squares lie in a frame. If each contour were compared with all others, this would be
+    // by far the longest of the tests.
     Polygon a{Rectangle(-1, -1, 400, 400)};
     for (int i = 0; i < 200; ++i) {
         for (int k = 0; k < 200; ++k) {

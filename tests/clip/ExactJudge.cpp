@@ -52,8 +52,8 @@ void AddCurves(Polygon const& polygon, unsigned bit, std::vector<Traits::Curve_2
             Vertex const p = contour[i];
             Vertex const q = contour[i + 1 == contour.size() ? 0 : i + 1];
             if (p != q) {
-                curves.push_back(Traits::Curve_2(
-                    Segments::Curve_2(Kernel::Point_2(p.x, p.y), Kernel::Point_2(q.x, q.y)), bit));
+                curves.emplace_back(
+                    Segments::Curve_2(Kernel::Point_2(p.x, p.y), Kernel::Point_2(q.x, q.y)), bit);
             }
         }
     }

@@ -15,9 +15,9 @@ namespace clip_test {
 /// Returns the figures of a case.
 ///
 /// Everything is decided and computed exactly, up to the areas' rounding to the nearest double.
-/// Contours are counted as the clipper lists them: the boundary is followed with the inside on its
-/// left, keeping within the inside where several parts of the boundary meet, and a closed walk that
-/// comes to a vertex twice is divided there.
+/// Contours are counted as the clipper lists them. A walk follows the boundary with the inside on
+/// its left. Where several parts of the boundary meet, the walk keeps within the inside. A closed
+/// walk that comes to a vertex twice is divided there.
 plain::CaseFigures FiguresOf(plain::ClipCase const& c);
 
 /// Returns for each operation the area that lies in the true result or in `regions`, but not in

@@ -583,7 +583,7 @@ bool IsNearALine(ClipCase const& c, Measure const& measure, Vertex p) {
                 double const dx = b.x - a.x;
                 double const dy = b.y - a.y;
                 double const side = dx * (point.y - a.y) - dy * (point.x - a.x);
-                // Sixteen units of the grid, and what doubles lose in a box of side 1.
+                // Sixteen units of the grid, and the error of `side` itself in a box of side 1.
                 double const margin =
                     16 * (std::fabs(dx) * measure.unitY + std::fabs(dy) * measure.unitX) + 0x1p-48;
                 if (std::fabs(side) <= margin) {

@@ -84,7 +84,7 @@ struct Measure {
     Polygon Scaled(Polygon polygon) const;
 };
 
-/// What is known about an operation's result.
+/// The known facts about an operation's result.
 struct ResultFigures {
     int contours = 0;
     int holes = 0;
@@ -100,8 +100,8 @@ inline bool operator==(ResultFigures const& a, ResultFigures const& b) {
 struct CaseFigures {
     std::string name;
     std::uint64_t fingerprint = 0;
-    /// True when all vertices and crossings are far enough from the edges beside them that
-    /// rounding joins and parts nothing, so that the numbers of contours are those of the result.
+    /// True when all vertices and crossings are far from the edges beside them. Rounding joins and
+    /// parts nothing then, and the rounded result has as many contours as the exact one.
     bool settled = false;
     /// A character for each of SamplePoints(): the sum of 1 for inside `a` and 2 for inside `b`,
     /// or a minus where rounding may decide.
@@ -112,8 +112,8 @@ struct CaseFigures {
 /// Points in the box around the operands.
 std::vector<Vertex> SamplePoints(ClipCase const& c);
 
-/// True when the point lies on or near the line through an edge of the operands, so that the
-/// rounding of vertices or of doubles may decide on which side it lies.
+/// True when the point lies on or near the line through an edge of the operands. The rounding of
+/// vertices or of the test itself may then decide on which side the point lies.
 bool IsNearALine(ClipCase const& c, Measure const& measure, Vertex p);
 
 /// Reads the file of figures. On a malformed file the message names the line; it is empty

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the clipper's tests share: polygons as vectors, areas, and the file of reference cases.
+// Polygons as vectors, plain areas, and the file of reference cases, for the clipper's tests.
 #ifndef TRAMMEL_PLAINCLIP_H
 #define TRAMMEL_PLAINCLIP_H
 
@@ -41,7 +41,7 @@ struct Region {
 inline char const* const kOperationNames[] = {"a - b", "a * b", "a xor b", "a + b"};
 inline gpc_op const kOperations[] = {GPC_DIFF, GPC_INT, GPC_XOR, GPC_UNION};
 
-/// Whether a point is in the result, given whether it is in each operand.
+/// True when a point is in the result, given whether it is in each operand.
 inline bool Combine(gpc_op operation, bool a, bool b) {
     switch (operation) {
     case GPC_DIFF:
@@ -128,8 +128,9 @@ struct Box {
     bool HasArea() const { return lowX < highX && lowY < highY; }
 };
 
-/// Makes coordinates of any size and place ones between 0 and 1, by a difference and a power of two
-/// on each axis, so that areas neither vanish nor drown in their distance from the origin.
+/// Maps coordinates of any size and place to coordinates between 0 and 1. It takes a difference and
+/// a power of two on each axis. Areas then neither vanish nor drown in their distance from the
+/// origin.
 struct Normalised {
     explicit Normalised(Box const& box)
         : lowX(box.lowX), lowY(box.lowY), exponentX(std::ilogb(box.highX - box.lowX) + 1),
@@ -176,9 +177,11 @@ inline double AreaByFlags(Region const& region) {
     return area;
 }
 
-/// The area inside by the even-odd rule of contours that may cross: the plane is cut into strips at
-/// the heights of vertices and crossings, and in each strip every second gap between edges counts.
-/// In floating point, good to about 1e-12 of the box. Cost: strips times edges in a strip.
+/// The area that is inside by the even-odd rule. Contours may cross.
+///
+/// The plane is cut into strips at the heights of vertices and crossings. In each strip every
+/// second gap between edges counts. The error is about 1e-12 of the box. The cost is proportional
+/// to the strips times the edges in a strip.
 inline double EvenOddArea(Polygon const& polygon) {
     struct Edge {
         Vertex low;
@@ -241,8 +244,8 @@ inline double EvenOddArea(Polygon const& polygon) {
     return area;
 }
 
-/// How much the area can change when every vertex moves by no more than one unit in the last place
-/// of its coordinates: an edge sweeps over dx * (its shift in y) + dy * (its shift in x) at most.
+/// How much the area can change when every vertex moves by at most one unit in the last place of
+/// its coordinates. An edge sweeps over dx * (its shift in y) + dy * (its shift in x) at most.
 inline double RoundingOfArea(Polygon const& polygon) {
     auto const unit = [](double a, double b) {
         double const v = std::max(std::fabs(a), std::fabs(b));
@@ -259,7 +262,7 @@ inline double RoundingOfArea(Polygon const& polygon) {
     return sum;
 }
 
-/// Whether a point is inside by the even-odd rule.
+/// True when a point is inside by the even-odd rule.
 inline bool Inside(Polygon const& polygon, Vertex p) {
     bool inside = false;
     for (Contour const& contour : polygon) {
@@ -284,7 +287,7 @@ inline Contour Rotated(Contour contour) {
     return contour;
 }
 
-/// Whether two contours have the same vertices in the same order, to within a tolerance.
+/// True when two contours have the same vertices in the same order, to within a tolerance.
 inline bool Same(Contour const& a, Contour const& b, double toleranceX, double toleranceY) {
     if (a.size() != b.size()) {
         return false;
