@@ -12,11 +12,11 @@ namespace trammel_detail {
 
 namespace {
 
-/// Whether p comes later than q in a sweep upwards, from left to right on each line.
+/// True when p comes later than q in a sweep upwards that goes from left to right at each height.
 bool Higher(GridPoint p, GridPoint q) { return q < p; }
 
-/// A local maximum of a contour and the two chains of edges that end there, as the numbers of the
-/// local minima where they begin.
+/// A local maximum of a contour. Two chains of edges end there, which have the numbers of the local
+/// minima where they begin.
 struct Maximum {
     GridPoint at;
     std::size_t left;
@@ -29,8 +29,8 @@ public:
     explicit ListingPoint(Scratch* scratch)
         : mMinima(scratch), mMaxima(scratch), mParent(scratch) {}
 
-    /// Of the contour with `count` vertices from `v`, which starts at its highest vertex or ends
-    /// there.
+    /// Returns the point for the contour of `count` vertices from `v`, which starts or ends at its
+    /// highest vertex.
     GridPoint Of(GridPoint const* v, std::size_t count);
 
 private:
@@ -51,7 +51,8 @@ GridPoint ListingPoint::Of(GridPoint const* v, std::size_t count) {
     mMinima.clear();
     mMaxima.clear();
     auto const next = [count](std::size_t i) { return i + 1 == count ? 0 : i + 1; };
-    // From a highest vertex on, so that every minimum is met before the maximum that follows it.
+    // The walk starts at a highest vertex, so that it meets every minimum before the maximum that
+    // follows it.
     std::size_t const start = Higher(v[0], v[count - 1]) ? 0 : count - 1;
     bool rising = false;
     std::size_t i = start;
@@ -106,7 +107,7 @@ ScratchVector<std::size_t> OrderContours(RegionContours& resolved) {
     for (std::size_t c = 0; c < contours.Count(); ++c) {
         std::size_t const end = contours.ends[c];
         std::size_t const start = size;
-        // The neighbours as they were: those in front may have been moved over.
+        // The neighbours before anything is moved: vertices in front may be overwritten.
         GridPoint const first = points[begin];
         GridPoint before = points[end - 1];
         for (std::size_t i = begin; i < end; ++i) {
@@ -130,7 +131,7 @@ ScratchVector<std::size_t> OrderContours(RegionContours& resolved) {
     }
     points.resize(size);
 
-    // What runs along one horizontal line only has no vertices left, and encloses nothing.
+    // A contour on one horizontal line encloses nothing and has no vertices left.
     ScratchVector<std::pair<GridPoint, std::size_t>> sorted(points.get_allocator());
     sorted.reserve(contours.Count());
     for (std::size_t c = 0; c < contours.Count(); ++c) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The order in which the clipper lists contours and their vertices.
+// The order in which results list contours and their vertices. Not installed.
 #ifndef TRAMMEL_CONTOURORDER_P_H
 #define TRAMMEL_CONTOURORDER_P_H
 
@@ -11,11 +11,12 @@
 
 namespace trammel_detail {
 
-/// Brings contours into the order in which a sweep upwards that links chains of edges at their
-/// local maxima (B. R. Vatti, A Generic Solution to Polygon Clipping, 1992) lists them: leaves out
-/// vertices between two horizontal edges, turns each contour so that it starts (a hole) or ends
-/// (any other) at its highest vertex, the rightmost of several, and returns the numbers of the
-/// contours in the order of the list. Cost: O(n log n).
+/// Brings contours into their order, and returns their numbers in it. Cost: O(n log n).
+///
+/// It is the order of a sweep upwards that links chains of edges at their local maxima (B. R.
+/// Vatti, A Generic Solution to Polygon Clipping, 1992). Vertices between two horizontal edges are
+/// left out. A hole starts at its highest vertex, another contour ends there; of several highest
+/// vertices it is the rightmost.
 ScratchVector<std::size_t> OrderContours(RegionContours& resolved);
 
 } // namespace trammel_detail

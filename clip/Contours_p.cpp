@@ -15,8 +15,8 @@ namespace trammel_detail {
 
 namespace {
 
-/// The lines in an order in which neighbours are near each other: that of their first vertices
-/// along Morton's curve.
+/// Returns the lines in the order of their first vertices along Morton's curve, in which neighbours
+/// are near each other.
 GridLines SortedAlongMortonCurve(GridLines const& lines) {
     ScratchVector<std::pair<std::uint64_t, std::size_t>> order(lines.points.get_allocator());
     order.reserve(lines.Count());

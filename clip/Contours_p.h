@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// From closed lines on the clipper's grid to the contours of the region that they bound.
+// From closed lines on the grid to the contours of the region that they bound. Not installed.
 #ifndef TRAMMEL_CONTOURS_P_H
 #define TRAMMEL_CONTOURS_P_H
 
@@ -11,9 +11,8 @@
 
 namespace trammel_detail {
 
-/// The contours of the region of points that lie in certain operands, each of them being what is
-/// inside its lines by the even-odd rule. The lines may cross, touch, coincide and run in any
-/// direction.
+/// Returns the contours of a region. An operand is what its lines enclose by the even-odd rule. The
+/// lines may cross, touch, coincide and run in any direction.
 ///
 /// Cost: see CutAtCrossings() and LinkContours().
 RegionContours ContoursOf(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,

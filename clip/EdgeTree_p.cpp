@@ -51,7 +51,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
         std::size_t const end = lines.End(line);
         for (std::size_t i = lines.Begin(line); i < end;) {
             std::size_t const chain = i;
-            // Where the chain has gone so far: 1 and 2 for east and west, 4 and 8 for up and down.
+            // Where the chain has gone so far, as bits: 1 east, 2 west, 4 up, 8 down.
             unsigned directions = 0;
             bool isActive = false;
             for (; i < end && i - chain < longest; ++i) {
@@ -98,7 +98,7 @@ EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
     Slant slant;
     slant.h = static_cast<std::int64_t>(-v * scale);
     slant.v = static_cast<std::int64_t>(h * scale);
-    // Coordinates were rounded down, and the edges' margin counts.
+    // Of() rounds coordinates down, and the boxes are wider than the edges by the margin.
     slant.reach = std::abs(slant.h) * ((mMargin.x >> kUnitBits) + 2) +
                   std::abs(slant.v) * ((mMargin.y >> kUnitBits) + 2);
     return slant;
@@ -114,11 +114,11 @@ EdgeTree::Strip EdgeTree::StripOf(std::size_t chain, Slant const& slant) const {
     return {strip.low - slant.reach, strip.high + slant.reach};
 }
 
-/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether most
-/// chains meet all the same.
+/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether many
+/// pairs of chains cannot be told apart.
 bool EdgeTree::ChooseSlant(Slant& best) const {
-    // A sample of pairs tells, drawn by a linear congruential generator. Chains that follow each
-    // other always meet.
+    // A linear congruential generator draws a sample of pairs. Chains that follow each other always
+    // meet and do not count.
     constexpr std::size_t kSamples = 64;
     constexpr std::size_t kMostSamples = 2048;
     constexpr std::size_t kWorthwhile = 4;
@@ -141,12 +141,12 @@ bool EdgeTree::ChooseSlant(Slant& best) const {
     if (count < kWorthwhile) {
         return false;
     }
-    // Across which of some edges' directions are most of them apart?
+    // Of the directions across some of the edges, the one that tells most pairs apart is best.
     std::size_t least = count;
     for (std::size_t k = 0; k < count; k += (count + 7) / 8) {
         GridEdge const& e = mEdges[mChains[meeting[k].first].begin];
         if (e.a.x == e.b.x || e.a.y == e.b.y) {
-            continue; // across these the boxes tell
+            continue; // the boxes are as good across these
         }
         Slant const slant = SlantAcross(e);
         std::size_t const still = static_cast<std::size_t>(
@@ -211,9 +211,8 @@ void EdgeTree::SortChains() {
 
 namespace {
 
-/// A ray to the west that counts the edges that it crosses. It starts at the lower end p of an
-/// edge, moved up along the edge by an infinitely small amount: edges that end at p.y are below it,
-/// those that begin there reach it.
+/// A ray to the west from the lower end p of an edge, moved up along the edge by an infinitely
+/// small amount. So edges that end at p.y are below the ray, and edges that begin there reach it.
 class Ray {
 public:
     explicit Ray(GridEdge const& e)
@@ -221,7 +220,7 @@ public:
 
     GridPoint Start() const { return mP; }
     bool IsBelow(GridPoint r) const { return r.y > mP.y; }
-    /// Whether the ray crosses another edge, of whose ends it passes between.
+    /// True when the ray crosses another edge, one end of which is below it and one is not.
     bool Crosses(GridEdge const& e) const {
         GridPoint const low = IsBelow(e.a) ? e.b : e.a;
         GridPoint const high = IsBelow(e.a) ? e.a : e.b;
@@ -233,7 +232,7 @@ public:
         }
         int side = SideOf(low, high, mP);
         if (side == 0) {
-            // Through p: the slopes decide.
+            // The edge goes through p, so the slopes decide.
             side = Sign(static_cast<Int128>(high.x - low.x) * (mQ.y - mP.y) -
                         static_cast<Int128>(high.y - low.y) * (mQ.x - mP.x));
         }
@@ -261,8 +260,9 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
                 continue;
             }
             if (box.highX < p.x) {
-                // All west of p. Whole lines are crossed an even number of times, so the beginning
-                // of the first line's part and the end of the last one's tell the parity.
+                // The whole node is west of p. The ray crosses whole lines an even number of times.
+                // Therefore the parity comes from where the node's first line is entered and its
+                // last line is left.
                 std::size_t first = node;
                 std::size_t last = node + 1;
                 for (std::size_t i = 0; i < level; ++i) {

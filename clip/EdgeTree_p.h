@@ -15,44 +15,50 @@
 
 namespace trammel_detail {
 
-/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that rise or
-/// fall, and go east or west, all the way: the edges of a chain have nothing in common but their
-/// ends.
+/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that are monotone
+/// in x and in y. The edges of such a chain have nothing in common but ends.
 ///
-/// Refers to the lines, which must stay as they are. Edges are numbered as their first points are.
+/// Refers to the lines, which must stay as they are. Each edge has the number of its first point.
 class EdgeTree {
 public:
-    /// As many as can be numbered, twice over, with 32 bits.
+    /// 32 bits can number the two ends of that many edges.
     static constexpr std::size_t kMostEdges = std::size_t{1} << 31;
 
-    /// What comes together in a box: what follows each other on a line, which is near each other in
-    /// the plane in most drawings; or, at the cost of sorting, what is near each other. The latter
-    /// pays where long edges have been cut to many short ones.
-    enum class Order { kLines, kMorton };
+    /// The order of the leaves. Neighbours come together in a box.
+    enum class Order {
+        kLines,  ///< along the lines, where neighbours are near each other in most drawings
+        kMorton, ///< along Morton's curve, which pays where long edges were cut to many short ones
+    };
 
-    /// The boxes reach `margin` further than the edges. `active` has a 1 for each edge that is to
-    /// be looked at, or is empty if all are. Throws std::length_error for more than kMostEdges.
+    /// The boxes reach `margin` further than the edges. `active` has a 1 for each edge that has to
+    /// be held against all others; an empty one stands for all edges. Throws std::length_error for
+    /// more than kMostEdges.
     EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin, Order order);
 
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
-    /// Whether there are boxes: not where it costs less to hold edges against all others.
+    /// False where the tree has no boxes, because it costs less to hold edges against all others.
     bool HasBoxes() const { return !mNodes.empty(); }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
-    /// The number of the edge's second vertex.
+    /// Returns the number of the edge's second vertex.
     std::size_t SecondOf(std::size_t edge) const {
         return edge + 1 < Count() && mFirst[edge + 1] == 0 ? edge + 1 : StartOfLine(edge);
     }
 
-    /// Calls visit(i, j, follow), i < j, for all pairs of edges, at least one of them active, whose
-    /// boxes have a point in common, but for some that are apart by more than the margins all the
-    /// same; those of one chain only if asked for. `follow` is true for those that follow each
-    /// other on a line.
+    /// Calls visit(i, j, follow) with i < j for pairs of edges, where `follow` tells whether they
+    /// follow each other on a line. All pairs are visited, once each, that fulfil these conditions:
+    ///
+    /// - At least one of the two is active.
+    /// - Their boxes with the margins have a point in common.
+    /// - They do not belong to one chain, unless `withinChains` is true.
+    ///
+    /// Pairs whose edges are further apart than the margins may be left out, and pairs of one chain
+    /// may come nevertheless.
     template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
 
-    /// The operands that points directly west of an edge that is not horizontal, near its lower
-    /// end, lie in by the even-odd rule. Exact, also where edges share that end. The tree is in the
-    /// order of the lines, and has boxes.
+    /// Returns the operands in which the points lie, by the even-odd rule, that are directly west
+    /// of the edge near its lower end. The edge is not horizontal. Exact, also where edges share
+    /// that end. The tree is in the order of the lines and has boxes.
     Operands InsideWestOf(std::size_t edge) const;
 
 private:
@@ -63,7 +69,7 @@ private:
     static constexpr std::size_t kLongestSortedChain = 2;
     static constexpr std::size_t kFewActive = 8;
     static constexpr std::size_t kFewEdges = 48;
-    // Where chains mostly meet, a tree keeps nothing apart; there may be so many edges then.
+    // Where chains mostly meet, a tree keeps nothing apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;
 
     /// The edges of a leaf.
@@ -72,7 +78,7 @@ private:
         std::uint32_t end;
     };
 
-    /// A node's box, and whether there is a active edge in it.
+    /// A node's box, and whether it holds an active edge.
     struct Node {
         GridBox box;
         bool active = false;
@@ -86,9 +92,10 @@ private:
         }
     };
 
-    /// A direction across which edges are told apart that are slanted and nearly parallel, as those
-    /// of hatching are: their boxes all meet. A point is at h·x + v·y, with coordinates in units in
-    /// which that is exact but for `reach`, which is 0 if there is no such direction.
+    /// A direction that tells slanted, nearly parallel edges apart, as those of hatching are, whose
+    /// boxes all meet. The position of a point is h x + v y, with x and y in units of 2^kUnitBits
+    /// steps. `reach` bounds the rounding of that and the margins; it is 0 where there is no such
+    /// direction.
     struct Slant {
         std::int64_t h = 0;
         std::int64_t v = 0;
@@ -98,11 +105,11 @@ private:
             return h * (p.x >> kUnitBits) + v * (p.y >> kUnitBits);
         }
     };
-    /// With 61 bits of a coordinate, and these of the direction, sums fit in 63.
+    /// A coordinate has 61 bits without its sign, the direction 15, and a sum of products 63.
     static constexpr int kUnitBits = 16;
     static constexpr double kSlantUnits = 32767.0;
 
-    /// Where a node lies across the slant.
+    /// The positions that a node covers in the direction of the slant.
     struct Strip {
         std::int64_t low;
         std::int64_t high;
@@ -114,14 +121,14 @@ private:
         bool Meets(Strip const& s) const { return low <= s.high && s.low <= high; }
     };
 
-    /// Nodes of a level, or one twice, that may have edges that meet.
+    /// Two nodes of a level, or one node twice, that may have edges that meet.
     struct Pair {
         std::uint32_t level;
         std::uint32_t i;
         std::uint32_t j;
     };
-    /// Nodes that are waiting while a tree is walked. Of each level there are no more than come
-    /// from one pair of the level above.
+    /// The pairs still to be visited in a walk through the tree. Each level has at most those that
+    /// come from one pair of the level above.
     class Stack {
     public:
         void Push(std::size_t level, std::size_t i, std::size_t j) {
@@ -136,7 +143,7 @@ private:
         std::size_t mSize = 0;
     };
 
-    /// The children of a node: nodes of the level below, or edges.
+    /// The children of a node, from FirstOf() to EndOf(): nodes of the level below, or edges.
     std::size_t FirstOf(std::size_t level, std::size_t node) const {
         return level == 0 ? mChains[node].begin : node * kFan;
     }
@@ -150,7 +157,7 @@ private:
     bool ChooseSlant(Slant& slant) const;
     Slant SlantAcross(GridEdge const& e) const;
     Strip StripOf(std::size_t chain, Slant const& slant) const;
-    /// Whether nodes of a level may have edges that meet, one of them active.
+    /// True when two nodes of a level may have edges that meet, one of them active.
     bool Concern(std::size_t level, std::size_t k, std::size_t l) const {
         Node const* const nodes = NodesOf(level);
         return nodes[k].Concerns(nodes[l]) &&
@@ -160,12 +167,12 @@ private:
     template <class Visit> void ForMeetingSparseActive(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingAllPairs(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
-    /// Whether edges i < j follow each other.
+    /// True when edges i < j follow each other.
     bool Follow(std::size_t i, std::size_t j) const {
         if (j == i + 1) {
             return mFirst[j] == 0;
         }
-        // The last edge of a line and its first.
+        // They do so, too, as the first edge of a line and its last.
         return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
                mLines.End(LineOf(i)) == j + 1;
     }
@@ -250,7 +257,7 @@ template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&&
     }
 }
 
-/// The pairs of edges of two chains, or within one.
+/// Visits the pairs of edges of two chains, or within one.
 template <class Visit>
 void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const {
     Node const& nodeI = mNodes[i];
@@ -279,8 +286,8 @@ void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) cons
     }
 }
 
-/// All pairs with a active edge, of which there are few. Edges of one chain are not left out, but
-/// have nothing in common.
+/// Visits all pairs with an active edge where there are few of these. Includes pairs of one chain,
+/// which have nothing in common.
 template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
     std::array<GridBox, kFewEdges> boxes;
     std::array<std::size_t, kFewEdges> edges;
@@ -302,7 +309,7 @@ template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
     }
 }
 
-/// All pairs where few edges are active: each is looked up in the tree.
+/// Visits all pairs where few edges are active, by looking up each of these in the tree.
 template <class Visit>
 void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
     Stack open;
@@ -343,7 +350,7 @@ void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
     }
 }
 
-/// All pairs, where all edges are active.
+/// Visits all pairs where all edges are active.
 template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
     ScratchVector<GridBox> boxes(Count(), mEdges.get_allocator());
     for (std::size_t i = 0; i < Count(); ++i) {
@@ -360,8 +367,7 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
     }
 }
 
-/// The operands that points directly west of an edge of `lines` lie in, as EdgeTree::InsideWestOf()
-/// tells, but looking at all edges.
+/// Returns what EdgeTree::InsideWestOf() does, by a pass over all edges of `lines`.
 Operands InsideWestOf(GridLines const& lines, std::size_t edge);
 
 } // namespace trammel_detail

@@ -11,7 +11,7 @@ namespace {
 
 int const kGridBits = 61;
 
-/// Whether two doubles are the same to the last bit, signs of zeros included.
+/// True when two doubles are the same to the last bit, signs of zeros included.
 bool SameBits(double a, double b) { return a == b && std::signbit(a) == std::signbit(b); }
 
 } // namespace
@@ -27,11 +27,12 @@ GridAxis::GridAxis(double low, double high) {
     double const range = high * mUp1 * mUp2 - first;
     int exponent = 0;
     std::frexp(range, &exponent);
-    // range <= 2^exponent. The doubles end at 2^-1074, so a finer step would leave points between.
+    // range <= 2^exponent. The doubles end at 2^-1074, so a finer step would have points between
+    // them.
     int const step = std::max(exponent - kGridBits, -1074 + shift);
     mStep = std::ldexp(1.0, step);
     mStepsPerUnit = std::ldexp(1.0, -step);
-    // Greater ones are multiples of the step as they are.
+    // From 2^52 steps on, every double is a multiple of the step.
     double const steps = first * mStepsPerUnit;
     mOrigin = std::fabs(steps) < 0x1p52 ? std::nearbyint(steps) * mStep : first;
     mHalf = static_cast<std::int64_t>(range / 2 * mStepsPerUnit);

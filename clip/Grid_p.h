@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Between doubles and the clipper's integer grid.
+// The integer grid of one operation, and the way between doubles and grid. Not installed.
 #ifndef TRAMMEL_GRID_P_H
 #define TRAMMEL_GRID_P_H
 
@@ -22,7 +22,7 @@ struct GridPoint {
 
 inline bool operator==(GridPoint a, GridPoint b) { return a.x == b.x && a.y == b.y; }
 inline bool operator!=(GridPoint a, GridPoint b) { return !(a == b); }
-/// By y, then by x: the order in which a sweep upwards meets them.
+/// Orders by y, then by x, as a sweep upwards meets the points.
 inline bool operator<(GridPoint a, GridPoint b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
 
 struct TwoSumResult {
@@ -30,8 +30,8 @@ struct TwoSumResult {
     double error;
 };
 
-/// a + b, and exactly what rounding took from it. (D. E. Knuth, The Art of Computer Programming 2,
-/// section 4.2.2, theorem B.)
+/// Returns a + b, and exactly what rounding took from it. (D. E. Knuth, The Art of Computer
+/// Programming 2, section 4.2.2, theorem B.)
 inline TwoSumResult TwoSum(double a, double b) {
     double const s = a + b;
     double const t = s - a;
@@ -40,39 +40,39 @@ inline TwoSumResult TwoSum(double a, double b) {
 
 /// One axis of the grid: 2^61 steps, each a power of two, over the range of the coordinates.
 ///
-/// The grid is centred on the range, and depends on nothing but the coordinates' differences from
-/// its lower end, so that figures give the same grid points wherever they are moved. With a step
-/// that is a power of two the mapping is exact for every double that has no bits below the step;
-/// that is every double, save those within 2^-8 of the range from zero.
+/// The grid is centred on the range and depends on the coordinates' differences from its lower end
+/// only. So a figure gives the same grid points wherever it is moved. The step is a power of two,
+/// so the mapping is exact for every double without bits below the step. These are all doubles that
+/// are at least 2^-8 of the range from zero.
 class GridAxis {
 public:
     /// The axis for coordinates in low <= v <= high, where low < high and both are finite.
     GridAxis(double low, double high);
 
-    /// The grid coordinate nearest to `v`, which lies in the axis' range.
+    /// Returns the grid coordinate nearest to `v`, which lies in the axis' range.
     std::int64_t ToGrid(double v) const;
 
-    /// The double nearest to grid coordinate `g`, which becomes the coordinate of that double. The
-    /// doubles may be coarser than the grid, but never lie between its points here.
+    /// Returns the double nearest to grid coordinate `g`, and sets `g` to the coordinate of that
+    /// double. Here the doubles may be coarser than the grid, but all of them lie on it.
     double FromGrid(std::int64_t& g) const;
 
-    /// The distance of the double at grid coordinate `g` to the next one away from zero, in steps;
-    /// 1 if that is less. Rounding can give twice the distance for the last doubles below a power
-    /// of two, and half of it for the first ones from there on.
+    /// Returns the distance of the double at grid coordinate `g` to the next one away from zero, in
+    /// steps, and at least 1. Rounding can give twice the distance for the last doubles below a
+    /// power of two, and half of it for the first ones from there on.
     std::int64_t Spacing(std::int64_t g) const;
 
-    /// The largest Spacing() of the axis.
+    /// Returns the largest Spacing() of the axis.
     std::int64_t LargestSpacing() const { return std::max(Spacing(-mHalf), Spacing(mHalf + 1)); }
 
-    /// The same for the coordinate of a double.
+    /// Returns the double at grid coordinate `g`, which is the coordinate of a double.
     double OfDouble(std::int64_t g) const;
 
-    /// Doubles of this magnitude and more map exactly.
+    /// Returns the least magnitude from which on doubles map exactly.
     double ExactFrom() const { return mExactFrom; }
 
 private:
-    // A double v is first made v * mUp1 * mUp2, of magnitude 4 at most: two factors, as one might
-    // be beyond the doubles. mDown1 and mDown2 are their inverses.
+    // A double v is scaled to v * mUp1 * mUp2, of magnitude 4 at most. One factor alone might be
+    // beyond the doubles. mDown1 and mDown2 are the inverses.
     double mUp1 = 1;
     double mUp2 = 1;
     double mDown1 = 1;
@@ -82,8 +82,7 @@ private:
     double mStep = 1;         // scaled
     double mStepsPerUnit = 1; // 1 / mStep
     double mExactFrom = 0;
-    // The origin in steps, less half the range: what is to be added to a grid coordinate to count
-    // from zero. Only if no such sum exceeds 62 bits.
+    // What has to be added to a grid coordinate to count from zero, if no such sum exceeds 62 bits.
     bool mIsNearZero = false;
     std::int64_t mFromZero = 0;
 };
@@ -93,14 +92,14 @@ inline std::int64_t GridAxis::ToGrid(double v) const {
     double const steps = d.value * mStepsPerUnit;
     std::int64_t const whole = static_cast<std::int64_t>(steps);
     double const rest = (steps - static_cast<double>(whole)) + d.error * mStepsPerUnit;
-    // Adding and subtracting this rounds what is small to an integer, faster than a function does.
+    // To add and subtract this rounds small numbers to integers, faster than a function does.
     double const integers = 0x1.8p52;
     return whole - mHalf + static_cast<std::int64_t>((rest + integers) - integers);
 }
 
 inline double GridAxis::FromGrid(std::int64_t& g) const {
     if (mIsNearZero) {
-        // Conversion rounds to the nearest double, as the below does.
+        // The conversion rounds to the nearest double, as the code below does.
         double const v = static_cast<double>(g + mFromZero);
         g = static_cast<std::int64_t>(v) - mFromZero;
         return v * mStep * mDown1 * mDown2;
@@ -124,13 +123,13 @@ inline double GridAxis::OfDouble(std::int64_t g) const {
     double const high = static_cast<double>(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
     TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
-    // Exact, because the sum of all is: each double is the difference of two that are near.
+    // The sum is exact, as each of its terms is the difference of two doubles that are near.
     return (sum.value + (sum.error + low * mStep)) * mDown1 * mDown2;
 }
 
 inline std::int64_t GridAxis::Spacing(std::int64_t g) const {
     double const v = mOrigin + static_cast<double>(g + mHalf) * mStep;
-    // The power of two below v: its bits without those of the fraction and the sign.
+    // The power of two below v has its bits without those of the fraction and the sign.
     std::uint64_t bits = 0;
     std::memcpy(&bits, &v, sizeof bits);
     bits &= 0x7FF0000000000000;
@@ -147,7 +146,8 @@ public:
     ClipGrid(double lowX, double lowY, double highX, double highY)
         : mX(lowX, highX), mY(lowY, highY) {}
 
-    /// The grid point of an operand's vertex; remembers the vertex if the way back would change it.
+    /// Returns the grid point of an operand's vertex. Remembers the vertex if the way back would
+    /// change it.
     GridPoint Add(double x, double y) {
         GridPoint const p{mX.ToGrid(x), mY.ToGrid(y)};
         if (std::fabs(x) < mX.ExactFrom() || std::fabs(y) < mY.ExactFrom()) {
@@ -156,21 +156,22 @@ public:
         return p;
     }
 
-    /// To be called after the last Add() and before the first ToDoubles().
+    /// Has to be called after the last Add() and before the first ToDoubles().
     void FinishAdding();
 
-    /// Moves a point to the nearest one that is a pair of doubles.
+    /// Returns the nearest point that is a pair of doubles.
     GridPoint Snapped(GridPoint p) const {
         mX.FromGrid(p.x);
         mY.FromGrid(p.y);
         return p;
     }
 
-    /// The distances from a snapped point to the next doubles in x and in y, in steps, at least 1.
+    /// Returns GridAxis::Spacing() of a snapped point in x and in y.
     GridPoint Spacing(GridPoint p) const { return {mX.Spacing(p.x), mY.Spacing(p.y)}; }
     GridPoint LargestSpacing() const { return {mX.LargestSpacing(), mY.LargestSpacing()}; }
 
-    /// The doubles of a snapped point: those of the vertex that was added there, or its own.
+    /// Sets x and y to the doubles of a snapped point: those of the first vertex that was added
+    /// there, if the way back would change it, or else its own.
     void ToDoubles(GridPoint p, double& x, double& y) const;
 
 private:

@@ -11,7 +11,7 @@ namespace trammel_detail {
 
 void GridLines::Close(Operands operand) {
     std::size_t begin = ends.empty() ? 0 : ends.back();
-    // Whether b can go between a and c: it repeats one of them, or the line turns back there.
+    // False when b repeats a or c, or the line turns back at b.
     auto const encloses = [](GridPoint a, GridPoint b, GridPoint c) {
         return a != b && b != c && (Cross(b, a, c) != 0 || !SameDirection(b, a, c));
     };

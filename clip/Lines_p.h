@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Closed lines on the clipper's grid, and a tree of boxes over their edges.
+// Closed lines on the grid, and their edges. Not installed.
 #ifndef TRAMMEL_LINES_P_H
 #define TRAMMEL_LINES_P_H
 
@@ -16,8 +16,8 @@ namespace trammel_detail {
 /// A set of operands, one bit each.
 typedef unsigned char Operands;
 
-/// Closed lines: the vertices of all of them one after the other, where each ends, and the operand
-/// that it bounds.
+/// Closed lines: the vertices of all of them one after the other, and for each line where it ends
+/// and which operand it bounds.
 struct GridLines {
     ScratchVector<GridPoint> points;
     ScratchVector<std::size_t> ends;
@@ -30,9 +30,9 @@ struct GridLines {
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1]; }
     std::size_t End(std::size_t i) const { return ends[i]; }
 
-    /// Ends the line that was begun with points.push_back(): takes out what encloses nothing
-    /// (repeated vertices, edges that run back over the one before), and the whole line if fewer
-    /// than three vertices are left. The parity of no point changes.
+    /// Ends the line that was begun with points.push_back(). Takes out repeated vertices and edges
+    /// that run back over the one before, and the whole line if fewer than three vertices are left.
+    /// Thus no point changes its parity.
     void Close(Operands operand);
 };
 

@@ -2,115 +2,18 @@
 
 #include "Linker_p.h"
 
-#include "MortonOrder_p.h"
+#include "ChainGraph_p.h"
 #include "Predicates_p.h"
 
-#include <algorithm>
 #include <cstddef>
-#include <cstdint>
 #include <limits>
-#include <optional>
-#include <stdexcept>
-#include <utility>
-#include <vector>
 
 namespace trammel_detail {
 
 namespace {
 
-/// The number of a line, an edge, an chain or a node, of each of which there are no more than
-/// EdgeTree::kMostEdges.
-typedef std::uint32_t Number;
-
-Number const kNone = std::numeric_limits<Number>::max();
-
-/// Edges of a line that follow each other, from one shared vertex to the next; or a whole line
-/// without any.
-struct Chain {
-    Number line;
-    Number first;    // its first edge
-    Number count;    // of edges
-    Number next;     // the chain that begins where this one ends
-    Number previous; // the chain that ends where this one begins
-    Number other; // the chain of the other edge, if two edges cross where this one begins; or kNone
-    bool closed;
-    Operands operands;     // that it separates its two sides in: 0 once it has cancelled
-    Operands left = 0;     // that the points to its left lie in
-    bool labelled = false; // whether that is known
-    bool followed = false; // whether it was followed both ways to label what goes on from it
-    bool bounds = false;   // whether it is on the boundary of the region
-};
-
-/// The end of an chain: 2 * the chain's number, + 1 at its last vertex.
-typedef Number HalfEdge;
-
-/// The end at which an chain that is entered at one end is left.
-HalfEdge Twin(HalfEdge end) { return end ^ 1; }
-
-/// A edge of the node around a shared vertex: an chain's end, and the next vertex on the chain.
-struct DirectedEdge {
-    GridPoint origin;
-    GridPoint target;
-    HalfEdge end;
-};
-
-/// Whether edge s comes before t, turning counterclockwise from east around their common origin.
-bool TurnsFirst(DirectedEdge const& s, DirectedEdge const& t) {
-    auto const lower = [](DirectedEdge const& u) {
-        return u.target.y < u.origin.y || (u.target.y == u.origin.y && u.target.x < u.origin.x);
-    };
-    if (lower(s) != lower(t)) {
-        return lower(t);
-    }
-    Int128 const cross = Cross(s.origin, s.target, t.target);
-    if (cross != 0) {
-        return cross > 0;
-    }
-    // Equal edges.
-    return s.target != t.target ? s.target < t.target : s.end < t.end;
-}
-
-/// Brings the edges of each node together, in each counterclockwise.
-void SortByOrigin(ScratchVector<DirectedEdge>& edges) {
-    auto const before = [](DirectedEdge const& s, DirectedEdge const& t) {
-        return s.origin != t.origin ? s.origin < t.origin : TurnsFirst(s, t);
-    };
-    std::size_t const kFew = 64;
-    if (edges.size() <= kFew) {
-        std::sort(edges.begin(), edges.end(), before);
-        return;
-    }
-    // Into buckets by their place, a node or two in each if they are spread evenly; then each
-    // bucket is sorted.
-    int bits = 1;
-    while (edges.size() >> bits > 4 && bits < kMortonBits) {
-        ++bits;
-    }
-    auto const bucketOf = [bits](DirectedEdge const& s) {
-        return static_cast<std::size_t>(MortonCode(s.origin) >> (kMortonBits - bits));
-    };
-    ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, edges.get_allocator());
-    for (DirectedEdge const& s : edges) {
-        ++ends[bucketOf(s)];
-    }
-    std::size_t sum = 0;
-    for (std::size_t& end : ends) {
-        sum += std::exchange(end, sum);
-    }
-    ScratchVector<DirectedEdge> sorted(edges.size(), edges.get_allocator());
-    for (DirectedEdge const& s : edges) {
-        sorted[ends[bucketOf(s)]++] = s;
-    }
-    auto begin = sorted.begin();
-    for (std::size_t const size : ends) {
-        auto const end = sorted.begin() + static_cast<std::ptrdiff_t>(size);
-        std::sort(begin, end, before);
-        begin = end;
-    }
-    edges = std::move(sorted);
-}
-
-/// The direction of a line that does not cross itself, by the turn at its lowest vertex.
+/// True when a line that does not cross itself runs counterclockwise, which the turn at its lowest
+/// vertex tells.
 bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
     std::size_t const begin = lines.Begin(line);
     std::size_t const end = lines.End(line);
@@ -129,14 +32,8 @@ public:
     Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
            ScratchVector<Incidence> const& incidences, RegionOf const& region)
         : mTree(tree), mLines(lines), mRegion(region),
-          mScratch(incidences.get_allocator().GetScratch()), mChains(mScratch), mNodeOf(mScratch),
-          mNext(mScratch), mDone(mScratch), mOpen(mScratch) {
-        MakeChains(incidences);
-        mNodeOf.resize(2 * mChains.size());
-        mNext.resize(2 * mChains.size());
-        MakeCrossingNodes(incidences);
-        MakeSharedNodes();
-    }
+          mScratch(incidences.get_allocator().GetScratch()), mGraph(lines, incidences),
+          mChains(mGraph.chains), mDone(mScratch), mOpen(mScratch) {}
 
     /// Finds the chains on the boundary.
     void FindBoundary();
@@ -144,211 +41,53 @@ public:
     RegionContours Contours();
 
 private:
-    void MakeChains(ScratchVector<Incidence> const& incidences);
-    /// The nodes of crossings of two edges.
-    void MakeCrossingNodes(ScratchVector<Incidence> const& incidences);
-    /// The others; chains that are equal are made one.
-    void MakeSharedNodes();
-    /// Makes edges, counterclockwise, a node.
-    void AddNode(HalfEdge const* begin, HalfEdge const* end);
-    void MergeEqualChains(ScratchVector<DirectedEdge> const& edges);
     Operands InsideWestOf(Number edge);
-    /// Labels what hangs together with an chain that is labelled.
-    void LabelFrom(Number first);
+    /// Labels all chains that are connected with a labelled one.
+    void LabelConnected(Number first);
     void LabelAlong(Number chain);
     void LabelAround(HalfEdge from);
-    /// The number of an chain's vertex number k.
-    Number VertexOf(Chain const& chain, Number k) const {
-        Number const i = chain.first + k;
-        auto const end = static_cast<Number>(mLines.End(chain.line));
-        return i < end ? i : i - end + static_cast<Number>(mLines.Begin(chain.line));
-    }
-    GridPoint PointOf(Chain const& chain, Number k) const {
-        return mLines.points[VertexOf(chain, k)];
-    }
-    /// The chain's end at which it is entered by someone who has the region to the left.
+    /// Returns the half-edge of a chain that has the region to the left.
     HalfEdge Entry(Number chain) const {
         return 2 * chain + (mRegion[mChains[chain].left] ? 0 : 1);
     }
-    /// The next edge of the node, clockwise, that is on the boundary.
-    HalfEdge NextOnBoundary(HalfEdge end) const {
+    /// Returns the next half-edge of the node, clockwise, that is on the boundary.
+    HalfEdge NextOnBoundary(HalfEdge half) const {
         do {
-            end = mNext[end];
-        } while (!mChains[end / 2].bounds);
-        return end;
+            half = mGraph.nextClockwise[half];
+        } while (!mChains[half / 2].bounds);
+        return half;
     }
-    /// Appends the vertices that someone meets who walks back along an chain, save the one at which
-    /// it is entered.
+    /// Appends the vertices of a half-edge from its last one, which is left out, back to its first.
     GridPoint* AppendBackwards(HalfEdge entry, GridPoint* out) const;
 
     std::optional<EdgeTree> const& mTree;
     std::optional<EdgeTree> mOwnTree;
-    int mRays = 0; // asked of no tree
+    int mRays = 0; // while there is no tree
     GridLines const& mLines;
     RegionOf const& mRegion;
     Scratch* mScratch;
-    ScratchVector<Chain> mChains;
-    Number mNodeCount = 0;
-    ScratchVector<Number> mNodeOf; // by end
-    ScratchVector<HalfEdge> mNext; // by end: the next edge of the node, clockwise
+    ChainGraph mGraph;
+    ScratchVector<Chain>& mChains;
     // While chains are labelled:
     ScratchVector<char> mDone;   // by node: 1 once its chains are
-    ScratchVector<Number> mOpen; // chains that are, and are to be followed
+    ScratchVector<Number> mOpen; // labelled chains that are still to be followed
 };
 
-void Linker::MakeChains(ScratchVector<Incidence> const& incidences) {
-    // Cutting lines may have given them more edges than a tree takes.
-    if (mLines.points.size() > EdgeTree::kMostEdges) {
-        throw std::length_error("Linker");
-    }
-    std::size_t most = mLines.Count();
-    for (Incidence const incidence : incidences) {
-        most += incidence != kSingle ? 1 : 0;
-    }
-    mChains.resize(most);
-    Number count = 0;
-    for (std::size_t line = 0; line < mLines.Count(); ++line) {
-        auto const begin = static_cast<Number>(mLines.Begin(line));
-        auto const end = static_cast<Number>(mLines.End(line));
-        Number const firstChain = count;
-        for (Number i = begin; i < end; ++i) {
-            if (incidences[i] != kSingle) {
-                Chain& chain = mChains[count];
-                chain.line = static_cast<Number>(line);
-                chain.first = i;
-                chain.previous = count - 1;
-                chain.other = kNone;
-                chain.closed = false;
-                chain.operands = mLines.operands[line];
-                ++count;
-                chain.next = count;
-            }
-        }
-        if (firstChain == count) {
-            mChains[count] = {
-                static_cast<Number>(line), begin, end - begin, count, count, kNone, true,
-                mLines.operands[line]};
-            ++count;
-            continue;
-        }
-        mChains[firstChain].previous = count - 1;
-        mChains[count - 1].next = firstChain;
-        for (Number i = firstChain; i + 1 < count; ++i) {
-            mChains[i].count = mChains[i + 1].first - mChains[i].first;
-        }
-        mChains[count - 1].count =
-            end - mChains[count - 1].first + mChains[firstChain].first - begin;
-    }
-    mChains.resize(count);
-}
-
-void Linker::MakeCrossingNodes(ScratchVector<Incidence> const& incidences) {
-    Incidence const last =
-        incidences.empty() ? kSingle : *std::max_element(incidences.begin(), incidences.end());
-    if (last < kFirstCrossing) {
-        return;
-    }
-    // By crossing: the first chain that begins there. If there is no second, its end of the other
-    // edge has come to be one where anything may come together.
-    ScratchVector<Number> firstAt((last - kFirstCrossing) / 2 + 1, kNone, mScratch);
-    for (Number i = 0; i < mChains.size(); ++i) {
-        if (mChains[i].closed || incidences[mChains[i].first] < kFirstCrossing) {
-            continue;
-        }
-        Incidence const incidence = incidences[mChains[i].first] - kFirstCrossing;
-        Number const first = firstAt[incidence / 2];
-        if (first == kNone) {
-            firstAt[incidence / 2] = i;
-            continue;
-        }
-        mChains[i].other = first;
-        mChains[first].other = i;
-        bool const left = incidence % 2 != 0;
-        HalfEdge const out[2] = {2 * first, 2 * i};
-        HalfEdge const in[2] = {2 * mChains[first].previous + 1, 2 * mChains[i].previous + 1};
-        HalfEdge const node[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
-        AddNode(node, node + 4);
-    }
-}
-
-void Linker::MakeSharedNodes() {
-    ScratchVector<DirectedEdge> edges(mScratch);
-    for (Number i = 0; i < mChains.size(); ++i) {
-        Chain const& chain = mChains[i];
-        if (chain.closed) {
-            continue;
-        }
-        if (chain.other == kNone) {
-            edges.push_back({PointOf(chain, 0), PointOf(chain, 1), 2 * i});
-        }
-        if (mChains[chain.next].other == kNone) {
-            edges.push_back(
-                {PointOf(chain, chain.count), PointOf(chain, chain.count - 1), 2 * i + 1});
-        }
-    }
-    if (edges.empty()) {
-        return;
-    }
-    SortByOrigin(edges);
-    MergeEqualChains(edges);
-    ScratchVector<HalfEdge> node(mScratch);
-    for (std::size_t i = 0; i < edges.size(); ++i) {
-        if (mChains[edges[i].end / 2].operands != 0) {
-            node.push_back(edges[i].end);
-        }
-        if (i + 1 == edges.size() || edges[i + 1].origin != edges[i].origin) {
-            AddNode(node.data(), node.data() + node.size());
-            node.clear();
-        }
-    }
-}
-
-void Linker::AddNode(HalfEdge const* begin, HalfEdge const* end) {
-    if (begin == end) {
-        return;
-    }
-    HalfEdge last = end[-1];
-    for (HalfEdge const* i = begin; i < end; ++i) {
-        mNodeOf[*i] = mNodeCount;
-        mNext[*i] = last;
-        last = *i;
-    }
-    ++mNodeCount;
-}
-
-void Linker::MergeEqualChains(ScratchVector<DirectedEdge> const& edges) {
-    // Equal chains have one edge each. The one with the smallest number stands for all, once.
-    for (std::size_t i = 0; i + 1 < edges.size();) {
-        std::size_t j = i + 1;
-        while (j < edges.size() && edges[j].origin == edges[i].origin &&
-               edges[j].target == edges[i].target) {
-            ++j;
-        }
-        if (j > i + 1 && edges[i].origin < edges[i].target) {
-            Chain& first = mChains[edges[i].end / 2];
-            for (std::size_t k = i + 1; k < j; ++k) {
-                first.operands ^= std::exchange(mChains[edges[k].end / 2].operands, Operands{0});
-            }
-        }
-        i = j;
-    }
-}
-
 Operands Linker::InsideWestOf(Number edge) {
-    // A tree is worth while for many.
+    // For a few rays a pass over all edges costs less than a tree.
     int const kFewRays = 8;
     if (!mTree && !mOwnTree && ++mRays > kFewRays) {
         mOwnTree.emplace(mLines, ScratchVector<char>(mScratch), GridPoint{0, 0},
                          EdgeTree::Order::kLines);
     }
     std::optional<EdgeTree> const& tree = mTree ? mTree : mOwnTree;
-    // One without boxes has so few edges that a look at all of them for each ray takes no longer
-    // than holding them against each other.
+    // A tree without boxes has so few edges that a pass over them costs less than holding them
+    // against each other did.
     return tree && tree->HasBoxes() ? tree->InsideWestOf(edge)
                                     : trammel_detail::InsideWestOf(mLines, edge);
 }
 
-void Linker::LabelFrom(Number first) {
+void Linker::LabelConnected(Number first) {
     mOpen.push_back(first);
     while (!mOpen.empty()) {
         Number const chain = mOpen.back();
@@ -359,10 +98,10 @@ void Linker::LabelFrom(Number first) {
     }
 }
 
-/// Labels the chains that go on from a labelled one in both directions, as long as just two edges
-/// cross where they do, and what they meet.
+/// Labels the chains that go on from a labelled one in both directions through crossings of two
+/// edges, and the chains that meet these.
 void Linker::LabelAlong(Number chain) {
-    // To pass a crossing is to come to the other side of the other edge.
+    // Behind a crossing the other edge's other side begins.
     mChains[chain].followed = true;
     Number last = chain;
     for (Number i = mChains[chain].next; i != chain && mChains[i].other != kNone;
@@ -383,7 +122,7 @@ void Linker::LabelAlong(Number chain) {
     for (Number i = first;; i = mChains[i].next) {
         HalfEdge const begin = 2 * i;
         if (mChains[i].other != kNone ? !mChains[mChains[i].other].labelled
-                                      : mDone[mNodeOf[begin]] == 0) {
+                                      : mDone[mGraph.nodeOf[begin]] == 0) {
             LabelAround(begin);
         }
         if (i == last) {
@@ -391,19 +130,19 @@ void Linker::LabelAlong(Number chain) {
         }
     }
     HalfEdge const end = 2 * last + 1;
-    if (mChains[mChains[last].next].other == kNone && mDone[mNodeOf[end]] == 0) {
+    if (mChains[mChains[last].next].other == kNone && mDone[mGraph.nodeOf[end]] == 0) {
         LabelAround(end);
     }
 }
 
-/// Labels the chains that begin or end where one does that is labelled: what the points beside one
-/// edge lie in tells it for all edges of the node.
+/// Labels the chains around a node. What the points beside one half-edge lie in tells it for all
+/// others.
 void Linker::LabelAround(HalfEdge from) {
-    mDone[mNodeOf[from]] = 1;
-    // What points counterclockwise of the edge lie in.
+    mDone[mGraph.nodeOf[from]] = 1;
+    // What the points counterclockwise of the half-edge lie in.
     Operands here = mChains[from / 2].left ^ (from % 2 == 0 ? 0 : mChains[from / 2].operands);
     Operands last = mChains[from / 2].operands;
-    for (HalfEdge at = mNext[from]; at != from; at = mNext[at]) {
+    for (HalfEdge at = mGraph.nextClockwise[from]; at != from; at = mGraph.nextClockwise[at]) {
         Chain& chain = mChains[at / 2];
         here ^= last;
         last = chain.operands;
@@ -416,26 +155,26 @@ void Linker::LabelAround(HalfEdge from) {
 }
 
 void Linker::FindBoundary() {
-    mDone.assign(mNodeCount, 0);
+    mDone.assign(mGraph.nodeCount, 0);
     for (Number i = 0; i < mChains.size(); ++i) {
         Chain& chain = mChains[i];
         if (chain.labelled || chain.operands == 0) {
             continue;
         }
-        // One edge that is not horizontal tells it for all that hangs together; there is one, as
-        // lines are closed.
+        // One ray labels all chains that are connected. It starts at an edge that is not
+        // horizontal, and every closed line that encloses something has one.
         Number k = 0;
-        while (k < chain.count && PointOf(chain, k).y == PointOf(chain, k + 1).y) {
+        while (k < chain.count && mGraph.PointOf(chain, k).y == mGraph.PointOf(chain, k + 1).y) {
             ++k;
         }
         if (k == chain.count) {
             continue;
         }
-        bool const up = PointOf(chain, k).y < PointOf(chain, k + 1).y;
-        chain.left = InsideWestOf(VertexOf(chain, k)) ^ (up ? 0 : chain.operands);
+        bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
+        chain.left = InsideWestOf(mGraph.VertexOf(chain, k)) ^ (up ? 0 : chain.operands);
         chain.labelled = true;
         if (!chain.closed) {
-            LabelFrom(i);
+            LabelConnected(i);
         }
     }
     for (Chain& chain : mChains) {
@@ -449,7 +188,7 @@ GridPoint* Linker::AppendBackwards(HalfEdge entry, GridPoint* out) const {
     std::size_t const begin = mLines.Begin(chain.line);
     std::size_t const end = mLines.End(chain.line);
     if (entry % 2 == 0) {
-        std::size_t i = VertexOf(chain, chain.count);
+        std::size_t i = mGraph.VertexOf(chain, chain.count);
         for (Number k = 0; k < chain.count; ++k) {
             i = (i == begin ? end : i) - 1;
             *out++ = mLines.points[i];
@@ -467,23 +206,24 @@ GridPoint* Linker::AppendBackwards(HalfEdge entry, GridPoint* out) const {
 RegionContours Linker::Contours() {
     RegionContours result(mScratch);
     GridLines& contours = result.contours;
-    // Each edge is part of one contour at most.
+    // Each edge is part of at most one contour.
     contours.points.resize(mLines.points.size());
     GridPoint* out = contours.points.data();
     ScratchVector<char> done(mChains.size(), 0, mScratch);
     std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
-    ScratchVector<std::size_t> place(mNodeCount, kNowhere, mScratch); // on the way
-    ScratchVector<HalfEdge> way(mScratch); // the chains, by where they are entered
-    // Makes the last part of the way, which has come back to where it began, a contour. It has no
-    // vertex twice. The way has the region to the left, contours have it to the right.
+    // The half-edges that the walk took, and where in it each node is.
+    ScratchVector<HalfEdge> walk(mScratch);
+    ScratchVector<std::size_t> place(mGraph.nodeCount, kNowhere, mScratch);
+    // Makes a contour of the last part of the walk, which has come back to the node where that part
+    // begins. The walk has the region to the left, contours have it to the right.
     auto const finish = [&](std::size_t begin) {
-        for (std::size_t i = way.size(); i-- > begin;) {
-            out = AppendBackwards(way[i], out);
-            if (!mChains[way[i] / 2].closed) {
-                place[mNodeOf[way[i]]] = kNowhere;
+        for (std::size_t i = walk.size(); i-- > begin;) {
+            out = AppendBackwards(walk[i], out);
+            if (!mChains[walk[i] / 2].closed) {
+                place[mGraph.nodeOf[walk[i]]] = kNowhere;
             }
         }
-        way.resize(begin);
+        walk.resize(begin);
         contours.ends.push_back(static_cast<std::size_t>(out - contours.points.data()));
         contours.operands.push_back(0);
     };
@@ -493,19 +233,19 @@ RegionContours Linker::Contours() {
         }
         HalfEdge end = Entry(i);
         if (mChains[i].closed) {
-            way.push_back(end);
+            walk.push_back(end);
             finish(0);
             continue;
         }
-        // Who comes in at a node goes on along the next chain clockwise: what lies between is
-        // inside. Arcs that come in and go out alternate.
+        // The walk enters a node and leaves it along the next boundary chain clockwise. The region
+        // lies between the two. Chains that enter and chains that leave alternate around a node.
         do {
-            Number const node = mNodeOf[end];
+            Number const node = mGraph.nodeOf[end];
             if (place[node] != kNowhere) {
                 finish(place[node]);
             }
-            place[node] = way.size();
-            way.push_back(end);
+            place[node] = walk.size();
+            walk.push_back(end);
             done[end / 2] = 1;
             end = NextOnBoundary(Twin(end));
         } while (done[end / 2] == 0);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Numbers for points of the clipper's grid that are near each other where the points are.
+// Morton codes: numbers that are near each other where points of the grid are. Not installed.
 #ifndef TRAMMEL_MORTONORDER_P_H
 #define TRAMMEL_MORTONORDER_P_H
 
@@ -10,13 +10,13 @@
 
 namespace trammel_detail {
 
-/// The bits of MortonCode().
+/// The number of bits of MortonCode().
 inline constexpr int kMortonBits = 64;
 
-/// The position of the point along Morton's curve: the bits of the upper halves of x and y, in
-/// turns.
+/// Returns the position of the point along Morton's curve, also called Z-order: the bits of the
+/// upper halves of x and y in turns.
 inline std::uint64_t MortonCode(GridPoint p) {
-    // The upper half of a coordinate, with a zero after each bit.
+    // Puts a zero before each bit of the upper half of a coordinate.
     auto const spread = [](std::int64_t v) {
         std::int64_t const limit = std::int64_t{1} << 60;
         std::uint64_t bits =

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// Exact predicates on the clipper's grid.
+// Exact predicates on the grid. Not installed.
 #ifndef TRAMMEL_PREDICATES_P_H
 #define TRAMMEL_PREDICATES_P_H
 
@@ -11,8 +11,8 @@ namespace trammel_detail {
 __extension__ typedef __int128 Int128;
 __extension__ typedef unsigned __int128 UInt128;
 
-/// Twice the signed area of the triangle a, b, c: positive if c lies left of the line from a to b
-/// (y up). Exact: the points' differences have 62 bits.
+/// Returns twice the signed area of the triangle a, b, c, which is positive if c lies left of the
+/// line from a to b (y up). Exact, as the points' differences have 62 bits.
 inline Int128 Cross(GridPoint a, GridPoint b, GridPoint c) {
     return static_cast<Int128>(b.x - a.x) * (c.y - a.y) -
            static_cast<Int128>(b.y - a.y) * (c.x - a.x);
@@ -20,10 +20,11 @@ inline Int128 Cross(GridPoint a, GridPoint b, GridPoint c) {
 
 inline int Sign(Int128 v) { return (v > 0) - (v < 0); }
 
-/// The sign of Cross().
+/// Returns the sign of Cross().
 inline int SideOf(GridPoint a, GridPoint b, GridPoint c) { return Sign(Cross(a, b, c)); }
 
-/// Whether b and c lie in the same direction from a, a, b and c being on one line.
+/// True when the angle between b and c, seen from a, is acute. On one line, b and c lie on the same
+/// side of a then.
 inline bool SameDirection(GridPoint a, GridPoint b, GridPoint c) {
     return static_cast<Int128>(b.x - a.x) * (c.x - a.x) +
                static_cast<Int128>(b.y - a.y) * (c.y - a.y) >

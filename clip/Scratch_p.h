@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Where the clipper keeps what it works with: on the stack for small operands, on the heap beyond.
+// Working memory of one operation: on the stack for small operands, on the heap beyond. Not
+// installed.
 #ifndef TRAMMEL_SCRATCH_P_H
 #define TRAMMEL_SCRATCH_P_H
 
@@ -13,14 +14,16 @@
 
 namespace trammel_detail {
 
-/// Memory for one operation. Most of the time that small operands took went to the heap.
+/// A block of memory for one operation. Small operands fit in it and so save calls of the heap,
+/// which take most of their time otherwise.
 class Scratch {
 public:
     Scratch() : mFree(mBlock) {}
     Scratch(Scratch const&) = delete;
     Scratch& operator=(Scratch const&) = delete;
 
-    /// `size` bytes of the block, or of the heap if there are not as many. Throws std::bad_alloc.
+    /// Returns `size` bytes of the block, or of the heap where the block has fewer left. Throws
+    /// std::bad_alloc.
     void* Take(std::size_t size) {
         std::size_t const whole = Rounded(size);
         if (whole < size || whole > static_cast<std::size_t>(mBlock + kSize - mFree)) {
@@ -30,11 +33,11 @@ public:
         mFree += whole;
         return taken;
     }
-    /// Takes back what Take() gave; what was given last can be given again.
+    /// Takes back what Take() gave. Only what it gave last can be given again.
     void TakeBack(void* given, std::size_t size) {
         auto* const begin = static_cast<unsigned char*>(given);
-        // std::less orders pointers into different arrays as well. What is given of a full block
-        // where nothing was asked for is its end.
+        // std::less orders pointers into different arrays, too. A full block gives its end where
+        // nothing was asked for.
         if (std::less<>()(begin, mBlock) || std::less<>()(mBlock + kSize, begin)) {
             ::operator delete(given);
         } else if (begin + Rounded(size) == mFree) {
@@ -52,8 +55,8 @@ private:
     unsigned char* mFree;
 };
 
-/// Gives memory of a Scratch, or of the heap if there is none. New elements for which no value is
-/// named are left as they are, if their type has no constructor.
+/// Allocates from a Scratch, or from the heap without one. Elements that are added without a value
+/// stay uninitialised if their type has no constructor.
 template <class T> class ScratchAllocator {
 public:
     typedef T value_type;
@@ -96,7 +99,7 @@ private:
     Scratch* mScratch;
 };
 
-/// For types whose alignment is not above that of Scratch.
+/// A vector in a Scratch. The alignment of T is at most that of Scratch.
 template <class T> using ScratchVector = std::vector<T, ScratchAllocator<T>>;
 
 } // namespace trammel_detail

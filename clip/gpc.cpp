@@ -34,7 +34,7 @@ using trammel_detail::Scratch;
     std::exit(1);
 }
 
-/// malloc for `count` elements that cannot fail and gives null for none.
+/// Returns memory from malloc for `count` elements, and null for none. Ends the process on failure.
 template <class Element> Element* Allocate(std::size_t count, char const* what) {
     if (count == 0) {
         return nullptr;

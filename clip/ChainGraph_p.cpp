@@ -1,0 +1,228 @@
+// SPDX-License-Identifier: MIT
+
+#include "ChainGraph_p.h"
+
+#include "EdgeTree_p.h"
+#include "MortonOrder_p.h"
+#include "Predicates_p.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <stdexcept>
+#include <utility>
+
+namespace trammel_detail {
+
+/// The first edge along a half-edge.
+struct ChainGraph::DirectedEdge {
+    GridPoint origin;
+    GridPoint target;
+    HalfEdge half;
+};
+
+ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences)
+    : lines(cutLines), chains(incidences.get_allocator()), nodeOf(incidences.get_allocator()),
+      nextClockwise(incidences.get_allocator()) {
+    MakeChains(incidences);
+    nodeOf.resize(2 * chains.size());
+    nextClockwise.resize(2 * chains.size());
+    MakeCrossingNodes(incidences);
+    MakeSharedNodes();
+}
+
+/// True when edge s comes before t, turning counterclockwise from east around their common origin.
+bool ChainGraph::TurnsFirst(DirectedEdge const& s, DirectedEdge const& t) {
+    auto const lower = [](DirectedEdge const& u) {
+        return u.target.y < u.origin.y || (u.target.y == u.origin.y && u.target.x < u.origin.x);
+    };
+    if (lower(s) != lower(t)) {
+        return lower(t);
+    }
+    Int128 const cross = Cross(s.origin, s.target, t.target);
+    if (cross != 0) {
+        return cross > 0;
+    }
+    // The edges have one direction. Equal ones keep the order of their numbers.
+    return s.target != t.target ? s.target < t.target : s.half < t.half;
+}
+
+/// Brings the edges of each node together, and each node's in counterclockwise order.
+void ChainGraph::SortByOrigin(ScratchVector<DirectedEdge>& edges) {
+    auto const before = [](DirectedEdge const& s, DirectedEdge const& t) {
+        return s.origin != t.origin ? s.origin < t.origin : TurnsFirst(s, t);
+    };
+    std::size_t const kFew = 64;
+    if (edges.size() <= kFew) {
+        std::sort(edges.begin(), edges.end(), before);
+        return;
+    }
+    // Edges go into buckets along Morton's curve, so that a bucket holds a node or two if the nodes
+    // are spread evenly. Then each bucket is sorted.
+    int bits = 1;
+    while (edges.size() >> bits > 4 && bits < kMortonBits) {
+        ++bits;
+    }
+    auto const bucketOf = [bits](DirectedEdge const& s) {
+        return static_cast<std::size_t>(MortonCode(s.origin) >> (kMortonBits - bits));
+    };
+    ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, edges.get_allocator());
+    for (DirectedEdge const& s : edges) {
+        ++ends[bucketOf(s)];
+    }
+    std::size_t sum = 0;
+    for (std::size_t& end : ends) {
+        sum += std::exchange(end, sum);
+    }
+    ScratchVector<DirectedEdge> sorted(edges.size(), edges.get_allocator());
+    for (DirectedEdge const& s : edges) {
+        sorted[ends[bucketOf(s)]++] = s;
+    }
+    auto begin = sorted.begin();
+    for (std::size_t const size : ends) {
+        auto const end = sorted.begin() + static_cast<std::ptrdiff_t>(size);
+        std::sort(begin, end, before);
+        begin = end;
+    }
+    edges = std::move(sorted);
+}
+
+void ChainGraph::MakeChains(ScratchVector<Incidence> const& incidences) {
+    // Cutting lines may have given them more edges than a tree takes.
+    if (lines.points.size() > EdgeTree::kMostEdges) {
+        throw std::length_error("ChainGraph");
+    }
+    std::size_t most = lines.Count();
+    for (Incidence const incidence : incidences) {
+        most += incidence != kSingle ? 1 : 0;
+    }
+    chains.resize(most);
+    Number count = 0;
+    for (std::size_t line = 0; line < lines.Count(); ++line) {
+        auto const begin = static_cast<Number>(lines.Begin(line));
+        auto const end = static_cast<Number>(lines.End(line));
+        Number const firstChain = count;
+        for (Number i = begin; i < end; ++i) {
+            if (incidences[i] != kSingle) {
+                Chain& chain = chains[count];
+                chain.line = static_cast<Number>(line);
+                chain.first = i;
+                chain.previous = count - 1;
+                chain.other = kNone;
+                chain.closed = false;
+                chain.operands = lines.operands[line];
+                ++count;
+                chain.next = count;
+            }
+        }
+        if (firstChain == count) {
+            chains[count] = {
+                static_cast<Number>(line), begin, end - begin, count, count, kNone, true,
+                lines.operands[line]};
+            ++count;
+            continue;
+        }
+        chains[firstChain].previous = count - 1;
+        chains[count - 1].next = firstChain;
+        for (Number i = firstChain; i + 1 < count; ++i) {
+            chains[i].count = chains[i + 1].first - chains[i].first;
+        }
+        chains[count - 1].count = end - chains[count - 1].first + chains[firstChain].first - begin;
+    }
+    chains.resize(count);
+}
+
+void ChainGraph::MakeCrossingNodes(ScratchVector<Incidence> const& incidences) {
+    Incidence const last =
+        incidences.empty() ? kSingle : *std::max_element(incidences.begin(), incidences.end());
+    if (last < kFirstCrossing) {
+        return;
+    }
+    // For each crossing, the first chain that begins there. A crossing without a second chain has
+    // become a shared vertex on the other edge.
+    ScratchVector<Number> firstAt((last - kFirstCrossing) / 2 + 1, kNone,
+                                  chains.get_allocator().GetScratch());
+    for (Number i = 0; i < chains.size(); ++i) {
+        if (chains[i].closed || incidences[chains[i].first] < kFirstCrossing) {
+            continue;
+        }
+        Incidence const incidence = incidences[chains[i].first] - kFirstCrossing;
+        Number const first = firstAt[incidence / 2];
+        if (first == kNone) {
+            firstAt[incidence / 2] = i;
+            continue;
+        }
+        chains[i].other = first;
+        chains[first].other = i;
+        bool const left = incidence % 2 != 0;
+        HalfEdge const out[2] = {2 * first, 2 * i};
+        HalfEdge const in[2] = {2 * chains[first].previous + 1, 2 * chains[i].previous + 1};
+        HalfEdge const node[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
+        AddNode(node, node + 4);
+    }
+}
+
+void ChainGraph::MakeSharedNodes() {
+    ScratchVector<DirectedEdge> edges(chains.get_allocator().GetScratch());
+    for (Number i = 0; i < chains.size(); ++i) {
+        Chain const& chain = chains[i];
+        if (chain.closed) {
+            continue;
+        }
+        if (chain.other == kNone) {
+            edges.push_back({PointOf(chain, 0), PointOf(chain, 1), 2 * i});
+        }
+        if (chains[chain.next].other == kNone) {
+            edges.push_back(
+                {PointOf(chain, chain.count), PointOf(chain, chain.count - 1), 2 * i + 1});
+        }
+    }
+    if (edges.empty()) {
+        return;
+    }
+    SortByOrigin(edges);
+    MergeEqualChains(edges);
+    ScratchVector<HalfEdge> node(chains.get_allocator().GetScratch());
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        if (chains[edges[i].half / 2].operands != 0) {
+            node.push_back(edges[i].half);
+        }
+        if (i + 1 == edges.size() || edges[i + 1].origin != edges[i].origin) {
+            AddNode(node.data(), node.data() + node.size());
+            node.clear();
+        }
+    }
+}
+
+void ChainGraph::AddNode(HalfEdge const* begin, HalfEdge const* end) {
+    if (begin == end) {
+        return;
+    }
+    HalfEdge last = end[-1];
+    for (HalfEdge const* i = begin; i < end; ++i) {
+        nodeOf[*i] = nodeCount;
+        nextClockwise[*i] = last;
+        last = *i;
+    }
+    ++nodeCount;
+}
+
+void ChainGraph::MergeEqualChains(ScratchVector<DirectedEdge> const& edges) {
+    // Equal chains have one edge each. The first stands for all. Each is met at both of its ends
+    // and counted at one of them.
+    for (std::size_t i = 0; i + 1 < edges.size();) {
+        std::size_t j = i + 1;
+        while (j < edges.size() && edges[j].origin == edges[i].origin &&
+               edges[j].target == edges[i].target) {
+            ++j;
+        }
+        if (j > i + 1 && edges[i].origin < edges[i].target) {
+            Chain& first = chains[edges[i].half / 2];
+            for (std::size_t k = i + 1; k < j; ++k) {
+                first.operands ^= std::exchange(chains[edges[k].half / 2].operands, Operands{0});
+            }
+        }
+        i = j;
+    }
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+
+// Cut lines as a graph: nodes where lines meet, and chains of edges between them. Not installed.
+
+#ifndef TRAMMEL_CHAINGRAPH_P_H
+#define TRAMMEL_CHAINGRAPH_P_H
+
+#include "Intersections_p.h"
+#include "Lines_p.h"
+#include "Scratch_p.h"
+
+#include <cstdint>
+#include <limits>
+
+namespace trammel_detail {
+
+/// The number of a line, an edge, a chain or a node. There are at most EdgeTree::kMostEdges of
+/// each.
+typedef std::uint32_t Number;
+
+inline constexpr Number kNone = std::numeric_limits<Number>::max();
+
+/// Edges of a line that follow each other from one node to the next, or a whole line without any.
+struct Chain {
+    Number line;
+    Number first;          ///< its first edge
+    Number count;          ///< of edges
+    Number next;           ///< the chain of the line that begins where this one ends
+    Number previous;       ///< the chain of the line that ends where this one begins
+    Number other;          ///< where this one begins at a crossing of two edges, the other edge's
+                           ///< chain that begins there; else kNone
+    bool closed;           ///< a whole line, without nodes
+    Operands operands;     ///< in which the two sides differ: none once equal chains cancelled
+    Operands left = 0;     ///< that the points to its left lie in
+    bool labelled = false; ///< whether `left` is known
+    bool followed = false; ///< whether what goes on from it through crossings is labelled
+    bool bounds = false;   ///< whether it is on the boundary of the region
+};
+
+/// A chain as seen from the node at one of its ends, which it leaves along the chain: 2 * the
+/// chain's number for its first vertex, + 1 for its last one.
+typedef Number HalfEdge;
+
+/// Returns the same chain as seen from its other end.
+inline HalfEdge Twin(HalfEdge half) { return half ^ 1; }
+
+/// The graph of cut lines. Around each node the half-edges that leave it are linked in a cycle.
+struct ChainGraph {
+    /// `incidences` has an element for each vertex of the lines. Refers to the lines, which must
+    /// stay as they are. Throws std::length_error for more than EdgeTree::kMostEdges edges.
+    ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences);
+
+    /// Returns the number of the chain's vertex number k.
+    Number VertexOf(Chain const& chain, Number k) const {
+        Number const i = chain.first + k;
+        auto const end = static_cast<Number>(lines.End(chain.line));
+        return i < end ? i : i - end + static_cast<Number>(lines.Begin(chain.line));
+    }
+    GridPoint PointOf(Chain const& chain, Number k) const {
+        return lines.points[VertexOf(chain, k)];
+    }
+
+    GridLines const& lines;
+    ScratchVector<Chain> chains;
+    Number nodeCount = 0;
+    ScratchVector<Number> nodeOf;          ///< by half-edge: the node that it leaves
+    ScratchVector<HalfEdge> nextClockwise; ///< by half-edge: the next one of its node
+
+private:
+    struct DirectedEdge;
+
+    void MakeChains(ScratchVector<Incidence> const& incidences);
+    /// Makes the nodes at crossings of two edges.
+    void MakeCrossingNodes(ScratchVector<Incidence> const& incidences);
+    /// Makes the other nodes, and one chain of those that are equal.
+    void MakeSharedNodes();
+    /// Links half-edges, which are in counterclockwise order, around a new node.
+    void AddNode(HalfEdge const* begin, HalfEdge const* end);
+    void MergeEqualChains(ScratchVector<DirectedEdge> const& edges);
+    static bool TurnsFirst(DirectedEdge const& s, DirectedEdge const& t);
+    static void SortByOrigin(ScratchVector<DirectedEdge>& edges);
+};
+
+} // namespace trammel_detail
+
+#endif
