@@ -13,6 +13,12 @@
 
 namespace trammel_detail {
 
+/// Returns a < b ? a : b, without a branch if the processor can do that.
+[[gnu::always_inline]] inline double RawMin(double a, double b) { return a < b ? a : b; }
+
+/// Returns a > b ? a : b, without a branch if the processor can do that.
+[[gnu::always_inline]] inline double RawMax(double a, double b) { return a > b ? a : b; }
+
 /// Returns the square root of each lane.
 template <class Raw> [[gnu::always_inline]] inline Raw RawSqrt(Raw const& a) {
     Raw roots = a;

@@ -17,6 +17,14 @@
 
 namespace trammel_detail {
 
+[[gnu::always_inline]] inline double RawMin(double a, double b) {
+    return _mm_cvtsd_f64(_mm_min_sd(_mm_set_sd(a), _mm_set_sd(b)));
+}
+
+[[gnu::always_inline]] inline double RawMax(double a, double b) {
+    return _mm_cvtsd_f64(_mm_max_sd(_mm_set_sd(a), _mm_set_sd(b)));
+}
+
 [[gnu::always_inline]] inline RawDouble2 RawSqrt(RawDouble2 const& a) { return _mm_sqrt_pd(a); }
 
 [[gnu::always_inline]] inline RawDouble2 RawSelect(RawMask2 const& mask, RawDouble2 const& a,

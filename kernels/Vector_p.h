@@ -34,9 +34,9 @@ namespace trammel_detail {
 // Scalars, so that a template serves these, too
 
 /// Returns `a` where a < b, else `b`, which includes all cases with a NaN.
-[[gnu::always_inline]] inline constexpr double Min(double a, double b) { return a < b ? a : b; }
+[[gnu::always_inline]] inline double Min(double a, double b) { return RawMin(a, b); }
 /// Returns `a` where a > b, else `b`, which includes all cases with a NaN.
-[[gnu::always_inline]] inline constexpr double Max(double a, double b) { return a > b ? a : b; }
+[[gnu::always_inline]] inline double Max(double a, double b) { return RawMax(a, b); }
 [[gnu::always_inline]] inline double Abs(double a) { return __builtin_fabs(a); }
 
 // ------------------------------------------------------------------------------------------------
@@ -366,6 +366,12 @@ struct Short8 {
         __builtin_memcpy(&x.raw, from, sizeof x.raw);
         return x;
     }
+    /// Returns the two integers that lie at `from` in lanes 0 and 1, and 0 in the others.
+    [[gnu::always_inline]] inline static Short8 LoadTwo(void const* from) {
+        std::int32_t two;
+        __builtin_memcpy(&two, from, sizeof two);
+        return Short8((RawShort8)RawInt4{two, 0, 0, 0});
+    }
     [[gnu::always_inline]] inline std::int16_t operator[](int lane) const { return raw[lane]; }
 
     [[gnu::always_inline]] inline friend Short8 operator>(Short8 const& a, Short8 const& b) {
@@ -385,6 +391,9 @@ struct Short8 {
     }
 };
 
+template <int kLane> [[gnu::always_inline]] inline std::int16_t Lane(Short8 const& a) {
+    return a.raw[kLane];
+}
 /// Returns a number whose bits 0 to 7 are the lanes of `low`, and bits 8 to 15 those of `high`.
 /// Both are outcomes of comparisons.
 [[gnu::always_inline]] inline unsigned BitsOfTwo(Short8 const& low, Short8 const& high) {

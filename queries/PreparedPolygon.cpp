@@ -34,7 +34,6 @@
 
 #include "PreparedPolygon.h"
 
-#include "Box_p.h"
 #include "EdgeCrossing_p.h"
 #include "FPolygon.h"
 #include "PointRun_p.h"
@@ -181,10 +180,11 @@ struct Vertex {
     Id place; ///< at first its bucket; later 2j where slab j begins, 2j + 1 within slab j
     Step v;   ///< its height in the steps of its slab
     Step h;
-};
 
-/// The steps of two vertices: h is x, v is y.
-typedef trammel_detail::Box<Step> StepBox;
+    /// Returns v in lane 0 and h in lane 1.
+    Short8 Steps() const { return Short8::LoadTwo(&v); }
+};
+static_assert(offsetof(Vertex, h) == offsetof(Vertex, v) + sizeof(Step));
 
 /// Returns the number of bits without leading zeros.
 unsigned BitLength(Id bits) {
@@ -507,8 +507,10 @@ private:
         auto const spare = static_cast<Id>(mPieces.Size() - 1) * Pieces::kCount;
         ForEachEdge(vertices, [this, spare](Id edge, Vertex const& a, Vertex const& b) {
             if (Id const leaf = LeafOf(a, b); leaf != 0) {
-                StepBox const box = StepBox::Of(a.h, a.v, b.h, b.v);
-                Put(--mNodes[leaf].first, box.lowY, box.highY, box.lowX, box.highX, edge);
+                Short8 const least = Min(a.Steps(), b.Steps());
+                Short8 const most = Max(a.Steps(), b.Steps());
+                Put(--mNodes[leaf].first, Lane<0>(least), Lane<0>(most), Lane<1>(least),
+                    Lane<1>(most), edge);
                 return;
             }
             TPoint<double> const& p = mPoints[edge];

@@ -290,6 +290,24 @@ TEST(Short8, ComparesAndOrdersEachLane) {
     }
 }
 
+TEST(Short8, LoadsTwoIntegersAndZeros) {
+    std::int16_t const values[3] = {-5, 7, 9};
+    Short8 const two = Short8::LoadTwo(values);
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(two[i], i == 0 ? -5 : i == 1 ? 7 : 0);
+    }
+    EXPECT_EQ(trammel_detail::Lane<1>(two), 7);
+}
+
+TEST(Scalars, HaveTheMinimumAndMaximumOfVectors) {
+    for (double const a : Values()) {
+        for (double const b : Values()) {
+            EXPECT_EQ(BitsOf(trammel_detail::Min(a, b)), BitsOf(a < b ? a : b));
+            EXPECT_EQ(BitsOf(trammel_detail::Max(a, b)), BitsOf(a > b ? a : b));
+        }
+    }
+}
+
 TEST(Short8, TellsTheBitsOfTwoMasksInOrder) {
     for (unsigned bits = 0; bits < 0x10000; ++bits) {
         std::int16_t lanes[16];
