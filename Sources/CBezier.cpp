@@ -15,6 +15,19 @@ double CBezier::mMaxError = 1.0;
 std::int16_t CBezier::mRecursionLimit = 15;
 std::int32_t CBezier::mCount = 0;
 
+namespace {
+
+/// Changes each of the four points by change(point).
+template <class Do> CBezier& Change(CBezier& curve, Do const& change) {
+    change(curve.P0);
+    change(curve.P1);
+    change(curve.P2);
+    change(curve.P3);
+    return curve;
+}
+
+} // namespace
+
 double CBezier::SetCurveError(double e) {
     double const old = mMaxError;
     mMaxError = e;
@@ -58,78 +71,37 @@ void CBezier::GetTRange(double t0, double t1, CBezier& out) const {
 }
 
 CBezier& CBezier::operator+=(TPoint<double> const& p) {
-    TPoint<double> const by = p;
-    P0 += by;
-    P1 += by;
-    P2 += by;
-    P3 += by;
-    return *this;
+    return Change(*this, [by = p](TPoint<double>& point) { point += by; });
 }
 
 CBezier& CBezier::operator-=(TPoint<double> const& p) {
-    TPoint<double> const by = p;
-    P0 -= by;
-    P1 -= by;
-    P2 -= by;
-    P3 -= by;
-    return *this;
+    return Change(*this, [by = p](TPoint<double>& point) { point -= by; });
 }
 
 CBezier& CBezier::operator*=(TPoint<double> const& p) {
-    TPoint<double> const by = p;
-    P0 *= by;
-    P1 *= by;
-    P2 *= by;
-    P3 *= by;
-    return *this;
+    return Change(*this, [by = p](TPoint<double>& point) { point *= by; });
 }
 
 CBezier& CBezier::operator/=(TPoint<double> const& p) {
-    TPoint<double> const by = p;
-    P0 /= by;
-    P1 /= by;
-    P2 /= by;
-    P3 /= by;
-    return *this;
+    return Change(*this, [by = p](TPoint<double>& point) { point /= by; });
 }
 
 CBezier& CBezier::operator*=(double s) {
-    P0 *= s;
-    P1 *= s;
-    P2 *= s;
-    P3 *= s;
-    return *this;
+    return Change(*this, [s](TPoint<double>& point) { point *= s; });
 }
 
 CBezier& CBezier::operator/=(double s) {
-    P0 /= s;
-    P1 /= s;
-    P2 /= s;
-    P3 /= s;
-    return *this;
+    return Change(*this, [s](TPoint<double>& point) { point /= s; });
 }
 
 CBezier& CBezier::Rotate(double angle) {
-    P0.Rotate(angle);
-    P1.Rotate(angle);
-    P2.Rotate(angle);
-    P3.Rotate(angle);
-    return *this;
+    return Change(*this, [angle](TPoint<double>& point) { point.Rotate(angle); });
 }
 
 CBezier& CBezier::Rotate(double angle, TPoint<double> const& center) {
-    TPoint<double> const about = center;
-    P0.Rotate(angle, about);
-    P1.Rotate(angle, about);
-    P2.Rotate(angle, about);
-    P3.Rotate(angle, about);
-    return *this;
+    return Change(*this, [angle, about = center](TPoint<double>& p) { p.Rotate(angle, about); });
 }
 
 CBezier& CBezier::Transform(CMatrix3x3 const& m) {
-    P0.Transform(m);
-    P1.Transform(m);
-    P2.Transform(m);
-    P3.Transform(m);
-    return *this;
+    return Change(*this, [&m](TPoint<double>& point) { point.Transform(m); });
 }

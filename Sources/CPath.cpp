@@ -283,5 +283,5 @@ void CPath::Transform(CMatrix3x3 const& m) {
     for (TPoint<double>& p : mPts) {
         p.Transform(m);
     }
-    mBounds.SetNull();
+    InvalBounds();
 }

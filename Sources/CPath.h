@@ -53,8 +53,8 @@ public:
         kContainsCurves = 2,
     };
 
-    std::vector<char> mCtls;          ///< one CPathCode for each element
-    std::vector<TPoint<double>> mPts; ///< the points of all elements, in order
+    std::vector<char> mCtls;          ///< one CPathCode for each element; see InvalBounds
+    std::vector<TPoint<double>> mPts; ///< the points of all elements, in order; see InvalBounds
     TPoint<double> mCurrentPt;        ///< the last point added
     bool mOpen;                       ///< a subpath is open: set by a move, cleared by a close
     mutable TRect<double> mBounds;    ///< cached bounds of the points; null: not known
@@ -161,6 +161,13 @@ public:
     /// Delivers every element in order to the visitor; a code other than the four is passed over.
     /// The walk ends early where the points do not suffice.
     void ForAll(CPathActions& actions) const;
+    /// Drops the cached bounds; the next call of Bounds() computes them from the points. Call this
+    /// after a point of mPts was moved, or after elements or points were removed, directly: nothing
+    /// else brings such a change into the bounds. The current point stays as it was.
+    CPath& InvalBounds() {
+        mBounds.SetNull();
+        return *this;
+    }
     /// Maps every point through the matrix and drops the bounds. The current point stays as it was:
     /// go on building with a move.
     void Transform(CMatrix3x3 const& m);

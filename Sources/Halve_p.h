@@ -5,6 +5,7 @@
 #ifndef TRAMMEL_HALVE_P_H
 #define TRAMMEL_HALVE_P_H
 
+#include "CubicHalves_p.h"
 #include "TPoint.h"
 
 namespace trammel_detail {
@@ -12,15 +13,14 @@ namespace trammel_detail {
 /// Splits the cubic `c` at its middle into `left` and `right`, of which one may be `c`. Returns the
 /// split point. This is CBezier::Divide, inline for the loops that spend most of their time in it.
 template <class Curve> inline TPoint<double> Halve(Curve const& c, Curve& left, Curve& right) {
-    TPoint<double> const m01 = (c.P0 + c.P1) / 2.0;
-    TPoint<double> const m12 = (c.P1 + c.P2) / 2.0;
-    TPoint<double> const m23 = (c.P2 + c.P3) / 2.0;
-    TPoint<double> const m012 = (m01 + m12) / 2.0;
-    TPoint<double> const m123 = (m12 + m23) / 2.0;
-    TPoint<double> const split = (m012 + m123) / 2.0;
+    CubicHalves<double> const h(c.P0.h, c.P1.h, c.P2.h, c.P3.h);
+    CubicHalves<double> const v(c.P0.v, c.P1.v, c.P2.v, c.P3.v);
+    TPoint<double> const split(h.middle, v.middle);
+    TPoint<double> const start = c.P0;
     TPoint<double> const end = c.P3;
-    left = Curve(c.P0, m01, m012, split);
-    right = Curve(split, m123, m23, end);
+    left = Curve(start, TPoint<double>(h.left1, v.left1), TPoint<double>(h.left2, v.left2), split);
+    right =
+        Curve(split, TPoint<double>(h.right1, v.right1), TPoint<double>(h.right2, v.right2), end);
     return split;
 }
 

@@ -35,21 +35,6 @@ inline constexpr std::int32_t WrappingAdd(std::int32_t a, std::int32_t b) noexce
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) + static_cast<std::uint32_t>(b));
 }
 
-/// Returns a - b modulo 2^32.
-inline constexpr std::int32_t WrappingSubtract(std::int32_t a, std::int32_t b) noexcept {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) - static_cast<std::uint32_t>(b));
-}
-
-/// Returns a * b modulo 2^32.
-inline constexpr std::int32_t WrappingMultiply(std::int32_t a, std::int32_t b) noexcept {
-    return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
-}
-
-/// Returns -a modulo 2^32: INT32_MIN stays INT32_MIN.
-inline constexpr std::int32_t WrappingNegate(std::int32_t a) noexcept {
-    return WrappingSubtract(0, a);
-}
-
 } // namespace trammel_detail
 
 #endif

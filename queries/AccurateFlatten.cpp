@@ -422,7 +422,7 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
     joined.mPts.insert(joined.mPts.end(), result.mPts.begin(), result.mPts.end());
     joined.mCurrentPt = result.mCurrentPt;
     joined.mOpen = result.mOpen;
-    joined.mBounds.SetNull(); // rebuilt when asked for
+    joined.InvalBounds();
     out = std::move(joined);
     return kept;
 }

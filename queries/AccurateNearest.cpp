@@ -18,6 +18,7 @@
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
+#include "CubicHalves_p.h"
 #include "PointMath_p.h"
 
 #include <algorithm>
@@ -214,16 +215,15 @@ void Search::Run() {
         }
         if (divide) {
             auto const& q = piece.q;
-            Pt const a = (q[0] + q[1]) * 0.5;
-            Pt const b = (q[1] + q[2]) * 0.5;
-            Pt const c = (q[2] + q[3]) * 0.5;
-            Pt const e = (a + b) * 0.5;
-            Pt const f = (b + c) * 0.5;
-            Pt const middle = (e + f) * 0.5;
+            trammel_detail::CubicHalves<double> const h(q[0].h, q[1].h, q[2].h, q[3].h);
+            trammel_detail::CubicHalves<double> const v(q[0].v, q[1].v, q[2].v, q[3].v);
+            Pt const middle(h.middle, v.middle);
             double const t = piece.from + 0.5 * (piece.to - piece.from);
             Take(t, Square(middle));
-            Piece const left = {{q[0], a, e, middle}, piece.from, t};
-            Piece const right = {{middle, f, c, q[3]}, t, piece.to};
+            Piece const left = {
+                {q[0], Pt(h.left1, v.left1), Pt(h.left2, v.left2), middle}, piece.from, t};
+            Piece const right = {
+                {middle, Pt(h.right1, v.right1), Pt(h.right2, v.right2), q[3]}, t, piece.to};
             // The nearer half first: the other one may then be dropped.
             bool const leftFirst = d[0] <= d[6];
             new (&pending[count++].piece) Piece(leftFirst ? right : left);

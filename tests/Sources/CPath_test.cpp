@@ -571,6 +571,18 @@ TEST_F(Path, NullBoundsAreRebuiltFromThePoints) {
     EXPECT_TRUE(origin.Bounds().Null());
 }
 
+TEST_F(Path, InvalBoundsBringsAMovedPointIntoTheBounds) {
+    CPath path;
+    path.MoveTo(Pt(1, 2));
+    path.CurveTo(Pt(3, 4), Pt(5, 6), Pt(7, 8));
+    path.mPts[1] = Pt(-30, 40);
+    EXPECT_EQ(path.Bounds(), Box(1, 2, 7, 8));
+    EXPECT_EQ(&path.InvalBounds(), &path);
+    EXPECT_TRUE(path.mBounds.Null());
+    EXPECT_EQ(path.Bounds(), Box(-30, 2, 7, 40));
+    EXPECT_EQ(path.CurrentPoint(), Pt(7, 8));
+}
+
 TEST_F(Path, TransformMovesPointsAndBoundsButNotTheCurrentPoint) {
     CPath path;
     path.MoveTo(Pt(1, 1));

@@ -83,35 +83,18 @@ TEST(LowInt16, KeepsTheLowBits) {
     EXPECT_EQ(trammel_detail::LowInt16(-32769), 32767);
 }
 
-TEST(WrappingArithmetic, IsModulo32Bits) {
+TEST(WrappingAdd, IsModulo32Bits) {
     using trammel_detail::WrappingAdd;
-    using trammel_detail::WrappingMultiply;
-    using trammel_detail::WrappingNegate;
-    using trammel_detail::WrappingSubtract;
     EXPECT_EQ(WrappingAdd(2, 3), 5);
     EXPECT_EQ(WrappingAdd(INT32_MAX, 1), INT32_MIN);
     EXPECT_EQ(WrappingAdd(INT32_MIN, -1), INT32_MAX);
-    EXPECT_EQ(WrappingSubtract(2, 3), -1);
-    EXPECT_EQ(WrappingSubtract(INT32_MIN, 1), INT32_MAX);
-    EXPECT_EQ(WrappingSubtract(INT32_MAX, -1), INT32_MIN);
-    EXPECT_EQ(WrappingMultiply(-6, 7), -42);
-    EXPECT_EQ(WrappingMultiply(0x10000, 0x10000), 0);
-    EXPECT_EQ(WrappingMultiply(INT32_MIN, -1), INT32_MIN);
-    EXPECT_EQ(WrappingMultiply(INT32_MAX, INT32_MAX), 1);
-    EXPECT_EQ(WrappingNegate(5), -5);
-    EXPECT_EQ(WrappingNegate(INT32_MIN), INT32_MIN);
     std::mt19937 random(6);
     for (int i = 0; i < 10000; ++i) {
         std::int32_t const a = static_cast<std::int32_t>(random());
         std::int32_t const b = static_cast<std::int32_t>(random());
-        // The results are congruent to the exact ones modulo 2^32.
-        auto const low = [](std::int64_t exact) {
-            return static_cast<std::uint32_t>(exact & 0xFFFFFFFF);
-        };
-        ASSERT_EQ(static_cast<std::uint32_t>(WrappingAdd(a, b)), low(std::int64_t{a} + b));
-        ASSERT_EQ(static_cast<std::uint32_t>(WrappingSubtract(a, b)), low(std::int64_t{a} - b));
-        ASSERT_EQ(static_cast<std::uint32_t>(WrappingMultiply(a, b)), low(std::int64_t{a} * b));
-        ASSERT_EQ(static_cast<std::uint32_t>(WrappingNegate(a)), low(-std::int64_t{a}));
+        // The result is congruent to the exact one modulo 2^32.
+        ASSERT_EQ(static_cast<std::uint32_t>(WrappingAdd(a, b)),
+                  static_cast<std::uint32_t>((std::int64_t{a} + b) & 0xFFFFFFFF));
     }
 }
 
