@@ -4,9 +4,12 @@
 //
 // The curve runs from P0 to P2, pulled toward P1. It offers what it takes to turn such a segment
 // into points; for evaluation, hit tests and measuring raise it to a CBezier. It follows the
-// pattern of CBezier and differs on purpose: no forced first level, its own settings with twice the
-// tolerance, a flatness test along the axes instead of across the chord, midpoints as a + (b -
-// a)·0.5.
+// pattern of CBezier and differs from it on purpose:
+//
+// - the first level is not forced;
+// - it has settings of its own, with twice the tolerance;
+// - flatness is tested along the axes instead of across the chord;
+// - midpoints are a + (b - a)·0.5.
 //
 // The class-wide settings and counter are shared by the whole process and not synchronised: one
 // thread at a time. Nothing is reported; NaN and infinities propagate, and a curve with a NaN slope

@@ -7,9 +7,9 @@
 // test, length) goes through one adaptive subdivision, GenerateSegment.
 //
 // Class-wide settings and counters (mMaxError, mRecursionLimit, mCount, gCount, maxCount) are
-// shared by the whole process and not synchronised: use curves from one thread at a time. What is
-// safe from any thread, on curves of its own: construction, arithmetic, TPt, Divide(left, right[,
-// t]), Flat, Extents, FindTValue, GetTRange.
+// shared by the whole process and not synchronised: use curves from one thread at a time. These
+// functions are safe from any thread, on curves of its own: construction, arithmetic, TPt,
+// Divide(left, right[, t]), Flat, Extents, FindTValue, GetTRange.
 //
 // Nothing is reported: NaN and infinities propagate. A NaN deviation is never flat, so the
 // subdivision of a curve with a NaN goes to the full depth nearly everywhere, up to
@@ -183,9 +183,11 @@ public:
     void GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const;
     /// The same for a callback without data.
     void GenerateSegment(PointProc proc, bool force, short depth) const;
-    /// Appends the curve to `poly`: P0, the generated points (the first level forced, so that even
-    /// a flat curve yields its middle; none when P0 = P1 and P2 = P3) and P3, leaving out points
-    /// equal to their predecessor in `poly`.
+    /// Appends the curve to `poly`: P0, the generated points and P3. Leaves out points equal to
+    /// their predecessor in `poly`.
+    ///
+    /// The first level is forced, so that even a flat curve yields its middle. No points are
+    /// generated when P0 = P1 and P2 = P3.
     ///
     /// \param error flatness tolerance in coordinate units, inclusive; installed in mMaxError for
     ///              the duration of the call. Deviation is judged as by Flat, so it is no
@@ -213,9 +215,9 @@ public:
     /// Fast, not exact: now and then it settles in the wrong part of a winding curve. A reversed
     /// range gives what the steps give.
     double FindTValue(TPoint<double> const& pt, double tolerance, double t0, double t1) const;
-    /// The bisection of FindTValue: halves the whole curve toward `pt` and, in step, the range from
-    /// `lo` to `hi`, until that is no longer than `tolerance` or its middle is one of its ends;
-    /// returns the last middle. At least one step.
+    /// Does the bisection of FindTValue: halves the whole curve toward `pt` and, in step, the range
+    /// from `lo` to `hi`. It ends when the range is no longer than `tolerance`, or its middle is
+    /// one of its ends, but not before one step. Returns the last middle.
     double FindDividedTValue(TPoint<double> const& pt, double tolerance, double lo, double hi);
     /// True when `pt` is within `tolerance` (inclusive, see TLine::HitTest) of the curve flattened
     /// by mMaxError. Points outside Extents() grown by the tolerance are rejected at once.
@@ -224,10 +226,12 @@ public:
     /// inclusive. The segments between the points are not tested: a thin rectangle can slip
     /// through.
     bool Intersects(TRect<double> r) const;
-    /// The arc length: the length of a flattening at 0.001 (whatever mMaxError is), never more than
-    /// the true one but for rounding. The tolerance is absolute, so the relative error shrinks with
-    /// the size of the curve: measured 7.5e-7 on average and 4e-6 at worst for random curves 1000
-    /// units across, 6e-5 and 1.5e-3 for the curves of a font at 100 units to the em.
+    /// Returns the arc length: the length of a flattening at 0.001, whatever mMaxError is. Except
+    /// for rounding it is never more than the true length.
+    ///
+    /// The tolerance is absolute, so the relative error shrinks with the size of the curve.
+    /// Measured errors are 7.5e-7 on average and 4e-6 at worst for random curves 1000 units across.
+    /// For the curves of a font at 100 units to the em they are 6e-5 and 1.5e-3.
     double Length() const;
     /// The parameter at which `fraction` of the arc length is reached, to about 0.001: found as the
     /// parameter nearest to that point of a flattening at 0.001.

@@ -33,7 +33,7 @@ inline void HalveToward(Mask2 const& first, Double2& p0, Double2& p1, Double2& p
     p3 = Select(first, halves.middle, p3);
 }
 
-/// The literal decision of one step: true when the search goes on in the first half of `c`.
+/// Decides one step literally: true when the search goes on in the first half of `c`.
 bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double tolerance) {
     TLine<double> const chord(c.TPt(0.5 - tolerance), c.TPt(0.5 + tolerance));
     return chord.Perpendicular().HalfSpace(pt) == 1;
@@ -41,17 +41,19 @@ bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double toler
 
 /// Decides the bisection's steps, from a cheap estimate wherever that leaves no doubt.
 ///
-/// The literal decision takes the points A and B of the curve at 0.5 -+ t, t the tolerance, turns
-/// the chord a quarter about its middle M, takes a second quarter turn for the perpendicular, and
-/// asks for the sign of its product with the vector from the turned chord's start to the point p.
+/// The literal decision takes the points A and B of the curve at 0.5 -+ t, where t is the
+/// tolerance. It turns the chord a quarter about its middle M and takes a second quarter turn for
+/// the perpendicular. Then it asks for the sign of the perpendicular's product with the vector from
+/// the turned chord's start to the point p.
+///
 /// In exact arithmetic that is the sign of -d·r with d = B - A and r = p - M, as the turned chord's
-/// start lies at a right angle to d from M; and by Taylor's formula
+/// start lies at a right angle to d from M. By Taylor's formula
 ///
 ///     d = 3/2 t (P3 + P2 - P1 - P0) + 2 t³ (P3 - 3 P2 + 3 P1 - P0)
 ///     M = (P0 + 3 P1 + 3 P2 + P3)/8 + 3/2 t² (P0 - P1 - P2 + P3)
 ///
-/// With u = 2^-53, S a bound on the coordinates of the curve, t <= 1/8 (so |d| <= 3S in the sum of
-/// its components), and terms of order u² covered by the slack at the end:
+/// Let u = 2^-53, S a bound on the coordinates of the curve and t <= 1/8, so that |d| <= 3S in the
+/// sum of its components. Terms of order u² are covered by the slack at the end.
 ///
 ///   literal    A and B are off by 14uS in each component (three steps P + (Q - P)·w with 3.5uS
 ///              each, and the rounding of 0.5 -+ t), M by 17uS. The quarter turn's sine is 1 and
@@ -60,17 +62,20 @@ bool TowardStartExactly(CBezier const& c, TPoint<double> const& pt, double toler
 ///              by uS(130 |r| + 196 |d|) + 4u |d| |r|, magnitudes being sums of components.
 ///   estimate   d is off by 4uS, M by 8uS, the product by uS(4 |r| + 8 |d|) + 4u |d| |r|.
 ///
-/// Together at most uS(158 |r| + 204 |d|), less than half of the bound uS 2^9 (|r| + |d|) that is
-/// used. Inside of it, and where products could overflow or underflow, the literal form decides. So
-/// it does for curves so small that uS is not far above the smallest number there is: each of the
-/// some dozen products on the way to A, B and d may lose that much, which the model leaves out.
+/// Together that is at most uS(158 |r| + 204 |d|), less than half of the bound uS 2^9 (|r| + |d|)
+/// that is used. The literal form decides in these cases:
+///
+///   - the estimate is inside the bound;
+///   - products could overflow or underflow;
+///   - the curve is so small that uS is not far above the smallest number there is. Each of some
+///     dozen products on the way to A, B and d may lose that much, which the model leaves out.
 class SideFilter {
 public:
     SideFilter(CBezier const& whole, double tolerance)
         : mBound(FlatnessFilter::SizeOf(whole) * 0x1p-44), mFirst(1.5 * tolerance),
           mThird(2.0 * tolerance * tolerance * tolerance), mSecond(1.5 * tolerance * tolerance) {}
 
-    /// True where estimates may be made for the pieces of `whole`.
+    /// True when estimates may be made for the pieces of `whole`.
     static bool Serves(CBezier const& whole, TPoint<double> const& pt, double tolerance) {
         double const size = FlatnessFilter::SizeOf(whole);
         return tolerance >= 0x1p-40 && tolerance <= 0.125 && size >= 0x1p-960 && size <= 0x1p400 &&
@@ -107,7 +112,7 @@ private:
     double mSecond;
 };
 
-/// One step's decision: true when the search goes on in the first half of `c`.
+/// Decides one step: true when the search goes on in the first half of `c`.
 bool TowardStart(CBezier const& c, TPoint<double> const& pt, double tolerance) {
     if (SideFilter::Serves(c, pt, tolerance)) {
         SideFilter const filter(c, tolerance);
@@ -121,9 +126,9 @@ bool TowardStart(CBezier const& c, TPoint<double> const& pt, double tolerance) {
     return TowardStartExactly(c, pt, tolerance);
 }
 
-/// The bisection of FindDividedTValue on both halves of a curve, from 0 to 1, side by side: lane 0
-/// holds the piece of the left half, lane 1 that of the right one. Requires SideFilter::Serves, by
-/// which no middle is ever one of its bounds.
+/// Does the bisection of FindDividedTValue from 0 to 1 on both halves of a curve, side by side.
+/// Lane 0 holds the piece of the left half, lane 1 the piece of the right half. Requires
+/// SideFilter::Serves, by which no middle is ever one of its bounds.
 void BisectHalves(CBezier const& whole, CBezier const& left, CBezier const& right,
                   TPoint<double> const& pt, double tolerance, double& tLeft, double& tRight) {
     SideFilter const filter(whole, tolerance);

@@ -2,17 +2,19 @@
 
 // CPath: the general outline, a sequence of moves, lines, cubic curves and closes.
 //
-// Built element by element under joining rules that absorb degenerate input: a line of no length, a
-// curve that ends where it starts, a second move in a row (it replaces the first), a close without
-// open subpath are not recorded. A curve needs no move before it; a line without open subpath is a
-// move.
+// A path is built element by element under joining rules that absorb degenerate input:
 //
-// Measured and cut by the fraction t of its total length: t = 0 is the first point, t = 1 the end
-// of the last element, equal steps of t are equal steps of length. Curves are measured by
-// CBezier::Length (a flattening at 0.001). An element before any move is measured from (0, 0), and
-// after a close the next element is measured from the last point drawn, not from the subpath's
-// start. A path without length divides by zero: NaN. NaN and infinite coordinates propagate
-// likewise.
+// - a line of no length, and a curve that ends where it starts, are not recorded;
+// - a second move in a row replaces the first;
+// - a close without an open subpath is not recorded;
+// - a line without an open subpath is a move, while a curve needs no move before it.
+//
+// A path is measured and cut by the fraction t of its total length. The first point is at t = 0,
+// the end of the last element at t = 1, and equal steps of t are equal steps of length. Curves are
+// measured by CBezier::Length (a flattening at 0.001). An element before any move is measured from
+// (0, 0), and after a close the next element is measured from the last point drawn, not from the
+// subpath's start. A path without length divides by zero: NaN. NaN and infinite coordinates
+// propagate likewise.
 //
 // Nothing is cached between calls but the bounds of the points: each measuring call costs O(n) plus
 // the flattening of every curve. Memory exhaustion is std::bad_alloc; a building operation then
@@ -143,9 +145,9 @@ public:
     unsigned long size() const;
     /// The last point added; not moved by a close or by Transform.
     TPoint<double> CurrentPoint() const { return mCurrentPt; }
-    /// The fraction of its tangent arms that a curve's control points take to follow a unit circle
-    /// arc: 4/3 / (sqrt(L² + 1) + 1), L the distance from the arc's start `a` to the crossing `b`
-    /// of its end tangents.
+    /// Returns the fraction of its tangent arms at which a curve has its control points to follow
+    /// an arc of the unit circle. It is 4/3 / (sqrt(L² + 1) + 1), where L is the distance from the
+    /// arc's start `a` to the crossing `b` of its end tangents.
     double GetFraction(TPoint<double> a, TPoint<double> b) const;
     /// The bounds of all points, control points included; rebuilt when the cache is null. May be
     /// larger than the points after a replaced move, and forgets a leading point at the origin (see
@@ -191,10 +193,12 @@ public:
     /// TPt(t1) is added, which is dropped when it has no length. `out` is not closed; it may be
     /// this path.
     void GetTRange(double t0, double t1, CPath& out) const;
-    /// Cuts the piece from `t0` to `t1` away. Of a closed path what remains goes to `outA`, from t1
-    /// through the start to t0 as one open piece, and `outB` is emptied; of an open path what lies
-    /// before goes to `outA` and what lies after to `outB`. With t1 < t0 `outA` gets the piece
-    /// between and `outB` stays. The outputs are appended to, and may be this path.
+    /// Cuts the piece from `t0` to `t1` away. The outputs are appended to, and may be this path.
+    ///
+    /// - Closed path: `outA` gets the rest, from t1 through the start to t0, as one open piece, and
+    ///   `outB` is emptied.
+    /// - Open path: `outA` gets the part before t0 and `outB` the part after t1.
+    /// - t1 < t0: `outA` gets the piece between and `outB` stays as it is.
     void RemoveTRange(double t0, double t1, CPath& outA, CPath& outB) const;
 
 private:

@@ -5,7 +5,7 @@
 // Derive from it, override the element operations that matter, and hand the object to
 // CPath::ForAll. The base keeps the start of the current subpath and the current point. The virtual
 // operation runs before they move on, so inside an override GetCurrentPt() is where the element
-// begins: in ClosePath the closing segment runs from GetCurrentPt() to GetStartPt(), and in MoveTo,
+// begins. In ClosePath the closing segment runs from GetCurrentPt() to GetStartPt(). In MoveTo,
 // GetStartPt() is still the previous subpath's start.
 //
 // Both points begin at (0, 0) and carry over from one traversal to the next. An exception thrown by

@@ -18,8 +18,10 @@
 
 namespace trammel_detail {
 
-/// The distance by which a cubic's Flat judges: that of its middle from the line through its ends,
-/// or where the chord has no slope, that of its start from the middle of its control points.
+/// Returns the distance by which a cubic's Flat judges.
+///
+/// It is the distance of the cubic's middle from the line through its ends. Where the chord has no
+/// slope, it is the distance of the start from the middle of the control points.
 template <class Curve> double Deviation(Curve const& c) {
     TPoint<double> const chord = c.P3 - c.P0;
     if (std::isnan(chord.Slope())) {
@@ -32,12 +34,14 @@ template <class Curve> double Deviation(Curve const& c) {
 /// that leaves no doubt.
 ///
 /// In exact arithmetic the middle of a cubic is (P0 + 3 P1 + 3 P2 + P3)/8, so its distance from the
-/// chord is D = 3/8 |d x w| / |d| with d = P3 - P0 and w = P1 + P2 - P0 - P3. Comparing squares
-/// needs neither division nor root. The estimate may replace the comparison with the deviation as
-/// Flat computes it where the two cannot disagree, that is outside a band around the tolerance that
-/// is wider than the rounding of both. By the standard model of rounding (Higham, "Accuracy and
-/// Stability of Numerical Algorithms", section 2.2) with u = 2^-53, S a bound on all coordinates'
-/// magnitudes, m = d.v/d.h and n = -1/m, and terms of order u² covered by the slack at the end:
+/// chord is D = 3/8 |d x w| / |d| with d = P3 - P0 and w = P1 + P2 - P0 - P3. The estimate compares
+/// squares, which needs neither division nor root. It may decide where it cannot disagree with the
+/// deviation as Flat computes it. That is outside a band around the tolerance, wider than the
+/// rounding of both.
+///
+/// By the standard model of rounding (Higham, "Accuracy and Stability of Numerical Algorithms",
+/// section 2.2), let u = 2^-53, S a bound on all coordinates' magnitudes, m = d.v/d.h and n = -1/m.
+/// Terms of order u² are covered by the slack at the end.
 ///
 ///   estimate   each component of w is off by at most 8uS, d by u relative, the products by u each:
 ///              |d x w| is off by at most 34uS|d|, the estimate of D by at most 13uS.
@@ -49,17 +53,19 @@ template <class Curve> double Deviation(Curve const& c) {
 ///              and hypot add 4uD <= 16uS. Together at most uS(52 + 19|n|).
 ///
 /// So the two are apart by at most 80uS(1 + |n|). Where S(1 + |n|) <= 2^34 tolerance this is less
-/// than 2^-12 of the tolerance, which is the band (1.6 times what is needed). Outside of this
-/// condition, inside the band, for chords horizontal, vertical or so short that products could
-/// underflow, for coordinates or tolerances so large that they could overflow, and for everything
-/// not finite, the deviation itself decides.
+/// than 2^-12 of the tolerance, which is the band (1.6 times what is needed). The deviation itself
+/// decides in these cases:
+///
+///   - the condition does not hold, or the estimate lies inside the band;
+///   - the chord is horizontal, vertical or so short that products could underflow;
+///   - coordinates or the tolerance are so large that products could overflow, or not finite.
 class FlatnessFilter {
 public:
-    /// For a curve whose coordinates' magnitudes sum up to `size`, and for all pieces that halving
-    /// makes of it: no midpoint exceeds the larger of its two points, so one bound serves them all.
+    /// Serves a curve whose coordinates' magnitudes sum up to `size`, and all pieces that halving
+    /// makes of it. No midpoint exceeds the larger of its two points, so one bound serves them all.
     FlatnessFilter(double size, double tolerance) {
         mBand.tolerance = tolerance;
-        // Written so that NaN leaves the filter off: no slope passes.
+        // A NaN leaves the filter off: no slope passes then.
         if (size <= kLargest && tolerance > 0.0 && tolerance <= kLargest) {
             mBand.largestInverseSlope = tolerance * 0x1p34 / size - 1.0;
             double const nearlyAll = tolerance * (1.0 - 0x1p-9) * (4.0 / 3.0);
@@ -71,7 +77,7 @@ public:
         }
     }
 
-    /// The bound on the coordinates that the filter is made of.
+    /// Returns the bound on the coordinates that the constructor takes.
     template <class Curve> static double SizeOf(Curve const& c) {
         return std::abs(c.P0.h) + std::abs(c.P0.v) + std::abs(c.P1.h) + std::abs(c.P1.v) +
                std::abs(c.P2.h) + std::abs(c.P2.v) + std::abs(c.P3.h) + std::abs(c.P3.v);
@@ -80,7 +86,7 @@ public:
     double Tolerance() const { return mBand.tolerance; }
     FlatnessBand const& Band() const { return mBand; }
 
-    /// True where the filter judges at least some pieces.
+    /// True when the filter judges at least some pieces.
     bool Judges() const { return mBand.largestInverseSlope >= 0.0; }
 
     template <class Curve> bool Flat(Curve const& c) const {
@@ -106,16 +112,18 @@ public:
         return mBand.tolerance >= Deviation(c);
     }
 
-    /// A number of halvings after which every piece of `c` that the filter may judge is flat.
+    /// Returns a number of halvings after which every piece of `c` that the filter may judge is
+    /// flat.
     ///
     /// Halving divides the second differences D1 = P0 - 2 P1 + P2 and D2 = P1 - 2 P2 + P3 by 4 or
-    /// averages them first, so after k levels none is longer than 4^-k times the longer of the two,
-    /// and as w = -(D1 + D2), a piece's middle is at most 3/8 |w| <= 3/4 · 4^-k max|D| from its
-    /// chord. In units of u = 2^-53 and the bound S on the coordinates, the differences as computed
-    /// are off by 4uS, those of the pieces as computed by at most 12uS a level, of which later
-    /// levels leave a quarter: 16uS. Together 3/4 · 20uS = 15uS, and where the filter judges, uS is
-    /// at most 2^-19 of the tolerance. So a bound of (1 - 2^-9) of the tolerance on the exact
-    /// distance keeps the computed pieces' within (1 - 2^-12), where Flat's answer is true.
+    /// averages them first. So after k levels none is longer than 4^-k times the longer of the two.
+    /// As w = -(D1 + D2), a piece's middle is at most 3/8 |w| <= 3/4 · 4^-k max|D| from its chord.
+    ///
+    /// Let u = 2^-53 and S the bound on the coordinates. The computed differences of `c` are off by
+    /// 4uS. Each level adds at most 12uS to the pieces' differences, of which later levels leave a
+    /// quarter: 16uS. Together that is 3/4 · 20uS = 15uS. Where the filter judges, uS is at most
+    /// 2^-19 of the tolerance. So a bound of (1 - 2^-9) of the tolerance on the exact distance
+    /// keeps the computed distance within (1 - 2^-12), where Flat's answer is true.
     template <class Curve> int LevelsToFlat(Curve const& c) const {
         double const first =
             Squared((c.P0.h - c.P1.h) + (c.P2.h - c.P1.h), (c.P0.v - c.P1.v) + (c.P2.v - c.P1.v));
@@ -125,7 +133,7 @@ public:
         if (ratio <= 1.0) {
             return 0;
         }
-        // 16^k has to reach the ratio, which is less than 2^(exponent + 1).
+        // The power 16^k has to reach the ratio, which is less than 2^(exponent + 1).
         std::uint64_t bits;
         std::memcpy(&bits, &ratio, sizeof bits);
         return (static_cast<int>(bits >> 52) - 1023) / 4 + 1;

@@ -28,17 +28,15 @@ namespace trammel_detail {
 /// Terms of order u² and of underflow (below 2^-1000 in all) are covered by the slack at the end.
 ///
 ///   interpolation  a + (b - a)t with t in [0, 1]: the difference is off by at most 2uM, the
-///   product
-///                  by 2uM more, the sum by uM. The point is at most 5uM beyond the box of a and b.
-///   curve          Three interpolations on top of each other, each within the box of the one
-///   before:
-///                  15uM.
+///                  product by 2uM more, the sum by uM. The point is at most 5uM beyond the box of
+///                  a and b.
+///   curve          Three interpolations follow on each other, each within the box of the one
+///                  before: 15uM.
 ///   line           The pinned foot lies in the box. So its differences from the start are no
-///   greater
-///                  than the line's own, in each direction, rounded or not. The quotient of the two
+///                  greater than the line's, in each direction, rounded or not. The quotient of the
 ///                  lengths is at most 1 + 9u, as each hypot is off by at most 4u and the division
-///                  by u. Where the lengths are so small that hypot's error is absolute, so is that
-///                  of the point. The point is at most 9u 2M + 5uM = 23uM beyond the box.
+///                  by u. Where the lengths are so small that hypot's error is absolute, so is the
+///                  point's error. The point is at most 9u 2M + 5uM = 23uM beyond the box.
 ///
 /// The slack is 2^-45 S with S the sum of all the magnitudes, S >= M. That is eleven times as much,
 /// which leaves room for the rounding of the edges. A segment with a NaN, an infinite or an
@@ -68,7 +66,7 @@ inline double SquaredDistance(Box<double> const& box, TPoint<double> const& p) {
 /// Returns the squared distance beyond which a box holds nothing that is as near as `best`.
 ///
 /// Rounding is monotone. So the computed differences of p from a point in the box are no smaller
-/// than those from the box, and their hypot is at least the box's distance less 4u of it. The
+/// than those from the box. Their hypot is at least the box's distance less 4u of it. The
 /// squares and their sum take 3u, twice, and the square of `best` u. That is less than 2^-40 in
 /// all, unless they underflow. So nothing is left out at distances below 2^-450, nor for bests so
 /// large that their square could overflow.

@@ -21,13 +21,13 @@ namespace {
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
 
-/// How far a computed extremum may be inside the true one, as a part of the control points' extent.
-/// With the extent e and u = 2^-53, relative to P0: the derivative's coefficients are at most 6e
-/// and its zeros leave a residue below 32·u·e, over a parameter range of at most 1; evaluation adds
-/// less than 16·u·e.
+/// The distance by which a computed extremum may be inside the true one, as a part of the control
+/// points' extent. Let e be the extent and u = 2^-53. Relative to P0 the derivative's coefficients
+/// are at most 6e. Its zeros leave a residue below 32·u·e over a parameter range of at most 1, and
+/// evaluation adds less than 16·u·e.
 constexpr double kMargin = 0x1p-46;
-/// Products of two numbers of this size keep all their bits; smaller ones are multiplied by
-/// kMagnify, which takes even the smallest there is to where they do.
+/// Products of two numbers of this size keep all their bits. Smaller numbers are multiplied by
+/// kMagnify, after which even the products of the smallest ones keep them.
 constexpr double kSmall = 0x1p-400;
 constexpr double kMagnify = 0x1p600;
 
@@ -37,7 +37,7 @@ struct Range {
     double hi;
 };
 
-/// The range of the cubic with coefficients p0 to p3.
+/// Returns the range of the cubic with coefficients p0 to p3.
 Range CubicRange(double p0, double p1, double p2, double p3) {
     Range const ends = {std::min(p0, p3), std::max(p0, p3)};
     Range const hull = {std::min(ends.lo, std::min(p1, p2)), std::max(ends.hi, std::max(p1, p2))};
@@ -50,8 +50,8 @@ Range CubicRange(double p0, double p1, double p2, double p3) {
     double const d2 = p3 - p2;
     double const b = d1 - d0;
     double const c = (d0 - d1) + (d2 - d1);
-    // The zeros are quotients, so a common factor changes nothing. A coordinate may be far smaller
-    // than the other one, after which both were scaled; its squares must not underflow.
+    // The zeros are quotients, so a common factor changes nothing. Both coordinates are scaled
+    // alike, and one may be far smaller than the other. Its squares must not underflow.
     double const factor = hull.hi - hull.lo < kSmall ? kMagnify : 1.0;
     double const zeroA = d0 * factor;
     double const zeroB = b * factor;
@@ -66,7 +66,7 @@ Range CubicRange(double p0, double p1, double p2, double p3) {
         if (!(zero > 0.0 && zero < 1.0)) {
             continue;
         }
-        // Relative to the nearer end, by Horner's rule.
+        // The value is taken relative to the nearer end, by Horner's rule.
         double const x =
             zero < 0.5 ? p0 + (3.0 * d0 + (3.0 * b + c * zero) * zero) * zero
                        : p3 - (3.0 * d2 - (3.0 * (d2 - d1) - c * (1.0 - zero)) * (1.0 - zero)) *
@@ -79,13 +79,13 @@ Range CubicRange(double p0, double p1, double p2, double p3) {
     return {std::max(lo, hull.lo), std::min(hi, hull.hi)};
 }
 
-/// The range of the quadratic with coefficients p0 to p2.
+/// Returns the range of the quadratic with coefficients p0 to p2.
 Range QuadraticRange(double p0, double p1, double p2) {
     Range const ends = {std::min(p0, p2), std::max(p0, p2)};
     if (p1 >= ends.lo && p1 <= ends.hi) {
         return ends;
     }
-    // The derivative vanishes at d0/(d0 - d1); both differences have opposite signs or one is 0.
+    // The derivative vanishes at d0/(d0 - d1). The differences have opposite signs, or one is 0.
     double const d0 = p1 - p0;
     double const d1 = p2 - p1;
     double const x = p0 + d0 * (d0 / (d0 - d1));
@@ -96,10 +96,11 @@ Range QuadraticRange(double p0, double p1, double p2) {
     return {std::max(lo, std::min(ends.lo, p1)), std::min(hi, std::max(ends.hi, p1))};
 }
 
-/// The ranges as a rectangle in the input's unit. Where points were scaled, the smallest of them
-/// may have been rounded, and sides near zero are rounded once more: they grow by a unit, and are
-/// then brought between the control points (outside) and the ends (inside), which are known
-/// exactly.
+/// Returns the ranges as a rectangle in the input's unit.
+///
+/// Where points were scaled, the smallest of them may have been rounded, and sides near zero are
+/// rounded once more. Such sides grow by a unit. Then they are brought between the control points
+/// (outside) and the ends (inside), which are known exactly.
 template <std::size_t N>
 TRect<double> InputUnit(std::array<Pt, N> const& points, ScaledPoints<N> const& p, Range const& h,
                         Range const& v) {
@@ -164,7 +165,7 @@ TRect<double> TightBounds(CBSpline const& curve) {
 }
 
 TRect<double> TightBounds(CPath const& path) {
-    // Not TRect's union, for which a point at the origin is nothing.
+    // TRect's union would leave out a point at the origin.
     trammel_detail::Box<double> box;
     for (trammel_detail::SegmentCursor segment(path); segment.Next();) {
         TRect<double> const r = segment.IsCurve()

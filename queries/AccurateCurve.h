@@ -4,9 +4,9 @@
 // the caller names and that is kept.
 //
 // The curves' own functions of these purposes (CBezier::Length, FindTValue, Flatten, Extents) keep
-// their definitions by subdivision and control points. Choose these here where a result has to be
-// right within a known distance: they are by quadrature, by isolating roots, and by verified
-// chords. They look at no class-wide setting and write none.
+// their definitions by subdivision and control points. Choose the functions here where a result has
+// to be right within a known distance. They work by quadrature, by isolating roots, and by verified
+// chords. They read no class-wide setting and write none.
 //
 // Accuracies are distances in coordinate units, and guarantees: the result is off by no more,
 // except for the rounding of doubles, which each function states. An accuracy finer than rounding
@@ -14,9 +14,9 @@
 // one scaled by a power of two has the same results scaled, bit for bit, with the accuracy scaled
 // along.
 //
-// A NaN or infinite coordinate gives NaN in all results; nothing is reported. Every call ends, and
-// none allocates, but for what the polygon or path that it fills takes. No shared state: all are
-// safe from any thread.
+// A NaN or infinite coordinate gives NaN in all results; nothing is reported. Every call ends. None
+// allocates, except in the polygon or path that it fills. They share no state, so all are safe from
+// any thread.
 
 #ifndef TRAMMEL_ACCURATECURVE_H
 #define TRAMMEL_ACCURATECURVE_H
@@ -80,9 +80,9 @@ struct TRAMMEL_API CurvePoint {
 ///
 /// Cost: mostly one to ten pieces and some steps of Newton's method; at most some hundreds, where
 /// the curve keeps nearly the same distance.
-/// Source: subdivision of the squared distance in Bernstein form: pieces whose least coefficient is
-/// not below the best distance are dropped, critical points are isolated by Descartes' rule [Farin;
-/// Lane and Riesenfeld, Bounds on a Polynomial, BIT 21, 1981].
+/// Source: subdivision of the squared distance in Bernstein form. Pieces whose least coefficient is
+/// not below the best distance are dropped. Descartes' rule isolates critical points [Farin; Lane
+/// and Riesenfeld, Bounds on a Polynomial, BIT 21, 1981].
 TRAMMEL_API CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt,
                                     double accuracy);
 /// The same for a quadratic curve. `point` is off by rounding as that of a cubic is.
@@ -99,10 +99,10 @@ inline constexpr long kMostFlatPoints = 65536;
 /// leaving out those equal to their predecessor. Returns the distance that is kept.
 ///
 /// Every point of the curve is within that distance of the polyline, and every point of the
-/// polyline within that distance of the curve (the Hausdorff distance), besides the rounding of the
-/// points themselves, 2^-50 of the greatest coordinate, and 2^-1074. It is `tolerance`, or 2^-40 of
-/// the curve's size if that is more, or what kMostFlatPoints points could achieve. A curve that is
-/// straight gives its ends and, where it doubles back, the turning points.
+/// polyline within that distance of the curve (the Hausdorff distance). To it comes the rounding of
+/// the points themselves: 2^-50 of the greatest coordinate, and 2^-1074. The distance is
+/// `tolerance`, or 2^-40 of the curve's size if that is more, or what kMostFlatPoints points could
+/// achieve. A curve that is straight gives its ends and, where it doubles back, the turning points.
 ///
 /// Points lie as densely as the bend demands, within about a tenth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
@@ -110,7 +110,7 @@ inline constexpr long kMostFlatPoints = 65536;
 /// Cost: two evaluations a point; each chord is verified. Points are worked on four at a time, and
 /// appended many at a time.
 /// Source: equal steps of the integral of the square root of the bend [Levien, Flattening quadratic
-/// Béziers, 2019]; the distance of a cubic from its chord by its control points, by definition.
+/// Béziers, 2019]. The distance of a cubic from its chord is taken by its control points.
 TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly);
 /// The same for a quadratic curve.
 TRAMMEL_API double FlattenWithin(CBSpline const& curve, double tolerance, TPolygon<double>& poly);
@@ -130,11 +130,11 @@ TRAMMEL_API double FlattenWithin(CPath const& path, double tolerance, CPath& out
 
 /// The bounds of the curve itself, not of its control points.
 ///
-/// Contains every point of the curve, and each side is beyond the curve by at most 2^-45 of the
-/// control points' extent in that direction plus two units in the last place; sides that an end or
-/// a control point determines are exact. Never outside the box of the control points (which
-/// Extents() is, unless some lie at the origin). Source: by definition (the zeros of the derivative
-/// in each coordinate).
+/// They contain every point of the curve. Each side is beyond the curve by at most 2^-45 of the
+/// control points' extent in that direction, plus two units in the last place. Sides that an end or
+/// a control point determines are exact. The bounds are never outside the box of the control points
+/// (which Extents() is, unless some lie at the origin). Source: the zeros of the derivative in each
+/// coordinate.
 TRAMMEL_API TRect<double> TightBounds(CBezier const& curve);
 /// The same for a quadratic curve.
 TRAMMEL_API TRect<double> TightBounds(CBSpline const& curve);

@@ -7,23 +7,24 @@
 //
 //     sqrt(k/(8e)) ds = sqrt(|B' x B''| / (8e |B'|)) dt
 //
-// [Levien]. It is taken by the trapezoidal rule over a few panels, and inverted panel by panel. For
-// a cubic with B' = 3(a + 2bt + ct²), B' x B'' is 18 (a x b + (a x c) t + (b x c) t²).
+// [Levien]. The integral is taken by the trapezoidal rule over a few panels, and inverted panel by
+// panel. For a cubic with B' = 3(a + 2bt + ct²), B' x B'' is 18 (a x b + (a x c) t + (b x c) t²).
 //
 // The verification: on a piece, the distance from the line through its ends is
-// 3t(1 - t)((1 - t)e1 + t·e2), where e1 and e2 are those of the control points. Its maximum is a
-// convex function of e2/e1 with the values 3/4, 4/9 and 1/sqrt(12) at 1, 0 and -1, so it is at most
-// what interpolates between these. Along the chord the curve overshoots its ends by at most 3/4 of
-// what the control points do. And as it runs from end to end, it is beside each point of the chord
-// somewhere: one bound holds for both directions of the distance. A chord that fails is divided.
+// 3t(1 - t)((1 - t)e1 + t·e2), where e1 and e2 are the distances of the control points. Its maximum
+// is a convex function of e2/e1 with the values 3/4, 4/9 and 1/sqrt(12) at 1, 0 and -1. So linear
+// interpolation between these values bounds it. Along the chord the curve overshoots its ends by at
+// most 3/4 of the control points' overshoot. As the curve runs from end to end, it is beside each
+// point of the chord somewhere. So one bound holds for both directions of the distance. A chord
+// that fails is divided.
 //
-// Planned points are computed and verified four at a time; only what follows from a chord that
-// fails is done one by one.
+// Planned points are computed and verified four at a time. Only the pieces of a chord that fails
+// are verified one by one.
 //
-// Curves that take few chords, as most of a glyph or an icon do, are mildly bent, and a rough plan
-// does for them: the bend in the middles of four panels, one vector, as if constant on each. As its
-// chords are verified alike, it decides about the number of points only. Where one fails, a chord
-// more is tried, then the plan above.
+// Curves that take few chords, as most of a glyph or an icon do, are mildly bent. A rough plan
+// suffices for them: the bend in the middles of four panels, as if it were constant on each. The
+// four are one vector. Their chords are verified as all others, so the rough plan only decides
+// about the number of points. Where a chord fails, one chord more is tried, then the plan above.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -61,19 +62,18 @@ using trammel_detail::ScaledPoints;
 using trammel_detail::Square;
 using trammel_detail::Taxicab;
 
-/// The finest tolerance, as a part of the control vectors' magnitudes. Rounding moves computed
-/// distances from chords by 2^-49 of these.
+/// The finest tolerance, as a part of the control vectors' magnitudes. Rounding moves the computed
+/// distances from chords by 2^-49 of the same magnitudes.
 constexpr double kFinest = 0x1p-40;
 /// The part of the tolerance for which points are planned, so that few chords have to be divided.
 constexpr double kPlanned = 0.97;
-/// What is bent more is not divided into few chords: where a second difference of the control
-/// points is longer than this many tolerances. By n equal steps of the parameter a curve keeps the
-/// tolerance where none is longer than 4n²/3 tolerances; ten such steps are some eight of equal
-/// bend.
+/// A curve is too bent for few chords where a second difference of its control points is longer
+/// than this many tolerances. A curve keeps the tolerance by n equal steps of the parameter where
+/// none is longer than 4n²/3 tolerances. Ten such steps are some eight steps of equal bend.
 constexpr double kMostFewBend = 400.0 / 3.0;
 /// The part of a piece that a division at a turn leaves at least on either side.
 constexpr double kLeastPart = 0.05;
-/// Divisions of a chord at most: its parameters are neighbours then.
+/// The most divisions of a chord: its parameters are neighbours then.
 constexpr std::size_t kMostPending = 56;
 
 /// A point of the curve relative to P0, with a third of the derivative.
@@ -96,7 +96,7 @@ public:
     }
     double Size() const { return mSize; }
     Place Start() const { return {0.0, Pt(), mA}; }
-    /// At 1, the end exactly.
+    /// Returns the place at `t`; the end exactly at 1.
     Place At(double t) const {
         if (t == 1.0) {
             return {t, mEnd, mEndV};
@@ -104,9 +104,11 @@ public:
         Pt const rise = mC * t;
         return {t, (mA * 3.0 + (mB * 3.0 + rise) * t) * t, mA + (mB * 2.0 + rise) * t};
     }
-    /// Where to divide the piece between two places: where it turns back along its chord, so that
-    /// straight curves need no more points than turns; in the middle if it does not, or only near
-    /// an end, where a point would gain little.
+    /// Returns the parameter at which to divide the piece between two places.
+    ///
+    /// That is where the piece turns back along its chord, so that straight curves need no more
+    /// points than turns. It is the middle where the piece does not turn, or only near an end,
+    /// where a point would gain little.
     double Split(Place const& p0, Place const& p1, double tolerance) const {
         Pt d = p1.at - p0.at;
         if (Square(d) <= tolerance * tolerance) {
@@ -159,7 +161,7 @@ bool Keeps(Place const& p0, Place const& p1, double tolerance) {
     return off.across * off.across + off.along * off.along <= limit * square;
 }
 
-/// True when a few chords may do.
+/// True when a few chords may suffice.
 bool HardlyBent(FlatCubic const& c, double tolerance) {
     double const most = kMostFewBend * tolerance;
     return trammel_detail::SquaredBend(c) <= most * most;
@@ -174,7 +176,7 @@ bool KeepsAsAWhole(FlatCubic const& c, double tolerance) {
     return limit < square && off.across * off.across + off.along * off.along <= limit * square;
 }
 
-/// A bound on the piece's distance from its chord.
+/// Returns a bound on the piece's distance from its chord.
 double DistanceOf(Place const& p0, Place const& p1) {
     Pt const d = p1.at - p0.at;
     double const square = Square(d);
@@ -187,11 +189,11 @@ double DistanceOf(Place const& p0, Place const& p1) {
     return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
 }
 
-/// What the bend divided by the speed is multiplied by for the plan. A power of two in the input
-/// cancels in front of the root then, so that it changes nothing.
+/// Returns the factor for the bend divided by the speed in the plan. With it a power of two in the
+/// input cancels in front of the root and changes nothing.
 double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
 
-/// Where on the curve the points are to lie, and the points.
+/// Plans where on the curve the points lie, and computes them.
 class Plan {
 public:
     Plan(FlatCubic const& curve, double tolerance) : mCurve(curve), mTolerance(tolerance) {
@@ -233,8 +235,8 @@ void Set(FlatRun& run, int i, Place const& p) {
     run.dv[i] = p.v.v;
 }
 
-/// Delivers the points after P0 relative to P0, the last one excepted, one by one or as
-/// deliver.Run(h, v, count); returns the distance kept.
+/// Delivers the points between P0 and P3 relative to P0, as deliver.Point(point) or as
+/// deliver.Run(h, v, count). Returns the distance kept.
 template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
     double const finest = kFinest * curve.Size();
     double const tolerance = asked > finest ? asked : finest;
@@ -295,10 +297,10 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     return kept;
 }
 
-/// Brings points back to where the curve is, and to the input's unit, and hands each to `use`.
+/// Moves points back to where the curve is, in the input's unit, and hands each to `use`.
 template <class Use> class EachPoint {
 public:
-    /// `dropped` is what DropCommon() returned of the points.
+    /// `dropped` is the result of DropCommon() for the points.
     EachPoint(ScaledPoints<4> const& points, Pt const& start, Pt const& dropped, Use& use)
         : mPoints(points), mStart(start), mDropped(dropped), mUse(use) {}
     void Point(Pt const& relative) {
@@ -333,7 +335,7 @@ template <class Use> double FlattenAll(CBezier const& curve, double tolerance, U
     return kept;
 }
 
-/// Points to be appended to a polygon, the way from P0 added.
+/// Appends points to a polygon, many at a time. Adds P0 to points that are relative to it.
 class Appending {
 public:
     Appending(Pt const& origin, TPolygon<double>& poly) : mOrigin(origin), mAppend{poly} {}

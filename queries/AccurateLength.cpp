@@ -3,19 +3,21 @@
 // Arc length by Gauss-Legendre quadrature of the speed, with an error bound known beforehand.
 //
 // A cubic's derivative, read as a complex number, is a quadratic z(t). The speed |z(t)| is the root
-// of z(t) times its conjugate polynomial, so it is analytic but for the two zeros of z and their
-// conjugates: these tell where the integrand can be hard, whatever the curve.
+// of z(t) times its conjugate polynomial. So it is analytic everywhere except at the two zeros of z
+// and their conjugates. These tell where the integrand can be hard, whatever the curve.
 //
-// On a piece of the curve, mapped to -1 <= w <= 1, let z(w) = A + Bw + Cw², a the half-axis along
-// the reals of an ellipse with foci -1 and 1 that has no zero inside, and q = (a - sqrt(a² - 1))².
-// With w = (u + 1/u)/2, |u| > 1, the speed's Chebyshev series has the coefficients
+// A piece of the curve is mapped to -1 <= w <= 1, where z(w) = A + Bw + Cw². Let a be the half-axis
+// along the reals of an ellipse with foci -1 and 1 that has no zero inside. Let
+// q = (a - sqrt(a² - 1))². With w = (u + 1/u)/2, |u| > 1, the speed's Chebyshev series has the
+// coefficients
 //
 //     a_k = 1/(pi i) times the integral of speed(u) / u^(k + 1) du around the circle |u| = 1
 //
-// [Trefethen, chapter 3]. The circle can be widened without end but for cuts from each of the four
-// zeros along its ray to infinity, on whose two sides the speed is counted with opposite signs, so
-// |a_k| is at most 2/pi times the sum over the cuts of the integral of |speed| / r^(k + 1) dr,
-// r = |u|. On the cut from a zero w1 with |u| = r1, where r = r1·e^x and b = (r1 + 1/r1)/2,
+// [Trefethen, chapter 3]. The circle can be widened without end, except for a cut from each of the
+// four zeros along its ray to infinity. The speed counts with opposite signs on the two sides of a
+// cut. So |a_k| is at most 2/pi times the sum over the cuts of the integral of
+// |speed| / r^(k + 1) dr, r = |u|. On the cut from a zero w1 with |u| = r1, where r = r1·e^x and
+// b = (r1 + 1/r1)/2,
 //
 //     |w| and |w1|        are at most b·e^x, the ellipse's half-axis for r,
 //     |z| or |conjugate|  = |w - w1| |B + C(w + w1)| <= |w - w1| (|B| + 2|C|b) e^x,
@@ -23,43 +25,45 @@
 //     the other factor    <= (|A| + |B|b + |C|b²) e^(2x).
 //
 // The speed is the root of the product of both, and dr = r dx. The formula with n nodes is exact up
-// to degree 2n - 1, odd terms vanish by symmetry, and an even term of degree k >= 8 is off by at
-// most 2 + 2/(k² - 1) <= 128/63 [Trefethen, theorem 19.3]. Summing up first 1/r^(k + 1) over the
-// even k from 2n on, to r^(-2n - 1)/(1 - 1/r²), leaves the integral of sqrt(x) e^(2x - 2nx) dx,
-// that is sqrt(pi)/2 · (2n - 2)^(-3/2). What is said of a cut falls as b grows, and none of the
-// four has a b less than a, so the error is at most
+// to degree 2n - 1, and odd terms vanish by symmetry. An even term of degree k >= 8 is off by at
+// most 2 + 2/(k² - 1) <= 128/63 [Trefethen, theorem 19.3]. The sum of 1/r^(k + 1) over the even k
+// from 2n on is r^(-2n - 1)/(1 - 1/r²). There remains the integral of sqrt(x) e^(2x - 2nx) dx,
+// which is sqrt(pi)/2 · (2n - 2)^(-3/2). The bound for a cut falls as b grows, and b is at least a
+// on all four cuts. So the error is at most
 //
 //     512/63 / sqrt(pi) / (2n - 2)^(3/2) · S · q^n / (1 - q),
 //     S = sqrt((|A| + |B|a + |C|a²) a (|B| + 2|C|a)),
 //
-// which is some ten times what random curves are off by, and four times what the worst are. Pieces
-// have the integral 3·half·(...). Only the triangle inequality was used of the magnitudes |A|, |B|
-// and |C|, and that they are no less than the true ones: |h| + |v| will do.
+// which is some ten times the error of random curves, and four times the worst error found. Pieces
+// have the integral 3·half·(...). The proof uses only the triangle inequality for the magnitudes
+// |A|, |B| and |C|, and that they are no less than the true ones. So |h| + |v| serves as magnitude.
 //
-// As S is at most a² times what it is for a = 1, and of a piece with the part p of the whole width
-// at most sqrt(p) times that of the whole, the error of a piece is at most p^(3/2) times
+// S is at most a² times its value for a = 1. For a piece with the part p of the whole width it is
+// at most sqrt(p) times its value for the whole. So the error of a piece is at most p^(3/2) times
 //
 //     3/2 · S(whole, a = 1) · 512/63 / sqrt(pi) / (2n - 2)^(3/2) · a² · q^n / (1 - q).
 //
-// These p^(3/2) never come to more than 1, nor do the p themselves, the shares of the pieces that
-// are measured otherwise. So every piece, however the curve is divided, may be taken by any formula
-// for which that is within the accuracy, that is, which finds the zeros outside of an ellipse that
-// depends only on the ratio of S to the accuracy. The ellipses are kept in a table, by n and by
-// powers of two of the ratio's square. A curve that none is right for as a whole is divided at the
-// real parts of the zeros nearby: a piece that ends beside a zero asks for about the root of the
-// nodes that it takes around it, so hardly any is divided further. The zeros themselves are needed
-// to half of the digits only.
+// These p^(3/2) never add up to more than 1. Neither do the p themselves, which are the shares of
+// the pieces that are measured otherwise. So however the curve is divided, a piece may be taken by
+// any formula whose bound is within the accuracy. That formula must find the zeros outside of an
+// ellipse, which depends only on the ratio of S to the accuracy. The ellipses are kept in a table,
+// by n and by powers of two of the ratio's square.
 //
-// A zero on the reals is one with its conjugate, and the cut from it is none, unless it is inside
-// of the piece: the speed is |w - w1| times something analytic. That is made use of at the ends of
-// curves whose first two control points are one, or the last two, as drawn ones often have: these
-// zeros are exactly there, and for every piece as if they did not exist.
+// A curve for which no formula is right as a whole is divided at the real parts of the zeros
+// nearby. A piece that ends beside a zero asks for about the root of the nodes of a piece around
+// the zero. So hardly any piece is divided further. The zeros are needed to half of the digits
+// only.
 //
-// What is to be finer than the table goes, and the last bits beside a cusp, are measured piece by
-// piece with the ellipse of the zero that is nearest. One lies at w when (|w - 1| + |w + 1|)/2 = a,
-// and those are its distances from the piece's ends in units of half the piece. Where the most
-// nodes do not suffice, the piece is divided beside that zero. Pieces at cusps become small soon,
-// by a factor of 5, and their length by one of 25.
+// A zero on the reals coincides with its conjugate. It has no cut unless it is inside of the piece,
+// as the speed is |w - w1| times an analytic function. Drawn curves often have the first two
+// control points at one place, or the last two. Their zero is exactly at that end, and every piece
+// is measured as if it did not exist.
+//
+// Accuracies finer than the table, and the last bits beside a cusp, are measured piece by piece
+// with the ellipse of the nearest zero. A zero at w has (|w - 1| + |w + 1|)/2 = a, and |w - 1| and
+// |w + 1| are its distances from the piece's ends in units of half the piece. Where the most nodes
+// do not suffice, the piece is divided beside that zero. Each division at a cusp makes the pieces
+// smaller by a factor of 5, and their length by a factor of 25.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -198,17 +202,17 @@ static_assert(kTable.filled == trammel_detail::kGaussEntries);
 /// The speed of a curve, and its integral. Everything is relative to three times the unit.
 class Speed {
 public:
-    /// The derivative with Bezier coefficients 3·d0, 3·d1, 3·d2.
+    /// Takes the derivative with Bezier coefficients 3·d0, 3·d1, 3·d2.
     Speed(Pt const& d0, Pt const& d1, Pt const& d2)
         : mCurve(trammel_detail::SpeedCurveOf(d0.h, d0.v, d1.h, d1.v, d2.h, d2.v)), mD2(d2) {}
-    /// A bound on the curve's length, at most sqrt(2) times the control polygon's.
+    /// Returns a bound on the curve's length, at most sqrt(2) times the control polygon's length.
     double Size() const { return mCurve.size; }
-    /// The derivative's length at `t`.
+    /// Returns the derivative's length at `t`.
     double At(double t) const {
         return 3.0 * std::sqrt(Square(t < 0.5 ? Value(t) : ValueFromEnd(1.0 - t)));
     }
-    /// The length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and the
-    /// rounding, 2^-50 of the size.
+    /// Returns the length between two parameters from 0 to 1, t0 <= t1, right within `accuracy` and
+    /// the rounding, 2^-50 of the size.
     double Length(double t0, double t1, double accuracy) {
         return trammel_detail::SpeedLength(mCurve, t0, t1, accuracy, kTable.entries);
     }
@@ -218,7 +222,7 @@ private:
         return Pt(mCurve.aH, mCurve.aV) +
                (Pt(mCurve.bH, mCurve.bV) * 2.0 + Pt(mCurve.cH, mCurve.cV) * t) * t;
     }
-    /// The same seen from the end, so that a curve that stops there really does.
+    /// Returns the same seen from the end, so that a curve that stops there has the speed 0.
     Pt ValueFromEnd(double s) const {
         Pt const c(mCurve.cH, mCurve.cV);
         return mD2 - (Pt(mCurve.bH, mCurve.bV) * 2.0 + c * 2.0 - c * s) * s;
@@ -228,12 +232,12 @@ private:
     Pt mD2;
 };
 
-/// The whole curve's length; NaN if the points are to be scaled first, or not finite.
+/// Returns the whole curve's length; NaN where the points must be scaled first or are not finite.
 double LengthUnscaled(CBezier const& curve, double accuracy) {
     return trammel_detail::CurveLength(&curve.P0.v, accuracy, kTable.entries);
 }
 
-/// The points that a length is measured by, which depends on their differences alone.
+/// Returns the points for measuring the length, which depends on their differences alone.
 ScaledPoints<4> Measured(CBezier const& curve) {
     std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
     trammel_detail::DropCommon(points);
@@ -242,8 +246,8 @@ ScaledPoints<4> Measured(CBezier const& curve) {
 
 Speed SpeedOf(ScaledPoints<4> const& p) { return Speed(p[1] - p[0], p[2] - p[1], p[3] - p[2]); }
 
-/// The parameter at which `target` of the length `total` is reached, 0 < target < total, so that
-/// the length up to there is `target` within `accuracy`.
+/// Returns the parameter at which `target` of the length `total` is reached, 0 < target < total.
+/// The length up to there is `target` within `accuracy`.
 double SolveLength(Speed& speed, double target, double total, double accuracy) {
     double const least = 2.0 * kLengthRounding * speed.Size();
     double const enough = std::max(0.5 * accuracy, least);
@@ -254,13 +258,14 @@ double SolveLength(Speed& speed, double target, double total, double accuracy) {
     double hi = 1.0;
     double lengthLo = 0.0;
     double lengthHi = total;
-    // First guess: the cubic that, as a function of the length, has the right values and slopes at
-    // the ends; slopes limited so that it is monotone [Fritsch and Carlson].
+    // The first guess is a cubic function of the length that has the right values and slopes at the
+    // ends. The slopes are limited, so that it is monotone [Fritsch and Carlson].
     double const u = target / total;
     double const slope0 = std::min(total / speed.At(0.0), 3.0);
     double const slope1 = std::min(total / speed.At(1.0), 3.0);
     double t = u * (slope0 + u * (3.0 - 2.0 * slope0 - slope1 + u * (slope0 + slope1 - 2.0)));
-    // Newton's steps, while they stay in the bracket and halve it in three; bisection otherwise.
+    // Newton's steps are taken while they stay in the bracket and halve it in three steps.
+    // Otherwise the bracket is bisected.
     double widthBefore = 2.0;
     for (int i = 1; lo < hi; ++i) {
         if (!(t > lo && t < hi) || (i % 3 == 0 && hi - lo > 0.5 * widthBefore)) {
@@ -286,7 +291,8 @@ double SolveLength(Speed& speed, double target, double total, double accuracy) {
     return target - lengthLo <= lengthHi - target ? lo : hi;
 }
 
-/// `wanted(total)` tells the length looked for, given the whole.
+/// Returns the parameter at which the length wanted(p, total) is reached. `p` are the scaled points
+/// and `total` is the whole length.
 template <class Wanted>
 double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) {
     ScaledPoints<4> const p = Measured(curve);
@@ -313,7 +319,7 @@ bool Finite(Pt const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
 } // namespace
 
 double ArcLength(CBezier const& curve, double accuracy) {
-    // The usual case, without copies of the points.
+    // The usual case takes no copies of the points.
     double const length = LengthUnscaled(curve, accuracy);
     if (!std::isnan(length)) {
         return length;
@@ -343,7 +349,7 @@ double ArcLength(CBSpline const& curve, double accuracy) {
     if (!p.Finite()) {
         return std::numeric_limits<double>::quiet_NaN();
     }
-    // The derivative 2·((1 - t)·d0 + t·d1) as a quadratic, up to the factor of 2/3.
+    // The derivative 2·((1 - t)·d0 + t·d1) is written as a quadratic, up to the factor of 2/3.
     Pt const d0 = p[1] - p[0];
     Pt const d1 = p[2] - p[1];
     Speed speed(d0, (d0 + d1) * 0.5, d1);

@@ -2,19 +2,23 @@
 
 // The nearest point by subdivision of the squared distance.
 //
-// Seen from the point asked about, a piece of the curve has four control vectors q, and its squared
-// distance D = |q(x)|² is a polynomial of degree 6 with Bernstein coefficients made of their
-// products. They tell everything:
-// - D is nowhere below the least coefficient: a piece where that is not below the best squared
-//   distance so far is dropped.
-// - The coefficients of D' are the differences of neighbours. Without a change of sign among them
-//   there is no extremum inside; with a single one from plus to minus it is a maximum: dropped, as
-//   the ends have been looked at. With a single one from minus to plus it is one minimum, which
-//   Newton's method finds in its bracket. Else the piece is halved.
+// Seen from the point asked about, a piece of the curve has four control vectors q. Its squared
+// distance D = |q(x)|² is a polynomial of degree 6. Its Bernstein coefficients are made of products
+// of the control vectors, and they decide about the piece:
+//
+// - D is nowhere below the least coefficient. The piece is dropped where that is not below the best
+//   squared distance so far.
+// - The coefficients of D' are the differences of neighbours. Their signs tell the extrema:
+//     no change: there is no extremum inside, and the piece is dropped;
+//     one change from plus to minus: there is a maximum. The piece is dropped, as its ends have
+//         been taken;
+//     one change from minus to plus: there is one minimum, which Newton's method finds;
+//     more changes: the piece is halved.
 //
 // A difference within the rounding of its terms counts as either sign. Control vectors are halved,
-// not recomputed from the whole, so near the point asked about all errors are relative to the small
-// piece there; that is why a cusp or an end at that very point is found as sharply as any other.
+// not recomputed from the whole. So near the point asked about all errors are relative to the small
+// piece there. Therefore a cusp or an end at that very point is found as sharply as any other
+// place.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -43,9 +47,9 @@ constexpr double kRounding = 0x1p-47;
 /// Differences of coefficients below this part of the greatest squared control vector may have
 /// either sign: some ten roundings of 2^-53.
 constexpr double kUnclear = 0x1p-49;
-/// Halvings at most; a piece is a point then.
+/// The most halvings: a piece is a point then.
 constexpr std::size_t kMostPending = 60;
-/// Newton's steps and bisections at most: as many as halve the bracket to nothing.
+/// The most steps of Newton's method and bisections: as many as halve the bracket to nothing.
 constexpr int kMostSteps = 64;
 
 /// A piece of the curve: control vectors, and the parameters of its ends.
@@ -96,7 +100,7 @@ private:
     double mWorthwhile = std::numeric_limits<double>::infinity(); ///< only less than this is better
 };
 
-/// The Bernstein coefficients of the squared distance.
+/// Returns the Bernstein coefficients of the squared distance.
 std::array<double, 7> SquaredDistance(std::array<Pt, 4> const& q) {
     double const d11 = Square(q[1]);
     double const d12 = Dot(q[1], q[2]);
@@ -112,7 +116,7 @@ std::array<double, 7> SquaredDistance(std::array<Pt, 4> const& q) {
 
 enum class Extrema { kNone, kMinimum, kSeveral };
 
-/// What is certain about the minima inside a piece, by Descartes' rule of signs.
+/// Tells which minima a piece may have inside, by Descartes' rule of signs.
 Extrema Classify(std::array<double, 7> const& d, double unclear) {
     unsigned falls = 0; // bit i: the i-th difference is negative, or may be
     unsigned rises = 0;
@@ -136,7 +140,7 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
     Pt const c2 = ((q[0] - q[1]) + (q[2] - q[1])) * 3.0;
     Pt const c3 = (q[3] - q[0]) - (q[2] - q[1]) * 3.0;
 
-    // First guess: where the control polygon of D' crosses zero.
+    // The first guess is where the control polygon of D' crosses zero.
     double x = 0.5;
     for (std::size_t i = 0; i < 5; ++i) {
         double const g0 = d[i + 1] - d[i];
@@ -163,9 +167,10 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
         if (newton && next > lo && next < hi) {
             jumped = false;
         } else {
-            // Newton's step was to lead out of the bracket: the zero is probably near that end. If
-            // it was not, and to be sure, the bracket is halved. The zero is at most twice as far
-            // away as the step leads then, and the speed may be any.
+            // Where Newton's step leads out of the bracket, the zero is probably near that end. If
+            // it was not near the end in the step before, the bracket is halved. It is halved every
+            // eighth step, too. The zero is then at most twice as far away as the step leads, and
+            // the greatest speed on the piece counts.
             jumped = newton && !jumped;
             double const part = jumped ? 0.9 : 0.5;
             next = g < 0.0 ? x + part * (hi - x) : x - part * (x - lo);

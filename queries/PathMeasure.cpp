@@ -107,10 +107,11 @@ std::size_t FirstNotLess(double const* sums, std::size_t count, double target) {
 /// Returns the vector made one unit long; a null vector stays null.
 Pt Unit(Pt const& d) { return d.Null() ? d : d / d.Hypotenuse(); }
 
-/// Returns the direction of a curve at a parameter, which is that of the first derivative.
+/// Returns the direction of a curve at a parameter: the direction of its first derivative.
 ///
-/// Where that vanishes, the next derivative that does not vanish tells where the curve goes on. At
-/// the curve's end the way back counts: there the second derivative points against the direction.
+/// Where the first vanishes, the next derivative that does not vanish tells where the curve goes
+/// on. At the curve's end the way back counts: there the second derivative points against the
+/// direction.
 Pt DirectionAt(CBezier const& c, double t) {
     Pt const a = c.P1 - c.P0;
     Pt const b = c.P2 - c.P1;

@@ -3,27 +3,33 @@
 // PathMeasure: an outline measured once, for many questions about it.
 //
 // CPath keeps no lengths: each of its measuring calls measures every curve again. A PathMeasure is
-// made from a path once, is independent of it from then on, and gives the answers that the path
-// gave, to the last bit, in a time that hardly depends on the outline's size. Choose it when the
-// same outline is asked more than once or twice: text or marks along it, an animation, the mouse
-// followed. Choose CPath's own calls for a single question, and while the outline changes.
+// made from a path once and is independent of it from then on. It gives the path's answers to the
+// last bit, in a time that hardly depends on the outline's size.
 //
-// Lengths are in coordinate units, fractions t of the length go from 0 to 1 (see CPath). Beside
-// what CPath offers there are the same questions by length instead of fraction, the direction and
-// the element at a place, the distance alone, and many places in one call.
+// Choose it when the same outline is asked more than once or twice: for text or marks along it, for
+// an animation, or to follow the mouse. Choose CPath's own calls for a single question, and while
+// the outline changes.
+//
+// Lengths are in coordinate units, fractions t of the length go from 0 to 1 (see CPath). A
+// PathMeasure answers the same questions by length instead of fraction, too. It also tells the
+// direction and the element at a place, the distance alone, and many places in one call.
 //
 // Memory: about 180 bytes for each segment and 24 bytes for each point of a curve's flattening at
-// 0.001, of which there are some ten for a curve of a font at 100 units to the em and some hundreds
-// for one that is 1000 units across. Curves of more than 1024 points are kept without them: a
-// question that ends on one costs its flattening. All of it is freed with the last copy. Copies
-// share it, and cost nothing.
+// 0.001. A curve of a font at 100 units to the em has some ten points, a curve 1000 units across
+// some hundreds. The points of a curve that has more than 1024 are not kept, so a question that
+// ends on it costs its flattening. Copies share the memory and cost nothing; the last copy frees
+// it.
 //
 // The answers agree as long as the depth of subdivision (CBezier::mRecursionLimit) is the one that
 // was set when the PathMeasure was made.
 //
-// Making one, FindTValue and FindNearest flatten curves, and so does every question that ends on a
-// curve of more than 1024 points: these are for one thread at a time, as measuring a path is. All
-// else is safe from any thread. Memory exhaustion is std::bad_alloc.
+// Three things flatten curves and are for one thread at a time, as measuring a path is:
+//
+// - making a PathMeasure;
+// - FindTValue and FindNearest;
+// - every question that ends on a curve of more than 1024 points.
+//
+// All else is safe from any thread. Memory exhaustion is std::bad_alloc.
 
 #ifndef TRAMMEL_PATHMEASURE_H
 #define TRAMMEL_PATHMEASURE_H
@@ -53,10 +59,11 @@ public:
         TPoint<double> point; ///< as TPt gives it
         /// The direction in which the outline runs there, of length 1.
         ///
-        /// At a corner that of the segment which ends there. At a cusp inside a curve the one in
-        /// which it goes on; where a control point lies on its end, the one in which the curve
-        /// leaves or arrives. (0, 0) on a segment that is a mere point and where there is no
-        /// element; NaN where coordinates are NaN, infinite or so large that differences overflow.
+        /// - At a corner it is the direction of the segment that ends there.
+        /// - At a cusp inside a curve the curve goes on in this direction.
+        /// - Where a control point lies on its end, the curve leaves or arrives in this direction.
+        /// - It is (0, 0) on a segment that is a mere point and where there is no element.
+        /// - It is NaN where coordinates are NaN, infinite or so large that differences overflow.
         TPoint<double> direction;
         /// The index in CPath::mCtls of the line, curve or close on which the place lies, or
         /// kNoElement where TPt gives the start of the last subpath.
@@ -78,16 +85,16 @@ public:
 
     // Create
 
-    /// Measures `path`. O(n) and the flattening of every curve, as much as some three to four of
-    /// the path's own measuring calls.
+    /// Measures `path`. O(n) and the flattening of every curve; the time of about two of the path's
+    /// own measuring calls.
     explicit PathMeasure(CPath const& path);
     // No move: what is left behind would be no outline.
     PathMeasure(PathMeasure const&) = default;
     PathMeasure& operator=(PathMeasure const&) = default;
     ~PathMeasure() = default;
 
-    // Measure. n is the number of segments. Each place costs O(log n) and, on a curve, one
-    // CBezier::FindTValue.
+    // Measure. Each place costs O(log n), where n is the number of segments, and one
+    // CBezier::FindTValue on a curve.
 
     /// The total length: CPath::Length. O(1).
     double Length() const;
@@ -107,9 +114,9 @@ public:
 
     /// Stores the points at `count` fractions; out[i] is TPt(t[i]).
     ///
-    /// In any order. Fractions that do not decrease are found without searching the whole outline
-    /// for each: all together cost O(n + count) at most, and as much again for each decrease
-    /// O(log n).
+    /// The fractions may come in any order. While they do not decrease, the whole outline is not
+    /// searched for each: all together cost O(n + count) at most. Each decrease costs O(log n)
+    /// more.
     void TPts(double const* t, std::size_t count, TPoint<double>* out) const;
     /// The same for lengths from the start; out[i] is PtAtLength(lengths[i]).
     void PtsAtLengths(double const* lengths, std::size_t count, TPoint<double>* out) const;
@@ -118,14 +125,14 @@ public:
     /// The same for places at lengths; out[i] is AtLength(lengths[i]).
     void PlacesAtLengths(double const* lengths, std::size_t count, Place* out) const;
 
-    // Search. By a tree of strips around stretches of the outline (strip trees, Ballard), nearest
-    // ones first (branch and bound; Roussopoulos, Kelley and Vincent, "Nearest neighbor queries").
-    // O(log n) as long as few segments are about as near as the nearest one; O(n) for the middle of
-    // a circle.
+    // Search. The search goes through a tree of strips around stretches of the outline (strip
+    // trees, Ballard), nearest ones first (branch and bound; Roussopoulos, Kelley and Vincent,
+    // "Nearest neighbor queries"). It costs O(log n) as long as few segments are about as near as
+    // the nearest one, and O(n) for the middle of a circle.
 
     /// The fraction of the length at which the outline is nearest to `p`: CPath::FindTValue, ties
-    /// included; 0 without segments and for a NaN or infinite p. Where the nearest segment is a
-    /// curve, the part up to the place is flattened to measure it.
+    /// included. It is 0 without segments and for a NaN or infinite p. Where the nearest segment is
+    /// a curve, the part up to the place is flattened to measure it.
     double FindTValue(TPoint<double> const& p) const;
     /// The place to which FindTValue belongs.
     Nearest FindNearest(TPoint<double> const& p) const;

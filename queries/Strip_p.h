@@ -23,15 +23,13 @@ namespace trammel_detail {
 /// the number of pieces that are about as near as the nearest one does not grow with the outline.
 ///
 /// Bounds are safe, not tight to the last bits. With u = 2^-53, all rounding errors here are some
-/// tens of u times the magnitudes of coordinates. What is added for them is 2^-40, more than a
-/// hundred times as much.
+/// tens of u times the magnitudes of coordinates. The slack for them is 2^-40, more than a hundred
+/// times as much.
 ///
 ///   points    The points that the search computes leave the hull of a segment's points by no more
-///   than
-///             33u (see ReachOf). Each strip's radius is enlarged by 2^-40 of the coordinates.
+///             than 33u (see ReachOf). Each strip's radius is enlarged by 2^-40 of the coordinates.
 ///   distance  The parameter t is off by at most 8u|e|/|delta|, which takes the point on the chord
-///   8u|e|
-///             from the nearest one. Differences and products add as much again.
+///             8u|e| from the nearest one. Differences and products add as much again.
 ///
 /// Squares could overflow or all of their bits underflow. Then the strip is the whole plane, or its
 /// chord is a point. The absolute error that underflow leaves in t is below 2^-600.
