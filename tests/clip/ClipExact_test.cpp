@@ -81,16 +81,12 @@ TEST(ClipExact, FindsTheRegionsOfRandomPolygons) {
     }
 }
 
+#ifdef TRAMMEL_CLIP_CORPUS // the second corpus, outside of the repository
 TEST(ClipExact, FindsTheRegionsOfReferenceCases) {
-#ifndef TRAMMEL_CLIP_CORPUS
-    GTEST_SKIP() << "TRAMMEL_CLIP_CORPUS was not set when this test was compiled";
-#else
     std::string message;
     std::vector<plain::ReferenceCase> const cases =
         plain::ReadReferenceCases(TRAMMEL_CLIP_CORPUS, message);
-    if (cases.empty()) {
-        GTEST_SKIP() << "no reference cases: " << message;
-    }
+    ASSERT_EQ(message, "");
     std::size_t compared = 0;
     for (std::size_t i = 0; i < cases.size(); i += 7) {
         std::size_t vertices = 0;
@@ -105,8 +101,8 @@ TEST(ClipExact, FindsTheRegionsOfReferenceCases) {
         }
     }
     EXPECT_GT(compared, 50U);
-#endif
 }
+#endif
 
 #else
 
