@@ -10,24 +10,7 @@
 
 namespace tool {
 
-namespace {
-
 typedef TPoint<double> Pt;
-
-/// Returns the area that a contour encloses, by the shoelace formula. Vertices count from the first
-/// one, so that a place far from the origin costs no digits.
-double EnclosedArea(Tgcp_contour const& contour) {
-    std::vector<Pt> const& points = contour.Vertices();
-    double twice = 0.0;
-    for (std::size_t i = 2; i < points.size(); ++i) {
-        Pt const a = points[i - 1] - points[0];
-        Pt const b = points[i] - points[0];
-        twice += a.h * b.v - a.v * b.h;
-    }
-    return std::abs(twice) / 2.0;
-}
-
-} // namespace
 
 void AddContours(Tgpc_polygon& polygon, CPath const& path, double error) {
     for (TPolygon<double> const& subpath : Flatten(path, error)) {
@@ -43,6 +26,17 @@ void AddContours(Tgpc_polygon& polygon, CPath const& path, double error) {
     }
 }
 
+double EnclosedArea(std::vector<Pt> const& ring) {
+    // Points count from the first one, so that a place far from the origin costs no digits.
+    double twice = 0.0;
+    for (std::size_t i = 2; i < ring.size(); ++i) {
+        Pt const a = ring[i - 1] - ring[0];
+        Pt const b = ring[i] - ring[0];
+        twice += a.h * b.v - a.v * b.h;
+    }
+    return std::abs(twice) / 2.0;
+}
+
 Tgpc_polygon Combined(TPolyOp operation, Tgpc_polygon const& a, Tgpc_polygon const& b) {
     Tgpc_polygon result;
     Tgpc_polygon_clip(operation, a, b, result);
@@ -56,7 +50,7 @@ Tgpc_polygon Untangled(Tgpc_polygon const& polygon) {
 AreaFigures FiguresOf(Tgpc_polygon const& result) {
     AreaFigures figures;
     for (Tgcp_contour const& contour : result.mContours) {
-        double const area = EnclosedArea(contour);
+        double const area = EnclosedArea(contour.Vertices());
         figures.area += contour.mHole ? -area : area;
         figures.holes += contour.mHole ? 1 : 0;
         figures.vertices += contour.size();

@@ -8,6 +8,7 @@
 #include "Drawing.h"
 
 #include <trammel/CPath.h>
+#include <trammel/TPoint.h>
 #include <trammel/Tgcp.h>
 
 #include <cstddef>
@@ -24,6 +25,9 @@ Tgpc_polygon Combined(TPolyOp operation, Tgpc_polygon const& a, Tgpc_polygon con
 
 /// Returns the same area with contours that do not cross and with right hole flags.
 Tgpc_polygon Untangled(Tgpc_polygon const& polygon);
+
+/// Returns the area that a ring of points encloses, by the shoelace formula.
+double EnclosedArea(std::vector<TPoint<double>> const& ring);
 
 /// The figures of a polygon whose contours do not cross and whose hole flags are right.
 struct AreaFigures {

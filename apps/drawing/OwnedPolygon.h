@@ -4,7 +4,10 @@
 #define TRAMMEL_APP_OWNEDPOLYGON_H
 
 #include <trammel/CFPolygonRef.h>
+#include <trammel/TPoint.h>
 #include <trammel/TPoly.h>
+
+#include <vector>
 
 namespace tool {
 
@@ -25,6 +28,15 @@ public:
 private:
     CFPolygonRef mPolygon;
 };
+
+/// Returns the points of a handle polygon.
+inline std::vector<TPoint<double>> PointsOf(CFPolygonRef const& polygon) {
+    std::vector<TPoint<double>> points;
+    for (long i = 0; i <= polygon.LastIndex(); ++i) {
+        points.push_back(polygon.PolyPoints(i));
+    }
+    return points;
+}
 
 } // namespace tool
 

@@ -2,6 +2,7 @@
 
 // The plates about quadratic curves, cached drawing paths and rotated rectangles.
 
+#include "Combine.h"
 #include "Error.h"
 #include "Gallery.h"
 #include "GalleryCanvas.h"
@@ -22,7 +23,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <string>
@@ -130,18 +130,6 @@ int builds = 0;
 CGPath* BuildAndCount(CFPolygonRef polygon) {
     ++builds;
     return trammel::BuildClosedPath(polygon);
-}
-
-/// Returns the area that a polygon encloses, by the shoelace formula.
-double EnclosedArea(CFPolygonRef polygon) {
-    double twice = 0.0;
-    TPoint<double> const origin = polygon.PolyPoints(0);
-    for (long i = 2; i <= polygon.LastIndex(); ++i) {
-        TPoint<double> const a = polygon.PolyPoints(i - 1) - origin;
-        TPoint<double> const b = polygon.PolyPoints(i) - origin;
-        twice += a.h * b.v - a.v * b.h;
-    }
-    return std::abs(twice) / 2.0;
 }
 
 } // namespace
@@ -257,7 +245,7 @@ Plate DrawCachedPath(GalleryInput const& input) {
     }
     int const buildsFirst = builds - buildsBefore;
     double const filledFirst = path != nullptr ? FilledArea(path) : 0.0;
-    double const areaFirst = EnclosedArea(polygon);
+    double const areaFirst = EnclosedArea(PointsOf(polygon));
     CPath const first = PathCopy::Of(path);
 
     RotateFPoly(polygon, DegToRad(-35.0), polygon.Bounds().MidPt());
@@ -267,7 +255,7 @@ Plate DrawCachedPath(GalleryInput const& input) {
     }
     int const buildsSecond = builds - buildsBefore - buildsFirst;
     double const filledSecond = path != nullptr ? FilledArea(path) : 0.0;
-    double const areaSecond = EnclosedArea(polygon);
+    double const areaSecond = EnclosedArea(PointsOf(polygon));
     CPath const second = PathCopy::Of(path);
     CFPolygonRef::SetBuilPathProc(nullptr);
 

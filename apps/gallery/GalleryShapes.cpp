@@ -43,14 +43,6 @@ CFPolygonRef TurnedRectangle(TRect<double> const& r, double angle) {
     return polygon;
 }
 
-CPath PathOfHandle(CFPolygonRef const& polygon) {
-    std::vector<TPoint<double>> points;
-    for (long i = 0; i <= polygon.LastIndex(); ++i) {
-        points.push_back(polygon.PolyPoints(i));
-    }
-    return PolylinePath(points, true);
-}
-
 } // namespace
 
 Plate DrawTransforms(GalleryInput const& input) {
@@ -236,7 +228,7 @@ Plate DrawPolygons(GalleryInput const& input) {
             polygon.Map(from, to);
             canvas.Dashes(BoxPath(to), palette::green, 2.5);
         }
-        CPath const outline = PathOfHandle(polygon);
+        CPath const outline = PolylinePath(PointsOf(polygon), true);
         canvas.Fill(outline, palette::sky, 0.18);
 
         std::vector<TPoint<double>> insideDots;
