@@ -13,10 +13,6 @@
 
 namespace clip_test {
 
-Contour Rectangle(double x0, double y0, double x1, double y1) {
-    return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
-}
-
 Contour Star(std::size_t vertices, double x, double y, double size, double noise, Dice& dice) {
     Contour contour;
     for (std::size_t i = 0; i < vertices; ++i) {
@@ -25,24 +21,6 @@ Contour Star(std::size_t vertices, double x, double y, double size, double noise
         contour.push_back({x + r * std::cos(t), y + r * std::sin(t)});
     }
     return contour;
-}
-
-Contour RandomDoubles(Dice& dice, int vertices) {
-    Contour contour;
-    for (int i = 0; i < vertices; ++i) {
-        double const x = dice.Unit();
-        contour.push_back({x, dice.Unit()});
-    }
-    return contour;
-}
-
-Polygon Mapped(Polygon polygon, double scaleX, double scaleY, double moveX, double moveY) {
-    for (Contour& contour : polygon) {
-        for (Vertex& v : contour) {
-            v = {v.x * scaleX + moveX, v.y * scaleY + moveY};
-        }
-    }
-    return polygon;
 }
 
 void ExpectIdentical(Region const& a, Region const& b) {

@@ -24,7 +24,10 @@ namespace clip_test {
 
 using plain::Contour;
 using plain::Dice;
+using plain::Mapped;
 using plain::Polygon;
+using plain::RandomDoubles;
+using plain::Rectangle;
 using plain::Region;
 using plain::Vertex;
 
@@ -38,15 +41,8 @@ inline constexpr double kStripTolerance = 1e-13;
 
 // Figures.
 
-Contour Rectangle(double x0, double y0, double x1, double y1);
-
 /// A polygon around (x, y), its vertices at equal angles and at distances that differ by `noise`.
 Contour Star(std::size_t vertices, double x, double y, double size, double noise, Dice& dice);
-
-/// Vertices anywhere in the unit square.
-Contour RandomDoubles(Dice& dice, int vertices);
-
-Polygon Mapped(Polygon polygon, double scaleX, double scaleY, double moveX, double moveY);
 
 /// The area that a result's hole flags tell.
 inline double Area(Region const& region) { return plain::AreaByFlags(region); }

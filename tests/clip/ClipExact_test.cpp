@@ -72,11 +72,8 @@ TEST(ClipExact, FindsTheRegionsOfRandomPolygons) {
     Dice dice(4711);
     for (int round = 0; round < 20; ++round) {
         ClipCase c{"round " + std::to_string(round), {}, {}};
-        for (Polygon* const operand : {&c.a, &c.b}) {
-            for (int contours = dice.Int(1, 3); contours > 0; --contours) {
-                operand->push_back(RandomDoubles(dice, dice.Int(3, 12)));
-            }
-        }
+        c.a = plain::RandomPolygon(dice, 12);
+        c.b = plain::RandomPolygon(dice, 12);
         ExpectRegionsAreRight(c);
     }
 }

@@ -34,11 +34,8 @@ std::vector<ClipCase> RandomPairs(int count) {
     std::vector<ClipCase> pairs;
     for (int i = 0; i < count; ++i) {
         ClipCase c{"pair " + std::to_string(i), {}, {}};
-        for (Polygon* const operand : {&c.a, &c.b}) {
-            for (int contours = dice.Int(1, 3); contours > 0; --contours) {
-                operand->push_back(RandomDoubles(dice, dice.Int(3, 14)));
-            }
-        }
+        c.a = plain::RandomPolygon(dice, 14);
+        c.b = plain::RandomPolygon(dice, 14);
         pairs.push_back(c);
     }
     return pairs;

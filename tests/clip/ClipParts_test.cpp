@@ -27,6 +27,7 @@ namespace {
 using plain::Contour;
 using plain::Dice;
 using plain::Polygon;
+using plain::RandomDoubles;
 using plain::Region;
 using plain::Vertex;
 using trammel_detail::ClipGrid;
@@ -113,15 +114,6 @@ void ExpectNothingMissed(Polygon const& a, Polygon const& b) {
     }
 }
 
-Contour RandomContour(Dice& dice, int vertices) {
-    Contour contour;
-    for (int i = 0; i < vertices; ++i) {
-        double const x = dice.Unit();
-        contour.push_back({x, dice.Unit()});
-    }
-    return contour;
-}
-
 /// A comb, turned about the middle.
 Contour Comb(int teeth, double angle) {
     Contour contour;
@@ -145,8 +137,8 @@ TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingInRandomPolygons) {
     Dice dice(1807);
     for (int round = 0; round < 150; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
-        ExpectNothingMissed({RandomContour(dice, dice.Int(3, 40)), RandomContour(dice, 5)},
-                            {RandomContour(dice, dice.Int(3, 40))});
+        ExpectNothingMissed({RandomDoubles(dice, dice.Int(3, 40)), RandomDoubles(dice, 5)},
+                            {RandomDoubles(dice, dice.Int(3, 40))});
     }
 }
 
@@ -280,7 +272,7 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     Dice dice(5);
     GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
     for (int const vertices : {3, 20, 24, 25, 60}) {
-        Drawing const drawing({RandomContour(dice, vertices)}, {RandomContour(dice, vertices)});
+        Drawing const drawing({RandomDoubles(dice, vertices)}, {RandomDoubles(dice, vertices)});
         GridLines cut = drawing.lines;
         trammel_detail::ScratchVector<Incidence> incidences;
         std::optional<EdgeTree> tree;
@@ -365,8 +357,8 @@ TEST(ClipParts, HatchingIsToldApartByItsSlant) {
 TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
     Dice dice(17);
     for (int const vertices : {3, 10, 60}) {
-        Polygon const a{RandomContour(dice, vertices), RandomContour(dice, 4)};
-        GridLines lines = Drawing(a, {RandomContour(dice, vertices)}).lines;
+        Polygon const a{RandomDoubles(dice, vertices), RandomDoubles(dice, 4)};
+        GridLines lines = Drawing(a, {RandomDoubles(dice, vertices)}).lines;
         // The tree makes boxes only for more than 48 edges.
         while (lines.points.size() <= 48) {
             GridLines const once = lines;

@@ -138,10 +138,6 @@ void AddGridPatterns(Dice& dice, Cases& cases) {
 // ------------------------------------------------------------------------------------------------
 // Other cases.
 
-Contour Rectangle(double x0, double y0, double x1, double y1) {
-    return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
-}
-
 /// A point on the unit circle, a share 0 <= t < 1 of the way around a square. Only the square root
 /// is taken, which is rounded correctly everywhere.
 Vertex OnCircle(double t) {
@@ -174,15 +170,6 @@ Contour Star(Dice& dice, int vertices, int step, double least, double x, double 
         star.push_back(corners[static_cast<std::size_t>(k)]);
     }
     return star;
-}
-
-Polygon Mapped(Polygon polygon, double scaleX, double scaleY, double moveX, double moveY) {
-    for (Contour& contour : polygon) {
-        for (Vertex& v : contour) {
-            v = {v.x * scaleX + moveX, v.y * scaleY + moveY};
-        }
-    }
-    return polygon;
 }
 
 void AddSquares(Cases& cases) {
@@ -452,21 +439,43 @@ void AddDegenerate(Cases& cases) {
 void AddRandomDoubles(Dice& dice, Cases& cases) {
     for (int i = 0; i < 24; ++i) {
         ClipCase c{"random-doubles-" + Text(i), {}, {}};
-        for (Polygon* const operand : {&c.a, &c.b}) {
-            for (int contours = dice.Int(1, 3); contours > 0; --contours) {
-                Contour contour;
-                for (int k = dice.Int(3, 16); k > 0; --k) {
-                    double const x = dice.Unit();
-                    contour.push_back({x, dice.Unit()});
-                }
-                operand->push_back(contour);
-            }
-        }
+        c.a = RandomPolygon(dice, 16);
+        c.b = RandomPolygon(dice, 16);
         cases.push_back(c);
     }
 }
 
 } // namespace
+
+Contour Rectangle(double x0, double y0, double x1, double y1) {
+    return {{x0, y0}, {x1, y0}, {x1, y1}, {x0, y1}};
+}
+
+Polygon Mapped(Polygon polygon, double scaleX, double scaleY, double moveX, double moveY) {
+    for (Contour& contour : polygon) {
+        for (Vertex& v : contour) {
+            v = {v.x * scaleX + moveX, v.y * scaleY + moveY};
+        }
+    }
+    return polygon;
+}
+
+Contour RandomDoubles(Dice& dice, int vertices) {
+    Contour contour;
+    for (int i = 0; i < vertices; ++i) {
+        double const x = dice.Unit();
+        contour.push_back({x, dice.Unit()});
+    }
+    return contour;
+}
+
+Polygon RandomPolygon(Dice& dice, int mostVertices) {
+    Polygon polygon;
+    for (int contours = dice.Int(1, 3); contours > 0; --contours) {
+        polygon.push_back(RandomDoubles(dice, dice.Int(3, mostVertices)));
+    }
+    return polygon;
+}
 
 Contour RandomContour(Dice& dice, int vertices, int size) {
     Contour contour;

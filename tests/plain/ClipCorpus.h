@@ -44,6 +44,16 @@ struct ClipCase {
 /// 2^-42, so the results' coordinates are integers of that unit and tests on them can be exact.
 inline int const kGridOffset = 1024;
 
+Contour Rectangle(double x0, double y0, double x1, double y1);
+
+Polygon Mapped(Polygon polygon, double scaleX, double scaleY, double moveX, double moveY);
+
+/// Vertices anywhere in the unit square.
+Contour RandomDoubles(Dice& dice, int vertices);
+
+/// One to three contours of such vertices, each with 3 to `mostVertices` of them.
+Polygon RandomPolygon(Dice& dice, int mostVertices);
+
 /// A contour with vertices anywhere on the integer grid from 0 to `size`, moved by kGridOffset.
 Contour RandomContour(Dice& dice, int vertices, int size);
 
