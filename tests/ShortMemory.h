@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// What a test program allocates, counted, so that a cost can be tested without a clock; and memory
-// that runs out when a test says so. The functions that count and refuse are in ShortMemory.cpp,
-// which is part of each program that includes this header. Memory for handles has a switch of its
-// own in the library, trammel_detail::FailNextAllocations.
+// Counts what a test program allocates, so that a test can judge a cost without a clock, and lets
+// memory run out when a test says so. Each program that includes this header is linked with
+// ShortMemory.cpp, whose functions count and refuse. Memory for handles has a switch of its own in
+// the library, trammel_detail::FailNextAllocations.
 
 #ifndef TRAMMEL_SHORTMEMORY_H
 #define TRAMMEL_SHORTMEMORY_H
@@ -18,7 +18,7 @@ std::size_t AllocationCount();
 std::size_t AllocatedBytes();
 
 /// While it lives, operator new grants `allocations` more requests of at most `largest` bytes, and
-/// fails from there on. One at a time.
+/// fails from there on. There is one at a time.
 class ShortMemory {
 public:
     explicit ShortMemory(long allocations, std::size_t largest = std::size_t{1} << 24U);
@@ -31,7 +31,7 @@ public:
 };
 
 /// While it lives, malloc grants `calls` more requests and fails from there on; operator new needs
-/// malloc. One at a time.
+/// malloc. There is one at a time.
 class ShortMalloc {
 public:
     /// False where malloc belongs to a sanitizer or to another C library than GNU's. Then nothing

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the tests of several sources share.
+// The tests of several sources share these texts, blocks, comparisons and random numbers.
 #ifndef TRAMMEL_TESTSUPPORT_H
 #define TRAMMEL_TESTSUPPORT_H
 
@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -62,6 +63,17 @@ template <class Item> std::string Text(std::vector<Item> const& items) {
         text += (text.empty() ? "" : " ") + Text(item);
     }
     return text;
+}
+
+/// A new block of these bytes.
+inline Handle HandleWith(std::string const& bytes) {
+    Handle h = nullptr;
+    EXPECT_EQ(PtrToHand(bytes.data(), &h, static_cast<Size>(bytes.size())), noErr);
+    return h;
+}
+/// The bytes of a block.
+inline std::string Contents(Handle h) {
+    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
 }
 
 /// Every test ends without injected failures and with as many handles, paths and path tokens as it

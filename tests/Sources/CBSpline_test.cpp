@@ -3,6 +3,7 @@
 #include "CBSpline.h"
 
 #include "CBezier.h"
+#include "PolygonSupport.h"
 #include "TPoly.h"
 #include "plain/Comparing.h"
 #include "plain/PlainSpline.h"
@@ -25,6 +26,7 @@ namespace {
 
 using trammel_test::kInf;
 using trammel_test::kNaN;
+using trammel_test::PointsOf;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
@@ -37,14 +39,6 @@ void Collect(Pt const& p, void* points) { static_cast<Points*>(points)->push_bac
 Points Generated(CBSpline const& c, short depth) {
     Points points;
     c.GenerateSegment(Collect, &points, depth);
-    return points;
-}
-
-Points PointsOf(TPolygon<double> const& polygon) {
-    Points points;
-    for (long i = 0; i <= polygon.LastIndex(); ++i) {
-        points.push_back(polygon.GetPt(i));
-    }
     return points;
 }
 
@@ -104,12 +98,12 @@ private:
     std::int32_t mCubicCount = 0;
 };
 
-// What the settings are before anyone changes them.
+// The settings before anyone changes them.
 double const kErrorAtLoad = CBSpline::mMaxError;
 std::int16_t const kLimitAtLoad = CBSpline::mRecursionLimit;
 std::int32_t const kCountAtLoad = CBSpline::mCount;
 
-TEST_F(Spline, SettingsAtLoad) {
+TEST_F(Spline, SettingsHaveTheirValuesAtLoad) {
     EXPECT_EQ(kErrorAtLoad, 2.0);
     EXPECT_EQ(kLimitAtLoad, 15);
     EXPECT_EQ(kCountAtLoad, 0);

@@ -32,8 +32,8 @@ typedef std::vector<Pt> Points;
 
 bool const kNoBuilderAtLoad = mBuildProc == nullptr;
 
-/// A builder that keeps a reference of its own to each path that it made, so that what became of
-/// the polygon's reference can be read off.
+/// A builder that keeps a reference of its own to each path that it made. So the reference count
+/// tells what the polygon did with its reference.
 struct Builder {
     static inline std::vector<CGPath*> paths; // NOLINT: a plain function has no other place
     static inline long calls = 0;             // NOLINT
@@ -436,8 +436,8 @@ struct Modelled {
     CGPath* path; ///< null for none
 };
 
-/// Walks through random operations on a changing set of blocks, and checks after each one that
-/// every block has the path that it must have, and no other path is held by anyone.
+/// Walks through random operations on a changing set of blocks. After each operation it checks that
+/// every block has the path that it must have, and that no one holds another path.
 class Walk {
 public:
     explicit Walk(std::uint64_t seed) : mRandom(seed) {}

@@ -514,7 +514,7 @@ TEST(CMatrix3x3Map, IsItsStepsPlusAKind) {
     }
 }
 
-TEST(CMatrix3x3Inverse, OfAScaling) {
+TEST(CMatrix3x3Inverse, OfAScalingDividesByTheFactors) {
     CMatrix3x3 const m = CMatrix3x3().Scale(2.0, 4.0);
     EXPECT_EQ(EntriesOf(m.Inverse()), (Entries{0.5, 0.0, 0.0, 0.25, 0.0, 0.0}));
     EXPECT_EQ(m.Inverse().mKind, 0x400);

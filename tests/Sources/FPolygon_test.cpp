@@ -3,6 +3,7 @@
 #include "FPolygon.h"
 
 #include "CFPolygonRef.h"
+#include "PolygonSupport.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 
 namespace {
 
+using trammel_test::Contents;
 using trammel_test::Text;
 
 class HandlePolygonRecord : public trammel_test::WithoutLeaks {};
@@ -21,11 +23,6 @@ class HandlePolygonRecord : public trammel_test::WithoutLeaks {};
 /// A block's bytes as an application may have stored them.
 template <class Value> void Put(std::string& bytes, Value value) {
     bytes.append(reinterpret_cast<char const*>(&value), sizeof value);
-}
-
-std::string Contents(CFPolygonRef const& ref) {
-    Handle const h = reinterpret_cast<Handle>(ref.mRef);
-    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
 }
 
 FPolygon* Record(CFPolygonRef const& ref) { return *static_cast<FPolygon**>(ref); }

@@ -5,6 +5,7 @@
 
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
+#include "PolygonSupport.h"
 #include "ShortMemory.h"
 #include "TLine.h"
 #include "TPoly.h"
@@ -31,6 +32,7 @@ using plain::StepUlps;
 using trammel_test::kHuge;
 using trammel_test::kInf;
 using trammel_test::kNaN;
+using trammel_test::PointsOf;
 using trammel_test::Text;
 
 using Points = std::vector<TPoint<double>>;
@@ -93,7 +95,7 @@ Points MakePoints(Random& random, Making making, int count) {
     return points;
 }
 
-/// Mostly few, and numbers around those at which a loop changes its way.
+/// Mostly small numbers, and numbers around the ones where a loop changes its way.
 int MakeCount(Random& random) {
     constexpr int kBorders[] = {64, 65, 128, 192, 1023, 1024, 2046, 2047};
     if (random.OneIn(60)) {
@@ -115,22 +117,6 @@ CFPolygonRef MakeHandle(Points const& points) {
     CFPolygonRef polygon;
     polygon.CFPolygonCreate(points);
     return polygon;
-}
-
-Points PointsOf(TPolygon<double> const& polygon) {
-    Points points;
-    for (long i = 0; i <= polygon.LastIndex(); ++i) {
-        points.push_back(polygon.GetPt(i));
-    }
-    return points;
-}
-
-Points PointsOf(CFPolygonRef const& polygon) {
-    Points points;
-    for (long i = 0; i <= polygon.LastIndex(); ++i) {
-        points.push_back(polygon.PolyPoints(i));
-    }
-    return points;
 }
 
 template <class Item> bool SameLists(std::vector<Item> const& a, std::vector<Item> const& b) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What declarations promise before anything is computed: what members return, which of them take
-// constant objects, and which constructors do not convert.
+// Declarations promise something before anything is computed: the types that members return, const,
+// and constructors that do not convert.
 
 #include "CBSpline.h"
 #include "CBezier.h"

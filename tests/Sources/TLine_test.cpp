@@ -525,12 +525,13 @@ TEST(TLine, YIntersectIsThePointAtAHorizontalCoordinate) {
     }
 }
 
-TEST(TLineSegmentsIntersect, OnlyWithinBothSegments) {
+TEST(TLineSegmentsIntersect, MeetOnlyWithinBothSegments) {
     DPoint where;
     Line const diagonal = MakeLine(0.0, 0.0, 1.0, 1.0);
     EXPECT_TRUE(diagonal.SegmentsIntersect(MakeLine(0.0, 1.0, 1.0, 0.0), where));
     EXPECT_EQ(where, DPoint(0.5, 0.5));
-    // The lines cross at (1, 1), an end of the first but beyond the second; written all the same.
+    // The lines cross at (1, 1), an end of the first but beyond the second. The point is stored
+    // although the segments do not meet.
     where.Set(77.0, 88.0);
     EXPECT_FALSE(diagonal.SegmentsIntersect(MakeLine(2.0, 0.0, 3.0, -1.0), where));
     EXPECT_EQ(where, DPoint(1.0, 1.0));

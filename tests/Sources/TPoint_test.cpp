@@ -171,7 +171,7 @@ TEST(TPointConversion, ToShortOfWhatFitsNo32BitsIsZero) {
     EXPECT_EQ(SPoint(DPoint(-kInf, 7.0)), SPoint(0, 7));
 }
 
-TEST(TPointConversion, FromFixedPoint) {
+TEST(TPointConversion, FromFixedPointIsExactOrTruncates) {
     FPoint const p{0x00018000, -0x0002C000}; // v 1.5, h -2.75
     EXPECT_EQ(DPoint(p), DPoint(-2.75, 1.5));
     EXPECT_EQ(SPoint(p), SPoint(-2, 1));
@@ -185,7 +185,7 @@ TEST(TPointConversion, FromPlatformPointIsExact) {
     EXPECT_EQ(SPoint(MakePoint(-32768, 12)), SPoint(-32768, 12));
 }
 
-TEST(TPointConversion, FromSinglePrecisionPoints) {
+TEST(TPointConversion, FromSinglePrecisionPointsTakesXForH) {
     CGPoint const cg{0.1F, -7.75F};
     EXPECT_EQ(DPoint(cg), DPoint(static_cast<double>(0.1F), -7.75));
     EXPECT_EQ(SPoint(cg), SPoint(0, -7));
@@ -225,7 +225,7 @@ TEST(TPointConversion, OfShortToPlatformPointIsTheIdentity) {
     EXPECT_EQ(p.v, 32767);
 }
 
-TEST(TPointConversion, ToSinglePrecisionPoints) {
+TEST(TPointConversion, ToSinglePrecisionPointsGivesHAsX) {
     CGPoint const cg = DPoint(0.1, -1e39);
     EXPECT_EQ(cg.x, 0.1F);
     EXPECT_EQ(cg.y, -std::numeric_limits<float>::infinity());

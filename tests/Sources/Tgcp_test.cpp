@@ -265,7 +265,7 @@ TEST_F(Tgcp, IntersectionOfDisjointPolygonsIsEmpty) {
         0);
 }
 
-TEST_F(Tgcp, TheFourOperationsOnOverlappingRectangles) {
+TEST_F(Tgcp, TheFourOperationsOnOverlappingRectanglesHaveTheirAreas) {
     Tgpc_polygon const a(Box(0, 0, 10, 10));
     Tgpc_polygon const b(Box(5, 5, 15, 15));
     EXPECT_EQ(Area(Clip(kPolyDifference, a, b)), 75.0);

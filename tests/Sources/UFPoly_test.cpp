@@ -2,6 +2,7 @@
 
 #include "UFPoly.h"
 
+#include "PolygonSupport.h"
 #include "TestSupport.h"
 #include "platform/LocaleForTests.h"
 
@@ -18,26 +19,15 @@
 
 namespace {
 
+using trammel_test::Contents;
 using trammel_test::kInf;
 using trammel_test::kNaN;
+using trammel_test::PointsOf;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
 typedef TRect<double> Box;
 typedef std::vector<Pt> Points;
-
-Points PointsOf(CFPolygonRef const& ref) {
-    Points points;
-    for (long i = 0; i <= ref.LastIndex(); ++i) {
-        points.push_back(ref.PolyPoints(i));
-    }
-    return points;
-}
-
-std::string Contents(CFPolygonRef const& ref) {
-    Handle const h = reinterpret_cast<Handle>(ref.mRef);
-    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
-}
 
 /// A QuickDraw polygon as an application may hand it over: `size` and `box` need not be right.
 MacPolygon** QuickDraw(std::int16_t size, Rect const& box, std::vector<Point> const& points) {
@@ -272,7 +262,7 @@ TEST_F(FPoly, ClosureIsJudgedByThePoints) {
     EXPECT_FALSE(FPolyClosed(Polygon({{kNaN, 1}})));
 }
 
-TEST_F(FPoly, LastIndexes) {
+TEST_F(FPoly, LastIndexesFollowFromTheSizeOfTheBlock) {
     EXPECT_EQ(LastFPolyIndex(CFPolygonRef()), -1);
     EXPECT_EQ(LastFPolyIndex(Keep(OpenFPoly())), -1);
     EXPECT_EQ(LastFPolyIndex(Keep(CreatePoly(5))), 4);
@@ -497,7 +487,7 @@ TEST_F(FPoly, InsertPtsOfAPolygonIntoItselfTakesThePointsThatItHadBefore) {
     EXPECT_EQ(ref.LastIndex(), 2 * 4096); // n becomes 2n - 1
 }
 
-TEST_F(FPoly, InsertPtsWithNullReferences) {
+TEST_F(FPoly, InsertPtsAbsorbsNullReferences) {
     CFPolygonRef const ref = Polygon({{1, 1}, {2, 1}});
     for (short const mode : {short{0}, short{1}, short{2}}) {
         InsertPolyPts(CFPolygonRef(), ref, 3, mode);
@@ -659,7 +649,7 @@ TEST_F(FPoly, PolygonInPolygonLooksAtThePointsOnly) {
     EXPECT_TRUE(FPolyInFPoly(square, square, false));
 }
 
-TEST_F(FPoly, PointWithinOneUnitOfABox) {
+TEST_F(FPoly, InFptBoundsReachesOneUnitBeyondTheBox) {
     Pt const a(10, 20);
     Pt const b(30, 50);
     EXPECT_TRUE(InFptBounds(a, b, Pt(20, 30)));
@@ -709,7 +699,7 @@ TEST_F(FPoly, PointsAreEqualBelowATolerance) {
     EXPECT_FALSE(EqualPtTol(Pt(kInf, 1), Pt(kInf, 1), kInf));
 }
 
-TEST_F(FPoly, CentreAndRadiiOfARectangle) {
+TEST_F(FPoly, FRectCenterStoresTheCentreAndHalfTheSizes) {
     Pt centre(9, 9);
     double hRadius = 9;
     double vRadius = 9;

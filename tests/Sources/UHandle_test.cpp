@@ -16,19 +16,11 @@
 
 namespace {
 
+using trammel_test::Contents;
+using trammel_test::HandleWith;
 using trammel_test::Text;
 
 class BlockHelpers : public trammel_test::WithoutLeaks {};
-
-Handle HandleWith(std::string const& bytes) {
-    Handle h = nullptr;
-    EXPECT_EQ(PtrToHand(bytes.data(), &h, static_cast<Size>(bytes.size())), noErr);
-    return h;
-}
-
-std::string Contents(Handle h) {
-    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
-}
 
 /// A block of a point-list polygon with the points (1, 2), (3, 4), ... up to `n` of them.
 CPolygon<double>** PolygonBlock(long n) {

@@ -32,7 +32,7 @@ std::vector<std::string> gLines;
 
 void Collect(std::string const& line) { gLines.push_back(line); }
 
-// What is zeroed does not depend on how much has been zeroed before, so these run in any order.
+// No answer depends on how much has been zeroed before, so these tests run in any order.
 
 class UHygiene : public ::testing::Test {
 protected:
@@ -189,8 +189,8 @@ TEST_F(UHygiene, FallsSilentAfterAHundredAndOneEventsButKeepsZeroing) {
     EXPECT_TRUE(gLines.empty());
 }
 
-// The counters live as long as the process and other tests move them. What depends on their values
-// is therefore tested in processes of its own: the death test starts the program anew and runs
+// The counters live as long as the process, and other tests move them. So the tests that depend on
+// their values run in processes of their own: the death test starts the program anew and runs
 // nothing but the scenario.
 
 class UHygieneDeathTest : public ::testing::Test {

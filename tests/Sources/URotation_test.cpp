@@ -31,8 +31,8 @@ Pt TurnedBack(Pt p) {
 std::vector<Pt> const kPoints = {{1, 0},          {0, 1},      {-3.25, 7.5}, {1e300, -1e300},
                                  {5e-324, 1e-10}, {-0.0, 0.0}, {0, 0},       {123456.789, -1}};
 
-/// What the functions answer before any angle is set; asked before main, as no test can be sure to
-/// be the first.
+/// The functions' answers before any angle is set. They are asked for before main, because no test
+/// can be sure to be the first.
 struct BeforeAnyAngle {
     std::vector<Pt> turned;
     std::vector<Pt> turnedBack;

@@ -21,7 +21,7 @@ Table Snapshot() {
     return table;
 }
 
-/// What a client's initialiser sees: read before main, in no particular order among the files.
+/// A client's initialiser sees this: it runs before main, in no particular order among the files.
 Table const kSeenByAnInitialiser = Snapshot();
 
 /// Restores the table whatever a test did to it.
@@ -61,7 +61,7 @@ TEST_F(Crc32, IsAnArrayOf256UnsignedNumbersOf32Bits) {
     EXPECT_EQ(sizeof crc32_crc_table, 1024u);
 }
 
-TEST_F(Crc32, NamedEntries) {
+TEST_F(Crc32, NamedEntriesHaveTheirValues) {
     EXPECT_EQ(crc32_crc_table[0], 0x00000000U);
     EXPECT_EQ(crc32_crc_table[1], 0x04C11DB7U);
     EXPECT_EQ(crc32_crc_table[2], 0x09823B6EU);

@@ -2,6 +2,8 @@
 
 #include "Handles.h"
 
+#include "TestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -15,6 +17,9 @@
 
 namespace {
 
+using trammel_test::Contents;
+using trammel_test::HandleWith;
+
 /// Every test ends without injected failures and with as many handles as it began with.
 class Handles : public ::testing::Test {
 protected:
@@ -27,16 +32,6 @@ protected:
 private:
     long mBefore = 0;
 };
-
-std::string Contents(Handle h) {
-    return std::string(*h, static_cast<std::size_t>(GetHandleSize(h)));
-}
-
-Handle HandleWith(std::string const& bytes) {
-    Handle h = nullptr;
-    EXPECT_EQ(PtrToHand(bytes.data(), &h, static_cast<Size>(bytes.size())), noErr);
-    return h;
-}
 
 std::string Zeros(std::size_t count) { return std::string(count, '\0'); }
 

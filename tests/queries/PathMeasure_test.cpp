@@ -387,7 +387,7 @@ TEST_F(Measure, CurvesTooLongForATableAreMeasuredAnew) {
 // ---------------------------------------------------------------------------------------------
 // Places
 
-TEST_F(Measure, PlacesOnASquare) {
+TEST_F(Measure, PlacesOnASquareAreExact) {
     PathMeasure const measure(Square());
     EXPECT_SAME(measure.Length(), 40.0);
     PathMeasure::Place place = measure.At(0.375);
@@ -423,7 +423,7 @@ TEST_F(Measure, BeyondTheEndIsTheStartOfTheLastSubpathOnNoElement) {
     }
 }
 
-TEST_F(Measure, EmptyOutlines) {
+TEST_F(Measure, EmptyOutlinesHaveNoLengthAndNoPlaces) {
     PathMeasure const measure{CPath()};
     EXPECT_SAME(measure.Length(), 0.0);
     EXPECT_SAME(measure.TPt(0.5), Pt(0, 0));

@@ -442,8 +442,8 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsOfAHundredThousandVertices) {
     }
 }
 
-// An interval by which an edge is settled without its formula ends at the formula's own value where
-// the edge is cut, at a vertex's height: points within a few steps of such values are asked here.
+// An edge is settled without its formula outside an interval. The interval ends at the formula's
+// own value where the edge is cut, at a vertex's height. These points lie within a few steps of it.
 TEST(PreparedPolygon, AnswersLikeThePolygonsWithinStepsOfAnEdge) {
     Random random(5);
     for (int round = 0; round < 60; ++round) {
@@ -671,7 +671,7 @@ TEST(PreparedPolygon, IsAsItWasWhenMemoryRunsOut) {
     EXPECT_GT(prepared.MemorySize(), 48000U);
 }
 
-// Time is proportional to what is allocated: twice the vertices, about twice the bytes.
+// The time to build is proportional to the bytes allocated: about twice for twice the vertices.
 TEST(PreparedPolygon, IsBuiltWithinAFewTimesItsSize) {
     Random random(12);
     for (int const size : {1000, 10000, 100000}) {
