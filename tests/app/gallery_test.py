@@ -145,11 +145,11 @@ class PageTest(GalleryCase):
         return [(html.unescape(n), html.unescape(v))
                 for n, v in re.findall("<dt>(.*?)</dt><dd>(.*?)</dd>", section)]
 
-    def test_files(self):
+    def test_one_run_writes_these_files(self):
         self.assertEqual(sorted(os.listdir(self.out)), FILES)
         self.assertEqual(self.result.stdout.decode(), os.path.join(self.out, "index.html") + "\n")
 
-    def test_pictures(self):
+    def test_pictures_are_whole(self):
         for plate in PLATES:
             with self.subTest(plate):
                 root = ElementTree.fromstring(self.read(plate + ".svg"))
@@ -167,7 +167,7 @@ class PageTest(GalleryCase):
                 for row in rows:
                     self.assertEqual(set(row[: 12 * samples] + row[-12 * samples :]), {255})
 
-    def test_page(self):
+    def test_the_page_shows_every_picture(self):
         self.assertTrue(self.page.startswith("<!DOCTYPE html>"))
         self.assertIn('<meta name="viewport"', self.page)
         body = self.page[self.page.index("<body>") : self.page.index("</body>") + 7]
@@ -184,7 +184,7 @@ class PageTest(GalleryCase):
         self.assertNotRegex(self.page, "<script|@import|url\\(")
         self.assertIn("squares &amp; &lt;others&gt;.svg", body)
 
-    def test_marks(self):
+    def test_marks_tell_their_distance(self):
         figures = [numbers(value) for _, value in self.figures("marks")]
         self.assertAlmostEqual(figures[0][0] / 10, figures[1][0], places=1)
         measured = subprocess.run([PROGRAM, "measure", DEJAVU, "--id", "ampersand", "--json"],
@@ -197,18 +197,18 @@ class PageTest(GalleryCase):
         self.assertEqual(figures[3][0], ampersand["subpaths"])
         self.assertLess(figures[4][0], 1e-3)
 
-    def test_text(self):
+    def test_words_fit_the_curve(self):
         curve, words, size, letters = (numbers(v)[0] for _, v in self.figures("text-along-path"))
         self.assertAlmostEqual(curve - 20, words, places=1)
         self.assertTrue(10 < size < 60 and letters > 100, (size, letters))
 
-    def test_cut(self):
+    def test_cut_pieces_add_up(self):
         whole, piece, rest, part, off = (numbers(v)[0] for _, v in self.figures("cut"))
         self.assertAlmostEqual(part, 0.3, places=3)
         self.assertAlmostEqual(whole, piece + rest, delta=0.01)
         self.assertLess(abs(off), 0.01)
 
-    def test_nearest(self):
+    def test_nearest_tells_about_the_drawing(self):
         name, count, length, size, lines = (v for _, v in self.figures("nearest"))
         self.assertEqual(name, self.drawing)
         self.assertEqual((numbers(count), numbers(length)), ([2], [48]))
@@ -216,7 +216,7 @@ class PageTest(GalleryCase):
         shortest, longest = numbers(lines)
         self.assertTrue(0 < shortest < longest)
 
-    def test_flattening(self):
+    def test_finer_flattening_is_longer(self):
         figures = [numbers(n)[-1:] + numbers(v) for n, v in self.figures("flattening")[1:]]
         true_length = numbers(self.figures("flattening")[0][1])[0]
         self.assertEqual([f[0] for f in figures], [40, 5, 0.5, 0.05])
@@ -227,30 +227,30 @@ class PageTest(GalleryCase):
             self.assertLessEqual(distance, tolerance * 1.05)
             last_count, last_length = count, length
 
-    def test_hits(self):
+    def test_some_points_hit(self):
         tested, hits, inside, deepest, farthest = (
             numbers(v)[0] for _, v in self.figures("hit-test"))
         self.assertEqual(tested, 115 * 102)
         self.assertTrue(0 < hits < tested and 0 < inside < tested, (hits, inside))
         self.assertTrue(0 < deepest < farthest)
 
-    def test_hatching(self):
+    def test_hatching_has_lines_of_some_length(self):
         for _, value in self.figures("hatching"):
             count, length = numbers(value)
             self.assertTrue(30 < count < 300 and 1000 < length < 20000, value)
 
-    def test_transforms(self):
+    def test_transforms_tell_their_areas(self):
         factors = [numbers(value)[0] for _, value in self.figures("transforms")]
         self.assertEqual(factors[:5], [1, 1, 1.12, 1, -1])
 
-    def test_circles(self):
+    def test_circles_have_their_radii(self):
         outer, inner, ratio, off, line = (numbers(v) for _, v in self.figures("circles"))
         self.assertAlmostEqual(outer[0], 2 * inner[0], delta=0.002)
         self.assertEqual(ratio, [2])
         self.assertLess(off[0], 1e-9)
         self.assertEqual(line[0], line[1])
 
-    def test_polygons(self):
+    def test_polygons_contain_their_dots(self):
         built, turned, mapped = (numbers(v) for _, v in self.figures("polygons"))
         # The rectangle holds its upper edge and its right edge, and not the other two: a dot at
         # (h, v) from its centre is inside for -85 < h <= 85 and -60 <= v < 60.
@@ -261,7 +261,7 @@ class PageTest(GalleryCase):
         self.assertTrue(60 < turned[0] < 80)
         self.assertEqual(mapped[4:], [124, 370])
 
-    def test_rounding(self):
+    def test_rounding_moves_points_by_little(self):
         count, size, exact, rounded, farthest = (numbers(v) for _, v in self.figures("rounding"))
         polygons, points = count
         self.assertEqual(size[0], 10 * polygons + 4 * points)
@@ -269,12 +269,12 @@ class PageTest(GalleryCase):
         self.assertTrue(all(abs(a - b) <= 1.001 for a, b in zip(exact, rounded)))
         self.assertLessEqual(farthest[0], 0.7072)  # half a diagonal of the grid
 
-    def test_quadratics(self):
+    def test_quadratics_agree_with_raised_ones(self):
         raw, raised, lengths, _ = (numbers(v) for _, v in self.figures("quadratics"))
         self.assertTrue(raw[0] > 24 and raised[0] > 24)
         self.assertTrue(0.99 * lengths[1] < lengths[0] <= lengths[1] + 0.01, lengths)
 
-    def test_corners(self):
+    def test_corners_are_all_counted(self):
         counts, size, bounds = (numbers(v) for _, v in self.figures("corner-test"))
         self.assertEqual(sum(counts), 12 * 14)
         self.assertTrue(min(counts) > 10)
@@ -284,13 +284,13 @@ class PageTest(GalleryCase):
         self.assertAlmostEqual(bounds[0], width, delta=0.001)
         self.assertAlmostEqual(bounds[1], height, delta=0.001)
 
-    def test_cached_path(self):
+    def test_cached_paths_are_built_once(self):
         _, built, first, second = (numbers(v) for _, v in self.figures("cached-path"))
         self.assertEqual(built, [24, 2])
         for polygon, filled in (first, second):
             self.assertAlmostEqual(polygon, filled, delta=0.002 * polygon)
 
-    def test_welded(self):
+    def test_welded_letters_lose_their_overlap(self):
         before, union, twice, _ = (numbers(v) for _, v in self.figures("welded"))
         self.assertEqual(before[0], 8)  # of the letters a, m, b, l, e
         self.assertAlmostEqual(before[1] - union[0], twice[0], delta=0.002)
@@ -299,7 +299,7 @@ class PageTest(GalleryCase):
     def test_the_page_says_that_maps_are_left_out(self):
         self.assertIn("left out", self.page[self.page.index("<footer>"):])
 
-    def test_again(self):
+    def test_a_second_run_changes_nothing_else(self):
         """A second run replaces the files by the same ones and leaves others alone."""
         other = os.path.join(self.out, "notes.txt")
         with open(other, "w", encoding="utf-8") as file:
@@ -332,7 +332,7 @@ class FailureTest(GalleryCase):
     def usable(self):
         return ["--font", DEJAVU, "--label-font", DEJAVU, "--drawing", self.drawing]
 
-    def test_missing_input(self):
+    def test_missing_input_is_named(self):
         for option, file in (("--font", "no-font.ttf"), ("--label-font", "no-label.ttf"),
                              ("--drawing", "no-drawing.svg"), ("--map", "no-map.json")):
             with self.subTest(option):
@@ -340,7 +340,7 @@ class FailureTest(GalleryCase):
                 arguments[arguments.index(option) + 1] = file
                 self.fails("-o", "out", *arguments, names=[file])
 
-    def test_wrong_input(self):
+    def test_wrong_input_is_named(self):
         with open(os.path.join(self.folder, "words.txt"), "w", encoding="utf-8") as file:
             file.write("no font")
         with open(os.path.join(self.folder, "blank.svg"), "w", encoding="utf-8") as file:
@@ -353,7 +353,7 @@ class FailureTest(GalleryCase):
         self.fails("-o", "out", *arguments, names=["blank.svg"])
 
     @unittest.skipUnless(os.path.exists(DEJAVU), "no font: apt-get install fonts-dejavu-core")
-    def test_output(self):
+    def test_an_unwritable_output_is_named(self):
         with open(os.path.join(self.folder, "file"), "w", encoding="utf-8") as file:
             file.write("mine")
         self.fails("-o", "file", *self.usable(), names=["file"])
@@ -364,7 +364,7 @@ class FailureTest(GalleryCase):
         os.makedirs(os.path.join(self.folder, "taken", "index.html"))
         self.fails("-o", "taken", *self.usable(), names=["taken/index.html"])
 
-    def test_no_folder(self):
+    def test_the_output_folder_is_required(self):
         self.fails(names=["--output"])
         self.fails("-o", names=["output"])
 
@@ -372,7 +372,7 @@ class FailureTest(GalleryCase):
 @unittest.skipUnless(os.path.exists(DEJAVU), "no font: apt-get install fonts-dejavu-core")
 @unittest.skipUnless(os.path.exists(MAP), "no map: script/setup maps")
 class MapTest(GalleryCase):
-    def test_maps(self):
+    def test_maps_have_pictures_of_their_own(self):
         result = self.execute("-o", "out", "--font", DEJAVU, "--drawing", self.drawing, "--map", MAP)
         self.assertEqual((result.returncode, result.stderr), (0, b""))
         out = os.path.join(self.folder, "out")
@@ -403,7 +403,7 @@ class MapTest(GalleryCase):
 class DefaultsTest(GalleryCase):
     @unittest.skipUnless(all(map(os.path.exists, DEFAULTS)),
                          "no demo packages: script/setup build app demo")
-    def test_defaults(self):
+    def test_the_defaults_are_found(self):
         result = self.execute("-o", "out")
         self.assertEqual((result.returncode, result.stderr), (0, NOTE))
         self.assertEqual(sorted(os.listdir(os.path.join(self.folder, "out"))), FILES)

@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
+"""Tests of `trammel combine`, the boolean operations."""
+
+import math
+import os
+import unittest
+
+from support import AppTest, svg
+
+
+class Combine(AppTest):
+    """A square of 10 with a hole of 2, and the same 5 to the right and below with a hole of 2."""
+
+    def setUp(self):
+        super().setUp()
+        self.a = self.write("a.svg", svg('<rect id="a" width="10" height="10"/>'
+                                         '<rect id="h" x="2" y="2" width="2" height="2"/>'))
+        self.b = self.write("b.svg", svg('<path d="M5 5H15V15H5ZM6 6V8H8V6Z"/>'))
+        self.out = self.path("out.svg")
+
+    def test_the_four_operations_give_their_areas(self):
+        expected = {"union": (171, 2, 1), "intersection": (21, 2, 1), "difference": (75, 3, 1),
+                    "xor": (150, 4, 1)}
+        for operation, (area, contours, holes) in expected.items():
+            with self.subTest(operation):
+                data = self.run_json("combine", operation, self.a, self.b, "-o", self.out)
+                self.assertEqual(data["operation"], operation)
+                for side in ("a", "b"):
+                    self.assertEqual((data[side]["area"], data[side]["contours"],
+                                      data[side]["holes"], data[side]["vertices"]), (96, 2, 1, 8))
+                self.assertEqual((data["result"]["area"], data["result"]["contours"],
+                                  data["result"]["holes"]), (area, contours, holes))
+                self.assertEqual(list(self.path_data("out.svg")), [operation])
+                self.assertIn(b'fill-rule="evenodd"', self.read("out.svg"))
+                # What was written covers what was reported.
+                again = self.run_json("combine", "union", self.out, self.out)
+                self.assertEqual(again["a"]["area"], area)
+
+    def test_outlines_can_be_chosen(self):
+        data = self.run_json("combine", "difference", self.a, self.a, "--id-a", "a", "--id-b", "h")
+        self.assertEqual((data["a"]["area"], data["b"]["area"], data["result"]["area"]),
+                         (100, 4, 96))
+        self.assertEqual(os.path.exists(self.out), False)
+
+    def test_curves_are_flattened_within_the_error(self):
+        circle = self.write("c.svg", svg('<circle cx="50" cy="50" r="20"/>'))
+        areas = [self.run_json("combine", "union", circle, self.a, "--error", e)["a"]["area"]
+                 for e in ("2", "0.1", "0.0001")]
+        self.assertTrue(areas[0] < areas[1] < areas[2])
+        self.assertLess(abs(areas[2] - 400 * math.pi), 0.1)
+
+    def test_an_empty_result_is_an_empty_drawing(self):
+        away = self.write("away.svg", svg('<rect x="50" y="50" width="1" height="1"/>'))
+        data = self.run_json("combine", "intersection", self.a, away, "-o", self.out)
+        self.assertEqual(data["result"], {"area": 0, "contours": 0, "holes": 0, "vertices": 0})
+        self.assertEqual(self.path_data("out.svg"), {})
+        self.assertEqual(self.run_text("combine", "union", self.a, away, "-o",
+                                       self.path("out.png")), "")
+        self.assertEqual(self.read("out.png")[:4], b"\x89PNG")
+
+    def test_wrong_arguments_are_named(self):
+        self.fails("combine", "add", self.a, self.b, "-o", self.out, names=["add", "xor"])
+        self.fails("combine", "union", self.a, self.b, names=["-o", "--json"])
+        self.fails("combine", "union", self.a, "-o", self.out, names=["B"])
+        self.fails("combine", "union", self.a, "none.svg", "-o", self.out, names=["none.svg"])
+        self.fails("combine", "union", self.a, self.b, "-o", "out.pdf", names=["out.pdf"])
+        self.fails("combine", "union", self.a, self.b, "--json", "-o", "no/out.svg",
+                   names=["no/out.svg"])
+        self.fails("combine", "union", self.a, self.b, "--error", "0", "-o", self.out,
+                   names=["--error"])
+        self.fails("combine", "union", self.a, self.b, "--id-b", "q", "-o", self.out,
+                   names=["b.svg", "q"])
+
+
+if __name__ == "__main__":
+    unittest.main()

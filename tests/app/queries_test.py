@@ -1,0 +1,89 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
+"""Tests of `trammel point`, `nearest` and `hit`."""
+
+import math
+import unittest
+
+from support import AppTest, SQUARE, svg
+
+
+class Queries(AppTest):
+    def test_point_tells_place_and_direction(self):
+        file = self.write("in.svg", SQUARE)
+        data = self.run_json("point", file, "--at", "0.125", "--at", "0.375,1")
+        self.assertEqual(data["outlines"], [{"id": "sq", "length": 40.0, "points": [
+            {"at": 0.125, "point": [5.0, 0.0], "direction": [1.0, 0.0], "angle": 0.0},
+            {"at": 0.375, "point": [10.0, 5.0], "direction": [0.0, 1.0], "angle": 90.0},
+            {"at": 1.0, "point": [0.0, 0.0], "direction": [0.0, -1.0], "angle": -90.0}]}])
+        self.assertEqual(self.run_text("point", file, "--at", "0.125"),
+                         "sq: at 0.125: 5,0 direction 1,0 (0 degrees)\n")
+
+    def test_points_lie_on_the_circle(self):
+        file = self.write("in.svg", svg('<circle cx="50" cy="50" r="10"/>'))
+        fractions = [0, 0.1, 0.25, 0.4, 0.7, 0.9]
+        data = self.run_json("point", file, "--at", ",".join(map(str, fractions)))
+        for entry in data["outlines"][0]["points"]:
+            angle = 2 * math.pi * entry["at"]
+            self.assertBox(entry["point"],
+                           [50 + 10 * math.cos(angle), 50 + 10 * math.sin(angle)], 0.02)
+            self.assertBox(entry["direction"], [-math.sin(angle), math.cos(angle)], 0.002)
+
+    def test_a_direction_exists_where_a_control_point_is_missing(self):
+        file = self.write("in.svg", svg('<path d="M0 0C0 0 0 10 10 10"/>'))
+        points = self.run_json("point", file, "--at", "0,1")["outlines"][0]["points"]
+        self.assertBox(points[0]["direction"], [0, 1])
+        self.assertBox(points[1]["direction"], [1, 0])
+
+    def test_point_passes_dots(self):
+        file = self.write("in.svg", svg('<path d="M90 90zM0 0H10"/>'))
+        points = self.run_json("point", file, "--at", "0,0.5")["outlines"][0]["points"]
+        self.assertEqual([p["point"] for p in points], [[0, 0], [5, 0]])
+
+    def test_nearest_tells_outline_place_and_distance(self):
+        file = self.write("in.svg", svg('<rect id="a" width="10" height="10"/>'
+                                        '<rect id="b" x="50" width="10" height="10"/>'))
+        data = self.run_json("nearest", file, "--to", "13,2.5", "--to", "48,-1")
+        self.assertEqual(data["nearest"], [
+            {"to": [13.0, 2.5], "id": "a", "fraction": 0.3125, "point": [10.0, 2.5],
+             "distance": 3.0},
+            {"to": [48.0, -1.0], "id": "b", "fraction": 0.0, "point": [50.0, 0.0],
+             "distance": math.hypot(2, 1)}])
+        self.assertEqual(self.run_text("nearest", file, "--to", "13,2.5"),
+                         "a: fraction 0.3125, at 10,2.5, distance 3\n")
+
+    def test_the_nearest_point_lies_on_the_curve(self):
+        file = self.write("in.svg", svg('<circle cx="50" cy="50" r="10"/>'))
+        found = self.run_json("nearest", file, "--to", "80,90")["nearest"][0]
+        self.assertLess(abs(found["distance"] - 40), 0.001)
+        self.assertBox(found["point"], [56, 58], 0.02)
+
+    def test_hit_tells_inside_from_edge(self):
+        file = self.write("in.svg", svg(
+            '<path id="ring" d="M0 0H20V20H0zM5 5H15V15H5z"/><circle id="c" cx="60" cy="10" r="10"/>'
+            '<path id="t" d="M0 0 0 40 40 40"/>'))
+        def hits(at, *more):
+            data = self.run_json("hit", file, "--at", at, *more)
+            return {h["id"]: (h["inside"], h["onOutline"]) for h in data["points"][0]["hits"]}
+        self.assertEqual(hits("2,1"), {"ring": (True, False)})
+        self.assertEqual(hits("10,9"), {})  # in the hole
+        self.assertTrue(hits("10,5")["ring"][1])  # on the edge of the hole
+        self.assertEqual(hits("2,25"), {"t": (True, False)})  # as if closed
+        self.assertEqual(hits("60,10"), {"c": (True, False)})
+        self.assertEqual(hits("70.5,10"), {})
+        self.assertEqual(hits("70.5,10", "--tolerance", "0.6"), {"c": (False, True)})
+        self.assertEqual(hits("30,29"), {})  # the closing line is not drawn
+        self.assertEqual(hits("30,-2", "--tolerance", "1"), {})
+
+    def test_hit_says_so_in_words(self):
+        file = self.write("in.svg", SQUARE)
+        self.assertEqual(
+            self.run_text("hit", file, "--at", "5,5", "--at", "10.5,5", "--at", "50,50",
+                          "--at", "9.9,5", "--tolerance", "1"),
+            "5,5: sq inside\n10.5,5: sq on the outline\n50,50: nothing\n"
+            "9.9,5: sq inside, on the outline\n")
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,167 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
+"""Tests of the commands that write outlines: `flatten`, `cut`, `transform`, `hatch`, `glyphs`."""
+
+import math
+import struct
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+from support import AppTest, SQUARE, font_bytes, svg
+
+
+class Shaping(AppTest):
+    def setUp(self):
+        super().setUp()
+        self.square = self.write("square.svg", SQUARE)
+        self.out = self.path("out.svg")
+
+    def test_flatten_takes_more_points_for_less_error(self):
+        file = self.write("in.svg", svg('<circle id="c" cx="50" cy="50" r="10"/>'))
+        counts = []
+        for error in ("1", "0.1", "0.01"):
+            self.run_text("flatten", file, "--error", error, "-o", self.out)
+            outline = self.measure_file("out.svg")["c"]
+            self.assertTrue(outline["lines"] and outline["closed"] and not outline["curves"])
+            self.assertBox(outline["bounds"], [40, 40, 60, 60], 1e-9)
+            # Chords of a circle of radius 10 that leave it by at most e are shorter than it.
+            self.assertLess(outline["length"], 20 * math.pi)
+            self.assertGreater(outline["length"], 20 * math.pi * (1 - float(error) / 10))
+            counts.append(outline["elements"])
+        self.assertTrue(counts[0] <= counts[1] < counts[2], counts)
+
+    def test_flatten_leaves_lines_alone(self):
+        self.run_text("flatten", self.square, "--error", "5", "-o", self.out)
+        self.assertEqual(self.path_data("out.svg"), {"sq": "M0 0H10V10H0Z"})
+
+    def test_cut_writes_piece_and_rest(self):
+        rest = self.path("rest.svg")
+        self.run_text("cut", self.square, "--from", "0.25", "--to", "0.5", "-o", self.out,
+                      "--rest", rest)
+        self.assertEqual(self.path_data("out.svg"), {"sq": "M10 0V10"})
+        self.assertEqual(self.path_data("rest.svg"), {"sq": "M10 10H0V0H10"})
+
+    def test_an_open_outline_leaves_two_rests(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0H100"/>'))
+        self.run_text("cut", file, "--from", "0.25", "--to", "0.5", "-o", self.out, "--rest",
+                      self.path("rest.svg"))
+        self.assertEqual(self.path_data("out.svg"), {"p": "M25 0H50"})
+        self.assertEqual(self.path_data("rest.svg"), {"p": "M0 0H25M50 0h50"})
+
+    def test_cutting_everything_leaves_no_rest(self):
+        self.run_text("cut", self.square, "--from", "0", "--to", "1", "-o", self.out, "--rest",
+                      self.path("rest.svg"))
+        self.assertEqual(self.path_data("out.svg"), {"sq": "M0 0H10V10H0Z"})
+        self.assertEqual(self.path_data("rest.svg"), {})
+
+    def test_cut_does_not_join_subpaths(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0H10M50 0H60M90 0H110"/>'))
+        self.run_text("cut", file, "--from", "0.125", "--to", "0.75", "-o", self.out, "--rest",
+                      self.path("rest.svg"))
+        self.assertEqual(self.path_data("out.svg"), {"p": "M5 0h5M50 0H60M90 0h10"})
+        self.assertEqual(self.path_data("rest.svg"), {"p": "M0 0H5m95 0h10"})
+
+    def test_cut_pieces_of_curves_add_up(self):
+        file = self.write("in.svg", svg('<circle id="c" cx="50" cy="50" r="10"/>'))
+        whole = self.measure_file("in.svg")["c"]["length"]
+        self.run_text("cut", file, "--from", "0.2", "--to", "0.55", "-o", self.out, "--rest",
+                      self.path("rest.svg"))
+        piece = self.measure_file("out.svg")["c"]
+        rest = self.measure_file("rest.svg")["c"]
+        self.assertLess(abs(piece["length"] - 0.35 * whole), 0.02)
+        self.assertLess(abs(piece["length"] + rest["length"] - whole), 0.01)
+        self.assertFalse(piece["closed"] or rest["closed"])
+
+    def test_transform_moves_outlines(self):
+        for options, expected in {
+            ("--rotate", "90"): "M0 0V10H-10V0Z",
+            ("--rotate", "90,5,5"): "M10 0V10H0V0Z",
+            ("--scale", "2"): "M0 0H20V20H0Z",
+            ("--scale", "2,.5"): "M0 0H20V5H0Z",
+            ("--translate", "-5,7"): "M-5 7H5V17H-5Z",
+            ("--map", "100,100,120,110"): "M100 100h20v10H100Z",
+            ("--translate", "1,0", "--scale", "2"): "M2 0H22V20H2Z",
+            ("--scale", "2", "--translate", "1,0"): "M1 0H21V20H1Z",
+            ("--translate", "1,0", "--scale", "2", "--translate", "1,0"): "M3 0H23V20H3Z",
+            (): "M0 0H10V10H0Z",
+        }.items():
+            with self.subTest(options):
+                self.run_text("transform", self.square, *options, "-o", self.out)
+                got = self.path_data("out.svg")["sq"]
+                want = self.measure(svg(f'<path id="x" d="{expected}"/>'))["x"]["bounds"]
+                self.assertEqual(self.measure_file("out.svg")["sq"]["bounds"], want)
+                self.assertEqual(
+                    self.run_json("point", self.out, "--at", "0,0.3")["outlines"][0]["points"],
+                    self.run_json("point", self.path("in.svg"), "--at", "0,0.3")["outlines"][0]
+                    ["points"], got)
+
+    def test_map_fits_the_drawn_bounds(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0C0 40 40 40 40 0"/>'))
+        self.run_text("transform", file, "--rotate", "30", "--map", "10,20,30,40", "-o", self.out)
+        self.assertBox(self.measure_file("out.svg")["p"]["bounds"], [10, 20, 30, 40], 1e-4)
+
+    def test_page_and_paper_size_are_kept(self):
+        file = self.write("in.svg", svg('<rect width="10" height="10"/>',
+                                        'viewBox="0 0 100 50" width="20mm" height="10mm"'))
+        self.run_text("transform", file, "--translate", "1,1", "-o", self.out)
+        root = ElementTree.parse(self.out).getroot()
+        self.assertEqual((root.get("viewBox"), root.get("width"), root.get("height")),
+                         ("0 0 100 50", "20mm", "10mm"))
+        # What would fall off the page enlarges it, and the paper with it.
+        self.run_text("transform", file, "--translate", "190,0", "-o", self.out)
+        root = ElementTree.parse(self.out).getroot()
+        self.assertEqual((root.get("viewBox"), root.get("width"), root.get("height")),
+                         ("0 0 200 50", "40mm", "10mm"))
+
+    def test_hatch_fills_with_lines(self):
+        self.run_text("hatch", self.square, "--angle", "0", "--spacing", "2", "-o", self.out)
+        outline = self.measure_file("out.svg")["sq-hatch"]
+        self.assertEqual((outline["length"], outline["subpaths"]), (50, 5))
+        self.assertEqual(outline["bounds"], [0, 1, 10, 9])
+
+    def test_hatch_leaves_holes(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0H20V20H0zM5 5H15V15H5z"/>'))
+        self.run_text("hatch", file, "--angle", "90", "--spacing", "4", "-o", self.out)
+        # Lines at 2, 6, 10, 14, 18: the outer two are whole, the others miss 10 each.
+        outline = self.measure_file("out.svg")["p-hatch"]
+        self.assertAlmostEqual(outline["length"], 20 + 20 + 3 * 10, 9)
+        self.assertEqual(outline["subpaths"], 2 + 3 * 2)
+
+    def test_hatch_covers_the_area(self):
+        """Length times spacing is the area; overlapping subpaths cancel."""
+        file = self.write("in.svg", svg('<path id="p" d="M10 0 20 10 10 20 0 10zM12 8h4v4h-4z"/>'
+                                        '<circle id="c" cx="50" cy="50" r="10"/>'))
+        for angle in ("0", "17", "45", "90", "-30", "200"):
+            with self.subTest(angle):
+                self.run_text("hatch", file, "--angle", angle, "--spacing", "0.05", "-o", self.out)
+                outlines = self.measure_file("out.svg")
+                # To within one line more or less.
+                self.assertLess(abs(outlines["p-hatch"]["length"] * 0.05 - (200 - 16)), 1.0)
+                self.assertLess(abs(outlines["c-hatch"]["length"] * 0.05 - 100 * math.pi), 1.0)
+
+    def test_hatch_works_far_from_the_origin(self):
+        """Where neighbouring numbers are further apart than the lines, there still is an end."""
+        file = self.write("in.svg", svg('<rect width="100" height="100" x="1e17" y="1e17"/>'))
+        self.run_text("hatch", file, "--angle", "0", "--spacing", "1", "-o", self.out)
+
+    def test_hatch_may_keep_the_outlines(self):
+        self.run_text("hatch", self.square, "--angle", "0", "--spacing", "20", "--outlines", "-o",
+                      self.out)
+        self.assertEqual(list(self.path_data("out.svg")), ["sq"])
+
+    def test_a_png_is_written(self):
+        self.run_text("flatten", self.square, "--error", "1", "-o", self.path("out.png"))
+        data = self.read("out.png")
+        self.assertEqual(data[:8], b"\x89PNG\r\n\x1a\n")
+        self.assertEqual(struct.unpack(">II", data[16:24]), (1200, 1200))
+        self.assertTrue(data.endswith(b"IEND\xaeB`\x82"))
+
+    def test_glyphs_can_be_shaped(self):
+        font = self.write("font", font_bytes())
+        self.run_text("flatten", font, "--id", "glyph2", "--error", "1", "-o", self.out)
+        self.assertEqual(self.measure_file("out.svg")["glyph2"]["bounds"], [0, -500, 500, 0])
+
+
+if __name__ == "__main__":
+    unittest.main()
