@@ -53,7 +53,7 @@ void Clip(Input& in) {
     Tgpc_polygon again;
     Tgpc_polygon_clip(op, a, b, again);
     Require(DigestOf(again) == DigestOf(result), "the same operands give the same result");
-    // What covers itself: nothing is left of it, and nothing comes to it.
+    // A region minus itself is nothing.
     Tgpc_polygon rest;
     Tgpc_polygon_clip(kPolyDifference, result, result, rest);
     Require(rest.mContours.empty(), "a polygon without itself is empty");

@@ -49,7 +49,7 @@ void Flattened(CBezier const& curve, plain::Bezier const& same, double error) {
     RequireSameState();
 }
 
-/// What both forms are asked in the same words.
+/// The questions that both forms answer by the same names.
 template <class Curve, class Rect>
 Digest Answers(Curve const& curve, Pt const& pt, double t0, double t1, double step,
                Rect const& rect) {

@@ -14,7 +14,7 @@ namespace fuzz {
 
 namespace {
 
-/// A block as another program may have left it: any bytes in the header, too, or not even that.
+/// A block as another program may have left it: with any bytes in the header, or without a header.
 CFPolygonRef Foreign(Input& in) {
     std::string bytes(in.Int(0, 7) == 0 ? static_cast<std::size_t>(in.Int(0, 60)) : 44, '\0');
     for (char& byte : bytes) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Bytes read as the numbers, points and texts that the targets work on. Any bytes are an input;
-// past their end there are zeros.
+// Reads bytes as the numbers, points and texts that the targets work on. Any bytes are an input;
+// past their end it reads zeros.
 
 #ifndef TRAMMEL_FUZZ_INPUT_H
 #define TRAMMEL_FUZZ_INPUT_H
@@ -39,8 +39,8 @@ public:
     /// In [lo, hi], which are less than 256 apart.
     int Int(int lo, int hi) { return lo + Byte() % (hi - lo + 1); }
 
-    /// A double of any kind: of any bits, special, a small whole number or fraction, or, as shapes
-    /// are hard where things coincide, the number before or one just beside it.
+    /// A double of any kind: any bits, a special value, a small whole number or a fraction. Shapes
+    /// are hard where things coincide, so it may also be the last number, or one just beside it.
     double Number() {
         switch (Byte() % 8) {
         case 0:
@@ -66,8 +66,8 @@ public:
         }
         return mLast;
     }
-    /// A tolerance for what is `size` units large: of any kind once in sixteen, as the finest take
-    /// the longest, else at least some thousandths of the size.
+    /// A tolerance for a shape of `size` units: mostly at least some thousandths of the size. One
+    /// in sixteen is of any kind; the finest tolerances take the longest.
     double Tolerance(double size) {
         bool const any = Int(0, 15) == 15;
         double const tolerance = std::abs(Number());
@@ -90,7 +90,7 @@ public:
         }
         return points;
     }
-    /// What is left of the bytes.
+    /// The bytes that nothing has read yet.
     std::string_view Rest() {
         std::string_view const rest(reinterpret_cast<char const*>(mNext), mLeft);
         mLeft = 0;

@@ -19,8 +19,8 @@ namespace {
 
 using identity::Digest;
 
-/// Builds both alike; false where elements were added that no building operation makes, which the
-/// plain form need not understand.
+/// Builds both alike. False when it added elements that no building operation makes: the plain form
+/// need not understand them.
 bool Build(Input& in, CPath& path, plain::Path& same) {
     bool proper = true;
     for (int i = in.Int(0, 12); i > 0; --i) {
@@ -72,7 +72,7 @@ template <class Codes> Digest DigestOf(std::vector<Pt> const& points, Codes cons
 Digest DigestOf(CPath const& path) { return DigestOf(path.mPts, path.mCtls); }
 Digest DigestOf(plain::Path const& path) { return DigestOf(path.pts, path.codes); }
 
-/// What the path, its plain form and its measure are asked in the same words.
+/// The questions that the path, its plain form and its measure answer by the same names.
 template <class Outline, class Piece>
 Digest Answers(Outline const& outline, Pt const& pt, double t0, double t1) {
     Digest digest;

@@ -5,9 +5,8 @@
 //     trammel_replay TARGET FILE...     runs the inputs in these files
 //     trammel_replay TARGET --random N  runs N inputs of random bytes, the same in every run
 //
-// What ends the program is the sanitizers, or a requirement that does not hold. With
-// TRAMMEL_REPLAY_VERBOSE in the environment, the number of each random input is told before it
-// runs.
+// The sanitizers end the program, or a requirement that does not hold. With TRAMMEL_REPLAY_VERBOSE
+// in the environment, it prints the number of each random input before it runs.
 
 #include "Targets.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What is fuzzed: each target reads an input as calls of one family, makes them, and ends the
-// program where what comes back is not what it has to be. README.md says how they are run.
+// The fuzz targets. Each reads an input as calls of one family, makes them, and ends the program
+// when an answer is not the one that it has to be. README.md says how they are run.
 
 #ifndef TRAMMEL_FUZZ_TARGETS_H
 #define TRAMMEL_FUZZ_TARGETS_H
@@ -15,7 +15,8 @@ namespace fuzz {
 
 /// Cubics and quadratics against their plain forms, and the accurate queries.
 void Curves(Input& in);
-/// Paths against their plain form, PathMeasure against the path, and what reads and makes paths.
+/// Paths against their plain form, PathMeasure against the path, and the functions that read and
+/// make paths.
 void Paths(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
@@ -41,7 +42,7 @@ inline constexpr std::array<Target, 6> kTargets = {{{"curves", Curves},
 /// The target of that name, null for none.
 Target const* FindTarget(std::string_view name);
 
-/// Ends the program, naming `what` does not hold, unless it does.
+/// Ends the program with a message that names `what`, unless `holds`.
 void Require(bool holds, char const* what);
 
 } // namespace fuzz

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-// What a user's program does with an installed library: inline and compiled operations, a subclass
-// of an exported class, an exception that crosses the library's border, and the class-wide
-// settings. The numbers printed are exact, so that the text can be compared with expected.txt.
+// A user's program with an installed library. It calls inline and compiled operations, derives from
+// an exported class, catches an exception that crosses the library's border, and changes the
+// class-wide settings. The numbers printed are exact, so that expected.txt holds the whole text.
 
 #include <trammel/trammel.h>
 

@@ -33,8 +33,8 @@ void Add(Digest& digest, plain::Bezier const& c) {
     digest.Add(c.p3);
 }
 
-/// Remembers the settings and counters of the cubic in the plain form, so that it starts from what
-/// the library started from.
+/// Remembers the settings and counters of the plain form, which are the library's at that moment,
+/// so that the plain form can start from the same.
 class FromHere {
 public:
     FromHere() : mState(plain::state) {}
@@ -44,8 +44,8 @@ private:
     plain::State mState;
 };
 
-/// Asks the cubic and its plain form, both from the settings and counters of now, and takes what
-/// ask(curve, digest) adds, with the settings and counters that it leaves.
+/// Asks the cubic and its plain form, both from the present settings and counters. Takes the digest
+/// of ask(curve, digest) and of the settings and counters that it leaves.
 template <class Ask> void TakeFromBoth(Part& part, CBezier const& curve, Ask const& ask) {
     FromHere const start;
     Digest digest;
@@ -92,7 +92,7 @@ void Flatten(Part& part) {
     }
 }
 
-/// The full depth of 15: curves that never become flat, and such as just do.
+/// The full depth of 15, for curves that never become flat and curves that just do.
 void FlattenDeep(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(600); i > 0; --i) {

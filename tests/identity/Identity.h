@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// What the parts of the identity suite share: random input, the digest of what the library
-// delivers, and the record of one part. See main.cpp for what the suite is.
+// Random input, the digest of the library's results, and the record of one part: all parts of the
+// identity suite share these. main.cpp says what the suite is.
 //
-// Everything here gives the same numbers with every compiler and standard library: the generator is
-// written out, numbers are made of its bits by exact operations, and no two calls of the generator
-// stand in one expression, whose order would be the compiler's.
+// Everything here gives the same numbers with every compiler and standard library:
+// - the generator is written out;
+// - exact operations make the numbers from its bits;
+// - no expression calls the generator twice, as the compiler would choose the order.
 
 #ifndef TRAMMEL_IDENTITY_H
 #define TRAMMEL_IDENTITY_H
@@ -110,13 +111,12 @@ public:
     /// How many inputs to make, of `full` in the full suite.
     int Count(int full) const { return full / mThinning; }
 
-    /// Takes what the library delivered for one input.
+    /// Takes the digest of the library's results for one input.
     void Take(Digest const& library) {
         mDigest.Add(library.Value());
         ++mInputs;
     }
-    /// The same, and compares it now and then with what the plain form gives: `plain` returns the
-    /// digest of that.
+    /// The same, and now and then compares it with the plain form, whose digest `plain` returns.
     template <class Plain> void Take(Digest const& library, Plain const& plain, int every = 4) {
         if (mCompares && mInputs % every == 0) {
             ++mCompared;
@@ -144,15 +144,15 @@ private:
     long mDifferences = 0;
 };
 
-/// A curve, and what its kind is tried with.
+/// A curve, with a tolerance and a depth that suit its kind.
 struct CurveInput {
     CBezier curve;
     double tolerance; ///< a flatness that suits it, or does not
     int depth;        ///< a depth at which it does not take long
 };
 
-/// A curve of any kind: from drawings, nearly as flat as the tolerance, S-shaped, looping, with
-/// cusps, with upright and level chords, with coinciding points, of any size, and of any bits.
+/// A curve of any kind: as drawn, nearly as flat as the tolerance, S-shaped, with loops or cusps,
+/// with upright or level chords or coinciding points, of any size, or of any bits.
 CurveInput RandomCurve(Random& random);
 /// A curve as drawings have it, flattened soon.
 CurveInput DrawnCurve(Random& random);
@@ -168,7 +168,7 @@ void AddState(Digest& digest);
 /// The same of the plain form.
 void AddPlainState(Digest& digest);
 
-/// A part's name and what runs it.
+/// A part's name and the function that runs it.
 struct Entry {
     char const* name;
     void (*run)(Part&);

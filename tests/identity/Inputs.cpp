@@ -48,8 +48,8 @@ double Tolerance(Random& random) {
     }
 }
 
-/// As flat as the tolerance, or that of a piece after some halvings, to within a few steps; now and
-/// then at the distance from it at which a quick decision may end.
+/// A curve as flat as the tolerance to within a few steps, or one with such a piece after some
+/// halvings. Now and then it lies where a quick decision about flatness may end.
 CurveInput NearlyFlat(Random& random) {
     double const tolerance = Tolerance(random);
     Pt const a = random.Point(-500, 500);

@@ -62,8 +62,8 @@ Pt NextPoint(Random& random, Pt const& current, bool wild) {
     }
 }
 
-/// A path of a few elements, mostly such as drawings have; also without a move at its start, with
-/// elements after a close, and without any length.
+/// A path of a few elements, mostly as drawings have them. Some have no move at the start, elements
+/// after a close, or no length.
 void Build(Random& random, bool wild, Both& both) {
     int const count = random.Int(0, random.OneIn(4) ? 16 : 6);
     if (!random.OneIn(8)) {
@@ -152,7 +152,7 @@ void Built(Part& part) {
     }
 }
 
-/// What has no plain form: rounded rectangles, transforms, bounds, visits.
+/// The operations without a plain form: rounded rectangles, transforms, bounds, visits.
 void Shaped(Part& part) {
     class Visitor : public CPathActions {
     public:

@@ -38,7 +38,7 @@ int RandomCount(Random& random) {
 }
 
 /// Vertices at random, on a coarse grid (with upright, level and empty edges), around a centre, of
-/// any size, or with special coordinates; at times the first is repeated at the end.
+/// any size, or with special coordinates. At times the last repeats the first.
 Points RandomPoints(Random& random, bool wild) {
     Points points(static_cast<std::size_t>(RandomCount(random)));
     int const kind = random.Int(0, wild ? 5 : 3);
@@ -366,7 +366,7 @@ void HandleChanged(Part& part) {
     }
 }
 
-/// The procedures that look at several polygons, and the conversions.
+/// The procedures that compare two polygons, and the conversions.
 void HandlePairs(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(30000); i > 0; --i) {
@@ -448,7 +448,7 @@ void Lines(Part& part) {
     }
 }
 
-/// What turns points: by the C library's sine and cosine, and by SinCos.
+/// The functions that turn points, by the C library's sine and cosine, and by SinCos.
 void Turned(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(100000); i > 0; --i) {

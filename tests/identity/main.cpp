@@ -1,24 +1,26 @@
 // SPDX-License-Identifier: MIT
 
-// The identity suite: a million inputs and more, from drawings and from the edges of what doubles
-// can hold, go through the library, and every bit that comes back goes into one hash. Where another
-// compiler, optimisation level, processor or form of an algorithm changes a single bit of a result,
-// the order of two points or a counter, the hash is another; the parts' hashes tell where. Many of
-// the inputs go through the plain forms (tests/plain), too, and are compared one by one.
+// The identity suite. More than a million inputs go through the library, from drawings and from the
+// edges of what doubles can hold. Every bit that comes back goes into one hash. It changes when
+// another compiler, optimisation level, processor or algorithm changes anything: one bit of a
+// result, the order of two points, a counter. The hashes of the parts tell where. Many inputs go
+// through the plain forms (tests/plain), too, and their results are compared one by one.
 //
 //     trammel_identity [--quick] [--hashes-only] [--portable] [--expect FILE] [--part NAME]...
 //
-// --quick        makes a small part of the inputs, for builds that are slow; their hashes are
-// others
+// --quick        makes a small part of the inputs, for builds that are slow, with other hashes
 // --hashes-only  leaves the plain forms out
 // --portable     runs the forms for every processor, also where this one has more
 // --expect       compares with the hashes in FILE, which are what the program prints
 // --part         runs only the parts whose names begin with NAME
 //
-// Ends with 0 when all is the same, 1 where something differs from FILE or from a plain form, 2 for
-// wrong arguments. 77 says that the C library's functions themselves give other bits here than they
-// gave where FILE was made: then all may be well that follows from them, and the plain forms, which
-// use the same functions, agree.
+// The program ends with
+//
+//     0   when all is the same
+//     1   when something differs from FILE or from a plain form
+//     2   for wrong arguments
+//     77  when the C library's own functions give other bits here than where FILE was made, and the
+//         plain forms, which use the same functions, agree: then the library may still be right
 
 #include "Dispatch_p.h"
 #include "Identity.h"
@@ -37,7 +39,7 @@ namespace identity {
 
 namespace {
 
-/// The C library's functions, in a part of their own, as they are not ours.
+/// The C library's functions. They are not ours, so they have a part of their own.
 void CLibrary(Part& part) {
     Random& random = part.random;
     for (int i = part.Count(100000); i > 0; --i) {
@@ -131,7 +133,7 @@ int Run(Options const& options) {
         bool const same = report(entry.name, part.Value(), part.Inputs(), time.count());
         if (entry.name == kCLibrary) {
             otherLibrary = !same;
-            continue; // it tells about others
+            continue; // its hash tells about other people's code
         }
         otherHashes += same ? 0 : 1;
         all.Add(part.Value());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// What comparing the library with the plain forms takes: equality to the last bit, and random
-// numbers that are the same everywhere.
+// Compares the library with the plain forms: equality to the last bit, and random numbers that are
+// the same everywhere.
 
 #ifndef TRAMMEL_COMPARING_H
 #define TRAMMEL_COMPARING_H

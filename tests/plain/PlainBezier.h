@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
 // The cubic's algorithms step by step, written to be read: recursion where the definition recurses,
-// a list of points where it flattens, every formula spelled out. The library is compared with them
-// bit for bit, so that whatever it does for the sake of speed changes no result.
+// a list of points where it flattens, every formula spelled out. Tests compare the library with
+// them bit for bit: nothing that it does for the sake of speed may change a result.
 //
-// Nothing here uses the library but the point and the rectangle records with their operators
+// Of the library, nothing but the point and rectangle records with their operators is used here
 // (PlainRecords.h).
 
 #ifndef TRAMMEL_PLAINBEZIER_H

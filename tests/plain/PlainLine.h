@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the plain forms of curves and paths stand on: lines given by their two points, and open
+// The plain forms of curves and paths stand on these: lines given by their two points, and open
 // chains of points, each step written out.
 
 #ifndef TRAMMEL_PLAINLINE_H

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 // A path's algorithms step by step, written to be read: one walk for each question, every curve
-// measured anew each time. The library is compared with them bit for bit.
+// measured anew each time. Tests compare the library with them bit for bit.
 //
-// For consistent paths only (as many points as the codes take); unknown codes are passed over.
+// They serve consistent paths only (as many points as the codes take), and pass over unknown codes.
 
 #ifndef TRAMMEL_PLAINPATH_H
 #define TRAMMEL_PLAINPATH_H

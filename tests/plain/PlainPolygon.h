@@ -2,9 +2,9 @@
 
 //
 // Both polygon kinds' algorithms step by step, written to be read: a list of points, walked edge by
-// edge. The library is compared with them bit for bit.
+// edge. Tests compare the library with them bit for bit.
 //
-// Nothing here uses the library but the point, rectangle, line and matrix records.
+// Of the library, nothing but the point, rectangle, line and matrix records is used here.
 
 #ifndef TRAMMEL_PLAINPOLYGON_H
 #define TRAMMEL_PLAINPOLYGON_H
@@ -22,7 +22,7 @@
 
 namespace plain {
 
-/// Whether the first `edges` edges of the closed polygon cross the horizontal through `p` an odd
+/// True when the first `edges` edges of the closed polygon cross the horizontal through `p` an odd
 /// number of times at a smaller h.
 inline bool OddCrossings(std::vector<TPoint<double>> const& points, std::size_t edges,
                          TPoint<double> const& p) {
@@ -103,7 +103,7 @@ inline bool LinesIntersect(TLine<double> const& one, TLine<double> const& other,
     return true;
 }
 
-/// Whether `p` lies in the box of the segment, grown by 2^-23.
+/// True when `p` lies in the box of the segment, grown by 2^-23.
 inline bool InGrownBox(TLine<double> const& line, TPoint<double> const& p) {
     double left = line.mStart.h;
     double top = line.mStart.v;
@@ -143,7 +143,7 @@ inline TPoint<double> PointBetween(TPoint<double> const& a, TPoint<double> const
     return TPoint<double>(a.h + (b.h - a.h) * t, a.v + (b.v - a.v) * t);
 }
 
-/// What comes before what where pieces of a segment are sorted.
+/// The order in which pieces of a segment are sorted.
 inline bool Before(bool byH, TPoint<double> const& a, TPoint<double> const& b) {
     if (byH && a.h != b.h) {
         return a.h < b.h;
@@ -156,7 +156,7 @@ inline bool Before(bool byH, TPoint<double> const& a, TPoint<double> const& b) {
 
 // Polygons
 
-/// A rectangle that a point joins: null, it becomes the point's.
+/// The rectangle that grows by a point; from null it becomes the point's.
 inline void Join(TRect<double>& r, TPoint<double> const& p) {
     if (r.top == 0 && r.left == 0 && r.bottom == 0 && r.right == 0) {
         r.Set(p.h, p.v, p.h, p.v);
@@ -209,7 +209,7 @@ struct PointList {
             p = Transformed(p, m);
         }
     }
-    /// Of at least one point.
+    /// For polygons of at least one point.
     TPoint<double> TPt(double t) const {
         if (t == 0.0) {
             return points.front();
@@ -243,7 +243,7 @@ struct PointList {
         }
         return table;
     }
-    /// Of at least two points and their table.
+    /// For polygons of at least two points, with their table.
     TPoint<double> TPt(double t, std::vector<double> const& table) const {
         t = std::max(std::min(t, 1.0), 0.0);
         if (0.0001 > std::fabs(t)) {
@@ -268,7 +268,7 @@ struct PointList {
         }
         return points[k];
     }
-    /// Of a line without NaN.
+    /// For lines without NaN.
     std::vector<TLine<double>> Clip(TLine<double> const& line) const {
         bool const byH = 1.0 > std::fabs(Slope(line));
         auto const before = [byH](TPoint<double> const& a, TPoint<double> const& b) {

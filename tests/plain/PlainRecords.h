@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-// The records that the plain forms work on: here the library's own points and rectangles, and
-// chains of points in a vector. The benchmarks compile the plain forms with records of their own
-// (benchmarks/plain/records/plain), so nothing but the names declared here may be used of them.
+// The records that the plain forms work on: the library's own points and rectangles, and chains of
+// points in a vector. The benchmarks compile the plain forms with records of their own
+// (benchmarks/plain/records/plain). So the plain forms use only the names declared here.
 
 #ifndef TRAMMEL_PLAINRECORDS_H
 #define TRAMMEL_PLAINRECORDS_H

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 // The quadratic's algorithms step by step, written to be read: recursion where the definition
-// recurses, a list of points where it flattens. The library is compared with them bit for bit.
+// recurses, a list of points where it flattens. Tests compare the library with them bit for bit.
 //
-// Nothing here uses the library but the point and rectangle records with their operators.
+// Of the library, nothing but the point and rectangle records with their operators is used here.
 
 #ifndef TRAMMEL_PLAINSPLINE_H
 #define TRAMMEL_PLAINSPLINE_H
