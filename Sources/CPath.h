@@ -18,7 +18,8 @@
 //
 // Nothing is cached between calls but the bounds of the points: each measuring call costs O(n) plus
 // the flattening of every curve. Memory exhaustion is std::bad_alloc; a building operation then
-// leaves the path as it was. Building operations return the path, so that they can be chained.
+// leaves the path as it was. Length, TPt and FindTValue never throw: without memory they measure
+// again. Building operations return the path, so that they can be chained.
 //
 // One thread at a time, as measuring uses the class-wide settings of CBezier.
 
