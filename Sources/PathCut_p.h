@@ -16,6 +16,8 @@ namespace trammel_detail {
 /// The segments of a measured outline, one after the other: what CutRange reads.
 class MeasuredSegments {
 public:
+    virtual ~MeasuredSegments() = default;
+
     /// Steps to the next segment. Returns false at the end.
     virtual bool Next() = 0;
     virtual bool IsCurve() const = 0;
@@ -37,7 +39,6 @@ protected:
     MeasuredSegments() = default;
     MeasuredSegments(MeasuredSegments const&) = default;
     MeasuredSegments& operator=(MeasuredSegments const&) = default;
-    ~MeasuredSegments() = default;
 };
 
 /// Appends the piece between two lengths to `out`, which must not be the path that is cut. See

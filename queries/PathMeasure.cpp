@@ -22,11 +22,6 @@
 
 namespace {
 
-using trammel_detail::Distance;
-using trammel_detail::Strip;
-using trammel_detail::StripAround;
-using trammel_detail::Taxicab;
-
 typedef TPoint<double> Pt;
 
 /// The most points of a flattening that is kept: 24 KB for one curve.
