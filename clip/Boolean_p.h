@@ -35,9 +35,9 @@ public:
     /// Leaves out the contours whose boxes do not meet `where`.
     void Keep(Box<double> const& where);
 
-    /// Appends a line for each contour, which bounds operand `bit`. What is inside has to be right
-    /// within `where` only. Therefore vertices are left out where three that follow each other lie
-    /// beyond the same side of `where`: the one in the middle changes nothing but on that side.
+    /// Appends a line for each contour, which bounds operand `bit`. The interior has to be right
+    /// within `where` only. Of three vertices in a row beyond the same side of `where`, the one in
+    /// the middle matters on that side alone. It is left out.
     void AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
                      GridLines& lines) const;
 

@@ -72,7 +72,7 @@ private:
     void MakeChains(ScratchVector<Incidence> const& incidences);
     /// Makes the nodes at crossings of two edges.
     void MakeCrossingNodes(ScratchVector<Incidence> const& incidences);
-    /// Makes the other nodes, and one chain of those that are equal.
+    /// Makes the other nodes, and merges equal chains.
     void MakeSharedNodes();
     /// Links half-edges, which are in counterclockwise order, around a new node.
     void AddNode(HalfEdge const* begin, HalfEdge const* end);

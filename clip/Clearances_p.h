@@ -42,8 +42,8 @@ inline std::int64_t LengthBound(GridEdge const& e) {
 /// of both lie within 4 R / sin t of that end.
 ///
 /// Distances between rounded vertices are up to 2 R less than those above, and sin t <= 1. So
-/// 11 R / sin t is enough, and 12 leaves room for the rounding of doubles. A part is looked at
-/// again if it lies within that distance of such a point and the next vertices do not keep it.
+/// 11 R / sin t is enough, and 12 leaves room for the rounding of doubles. A part is checked again
+/// if it lies within that distance of such a point and the next vertices do not keep it.
 class Clearances {
 public:
     explicit Clearances(ClipGrid const& grid) {

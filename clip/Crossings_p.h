@@ -15,8 +15,8 @@
 
 namespace trammel_detail {
 
-/// Which parts of edges are looked at again once they are cut: those that may meet others then, or
-/// all. The result is the same; the tests compare the two.
+/// The parts of cut edges that are checked again: the parts that may meet other edges, or all
+/// parts. The result is the same; the tests compare the two.
 enum class Recheck { kWhereNeeded, kEverywhere };
 
 /// Cuts lines where their edges cross, touch or overlap, themselves and each other. Afterwards two

@@ -22,8 +22,8 @@ public:
     /// Throws std::length_error for more than 32 bits can count.
     SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree);
 
-    /// Keeps of each edge's cuts only those that do not turn back in either coordinate. The first
-    /// one always stays.
+    /// Removes cuts at which an edge turns back in either coordinate. The first cut of each edge
+    /// stays.
     void KeepMonotone();
 
     /// The cuts of an edge are those from Begin() to End().

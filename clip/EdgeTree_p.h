@@ -127,7 +127,7 @@ private:
         std::uint32_t i;
         std::uint32_t j;
     };
-    /// The pairs still to be visited in a walk through the tree. Each level has at most those that
+    /// The pairs still to be visited in a walk through the tree. No level has more pairs than
     /// come from one pair of the level above.
     class Stack {
     public:

@@ -82,7 +82,7 @@ private:
     double mStep = 1;         // scaled
     double mStepsPerUnit = 1; // 1 / mStep
     double mExactFrom = 0;
-    // What has to be added to a grid coordinate to count from zero, if no such sum exceeds 62 bits.
+    // The sum of this and a grid coordinate counts from zero. Set if no such sum exceeds 62 bits.
     bool mIsNearZero = false;
     std::int64_t mFromZero = 0;
 };

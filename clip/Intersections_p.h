@@ -15,7 +15,7 @@
 
 namespace trammel_detail {
 
-/// What comes together at a vertex.
+/// The edges that come together at a vertex.
 ///
 /// | value                | meaning                                                             |
 /// |----------------------|---------------------------------------------------------------------|
