@@ -17,9 +17,11 @@
 #include "CPath.h"
 #include "CPathActions.h"
 #include "FPolygon.h"
+#include "FillRule.h"
 #include "FixedPoint.h"
 #include "Handles.h"
 #include "Log.h"
+#include "Moments.h"
 #include "PathMeasure.h"
 #include "PathObject.h"
 #include "PreparedPolygon.h"
@@ -37,6 +39,7 @@
 #include "URotation.h"
 #include "UScalar.h"
 #include "UTrigonometry.h"
+#include "Winding.h"
 #include "crc32.h"
 
 #endif

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+
+// The walk over the contours of an outline, for queries on the region that they bound. Not
+// installed.
+
+#ifndef TRAMMEL_CONTOURWALK_P_H
+#define TRAMMEL_CONTOURWALK_P_H
+
+#include "CFPolygonRef.h"
+#include "CPath.h"
+#include "FPolygon.h"
+#include "PathWalk_p.h"
+#include "PointRun_p.h"
+#include "TPoint.h"
+#include "TPoly.h"
+
+#include <cstddef>
+
+namespace trammel_detail {
+
+/// Goes through the contours of a path. A contour begins with a move, or where drawing goes on
+/// after a close, and at (0, 0) before any move. It ends before the next move, with a close, or
+/// with the path.
+///
+/// Calls visitor.Begin(p) for each move, LineTo(p), CurveTo(c1, c2, e), Close() for each close, and
+/// Close() at the end. The visitor begins at (0, 0). Points are given by their addresses, which
+/// stay good as long as the path does not change. The walk ends early where the points do not
+/// suffice.
+template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) {
+    TPoint<double> const* next = path.mPts.data();
+    TPoint<double> const* const end = next + path.mPts.size();
+    for (char const code : path.mCtls) {
+        auto const count = static_cast<std::ptrdiff_t>(PointCount(code));
+        if (end - next < count) {
+            break;
+        }
+        switch (code) {
+        case kPathMove:
+            visitor.Begin(next);
+            break;
+        case kPathLine:
+            visitor.LineTo(next);
+            break;
+        case kPathCurve:
+            visitor.CurveTo(next, next + 1, next + 2);
+            break;
+        case kPathClose:
+            visitor.Close();
+            break;
+        default:
+            break;
+        }
+        next += count;
+    }
+    visitor.Close();
+}
+
+/// Goes through the only contour of a polygon in the same way. The addresses need not be aligned.
+template <class Visitor> void WalkContours(PointRun const& points, Visitor& visitor) {
+    for (long i = 0; i < points.count; ++i) {
+        char const* const p = points.bytes + i * kPointBytes;
+        if (i == 0) {
+            visitor.Begin(p);
+        } else {
+            visitor.LineTo(p);
+        }
+    }
+    visitor.Close();
+}
+template <class Visitor> void WalkContours(TPolygon<double> const& polygon, Visitor& visitor) {
+    long const count = polygon.LastIndex() + 1;
+    PointRun points{nullptr, 0};
+    if (count > 0) {
+        points = {reinterpret_cast<char const*>((*polygon.mHandle)->mPoints), count};
+    }
+    WalkContours(points, visitor);
+}
+template <class Visitor> void WalkContours(CFPolygonRef const& polygon, Visitor& visitor) {
+    long const count = FPolygonPointCount(polygon.DataSize());
+    PointRun points{nullptr, 0};
+    if (count > 0) {
+        points = {FPolygonPointAt(reinterpret_cast<char const*>(*polygon.mRef), 0), count};
+    }
+    WalkContours(points, visitor);
+}
+
+} // namespace trammel_detail
+
+#endif
