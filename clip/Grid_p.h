@@ -4,6 +4,8 @@
 #ifndef TRAMMEL_GRID_P_H
 #define TRAMMEL_GRID_P_H
 
+#include "TwoSum_p.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -24,19 +26,6 @@ inline bool operator==(GridPoint a, GridPoint b) { return a.x == b.x && a.y == b
 inline bool operator!=(GridPoint a, GridPoint b) { return !(a == b); }
 /// Orders by y, then by x, as a sweep upwards meets the points.
 inline bool operator<(GridPoint a, GridPoint b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
-
-struct TwoSumResult {
-    double value;
-    double error;
-};
-
-/// Returns a + b, and exactly what rounding took from it. (D. E. Knuth, The Art of Computer
-/// Programming 2, section 4.2.2, theorem B.)
-inline TwoSumResult TwoSum(double a, double b) {
-    double const s = a + b;
-    double const t = s - a;
-    return {s, (a - (s - t)) + (b - t)};
-}
 
 /// One axis of the grid: 2^61 steps, each a power of two, over the range of the coordinates.
 ///
