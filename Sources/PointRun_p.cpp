@@ -51,8 +51,8 @@ struct ByH {
     TPoint<double> const p(h, v);
     // An edge only counts when one end's v is at most p.v and the other's is not. (The converse
     // fails for NaN, which ByH sorts out.) The first pass lists these edges. The second pass lists
-    // those that are left to the rule. Walking along the polygon would cost a mispredicted branch
-    // at each such edge; walking a list costs none.
+    // the edges that are left to the rule. Walking along the polygon would cost a mispredicted
+    // branch at each such edge; walking a list costs none.
     std::array<std::uint16_t, kBatch> list;
     std::size_t listed = 0;
     auto const wordFrom = [=](long i) {

@@ -8,10 +8,6 @@
 #
 # Include this before the library's target is made, and call trammel_use_clipper(trammel) after.
 
-# A build tree may still hold AUTO, which meant the system's clipper where there was one.
-if(TRAMMEL_GPC STREQUAL "AUTO")
-    unset(TRAMMEL_GPC CACHE)
-endif()
 set(TRAMMEL_GPC "BUNDLED" CACHE STRING "Polygon clipper: BUNDLED or SYSTEM")
 set_property(CACHE TRAMMEL_GPC PROPERTY STRINGS BUNDLED SYSTEM)
 

@@ -148,8 +148,8 @@ private:
                                   How::Of(a.h3, b.h3), How::Of(a.v3, b.v3)};
     }
 
-    /// Returns the lanes among `asked` that are to be divided on `level`. Notes those that would
-    /// have to be divided, but lie too deep.
+    /// Returns the lanes among `asked` that are to be divided on `level`. Notes the lanes
+    /// that would have to be divided but lie too deep.
     [[gnu::always_inline]] inline unsigned Ask(FourCurves<Vector> const& curves, int level,
                                                unsigned asked) {
         if (level >= mJob.levels && mJob.limited) {

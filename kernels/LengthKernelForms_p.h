@@ -180,8 +180,8 @@ struct LeastEllipses {
     }
 
 private:
-    // No ellipse is smaller than that of the least radius. That of the greatest radius suffices for
-    // every row.
+    // No ellipse is smaller than the ellipse of the least radius. The ellipse of the greatest
+    // radius suffices for every row.
     static constexpr double kLeastRadius = 1.05;
     static constexpr double kGreatestRadius = 16.0;
 
@@ -400,7 +400,7 @@ struct Cuts {
 /// 0.0861 is added for the bound, and nothing for the limit. The bits of a bound that underflows
 /// tell too much.
 [[gnu::always_inline]] inline std::int64_t RatioRow(SpeedCurve const& z, double accuracy) {
-    // The bound is that of the whole curve, from 0 to 1. The factor 9/4 is the square of three
+    // The bound holds for the whole curve, from 0 to 1. The factor 9/4 is the square of three
     // times half of its width.
     double const cH = 0.25 * z.cH;
     double const cV = 0.25 * z.cV;

@@ -19,8 +19,8 @@ inline TwoSumResult TwoSum(double a, double b) {
     return {s, (a - (s - t)) + (b - t)};
 }
 
-/// A sum of many numbers whose rounding does not grow with their count: it is off by the rounding
-/// of the result, and by n² 2^-106 of the sum of the n numbers' magnitudes.
+/// A sum of many numbers whose error hardly grows with their count n. The sum is off by the
+/// rounding of the result, and by n² 2^-106 of the sum of the numbers' magnitudes.
 ///
 /// Source: T. Ogita, S. M. Rump, S. Oishi, Accurate sum and dot product, SIAM Journal on Scientific
 /// Computing 26(6), 2005 (Sum2).

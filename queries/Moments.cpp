@@ -12,11 +12,10 @@
 
 namespace trammel {
 
-// A contour is taken apart into fans from a common reference point: the triangles of the lines and
-// of the curves' chords, and what lies between a curve and its chord. By Green's theorem the
-// integral of a polynomial f of degree k, homogeneous from the reference point, over the fan of a
-// segment p(t) is the integral of f(p) (p x p') over t, divided by k + 2. The reference is the
-// first point drawn, so that no coordinate is greater than the extent of the outline.
+// Each segment p(t) of a contour spans a fan from a common reference point. Let f be a homogeneous
+// polynomial of degree k, with coordinates counted from there. By Green's theorem its integral over
+// the fan is the integral of f(p) (p x p') over t, divided by k + 2. The fan of a line is a
+// triangle. The reference is the first point drawn, so no coordinate exceeds the outline's extent.
 
 namespace {
 

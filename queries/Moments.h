@@ -15,8 +15,7 @@
 // moments are off by at most 2^-43 L D³. The bounds do not grow with the distance from the origin.
 //
 // A NaN or infinite coordinate makes the results NaN or infinite, as do results beyond the range of
-// double. No call uses shared state: all are safe from
-// any thread. Source: Green's theorem.
+// double. No call uses shared state: all are safe from any thread. Source: Green's theorem.
 
 #ifndef TRAMMEL_MOMENTS_H
 #define TRAMMEL_MOMENTS_H

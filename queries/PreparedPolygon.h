@@ -2,20 +2,24 @@
 
 // PreparedPolygon: point-in-polygon for many points and one polygon.
 //
-// The polygons' own Contains looks at every edge for every point. This class looks once, puts the
-// edges where a point's height leads to, and then finds those at that height without touching most
-// others. Its answer is that of the polygon, to the last bit and for every point: each edge that
-// could decide is asked by the same formula, and comparisons settle only what the formula cannot
-// answer otherwise.
+// The polygons' own Contains looks at every edge for every point. This class looks at the edges
+// once and files them by height. A query then finds the edges at the point's height and touches
+// hardly any others.
 //
-// Choose this where a polygon of more than a hundred vertices is asked often: preparing costs as
-// much as some 50 to 100 calls of the polygon's own Contains, after which one costs a small part of
-// that. Polygons of up to 64 vertices are only copied, and asked as they would be themselves; so
-// are those with a coordinate that is NaN, infinite or beyond 2^1000.
+// The answer is the polygon's own, to the last bit and for every point. The polygon's formula
+// decides every edge that could count. Comparisons settle only edges on which the formula has no
+// choice.
 //
-// A prepared polygon is a picture of the polygon as it was: what happens to the polygon later, its
-// end included, does not reach it. Nothing changes it but assignment. Copies share the edges and
-// cost O(1).
+// Choose this where a polygon of more than a hundred vertices is asked often. Preparing costs as
+// much as some 50 to 100 calls of the polygon's own Contains. After that, a call costs a small part
+// of the polygon's own.
+//
+// Two kinds of polygons are only copied, and each query looks at every edge:
+//   - polygons of up to 64 vertices
+//   - polygons with a coordinate that is NaN, infinite or beyond 2^1000
+//
+// A prepared polygon keeps the edges as they were. Later changes of the polygon, and its end, do
+// not reach it. Only assignment changes it. Copies share the edges and cost O(1).
 //
 // Threads: const members of one object, and of copies of it, are safe from any number of threads at
 // once. Assigning to an object while another thread uses the same object is not.
@@ -26,9 +30,10 @@
 // each vertex.
 //
 // Source: segment tree over the heights (Bentley, Solutions to Klee's rectangle problems, 1977; de
-// Berg et al., Computational Geometry, 10.3). An edge stands at the nodes, one or two, that it
-// takes up more than half of, and not at all those that it covers as a whole. That makes the tree
-// linear in size and the time to build it, for looking at edges that end before the point's height.
+// Berg et al., Computational Geometry, 10.3). In that tree an edge stands at every node that it
+// covers. Here it stands at one or two nodes, of each of which it takes up more than half. That
+// makes the tree's size linear, and the time to build it. In return a query looks at some edges
+// that end before the point's height.
 
 #ifndef TRAMMEL_PREPAREDPOLYGON_H
 #define TRAMMEL_PREPAREDPOLYGON_H
@@ -50,8 +55,8 @@ public:
 
     /// Of an empty polygon: contains nothing.
     PreparedPolygon() = default;
-    /// Takes the edges of `polygon`, whose bounds are computed if they are not cached, as its own
-    /// Contains would. Bounds that were cached and have become wrong since (see TPolygon::Append)
+    /// Takes the edges of `polygon`. Computes its bounds if they are not cached, as its own
+    /// Contains does. Bounds that were cached and have become wrong since (see TPolygon::Append)
     /// count here as they count there. Throws std::bad_alloc, also for 2^31 - 1 vertices or more.
     /// O(n) where the heights are spread over their range, O(n log n) at most.
     explicit PreparedPolygon(TPolygon<double> const& polygon);
@@ -61,20 +66,20 @@ public:
 
     // Query
 
-    /// Exactly what the polygon's own Contains gives for `p`, for every `p` and every polygon: the
-    /// two families differ where their docstrings say. NaN: false.
+    /// Returns exactly what the polygon's own Contains returns for `p`, for every `p` and every
+    /// polygon. The two kinds of polygons differ where their docstrings say. NaN gives false.
     ///
-    /// O(log n + k) for k edges at the height of `p` or near it: not farther off than an edge is
-    /// high itself, counted in slabs, which are ranges of heights with at most 32 vertices inside.
-    /// Edges whose boxes `p` is outside of take a fraction of a nanosecond each. Allocates nothing.
-    /// O(n) for polygons with a coordinate that is not finite or beyond 2^1000.
+    /// O(log n + k) for k edges near the height of `p`: an edge is no farther off than it is high
+    /// itself. Distances count in slabs here, which are ranges of heights with at most 32 vertices
+    /// inside. An edge whose box does not hold `p` takes a fraction of a nanosecond. O(n) for the
+    /// polygons that are only copied. Allocates nothing.
     bool Contains(TPoint<double> const& p) const noexcept;
     /// Stores Contains(points[i]) in inside[i], for each i below `count`. The arrays must not
     /// overlap; with a `count` of 0 they may be null. Allocates nothing.
     void Contains(TPoint<double> const* points, std::size_t count, bool* inside) const noexcept;
 
-    /// The bytes that the polygon's edges take; those that copies share are counted in each. 0
-    /// after default construction and for an object that was moved from (which contains nothing).
+    /// Returns the bytes that the polygon's edges take. Each copy counts the bytes that it shares.
+    /// 0 after default construction, and for an object that was moved from, which contains nothing.
     std::size_t MemorySize() const noexcept;
 
 private:

@@ -173,7 +173,7 @@ public:
         mCurrent = e;
         mSide = end;
     }
-    /// Closes the contour. What follows without Begin() begins where the last segment ended.
+    /// Closes the contour. Without Begin() the next one begins where the last segment ended.
     void Close() {
         void const* const last = mCurrent;
         Side const side = mSide;

@@ -11,19 +11,20 @@
 // its beginning closes it, drawn or not. Before any move, drawing begins at (0, 0).
 //
 // Winding numbers are positive where the contour runs from the +h direction toward +v, which is
-// clockwise where v points down. They are exact for an outline that differs from the given one by
-// less than rounding: every segment by at most 2^-47 of the greatest difference, in h or in v, of
-// one of its control points from the point asked about. A point that is nearer to the outline gets
-// the winding number of one of the sides. The bound does not grow with the distance of the drawing
-// from the origin. The position of the origin plays no part.
+// clockwise where v points down.
+//
+// They are exact for an outline whose segments are moved a little. Let D be the greatest difference
+// in h or in v of a segment's control points from the point asked about. The segment is moved by at
+// most 2^-47 D. So a point that is nearer to the outline gets the winding number of one of the
+// sides. The bound does not grow with the distance of the drawing from the origin, which is a point
+// like any other.
 //
 // A contour with a NaN or infinite coordinate is absent. The winding number around a point with
 // such a coordinate is 0. No call allocates, throws, or uses shared state: all are safe from any
 // thread.
 //
-// Source: crossings of the outline with a ray, counted by subdivision, a curve's half at a time:
-// the convex hull property tells of most curves without computation [Farin, Curves and Surfaces for
-// CAGD].
+// Source: the crossings of the outline with a ray are counted. The convex hull property tells the
+// crossings of most curves; the others are halved [Farin, Curves and Surfaces for CAGD].
 
 #ifndef TRAMMEL_WINDING_H
 #define TRAMMEL_WINDING_H

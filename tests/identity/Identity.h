@@ -151,8 +151,11 @@ struct CurveInput {
     int depth;        ///< a depth at which it does not take long
 };
 
-/// A curve of any kind: as drawn, nearly as flat as the tolerance, S-shaped, with loops or cusps,
-/// with upright or level chords or coinciding points, of any size, or of any bits.
+/// Returns a curve of any size and of a random kind:
+///   - as drawn, or nearly as flat as the tolerance
+///   - S-shaped, or with loops or cusps
+///   - with an upright or level chord, or with coinciding points
+///   - of any bits
 CurveInput RandomCurve(Random& random);
 /// A curve as drawings have it, flattened soon.
 CurveInput DrawnCurve(Random& random);

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // Each lane of a small vector is computed as the scalar is, to the last bit. Two programs run these
-// tests: one with this processor's operations, and one with those that no processor is asked for.
+// tests: one with this processor's operations, and one with the operations that need no certain
+// processor.
 
 #include "Vector_p.h"
 
