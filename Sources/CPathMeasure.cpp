@@ -101,7 +101,7 @@ public:
     }
     bool IsCurve() const override { return mSegment.IsCurve(); }
     TPoint<double> LineEnd() const override { return mSegment.Line().mEnd; }
-    CBezier const& Curve() const override { return mSegment.Curve(); }
+    CBezier Curve() const override { return mSegment.Curve(); }
     double PercentT(double fraction) const override {
         return mMeasured.PercentT(mIndex, mSegment.Curve(), fraction);
     }
@@ -208,7 +208,7 @@ double CPath::FindTValue(TPoint<double> const& p) const {
         double const start = running;
         running += segment.Length();
         if (segment.IsCurve()) {
-            CBezier const& c = segment.Curve();
+            CBezier const c = segment.Curve();
             if (TooFar({c.P0, c.P1, c.P2, c.P3}, pt, limit)) {
                 continue;
             }
@@ -222,7 +222,7 @@ double CPath::FindTValue(TPoint<double> const& p) const {
             curve = c;
             parameter = t;
         } else {
-            TLine<double> const& line = segment.Line();
+            TLine<double> const line = segment.Line();
             if (TooFar({line.mStart, line.mEnd}, pt, limit)) {
                 continue;
             }

@@ -24,7 +24,7 @@ public:
     /// Returns the end of the segment, which is a line.
     virtual TPoint<double> LineEnd() const = 0;
     /// Returns the segment, which is a curve.
-    virtual CBezier const& Curve() const = 0;
+    virtual CBezier Curve() const = 0;
     /// Returns the parameter of the curve at a fraction of its length (CBezier::PercentT).
     virtual double PercentT(double fraction) const = 0;
     virtual double Length() const = 0;

@@ -105,8 +105,10 @@ public:
     char Code() const { return mElements.Code(); }
     bool IsCurve() const { return Code() == kPathCurve; }
     /// Returns the line or the closing line.
-    TLine<double> const& Line() const { return mLine; }
-    CBezier const& Curve() const { return mCurve; }
+    TLine<double> Line() const { return mLine; }
+    /// Returns the curve. By value, as the line is: the cursor's address then never escapes, and
+    /// the compiler keeps it in registers.
+    CBezier Curve() const { return mCurve; }
     /// Returns the length that the path's own measuring gives the segment.
     double Length() const {
         return IsCurve() ? mCurve.Length() : Distance(mLine.mStart, mLine.mEnd);

@@ -364,7 +364,7 @@ double ArcLength(CPath const& path, double accuracy) {
         if (segment.IsCurve()) {
             sum += ArcLength(segment.Curve(), each); // a NaN stays
         } else {
-            TLine<double> const& line = segment.Line();
+            TLine<double> const line = segment.Line();
             if (!Finite(line.mStart) || !Finite(line.mEnd)) {
                 return std::numeric_limits<double>::quiet_NaN();
             }

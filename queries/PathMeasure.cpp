@@ -228,7 +228,7 @@ MeasuredOutline::MeasuredOutline(CPath const& path) {
             segment.length = flattening.Length();
             segment.ptCount = flattening.AppendTo(mPts, mSums);
         } else {
-            TLine<double> const& line = cursor.Line();
+            TLine<double> const line = cursor.Line();
             segment.curve.Set(line.mStart, line.mStart, line.mEnd, line.mEnd);
             segment.length = cursor.Length();
         }
@@ -307,7 +307,7 @@ public:
     }
     bool IsCurve() const override { return At().isCurve; }
     TPoint<double> LineEnd() const override { return At().curve.P3; }
-    CBezier const& Curve() const override { return At().curve; }
+    CBezier Curve() const override { return At().curve; }
     double PercentT(double fraction) const override { return mOutline.PercentT(At(), fraction); }
     double Length() const override { return At().length; }
     double Before() const override { return mOutline.Before(mSegment); }
