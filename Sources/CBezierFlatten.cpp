@@ -19,10 +19,12 @@ using trammel_detail::PointBuffer;
 /// more than 64 in all.
 constexpr int kFlattenRun = 1024;
 
-/// Makes room in the polygon for all points of the flattened curve, of which there are many;
-/// `error` is the tolerance. There is room for as many as there are when all pieces are halved
-/// alike, which may be some times as many; what stays unused is but set apart. Where that would be
-/// more than 1 MB, the polygon grows as it does otherwise.
+/// Makes room in the polygon for all points of the flattened curve, of which there are many.
+/// `error` is the tolerance.
+///
+/// The room suffices for all pieces halved alike, which may be some times as many points as there
+/// are. Unused room is set apart and never written. Where the room would be more than 1 MB, the
+/// polygon grows as it does otherwise.
 void ReservePoints(CBezier const& curve, double error, TPolygon<double>& poly) {
     constexpr int kMostLevels = 16;
     FlatnessFilter const filter(FlatnessFilter::SizeOf(curve), error);

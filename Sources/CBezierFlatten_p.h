@@ -23,7 +23,8 @@ namespace trammel_detail {
 /// of stack, where a thread may have no more than 64 KB in all.
 inline constexpr int kFlattenRun = 1024;
 
-/// The cubic's rules for the walk of its subdivision tree.
+/// The cubic's rules for WalkSubdivision. gCount counts the curves that the walk comes to, maxCount
+/// keeps the greatest value of gCount, and CBezier::mCount counts the points that are delivered.
 class BezierRules {
 public:
     explicit BezierRules(CBezier const& whole)
@@ -49,7 +50,8 @@ private:
     FlatnessFilter mFilter;
 };
 
-/// Delivers the split points of `curve`, see CBezier::GenerateSegment.
+/// Calls deliver(point) for the split points of `curve`. The points, `force` and `depth` are as for
+/// CBezier::GenerateSegment; the tolerance is CBezier::mMaxError.
 template <class Deliver>
 void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
     BezierRules rules(curve);
@@ -59,8 +61,8 @@ void Generate(CBezier const& curve, Deliver& deliver, bool force, int depth) {
 /// True when each control point coincides with its end, so that the curve is a straight segment.
 inline bool IsStraight(CBezier const& c) { return !(c.P0 != c.P1 || c.P2 != c.P3); }
 
-/// Counts `points` deliveries and the invocations of the generator that made them: the first one,
-/// and two for each division.
+/// Adds what a walk that delivers `points` points adds to the counters. Besides the points, these
+/// are the curves that it comes to: the whole one, and two for each division.
 inline void CountGenerated(std::int32_t points) {
     constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
     std::int32_t const invocations = 1 + 2 * points;
@@ -69,10 +71,11 @@ inline void CountGenerated(std::int32_t points) {
     CBezier::mCount = WrappingAdd(CBezier::mCount, points);
 }
 
-/// Stores the split points of `curve` in `run` (a PointBuffer), in order.
+/// Stores the split points of `curve` in `run` (a PointBuffer), in order of increasing parameter.
 ///
-/// The points and the counters are those of a forced GenerateSegment with mMaxError and
-/// mRecursionLimit as they are. What the caller does with the points must change none of these.
+/// Points and counters come out as from GenerateSegment with `force` and the depth
+/// CBezier::mRecursionLimit. The user of the buffer must not change this depth, the tolerance
+/// CBezier::mMaxError or the counters on the way.
 template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
     double const tolerance = CBezier::mMaxError;
     int const levels = std::max(CBezier::mRecursionLimit - 1, 1);
@@ -88,8 +91,10 @@ template <class Run> void GenerateForced(CBezier const& curve, Run& run) {
 }
 
 /// Stores the points of the flattened curve in `run` (a PointBuffer): both ends and, unless the
-/// curve is straight, the split points between them. Points that repeat the one before are not left
-/// out.
+/// curve is straight, the split points between them. A point that repeats the one before it stays.
+///
+/// `error` is the flatness tolerance in coordinate units. gCount begins at 0. Afterwards points may
+/// still wait in the buffer, and the caller reads them or calls run.Pass().
 template <class Run> void FlattenTo(CBezier const& curve, double error, Run& run) {
     gCount = 0;
     CurveErrorScope<CBezier> const scope(error);

@@ -26,7 +26,8 @@ class LengthOfRun {
 public:
     double Total() const { return mTotal; }
 
-    /// Takes `count` points, with the lengths of the edges between them.
+    /// Takes the next `count` points, 1 or more, with the lengths of the `count` - 1 edges between
+    /// them. The edge from the points taken before is measured here.
     void Take(TPoint<double> const* points, int count, double const* lengths) {
         // A point equal to the one before belongs to no edge. Its length of 0 leaves the sum as it
         // is, so that such points need no search. Only for infinite points this length is NaN.

@@ -25,13 +25,15 @@ inline constexpr double kPercentTolerance = 0.001;
 /// The number of points that are measured at a time. They are few, so that they stay in the cache.
 inline constexpr int kLengthRun = 256;
 
-/// Stores the distance from each of `count` points to the next.
+/// Stores the lengths of the `count` - 1 edges between `count` neighbouring points, 1 or more.
 inline void LengthsBetween(TPoint<double> const* points, int count, double* lengths) {
     EdgeLengths(Coordinates(points), count - 1, lengths);
 }
 
-/// Calls use(points, count, lengths) for the points, some at a time, with the lengths of the edges
-/// between them. Not inlined, as the lengths would enlarge the stack frames of deep calls.
+/// Calls use(some, n, lengths) for the points, at most kLengthRun at a time. `lengths` holds the
+/// n - 1 edges between these n points. The edge from one call's last point to the next call's first
+/// is not among them: `use` measures it. Not inlined, as the lengths would enlarge the stack frames
+/// of deep calls.
 template <class Use>
 [[gnu::noinline]] void WithLengths(TPoint<double> const* points, int count, Use const& use) {
     double lengths[kLengthRun];
@@ -45,13 +47,14 @@ template <class Use>
 /// Makes edges of the points of a flattening. A PointBuffer hands the points over, some at a time.
 ///
 /// Calls visitor.Start(point) for the first point and visitor.Edge(point, length) for each further
-/// one. A point equal to the one before belongs to no edge and is left out. The edges end early
-/// when Edge() returns false.
+/// one, with the length of the edge that leads to it. A point equal to the one before belongs to no
+/// edge and is left out. After Edge() has returned false, the visitor hears of no more edges.
 template <class Visitor> class FlattenedEdges {
 public:
     explicit FlattenedEdges(Visitor& visitor) : mVisitor(visitor) {}
 
-    /// Takes `count` points, with the lengths of the edges between them.
+    /// Takes the next `count` points, 1 or more, with the lengths of the `count` - 1 edges between
+    /// them. The edge from the points taken before is measured here.
     void Take(TPoint<double> const* points, int count, double const* lengths) {
         if (mStarted) {
             TakePoint(points[0], Distance(mLast, points[0]));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Is a piece of a cubic flat? The literal answer, a filter that gives it faster, and the walk over
-// a curve's pieces that makes most of the filter. Not installed.
+// Is a piece of a cubic flat? This header has the literal answer, a filter that gives it faster,
+// and a walk over a curve's pieces that asks the filter for many pieces at once. Not installed.
 
 #ifndef TRAMMEL_FLATNESS_P_H
 #define TRAMMEL_FLATNESS_P_H
@@ -169,14 +169,17 @@ template <class Curve> bool ExactlyFlat(BlockCurve const& piece, double toleranc
 inline constexpr int kMostBlockLevels = 30;
 
 /// Stores the split points of a cubic's subdivision in `run` (a PointBuffer), in order, and returns
-/// their number: what WalkSubdivision with these flatness rules delivers, made in blocks. `curve`
-/// is divided in any case; `levels`, 1 to kMostBlockLevels, is the number of levels that may
-/// divide, its own included. The filter has to judge (Judges()).
+/// their number. They are the points that WalkSubdivision delivers with the rules of this filter,
+/// but a block of levels is divided at once (DivideBlock). The filter has to judge (Judges()).
+///
+/// \param curve is divided in any case.
+/// \param levels the number of levels that may divide, the curve's own included: 1 to
+///     kMostBlockLevels.
 ///
 /// The upper levels of a tall tree are walked one by one, down to pieces that become flat within a
-/// block's levels. A block that does not suffice, which only pieces can cause that the filter may
-/// not judge, is thrown away, and its curve halved instead. Waiting right halves take one place a
-/// level.
+/// block's levels. Pieces that the filter may not judge can need more levels than a block has. Then
+/// the block is thrown away, and its curve is halved instead. The right halves that still have to
+/// be walked take one place for each level.
 template <class Curve, class Run>
 int DivideInBlocks(Curve const& curve, FlatnessFilter const& filter, int levels, Run& run) {
     struct Waiting {

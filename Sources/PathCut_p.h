@@ -41,8 +41,8 @@ protected:
     MeasuredSegments& operator=(MeasuredSegments const&) = default;
 };
 
-/// Appends the piece between two lengths to `out`, which must not be the path that is cut. See
-/// CPath::GetTRange.
+/// Appends the piece between two lengths to `out`, which must not be the path that is cut. The
+/// lengths count from the outline's start, in coordinate units. See CPath::GetTRange.
 ///
 /// `segments` may begin anywhere before the first segment that ends behind `startLength`. Its class
 /// is a template's parameter and final, so that the compiler calls its functions directly.
@@ -61,8 +61,9 @@ void CutRange(Segments segments, double startLength, double endLength, CPath& ou
         } else if (endLength < segments.Before()) {
             done = true;
         } else {
-            // A curve that holds the range's end does not end the walk. A following line adds
-            // itself up to the end, where it has length; a following curve stops.
+            // A curve that holds the range's end does not end the walk; the segment after it does.
+            // A line then leads to the range's end, and LineTo leaves it out where it has no
+            // length. A curve then adds nothing.
             double const before = segments.Before();
             double const length = segments.Length();
             double const u0 =

@@ -18,8 +18,9 @@ static_assert(sizeof(TPoint<double>) == 2 * sizeof(double) && offsetof(TPoint<do
                   offsetof(TPoint<double>, h) == sizeof(double),
               "the kernels store v and h in turn");
 
-/// Collects points in a buffer of its own and passes them on, in order, whenever it is full: as
-/// use(points, count), at least one point at a time. Pass() passes on what is left.
+/// Collects points in a buffer of its own and passes them on, in order, whenever it is full. It
+/// calls use(points, count) with one point or more. At the end the owner calls Pass() for the
+/// points that are left, or reads them; the destructor drops them.
 template <int kRoom, class Use> class PointBuffer {
     static_assert(kRoom > kBlockPoints, "a block has to fit");
 
@@ -36,7 +37,8 @@ public:
         mCoordinates[2 * mCount + 1] = p.h;
         ++mCount;
     }
-    /// Room for a block's points, to be stored by the caller, who then tells how many there are.
+    /// Returns room for kBlockPoints points, v and h in turn, and passes points on where it lacks.
+    /// The caller stores points there and tells their number by AddStored().
     double* RoomForBlock() {
         if (mCount > kRoom - kBlockPoints) {
             Pass();
@@ -45,6 +47,7 @@ public:
     }
     void AddStored(int count) { mCount += count; }
 
+    /// Passes on the points that wait, if there are any.
     void Pass() {
         if (mCount > 0) {
             int const count = mCount;
@@ -53,7 +56,7 @@ public:
         }
     }
 
-    /// The points that wait, and their number.
+    /// Returns the points that wait; Count() is their number.
     TPoint<double> const* Points() const {
         return std::launder(reinterpret_cast<TPoint<double> const*>(mCoordinates));
     }
@@ -66,7 +69,7 @@ private:
     alignas(16) double mCoordinates[2 * static_cast<std::size_t>(kRoom)];
 };
 
-/// The coordinates of points that lie one after the other, v and h in turn.
+/// Returns the coordinates of points that lie one after the other, v and h in turn.
 inline double const* Coordinates(TPoint<double> const* points) { return &points->v; }
 
 } // namespace trammel_detail

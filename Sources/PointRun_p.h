@@ -46,8 +46,9 @@ private:
 /// point it would be written to memory by halves, and reading the whole would wait for that.
 bool OddCrossings(PointRun points, double h, double v);
 
-/// The ranges of v of groups of a run's edges, for many questions to one run. Valid until the run's
-/// block is resized or written to. Throws std::bad_alloc.
+/// A run prepared for many questions by the least and greatest v of each group of its edges. It
+/// answers until the run's block is resized or written to. Making it throws std::bad_alloc when
+/// memory is short.
 class Heights {
 public:
     explicit Heights(PointRun points);
@@ -55,8 +56,8 @@ public:
     bool OddCrossings(double h, double v) const;
 
 private:
-    /// The edges of a group: half of what one word of bits can hold, as fewer edges have a smaller
-    /// range.
+    /// The number of edges in a group. One word of bits could hold twice as many, but fewer edges
+    /// have a smaller range.
     static constexpr long kGroup = 32;
     struct Range {
         double low;

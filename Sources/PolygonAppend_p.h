@@ -11,8 +11,9 @@
 
 namespace trammel_detail {
 
-/// Appends the points as TPolygon::AppendUnique does one after the other, but in one go where that
-/// gives the same: where none repeats the one before, and memory suffices for all.
+/// Appends `count` points, 1 or more, as TPolygon::AppendUnique does one after the other. It
+/// appends them in one go where that gives the same: no point repeats the one before it, and memory
+/// suffices for all.
 inline void AppendUniquePoints(TPoint<double> const* points, int count, TPolygon<double>& poly) {
     bool unique = poly.Empty() || points[0] != poly.GetPt(poly.LastIndex());
     for (int i = 1; i < count; ++i) {

@@ -55,15 +55,16 @@ inline Box<double> ReachOf(TPoint<double> const* points, std::size_t count) {
     return box.Widened(slack, slack);
 }
 
-/// Returns about the square of the distance from `p` to the box, to be compared with a
-/// NearestLimit.
+/// Returns the square of the distance from `p` to the box, in plain double arithmetic; 0 inside.
+/// NearestLimit leaves room for its rounding: compare with that.
 inline double SquaredDistance(Box<double> const& box, TPoint<double> const& p) {
     double const h = std::max(0.0, std::max(box.lowX - p.h, p.h - box.highX));
     double const v = std::max(0.0, std::max(box.lowY - p.v, p.v - box.highY));
     return h * h + v * v;
 }
 
-/// Returns the squared distance beyond which a box holds nothing that is as near as `best`.
+/// Returns the limit for SquaredDistance that belongs to the distance `best`: a box beyond it holds
+/// nothing that is as near as `best`.
 ///
 /// Rounding is monotone. So the computed differences of p from a point in the box are no smaller
 /// than those from the box. Their hypot is at least the box's distance less 4u of it. The

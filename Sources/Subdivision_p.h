@@ -24,8 +24,9 @@ namespace trammel_detail {
 ///     Delivered()                 after each delivery
 ///
 /// The right halves that still have to be walked wait on a small stack. A walk that goes deeper
-/// than that continues in a nested call. So even the largest depth neither allocates nor exhausts
-/// the thread's stack.
+/// than that continues in a nested call, one for each 33 levels. Nothing is allocated. A call for
+/// cubics keeps 2.3 KB of waiting halves, so a walk to the largest depth, 32,767, takes some 3 MB
+/// of the thread's stack.
 template <class Curve, class Rules, class Deliver>
 void WalkSubdivision(Curve const& curve, Rules& rules, Deliver& deliver, bool force, int depth) {
     struct Pending {

@@ -33,7 +33,8 @@ public:
 
     std::size_t Count() const { return mCount; }
 
-    /// Returns first control point, second control point and end of curve `i`.
+    /// Returns the address of three points: the control points of curve `i` and its end. It begins
+    /// where the curve before ends, the first one at `from`.
     TPoint<double> const* Curve(std::size_t i) const { return &mPoints[3 * i]; }
 
     /// True when no point is NaN or infinite.

@@ -18,7 +18,9 @@ inline bool Same(double a, double b) { return a == b && std::signbit(a) == std::
 struct SvgNumeral {
     char text[32];
     std::size_t length = 0;
-    bool fraction = false; ///< has a point or an exponent: a point after it begins a new number
+    /// True when the numeral has a point or an exponent. A point right after it then begins a new
+    /// number.
+    bool fraction = false;
 
     std::string_view View() const { return std::string_view(text, length); }
 };
@@ -26,8 +28,9 @@ struct SvgNumeral {
 /// Returns the shortest numeral that reads as `value`, which is finite.
 SvgNumeral AbsoluteNumeral(double value);
 
-/// Finds the shortest numeral that gives `to`, bit by bit, when added to `from`; false when none is
-/// found.
+/// Sets `numeral` to the numeral of fewest digits that gives `to`, bit by bit, when added to
+/// `from`. It is the difference, rounded to these digits. Returns false when the difference, as a
+/// double, does not give `to` itself.
 bool FindRelativeNumeral(double from, double to, SvgNumeral& numeral);
 
 } // namespace trammel_detail

@@ -10,12 +10,16 @@
 
 namespace trammel_detail {
 
-/// Returns a piece of text in quotation marks. It is shortened, and '?' stands for characters that
-/// cannot be printed.
+/// Returns a piece of text in single quotation marks. Of more than 32 bytes it shows the first 32
+/// and "...". White space becomes a blank, and every other byte outside of printable ASCII a '?'.
 std::string Quoted(std::string_view text);
 
-/// Returns a readable form of the start of `text`: a whole word in quotation marks, or else one
-/// character.
+/// Returns a readable form of the start of `text`:
+///
+///     "end of text"     when there is nothing
+///     'word'            letters, or else one printable character of ASCII, as Quoted() shows them
+///     U+00E9            another character in UTF-8
+///     byte 0xE9         a byte that begins no such character
 std::string Described(std::string_view text);
 
 } // namespace trammel_detail

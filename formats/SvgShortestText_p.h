@@ -27,16 +27,20 @@ struct SvgNumerals {
 /// given spelling therefore follows from the shortest texts for the element before. This is a
 /// shortest path, found by dynamic programming. As soon as all spellings of an element go back to
 /// one spelling, the text up to that one is settled.
+///
+/// For each element in turn, call BeginElement, AddSpelling for every spelling, and EndElement.
+/// Call Take last.
 class SvgShortestText {
 public:
-    /// Begins a new element; spellings that are added after it are its own.
+    /// Begins a new element. The spellings added after this call are its own.
     void BeginElement();
 
     /// Adds a spelling to the element, or nothing where the numerals are not valid. An element
-    /// takes four spellings at most; of equally short ones the first is taken.
-    /// \param letter the command; 0: the element is written as nothing at all.
-    /// \param repeats the command that numbers alone mean after this one; 0: none.
-    /// \param begin the first numeral that is written.
+    /// takes four spellings at most. Equally short texts are chosen from by a fixed rule.
+    /// \param letter the command; 0 writes no letter.
+    /// \param repeats the command that numbers without a letter mean after this spelling; 0 when
+    ///     they mean none.
+    /// \param begin the index of the first numeral that is written.
     void AddSpelling(char letter, char repeats, SvgNumerals const& numerals, std::size_t begin = 0);
 
     /// Ends the element, which has at least one spelling.
@@ -64,8 +68,8 @@ private:
     static std::size_t Cost(Spelling const& before, Spelling const& spelling);
     void Settle(std::size_t count, std::size_t choice);
 
-    std::vector<Element> mElements;    ///< the others than the first mCount keep their room
-    std::size_t mCount = 0;            ///< elements that are not settled
+    std::vector<Element> mElements;    ///< from mCount on unused: they only keep their memory
+    std::size_t mCount = 0;            ///< the number of elements that are not settled
     std::vector<std::size_t> mChoices; ///< the spellings of the elements that are being settled
     Spelling mSettled;                 ///< the last settled one, without its numbers
     std::string mText;                 ///< all settled elements

@@ -20,11 +20,11 @@ namespace trammel_detail {
 
 typedef TPoint<double> Pt;
 
-/// Makes each coordinate 0 that is the same in all points. Returns 1 in the coordinates that were
-/// dropped, else 0.
+/// Sets a coordinate to 0 in all points where all have the same finite value in it. Returns 1 in
+/// each coordinate that was dropped like this, and 0 in the others.
 ///
-/// That changes no difference of points. A common coordinate could ask for a scale at which the
-/// other coordinates are too small.
+/// That changes no difference of points. A large common coordinate could make ScaledPoints choose a
+/// scale at which the other coordinates are too small.
 template <std::size_t N> Pt DropCommon(std::array<Pt, N>& points) {
     Pt dropped;
     for (double Pt::*const coordinate : {&Pt::h, &Pt::v}) {
@@ -45,8 +45,8 @@ template <std::size_t N> Pt DropCommon(std::array<Pt, N>& points) {
 /// Points whose coordinates are multiplied by a power of two, if need be. Then no product of four
 /// of them overflows, or underflows in a way that matters.
 ///
-/// The results scale with the input exactly: a curve 2^k times as large has a result 2^k times as
-/// large, bit by bit.
+/// A query computes with these points and converts its result back by Up(). So the results scale
+/// with the input exactly: a curve 2^k times as large has a result 2^k times as large, bit by bit.
 template <std::size_t N> class ScaledPoints {
 public:
     explicit ScaledPoints(std::array<Pt, N> const& points) : mPts(points) {
@@ -61,10 +61,12 @@ public:
     Pt const& operator[](std::size_t i) const { return mPts[i]; }
     /// False when a coordinate is NaN or infinite.
     bool Finite() const { return mFinite; }
+    /// True when the coordinates differ from the input's.
     bool Scaled() const { return mExponent != 0; }
-    /// Down() converts from the input's unit to the points' unit, Up() back. The result is infinite
-    /// where it overflows.
+    /// Converts a length from the input's unit to the points' unit. The result is infinite where it
+    /// overflows.
     double Down(double x) const { return Scaled() ? std::scalbn(x, -mExponent) : x; }
+    /// Converts a length or a coordinate back, in the same way.
     double Up(double x) const { return Scaled() ? std::scalbn(x, mExponent) : x; }
     Pt Up(Pt const& p) const { return Pt(Up(p.h), Up(p.v)); }
 
@@ -97,8 +99,8 @@ private:
     bool mFinite = true;
 };
 
-/// Returns the cubic through the same points as a quadratic. Each control point is rounded once or
-/// twice.
+/// Returns the cubic through the same points as a quadratic. Its ends are the quadratic's. Its
+/// control points are off by rounding: at most 3·2^-53 of the greatest coordinate, and underflow.
 inline CBezier Raised(CBSpline const& c) {
     // The terms are thirds, as the sum of three coordinates might overflow.
     return CBezier(c.P0, c.P0 / 3.0 + c.P1 * (2.0 / 3.0), c.P2 / 3.0 + c.P1 * (2.0 / 3.0), c.P2);

@@ -1,30 +1,36 @@
 // SPDX-License-Identifier: MIT
 
-// Flattening in two steps: points are planned by the bend, then each chord is verified.
+// Flattening takes two steps: the bend of the curve plans the points, and then each chord is
+// verified.
 //
-// The plan: a short piece of length s with curvature k leaves its chord by k·s²/8, so chords that
-// use up the tolerance e follow each other at equal steps of the integral of
+// The plan. A short piece of length s with curvature k leaves its chord by k·s²/8. So chords that
+// all use up the tolerance e end at equal steps of the integral of
 //
 //     sqrt(k/(8e)) ds = sqrt(|B' x B''| / (8e |B'|)) dt
 //
-// [Levien]. The integral is taken by the trapezoidal rule over a few panels, and inverted panel by
-// panel. For a cubic with B' = 3(a + 2bt + ct²), B' x B'' is 18 (a x b + (a x c) t + (b x c) t²).
+// [Levien]. The trapezoidal rule gives the integral over a few panels of the parameter. The points'
+// parameters follow from it panel by panel. For a cubic with B' = 3(a + 2bt + ct²), B' x B'' is
+// 18 (a x b + (a x c) t + (b x c) t²).
 //
-// The verification: on a piece, the distance from the line through its ends is
-// 3t(1 - t)((1 - t)e1 + t·e2), where e1 and e2 are the distances of the control points. Its maximum
-// is a convex function of e2/e1 with the values 3/4, 4/9 and 1/sqrt(12) at 1, 0 and -1. So linear
-// interpolation between these values bounds it. Along the chord the curve overshoots its ends by at
-// most 3/4 of the control points' overshoot. As the curve runs from end to end, it is beside each
-// point of the chord somewhere. So one bound holds for both directions of the distance. A chord
-// that fails is divided.
+// The verification. Let e1 and e2 be the distances of a piece's control points from the line
+// through its ends, with a sign for the side and |e1| >= |e2|. The curve's distance from the line
+// is 3t(1 - t)((1 - t)e1 + t·e2). Its maximum, divided by |e1|, is a convex function of e2/e1. It
+// has the values 3/4, 4/9 and 1/sqrt(12) at 1, 0 and -1, so linear interpolation between these
+// bounds it.
 //
-// Planned points are computed and verified four at a time. Only the pieces of a chord that fails
+// Along the chord the curve overshoots the ends by at most 3/4 of the control points' overshoot.
+// The curve runs from end to end, so it is beside each point of the chord somewhere. Therefore one
+// bound holds for the distance of the curve from the chord and for the distance of the chord from
+// the curve. A chord that fails the test is divided.
+//
+// Four planned points are computed and verified at a time. Only the pieces of a chord that fails
 // are verified one by one.
 //
-// Curves that take few chords, as most of a glyph or an icon do, are mildly bent. A rough plan
-// suffices for them: the bend in the middles of four panels, as if it were constant on each. The
-// four are one vector. Their chords are verified as all others, so the rough plan only decides
-// about the number of points. Where a chord fails, one chord more is tried, then the plan above.
+// Most curves of a glyph or an icon are mildly bent and take few chords. A rough plan suffices for
+// them: it takes the bend in the middle of each of four panels as constant on the panel. One vector
+// holds the four bends. These chords are verified as all others are, so the rough plan only decides
+// about the number of points. Where a chord fails, the code tries one chord more, and then the plan
+// above.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -83,7 +89,7 @@ struct Place {
     Pt v;
 };
 
-/// A cubic as a polynomial relative to P0.
+/// A cubic as the polynomial 3at + 3bt² + ct³ relative to P0.
 class Cubic {
 public:
     explicit Cubic(ScaledPoints<4> const& p)
@@ -106,9 +112,9 @@ public:
     }
     /// Returns the parameter at which to divide the piece between two places.
     ///
-    /// That is where the piece turns back along its chord, so that straight curves need no more
-    /// points than turns. It is the middle where the piece does not turn, or only near an end,
-    /// where a point would gain little.
+    /// A piece that turns back along its chord is divided at the turn, so that straight curves need
+    /// no more points than turns. Any other piece is divided at its middle. So is a piece that only
+    /// turns near an end, where a point would gain little.
     double Split(Place const& p0, Place const& p1, double tolerance) const {
         Pt d = p1.at - p0.at;
         if (Square(d) <= tolerance * tolerance) {
@@ -189,8 +195,8 @@ double DistanceOf(Place const& p0, Place const& p1) {
     return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
 }
 
-/// Returns the factor for the bend divided by the speed in the plan. With it a power of two in the
-/// input cancels in front of the root and changes nothing.
+/// Returns the factor by which the plan multiplies the bend divided by the speed. A power of two in
+/// the input cancels in this product, before the root is taken, so it changes nothing.
 double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
 
 /// Plans where on the curve the points lie, and computes them.
@@ -199,8 +205,8 @@ public:
     Plan(FlatCubic const& curve, double tolerance) : mCurve(curve), mTolerance(tolerance) {
         mTotal = trammel_detail::PlanFlattening(mCurve, ScaleFor(tolerance), mPlan);
     }
-    /// Divides the curve into as many chords as it takes, but no more than `most`; returns how
-    /// many.
+    /// Divides the curve into as many chords as it takes, but no more than `most`. Returns their
+    /// number.
     int Divide(int most) {
         double const chords = std::max(1.0, std::ceil(mTotal)); // may be beyond any integer
         mPlan.chords = chords < most ? static_cast<int>(chords) : most;
@@ -235,8 +241,9 @@ void Set(FlatRun& run, int i, Place const& p) {
     run.dv[i] = p.v.v;
 }
 
-/// Delivers the points between P0 and P3 relative to P0, as deliver.Point(point) or as
-/// deliver.Run(h, v, count). Returns the distance kept.
+/// Delivers the points between P0 and P3 in order, relative to P0. It calls deliver.Point(point)
+/// for one point and deliver.Run(h, v, count) for several. Returns the distance that is kept:
+/// `asked`, or more where rounding or kMostFlatPoints does not allow it.
 template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
     double const finest = kFinest * curve.Size();
     double const tolerance = asked > finest ? asked : finest;

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: MIT
 
-// Arc length by Gauss-Legendre quadrature of the speed, with an error bound known beforehand.
+// The arc length is the integral of the speed. Gauss-Legendre quadrature takes it, with a bound on
+// the error that is known beforehand.
 //
 // A cubic's derivative, read as a complex number, is a quadratic z(t). The speed |z(t)| is the root
 // of z(t) times its conjugate polynomial. So it is analytic everywhere except at the two zeros of z
-// and their conjugates. These tell where the integrand can be hard, whatever the curve.
+// and their conjugates. These four places tell where the integral can be hard, for every curve.
 //
-// A piece of the curve is mapped to -1 <= w <= 1, where z(w) = A + Bw + Cw². Let a be the half-axis
-// along the reals of an ellipse with foci -1 and 1 that has no zero inside. Let
+// A piece of the curve is mapped to -1 <= w <= 1, where z(w) = A + Bw + Cw². Take an ellipse with
+// foci -1 and 1 that has no zero inside. Let a be its half-axis along the reals, and let
 // q = (a - sqrt(a² - 1))². With w = (u + 1/u)/2, |u| > 1, the speed's Chebyshev series has the
 // coefficients
 //
@@ -34,36 +35,40 @@
 //     512/63 / sqrt(pi) / (2n - 2)^(3/2) · S · q^n / (1 - q),
 //     S = sqrt((|A| + |B|a + |C|a²) a (|B| + 2|C|a)),
 //
-// which is some ten times the error of random curves, and four times the worst error found. Pieces
-// have the integral 3·half·(...). The proof uses only the triangle inequality for the magnitudes
-// |A|, |B| and |C|, and that they are no less than the true ones. So |h| + |v| serves as magnitude.
+// This bound is some ten times the error of random curves, and four times the worst error found.
+// The length of a piece is 3 times half its width times the integral over w, and so is the error.
 //
-// S is at most a² times its value for a = 1. For a piece with the part p of the whole width it is
+// The proof needs magnitudes |A|, |B| and |C| that obey the triangle inequality and are no less
+// than the true ones. So |h| + |v| serves as magnitude.
+//
+// S is at most a² times its value for a = 1. For a piece with the part p of the whole width, S is
 // at most sqrt(p) times its value for the whole. So the error of a piece is at most p^(3/2) times
 //
 //     3/2 · S(whole, a = 1) · 512/63 / sqrt(pi) / (2n - 2)^(3/2) · a² · q^n / (1 - q).
 //
-// These p^(3/2) never add up to more than 1. Neither do the p themselves, which are the shares of
-// the pieces that are measured otherwise. So however the curve is divided, a piece may be taken by
-// any formula whose bound is within the accuracy. That formula must find the zeros outside of an
-// ellipse, which depends only on the ratio of S to the accuracy. The ellipses are kept in a table,
-// by n and by powers of two of the ratio's square.
+// Each piece gets a share of the accuracy: p^(3/2) for a piece that is measured like this, and p
+// for a piece that is measured in the other way below. However the curve is divided, the shares
+// never add up to more than 1. So a piece may take any formula for which the factor of p^(3/2) is
+// within the accuracy. This holds where no zero is inside of an ellipse that depends only on n and
+// on the ratio of S to the accuracy. A table has these ellipses, by n and by powers of two of the
+// ratio's square.
 //
-// A curve for which no formula is right as a whole is divided at the real parts of the zeros
-// nearby. A piece that ends beside a zero asks for about the root of the nodes of a piece around
-// the zero. So hardly any piece is divided further. The zeros are needed to half of the digits
-// only.
+// Where no formula is right for the whole curve, the curve is divided at the real parts of the
+// zeros nearby. A piece that ends beside a zero needs about the square root of the number of nodes
+// that a piece around the zero needs. So hardly any piece is divided further. It is enough to know
+// the zeros to half of the digits.
 //
-// A zero on the reals coincides with its conjugate. It has no cut unless it is inside of the piece,
-// as the speed is |w - w1| times an analytic function. Drawn curves often have the first two
-// control points at one place, or the last two. Their zero is exactly at that end, and every piece
-// is measured as if it did not exist.
+// A zero on the reals coincides with its conjugate, and the speed is |w - w1| times an analytic
+// function. So this zero has no cut unless it is inside of the piece. Drawn curves often have the
+// first two control points at one place, or the last two. Their zero is exactly at that end, and
+// every piece is measured as if it did not exist.
 //
-// Accuracies finer than the table, and the last bits beside a cusp, are measured piece by piece
-// with the ellipse of the nearest zero. A zero at w has (|w - 1| + |w + 1|)/2 = a, and |w - 1| and
-// |w + 1| are its distances from the piece's ends in units of half the piece. Where the most nodes
-// do not suffice, the piece is divided beside that zero. Each division at a cusp makes the pieces
-// smaller by a factor of 5, and their length by a factor of 25.
+// The other way serves accuracies finer than the table, and the last bits beside a cusp. It goes
+// from piece to piece and takes the ellipse through the nearest zero. For a zero at w the half-axis
+// is a = (|w - 1| + |w + 1|)/2. Here |w - 1| and |w + 1| are the distances of the zero from the
+// piece's ends, in units of half the piece. Where the formula of most nodes does not suffice, the
+// piece is divided beside that zero. Each division at a cusp makes the piece shorter by a factor of
+// 5 in its parameter and by a factor of 25 in its length.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -199,13 +204,14 @@ constexpr GaussTable kTable = GaussTable()
                                   .Add(kGauss40);
 static_assert(kTable.filled == trammel_detail::kGaussEntries);
 
-/// The speed of a curve, and its integral. Everything is relative to three times the unit.
+/// The speed of a curve, and its integral. It holds a third of the curve's derivative.
 class Speed {
 public:
     /// Takes the derivative with Bezier coefficients 3·d0, 3·d1, 3·d2.
     Speed(Pt const& d0, Pt const& d1, Pt const& d2)
         : mCurve(trammel_detail::SpeedCurveOf(d0.h, d0.v, d1.h, d1.v, d2.h, d2.v)), mD2(d2) {}
-    /// Returns a bound on the curve's length, at most sqrt(2) times the control polygon's length.
+    /// Returns a bound on the curve's length. It is at most sqrt(2) times the length of the control
+    /// polygon.
     double Size() const { return mCurve.size; }
     /// Returns the derivative's length at `t`.
     double At(double t) const {
@@ -382,7 +388,8 @@ double ParameterAtLength(CBezier const& curve, double length, double accuracy) {
 
 double ParameterAtFraction(CBezier const& curve, double fraction, double accuracy) {
     return ParameterAt(curve, accuracy, [fraction](ScaledPoints<4> const&, double total) {
-        // A curve without length is at its start up to fraction 0, else at its end.
+        // A fraction outside of 0 to 1 asks for the nearer end. A curve without length is at its
+        // start for every fraction.
         return fraction <= 0.0 ? 0.0 : fraction >= 1.0 ? total : fraction * total;
     });
 }

@@ -1,24 +1,27 @@
 // SPDX-License-Identifier: MIT
 
-// The nearest point by subdivision of the squared distance.
+// The search for the nearest point divides the curve by the squared distance from the point asked
+// about.
 //
-// Seen from the point asked about, a piece of the curve has four control vectors q. Its squared
-// distance D = |q(x)|² is a polynomial of degree 6. Its Bernstein coefficients are made of products
-// of the control vectors, and they decide about the piece:
+// Let q be the four control vectors of a piece of the curve, seen from that point. The squared
+// distance D(x) = |q(x)|² is a polynomial of degree 6 in the piece's parameter x. Its Bernstein
+// coefficients are sums of products of the control vectors. They decide about the piece:
 //
-// - D is nowhere below the least coefficient. The piece is dropped where that is not below the best
-//   squared distance so far.
-// - The coefficients of D' are the differences of neighbours. Their signs tell the extrema:
-//     no change: there is no extremum inside, and the piece is dropped;
-//     one change from plus to minus: there is a maximum. The piece is dropped, as its ends have
-//         been taken;
-//     one change from minus to plus: there is one minimum, which Newton's method finds;
-//     more changes: the piece is halved.
+// - D is nowhere below its least coefficient. A piece is dropped when this coefficient is not below
+//   the squared distance that would still be worthwhile, see mWorthwhile.
+// - The coefficients of D' are, up to a factor, the differences of neighbouring coefficients of D.
+//   Their signs, from the start to the end of the piece, tell which extrema it has inside:
 //
-// A difference within the rounding of its terms counts as either sign. Control vectors are halved,
-// not recomputed from the whole. So near the point asked about all errors are relative to the small
-// piece there. Therefore a cusp or an end at that very point is found as sharply as any other
-// place.
+//       no change                  no extremum       the piece is dropped
+//       one, from plus to minus    one maximum       the piece is dropped, its ends are known
+//       one, from minus to plus    one minimum       Newton's method finds it
+//       more changes               perhaps several   the piece is halved
+//
+// A difference within the rounding of its terms counts as either sign.
+//
+// The control vectors of a piece come from halving, not from the coefficients of the whole curve.
+// So near the point asked about, all errors are relative to the small piece there. A cusp or an end
+// at that very point is therefore found as sharply as any other place.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -47,7 +50,7 @@ constexpr double kRounding = 0x1p-47;
 /// Differences of coefficients below this part of the greatest squared control vector may have
 /// either sign: some ten roundings of 2^-53.
 constexpr double kUnclear = 0x1p-49;
-/// The most halvings: a piece is a point then.
+/// The most pieces that wait for their turn. A piece is a point after as many halvings.
 constexpr std::size_t kMostPending = 60;
 /// The most steps of Newton's method and bisections: as many as halve the bracket to nothing.
 constexpr int kMostSteps = 64;
@@ -97,7 +100,9 @@ private:
     double mBest = 0.0;
     double mSquare = std::numeric_limits<double>::infinity();
     double mDistance = std::numeric_limits<double>::infinity();
-    double mWorthwhile = std::numeric_limits<double>::infinity(); ///< only less than this is better
+    /// The squared distance at which a point is better than the best one by the accuracy. Only
+    /// pieces that may come below it are searched.
+    double mWorthwhile = std::numeric_limits<double>::infinity();
 };
 
 /// Returns the Bernstein coefficients of the squared distance.
@@ -128,9 +133,10 @@ Extrema Classify(std::array<double, 7> const& d, double unclear) {
     unsigned const firstFall = falls & (0U - falls);
     unsigned const firstRise = rises & (0U - rises);
     if (falls == 0 || rises < 2 * firstFall) {
-        return Extrema::kNone; // no rise after a fall
+        return Extrema::kNone; // no rise follows a fall, so there is no minimum inside
     }
-    return falls < 2 * firstRise ? Extrema::kMinimum : Extrema::kSeveral; // no fall after a rise?
+    // There is one minimum when no fall follows a rise.
+    return falls < 2 * firstRise ? Extrema::kMinimum : Extrema::kSeveral;
 }
 
 /// Takes the piece's only minimum.
@@ -167,10 +173,11 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
         if (newton && next > lo && next < hi) {
             jumped = false;
         } else {
-            // Where Newton's step leads out of the bracket, the zero is probably near that end. If
-            // it was not near the end in the step before, the bracket is halved. It is halved every
-            // eighth step, too. The zero is then at most twice as far away as the step leads, and
-            // the greatest speed on the piece counts.
+            // Where Newton's step leads out of the bracket, the zero is probably near that end. So
+            // the first time x moves by nine tenths of the way to it. When this happens again in
+            // the next step, the bracket is halved. It is also halved in every eighth step, and
+            // where the slope is not above 0. The zero is then at most twice as far from x as the
+            // step leads. The greatest speed on the piece bounds how far that is on the curve.
             jumped = newton && !jumped;
             double const part = jumped ? 0.9 : 0.5;
             next = g < 0.0 ? x + part * (hi - x) : x - part * (x - lo);
@@ -185,7 +192,8 @@ void Search::TakeMinimum(Piece const& piece, std::array<double, 7> const& d) {
         }
         x = next;
     }
-    // The distance is good enough where the loop ended; the last step makes the parameter sharper.
+    // The distance is good enough already. The step that ended the loop makes the parameter
+    // sharper.
     Pt const last = q[0] + (c1 + (c2 + c3 * x) * x) * x;
     Take(piece.from + (piece.to - piece.from) * x, Square(last));
 }
@@ -229,7 +237,8 @@ void Search::Run() {
                 {q[0], Pt(h.left1, v.left1), Pt(h.left2, v.left2), middle}, piece.from, t};
             Piece const right = {
                 {middle, Pt(h.right1, v.right1), Pt(h.right2, v.right2), q[3]}, t, piece.to};
-            // The nearer half first: the other one may then be dropped.
+            // The half that ends nearer to the point comes first. The other one may then be
+            // dropped.
             bool const leftFirst = d[0] <= d[6];
             new (&pending[count++].piece) Piece(leftFirst ? right : left);
             piece = leftFirst ? left : right;

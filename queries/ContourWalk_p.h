@@ -20,12 +20,17 @@ namespace trammel_detail {
 
 /// Goes through the contours of a path. A contour begins with a move, or where drawing goes on
 /// after a close, and at (0, 0) before any move. It ends before the next move, with a close, or
-/// with the path.
+/// with the path. The walk calls these members of the visitor:
 ///
-/// Calls visitor.Begin(p) for each move, LineTo(p), CurveTo(c1, c2, e), Close() for each close, and
-/// Close() at the end. The visitor begins at (0, 0). Points are given by their addresses, which
-/// stay good as long as the path does not change. The walk ends early where the points do not
-/// suffice.
+///     Begin(p)            for each move
+///     LineTo(p)           for each line
+///     CurveTo(c1, c2, e)  for each curve: control points and end
+///     Close()             for each close, and at the end in any case
+///
+/// No Close() comes before a move: Begin() ends a contour that is still open. The visitor starts at
+/// (0, 0), and after a Close() it goes on from the last point drawn.
+/// Points are given by their addresses, which stay good as long as the path does not change. The
+/// walk ends early where the points do not suffice.
 template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) {
     TPoint<double> const* next = path.mPts.data();
     TPoint<double> const* const end = next + path.mPts.size();
@@ -55,7 +60,8 @@ template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) 
     visitor.Close();
 }
 
-/// Goes through the only contour of a polygon in the same way. The addresses need not be aligned.
+/// Goes through the only contour of a polygon in the same way. The addresses are those of v and h
+/// in turn and need not be aligned, so they come as `char const*`.
 template <class Visitor> void WalkContours(PointRun const& points, Visitor& visitor) {
     for (long i = 0; i < points.count; ++i) {
         char const* const p = points.bytes + i * kPointBytes;

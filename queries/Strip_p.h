@@ -16,8 +16,8 @@
 
 namespace trammel_detail {
 
-/// A strip around a chord that holds segments: every point of them is at most `radius` from the
-/// segment from `start` along `delta`.
+/// A strip around a chord. Every point of the segments that it holds is at most `radius` away from
+/// the chord, which runs from `start` to `start` + `delta`.
 ///
 /// The pieces of an outline are mildly bent, so a strip fits them far better than a box. Therefore
 /// the number of pieces that are about as near as the nearest one does not grow with the outline.
@@ -31,8 +31,8 @@ namespace trammel_detail {
 ///   distance  The parameter t is off by at most 8u|e|/|delta|, which takes the point on the chord
 ///             8u|e| from the nearest one. Differences and products add as much again.
 ///
-/// Squares could overflow or all of their bits underflow. Then the strip is the whole plane, or its
-/// chord is a point. The absolute error that underflow leaves in t is below 2^-600.
+/// Where squares could overflow, the strip is the whole plane. Where all bits of a square could
+/// underflow, the chord is a point. The absolute error that underflow leaves in t is below 2^-600.
 struct Strip {
     TPoint<double> start;
     TPoint<double> delta;
@@ -69,8 +69,9 @@ struct Strip {
         return std::sqrt(SquaredChordDistance(p));
     }
 
-    /// True when nothing in the strip is as near as `limit` to a point with this squared distance
-    /// from the chord. The limit leaves room for rounding.
+    /// True when nothing in the strip is as near as `limit`, a distance, to a point.
+    /// `squaredDistance` is the point's SquaredChordDistance. The caller's limit leaves room for
+    /// rounding.
     bool Beyond(double limit, double squaredDistance) const {
         double const reach = limit + radius;
         return squaredDistance > reach * reach;
@@ -78,8 +79,8 @@ struct Strip {
 };
 
 /// Returns the strip around a segment. A curve is at most 3/4 as far from its chord as the farther
-/// control point: distance from a segment is convex, and the control points' weights add up to 3t(1
-/// - t).
+/// control point. The reason is that the distance from a segment is convex, and that the control
+/// points' weights add up to 3t(1 - t) <= 3/4.
 inline Strip StripAround(CBezier const& c) {
     double const size = Taxicab(c.P0) + Taxicab(c.P1) + Taxicab(c.P2) + Taxicab(c.P3);
     if (!(size <= Strip::kLargest)) { // also for a NaN
@@ -91,8 +92,9 @@ inline Strip StripAround(CBezier const& c) {
     return strip;
 }
 
-/// Returns the strip around all that is in `count` strips. A point in one of them is no farther
-/// from the common chord than the farther end of the strip's own chord, plus its radius.
+/// Returns the strip around all that is in `count` strips, 1 or more, which follow each other along
+/// the outline. The common chord runs from the first strip's start to the last one's end. A point
+/// in a strip is no farther from it than the farther end of the strip's own chord, plus its radius.
 inline Strip StripAround(Strip const* strips, std::size_t count) {
     Strip strip(strips[0].start, strips[count - 1].End());
     double size = 0.0;

@@ -33,7 +33,7 @@ double EnclosedArea(std::vector<TPoint<double>> const& ring);
 struct AreaFigures {
     double area = 0.0; ///< without the holes
     std::size_t contours = 0;
-    std::size_t holes = 0; ///< of the contours
+    std::size_t holes = 0; ///< the number of contours that are holes
     std::size_t vertices = 0;
 };
 

@@ -26,7 +26,7 @@ struct Glyph {
     std::vector<CBSpline> quadratics; ///< the quadratic curves as they are in the font, in order
 };
 
-/// An open font file. Every operation throws Error.
+/// An open font file. Every operation may throw Error.
 class Font {
 public:
     /// Reads the file. Takes the first font of a collection.

@@ -103,9 +103,8 @@ public:
     /// Keeps clear of a line as well.
     void Avoid(TLine<double> const& line);
 
-    /// Returns a place for a label of the given size near `mark`. It is the candidate around the
-    /// mark that is farthest from the outline and from the places given so far. Near candidates are
-    /// preferred.
+    /// Returns a place for a label of the given size near `mark`, and keeps it. The best place is
+    /// clear of the outline and of the places given so far, and as near to the mark as that allows.
     TPoint<double> Place(TPoint<double> const& mark, double width, double height);
 
 private:
