@@ -20,24 +20,26 @@ namespace trammel_detail {
 /// One operand: closed contours whose vertices stay where the caller has them.
 class BooleanOperand {
 public:
+    /// Keeps its working memory in `scratch`, or on the heap for null.
     explicit BooleanOperand(Scratch* scratch) : mContours(scratch) {}
 
     /// Adds a contour of `count` vertices, with x and y in turns. A contour that cannot enclose
     /// anything is ignored, and so is one that has a coordinate which is not finite.
     void Add(double const* coordinates, std::size_t count);
 
+    /// Returns the box of all contours.
     Box<double> const& Bounds() const { return mBounds; }
     /// Returns the number of contours.
     std::size_t Count() const { return mContours.size(); }
     /// Returns the number of vertices.
     std::size_t VertexCount() const;
 
-    /// Leaves out the contours whose boxes do not meet `where`.
+    /// Keeps the contours whose boxes meet `where`, and drops the others.
     void Keep(Box<double> const& where);
 
-    /// Appends a line for each contour, which bounds operand `bit`. The interior has to be right
-    /// within `where` only. Of three vertices in a row beyond the same side of `where`, the one in
-    /// the middle matters on that side alone. It is left out.
+    /// Appends a line for each contour, which bounds operand `bit`. The lines enclose the right
+    /// points within `where` only: of three vertices in a row beyond the same side of `where`, the
+    /// one in the middle is left out. It matters on that side alone.
     void AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
                      GridLines& lines) const;
 
@@ -53,7 +55,8 @@ private:
     Box<double> mBounds;
 };
 
-/// The contours of a result in the order in which they are listed, see OrderContours().
+/// The contours of a result. Contour `i` is the one that is listed in place `i`, see
+/// OrderContours().
 struct BooleanResult {
     RegionContours resolved;
     ScratchVector<std::size_t> order;
@@ -70,9 +73,9 @@ struct BooleanResult {
     }
 };
 
-/// Returns the contours of the region of two operands, the first of which is operand 1 of `region`
-/// and the second operand 2. Leaves out contours of the operands that do not matter. Throws
-/// std::bad_alloc and std::length_error.
+/// Returns the contours of the region of two operands. In `region` the first one has bit 1 and the
+/// second one bit 2. Removes contours that do not matter from the operands. Throws std::bad_alloc
+/// and std::length_error.
 BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf const& region,
                       Scratch* scratch);
 

@@ -27,13 +27,14 @@ struct Chain {
     Number count;          ///< of edges
     Number next;           ///< the chain of the line that begins where this one ends
     Number previous;       ///< the chain of the line that ends where this one begins
-    Number other;          ///< where this one begins at a crossing of two edges, the other edge's
-                           ///< chain that begins there; else kNone
+    Number other;          ///< at a crossing of two edges, the other chain that begins where this
+                           ///< one begins; else kNone
     bool closed;           ///< a whole line, without nodes
-    Operands operands;     ///< in which the two sides differ: none once equal chains cancelled
+    Operands operands;     ///< in which its two sides differ. Of equal chains the first one has
+                           ///< those of all, by the even-odd rule, and the others have none.
     Operands left = 0;     ///< that the points to its left lie in
     bool labelled = false; ///< whether `left` is known
-    bool followed = false; ///< whether what goes on from it through crossings is labelled
+    bool followed = false; ///< whether the chains that continue it through crossings are labelled
     bool bounds = false;   ///< whether it is on the boundary of the region
 };
 
@@ -45,12 +46,13 @@ typedef Number HalfEdge;
 inline HalfEdge Twin(HalfEdge half) { return half ^ 1; }
 
 /// The graph of cut lines. Around each node the half-edges that leave it are linked in a cycle.
+/// A chain whose operands an equal chain took or cancelled is in no cycle there.
 struct ChainGraph {
     /// `incidences` has an element for each vertex of the lines. Refers to the lines, which must
     /// stay as they are. Throws std::length_error for more than EdgeTree::kMostEdges edges.
     ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences);
 
-    /// Returns the number of the chain's vertex number k.
+    /// Returns the number among all points of the chain's vertex number k, 0 <= k <= chain.count.
     Number VertexOf(Chain const& chain, Number k) const {
         Number const i = chain.first + k;
         auto const end = static_cast<Number>(lines.End(chain.line));

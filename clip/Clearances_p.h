@@ -21,7 +21,7 @@ inline std::int64_t LengthBound(GridEdge const& e) {
            (e.b.y > e.a.y ? e.b.y - e.a.y : e.a.y - e.b.y);
 }
 
-/// Tells which parts of cut edges need no second look.
+/// Tells which parts of cut edges need no second look. All lengths are in steps of the grid.
 ///
 /// A cut's rounding moves it by half of the doubles' spacing and a step of the grid, in x and in y.
 /// So all parts of an edge stay within R of it, where R is 5 times the largest spacing. Where parts
@@ -31,7 +31,7 @@ inline std::int64_t LengthBound(GridEdge const& e) {
 ///
 /// 2. Let e and f cross at P with an angle of t. Points within R of both lie within 2 R / sin t of
 /// P. Suppose that the next vertices on both are at least 9 R / sin t from P. Then only the parts
-/// that end at P come there, because the others stay R less than that away. A part deviates from
+/// that end at P come so near, because the others stay R less than that away. A part deviates from
 /// the direction of its edge by at most asin(2 R / (9 R / sin t - 2 R)) < t / 2. Therefore the
 /// parts have only their end at P in common.
 ///
@@ -66,8 +66,8 @@ public:
         return (a > limit && b > limit) || (a < -limit && b < -limit);
     }
 
-    /// Returns at least 12 R / sin t for the angle between the edges, whose cross product is
-    /// `product`.
+    /// Returns at least 12 R / sin t for the angle t between the edges. `product` is the cross
+    /// product of their directions; its sign does not matter.
     std::int64_t For(GridEdge const& e, GridEdge const& f, Int128 product) const {
         // The upper half of the product, so the quotient errs upward.
         auto const high = static_cast<std::int64_t>((product < 0 ? -product : product) >> 64);

@@ -11,12 +11,16 @@
 
 namespace trammel_detail {
 
-/// Brings contours into their order, and returns their numbers in it. Cost: O(n log n).
+/// Returns the numbers of the contours in the order in which they are listed. Leaves the contours
+/// in their places, and brings the vertices of each into their order. Cost: O(n log n).
 ///
 /// It is the order of a sweep upwards that links chains of edges at their local maxima (B. R.
-/// Vatti, A Generic Solution to Polygon Clipping, 1992). Vertices between two horizontal edges are
-/// left out. A hole starts at its highest vertex, another contour ends there; of several highest
-/// vertices it is the rightmost.
+/// Vatti, A Generic Solution to Polygon Clipping, 1992). Each contour is listed by one of its local
+/// minima, and the higher minimum comes first.
+///
+/// Vertices between two horizontal edges are left out. A contour without other vertices encloses
+/// nothing and is not listed. A hole starts at its highest vertex, another contour ends there. Of
+/// several highest vertices it is the rightmost.
 ScratchVector<std::size_t> OrderContours(RegionContours& resolved);
 
 } // namespace trammel_detail

@@ -23,9 +23,9 @@ enum class Recheck { kWhereNeeded, kEverywhere };
 /// edges are equal or have nothing in common but ends.
 ///
 /// The new vertices are points of `grid` that are doubles, and edges move by that rounding only.
-/// `incidences` gets an element for each vertex. `tree` gets a tree of the cut lines in their order
-/// if one is at hand, or none. Throws std::length_error for more edges than EdgeTree takes, or more
-/// cuts in a round than 32 bits count.
+/// `incidences` gets an element for each vertex of the cut lines. `tree` gets a tree of the cut
+/// lines in their order if one is at hand, or none. It refers to `lines`. Throws std::length_error
+/// for more edges than EdgeTree takes, or more cuts in a round than 32 bits count.
 ///
 /// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
 /// boxes meet.

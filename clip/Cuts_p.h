@@ -19,7 +19,7 @@ namespace trammel_detail {
 /// The cuts and near misses of each edge, in their order along it.
 class SortedCuts {
 public:
-    /// Throws std::length_error for more than 32 bits can count.
+    /// Sorts cuts of the edges of `tree`. Throws std::length_error for more than 32 bits can count.
     SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree);
 
     /// Removes cuts at which an edge turns back in either coordinate. The first cut of each edge
@@ -33,7 +33,7 @@ public:
     Cut const& At(std::size_t i) const { return mCuts[i]; }
     std::size_t Count() const { return mCuts.size(); }
 
-    /// True when the edge is cut.
+    /// True when the edge is cut. A near miss alone is no cut.
     bool Has(std::size_t edge) const { return (mHas[edge] & kCut) != 0; }
     bool HasNearMiss(std::size_t edge) const { return (mHas[edge] & kNearMiss) != 0; }
 
@@ -46,9 +46,10 @@ private:
     ScratchVector<char> mHas;           // one an edge: a set of kCut, kNearMiss
 };
 
-/// Makes the cuts new vertices of the lines. `active` gets an element for each new edge: 1 for a
-/// part of a cut edge that may meet other edges. These are all parts without `clearances`. Returns
-/// how many there are.
+/// Makes the cuts new vertices of `lines`, over which `tree` was made. `incidences` gets an element
+/// for each vertex of the new lines. `active` gets an element for each new edge: 1 for a part of a
+/// cut edge that may meet other edges. If `clearances` is null, any part may do so. Returns the
+/// number of ones. Cuts in `sorted` that lack their clearance become kShared.
 std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
                       GridLines& lines, ScratchVector<Incidence>& incidences,
                       ScratchVector<char>& active);

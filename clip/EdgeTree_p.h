@@ -56,19 +56,19 @@ public:
     /// may come nevertheless.
     template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
 
-    /// Returns the operands in which the points lie, by the even-odd rule, that are directly west
-    /// of the edge near its lower end. The edge is not horizontal. Exact, also where edges share
-    /// that end. The tree is in the order of the lines and has boxes.
+    /// Returns the operands that hold the points directly west of the edge, just above its lower
+    /// end, by the even-odd rule. Exact, also where edges share that end. Requires that the edge is
+    /// not horizontal, and that the tree is in the order of the lines and has boxes.
     Operands InsideWestOf(std::size_t edge) const;
 
 private:
-    static constexpr std::size_t kFan = 4;
-    static constexpr std::size_t kMostAtTop = 12;
-    static constexpr std::size_t kMostLevels = 17;
-    static constexpr std::size_t kLongestChain = 8;
-    static constexpr std::size_t kLongestSortedChain = 2;
-    static constexpr std::size_t kFewActive = 8;
-    static constexpr std::size_t kFewEdges = 48;
+    static constexpr std::size_t kFan = 4;                // children of a node
+    static constexpr std::size_t kMostAtTop = 12;         // nodes of the last level
+    static constexpr std::size_t kMostLevels = 17;        // enough for kMostEdges
+    static constexpr std::size_t kLongestChain = 8;       // edges of a leaf
+    static constexpr std::size_t kLongestSortedChain = 2; // the same along Morton's curve
+    static constexpr std::size_t kFewActive = 8;          // so few active edges need no boxes
+    static constexpr std::size_t kFewEdges = 48;          // nor do so few edges
     // Where chains mostly meet, a tree keeps nothing apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;
 
@@ -92,10 +92,10 @@ private:
         }
     };
 
-    /// A direction that tells slanted, nearly parallel edges apart, as those of hatching are, whose
-    /// boxes all meet. The position of a point is h x + v y, with x and y in units of 2^kUnitBits
-    /// steps. `reach` bounds the rounding of that and the margins; it is 0 where there is no such
-    /// direction.
+    /// A direction that tells slanted, nearly parallel edges apart although their boxes all meet.
+    /// Hatching has such edges. The position of a point is h x + v y, with x and y in units of
+    /// 2^kUnitBits steps. `reach` bounds the rounding of that and the margins. It is 0 where there
+    /// is no such direction.
     struct Slant {
         std::int64_t h = 0;
         std::int64_t v = 0;
@@ -105,7 +105,8 @@ private:
             return h * (p.x >> kUnitBits) + v * (p.y >> kUnitBits);
         }
     };
-    /// A coordinate has 61 bits without its sign, the direction 15, and a sum of products 63.
+    /// Coordinates are at most 2^60, so at most 2^44 in these units. The direction's h and v are
+    /// less than 2^15. So a position is less than 2^60.
     static constexpr int kUnitBits = 16;
     static constexpr double kSlantUnits = 32767.0;
 
@@ -127,8 +128,8 @@ private:
         std::uint32_t i;
         std::uint32_t j;
     };
-    /// The pairs still to be visited in a walk through the tree. No level has more pairs than
-    /// come from one pair of the level above.
+    /// The pairs still to be visited in a walk through the tree. On each level they come from one
+    /// pair of the level above, so there are at most kFan * kFan.
     class Stack {
     public:
         void Push(std::size_t level, std::size_t i, std::size_t j) {

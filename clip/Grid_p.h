@@ -27,12 +27,13 @@ inline bool operator!=(GridPoint a, GridPoint b) { return !(a == b); }
 /// Orders by y, then by x, as a sweep upwards meets the points.
 inline bool operator<(GridPoint a, GridPoint b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
 
-/// One axis of the grid: 2^61 steps, each a power of two, over the range of the coordinates.
+/// One axis of the grid over the range of the coordinates. The range has 2^60 to 2^61 steps, or
+/// fewer where such a step would be finer than all doubles. The step is a power of two.
 ///
 /// The grid is centred on the range and depends on the coordinates' differences from its lower end
-/// only. So a figure gives the same grid points wherever it is moved. The step is a power of two,
-/// so the mapping is exact for every double without bits below the step. These are all doubles that
-/// are at least 2^-8 of the range from zero.
+/// only. So a figure gives the same grid points wherever it is moved. As the step is a power of
+/// two, the mapping is exact for every double without bits below the step. All doubles that are at
+/// least 2^-8 of the range from zero are of this kind.
 class GridAxis {
 public:
     /// The axis for coordinates in low <= v <= high, where low < high and both are finite.
@@ -42,7 +43,8 @@ public:
     std::int64_t ToGrid(double v) const;
 
     /// Returns the double nearest to grid coordinate `g`, and sets `g` to the coordinate of that
-    /// double. Here the doubles may be coarser than the grid, but all of them lie on it.
+    /// double. The two coordinates differ where the doubles are coarser than the grid. The double
+    /// always lies on the grid.
     double FromGrid(std::int64_t& g) const;
 
     /// Returns the distance of the double at grid coordinate `g` to the next one away from zero, in
@@ -56,7 +58,7 @@ public:
     /// Returns the double at grid coordinate `g`, which is the coordinate of a double.
     double OfDouble(std::int64_t g) const;
 
-    /// Returns the least magnitude from which on doubles map exactly.
+    /// Returns a magnitude from which on all doubles map exactly.
     double ExactFrom() const { return mExactFrom; }
 
 private:
@@ -67,13 +69,14 @@ private:
     double mDown1 = 1;
     double mDown2 = 1;
     double mOrigin = 0;       // scaled, a multiple of the step near the range's lower end
-    std::int64_t mHalf = 0;   // half the range, in steps: what is added to be centred
+    std::int64_t mHalf = 0;   // half the range, in steps: mOrigin has grid coordinate -mHalf
     double mStep = 1;         // scaled
     double mStepsPerUnit = 1; // 1 / mStep
     double mExactFrom = 0;
-    // The sum of this and a grid coordinate counts from zero. Set if no such sum exceeds 62 bits.
+    // True when the doubles' zero is near enough to count steps from there: the sum of mFromZero
+    // and a grid coordinate is that count, and none exceeds 62 bits.
     bool mIsNearZero = false;
-    std::int64_t mFromZero = 0;
+    std::int64_t mFromZero = 0; // 0 unless mIsNearZero
 };
 
 inline std::int64_t GridAxis::ToGrid(double v) const {
@@ -131,7 +134,7 @@ inline std::int64_t GridAxis::Spacing(std::int64_t g) const {
 /// The grid of one clip, and the operands' vertices that it cannot hold exactly.
 class ClipGrid {
 public:
-    /// The grid over low.x <= x <= high.x, low.y <= y <= high.y.
+    /// The grid over lowX <= x <= highX, lowY <= y <= highY.
     ClipGrid(double lowX, double lowY, double highX, double highY)
         : mX(lowX, highX), mY(lowY, highY) {}
 
@@ -159,8 +162,8 @@ public:
     GridPoint Spacing(GridPoint p) const { return {mX.Spacing(p.x), mY.Spacing(p.y)}; }
     GridPoint LargestSpacing() const { return {mX.LargestSpacing(), mY.LargestSpacing()}; }
 
-    /// Sets x and y to the doubles of a snapped point: those of the first vertex that was added
-    /// there, if the way back would change it, or else its own.
+    /// Sets x and y to the doubles of a snapped point. Where Add() remembered vertices, these are
+    /// the doubles of the first of them.
     void ToDoubles(GridPoint p, double& x, double& y) const;
 
 private:

@@ -39,6 +39,7 @@ public:
     std::int64_t Along(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
     /// Returns the other coordinate, which does not fall from the first end to the second.
     std::int64_t Across(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
+    /// Returns the point that has these two coordinates.
     GridPoint Point(std::int64_t along, std::int64_t across) const {
         return mWide ? GridPoint{along * mX, across * mY} : GridPoint{across * mX, along * mY};
     }
@@ -72,8 +73,10 @@ enum class Test {
 /// Practical Segment Intersection with Finite Precision Output, 1999.)
 ///
 /// With `clearances`, which goes with exact tests only, cuts get their clearance, and near misses
-/// are found as well. The tree's margin is their reach then. Without, all cuts have clearance 0.
-/// Sets kShared in `incidences` for vertices that edges share.
+/// are found as well. The tree's margin is their reach then. Without clearances there are no near
+/// misses, and all cuts have clearance 0 and incidence kShared. For hot pixels the tree's margin is
+/// the largest spacing. Sets kShared in `incidences` for vertices that edges share, except edges
+/// that only follow each other.
 ScratchVector<Cut> FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
                             Clearances const* clearances, ScratchVector<Incidence>& incidences);
 

@@ -26,13 +26,15 @@ struct GridLines {
     explicit GridLines(Scratch* scratch = nullptr)
         : points(scratch), ends(scratch), operands(scratch) {}
 
+    /// Returns the number of lines.
     std::size_t Count() const { return ends.size(); }
+    /// Line `i` has the points from Begin(i) on and before End(i).
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1]; }
     std::size_t End(std::size_t i) const { return ends[i]; }
 
-    /// Ends the line that was begun with points.push_back(). Takes out repeated vertices and edges
-    /// that run back over the one before, and the whole line if fewer than three vertices are left.
-    /// Thus no point changes its parity.
+    /// Ends the line that was begun with points.push_back(), which bounds `operand`. Takes out
+    /// repeated vertices and edges that run back over the edge before. Takes out the whole line if
+    /// fewer than three vertices are left. All this leaves the even-odd rule's answer as it is.
     void Close(Operands operand);
 };
 
@@ -42,7 +44,7 @@ struct GridEdge {
     GridPoint b;
 };
 
-/// The box of an edge or of several, with its edges.
+/// The bounding box of one edge or of several. Points on its sides belong to it.
 typedef Box<std::int64_t> GridBox;
 
 inline GridBox BoxOf(GridPoint a, GridPoint b) { return GridBox::Of(a.x, a.y, b.x, b.y); }

@@ -135,11 +135,11 @@ void Linker::LabelAlong(Number chain) {
     }
 }
 
-/// Labels the chains around a node. What the points beside one half-edge lie in tells it for all
-/// others.
+/// Labels the chains around a node. The operands of the points beside one half-edge tell those of
+/// the points beside all others.
 void Linker::LabelAround(HalfEdge from) {
     mDone[mGraph.nodeOf[from]] = 1;
-    // What the points counterclockwise of the half-edge lie in.
+    // The operands that hold the points counterclockwise of the half-edge.
     Operands here = mChains[from / 2].left ^ (from % 2 == 0 ? 0 : mChains[from / 2].operands);
     Operands last = mChains[from / 2].operands;
     for (HalfEdge at = mGraph.nextClockwise[from]; at != from; at = mGraph.nextClockwise[at]) {

@@ -15,9 +15,9 @@
 
 namespace trammel_detail {
 
-/// The contours of a region. Each has neither vertex nor edge in common with itself. Two of them
-/// may share single vertices, where they meet but do not cross. Those of holes run
-/// counterclockwise, the others clockwise (y up).
+/// The contours of a region. None visits a vertex twice. Two of them may share single vertices,
+/// where they meet but do not cross. Contours of holes run counterclockwise, the others clockwise
+/// (y up).
 struct RegionContours {
     explicit RegionContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
 
@@ -25,13 +25,14 @@ struct RegionContours {
     ScratchVector<char> holes; ///< one a contour: 1 if the region lies outside of it
 };
 
-/// Whether the points that lie in certain operands and in no others belong to the region. The index
-/// is a set of Operands from 0 to 3. Points in no operand do not belong to it.
+/// Tells for each set of operands whether the points in these and in no others belong to the
+/// region. The index is the set, Operands from 0 to 3. Points in no operand never belong to it.
 typedef std::array<bool, 4> RegionOf;
 
-/// Returns the contours of the region. Two edges of the lines are equal or have nothing in common
-/// but ends. `tree` is a tree over the lines in their order, or none; `incidences` has an element
-/// for each vertex. Throws std::length_error for more than EdgeTree::kMostEdges edges.
+/// Returns the contours of the region. The arguments come from CutAtCrossings(). Two edges of the
+/// lines have to be equal or have nothing in common but ends. `tree` is a tree over the lines in
+/// their order, or none. `incidences` has an element for each vertex. Throws std::length_error for
+/// more than EdgeTree::kMostEdges edges.
 ///
 /// Cost: O(n + s log s) for s shared vertices, and a ray for each connected part of the lines.
 RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,

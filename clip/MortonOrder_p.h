@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Morton codes: numbers that are near each other where points of the grid are. Not installed.
+// Morton codes: one number for a point of the grid. Points with near codes are mostly near each
+// other. Not installed.
 #ifndef TRAMMEL_MORTONORDER_P_H
 #define TRAMMEL_MORTONORDER_P_H
 

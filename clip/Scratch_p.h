@@ -14,8 +14,8 @@
 
 namespace trammel_detail {
 
-/// A block of memory for one operation. Small operands fit in it and so save calls of the heap,
-/// which take most of their time otherwise.
+/// A block of memory for one operation. It outlives all vectors in it. Small operands fit in it and
+/// so save calls of the heap, which take most of their time otherwise.
 class Scratch {
 public:
     Scratch() : mFree(mBlock) {}
@@ -33,11 +33,12 @@ public:
         mFree += whole;
         return taken;
     }
-    /// Takes back what Take() gave. Only what it gave last can be given again.
+    /// Takes back `size` bytes that Take() gave. Bytes of the block can be given again only if they
+    /// were the last ones that it gave.
     void TakeBack(void* given, std::size_t size) {
         auto* const begin = static_cast<unsigned char*>(given);
-        // std::less orders pointers into different arrays, too. A full block gives its end where
-        // nothing was asked for.
+        // std::less orders pointers into different arrays, too. The end counts as part of the
+        // block: a full block gives its end to a call for 0 bytes.
         if (std::less<>()(begin, mBlock) || std::less<>()(mBlock + kSize, begin)) {
             ::operator delete(given);
         } else if (begin + Rounded(size) == mFree) {

@@ -2,7 +2,7 @@
 
 // A rectangle as its least and its greatest coordinates, for every kind of number. Not installed.
 //
-// Two differences to TRect: a new box is empty instead of being the point (0, 0), and the edges
+// Two differences from TRect: a new box is empty instead of being the point (0, 0), and the edges
 // always belong to it. Everything is inline and holds no more than four numbers.
 
 #ifndef TRAMMEL_BOX_P_H

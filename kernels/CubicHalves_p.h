@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 
-// The halving of cubics that lie side by side in the lanes of vectors. Not installed.
+// The halving of one cubic, or of several that lie side by side in the lanes of vectors. Not
+// installed.
 
 #ifndef TRAMMEL_CUBICHALVES_P_H
 #define TRAMMEL_CUBICHALVES_P_H
 
 namespace trammel_detail {
 
-/// The control points that halving gives, in one coordinate of the cubics: those between the first
-/// point, the middle and the last point. A midpoint is (a + b)·0.5, which has the bits of (a +
-/// b)/2.
+/// The control points that halving gives, in one coordinate of the cubics p0, p1, p2, p3. The left
+/// half is p0, left1, left2, middle; the right half is middle, right1, right2, p3. Vector is double
+/// or a vector.
+///
+/// A midpoint is (a + b)·0.5, which has the bits of (a + b)/2.
 template <class Vector> struct CubicHalves {
     Vector left1, left2, middle, right1, right2;
 

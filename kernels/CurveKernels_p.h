@@ -18,15 +18,15 @@ inline constexpr int kBlockLevels = 6;
 inline constexpr int kBlockPoints = (1 << kBlockLevels) - 1;
 
 /// The numbers by which most pieces of a curve are quickly found to be flat or not. FlatnessFilter
-/// makes them, and its comment shows that the decision is right.
+/// (Sources/Flatness_p.h) makes them, and its comment shows that the decision is right.
 struct FlatnessBand {
     double largestInverseSlope =
-        -1.0;                ///< no decided chord is nearer to horizontal; -1: decide nothing
+        -1.0; ///< |h/v|: no decided chord is nearer to horizontal; -1: decide nothing
     double surelyFlat = 0.0; ///< the squared tolerance less the band, times (8/3)²
     double surelyNot = 0.0;  ///< the squared tolerance plus the band, times (8/3)²
     double tolerance = 0.0;
 
-    static constexpr double kLargestSlope = 0x1p40; ///< no decided chord is steeper
+    static constexpr double kLargestSlope = 0x1p40; ///< |v/h|: no decided chord is steeper
     static constexpr double kShortest = 0x1p-200;   ///< no decided chord is shorter in v
 };
 
@@ -62,7 +62,7 @@ void EdgeLengthsPortable(double const* points, long edges, double* lengths);
 void EdgeLengthsAvx2(double const* points, long edges, double* lengths);
 
 /// Stores at `lengths` the distance from each point to the next, with the bits of hypot. `points`
-/// holds the coordinates of `edges` + 1 points, two for each.
+/// holds v and h of `edges` + 1 points in turn.
 [[gnu::always_inline]] inline void EdgeLengths(double const* points, long edges, double* lengths) {
     Dispatch<EdgeLengthsPortable, EdgeLengthsAvx2>(points, edges, lengths);
 }

@@ -29,7 +29,7 @@ bool HasWideVectors();
 TRAMMEL_API bool UsePortableForms(bool portable);
 
 /// Calls the form of a kernel that suits this processor. Where the build has no forms for AVX2,
-/// `avx2` may be declared only.
+/// `avx2` needs no definition.
 template <auto portable, auto avx2, class... Arguments>
 [[gnu::always_inline]] inline auto Dispatch(Arguments&&... arguments) {
     static_assert(std::is_same_v<decltype(portable), decltype(avx2)>, "two forms of one kernel");

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // The arithmetic of flattening, written for either vector of four doubles (Vector_p.h).
-// AccurateFlatten.cpp tells the method. Each of two files compiles it for one vector, and no other
-// file includes this header. Not installed.
+// queries/AccurateFlatten.cpp tells the method. Each of two files compiles it for one vector, and
+// no other file includes this header. Not installed.
 
 #ifndef TRAMMEL_FLATTENKERNELFORMS_P_H
 #define TRAMMEL_FLATTENKERNELFORMS_P_H

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 
 // The arithmetic of flattening, in a form for every processor and in one for AVX2, of the same
-// bits. AccurateFlatten.cpp tells the method. Not installed.
+// bits. queries/AccurateFlatten.cpp tells the method. Not installed.
+//
+// A caller tries FewChords first, if the curve is hardly bent. Otherwise it calls PlanFlattening,
+// sets the number of chords in the plan, and calls NextFlatRun until a run has no points.
 
 #ifndef TRAMMEL_FLATTENKERNELS_P_H
 #define TRAMMEL_FLATTENKERNELS_P_H
@@ -36,8 +39,9 @@ template <class Number> struct Deviation {
     Number along;  ///< beyond the ends
 };
 
-/// Returns the bounds for a piece over a parameter range `h`. Its chord is (dh, dv), of squared
-/// length `square`; a third of the derivative is (v0h, v0v) at its start and (v1h, v1v) at its end.
+/// Returns the bounds for a piece over a parameter range of width `h`. Its chord is (dh, dv), of
+/// squared length `square`; a third of the derivative is (v0h, v0v) at its start and (v1h, v1v) at
+/// its end.
 template <class Number>
 [[gnu::always_inline]] inline Deviation<Number>
 DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& square,
@@ -70,7 +74,9 @@ inline constexpr int kManyPanels = 64;     ///< panels of a plan for many points
 inline constexpr double kFewPoints = 80.0; ///< a plan for more points has many panels
 inline constexpr int kFewChords = 8;       ///< the most chords that a curve gets without a plan
 
-/// Where on the curve the points are to lie. Arrays have room for whole vectors.
+/// Where on the curve the points are to lie. Panels are equal parts of the parameter.
+/// PlanFlattening sets `panels` and the arrays. Its caller sets the other fields: `panel` and
+/// `done` to 0. Arrays have room for whole vectors.
 struct FlatPlan {
     int panels = kFewPanels;
     int panel;       ///< the panel in which the next chord ends
@@ -78,8 +84,8 @@ struct FlatPlan {
     int done;        ///< the number of chords whose ends are computed
     double step;     ///< the last sum divided by the number of chords
     double perChord; ///< the inverse of `step`; infinite or NaN where there is no bend
-    double density[kManyPanels + 4];
-    double sums[kManyPanels + 4]; ///< integrals of the density from 0 to the panels' ends
+    double density[kManyPanels + 4]; ///< chords per unit of the parameter, at the panels' ends
+    double sums[kManyPanels + 4];    ///< integrals of the density from 0 to the panels' ends
 };
 
 /// Planned points, computed together.
@@ -88,7 +94,8 @@ struct FlatRun {
 
     int count;
     std::uint64_t failing; ///< bit i: the chord to point i + 1 is not known to keep the tolerance
-    // Index 0 holds the point before the run. There is room for whole vectors.
+    // Index 0 holds the place before the run, which the caller sets before NextFlatRun. There is
+    // room for whole vectors.
     double t[kRoom + 8]; ///< parameters
     double h[kRoom + 8]; ///< points
     double v[kRoom + 8];
@@ -99,8 +106,9 @@ struct FlatRun {
 double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
 double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
 
-/// Sets the plan's panels, densities and sums. Returns the last sum: the number of chords that
-/// leave the curve by the tolerance. `scale` is 3/(4·tolerance).
+/// Sets the plan's panels, densities and sums. Returns the last sum: the number of chords, not yet
+/// rounded, that leave the curve by about d. `scale` is 3/(4·d), where the caller takes d a little
+/// below the tolerance.
 [[gnu::always_inline]] inline double PlanFlattening(FlatCubic const& curve, double scale,
                                                     FlatPlan& plan) {
     return Dispatch<PlanFlatteningPortable, PlanFlatteningAvx2>(curve, scale, plan);
@@ -110,7 +118,7 @@ void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& pla
 void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, FlatRun& run);
 
 /// Computes the next points of the plan, and verifies the chords that end in them. The run's count
-/// is 0 when the plan is done.
+/// is 0 when the plan is done. Between two calls the caller moves the last place to index 0.
 [[gnu::always_inline]] inline void NextFlatRun(FlatCubic const& curve, double tolerance,
                                                FlatPlan& plan, FlatRun& run) {
     Dispatch<NextFlatRunPortable, NextFlatRunAvx2>(curve, tolerance, plan, run);
@@ -121,7 +129,7 @@ int FewChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRu
 
 /// Tries to divide a curve into two to kFewChords chords that all keep the tolerance. Returns their
 /// number, and stores h and v of the points at their ends, from index 1 on. Returns 0 when it does
-/// not succeed; the caller then makes a plan. `scale` is 3/(4·tolerance).
+/// not succeed; the caller then makes a plan. `scale` is the same as for PlanFlattening.
 [[gnu::always_inline]] inline int FewChords(FlatCubic const& curve, double scale, double tolerance,
                                             FlatRun& run) {
     return Dispatch<FewChordsPortable, FewChordsAvx2>(curve, scale, tolerance, run);

@@ -24,8 +24,8 @@ inline constexpr bool kInlineHypot = true;
 inline constexpr bool kInlineHypot = false;
 #endif
 
-inline constexpr double kHypotLargest = 0x1p+511;  ///< squares of larger legs overflow
-inline constexpr double kHypotSmallest = 0x1p-459; ///< squares of smaller legs lose bits that count
+inline constexpr double kHypotLargest = 0x1p+511;  ///< squares of larger legs may overflow
+inline constexpr double kHypotSmallest = 0x1p-459; ///< squares of smaller legs may lose bits
 /// A shorter leg of at most this part of the longer one changes the result by rounding only.
 inline constexpr double kHypotNegligible = 0x1p-54;
 

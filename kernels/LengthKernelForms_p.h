@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // The integral of a curve's speed, written for either vector of four doubles (Vector_p.h).
-// AccurateLength.cpp tells the method. Each of two files compiles it for one vector. Only the test
-// of its parts includes this header besides. Not installed.
+// queries/AccurateLength.cpp tells the method. Each of two files compiles it for one vector.
+// Besides these, only the test of its parts includes this header. Not installed.
 
 #ifndef TRAMMEL_LENGTHKERNELFORMS_P_H
 #define TRAMMEL_LENGTHKERNELFORMS_P_H
@@ -61,9 +61,10 @@ template <class Vector> struct PieceSpeed {
 inline constexpr double kLargestAxis = 64.0;
 /// A division leaves at least this part of a piece on either side.
 inline constexpr double kLeastPart = 0.2;
-/// At most so many pieces wait for their turn. A piece that was divided as often has length 0.
+/// At most so many pieces wait for their turn. Each division at a cusp makes the length of a piece
+/// 25 times smaller, and 25^-64 < 2^-297 is nothing beside the rounding.
 inline constexpr int kMostPending = 64;
-/// The bound's factor 512/63 / sqrt(pi) / (2n - 2)^(3/2) for each formula, rounded up.
+/// The bound's factor 512/63 / sqrt(pi) / (2n - 2)^(3/2) for each formula of n nodes, rounded up.
 inline constexpr double kGaussFactors[kGaussFormulas] = {
     0.311981,  0.0875312, 0.0444346,  0.0279044,  0.0195740,
     0.0146967, 0.0115549, 0.00939221, 0.00782904, 0.00665601};
@@ -397,8 +398,8 @@ struct Cuts {
 ///
 /// The bits of a number give its logarithm, 2^52 for each factor of 2, as if it were straight
 /// between powers of two. The true logarithm is less than 0.0861 above that, and never below it. So
-/// 0.0861 is added for the bound, and nothing for the limit. The bits of a bound that underflows
-/// tell too much.
+/// 0.0861 is added for the bound, and nothing for the limit. For a bound that underflows the bits
+/// give too great a logarithm, which only asks for more nodes.
 [[gnu::always_inline]] inline std::int64_t RatioRow(SpeedCurve const& z, double accuracy) {
     // The bound holds for the whole curve, from 0 to 1. The factor 9/4 is the square of three
     // times half of its width.
@@ -469,7 +470,8 @@ template <class Vector>
                 to = nearest < from + to ? from + kLeastPart * width : to - kLeastPart * width;
                 continue;
             } else {
-                // Its share of the accuracy is no less than what p^(3/2) leaves for it.
+                // Let p be a piece's part of all parameters. A piece by a formula is off by at most
+                // p^(3/2) <= p of the accuracy, this one by p of it. All p add up to 1 at most.
                 sum += LengthByZeros<Vector>(curve, from, to, width * within, table);
             }
         }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The integral of a curve's speed, in a form for every processor and in one for AVX2, of the same
-// bits. AccurateLength.cpp tells the method. Not installed.
+// bits. queries/AccurateLength.cpp tells the method and holds the table. Not installed.
 
 #ifndef TRAMMEL_LENGTHKERNELS_P_H
 #define TRAMMEL_LENGTHKERNELS_P_H
@@ -13,16 +13,17 @@ namespace trammel_detail {
 /// A third of a cubic's derivative, a + 2bt + ct² in both coordinates.
 struct SpeedCurve {
     double aH, aV, bH, bV, cH, cV;
-    double size;       ///< at least its magnitude, for t from 0 to 1
+    double size;       ///< at least the magnitude of that third, for t from 0 to 1
     bool restsAtStart; ///< the first two control points are equal
     bool restsAtEnd;   ///< the last two control points are equal
     bool zerosKnown = false;
-    /// If known, its zeros as a polynomial of complex numbers, without those at ends where the
-    /// curve rests. A zero that does not exist is NaN or huge.
+    /// If known, the zeros of a + 2bt + ct² as a polynomial of complex numbers h + iv. A zero at an
+    /// end where the curve rests is left out. A zero that does not exist is NaN or huge.
     double zeroH[2], zeroV[2];
 };
 
-/// Returns the speed curve with the Bezier coefficients d0, d1 and d2.
+/// Returns the speed curve with the Bezier coefficients d0, d1 and d2: the differences between each
+/// control point of the cubic and the next.
 [[gnu::always_inline]] inline SpeedCurve SpeedCurveOf(double d0H, double d0V, double d1H,
                                                       double d1V, double d2H, double d2V) {
     SpeedCurve curve;
@@ -77,7 +78,8 @@ double SpeedLengthAvx2(SpeedCurve& curve, double t0, double t1, double accuracy,
                        double const (&table)[kGaussEntries]);
 
 /// Returns the length between two parameters, 0 <= t0 <= t1 <= 1, right within `accuracy` and the
-/// rounding, 2^-50 of the size. Sets the curve's zeros when it needs them.
+/// rounding, 2^-50 of the size. Sets the curve's zeros when it needs them. A curve whose size is
+/// not from kLeastMeasured to kGreatestMeasured has to be scaled before.
 [[gnu::always_inline]] inline double SpeedLength(SpeedCurve& curve, double t0, double t1,
                                                  double accuracy,
                                                  double const (&table)[kGaussEntries]) {

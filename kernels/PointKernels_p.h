@@ -19,9 +19,9 @@ namespace trammel_detail {
 inline constexpr long kPointBytes = 16;
 
 // ------------------------------------------------------------------------------------------------
-// Which points are not below a height
+// Which points are not below a height (v grows downward)
 
-/// Returns the mask of points 0 and 1 whose v is at most `v`. A NaN is not.
+/// Returns a mask that tells of points 0 and 1 whether their v is at most `v`. A NaN is not.
 [[gnu::always_inline]] inline Mask2 TwoNotBelow(char const* points, double v) {
     return Firsts(Double2::Load(points), Double2::Load(points + kPointBytes)) <= Double2(v);
 }
@@ -72,9 +72,9 @@ struct PointExtent {
     }
 };
 
-/// Returns the extent of `count` points, at least one, that begin at `first` and follow each other
-/// at `step` bytes. A NaN in the first point stays; later ones change nothing. Of several equal
-/// zeros, any may be kept.
+/// Returns the extent of `count` points, at least one. The first lies at `first`, and each other
+/// one `step` bytes behind the one before. A NaN in the first point stays; later ones change
+/// nothing. Of several equal zeros, any may be kept.
 [[gnu::always_inline]] inline PointExtent ExtentOfPoints(char const* first, long step, long count) {
     auto const point = [=](long i) __attribute__((always_inline)) {
         return Double2::Load(first + step * i);
@@ -128,7 +128,7 @@ template <bool kAboutOrigin>
 void TransformPointsPortable(char* points, long count, AffineMap const& map);
 void TransformPointsAvx2(char* points, long count, AffineMap const& map);
 
-/// Replaces each point by its image.
+/// Replaces each of `count` points by its image.
 [[gnu::always_inline]] inline void TransformPoints(char* points, long count, AffineMap const& map) {
     constexpr long kFew = 8; // calling a kernel for fewer points costs more than it saves
     if (count >= kFew) {

@@ -9,10 +9,11 @@ namespace trammel_detail {
 
 struct TwoSumResult {
     double value; ///< the rounded sum
-    double error; ///< exactly what rounding took from it
+    double error; ///< the exact sum less `value`; it is a double itself
 };
 
-/// Returns a + b. Source: D. E. Knuth, The Art of Computer Programming 2, section 4.2.2, theorem B.
+/// Returns a + b without loss, unless the sum overflows. Source: D. E. Knuth, The Art of Computer
+/// Programming 2, section 4.2.2, theorem B.
 inline TwoSumResult TwoSum(double a, double b) {
     double const s = a + b;
     double const t = s - a;
