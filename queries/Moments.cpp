@@ -26,6 +26,10 @@ typedef TPoint<double> Pt;
 
 double Cross(Pt const& a, Pt const& b) { return a.h * b.v - a.v * b.h; }
 
+/// Twice the area of the fan of a line. The difference keeps the rounding in proportion to the
+/// line's length, so that many short lines far from the reference do not add up to more.
+double CrossOfFan(Pt const& a, Pt const& b) { return Cross(a, b - a); }
+
 Pt PtAt(void const* p) {
     Double2 const coordinates = Double2::Load(p);
     return Pt(coordinates[1], coordinates[0]);
@@ -34,7 +38,7 @@ Pt PtAt(void const* p) {
 /// Gathers the integral of the density, the area.
 class AreaSum {
 public:
-    void AddTriangle(Pt const& a, Pt const& b) { mArea.Add(Cross(a, b) * 0.5); }
+    void AddTriangle(Pt const& a, Pt const& b) { mArea.Add(CrossOfFan(a, b) * 0.5); }
     /// Adds the fan of a cubic: its chord's triangle, and what lies between, from differences to
     /// the start. The latter's weights are the integrals of products of Bernstein polynomials.
     void AddCurve(Pt const& p0, Pt const& p1, Pt const& p2, Pt const& p3) {
@@ -54,7 +58,7 @@ private:
 class MomentSums {
 public:
     void AddTriangle(Pt const& a, Pt const& b) {
-        double const cross = Cross(a, b);
+        double const cross = CrossOfFan(a, b);
         Add({cross / 2.0, cross * (a.h + b.h) / 6.0, cross * (a.v + b.v) / 6.0,
              cross * (a.h * a.h + a.h * b.h + b.h * b.h) / 12.0,
              cross * (a.h * (a.v + a.v + b.v) + b.h * (a.v + b.v + b.v)) / 24.0,

@@ -10,9 +10,11 @@
 //
 // The functions integrate the polynomials of the curves exactly, so that only rounding is left. L
 // is the length of the closed control polygons, and D the greatest extent of their bounds in h or
-// v. An area is off by at most 2^-46 L D. Where no winding number is of the other sign, the
-// centroid lies within the bounds; times the area, it is off by at most 2^-45 L D², and the second
-// moments are off by at most 2^-43 L D³. The bounds do not grow with the distance from the origin.
+// v. An area is off by at most 2^-46 L D. Where no winding number is of the other sign, the true
+// centroid lies within the bounds. Suppose also that the area is at least 2^-44 L D. Then the
+// centroid times the area is off by at most 2^-45 L D², and the second moments are off by at most
+// 2^-43 L D³. Thinner regions have no such bound, because the area divides the centroid. The bounds
+// do not grow with the distance from the origin.
 //
 // A NaN or infinite coordinate makes the results NaN or infinite, as do results beyond the range of
 // double. No call uses shared state: all are safe from any thread. Source: Green's theorem.

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 namespace trammel {
@@ -25,8 +26,9 @@ namespace trammel {
 // from the origin: the differences are off by uD. Each halving adds 3u of the size of the piece
 // that it halves. Only pieces whose control points surround the origin are halved. After n halvings
 // they are no larger than D, nor than 6D · 2^-n, so that all halvings together add less than 15uD.
-// The chord of the last piece is less than 8uD away. A line's product is off by 3u of its factors,
-// which moves it by 6uD at most. That makes 24uD in each coordinate, less than 2^-48 D.
+// The last piece and its chord lie within 8uD of the origin, so they are at most 16uD apart. A
+// line's product is off by 3u of its factors, which moves it by 6uD at most. That makes no more
+// than 32uD in each coordinate, which is 2^-48 D.
 
 namespace {
 
@@ -58,7 +60,7 @@ int PlainCrossings(Side all, Side start, Side end) {
     return (all & kAhead) != 0 ? beyond : 0;
 }
 
-/// The greatest magnitude of a coordinate; infinite or NaN when one is.
+/// The greatest magnitude of a coordinate; infinite when one is and none is NaN.
 double SizeOf(Cubic const& c) {
     double size = 0.0;
     for (Pt const& p : c) {
@@ -67,13 +69,28 @@ double SizeOf(Cubic const& c) {
     return size;
 }
 
-/// The points as seen from `origin`, half as far away where a difference overflows.
+/// The points as seen from `origin`. A coordinate is halved where a difference overflows. It is
+/// magnified where it is so small that halvings of the curve would lose bits. Each coordinate is
+/// scaled by itself, which moves no point across an axis.
 Cubic Relative(Cubic const& c, Pt const& origin) {
+    constexpr double kLeast = 0x1p-900;
+    constexpr double kMagnifier = 0x1p100;
     Cubic relative;
     std::transform(c.begin(), c.end(), relative.begin(), [&](Pt const& p) { return p - origin; });
-    if (SizeOf(relative) == std::numeric_limits<double>::infinity()) {
-        std::transform(c.begin(), c.end(), relative.begin(),
-                       [&](Pt const& p) { return p * 0.5 - origin * 0.5; });
+    for (double Pt::*const coordinate : {&Pt::h, &Pt::v}) {
+        double size = 0.0;
+        for (Pt const& p : relative) {
+            size = std::max(std::abs(p.*coordinate), size);
+        }
+        if (size == std::numeric_limits<double>::infinity()) {
+            for (std::size_t i = 0; i < c.size(); ++i) {
+                relative[i].*coordinate = c[i].*coordinate * 0.5 - origin.*coordinate * 0.5;
+            }
+        } else if (size < kLeast) {
+            for (Pt& p : relative) {
+                p.*coordinate *= kMagnifier;
+            }
+        }
     }
     return relative;
 }

@@ -40,8 +40,9 @@ namespace trammel {
 
 /// Returns how often the path's contours run around `p` in all.
 ///
-/// O(n): two comparisons for most segments, and one to four halvings for each curve whose control
-/// points surround `p`; at most some 60, where `p` lies on it.
+/// O(n): two comparisons for most segments, and one to four halvings for most curves whose control
+/// points surround `p`. A curve takes some 50 for each time that it passes through `p`, which is
+/// three times at most.
 TRAMMEL_API int WindingNumber(CPath const& path, TPoint<double> const& p) noexcept;
 /// Returns the winding number of the closed polygon, whether it is marked as closed or not. O(n).
 TRAMMEL_API int WindingNumber(TPolygon<double> const& polygon, TPoint<double> const& p) noexcept;

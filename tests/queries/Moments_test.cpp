@@ -272,6 +272,24 @@ TEST(SignedArea, KeepsTheStatedBoundAgainstExactArithmetic) {
     RecordProperty("worst", std::to_string(worst));
 }
 
+TEST(SignedArea, KeepsTheStatedBoundForManyShortLinesFarFromTheFirstPoint) {
+    // Each round of the triangle has the same rounding errors, and an area of 5e-30.
+    Pt const a(0x1.bc08b58417340p-1, 0x1.c7af78cca16d8p-1);
+    Pt const b(0x1.bc08b58417330p-1, 0x1.c7af78cca16bep-1);
+    Pt const c(0x1.bc08b5841734ep-1, 0x1.c7af78cca16bcp-1);
+    CPath path;
+    path.MoveTo(Pt(0, 0)).LineTo(a);
+    for (int i = 0; i < 10000; ++i) {
+        path.LineTo(b).LineTo(c).LineTo(a);
+    }
+    double length = 0;
+    double extent = 0;
+    Sizes(path, length, extent);
+    double const bound = 0x1p-46 * length * extent;
+    EXPECT_LE(std::abs(SignedArea(path)), bound);
+    EXPECT_LE(std::abs(MomentsOf(path).area), bound);
+}
+
 TEST(MomentsOf, FollowsAnAffineMap) {
     CPath const path = Path("M10 20 C90 -40 60 80 30 60 S-20 10 10 20 Z");
     AreaMoments const before = MomentsOf(path);

@@ -215,6 +215,34 @@ TEST(WindingNumber, HoldsAtTheEndsOfTheRangeOfDouble) {
     }
 }
 
+TEST(WindingNumber, KeepsTheSideOfATinyCoordinateWhereAnotherOverflows) {
+    double const small = std::numeric_limits<double>::denorm_min();
+    CPath path;
+    path.MoveTo(Pt(1.7e308, small))
+        .CurveTo(Pt(1e308, -1e307), Pt(-1.79e308, 1e308), Pt(-1.79e308, 1.1e308))
+        .ClosePath();
+    EXPECT_EQ(WindingNumber(path, Pt(-1.7e308, 0)), 0);
+    EXPECT_EQ(WindingNumber(path, Pt(-1.17e308, 8.5e307)), -1);
+}
+
+TEST(WindingNumber, OfCurvesAmongTheSmallestDoublesIsThatOfLargerOnes) {
+    std::mt19937_64 random(3);
+    auto const number = [&] { return static_cast<double>(random() % 65) - 32; };
+    for (int i = 0; i < 20000; ++i) {
+        Pt const points[] = {Pt(number(), number()), Pt(number(), number()), Pt(number(), number()),
+                             Pt(number(), number()), Pt(number(), number())};
+        int windings[2];
+        for (int small = 0; small < 2; ++small) {
+            double const scale = small != 0 ? std::numeric_limits<double>::denorm_min() : 1;
+            CPath path;
+            path.MoveTo(points[0] * scale)
+                .CurveTo(points[1] * scale, points[2] * scale, points[3] * scale);
+            windings[small] = WindingNumber(path, points[4] * scale);
+        }
+        ASSERT_EQ(windings[1], windings[0]) << i;
+    }
+}
+
 TEST(WindingNumber, EndsOnACurveThatPassesThroughThePoint) {
     // A cusp, a loop and a straight line, all with the point on them.
     EXPECT_LE(std::abs(WindingNumber(Path("M0 0 C8 8 0 8 8 0"), Pt(4, 6))), 1);
