@@ -13,11 +13,8 @@
 namespace {
 
 using trammel_detail::FlatnessFilter;
+using trammel_detail::kFlattenRun;
 using trammel_detail::PointBuffer;
-
-/// Points of a flattening that are appended at a time: 16 KB of stack, where a thread may have no
-/// more than 64 in all.
-constexpr int kFlattenRun = 1024;
 
 /// Makes room in the polygon for all points of the flattened curve, of which there are many.
 /// `error` is the tolerance.
