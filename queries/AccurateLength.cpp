@@ -90,6 +90,7 @@ namespace trammel {
 
 namespace {
 
+using trammel_detail::IsFinite;
 using trammel_detail::kLengthRounding;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
@@ -320,8 +321,6 @@ double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) 
     return std::isnan(target) ? target : SolveLength(speed, target, total, within);
 }
 
-bool Finite(Pt const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
-
 } // namespace
 
 double ArcLength(CBezier const& curve, double accuracy) {
@@ -371,7 +370,7 @@ double ArcLength(CPath const& path, double accuracy) {
             sum += ArcLength(segment.Curve(), each); // a NaN stays
         } else {
             TLine<double> const line = segment.Line();
-            if (!Finite(line.mStart) || !Finite(line.mEnd)) {
+            if (!IsFinite(line.mStart) || !IsFinite(line.mEnd)) {
                 return std::numeric_limits<double>::quiet_NaN();
             }
             sum += trammel_detail::Distance(line.mStart, line.mEnd);

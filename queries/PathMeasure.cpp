@@ -438,7 +438,7 @@ double MeasuredOutline::Limit(Pt const& p, double best) {
 PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction) const {
     PathMeasure::Nearest nearest;
     // Such a point is at no finite distance from anything.
-    if (mSegments.empty() || !std::isfinite(p.h) || !std::isfinite(p.v)) {
+    if (mSegments.empty() || !IsFinite(p)) {
         return nearest;
     }
     struct Node {
