@@ -6,6 +6,7 @@
 #include "SvgArc_p.h"
 #include "SvgPathError_p.h"
 #include "SvgPathGrammar_p.h"
+#include "TwoSum_p.h"
 
 #include <algorithm>
 #include <array>
@@ -87,8 +88,8 @@ bool IsTiny(std::string_view number) {
     return exponent < 0;
 }
 
-/// Returns (p + 2q) / 3 with an error below 0.51 units in the last place. The errors of the sum
-/// (Knuth's TwoSum) and of the quotient (a fused remainder) are added to the result.
+/// Returns (p + 2q) / 3 with an error below 0.51 units in the last place. The errors of the sum and
+/// of the quotient (a fused remainder) are added to the result.
 double TwoThirds(double p, double q) {
     double scale = 1.0;
     if (!std::isfinite(p + 2.0 * q)) {
@@ -96,12 +97,9 @@ double TwoThirds(double p, double q) {
         q /= 4.0;
         scale = 4.0;
     }
-    double const twice = 2.0 * q;
-    double const sum = p + twice;
-    double const part = sum - p;
-    double const lost = (p - (sum - part)) + (twice - part);
-    double const quotient = sum / 3.0;
-    double const rest = std::fma(-3.0, quotient, sum) + lost;
+    trammel_detail::TwoSumResult const sum = trammel_detail::TwoSum(p, 2.0 * q);
+    double const quotient = sum.value / 3.0;
+    double const rest = std::fma(-3.0, quotient, sum.value) + sum.error;
     return (quotient + rest / 3.0) * scale;
 }
 
