@@ -2,11 +2,12 @@
 
 #include "SvgPath.h"
 
+#include "PathWalk_p.h"
 #include "PointMath_p.h"
 #include "SvgPathGrammar_p.h"
 #include "SvgShortestText_p.h"
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
@@ -17,8 +18,10 @@ namespace trammel {
 namespace {
 
 using trammel_detail::AbsoluteNumeral;
+using trammel_detail::ElementCursor;
 using trammel_detail::FindRelativeNumeral;
 using trammel_detail::IsFinite;
+using trammel_detail::PointCount;
 using trammel_detail::Reflected;
 using trammel_detail::Same;
 using trammel_detail::SvgNumerals;
@@ -33,19 +36,15 @@ bool Same(Pt const& a, Pt const& b) { return Same(a.h, b.h) && Same(a.v, b.v); }
 class Writer {
 public:
     std::string Write(CPath const& path) {
-        std::size_t point = 0;
-        for (std::size_t i = 0; i < path.mCtls.size(); ++i) {
-            char const code = path.mCtls[i];
-            bool const known = code == kPathMove || code == kPathLine || code == kPathCurve;
-            std::size_t const count = !known ? 0 : code == kPathCurve ? 3 : 1;
-            if (path.mPts.size() - point < count) {
-                break;
-            }
-            Pt const* const points = path.mPts.data() + point;
-            point += count;
-            if (!std::all_of(points, points + count, [](Pt const& p) { return IsFinite(p); })) {
-                throw std::invalid_argument("element " + std::to_string(i) +
-                                            " of the path has a coordinate that is not finite");
+        for (ElementCursor element(path); element.Next();) {
+            char const code = element.Code();
+            std::array<Pt, 3> points;
+            for (std::size_t i = 0; i < PointCount(code); ++i) {
+                points[i] = element.Pt(i);
+                if (!IsFinite(points[i])) {
+                    throw std::invalid_argument("element " + std::to_string(element.Index()) +
+                                                " of the path has a coordinate that is not finite");
+                }
             }
             if (code == kPathMove) {
                 mMove = points[0];
