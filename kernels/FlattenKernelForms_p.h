@@ -68,9 +68,9 @@ template <class Vector>
     Vector const h = to.h - from.h;
     Vector const v = to.v - from.v;
     Vector const square = h * h + v * v;
-    Deviation<Vector> const off =
+    ChordDeviation<Vector> const off =
         DeviationOf(to.t - from.t, h, v, square, from.dh, from.dv, to.dh, to.dv);
-    return (off.across * off.across + off.along * off.along <= limit * square) & (limit < square);
+    return (off.Square() <= limit * square) & (limit < square);
 }
 
 inline constexpr double kCounting[4] = {0.0, 1.0, 2.0, 3.0};
@@ -231,12 +231,11 @@ template <class Vector>
         Vector const chordH = Vector::Load(run.h + i + 1) - Vector::Load(run.h + i);
         Vector const chordV = Vector::Load(run.v + i + 1) - Vector::Load(run.v + i);
         Vector const square = chordH * chordH + chordV * chordV;
-        Deviation<Vector> const off =
+        ChordDeviation<Vector> const off =
             DeviationOf(Vector::Load(run.t + i + 1) - Vector::Load(run.t + i), chordH, chordV,
                         square, Vector::Load(run.dh + i), Vector::Load(run.dv + i),
                         Vector::Load(run.dh + i + 1), Vector::Load(run.dv + i + 1));
-        auto const keeps =
-            (off.across * off.across + off.along * off.along <= limit * square) & (limit < square);
+        auto const keeps = (off.Square() <= limit * square) & (limit < square);
         keeping |= std::uint64_t{keeps.Bits()} << static_cast<unsigned>(i);
     }
     run.failing = ~keeping & ((std::uint64_t{1} << static_cast<unsigned>(count)) - 1);

@@ -34,16 +34,19 @@ struct FlatCubic {
 
 /// Upper bounds on the distance between a piece of a curve and its chord, times the chord's length.
 /// Number is double or a vector.
-template <class Number> struct Deviation {
+template <class Number> struct ChordDeviation {
     Number across; ///< from the line through the ends
     Number along;  ///< beyond the ends
+
+    /// Returns the square of a bound for all directions.
+    [[gnu::always_inline]] inline Number Square() const { return across * across + along * along; }
 };
 
 /// Returns the bounds for a piece over a parameter range of width `h`. Its chord is (dh, dv), of
 /// squared length `square`; a third of the derivative is (v0h, v0v) at its start and (v1h, v1v) at
 /// its end.
 template <class Number>
-[[gnu::always_inline]] inline Deviation<Number>
+[[gnu::always_inline]] inline ChordDeviation<Number>
 DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& square,
             Number const& v0h, Number const& v0v, Number const& v1h, Number const& v1v) {
     Number const e1 = h * (dh * v0v - dv * v0h);

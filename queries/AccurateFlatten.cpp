@@ -58,7 +58,7 @@ namespace trammel {
 
 namespace {
 
-using trammel_detail::Deviation;
+using trammel_detail::ChordDeviation;
 using trammel_detail::Dot;
 using trammel_detail::FlatCubic;
 using trammel_detail::FlatPlan;
@@ -147,7 +147,7 @@ private:
     double mSize;
 };
 
-Deviation<double> DeviationOf(Place const& p0, Place const& p1, Pt const& d, double square) {
+ChordDeviation<double> DeviationOf(Place const& p0, Place const& p1, Pt const& d, double square) {
     return trammel_detail::DeviationOf(p1.t - p0.t, d.h, d.v, square, p0.v.h, p0.v.v, p1.v.h,
                                        p1.v.v);
 }
@@ -163,8 +163,8 @@ bool Keeps(Place const& p0, Place const& p1, double tolerance) {
         double const reach = std::sqrt(std::max(Square(p0.v), Square(p1.v))) * h;
         return std::sqrt(square) + reach <= tolerance;
     }
-    Deviation<double> const off = DeviationOf(p0, p1, d, square);
-    return off.across * off.across + off.along * off.along <= limit * square;
+    ChordDeviation<double> const off = DeviationOf(p0, p1, d, square);
+    return off.Square() <= limit * square;
 }
 
 /// True when a few chords may suffice.
@@ -177,9 +177,9 @@ bool HardlyBent(FlatCubic const& c, double tolerance) {
 bool KeepsAsAWhole(FlatCubic const& c, double tolerance) {
     double const square = c.endH * c.endH + c.endV * c.endV;
     double const limit = tolerance * tolerance;
-    Deviation<double> const off =
+    ChordDeviation<double> const off =
         trammel_detail::DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
-    return limit < square && off.across * off.across + off.along * off.along <= limit * square;
+    return limit < square && off.Square() <= limit * square;
 }
 
 /// Returns a bound on the piece's distance from its chord.
@@ -191,8 +191,8 @@ double DistanceOf(Place const& p0, Place const& p1) {
     if (square == 0.0) {
         return reach;
     }
-    Deviation<double> const off = DeviationOf(p0, p1, d, square);
-    return std::min(reach, std::sqrt((off.across * off.across + off.along * off.along) / square));
+    ChordDeviation<double> const off = DeviationOf(p0, p1, d, square);
+    return std::min(reach, std::sqrt(off.Square() / square));
 }
 
 /// Returns the factor by which the plan multiplies the bend divided by the speed. A power of two in
