@@ -16,7 +16,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     : mLines(lines), mActiveEdges(std::move(active)), mMargin(margin), mOrder(order),
       mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
       mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
-      mStrips(lines.points.get_allocator()) {
+      mSpans(lines.points.get_allocator()) {
     if (lines.points.size() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
@@ -83,9 +83,9 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
         SortChains();
     }
     if (slant.reach != 0) {
-        mStrips.reserve(mNodes.size() + mNodes.size() / 2);
+        mSpans.reserve(mNodes.size() + mNodes.size() / 2);
         for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
-            mStrips.push_back(StripOf(chain, slant));
+            mSpans.push_back(SpanOf(chain, slant));
         }
     }
     AddLevels();
@@ -104,14 +104,14 @@ EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
     return slant;
 }
 
-EdgeTree::Strip EdgeTree::StripOf(std::size_t chain, Slant const& slant) const {
+EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
     std::int64_t const first = slant.Of(mEdges[mChains[chain].begin].a);
-    Strip strip = {first, first};
+    Span span = {first, first};
     for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
         std::int64_t const at = slant.Of(mEdges[i].b);
-        strip.Include({at, at});
+        span.Include({at, at});
     }
-    return {strip.low - slant.reach, strip.high + slant.reach};
+    return {span.low - slant.reach, span.high + slant.reach};
 }
 
 /// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether many
@@ -152,7 +152,7 @@ bool EdgeTree::ChooseSlant(Slant& best) const {
         std::size_t const still = static_cast<std::size_t>(
             std::count_if(meeting.begin(), meeting.begin() + static_cast<std::ptrdiff_t>(count),
                           [&](std::pair<std::size_t, std::size_t> const& pair) {
-                              return StripOf(pair.first, slant).Meets(StripOf(pair.second, slant));
+                              return SpanOf(pair.first, slant).Meets(SpanOf(pair.second, slant));
                           }));
         if (still <= count / 2 && still < least) {
             least = still;
@@ -174,12 +174,12 @@ void EdgeTree::AddLevels() {
                 above.Include(mNodes[k]);
             }
             mNodes.push_back(above);
-            if (!mStrips.empty()) {
-                Strip across = mStrips[i];
+            if (!mSpans.empty()) {
+                Span across = mSpans[i];
                 for (std::size_t k = i + 1; k < last; ++k) {
-                    across.Include(mStrips[k]);
+                    across.Include(mSpans[k]);
                 }
-                mStrips.push_back(across);
+                mSpans.push_back(across);
             }
         }
         ++mTop;

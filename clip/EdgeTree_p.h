@@ -111,15 +111,15 @@ private:
     static constexpr double kSlantUnits = 32767.0;
 
     /// The positions that a node covers in the direction of the slant.
-    struct Strip {
+    struct Span {
         std::int64_t low;
         std::int64_t high;
 
-        void Include(Strip const& s) {
+        void Include(Span const& s) {
             low = std::min(low, s.low);
             high = std::max(high, s.high);
         }
-        bool Meets(Strip const& s) const { return low <= s.high && s.low <= high; }
+        bool Meets(Span const& s) const { return low <= s.high && s.low <= high; }
     };
 
     /// Two nodes of a level, or one node twice, that may have edges that meet.
@@ -157,12 +157,12 @@ private:
     void SortChains();
     bool ChooseSlant(Slant& slant) const;
     Slant SlantAcross(GridEdge const& e) const;
-    Strip StripOf(std::size_t chain, Slant const& slant) const;
+    Span SpanOf(std::size_t chain, Slant const& slant) const;
     /// True when two nodes of a level may have edges that meet, one of them active.
     bool Concern(std::size_t level, std::size_t k, std::size_t l) const {
         Node const* const nodes = NodesOf(level);
         return nodes[k].Concerns(nodes[l]) &&
-               (mStrips.empty() || mStrips[mLevels[level] + k].Meets(mStrips[mLevels[level] + l]));
+               (mSpans.empty() || mSpans[mLevels[level] + k].Meets(mSpans[mLevels[level] + l]));
     }
     template <class Visit> void ForMeetingActive(Visit&& visit) const;
     template <class Visit> void ForMeetingSparseActive(bool withinChains, Visit&& visit) const;
@@ -177,9 +177,7 @@ private:
         return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
                mLines.End(LineOf(i)) == j + 1;
     }
-    GridBox Widened(GridBox const& b) const {
-        return {b.lowX - mMargin.x, b.lowY - mMargin.y, b.highX + mMargin.x, b.highY + mMargin.y};
-    }
+    GridBox Widened(GridBox const& b) const { return b.Widened(mMargin.x, mMargin.y); }
     std::size_t LineOf(std::size_t edge) const {
         auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
         return static_cast<std::size_t>(line - mLines.ends.begin());
@@ -197,7 +195,7 @@ private:
     ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
     ScratchVector<Chain> mChains;
     ScratchVector<Node> mNodes;                         // level by level: chains first
-    ScratchVector<Strip> mStrips;                       // the same, or empty without a slant
+    ScratchVector<Span> mSpans;                         // the same, or empty without a slant
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
     bool mIsSparse = false;                             // whether few edges are active
