@@ -3,6 +3,7 @@
 #include "Boolean_p.h"
 
 #include "ContourOrder_p.h"
+#include "Contours_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -106,7 +107,7 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
     first.AppendLines(kFirst, withinSecond ? second.Bounds() : first.Bounds(), grid, lines);
     second.AppendLines(kSecond, withinFirst ? first.Bounds() : second.Bounds(), grid, lines);
     grid.FinishAdding();
-    RegionContours resolved = ContoursOf(lines, region, grid);
+    RegionContours resolved = ContoursOf(std::move(lines), region, grid);
     ScratchVector<std::size_t> order = OrderContours(resolved);
     return {std::move(resolved), std::move(order), std::move(grid)};
 }

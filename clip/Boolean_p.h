@@ -8,9 +8,9 @@
 #define TRAMMEL_BOOLEAN_P_H
 
 #include "Box_p.h"
-#include "Contours_p.h"
 #include "Grid_p.h"
 #include "Lines_p.h"
+#include "Linker_p.h"
 #include "Scratch_p.h"
 
 #include <cstddef>

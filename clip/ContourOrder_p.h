@@ -4,10 +4,10 @@
 #ifndef TRAMMEL_CONTOURORDER_P_H
 #define TRAMMEL_CONTOURORDER_P_H
 
-#include "Contours_p.h"
+#include "Linker_p.h"
+#include "Scratch_p.h"
 
 #include <cstddef>
-#include <vector>
 
 namespace trammel_detail {
 

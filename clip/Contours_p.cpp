@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
-#include <vector>
 
 namespace trammel_detail {
 
@@ -41,14 +40,16 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
 
 } // namespace
 
-RegionContours ContoursOf(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck) {
     Scratch* const scratch = lines.points.get_allocator().GetScratch();
-    GridLines cut = lines.Count() > 2 ? SortedAlongMortonCurve(lines) : lines;
+    if (lines.Count() > 2) {
+        lines = SortedAlongMortonCurve(lines);
+    }
     ScratchVector<Incidence> incidences(scratch);
     std::optional<EdgeTree> tree;
-    CutAtCrossings(cut, grid, recheck, incidences, tree);
-    return LinkContours(cut, tree, incidences, region);
+    CutAtCrossings(lines, grid, recheck, incidences, tree);
+    return LinkContours(lines, tree, incidences, region);
 }
 
 } // namespace trammel_detail

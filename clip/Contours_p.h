@@ -15,7 +15,7 @@ namespace trammel_detail {
 /// lines may cross, touch, coincide and run in any direction.
 ///
 /// Cost: see CutAtCrossings() and LinkContours().
-RegionContours ContoursOf(GridLines const& lines, RegionOf const& region, ClipGrid const& grid,
+RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck = Recheck::kWhereNeeded);
 
 } // namespace trammel_detail
