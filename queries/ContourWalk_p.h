@@ -8,9 +8,9 @@
 
 #include "CFPolygonRef.h"
 #include "CPath.h"
-#include "FPolygon.h"
 #include "PathWalk_p.h"
 #include "PointRun_p.h"
+#include "PolygonPoints_p.h"
 #include "TPoint.h"
 #include "TPoly.h"
 
@@ -74,20 +74,10 @@ template <class Visitor> void WalkContours(PointRun const& points, Visitor& visi
     visitor.Close();
 }
 template <class Visitor> void WalkContours(TPolygon<double> const& polygon, Visitor& visitor) {
-    long const count = polygon.LastIndex() + 1;
-    PointRun points{nullptr, 0};
-    if (count > 0) {
-        points = {reinterpret_cast<char const*>((*polygon.mHandle)->mPoints), count};
-    }
-    WalkContours(points, visitor);
+    WalkContours(PointsOf(polygon), visitor);
 }
 template <class Visitor> void WalkContours(CFPolygonRef const& polygon, Visitor& visitor) {
-    long const count = FPolygonPointCount(polygon.DataSize());
-    PointRun points{nullptr, 0};
-    if (count > 0) {
-        points = {FPolygonPointAt(reinterpret_cast<char const*>(*polygon.mRef), 0), count};
-    }
-    WalkContours(points, visitor);
+    WalkContours(PointsOf(polygon), visitor);
 }
 
 } // namespace trammel_detail

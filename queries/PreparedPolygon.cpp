@@ -35,12 +35,11 @@
 #include "PreparedPolygon.h"
 
 #include "EdgeCrossing_p.h"
-#include "FPolygon.h"
 #include "PointRun_p.h"
+#include "PolygonPoints_p.h"
 #include "Vector_p.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -58,6 +57,7 @@ using trammel_detail::Double2;
 using trammel_detail::Lane;
 using trammel_detail::Max;
 using trammel_detail::Min;
+using trammel_detail::PointRun;
 using trammel_detail::Short8;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -216,13 +216,15 @@ struct PreparedPolygon::Index {
     Array<Node> mNodes;
     Array<Pieces> mPieces;
 
-    /// `count` points begin at `points`, which may be any address.
-    Index(TRect<double> const& bounds, char const* points, std::size_t count) : mBounds(bounds) {
+    /// Copies the points, of which there is at least one.
+    Index(TRect<double> const& bounds, PointRun points) : mBounds(bounds) {
+        auto const count = static_cast<std::size_t>(points.count);
         if (count >= std::numeric_limits<std::int32_t>::max()) {
             throw std::bad_alloc();
         }
         mPoints = Array<TPoint<double>>(count + 1);
-        std::memcpy(static_cast<void*>(mPoints.begin()), points, count * sizeof(TPoint<double>));
+        std::memcpy(static_cast<void*>(mPoints.begin()), points.bytes,
+                    count * sizeof(TPoint<double>));
         mPoints[count] = mPoints[0];
         if (count <= kFewVertices || !Measure() || !(mTop < mBottom)) {
             return; // without two different heights no point is inside
@@ -554,24 +556,19 @@ private:
 };
 
 PreparedPolygon::PreparedPolygon(TPolygon<double> const& polygon) {
-    long const count = polygon.LastIndex() + 1;
-    if (count > 0) {
-        TRect<double> const bounds = polygon.Bounds();
-        mIndex = std::make_shared<Index const>(
-            bounds, reinterpret_cast<char const*>((*polygon.mHandle)->mPoints),
-            static_cast<std::size_t>(count));
+    PointRun const points = trammel_detail::PointsOf(polygon);
+    if (points.count > 0) {
+        mIndex = std::make_shared<Index const>(polygon.Bounds(), points);
     }
 }
 
 PreparedPolygon::PreparedPolygon(CFPolygonRef const& polygon) {
     // The test of this kind of polygon knows no bounds. Its first point may be repeated at the end:
     // the closing edge then is level and never counted.
-    long const count = trammel_detail::FPolygonPointCount(polygon.DataSize());
-    if (count > 0) {
-        char const* const base = reinterpret_cast<char const*>(*polygon.mRef);
+    PointRun const points = trammel_detail::PointsOf(polygon);
+    if (points.count > 0) {
         mIndex = std::make_shared<Index const>(
-            TRect<double>(-kInfinity, -kInfinity, kInfinity, kInfinity),
-            trammel_detail::FPolygonPointAt(base, 0), static_cast<std::size_t>(count));
+            TRect<double>(-kInfinity, -kInfinity, kInfinity, kInfinity), points);
     }
 }
 
