@@ -20,6 +20,10 @@ inline double Distance(TPoint<double> const& a, TPoint<double> const& b) {
 inline double Dot(TPoint<double> const& a, TPoint<double> const& b) {
     return a.h * b.h + a.v * b.v;
 }
+/// Returns the cross product: positive where the turn from `a` to `b` is from h toward v.
+inline double Cross(TPoint<double> const& a, TPoint<double> const& b) {
+    return a.h * b.v - a.v * b.h;
+}
 /// Returns the square of the vector's length.
 inline double Square(TPoint<double> const& a) { return a.h * a.h + a.v * a.v; }
 /// Returns |h| + |v|, which is between the vector's length and sqrt(2) times it.

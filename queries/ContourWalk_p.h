@@ -13,10 +13,19 @@
 #include "PolygonPoints_p.h"
 #include "TPoint.h"
 #include "TPoly.h"
+#include "Vector_p.h"
 
 #include <cstddef>
 
 namespace trammel_detail {
+
+/// Returns the coordinates of the point at an address, aligned or not: v in lane 0 and h in lane 1.
+inline Double2 CoordinatesAt(void const* p) { return Double2::Load(p); }
+/// Returns the point at an address, aligned or not.
+inline TPoint<double> PointAt(void const* p) {
+    Double2 const coordinates = CoordinatesAt(p);
+    return TPoint<double>(coordinates[1], coordinates[0]);
+}
 
 /// Goes through the contours of a path. A contour begins with a move, or where drawing goes on
 /// after a close, and at (0, 0) before any move. It ends before the next move, with a close, or

@@ -3,8 +3,8 @@
 #include "Moments.h"
 
 #include "ContourWalk_p.h"
+#include "PointMath_p.h"
 #include "TwoSum_p.h"
-#include "Vector_p.h"
 
 #include <array>
 #include <cstddef>
@@ -20,20 +20,14 @@ namespace trammel {
 namespace {
 
 using trammel_detail::CompensatedSum;
-using trammel_detail::Double2;
+using trammel_detail::Cross;
+using trammel_detail::PointAt;
 
 typedef TPoint<double> Pt;
-
-double Cross(Pt const& a, Pt const& b) { return a.h * b.v - a.v * b.h; }
 
 /// Twice the area of the fan of a line. The difference keeps the rounding in proportion to the
 /// line's length, so that many short lines far from the reference do not add up to more.
 double CrossOfFan(Pt const& a, Pt const& b) { return Cross(a, b - a); }
-
-Pt PtAt(void const* p) {
-    Double2 const coordinates = Double2::Load(p);
-    return Pt(coordinates[1], coordinates[0]);
-}
 
 /// Gathers the integral of the density, the area.
 class AreaSum {
@@ -120,7 +114,7 @@ public:
         if (mDrawn) {
             Close();
         } else if (mFirst) {
-            mReference = PtAt(p);
+            mReference = PointAt(p);
         }
         mStart = mCurrent = Relative(p);
         Draw();
@@ -148,7 +142,7 @@ public:
     Pt Reference() const { return mReference; }
 
 private:
-    Pt Relative(void const* p) const { return PtAt(p) - mReference; }
+    Pt Relative(void const* p) const { return PointAt(p) - mReference; }
     void Draw() { mFirst = false, mDrawn = true; }
 
     Sums& mSums;

@@ -3,6 +3,7 @@
 #include "Winding.h"
 
 #include "ContourWalk_p.h"
+#include "PointMath_p.h"
 #include "Vector_p.h"
 
 #include <algorithm>
@@ -32,8 +33,10 @@ namespace trammel {
 
 namespace {
 
+using trammel_detail::CoordinatesAt;
 using trammel_detail::Double2;
 using trammel_detail::Mask2;
+using trammel_detail::PointAt;
 
 typedef TPoint<double> Pt;
 typedef std::array<Pt, 4> Cubic;
@@ -43,9 +46,6 @@ typedef std::array<Pt, 4> Cubic;
 typedef unsigned Side;
 constexpr Side kBeyond = 1;
 constexpr Side kAhead = 2;
-
-/// The coordinates of the point at an address, aligned or not: v in lane 0 and h in lane 1.
-Double2 CoordinatesOf(void const* p) { return Double2::Load(p); }
 
 Side SideOf(Double2 const& p, Double2 const& origin) { return (p > origin).Bits(); }
 
@@ -112,7 +112,7 @@ int CrossingsOfDiagonal(Cubic ends) {
             ends[1].*coordinate = std::scalbn(ends[1].*coordinate, -exponent);
         }
     }
-    double const product = ends[0].h * ends[1].v - ends[0].v * ends[1].h;
+    double const product = trammel_detail::Cross(ends[0], ends[1]);
     if (ends[1].v > ends[0].v) {
         return product > 0.0 ? 1 : 0;
     }
@@ -137,10 +137,10 @@ int CrossingsOfHalves(Cubic const& c, double smallest, int halvings) {
     Pt const split = Middle(m012, m123);
     int crossings = 0;
     for (Cubic const& half : {Cubic{c[0], m01, m012, split}, Cubic{split, m123, m23, c[3]}}) {
-        Side const start = SideOf(CoordinatesOf(&half[0]), 0.0);
-        Side const first = SideOf(CoordinatesOf(&half[1]), 0.0);
-        Side const second = SideOf(CoordinatesOf(&half[2]), 0.0);
-        Side const end = SideOf(CoordinatesOf(&half[3]), 0.0);
+        Side const start = SideOf(CoordinatesAt(&half[0]), 0.0);
+        Side const first = SideOf(CoordinatesAt(&half[1]), 0.0);
+        Side const second = SideOf(CoordinatesAt(&half[2]), 0.0);
+        Side const end = SideOf(CoordinatesAt(&half[3]), 0.0);
         Side const all = start & first & second & end;
         if (!Surrounds(all, start | first | second | end)) {
             crossings += PlainCrossings(all, start, end);
@@ -168,7 +168,7 @@ class CrossingCounter {
 public:
     /// Begins a contour at `start`.
     CrossingCounter(Pt const& origin, void const* start)
-        : mOrigin(CoordinatesOf(&origin)), mStart(start), mStartSide(Take(start)), mCurrent(mStart),
+        : mOrigin(CoordinatesAt(&origin)), mStart(start), mStartSide(Take(start)), mCurrent(mStart),
           mSide(mStartSide) {}
 
     /// Ends the contour and begins one at `p`.
@@ -185,7 +185,8 @@ public:
         Side const all = mSide & first & second & end;
         mCrossings +=
             Surrounds(all, mSide | first | second | end)
-                ? CrossingsAround(Relative({PtAt(mCurrent), PtAt(c1), PtAt(c2), PtAt(e)}, Origin()))
+                ? CrossingsAround(
+                      Relative({PointAt(mCurrent), PointAt(c1), PointAt(c2), PointAt(e)}, Origin()))
                 : PlainCrossings(all, mSide, end);
         mCurrent = e;
         mSide = end;
@@ -210,24 +211,21 @@ private:
         return Abs(coordinates) <= std::numeric_limits<double>::max();
     }
     static Mask2 AllFinite() { return Double2(0.0) <= 0.0; }
-    static Pt PtAt(void const* p) {
-        Double2 const coordinates = CoordinatesOf(p);
-        return Pt(coordinates[1], coordinates[0]);
-    }
     Pt Origin() const { return Pt(mOrigin[1], mOrigin[0]); }
 
     /// Returns the side of a point of the contour, and notes whether the point is finite.
     Side Take(void const* p) {
-        Double2 const coordinates = CoordinatesOf(p);
+        Double2 const coordinates = CoordinatesAt(p);
         mFinite = mFinite & IsFinite(coordinates);
         return SideOf(coordinates, mOrigin);
     }
     void LineTo(void const* p, Side end) {
         Side const all = mSide & end;
-        mCrossings += Surrounds(all, mSide | end)
-                          ? CrossingsOfDiagonal(Relative(
-                                {PtAt(mCurrent), PtAt(p), PtAt(mCurrent), PtAt(p)}, Origin()))
-                          : PlainCrossings(all, mSide, end);
+        mCrossings +=
+            Surrounds(all, mSide | end)
+                ? CrossingsOfDiagonal(Relative(
+                      {PointAt(mCurrent), PointAt(p), PointAt(mCurrent), PointAt(p)}, Origin()))
+                : PlainCrossings(all, mSide, end);
         mCurrent = p;
         mSide = end;
     }
