@@ -8,7 +8,6 @@
 #include "UHandle.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
 
 CGPath* (*mBuildProc)(CFPolygonRef) = nullptr;

@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
-#include <new>
 #include <vector>
 
 namespace {

@@ -4,7 +4,6 @@
 
 #include "Handles.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <limits>

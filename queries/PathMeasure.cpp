@@ -15,9 +15,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <iterator>
 #include <limits>
-#include <utility>
 #include <vector>
 
 namespace {
