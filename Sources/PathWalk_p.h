@@ -15,9 +15,6 @@
 
 namespace trammel_detail {
 
-/// The step of the parameter to which the nearest point on a curve of a path is searched.
-inline constexpr double kNearestTolerance = 0.001;
-
 /// Returns the number of points that an element takes; 0 for a close and for unknown codes.
 inline std::size_t PointCount(char code) {
     switch (code) {

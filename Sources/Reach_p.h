@@ -16,6 +16,9 @@
 
 namespace trammel_detail {
 
+/// The step of the parameter to which the nearest point on a curve of a path is searched.
+inline constexpr double kNearestTolerance = 0.001;
+
 /// Returns a box that holds every point of a segment that a search for the nearest one may compute.
 ///
 /// `points` are the segment's control points and `count` is 1 or more. On a curve the search

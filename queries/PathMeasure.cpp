@@ -9,6 +9,7 @@
 #include "PathWalk_p.h"
 #include "PointBuffer_p.h"
 #include "PointMath_p.h"
+#include "Reach_p.h"
 #include "Strip_p.h"
 #include "TLine.h"
 
