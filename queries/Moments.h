@@ -14,7 +14,8 @@
 // centroid lies within the bounds. Suppose also that the area is at least 2^-44 L D. Then the
 // centroid times the area is off by at most 2^-45 L D², and the second moments are off by at most
 // 2^-43 L D³. Thinner regions have no such bound, because the area divides the centroid. The bounds
-// do not grow with the distance from the origin.
+// do not grow with the distance from the origin. Far from there, the centroid is also rounded like
+// any coordinate. Results below the least normal double lose digits, down to 0.
 //
 // A NaN or infinite coordinate makes the results NaN or infinite, as do results beyond the range of
 // double. No call uses shared state: all are safe from any thread. Source: Green's theorem.
