@@ -326,7 +326,7 @@ private:
             Double2 const x = LanesOf(p);
             lo = Min(x, lo);
             hi = Max(x, hi);
-            zero = zero + (x - x);
+            zero = zero + x * 0.0;
         }
         Double2 const most = Min(Max(hi, 0.0 - lo), 2.0 * kTame);
         mTop = Lane<0>(lo);
