@@ -174,6 +174,7 @@ public:
     /// Ends the contour and begins one at `p`.
     void Begin(void const* p) {
         Close();
+        mFinite = AllFinite(); // the last contour's end is no point of this one
         mStart = mCurrent = p;
         mStartSide = mSide = Take(p);
     }

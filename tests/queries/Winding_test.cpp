@@ -197,6 +197,18 @@ TEST(WindingNumber, LeavesOutContoursThatAreNotFinite) {
     }
 }
 
+TEST(WindingNumber, CountsTheContourAfterOneWhoseLastPointIsNotFinite) {
+    for (double const bad : {kNaN, kInfinity, -kInfinity}) {
+        for (char const* const text :
+             {"M0 0 H4 V4 M1 1 H3 V3 H1 Z", "M0 0 H4 V4 Z M1 1 H3 V3 H1 Z"}) {
+            CPath path = Path(text);
+            EXPECT_EQ(WindingNumber(path, Pt(2.5, 2)), 2);
+            path.mPts[2].v = bad;
+            EXPECT_EQ(WindingNumber(path, Pt(2.5, 2)), 1);
+        }
+    }
+}
+
 TEST(WindingNumber, HoldsAtTheEndsOfTheRangeOfDouble) {
     double const large = std::numeric_limits<double>::max();
     double const small = std::numeric_limits<double>::denorm_min();
