@@ -3,6 +3,7 @@
 #include "Progress.h"
 
 #include "Error.h"
+#include "Warning.h"
 
 #include <cstdio>
 
@@ -18,7 +19,7 @@ constexpr std::chrono::milliseconds kInterval(100);
 } // namespace
 
 Progress::Progress(std::string const& what, std::size_t total)
-    : mWhat(OneLine(what)), mTotal(total), mTerminal(isatty(STDERR_FILENO) == 1),
+    : mWhat(OneLine(what)), mTotal(total), mTerminal(isatty(STDERR_FILENO) == 1 && !Silent()),
       mNext(std::chrono::steady_clock::now() + kPatience) {}
 
 Progress::~Progress() {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // Progress of long work: one line on standard error that is written over and over, and wiped at the
-// end. Nothing is written if standard error is no terminal, or in the first fifth of a second.
+// end. Nothing is written if standard error is no terminal, if warnings are silent, or in the first
+// fifth of a second.
 
 #ifndef TRAMMEL_APP_PROGRESS_H
 #define TRAMMEL_APP_PROGRESS_H

@@ -6,12 +6,12 @@
 // says why and where.
 
 #include "Error.h"
+#include "Warning.h"
 #include "commands/Commands.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstdio>
 #include <exception>
 #include <new>
 #include <string>
@@ -22,8 +22,7 @@ namespace {
 constexpr int kFailed = 2;
 
 int Fail(std::string const& message) {
-    std::string const line = "trammel: " + message + "\n";
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    tool::PrintDiagnostic(message);
     return kFailed;
 }
 
@@ -52,6 +51,21 @@ std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
            (command.empty() ? "" : command.substr(0, command.size() - 2) + " ") + "--help)";
 }
 
+/// Adds the options that every command has. Of both, --strict counts: the parser calls the
+/// functions in the order in which the options are added.
+void AddCommonOptions(CLI::App& command) {
+    command
+        .add_flag_callback(
+            "-q,--quiet", [] { tool::SetWarningMode(tool::WarningMode::kSilent); },
+            "No warnings and no progress; errors are still told")
+        ->group("Every command");
+    command
+        .add_flag_callback(
+            "--strict", [] { tool::SetWarningMode(tool::WarningMode::kError); },
+            "Warnings are errors")
+        ->group("Every command");
+}
+
 int Run(int argc, char** argv) {
     CLI::App app(
         "Measures, cuts, shapes and combines the outlines of SVG drawings, fonts and maps.",
@@ -61,6 +75,9 @@ int Run(int argc, char** argv) {
     app.footer("trammel COMMAND --help tells more. Coordinates are h,v: rightward and downward.");
     for (auto const add : tool::kCommands) {
         add(app);
+    }
+    for (CLI::App* const command : app.get_subcommands({})) {
+        AddCommonOptions(*command);
     }
     try {
         app.parse(argc, argv);

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+
+#include "Warning.h"
+
+#include "Error.h"
+
+#include <cstdio>
+
+#include <unistd.h>
+
+namespace tool {
+
+namespace {
+
+WarningMode& Mode() {
+    static WarningMode mode = WarningMode::kPrint;
+    return mode;
+}
+
+} // namespace
+
+void SetWarningMode(WarningMode mode) { Mode() = mode; }
+
+bool Silent() { return Mode() == WarningMode::kSilent; }
+
+void Warn(std::string const& file, std::string const& place, std::string const& message) {
+    Error const error(file, place, message);
+    if (Mode() == WarningMode::kError) {
+        throw error;
+    }
+    if (Mode() == WarningMode::kPrint) {
+        PrintDiagnostic(std::string("warning: ") + error.what());
+    }
+}
+
+void PrintDiagnostic(std::string const& line) {
+    // A terminal may show the progress of the work in the line where this one goes.
+    std::string const text =
+        (isatty(STDERR_FILENO) == 1 ? "\r\x1B[K" : "") + ("trammel: " + line) + "\n";
+    std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+} // namespace tool
