@@ -1,126 +1,29 @@
 // SPDX-License-Identifier: MIT
 
-// The walks along a path's elements and segments. Not installed.
+// The walks along a path's elements and segments, with the measuring of a segment. Not installed.
 
 #ifndef TRAMMEL_PATHWALK_P_H
 #define TRAMMEL_PATHWALK_P_H
 
-#include "CBezier.h"
-#include "CPath.h"
+#include "PathCursor.h"
 #include "PointMath_p.h"
 #include "TLine.h"
-#include "TPoint.h"
-
-#include <cstddef>
 
 namespace trammel_detail {
 
-/// Returns the number of points that an element takes; 0 for a close and for unknown codes.
-inline std::size_t PointCount(char code) {
-    switch (code) {
-    case kPathMove:
-    case kPathLine:
-        return 1;
-    case kPathCurve:
-        return 3;
-    default:
-        return 0;
-    }
-}
-
-/// Goes through a path's elements by index. It never reads beyond the path's end, even where the
-/// codes ask for more points than there are or a visitor changes the path on the way.
-class ElementCursor {
+/// Goes through a path's segments and measures them.
+class SegmentCursor : public PathCursor {
 public:
-    explicit ElementCursor(CPath const& path) : mPath(path) {}
+    using PathCursor::PathCursor;
 
-    /// Steps to the next element. Returns false at the end, or where the points do not suffice.
-    bool Next() {
-        mPoint += mTaken;
-        if (mElement >= mPath.mCtls.size()) {
-            return false;
-        }
-        mCode = mPath.mCtls[mElement++];
-        mTaken = PointCount(mCode);
-        return mPoint <= mPath.mPts.size() && mTaken <= mPath.mPts.size() - mPoint;
-    }
-    char Code() const { return mCode; }
-    /// Returns the element's index in the path's codes.
-    std::size_t Index() const { return mElement - 1; }
-    /// Returns point `i` of the element, by value: it outlives a change of the path.
-    TPoint<double> Pt(std::size_t i) const { return mPath.mPts[mPoint + i]; }
-
-private:
-    CPath const& mPath;
-    std::size_t mElement = 0;
-    std::size_t mPoint = 0;
-    std::size_t mTaken = 0;
-    char mCode = kPathClose;
-};
-
-/// Goes through a path's segments (lines, curves and closing lines) as its measuring does. An
-/// element before any move begins at (0, 0), and an element after a close at the last point drawn.
-class SegmentCursor {
-public:
-    explicit SegmentCursor(CPath const& path) : mElements(path) {}
-
-    /// Steps to the next segment and passes over moves. Returns false at the end.
-    bool Next() {
-        while (NextOrMove()) {
-            if (Code() != kPathMove) {
-                return true;
-            }
-        }
-        return false;
-    }
-    /// Steps to the next segment or move. Returns false at the end.
-    bool NextOrMove() {
-        while (mElements.Next()) {
-            TPoint<double> const from = mCurrent;
-            switch (mElements.Code()) {
-            case kPathMove:
-                mStart = mCurrent = mElements.Pt(0);
-                return true;
-            case kPathLine:
-                mCurrent = mElements.Pt(0);
-                mLine.Set(from, mCurrent);
-                return true;
-            case kPathCurve:
-                mCurrent = mElements.Pt(2);
-                mCurve.Set(from, mElements.Pt(0), mElements.Pt(1), mCurrent);
-                return true;
-            case kPathClose:
-                mLine.Set(from, mStart); // the current point stays where it was
-                return true;
-            default:
-                break;
-            }
-        }
-        return false;
-    }
-    /// Returns the segment's code: kPathLine, kPathCurve or kPathClose; kPathMove for a move.
-    char Code() const { return mElements.Code(); }
-    bool IsCurve() const { return Code() == kPathCurve; }
-    /// Returns the line or the closing line.
-    TLine<double> Line() const { return mLine; }
-    /// Returns the curve. By value, as the line is: the cursor's address then never escapes, and
-    /// the compiler keeps it in registers.
-    CBezier Curve() const { return mCurve; }
     /// Returns the length that the path's own measuring gives the segment.
     double Length() const {
-        return IsCurve() ? mCurve.Length() : Distance(mLine.mStart, mLine.mEnd);
+        if (IsCurve()) {
+            return Curve().Length();
+        }
+        TLine<double> const line = Line();
+        return Distance(line.mStart, line.mEnd);
     }
-    /// Returns the index of the segment's element in the path's codes.
-    std::size_t Element() const { return mElements.Index(); }
-    /// Returns the point of the last move; (0, 0) before the first one.
-    TPoint<double> Start() const { return mStart; }
-
-private:
-    ElementCursor mElements;
-    TPoint<double> mStart;
-    TPoint<double> mCurrent;
-    TLine<double> mLine;
-    CBezier mCurve;
 };
 
 } // namespace trammel_detail
