@@ -6,18 +6,37 @@
 #ifndef TRAMMEL_APP_DRAWING_H
 #define TRAMMEL_APP_DRAWING_H
 
+#include <trammel/CMatrix3x3.h>
 #include <trammel/CPath.h>
+#include <trammel/FillRule.h>
 #include <trammel/TRect.h>
 
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace tool {
 
+class SvgDocument;
+
+/// The place of an outline that no document has.
+inline constexpr std::size_t kNoElement = static_cast<std::size_t>(-1);
+
+/// The element of a document that an outline was read from. Elements are offsets of their '<' in
+/// the document's text.
+struct OutlineSource {
+    std::size_t element = kNoElement;
+    std::size_t placed = kNoElement; ///< the outermost `use` that draws the element, or itself
+    CMatrix3x3 toDrawing;            ///< from the element's own coordinates to the drawing's
+};
+
 /// One outline and its name.
 struct Outline {
     std::string id; ///< the element's id or the glyph's name; otherwise made up, like "path#3"
     CPath path;     ///< every subpath begins with a move
+    trammel::FillRule rule = trammel::FillRule::kNonZero; ///< the rule that fills it
+    OutlineSource source = {};
 };
 
 /// The part of the plane that a drawing shows, and the size that it has on paper.
@@ -34,6 +53,7 @@ struct Drawing {
     std::string kind; ///< "svg", "font" or "map"
     Page page;
     std::vector<Outline> outlines;
+    std::shared_ptr<SvgDocument const> document; ///< empty for fonts and maps
 };
 
 /// Reads an SVG drawing, every glyph of a font (in font units) or every country of a TopoJSON map

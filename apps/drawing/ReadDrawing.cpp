@@ -36,7 +36,7 @@ Drawing ReadDrawing(std::string const& file) {
         return ReadTopoJson(file, content);
     }
     if (LooksLikeXml(content)) {
-        return ReadSvg(file, content);
+        return ReadSvg(file, std::move(content));
     }
     if (content.compare(0, 2, "\x1F\x8B") == 0) {
         throw Error(file, "", "is compressed; unpack it first (gunzip)");

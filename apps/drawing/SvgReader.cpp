@@ -6,6 +6,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 #include "SvgAttributes.h"
+#include "SvgDocument.h"
 #include "SvgShapes.h"
 
 #include <trammel/CMatrix3x3.h>
@@ -15,9 +16,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <optional>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -72,11 +73,23 @@ bool Hidden(pugi::xml_node element) {
                          : value == "none";
 }
 
+/// Returns the element's fill rule; `inherited` unless the element states one.
+trammel::FillRule RuleOf(pugi::xml_node element, trammel::FillRule inherited) {
+    std::string_view value = StyleValue(element.attribute("style").value(), "fill-rule");
+    if (value.empty()) {
+        value = Trimmed(element.attribute("fill-rule").value());
+    }
+    return value == "evenodd"   ? trammel::FillRule::kEvenOdd
+           : value == "nonzero" ? trammel::FillRule::kNonZero
+                                : inherited;
+}
+
 class Reader {
 public:
-    Reader(std::string const& file, std::string const& text) : mFile(file), mText(text) {
-        mDrawing.file = file;
+    explicit Reader(std::shared_ptr<SvgDocument const> document) : mDocument(std::move(document)) {
+        mDrawing.file = mDocument->File();
         mDrawing.kind = "svg";
+        mDrawing.document = mDocument;
     }
 
     Drawing Read();
@@ -86,8 +99,10 @@ private:
     struct Context {
         CMatrix3x3 transform;    ///< from the element's coordinates to the drawing's
         std::optional<Pt> whole; ///< what 100% stands for in each direction
-        std::string prefix;      ///< of ids: the ids of the `use` elements around
-        int level = 0;           ///< of nesting
+        trammel::FillRule rule = trammel::FillRule::kNonZero;
+        std::size_t placed = kNoElement; ///< the outermost `use` around, as an offset in the text
+        std::string prefix;              ///< of ids: the ids of the `use` elements around
+        int level = 0;                   ///< of nesting
     };
 
     void Element(pugi::xml_node element, Context const& context);
@@ -128,76 +143,19 @@ private:
         }
     }
 
-    std::string_view LocalName(pugi::xml_node element) const;
-    void IndexIds();
-    std::string LineAndColumn(std::ptrdiff_t offset) const;
-    std::string Place(pugi::xml_node element) const;
+    std::string_view LocalName(pugi::xml_node element) const {
+        return mDocument->LocalName(element);
+    }
     [[noreturn]] void Fail(pugi::xml_node element, std::string const& message) const {
-        throw Error(mFile, Place(element), message);
+        throw Error(mDocument->File(), mDocument->Place(element), message);
     }
 
-    std::string const& mFile;
-    std::string const& mText;
-    std::string_view mRootPrefix; ///< of the root element's name, colon included
-    pugi::xml_document mDocument;
-    std::unordered_map<std::string_view, pugi::xml_node> mIds;
+    std::shared_ptr<SvgDocument const> mDocument;
     std::vector<pugi::xml_node> mUsed; ///< the elements that the `use` elements around refer to
     std::size_t mUsedElements = 0;
     std::size_t mUsedBytes = 0;
     Drawing mDrawing;
 };
-
-/// Returns the element's name without its prefix; empty for elements of other vocabularies.
-std::string_view Reader::LocalName(pugi::xml_node element) const {
-    std::string_view const name = element.name();
-    std::size_t const colon = name.find(':');
-    std::string_view const prefix =
-        colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
-    return prefix == mRootPrefix || prefix == "svg:" ? name.substr(prefix.size())
-                                                     : std::string_view();
-}
-
-void Reader::IndexIds() {
-    // The walk goes from node to node, because the nesting may be deeper than the stack.
-    pugi::xml_node node = mDocument.first_child();
-    while (node) {
-        if (pugi::xml_attribute const id = node.attribute("id")) {
-            mIds.emplace(id.value(), node);
-        }
-        if (pugi::xml_node const child = node.first_child()) {
-            node = child;
-            continue;
-        }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-        }
-        node = node.next_sibling();
-    }
-}
-
-std::string Reader::LineAndColumn(std::ptrdiff_t offset) const {
-    // The parser's offsets differ from the file's in UTF-16.
-    bool const wide = mText.find('\0') != std::string::npos;
-    if (offset < 0 || static_cast<std::size_t>(offset) > mText.size() || wide) {
-        return "";
-    }
-    std::string_view const before =
-        std::string_view(mText).substr(0, static_cast<std::size_t>(offset));
-    auto const line = std::count(before.begin(), before.end(), '\n') + 1;
-    std::size_t const lineStart = before.rfind('\n') + 1; // 0 when there is none
-    return "line " + std::to_string(line) + ", column " +
-           std::to_string(before.size() - lineStart + 1);
-}
-
-std::string Reader::Place(pugi::xml_node element) const {
-    std::string place = LineAndColumn(element.offset_debug() - 1); // of the '<'
-    place += place.empty() ? "<" : ", <";
-    place += element.name();
-    if (pugi::xml_attribute const id = element.attribute("id")) {
-        place += " id=\"" + std::string(id.value()) + "\"";
-    }
-    return place + ">";
-}
 
 std::optional<double> Reader::LengthOf(pugi::xml_node element, char const* attribute,
                                        Context const& context, Axis axis) const {
@@ -292,6 +250,11 @@ void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
     if (path.mCtls.empty()) {
         return;
     }
+    Outline outline;
+    outline.rule = context.rule;
+    outline.source.element = mDocument->Offset(element);
+    outline.source.placed = context.placed == kNoElement ? outline.source.element : context.placed;
+    outline.source.toDrawing = context.transform;
     path.Transform(context.transform);
     bool const finite = std::all_of(path.mPts.begin(), path.mPts.end(), [](Pt const& p) {
         return std::isfinite(p.h) && std::isfinite(p.v);
@@ -303,7 +266,9 @@ void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
     if (id.empty()) {
         id = std::string(LocalName(element)) + "#" + std::to_string(mDrawing.outlines.size() + 1);
     }
-    mDrawing.outlines.push_back({context.prefix + id, std::move(path)});
+    outline.id = context.prefix + id;
+    outline.path = std::move(path);
+    mDrawing.outlines.push_back(std::move(outline));
 }
 
 void Reader::Children(pugi::xml_node element, Context const& context) {
@@ -362,11 +327,10 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
                           "'; only elements of the same file (#id)"
                           " are read");
     }
-    auto const found = mIds.find(target.substr(1));
-    if (found == mIds.end()) {
+    pugi::xml_node const used = mDocument->Find(target.substr(1));
+    if (!used) {
         return; // SVG says that it draws nothing; real icon themes contain such leftovers
     }
-    pugi::xml_node const used = found->second;
     bool cyclic = std::find(mUsed.begin(), mUsed.end(), used) != mUsed.end();
     for (pugi::xml_node around = element; around; around = around.parent()) {
         cyclic = cyclic || around == used;
@@ -382,6 +346,9 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
     inner.transform = Concat(shift, context.transform);
     if (pugi::xml_attribute const id = element.attribute("id")) {
         inner.prefix += std::string(id.value()) + "/";
+    }
+    if (inner.placed == kNoElement) {
+        inner.placed = mDocument->Offset(element);
     }
     std::string_view const name = LocalName(used);
     mUsed.push_back(used);
@@ -468,6 +435,7 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
         Context inner = context;
         ++inner.level;
         inner.transform = Concat(Parsed(element, "transform", ParseTransform), context.transform);
+        inner.rule = RuleOf(element, context.rule);
         Draw(element, name, inner);
     } catch (AttributeError const& e) {
         Fail(element, "attribute " + e.attribute + ", position " + std::to_string(e.position) +
@@ -513,20 +481,7 @@ void Reader::ReadPage(pugi::xml_node root) {
 }
 
 Drawing Reader::Read() {
-    pugi::xml_parse_result const result =
-        mDocument.load_buffer(mText.data(), mText.size(), pugi::parse_default);
-    if (!result) {
-        throw Error(mFile, LineAndColumn(result.offset),
-                    "is no well-formed XML: " + std::string(result.description()));
-    }
-    pugi::xml_node const root = mDocument.document_element();
-    std::string_view const name = root.name();
-    std::size_t const colon = name.find(':');
-    mRootPrefix = colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
-    if (name.substr(mRootPrefix.size()) != "svg") {
-        throw Error(mFile, Place(root), "is no SVG drawing: its outermost element must be <svg>");
-    }
-    IndexIds();
+    pugi::xml_node const root = mDocument->Root();
     Context context;
     try {
         ReadPage(root);
@@ -534,6 +489,7 @@ Drawing Reader::Read() {
             context.whole = mDrawing.page.frame.GetSize();
         }
         context.transform = Parsed(root, "transform", ParseTransform);
+        context.rule = RuleOf(root, context.rule);
     } catch (AttributeError const& e) {
         Fail(root, "attribute " + e.attribute + ", position " + std::to_string(e.position) + ": " +
                        e.message);
@@ -546,8 +502,8 @@ Drawing Reader::Read() {
 
 } // namespace
 
-Drawing ReadSvg(std::string const& file, std::string const& text) {
-    return Reader(file, text).Read();
+Drawing ReadSvg(std::string const& file, std::string content) {
+    return Reader(std::make_shared<SvgDocument const>(file, std::move(content))).Read();
 }
 
 } // namespace tool

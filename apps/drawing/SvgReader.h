@@ -26,8 +26,8 @@
 
 namespace tool {
 
-/// Reads the document `text`; `file` is for messages. Throws Error.
-Drawing ReadSvg(std::string const& file, std::string const& text);
+/// Reads the content of `file`. Throws Error.
+Drawing ReadSvg(std::string const& file, std::string content);
 
 } // namespace tool
 

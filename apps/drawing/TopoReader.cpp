@@ -243,7 +243,9 @@ private:
             AddLines(path, arcs, type == "Polygon", inside);
         }
         if (!path.mCtls.empty()) {
-            mDrawing.outlines.push_back({NameOf(feature), std::move(path)});
+            // A country's holes are rings like its others, in either direction.
+            mDrawing.outlines.push_back(
+                {NameOf(feature), std::move(path), trammel::FillRule::kEvenOdd});
         }
     }
 

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+
+#include "SvgDocument.h"
+
+#include "Error.h"
+
+#include <algorithm>
+#include <cctype>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+void AppendUtf8(std::string& out, char32_t c) {
+    auto const byte = [&out](char32_t value) { out += static_cast<char>(value); };
+    if (c < 0x80) {
+        byte(c);
+    } else if (c < 0x800) {
+        byte(0xC0 | c >> 6);
+        byte(0x80 | (c & 0x3F));
+    } else if (c < 0x10000) {
+        byte(0xE0 | c >> 12);
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    } else {
+        byte(0xF0 | c >> 18);
+        byte(0x80 | (c >> 12 & 0x3F));
+        byte(0x80 | (c >> 6 & 0x3F));
+        byte(0x80 | (c & 0x3F));
+    }
+}
+
+/// Returns the character of a text in UTF-8 at `i`, and moves `i` behind it. A byte out of place
+/// counts as a character of its own.
+char32_t TakeUtf8(std::string_view text, std::size_t& i) {
+    auto const lead = static_cast<unsigned char>(text[i++]);
+    std::size_t const more = lead < 0xC0 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
+    char32_t c = more == 0 ? lead : lead & (0x3FU >> more);
+    for (std::size_t k = 0; k < more && i < text.size(); ++k) {
+        c = c << 6 | (static_cast<unsigned char>(text[i++]) & 0x3FU);
+    }
+    return c;
+}
+
+/// The encoding of a file, by the rules that XML gives for the first bytes of a document.
+Encoding EncodingOf(std::string_view content) {
+    auto const starts = [content](std::string_view with) {
+        return content.substr(0, with.size()) == with;
+    };
+    if (starts("\xFE\xFF") || starts(std::string_view("\0<\0", 3))) {
+        return Encoding::kUtf16Big;
+    }
+    if (starts("\xFF\xFE") || starts(std::string_view("<\0", 2))) {
+        return Encoding::kUtf16Little;
+    }
+    if (starts("<?xml")) {
+        std::string declaration(content.substr(0, content.find("?>")));
+        std::transform(declaration.begin(), declaration.end(), declaration.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        for (std::string_view const name : {"iso-8859-1", "latin1"}) {
+            std::size_t const at = declaration.find(name);
+            if (at != std::string::npos && at > 0 &&
+                std::string_view("\"'").find(declaration[at - 1]) != std::string_view::npos) {
+                return Encoding::kLatin1;
+            }
+        }
+    }
+    return Encoding::kUtf8;
+}
+
+std::string Decoded(std::string content, Encoding encoding) {
+    if (encoding == Encoding::kUtf8) {
+        return content;
+    }
+    std::string text;
+    if (encoding == Encoding::kLatin1) {
+        for (char const c : content) {
+            AppendUtf8(text, static_cast<unsigned char>(c));
+        }
+        return text;
+    }
+    std::size_t const high = encoding == Encoding::kUtf16Big ? 0 : 1;
+    auto const unit = [&](std::size_t i) {
+        return static_cast<char32_t>(static_cast<unsigned char>(content[i + high])) << 8 |
+               static_cast<unsigned char>(content[i + 1 - high]);
+    };
+    for (std::size_t i = 0; i + 1 < content.size(); i += 2) {
+        char32_t c = unit(i);
+        if (c >= 0xD800 && c < 0xDC00 && i + 3 < content.size()) {
+            i += 2;
+            c = 0x10000 + ((c - 0xD800) << 10) + ((unit(i) - 0xDC00) & 0x3FF);
+        }
+        AppendUtf8(text, c);
+    }
+    return text;
+}
+
+} // namespace
+
+SvgDocument::SvgDocument(std::string const& file, std::string content)
+    : mFile(file), mEncoding(EncodingOf(content)) {
+    mText = Decoded(std::move(content), mEncoding);
+    pugi::xml_parse_result const result =
+        mTree.load_buffer(mText.data(), mText.size(), pugi::parse_default, pugi::encoding_utf8);
+    if (!result) {
+        std::size_t const offset = std::min(
+            static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)), mText.size());
+        throw Error(mFile, LineAndColumn(offset),
+                    "is no well-formed XML: " + std::string(result.description()));
+    }
+    std::string_view const name = Root().name();
+    std::size_t const colon = name.find(':');
+    mRootPrefix = colon == std::string_view::npos ? "" : name.substr(0, colon + 1);
+    if (name.substr(mRootPrefix.size()) != "svg") {
+        throw Error(mFile, Place(Root()), "is no SVG drawing: its outermost element must be <svg>");
+    }
+    // The walk goes from node to node, because the nesting may be deeper than the stack.
+    pugi::xml_node node = mTree.first_child();
+    while (node) {
+        if (pugi::xml_attribute const id = node.attribute("id")) {
+            mIds.emplace(id.value(), node);
+        }
+        if (pugi::xml_node const child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+        }
+        node = node.next_sibling();
+    }
+}
+
+std::string SvgDocument::Encoded(std::string const& text) const {
+    if (mEncoding == Encoding::kUtf8) {
+        return text;
+    }
+    std::string out;
+    auto const unit = [&](char32_t value) {
+        char const low = static_cast<char>(value & 0xFF);
+        char const high = static_cast<char>(value >> 8 & 0xFF);
+        bool const big = mEncoding == Encoding::kUtf16Big;
+        out += big ? high : low;
+        out += big ? low : high;
+    };
+    for (std::size_t i = 0; i < text.size();) {
+        char32_t const c = TakeUtf8(text, i);
+        if (mEncoding == Encoding::kLatin1) {
+            out += c < 0x100 ? std::string(1, static_cast<char>(c))
+                             : "&#" + std::to_string(static_cast<unsigned long>(c)) + ";";
+        } else if (c < 0x10000) {
+            unit(c);
+        } else {
+            unit(0xD800 + ((c - 0x10000) >> 10));
+            unit(0xDC00 + ((c - 0x10000) & 0x3FF));
+        }
+    }
+    return out;
+}
+
+pugi::xml_node SvgDocument::Find(std::string_view id) const {
+    auto const found = mIds.find(id);
+    return found == mIds.end() ? pugi::xml_node() : found->second;
+}
+
+std::string_view SvgDocument::LocalName(pugi::xml_node element) const {
+    std::string_view const name = element.name();
+    std::size_t const colon = name.find(':');
+    std::string_view const prefix =
+        colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
+    return prefix == mRootPrefix || prefix == "svg:" ? name.substr(prefix.size())
+                                                     : std::string_view();
+}
+
+std::size_t SvgDocument::Offset(pugi::xml_node element) const {
+    return static_cast<std::size_t>(std::max<std::ptrdiff_t>(element.offset_debug(), 1)) - 1;
+}
+
+std::string SvgDocument::LineAndColumn(std::size_t offset) const {
+    std::string_view const before =
+        std::string_view(mText).substr(0, std::min(offset, mText.size()));
+    auto const line = std::count(before.begin(), before.end(), '\n') + 1;
+    std::size_t const lineStart = before.rfind('\n') + 1; // 0 when there is none
+    return "line " + std::to_string(line) + ", column " +
+           std::to_string(before.size() - lineStart + 1);
+}
+
+std::string SvgDocument::Place(pugi::xml_node element) const {
+    std::string place = LineAndColumn(Offset(element)) + ", <" + element.name();
+    if (pugi::xml_attribute const id = element.attribute("id")) {
+        place += " id=\"" + std::string(id.value()) + "\"";
+    }
+    return place + ">";
+}
+
+} // namespace tool

@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+
+// SvgDocument: an SVG file as it was read, so that commands can change parts of it and leave every
+// other byte alone. The XML parser finds the elements; changes go into the text itself.
+
+#ifndef TRAMMEL_APP_SVGDOCUMENT_H
+#define TRAMMEL_APP_SVGDOCUMENT_H
+
+#include <pugixml.hpp>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace tool {
+
+/// How the characters of a file are stored.
+enum class Encoding { kUtf8, kUtf16Little, kUtf16Big, kLatin1 };
+
+/// A file's text and its elements.
+class SvgDocument {
+public:
+    /// Parses the content of a file. Throws Error unless it is a well-formed SVG document.
+    SvgDocument(std::string const& file, std::string content);
+    SvgDocument(SvgDocument const&) = delete;
+    SvgDocument& operator=(SvgDocument const&) = delete;
+
+    std::string const& File() const { return mFile; }
+    /// Returns the text in UTF-8, byte order mark included. All offsets count from its start.
+    std::string const& Text() const { return mText; }
+    /// Returns a text of this document in the encoding of its file.
+    std::string Encoded(std::string const& text) const;
+
+    /// Returns the outermost element.
+    pugi::xml_node Root() const { return mTree.document_element(); }
+    /// Returns the first element with this id, or no node.
+    pugi::xml_node Find(std::string_view id) const;
+    /// Returns the name of an SVG element without its prefix; empty for other vocabularies.
+    std::string_view LocalName(pugi::xml_node element) const;
+    /// Returns the offset of the element's '<'.
+    std::size_t Offset(pugi::xml_node element) const;
+    /// Returns "line L, column C" of an offset.
+    std::string LineAndColumn(std::size_t offset) const;
+    /// Returns the element's place and its tag: "line 2, column 1, <path id="p">".
+    std::string Place(pugi::xml_node element) const;
+
+private:
+    std::string mFile;
+    std::string mText;
+    Encoding mEncoding = Encoding::kUtf8;
+    std::string mRootPrefix; ///< of the root element's name, colon included
+    pugi::xml_document mTree;
+    std::unordered_map<std::string_view, pugi::xml_node> mIds;
+};
+
+} // namespace tool
+
+#endif
