@@ -22,6 +22,7 @@
 #include "Handles.h"
 #include "Log.h"
 #include "Moments.h"
+#include "OutlineMeasure.h"
 #include "PathCursor.h"
 #include "PathMeasure.h"
 #include "PathObject.h"

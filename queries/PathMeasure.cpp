@@ -5,12 +5,14 @@
 #include "CBezier.h"
 #include "CBezierFlatten_p.h"
 #include "CBezierLength_p.h"
+#include "CurveDirection_p.h"
 #include "PathCut_p.h"
 #include "PathWalk_p.h"
 #include "PointBuffer_p.h"
 #include "PointMath_p.h"
 #include "Reach_p.h"
 #include "Strip_p.h"
+#include "Sums_p.h"
 #include "TLine.h"
 
 #include <algorithm>
@@ -81,46 +83,6 @@ private:
     std::size_t mCount = 0;
     double mLength = 0.0;
 };
-
-/// Returns the index of the first of `count` numbers in order that is not less than `target`.
-/// Returns `count` when there is none, and for a NaN.
-std::size_t FirstNotLess(double const* sums, std::size_t count, double target) {
-    std::size_t first = 0;
-    while (count > 0) {
-        std::size_t const half = count / 2;
-        if (target <= sums[first + half]) {
-            count = half;
-        } else {
-            first += half + 1;
-            count -= half + 1;
-        }
-    }
-    return first;
-}
-
-/// Returns the vector made one unit long; a null vector stays null.
-Pt Unit(Pt const& d) { return d.Null() ? d : d / d.Hypotenuse(); }
-
-/// Returns the direction of a curve at a parameter: the direction of its first derivative.
-///
-/// Where the first vanishes, the next derivative that does not vanish tells where the curve goes
-/// on. At the curve's end the way back counts: there the second derivative points against the
-/// direction.
-Pt DirectionAt(CBezier const& c, double t) {
-    Pt const a = c.P1 - c.P0;
-    Pt const b = c.P2 - c.P1;
-    Pt const d = c.P3 - c.P2;
-    double const s = 1.0 - t;
-    Pt first = a * (s * s) + b * (2.0 * s * t) + d * (t * t);
-    if (first.Null()) {
-        Pt const second = (b - a) * s + (d - b) * t;
-        first = t < 1.0 ? second : -second;
-    }
-    if (first.Null()) {
-        first = a - b * 2.0 + d;
-    }
-    return Unit(first);
-}
 
 } // namespace
 
@@ -266,20 +228,7 @@ void MeasuredOutline::BuildTree() {
 }
 
 std::size_t MeasuredOutline::Find(double target, std::size_t hint) const {
-    double const* const sums = mBehind.data();
-    std::size_t first = 0;
-    std::size_t count = mOrdered;
-    if (hint > 0 && hint < mOrdered && !(target <= sums[hint - 1])) {
-        // Ever longer steps lead on from there, until one is too long.
-        first = hint;
-        std::size_t step = 1;
-        while (step < mOrdered - first && !(target <= sums[first + step - 1])) {
-            first += step;
-            step *= 2;
-        }
-        count = std::min(step, mOrdered - first);
-    }
-    first += FirstNotLess(sums + first, count, target);
+    std::size_t const first = FirstNotLess(mBehind.data(), mOrdered, target, hint);
     return first < mOrdered ? first : mSegments.size();
 }
 
@@ -380,7 +329,8 @@ PathMeasure::Place MeasuredOutline::PlaceOn(std::size_t i, double target) const 
     place.parameter = Parameter(i, target);
     if (segment.isCurve) {
         place.point = segment.curve.TPt(place.parameter);
-        place.direction = DirectionAt(segment.curve, place.parameter);
+        CurveDerivatives const derivatives(segment.curve, place.parameter);
+        place.direction = DirectionAt(derivatives, place.parameter);
     } else {
         place.point = segment.Line().TPt(place.parameter);
         place.direction = Unit(segment.Line().Delta());

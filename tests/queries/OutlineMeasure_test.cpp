@@ -1,0 +1,499 @@
+// SPDX-License-Identifier: MIT
+
+#include "OutlineMeasure.h"
+
+#include "AccurateCurve.h"
+#include "CurveTruth.h"
+#include "PathWalk_p.h"
+#include "SvgPath.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace trammel_test;
+using trammel::OutlineMeasure;
+
+typedef TPoint<double> Pt;
+typedef OutlineMeasure::Place Place;
+
+constexpr std::size_t kNone = OutlineMeasure::kNone;
+
+CPath Path(std::string const& text) {
+    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
+    EXPECT_FALSE(result.error) << text;
+    return result.path;
+}
+
+CPath PathOf(CBezier const& c) {
+    CPath path;
+    path.MoveTo(c.P0);
+    path.CurveTo(c.P1, c.P2, c.P3);
+    return path;
+}
+
+/// Curves with cusps and retracted handles, curves that double back, and an S with its middle on
+/// its chord.
+std::vector<CBezier> NastyCurves() {
+    return {Cusp() * 20.0,
+            CBezier({0, 0}, {0, 0}, {50, 90}, {100, 0}),
+            CBezier({0, 0}, {50, 90}, {100, 0}, {100, 0}),
+            CBezier({0, 0}, {0, 0}, {100, 0}, {100, 0}),
+            CBezier({0, 0}, {300, 0}, {-200, 0}, {100, 0}),
+            CBezier({0, 0}, {100, 100}, {0, 100}, {100, 0}),
+            CBezier({0, 0}, {200, 300}, {400, -300}, {600, 0}),
+            CBezier({0, 0}, {100.001, 100}, {0, 100}, {100, 0}),
+            CBezier({0, 0}, {1e-7, 0}, {100, 0}, {100, 1e-7}),
+            CBezier({0, 0}, {90, 0}, {90, 0}, {0, 1e-9})};
+}
+
+/// The true lengths of a path's segments, by quadrature in long double.
+struct Truth {
+    struct Segment {
+        CBezier curve;
+        bool isCurve;
+        std::size_t element;
+        std::size_t subpath;
+        Wide before;
+        Wide length;
+        Wide polygon;
+    };
+    std::vector<Segment> segments;
+    Wide total = 0;
+
+    explicit Truth(CPath const& path) {
+        std::size_t subpath = kNone;
+        char last = kPathClose;
+        for (trammel_detail::SegmentCursor cursor(path); cursor.NextOrMove();) {
+            subpath += cursor.Code() == kPathMove || last == kPathClose ? 1 : 0;
+            last = cursor.Code();
+            if (last == kPathMove) {
+                continue;
+            }
+            bool const isCurve = cursor.IsCurve();
+            TLine<double> const line = cursor.Line();
+            CBezier const c =
+                isCurve ? cursor.Curve() : CBezier(line.mStart, line.mStart, line.mEnd, line.mEnd);
+            Wide const length =
+                isCurve ? TrueLength(c) : Length(Widened(line.mEnd) - Widened(line.mStart));
+            segments.push_back(
+                {c, isCurve, cursor.Element(), subpath, total, length, PolygonLength(c)});
+            total += length;
+        }
+    }
+    Segment const& OfElement(std::size_t element) const {
+        return *std::find_if(segments.begin(), segments.end(),
+                             [&](Segment const& s) { return s.element == element; });
+    }
+};
+
+CPath AnyPath(Random& random, int count) {
+    CPath path;
+    path.MoveTo(random.Point(100));
+    for (int i = 0; i < count; ++i) {
+        switch (random.Integer(0, 9)) {
+        case 0:
+            path.ClosePath();
+            path.MoveTo(random.Point(100));
+            break;
+        case 1:
+            path.MoveTo(random.Point(100));
+            break;
+        case 2:
+        case 3:
+            path.LineTo(random.Point(100));
+            break;
+        default: {
+            CBezier const c = AnyCurve(random);
+            path.LineTo(c.P0);
+            path.CurveTo(c.P1, c.P2, c.P3);
+            break;
+        }
+        }
+    }
+    return path;
+}
+
+/// Expects that the length up to a place is `length`, to the bound that the class states.
+void ExpectAtLength(Truth const& truth, Place const& place, double length) {
+    ASSERT_NE(place.element, kNone);
+    Truth::Segment const& s = truth.OfElement(place.element);
+    Wide const part = s.isCurve ? TrueLength(s.curve, 0, Widened(place.parameter))
+                                : s.length * Widened(place.parameter);
+    Wide const bound = std::ldexp(s.polygon, -42) + std::ldexp(truth.total, -51);
+    EXPECT_LE(Off(length, s.before + part), bound) << Text(s.curve) << " at " << length;
+    EXPECT_EQ(place.subpath, s.subpath);
+    WidePt const point = s.isCurve
+                             ? At(s.curve, Widened(place.parameter))
+                             : Widened(s.curve.P0) + (Widened(s.curve.P3) - Widened(s.curve.P0)) *
+                                                         Widened(place.parameter);
+    EXPECT_LE(Length(point - Widened(place.point)), 400 * std::ldexp(1.0L, -50));
+}
+
+TEST(OutlineMeasure, LengthIsTheIntegralOfTheSpeed) {
+    Random random(1);
+    for (int i = 0; i < 300; ++i) {
+        CPath const path = AnyPath(random, random.Integer(1, 20));
+        Truth const truth(path);
+        Wide bound = std::ldexp(truth.total, -52);
+        for (Truth::Segment const& s : truth.segments) {
+            bound += std::ldexp(s.polygon, -46);
+        }
+        EXPECT_LE(Off(OutlineMeasure(path).Length(), truth.total), bound) << i;
+    }
+}
+
+TEST(OutlineMeasure, PlaceIsAtItsLength) {
+    Random random(2);
+    for (int i = 0; i < 150; ++i) {
+        CPath const path = AnyPath(random, random.Integer(1, 12));
+        Truth const truth(path);
+        OutlineMeasure const measure(path);
+        if (measure.Length() == 0.0) {
+            continue;
+        }
+        for (int k = 0; k < 12; ++k) {
+            double const length = random.Uniform(0, 1) * measure.Length();
+            Place const place = measure.AtLength(length);
+            EXPECT_EQ(place.length, length);
+            ExpectAtLength(truth, place, length);
+        }
+    }
+    for (CBezier const& c : NastyCurves()) {
+        OutlineMeasure const measure(PathOf(c));
+        Truth const truth(PathOf(c));
+        for (int k = 1; k < 200; ++k) {
+            ExpectAtLength(truth, measure.At(k / 200.0), k / 200.0 * measure.Length());
+        }
+    }
+}
+
+TEST(OutlineMeasure, OneHundredThousandFractionsOfACurveGiveAsManyPlacesInOrder) {
+    for (CBezier const& c : NastyCurves()) {
+        OutlineMeasure const measure(PathOf(c));
+        double last = -1.0;
+        for (int k = 0; k <= 100000; ++k) {
+            double const parameter = measure.At(k / 100000.0).parameter;
+            ASSERT_LT(last, parameter) << Text(c) << k;
+            last = parameter;
+        }
+        EXPECT_EQ(last, 1.0);
+    }
+}
+
+TEST(OutlineMeasure, PlacesNeverGoBackFromOneDoubleToTheNext) {
+    Random random(3);
+    std::vector<CBezier> curves = NastyCurves();
+    for (int i = 0; i < 40; ++i) {
+        curves.push_back(AnyCurve(random));
+    }
+    for (CBezier const& c : curves) {
+        CPath path = PathOf(c);
+        path.LineTo(c.P3 + Pt(10, 0));
+        OutlineMeasure const measure(path);
+        for (int k = 0; k < 40; ++k) {
+            double length = random.Uniform(0, 1) * measure.Length();
+            if (k == 0) {
+                length = 0.0;
+            } else if (k == 1) {
+                length = measure.Length() - 10.0; // about where the line begins
+                for (int back = 0; back < 30; ++back) {
+                    length = std::nextafter(length, 0.0);
+                }
+            }
+            // Steps of one unit in the last place, and steps of about a quantum.
+            for (double const step : {0x1p-53, 0x1p-45, 0x1p-41}) {
+                double at = length;
+                Place last = measure.AtLength(at);
+                for (int i = 0; i < 60; ++i) {
+                    at = std::max(std::nextafter(at, kInf), at + step * measure.Length());
+                    Place const place = measure.AtLength(at);
+                    ASSERT_LE(last.element, place.element) << Text(c) << " at " << Text(at);
+                    ASSERT_TRUE(last.element < place.element || last.parameter <= place.parameter)
+                        << Text(c) << " at " << Text(at);
+                    last = place;
+                }
+            }
+        }
+    }
+}
+
+TEST(OutlineMeasure, EndsHold) {
+    OutlineMeasure const measure(Path("M10 20 L30 20 C40 20 50 30 50 40"));
+    for (double const before : {0.0, -0.0, -1e-300, -7.0, -kInf}) {
+        EXPECT_EQ(measure.AtLength(before).point, Pt(10, 20));
+        EXPECT_EQ(measure.AtLength(before).parameter, 0.0);
+        EXPECT_EQ(measure.AtLength(before).element, 1U);
+        EXPECT_EQ(measure.TPt(before), Pt(10, 20));
+    }
+    double const total = measure.Length();
+    for (double const behind : {total, std::nextafter(total, kInf), 2 * total, kInf}) {
+        EXPECT_EQ(measure.AtLength(behind).point, Pt(50, 40));
+        EXPECT_EQ(measure.AtLength(behind).length, total);
+        EXPECT_EQ(measure.AtLength(behind).parameter, 1.0);
+        EXPECT_EQ(measure.AtLength(behind).element, 2U);
+    }
+    for (double const behind : {1.0, std::nextafter(1.0, 2.0), 3.0, kInf}) {
+        EXPECT_EQ(measure.TPt(behind), Pt(50, 40));
+    }
+}
+
+TEST(OutlineMeasure, OneStepPastTheEndOfAClosedOutlineIsTheEnd) {
+    OutlineMeasure const measure(Path("M0 0 H10 V10 Z M50 50 H60 V60 Z"));
+    Place const end = measure.At(std::nextafter(1.0, 2.0));
+    EXPECT_EQ(end.element, 7U);
+    EXPECT_EQ(end.parameter, 1.0);
+    EXPECT_EQ(end.subpath, 1U);
+    EXPECT_EQ(end.point, Pt(50, 50));
+}
+
+TEST(OutlineMeasure, GapBetweenSubpathsHasNoLength) {
+    OutlineMeasure const measure(Path("M0 0 H10 M100 0 H110 M200 0 M300 0 V10 Z"));
+    EXPECT_EQ(measure.Length(), 40.0);
+    Place const before = measure.AtLength(10);
+    EXPECT_EQ(before.point, Pt(10, 0));
+    EXPECT_EQ(before.element, 1U);
+    EXPECT_EQ(before.subpath, 0U);
+    Place const behind = measure.AtLength(std::nextafter(10.0, 11.0));
+    EXPECT_NEAR(behind.point.h, 100, 1e-12);
+    EXPECT_EQ(behind.element, 3U);
+    EXPECT_EQ(behind.subpath, 1U);
+    EXPECT_EQ(measure.AtLength(25).point, Pt(300, 5));
+    EXPECT_EQ(measure.AtLength(35).point, Pt(300, 5));
+    EXPECT_EQ(measure.AtLength(35).tangent, Pt(0, -1));
+}
+
+TEST(OutlineMeasure, SubpathsWithoutSegmentsCount) {
+    CPath path;
+    path.mCtls = {kPathMove, kPathMove, kPathLine, kPathClose, kPathLine};
+    path.mPts = {Pt(1, 1), Pt(0, 0), Pt(10, 0), Pt(10, 5)};
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.Length(), 25.0);
+    EXPECT_EQ(measure.AtLength(5).subpath, 1U);
+    EXPECT_EQ(measure.AtLength(15).subpath, 1U);
+    EXPECT_EQ(measure.AtLength(22).subpath, 2U);
+    EXPECT_EQ(measure.AtLength(22).point, Pt(10, 2));
+}
+
+TEST(OutlineMeasure, SegmentsWithoutLengthArePassedOver) {
+    CPath path;
+    path.mCtls = {kPathMove, kPathLine, kPathLine, kPathLine, kPathCurve, kPathLine};
+    path.mPts = {Pt(1, 1), Pt(1, 1), Pt(4, 5), Pt(4, 5), Pt(4, 5), Pt(4, 5), Pt(4, 5), Pt(4, 15)};
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.Length(), 15.0);
+    EXPECT_EQ(measure.At(0).element, 2U);
+    EXPECT_EQ(measure.At(0).tangent, Pt(0.6, 0.8));
+    EXPECT_EQ(measure.AtLength(5).element, 2U);
+    EXPECT_EQ(measure.AtLength(6).element, 5U);
+}
+
+TEST(OutlineMeasure, OutlineWithoutLengthIsItsStart) {
+    for (double const t : {-1.0, 0.0, 0.5, 1.0, 2.0}) {
+        EXPECT_EQ(OutlineMeasure(CPath()).At(t).point, Pt(0, 0));
+        EXPECT_EQ(OutlineMeasure(CPath()).At(t).element, kNone);
+        EXPECT_EQ(OutlineMeasure(Path("M3 4")).At(t).point, Pt(3, 4));
+        EXPECT_EQ(OutlineMeasure(Path("M3 4")).At(t).element, kNone);
+        EXPECT_EQ(OutlineMeasure(Path("M3 4")).At(t).subpath, kNone);
+        CPath dot;
+        dot.mCtls = {kPathMove, kPathLine};
+        dot.mPts = {Pt(3, 4), Pt(3, 4)};
+        EXPECT_EQ(OutlineMeasure(dot).At(t).point, Pt(3, 4));
+        EXPECT_EQ(OutlineMeasure(dot).At(t).element, 1U);
+        EXPECT_EQ(OutlineMeasure(dot).At(t).tangent, Pt(0, 0));
+        EXPECT_EQ(OutlineMeasure(dot).At(t).parameter, 0.0);
+    }
+}
+
+TEST(OutlineMeasure, NanIsOnNoElement) {
+    OutlineMeasure const measure(Path("M0 0 H10"));
+    for (Place const& place : {measure.At(kNaN), measure.AtLength(kNaN)}) {
+        EXPECT_TRUE(std::isnan(place.point.h) && std::isnan(place.point.v));
+        EXPECT_EQ(place.element, kNone);
+        EXPECT_EQ(place.subpath, kNone);
+    }
+    EXPECT_TRUE(std::isnan(measure.TPt(kNaN).h));
+}
+
+TEST(OutlineMeasure, SubpathThatIsNotFiniteIsAbsent) {
+    for (double const bad : {kNaN, kInf, -kInf}) {
+        CPath path = Path("M0 0 H10");
+        path.MoveTo(Pt(20, 0));
+        path.LineTo(Pt(30, 0));
+        path.CurveTo(Pt(30, bad), Pt(31, 1), Pt(32, 0));
+        path.LineTo(Pt(40, 0));
+        path.MoveTo(Pt(50, 0));
+        path.LineTo(Pt(60, 0));
+        OutlineMeasure const measure(path);
+        EXPECT_EQ(measure.Length(), 20.0);
+        EXPECT_EQ(measure.AtLength(15).point, Pt(55, 0));
+        EXPECT_EQ(measure.AtLength(15).element, 7U);
+        EXPECT_EQ(measure.AtLength(15).subpath, 2U);
+    }
+}
+
+TEST(OutlineMeasure, AnyDoublesAreMeasuredWithoutHarm) {
+    Random random(4);
+    for (CBezier const& c : SpecialCurves()) {
+        OutlineMeasure const measure(PathOf(c));
+        if (!Finite(c)) {
+            EXPECT_EQ(measure.Length(), 0.0);
+            EXPECT_EQ(measure.At(0.5).element, kNone);
+            continue;
+        }
+        EXPECT_GE(measure.Length(), 0.0);
+        double last = 0.0;
+        for (double const t : {0.0, 1e-300, 0.2, 0.5, 0.9, 1.0}) {
+            Place const place = measure.At(t);
+            EXPECT_TRUE(place.parameter >= last && place.parameter <= 1.0) << Text(c) << t;
+            last = place.parameter;
+        }
+    }
+}
+
+TEST(OutlineMeasure, ScaledOutlineHasTheSamePlaces) {
+    Random random(5);
+    for (int i = 0; i < 60; ++i) {
+        CBezier const c = AnyCurve(random);
+        OutlineMeasure const measure(PathOf(c));
+        for (int const exponent : {-500, -60, 60, 500}) {
+            OutlineMeasure const scaled(PathOf(c * std::ldexp(1.0, exponent)));
+            ASSERT_EQ(scaled.Length(), std::ldexp(measure.Length(), exponent));
+            for (double const t : {0.1, 0.3, 0.77}) {
+                Place const a = measure.At(t);
+                Place const b = scaled.At(t);
+                EXPECT_EQ(a.parameter, b.parameter) << Text(c) << exponent;
+                EXPECT_NEAR(a.tangent.h, b.tangent.h, 1e-14);
+                EXPECT_NEAR(a.tangent.v, b.tangent.v, 1e-14);
+                double const back = std::ldexp(b.curvature, exponent);
+                EXPECT_LE(std::abs(back - a.curvature), 1e-13 * std::abs(a.curvature));
+            }
+        }
+    }
+}
+
+TEST(OutlineMeasure, PlacesAreRightFarFromTheOrigin) {
+    Pt const far(1e9, -3e9);
+    CBezier const c = CBezier({0, 0}, {10, 30}, {60, -40}, {100, 0}) + far;
+    OutlineMeasure const measure(PathOf(c));
+    Truth const truth(PathOf(c));
+    for (int k = 1; k < 100; ++k) {
+        double const length = k / 100.0 * measure.Length();
+        Wide const part = TrueLength(c, 0, Widened(measure.AtLength(length).parameter));
+        EXPECT_LE(Off(length, part), std::ldexp(truth.segments[0].polygon, -42));
+    }
+}
+
+TEST(OutlineMeasure, FractionsOfAMillionSegmentsStayRight) {
+    CPath path;
+    path.MoveTo(Pt(0, 0));
+    for (int i = 1; i <= 1000000; ++i) {
+        path.LineTo(Pt(i % 2 == 0 ? 0.0 : 0.1, 0.0));
+    }
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.Length(), 100000.0);
+    for (int const i : {1, 1000, 499999, 999999}) {
+        Place const place = measure.At((i + 0.25) / 1e6);
+        EXPECT_EQ(place.element, static_cast<std::size_t>(i + 1));
+        EXPECT_NEAR(place.parameter, 0.25, 1e-9);
+    }
+}
+
+TEST(OutlineMeasure, CurvatureIsTheBend) {
+    // (t, t²) has the curvature 2/(1 + 4t²)^(3/2), and turns from +h toward +v.
+    OutlineMeasure const parabola(PathOf(Parabola(1)));
+    for (int k = 0; k <= 50; ++k) {
+        Place const place = parabola.At(k / 50.0);
+        double const t = place.parameter;
+        EXPECT_NEAR(place.curvature, 2.0 / std::pow(1.0 + 4.0 * t * t, 1.5), 1e-13);
+        EXPECT_NEAR(place.tangent.h, 1.0 / std::hypot(1.0, 2.0 * t), 1e-15);
+        EXPECT_NEAR(place.tangent.v, 2.0 * t / std::hypot(1.0, 2.0 * t), 1e-15);
+    }
+    CBezier const p = Parabola(1);
+    EXPECT_LT(OutlineMeasure(PathOf(CBezier(p.P3, p.P2, p.P1, p.P0))).At(0.5).curvature, 0.0);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 L3 4")).At(0.5).curvature, 0.0);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 L3 4")).At(0.5).tangent, Pt(0.6, 0.8));
+}
+
+TEST(OutlineMeasure, CurvatureIsInfiniteWhereTheCurveStands) {
+    Place const cusp = OutlineMeasure(PathOf(Cusp())).At(0.5);
+    EXPECT_NEAR(cusp.parameter, 0.5, 1e-6);
+    EXPECT_NEAR(std::abs(cusp.tangent.h), 1.0, 1e-6);
+    EXPECT_GT(std::abs(cusp.curvature), 1e6);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 10")).At(0).curvature, kInf);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 10")).At(0).tangent, Pt(1, 0));
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 10 10 10 10 10")).At(1).curvature, -kInf);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 10 10 10 10 10")).At(1).tangent, Pt(1, 0));
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 0")).At(0).curvature, 0.0);
+    EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 0")).At(1).tangent, Pt(1, 0));
+}
+
+TEST(OutlineMeasure, BatchesGiveTheSamePlaces) {
+    Random random(6);
+    CPath const path = AnyPath(random, 200);
+    OutlineMeasure const measure(path);
+    std::vector<double> fractions = {0.0, 1.0, -1.0, 2.0, kNaN, 0.5};
+    for (int i = 0; i < 300; ++i) {
+        fractions.push_back(random.Uniform(0, 1));
+    }
+    for (int i = 0; i <= 300; ++i) {
+        fractions.push_back(i / 300.0);
+    }
+    std::vector<double> lengths;
+    for (double const t : fractions) {
+        lengths.push_back(t * measure.Length());
+    }
+    std::size_t const count = fractions.size();
+    std::vector<Pt> points(count);
+    std::vector<Pt> pointsAtLengths(count);
+    std::vector<Place> places(count);
+    std::vector<Place> placesAtLengths(count);
+    measure.TPts(fractions.data(), count, points.data());
+    measure.PtsAtLengths(lengths.data(), count, pointsAtLengths.data());
+    measure.Places(fractions.data(), count, places.data());
+    measure.PlacesAtLengths(lengths.data(), count, placesAtLengths.data());
+    for (std::size_t i = 0; i < count; ++i) {
+        Place const single = measure.At(fractions[i]);
+        EXPECT_TRUE(SameBits(points[i], measure.TPt(fractions[i])));
+        EXPECT_TRUE(SameBits(points[i], single.point));
+        EXPECT_TRUE(SameBits(places[i].point, single.point));
+        EXPECT_TRUE(SameBits(places[i].parameter, single.parameter));
+        EXPECT_EQ(places[i].element, single.element);
+        EXPECT_TRUE(SameBits(pointsAtLengths[i], measure.PtAtLength(lengths[i])));
+        EXPECT_TRUE(SameBits(placesAtLengths[i].point, pointsAtLengths[i]));
+    }
+}
+
+TEST(OutlineMeasure, IsIndependentOfThePath) {
+    CPath path = Path("M0 0 H10");
+    OutlineMeasure measure(path);
+    OutlineMeasure const copy(measure);
+    path.LineTo(Pt(50, 50));
+    measure = OutlineMeasure(path);
+    EXPECT_EQ(copy.Length(), 10.0);
+    EXPECT_EQ(copy.TPt(1), Pt(10, 0));
+    EXPECT_GT(measure.Length(), 70.0);
+}
+
+TEST(OutlineMeasure, BothFormsGiveTheSameBits) {
+    Random random(7);
+    CPath const path = AnyPath(random, 100);
+    ExpectTheSameInBothForms([&] {
+        OutlineMeasure const measure(path);
+        std::vector<double> numbers = {measure.Length()};
+        for (int i = 0; i <= 500; ++i) {
+            Place const place = measure.At(i / 500.0);
+            numbers.push_back(place.parameter);
+            numbers.push_back(place.curvature);
+        }
+        return numbers;
+    });
+}
+
+} // namespace
