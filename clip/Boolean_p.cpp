@@ -27,7 +27,7 @@ unsigned Beyond(Box<double> const& where, double x, double y) {
 
 } // namespace
 
-void BooleanOperand::Add(double const* coordinates, std::size_t count) {
+void BooleanOperand::Add(double const* coordinates, std::size_t count, std::uint32_t owner) {
     if (count < 3) {
         return;
     }
@@ -41,7 +41,7 @@ void BooleanOperand::Add(double const* coordinates, std::size_t count) {
         bounds.Include(x, y);
     }
     if (bounds.HasArea()) {
-        mContours.push_back({coordinates, count, bounds});
+        mContours.push_back({coordinates, count, bounds, owner});
         mBounds.Include(bounds);
     }
 }
@@ -64,8 +64,9 @@ void BooleanOperand::Keep(Box<double> const& where) {
     }
 }
 
-void BooleanOperand::AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
-                                 GridLines& lines) const {
+template <class Close>
+void BooleanOperand::AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines,
+                                  Close&& close) const {
     for (Contour const& contour : mContours) {
         double const* const v = contour.coordinates;
         std::size_t const end = 2 * contour.count;
@@ -79,12 +80,31 @@ void BooleanOperand::AppendLines(Operands bit, Box<double> const& where, ClipGri
                 last = here;
             }
         }
-        lines.Close(bit);
+        close(contour);
     }
 }
 
-BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf const& region,
-                      Scratch* scratch) {
+void BooleanOperand::AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
+                                 GridLines& lines) const {
+    AppendPoints(where, grid, lines, [&](Contour const&) { lines.Close(bit); });
+}
+
+void BooleanOperand::AppendOwnedLines(Box<double> const& where, ClipGrid& grid,
+                                      GridLines& lines) const {
+    AppendPoints(where, grid, lines,
+                 [&](Contour const& contour) { lines.CloseOwned(contour.owner); });
+}
+
+namespace {
+
+/// Where the lines of each of two operands have to enclose the right points.
+struct Places {
+    Box<double> first;
+    Box<double> second;
+};
+
+/// Removes contours that do not matter for the region, and returns where the others do.
+Places KeepWhatMatters(BooleanOperand& first, BooleanOperand& second, RegionOf const& region) {
     // Without points that lie in one operand only, nothing of the region lies outside of the other.
     bool const withinSecond = !region[kFirst];
     bool const withinFirst = !region[kSecond];
@@ -94,22 +114,55 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
     if (withinFirst) {
         second.Keep(first.Bounds());
     }
+    return {withinSecond ? second.Bounds() : first.Bounds(),
+            withinFirst ? first.Bounds() : second.Bounds()};
+}
+
+/// Returns no lines, with room for those of two operands.
+GridLines RoomForLines(BooleanOperand const& first, BooleanOperand const& second,
+                       Scratch* scratch) {
+    GridLines lines(scratch);
+    lines.points.reserve(first.VertexCount() + second.VertexCount());
+    lines.ends.reserve(first.Count() + second.Count());
+    lines.operands.reserve(lines.ends.capacity());
+    return lines;
+}
+
+} // namespace
+
+BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf const& region,
+                      Scratch* scratch) {
+    Places const places = KeepWhatMatters(first, second, region);
     Box<double> all = first.Bounds();
     all.Include(second.Bounds());
     if (!all.HasArea()) {
         return {RegionContours(scratch), ScratchVector<std::size_t>(scratch), ClipGrid(0, 0, 1, 1)};
     }
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
-    GridLines lines(scratch);
-    lines.points.reserve(first.VertexCount() + second.VertexCount());
-    lines.ends.reserve(first.Count() + second.Count());
-    lines.operands.reserve(lines.ends.capacity());
-    first.AppendLines(kFirst, withinSecond ? second.Bounds() : first.Bounds(), grid, lines);
-    second.AppendLines(kSecond, withinFirst ? first.Bounds() : second.Bounds(), grid, lines);
+    GridLines lines = RoomForLines(first, second, scratch);
+    first.AppendLines(kFirst, places.first, grid, lines);
+    second.AppendLines(kSecond, places.second, grid, lines);
     grid.FinishAdding();
     RegionContours resolved = ContoursOf(std::move(lines), region, grid);
     ScratchVector<std::size_t> order = OrderContours(resolved);
     return {std::move(resolved), std::move(order), std::move(grid)};
+}
+
+WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
+                               WindingRegion const& region, Scratch* scratch) {
+    Places const places = KeepWhatMatters(first, second, region.region);
+    Box<double> all = first.Bounds();
+    all.Include(second.Bounds());
+    if (!all.HasArea()) {
+        return {RegionContours(scratch), ClipGrid(0, 0, 1, 1)};
+    }
+    ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
+    GridLines lines = RoomForLines(first, second, scratch);
+    lines.owners.reserve(lines.ends.capacity());
+    first.AppendOwnedLines(places.first, grid, lines);
+    second.AppendOwnedLines(places.second, grid, lines);
+    grid.FinishAdding();
+    return {ContoursOf(std::move(lines), region, grid), std::move(grid)};
 }
 
 } // namespace trammel_detail

@@ -14,6 +14,7 @@
 #include "Scratch_p.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace trammel_detail {
 
@@ -24,8 +25,9 @@ public:
     explicit BooleanOperand(Scratch* scratch) : mContours(scratch) {}
 
     /// Adds a contour of `count` vertices, with x and y in turns. A contour that cannot enclose
-    /// anything is ignored, and so is one that has a coordinate which is not finite.
-    void Add(double const* coordinates, std::size_t count);
+    /// anything is ignored, and so is one that has a coordinate which is not finite. `owner` is for
+    /// CombineByWinding().
+    void Add(double const* coordinates, std::size_t count, std::uint32_t owner = 0);
 
     /// Returns the box of all contours.
     Box<double> const& Bounds() const { return mBounds; }
@@ -42,6 +44,8 @@ public:
     /// one in the middle is left out. It matters on that side alone.
     void AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
                      GridLines& lines) const;
+    /// Appends the same lines with the contours' owners.
+    void AppendOwnedLines(Box<double> const& where, ClipGrid& grid, GridLines& lines) const;
 
 private:
     /// A contour that can enclose something.
@@ -49,7 +53,11 @@ private:
         double const* coordinates;
         std::size_t count;
         Box<double> bounds;
+        std::uint32_t owner;
     };
+    template <class Close>
+    void AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines,
+                      Close&& close) const;
 
     ScratchVector<Contour> mContours;
     Box<double> mBounds;
@@ -78,6 +86,18 @@ struct BooleanResult {
 /// and std::length_error.
 BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf const& region,
                       Scratch* scratch);
+
+/// The contours of a result in no particular order.
+struct WindingResult {
+    RegionContours resolved;
+    ClipGrid grid;
+};
+
+/// Returns the contours of a region by winding numbers. The owners of the contours are the numbers
+/// of region.rules: those of the first group are in `first`, those of the second in `second`.
+/// Removes contours that do not matter from both. Throws std::bad_alloc and std::length_error.
+WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
+                               WindingRegion const& region, Scratch* scratch);
 
 } // namespace trammel_detail
 

@@ -20,10 +20,14 @@ struct ChainGraph::DirectedEdge {
     HalfEdge half;
 };
 
-ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences)
+ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences,
+                       EqualChains equal)
     : lines(cutLines), chains(incidences.get_allocator()), nodeOf(incidences.get_allocator()),
-      nextClockwise(incidences.get_allocator()) {
+      nextClockwise(incidences.get_allocator()), equals(incidences.get_allocator()) {
     MakeChains(incidences);
+    if (equal == EqualChains::kList) {
+        equals.assign(chains.size(), kNone);
+    }
     nodeOf.resize(2 * chains.size());
     nextClockwise.resize(2 * chains.size());
     MakeCrossingNodes(incidences);
@@ -215,13 +219,25 @@ void ChainGraph::MergeEqualChains(ScratchVector<DirectedEdge> const& edges) {
                edges[j].target == edges[i].target) {
             ++j;
         }
-        if (j > i + 1 && edges[i].origin < edges[i].target) {
+        bool const several = j > i + 1 && edges[i].origin < edges[i].target;
+        if (several && !equals.empty()) {
+            ListEqualChains(&edges[i], &edges[i] + (j - i));
+        } else if (several) {
             Chain& first = chains[edges[i].half / 2];
             for (std::size_t k = i + 1; k < j; ++k) {
                 first.operands ^= std::exchange(chains[edges[k].half / 2].operands, Operands{0});
             }
         }
         i = j;
+    }
+}
+
+void ChainGraph::ListEqualChains(DirectedEdge const* begin, DirectedEdge const* end) {
+    HalfEdge const first = begin->half;
+    for (DirectedEdge const* edge = begin + 1; edge < end; ++edge) {
+        Number const chain = edge->half / 2;
+        equals[chain] = std::exchange(equals[first / 2], 2 * chain + (edge->half ^ first) % 2);
+        chains[chain].operands = 0;
     }
 }
 

@@ -45,12 +45,19 @@ typedef Number HalfEdge;
 /// Returns the same chain as seen from its other end.
 inline HalfEdge Twin(HalfEdge half) { return half ^ 1; }
 
+/// What becomes of equal chains, the first of which stands for all.
+enum class EqualChains {
+    kCancel, ///< the first has the operands in which its sides differ by the even-odd rule
+    kList,   ///< the first has a list of the others, see ChainGraph::equals
+};
+
 /// The graph of cut lines. Around each node the half-edges that leave it are linked in a cycle.
 /// A chain whose operands an equal chain took or cancelled is in no cycle there.
 struct ChainGraph {
     /// `incidences` has an element for each vertex of the lines. Refers to the lines, which must
     /// stay as they are. Throws std::length_error for more than EdgeTree::kMostEdges edges.
-    ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences);
+    ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences,
+               EqualChains equal);
 
     /// Returns the number among all points of the chain's vertex number k, 0 <= k <= chain.count.
     Number VertexOf(Chain const& chain, Number k) const {
@@ -61,12 +68,24 @@ struct ChainGraph {
     GridPoint PointOf(Chain const& chain, Number k) const {
         return lines.points[VertexOf(chain, k)];
     }
+    /// Returns the number within the chain of its first edge that is not horizontal, chain.count
+    /// for none.
+    Number FirstNotHorizontal(Chain const& chain) const {
+        Number k = 0;
+        while (k < chain.count && PointOf(chain, k).y == PointOf(chain, k + 1).y) {
+            ++k;
+        }
+        return k;
+    }
 
     GridLines const& lines;
     ScratchVector<Chain> chains;
     Number nodeCount = 0;
     ScratchVector<Number> nodeOf;          ///< by half-edge: the node that it leaves
     ScratchVector<HalfEdge> nextClockwise; ///< by half-edge: the next one of its node
+    /// By chain: the next one of a list of equal chains, or kNone. An even half-edge runs in the
+    /// direction of the list's first chain, an odd one in the other. Empty where they cancel.
+    ScratchVector<HalfEdge> equals;
 
 private:
     struct DirectedEdge;
@@ -79,6 +98,8 @@ private:
     /// Links half-edges, which are in counterclockwise order, around a new node.
     void AddNode(HalfEdge const* begin, HalfEdge const* end);
     void MergeEqualChains(ScratchVector<DirectedEdge> const& edges);
+    /// Puts equal chains in the list of the first. `begin` to `end` are their edges from one end.
+    void ListEqualChains(DirectedEdge const* begin, DirectedEdge const* end);
     static bool TurnsFirst(DirectedEdge const& s, DirectedEdge const& t);
     static void SortByOrigin(ScratchVector<DirectedEdge>& edges);
 };

@@ -27,6 +27,7 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
     sorted.points.reserve(lines.points.size());
     sorted.ends.reserve(lines.Count());
     sorted.operands.reserve(lines.Count());
+    sorted.owners.reserve(lines.owners.size());
     for (auto const& [place, line] : order) {
         auto const first = lines.points.begin();
         sorted.points.insert(sorted.points.end(),
@@ -34,13 +35,15 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
                              first + static_cast<std::ptrdiff_t>(lines.End(line)));
         sorted.ends.push_back(sorted.points.size());
         sorted.operands.push_back(lines.operands[line]);
+        if (!lines.owners.empty()) {
+            sorted.owners.push_back(lines.owners[line]);
+        }
     }
     return sorted;
 }
 
-} // namespace
-
-RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
+template <class Region>
+RegionContours CutAndLink(GridLines lines, Region const& region, ClipGrid const& grid,
                           Recheck recheck) {
     Scratch* const scratch = lines.points.get_allocator().GetScratch();
     if (lines.Count() > 2) {
@@ -50,6 +53,17 @@ RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid cons
     std::optional<EdgeTree> tree;
     CutAtCrossings(lines, grid, recheck, incidences, tree);
     return LinkContours(lines, tree, incidences, region);
+}
+
+} // namespace
+
+RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
+                          Recheck recheck) {
+    return CutAndLink(std::move(lines), region, grid, recheck);
+}
+
+RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid) {
+    return CutAndLink(std::move(lines), region, grid, Recheck::kWhereNeeded);
 }
 
 } // namespace trammel_detail

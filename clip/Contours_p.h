@@ -17,6 +17,9 @@ namespace trammel_detail {
 /// Cost: see CutAtCrossings() and LinkContours().
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck = Recheck::kWhereNeeded);
+/// Returns the contours of a region by the winding numbers of operands, which are those of the
+/// lines' owners.
+RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid);
 
 } // namespace trammel_detail
 

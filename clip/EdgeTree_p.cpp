@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <stdexcept>
+#include <tuple>
 #include <utility>
 
 namespace trammel_detail {
@@ -246,10 +247,10 @@ private:
 
 } // namespace
 
-Operands EdgeTree::InsideWestOf(std::size_t edge) const {
+/// Calls cross(line, step) for crossings of a ray, see RayCrossing.
+template <class Cross> void EdgeTree::CastWest(std::size_t edge, Cross&& cross) const {
     Ray const ray(mEdges[edge]);
     GridPoint const p = ray.Start();
-    Operands inside = 0;
     Stack open;
     auto const walk = [&] {
         while (!open.Empty()) {
@@ -260,9 +261,8 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
                 continue;
             }
             if (box.highX < p.x) {
-                // The whole node is west of p. The ray crosses whole lines an even number of times.
-                // Therefore the parity comes from where the node's first line is entered and its
-                // last line is left.
+                // The whole node is west of p. The crossings of whole lines cancel. Therefore it
+                // matters where the node's first line is entered and its last line is left.
                 std::size_t first = node;
                 std::size_t last = node + 1;
                 for (std::size_t i = 0; i < level; ++i) {
@@ -271,11 +271,12 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
                 }
                 first = mChains[first].begin;
                 last = mChains[std::min(last, mChains.size()) - 1].end - 1;
-                for (auto const& [end, at] :
-                     {std::pair(first, mEdges[first].a), std::pair(last, mEdges[last].b)}) {
+                for (auto const& [end, at, sign] : {std::tuple(first, mEdges[first].a, 1),
+                                                    std::tuple(last, mEdges[last].b, -1)}) {
                     std::size_t const line = LineOf(end);
-                    if (ray.IsBelow(at) != ray.IsBelow(mLines.points[mLines.Begin(line)])) {
-                        inside ^= mLines.operands[line];
+                    bool const below = ray.IsBelow(at);
+                    if (below != ray.IsBelow(mLines.points[mLines.Begin(line)])) {
+                        cross(line, below ? sign : -sign);
                     }
                 }
                 continue;
@@ -288,8 +289,9 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
             }
             for (std::size_t i = FirstOf(0, node); i < EndOf(0, node); ++i) {
                 GridEdge const& e = mEdges[i];
-                if (i != edge && ray.IsBelow(e.a) != ray.IsBelow(e.b) && ray.Crosses(e)) {
-                    inside ^= mLines.operands[LineOf(i)];
+                bool const below = ray.IsBelow(e.a);
+                if (i != edge && below != ray.IsBelow(e.b) && ray.Crosses(e)) {
+                    cross(LineOf(i), below ? 1 : -1);
                 }
             }
         }
@@ -298,14 +300,25 @@ Operands EdgeTree::InsideWestOf(std::size_t edge) const {
         open.Push(mTop, i, 0);
         walk();
     }
+}
+
+Operands EdgeTree::InsideWestOf(std::size_t edge) const {
+    Operands inside = 0;
+    CastWest(edge, [&](std::size_t line, int) { inside ^= mLines.operands[line]; });
     return inside;
 }
 
-Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
+void EdgeTree::CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const {
+    CastWest(edge, [&](std::size_t line, int step) { crossings.push_back({line, step}); });
+}
+
+namespace {
+
+/// Calls cross(line, step) for crossings of a ray by a pass over all edges, see RayCrossing.
+template <class Cross> void CastWest(GridLines const& lines, std::size_t edge, Cross&& cross) {
     auto const found = std::upper_bound(lines.ends.begin(), lines.ends.end(), edge);
     std::size_t const first = found == lines.ends.begin() ? 0 : found[-1];
     Ray const ray({lines.points[edge], lines.points[edge + 1 == *found ? first : edge + 1]});
-    Operands inside = 0;
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const end = lines.End(line);
         // The edge to each vertex.
@@ -315,13 +328,25 @@ Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
             bool const nextBelow = ray.IsBelow(lines.points[next]);
             if (nextBelow != below && i != edge &&
                 ray.Crosses({lines.points[i], lines.points[next]})) {
-                inside ^= lines.operands[line];
+                cross(line, below ? 1 : -1);
             }
             below = nextBelow;
             i = next;
         }
     }
+}
+
+} // namespace
+
+Operands InsideWestOf(GridLines const& lines, std::size_t edge) {
+    Operands inside = 0;
+    CastWest(lines, edge, [&](std::size_t line, int) { inside ^= lines.operands[line]; });
     return inside;
+}
+
+void CrossingsWestOf(GridLines const& lines, std::size_t edge,
+                     ScratchVector<RayCrossing>& crossings) {
+    CastWest(lines, edge, [&](std::size_t line, int step) { crossings.push_back({line, step}); });
 }
 
 } // namespace trammel_detail

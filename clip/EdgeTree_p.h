@@ -15,6 +15,12 @@
 
 namespace trammel_detail {
 
+/// A crossing of a ray with a closed line.
+struct RayCrossing {
+    std::size_t line;
+    int step; ///< what winding numbers of the line grow by there, toward the start of the ray
+};
+
 /// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that are monotone
 /// in x and in y. The edges of such a chain have nothing in common but ends.
 ///
@@ -60,6 +66,9 @@ public:
     /// end, by the even-odd rule. Exact, also where edges share that end. Requires that the edge is
     /// not horizontal, and that the tree is in the order of the lines and has boxes.
     Operands InsideWestOf(std::size_t edge) const;
+    /// Appends the crossings of the lines with a ray from there to the west. Those of one line may
+    /// be left out where they cancel.
+    void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const;
 
 private:
     static constexpr std::size_t kFan = 4;                // children of a node
@@ -177,6 +186,7 @@ private:
         return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
                mLines.End(LineOf(i)) == j + 1;
     }
+    template <class Cross> void CastWest(std::size_t edge, Cross&& cross) const;
     GridBox Widened(GridBox const& b) const { return b.Widened(mMargin.x, mMargin.y); }
     std::size_t LineOf(std::size_t edge) const {
         auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);
@@ -368,6 +378,9 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
 
 /// Returns what EdgeTree::InsideWestOf() does, by a pass over all edges of `lines`.
 Operands InsideWestOf(GridLines const& lines, std::size_t edge);
+/// Appends what EdgeTree::CrossingsWestOf() does in the same way.
+void CrossingsWestOf(GridLines const& lines, std::size_t edge,
+                     ScratchVector<RayCrossing>& crossings);
 
 } // namespace trammel_detail
 

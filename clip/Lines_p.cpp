@@ -52,4 +52,12 @@ void GridLines::Close(Operands operand) {
     operands.push_back(operand);
 }
 
+void GridLines::CloseOwned(std::uint32_t owner) {
+    std::size_t const count = Count();
+    Close(1);
+    if (Count() > count) {
+        owners.push_back(owner);
+    }
+}
+
 } // namespace trammel_detail

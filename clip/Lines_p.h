@@ -22,9 +22,12 @@ struct GridLines {
     ScratchVector<GridPoint> points;
     ScratchVector<std::size_t> ends;
     ScratchVector<Operands> operands;
+    /// The operand of each line by its number, where regions are told by winding numbers (see
+    /// WindingRegion). Else empty.
+    ScratchVector<std::uint32_t> owners;
 
     explicit GridLines(Scratch* scratch = nullptr)
-        : points(scratch), ends(scratch), operands(scratch) {}
+        : points(scratch), ends(scratch), operands(scratch), owners(scratch) {}
 
     /// Returns the number of lines.
     std::size_t Count() const { return ends.size(); }
@@ -34,8 +37,10 @@ struct GridLines {
 
     /// Ends the line that was begun with points.push_back(), which bounds `operand`. Takes out
     /// repeated vertices and edges that run back over the edge before. Takes out the whole line if
-    /// fewer than three vertices are left. All this leaves the even-odd rule's answer as it is.
+    /// fewer than three vertices are left. All this leaves winding numbers as they are.
     void Close(Operands operand);
+    /// Does the same for an operand that is told by its number.
+    void CloseOwned(std::uint32_t owner);
 };
 
 /// An edge, in the direction of its line.

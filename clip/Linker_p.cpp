@@ -4,6 +4,7 @@
 
 #include "ChainGraph_p.h"
 #include "Predicates_p.h"
+#include "WestRays_p.h"
 
 #include <cstddef>
 #include <limits>
@@ -29,19 +30,34 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
 /// The work of LinkContours().
 class Linker {
 public:
+    /// Labels the chains with the operands that hold the points to their left, of which `region`
+    /// holds some sets.
     Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
            ScratchVector<Incidence> const& incidences, RegionOf const& region)
-        : mTree(tree), mLines(lines), mRegion(region),
-          mScratch(incidences.get_allocator().GetScratch()), mGraph(lines, incidences),
-          mChains(mGraph.chains), mDone(mScratch), mOpen(mScratch) {}
-
-    /// Finds the chains on the boundary.
-    void FindBoundary();
+        : mRays(lines, tree), mLines(lines), mRegion(region),
+          mScratch(incidences.get_allocator().GetScratch()),
+          mGraph(lines, incidences, EqualChains::kCancel), mChains(mGraph.chains), mDone(mScratch),
+          mOpen(mScratch) {
+        LabelByParity();
+        FindBoundary();
+    }
+    /// Labels them with 1 where the points to their left belong to the region, else with 0.
+    Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
+           ScratchVector<Incidence> const& incidences, WindingRegion const& region)
+        : mRays(lines, tree), mLines(lines), mRegion{{false, true, false, true}},
+          mScratch(incidences.get_allocator().GetScratch()),
+          mGraph(lines, incidences, EqualChains::kList), mChains(mGraph.chains), mDone(mScratch),
+          mOpen(mScratch) {
+        LabelByWinding(mGraph, mRays, region);
+        FindBoundary();
+    }
 
     RegionContours Contours();
 
 private:
-    Operands InsideWestOf(Number edge);
+    void LabelByParity();
+    /// Finds the chains on the boundary.
+    void FindBoundary();
     /// Labels all chains that are connected with a labelled one.
     void LabelConnected(Number first);
     void LabelAlong(Number chain);
@@ -60,11 +76,9 @@ private:
     /// Appends the vertices of a half-edge from its last one, which is left out, back to its first.
     GridPoint* AppendBackwards(HalfEdge entry, GridPoint* out) const;
 
-    std::optional<EdgeTree> const& mTree;
-    std::optional<EdgeTree> mOwnTree;
-    int mRays = 0; // while there is no tree
+    WestRays mRays;
     GridLines const& mLines;
-    RegionOf const& mRegion;
+    RegionOf mRegion;
     Scratch* mScratch;
     ChainGraph mGraph;
     ScratchVector<Chain>& mChains;
@@ -72,20 +86,6 @@ private:
     ScratchVector<char> mDone;   // by node: 1 once its chains are
     ScratchVector<Number> mOpen; // labelled chains that are still to be followed
 };
-
-Operands Linker::InsideWestOf(Number edge) {
-    // For a few rays a pass over all edges costs less than a tree.
-    int const kFewRays = 8;
-    if (!mTree && !mOwnTree && ++mRays > kFewRays) {
-        mOwnTree.emplace(mLines, ScratchVector<char>(mScratch), GridPoint{0, 0},
-                         EdgeTree::Order::kLines);
-    }
-    std::optional<EdgeTree> const& tree = mTree ? mTree : mOwnTree;
-    // A tree without boxes has so few edges that a pass over them costs less than holding them
-    // against each other did.
-    return tree && tree->HasBoxes() ? tree->InsideWestOf(edge)
-                                    : trammel_detail::InsideWestOf(mLines, edge);
-}
 
 void Linker::LabelConnected(Number first) {
     mOpen.push_back(first);
@@ -154,7 +154,7 @@ void Linker::LabelAround(HalfEdge from) {
     }
 }
 
-void Linker::FindBoundary() {
+void Linker::LabelByParity() {
     mDone.assign(mGraph.nodeCount, 0);
     for (Number i = 0; i < mChains.size(); ++i) {
         Chain& chain = mChains[i];
@@ -163,20 +163,20 @@ void Linker::FindBoundary() {
         }
         // One ray labels all chains that are connected. It starts at an edge that is not
         // horizontal, and every closed line that encloses something has one.
-        Number k = 0;
-        while (k < chain.count && mGraph.PointOf(chain, k).y == mGraph.PointOf(chain, k + 1).y) {
-            ++k;
-        }
+        Number const k = mGraph.FirstNotHorizontal(chain);
         if (k == chain.count) {
             continue;
         }
         bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
-        chain.left = InsideWestOf(mGraph.VertexOf(chain, k)) ^ (up ? 0 : chain.operands);
+        chain.left = mRays.InsideWestOf(mGraph.VertexOf(chain, k)) ^ (up ? 0 : chain.operands);
         chain.labelled = true;
         if (!chain.closed) {
             LabelConnected(i);
         }
     }
+}
+
+void Linker::FindBoundary() {
     for (Chain& chain : mChains) {
         chain.bounds =
             chain.labelled && mRegion[chain.left] != mRegion[chain.left ^ chain.operands];
@@ -263,9 +263,13 @@ RegionContours Linker::Contours() {
 
 RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
                             ScratchVector<Incidence> const& incidences, RegionOf const& region) {
-    Linker linker(lines, tree, incidences, region);
-    linker.FindBoundary();
-    return linker.Contours();
+    return Linker(lines, tree, incidences, region).Contours();
+}
+
+RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
+                            ScratchVector<Incidence> const& incidences,
+                            WindingRegion const& region) {
+    return Linker(lines, tree, incidences, region).Contours();
 }
 
 } // namespace trammel_detail

@@ -9,8 +9,8 @@
 #include "Intersections_p.h"
 #include "Lines_p.h"
 #include "Scratch_p.h"
+#include "WindingLabels_p.h"
 
-#include <array>
 #include <optional>
 
 namespace trammel_detail {
@@ -25,10 +25,6 @@ struct RegionContours {
     ScratchVector<char> holes; ///< one a contour: 1 if the region lies outside of it
 };
 
-/// Tells for each set of operands whether the points in these and in no others belong to the
-/// region. The index is the set, Operands from 0 to 3. Points in no operand never belong to it.
-typedef std::array<bool, 4> RegionOf;
-
 /// Returns the contours of the region. The arguments come from CutAtCrossings(). Two edges of the
 /// lines have to be equal or have nothing in common but ends. `tree` is a tree over the lines in
 /// their order, or none. `incidences` has an element for each vertex. Throws std::length_error for
@@ -37,6 +33,10 @@ typedef std::array<bool, 4> RegionOf;
 /// Cost: O(n + s log s) for s shared vertices, and a ray for each connected part of the lines.
 RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
                             ScratchVector<Incidence> const& incidences, RegionOf const& region);
+/// Returns the contours of a region by winding numbers in the same way.
+RegionContours LinkContours(GridLines const& lines, std::optional<EdgeTree> const& tree,
+                            ScratchVector<Incidence> const& incidences,
+                            WindingRegion const& region);
 
 } // namespace trammel_detail
 

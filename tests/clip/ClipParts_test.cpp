@@ -354,6 +354,16 @@ TEST(ClipParts, HatchingIsToldApartByItsSlant) {
     }
 }
 
+/// The sum of a ray's steps, by line.
+std::vector<int> StepsByLine(trammel_detail::ScratchVector<trammel_detail::RayCrossing> const& ray,
+                             std::size_t lines) {
+    std::vector<int> steps(lines, 0);
+    for (trammel_detail::RayCrossing const& crossing : ray) {
+        steps[crossing.line] += crossing.step;
+    }
+    return steps;
+}
+
 TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
     Dice dice(17);
     for (int const vertices : {3, 10, 60}) {
@@ -379,6 +389,11 @@ TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
         for (std::size_t i = 0; i < tree.Count(); ++i) {
             if (tree.At(i).a.y != tree.At(i).b.y) {
                 EXPECT_EQ(trammel_detail::InsideWestOf(lines, i), tree.InsideWestOf(i)) << i;
+                trammel_detail::ScratchVector<trammel_detail::RayCrossing> past;
+                trammel_detail::ScratchVector<trammel_detail::RayCrossing> through;
+                trammel_detail::CrossingsWestOf(lines, i, past);
+                tree.CrossingsWestOf(i, through);
+                EXPECT_EQ(StepsByLine(past, lines.Count()), StepsByLine(through, lines.Count()));
             }
         }
     }

@@ -1,0 +1,351 @@
+// SPDX-License-Identifier: MIT
+
+#include "PolygonOperations.h"
+
+#include "CMatrix3x3.h"
+#include "Moments.h"
+#include "StripArea.h"
+#include "Winding.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using trammel::Boolean;
+using trammel::FillRule;
+using trammel::IsInside;
+using trammel::RemoveOverlap;
+using trammel::SignedArea;
+using trammel::Union;
+using trammel::WindingNumber;
+using trammel_test::Rings;
+using trammel_test::StripArea;
+
+typedef TPoint<double> Pt;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr FillRule kRules[] = {FillRule::kNonZero, FillRule::kEvenOdd};
+constexpr TPolyOp kOperations[] = {kPolyDifference, kPolyIntersection, kPolyXor, kPolyUnion};
+
+TPolygon<double> Ring(std::vector<Pt> const& points) {
+    TPolygon<double> ring;
+    for (Pt const& p : points) {
+        ring.Append(p, true);
+    }
+    return ring;
+}
+
+/// The square from (h, v) to (h + size, v + size), which runs from +h toward +v.
+TPolygon<double> Square(double h, double v, double size) {
+    return Ring({Pt(h, v), Pt(h + size, v), Pt(h + size, v + size), Pt(h, v + size)});
+}
+
+TPolygon<double> Reversed(TPolygon<double> const& ring) {
+    TPolygon<double> reversed;
+    for (long i = ring.LastIndex(); i >= 0; --i) {
+        reversed.Append(ring.GetPt(i), true);
+    }
+    return reversed;
+}
+
+std::string Text(Rings const& rings) {
+    std::string text;
+    char number[64];
+    for (TPolygon<double> const& ring : rings) {
+        text += ring.Closed() ? "[" : "(";
+        for (long i = 0; i <= ring.LastIndex(); ++i) {
+            std::snprintf(number, sizeof number, " %.17g,%.17g", ring.GetPt(i).h, ring.GetPt(i).v);
+            text += number;
+        }
+        text += ring.Closed() ? " ]" : " )";
+    }
+    return text;
+}
+
+double Area(Rings const& rings) {
+    double area = 0;
+    for (TPolygon<double> const& ring : rings) {
+        area += SignedArea(ring);
+    }
+    return area;
+}
+
+int WindingOf(Rings const& rings, Pt const& p) {
+    int winding = 0;
+    for (TPolygon<double> const& ring : rings) {
+        winding += WindingNumber(ring, p);
+    }
+    return winding;
+}
+
+bool Holds(TPolyOp op, bool a, bool b) {
+    switch (op) {
+    case kPolyDifference:
+        return a && !b;
+    case kPolyIntersection:
+        return a && b;
+    case kPolyXor:
+        return a != b;
+    case kPolyUnion:
+        break;
+    }
+    return a || b;
+}
+
+/// Random numbers with a seed that a failure shows.
+class Dice {
+public:
+    explicit Dice(std::uint64_t seed) : mEngine(seed) {}
+    double Unit() { return static_cast<double>(mEngine() >> 11) * 0x1p-53; }
+    int Below(int n) { return static_cast<int>(mEngine() % static_cast<std::uint64_t>(n)); }
+
+private:
+    std::mt19937_64 mEngine;
+};
+
+/// A ring of random vertices, on a grid of few points if `coarse`.
+TPolygon<double> RandomRing(Dice& dice, int vertices, bool coarse) {
+    TPolygon<double> ring;
+    for (int i = 0; i < vertices; ++i) {
+        double const h = coarse ? dice.Below(8) / 8.0 : dice.Unit();
+        double const v = coarse ? dice.Below(8) / 8.0 : dice.Unit();
+        ring.Append(Pt(h, v), true);
+    }
+    return ring;
+}
+
+Rings RandomRings(Dice& dice, int count, bool coarse) {
+    Rings rings;
+    for (int i = 0; i < count; ++i) {
+        rings.push_back(RandomRing(dice, 3 + dice.Below(7), coarse));
+        if (dice.Below(4) == 0) {
+            rings.push_back(dice.Below(2) == 0 ? rings.back() : Reversed(rings.back()));
+        }
+    }
+    return rings;
+}
+
+/// A pentagram, around whose middle it winds twice.
+TPolygon<double> Pentagram() {
+    return Ring({Pt(0, -10), Pt(6, 8), Pt(-10, -3), Pt(10, -3), Pt(-6, 8)});
+}
+
+// Literal results.
+
+TEST(PolygonOperations, JoinsTwoSquares) {
+    Rings const a = {Square(0, 0, 2)};
+    Rings const b = {Square(1, 1, 2)};
+    FillRule const rule = FillRule::kNonZero;
+    EXPECT_EQ(Text(Boolean(kPolyUnion, a, rule, b, rule)), "[ 0,0 2,0 2,1 3,1 3,3 1,3 1,2 0,2 ]");
+    EXPECT_EQ(Text(Boolean(kPolyIntersection, a, rule, b, rule)), "[ 1,1 2,1 2,2 1,2 ]");
+    EXPECT_EQ(Text(Boolean(kPolyDifference, a, rule, b, rule)), "[ 0,0 2,0 2,1 1,1 1,2 0,2 ]");
+    EXPECT_EQ(Text(Boolean(kPolyXor, a, rule, b, rule)),
+              "[ 0,0 2,0 2,1 1,1 1,2 0,2 ][ 2,1 3,1 3,3 1,3 1,2 2,2 ]");
+}
+
+TEST(PolygonOperations, FillTheMiddleOfAPentagramByTheNonzeroRuleOnly) {
+    Rings const star = {Pentagram()};
+    EXPECT_EQ(RemoveOverlap(star, FillRule::kNonZero).size(), 1U);
+    EXPECT_EQ(RemoveOverlap(star, FillRule::kEvenOdd).size(), 5U);
+    Rings const twice = {Square(0, 0, 4), Square(1, 1, 2)};
+    EXPECT_EQ(Text(RemoveOverlap(twice, FillRule::kNonZero)), "[ 0,0 4,0 4,4 0,4 ]");
+    EXPECT_EQ(Text(RemoveOverlap(twice, FillRule::kEvenOdd)),
+              "[ 0,0 4,0 4,4 0,4 ][ 1,1 1,3 3,3 3,1 ]");
+}
+
+TEST(PolygonOperations, LeaveAHoleOfARingThatRunsTheOtherWay) {
+    Rings const rings = {Square(0, 0, 4), Reversed(Square(1, 1, 2))};
+    for (FillRule const rule : kRules) {
+        EXPECT_EQ(Text(RemoveOverlap(rings, rule)), "[ 0,0 4,0 4,4 0,4 ][ 1,1 1,3 3,3 3,1 ]");
+    }
+}
+
+TEST(PolygonOperations, GiveOuterRingsPositiveAreasAndHolesNegativeOnes) {
+    for (bool const reversed : {false, true}) {
+        Rings const a = {reversed ? Reversed(Square(0, 0, 9)) : Square(0, 0, 9)};
+        Rings const result =
+            Boolean(kPolyDifference, a, FillRule::kNonZero, {Square(2, 3, 4)}, FillRule::kEvenOdd);
+        ASSERT_EQ(result.size(), 2U);
+        EXPECT_EQ(SignedArea(result[0]), 81.0);
+        EXPECT_EQ(SignedArea(result[1]), -16.0);
+    }
+}
+
+TEST(PolygonOperations, UniteEachPolygonByItself) {
+    // As one operand the two squares cancel where they overlap.
+    Rings const rings = {Square(0, 0, 2), Reversed(Square(1, 0, 2))};
+    for (FillRule const rule : kRules) {
+        EXPECT_EQ(Text(Union(rings, rule)), "[ 0,0 1,0 2,0 3,0 3,2 2,2 1,2 0,2 ]");
+    }
+    EXPECT_EQ(Area(RemoveOverlap(rings, FillRule::kNonZero)), 4.0);
+}
+
+TEST(PolygonOperations, UnitePolygonsOfSeveralRings) {
+    // The second polygon covers half of the first one's hole.
+    std::vector<Rings> const polygons = {{Square(0, 0, 6), Square(2, 2, 2)}, {Square(3, 2, 1)}};
+    EXPECT_EQ(Area(Union(polygons, FillRule::kEvenOdd)), 33.0);
+    EXPECT_EQ(Area(Union(polygons, FillRule::kNonZero)), 36.0);
+}
+
+TEST(PolygonOperations, KeepTheBitsOfVerticesThatSurvive) {
+    double const h = 0.1;
+    double const v = 1.0 / 3.0;
+    Rings const result =
+        Union({Ring({Pt(h, v), Pt(7.7, v), Pt(5.1, 9.3)}), Square(4, 2, 1)}, FillRule::kNonZero);
+    ASSERT_EQ(result.size(), 1U);
+    EXPECT_EQ(result[0].GetPt(0).h, h);
+    EXPECT_EQ(result[0].GetPt(0).v, v);
+}
+
+// Degenerate input.
+
+TEST(PolygonOperations, TakeRingsThatCannotEncloseAnythingAsAbsent) {
+    Rings const nothing = {TPolygon<double>(),
+                           Ring({Pt(0, 0)}),
+                           Ring({Pt(0, 0), Pt(1, 1)}),
+                           Ring({Pt(0, 0), Pt(1, 0), Pt(2, 0)}),
+                           Ring({Pt(0, 0), Pt(kNaN, 1), Pt(1, 0)}),
+                           Ring({Pt(0, 0), Pt(kInfinity, 1), Pt(1, 0)}),
+                           Ring({Pt(3, 3), Pt(3, 3), Pt(3, 3), Pt(3, 3)})};
+    for (FillRule const rule : kRules) {
+        EXPECT_EQ(Text(Union(nothing, rule)), "");
+        EXPECT_EQ(Text(RemoveOverlap(nothing, rule)), "");
+        Rings some = nothing;
+        some.push_back(Square(1, 1, 1));
+        EXPECT_EQ(Text(Union(some, rule)), "[ 1,1 2,1 2,2 1,2 ]");
+        for (TPolyOp const op : kOperations) {
+            EXPECT_EQ(Text(Boolean(op, nothing, rule, nothing, rule)), "");
+            EXPECT_EQ(Text(Boolean(op, some, rule, nothing, rule)),
+                      op == kPolyIntersection ? "" : "[ 1,1 2,1 2,2 1,2 ]");
+        }
+    }
+    EXPECT_EQ(Text(Union(Rings(), FillRule::kNonZero)), "");
+    EXPECT_EQ(Text(Union(std::vector<Rings>(), FillRule::kNonZero)), "");
+}
+
+TEST(PolygonOperations, GiveNothingForAnOperationThatIsNoneOfTheFour) {
+    Rings const a = {Square(0, 0, 1)};
+    EXPECT_EQ(Text(Boolean(static_cast<TPolyOp>(4), a, FillRule::kNonZero, a, FillRule::kNonZero)),
+              "");
+}
+
+TEST(PolygonOperations, CloseRingsThatAreNotMarkedAsClosed) {
+    TPolygon<double> closed = Square(0, 0, 1);
+    closed.Close();
+    EXPECT_EQ(Text(Union({closed}, FillRule::kNonZero)),
+              Text(Union({Square(0, 0, 1)}, FillRule::kNonZero)));
+}
+
+// Laws.
+
+TEST(PolygonOperations, HoldThePointsThatWindingNumbersAndRulesSay) {
+    Dice dice(20250101);
+    for (int round = 0; round < 250; ++round) {
+        bool const coarse = round % 2 != 0;
+        Rings const a = RandomRings(dice, 1 + dice.Below(4), coarse);
+        Rings const b = RandomRings(dice, 1 + dice.Below(4), coarse);
+        for (FillRule const ruleA : kRules) {
+            FillRule const ruleB = kRules[dice.Below(2)];
+            for (TPolyOp const op : kOperations) {
+                Rings const result = Boolean(op, a, ruleA, b, ruleB);
+                for (int i = 0; i < 25; ++i) {
+                    // No point of the coarse rings' edges has such coordinates.
+                    Pt const p(dice.Unit(), dice.Unit());
+                    bool const inside = Holds(op, IsInside(WindingOf(a, p), ruleA),
+                                              IsInside(WindingOf(b, p), ruleB));
+                    ASSERT_EQ(WindingOf(result, p), inside ? 1 : 0)
+                        << "round " << round << " operation " << op << " at " << p.h << " " << p.v;
+                }
+            }
+        }
+    }
+}
+
+TEST(PolygonOperations, UniteAnyNumberOfPolygonsByTheirOwnWindingNumbers) {
+    Dice dice(20250102);
+    for (int round = 0; round < 80; ++round) {
+        Rings const rings = RandomRings(dice, 1 + dice.Below(40), round % 2 != 0);
+        for (FillRule const rule : kRules) {
+            Rings const result = Union(rings, rule);
+            for (int i = 0; i < 50; ++i) {
+                Pt const p(dice.Unit(), dice.Unit());
+                bool inside = false;
+                for (TPolygon<double> const& ring : rings) {
+                    inside = inside || Contains(ring, p, rule);
+                }
+                ASSERT_EQ(WindingOf(result, p), inside ? 1 : 0) << "round " << round;
+            }
+        }
+    }
+}
+
+TEST(PolygonOperations, HaveTheAreasThatStripsHave) {
+    Dice dice(20250103);
+    for (int round = 0; round < 60; ++round) {
+        Rings const a = RandomRings(dice, 1 + dice.Below(3), round % 2 != 0);
+        Rings const b = RandomRings(dice, 1 + dice.Below(3), round % 2 != 0);
+        for (FillRule const ruleA : kRules) {
+            for (FillRule const ruleB : kRules) {
+                for (TPolyOp const op : kOperations) {
+                    Rings const result = Boolean(op, a, ruleA, b, ruleB);
+                    double const wrong =
+                        StripArea({a, b, result}, [&](std::vector<int> const& windings) {
+                            bool const inside = Holds(op, IsInside(windings[0], ruleA),
+                                                      IsInside(windings[1], ruleB));
+                            return windings[2] != (inside ? 1 : 0);
+                        });
+                    ASSERT_LE(wrong, 1e-11) << "round " << round << " operation " << op;
+                }
+            }
+        }
+    }
+}
+
+TEST(PolygonOperations, ObeyInclusionAndExclusion) {
+    Dice dice(20250104);
+    for (int round = 0; round < 100; ++round) {
+        double const size = std::ldexp(1.0, dice.Below(900) - 450);
+        CMatrix3x3 map;
+        map.Scale(Pt(size, size));
+        Rings a = RandomRings(dice, 3, false);
+        Rings b = RandomRings(dice, 3, false);
+        for (Rings* const rings : {&a, &b}) {
+            for (TPolygon<double>& ring : *rings) {
+                ring.Transform(map);
+            }
+        }
+        for (FillRule const rule : kRules) {
+            double const unit = size * size;
+            auto const areaOf = [&](TPolyOp op) { return Area(Boolean(op, a, rule, b, rule)); };
+            double const areaA = Area(RemoveOverlap(a, rule));
+            double const areaB = Area(RemoveOverlap(b, rule));
+            double const both = areaOf(kPolyIntersection);
+            EXPECT_NEAR(areaOf(kPolyUnion) / unit, (areaA + areaB - both) / unit, 1e-13);
+            EXPECT_NEAR(areaOf(kPolyDifference) / unit, (areaA - both) / unit, 1e-13);
+            EXPECT_NEAR(areaOf(kPolyXor) / unit, (areaA + areaB - 2 * both) / unit, 1e-13);
+        }
+    }
+}
+
+TEST(PolygonOperations, RemoveOverlapsOnce) {
+    Dice dice(20250105);
+    for (int round = 0; round < 100; ++round) {
+        Rings const once =
+            RemoveOverlap(RandomRings(dice, 5, round % 2 != 0), kRules[dice.Below(2)]);
+        for (FillRule const rule : kRules) {
+            EXPECT_EQ(Text(RemoveOverlap(once, rule)), Text(once)) << "round " << round;
+        }
+    }
+}
+
+} // namespace
