@@ -56,8 +56,9 @@ struct Drawing {
     std::shared_ptr<SvgDocument const> document; ///< empty for fonts and maps
 };
 
-/// Reads an SVG drawing, every glyph of a font (in font units) or every country of a TopoJSON map
-/// (in degrees). The content decides which of them the file is, not its name. Throws Error.
+/// Reads an SVG drawing, every glyph of a font (in font units) or every feature of a map (TopoJSON
+/// or GeoJSON, in degrees). The content decides which of them the file is, not its name. The file
+/// may be packed by gzip, and "-" stands for standard input. Throws Error.
 Drawing ReadDrawing(std::string const& file);
 
 } // namespace tool

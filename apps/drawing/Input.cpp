@@ -3,6 +3,7 @@
 #include "Input.h"
 
 #include "Error.h"
+#include "Gzip.h"
 
 #include <array>
 #include <cerrno>
@@ -15,17 +16,19 @@ namespace tool {
 
 namespace {
 
-/// No drawing or font in use is larger, and memory holds a file of this size a few times over.
-constexpr std::size_t kLargestFile = std::size_t{128} << 20;
-
 struct FileCloser {
-    void operator()(std::FILE* file) const { std::fclose(file); }
+    void operator()(std::FILE* file) const {
+        if (file != stdin) {
+            std::fclose(file);
+        }
+    }
 };
 
 } // namespace
 
 std::string ReadFile(std::string const& file) {
-    std::unique_ptr<std::FILE, FileCloser> const stream(std::fopen(file.c_str(), "rb"));
+    std::unique_ptr<std::FILE, FileCloser> const stream(
+        file == kStandardStream ? stdin : std::fopen(file.c_str(), "rb"));
     if (!stream) {
         throw Error(file, "", "cannot be opened: " + SystemMessage(errno));
     }
@@ -54,7 +57,7 @@ std::string ReadFile(std::string const& file) {
     if (content.empty()) {
         throw Error(file, "", "is empty");
     }
-    return content;
+    return LooksZipped(content) ? Unzipped(file, content) : content;
 }
 
 } // namespace tool

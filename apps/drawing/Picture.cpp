@@ -3,6 +3,8 @@
 #include "Picture.h"
 
 #include "Error.h"
+#include "Gzip.h"
+#include "Input.h"
 #include "Outlines.h"
 
 #include <algorithm>
@@ -56,15 +58,18 @@ Page PageFor(Page const& page, TRect<double> const& bounds) {
 double HairWidth(Page const& page) { return LongerSide(page.frame) * kHairShare; }
 
 std::string PictureBytes(Picture const& picture, std::string const& file) {
-    if (EndsWith(file, ".svg")) {
+    if (EndsWith(file, ".svg") || file == kStandardStream) {
         return SvgText(picture);
+    }
+    if (EndsWith(file, ".svgz")) {
+        return Zipped(SvgText(picture));
     }
     if (EndsWith(file, ".png")) {
         Picture onPaper = picture;
         onPaper.background = picture.background.value_or(Colour{255, 255, 255});
         return PngBytes(onPaper, kPngPixels);
     }
-    throw Error(file, "", "must end in .svg or .png");
+    throw Error(file, "", "must end in .svg, .svgz or .png");
 }
 
 } // namespace tool

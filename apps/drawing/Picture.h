@@ -62,8 +62,9 @@ std::string SvgText(Picture const& picture);
 /// Returns the picture as a PNG file whose longer side has `pixels` pixels. Throws Error.
 std::string PngBytes(Picture const& picture, int pixels);
 
-/// Returns the picture in the format that the file's name asks for: .svg or .png (1200 pixels).
-/// Throws Error for other names.
+/// Returns the picture in the format that the file's name asks for: .svg, .svgz (packed by gzip) or
+/// .png (1200 pixels). "-", which stands for standard output, gets SVG. Throws Error for other
+/// names.
 std::string PictureBytes(Picture const& picture, std::string const& file);
 
 } // namespace tool

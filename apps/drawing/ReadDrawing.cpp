@@ -4,8 +4,8 @@
 #include "Error.h"
 #include "FontReader.h"
 #include "Input.h"
+#include "MapReader.h"
 #include "SvgReader.h"
-#include "TopoReader.h"
 
 #include <string_view>
 #include <utility>
@@ -33,15 +33,12 @@ Drawing ReadDrawing(std::string const& file) {
         return ReadFontDrawing(file, std::move(content));
     }
     if (LooksLikeJson(content)) {
-        return ReadTopoJson(file, content);
+        return ReadMap(file, content);
     }
     if (LooksLikeXml(content)) {
         return ReadSvg(file, std::move(content));
     }
-    if (content.compare(0, 2, "\x1F\x8B") == 0) {
-        throw Error(file, "", "is compressed; unpack it first (gunzip)");
-    }
-    throw Error(file, "", "is neither an SVG drawing nor a font nor a TopoJSON map");
+    throw Error(file, "", "is neither an SVG drawing nor a font nor a map (TopoJSON, GeoJSON)");
 }
 
 } // namespace tool

@@ -3,6 +3,7 @@
 #include "TopoReader.h"
 
 #include "Error.h"
+#include "MapJson.h"
 
 #include <trammel/CPath.h>
 #include <trammel/TPoint.h>
@@ -20,38 +21,15 @@ namespace {
 typedef nlohmann::ordered_json Json;
 typedef TPoint<double> Pt;
 
-/// The greatest depth of collections within collections. Maps in use have one level.
-constexpr int kDeepest = 64;
 /// The limit of vertices. Features may use arcs again and again, so a small file could ask for any
 /// number.
 constexpr std::size_t kMostVertices = 50'000'000;
-
-std::string Item(std::string const& place, std::size_t i) {
-    return place + "[" + std::to_string(i) + "]";
-}
-
-/// Returns the line and column of a byte.
-std::string LineAndColumn(std::string const& text, std::size_t position) {
-    std::size_t line = 1;
-    std::size_t column = 1;
-    for (std::size_t i = 0; i < position && i < text.size(); ++i) {
-        ++column;
-        if (text[i] == '\n') {
-            ++line;
-            column = 1;
-        }
-    }
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
-}
 
 class Reader {
 public:
     Reader(std::string const& file, Json const& map) : mFile(file), mMap(map) {}
 
     Drawing Read() {
-        if (!mMap.is_object() || Text(mMap, "type") != "Topology") {
-            throw Error(mFile, "", "is JSON, but no TopoJSON: its type is not \"Topology\"");
-        }
         ReadTransform();
         ReadArcs();
         Json const& objects = Member(mMap, "objects", "");
@@ -71,33 +49,16 @@ private:
         throw Error(mFile, place, message);
     }
 
-    static std::string Text(Json const& object, char const* name) {
-        auto const found = object.find(name);
-        return found != object.end() && found->is_string() ? found->get<std::string>() : "";
-    }
-
     Json const& Member(Json const& object, char const* name, std::string const& place) const {
-        auto const found = object.find(name);
-        if (found == object.end()) {
-            Fail(place, std::string("has no \"") + name + "\"");
-        }
-        return *found;
+        return MemberOf(mFile, object, name, place);
     }
 
     Json const& List(Json const& value, std::string const& place) const {
-        if (!value.is_array()) {
-            Fail(place, "must be a list");
-        }
-        return value;
+        return ListOf(mFile, value, place);
     }
 
-    /// Returns the first two numbers of a list: a position, or the transform's scale or shift.
     Pt Pair(Json const& value, std::string const& place) const {
-        if (!value.is_array() || value.size() < 2 || !value[0].is_number() ||
-            !value[1].is_number()) {
-            Fail(place, "must be a list of two numbers");
-        }
-        return Pt(value[0].get<double>(), value[1].get<double>());
+        return PositionOf(mFile, value, place);
     }
 
     void ReadTransform() {
@@ -164,19 +125,7 @@ private:
                 }
             }
         }
-        if (closed && points.size() > 1 && points.back() == points.front()) {
-            points.pop_back();
-        }
-        if (points.empty()) {
-            return;
-        }
-        path.MoveTo(points.front());
-        for (std::size_t i = 1; i < points.size(); ++i) {
-            path.LineTo(points[i]);
-        }
-        if (closed) {
-            path.ClosePath();
-        }
+        AddPoints(path, points, closed);
     }
 
     void AddLines(CPath& path, Json const& lines, bool closed, std::string const& place) {
@@ -185,36 +134,18 @@ private:
         }
     }
 
-    std::string NameOf(Json const& feature) const {
-        auto const properties = feature.find("properties");
-        if (properties != feature.end() && properties->is_object()) {
-            std::string name = Text(*properties, "name");
-            if (!name.empty()) {
-                return name;
-            }
-        }
-        auto const id = feature.find("id");
-        if (id != feature.end() && id->is_string() && !id->get<std::string>().empty()) {
-            return id->get<std::string>();
-        }
-        if (id != feature.end() && id->is_number()) {
-            return id->dump();
-        }
-        return "feature#" + std::to_string(mDrawing.outlines.size() + 1);
-    }
-
     void ReadFeature(Json const& feature, std::string const& place, int depth) {
         if (!feature.is_object()) {
             Fail(place, "must be an object");
         }
-        if (depth > kDeepest) {
+        if (depth > kDeepestCollection) {
             Fail(place, "is nested too deeply");
         }
         auto const typeMember = feature.find("type");
         if (typeMember != feature.end() && typeMember->is_null()) {
             return; // a feature without a geometry
         }
-        std::string const type = Text(feature, "type");
+        std::string const type = TextOf(feature, "type");
         if (type == "GeometryCollection") {
             std::string const inside = place + ".geometries";
             Json const& features = List(Member(feature, "geometries", place), inside);
@@ -244,8 +175,8 @@ private:
         }
         if (!path.mCtls.empty()) {
             // A country's holes are rings like its others, in either direction.
-            mDrawing.outlines.push_back(
-                {NameOf(feature), std::move(path), trammel::FillRule::kEvenOdd});
+            mDrawing.outlines.push_back({NameOf(feature, mDrawing.outlines.size()), std::move(path),
+                                         trammel::FillRule::kEvenOdd});
         }
     }
 
@@ -261,22 +192,6 @@ private:
 
 } // namespace
 
-bool LooksLikeJson(std::string const& content) {
-    std::size_t const mark = content.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
-    std::size_t const first = content.find_first_not_of(" \t\r\n", mark);
-    return first != std::string::npos && content[first] == '{';
-}
-
-Drawing ReadTopoJson(std::string const& file, std::string const& text) {
-    Json map;
-    try {
-        map = Json::parse(text);
-    } catch (Json::parse_error const& e) {
-        throw Error(file, LineAndColumn(text, e.byte > 0 ? e.byte - 1 : 0), "is not valid JSON");
-    } catch (Json::out_of_range const&) {
-        throw Error(file, "", "has a number that is too large");
-    }
-    return Reader(file, map).Read();
-}
+Drawing ReadTopoJson(std::string const& file, Json const& map) { return Reader(file, map).Read(); }
 
 } // namespace tool

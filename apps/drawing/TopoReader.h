@@ -18,18 +18,15 @@
 
 #include "Drawing.h"
 
+#include <nlohmann/json.hpp>
+
 #include <string>
 
 namespace tool {
 
-/// True when the content begins like a JSON object.
-bool LooksLikeJson(std::string const& content);
-
-/// Reads the map `text`; `file` is for messages. Throws Error with the place of the mistake:
-///
-///   - the text is no JSON or no TopoJSON
-///   - an arc does not exist, or it is no list of numbers
-Drawing ReadTopoJson(std::string const& file, std::string const& text);
+/// Reads the map, an object of type "Topology"; `file` is for messages. Throws Error with the place
+/// of the mistake: what is missing or of another type, or an arc that does not exist.
+Drawing ReadTopoJson(std::string const& file, nlohmann::ordered_json const& map);
 
 } // namespace tool
 

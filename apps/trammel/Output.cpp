@@ -3,6 +3,7 @@
 #include "Output.h"
 
 #include "Error.h"
+#include "Input.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -90,11 +91,16 @@ OutputFiles::~OutputFiles() {
 void OutputFiles::Add(std::string const& file, std::string const& content) {
     Entry entry;
     entry.name = file;
-    entry.target = Resolved(file);
+    entry.target = file == kStandardStream ? file : Resolved(file);
     for (Entry const& other : mEntries) {
         if (other.target == entry.target) {
             throw Error(file, "", "is named for two outputs");
         }
+    }
+    if (file == kStandardStream) {
+        entry.content = content;
+        mEntries.push_back(std::move(entry));
+        return;
     }
     struct stat status {};
     bool const exists = stat(entry.target.c_str(), &status) == 0;
@@ -124,7 +130,9 @@ void OutputFiles::Add(std::string const& file, std::string const& content) {
 
 void OutputFiles::Commit() {
     for (Entry& entry : mEntries) {
-        if (entry.temporary.empty()) {
+        if (entry.target == kStandardStream) {
+            Print(entry.content);
+        } else if (entry.temporary.empty()) {
             Descriptor descriptor(open(entry.target.c_str(), O_WRONLY | O_CLOEXEC));
             if (descriptor.Number() < 0 || !descriptor.WriteAndClose(entry.content)) {
                 FailToWrite(entry.name, errno);

@@ -19,7 +19,8 @@ public:
     OutputFiles(OutputFiles const&) = delete;
     OutputFiles& operator=(OutputFiles const&) = delete;
 
-    /// Writes `content` for `file`, following links. Commit writes to a device or pipe directly.
+    /// Writes `content` for `file`, following links. Commit writes to a device, a pipe or standard
+    /// output ("-") directly.
     /// Throws Error when the file cannot be written, or was added before.
     void Add(std::string const& file, std::string const& content);
     /// Moves the files to their places. Throws Error.

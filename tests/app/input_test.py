@@ -6,6 +6,7 @@ are installed.
 """
 
 import glob
+import gzip
 import json
 import math
 import os
@@ -67,7 +68,7 @@ class Maps(AppTest):
         bad("{", "line 1", "not valid JSON")
         bad('{"type": "Topology",\n "arcs": [}', "line 2", "not valid JSON")
         bad('{"type": 1e999}', "too large")
-        bad('{"type": "FeatureCollection"}', "no TopoJSON")
+        bad('{"type": "Tapestry"}', "no map")
         bad(self.changed(arcs=None), "arcs", "list")
         bad(self.changed(arcs=[[[1]]]), "arcs[0]", "two numbers")
         bad(self.changed(arcs=[]), "objects.countries.geometries[0].arcs[0][0]", "no arc 0")
@@ -82,6 +83,93 @@ class Maps(AppTest):
         for _ in range(100):
             nested = {"type": "GeometryCollection", "geometries": [nested]}
         bad(self.changed(objects={"o": nested}), "too deeply")
+
+
+class GeoMaps(AppTest):
+    SQUARE = {"type": "Polygon", "coordinates": [[[0, 0], [10, 0], [10, 10], [0, 10], [0, 0]],
+                                                 [[2, 2], [2, 4], [4, 4], [4, 2], [2, 2]]]}
+
+    def outlines(self, data):
+        return {k: (o["length"], o["subpaths"], o["bounds"], o["closed"])
+                for k, o in self.measure(json.dumps(data), "map.svg").items()}
+
+    def test_features_are_outlines(self):
+        features = [
+            {"type": "Feature", "id": 7, "properties": {"name": "Land"}, "geometry": self.SQUARE},
+            {"type": "Feature", "id": 8, "geometry": {"type": "MultiPolygon", "coordinates": [
+                [[[20, 0], [23, 0], [23, 4], [20, 0]]], [[[30, 0], [33, 0], [33, -4], [30, 0]]]]}},
+            {"type": "Feature", "geometry": None},
+            {"type": "Feature", "id": "way", "geometry": {"type": "GeometryCollection",
+             "geometries": [{"type": "LineString", "coordinates": [[0, 0], [3, 4, 99]]},
+                            {"type": "Point", "coordinates": [1, 2]},
+                            {"type": "MultiLineString", "coordinates": [[[0, 0], [0, 5]]]}]}},
+            {"type": "Feature", "geometry": {"type": "LineString", "coordinates": [[0, 0], [1, 0]]}},
+        ]
+        self.assertEqual(self.outlines({"type": "FeatureCollection", "features": features}), {
+            "Land": (48, 2, [0, -10, 10, 0], True), "8": (24, 2, [20, -4, 33, 4], True),
+            "way": (10, 2, [0, -5, 3, 0], False), "feature#4": (1, 1, [0, 0, 1, 0], False)})
+
+    def test_a_geometry_alone_is_a_map(self):
+        self.assertEqual(list(self.outlines(self.SQUARE)), ["feature#1"])
+        self.assertEqual(self.outlines({"type": "GeometryCollection", "geometries": [
+            {"type": "MultiPoint", "coordinates": [[1, 2]]}, self.SQUARE]})["feature#1"][0], 48)
+
+    def test_damaged_maps_are_refused_with_the_place(self):
+        def bad(data, *names):
+            file = self.write("bad.json", json.dumps(data))
+            self.fails("measure", file, names=[file, *names])
+        bad({"type": "FeatureCollection"}, 'has no "features"')
+        bad({"type": "FeatureCollection", "features": [5]}, "features[0]", "object")
+        bad({"type": "Feature", "geometry": {"type": "Blob"}}, "geometry", "'Blob'")
+        bad({"type": "Polygon", "coordinates": [[[1, 2], [1]]]}, "coordinates[0]", "two numbers")
+        bad({"type": "LineString", "coordinates": 5}, "coordinates", "list")
+        nested = self.SQUARE
+        for _ in range(100):
+            nested = {"type": "GeometryCollection", "geometries": [nested]}
+        bad(nested, "too deeply")
+
+
+class Streams(AppTest):
+    """Standard input and output, and packed files."""
+
+    def test_a_dash_stands_for_standard_input(self):
+        file = self.write("in.svg", SQUARE)
+        with open(file, "rb") as stream:
+            result = self.execute("measure", "-", "--json", stdin=stream)
+        self.assertEqual((result.returncode, result.stderr), (0, b""))
+        data = json.loads(result.stdout)["files"][0]
+        self.assertEqual((data["file"], data["outlines"][0]["length"]), ("-", 40))
+
+    def test_a_dash_stands_for_standard_output(self):
+        file = self.write("in.svg", SQUARE)
+        self.run_text("flatten", file, "--error", "1", "-o", self.path("out.svg"))
+        self.assertEqual(self.run_text("flatten", file, "--error", "1", "-o", "-").encode(),
+                         self.read("out.svg"))
+        self.assertEqual(sorted(os.listdir(self.folder)), ["in.svg", "out.svg"])
+
+    def test_packed_files_are_unpacked(self):
+        packed = gzip.compress(SQUARE.encode())
+        self.assertEqual(self.measure(packed, "in.svgz")["sq"]["length"], 40)
+        self.assertEqual(self.measure(gzip.compress(font_bytes()), "font.gz")["glyph2"]["length"],
+                         2000)
+        # Some packers write several members, and padding behind them.
+        half = len(SQUARE) // 2
+        members = gzip.compress(SQUARE[:half].encode()) + gzip.compress(SQUARE[half:].encode())
+        self.assertEqual(self.measure(members + b"\0" * 512, "two.svgz")["sq"]["length"], 40)
+
+    def test_damaged_packed_files_are_refused(self):
+        packed = gzip.compress(SQUARE.encode())
+        for content, name in ((packed[:-1], "too early"), (packed[:20], "too early"),
+                              (packed[:-5] + bytes([packed[-5] ^ 1]) + packed[-4:], "damaged"),
+                              (gzip.compress(b"\0" * (129 << 20)), "128 MiB")):
+            file = self.write("in.svgz", content)
+            self.fails("measure", file, names=[file, name])
+
+    def test_packed_drawings_are_written(self):
+        file = self.write("in.svg", SQUARE)
+        self.run_text("flatten", file, "--error", "1", "-o", self.path("out.svg"))
+        self.run_text("flatten", file, "--error", "1", "-o", self.path("out.svgz"))
+        self.assertEqual(gzip.decompress(self.read("out.svgz")), self.read("out.svg"))
 
 
 class BadInput(AppTest):

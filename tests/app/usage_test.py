@@ -77,7 +77,7 @@ class BadCommandLines(AppTest):
         fails(self.folder, self.folder)
         os.mkdir(self.path("folder.svg"))
         fails(self.path("folder.svg"), "folder.svg", "is a folder")
-        fails(self.path("out.gif"), "out.gif", ".svg or .png")
+        fails(self.path("out.gif"), "out.gif", ".svg, .svgz or .png")
         os.symlink("/dev/full", self.path("full.svg"))
         fails(self.path("full.svg"), "full.svg", "No space left")
         self.assertTrue(os.path.islink(self.path("full.svg")))

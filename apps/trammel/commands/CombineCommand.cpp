@@ -178,7 +178,7 @@ void AddCombine(CLI::App& app) {
         ->add_option("--error", options->error,
                      "How far lines may deviate from curves (default: a 10000th of the size)")
         ->type_name("E");
-    command->add_option("-o,--output", options->output, "The file to write: .svg or .png")
+    command->add_option("-o,--output", options->output, "The file to write: .svg, .svgz or .png")
         ->type_name("FILE");
     command->add_flag("--json", options->json, "Print areas, contours, holes and vertices as JSON");
     command->footer("A drawing covers what lies inside an odd number of its subpaths, each taken "

@@ -26,12 +26,16 @@ void AddIds(CLI::App& command, std::vector<std::string>& ids) {
 }
 
 void AddSource(CLI::App& command, Source& source) {
-    command.add_option("FILE", source.file, "SVG drawing, font or map")->required()->type_name("");
+    command.add_option("FILE", source.file, "SVG drawing, font or map; - for standard input")
+        ->required()
+        ->type_name("");
     AddIds(command, source.ids);
 }
 
 void AddOutput(CLI::App& command, std::string& output) {
-    command.add_option("-o,--output", output, "The file to write: .svg or .png")
+    command
+        .add_option("-o,--output", output,
+                    "The file to write: .svg, .svgz or .png; - for standard output")
         ->required()
         ->type_name("FILE");
 }
