@@ -27,6 +27,7 @@
 #include "PathMeasure.h"
 #include "PathObject.h"
 #include "PathSegments.h"
+#include "PathStructure.h"
 #include "PolygonOperations.h"
 #include "PreparedPolygon.h"
 #include "Records.h"

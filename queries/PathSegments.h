@@ -195,6 +195,9 @@ public:
     bool Empty() const { return begin() == end(); }
     /// True when the subpath ends with a close.
     bool Closed() const { return mClosed; }
+    /// True when the subpath's first element is its move. A close without one may lead elsewhere
+    /// than to the start: to the point of an older move.
+    bool BeginsWithMove() const { return mBeginsWithMove; }
     /// Returns the point where the first segment begins.
     TPoint<double> Start() const { return mBegin.Current(); }
     /// Returns the last point drawn, not counting a close; the start where nothing is drawn.
@@ -212,6 +215,7 @@ private:
     std::size_t mFirstElement = 0;
     std::size_t mEndElement = 0;
     bool mClosed = false;
+    bool mBeginsWithMove = false;
 };
 
 /// Goes through subpaths. It is a standard input iterator that can also be copied and kept.
@@ -261,7 +265,8 @@ private:
                 return;
             }
         } while (!mCursor.IsSegment() && mCursor.Code() != kPathMove);
-        if (mCursor.Code() == kPathMove) {
+        mSubpath.mBeginsWithMove = mCursor.Code() == kPathMove;
+        if (mSubpath.mBeginsWithMove) {
             mSubpath.mBegin = mCursor;
         }
         mSubpath.mFirstElement = mCursor.Element();

@@ -2,6 +2,7 @@
 
 #include "PathSegments.h"
 
+#include "AnyPath.h"
 #include "CBezier.h"
 #include "CPath.h"
 #include "Moments.h"
@@ -26,6 +27,7 @@ using trammel::Segments;
 using trammel::Subpath;
 using trammel::SubpathIterator;
 using trammel::Subpaths;
+using trammel_test::AnyPath;
 using trammel_test::kNaN;
 using trammel_test::Text;
 
@@ -132,6 +134,8 @@ TEST(PathSegments, DrawingAfterACloseBeginsASubpathAtTheLastPointDrawn) {
     path.CurveTo(Pt(5, 5), Pt(6, 5), Pt(7, 5)); // no move comes before a curve
     std::vector<Subpath> const found(Subpaths(path).begin(), Subpaths(path).end());
     ASSERT_EQ(found.size(), 2U);
+    EXPECT_TRUE(found[0].BeginsWithMove());
+    EXPECT_FALSE(found[1].BeginsWithMove());
     EXPECT_EQ(found[1].Start(), Pt(4, 3));
     EXPECT_EQ(found[1].FirstElement(), 4U);
     EXPECT_EQ(All(found[1].ClosedSegments()),
@@ -223,35 +227,6 @@ TEST(PathSegments, TemporaryPathIsRefused) {
     EXPECT_FALSE(TakesSubpathsOf<CPath const>::value);
 }
 
-/// Any codes and points, as the building operations and as nobody makes them.
-CPath AnyPath(std::mt19937& random) {
-    CPath path;
-    auto const point = [&] {
-        return Pt(static_cast<double>(random() % 7), static_cast<double>(random() % 7));
-    };
-    std::size_t const count = random() % 14;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::size_t const kind = random() % 16;
-        if (kind == 15) {
-            path.AddCtl(9);
-        } else if (kind == 14) {
-            path.AddCtl(kPathClose);
-        } else if (kind < 3) {
-            path.MoveTo(point());
-        } else if (kind < 7) {
-            path.LineTo(point());
-        } else if (kind < 11) {
-            path.CurveTo(point(), point(), point());
-        } else {
-            path.ClosePath();
-        }
-    }
-    if (random() % 4 == 0 && !path.mPts.empty()) {
-        path.mPts.pop_back();
-    }
-    return path;
-}
-
 TEST(PathSegments, SegmentsAreThoseThatThePathMeasures) {
     std::mt19937 random(7);
     for (int i = 0; i < 3000; ++i) {
@@ -282,7 +257,7 @@ TEST(PathSegments, SubpathsAreTheContoursThatBoundRegions) {
             EXPECT_GE(subpath.FirstElement(), end);
             end = subpath.EndElement();
             double area = 0.0;
-            bool headless = path.mCtls[subpath.FirstElement()] != kPathMove;
+            bool const headless = !subpath.BeginsWithMove();
             for (PathSegment const& s : subpath.ClosedSegments()) {
                 // A close without a move of its own is measured to an older move.
                 TLine<double> const line(s.start, headless && s.kind == kPathClose ? subpath.Start()
