@@ -20,6 +20,7 @@
 #include "FillRule.h"
 #include "FixedPoint.h"
 #include "Handles.h"
+#include "Intersections.h"
 #include "Log.h"
 #include "Moments.h"
 #include "OutlineMeasure.h"

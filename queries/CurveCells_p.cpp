@@ -1,0 +1,491 @@
+// SPDX-License-Identifier: MIT
+
+#include "CurveCells_p.h"
+
+#include "PointMath_p.h"
+#include "TPoint.h"
+#include "Vector_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+/// The differences of a cubic's control points that follow each other.
+typedef std::array<Pt, 3> Arms;
+
+/// A side that is certain.
+constexpr double kCertain = std::numeric_limits<double>::max();
+/// Cells of one pair of curves. Random curves need about ten, and curves that nearly coincide some
+/// hundreds.
+constexpr int kMostCells = 20000;
+/// A step of Newton's method below this leaves an error about as small as rounding.
+constexpr double kLastStep = 0x1p-24;
+constexpr int kMostSteps = 12;
+
+/// A part of a curve, and its parameters on the whole curve.
+struct Piece {
+    Cubic c;
+    double t0;
+    double t1;
+
+    double At(double t) const { return t0 + (t1 - t0) * t; }
+    Piece Part(double from, double to) const { return {PartOf(c, from, to), At(from), At(to)}; }
+};
+
+struct Cell {
+    Piece a;
+    Piece b;
+};
+
+/// The least and greatest coordinates of a piece.
+struct Extent {
+    Double2 low;
+    Double2 high;
+
+    explicit Extent(Cubic const& c) {
+        Double2 const p0 = Double2::Load(&c[0]);
+        Double2 const p1 = Double2::Load(&c[1]);
+        Double2 const p2 = Double2::Load(&c[2]);
+        Double2 const p3 = Double2::Load(&c[3]);
+        low = Min(Min(p0, p1), Min(p2, p3));
+        high = Max(Max(p0, p1), Max(p2, p3));
+    }
+    double Size() const {
+        Double2 const size = high - low;
+        return Lane<0>(size) + Lane<1>(size);
+    }
+};
+
+Arms ArmsOf(Cubic const& c) { return {c[1] - c[0], c[2] - c[1], c[3] - c[2]}; }
+
+/// Directions of the arms: arms no longer than `noise` get a neighbour's.
+Arms DirectionsOf(Arms arms, double noise) {
+    auto const counts = [noise](Pt const& arm) { return Taxicab(arm) > noise; };
+    if (!counts(arms[1])) {
+        arms[1] = counts(arms[0]) ? arms[0] : arms[2];
+    }
+    if (!counts(arms[0])) {
+        arms[0] = arms[1];
+    }
+    if (!counts(arms[2])) {
+        arms[2] = arms[1];
+    }
+    return arms;
+}
+
+double LongestOf(Arms const& arms) {
+    return std::max(std::max(Taxicab(arms[0]), Taxicab(arms[1])), Taxicab(arms[2]));
+}
+
+/// The parameter at which a coordinate that does not decrease reaches `x`, which lies between its
+/// first and its last value.
+double SolveRising(std::array<double, 4> const& c, double x) {
+    double low = 0.0;
+    double high = 1.0;
+    double const span = c[3] - c[0];
+    double t = span > 0.0 ? (x - c[0]) / span : 0.5;
+    constexpr int kMostBisections = 64;
+    for (int i = 0; i < kMostBisections; ++i) {
+        double const a = c[0] + (c[1] - c[0]) * t;
+        double const b = c[1] + (c[2] - c[1]) * t;
+        double const e = c[2] + (c[3] - c[2]) * t;
+        double const p = a + (b - a) * t;
+        double const q = b + (e - b) * t;
+        double const off = p + (q - p) * t - x;
+        if (off == 0.0) {
+            return t;
+        }
+        (off < 0.0 ? low : high) = t;
+        double const step = off / (3.0 * (q - p));
+        double next = t - step;
+        bool const inside = next > low && next < high; // false for a NaN
+        if (!inside) {
+            next = 0.5 * (low + high);
+        }
+        if (next == t || (inside && std::abs(step) < 0x1p-27 && i > 0)) {
+            return next;
+        }
+        t = next;
+    }
+    return t;
+}
+
+class Finder {
+public:
+    Finder(double accuracy, std::vector<CurveEvent>& events)
+        : mAccuracy(accuracy), mMargin(0.25 * accuracy), mNoise(0x1p-6 * accuracy),
+          mEvents(events) {}
+
+    bool Run(Cubic const& a, Cubic const& b) {
+        Push({a, 0.0, 1.0}, {b, 0.0, 1.0});
+        for (int count = 0; mSize > 0; ++count) {
+            if (count == kMostCells) {
+                return false;
+            }
+            if (!Examine(Pop())) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    /// The halvings of a pair number less than 110, see docs/intersections.md.
+    static constexpr std::size_t kMostOpen = 120;
+
+    /// Notes a cell to be examined. Returns false where there is no room.
+    bool Push(Piece const& a, Piece const& b) {
+        if (mSize == kMostOpen) {
+            return false;
+        }
+        Cell const cell{a, b};
+        std::memcpy(mStack + sizeof(Cell) * mSize++, &cell, sizeof cell);
+        return true;
+    }
+    Cell Pop() {
+        Cell cell;
+        std::memcpy(&cell, mStack + sizeof(Cell) * --mSize, sizeof cell);
+        return cell;
+    }
+
+    /// Decides about a cell, or divides it. Returns false where there is no room.
+    bool Examine(Cell const& cell) {
+        Piece const& a = cell.a;
+        Piece const& b = cell.b;
+        Extent const extentA(a.c);
+        Extent const extentB(b.c);
+        Double2 const margin = mMargin;
+        if (((extentA.low - extentB.high > margin) | (extentB.low - extentA.high > margin))
+                    .Bits() != 0 ||
+            ApartAcross(a.c, b.c) || ApartAcross(b.c, a.c)) {
+            return true;
+        }
+        double const sizeA = extentA.Size();
+        double const sizeB = extentB.Size();
+        if (std::max(sizeA, sizeB) <= 0.5 * mMargin) {
+            double const s = a.At(0.5);
+            double const t = b.At(0.5);
+            mEvents.push_back({a.t0, a.t1, b.t0, b.t1, s, t, 0.0, 0.0, false});
+            return true;
+        }
+        Arms const armsA = ArmsOf(a.c);
+        Arms const armsB = ArmsOf(b.c);
+        Arms const alongA = DirectionsOf(armsA, mNoise);
+        Arms const alongB = DirectionsOf(armsB, mNoise);
+        if (CrossAtAnAngle(alongA, alongB)) {
+            if (FindCrossing(a, b, alongA, alongB)) {
+                return true;
+            }
+        } else {
+            switch (ExamineAsGraphs(a, b, alongA, alongB)) {
+            case Outcome::kDone:
+                return true;
+            case Outcome::kNoRoom:
+                return false;
+            case Outcome::kDivide:
+                break;
+            }
+        }
+        if (sizeA >= sizeB) {
+            return Push({HeadOf(a.c, 0.5), a.t0, a.At(0.5)}, b) &&
+                   Push({TailOf(a.c, 0.5), a.At(0.5), a.t1}, b);
+        }
+        return Push(a, {HeadOf(b.c, 0.5), b.t0, b.At(0.5)}) &&
+               Push(a, {TailOf(b.c, 0.5), b.At(0.5), b.t1});
+    }
+
+    /// True when `b` lies beside the strip along the chord of `a` that holds `a`.
+    bool ApartAcross(Cubic const& a, Cubic const& b) const {
+        Pt const chord = a[3] - a[0];
+        double const a1 = Cross(chord, a[1] - a[0]);
+        double const a2 = Cross(chord, a[2] - a[0]);
+        double const b0 = Cross(chord, b[0] - a[0]);
+        double const b1 = Cross(chord, b[1] - a[0]);
+        double const b2 = Cross(chord, b[2] - a[0]);
+        double const b3 = Cross(chord, b[3] - a[0]);
+        double const margin = mMargin * Taxicab(chord);
+        double const low = Min(Min(a1, a2), 0.0) - margin;
+        double const high = Max(Max(a1, a2), 0.0) + margin;
+        return Min(Min(b0, b1), Min(b2, b3)) > high || Max(Max(b0, b1), Max(b2, b3)) < low;
+    }
+
+    /// True when no tangent of A is parallel to one of B.
+    bool CrossAtAnAngle(Arms const& alongA, Arms const& alongB) const {
+        double low = std::numeric_limits<double>::infinity();
+        double high = -low;
+        for (Pt const& a : alongA) {
+            for (Pt const& b : alongB) {
+                double const cross = Cross(a, b);
+                low = Min(low, cross);
+                high = Max(high, cross);
+            }
+        }
+        double const noise = mNoise * (LongestOf(alongA) + LongestOf(alongB));
+        return low > noise || high < -noise;
+    }
+
+    /// A curve that goes on straight beyond its ends, at a parameter.
+    static CubicPlace Extended(Cubic const& c, Arms const& along, double t) {
+        if (t < 0.0) {
+            return {c[0] + along[0] * (3.0 * t), along[0], Pt()};
+        }
+        if (t > 1.0) {
+            return {c[3] + along[2] * (3.0 * (t - 1.0)), along[2], Pt()};
+        }
+        return PlaceAt(c, t);
+    }
+
+    /// Finds the only crossing of two curves that go on straight beyond their ends, by Newton's
+    /// method from (s, t). Returns false where this does not succeed.
+    static bool Solve(Cubic const& a, Cubic const& b, Arms const& alongA, Arms const& alongB,
+                      double& s, double& t) {
+        for (int i = 0; i < kMostSteps; ++i) {
+            CubicPlace const p = Extended(a, alongA, s);
+            CubicPlace const q = Extended(b, alongB, t);
+            Pt const off = q.point - p.point;
+            double const scale = 1.0 / (3.0 * Cross(p.first, q.first));
+            double const ds = Cross(off, q.first) * scale;
+            double const dt = Cross(off, p.first) * scale;
+            s += ds;
+            t += dt;
+            if (std::abs(ds) + std::abs(dt) < kLastStep) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Handles pieces whose tangents are never parallel: they have at most one crossing. Returns
+    /// false where it is not found.
+    bool FindCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB) {
+        Pt const chordA = a.c[3] - a.c[0];
+        Pt const chordB = b.c[3] - b.c[0];
+        Pt const off = b.c[0] - a.c[0];
+        double const scale = 1.0 / Cross(chordA, chordB);
+        double s = Cross(off, chordB) * scale;
+        double t = Cross(off, chordA) * scale;
+        if (!Solve(a.c, b.c, alongA, alongB, s, t)) {
+            return false;
+        }
+        AddCrossing(a, b, alongA, alongB, s, t);
+        return true;
+    }
+
+    /// Adds the event of a crossing of the extended pieces, if it lies on the pieces or near their
+    /// ends.
+    void AddCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
+                     double s, double t) {
+        double const sOn = std::min(std::max(s, 0.0), 1.0);
+        double tOn = std::min(std::max(t, 0.0), 1.0);
+        bool const inside = sOn == s && tOn == t;
+        CubicPlace const p = Extended(a.c, alongA, sOn);
+        CubicPlace const q = Extended(b.c, alongB, tOn);
+        Pt const first = p.first.Null() ? (sOn < 0.5 ? alongA[0] : alongA[2]) : p.first;
+        Pt const second = q.first.Null() ? (tOn < 0.5 ? alongB[0] : alongB[2]) : q.first;
+        double s1 = sOn;
+        if (!inside) {
+            // The nearest place: an end of one piece, and its foot on the other one.
+            if (sOn != s) {
+                tOn += Dot(p.point - q.point, second) / (3.0 * Square(second));
+                tOn = std::min(std::max(tOn, 0.0), 1.0);
+            } else {
+                s1 += Dot(q.point - p.point, first) / (3.0 * Square(first));
+                s1 = std::min(std::max(s1, 0.0), 1.0);
+            }
+            Pt const gap = PlaceAt(a.c, s1).point - PlaceAt(b.c, tOn).point;
+            if (!(Square(gap) <= mAccuracy * mAccuracy)) {
+                return;
+            }
+        }
+        double const cross = Cross(second, first);
+        // A piece of B that runs against B has decreasing parameters.
+        double const side = (cross > 0.0) == (b.t0 <= b.t1) ? kCertain : -kCertain;
+        // The curves stay within the accuracy for about this far, on either side.
+        double const slant = 2.0 * mAccuracy / (3.0 * std::abs(cross));
+        double const reachA = std::sqrt(Square(second)) * slant;
+        double const reachB =
+            std::sqrt(Square(first)) * slant * (Dot(first, second) < 0.0 ? -1.0 : 1.0);
+        auto const limited = [](double x) { return std::min(std::max(x, 0.0), 1.0); };
+        mEvents.push_back({a.At(limited(s1 - reachA)), a.At(limited(s1 + reachA)),
+                           b.At(limited(tOn - reachB)), b.At(limited(tOn + reachB)), a.At(s1),
+                           b.At(tOn), s > 0.0 ? -side : 0.0, s < 1.0 ? side : 0.0, inside});
+    }
+
+    enum class Outcome { kDone, kDivide, kNoRoom };
+
+    /// Handles pieces that run along each other, as graphs of functions over a common direction:
+    /// each is y over x. It is the difference of the two functions that matters.
+    Outcome ExamineAsGraphs(Piece const& a, Piece const& b, Arms const& alongA,
+                            Arms const& alongB) {
+        Pt const chordA = a.c[3] - a.c[0];
+        Pt const chordB = b.c[3] - b.c[0];
+        bool const reversed = Dot(chordA, chordB) < 0.0;
+        Pt direction = chordA + (reversed ? -chordB : chordB);
+        double const length = std::sqrt(Square(direction));
+        if (!(length > mMargin)) {
+            return Outcome::kDivide;
+        }
+        direction = direction / length;
+        double const sign = reversed ? -1.0 : 1.0;
+        double slope = 0.0; // the greatest of B
+        for (std::size_t i = 0; i < 3; ++i) {
+            double const xA = Dot(direction, alongA[i]);
+            double const xB = Dot(direction, alongB[i]) * sign;
+            double const yA = std::abs(Cross(direction, alongA[i]));
+            double const yB = std::abs(Cross(direction, alongB[i]));
+            if (!(yA <= xA && yB <= xB && xA > 0.0 && xB > 0.0)) {
+                return Outcome::kDivide;
+            }
+            slope = std::max(slope, yB / xB);
+        }
+        Cubic const along = reversed ? Reversed(b.c) : b.c;
+        std::array<double, 4> xA;
+        std::array<double, 4> xB;
+        for (std::size_t i = 0; i < 4; ++i) {
+            xA[i] = Dot(direction, a.c[i] - a.c[0]);
+            xB[i] = Dot(direction, along[i] - a.c[0]);
+        }
+        double const begin = std::max(xA[0], xB[0]);
+        double const end = std::min(xA[3], xB[3]);
+        if (!(begin < end)) {
+            AddEnds(a, b, reversed, xA[0] >= xB[3]);
+            return Outcome::kDone;
+        }
+        double const sBegin = xA[0] < begin ? SolveRising(xA, begin) : 0.0;
+        double const sEnd = xA[3] > end ? SolveRising(xA, end) : 1.0;
+        double const tBegin = xB[0] < begin ? SolveRising(xB, begin) : 0.0;
+        double const tEnd = xB[3] > end ? SolveRising(xB, end) : 1.0;
+        // Piece B runs the way of A from here on; its parameters on the whole curve may decrease.
+        Piece const partA = a.Part(sBegin, sEnd);
+        Piece const wayB = reversed ? Piece{along, b.t1, b.t0} : b;
+        Piece const partB = wayB.Part(tBegin, tEnd);
+        return CompareGraphs(partA, partB, direction, slope);
+    }
+
+    /// Handles two graphs over the same stretch of x, which run the same way. `slope` is the
+    /// greatest of B.
+    Outcome CompareGraphs(Piece const& a, Piece const& b, Pt const& direction, double slope) {
+        double greatestX = 0.0;
+        double low = std::numeric_limits<double>::infinity();
+        double high = -low;
+        std::array<double, 4> y;
+        for (std::size_t i = 0; i < 4; ++i) {
+            Pt const off = a.c[i] - b.c[i];
+            greatestX = std::max(greatestX, std::abs(Dot(direction, off)));
+            y[i] = Cross(direction, off);
+            low = std::min(low, y[i]);
+            high = std::max(high, y[i]);
+        }
+        // Points of equal parameter differ in x, which makes them differ in y along B's slope.
+        low -= slope * greatestX;
+        high += slope * greatestX;
+        if (low > mMargin || high < -mMargin) {
+            return Outcome::kDone;
+        }
+        bool const reversed = b.t1 < b.t0;
+        double const before = reversed ? -y[0] : y[0];
+        double const after = reversed ? -y[3] : y[3];
+        if (std::max(high, -low) <= mAccuracy) {
+            mEvents.push_back({a.t0, a.t1, b.t0, b.t1, a.At(0.5), b.At(0.5), before, after, false});
+            return Outcome::kDone;
+        }
+        Arms const armsA = ArmsOf(a.c);
+        Arms const armsB = ArmsOf(b.c);
+        if (DivergeSteadily(armsA, armsB, direction, greatestX)) {
+            if (y[0] * y[3] < 0.0) {
+                Arms const alongA = DirectionsOf(armsA, mNoise);
+                Arms const alongB = DirectionsOf(armsB, mNoise);
+                double s = y[0] / (y[0] - y[3]);
+                double t = s;
+                if (Solve(a.c, b.c, alongA, alongB, s, t) && s >= 0.0 && s <= 1.0 && t >= 0.0 &&
+                    t <= 1.0) {
+                    AddCrossing(a, b, alongA, alongB, s, t);
+                    return Outcome::kDone;
+                }
+            } else {
+                if (std::abs(y[0]) <= mAccuracy) {
+                    mEvents.push_back({a.t0, a.t0, b.t0, b.t0, a.t0, b.t0, before, after, false});
+                }
+                if (std::abs(y[3]) <= mAccuracy) {
+                    mEvents.push_back({a.t1, a.t1, b.t1, b.t1, a.t1, b.t1, before, after, false});
+                }
+                return Outcome::kDone;
+            }
+        }
+        return DivideGraphs(a, b, direction);
+    }
+
+    /// True when the difference of two graphs in y strictly rises or falls with x. `greatestX` is
+    /// the greatest difference in x of points with equal parameters.
+    bool DivergeSteadily(Arms const& a, Arms const& b, Pt const& direction,
+                         double greatestX) const {
+        // The slopes at one x are compared by the tangents at one parameter; B's tangent changes
+        // between the two.
+        double const least =
+            std::min(std::min(Dot(direction, b[0]), Dot(direction, b[1])), Dot(direction, b[2]));
+        double const bend = std::max(Taxicab(b[1] - b[0]), Taxicab(b[2] - b[1]));
+        double const shift = 2.0 * bend * greatestX / (3.0 * least);
+        double const slack = LongestOf(a) * (least > 0.0 ? shift : (bend > 0.0 ? kCertain : 0.0)) +
+                             mNoise * 0x1p-4 * (LongestOf(a) + LongestOf(b));
+        double const c0 = Cross(a[0], b[0]);
+        double const c1 = 0.5 * (Cross(a[0], b[1]) + Cross(a[1], b[0]));
+        double const c2 = (Cross(a[0], b[2]) + 4.0 * Cross(a[1], b[1]) + Cross(a[2], b[0])) / 6.0;
+        double const c3 = 0.5 * (Cross(a[1], b[2]) + Cross(a[2], b[1]));
+        double const c4 = Cross(a[2], b[2]);
+        double const low = std::min(std::min(std::min(c0, c1), std::min(c2, c3)), c4);
+        double const high = std::max(std::max(std::max(c0, c1), std::max(c2, c3)), c4);
+        return low > slack || high < -slack;
+    }
+
+    /// Divides two graphs over the same x in the middle of A.
+    Outcome DivideGraphs(Piece const& a, Piece const& b, Pt const& direction) {
+        Cubic const headA = HeadOf(a.c, 0.5);
+        std::array<double, 4> xB;
+        for (std::size_t i = 0; i < 4; ++i) {
+            xB[i] = Dot(direction, b.c[i] - headA[3]);
+        }
+        double const t = xB[0] < 0.0 && xB[3] > 0.0 ? SolveRising(xB, 0.0) : 0.5;
+        double const s = a.At(0.5);
+        double const tAt = b.At(t);
+        bool const pushed = Push({headA, a.t0, s}, {HeadOf(b.c, t), b.t0, tAt}) &&
+                            Push({TailOf(a.c, 0.5), s, a.t1}, {TailOf(b.c, t), tAt, b.t1});
+        return pushed ? Outcome::kDone : Outcome::kNoRoom;
+    }
+
+    /// Handles graphs over stretches of x that do not overlap: their ends may be near each other.
+    void AddEnds(Piece const& a, Piece const& b, bool reversed, bool beforeA) {
+        double const s = beforeA ? 0.0 : 1.0;
+        double const t = beforeA != reversed ? 1.0 : 0.0;
+        Pt const gap = (beforeA ? a.c[0] : a.c[3]) - (t == 0.0 ? b.c[0] : b.c[3]);
+        if (Square(gap) <= mAccuracy * mAccuracy) {
+            double const sAt = a.At(s);
+            double const tAt = b.At(t);
+            mEvents.push_back({sAt, sAt, tAt, tAt, sAt, tAt, 0.0, 0.0, false});
+        }
+    }
+
+    double mAccuracy;
+    double mMargin; ///< curves farther apart than this may count as apart
+    double mNoise;  ///< more than rounding can move a point
+    std::vector<CurveEvent>& mEvents;
+    std::size_t mSize = 0;
+    unsigned char mStack[kMostOpen * sizeof(Cell)]; // bytes, as points would be set to 0 first
+};
+
+} // namespace
+
+bool FindCurveEvents(Cubic const& a, Cubic const& b, double accuracy,
+                     std::vector<CurveEvent>& events) {
+    return Finder(accuracy, events).Run(a, b);
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,339 @@
+// SPDX-License-Identifier: MIT
+
+#include "CurveMeets_p.h"
+
+#include "PointMath_p.h"
+#include "TPoint.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <tuple>
+#include <vector>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+
+/// Two places of a curve belong together where the curve between them is no longer than this many
+/// times the accuracy.
+constexpr double kTogether = 2.0;
+
+/// Curves coincide along a stretch where they are nearer than this part of the accuracy at
+/// kCoincident of kSamples places. Curves that touch with order k are so near in the k-th root of
+/// the part, which is less than 3/4 for all orders that two cubics can have, 9 at most.
+constexpr double kNearPart = 1.0 / 16.0;
+constexpr int kSamples = 16;
+constexpr int kCoincident = 12;
+
+/// The place of `b` near `t` that is the nearest to a point, by Newton's method between `low` and
+/// `high`.
+double FootOn(Cubic const& b, Pt const& p, double t, double low, double high) {
+    constexpr int kMostSteps = 8;
+    double best = t;
+    double least = Square(PlaceAt(b, t).point - p);
+    for (int i = 0; i < kMostSteps; ++i) {
+        CubicPlace const place = PlaceAt(b, t);
+        Pt const off = place.point - p;
+        double const slope = 3.0 * Dot(off, place.first);
+        double const flat = 9.0 * Square(place.first);
+        double const bend = flat + 6.0 * Dot(off, place.second);
+        double const step = slope / (bend > 0.5 * flat ? bend : flat);
+        if (!(std::abs(step) > 0x1p-50)) { // also for a NaN
+            break;
+        }
+        t = std::min(std::max(t - step, low), high);
+        double const distance = Square(PlaceAt(b, t).point - p);
+        if (distance < least) {
+            least = distance;
+            best = t;
+        }
+    }
+    return best;
+}
+
+/// The sides of two curves near a stretch, at parameters of A.
+class Gap {
+public:
+    Gap(Cubic const& a, Cubic const& b, CurveMeet const& m) : mA(a), mB(b), mMeet(m) {
+        mLow = std::min(m.t0, m.t1);
+        mHigh = std::max(m.t0, m.t1);
+    }
+
+    /// Returns the parameter of B beside `s`.
+    double Beside(double s) const {
+        double const length = mMeet.s1 - mMeet.s0;
+        double const part = length > 0.0 ? (s - mMeet.s0) / length : 0.5;
+        return FootOn(mB, PlaceAt(mA, s).point, mMeet.t0 + (mMeet.t1 - mMeet.t0) * part, mLow,
+                      mHigh);
+    }
+    double Distance(double s, double t) const {
+        return std::sqrt(Square(PlaceAt(mA, s).point - PlaceAt(mB, t).point));
+    }
+    /// Returns a number with the sign of the side of B on which A lies.
+    double Side(double s, double t) const {
+        CubicPlace const at = PlaceAt(mB, t);
+        return Cross(at.first, PlaceAt(mA, s).point - at.point);
+    }
+
+private:
+    Cubic const& mA;
+    Cubic const& mB;
+    CurveMeet const& mMeet;
+    double mLow;
+    double mHigh;
+};
+
+/// True when the curves coincide along the stretch.
+bool Coincide(Gap const& gap, CurveMeet const& m, double accuracy) {
+    int near = 0;
+    for (int i = 0; i < kSamples; ++i) {
+        double const s = m.s0 + (m.s1 - m.s0) * ((i + 0.5) / kSamples);
+        near += gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy ? 1 : 0;
+    }
+    return near >= kCoincident;
+}
+
+/// Sets the place of a stretch to where the curves are nearest to each other.
+void FindNearest(Cubic const& a, Cubic const& b, Gap const& gap, CurveMeet& m) {
+    double least = gap.Distance(m.s, m.t);
+    for (int i = 0; i <= kSamples; ++i) {
+        double const s = m.s0 + (m.s1 - m.s0) * (static_cast<double>(i) / kSamples);
+        double const t = gap.Beside(s);
+        double const distance = gap.Distance(s, t);
+        if (distance < least) {
+            least = distance;
+            m.s = s;
+            m.t = t;
+        }
+    }
+    // The tangents are parallel there, and the difference is across them.
+    double const lowT = std::min(m.t0, m.t1);
+    double const highT = std::max(m.t0, m.t1);
+    double s = m.s;
+    double t = m.t;
+    constexpr int kMostSteps = 8;
+    for (int i = 0; i < kMostSteps; ++i) {
+        CubicPlace const p = PlaceAt(a, s);
+        CubicPlace const q = PlaceAt(b, t);
+        Pt const off = p.point - q.point;
+        Pt const d = p.first * 3.0;
+        Pt const e = q.first * 3.0;
+        Pt const dd = p.second * 6.0;
+        Pt const ee = q.second * 6.0;
+        double const across = Cross(d, e);
+        double const along = Dot(off, d);
+        // The derivatives of both by s and by t.
+        double const acrossS = Cross(dd, e);
+        double const acrossT = Cross(d, ee);
+        double const alongS = Square(d) + Dot(off, dd);
+        double const alongT = -Dot(e, d);
+        double const scale = 1.0 / (acrossS * alongT - acrossT * alongS);
+        double const ds = (across * alongT - acrossT * along) * scale;
+        double const dt = (acrossS * along - across * alongS) * scale;
+        s -= ds;
+        t -= dt;
+        if (!(s >= m.s0 && s <= m.s1 && t >= lowT && t <= highT)) { // also for a NaN
+            return;
+        }
+    }
+    if (gap.Distance(s, t) <= least * 1.0625 + 0x1p-46) {
+        m.s = s;
+        m.t = t;
+    }
+}
+
+/// Sets the place of a stretch to where A changes sides, by bisection. Returns false where that is
+/// no place, as at a cusp.
+bool FindChange(Gap const& gap, CurveMeet& m, double accuracy) {
+    double low = m.s0;
+    double high = m.s1;
+    constexpr int kBisections = 52;
+    for (int i = 0; i < kBisections; ++i) {
+        double const s = 0.5 * (low + high);
+        double const side = gap.Side(s, gap.Beside(s));
+        ((side > 0.0) == (m.before > 0) ? low : high) = s;
+    }
+    double const s = 0.5 * (low + high);
+    double const t = gap.Beside(s);
+    if (!(gap.Distance(s, t) <= accuracy)) {
+        return false;
+    }
+    m.s = s;
+    m.t = t;
+    return true;
+}
+
+/// True when the tangents at two parameters differ by less than 60 degrees. Sides of a curve that
+/// turns back between them, as at a cusp, mean nothing.
+bool RunsSmoothly(Cubic const& c, double from, double to) {
+    Pt const d = PlaceAt(c, from).first;
+    Pt const e = PlaceAt(c, to).first;
+    double const dot = Dot(d, e);
+    return dot > 0.0 && 4.0 * dot * dot > Square(d) * Square(e);
+}
+
+int SignOf(double x) { return static_cast<int>(x > 0.0) - static_cast<int>(x < 0.0); }
+
+} // namespace
+
+CurveMeetGroup::CurveMeetGroup(CurveEvent const& e)
+    : meet{e.s0, e.s1, e.t0, e.t1, e.s, e.t, 0, 0, false}, before(e.before), after(e.after),
+      lowT(std::min(e.t0, e.t1)), highT(std::max(e.t0, e.t1)), crossings(e.crossing ? 1 : 0),
+      events(1) {}
+
+bool CurveMeetGroup::Meets(CurveMeetGroup const& g, Cubic const& a, Cubic const& b,
+                           double accuracy) const {
+    double const limit = kTogether * accuracy;
+    return IsShort(a, meet.s1, g.meet.s0, limit) && IsShort(b, highT, g.lowT, limit) &&
+           IsShort(b, g.highT, lowT, limit);
+}
+
+void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double accuracy) {
+    // The sides count where the group begins and where it ends.
+    double const limit = kTogether * accuracy;
+    if (std::abs(g.before) > std::abs(before) && IsShort(a, meet.s0, g.meet.s0, limit)) {
+        before = g.before;
+    }
+    bool const later = g.meet.s1 > meet.s1;
+    bool const atEnd =
+        IsShort(a, std::min(meet.s1, g.meet.s1), std::max(meet.s1, g.meet.s1), limit);
+    if (atEnd ? std::abs(g.after) > std::abs(after) : later) {
+        after = g.after;
+    }
+    if (later) {
+        meet.s1 = g.meet.s1;
+        meet.t1 = g.meet.t1;
+    }
+    if (g.crossings > crossings) {
+        meet.s = g.meet.s;
+        meet.t = g.meet.t;
+    }
+    crossings += g.crossings;
+    events += g.events;
+    lowT = std::min(lowT, g.lowT);
+    highT = std::max(highT, g.highT);
+}
+
+double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
+    mMeets.clear();
+    mEvents.clear();
+    // Differences from one point of the pair keep all bits that matter, wherever the drawing lies.
+    // They are brought to a magnitude at which no product of four overflows or underflows.
+    std::array<Pt, 8> points;
+    std::copy(a.begin(), a.end(), points.begin());
+    std::copy(b.begin(), b.end(), points.begin() + 4);
+    Pt const origin = a[0];
+    double extent = 0.0;
+    for (Pt& p : points) {
+        p = p - origin;
+        extent = std::max(extent, std::max(std::abs(p.h), std::abs(p.v)));
+    }
+    // The sum is NaN where the maximum may hide one.
+    double const sum = Taxicab(points[1]) + Taxicab(points[2]) + Taxicab(points[3]) +
+                       Taxicab(points[4]) + Taxicab(points[5]) + Taxicab(points[6]) +
+                       Taxicab(points[7]);
+    int exponent = 0;
+    if (!(sum >= 0x1p-100 && sum <= 0x1p100)) {
+        if (!std::isfinite(sum)) {
+            // A difference of great numbers may overflow, that of their halves does not.
+            extent = 0.0;
+            for (std::size_t i = 0; i < points.size(); ++i) {
+                Pt const& p = i < 4 ? a[i] : b[i - 4];
+                if (!IsFinite(p)) {
+                    return accuracy;
+                }
+                points[i] = p * 0.5 - origin * 0.5;
+                extent = std::max(extent, std::max(std::abs(points[i].h), std::abs(points[i].v)));
+            }
+            exponent = 1;
+        }
+        if (extent == 0.0) {
+            mA.fill(Pt());
+            mB.fill(Pt());
+            mAccuracy = 1.0;
+            mMeets.push_back({0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0, 0, false});
+            return accuracy;
+        }
+        int const shift = std::ilogb(extent);
+        exponent += shift;
+        for (Pt& p : points) {
+            p = Pt(std::scalbn(p.h, -shift), std::scalbn(p.v, -shift));
+        }
+        extent = std::scalbn(extent, -shift);
+    }
+    double const finest = kFinestCells * extent;
+    double const asked = exponent == 0 ? accuracy : std::scalbn(accuracy, -exponent);
+    double kept = asked >= finest ? std::min(asked, extent) : finest; // the finest for a NaN
+    std::copy(points.begin(), points.begin() + 4, mA.begin());
+    std::copy(points.begin() + 4, points.end(), mB.begin());
+    while (!FindCurveEvents(mA, mB, kept, mEvents)) {
+        constexpr double kCoarser = 16.0;
+        kept *= kCoarser;
+        mEvents.clear();
+    }
+    mAccuracy = kept;
+    if (!mEvents.empty()) {
+        Join();
+    }
+    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent) : accuracy;
+}
+
+/// Joins events to groups, and makes each group a meet.
+void CurveMeetFinder::Join() {
+    std::sort(mEvents.begin(), mEvents.end(), [](CurveEvent const& e, CurveEvent const& f) {
+        return std::tie(e.s0, e.t0, e.s1, e.t1) < std::tie(f.s0, f.t0, f.s1, f.t1);
+    });
+    mGroups.clear();
+    for (CurveEvent const& e : mEvents) {
+        CurveMeetGroup const next(e);
+        CurveMeetGroup* home = nullptr;
+        for (std::size_t i = 0; i < mGroups.size(); ++i) {
+            CurveMeetGroup& g = mGroups[i];
+            if (!g.Meets(next, mA, mB, mAccuracy)) {
+                continue;
+            }
+            if (home == nullptr) {
+                g.Include(next, mA, mAccuracy);
+                home = &g;
+            } else {
+                // The event connects two groups.
+                home->Include(g, mA, mAccuracy);
+                mGroups.erase(mGroups.begin() + static_cast<std::ptrdiff_t>(i--));
+            }
+        }
+        if (home == nullptr) {
+            mGroups.push_back(next);
+        }
+    }
+    for (CurveMeetGroup const& g : mGroups) {
+        Describe(g);
+    }
+}
+
+void CurveMeetFinder::Describe(CurveMeetGroup const& group) {
+    CurveMeet m = group.meet;
+    bool const certain = group.crossings == 1 && group.events == 1;
+    if (certain || RunsSmoothly(mB, group.lowT, group.highT)) {
+        m.before = SignOf(group.before);
+        m.after = SignOf(group.after);
+    }
+    if (!certain && m.s0 < m.s1) {
+        Gap const gap(mA, mB, m);
+        if (!IsShort(mA, m.s0, m.s1, kTogether * mAccuracy)) {
+            m.overlap = Coincide(gap, m, mAccuracy);
+        }
+        bool const crossing = m.before * m.after < 0;
+        if (!m.overlap && !(crossing && group.crossings > 0)) {
+            if (!crossing || !FindChange(gap, m, mAccuracy)) {
+                FindNearest(mA, mB, gap, m);
+            }
+        }
+    }
+    mMeets.push_back(m);
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+
+// Intersections: where lines, curves and paths meet each other.
+//
+// Each function appends the places to `out` and returns the distance that it has kept, here called
+// d. That is `accuracy`, a distance in coordinate units, or more in two cases:
+//
+// - An accuracy finer than rounding allows (0, negative, NaN) gives the finest that there is:
+//   2^-40 of the greatest difference of two coordinates of the two segments.
+// - Segments that run beside each other in a confusing way take more work than is allowed. The
+//   distance is then the least of 16, 256 ... times the accuracy at which they do not. No input is
+//   known that has this effect.
+//
+// A place where the two outlines come within d of each other goes on for as long as they stay
+// within d. These are guarantees, save for the rounding of points and parameters themselves:
+//
+// - The two points of a place are within d of each other.
+// - There is a place wherever the outlines cross, and wherever they come within d/4.
+// - A place is told once. So each crossing at an angle has a place of its own, unless the outlines
+//   stay within d all the way to another crossing or contact. Places that are no farther apart
+//   than 2 d along both outlines may be told as one.
+//
+// The kind of a place tells what happens there; see IntersectionKind. Two branches of either
+// outline leave the place. The outlines cross when their branches alternate around it. Several
+// crossings within one place count as one if their number is odd, and as a contact if it is even.
+//
+// A segment with a NaN or infinite coordinate is absent. A segment whose points are all equal is a
+// point. Coordinates of any magnitude are treated alike. Every call ends. All are safe from any
+// thread. Memory exhaustion is std::bad_alloc, and `out` may then have some of the places.
+//
+// Source: subdivision with the convex hull property and cones of tangents [Sederberg, Meyers, Loop
+// detection in surface patch intersections, Computer Aided Geometric Design 5, 1988]. Curves that
+// run beside each other are compared as graphs; docs/intersections.md explains all steps.
+
+#ifndef TRAMMEL_INTERSECTIONS_H
+#define TRAMMEL_INTERSECTIONS_H
+
+#include "CBezier.h"
+#include "TLine.h"
+#include "TPoint.h"
+#include "TrammelExport.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace trammel {
+
+/// What happens at a place where two outlines meet.
+enum class IntersectionKind {
+    kCrossing, ///< they change sides
+    kContact,  ///< they touch and keep their sides: a tangent, or a corner
+    kEnd,      ///< one of them begins or ends there, so that nobody can tell sides
+    kOverlap,  ///< they coincide along a stretch
+};
+
+/// A place as one of the two outlines sees it.
+struct TRAMMEL_API IntersectionPlace {
+    std::size_t element; ///< index of the element in CPath::mCtls; 0 for a line and a curve
+    double t;            ///< the parameter on the element, from 0 to 1; of an overlap, its start
+    double endT;         ///< the parameter at the end of an overlap; of others the same as `t`
+};
+
+/// A place where two outlines meet.
+struct TRAMMEL_API Intersection {
+    IntersectionKind kind;
+    /// True when the first outline changes to another side of the second one here. It is always
+    /// true for crossings, and never for contacts and ends. Of overlaps that follow each other
+    /// along the outlines, the first one tells for all.
+    bool crosses;
+    IntersectionPlace a;  ///< on the first outline; a.t <= a.endT
+    IntersectionPlace b;  ///< on the second outline; b.t > b.endT where it runs against the first
+    TPoint<double> point; ///< the first outline's point at a.t
+    TPoint<double> endPoint; ///< the first outline's point at a.endT
+};
+
+/// Appends the places where two curves meet, in the order of their parameters on `a`.
+///
+/// A place is of kind kEnd when an end of either curve lies in it. Cost: about a microsecond for
+/// two curves; some tens where they touch or nearly coincide, at most some milliseconds. No
+/// allocation but in `out`, if it has no room.
+TRAMMEL_API double AppendIntersections(CBezier const& a, CBezier const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a curve and a line, which is a segment with its two ends.
+TRAMMEL_API double AppendIntersections(CBezier const& a, TLine<double> const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a line and a curve.
+TRAMMEL_API double AppendIntersections(TLine<double> const& a, CBezier const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for two lines.
+TRAMMEL_API double AppendIntersections(TLine<double> const& a, TLine<double> const& b,
+                                       double accuracy, std::vector<Intersection>& out);
+
+/// Returns the places where two outlines meet, which are lines, curves or paths.
+template <class OutlineA, class OutlineB>
+std::vector<Intersection> Intersections(OutlineA const& a, OutlineB const& b, double accuracy) {
+    std::vector<Intersection> places;
+    AppendIntersections(a, b, accuracy, places);
+    return places;
+}
+
+} // namespace trammel
+
+#endif

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+
+// Outlines as runs of cubic curves, and the sides on which they pass each other where they meet.
+// Not installed.
+
+#ifndef TRAMMEL_OUTLINEMEETS_P_H
+#define TRAMMEL_OUTLINEMEETS_P_H
+
+#include "CBezier.h"
+#include "Cubic_p.h"
+#include "TLine.h"
+#include "TPoint.h"
+
+#include <cstddef>
+#include <limits>
+
+namespace trammel_detail {
+
+/// A segment of an outline.
+struct OutlineSegment {
+    static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
+
+    Cubic c;
+    std::size_t element;
+    std::size_t before = kNone; ///< the index of the segment before it, none at an open end
+    std::size_t after = kNone;  ///< the index of the segment after it
+};
+
+inline Cubic CubicOf(CBezier const& c) { return {c.P0, c.P1, c.P2, c.P3}; }
+/// Returns the line as a cubic with even speed. The control points are off by rounding.
+inline Cubic CubicOf(TLine<double> const& line) {
+    // The terms are thirds, as the sum of coordinates might overflow.
+    TPoint<double> const start = line.mStart / 3.0;
+    TPoint<double> const end = line.mEnd / 3.0;
+    return {line.mStart, start * 2.0 + end, start + end * 2.0, line.mEnd};
+}
+
+/// A stretch of an outline.
+struct OutlineRun {
+    OutlineSegment const* segments; ///< of the whole outline
+    std::size_t first;              ///< the index of the segment where the stretch begins
+    double firstT;                  ///< and its parameter there
+    std::size_t last;               ///< the same for its end
+    double lastT;
+};
+
+/// Whether two outlines pass from one side of each other to the other.
+enum class Passing {
+    kCross, ///< they do
+    kTouch, ///< they keep their sides
+    kEnd,   ///< an outline begins or ends in the place
+};
+
+/// Tells how two outlines pass each other at a place. Each run is the stretch in which they are
+/// within `accuracy` of each other.
+///
+/// The four branches that leave the place are followed to a circle around it. There, branches of
+/// different outlines are farther apart than the accuracy. The circle is at most some thousand
+/// times as large as the place. The order of the branches on it decides.
+Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy);
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,439 @@
+// SPDX-License-Identifier: MIT
+
+#include "Intersections.h"
+
+#include "CMatrix3x3.h"
+#include "IntersectionsJudge.h"
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <random>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using trammel::AppendIntersections;
+using trammel::Intersection;
+using trammel::IntersectionKind;
+using trammel::Intersections;
+
+typedef TPoint<double> Pt;
+typedef TLine<double> Line;
+typedef std::vector<Intersection> Places;
+
+constexpr double kFine = 1e-9;
+/// Lengths, or parameters, that count as equal where rounding decides.
+constexpr double kClose = 1e-12;
+
+double Distance(Pt const& a, Pt const& b) { return std::hypot(a.h - b.h, a.v - b.v); }
+
+/// One letter for each place: X a crossing, C a contact, E an end, O an overlap.
+std::string Kinds(Places const& places) {
+    std::string kinds;
+    for (Intersection const& p : places) {
+        kinds += "XCEO"[static_cast<int>(p.kind)];
+    }
+    return kinds;
+}
+
+CBezier Reversed(CBezier const& c) { return CBezier(c.P3, c.P2, c.P1, c.P0); }
+
+CBezier Part(CBezier const& c, double from, double to) {
+    CBezier part;
+    c.GetTRange(from, to, part);
+    return part;
+}
+
+class Random {
+public:
+    explicit Random(unsigned seed) : mGenerator(seed) {}
+    double Between(double low, double high) {
+        return std::uniform_real_distribution<double>(low, high)(mGenerator);
+    }
+    Pt Point() { return Pt(Between(0, 100), Between(0, 100)); }
+    CBezier Curve() { return CBezier(Point(), Point(), Point(), Point()); }
+    /// A point whose coordinates have few digits.
+    Pt Short(double least, double steps) {
+        return Pt(std::floor(Between(0, steps)) * least, std::floor(Between(0, steps)) * least);
+    }
+    CBezier ShortCurve(double least, double steps) {
+        return CBezier(Short(least, steps), Short(least, steps), Short(least, steps),
+                       Short(least, steps));
+    }
+
+private:
+    std::mt19937_64 mGenerator;
+};
+
+TEST(Intersections, OfTwoLinesIsTheirCrossing) {
+    Places const places = Intersections(Line(Pt(0, 0), Pt(4, 4)), Line(Pt(0, 4), Pt(8, -4)), kFine);
+    ASSERT_EQ(Kinds(places), "X");
+    EXPECT_TRUE(places[0].crosses);
+    EXPECT_NEAR(places[0].a.t, 0.5, kClose);
+    EXPECT_NEAR(places[0].b.t, 0.25, kClose);
+    EXPECT_EQ(places[0].a.endT, places[0].a.t);
+    EXPECT_EQ(places[0].b.endT, places[0].b.t);
+    EXPECT_EQ(places[0].a.element, 0U);
+    EXPECT_NEAR(places[0].point.h, 2.0, kClose);
+    EXPECT_NEAR(places[0].point.v, 2.0, kClose);
+    EXPECT_EQ(places[0].endPoint, places[0].point);
+}
+
+TEST(Intersections, OfLinesThatMissEachOtherAreNone) {
+    Line const line(Pt(0, 0), Pt(4, 4));
+    EXPECT_EQ(Kinds(Intersections(line, Line(Pt(0, 4), Pt(1, 3)), kFine)), "");
+    EXPECT_EQ(Kinds(Intersections(line, Line(Pt(1, 0), Pt(5, 4)), kFine)), "");
+    EXPECT_EQ(Kinds(Intersections(line, Line(Pt(5, 5), Pt(9, 9)), kFine)), "");
+}
+
+TEST(Intersections, AtAnEndAreOfItsKind) {
+    Line const line(Pt(0, 0), Pt(4, 0));
+    Places const corner = Intersections(line, Line(Pt(4, 0), Pt(4, 3)), kFine);
+    ASSERT_EQ(Kinds(corner), "E");
+    EXPECT_FALSE(corner[0].crosses);
+    EXPECT_NEAR(corner[0].a.t, 1.0, kClose);
+    EXPECT_NEAR(corner[0].b.t, 0.0, kClose);
+    Places const tee = Intersections(line, Line(Pt(2, 0), Pt(2, 3)), kFine);
+    ASSERT_EQ(Kinds(tee), "E");
+    EXPECT_NEAR(tee[0].a.t, 0.5, kClose);
+    EXPECT_EQ(Kinds(Intersections(Line(Pt(2, 0), Pt(2, 3)), line, kFine)), "E");
+    // In line, end to end.
+    EXPECT_EQ(Kinds(Intersections(line, Line(Pt(4, 0), Pt(9, 0)), kFine)), "E");
+}
+
+TEST(Intersections, OfLinesAlongEachOtherAreTheCommonStretch) {
+    Line const line(Pt(0, 0), Pt(4, 2));
+    Places const places = Intersections(line, Line(Pt(2, 1), Pt(8, 4)), kFine);
+    ASSERT_EQ(Kinds(places), "O");
+    EXPECT_NEAR(places[0].a.t, 0.5, kClose);
+    EXPECT_NEAR(places[0].a.endT, 1.0, kClose);
+    EXPECT_NEAR(places[0].b.t, 0.0, kClose);
+    EXPECT_NEAR(places[0].b.endT, 1.0 / 3, kClose);
+    EXPECT_NEAR(Distance(places[0].point, Pt(2, 1)), 0.0, kClose);
+    EXPECT_NEAR(Distance(places[0].endPoint, Pt(4, 2)), 0.0, kClose);
+    Places const against = Intersections(line, Line(Pt(8, 4), Pt(2, 1)), kFine);
+    ASSERT_EQ(Kinds(against), "O");
+    EXPECT_NEAR(against[0].b.t, 1.0, kClose);
+    EXPECT_NEAR(against[0].b.endT, 2.0 / 3, kClose);
+}
+
+TEST(Intersections, OfALineAndACurveAreAllThree) {
+    // v = x³ - x over x from -2 to 2, and the line v = x/4.
+    CBezier const curve(Pt(-2, -6), Pt(-2.0 / 3, 8 + 2.0 / 3), Pt(2.0 / 3, -8 - 2.0 / 3), Pt(2, 6));
+    Line const line(Pt(-2, -0.5), Pt(2, 0.5));
+    for (Places const& places :
+         {Intersections(curve, line, kFine), Intersections(line, curve, kFine)}) {
+        ASSERT_EQ(Kinds(places), "XXX");
+        double const x = std::sqrt(1.25);
+        EXPECT_NEAR(Distance(places[0].point, Pt(-x, -x / 4)), 0.0, kClose);
+        EXPECT_NEAR(Distance(places[1].point, Pt(0, 0)), 0.0, kClose);
+        EXPECT_NEAR(Distance(places[2].point, Pt(x, x / 4)), 0.0, kClose);
+        EXPECT_NEAR(places[2].a.t, 0.5 + x / 4, kClose);
+        EXPECT_NEAR(places[2].b.t, 0.5 + x / 4, kClose);
+    }
+}
+
+TEST(Intersections, OfTwoCurvesCanBeNine) {
+    // Chebyshev's polynomial of degree 3, a little higher, and its mirror image in the diagonal.
+    CBezier const s(Pt(0, -0.05), Pt(1.0 / 3, 3.25), Pt(2.0 / 3, -2.25), Pt(1, 1.05));
+    CBezier const mirrored(Pt(-0.05, 0), Pt(3.25, 1.0 / 3), Pt(-2.25, 2.0 / 3), Pt(1.05, 1));
+    EXPECT_EQ(Kinds(Intersections(s, mirrored, kFine)), "XXXXXXXXX");
+}
+
+TEST(Intersections, TellTangentsAsContacts) {
+    // v = x² and v = 0 touch at 0. v = x³ and v = 0 cross there.
+    CBezier const square(Pt(-1, 1), Pt(-1.0 / 3, -1.0 / 3), Pt(1.0 / 3, -1.0 / 3), Pt(1, 1));
+    CBezier const cube(Pt(-1, -1), Pt(-1.0 / 3, 1), Pt(1.0 / 3, -1), Pt(1, 1));
+    Line const line(Pt(-2, 0), Pt(2, 0));
+    for (double const accuracy : {1e-3, 1e-6, 1e-9, 0.0}) {
+        Places const contact = Intersections(square, line, accuracy);
+        ASSERT_EQ(Kinds(contact), "C") << accuracy;
+        EXPECT_FALSE(contact[0].crosses);
+        EXPECT_NEAR(contact[0].a.t, 0.5, 1e-7);
+        EXPECT_NEAR(contact[0].b.t, 0.5, 1e-7);
+        Places const crossing = Intersections(cube, line, accuracy);
+        ASSERT_EQ(Kinds(crossing), "X") << accuracy;
+        EXPECT_NEAR(crossing[0].a.t, 0.5, 1e-3);
+        EXPECT_EQ(Kinds(Intersections(line, square, accuracy)), "C");
+        EXPECT_EQ(Kinds(Intersections(line, cube, accuracy)), "X");
+    }
+}
+
+TEST(Intersections, TellATangentThatMissesByLessThanAQuarterOfTheAccuracy) {
+    CBezier const square(Pt(-1, 1), Pt(-1.0 / 3, -1.0 / 3), Pt(1.0 / 3, -1.0 / 3), Pt(1, 1));
+    for (double const off : {0.2e-6, -0.2e-6}) {
+        EXPECT_EQ(Kinds(Intersections(square, Line(Pt(-2, off), Pt(2, off)), 1e-6)), "C");
+    }
+    EXPECT_EQ(Kinds(Intersections(square, Line(Pt(-2, -2e-6), Pt(2, -2e-6)), 1e-6)), "");
+    // Two crossings that the curves do not connect within the accuracy.
+    EXPECT_EQ(Kinds(Intersections(square, Line(Pt(-2, 1e-5), Pt(2, 1e-5)), 1e-6)), "XX");
+}
+
+TEST(Intersections, OfALineThroughACuspTellSides) {
+    CBezier const cusp(Pt(0, 0), Pt(4, 4), Pt(0, 4), Pt(4, 0)); // its tip is (2, 3)
+    EXPECT_EQ(Kinds(Intersections(cusp, Line(Pt(0, 2), Pt(4, 4)), kFine)), "C");
+    EXPECT_EQ(Kinds(Intersections(Line(Pt(0, 2), Pt(4, 4)), cusp, kFine)), "C");
+    EXPECT_EQ(Kinds(Intersections(Line(Pt(2, 1), Pt(2, 5)), cusp, kFine)), "X");
+}
+
+TEST(Intersections, OfACurveAndItsPartsAreOneStretch) {
+    Random random(1);
+    for (int i = 0; i < 300; ++i) {
+        CBezier const c = random.Curve();
+        double const low = random.Between(0, 0.6);
+        double const high = random.Between(low + 0.1, 1);
+        CBezier const part = Part(c, low, high);
+        for (bool const against : {false, true}) {
+            CBezier const piece = against ? Reversed(part) : part;
+            Places places = Intersections(c, piece, kFine);
+            // What remains are crossings of curves with loops.
+            places.erase(std::remove_if(places.begin(), places.end(),
+                                        [](Intersection const& p) {
+                                            return p.kind == IntersectionKind::kCrossing;
+                                        }),
+                         places.end());
+            ASSERT_EQ(Kinds(places), "O") << i;
+            // The stretch goes on beyond the ends as far as it stays within the accuracy.
+            EXPECT_LE(Distance(c.TPt(places[0].a.t), c.TPt(low)), 1e-8);
+            EXPECT_LE(Distance(c.TPt(places[0].a.endT), c.TPt(high)), 1e-8);
+            EXPECT_NEAR(places[0].b.t, against ? 1.0 : 0.0, 1e-8);
+            EXPECT_NEAR(places[0].b.endT, against ? 0.0 : 1.0, 1e-8);
+        }
+    }
+}
+
+TEST(Intersections, OfARaisedParabolaAndItsPartAreOneStretch) {
+    CBezier const raised(Pt(0, 0), Pt(4, 8), Pt(8, 8), Pt(12, 0)); // a quadratic curve
+    Places const places = Intersections(raised, Part(raised, 0.25, 0.75), kFine);
+    ASSERT_EQ(Kinds(places), "O");
+    EXPECT_NEAR(places[0].a.t, 0.25, 1e-9);
+    EXPECT_NEAR(places[0].a.endT, 0.75, 1e-9);
+}
+
+TEST(Intersections, OfALineAndAStraightCurveOfUnevenSpeedAreOneStretch) {
+    CBezier const straight(Pt(0, 0), Pt(0, 0), Pt(1, 2), Pt(4, 8));
+    Places const places = Intersections(straight, Line(Pt(2, 4), Pt(1, 2)), kFine);
+    ASSERT_EQ(Kinds(places), "O");
+    EXPECT_NEAR(Distance(places[0].point, Pt(1, 2)), 0.0, kClose);
+    EXPECT_NEAR(Distance(places[0].endPoint, Pt(2, 4)), 0.0, kClose);
+    EXPECT_NEAR(places[0].b.t, 1.0, kClose);
+    EXPECT_NEAR(places[0].b.endT, 0.0, kClose);
+}
+
+TEST(Intersections, OfCurvesNearEachOtherAreNeverManyPlaces) {
+    Random random(2);
+    for (int i = 0; i < 200; ++i) {
+        CBezier const c = random.Curve();
+        for (double const off : {1e-13, 1e-12, 1e-11, 1e-10, 1e-9, 1e-8, 1e-7, 1e-6, 1e-5}) {
+            double const angle = random.Between(0, 7);
+            CBezier const moved = c + Pt(off * std::cos(angle), off * std::sin(angle));
+            CBezier const bent(c.P0, c.P1 + Pt(0, off), c.P2 + Pt(off, 0), c.P3);
+            for (CBezier const& other : {moved, bent}) {
+                for (double const accuracy : {0.0, 1e-9, 1e-6}) {
+                    EXPECT_LE(Intersections(c, other, accuracy).size(), 11U) << i << " " << off;
+                }
+            }
+        }
+    }
+}
+
+TEST(Intersections, OfRandomCurvesAreThoseOfExactAlgebra) {
+    Random random(3);
+    int crossings = 0;
+    for (int i = 0; i < 200; ++i) {
+        CBezier const a = random.ShortCurve(1.0 / 16, 1600);
+        CBezier const b = random.ShortCurve(1.0 / 16, 1600);
+        auto const truth = trammel_test::ExactMeetings(a, b);
+        Places const places = Intersections(a, b, kFine);
+        ASSERT_EQ(places.size(), truth.All().size()) << i;
+        for (std::size_t k = 0; k < places.size(); ++k) {
+            EXPECT_EQ(places[k].kind, IntersectionKind::kCrossing) << i;
+            EXPECT_NEAR(places[k].a.t, truth.All()[k].s, kFine) << i;
+            EXPECT_NEAR(places[k].b.t, truth.All()[k].t, kFine) << i;
+            ++crossings;
+        }
+    }
+    EXPECT_GT(crossings, 100);
+}
+
+TEST(Intersections, CrossWhereExactAlgebraHasAnOddOrder) {
+    // Curves through one point, with the same tangent there or by chance another one.
+    Random random(4);
+    int contacts = 0;
+    int crossings = 0;
+    for (int i = 0; i < 300; ++i) {
+        CBezier const a = random.ShortCurve(8, 8);
+        CBezier b = random.ShortCurve(8, 8);
+        b += a.MidPt() - b.MidPt();
+        auto const truth = trammel_test::ExactMeetings(a, b);
+        auto const swapped = trammel_test::ExactMeetings(b, a);
+        Places const places = Intersections(a, b, kFine);
+        // The judge is blind where its second curve has a cusp, a loop's knot or a straight course.
+        if (!truth.Finite() || !swapped.Finite() || truth.All().size() != swapped.All().size()) {
+            continue;
+        }
+        ASSERT_EQ(places.size(), truth.All().size()) << i;
+        for (std::size_t k = 0; k < places.size(); ++k) {
+            auto const& place = places[k];
+            EXPECT_NEAR(place.a.t, truth.All()[k].s, 1e-4) << i;
+            if (place.kind != IntersectionKind::kEnd) {
+                bool const odd = truth.All()[k].order % 2 == 1;
+                EXPECT_EQ(place.kind,
+                          odd ? IntersectionKind::kCrossing : IntersectionKind::kContact)
+                    << i;
+                ++(odd ? crossings : contacts);
+            }
+        }
+    }
+    EXPECT_GT(contacts, 3);
+    EXPECT_GT(crossings, 150);
+}
+
+TEST(Intersections, LieWithinTheAccuracyOfBoth) {
+    Random random(5);
+    for (int i = 0; i < 1000; ++i) {
+        CBezier const a = random.Curve();
+        CBezier const b = i % 2 == 0 ? random.Curve() : a + Pt(random.Between(0, 1e-4), 0);
+        double const accuracy = std::pow(10.0, random.Between(-12, 1));
+        Places places;
+        double const kept = AppendIntersections(a, b, accuracy, places);
+        EXPECT_GE(kept, accuracy);
+        EXPECT_LE(kept, std::max(accuracy, 200 * 0x1p-40));
+        for (Intersection const& p : places) {
+            EXPECT_LE(Distance(a.TPt(p.a.t), b.TPt(p.b.t)), kept * (1 + 1e-6) + 1e-13);
+            EXPECT_LE(Distance(a.TPt(p.a.endT), b.TPt(p.b.endT)), kept * (1 + 1e-6) + 1e-13);
+            EXPECT_EQ(p.point, a.TPt(p.a.t));
+            EXPECT_EQ(p.endPoint, a.TPt(p.a.endT));
+        }
+    }
+}
+
+TEST(Intersections, AreTheSameForSwappedReversedMovedAndDividedCurves) {
+    Random random(6);
+    CMatrix3x3 matrix;
+    matrix.Rotate(0.7).Scale(3.0, -0.5).Translate(Pt(1000, -77));
+    for (int i = 0; i < 1000; ++i) {
+        CBezier const a = random.Curve();
+        CBezier const b = random.Curve();
+        Places const places = Intersections(a, b, kFine);
+        Places swapped = Intersections(b, a, kFine);
+        Places const reversed = Intersections(Reversed(a), b, kFine);
+        Places const mapped =
+            Intersections(CBezier(a).Transform(matrix), CBezier(b).Transform(matrix), kFine);
+        ASSERT_EQ(swapped.size(), places.size()) << i;
+        ASSERT_EQ(reversed.size(), places.size()) << i;
+        ASSERT_EQ(mapped.size(), places.size()) << i;
+        std::sort(swapped.begin(), swapped.end(),
+                  [](Intersection const& p, Intersection const& q) { return p.b.t < q.b.t; });
+        for (std::size_t k = 0; k < places.size(); ++k) {
+            EXPECT_EQ(swapped[k].kind, places[k].kind);
+            EXPECT_NEAR(swapped[k].b.t, places[k].a.t, kFine);
+            EXPECT_NEAR(reversed[places.size() - 1 - k].a.t, 1 - places[k].a.t, kFine);
+            EXPECT_NEAR(mapped[k].a.t, places[k].a.t, kFine);
+        }
+        double const cut = random.Between(0, 1);
+        CBezier head;
+        CBezier tail;
+        a.Divide(head, tail, cut);
+        EXPECT_EQ(Intersections(head, b, kFine).size() + Intersections(tail, b, kFine).size(),
+                  places.size())
+            << i;
+    }
+}
+
+TEST(Intersections, OfCurvesOfAnySizeAreAlike) {
+    Random random(7);
+    for (int i = 0; i < 200; ++i) {
+        CBezier const a = random.Curve();
+        CBezier const b = random.Curve();
+        Places const places = Intersections(a, b, kFine);
+        for (int const exponent : {-1060, -900, -200, 200, 900, 1016}) {
+            double const scale = std::scalbn(1.0, exponent);
+            Places const scaled = Intersections(a * scale, b * scale, kFine * scale);
+            ASSERT_EQ(Kinds(scaled), Kinds(places)) << i << " " << exponent;
+            // The smallest numbers have few digits.
+            double const slack = exponent < -1000 ? 1e-3 : kFine;
+            for (std::size_t k = 0; k < places.size(); ++k) {
+                EXPECT_NEAR(scaled[k].a.t, places[k].a.t, slack);
+                EXPECT_TRUE(std::isfinite(scaled[k].point.h));
+            }
+        }
+        // Differences of these overflow.
+        CBezier const greatA = a * 0x1p1018 - Pt(0x1.9p1023, 0x1.9p1023);
+        CBezier const greatB = b * 0x1p1018 - Pt(0x1.9p1023, 0x1.9p1023);
+        for (Intersection const& p : Intersections(greatA, greatB, 0x1p980)) {
+            EXPECT_TRUE(std::isfinite(p.point.h) && std::isfinite(p.point.v));
+        }
+    }
+}
+
+TEST(Intersections, OfADrawingFarFromTheOriginAreAsSharp) {
+    CBezier const a(Pt(0, 0), Pt(1, 3), Pt(2, 3), Pt(3, 0));
+    Line const line(Pt(0, 1), Pt(3, 2));
+    Places const near = Intersections(a, line, 0.0);
+    Pt const far(0x1p40, -0x1p40);
+    Places places;
+    EXPECT_LT(AppendIntersections(a + far, line + far, 0.0, places), 1e-11);
+    ASSERT_EQ(places.size(), near.size());
+    ASSERT_EQ(places.size(), 2U);
+    EXPECT_NEAR(places[0].a.t, near[0].a.t, 1e-3); // the line's inner points are rounded
+}
+
+TEST(Intersections, OfPointsAreEnds) {
+    CBezier const curve(Pt(0, 0), Pt(1, 3), Pt(2, 3), Pt(3, 0));
+    Pt const on = curve.TPt(0.375);
+    CBezier const point(on, on, on, on);
+    Places const places = Intersections(curve, point, kFine);
+    ASSERT_EQ(Kinds(places), "E");
+    EXPECT_NEAR(places[0].a.t, 0.375, 1e-8);
+    EXPECT_EQ(Kinds(Intersections(point, curve, kFine)), "E");
+    EXPECT_EQ(Kinds(Intersections(point, point, kFine)), "E");
+    EXPECT_EQ(Kinds(Intersections(point, point + Pt(1, 0), kFine)), "");
+    EXPECT_EQ(Kinds(Intersections(CBezier(), CBezier(), kFine)), "E");
+}
+
+TEST(Intersections, OfCurvesThatAreNotFiniteAreNone) {
+    CBezier const curve(Pt(0, 0), Pt(1, 3), Pt(2, 3), Pt(3, 0));
+    for (double const bad : {trammel_test::kNaN, trammel_test::kInf, -trammel_test::kInf}) {
+        for (Pt CBezier::*const point : {&CBezier::P0, &CBezier::P1, &CBezier::P2, &CBezier::P3}) {
+            for (double Pt::*const coordinate : {&Pt::h, &Pt::v}) {
+                CBezier spoilt = curve;
+                spoilt.*point.*coordinate = bad;
+                EXPECT_TRUE(Intersections(curve, spoilt, kFine).empty());
+                EXPECT_TRUE(Intersections(spoilt, curve, kFine).empty());
+                EXPECT_TRUE(Intersections(spoilt, spoilt, kFine).empty());
+            }
+        }
+    }
+}
+
+TEST(Intersections, ToAnAccuracyThatRoundingForbidsHaveTheFinest) {
+    CBezier const a(Pt(0, 0), Pt(1, 3), Pt(2, 3), Pt(3, 0));
+    CBezier const b(Pt(0, 1), Pt(1, 1), Pt(2, 1), Pt(3, 1));
+    for (double const accuracy : {0.0, -1.0, trammel_test::kNaN, 1e-300}) {
+        Places places;
+        double const kept = AppendIntersections(a, b, accuracy, places);
+        EXPECT_EQ(Kinds(places), "XX");
+        EXPECT_EQ(kept, 3 * 0x1p-40);
+    }
+    Places places;
+    EXPECT_EQ(AppendIntersections(a, b, trammel_test::kInf, places), trammel_test::kInf);
+    EXPECT_EQ(places.size(), 1U);
+}
+
+TEST(Intersections, AreAppended) {
+    Places places;
+    AppendIntersections(Line(Pt(0, 0), Pt(4, 4)), Line(Pt(0, 4), Pt(4, 0)), kFine, places);
+    AppendIntersections(Line(Pt(0, 0), Pt(4, 4)), Line(Pt(0, 2), Pt(2, 0)), kFine, places);
+    ASSERT_EQ(places.size(), 2U);
+    EXPECT_NEAR(places[0].a.t, 0.5, kClose);
+    EXPECT_NEAR(places[1].a.t, 0.25, kClose);
+}
+
+} // namespace
