@@ -70,7 +70,7 @@ template <class Vector>
     Vector const square = h * h + v * v;
     ChordDeviation<Vector> const off =
         DeviationOf(to.t - from.t, h, v, square, from.dh, from.dv, to.dh, to.dv);
-    return (off.Square() <= limit * square) & (limit < square);
+    return (off.Square() <= limit * square) & IsChord(square, limit);
 }
 
 inline constexpr double kCounting[4] = {0.0, 1.0, 2.0, 3.0};
@@ -235,7 +235,7 @@ template <class Vector>
             DeviationOf(Vector::Load(run.t + i + 1) - Vector::Load(run.t + i), chordH, chordV,
                         square, Vector::Load(run.dh + i), Vector::Load(run.dv + i),
                         Vector::Load(run.dh + i + 1), Vector::Load(run.dv + i + 1));
-        auto const keeps = (off.Square() <= limit * square) & (limit < square);
+        auto const keeps = (off.Square() <= limit * square) & IsChord(square, limit);
         keeping |= std::uint64_t{keeps.Bits()} << static_cast<unsigned>(i);
     }
     run.failing = ~keeping & ((std::uint64_t{1} << static_cast<unsigned>(count)) - 1);

@@ -23,6 +23,16 @@ struct FlatCubic {
     double lastH, lastV; ///< a third of the derivative there
 };
 
+/// Returns whether the ends of a piece are far enough apart for DeviationOf. The arguments are the
+/// squared length of the chord and the squared tolerance.
+///
+/// A chord may be far shorter than the tolerance. But its square must not underflow, and the
+/// tolerance is 2^-40 of the curve's size or more.
+template <class Number>
+[[gnu::always_inline]] inline auto IsChord(Number const& square, Number const& limit) {
+    return limit * Number(0x1p-80) < square;
+}
+
 /// Returns the square of the longer one of the control points' second differences.
 [[gnu::always_inline]] inline double SquaredBend(FlatCubic const& c) {
     double const h = c.bH + c.cH;

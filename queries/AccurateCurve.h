@@ -119,7 +119,8 @@ TRAMMEL_API double FlattenWithin(CBSpline const& curve, double tolerance, TPolyg
 TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance,
                                  CBezier::PointDataProc proc, void* data);
 /// Appends the path to `out` with its curves made lines, subpaths and closes as they are. Returns
-/// the greatest of the curves' distances, 0 without curves.
+/// the greatest of the curves' distances, 0 without curves, and NaN where a curve has a NaN or
+/// infinite coordinate.
 ///
 /// Curves keep `tolerance` each. An element without a move before it begins with one, at the point
 /// from which it is measured. `out` may be this path. O(n). Memory exhaustion is std::bad_alloc,

@@ -152,16 +152,23 @@ ChordDeviation<double> DeviationOf(Place const& p0, Place const& p1, Pt const& d
                                        p1.v.v);
 }
 
+/// Returns a bound on how far from its start a piece of the curve gets. The chord has the given
+/// squared length.
+///
+/// Relative to the start, the control points are 0, v0, d - v1 and d, and the two in the middle
+/// have 3/4 of the weight at most.
+double ReachOf(Place const& p0, Place const& p1, double square) {
+    double const v = std::sqrt(std::max(Square(p0.v), Square(p1.v)));
+    return std::sqrt(square) + 0.75 * (p1.t - p0.t) * v;
+}
+
 /// True when the piece keeps the distance from its chord.
 bool Keeps(Place const& p0, Place const& p1, double tolerance) {
     Pt const d = p1.at - p0.at;
     double const square = Square(d);
     double const limit = tolerance * tolerance;
-    if (square <= limit) {
-        // Hardly a chord: the whole hull is within the tolerance of the piece's start.
-        double const h = p1.t - p0.t;
-        double const reach = std::sqrt(std::max(Square(p0.v), Square(p1.v))) * h;
-        return std::sqrt(square) + reach <= tolerance;
+    if (!trammel_detail::IsChord(square, limit)) {
+        return ReachOf(p0, p1, square) <= tolerance;
     }
     ChordDeviation<double> const off = DeviationOf(p0, p1, d, square);
     return off.Square() <= limit * square;
@@ -173,21 +180,11 @@ bool HardlyBent(FlatCubic const& c, double tolerance) {
     return trammel_detail::SquaredBend(c) <= most * most;
 }
 
-/// True when the chord from start to end is longer than the tolerance and keeps it.
-bool KeepsAsAWhole(FlatCubic const& c, double tolerance) {
-    double const square = c.endH * c.endH + c.endV * c.endV;
-    double const limit = tolerance * tolerance;
-    ChordDeviation<double> const off =
-        trammel_detail::DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
-    return limit < square && off.Square() <= limit * square;
-}
-
 /// Returns a bound on the piece's distance from its chord.
 double DistanceOf(Place const& p0, Place const& p1) {
     Pt const d = p1.at - p0.at;
     double const square = Square(d);
-    double const h = p1.t - p0.t;
-    double const reach = std::sqrt(square) + h * std::sqrt(std::max(Square(p0.v), Square(p1.v)));
+    double const reach = ReachOf(p0, p1, square);
     if (square == 0.0) {
         return reach;
     }
@@ -253,7 +250,7 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     FlatCubic const flat = curve.Flat();
     FlatRun run;
     if (HardlyBent(flat, tolerance)) {
-        if (KeepsAsAWhole(flat, tolerance)) {
+        if (Keeps(curve.Start(), curve.At(1.0), tolerance)) {
             return tolerance;
         }
         int const chords = trammel_detail::FewChords(flat, ScaleFor(tolerance), tolerance, run);
@@ -419,7 +416,8 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
         } else if (segment.IsCurve()) {
             double const distance = FlattenAll(segment.Curve(), tolerance,
                                                [&result](Pt const& p) { result.LineTo(p); });
-            kept = std::isnan(distance) ? distance : std::max(distance, kept);
+            // A NaN stays: it says that the path has a curve that no lines are near.
+            kept = std::isnan(kept) || distance <= kept ? kept : distance;
         }
     }
     if (out.mCtls.empty() && out.mPts.empty()) {

@@ -116,7 +116,7 @@ TEST(FlattenWithin, KeepsTheDistanceBothWays) {
     Random random(31);
     for (int i = 0; i < 200; ++i) {
         CBezier const curve = AnyCurve(random);
-        for (double const tolerance : {30.0, 3.0, 0.3, 0.03}) {
+        for (double const tolerance : {300.0, 120.0, 60.0, 30.0, 3.0, 0.3, 0.03}) {
             TPolygon<double> polygon;
             double const kept = FlattenWithin(curve, tolerance, polygon);
             ASSERT_EQ(kept, tolerance);
@@ -279,8 +279,34 @@ TEST(FlattenWithin, TakesTheChordThatKeepsTheTolerance) {
         EXPECT_EQ(ExpectKept(placed, 2.9999999), 3U);
     }
     // The ends are no farther apart than the tolerance, but the curve leaves them.
-    EXPECT_GE(ExpectKept(CBezier({0, 0}, {4, 1}, {-3, 1}, {1, 0}), 1.0), 4U);
+    EXPECT_GE(ExpectKept(CBezier({0, 0}, {4, 1}, {-3, 1}, {1, 0}), 1.0), 3U);
     EXPECT_GE(ExpectKept(CBezier({0, 0}, {9, 0.1}, {-8, 0.1}, {1, 0}), 1.0), 4U);
+}
+
+TEST(FlattenWithin, TakesNoMorePointsWhereTheToleranceIsCoarser) {
+    Random random(39);
+    for (int i = 0; i < 500; ++i) {
+        CBezier const curve = AnyCurve(random);
+        // The control polygon is at most 850 long, so the curve is nowhere farther from its chord.
+        EXPECT_EQ(ExpectKept(curve, 850.0), curve.P0 == curve.P3 ? 1U : 2U) << Text(curve);
+    }
+}
+
+// A chord may be as short as can be beside the tolerance.
+TEST(FlattenWithin, KeepsToleranceCoarserThanTheChordIsLong) {
+    Random random(40);
+    std::array<int, 3> seen = {};
+    for (int i = 0; i < 300; ++i) {
+        double const gap = std::ldexp(1.0, -random.Integer(0, 400));
+        CBezier const curve({0, 0}, random.Point(100), random.Point(100), random.Point(gap));
+        for (double const tolerance : {90.0, 60.0, 40.0, 20.0}) {
+            std::size_t const points = ExpectKept(curve, tolerance);
+            ++seen[std::min<std::size_t>(points, 4) - 2];
+        }
+    }
+    EXPECT_GT(seen[0], 100);
+    EXPECT_GT(seen[1], 100);
+    EXPECT_GT(seen[2], 10);
 }
 
 TEST(FlattenWithin, TakesHardlyMoreThanTheFewestPointsOfDrawnCurves) {
@@ -485,6 +511,18 @@ TEST(FlattenWithin, MakesLinesOfAPath) {
     EXPECT_EQ(nothing.size(), 0U);
     path.CurveTo({0, kNaN}, {10, 30}, {10, 20.5});
     EXPECT_TRUE(std::isnan(FlattenWithin(path, 0.5, nothing)));
+}
+
+TEST(FlattenWithin, OfAPathIsNaNWhereverTheCurveWithoutNumbersIs) {
+    for (int bad = 0; bad < 3; ++bad) {
+        CPath path;
+        path.MoveTo({0, 0});
+        for (int i = 0; i < 3; ++i) {
+            path.CurveTo({0, i == bad ? kInf : 20.0}, {10, 30}, {10.0 * i, 20});
+        }
+        CPath lines;
+        EXPECT_TRUE(std::isnan(FlattenWithin(path, 0.5, lines))) << bad;
+    }
 }
 
 } // namespace
