@@ -26,6 +26,7 @@
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
 #include "CubicHalves_p.h"
+#include "NearestPoint_p.h"
 #include "PointMath_p.h"
 
 #include <algorithm>
@@ -65,7 +66,9 @@ struct Piece {
 /// The search for one point.
 class Search {
 public:
-    Search(ScaledPoints<5> const& p, double accuracy) {
+    /// Searches for what is nearer than `limit`.
+    Search(ScaledPoints<5> const& p, double accuracy, double limit)
+        : mWorthwhile(limit * limit), mLimit(mWorthwhile) {
         mFirst.q = {p[0] - p[4], p[1] - p[4], p[2] - p[4], p[3] - p[4]};
         mFirst.from = 0.0;
         mFirst.to = 1.0;
@@ -89,7 +92,7 @@ private:
             mSquare = square;
             mDistance = std::sqrt(square);
             double const better = std::max(mDistance - mAccuracy, 0.0);
-            mWorthwhile = better * better;
+            mWorthwhile = std::min(better * better, mLimit);
         }
     }
     void Run();
@@ -101,8 +104,9 @@ private:
     double mSquare = std::numeric_limits<double>::infinity();
     double mDistance = std::numeric_limits<double>::infinity();
     /// The squared distance at which a point is better than the best one by the accuracy. Only
-    /// pieces that may come below it are searched.
-    double mWorthwhile = std::numeric_limits<double>::infinity();
+    /// pieces that may come below it are searched. Never more than mLimit.
+    double mWorthwhile;
+    double mLimit; ///< the square of the limit asked for
 };
 
 /// Returns the Bernstein coefficients of the squared distance.
@@ -250,9 +254,7 @@ void Search::Run() {
     }
 }
 
-} // namespace
-
-CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double accuracy) {
+CurvePoint NearestWithin(CBezier const& curve, Pt const& pt, double accuracy, double limit) {
     std::array<Pt, 5> points = {curve.P0, curve.P1, curve.P2, curve.P3, pt};
     trammel_detail::DropCommon(points);
     ScaledPoints<5> const p(points);
@@ -260,9 +262,15 @@ CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double a
         double const nan = std::numeric_limits<double>::quiet_NaN();
         return {nan, Pt(nan, nan), nan};
     }
-    Search const search(p, p.Down(accuracy));
+    Search const search(p, p.Down(accuracy), p.Down(limit));
     double const t = search.BestParameter();
     return {t, curve.TPt(t), p.Up(search.BestDistance())};
+}
+
+} // namespace
+
+CurvePoint NearestPoint(CBezier const& curve, TPoint<double> const& pt, double accuracy) {
+    return NearestWithin(curve, pt, accuracy, std::numeric_limits<double>::infinity());
 }
 
 CurvePoint NearestPoint(CBSpline const& curve, TPoint<double> const& pt, double accuracy) {
@@ -270,3 +278,12 @@ CurvePoint NearestPoint(CBSpline const& curve, TPoint<double> const& pt, double 
 }
 
 } // namespace trammel
+
+namespace trammel_detail {
+
+trammel::CurvePoint NearestPointWithin(CBezier const& curve, TPoint<double> const& pt,
+                                       double accuracy, double limit) {
+    return trammel::NearestWithin(curve, pt, accuracy, limit);
+}
+
+} // namespace trammel_detail

@@ -5,13 +5,16 @@
 #include "AccurateCurve_p.h"
 #include "CBezier.h"
 #include "CurveDirection_p.h"
+#include "NearestPoint_p.h"
 #include "PathWalk_p.h"
 #include "PointMath_p.h"
 #include "Speed_p.h"
+#include "StretchTree_p.h"
 #include "Sums_p.h"
 #include "TwoSum_p.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -52,10 +55,11 @@ double Quantized(double length, double size) {
 /// Returns 0, or NaN for a point with a coordinate that is not finite.
 double Zero(Pt const& p) { return p.h * 0.0 + p.v * 0.0; }
 
-double LengthOf(CBezier const& curve) {
+/// Returns the length of a curve up to a parameter.
+double LengthOf(CBezier const& curve, double t) {
     trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
     trammel_detail::Speed speed = trammel_detail::SpeedOf(p);
-    return p.Up(speed.Length(0.0, 1.0, kLengthPart * speed.Size()));
+    return p.Up(speed.Length(0.0, t, kLengthPart * speed.Size()));
 }
 
 /// Returns the parameter at which a curve of the length `whole` reaches `length`, which is from 0
@@ -92,6 +96,21 @@ Pt LinePoint(Pt const& from, Pt const& to, double t) {
                                                          : from * (1.0 - t) + to * t;
 }
 
+/// Returns the point of a line that is nearest to `p`.
+trammel::CurvePoint NearestOnLine(Pt const& from, Pt const& to, Pt const& p) {
+    std::array<Pt, 3> points = {from, to, p};
+    trammel_detail::DropCommon(points);
+    trammel_detail::ScaledPoints<3> const scaled(points);
+    Pt const e = scaled[2] - scaled[0];
+    Pt const delta = scaled[1] - scaled[0];
+    double const square = trammel_detail::Square(delta);
+    double const along = trammel_detail::Dot(e, delta);
+    double const t = along > 0.0 ? std::min(along / square, 1.0) : 0.0;
+    // The distance of an end is not off by the other end's rounding.
+    Pt const off = t < 1.0 ? e - delta * t : scaled[2] - scaled[1];
+    return {t, LinePoint(from, to, t), scaled.Up(std::sqrt(trammel_detail::Square(off)))};
+}
+
 /// Sets the direction and the curvature of a curve at a parameter.
 void SetBend(CBezier const& curve, double t, trammel::OutlineMeasure::Place& place) {
     trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
@@ -124,6 +143,7 @@ class OutlineLengths {
         std::size_t subpath;
         double length;
         bool isCurve;
+        bool isClose;
     };
 
 public:
@@ -164,9 +184,30 @@ public:
         }
     }
 
+    OutlineMeasure::Nearest FindNearest(Pt const& p, double accuracy, bool withLength) const;
+
+    /// Appends the piece between two lengths to `out`.
+    void Cut(double from, double to, CPath& out) const;
+
 private:
     double Before(std::size_t i) const { return i > 0 ? mBehind[i - 1] : 0.0; }
     double Parameter(Target const& target) const;
+    void MakeRoom(std::size_t first, std::size_t last, CPath& out) const;
+    bool BeginsSubpath(std::size_t i) const {
+        return i == 0 || mSegments[i - 1].subpath != mSegments[i].subpath;
+    }
+    /// True when the subpath that begins with segment `i` has no length.
+    bool SubpathHasNoLength(std::size_t i) const {
+        std::size_t const subpath = mSegments[i].subpath;
+        std::size_t const first = i;
+        while (i < mSegments.size() && mSegments[i].subpath == subpath) {
+            if (mBehind[i] > Before(first)) {
+                return false;
+            }
+            ++i;
+        }
+        return true;
+    }
     CBezier Curve(Segment const& segment) const {
         Pt const* const p = &mPts[segment.firstPt];
         return CBezier(p[0], p[1], p[2], p[3]);
@@ -178,7 +219,8 @@ private:
 
     std::vector<double> mBehind; ///< the sums of lengths, each segment's own included
     std::vector<Segment> mSegments;
-    std::vector<Pt> mPts;   ///< of a subpath's segments one after the other, common ends once
+    std::vector<Pt> mPts; ///< of a subpath's segments one after the other, common ends once
+    StretchTree mTree;
     std::size_t mFirst = 0; ///< the first segment that has a length, or the first of all
     Pt mStart;              ///< the first move's point
 };
@@ -224,12 +266,13 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         if (mSegments.size() == firstOfSubpath) {
             mPts.push_back(from);
         }
-        Segment segment = {mPts.size() - 1, cursor.Element(), subpath, 0.0, cursor.IsCurve()};
+        Segment segment = {mPts.size() - 1,  cursor.Element(),           subpath, 0.0,
+                           cursor.IsCurve(), cursor.Code() == kPathClose};
         if (segment.isCurve) {
             finite += Zero(curve.P1) + Zero(curve.P2);
             mPts.push_back(curve.P1);
             mPts.push_back(curve.P2);
-            segment.length = LengthOf(curve);
+            segment.length = LengthOf(curve, 1.0);
         } else {
             segment.length = Distance(from, to);
         }
@@ -249,6 +292,10 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         behind = value > behind ? value : behind;
         mBehind.push_back(behind);
     }
+    mTree.Build(mSegments.size(), [this](std::size_t i) {
+        Pt const* const p = &mPts[mSegments[i].firstPt];
+        return mSegments[i].isCurve ? Curve(mSegments[i]) : CBezier(p[0], p[0], p[1], p[1]);
+    });
     auto const first = std::find_if(mSegments.begin(), mSegments.end(),
                                     [](Segment const& s) { return s.length > 0.0; });
     mFirst = first != mSegments.end() ? static_cast<std::size_t>(first - mSegments.begin()) : 0;
@@ -301,6 +348,119 @@ OutlineMeasure::Place OutlineLengths::PlaceAt(Target const& target) const {
     return place;
 }
 
+OutlineMeasure::Nearest OutlineLengths::FindNearest(Pt const& p, double accuracy,
+                                                    bool withLength) const {
+    OutlineMeasure::Nearest nearest;
+    if (mSegments.empty() || !IsFinite(p)) {
+        return nearest; // such a point is at no finite distance from anything
+    }
+    double const within = accuracy > 0.0 ? accuracy : 0.0;
+    // The distance from which on a box need not be opened, with room for rounding. Neither it nor
+    // its square underflows.
+    double const room = TurnedBox::kSlack * Taxicab(p) + 0x1p-400;
+    double limit = std::numeric_limits<double>::infinity();
+    std::size_t best = 0;
+    bool found = false;
+    mTree.Search(p, limit, [&](std::size_t i) {
+        Segment const& segment = mSegments[i];
+        Pt const* const pts = &mPts[segment.firstPt];
+        trammel::CurvePoint const on =
+            segment.isCurve ? NearestPointWithin(Curve(segment), p, within, nearest.distance)
+                            : NearestOnLine(pts[0], pts[1], p);
+        if (on.distance < nearest.distance || !found) {
+            found = true;
+            best = i;
+            nearest.distance = on.distance;
+            nearest.point = on.point;
+            nearest.parameter = on.t;
+            if (on.distance <= TurnedBox::kLargest && room <= TurnedBox::kLargest) {
+                limit = std::max(on.distance - within, 0.0) + room;
+            }
+        }
+    });
+    Segment const& segment = mSegments[best];
+    nearest.element = segment.element;
+    nearest.subpath = segment.subpath;
+    if (withLength) {
+        double const t = nearest.parameter;
+        double const part = t == 1.0          ? segment.length
+                            : segment.isCurve ? LengthOf(Curve(segment), t)
+                                              : t * segment.length;
+        nearest.length = std::min(Before(best) + part, mBehind[best]);
+        nearest.t = nearest.length < Total() ? nearest.length / Total() : Total() > 0.0 ? 1.0 : 0.0;
+    }
+    return nearest;
+}
+
+void OutlineLengths::Cut(double from, double to, CPath& out) const {
+    if (mSegments.empty() || !(from < to && from < Total() && to > 0.0)) {
+        return;
+    }
+    // The segments from the one with the start to the one with the end. Neighbours without length
+    // belong to the piece where it begins or ends beside them.
+    std::size_t first = Find(from, 0).segment;
+    if (from > 0.0 && mBehind[first] <= from) {
+        first = static_cast<std::size_t>(std::upper_bound(mBehind.begin(), mBehind.end(), from) -
+                                         mBehind.begin());
+    }
+    Target const end = Find(to, 0);
+    std::size_t last = end.segment;
+    while (!BeginsSubpath(first) && from <= Before(first) && Before(first) == Before(first - 1)) {
+        --first;
+    }
+    while (to >= mBehind[last] && last + 1 < mSegments.size() && !BeginsSubpath(last + 1) &&
+           mBehind[last + 1] == mBehind[last]) {
+        ++last;
+    }
+    MakeRoom(first, last, out);
+    bool dot = false;   // the subpath has no length
+    bool drawn = false; // the subpath of the piece has begun
+    bool whole = false; // and it begins where the outline's does
+    Pt start;
+    for (std::size_t i = first; i <= last; ++i) {
+        Segment const& segment = mSegments[i];
+        double const t0 = from > Before(i) ? Parameter({from, i}) : 0.0;
+        double const t1 = to < mBehind[i] ? Parameter({to, i}) : 1.0;
+        if (BeginsSubpath(i)) {
+            drawn = false;
+            dot = SubpathHasNoLength(i);
+        }
+        if (dot || !(t0 < t1)) {
+            continue;
+        }
+        if (!drawn) {
+            drawn = true;
+            whole = BeginsSubpath(i) && t0 == 0.0;
+            start = Point(segment, t0);
+            out.MoveTo(start);
+        }
+        Pt const to1 = Point(segment, t1);
+        if (segment.isCurve) {
+            CBezier piece = Curve(segment);
+            if (t0 > 0.0 || t1 < 1.0) {
+                piece.GetTRange(t0, t1, piece);
+            }
+            out.AddCtl(kPathCurve).AddPt(piece.P1).AddPt(piece.P2).AddPt(to1);
+        } else if (segment.isClose && whole && t1 == 1.0 && to1 == start) {
+            out.ClosePath();
+        } else {
+            out.AddCtl(kPathLine).AddPt(to1);
+        }
+    }
+}
+
+/// Makes room for the piece from one segment to another, so that appending it does not throw.
+void OutlineLengths::MakeRoom(std::size_t first, std::size_t last, CPath& out) const {
+    std::size_t const segments = last - first + 1;
+    auto const reserve = [](auto& items, std::size_t more) {
+        if (items.capacity() - items.size() < more) {
+            items.reserve(std::max(items.size() + more, 2 * items.size()));
+        }
+    };
+    reserve(out.mCtls, 2 * segments);
+    reserve(out.mPts, 4 * segments);
+}
+
 } // namespace trammel_detail
 
 namespace trammel {
@@ -350,6 +510,30 @@ void OutlineMeasure::PlacesAtLengths(double const* lengths, std::size_t count,
     mOutline->FindEach(
         count, [&](std::size_t i) { return lengths[i]; },
         [&](std::size_t i, auto const& target) { out[i] = mOutline->PlaceAt(target); });
+}
+
+OutlineMeasure::Nearest OutlineMeasure::FindNearest(TPoint<double> const& p,
+                                                    double accuracy) const noexcept {
+    return mOutline->FindNearest(p, accuracy, true);
+}
+
+double OutlineMeasure::Distance(TPoint<double> const& p, double accuracy) const noexcept {
+    return mOutline->FindNearest(p, accuracy, false).distance;
+}
+
+void OutlineMeasure::FindNearest(TPoint<double> const* points, std::size_t count, Nearest* out,
+                                 double accuracy) const noexcept {
+    for (std::size_t i = 0; i < count; ++i) {
+        out[i] = FindNearest(points[i], accuracy);
+    }
+}
+
+void OutlineMeasure::GetTRange(double t0, double t1, CPath& out) const {
+    GetLengthRange(mOutline->LengthAt(t0), mOutline->LengthAt(t1), out);
+}
+
+void OutlineMeasure::GetLengthRange(double length0, double length1, CPath& out) const {
+    mOutline->Cut(length0, length1, out);
 }
 
 } // namespace trammel

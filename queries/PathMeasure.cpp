@@ -11,7 +11,7 @@
 #include "PointBuffer_p.h"
 #include "PointMath_p.h"
 #include "Reach_p.h"
-#include "Strip_p.h"
+#include "StretchTree_p.h"
 #include "Sums_p.h"
 #include "TLine.h"
 
@@ -27,12 +27,6 @@ typedef TPoint<double> Pt;
 
 /// The most points of a flattening that is kept: 24 KB for one curve.
 constexpr std::size_t kMostPoints = 1024;
-
-/// The number of children of a node in the tree of strips.
-constexpr std::size_t kChildren = 4;
-
-/// The most levels that a tree can have. Each level has a quarter of the nodes of the one below.
-constexpr std::size_t kMostLevels = 33;
 
 /// The flattening of one curve: its points, with the sums of the edges up to each.
 class Flattening {
@@ -140,10 +134,6 @@ public:
 
 private:
     class Walk;
-    struct Level {
-        std::size_t first = 0; ///< the index of its first strip
-        std::size_t count = 0; ///< the number of its strips
-    };
     /// The nearest segment so far.
     struct Candidate {
         std::size_t segment = 0;
@@ -154,7 +144,6 @@ private:
         Pt point;
     };
 
-    void BuildTree();
     double Before(std::size_t i) const { return i > 0 ? mBehind[i - 1] : 0.0; }
     double Parameter(std::size_t i, double target) const;
     double PercentT(Segment const& segment, double fraction) const;
@@ -168,10 +157,8 @@ private:
     std::vector<Segment> mSegments;
     std::vector<double> mSums; ///< the sums of the flattenings' edges
     std::vector<Pt> mPts;      ///< the points of the flattenings
-    std::vector<Strip> mStrips;
-    std::array<Level, kMostLevels> mLevels; ///< from the segments' own strips to the single one
-    std::size_t mTop = 0;                   ///< the level of the single strip
-    Pt mStart;                              ///< the start of the last subpath
+    StretchTree mTree;
+    Pt mStart; ///< the start of the last subpath
 };
 
 MeasuredOutline::MeasuredOutline(CPath const& path) {
@@ -205,26 +192,7 @@ MeasuredOutline::MeasuredOutline(CPath const& path) {
     mSums.shrink_to_fit();
     mBehind.shrink_to_fit();
     mSegments.shrink_to_fit();
-    BuildTree();
-}
-
-void MeasuredOutline::BuildTree() {
-    std::size_t count = mSegments.size();
-    mStrips.reserve(count + count / 2 + kMostLevels);
-    for (Segment const& segment : mSegments) {
-        mStrips.push_back(StripAround(segment.curve));
-    }
-    mLevels[0].count = count;
-    while (count > 1) {
-        Level const below = mLevels[mTop];
-        Level& level = mLevels[++mTop];
-        level.first = mStrips.size();
-        level.count = count = (count + kChildren - 1) / kChildren;
-        for (std::size_t i = 0; i < below.count; i += kChildren) {
-            mStrips.push_back(
-                StripAround(&mStrips[below.first + i], std::min(kChildren, below.count - i)));
-        }
-    }
+    mTree.Build(mSegments.size(), [this](std::size_t i) { return mSegments[i].curve; });
 }
 
 std::size_t MeasuredOutline::Find(double target, std::size_t hint) const {
@@ -378,8 +346,8 @@ void MeasuredOutline::Consider(std::size_t i, Pt const& p, Candidate& best) cons
 /// Returns the distance beyond which nothing is as near as `best`, with room for all rounding.
 /// Neither it nor its square underflows.
 double MeasuredOutline::Limit(Pt const& p, double best) {
-    if (best <= Strip::kLargest && Taxicab(p) <= Strip::kLargest) {
-        return best * (1.0 + Strip::kSlack) + Strip::kSlack * Taxicab(p) + 0x1p-400;
+    if (best <= TurnedBox::kLargest && Taxicab(p) <= TurnedBox::kLargest) {
+        return best * (1.0 + TurnedBox::kSlack) + TurnedBox::kSlack * Taxicab(p) + 0x1p-400;
     }
     return std::numeric_limits<double>::infinity();
 }
@@ -390,43 +358,8 @@ PathMeasure::Nearest MeasuredOutline::FindNearest(Pt const& p, bool withFraction
     if (mSegments.empty() || !IsFinite(p)) {
         return nearest;
     }
-    struct Node {
-        double squaredDistance; ///< from p to the strip's chord
-        std::size_t level;
-        std::size_t index;
-    };
-    std::array<Node, kMostLevels*(kChildren - 1) + 1> pending;
-    std::size_t count = 0;
     Candidate best;
-    pending[count++] = Node{0.0, mTop, 0};
-    while (count > 0) {
-        Node const node = pending[--count];
-        if (mStrips[mLevels[node.level].first + node.index].Beyond(best.limit,
-                                                                   node.squaredDistance)) {
-            continue;
-        }
-        if (node.level == 0) {
-            Consider(node.index, p, best);
-            continue;
-        }
-        Level const& below = mLevels[node.level - 1];
-        std::size_t const end = std::min((node.index + 1) * kChildren, below.count);
-        std::size_t const firstPending = count;
-        for (std::size_t i = node.index * kChildren; i < end; ++i) {
-            Strip const& strip = mStrips[below.first + i];
-            double const squared = strip.SquaredChordDistance(p);
-            if (strip.Beyond(best.limit, squared)) {
-                continue;
-            }
-            // The strip with the nearest chord goes on top and is taken first. The distance from
-            // the strip, without its radius, would tell little where the strips are wide.
-            std::size_t at = count++;
-            for (; at > firstPending && pending[at - 1].squaredDistance < squared; --at) {
-                pending[at] = pending[at - 1];
-            }
-            pending[at] = Node{squared, node.level - 1, i};
-        }
-    }
+    mTree.Search(p, best.limit, [&](std::size_t i) { Consider(i, p, best); });
     if (!best.found) {
         return nearest;
     }

@@ -14,7 +14,7 @@
 // PathMeasure answers the same questions by length instead of fraction, too. It also tells the
 // direction and the element at a place, the distance alone, and many places in one call.
 //
-// Memory: about 180 bytes for each segment and 24 bytes for each point of a curve's flattening at
+// Memory: about 200 bytes for each segment and 24 bytes for each point of a curve's flattening at
 // 0.001. A curve of a font at 100 units to the em has some ten points, a curve 1000 units across
 // some hundreds. The points of a curve that has more than 1024 are not kept, so a question that
 // ends on it costs its flattening. Copies share the memory and cost nothing; the last copy frees
@@ -125,10 +125,10 @@ public:
     /// The same for places at lengths; out[i] is AtLength(lengths[i]).
     void PlacesAtLengths(double const* lengths, std::size_t count, Place* out) const;
 
-    // Search. The search goes through a tree of strips around stretches of the outline (strip
-    // trees, Ballard), nearest ones first (branch and bound; Roussopoulos, Kelley and Vincent,
-    // "Nearest neighbor queries"). It costs O(log n) as long as few segments are about as near as
-    // the nearest one, and O(n) for the middle of a circle.
+    // Search. A tree has turned boxes around stretches of the outline (Gottschalk, Lin and Manocha,
+    // "OBBTree"). The search opens the nearest ones first (branch and bound; Roussopoulos, Kelley
+    // and Vincent, "Nearest neighbor queries"). It costs O(log n) as long as few segments are about
+    // as near as the nearest one, and O(n) for the middle of a circle.
 
     /// The fraction of the length at which the outline is nearest to `p`: CPath::FindTValue, ties
     /// included. It is 0 without segments and for a NaN or infinite p. Where the nearest segment is

@@ -434,6 +434,267 @@ TEST(OutlineMeasure, CurvatureIsInfiniteWhereTheCurveStands) {
     EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 0")).At(1).tangent, Pt(1, 0));
 }
 
+/// The least distance of the outline, by dense samples in long double.
+Wide OutlineDistance(Truth const& truth, Pt const& p) {
+    Wide least = kInf;
+    for (Truth::Segment const& s : truth.segments) {
+        least = std::min(least, s.isCurve ? TrueDistance(s.curve, p)
+                                          : SegmentDistance(Widened(p), Widened(s.curve.P0),
+                                                            Widened(s.curve.P3)));
+    }
+    return least;
+}
+
+TEST(OutlineMeasure, NearestPlaceIsNoFartherThanTheLeastDistance) {
+    Random random(11);
+    for (int i = 0; i < 25; ++i) {
+        CPath const path = AnyPath(random, random.Integer(1, 12));
+        OutlineMeasure const measure(path);
+        Truth const truth(path);
+        if (truth.segments.empty()) {
+            continue;
+        }
+        for (int k = 0; k < 4; ++k) {
+            Pt const p = k == 0 ? measure.TPt(random.Uniform(0, 1)) : random.Point(200);
+            Wide const least = OutlineDistance(truth, p);
+            for (double const accuracy : {0.0, 1e-3, 1.0}) {
+                OutlineMeasure::Nearest const nearest = measure.FindNearest(p, accuracy);
+                EXPECT_LE(nearest.distance - least, accuracy + 600 * 0x1p-44) << i;
+                EXPECT_GE(nearest.distance - least, -600 * 0x1p-44) << i;
+                EXPECT_EQ(nearest.distance, measure.Distance(p, accuracy));
+                EXPECT_LE(Off(nearest.distance, Length(Widened(nearest.point) - Widened(p))),
+                          600 * 0x1p-44);
+                ExpectAtLength(truth,
+                               {nearest.point, Pt(), 0.0, nearest.length, nearest.element,
+                                nearest.parameter, nearest.subpath},
+                               nearest.length);
+                EXPECT_EQ(nearest.t, nearest.length / measure.Length());
+            }
+        }
+    }
+}
+
+/// A ring whose vertices lie at random distances from its centre: a comb of spikes.
+CPath Spikes(std::size_t count, bool curves) {
+    Random random(12);
+    double turn = 0.0;
+    auto const next = [&](double step) {
+        turn += step;
+        double const radius = random.Uniform(200, 450);
+        return Pt(radius * std::cos(turn), radius * std::sin(turn));
+    };
+    double const step = 6.28 / static_cast<double>(count);
+    CPath path;
+    path.MoveTo(next(0));
+    for (std::size_t i = 1; i < count; ++i) {
+        if (curves) {
+            Pt const c1 = next(0.3 * step);
+            Pt const c2 = next(0.4 * step);
+            path.CurveTo(c1, c2, next(0.3 * step));
+        } else {
+            path.LineTo(next(step));
+        }
+    }
+    path.ClosePath();
+    return path;
+}
+
+TEST(OutlineMeasure, NearestPlaceOfARaggedRingIsThatOfTheNearestSegment) {
+    Random random(13);
+    for (bool const curves : {false, true}) {
+        CPath const path = Spikes(3000, curves);
+        OutlineMeasure const measure(path);
+        for (int i = 0; i < 40; ++i) {
+            Pt const p = random.Point(600);
+            double least = kInf;
+            for (trammel_detail::SegmentCursor cursor(path); cursor.Next();) {
+                TLine<double> const line = cursor.Line();
+                CBezier const c = cursor.IsCurve()
+                                      ? cursor.Curve()
+                                      : CBezier(line.mStart, line.mStart, line.mEnd, line.mEnd);
+                least = std::min(least, trammel::NearestPoint(c, p, 0).distance);
+            }
+            EXPECT_NEAR(measure.Distance(p), least, 1100 * 0x1p-44) << Text(p);
+        }
+    }
+}
+
+TEST(OutlineMeasure, NearestPlaceOfAnOutlineFarFromTheOrigin) {
+    Pt const far(-4e8, 7e8);
+    CPath path;
+    path.MoveTo(far);
+    path.LineTo(far + Pt(10, 0));
+    path.CurveTo(far + Pt(20, 0), far + Pt(20, 10), far + Pt(10, 10));
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.FindNearest(far + Pt(5, -3)).distance, 3.0);
+    EXPECT_EQ(measure.FindNearest(far + Pt(5, -3)).point, far + Pt(5, 0));
+    EXPECT_EQ(measure.FindNearest(far + Pt(5, -3)).length, 5.0);
+    EXPECT_NEAR(measure.FindNearest(far + Pt(30, 5)).distance, 12.5, 1e-12);
+    EXPECT_NEAR(measure.FindNearest(far + Pt(30, 5)).parameter, 0.5, 1e-9);
+}
+
+TEST(OutlineMeasure, NearestPlaceScalesWithTheOutline) {
+    Random random(14);
+    CPath const path = AnyPath(random, 10);
+    OutlineMeasure const measure(path);
+    for (int const exponent : {-498, 60, 498}) {
+        CPath big(path);
+        for (Pt& p : big.mPts) {
+            p *= std::ldexp(1.0, exponent);
+        }
+        OutlineMeasure const scaled(big);
+        for (int i = 0; i < 50; ++i) {
+            Pt const p = random.Point(150);
+            double const distance = scaled.Distance(p * std::ldexp(1.0, exponent));
+            EXPECT_NEAR(std::ldexp(distance, -exponent), measure.Distance(p), 300 * 0x1p-44);
+        }
+    }
+}
+
+TEST(OutlineMeasure, NothingIsNearestWithoutSegmentsOrForPointsThatAreNotFinite) {
+    OutlineMeasure const measure(Path("M0 0 H10"));
+    for (OutlineMeasure::Nearest const& nearest :
+         {OutlineMeasure(CPath()).FindNearest(Pt(1, 1)), measure.FindNearest(Pt(kNaN, 0)),
+          measure.FindNearest(Pt(0, kInf))}) {
+        EXPECT_EQ(nearest.distance, kInf);
+        EXPECT_EQ(nearest.element, kNone);
+        EXPECT_EQ(nearest.subpath, kNone);
+        EXPECT_EQ(nearest.point, Pt(0, 0));
+        EXPECT_EQ(nearest.length, 0.0);
+        EXPECT_EQ(nearest.t, 0.0);
+    }
+    EXPECT_EQ(measure.Distance(Pt(kNaN, 0)), kInf);
+}
+
+TEST(OutlineMeasure, NearestPlaceOfADotIsTheDot) {
+    CPath dot;
+    dot.mCtls = {kPathMove, kPathLine};
+    dot.mPts = {Pt(3, 4), Pt(3, 4)};
+    OutlineMeasure::Nearest const nearest = OutlineMeasure(dot).FindNearest(Pt(0, 0));
+    EXPECT_EQ(nearest.distance, 5.0);
+    EXPECT_EQ(nearest.point, Pt(3, 4));
+    EXPECT_EQ(nearest.element, 1U);
+    EXPECT_EQ(nearest.t, 0.0);
+}
+
+TEST(OutlineMeasure, NearestPlacesOfManyPointsAreThoseOfEach) {
+    Random random(15);
+    OutlineMeasure const measure(AnyPath(random, 30));
+    std::vector<Pt> points = {Pt(kNaN, 0)};
+    for (int i = 0; i < 100; ++i) {
+        points.push_back(random.Point(150));
+    }
+    std::vector<OutlineMeasure::Nearest> nearest(points.size());
+    measure.FindNearest(points.data(), points.size(), nearest.data(), 0.01);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        OutlineMeasure::Nearest const single = measure.FindNearest(points[i], 0.01);
+        EXPECT_EQ(nearest[i].distance, single.distance);
+        EXPECT_EQ(nearest[i].length, single.length);
+        EXPECT_EQ(nearest[i].element, single.element);
+    }
+}
+
+std::string Cut(std::string const& text, double length0, double length1) {
+    CPath piece;
+    OutlineMeasure(Path(text)).GetLengthRange(length0, length1, piece);
+    return trammel::WriteSvgPath(piece);
+}
+
+TEST(OutlineMeasure, PieceSpanningAGapBeginsANewSubpath) {
+    std::string const two = "M0 0 H10 M100 0 H110 V10";
+    EXPECT_EQ(Cut(two, 5, 15), trammel::WriteSvgPath(Path("M5 0 H10 M100 0 H105")));
+    EXPECT_EQ(Cut(two, 10, 15), trammel::WriteSvgPath(Path("M100 0 H105")));
+    EXPECT_EQ(Cut(two, 5, 10), trammel::WriteSvgPath(Path("M5 0 H10")));
+    EXPECT_EQ(Cut(two, 0, 30), trammel::WriteSvgPath(Path(two)));
+    EXPECT_EQ(Cut(two, -kInf, kInf), trammel::WriteSvgPath(Path(two)));
+}
+
+TEST(OutlineMeasure, WholeClosedSubpathStaysClosed) {
+    std::string const squares = "M0 0 H10 V10 H0 Z M20 0 H30 V10 H20 V0 Z";
+    EXPECT_EQ(Cut(squares, 0, 80), trammel::WriteSvgPath(Path(squares)));
+    EXPECT_EQ(Cut(squares, 0, 40), trammel::WriteSvgPath(Path("M0 0 H10 V10 H0 Z")));
+    EXPECT_EQ(Cut(squares, 40, 80), trammel::WriteSvgPath(Path("M20 0 H30 V10 H20 V0 Z")));
+    EXPECT_EQ(Cut(squares, 5, 40), trammel::WriteSvgPath(Path("M5 0 H10 V10 H0 V0")));
+    EXPECT_EQ(Cut(squares, 0, 35), trammel::WriteSvgPath(Path("M0 0 H10 V10 H0 V5")));
+    EXPECT_EQ(Cut(squares, 35, 80), trammel::WriteSvgPath(Path("M0 5 V0 M20 0 H30 V10 H20 V0 Z")));
+}
+
+TEST(OutlineMeasure, EmptyAndReversedRangesAppendNothing) {
+    for (auto const& range : {std::pair<double, double>(5, 5),
+                              {7, 3},
+                              {kNaN, 5},
+                              {5, kNaN},
+                              {-2, 0},
+                              {10, 12},
+                              {kNaN, kNaN}}) {
+        EXPECT_EQ(Cut("M0 0 H10", range.first, range.second), "");
+    }
+    EXPECT_EQ(Cut("", 0, 1), "");
+    CPath out = Path("M1 2 L3 4");
+    OutlineMeasure(Path("M0 0 H10")).GetTRange(0.5, 0.25, out);
+    EXPECT_EQ(out.mCtls.size(), 2U);
+}
+
+TEST(OutlineMeasure, SubpathsWithoutLengthAreLeftOutOfPieces) {
+    CPath path;
+    path.mCtls = {kPathMove,  kPathLine, kPathMove, kPathLine, kPathMove, kPathLine,
+                  kPathClose, kPathMove, kPathLine, kPathLine, kPathMove, kPathLine};
+    path.mPts = {Pt(1, 1),  Pt(1, 1),  Pt(0, 0),  Pt(10, 0), Pt(5, 5), Pt(5, 5),
+                 Pt(20, 0), Pt(20, 0), Pt(30, 0), Pt(7, 7),  Pt(7, 7)};
+    CPath piece;
+    OutlineMeasure(path).GetTRange(0, 1, piece);
+    std::vector<char> const codes = {kPathMove, kPathLine, kPathMove, kPathLine, kPathLine};
+    EXPECT_EQ(piece.mCtls, codes);
+    EXPECT_EQ(piece.mPts[2], Pt(20, 0));
+    EXPECT_EQ(piece.mPts[3], Pt(20, 0));
+}
+
+TEST(OutlineMeasure, LoopOfOneCurveIsKeptInPieces) {
+    CPath path;
+    path.mCtls = {kPathMove, kPathCurve, kPathLine};
+    path.mPts = {Pt(0, 0), Pt(10, 10), Pt(-10, 10), Pt(0, 0), Pt(5, 0)};
+    OutlineMeasure const measure(path);
+    CPath piece;
+    measure.GetTRange(0, 1, piece);
+    EXPECT_EQ(piece.mCtls, path.mCtls);
+    EXPECT_EQ(OutlineMeasure(piece).Length(), measure.Length());
+}
+
+TEST(OutlineMeasure, PieceHasItsLengthAndItsEnds) {
+    Random random(16);
+    for (int i = 0; i < 200; ++i) {
+        OutlineMeasure const measure(AnyPath(random, random.Integer(1, 15)));
+        double const total = measure.Length();
+        double a = random.Uniform(0, 1) * total;
+        double b = random.Uniform(0, 1) * total;
+        if (b < a) {
+            std::swap(a, b);
+        }
+        if (!(b - a > 1e-6)) {
+            continue;
+        }
+        CPath piece = Path("M-5 -5 H-4");
+        measure.GetLengthRange(a, b, piece);
+        EXPECT_NEAR(OutlineMeasure(piece).Length(), 1 + b - a, total * 0x1p-40) << i;
+        EXPECT_EQ(piece.mPts[2], measure.PtAtLength(a));
+        EXPECT_EQ(piece.mPts.back(), measure.PtAtLength(b));
+    }
+}
+
+TEST(OutlineMeasure, PiecesAddUpToTheWhole) {
+    Random random(17);
+    for (int i = 0; i < 50; ++i) {
+        OutlineMeasure const measure(AnyPath(random, 10));
+        double sum = 0.0;
+        for (int k = 0; k < 20; ++k) {
+            CPath piece;
+            measure.GetTRange(k / 20.0, (k + 1) / 20.0, piece);
+            sum += OutlineMeasure(piece).Length();
+        }
+        EXPECT_NEAR(sum, measure.Length(), measure.Length() * 0x1p-38);
+    }
+}
+
 TEST(OutlineMeasure, BatchesGiveTheSamePlaces) {
     Random random(6);
     CPath const path = AnyPath(random, 200);
