@@ -33,6 +33,8 @@
 #include "TRect.h"
 #include "TrammelExport.h"
 
+#include <cstddef>
+#include <iterator>
 #include <type_traits>
 #include <vector>
 
@@ -66,7 +68,7 @@ public:
     CFPolygonRef& CFPolygonCreate(long n);
     /// Creates a copy of the polygon of `src`; the drawing path is not copied.
     CFPolygonRef& CFPolygonCreate(CFPolygonRef const& src);
-    /// Creates an open polygon of the given points.
+    /// Creates an open polygon of the given points, which may be a list in braces.
     CFPolygonRef& CFPolygonCreate(std::vector<TPoint<double>> const& pts);
     /// Creates the five points top-left, top-right, bottom-right, bottom-left, top-left of `r`,
     /// turned by `angle` radians about the rectangle's centre unless it is 0. The closed flag stays
@@ -95,6 +97,16 @@ public:
     }
     /// Returns point `i`; (0, 0) outside 0..LastIndex().
     TPoint<double> PolyPoints(long i) const;
+    /// Goes through the points for begin() and end(). It refers to the block as a reference does:
+    /// it keeps no address of a point, and reads each by value (PolyPoints). So the polygon may
+    /// change during a loop, which ends where it would have ended. After Dispose it must not be
+    /// used.
+    class Iterator;
+    /// Returns the place of point 0, for loops; equal to end() for an empty polygon and without
+    /// block.
+    Iterator begin() const;
+    /// Returns the place behind the point LastIndex().
+    Iterator end() const;
     /// True when the closed flag is set.
     bool Closed() const;
     /// True when the bounds cache is current.
@@ -187,6 +199,42 @@ public:
     /// DisposeHandle. A null reference gives the 10-byte header alone; short memory gives null.
     MacPolygon** CreateQDPoly() const;
 };
+
+class CFPolygonRef::Iterator {
+public:
+    typedef std::input_iterator_tag iterator_category; // it gives values, not references
+    typedef TPoint<double> value_type;
+    typedef std::ptrdiff_t difference_type;
+    typedef TPoint<double> const* pointer;
+    typedef TPoint<double> reference;
+
+    /// Returns the point; (0, 0) outside of the polygon.
+    TPoint<double> operator*() const { return mPolygon.PolyPoints(mIndex); }
+    Iterator& operator++() {
+        ++mIndex;
+        return *this;
+    }
+    Iterator operator++(int) {
+        Iterator const before = *this;
+        ++mIndex;
+        return before;
+    }
+    friend bool operator==(Iterator const& a, Iterator const& b) { return a.mIndex == b.mIndex; }
+    friend bool operator!=(Iterator const& a, Iterator const& b) { return a.mIndex != b.mIndex; }
+
+private:
+    friend CFPolygonRef;
+    Iterator(CFPolygonRef const& polygon, long index) : mPolygon(polygon), mIndex(index) {}
+
+    CFPolygonRef mPolygon;
+    long mIndex;
+};
+
+inline CFPolygonRef::Iterator CFPolygonRef::begin() const { return Iterator(*this, 0); }
+inline CFPolygonRef::Iterator CFPolygonRef::end() const {
+    long const last = LastIndex();
+    return Iterator(*this, last >= 0 ? last + 1 : 0);
+}
 
 /// The function that builds drawing paths, null until SetBuilPathProc is called. Process-wide and
 /// not synchronised.

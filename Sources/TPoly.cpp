@@ -45,9 +45,34 @@ CPolygon<double> NewHeader(TRect<double> const& bounds) {
     return header;
 }
 
+/// Returns the header of a new, open polygon. Its bounds are never reported, because they are
+/// marked as not current. `min` is the smallest positive number, not the most negative one: the
+/// record has always held it.
+CPolygon<double> UnboundedHeader() {
+    double const min = std::numeric_limits<double>::min();
+    double const max = std::numeric_limits<double>::max();
+    return NewHeader(TRect<double>(min, min, max, max));
+}
+
 CPolygon<double>** NewBlock(CPolygon<double> const& header) {
     Handle h = nullptr;
     PtrToHand(&header, &h, kHeaderSize);
+    return reinterpret_cast<CPolygon<double>**>(h);
+}
+
+/// Returns the block of a new, open polygon of `count` vertices; null when memory is short.
+CPolygon<double>** NewBlock(TPoint<double> const* vertices, std::size_t count) {
+    constexpr auto kMost = static_cast<std::size_t>(std::numeric_limits<long>::max() / kPointSize);
+    if (count >= kMost) {
+        return nullptr;
+    }
+    long const size = kPointSize * static_cast<long>(count);
+    Handle const h = NewHandle(kHeaderSize + size);
+    if (h != nullptr) {
+        CPolygon<double> const header = UnboundedHeader();
+        BlockMove(&header, *h, kHeaderSize);
+        BlockMove(vertices, *h + kHeaderSize, size);
+    }
     return reinterpret_cast<CPolygon<double>**>(h);
 }
 
@@ -138,13 +163,7 @@ bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v);
 
 } // namespace
 
-template <class T> TPolygon<T>::TPolygon() {
-    // These bounds are never reported, because they are marked as not current. `min` is the
-    // smallest positive number, not the most negative one: the record has always held it.
-    T const min = std::numeric_limits<T>::min();
-    T const max = std::numeric_limits<T>::max();
-    mHandle = NewBlock(NewHeader(TRect<T>(min, min, max, max)));
-}
+template <class T> TPolygon<T>::TPolygon() : mHandle(NewBlock(UnboundedHeader())) {}
 
 template <class T> TPolygon<T>::TPolygon(CFPolygonRef src) {
     long const count = std::max(src.LastIndex() + 1, 0L);
@@ -170,6 +189,14 @@ template <class T> TPolygon<T>::TPolygon(TRect<T> const& r) : mHandle(NewBlock(N
         Close();
     }
 }
+
+template <class T>
+TPolygon<T>::TPolygon(std::initializer_list<TPoint<T>> vertices)
+    : mHandle(NewBlock(vertices.begin(), vertices.size())) {}
+
+template <class T>
+TPolygon<T>::TPolygon(std::vector<TPoint<T>> const& vertices)
+    : mHandle(NewBlock(vertices.data(), vertices.size())) {}
 
 template <class T> TPolygon<T>::TPolygon(TPolygon const& other) : mHandle(Clone(other.mHandle)) {}
 

@@ -30,6 +30,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <type_traits>
 #include <vector>
 
@@ -67,6 +68,11 @@ public:
     TPolygon(CFPolygonRef src);
     /// Makes the closed polygon top-left, top-right, bottom-right, bottom-left of `r`.
     TPolygon(TRect<T> const& r);
+    /// Makes the open polygon of the given vertices, equal neighbours included. It has no storage
+    /// when memory is short. O(n).
+    TPolygon(std::initializer_list<TPoint<T>> vertices);
+    /// Does the same as the constructor above.
+    explicit TPolygon(std::vector<TPoint<T>> const& vertices);
     /// Makes a copy with a block of its own. It has no storage when `other` has none, or when
     /// memory is short.
     TPolygon(TPolygon const& other);
@@ -101,6 +107,12 @@ public:
     bool Closed() const;
     /// Maps every vertex through the matrix and drops the bounds.
     TPolygon& Transform(CMatrix3x3 const& m);
+    /// Returns where the vertices begin in the block, for loops over them and for algorithms. It is
+    /// equal to end() for an empty polygon and without storage. Like the address of a vector's
+    /// item, it is good until a vertex is added or the polygon is assigned to or destroyed.
+    TPoint<T> const* begin() const { return mHandle != nullptr ? (*mHandle)->mPoints : nullptr; }
+    /// Returns where they end.
+    TPoint<T> const* end() const { return begin() + (Empty() ? 0 : LastIndex() + 1); }
 
     // Edges
 
