@@ -16,6 +16,7 @@
 #include "Vector_p.h"
 
 #include <cstddef>
+#include <vector>
 
 namespace trammel_detail {
 
@@ -81,6 +82,10 @@ template <class Visitor> void WalkContours(PointRun const& points, Visitor& visi
         }
     }
     visitor.Close();
+}
+template <class Visitor>
+void WalkContours(std::vector<TPoint<double>> const& ring, Visitor& visitor) {
+    WalkContours(PointsOf(ring), visitor);
 }
 template <class Visitor> void WalkContours(TPolygon<double> const& polygon, Visitor& visitor) {
     WalkContours(PointsOf(polygon), visitor);

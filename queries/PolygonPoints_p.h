@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// The points of both polygon kinds as a run, for queries. Not installed.
+// The points of both polygon kinds and of rings as a run, for queries. Not installed.
 
 #ifndef TRAMMEL_POLYGONPOINTS_P_H
 #define TRAMMEL_POLYGONPOINTS_P_H
@@ -8,7 +8,10 @@
 #include "CFPolygonRef.h"
 #include "FPolygon.h"
 #include "PointRun_p.h"
+#include "TPoint.h"
 #include "TPoly.h"
+
+#include <vector>
 
 namespace trammel_detail {
 
@@ -26,6 +29,9 @@ inline PointRun PointsOf(CFPolygonRef const& polygon) {
         return {nullptr, 0};
     }
     return {FPolygonPointAt(reinterpret_cast<char const*>(*polygon.mRef), 0), count};
+}
+inline PointRun PointsOf(std::vector<TPoint<double>> const& ring) {
+    return {reinterpret_cast<char const*>(ring.data()), static_cast<long>(ring.size())};
 }
 
 } // namespace trammel_detail

@@ -36,6 +36,8 @@
 #include "TPoly.h"
 #include "TrammelExport.h"
 
+#include <vector>
+
 namespace trammel {
 
 /// Returns how often the path's contours run around `p` in all.
@@ -49,9 +51,12 @@ TRAMMEL_API int WindingNumber(TPolygon<double> const& polygon, TPoint<double> co
 /// Returns the winding number of the closed handle polygon, whether it is marked as closed or not;
 /// 0 for a null reference. O(n).
 TRAMMEL_API int WindingNumber(CFPolygonRef const& polygon, TPoint<double> const& p) noexcept;
+/// Returns the winding number of the closed ring of these vertices. O(n).
+TRAMMEL_API int WindingNumber(std::vector<TPoint<double>> const& ring,
+                              TPoint<double> const& p) noexcept;
 
-/// True when `p` lies in the region that the outline (a path or either kind of polygon) bounds by
-/// `rule`. A point on the outline is on either side.
+/// True when `p` lies in the region that the outline (a path, either kind of polygon or a ring)
+/// bounds by `rule`. A point on the outline is on either side.
 template <class Outline>
 bool Contains(Outline const& outline, TPoint<double> const& p, FillRule rule) noexcept {
     return IsInside(WindingNumber(outline, p), rule);
