@@ -30,6 +30,7 @@
 #include "PathSegments.h"
 #include "PathStructure.h"
 #include "PolygonOperations.h"
+#include "PolygonWithHoles.h"
 #include "PreparedPolygon.h"
 #include "Records.h"
 #include "SvgPath.h"

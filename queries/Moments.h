@@ -15,7 +15,8 @@
 // centroid times the area is off by at most 2^-45 L D², and the second moments are off by at most
 // 2^-43 L D³. Thinner regions have no such bound, because the area divides the centroid. The bounds
 // do not grow with the distance from the origin. Far from there, the centroid is also rounded like
-// any coordinate. Results below the least normal double lose digits, down to 0.
+// any coordinate. Results below the least normal double lose digits, down to 0. All others keep the
+// bounds, however large or small the outline is.
 //
 // A NaN or infinite coordinate makes the results NaN or infinite, as do results beyond the range of
 // double. No call uses shared state: all are safe from any thread. Source: Green's theorem.
@@ -51,6 +52,8 @@ TRAMMEL_API double SignedArea(TPolygon<double> const& polygon) noexcept;
 /// Returns the signed area of the closed handle polygon, whether it is marked as closed or not; 0
 /// for a null reference. O(n).
 TRAMMEL_API double SignedArea(CFPolygonRef const& polygon) noexcept;
+/// Returns the signed area of the closed ring of these vertices. O(n).
+TRAMMEL_API double SignedArea(std::vector<TPoint<double>> const& ring) noexcept;
 
 /// Returns the signed area of each contour of the path, in order. A contour without segments has
 /// area 0. O(n). Throws std::bad_alloc.
@@ -63,6 +66,8 @@ TRAMMEL_API AreaMoments MomentsOf(CPath const& path) noexcept;
 TRAMMEL_API AreaMoments MomentsOf(TPolygon<double> const& polygon) noexcept;
 /// Returns those of the closed handle polygon, whether it is marked as closed or not. O(n).
 TRAMMEL_API AreaMoments MomentsOf(CFPolygonRef const& polygon) noexcept;
+/// Returns those of the closed ring of these vertices. O(n).
+TRAMMEL_API AreaMoments MomentsOf(std::vector<TPoint<double>> const& ring) noexcept;
 
 } // namespace trammel
 

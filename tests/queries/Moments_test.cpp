@@ -227,6 +227,59 @@ void Sizes(CPath const& path, double& length, double& extent) {
     extent = std::max(high[0] - low[0], high[1] - low[1]);
 }
 
+/// The path with each coordinate multiplied by a power of two.
+CPath Scaled(CPath path, int h, int v) {
+    for (Pt& p : path.mPts) {
+        p = Pt(std::scalbn(p.h, h), std::scalbn(p.v, v));
+    }
+    return path;
+}
+
+TEST(MomentsOf, HaveTheSameDigitsForOutlinesOfAllSizes) {
+    CPath const path = Path("M1 2 C9 -4 6 8 3 6 S-2 1 1 2 Z M3 3 L8 2 L5 7 Z");
+    AreaMoments const unit = MomentsOf(path);
+    // Sizes at which products of two, three or four coordinates leave the range of double.
+    for (int const h : {0, 1, -90, 99, 105, 200, 300, 500, 700, 1000, -105, -200, -500, -1000}) {
+        for (int const v : {0, 3, 99, 110, 250, 500, 999, -101, -250, -500, -900}) {
+            CPath const scaled = Scaled(path, h, v);
+            AreaMoments const moments = MomentsOf(scaled);
+            auto const expect = [&](double is, double one, int degreeH, int degreeV) {
+                int const exponent = h * degreeH + v * degreeV;
+                if (exponent > -950 && exponent < 1000) {
+                    EXPECT_EQ(is, std::scalbn(one, exponent)) << h << " " << v;
+                }
+            };
+            expect(moments.area, unit.area, 1, 1);
+            expect(SignedArea(scaled), SignedArea(path), 1, 1);
+            expect(ContourAreas(scaled)[1], ContourAreas(path)[1], 1, 1);
+            expect(moments.centroid.h, unit.centroid.h, 1, 0);
+            expect(moments.centroid.v, unit.centroid.v, 0, 1);
+            expect(moments.hh, unit.hh, 3, 1);
+            expect(moments.hv, unit.hv, 2, 2);
+            expect(moments.vv, unit.vv, 1, 3);
+        }
+    }
+}
+
+TEST(SignedArea, OfASliverWhoseProductsOverflowIsRight) {
+    // The cross product's two terms are some 1e320 each.
+    double const far = 0x1p530;
+    CPath sliver;
+    sliver.MoveTo(Pt(0, 0)).LineTo(Pt(far, far)).LineTo(Pt(far / 2, far / 2 + 0x1p480));
+    EXPECT_EQ(SignedArea(sliver), 0x1p1009);
+    EXPECT_EQ(MomentsOf(sliver).area, 0x1p1009);
+    // A difference of two coordinates overflows.
+    CPath flat;
+    flat.MoveTo(Pt(-0x1p1023, 0)).LineTo(Pt(0x1p1023, 0)).LineTo(Pt(0, 0x1p-1000));
+    EXPECT_EQ(SignedArea(flat), 0x1p23);
+    EXPECT_NEAR(MomentsOf(flat).centroid.h, 0, 1e293);
+    // A small outline far from the origin.
+    CPath small;
+    small.MoveTo(Pt(0x1p600, 0)).LineTo(Pt(0x1p600 + 0x1p548, 0)).LineTo(Pt(0x1p600, 0x1p-600));
+    EXPECT_EQ(SignedArea(small), 0x1p-53);
+    EXPECT_EQ(MomentsOf(small).centroid.h, 0x1p600);
+}
+
 __extension__ typedef __int128 Int128;
 
 /// Exact areas of paths whose coordinates are integers: twenty times the area is an integer.
