@@ -2,11 +2,12 @@
 
 #include "SvgPath.h"
 
+#include "ArcCurves_p.h"
+#include "CurveForms_p.h"
 #include "PointMath_p.h"
-#include "SvgArc_p.h"
 #include "SvgPathError_p.h"
 #include "SvgPathGrammar_p.h"
-#include "TwoSum_p.h"
+#include "UTrigonometry.h"
 
 #include <algorithm>
 #include <array>
@@ -24,16 +25,21 @@ namespace trammel {
 
 namespace {
 
+using trammel_detail::ArcCurves;
 using trammel_detail::Described;
 using trammel_detail::IsDigit;
 using trammel_detail::IsFinite;
 using trammel_detail::IsLetter;
 using trammel_detail::IsSpace;
 using trammel_detail::Quoted;
+using trammel_detail::RecordedCurves;
 using trammel_detail::Reflected;
-using trammel_detail::SvgArc;
+using trammel_detail::TwoThirds;
 
 typedef TPoint<double> Pt;
+
+/// The curves of a full turn in eighths.
+constexpr std::size_t kMostArcCurves = 8;
 
 /// Returns the number of arguments of a command in capitals, -1 for any other letter.
 int ArgumentCount(char command) {
@@ -86,28 +92,6 @@ bool IsTiny(std::string_view number) {
         exponent += negative ? -value : value;
     }
     return exponent < 0;
-}
-
-/// Returns (p + 2q) / 3 with an error below 0.51 units in the last place. The errors of the sum and
-/// of the quotient (a fused remainder) are added to the result.
-double TwoThirds(double p, double q) {
-    double scale = 1.0;
-    if (!std::isfinite(p + 2.0 * q)) {
-        p /= 4.0;
-        q /= 4.0;
-        scale = 4.0;
-    }
-    trammel_detail::TwoSumResult const sum = trammel_detail::TwoSum(p, 2.0 * q);
-    double const quotient = sum.value / 3.0;
-    double const rest = std::fma(-3.0, quotient, sum.value) + sum.error;
-    return (quotient + rest / 3.0) * scale;
-}
-
-Pt TwoThirds(Pt const& p, Pt const& q) { return Pt(TwoThirds(p.h, q.h), TwoThirds(p.v, q.v)); }
-
-/// Returns the point at `t` between two points; no step overflows.
-Pt Between(Pt const& a, Pt const& b, double t) {
-    return Pt(a.h * (1.0 - t) + b.h * t, a.v * (1.0 - t) + b.v * t);
 }
 
 /// Reads one text into a path, from left to right.
@@ -347,14 +331,25 @@ private:
         if (!IsFinite(e)) {
             return false;
         }
-        SvgArc const curves(mCurrent, e, rx, ry, a[2], a[3] != 0.0, a[4] != 0.0);
-        if (!curves.IsFinite()) {
-            return false;
+        // Between -180 and 180 exactly, so that quarter turns are exact; -180 is the same as 180.
+        double const rest = std::remainder(a[2], 360.0);
+        double const turn = std::abs(rest) == 180.0 ? 180.0 : rest;
+        ArcCurves arc =
+            ArcCurves::BetweenPoints(mCurrent, e, rx, ry, DegToRad(turn), a[3] != 0.0, a[4] != 0.0);
+        // An eighth turn at most; rounding must not make three curves of a quarter turn.
+        auto const count = static_cast<std::size_t>(std::clamp(
+            std::ceil(arc.Sweep() / (pi / 4.0) - 1e-9), 1.0, static_cast<double>(kMostArcCurves)));
+        std::array<std::array<Pt, 3>, kMostArcCurves> curves;
+        arc.Cut(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            arc.Next(curves[i]);
+            if (!std::all_of(curves[i].begin(), curves[i].end(), IsFinite)) {
+                return false;
+            }
         }
-        for (std::size_t i = 0; i < curves.Count(); ++i) {
-            Pt const* const points = curves.Curve(i);
-            AddCurve(points[0], points[1], points[2]);
-            Arrive(points[2]);
+        for (std::size_t i = 0; i < count; ++i) {
+            AddCurve(curves[i][0], curves[i][1], curves[i][2]);
+            Arrive(curves[i][2]);
         }
         return true;
     }
@@ -366,26 +361,10 @@ private:
 
     /// Adds a curve from the current point. It cuts a curve in two that the path would drop as one.
     void AddCurve(Pt const& c1, Pt const& c2, Pt const& e) {
-        if (e != mCurrent) {
+        RecordedCurves const curves(mCurrent, c1, c2, e);
+        for (std::size_t i = 0; i < curves.count; ++i) {
             Open();
-            mResult.path.CurveTo(c1, c2, e);
-            return;
-        }
-        // A curve whose middle lies on its ends crosses itself there or runs to and fro. Its point
-        // at a quarter then lies elsewhere, unless the whole curve stays in one point.
-        for (double const t : {0.5, 0.25, 0.75}) {
-            Pt const a = Between(mCurrent, c1, t);
-            Pt const b = Between(c1, c2, t);
-            Pt const c = Between(c2, e, t);
-            Pt const ab = Between(a, b, t);
-            Pt const bc = Between(b, c, t);
-            Pt const cut = Between(ab, bc, t);
-            if (cut != mCurrent) {
-                Open();
-                mResult.path.CurveTo(a, ab, cut);
-                mResult.path.CurveTo(bc, c, e);
-                return;
-            }
+            mResult.path.CurveTo(curves.points[i][0], curves.points[i][1], curves.points[i][2]);
         }
     }
 

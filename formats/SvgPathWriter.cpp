@@ -2,6 +2,7 @@
 
 #include "SvgPath.h"
 
+#include "CurveForms_p.h"
 #include "PathWalk_p.h"
 #include "PointMath_p.h"
 #include "SvgPathGrammar_p.h"

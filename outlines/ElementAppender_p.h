@@ -13,9 +13,12 @@
 
 namespace trammel_detail {
 
-/// Makes room in a path for more elements, without giving up geometric growth. It also makes the
-/// bounds known where the cache is empty: a point that is added would become all of the bounds.
-/// Without memory it throws std::bad_alloc and leaves the path as it was.
+/// Makes room in a path for more elements, without giving up geometric growth. Without memory it
+/// throws std::bad_alloc and leaves the path as it was.
+///
+/// It also brings up to date what CPath::Transform leaves behind. With the cache of the bounds
+/// empty, the next point would become all of the bounds. With an old current point, lines and
+/// curves would be compared with a point where they do not begin.
 inline void PrepareToAppend(CPath& path, std::size_t codes, std::size_t points) {
     auto const reserve = [](auto& items, std::size_t more) {
         std::size_t const needed = items.size() + more;
@@ -26,6 +29,9 @@ inline void PrepareToAppend(CPath& path, std::size_t codes, std::size_t points) 
     reserve(path.mCtls, codes);
     reserve(path.mPts, points);
     path.Bounds();
+    if (!path.mPts.empty()) {
+        path.mCurrentPt = path.mPts.back();
+    }
 }
 
 /// Appends elements to a path without the joining rules of its building operations. So lines
