@@ -37,6 +37,8 @@ struct Outline {
     CPath path;     ///< every subpath begins with a move
     trammel::FillRule rule = trammel::FillRule::kNonZero; ///< the rule that fills it
     OutlineSource source = {};
+    std::string fill = "black";  ///< the paint of its area, as the drawing says; or "none"
+    std::string stroke = "none"; ///< the paint of its line
 };
 
 /// The part of the plane that a drawing shows, and the size that it has on paper.

@@ -7,6 +7,7 @@
 #include <trammel/UTrigonometry.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace tool {
 
@@ -65,6 +66,91 @@ CMatrix3x3 ParseOneTransform(Scanner& scanner) {
     return m;
 }
 
+/// What an argument of a function in a style sheet measures.
+enum class CssUnit { kNone, kLength, kAngle };
+
+/// Reads an argument with its unit. Only 0 may go without. Angles are in radians.
+double CssArgument(Scanner& scanner, CssUnit kind) {
+    std::size_t const begin = scanner.Position();
+    double const number = scanner.Number();
+    std::string const unit(scanner.Word());
+    if (kind == CssUnit::kNone ? unit.empty() : (unit.empty() && number == 0.0)) {
+        return number;
+    }
+    if (kind == CssUnit::kLength && !unit.empty()) {
+        return UserUnits({number, unit}, std::nullopt);
+    }
+    if (kind == CssUnit::kAngle) {
+        struct Unit {
+            char const* name;
+            double degrees;
+        };
+        for (Unit const& known : {Unit{"deg", 1.0}, Unit{"grad", 0.9}, Unit{"turn", 360.0}}) {
+            if (unit == known.name) {
+                return DegToRad(number * known.degrees);
+            }
+        }
+        if (unit == "rad") {
+            return number;
+        }
+    }
+    throw TextError(begin, "found the unit '" + unit + "', expected another");
+}
+
+/// One function of a transform in a style sheet.
+CMatrix3x3 ParseOneCssTransform(Scanner& scanner) {
+    struct Function {
+        char const* name;
+        CssUnit unit;
+        std::size_t least;
+        std::size_t most;
+    };
+    static Function const functions[] = {
+        {"matrix", CssUnit::kNone, 6, 6},       {"translate", CssUnit::kLength, 1, 2},
+        {"translateX", CssUnit::kLength, 1, 1}, {"translateY", CssUnit::kLength, 1, 1},
+        {"scale", CssUnit::kNone, 1, 2},        {"scaleX", CssUnit::kNone, 1, 1},
+        {"scaleY", CssUnit::kNone, 1, 1},       {"rotate", CssUnit::kAngle, 1, 1},
+        {"skew", CssUnit::kAngle, 1, 2},        {"skewX", CssUnit::kAngle, 1, 1},
+        {"skewY", CssUnit::kAngle, 1, 1}};
+    std::size_t const begin = scanner.Position();
+    std::string const name(scanner.Word());
+    auto const* const function =
+        std::find_if(std::begin(functions), std::end(functions),
+                     [&name](Function const& known) { return name == known.name; });
+    if (function == std::end(functions) || !scanner.Take('(')) {
+        throw TextError(begin, "'" + name + "' is no function of transforms that is read here");
+    }
+    std::vector<double> n;
+    do {
+        scanner.SkipSpace();
+        n.push_back(CssArgument(scanner, function->unit));
+    } while (scanner.SkipComma() && n.size() < function->most);
+    if (n.size() < function->least || !scanner.Take(')')) {
+        scanner.Fail("')'");
+    }
+    CMatrix3x3 m;
+    if (name == "matrix") {
+        m = CMatrix3x3(n[0], n[1], n[2], n[3], n[4], n[5], 0);
+    } else if (name == "translate" || name == "translateX") {
+        m.Translate(n[0], n.size() > 1 ? n[1] : 0.0);
+    } else if (name == "translateY") {
+        m.Translate(0.0, n[0]);
+    } else if (name == "scale") {
+        m.Scale(n[0], n.back());
+    } else if (name == "scaleX") {
+        m.Scale(n[0], 1.0);
+    } else if (name == "scaleY") {
+        m.Scale(1.0, n[0]);
+    } else if (name == "rotate") {
+        m.Rotate(n[0]);
+    } else if (name == "skewY") {
+        m.Shear(0.0, n[0]);
+    } else {
+        m.Shear(n[0], n.size() > 1 ? n[1] : 0.0);
+    }
+    return m;
+}
+
 } // namespace
 
 CMatrix3x3 ParseTransform(std::string_view text) {
@@ -80,6 +166,37 @@ CMatrix3x3 ParseTransform(std::string_view text) {
         scanner.SkipComma();
     }
     return all;
+}
+
+CMatrix3x3 ParseCssTransform(std::string_view text) {
+    CMatrix3x3 all;
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    if (text == "none") {
+        return all;
+    }
+    while (!scanner.AtEnd()) {
+        all = Concat(ParseOneCssTransform(scanner), all);
+        scanner.SkipSpace();
+    }
+    return all;
+}
+
+TPoint<double> ParseTransformOrigin(std::string_view text) {
+    Scanner scanner(text);
+    auto const length = [&scanner] {
+        double const number = scanner.Number();
+        double const units = UserUnits({number, std::string(scanner.Word())}, std::nullopt);
+        scanner.SkipSpace();
+        return units;
+    };
+    scanner.SkipSpace();
+    double const h = length();
+    double const v = length();
+    if (!scanner.AtEnd()) {
+        scanner.Fail("the end of the origin");
+    }
+    return TPoint<double>(h, v);
 }
 
 Length ParseLength(std::string_view text) {
@@ -117,8 +234,7 @@ double UserUnits(Length const& length, std::optional<double> whole) {
     throw TextError(0, "the unit '" + length.unit + "' is none of px, pt, pc, mm, cm, in, Q and %");
 }
 
-std::vector<TPoint<double>> ParsePoints(std::string_view text) {
-    std::vector<TPoint<double>> points;
+void ParsePoints(std::string_view text, std::vector<TPoint<double>>& points) {
     Scanner scanner(text);
     scanner.SkipSpace();
     while (!scanner.AtEnd()) {
@@ -130,7 +246,6 @@ std::vector<TPoint<double>> ParsePoints(std::string_view text) {
             scanner.Fail("a number");
         }
     }
-    return points;
 }
 
 TRect<double> ParseViewBox(std::string_view text) {

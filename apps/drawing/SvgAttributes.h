@@ -21,6 +21,13 @@ namespace tool {
 /// identity.
 CMatrix3x3 ParseTransform(std::string_view text);
 
+/// Returns the transform of the property in a style sheet. It differs from the attribute by units,
+/// and by functions for one direction.
+CMatrix3x3 ParseCssTransform(std::string_view text);
+
+/// Reads the property transform-origin, as far as it is two lengths.
+TPoint<double> ParseTransformOrigin(std::string_view text);
+
 /// A length and its unit, as written.
 struct Length {
     double number;
@@ -33,8 +40,8 @@ Length ParseLength(std::string_view text);
 /// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
 double UserUnits(Length const& length, std::optional<double> whole);
 
-/// Reads pairs of coordinates.
-std::vector<TPoint<double>> ParsePoints(std::string_view text);
+/// Appends pairs of coordinates to `points`, up to a mistake.
+void ParsePoints(std::string_view text, std::vector<TPoint<double>>& points);
 
 /// Reads "left top width height". A negative size is an error.
 TRect<double> ParseViewBox(std::string_view text);

@@ -96,6 +96,61 @@ std::string Decoded(std::string content, Encoding encoding) {
     return text;
 }
 
+/// The entities that a document declares, with limits to what they may grow to.
+class Entities {
+public:
+    explicit Entities(std::string_view text) {
+        std::size_t at = text.find("<!DOCTYPE");
+        while (at != std::string_view::npos &&
+               (at = text.find("<!ENTITY", at)) != std::string_view::npos) {
+            at = text.find_first_not_of(kSpace, at + 8);
+            std::size_t const end = text.find_first_of(kSpace, at);
+            std::size_t const quote = text.find_first_not_of(kSpace, end);
+            if (quote == std::string_view::npos) {
+                return;
+            }
+            if (text[quote] == '"' || text[quote] == '\'') {
+                std::size_t const close = text.find(text[quote], quote + 1);
+                mValues.emplace(text.substr(at, end - at),
+                                text.substr(quote + 1, close - quote - 1));
+                at = close;
+            }
+        }
+    }
+
+    bool Empty() const { return mValues.empty(); }
+
+    /// Returns the text with the values of its entities. Unknown ones stay as they are, and so does
+    /// the whole text when it would grow too large.
+    std::string Expanded(std::string const& text) {
+        std::string out = text;
+        std::size_t searched = 0;
+        for (std::size_t at = 0; (at = out.find('&', at)) != std::string::npos;) {
+            std::size_t const end = out.find(';', at);
+            auto const found =
+                end == std::string::npos
+                    ? mValues.end()
+                    : mValues.find(std::string_view(out).substr(at + 1, end - at - 1));
+            if (found == mValues.end()) {
+                ++at;
+                continue;
+            }
+            searched += found->second.size() + 1;
+            if (searched > kMostGrowth || (mGrowth += found->second.size()) > kMostGrowth) {
+                return text;
+            }
+            out.replace(at, end + 1 - at, found->second);
+        }
+        return out;
+    }
+
+private:
+    static constexpr char const* kSpace = " \t\r\n";
+    static constexpr std::size_t kMostGrowth = std::size_t{1} << 16;
+    std::unordered_map<std::string_view, std::string_view> mValues;
+    std::size_t mGrowth = 0;
+};
+
 } // namespace
 
 SvgDocument::SvgDocument(std::string const& file, std::string content)
@@ -115,9 +170,16 @@ SvgDocument::SvgDocument(std::string const& file, std::string content)
     if (name.substr(mRootPrefix.size()) != "svg") {
         throw Error(mFile, Place(Root()), "is no SVG drawing: its outermost element must be <svg>");
     }
+    Entities entities(mText);
     // The walk goes from node to node, because the nesting may be deeper than the stack.
     pugi::xml_node node = mTree.first_child();
     while (node) {
+        for (pugi::xml_attribute attribute = node.first_attribute(); attribute && !entities.Empty();
+             attribute = attribute.next_attribute()) {
+            if (std::string_view(attribute.value()).find('&') != std::string_view::npos) {
+                attribute.set_value(entities.Expanded(attribute.value()).c_str());
+            }
+        }
         if (pugi::xml_attribute const id = node.attribute("id")) {
             mIds.emplace(id.value(), node);
         }
@@ -177,12 +239,16 @@ std::size_t SvgDocument::Offset(pugi::xml_node element) const {
     return static_cast<std::size_t>(std::max<std::ptrdiff_t>(element.offset_debug(), 1)) - 1;
 }
 
+std::size_t SvgDocument::LineOf(std::size_t offset) const {
+    auto const end = mText.begin() + static_cast<std::ptrdiff_t>(std::min(offset, mText.size()));
+    return static_cast<std::size_t>(std::count(mText.begin(), end, '\n')) + 1;
+}
+
 std::string SvgDocument::LineAndColumn(std::size_t offset) const {
     std::string_view const before =
         std::string_view(mText).substr(0, std::min(offset, mText.size()));
-    auto const line = std::count(before.begin(), before.end(), '\n') + 1;
     std::size_t const lineStart = before.rfind('\n') + 1; // 0 when there is none
-    return "line " + std::to_string(line) + ", column " +
+    return "line " + std::to_string(LineOf(offset)) + ", column " +
            std::to_string(before.size() - lineStart + 1);
 }
 

@@ -40,6 +40,8 @@ public:
     std::string_view LocalName(pugi::xml_node element) const;
     /// Returns the offset of the element's '<'.
     std::size_t Offset(pugi::xml_node element) const;
+    /// Returns the line of an offset, from 1.
+    std::size_t LineOf(std::size_t offset) const;
     /// Returns "line L, column C" of an offset.
     std::string LineAndColumn(std::size_t offset) const;
     /// Returns the element's place and its tag: "line 2, column 1, <path id="p">".

@@ -2,12 +2,14 @@
 
 #include "SvgReader.h"
 
+#include "Cascade.h"
 #include "Error.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "SvgAttributes.h"
 #include "SvgDocument.h"
 #include "SvgShapes.h"
+#include "Warning.h"
 
 #include <trammel/CMatrix3x3.h>
 #include <trammel/SvgPath.h>
@@ -16,8 +18,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -51,42 +55,56 @@ std::string_view Trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
-/// Returns the value of a property in a style attribute; empty when it is not set.
-std::string_view StyleValue(std::string_view style, std::string_view property) {
-    std::string_view value;
-    while (!style.empty()) {
-        std::size_t const end = std::min(style.find(';'), style.size());
-        std::string_view const declaration = style.substr(0, end);
-        style.remove_prefix(std::min(end + 1, style.size()));
-        std::size_t const colon = declaration.find(':');
-        if (colon != std::string_view::npos && Trimmed(declaration.substr(0, colon)) == property) {
-            value = declaration.substr(colon + 1);
-            value = Trimmed(value.substr(0, value.find('!'))); // "!important"
+/// True for the keywords that every property has.
+bool IsWide(std::string_view value) {
+    return value == "inherit" || value == "initial" || value == "unset" || value == "revert" ||
+           value == "revert-layer";
+}
+
+/// Returns the value of an inherited property of an element.
+std::string_view Inherited(Declared const& declared, std::string_view around,
+                           std::string_view initial) {
+    if (declared.value == "initial") {
+        return initial;
+    }
+    return declared.value.empty() || IsWide(declared.value) ? around : declared.value;
+}
+
+bool Hidden(ElementStyle const& style) {
+    return AsciiLower(style[Property::kDisplay].value) == "none";
+}
+
+/// True for a user who reads English, and a reader without extensions. There is nobody to ask.
+bool ConditionsHold(pugi::xml_node element) {
+    if (!Trimmed(element.attribute("requiredExtensions").value()).empty()) {
+        return false;
+    }
+    pugi::xml_attribute const languages = element.attribute("systemLanguage");
+    if (!languages) {
+        return true;
+    }
+    std::string_view rest = languages.value();
+    while (!rest.empty()) {
+        std::size_t const end = std::min(rest.find(','), rest.size());
+        std::string const language = AsciiLower(Trimmed(rest.substr(0, end)));
+        if (language == "en" || language.compare(0, 3, "en-") == 0) {
+            return true;
         }
+        rest.remove_prefix(std::min(end + 1, rest.size()));
     }
-    return value;
+    return false;
 }
 
-bool Hidden(pugi::xml_node element) {
-    std::string_view const value = StyleValue(element.attribute("style").value(), "display");
-    return value.empty() ? Trimmed(element.attribute("display").value()) == "none"
-                         : value == "none";
-}
-
-/// Returns the element's fill rule; `inherited` unless the element states one.
-trammel::FillRule RuleOf(pugi::xml_node element, trammel::FillRule inherited) {
-    std::string_view value = StyleValue(element.attribute("style").value(), "fill-rule");
-    if (value.empty()) {
-        value = Trimmed(element.attribute("fill-rule").value());
-    }
-    return value == "evenodd"   ? trammel::FillRule::kEvenOdd
-           : value == "nonzero" ? trammel::FillRule::kNonZero
-                                : inherited;
-}
+/// A drawing with a thousand mistakes of one kind is told once of them.
+constexpr std::size_t kMostWarnings = 20;
 
 class Reader {
 public:
-    explicit Reader(std::shared_ptr<SvgDocument const> document) : mDocument(std::move(document)) {
+    explicit Reader(std::shared_ptr<SvgDocument const> document)
+        : mDocument(std::move(document)),
+          mCascade(*mDocument, [this](std::string const& place, std::string const& message) {
+              Skip(place, message);
+          }) {
         mDrawing.file = mDocument->File();
         mDrawing.kind = "svg";
         mDrawing.document = mDocument;
@@ -99,10 +117,16 @@ private:
     struct Context {
         CMatrix3x3 transform;    ///< from the element's coordinates to the drawing's
         std::optional<Pt> whole; ///< what 100% stands for in each direction
+        bool visible = true;
         trammel::FillRule rule = trammel::FillRule::kNonZero;
+        std::string_view fill = "black";
+        std::string_view stroke = "none";
+        std::string_view color = "black";
+        double fontSize = 16.0;
         std::size_t placed = kNoElement; ///< the outermost `use` around, as an offset in the text
         std::string prefix;              ///< of ids: the ids of the `use` elements around
         int level = 0;                   ///< of nesting
+        ElementStyle const* style = nullptr; ///< of the element itself
     };
 
     void Element(pugi::xml_node element, Context const& context);
@@ -114,34 +138,30 @@ private:
     void Add(pugi::xml_node element, CPath path, Context const& context);
     void ReadPage(pugi::xml_node root);
 
-    CPath PathElement(pugi::xml_node element) const;
-    CPath Rectangle(pugi::xml_node element, Context const& context) const;
+    CPath PathElement(pugi::xml_node element, Context const& context);
+    CPath Rectangle(pugi::xml_node element, Context const& context);
     CPath Ellipse(pugi::xml_node element, Context const& context, char const* hName,
-                  char const* vName) const;
-    CPath Line(pugi::xml_node element, Context const& context) const;
-    CPath Polyline(pugi::xml_node element, bool closed) const;
+                  char const* vName);
+    CPath Line(pugi::xml_node element, Context const& context);
+    CPath Polyline(pugi::xml_node element, bool closed);
 
     enum class Axis { kHorizontal, kVertical, kOther };
-    /// Returns a length attribute in user units; empty when it is missing or "auto".
+    /// Returns the value of an attribute, or of the property that stands for it.
+    std::string_view Specified(pugi::xml_node element, char const* attribute,
+                               Context const& context) const;
+    /// Returns a length in user units; empty when it is missing, "auto" or not a length.
     std::optional<double> LengthOf(pugi::xml_node element, char const* attribute,
-                                   Context const& context, Axis axis) const;
+                                   Context const& context, Axis axis);
     double LengthOr0(pugi::xml_node element, char const* attribute, Context const& context,
-                     Axis axis) const {
+                     Axis axis) {
         return LengthOf(element, attribute, context, axis).value_or(0.0);
     }
     /// Does the same for a size, which must not be negative.
     std::optional<double> SizeOf(pugi::xml_node element, char const* attribute,
-                                 Context const& context, Axis axis) const;
-
-    /// Runs a parser on an attribute's value, and adds the attribute's name to its complaint.
-    template <class Parse>
-    auto Parsed(pugi::xml_node element, char const* attribute, Parse parse) const {
-        try {
-            return parse(std::string_view(element.attribute(attribute).value()));
-        } catch (TextError const& e) {
-            throw AttributeError{attribute, e.Position(), e.what()};
-        }
-    }
+                                 Context const& context, Axis axis);
+    CMatrix3x3 TransformOf(pugi::xml_node element, ElementStyle const& style);
+    std::optional<TRect<double>> ViewBoxOf(pugi::xml_node element);
+    void Inherit(ElementStyle const& style, Context& context);
 
     std::string_view LocalName(pugi::xml_node element) const {
         return mDocument->LocalName(element);
@@ -150,59 +170,201 @@ private:
         throw Error(mDocument->File(), mDocument->Place(element), message);
     }
 
+    /// Warns of something that is left out, once for each place.
+    void Skip(std::string const& place, std::string const& message);
+    void Skip(pugi::xml_node element, std::string const& message) {
+        Skip(mDocument->Place(element), message);
+    }
+    void Skip(pugi::xml_node element, std::string const& attribute, std::size_t position,
+              std::string const& message) {
+        Skip(element,
+             "attribute " + attribute + ", position " + std::to_string(position) + ": " + message);
+    }
+    void TellTheRest() const;
+
     std::shared_ptr<SvgDocument const> mDocument;
+    std::set<std::string> mSkipped;
+    /// The elements without outlines that are drawn: the first place of each kind, and their
+    /// number.
+    std::map<std::string, std::pair<std::string, std::size_t>, std::less<>> mOthers;
+    Cascade mCascade;
     std::vector<pugi::xml_node> mUsed; ///< the elements that the `use` elements around refer to
+    double mRootFontSize = 16.0;
     std::size_t mUsedElements = 0;
     std::size_t mUsedBytes = 0;
     Drawing mDrawing;
 };
 
+void Reader::Skip(std::string const& place, std::string const& message) {
+    if (mSkipped.insert(place + ": " + message).second && mSkipped.size() <= kMostWarnings) {
+        Warn(mDocument->File(), place, message);
+    }
+}
+
+void Reader::TellTheRest() const {
+    if (mSkipped.size() > kMostWarnings) {
+        Warn(mDocument->File(), "",
+             std::to_string(mSkipped.size() - kMostWarnings) + " more mistakes of this kind");
+    }
+    for (auto const& [name, others] : mOthers) {
+        std::string const more =
+            others.second == 1 ? "" : ", nor have " + std::to_string(others.second - 1) + " more";
+        Warn(mDocument->File(), others.first, "has no outlines here" + more);
+    }
+}
+
+std::string_view Reader::Specified(pugi::xml_node element, char const* attribute,
+                                   Context const& context) const {
+    static std::map<std::string_view, Property> const properties = {
+        {"x", Property::kX},           {"y", Property::kY},   {"width", Property::kWidth},
+        {"height", Property::kHeight}, {"rx", Property::kRx}, {"ry", Property::kRy},
+        {"cx", Property::kCx},         {"cy", Property::kCy}, {"r", Property::kR}};
+    auto const property = properties.find(attribute);
+    if (property == properties.end()) {
+        return Trimmed(element.attribute(attribute).value());
+    }
+    std::string_view const value = (*context.style)[property->second].value;
+    return IsWide(value) ? std::string_view() : value;
+}
+
 std::optional<double> Reader::LengthOf(pugi::xml_node element, char const* attribute,
-                                       Context const& context, Axis axis) const {
-    std::string_view const value = Trimmed(element.attribute(attribute).value());
+                                       Context const& context, Axis axis) {
+    std::string_view const value = Specified(element, attribute, context);
     if (value.empty() || value == "auto") {
         return std::nullopt;
     }
-    std::optional<double> whole;
-    if (context.whole) {
-        Pt const size = *context.whole;
-        whole = axis == Axis::kHorizontal ? size.h
-                : axis == Axis::kVertical ? size.v
-                                          : size.Length() / std::sqrt(2.0);
-    }
-    return Parsed(element, attribute, [&](std::string_view text) {
-        double const length = UserUnits(ParseLength(text), whole);
-        if (!std::isfinite(length)) {
+    try {
+        Length length = ParseLength(value);
+        if (length.unit == "em" || length.unit == "rem") {
+            length.number *= length.unit == "em" ? context.fontSize : mRootFontSize;
+            length.unit.clear();
+        }
+        std::optional<double> whole;
+        if (context.whole) {
+            Pt const size = *context.whole;
+            whole = axis == Axis::kHorizontal ? size.h
+                    : axis == Axis::kVertical ? size.v
+                                              : size.Length() / std::sqrt(2.0);
+        }
+        double units = 0.0;
+        try {
+            units = UserUnits(length, whole);
+        } catch (TextError const& e) {
+            throw AttributeError{attribute, 0, e.what()}; // its size is not known here
+        }
+        if (!std::isfinite(units)) {
             throw TextError(0, "the length is too large");
         }
-        return length;
-    });
+        return units;
+    } catch (TextError const& e) {
+        Skip(element, attribute, e.Position(), e.what());
+        return std::nullopt;
+    }
 }
 
 std::optional<double> Reader::SizeOf(pugi::xml_node element, char const* attribute,
-                                     Context const& context, Axis axis) const {
+                                     Context const& context, Axis axis) {
     std::optional<double> const size = LengthOf(element, attribute, context, axis);
     if (size && *size < 0.0) {
-        throw AttributeError{attribute, 0, "is negative"};
+        Skip(element, attribute, 0, "is negative");
+        return std::nullopt;
     }
     return size;
 }
 
-CPath Reader::PathElement(pugi::xml_node element) const {
-    std::string_view const data = element.attribute("d").value();
-    if (Trimmed(data) == "none") {
+CMatrix3x3 Reader::TransformOf(pugi::xml_node element, ElementStyle const& style) {
+    Declared const& declared = style[Property::kTransform];
+    CMatrix3x3 m;
+    if (declared.value.empty() || IsWide(declared.value)) {
+        return m;
+    }
+    try {
+        m = declared.css ? ParseCssTransform(declared.value) : ParseTransform(declared.value);
+    } catch (TextError const& e) {
+        Skip(element, "transform", e.Position(), e.what());
+        return m;
+    }
+    std::string_view const origin = style[Property::kTransformOrigin].value;
+    if (!origin.empty() && !IsWide(origin)) {
+        try {
+            Pt const centre = ParseTransformOrigin(origin);
+            m = CMatrix3x3().Translate(-centre) * m * CMatrix3x3().Translate(centre);
+        } catch (TextError const& e) {
+            Skip(element, "transform-origin", e.Position(), e.what());
+        }
+    }
+    return m;
+}
+
+std::optional<TRect<double>> Reader::ViewBoxOf(pugi::xml_node element) {
+    std::string_view const value = element.attribute("viewBox").value();
+    if (Trimmed(value).empty()) {
+        return std::nullopt;
+    }
+    try {
+        return ParseViewBox(value);
+    } catch (TextError const& e) {
+        Skip(element, "viewBox", e.Position(), e.what());
+        return std::nullopt;
+    }
+}
+
+/// Takes over the properties that the elements inside inherit.
+void Reader::Inherit(ElementStyle const& style, Context& context) {
+    auto const ruled = [&style](Property property, trammel::FillRule around) {
+        std::string const value = AsciiLower(style[property].value);
+        return value == "evenodd"                         ? trammel::FillRule::kEvenOdd
+               : value == "nonzero" || value == "initial" ? trammel::FillRule::kNonZero
+                                                          : around;
+    };
+    context.rule = ruled(Property::kFillRule, context.rule);
+    std::string const visibility = AsciiLower(style[Property::kVisibility].value);
+    if (!visibility.empty() && (!IsWide(visibility) || visibility == "initial")) {
+        context.visible = visibility == "visible" || visibility == "initial";
+    }
+    std::string_view const color = Inherited(style[Property::kColor], context.color, "black");
+    context.color = AsciiLower(color) == "currentcolor" ? context.color : color;
+    auto const paint = [&](Property property, std::string_view around, char const* initial) {
+        std::string_view const value = Inherited(style[property], around, initial);
+        return AsciiLower(value) == "currentcolor" ? context.color : value;
+    };
+    context.fill = paint(Property::kFill, context.fill, "black");
+    context.stroke = paint(Property::kStroke, context.stroke, "none");
+    std::string_view const size = style[Property::kFontSize].value;
+    if (!size.empty() && !IsWide(size)) {
+        // Words such as "small" depend on the window, and no outline depends on them.
+        try {
+            Length length = ParseLength(size);
+            double const unit = length.unit == "rem" ? mRootFontSize : context.fontSize;
+            context.fontSize = length.unit == "em" || length.unit == "rem"
+                                   ? length.number * unit
+                                   : UserUnits(length, context.fontSize);
+        } catch (TextError const&) {
+        }
+    }
+}
+
+CPath Reader::PathElement(pugi::xml_node element, Context const& context) {
+    Declared const& declared = (*context.style)[Property::kD];
+    std::string data(declared.value);
+    if (data == "none" || IsWide(data)) {
         return CPath();
+    }
+    if (declared.css) {
+        bool found = false;
+        data = PathFunction(declared.value, found);
+    } else {
+        data = element.attribute("d").value();
     }
     trammel::SvgPathResult result = trammel::ReadSvgPath(data);
     if (result.error) {
-        throw AttributeError{"d", result.error->position,
-                             "found " + result.error->found + ", expected " +
-                                 result.error->expected};
+        Skip(element, "d", result.error->position,
+             "found " + result.error->found + ", expected " + result.error->expected);
     }
-    return std::move(result.path);
+    return std::move(result.path); // what stands before a mistake is drawn
 }
 
-CPath Reader::Rectangle(pugi::xml_node element, Context const& context) const {
+CPath Reader::Rectangle(pugi::xml_node element, Context const& context) {
     double const left = LengthOr0(element, "x", context, Axis::kHorizontal);
     double const top = LengthOr0(element, "y", context, Axis::kVertical);
     double const width = SizeOf(element, "width", context, Axis::kHorizontal).value_or(0.0);
@@ -218,7 +380,7 @@ CPath Reader::Rectangle(pugi::xml_node element, Context const& context) const {
 }
 
 CPath Reader::Ellipse(pugi::xml_node element, Context const& context, char const* hName,
-                      char const* vName) const {
+                      char const* vName) {
     Pt const centre(LengthOr0(element, "cx", context, Axis::kHorizontal),
                     LengthOr0(element, "cy", context, Axis::kVertical));
     bool const circle = std::string_view(hName) == vName;
@@ -234,7 +396,7 @@ CPath Reader::Ellipse(pugi::xml_node element, Context const& context, char const
     return EllipsePath(centre, hRadius, vRadius);
 }
 
-CPath Reader::Line(pugi::xml_node element, Context const& context) const {
+CPath Reader::Line(pugi::xml_node element, Context const& context) {
     return PolylinePath({Pt(LengthOr0(element, "x1", context, Axis::kHorizontal),
                             LengthOr0(element, "y1", context, Axis::kVertical)),
                          Pt(LengthOr0(element, "x2", context, Axis::kHorizontal),
@@ -242,15 +404,23 @@ CPath Reader::Line(pugi::xml_node element, Context const& context) const {
                         false);
 }
 
-CPath Reader::Polyline(pugi::xml_node element, bool closed) const {
-    return PolylinePath(Parsed(element, "points", ParsePoints), closed);
+CPath Reader::Polyline(pugi::xml_node element, bool closed) {
+    std::vector<Pt> points;
+    try {
+        ParsePoints(element.attribute("points").value(), points);
+    } catch (TextError const& e) {
+        Skip(element, "points", e.Position(), e.what()); // the points before a mistake are drawn
+    }
+    return PolylinePath(points, closed);
 }
 
 void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
-    if (path.mCtls.empty()) {
+    if (path.mCtls.empty() || !context.visible) {
         return;
     }
     Outline outline;
+    outline.fill = context.fill;
+    outline.stroke = context.stroke;
     outline.rule = context.rule;
     outline.source.element = mDocument->Offset(element);
     outline.source.placed = context.placed == kNoElement ? outline.source.element : context.placed;
@@ -260,7 +430,8 @@ void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
         return std::isfinite(p.h) && std::isfinite(p.v);
     });
     if (!finite) {
-        Fail(element, "has coordinates that are too large");
+        Skip(element, "has coordinates that are too large");
+        return;
     }
     std::string id = element.attribute("id").value();
     if (id.empty()) {
@@ -277,16 +448,11 @@ void Reader::Children(pugi::xml_node element, Context const& context) {
     }
 }
 
-/// Draws the first child without conditions or for the English language. There is no user to ask.
+/// Draws the first child whose conditions hold.
 void Reader::Switch(pugi::xml_node element, Context const& context) {
     for (pugi::xml_node const child : element.children()) {
-        if (child.type() != pugi::node_element || LocalName(child).empty()) {
-            continue;
-        }
-        bool const extensions = !Trimmed(child.attribute("requiredExtensions").value()).empty();
-        pugi::xml_attribute const language = child.attribute("systemLanguage");
-        if (!extensions && (!language || std::string_view(language.value()).find("en") !=
-                                             std::string_view::npos)) {
+        if (child.type() == pugi::node_element && !LocalName(child).empty() &&
+            ConditionsHold(child)) {
             Element(child, context);
             return;
         }
@@ -298,17 +464,16 @@ void Reader::Viewport(pugi::xml_node element, Context const& context,
                       std::optional<Pt> const& size) {
     Context inner = context;
     inner.whole = size;
-    if (!Trimmed(element.attribute("viewBox").value()).empty()) {
-        TRect<double> const box = Parsed(element, "viewBox", ParseViewBox);
-        if (box.Empty()) {
+    if (std::optional<TRect<double>> const box = ViewBoxOf(element)) {
+        if (box->Empty()) {
             return;
         }
         if (size) {
             CMatrix3x3 const fit =
-                FitViewBox(box, *size, element.attribute("preserveAspectRatio").value());
+                FitViewBox(*box, *size, element.attribute("preserveAspectRatio").value());
             inner.transform = Concat(fit, context.transform);
         }
-        inner.whole = box.GetSize();
+        inner.whole = box->GetSize();
     }
     Children(element, inner);
 }
@@ -323,9 +488,10 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
         return;
     }
     if (target[0] != '#') {
-        Fail(element, "refers to '" + std::string(target) +
+        Skip(element, "refers to '" + std::string(target) +
                           "'; only elements of the same file (#id)"
                           " are read");
+        return;
     }
     pugi::xml_node const used = mDocument->Find(target.substr(1));
     if (!used) {
@@ -336,7 +502,8 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
         cyclic = cyclic || around == used;
     }
     if (cyclic) {
-        Fail(element, "refers to '" + std::string(target) + "', of which it is a part");
+        Skip(element, "refers to '" + std::string(target) + "', of which it is a part");
+        return;
     }
 
     Context inner = context;
@@ -352,10 +519,17 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
     }
     std::string_view const name = LocalName(used);
     mUsed.push_back(used);
-    if ((name == "symbol" || name == "svg") && !Hidden(used)) {
+    if (name == "symbol" || name == "svg") {
+        ElementStyle const style = mCascade.Of(used);
+        inner.style = &style;
+        if (Hidden(style)) {
+            mUsed.pop_back();
+            return;
+        }
+        Inherit(style, inner);
         auto const sizeOf = [&](char const* attribute, Axis axis) {
             std::optional<double> const own = SizeOf(element, attribute, context, axis);
-            return own ? own : SizeOf(used, attribute, context, axis);
+            return own ? own : SizeOf(used, attribute, inner, axis);
         };
         std::optional<double> width = sizeOf("width", Axis::kHorizontal);
         std::optional<double> height = sizeOf("height", Axis::kVertical);
@@ -368,8 +542,7 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
         if (++inner.level > kMostLevels) {
             Fail(element, "is nested more than " + std::to_string(kMostLevels) + " levels deep");
         }
-        CMatrix3x3 const own = Parsed(used, "transform", ParseTransform);
-        inner.transform = Concat(own, inner.transform);
+        inner.transform = Concat(TransformOf(used, style), inner.transform);
         Viewport(used, inner, size);
     } else {
         Element(used, inner);
@@ -381,7 +554,7 @@ void Reader::Draw(pugi::xml_node element, std::string_view name, Context const& 
     if (name == "g" || name == "a") {
         Children(element, context);
     } else if (name == "path") {
-        Add(element, PathElement(element), context);
+        Add(element, PathElement(element, context), context);
     } else if (name == "rect") {
         Add(element, Rectangle(element, context), context);
     } else if (name == "circle") {
@@ -410,12 +583,19 @@ void Reader::Draw(pugi::xml_node element, std::string_view name, Context const& 
         Context inner = context;
         inner.transform = Concat(CMatrix3x3().Translate(left, top), context.transform);
         Viewport(element, inner, size);
+    } else if (name == "text" || name == "image" || name == "foreignObject") {
+        auto const first = mOthers.emplace(name, std::make_pair(mDocument->Place(element), 0U));
+        ++first.first->second.second;
     }
 }
 
 void Reader::Element(pugi::xml_node element, Context const& context) {
     std::string_view const name = LocalName(element);
-    if (element.type() != pugi::node_element || name.empty() || Hidden(element)) {
+    if (element.type() != pugi::node_element || name.empty() || !ConditionsHold(element)) {
+        return;
+    }
+    ElementStyle const style = mCascade.Of(element);
+    if (Hidden(style)) {
         return;
     }
     if (context.level >= kMostLevels) {
@@ -434,40 +614,41 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
     try {
         Context inner = context;
         ++inner.level;
-        inner.transform = Concat(Parsed(element, "transform", ParseTransform), context.transform);
-        inner.rule = RuleOf(element, context.rule);
+        inner.style = &style;
+        inner.transform = Concat(TransformOf(element, style), context.transform);
+        Inherit(style, inner);
         Draw(element, name, inner);
     } catch (AttributeError const& e) {
-        Fail(element, "attribute " + e.attribute + ", position " + std::to_string(e.position) +
-                          ": " + e.message);
+        Skip(element, e.attribute, e.position, e.message + "; the element is left out");
     }
 }
 
 void Reader::ReadPage(pugi::xml_node root) {
     Page& page = mDrawing.page;
-    if (!Trimmed(root.attribute("viewBox").value()).empty()) {
-        page.frame = Parsed(root, "viewBox", ParseViewBox);
-    }
+    page.frame = ViewBoxOf(root).value_or(TRect<double>());
     std::optional<Length> sizes[2];
     char const* const names[2] = {"width", "height"};
     for (int i = 0; i < 2; ++i) {
         std::string_view const value = Trimmed(root.attribute(names[i]).value());
-        if (!value.empty() && value != "auto") {
-            sizes[i] = Parsed(root, names[i], ParseLength);
+        if (value.empty() || value == "auto") {
+            continue;
+        }
+        try {
+            sizes[i] = ParseLength(value);
+        } catch (TextError const& e) {
+            Skip(root, names[i], e.Position(), e.what());
         }
     }
     if (!sizes[0] || !sizes[1]) {
         return;
     }
     // A size in per cent or ems depends on the window that shows the drawing, so it does not help.
-    std::string_view const relative[] = {"%", "em", "ex", "rem", "ch", "vw", "vh", "vmin", "vmax"};
-    for (std::string_view const unit : relative) {
-        if (sizes[0]->unit == unit || sizes[1]->unit == unit) {
-            return;
-        }
+    Pt size;
+    try {
+        size = Pt(UserUnits(*sizes[0], std::nullopt), UserUnits(*sizes[1], std::nullopt));
+    } catch (TextError const&) {
+        return;
     }
-    Pt const size(Parsed(root, "width", [&](auto) { return UserUnits(*sizes[0], std::nullopt); }),
-                  Parsed(root, "height", [&](auto) { return UserUnits(*sizes[1], std::nullopt); }));
     if (!(size.h > 0.0 && size.v > 0.0 && std::isfinite(size.h) && std::isfinite(size.v))) {
         return;
     }
@@ -482,21 +663,20 @@ void Reader::ReadPage(pugi::xml_node root) {
 
 Drawing Reader::Read() {
     pugi::xml_node const root = mDocument->Root();
+    ReadPage(root);
+    ElementStyle const style = mCascade.Of(root);
     Context context;
-    try {
-        ReadPage(root);
-        if (!mDrawing.page.frame.Null()) {
-            context.whole = mDrawing.page.frame.GetSize();
-        }
-        context.transform = Parsed(root, "transform", ParseTransform);
-        context.rule = RuleOf(root, context.rule);
-    } catch (AttributeError const& e) {
-        Fail(root, "attribute " + e.attribute + ", position " + std::to_string(e.position) + ": " +
-                       e.message);
+    context.style = &style;
+    if (!mDrawing.page.frame.Null()) {
+        context.whole = mDrawing.page.frame.GetSize();
     }
-    if (!Hidden(root)) {
+    context.transform = TransformOf(root, style);
+    Inherit(style, context);
+    mRootFontSize = context.fontSize;
+    if (!Hidden(style)) {
         Children(root, context);
     }
+    TellTheRest();
     return std::move(mDrawing);
 }
 

@@ -1,0 +1,485 @@
+// SPDX-License-Identifier: MIT
+
+#include "Cascade.h"
+
+#include "CssTokens.h"
+#include "Numbers.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// The kinds of values that are told apart.
+enum class Syntax { kDisplay, kVisibility, kRule, kClipPath, kLength, kPath, kAny };
+
+struct Entry {
+    char const* name;
+    Syntax syntax;
+};
+
+/// In the order of the enumeration.
+constexpr std::array<Entry, kProperties> kTable{
+    {{"display", Syntax::kDisplay}, {"visibility", Syntax::kVisibility},
+     {"fill", Syntax::kAny},        {"stroke", Syntax::kAny},
+     {"color", Syntax::kAny},       {"fill-rule", Syntax::kRule},
+     {"clip-rule", Syntax::kRule},  {"clip-path", Syntax::kClipPath},
+     {"transform", Syntax::kAny},   {"transform-origin", Syntax::kAny},
+     {"font-size", Syntax::kAny},   {"x", Syntax::kLength},
+     {"y", Syntax::kLength},        {"width", Syntax::kLength},
+     {"height", Syntax::kLength},   {"rx", Syntax::kLength},
+     {"ry", Syntax::kLength},       {"cx", Syntax::kLength},
+     {"cy", Syntax::kLength},       {"r", Syntax::kLength},
+     {"d", Syntax::kPath}}};
+
+/// Returns the index of a property; kProperties for an unknown one.
+std::size_t IndexOf(std::string_view name) {
+    static std::unordered_map<std::string_view, std::size_t> const indices = [] {
+        std::unordered_map<std::string_view, std::size_t> map;
+        for (std::size_t i = 0; i < kTable.size(); ++i) {
+            map.emplace(kTable[i].name, i);
+        }
+        return map;
+    }();
+    auto const found = indices.find(name);
+    return found == indices.end() ? kProperties : found->second;
+}
+
+bool IsOneOf(std::string_view value, std::initializer_list<std::string_view> words) {
+    return std::find(words.begin(), words.end(), value) != words.end();
+}
+
+/// True when style sheets may write a length in this way: with a unit, unless it is 0.
+bool IsCssLength(std::string_view value) {
+    if (value == "auto") {
+        return true;
+    }
+    Scanner scanner(value);
+    if (!scanner.NumberFollows()) {
+        return false;
+    }
+    try {
+        double const number = scanner.Number();
+        std::string_view const unit = scanner.Word();
+        return scanner.AtEnd() && (number == 0.0 || !unit.empty());
+    } catch (TextError const&) {
+        return false;
+    }
+}
+
+/// True when the property has this value. Lengths of attributes are read elsewhere.
+bool IsValid(Property property, std::string const& value, bool css) {
+    std::string const word = AsciiLower(value);
+    if (IsOneOf(word, {"inherit", "initial", "unset", "revert", "revert-layer"})) {
+        return true;
+    }
+    if (word.find("var(") != std::string::npos || word.find("calc(") != std::string::npos) {
+        return false;
+    }
+    switch (kTable[static_cast<std::size_t>(property)].syntax) {
+    case Syntax::kDisplay: {
+        std::vector<CssToken> const tokens = CssTokens(value);
+        return std::all_of(tokens.begin(), tokens.end(), [](CssToken const& token) {
+            return token.kind == CssToken::Kind::kIdent || token.kind == CssToken::Kind::kSpace ||
+                   token.kind == CssToken::Kind::kEnd;
+        });
+    }
+    case Syntax::kVisibility:
+        return IsOneOf(word, {"visible", "hidden", "collapse"});
+    case Syntax::kRule:
+        return IsOneOf(word, {"nonzero", "evenodd"});
+    case Syntax::kClipPath:
+        return word == "none" || !UrlFragment(value).empty();
+    case Syntax::kLength:
+        return !css || IsCssLength(word);
+    case Syntax::kPath: {
+        bool found = false;
+        PathFunction(value, found);
+        return !css || found || word == "none";
+    }
+    case Syntax::kAny:
+        break;
+    }
+    return true;
+}
+
+bool IsElement(pugi::xml_node node) { return node.type() == pugi::node_element; }
+
+pugi::xml_node PreviousElement(pugi::xml_node node) {
+    do {
+        node = node.previous_sibling();
+    } while (node && !IsElement(node));
+    return node;
+}
+
+pugi::xml_node NextElement(pugi::xml_node node) {
+    do {
+        node = node.next_sibling();
+    } while (node && !IsElement(node));
+    return node;
+}
+
+/// True when `list`, words with space between them, has the word.
+bool HasWord(std::string_view list, std::string_view word) {
+    for (std::size_t at = list.find(word); at != std::string_view::npos && !word.empty();
+         at = list.find(word, at + 1)) {
+        auto const space = [list](std::size_t i) {
+            return i >= list.size() ||
+                   std::string_view(" \t\r\n\f").find(list[i]) != std::string_view::npos;
+        };
+        if ((at == 0 || space(at - 1)) && space(at + word.size())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool Matches(CssAttributeTest const& test, pugi::xml_node element) {
+    pugi::xml_attribute const attribute = element.attribute(test.name.c_str());
+    if (!attribute || test.match == '\0') {
+        return static_cast<bool>(attribute);
+    }
+    std::string value = attribute.value();
+    std::string wanted = test.value;
+    if (test.ignoreCase) {
+        value = AsciiLower(value);
+        wanted = AsciiLower(wanted);
+    }
+    std::size_t const size = wanted.size();
+    switch (test.match) {
+    case '=':
+        return value == wanted;
+    case '~':
+        return HasWord(value, wanted);
+    case '|':
+        return value == wanted || value.compare(0, size + 1, wanted + "-") == 0;
+    case '^':
+        return size > 0 && value.compare(0, size, wanted) == 0;
+    case '$':
+        return size > 0 && value.size() >= size &&
+               value.compare(value.size() - size, size, wanted) == 0;
+    default: // '*'
+        return size > 0 && value.find(wanted) != std::string::npos;
+    }
+}
+
+std::string_view Trimmed(std::string_view text) {
+    std::size_t const first = text.find_first_not_of(" \t\r\n\f");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t\r\n\f") - first + 1);
+}
+
+} // namespace
+
+char const* NameOf(Property property) { return kTable[static_cast<std::size_t>(property)].name; }
+
+Cascade::Cascade(SvgDocument const& document, Complaint complain)
+    : mDocument(document), mComplain(std::move(complain)) {
+    // The walk goes from node to node, because the nesting may be deeper than the stack.
+    pugi::xml_node node = document.Root();
+    while (node) {
+        if (IsElement(node) && document.LocalName(node) == "style") {
+            ReadSheet(node);
+        }
+        if (pugi::xml_node const child = node.first_child()) {
+            node = child;
+            continue;
+        }
+        while (node && !node.next_sibling()) {
+            node = node.parent();
+        }
+        node = node.next_sibling();
+    }
+    for (std::size_t i = 0; i < mRules.size(); ++i) {
+        CssCompound const& last = mRules[i].selector.compounds.back();
+        if (!last.ids.empty()) {
+            mById[last.ids.front()].push_back(i);
+        } else if (!last.classes.empty()) {
+            mByClass[last.classes.front()].push_back(i);
+        } else if (!last.type.empty()) {
+            mByType[last.type].push_back(i);
+        } else {
+            mOthers.push_back(i);
+        }
+    }
+}
+
+void Cascade::ReadSheet(pugi::xml_node style) {
+    std::string const type = AsciiLower(Trimmed(style.attribute("type").value()));
+    if (!type.empty() && type != "text/css") {
+        mComplain(mDocument.Place(style), "a style sheet of the type '" + type + "' is left out");
+        return;
+    }
+    std::string const media = style.attribute("media").value();
+    bool known = true;
+    if (!MediaApply(media, known)) {
+        if (!known) {
+            mComplain(mDocument.Place(style), "the style sheet for '" + media + "' is left out");
+        }
+        return;
+    }
+    std::string text;
+    std::size_t begin = mDocument.Offset(style);
+    for (pugi::xml_node const child : style.children()) {
+        if (text.empty()) {
+            begin = static_cast<std::size_t>(std::max<std::ptrdiff_t>(child.offset_debug(), 0));
+        }
+        text += child.value();
+    }
+    std::size_t const first = mDocument.LineOf(begin);
+    auto const complain = [&](std::size_t offset, std::string const& message) {
+        auto const end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
+        auto const line = first + static_cast<std::size_t>(std::count(text.begin(), end, '\n'));
+        mComplain("line " + std::to_string(line) + ", <style>", message);
+    };
+    for (CssRule& rule : ParseStyleSheet(text, complain)) {
+        Block block;
+        block.values = ValuesOf(rule.declarations, complain);
+        block.all = std::move(rule.declarations);
+        for (CssSelector& selector : rule.selectors) {
+            mRules.push_back({std::move(selector), mBlocks.size(), mRules.size()});
+        }
+        mBlocks.push_back(std::move(block));
+    }
+}
+
+std::vector<Cascade::Value> Cascade::ValuesOf(std::vector<CssDeclaration> const& declarations,
+                                              CssComplaint const& complain) const {
+    std::vector<Value> values;
+    for (CssDeclaration const& declaration : declarations) {
+        std::size_t const index = IndexOf(declaration.property);
+        if (index == kProperties) {
+            continue;
+        }
+        auto const property = static_cast<Property>(index);
+        if (!IsValid(property, declaration.value, true)) {
+            complain(declaration.offset,
+                     "'" + declaration.property + ": " + declaration.value + "' is left out");
+            continue;
+        }
+        values.push_back({property, declaration.value, declaration.important});
+    }
+    return values;
+}
+
+std::vector<Cascade::Value> const& Cascade::StyleAttribute(pugi::xml_node element) {
+    std::string_view const text = element.attribute("style").value();
+    auto const found = mStyleAttributes.find(text);
+    if (found != mStyleAttributes.end()) {
+        return found->second;
+    }
+    auto const complain = [&](std::size_t, std::string const& message) {
+        mComplain(mDocument.Place(element), "in the style attribute, " + message);
+    };
+    return mStyleAttributes.emplace(text, ValuesOf(ParseDeclarations(text, complain), complain))
+        .first->second;
+}
+
+bool Cascade::MatchesOne(CssCompound const& compound, pugi::xml_node element,
+                         std::string_view type) const {
+    if (!compound.type.empty() && compound.type != type) {
+        return false;
+    }
+    for (std::string const& id : compound.ids) {
+        if (element.attribute("id").value() != id) {
+            return false;
+        }
+    }
+    std::string_view const classes = element.attribute("class").value();
+    for (std::string const& name : compound.classes) {
+        if (!HasWord(classes, name)) {
+            return false;
+        }
+    }
+    for (CssAttributeTest const& test : compound.attributes) {
+        if (!tool::Matches(test, element)) {
+            return false;
+        }
+    }
+    for (CssPseudo const& pseudo : compound.pseudos) {
+        bool const first = !PreviousElement(element);
+        bool const last = !NextElement(element);
+        auto const any = [&] {
+            return std::any_of(
+                pseudo.arguments.begin(), pseudo.arguments.end(),
+                [&](CssSelector const& argument) { return Matches(argument, element, type); });
+        };
+        bool holds = false;
+        switch (pseudo.kind) {
+        case CssPseudo::Kind::kRoot:
+            holds = element == mDocument.Root();
+            break;
+        case CssPseudo::Kind::kFirstChild:
+            holds = first;
+            break;
+        case CssPseudo::Kind::kLastChild:
+            holds = last;
+            break;
+        case CssPseudo::Kind::kOnlyChild:
+            holds = first && last;
+            break;
+        case CssPseudo::Kind::kNot:
+            holds = !any();
+            break;
+        case CssPseudo::Kind::kIs:
+            holds = any();
+            break;
+        case CssPseudo::Kind::kNever:
+            break;
+        }
+        if (!holds) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Cascade::Matches(CssSelector const& selector, pugi::xml_node element,
+                      std::string_view type) const {
+    std::vector<CssCompound> const& compounds = selector.compounds;
+    std::size_t i = compounds.size() - 1;
+    if (!MatchesOne(compounds[i], element, type)) {
+        return false;
+    }
+    // All elements at which the compounds on the right can begin, the deepest first. The parents of
+    // all of them lie on one line of ancestors, so the work stays in proportion to its length.
+    std::vector<pugi::xml_node> found = {element};
+    for (; i > 0 && !found.empty(); --i) {
+        std::vector<pugi::xml_node> next;
+        auto const take = [&](pugi::xml_node node) {
+            if (IsElement(node) && (next.empty() || next.back() != node) &&
+                MatchesOne(compounds[i - 1], node, mDocument.LocalName(node))) {
+                next.push_back(node);
+            }
+        };
+        char const combinator = compounds[i].combinator;
+        if (combinator == ' ') {
+            for (pugi::xml_node node = found.front().parent(); node; node = node.parent()) {
+                take(node);
+            }
+        } else if (combinator == '>') {
+            for (pugi::xml_node const node : found) {
+                take(node.parent());
+            }
+        } else if (combinator == '+') {
+            for (pugi::xml_node const node : found) {
+                take(PreviousElement(node));
+            }
+        } else {
+            pugi::xml_node parent;
+            for (pugi::xml_node const node : found) {
+                // Of the elements with one parent the first in the list stands furthest back.
+                if (node.parent() != parent) {
+                    parent = node.parent();
+                    for (pugi::xml_node before = PreviousElement(node); before;
+                         before = PreviousElement(before)) {
+                        take(before);
+                    }
+                }
+            }
+        }
+        found = std::move(next);
+    }
+    return !found.empty();
+}
+
+void Cascade::CollectMatches(pugi::xml_node element, std::string_view type,
+                             std::vector<Rule const*>& matches) const {
+    auto const test = [&](std::vector<std::size_t> const& rules) {
+        for (std::size_t const i : rules) {
+            if (Matches(mRules[i].selector, element, type)) {
+                matches.push_back(&mRules[i]);
+            }
+        }
+    };
+    auto const testKey = [&](auto const& map, std::string_view key) {
+        auto const found = map.find(key);
+        if (found != map.end()) {
+            test(found->second);
+        }
+    };
+    testKey(mById, element.attribute("id").value());
+    testKey(mByType, type);
+    std::string_view classes = element.attribute("class").value();
+    std::vector<std::string_view> names;
+    while (!(classes = Trimmed(classes)).empty()) {
+        std::size_t const end = std::min(classes.find_first_of(" \t\r\n\f"), classes.size());
+        std::string_view const name = classes.substr(0, end);
+        if (std::find(names.begin(), names.end(), name) == names.end()) {
+            names.push_back(name);
+            testKey(mByClass, name);
+        }
+        classes.remove_prefix(end);
+    }
+    test(mOthers);
+    std::sort(matches.begin(), matches.end(), [](Rule const* a, Rule const* b) {
+        return std::make_pair(a->selector.specificity, a->order) <
+               std::make_pair(b->selector.specificity, b->order);
+    });
+}
+
+ElementStyle Cascade::Of(pugi::xml_node element) {
+    ElementStyle style;
+    bool hasStyle = false;
+    for (pugi::xml_attribute const attribute : element.attributes()) {
+        hasStyle = hasStyle || std::string_view(attribute.name()) == "style";
+        std::size_t const index = IndexOf(attribute.name());
+        if (index == kProperties) {
+            continue;
+        }
+        auto const property = static_cast<Property>(index);
+        std::string_view const value = Trimmed(attribute.value());
+        if (kTable[index].syntax != Syntax::kLength && kTable[index].syntax != Syntax::kPath &&
+            kTable[index].syntax != Syntax::kAny && !IsValid(property, std::string(value), false)) {
+            mComplain(mDocument.Place(element), "attribute " + std::string(attribute.name()) +
+                                                    ": '" + std::string(value) + "' is left out");
+            continue;
+        }
+        style[property] = {value, false, false};
+    }
+    auto const apply = [&style](std::vector<Value> const& values, bool important) {
+        for (Value const& value : values) {
+            if (value.important == important) {
+                style[value.property] = {value.value, true, important};
+            }
+        }
+    };
+    std::vector<Rule const*> matches;
+    if (!mRules.empty()) {
+        CollectMatches(element, mDocument.LocalName(element), matches);
+    }
+    std::vector<Value> const* const own = hasStyle ? &StyleAttribute(element) : nullptr;
+    for (bool const important : {false, true}) {
+        for (Rule const* rule : matches) {
+            apply(mBlocks[rule->block].values, important);
+        }
+        if (own != nullptr) {
+            apply(*own, important);
+        }
+    }
+    return style;
+}
+
+std::map<std::string, std::string> Cascade::SheetsAs(pugi::xml_node element,
+                                                     std::string_view type) const {
+    std::map<std::string, std::string> values;
+    std::vector<Rule const*> matches;
+    CollectMatches(element, type, matches);
+    for (bool const important : {false, true}) {
+        for (Rule const* rule : matches) {
+            for (CssDeclaration const& declaration : mBlocks[rule->block].all) {
+                if (declaration.important == important) {
+                    values[declaration.property] =
+                        declaration.value + (important ? " !important" : "");
+                }
+            }
+        }
+    }
+    return values;
+}
+
+} // namespace tool
