@@ -32,6 +32,7 @@
 #include "PathStructure.h"
 #include "PolygonOperations.h"
 #include "PolygonWithHoles.h"
+#include "PreparedOutline.h"
 #include "PreparedPolygon.h"
 #include "Records.h"
 #include "Shapes.h"
