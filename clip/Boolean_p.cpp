@@ -4,6 +4,7 @@
 
 #include "ContourOrder_p.h"
 #include "Contours_p.h"
+#include "Stages_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -163,6 +164,20 @@ WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
     second.AppendOwnedLines(places.second, grid, lines);
     grid.FinishAdding();
     return {ContoursOf(std::move(lines), region, grid), std::move(grid)};
+}
+
+WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owners, bool evenOdd,
+                             Scratch* scratch) {
+    Box<double> const all = operands.Bounds();
+    if (!all.HasArea()) {
+        return {RegionContours(scratch), ClipGrid(0, 0, 1, 1)};
+    }
+    ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
+    GridLines lines = RoomForLines(operands, BooleanOperand(scratch), scratch);
+    lines.owners.reserve(lines.ends.capacity());
+    operands.AppendOwnedLines(all, grid, lines);
+    grid.FinishAdding();
+    return {UniteInStages(std::move(lines), owners, evenOdd, grid), std::move(grid)};
 }
 
 } // namespace trammel_detail

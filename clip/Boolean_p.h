@@ -98,6 +98,10 @@ struct WindingResult {
 /// Removes contours that do not matter from both. Throws std::bad_alloc and std::length_error.
 WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
                                WindingRegion const& region, Scratch* scratch);
+/// Returns the contours of the union of operands, which are the contours' owners from 0 to
+/// owners - 1 in this order. Throws std::bad_alloc and std::length_error.
+WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owners, bool evenOdd,
+                             Scratch* scratch);
 
 } // namespace trammel_detail
 

@@ -42,28 +42,34 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
     return sorted;
 }
 
-template <class Region>
-RegionContours CutAndLink(GridLines lines, Region const& region, ClipGrid const& grid,
-                          Recheck recheck) {
-    Scratch* const scratch = lines.points.get_allocator().GetScratch();
-    if (lines.Count() > 2) {
-        lines = SortedAlongMortonCurve(lines);
+/// Lines that are cut, with what LinkContours() needs.
+struct CutLines {
+    CutLines(GridLines uncut, ClipGrid const& grid, Recheck recheck)
+        : lines(uncut.Count() > 2 ? SortedAlongMortonCurve(uncut) : std::move(uncut)),
+          incidences(lines.points.get_allocator()) {
+        CutAtCrossings(lines, grid, recheck, incidences, tree);
     }
-    ScratchVector<Incidence> incidences(scratch);
-    std::optional<EdgeTree> tree;
-    CutAtCrossings(lines, grid, recheck, incidences, tree);
-    return LinkContours(lines, tree, incidences, region);
-}
+
+    GridLines lines;
+    ScratchVector<Incidence> incidences;
+    std::optional<EdgeTree> tree; // refers to the lines
+};
 
 } // namespace
 
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck) {
-    return CutAndLink(std::move(lines), region, grid, recheck);
+    CutLines const cut(std::move(lines), grid, recheck);
+    return LinkContours(cut.lines, cut.tree, cut.incidences, region);
 }
 
-RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid) {
-    return CutAndLink(std::move(lines), region, grid, Recheck::kWhereNeeded);
+RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid,
+                          std::size_t* cutCount) {
+    CutLines const cut(std::move(lines), grid, Recheck::kWhereNeeded);
+    if (cutCount != nullptr) {
+        *cutCount += cut.lines.points.size();
+    }
+    return LinkContours(cut.lines, cut.tree, cut.incidences, region);
 }
 
 } // namespace trammel_detail

@@ -9,6 +9,8 @@
 #include "Lines_p.h"
 #include "Linker_p.h"
 
+#include <cstddef>
+
 namespace trammel_detail {
 
 /// Returns the contours of a region. An operand is what its lines enclose by the even-odd rule. The
@@ -18,8 +20,9 @@ namespace trammel_detail {
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck = Recheck::kWhereNeeded);
 /// Returns the contours of a region by the winding numbers of operands, which are those of the
-/// lines' owners.
-RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid);
+/// lines' owners. Adds the number of vertices after the cutting to `*cutCount` unless it is null.
+RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid,
+                          std::size_t* cutCount = nullptr);
 
 } // namespace trammel_detail
 

@@ -25,7 +25,6 @@ using trammel_detail::RegionOf;
 using trammel_detail::Scratch;
 using trammel_detail::WindingRegion;
 using trammel_detail::WindingResult;
-using trammel_detail::WindingRule;
 
 typedef std::vector<TPolygon<double>> Rings;
 
@@ -43,10 +42,6 @@ void Add(Rings const& rings, std::uint32_t owner, BooleanOperand& operand) {
     for (TPolygon<double> const& ring : rings) {
         Add(ring, owner, operand);
     }
-}
-
-WindingRule RuleFor(FillRule rule, unsigned char group) {
-    return {rule == FillRule::kEvenOdd, group};
 }
 
 bool SetRegion(TPolyOp op, RegionOf& region) {
@@ -116,10 +111,10 @@ Rings ToRings(WindingResult const& result) {
     return rings;
 }
 
-Rings RingsOf(BooleanOperand& first, BooleanOperand& second, WindingRegion const& region,
-              Scratch* scratch) {
+/// Calls `combine` for a result, and returns its rings.
+template <class Combine> Rings RingsOf(Combine&& combine) {
     try {
-        return ToRings(trammel_detail::CombineByWinding(first, second, region, scratch));
+        return ToRings(combine());
     } catch (std::length_error const&) {
         throw std::bad_alloc(); // more edges than 32 bits count
     }
@@ -130,15 +125,15 @@ template <class Polygon> Rings UnionOf(std::vector<Polygon> const& polygons, Fil
     if (polygons.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw std::bad_alloc();
     }
+    auto const count = static_cast<std::uint32_t>(polygons.size());
     Scratch scratch;
     BooleanOperand all(&scratch);
-    BooleanOperand none(&scratch);
-    for (std::size_t i = 0; i < polygons.size(); ++i) {
-        Add(polygons[i], static_cast<std::uint32_t>(i), all);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        Add(polygons[i], i, all);
     }
-    WindingRegion region({{false, true, true, true}}, &scratch);
-    region.rules.assign(polygons.size(), RuleFor(rule, 0));
-    return RingsOf(all, none, region, &scratch);
+    return RingsOf([&] {
+        return trammel_detail::UniteByWinding(all, count, rule == FillRule::kEvenOdd, &scratch);
+    });
 }
 
 } // namespace
@@ -149,12 +144,13 @@ Rings Boolean(TPolyOp op, Rings const& a, FillRule ruleA, Rings const& b, FillRu
     if (!SetRegion(op, region.region)) {
         return {};
     }
-    region.rules = {RuleFor(ruleA, 0), RuleFor(ruleB, 1)};
+    region.rules = {{ruleA == FillRule::kEvenOdd, 0}, {ruleB == FillRule::kEvenOdd, 1}};
     BooleanOperand first(&scratch);
     BooleanOperand second(&scratch);
     Add(a, 0, first);
     Add(b, 1, second);
-    return RingsOf(first, second, region, &scratch);
+    return RingsOf(
+        [&] { return trammel_detail::CombineByWinding(first, second, region, &scratch); });
 }
 
 Rings Union(Rings const& polygons, FillRule rule) { return UnionOf(polygons, rule); }
@@ -164,11 +160,10 @@ Rings Union(std::vector<Rings> const& polygons, FillRule rule) { return UnionOf(
 Rings RemoveOverlap(Rings const& rings, FillRule rule) {
     Scratch scratch;
     BooleanOperand all(&scratch);
-    BooleanOperand none(&scratch);
     Add(rings, 0, all);
-    WindingRegion region({{false, true, true, true}}, &scratch);
-    region.rules.assign(1, RuleFor(rule, 0));
-    return RingsOf(all, none, region, &scratch);
+    return RingsOf([&] {
+        return trammel_detail::UniteByWinding(all, 1, rule == FillRule::kEvenOdd, &scratch);
+    });
 }
 
 } // namespace trammel

@@ -289,6 +289,62 @@ TEST(PolygonOperations, UniteAnyNumberOfPolygonsByTheirOwnWindingNumbers) {
     }
 }
 
+/// Polygons of `vertices` vertices at random places of a field. Their areas make `cover` times it.
+Rings RandomFigures(Dice& dice, int count, int vertices, double cover) {
+    Rings figures;
+    for (int i = 0; i < count; ++i) {
+        double const h = dice.Unit();
+        double const v = dice.Unit();
+        double const radius = std::sqrt(cover / count) * (0.3 + 0.6 * dice.Unit());
+        double const turn = dice.Unit();
+        TPolygon<double> figure;
+        for (int k = 0; k < vertices; ++k) {
+            double const angle = 6.283185307179586 * (turn + static_cast<double>(k) / vertices);
+            figure.Append(Pt(h + radius * std::cos(angle), v + radius * std::sin(angle)), true);
+        }
+        figures.push_back(dice.Below(2) == 0 ? figure : Reversed(figure));
+    }
+    return figures;
+}
+
+// From sparse figures, which are cut at once, to dense ones, which take several stages.
+TEST(PolygonOperations, UniteManyInStagesOrAtOnce) {
+    Dice dice(20250106);
+    for (double const cover : {0.1, 1.0, 5.0, 40.0}) {
+        for (int const vertices : {3, 4, 24}) {
+            Rings const figures = RandomFigures(dice, 600, vertices, cover);
+            Rings const result = Union(figures, FillRule::kNonZero);
+            for (int i = 0; i < 400; ++i) {
+                Pt const p(1.2 * dice.Unit() - 0.1, 1.2 * dice.Unit() - 0.1);
+                bool inside = false;
+                for (TPolygon<double> const& figure : figures) {
+                    inside = inside || Contains(figure, p, FillRule::kNonZero);
+                }
+                ASSERT_EQ(WindingOf(result, p), inside ? 1 : 0) << cover << " " << vertices;
+            }
+            EXPECT_EQ(Text(RemoveOverlap(result, FillRule::kEvenOdd)), Text(result));
+        }
+    }
+}
+
+TEST(PolygonOperations, UniteManyPolygonsWithHoles) {
+    // Frames, each within the last one's hole, and all of them again.
+    std::vector<Rings> frames;
+    for (int copy = 0; copy < 2; ++copy) {
+        for (int i = 0; i < 100; ++i) {
+            frames.push_back(
+                {Square(2 * i, 2 * i, 800 - 4 * i), Square(2 * i + 1, 2 * i + 1, 800 - 4 * i - 2)});
+        }
+    }
+    Rings const result = Union(frames, FillRule::kEvenOdd);
+    EXPECT_EQ(result.size(), 200U);
+    double area = 0;
+    for (int i = 0; i < 100; ++i) {
+        area += std::pow(800 - 4 * i, 2) - std::pow(800 - 4 * i - 2, 2);
+    }
+    EXPECT_EQ(Area(result), area);
+}
+
 TEST(PolygonOperations, HaveTheAreasThatStripsHave) {
     Dice dice(20250103);
     for (int round = 0; round < 60; ++round) {
@@ -344,6 +400,92 @@ TEST(PolygonOperations, RemoveOverlapsOnce) {
             RemoveOverlap(RandomRings(dice, 5, round % 2 != 0), kRules[dice.Below(2)]);
         for (FillRule const rule : kRules) {
             EXPECT_EQ(Text(RemoveOverlap(once, rule)), Text(once)) << "round " << round;
+        }
+    }
+}
+
+// Hard input.
+
+TEST(PolygonOperations, UniteAThousandPolygonsThroughOnePoint) {
+    Rings wedges;
+    for (int i = 0; i < 1000; ++i) {
+        double const angle = 0.006 * i;
+        wedges.push_back(Ring({Pt(1, 2), Pt(1 + std::cos(angle), 2 + std::sin(angle)),
+                               Pt(1 + std::cos(angle + 0.001), 2 + std::sin(angle + 0.001))}));
+    }
+    Rings const result = Union(wedges, FillRule::kNonZero);
+    EXPECT_EQ(result.size(), wedges.size());
+    EXPECT_NEAR(Area(result), 1000 * 0.5 * std::sin(0.001), 1e-11);
+}
+
+TEST(PolygonOperations, UniteHundredsOfCoincidentAndReversedCopies) {
+    Rings copies;
+    for (int i = 0; i < 200; ++i) {
+        copies.push_back(i % 3 == 0 ? Reversed(Pentagram()) : Pentagram());
+    }
+    EXPECT_EQ(Text(Union(copies, FillRule::kNonZero)),
+              Text(RemoveOverlap({Pentagram()}, FillRule::kNonZero)));
+    EXPECT_EQ(Text(Union(copies, FillRule::kEvenOdd)),
+              Text(RemoveOverlap({Pentagram()}, FillRule::kEvenOdd)));
+    // Twice as many run one way as the other, so that they do not cancel.
+    EXPECT_EQ(Text(RemoveOverlap(copies, FillRule::kNonZero)),
+              Text(RemoveOverlap({Pentagram()}, FillRule::kNonZero)));
+}
+
+TEST(PolygonOperations, KeepTheRegionOfNudgedCopies) {
+    Dice dice(20250107);
+    for (double const nudge : {1e-16, 1e-15, 1e-13, 1e-10, 1e-7, 1e-5}) {
+        for (int round = 0; round < 20; ++round) {
+            Rings rings = {RandomRing(dice, 12, false)};
+            for (int copy = 0; copy < 3; ++copy) {
+                TPolygon<double> nudged;
+                for (long i = 0; i <= rings[0].LastIndex(); ++i) {
+                    Pt const p = rings[0].GetPt(i);
+                    nudged.Append(
+                        Pt(p.h + nudge * (dice.Unit() - 0.5), p.v + nudge * (dice.Unit() - 0.5)),
+                        true);
+                }
+                rings.push_back(nudged);
+            }
+            for (FillRule const rule : kRules) {
+                double const wrong =
+                    StripArea({{rings[0]}, {rings[1]}, {rings[2]}, {rings[3]}, Union(rings, rule)},
+                              [&](std::vector<int> const& windings) {
+                                  bool inside = false;
+                                  for (std::size_t i = 0; i < 4; ++i) {
+                                      inside = inside || IsInside(windings[i], rule);
+                                  }
+                                  return windings[4] != (inside ? 1 : 0);
+                              });
+                ASSERT_LE(wrong, 1e-11) << nudge << " round " << round;
+            }
+        }
+    }
+}
+
+TEST(PolygonOperations, GiveTheSameRegionWhereverTheOperandsLie) {
+    Dice dice(20250108);
+    for (int round = 0; round < 40; ++round) {
+        Rings const a = RandomRings(dice, 3, false);
+        Rings const b = RandomRings(dice, 3, false);
+        CMatrix3x3 map;
+        double const size = std::ldexp(1.0, dice.Below(80) - 40);
+        map.Scale(Pt(size, size));
+        map.Rotate(6.28 * dice.Unit());
+        map.Translate(Pt(size * 1e3 * dice.Unit(), -size * 1e3 * dice.Unit()));
+        Rings mappedA = a;
+        Rings mappedB = b;
+        for (Rings* const rings : {&mappedA, &mappedB}) {
+            for (TPolygon<double>& ring : *rings) {
+                ring.Transform(map);
+            }
+        }
+        for (TPolyOp const op : kOperations) {
+            for (FillRule const rule : kRules) {
+                EXPECT_NEAR(Area(Boolean(op, a, rule, b, rule)),
+                            Area(Boolean(op, mappedA, rule, mappedB, rule)) / (size * size), 1e-9)
+                    << "round " << round << " operation " << op;
+            }
         }
     }
 }
