@@ -5,18 +5,71 @@
 #include "SvgPathGrammar_p.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string_view>
 
 namespace trammel_detail {
 
 namespace {
 
-/// Respells "-d.ddde-xx" without superfluous zeros, point, sign or exponent.
-SvgNumeral Respelled(std::string_view scientific) {
+/// Spells the number of `count` digits, the last of which counts 10^exponent, without superfluous
+/// zeros, point, sign or exponent.
+SvgNumeral Spelled(bool negative, char const* digits, int count, int exponent) {
     SvgNumeral out;
-    auto const put = [&](char c) { out.text[out.length++] = c; };
-    if (scientific[0] == '-') {
-        put('-');
+    char* end = out.text;
+    if (negative) {
+        *end++ = '-';
+    }
+    while (count > 1 && digits[count - 1] == '0') {
+        --count;
+        ++exponent;
+    }
+    if (count == 1 && digits[0] == '0') {
+        exponent = 0;
+    }
+
+    char exponentText[8];
+    auto const exponentLength =
+        exponent == 0
+            ? std::ptrdiff_t{1}
+            : std::to_chars(exponentText, exponentText + sizeof exponentText, exponent).ptr -
+                  exponentText;
+    int const point = count + exponent; // digits in front of the point, below 0: zeros after it
+    int const plainLength = exponent >= 0 ? point : point > 0 ? count + 1 : 1 - exponent;
+    if (plainLength <= count + 1 + static_cast<int>(exponentLength)) {
+        // From the first digit, or the point in front of it, to the last digit or the unit.
+        int const whole = std::min(std::max(point, 0), count);
+        end = std::copy_n(digits, whole, end);
+        end = std::fill_n(end, std::max(exponent, 0), '0');
+        out.fraction = exponent < 0;
+        if (out.fraction) {
+            *end++ = '.';
+            end = std::fill_n(end, std::max(-point, 0), '0');
+            end = std::copy_n(digits + whole, count - whole, end);
+        }
+    } else {
+        end = std::copy_n(digits, count, end);
+        *end++ = 'e';
+        end = std::copy_n(exponentText, exponentLength, end);
+        out.fraction = true;
+    }
+    out.length = static_cast<std::size_t>(end - out.text);
+    return out;
+}
+
+// ------------------------------------------------------------------------------------------------
+// Any number, by the standard library
+
+/// Spells "-d.ddde-xx".
+SvgNumeral Respelled(std::string_view scientific) {
+    bool const negative = scientific[0] == '-';
+    if (negative) {
         scientific.remove_prefix(1);
     }
     std::size_t const e = scientific.find('e');
@@ -31,42 +84,7 @@ SvgNumeral Respelled(std::string_view scientific) {
             digits[count++] = c;
         }
     }
-    exponent -= count - 1; // of the last digit
-    while (count > 1 && digits[count - 1] == '0') {
-        --count;
-        ++exponent;
-    }
-    if (count == 1 && digits[0] == '0') {
-        exponent = 0;
-    }
-
-    char exponentText[8];
-    std::size_t const exponentLength = static_cast<std::size_t>(
-        std::to_chars(exponentText, exponentText + sizeof exponentText, exponent).ptr -
-        exponentText);
-    int const point = count + exponent; // digits in front of the point, below 0: zeros after it
-    int const plainLength = exponent >= 0 ? point : point > 0 ? count + 1 : 1 - exponent;
-    if (plainLength <= count + 1 + static_cast<int>(exponentLength)) {
-        // From the first digit, or the point in front of it, to the last digit or the unit.
-        int const begin = std::min(point, 0);
-        for (int i = begin; i < std::max(count, point); ++i) {
-            if (i == point && exponent < 0) {
-                put('.');
-            }
-            put(i >= 0 && i < count ? digits[i] : '0');
-        }
-        out.fraction = exponent < 0;
-    } else {
-        for (int i = 0; i < count; ++i) {
-            put(digits[i]);
-        }
-        put('e');
-        for (std::size_t i = 0; i < exponentLength; ++i) {
-            put(exponentText[i]);
-        }
-        out.fraction = true;
-    }
-    return out;
+    return Spelled(negative, digits, count, exponent - (count - 1));
 }
 
 /// Writes "-d.ddde-xx" into `buffer`: with the fewest digits that read as `value`, or with the
@@ -79,21 +97,12 @@ std::string_view Scientific(char (&buffer)[40], double value, Digits... digits) 
     return std::string_view(buffer, static_cast<std::size_t>(end - buffer));
 }
 
-} // namespace
-
-SvgNumeral AbsoluteNumeral(double value) {
-    char buffer[40];
-    return Respelled(Scientific(buffer, value));
-}
-
-// The numbers that give `to` fill an interval around the difference; it is as wide as the rounding
-// of `to`. With each further digit the nearest decimal comes no farther from the interval's middle,
-// so halving finds the least number of digits.
-bool FindRelativeNumeral(double from, double to, SvgNumeral& numeral) {
-    double const difference = to - from;
-    if (!std::isfinite(difference) || !Same(from + difference, to)) {
-        return false;
-    }
+/// Returns the numeral that FindRelativeNumeral asks for.
+///
+/// The numbers that give `to` fill an interval around the difference; it is as wide as the rounding
+/// of `to`. With each further digit the nearest decimal comes no farther from the interval's
+/// middle, so halving finds the least number of digits.
+SvgNumeral RelativeByHalving(double from, double to, double difference) {
     char text[40];
     std::string_view best = Scientific(text, difference);
     int lowest = 1;
@@ -112,7 +121,321 @@ bool FindRelativeNumeral(double from, double to, SvgNumeral& numeral) {
             lowest = middle + 1;
         }
     }
-    numeral = Respelled(best);
+    return Respelled(best);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Ordinary numbers, by integers
+
+// GCC and Clang have it on all 64-bit processors.
+__extension__ typedef unsigned __int128 Wide;
+
+constexpr int kMostDecimals = 27; ///< 5^27 has 63 bits, and 53 more fit beside it
+
+constexpr std::array<std::uint64_t, kMostDecimals + 1> PowersOfFive() {
+    std::array<std::uint64_t, kMostDecimals + 1> powers{};
+    std::uint64_t power = 1;
+    for (std::uint64_t& p : powers) {
+        p = power;
+        power *= 5;
+    }
+    return powers;
+}
+constexpr std::array<std::uint64_t, kMostDecimals + 1> kPowersOfFive = PowersOfFive();
+
+constexpr std::array<double, kMostDecimals + 1> Tenths() {
+    std::array<double, kMostDecimals + 1> tenths{};
+    double power = 1.0;
+    for (double& tenth : tenths) {
+        tenth = 1.0 / power; // rounded
+        power *= 10.0;
+    }
+    return tenths;
+}
+constexpr std::array<double, kMostDecimals + 1> kTenths = Tenths();
+
+/// An ordinary number m·2^-s, where m has 53 bits, and the decimals near it.
+class Ordinary {
+public:
+    /// Sums and differences of numbers below this one are right to an eighth.
+    static constexpr double kGreatest = 0x1p49;
+
+    /// Returns false where the number is too large, or so small that it takes too many decimals.
+    bool Set(double number) {
+        std::uint64_t bits;
+        std::memcpy(&bits, &number, sizeof bits);
+        int const exponent = static_cast<int>(bits >> 52 & 0x7FF) - 1023;
+        mSignificand = (bits & (kHidden - 1)) | kHidden;
+        mShift = 52 - exponent;
+        mNumber = number;
+        if (exponent < -29 || exponent >= 49) {
+            return false;
+        }
+        // With so many decimals it is below 2^60 without the point, but has 17 digits, which always
+        // suffice. 1233/4096 is a little less than log10(2).
+        mMost = (59 - exponent) * 1233 >> 12;
+        mUlp = std::copysign(PowerOfTwo(-mShift), number);
+        return true;
+    }
+    int MostDecimals() const { return mMost; }
+
+    /// Rounds the number to the given number of decimals. False where no digit is left.
+    bool Round(int decimals) {
+        std::uint64_t const five = kPowersOfFive[static_cast<std::size_t>(decimals)];
+        int const shift = mShift - decimals; // from 1 to 81
+        Wide const product = Wide{mSignificand} * five;
+        Wide const whole = product >> shift;
+        if (whole == 0) {
+            return false;
+        }
+        Wide const one = Wide{1} << shift;
+        Wide const rest = product & (one - 1);
+        bool const up = rest + rest > one || (rest + rest == one && (whole & 1) != 0);
+        mDigits = static_cast<std::uint64_t>(whole) + (up ? 1 : 0);
+        // 62 bits of the rest suffice.
+        int const drop = std::max(shift - 62, 0);
+        auto const part = static_cast<std::int64_t>((up ? one - rest : rest) >> drop);
+        mOff = static_cast<double>(part) * PowerOfTwo(drop) / static_cast<double>(five);
+        mOff = up ? mOff : -mOff;
+        return true;
+    }
+    /// Returns the digits of the rounded number, without the point.
+    std::uint64_t Digits() const { return mDigits; }
+
+    /// Tells whether `from` and the double as which the digits read give `to`. Returns nothing
+    /// where that is not certain.
+    std::optional<bool> Gives(double from, double to) const {
+        Way const way = TheWay();
+        bool const gives = Same(from + (mNumber + std::copysign(way.length, mOff) * mUlp), to);
+        return gives && !way.whole ? std::nullopt : std::optional<bool>(gives);
+    }
+    /// As Gives, and the same holds with more decimals where it is true, and with fewer where it is
+    /// false. Returns nothing where that is not certain.
+    std::optional<bool> GivesFromHereOn(double from, double to) const {
+        // Decimals come nearer to the number with each further digit, from either side. So both
+        // sides have to agree.
+        Way const way = TheWay();
+        bool const above = Same(from + (mNumber + way.length * mUlp), to);
+        bool const below = Same(from + (mNumber - way.length * mUlp), to);
+        return above != below || (above && !way.whole) ? std::nullopt : std::optional<bool>(above);
+    }
+    /// True where it is certain that `from` and no decimal give `to` that is as far as `distance`,
+    /// or farther, from the rounded number. False says nothing.
+    bool NoneGives(double from, double to, double distance) const {
+        double const way = distance * (1.0 - 0x1p-20) - (std::abs(mOff) + 2.0) * std::abs(mUlp);
+        return way > 0.0 && !Same(from + (mNumber + way), to) && !Same(from + (mNumber - way), to);
+    }
+
+private:
+    static constexpr std::uint64_t kHidden = std::uint64_t{1} << 52;
+
+    /// The way from the number to the double as which the digits read, in units in the last place.
+    struct Way {
+        double length;
+        bool
+            whole; ///< false where the length is only a part, which is enough to see that it is far
+    };
+    Way TheWay() const {
+        double const off = std::abs(mOff);
+        double const steps = (off + 0x1p52) - 0x1p52; // the nearest integer
+        auto const significand = static_cast<double>(mSignificand);
+        // Doubles lie as densely all the way, and the rounding to them is certain.
+        if (off == 0.0 || (off < 0x1p30 && std::abs(off - steps) < 0.499 &&
+                           significand - steps > 0x1p52 && significand + steps < 0x1p53 - 1.0)) {
+            return {steps, true};
+        }
+        return {std::max(off * (1.0 - 0x1p-20) - 2.0, 0.0), false};
+    }
+
+    static double PowerOfTwo(int exponent) {
+        std::uint64_t const bits = static_cast<std::uint64_t>(exponent + 1023) << 52;
+        double power;
+        std::memcpy(&power, &bits, sizeof power);
+        return power;
+    }
+
+    double mNumber;
+    double mUlp; ///< a unit in the last place, with the number's sign
+    std::uint64_t mSignificand;
+    int mShift;
+    int mMost;
+    std::uint64_t mDigits;
+    double mOff; ///< units from the number to the rounded one, positive when that is farther from 0
+};
+
+/// Drops zeros at the end of the decimals.
+void DropZeros(std::uint64_t& digits, int& decimals) {
+    struct Step {
+        int zeros;
+        std::uint64_t power;
+    };
+    constexpr std::array<Step, 4> kSteps = {Step{8, 100000000}, Step{4, 10000}, Step{2, 100},
+                                            Step{1, 10}};
+    if (digits % 10 != 0) {
+        return;
+    }
+    for (Step const& step : kSteps) {
+        while (decimals >= step.zeros && digits % step.power == 0) {
+            digits /= step.power;
+            decimals -= step.zeros;
+        }
+    }
+}
+
+/// Digits without the point, which stands in front of the last `decimals` of them.
+struct Decimal {
+    std::uint64_t digits;
+    int decimals;
+};
+
+/// Finds the decimal of fewest digits that gives `to` when added to `from`. Returns nothing where
+/// success does not begin at one number of decimals and last from there on, or where this form
+/// of the search cannot be certain.
+std::optional<Decimal> FindByGuess(Ordinary& number, double from, double to, int& guess) {
+    Decimal best{0, -1};
+    int decimals = std::min(guess, number.MostDecimals());
+    while (decimals >= 0 && decimals <= number.MostDecimals()) {
+        std::optional<bool> const gives =
+            number.Round(decimals) ? number.GivesFromHereOn(from, to) : std::optional<bool>(false);
+        if (!gives) {
+            return std::nullopt;
+        }
+        if (*gives) {
+            guess = best.decimals == decimals + 1 ? decimals : guess;
+            best = {number.Digits(), decimals};
+            DropZeros(best.digits, best.decimals);
+            // With one decimal less, the nearest number is off by the last digit, or by what that
+            // lacks to ten.
+            auto const last = static_cast<double>(best.digits % 10);
+            double const off = std::min(last, 10.0 - last);
+            decimals = best.decimals;
+            if (number.NoneGives(from, to, off * kTenths[static_cast<std::size_t>(decimals)])) {
+                return best;
+            }
+            --decimals;
+        } else if (best.decimals > decimals) {
+            return best;
+        } else {
+            guess = ++decimals;
+        }
+    }
+    return decimals < 0 ? std::optional<Decimal>(best) : std::nullopt;
+}
+
+/// Finds the decimal that RelativeByHalving finds, by the same steps. Returns nothing where a step
+/// is not certain.
+std::optional<Decimal> FindByHalving(Ordinary& number, double difference, double from, double to,
+                                     int guess) {
+    std::optional<Decimal> best = FindByGuess(number, 0.0, difference, guess);
+    if (!best || best->decimals == 0) {
+        return best; // of two integers only one gives `to`
+    }
+    int highest = 1;
+    for (std::uint64_t rest = best->digits; rest >= 10; rest /= 10) {
+        ++highest;
+    }
+    int const behind = best->decimals - highest; // decimals of no digit
+    int lowest = 1;
+    while (lowest < highest) {
+        int const middle = (lowest + highest) / 2;
+        if (behind + middle < 0 || !number.Round(behind + middle)) {
+            return std::nullopt;
+        }
+        std::optional<bool> const gives = number.Gives(from, to);
+        if (!gives) {
+            return std::nullopt;
+        }
+        if (*gives) {
+            highest = middle;
+            best = Decimal{number.Digits(), behind + middle};
+        } else {
+            lowest = middle + 1;
+        }
+    }
+    return best;
+}
+
+/// The numbers from 00 to 99, one after the other.
+constexpr std::array<char, 200> Pairs() {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}
+constexpr std::array<char, 200> kPairs = Pairs();
+
+/// Writes two digits in front of `end`, and returns their place.
+char* PairBefore(char* end, std::uint32_t number) {
+    std::memcpy(end - 2, &kPairs[2 * static_cast<std::size_t>(number)], 2);
+    return end - 2;
+}
+
+/// Writes the digits of a number that is not 0 in front of `end`, and returns the first one's
+/// place.
+char* DigitsBefore(char* end, std::uint64_t number) {
+    for (; number >= 100000000; number /= 100000000) {
+        auto const part = static_cast<std::uint32_t>(number % 100000000);
+        std::uint32_t const high = part / 10000;
+        std::uint32_t const low = part % 10000;
+        end = PairBefore(PairBefore(end, low % 100), low / 100);
+        end = PairBefore(PairBefore(end, high % 100), high / 100);
+    }
+    auto part = static_cast<std::uint32_t>(number);
+    for (; part >= 100; part /= 100) {
+        end = PairBefore(end, part % 100);
+    }
+    return part >= 10 ? PairBefore(end, part) : part == 0 ? end : PairBefore(end, part) + 1;
+}
+
+/// Sets `numeral` to the numeral of fewest digits that gives `to` when added to `from`. Returns
+/// false where this form of the search does not know it.
+bool FindFewestDigits(double from, double to, double difference, int& guess, SvgNumeral& numeral) {
+    Ordinary number;
+    if (!(std::abs(to) < Ordinary::kGreatest) || !number.Set(difference)) {
+        return false;
+    }
+    std::optional<Decimal> best = FindByGuess(number, from, to, guess);
+    if (!best) {
+        best = FindByHalving(number, difference, from, to, guess);
+    }
+    if (!best) {
+        return false;
+    }
+    char text[24];
+    char* const end = text + sizeof text;
+    char const* const begin = DigitsBefore(end, best->digits);
+    numeral = Spelled(difference < 0.0, begin, static_cast<int>(end - begin), -best->decimals);
+    return true;
+}
+
+SvgNumeral Zero(bool negative) { return Spelled(negative, "0", 1, 0); }
+
+} // namespace
+
+SvgNumeral AbsoluteNumeral(double value, int& guess) {
+    SvgNumeral numeral;
+    if (value == 0.0) {
+        return Zero(std::signbit(value));
+    }
+    if (FindFewestDigits(0.0, value, value, guess, numeral)) {
+        return numeral;
+    }
+    char buffer[40];
+    return Respelled(Scientific(buffer, value));
+}
+
+bool FindRelativeNumeral(double from, double to, int& guess, SvgNumeral& numeral) {
+    double const difference = to - from;
+    if (!std::isfinite(difference) || !Same(from + difference, to)) {
+        return false;
+    }
+    if (difference == 0.0) {
+        numeral = Zero(std::signbit(difference));
+    } else if (!FindFewestDigits(from, to, difference, guess, numeral)) {
+        numeral = RelativeByHalving(from, to, difference);
+    }
     return true;
 }
 

@@ -5,6 +5,8 @@
 #ifndef TRAMMEL_SVGNUMERAL_P_H
 #define TRAMMEL_SVGNUMERAL_P_H
 
+#include "TrammelExport.h"
+
 #include <cmath>
 #include <cstddef>
 #include <string_view>
@@ -26,12 +28,14 @@ struct SvgNumeral {
 };
 
 /// Returns the shortest numeral that reads as `value`, which is finite.
-SvgNumeral AbsoluteNumeral(double value);
+/// \param guess the number of decimals, 0 or more, at which the search begins; becomes a number for
+///     the next one like this. The numeral does not depend on it.
+TRAMMEL_API SvgNumeral AbsoluteNumeral(double value, int& guess);
 
 /// Sets `numeral` to the numeral of fewest digits that gives `to`, bit by bit, when added to
 /// `from`. It is the difference, rounded to these digits. Returns false when the difference, as a
-/// double, does not give `to` itself.
-bool FindRelativeNumeral(double from, double to, SvgNumeral& numeral);
+/// double, does not give `to` itself. `guess` is as above.
+TRAMMEL_API bool FindRelativeNumeral(double from, double to, int& guess, SvgNumeral& numeral);
 
 } // namespace trammel_detail
 

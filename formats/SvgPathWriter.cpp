@@ -25,6 +25,7 @@ using trammel_detail::IsFinite;
 using trammel_detail::PointCount;
 using trammel_detail::Reflected;
 using trammel_detail::Same;
+using trammel_detail::SvgNumeral;
 using trammel_detail::SvgNumerals;
 using trammel_detail::SvgShortestText;
 
@@ -67,19 +68,22 @@ public:
     }
 
 private:
-    template <class... Points> static SvgNumerals AbsoluteNumerals(Points const&... points) {
+    template <class... Points> SvgNumerals AbsoluteNumerals(Points const&... points) {
         SvgNumerals out;
         for (Pt const& p : {points...}) {
-            out.items[out.count++] = AbsoluteNumeral(p.h);
-            out.items[out.count++] = AbsoluteNumeral(p.v);
+            out.items[out.count++] = AbsoluteNumeral(p.h, mDecimals);
+            out.items[out.count++] = AbsoluteNumeral(p.v, mDecimals);
         }
         return out;
     }
-    template <class... Points> SvgNumerals RelativeNumerals(Points const&... points) const {
+    bool FindRelative(double from, double to, SvgNumeral& numeral) {
+        return FindRelativeNumeral(from, to, mRelativeDecimals, numeral);
+    }
+    template <class... Points> SvgNumerals RelativeNumerals(Points const&... points) {
         SvgNumerals out;
         for (Pt const& p : {points...}) {
-            out.valid = out.valid && FindRelativeNumeral(mCurrent.h, p.h, out.items[out.count++]) &&
-                        FindRelativeNumeral(mCurrent.v, p.v, out.items[out.count++]);
+            out.valid = out.valid && FindRelative(mCurrent.h, p.h, out.items[out.count++]) &&
+                        FindRelative(mCurrent.v, p.v, out.items[out.count++]);
         }
         return out;
     }
@@ -140,7 +144,7 @@ private:
                    double from, double to) {
         mText.AddSpelling(letter, letter, OneNumeral(absolute, i));
         SvgNumerals relative;
-        relative.valid = FindRelativeNumeral(from, to, relative.items[0]);
+        relative.valid = FindRelative(from, to, relative.items[0]);
         relative.count = 1;
         mText.AddSpelling(relativeLetter, relativeLetter, relative);
     }
@@ -193,6 +197,8 @@ private:
     }
 
     SvgShortestText mText;
+    int mDecimals = 0; ///< of the numbers written last, where the search for the next ones begins
+    int mRelativeDecimals = 0;
 
     // As the path is measured.
     Pt mMeasured;            ///< the last point drawn

@@ -2,16 +2,18 @@
 
 #include "SvgShortestText_p.h"
 
+#include <cstring>
 #include <limits>
+#include <memory>
 #include <utility>
 
 namespace trammel_detail {
 
 void SvgShortestText::BeginElement() {
     if (++mCount > mElements.size()) {
-        mElements.emplace_back();
+        mElements.push_back(std::make_unique<Element>());
     }
-    mElements[mCount - 1].count = 0;
+    At(mCount - 1).count = 0;
 }
 
 void SvgShortestText::AddSpelling(char letter, char repeats, SvgNumerals const& numerals,
@@ -19,25 +21,27 @@ void SvgShortestText::AddSpelling(char letter, char repeats, SvgNumerals const& 
     if (!numerals.valid) {
         return;
     }
-    Element& element = mElements[mCount - 1];
+    Element& element = At(mCount - 1);
     Spelling& spelling = element.spellings[element.count++];
     spelling.letter = letter;
     spelling.repeats = repeats;
     spelling.fraction = false;
-    spelling.numbers.clear();
+    char* end = spelling.numbers;
     for (std::size_t i = begin; i < numerals.count; ++i) {
         SvgNumeral const& numeral = numerals.items[i];
         char const first = numeral.text[0];
         if (i > begin && first != '-' && !(first == '.' && spelling.fraction)) {
-            spelling.numbers += ' ';
+            *end++ = ' ';
         }
-        spelling.numbers += numeral.View();
+        std::memcpy(end, numeral.text, sizeof numeral.text); // of a known size: a few instructions
+        end += numeral.length;
         spelling.fraction = numeral.fraction;
     }
+    spelling.size = static_cast<std::size_t>(end - spelling.numbers);
 }
 
 void SvgShortestText::EndElement() {
-    Element& element = mElements[mCount - 1];
+    Element& element = At(mCount - 1);
     bool settled = true;
     for (std::size_t i = 0; i < element.count; ++i) {
         Spelling& spelling = element.spellings[i];
@@ -47,7 +51,7 @@ void SvgShortestText::EndElement() {
             spelling.cost = Cost(mSettled, spelling);
             continue;
         }
-        Element const& before = mElements[mCount - 2];
+        Element const& before = At(mCount - 2);
         for (std::size_t j = 0; j < before.count; ++j) {
             std::size_t const cost = before.spellings[j].cost + Cost(before.spellings[j], spelling);
             bool const tie = cost == spelling.cost;
@@ -69,7 +73,7 @@ void SvgShortestText::EndElement() {
 
 std::string SvgShortestText::Take() {
     if (mCount > 0) {
-        Element const& last = mElements[mCount - 1];
+        Element const& last = At(mCount - 1);
         std::size_t best = 0;
         for (std::size_t i = 1; i < last.count; ++i) {
             if (last.spellings[i].cost < last.spellings[best].cost) {
@@ -86,7 +90,7 @@ char SvgShortestText::Joint(Spelling const& before, Spelling const& after) {
     if (after.letter != before.repeats) {
         return after.letter;
     }
-    if (after.numbers.empty()) {
+    if (after.size == 0) {
         return 0;
     }
     char const first = after.numbers[0];
@@ -94,7 +98,7 @@ char SvgShortestText::Joint(Spelling const& before, Spelling const& after) {
 }
 
 std::size_t SvgShortestText::Cost(Spelling const& before, Spelling const& spelling) {
-    return (Joint(before, spelling) != 0 ? 1 : 0) + spelling.numbers.size();
+    return (Joint(before, spelling) != 0 ? 1 : 0) + spelling.size;
 }
 
 /// Writes the first `count` elements, the last of them in the spelling `choice`.
@@ -102,15 +106,15 @@ void SvgShortestText::Settle(std::size_t count, std::size_t choice) {
     mChoices.resize(count);
     for (std::size_t i = count; i-- > 0;) {
         mChoices[i] = choice;
-        choice = mElements[i].spellings[choice].from;
+        choice = At(i).spellings[choice].from;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        Spelling const& spelling = mElements[i].spellings[mChoices[i]];
+        Spelling const& spelling = At(i).spellings[mChoices[i]];
         char const joint = Joint(mSettled, spelling);
         if (joint != 0) {
             mText += joint;
         }
-        mText += spelling.numbers;
+        mText.append(spelling.numbers, spelling.size);
         mSettled.letter = spelling.letter;
         mSettled.repeats = spelling.repeats;
         mSettled.fraction = spelling.fraction;

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -50,25 +51,32 @@ public:
     std::string Take();
 
 private:
+    /// Room for six numerals and the separators between them. A numeral is copied as a whole, with
+    /// what lies behind its end.
+    static constexpr std::size_t kMostCharacters = 6 * (sizeof(SvgNumeral::text) + 1);
+
     /// One way to spell an element.
     struct Spelling {
         char letter = 0;       ///< as AddSpelling takes it
         char repeats = 0;      ///< as AddSpelling takes it
         bool fraction = false; ///< the last number has a point or an exponent
-        std::string numbers;   ///< with the separators between them
+        std::size_t size = 0;  ///< the characters of `numbers` in use
         std::size_t cost = 0;  ///< the length of the shortest text up to and with this spelling
         std::size_t from = 0;  ///< the spelling of the element before in that text
+        char numbers[kMostCharacters]; ///< with the separators between them
     };
     struct Element {
         std::array<Spelling, 4> spellings;
         std::size_t count = 0;
     };
 
+    Element& At(std::size_t i) { return *mElements[i]; }
     static char Joint(Spelling const& before, Spelling const& after);
     static std::size_t Cost(Spelling const& before, Spelling const& spelling);
     void Settle(std::size_t count, std::size_t choice);
 
-    std::vector<Element> mElements;    ///< from mCount on unused: they only keep their memory
+    /// From mCount on unused: they only keep their memory.
+    std::vector<std::unique_ptr<Element>> mElements;
     std::size_t mCount = 0;            ///< the number of elements that are not settled
     std::vector<std::size_t> mChoices; ///< the spellings of the elements that are being settled
     Spelling mSettled;                 ///< the last settled one, without its numbers
