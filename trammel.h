@@ -35,6 +35,7 @@
 #include "PreparedOutline.h"
 #include "PreparedPolygon.h"
 #include "Records.h"
+#include "RegionArea.h"
 #include "Shapes.h"
 #include "SvgPath.h"
 #include "TLine.h"
