@@ -171,13 +171,34 @@ struct LeastEllipses {
     constexpr LeastEllipses() {
         double least = 1.0; // 2^-e
         for (Row& row : rows) {
-            for (int i = 0; i < kChoices; ++i) {
-                double const axis = HalfAxis(kChoiceSteps[i], least);
-                row.across[i] = 1.0 / (axis * axis);
-                row.along[i] = 1.0 / (axis * axis - 1.0);
-            }
+            row = RowFor(least);
             least *= 0.5;
         }
+    }
+    /// Returns the row for accuracies with this square of the accuracy divided by the bound.
+    static constexpr Row RowFor(double square) {
+        Row row = {};
+        for (int i = 0; i < kChoices; ++i) {
+            double const axis = HalfAxis(kChoiceSteps[i], square);
+            row.across[i] = 1.0 / (axis * axis);
+            row.along[i] = 1.0 / (axis * axis - 1.0);
+        }
+        return row;
+    }
+    /// Returns the half-axis of the smallest ellipse that suffices for 4·steps nodes, rounded up.
+    /// `square` is the square of the accuracy divided by the bound. The ellipse of the radius
+    /// `greatest` must suffice.
+    static constexpr double HalfAxis(int steps, double square, double greatest = kGreatestRadius) {
+        double less = kLeastRadius;
+        double enough = kLeastRadius;
+        if (!Suffices(steps, less, square)) {
+            enough = greatest;
+            for (int i = 0; i < 24; ++i) {
+                double const middle = 0.5 * (less + enough);
+                (Suffices(steps, middle, square) ? enough : less) = middle;
+            }
+        }
+        return 0.5 * (enough + 1.0 / enough) * (1.0 + 1e-9);
     }
 
 private:
@@ -197,19 +218,6 @@ private:
             error *= (q * q) * (q * q);
         }
         return error * error <= square;
-    }
-    /// Returns the half-axis of the smallest ellipse that suffices, rounded up.
-    static constexpr double HalfAxis(int steps, double square) {
-        double less = kLeastRadius;
-        double enough = kLeastRadius;
-        if (!Suffices(steps, less, square)) {
-            enough = kGreatestRadius;
-            for (int i = 0; i < 24; ++i) {
-                double const middle = 0.5 * (less + enough);
-                (Suffices(steps, middle, square) ? enough : less) = middle;
-            }
-        }
-        return 0.5 * (enough + 1.0 / enough) * (1.0 + 1e-9);
     }
 };
 inline constexpr LeastEllipses kLeastEllipses;
@@ -427,6 +435,39 @@ inline constexpr double kNarrowest = 0x1p-6;
 /// after 19 of them (0.8^19 < 2^-6) the piece is too narrow for another.
 inline constexpr int kMostEnds = 24;
 
+/// Divides the parameters from `t0` to `t1` into pieces, and calls visit(from, to, formula) for
+/// each in order. The formula suffices for the piece. It is negative for a narrow piece beside a
+/// zero for which none suffices.
+template <class Vector, class Visit>
+[[gnu::always_inline]] inline void ForPieces(Choice<Vector> const& choice, ZeroPlaces const& zeros,
+                                             double t0, double t1, Visit const& visit) {
+    Cuts const cuts = Cuts::Of<Vector>(zeros, t0, t1);
+    double ends[kMostEnds];
+    ends[0] = t1;
+    ends[1] = cuts.second;
+    int pending = 2;
+    double from = t0;
+    double to = cuts.first;
+    for (;;) {
+        if (from < to) {
+            double const width = to - from;
+            unsigned const suffice = choice.Of(from, to);
+            if (suffice == 0 && width > kNarrowest && pending < kMostEnds) {
+                double const nearest = zeros.v0 < zeros.v1 ? zeros.h0 : zeros.h1;
+                ends[pending++] = to;
+                to = nearest < from + to ? from + kLeastPart * width : to - kLeastPart * width;
+                continue;
+            }
+            visit(from, to, suffice != 0 ? __builtin_ctz(suffice) : -1);
+        }
+        if (pending == 0) {
+            return;
+        }
+        from = to;
+        to = ends[--pending];
+    }
+}
+
 template <class Vector>
 [[gnu::always_inline]] inline double SpeedLengthForm(SpeedCurve& curve, double t0, double t1,
                                                      double accuracy,
@@ -450,37 +491,16 @@ template <class Vector>
     if ((whole & 4U) != 0) {
         return integral(t0, t1, (whole & 2U) != 0 ? 1 : 2);
     }
-    Cuts const cuts = Cuts::Of<Vector>(zeros, t0, t1);
-    double ends[kMostEnds];
-    ends[0] = t1;
-    ends[1] = cuts.second;
-    int pending = 2;
     double sum = 0.0;
-    double from = t0;
-    double to = cuts.first;
-    for (;;) {
-        if (from < to) {
-            double const width = to - from;
-            unsigned const suffice = choice.Of(from, to);
-            if (suffice != 0) {
-                sum += integral(from, to, __builtin_ctz(suffice));
-            } else if (width > kNarrowest && pending < kMostEnds) {
-                double const nearest = zeros.v0 < zeros.v1 ? zeros.h0 : zeros.h1;
-                ends[pending++] = to;
-                to = nearest < from + to ? from + kLeastPart * width : to - kLeastPart * width;
-                continue;
-            } else {
-                // Let p be a piece's part of all parameters. A piece by a formula is off by at most
-                // p^(3/2) <= p of the accuracy, this one by p of it. All p add up to 1 at most.
-                sum += LengthByZeros<Vector>(curve, from, to, width * within, table);
-            }
-        }
-        if (pending == 0) {
-            return sum;
-        }
-        from = to;
-        to = ends[--pending];
-    }
+    ForPieces<Vector>(
+        choice, zeros, t0, t1, [&](double from, double to, int i) __attribute__((always_inline)) {
+            // Let p be a piece's part of all parameters. A piece by a formula is off
+            // by at most p^(3/2) <= p of the accuracy, and a piece without one by p
+            // of it. All p add up to 1 at most.
+            sum += i >= 0 ? integral(from, to, i)
+                          : LengthByZeros<Vector>(curve, from, to, (to - from) * within, table);
+        });
+    return sum;
 }
 
 /// See CurveLength.

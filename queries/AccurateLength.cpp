@@ -124,7 +124,7 @@ double ParameterAt(CBezier const& curve, double accuracy, Wanted const& wanted) 
     if (target >= total) {
         return 1.0;
     }
-    return std::isnan(target) ? target : SolveLength(speed, target, total, within);
+    return std::isnan(target) ? target : SolveLength(speed, 0.0, 1.0, target, total, within);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "CurveDirection_p.h"
 #include "NearestPoint_p.h"
 #include "PathWalk_p.h"
+#include "PlaceKernels_p.h"
 #include "PointMath_p.h"
 #include "Speed_p.h"
 #include "StretchTree_p.h"
@@ -16,8 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstdint>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -25,54 +24,71 @@ namespace {
 
 typedef TPoint<double> Pt;
 
-/// The accuracy of a curve's length, as a part of the curve's size.
-constexpr double kLengthPart = 0x1p-47;
-
-// A place on a curve is found for a length that is a multiple of a quantum. The quantum q is more
-// than 2^-43 of the curve's size. The length up to the place found is off by less than 2^-45 of the
-// size, so by less than q/4. For two lengths that are rounded to different multiples, the true
-// lengths up to the places then differ by more than q/2. They come in order, so the parameters do.
-// For two lengths that are rounded to the same multiple, the parameters are equal.
-
-/// A quantum as a part of the curve's size, rounded down to a power of two.
-constexpr double kQuantum = 0x1p-42;
-/// The accuracy of the place, as a part of the curve's size.
-constexpr double kPlacePart = 0x1p-45;
-
-/// Rounds a length on a curve to a multiple of the quantum. `size` is a normal number, and the
-/// length is at most as much.
-double Quantized(double length, double size) {
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &size, sizeof bits);
-    bits &= 0x7ff0000000000000U;
-    double power = 0.0; // of two, at most the size
-    std::memcpy(&power, &bits, sizeof bits);
-    // The sum is between 2^52 and 2^53 quanta, where doubles are whole quanta apart.
-    double const round = power * (1.5 * 0x1p52 * kQuantum);
-    return (length + round) - round;
-}
+using trammel_detail::kPieceLengthPart;
+using trammel_detail::kPlacePart;
+using trammel_detail::LengthPiece;
+using trammel_detail::Quantized;
 
 /// Returns 0, or NaN for a point with a coordinate that is not finite.
 double Zero(Pt const& p) { return p.h * 0.0 + p.v * 0.0; }
 
-/// Returns the length of a curve up to a parameter.
-double LengthOf(CBezier const& curve, double t) {
-    trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
-    trammel_detail::Speed speed = trammel_detail::SpeedOf(p);
-    return p.Up(speed.Length(0.0, t, kLengthPart * speed.Size()));
-}
+/// The pieces of one curve with their lengths.
+class Pieces {
+public:
+    explicit Pieces(CBezier const& curve)
+        : mCount(trammel_detail::CurvePieces(&curve.P0.v, mPieces,
+                                             trammel_detail::kGaussTable.entries)) {
+        if (mCount > 0) {
+            return;
+        }
+        trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
+        mCount = trammel_detail::CurvePieces(&p[0].v, mPieces, trammel_detail::kGaussTable.entries);
+        for (int i = 0; i < mCount; ++i) {
+            mPieces[i].length = p.Up(mPieces[i].length);
+        }
+        if (mCount == 0) { // all points are equal
+            mPieces[0] = {0.0, 1.0, 0.0, -1};
+            mCount = 1;
+        }
+    }
+    LengthPiece const* begin() const { return mPieces; }
+    LengthPiece const* end() const { return mPieces + mCount; }
 
-/// Returns the parameter at which a curve of the length `whole` reaches `length`, which is from 0
-/// to `whole`.
-double ParameterAt(CBezier const& curve, double length, double whole) {
+    /// Returns the length between two parameters.
+    static double LengthOf(CBezier const& curve, double from, double to) {
+        trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
+        trammel_detail::Speed speed = trammel_detail::SpeedOf(p);
+        return p.Up(speed.Length(from, to, kPieceLengthPart * speed.Size()));
+    }
+
+private:
+    LengthPiece mPieces[trammel_detail::kMostPieces]; // NOLINT(modernize-avoid-c-arrays)
+    int mCount;
+};
+
+/// Returns the parameter at which a length on a piece of a curve is reached, counted from the
+/// piece's start.
+double ParameterAt(CBezier const& curve, LengthPiece const& piece, double length) {
+    if (piece.formula >= 0) {
+        double const t = trammel_detail::PieceParameter(&curve.P0.v, piece, length,
+                                                        trammel_detail::kGaussTable.entries);
+        if (!std::isnan(t)) {
+            return t;
+        }
+    }
     trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
+    if (piece.formula >= 0) {
+        LengthPiece const scaled = {piece.from, piece.to, p.Down(piece.length), piece.formula};
+        return trammel_detail::PieceParameter(&p[0].v, scaled, p.Down(length),
+                                              trammel_detail::kGaussTable.entries);
+    }
     trammel_detail::Speed speed = trammel_detail::SpeedOf(p);
     double const target = Quantized(p.Down(length), speed.Size());
-    double const total = p.Down(whole);
-    return target <= 0.0 ? 0.0
-           : target >= total
-               ? 1.0
-               : trammel_detail::SolveLength(speed, target, total, kPlacePart * speed.Size());
+    double const total = p.Down(piece.length);
+    return target <= 0.0     ? piece.from
+           : target >= total ? piece.to
+                             : trammel_detail::SolveLength(speed, piece.from, piece.to, target,
+                                                           total, kPlacePart * speed.Size());
 }
 
 /// Returns a line's direction. Differences may overflow or be subnormal.
@@ -138,12 +154,20 @@ using trammel::OutlineMeasure;
 /// A path's segments and the sums of their lengths. It is built once and never changed.
 class OutlineLengths {
     struct Segment {
-        std::size_t firstPt; ///< the index of its first point; the others follow
-        std::size_t element; ///< its index in the path's codes
+        std::size_t firstPt;   ///< the index of its first point; the others follow
+        std::size_t firstSpan; ///< the index of its first span; the others follow
+        std::size_t element;   ///< its index in the path's codes
         std::size_t subpath;
-        double length;
-        bool isCurve;
-        bool isClose;
+        char code; ///< kPathLine, kPathCurve or kPathClose
+
+        bool IsCurve() const { return code == kPathCurve; }
+    };
+    /// A stretch of a segment: a whole line, or a piece of a curve.
+    struct Span {
+        double to;     ///< the parameter where it ends
+        double length; ///< its own
+        std::size_t segment;
+        int formula; ///< as in LengthPiece
     };
 
 public:
@@ -151,16 +175,16 @@ public:
 
     double Total() const { return mBehind.empty() ? 0.0 : mBehind.back(); }
 
-    /// A length from the start to a place, limited to the outline, and the segment there.
+    /// A length from the start to a place, limited to the outline, and the span there.
     struct Target {
         double length;
-        std::size_t segment; ///< the number of segments for none
+        std::size_t span; ///< the number of spans for none
     };
-    /// Returns the first segment that ends at `length` or behind it, but not before the first that
+    /// Returns the first span that ends at `length` or behind it, but not before the first that
     /// has a length. The search begins at `hint`.
     Target Find(double length, std::size_t hint) const {
         if (std::isnan(length)) {
-            return {length, mSegments.size()};
+            return {length, mSpans.size()};
         }
         double const limited = std::min(std::max(length, 0.0), Total());
         return {limited, limited > 0.0 ? FirstNotLess(mBehind.data(), mBehind.size(), limited, hint)
@@ -179,7 +203,7 @@ public:
         std::size_t hint = 0;
         for (std::size_t i = 0; i < count; ++i) {
             Target const target = Find(length(i), hint);
-            hint = target.segment;
+            hint = target.span;
             use(i, target);
         }
     }
@@ -190,8 +214,20 @@ public:
     void Cut(double from, double to, CPath& out) const;
 
 private:
-    double Before(std::size_t i) const { return i > 0 ? mBehind[i - 1] : 0.0; }
+    double BeforeSpan(std::size_t i) const { return i > 0 ? mBehind[i - 1] : 0.0; }
+    /// The length from the start to a segment's start or end.
+    double Before(std::size_t i) const { return BeforeSpan(mSegments[i].firstSpan); }
+    double Behind(std::size_t i) const { return BeforeSpan(EndSpan(i)); }
+    /// Returns the index behind a segment's last span.
+    std::size_t EndSpan(std::size_t i) const {
+        return i + 1 < mSegments.size() ? mSegments[i + 1].firstSpan : mSpans.size();
+    }
+    /// Returns the parameter where a span begins.
+    double From(std::size_t i) const {
+        return i > 0 && mSpans[i - 1].segment == mSpans[i].segment ? mSpans[i - 1].to : 0.0;
+    }
     double Parameter(Target const& target) const;
+    double LengthUpTo(Segment const& segment, double t) const;
     void MakeRoom(std::size_t first, std::size_t last, CPath& out) const;
     bool BeginsSubpath(std::size_t i) const {
         return i == 0 || mSegments[i - 1].subpath != mSegments[i].subpath;
@@ -199,12 +235,11 @@ private:
     /// True when the subpath that begins with segment `i` has no length.
     bool SubpathHasNoLength(std::size_t i) const {
         std::size_t const subpath = mSegments[i].subpath;
-        std::size_t const first = i;
-        while (i < mSegments.size() && mSegments[i].subpath == subpath) {
-            if (mBehind[i] > Before(first)) {
+        double const before = Before(i);
+        for (; i < mSegments.size() && mSegments[i].subpath == subpath; ++i) {
+            if (Behind(i) > before) {
                 return false;
             }
-            ++i;
         }
         return true;
     }
@@ -214,20 +249,22 @@ private:
     }
     Pt Point(Segment const& segment, double parameter) const {
         Pt const* const p = &mPts[segment.firstPt];
-        return segment.isCurve ? Curve(segment).TPt(parameter) : LinePoint(p[0], p[1], parameter);
+        return segment.IsCurve() ? Curve(segment).TPt(parameter) : LinePoint(p[0], p[1], parameter);
     }
 
-    std::vector<double> mBehind; ///< the sums of lengths, each segment's own included
+    std::vector<double> mBehind; ///< the sums of lengths, each span's own included
+    std::vector<Span> mSpans;
     std::vector<Segment> mSegments;
     std::vector<Pt> mPts; ///< of a subpath's segments one after the other, common ends once
     StretchTree mTree;
-    std::size_t mFirst = 0; ///< the first segment that has a length, or the first of all
+    std::size_t mFirst = 0; ///< the first span that has a length, or the first of all
     Pt mStart;              ///< the first move's point
 };
 
 OutlineLengths::OutlineLengths(CPath const& path) {
     std::size_t const elements = path.mCtls.size();
     mSegments.reserve(elements);
+    mSpans.reserve(elements + elements / 2);
     mPts.reserve(path.mPts.size() + elements);
     std::size_t subpath = OutlineMeasure::kNone;
     std::size_t firstOfSubpath = 0;
@@ -237,6 +274,7 @@ OutlineLengths::OutlineLengths(CPath const& path) {
     auto const endSubpath = [&] {
         if (std::isnan(finite)) {
             mPts.resize(mSegments[firstOfSubpath].firstPt);
+            mSpans.resize(mSegments[firstOfSubpath].firstSpan);
             mSegments.resize(firstOfSubpath);
         }
         firstOfSubpath = mSegments.size();
@@ -266,15 +304,17 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         if (mSegments.size() == firstOfSubpath) {
             mPts.push_back(from);
         }
-        Segment segment = {mPts.size() - 1,  cursor.Element(),           subpath, 0.0,
-                           cursor.IsCurve(), cursor.Code() == kPathClose};
-        if (segment.isCurve) {
+        Segment const segment = {mPts.size() - 1, mSpans.size(), cursor.Element(), subpath,
+                                 cursor.Code()};
+        if (cursor.IsCurve()) {
             finite += Zero(curve.P1) + Zero(curve.P2);
             mPts.push_back(curve.P1);
             mPts.push_back(curve.P2);
-            segment.length = LengthOf(curve, 1.0);
+            for (LengthPiece const& piece : Pieces(curve)) {
+                mSpans.push_back({piece.to, piece.length, mSegments.size(), piece.formula});
+            }
         } else {
-            segment.length = Distance(from, to);
+            mSpans.push_back({1.0, Distance(from, to), mSegments.size(), 0});
         }
         mPts.push_back(to);
         mSegments.push_back(segment);
@@ -283,9 +323,9 @@ OutlineLengths::OutlineLengths(CPath const& path) {
 
     CompensatedSum sum;
     double behind = 0.0;
-    mBehind.reserve(mSegments.size());
-    for (Segment const& segment : mSegments) {
-        sum.Add(segment.length);
+    mBehind.reserve(mSpans.size());
+    for (Span const& span : mSpans) {
+        sum.Add(span.length);
         // Rounding must not make the sums fall. After an overflow they stay infinite, where the
         // errors of the sum are NaN.
         double const value = sum.Value();
@@ -294,52 +334,66 @@ OutlineLengths::OutlineLengths(CPath const& path) {
     }
     mTree.Build(mSegments.size(), [this](std::size_t i) {
         Pt const* const p = &mPts[mSegments[i].firstPt];
-        return mSegments[i].isCurve ? Curve(mSegments[i]) : CBezier(p[0], p[0], p[1], p[1]);
+        return mSegments[i].IsCurve() ? Curve(mSegments[i]) : CBezier(p[0], p[0], p[1], p[1]);
     });
-    auto const first = std::find_if(mSegments.begin(), mSegments.end(),
-                                    [](Segment const& s) { return s.length > 0.0; });
-    mFirst = first != mSegments.end() ? static_cast<std::size_t>(first - mSegments.begin()) : 0;
+    auto const first = std::find_if(mBehind.begin(), mBehind.end(),
+                                    [](double sumOfSome) { return sumOfSome > 0.0; });
+    mFirst = first != mBehind.end() ? static_cast<std::size_t>(first - mBehind.begin()) : 0;
 }
 
 double OutlineLengths::Parameter(Target const& target) const {
-    Segment const& segment = mSegments[target.segment];
-    double const before = Before(target.segment);
-    double const all = mBehind[target.segment] - before;
+    Span const& span = mSpans[target.span];
+    double const before = BeforeSpan(target.span);
+    double const all = mBehind[target.span] - before;
+    if (target.length == mBehind[target.span]) {
+        return all > 0.0 ? span.to : 0.0;
+    }
     double const part = target.length - before;
-    if (target.length == mBehind[target.segment]) {
-        return all > 0.0 ? 1.0 : 0.0;
-    }
     if (!(part > 0.0) || std::isinf(all)) {
-        return 0.0;
+        return From(target.span);
     }
-    if (!segment.isCurve) {
+    Segment const& segment = mSegments[span.segment];
+    if (!segment.IsCurve()) {
         return part / all;
     }
-    // The sums are rounded, so `all` is not exactly the length.
-    double const length = std::min(part * (segment.length / all), segment.length);
-    return ParameterAt(Curve(segment), length, segment.length);
+    return ParameterAt(Curve(segment), {From(target.span), span.to, span.length, span.formula},
+                       part);
+}
+
+/// Returns the length from the outline's start to a parameter of a segment.
+double OutlineLengths::LengthUpTo(Segment const& segment, double t) const {
+    std::size_t i = segment.firstSpan;
+    while (mSpans[i].to < t) {
+        ++i;
+    }
+    if (t == mSpans[i].to) {
+        return mBehind[i];
+    }
+    double const part =
+        segment.IsCurve() ? Pieces::LengthOf(Curve(segment), From(i), t) : t * mSpans[i].length;
+    return std::min(BeforeSpan(i) + part, mBehind[i]);
 }
 
 Pt OutlineLengths::PointAt(Target const& target) const {
-    if (target.segment >= mSegments.size()) {
+    if (target.span >= mSpans.size()) {
         return std::isnan(target.length) ? Pt(target.length, target.length) : mStart;
     }
-    return Point(mSegments[target.segment], Parameter(target));
+    return Point(mSegments[mSpans[target.span].segment], Parameter(target));
 }
 
 OutlineMeasure::Place OutlineLengths::PlaceAt(Target const& target) const {
     OutlineMeasure::Place place;
     place.length = target.length;
-    if (target.segment >= mSegments.size()) {
+    if (target.span >= mSpans.size()) {
         place.point = PointAt(target);
         return place;
     }
-    Segment const& segment = mSegments[target.segment];
+    Segment const& segment = mSegments[mSpans[target.span].segment];
     place.element = segment.element;
     place.subpath = segment.subpath;
     place.parameter = Parameter(target);
     place.point = Point(segment, place.parameter);
-    if (segment.isCurve) {
+    if (segment.IsCurve()) {
         SetBend(Curve(segment), place.parameter, place);
     } else {
         Pt const* const p = &mPts[segment.firstPt];
@@ -365,8 +419,8 @@ OutlineMeasure::Nearest OutlineLengths::FindNearest(Pt const& p, double accuracy
         Segment const& segment = mSegments[i];
         Pt const* const pts = &mPts[segment.firstPt];
         trammel::CurvePoint const on =
-            segment.isCurve ? NearestPointWithin(Curve(segment), p, within, nearest.distance)
-                            : NearestOnLine(pts[0], pts[1], p);
+            segment.IsCurve() ? NearestPointWithin(Curve(segment), p, within, nearest.distance)
+                              : NearestOnLine(pts[0], pts[1], p);
         if (on.distance < nearest.distance || !found) {
             found = true;
             best = i;
@@ -382,11 +436,7 @@ OutlineMeasure::Nearest OutlineLengths::FindNearest(Pt const& p, double accuracy
     nearest.element = segment.element;
     nearest.subpath = segment.subpath;
     if (withLength) {
-        double const t = nearest.parameter;
-        double const part = t == 1.0          ? segment.length
-                            : segment.isCurve ? LengthOf(Curve(segment), t)
-                                              : t * segment.length;
-        nearest.length = std::min(Before(best) + part, mBehind[best]);
+        nearest.length = LengthUpTo(segment, nearest.parameter);
         nearest.t = nearest.length < Total() ? nearest.length / Total() : Total() > 0.0 ? 1.0 : 0.0;
     }
     return nearest;
@@ -396,31 +446,29 @@ void OutlineLengths::Cut(double from, double to, CPath& out) const {
     if (mSegments.empty() || !(from < to && from < Total() && to > 0.0)) {
         return;
     }
-    // The segments from the one with the start to the one with the end. Neighbours without length
-    // belong to the piece where it begins or ends beside them.
-    std::size_t first = Find(from, 0).segment;
-    if (from > 0.0 && mBehind[first] <= from) {
-        first = static_cast<std::size_t>(std::upper_bound(mBehind.begin(), mBehind.end(), from) -
-                                         mBehind.begin());
-    }
+    // The spans from the first one that ends behind the start to the last one that begins before
+    // the end. Neighbours without length belong to the piece where it begins or ends beside them.
+    auto const behind = std::upper_bound(mBehind.begin(), mBehind.end(), std::max(from, 0.0));
+    Target const start = {from, static_cast<std::size_t>(behind - mBehind.begin())};
     Target const end = Find(to, 0);
-    std::size_t last = end.segment;
-    while (!BeginsSubpath(first) && from <= Before(first) && Before(first) == Before(first - 1)) {
+    std::size_t first = mSpans[start.span].segment;
+    std::size_t last = mSpans[end.span].segment;
+    while (!BeginsSubpath(first) && from <= Before(first) && Before(first - 1) == Before(first)) {
         --first;
     }
-    while (to >= mBehind[last] && last + 1 < mSegments.size() && !BeginsSubpath(last + 1) &&
-           mBehind[last + 1] == mBehind[last]) {
+    while (to >= Behind(last) && last + 1 < mSegments.size() && !BeginsSubpath(last + 1) &&
+           Behind(last + 1) == Behind(last)) {
         ++last;
     }
     MakeRoom(first, last, out);
     bool dot = false;   // the subpath has no length
     bool drawn = false; // the subpath of the piece has begun
     bool whole = false; // and it begins where the outline's does
-    Pt start;
+    Pt moved;
     for (std::size_t i = first; i <= last; ++i) {
         Segment const& segment = mSegments[i];
-        double const t0 = from > Before(i) ? Parameter({from, i}) : 0.0;
-        double const t1 = to < mBehind[i] ? Parameter({to, i}) : 1.0;
+        double const t0 = from > Before(i) ? Parameter(start) : 0.0;
+        double const t1 = to < Behind(i) ? Parameter(end) : 1.0;
         if (BeginsSubpath(i)) {
             drawn = false;
             dot = SubpathHasNoLength(i);
@@ -431,17 +479,17 @@ void OutlineLengths::Cut(double from, double to, CPath& out) const {
         if (!drawn) {
             drawn = true;
             whole = BeginsSubpath(i) && t0 == 0.0;
-            start = Point(segment, t0);
-            out.MoveTo(start);
+            moved = Point(segment, t0);
+            out.MoveTo(moved);
         }
         Pt const to1 = Point(segment, t1);
-        if (segment.isCurve) {
+        if (segment.IsCurve()) {
             CBezier piece = Curve(segment);
             if (t0 > 0.0 || t1 < 1.0) {
                 piece.GetTRange(t0, t1, piece);
             }
             out.AddCtl(kPathCurve).AddPt(piece.P1).AddPt(piece.P2).AddPt(to1);
-        } else if (segment.isClose && whole && t1 == 1.0 && to1 == start) {
+        } else if (segment.code == kPathClose && whole && t1 == 1.0 && to1 == moved) {
             out.ClosePath();
         } else {
             out.AddCtl(kPathLine).AddPt(to1);

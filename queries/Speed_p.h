@@ -172,24 +172,29 @@ inline Speed SpeedOf(ScaledPoints<4> const& p) {
     return Speed(p[1] - p[0], p[2] - p[1], p[3] - p[2]);
 }
 
-/// Returns the parameter at which `target` of the length `total` is reached, 0 < target < total.
-/// The length up to there is `target` within `accuracy`.
-inline double SolveLength(Speed& speed, double target, double total, double accuracy) {
+/// Returns the parameter between `from` and `to` at which the length from there reaches `target`.
+/// The whole length there is `total`, and 0 < target < total. The length up to the parameter is
+/// `target` within `accuracy`.
+inline double SolveLength(Speed& speed, double from, double to, double target, double total,
+                          double accuracy) {
     double const least = 2.0 * kLengthRounding * speed.Size();
     double const enough = std::max(0.5 * accuracy, least);
     double step =
         0.125 * accuracy; // of each integral; halved each time, so that the sum is bounded
 
-    double lo = 0.0;
-    double hi = 1.0;
+    double lo = from;
+    double hi = to;
     double lengthLo = 0.0;
     double lengthHi = total;
     // The first guess is a cubic function of the length that has the right values and slopes at the
     // ends. The slopes are limited, so that it is monotone [Fritsch and Carlson].
+    double const width = to - from;
     double const u = target / total;
-    double const slope0 = std::min(total / speed.At(0.0), 3.0);
-    double const slope1 = std::min(total / speed.At(1.0), 3.0);
-    double t = u * (slope0 + u * (3.0 - 2.0 * slope0 - slope1 + u * (slope0 + slope1 - 2.0)));
+    double const slope0 = std::min(total / (width * speed.At(from)), 3.0);
+    double const slope1 = std::min(total / (width * speed.At(to)), 3.0);
+    double t =
+        from +
+        width * (u * (slope0 + u * (3.0 - 2.0 * slope0 - slope1 + u * (slope0 + slope1 - 2.0))));
     // Newton's steps are taken while they stay in the bracket and halve it in three steps.
     // Otherwise the bracket is bisected.
     double widthBefore = 2.0;

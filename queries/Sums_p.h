@@ -13,15 +13,15 @@ namespace trammel_detail {
 /// Returns the index of the first of `count` numbers in order that is not less than `target`.
 /// Returns `count` when there is none, and for a NaN.
 inline std::size_t FirstNotLess(double const* sums, std::size_t count, double target) {
+    if (count == 0 || !(target <= sums[count - 1])) {
+        return count;
+    }
+    // Without a branch that depends on the numbers: such branches would mostly be mispredicted.
     std::size_t first = 0;
-    while (count > 0) {
+    while (count > 1) {
         std::size_t const half = count / 2;
-        if (target <= sums[first + half]) {
-            count = half;
-        } else {
-            first += half + 1;
-            count -= half + 1;
-        }
+        first += sums[first + half - 1] < target ? half : 0;
+        count -= half;
     }
     return first;
 }
