@@ -264,8 +264,10 @@ private:
 OutlineLengths::OutlineLengths(CPath const& path) {
     std::size_t const elements = path.mCtls.size();
     mSegments.reserve(elements);
-    mSpans.reserve(elements + elements / 2);
-    mPts.reserve(path.mPts.size() + elements);
+    mSpans.reserve(elements + elements / 8);
+    // Points may be needed again where a close leads, and where drawing goes on after it.
+    auto const closes = std::count(path.mCtls.begin(), path.mCtls.end(), char{kPathClose});
+    mPts.reserve(path.mPts.size() + 2 * static_cast<std::size_t>(closes) + 1);
     std::size_t subpath = OutlineMeasure::kNone;
     std::size_t firstOfSubpath = 0;
     double finite = 0.0; // NaN as soon as a coordinate of the subpath is not finite
@@ -320,6 +322,10 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         mSegments.push_back(segment);
     }
     endSubpath();
+
+    if (mSpans.capacity() - mSpans.size() > mSpans.size() / 8) {
+        mSpans.shrink_to_fit();
+    }
 
     CompensatedSum sum;
     double behind = 0.0;

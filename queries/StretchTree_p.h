@@ -155,9 +155,13 @@ public:
     /// Builds the tree for `count` segments. curve(i) returns segment i; a line has its ends in P0
     /// and P3, and again in P1 and P2.
     template <class CurveOf> void Build(std::size_t count, CurveOf const& curve) {
-        mBoxes.reserve(count + count / 2 + kMostLevels);
+        std::size_t boxes = count;
+        for (std::size_t level = count; level > 1; boxes += level) {
+            level = (level + kChildren - 1) / kChildren;
+        }
+        mBoxes.reserve(boxes);
         std::vector<double> sizes; // of coordinates, for each box
-        sizes.reserve(count + count / 2 + kMostLevels);
+        sizes.reserve(boxes);
         for (std::size_t i = 0; i < count; ++i) {
             CBezier const c = curve(i);
             TurnedBox box = TurnedBox::Around(c);
@@ -167,13 +171,13 @@ public:
             sizes.push_back(size);
         }
         mLevels[0].count = count;
-        std::size_t span = 1; // the number of segments below a node
+        std::size_t each = 1; // the number of segments below a node
         while (mLevels[mTop].count > 1) {
             Level const below = mLevels[mTop];
             Level& level = mLevels[++mTop];
             level.first = mBoxes.size();
             level.count = (below.count + kChildren - 1) / kChildren;
-            span *= kChildren;
+            each *= kChildren;
             for (std::size_t i = 0; i < level.count; ++i) {
                 double size = 0.0;
                 for (std::size_t k = i * kChildren; k < std::min((i + 1) * kChildren, below.count);
@@ -181,7 +185,7 @@ public:
                     double const other = sizes[below.first + k];
                     size = other <= size ? size : other; // a NaN stays
                 }
-                TPoint<double> const origin = curve(i * span).P0;
+                TPoint<double> const origin = curve(i * each).P0;
                 Spread spread(origin);
                 ForPoints(i, curve, [&](TPoint<double> const& p) { spread.Include(p); });
                 TurnedBox box(origin, spread.Direction());
