@@ -10,16 +10,16 @@
 // |d0| + |d1| + |d2|, the size, and so is S. For an accuracy that is a part of the size, the
 // ellipses that must be free of zeros are therefore the same for all curves.
 //
-// The formula suffices for all stretches of the piece, too: with w and w' as the distances of a
-// place from the stretch's ends, those from the piece's ends are together at most w + w' plus what
-// the piece is longer. By the same inequality, a stretch of the part x of the piece has an ellipse
-// of the half-axis 1 + (k - 1)/x free of zeros, where k is that of the piece. So short stretches
-// need 4 or 8 nodes only.
+// The formula suffices for every stretch of the piece, too. Let w and w' be the distances of a
+// place from the stretch's ends. The distances from the piece's ends are then together at most w +
+// w' plus what the piece is longer than the stretch. Let k be the half-axis of the piece's ellipse.
+// By the same inequality, a stretch of the part x of the piece has an ellipse of the half-axis 1 +
+// (k - 1)/x free of zeros. So 4 or 8 nodes suffice for short stretches.
 //
 // The parameter at a length is found by a method of third order in a bracket. It takes the integral
 // up to a first guess, and from there on integrals over the short stretches between the guesses.
-// The last step is a step of Newton's: it is off by half the square of the step times the greatest
-// second derivative, and ends the search where that is little enough.
+// The last step is one of Newton's method. It is off by half the square of the step times the
+// greatest second derivative. It ends the search where that is little enough.
 
 #ifndef TRAMMEL_PLACEKERNELFORMS_P_H
 #define TRAMMEL_PLACEKERNELFORMS_P_H
@@ -160,8 +160,8 @@ template <class Vector>
     double lengthAt = 0.0;
     double widthBefore = 2.0;
     for (int i = 1;; ++i) {
-        // Guesses outside of the bracket, and those that do not halve it in three steps, are
-        // replaced by its middle.
+        // The bracket's middle replaces a guess outside of it. It also does so where three guesses
+        // did not halve the bracket.
         if (!(t > lo && t < hi) || (i % 3 == 0 && hi - lo > 0.5 * widthBefore)) {
             t = lo + 0.5 * (hi - lo);
             if (!(t > lo && t < hi)) {
