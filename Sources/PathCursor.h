@@ -60,6 +60,8 @@ public:
     }
     /// Returns point `i` of the element, by value: it outlives a change of the path.
     TPoint<double> Pt(std::size_t i) const { return mPath->mPts[mPoint + i]; }
+    /// Returns where the element's points lie. The address is good until the path changes.
+    TPoint<double> const* Points() const { return mPath->mPts.data() + mPoint; }
 
 private:
     CPath const* mPath = nullptr;

@@ -8,14 +8,13 @@
 
 #include "CFPolygonRef.h"
 #include "CPath.h"
-#include "PathWalk_p.h"
+#include "PathCursor.h"
 #include "PointRun_p.h"
 #include "PolygonPoints_p.h"
 #include "TPoint.h"
 #include "TPoly.h"
 #include "Vector_p.h"
 
-#include <cstddef>
 #include <vector>
 
 namespace trammel_detail {
@@ -39,25 +38,19 @@ inline TPoint<double> PointAt(void const* p) {
 ///
 /// No Close() comes before a move: Begin() ends a contour that is still open. The visitor starts at
 /// (0, 0), and after a Close() it goes on from the last point drawn.
-/// Points are given by their addresses, which stay good as long as the path does not change. The
-/// walk ends early where the points do not suffice.
+/// Points are given by their addresses, which stay good as long as the path does not change.
 template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) {
-    TPoint<double> const* next = path.mPts.data();
-    TPoint<double> const* const end = next + path.mPts.size();
-    for (char const code : path.mCtls) {
-        auto const count = static_cast<std::ptrdiff_t>(PointCount(code));
-        if (end - next < count) {
-            break;
-        }
-        switch (code) {
+    for (ElementCursor element(path); element.Next();) {
+        TPoint<double> const* const points = element.Points();
+        switch (element.Code()) {
         case kPathMove:
-            visitor.Begin(next);
+            visitor.Begin(points);
             break;
         case kPathLine:
-            visitor.LineTo(next);
+            visitor.LineTo(points);
             break;
         case kPathCurve:
-            visitor.CurveTo(next, next + 1, next + 2);
+            visitor.CurveTo(points, points + 1, points + 2);
             break;
         case kPathClose:
             visitor.Close();
@@ -65,7 +58,6 @@ template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) 
         default:
             break;
         }
-        next += count;
     }
     visitor.Close();
 }

@@ -36,8 +36,6 @@ using trammel_detail::BitsOfTwo;
 using trammel_detail::CoordinatesAt;
 using trammel_detail::Double2;
 using trammel_detail::Lane;
-using trammel_detail::Max;
-using trammel_detail::Min;
 using trammel_detail::PlainCrossings;
 using trammel_detail::PointAt;
 using trammel_detail::Short8;

@@ -76,8 +76,8 @@ inline bool ChordTells(Double2 const& p0, Double2 const& p1, Double2 const& p2, 
     Double2 margin23;
     Double2 const cross01 = CrossesOf(chord, p0, p1, margin01);
     Double2 const cross23 = CrossesOf(chord, p2, p3, margin23);
-    unsigned const left = ((cross01 > margin01) & (cross23 > margin23)).Bits();
-    unsigned const right = ((-cross01 > margin01) & (-cross23 > margin23)).Bits();
+    unsigned const left = (cross01 > margin01).Bits() & (cross23 > margin23).Bits();
+    unsigned const right = (-cross01 > margin01).Bits() & (-cross23 > margin23).Bits();
     int const side = static_cast<int>(left == 3) - static_cast<int>(right == 3);
     int const beyond = static_cast<int>(Lane<0>(p3) > 0.0) - static_cast<int>(Lane<0>(p0) > 0.0);
     // Along the ray the chord is ahead where the turn from it to its start is toward the ray.

@@ -1,0 +1,142 @@
+// SPDX-License-Identifier: MIT
+
+// What does containment in an outline of curves cost, prepared and not, and beside a prepared
+// polygon of the same vertices? Names are compare/WORK/SHAPE_CURVES/WHO:
+//
+//     outline_contains   one point
+//     outline_prepare    preparing, and a first point
+//
+//     trammel                    Contains with a FillRule, which prepares nothing (Winding.h)
+//     trammel-prepared           PreparedOutline
+//     trammel-prepared polygon   PreparedPolygon of the vertices alone
+//
+// The curves are smooth at the vertices. Shapes: an outline with ripples, a ragged star, an upright
+// comb. The program checks first that the prepared outline counts as many points inside as the
+// unprepared one.
+//
+// Run by hand: trammel_bench --benchmark_filter=compare/outline_
+
+#include "Compare.h"
+#include "Inputs.h"
+#include "peers/Works.h"
+
+#include <trammel/PreparedOutline.h>
+#include <trammel/PreparedPolygon.h>
+#include <trammel/UTrigonometry.h>
+#include <trammel/Winding.h>
+
+#include <cmath>
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using trammel::FillRule;
+
+typedef TPoint<double> Pt;
+typedef std::vector<Pt> Points;
+
+Points Ripples(std::size_t count) {
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const turn = 2.0 * pi * static_cast<double>(i) / static_cast<double>(count);
+        double const radius = 300.0 + 60.0 * std::sin(5.0 * turn) + 20.0 * std::sin(37.0 * turn);
+        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
+    }
+    return vertices;
+}
+
+Points Comb(std::size_t count) {
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        vertices.emplace_back(1000.0 * static_cast<double>(i) / static_cast<double>(count),
+                              i % 2 == 0 ? 0.0 : 1000.0);
+    }
+    return vertices;
+}
+
+/// The closed outline of curves through these vertices, each in the direction from the vertex
+/// before to the one behind.
+CPath CurvesThrough(Points const& vertices) {
+    std::size_t const count = vertices.size();
+    CPath path;
+    path.MoveTo(vertices[0]);
+    for (std::size_t i = 0; i < count; ++i) {
+        Pt const a = vertices[i];
+        Pt const b = vertices[(i + 1) % count];
+        path.CurveTo(a + (b - vertices[(i + count - 1) % count]) / 6.0,
+                     b - (vertices[(i + 2) % count] - a) / 6.0, b);
+    }
+    return path.ClosePath();
+}
+
+struct Shape {
+    char const* name;
+    Points (*vertices)(std::size_t count);
+};
+
+constexpr Shape kShapes[] = {{"ripples", Ripples}, {"star", inputs::Star}, {"comb", Comb}};
+
+/// A job of asking for points, with the number of those inside that WindingNumber counts.
+template <class Ask>
+compare::Job AskingJob(CPath const& path, Points const& points, bool isOutline, Ask const& ask) {
+    compare::Job job =
+        peers::JobOf(points.size(), [=](std::size_t i) { return ask(points[i]) ? 1.0 : 0.0; });
+    if (isOutline) {
+        job.expected = 0.0;
+        for (Pt const& p : points) {
+            job.expected += trammel::Contains(path, p, FillRule::kEvenOdd) ? 1.0 : 0.0;
+        }
+    }
+    return job;
+}
+
+void RegisterShape(Shape const& shape, std::size_t count) {
+    std::string const input = std::string(shape.name) + "_" + std::to_string(count);
+    auto const add = [&](std::string const& work, std::string const& who, std::size_t asked,
+                         auto prepare) {
+        compare::RegisterAlone(work, input, who, [=] {
+            Points const vertices = shape.vertices(count);
+            auto const path = std::make_shared<CPath const>(CurvesThrough(vertices));
+            return AskingJob(*path, inputs::Points(asked, 1000.0),
+                             who != "trammel-prepared polygon", prepare(path, vertices));
+        });
+    };
+    typedef std::shared_ptr<CPath const> Path;
+    add("outline_contains", "trammel", 99, [](Path const& path, Points const&) {
+        return [=](Pt const& p) { return trammel::Contains(*path, p, FillRule::kEvenOdd); };
+    });
+    add("outline_contains", "trammel-prepared", 997, [](Path const& path, Points const&) {
+        trammel::PreparedOutline const prepared(*path);
+        return [=](Pt const& p) { return prepared.Contains(p, FillRule::kEvenOdd); };
+    });
+    add("outline_contains", "trammel-prepared polygon", 997,
+        [](Path const&, Points const& vertices) {
+            trammel::PreparedPolygon const prepared{TPolygon<double>(vertices)};
+            return [=](Pt const& p) { return prepared.Contains(p); };
+        });
+    add("outline_prepare", "trammel-prepared", 9, [](Path const& path, Points const&) {
+        return [=](Pt const& p) {
+            return trammel::PreparedOutline(*path).Contains(p, FillRule::kEvenOdd);
+        };
+    });
+    add("outline_prepare", "trammel-prepared polygon", 9, [](Path const&, Points const& vertices) {
+        auto const polygon = std::make_shared<TPolygon<double> const>(vertices);
+        return [=](Pt const& p) { return trammel::PreparedPolygon(*polygon).Contains(p); };
+    });
+}
+
+bool RegisterAll() {
+    for (Shape const& shape : kShapes) {
+        for (std::size_t const count : {10U, 1000U, 100000U}) {
+            RegisterShape(shape, count);
+        }
+    }
+    return true;
+}
+
+[[maybe_unused]] bool const kRegistered = RegisterAll();
+
+} // namespace
