@@ -81,10 +81,10 @@ public:
     // Create
 
     /// Four points at the origin.
-    CBezier() = default;
+    constexpr CBezier() = default;
     /// The curve from `p0` to `p3` with control points `p1` and `p2`.
-    CBezier(TPoint<double> const& p0, TPoint<double> const& p1, TPoint<double> const& p2,
-            TPoint<double> const& p3)
+    constexpr CBezier(TPoint<double> const& p0, TPoint<double> const& p1, TPoint<double> const& p2,
+                      TPoint<double> const& p3)
         : P0(p0), P1(p1), P2(p2), P3(p3) {}
     CBezier(CBezier const&) = default;
     CBezier& operator=(CBezier const&) = default;
@@ -92,13 +92,13 @@ public:
     // Set
 
     /// Same as ISet.
-    void Set(TPoint<double> const& p0, TPoint<double> const& p1, TPoint<double> const& p2,
-             TPoint<double> const& p3) {
+    constexpr void Set(TPoint<double> const& p0, TPoint<double> const& p1, TPoint<double> const& p2,
+                       TPoint<double> const& p3) {
         ISet(p0, p1, p2, p3);
     }
     /// Stores the four points as they are.
-    void ISet(TPoint<double> const& p0, TPoint<double> const& p1, TPoint<double> const& p2,
-              TPoint<double> const& p3) {
+    constexpr void ISet(TPoint<double> const& p0, TPoint<double> const& p1,
+                        TPoint<double> const& p2, TPoint<double> const& p3) {
         *this = CBezier(p0, p1, p2, p3);
     }
     /// Returns the class-wide flatness tolerance.
@@ -119,14 +119,14 @@ public:
         p3 = curve.P3;
     }
     /// True when all four points are equal.
-    bool operator==(CBezier const& b) const {
+    constexpr bool operator==(CBezier const& b) const {
         return P0 == b.P0 && P1 == b.P1 && P2 == b.P2 && P3 == b.P3;
     }
     /// True when any point differs.
-    bool operator!=(CBezier const& b) const { return !(*this == b); }
+    constexpr bool operator!=(CBezier const& b) const { return !(*this == b); }
     /// The point at parameter `t`: P0 and P3 exactly at 0 and 1, elsewhere by de Casteljau's
     /// construction with steps a + (b - a)·t. Not limited to [0, 1]; NaN gives NaN.
-    TPoint<double> TPt(double t) const {
+    constexpr TPoint<double> TPt(double t) const {
         if (t == 0.0) {
             return P0;
         }
@@ -141,7 +141,7 @@ public:
         return d + (e - d) * t;
     }
     /// TPt(0.5).
-    TPoint<double> MidPt() const { return TPt(0.5); }
+    constexpr TPoint<double> MidPt() const { return TPt(0.5); }
     /// The bounds of the four points, which contain the curve and are in general larger. With P0
     /// and P3 both at the origin they start from the null rectangle: the bounds of P1 and P2 alone.
     TRect<double> Extents() const { return TRect<double>(P0, P3) | P1 | P2; }

@@ -62,9 +62,10 @@ public:
     // Create
 
     /// Makes the identity, of kind 0.
-    CMatrix3x3() : a(1.0), b(0.0), c(0.0), d(1.0), tx(0.0), ty(0.0), mKind(0) {}
+    constexpr CMatrix3x3() : a(1.0), b(0.0), c(0.0), d(1.0), tx(0.0), ty(0.0), mKind(0) {}
     /// Stores the six entries as given, and the low 32 bits of `kind`.
-    CMatrix3x3(double aIn, double bIn, double cIn, double dIn, double txIn, double tyIn, long kind)
+    constexpr CMatrix3x3(double aIn, double bIn, double cIn, double dIn, double txIn, double tyIn,
+                         long kind)
         : a(aIn), b(bIn), c(cIn), d(dIn), tx(txIn), ty(tyIn),
           mKind(static_cast<std::int32_t>(kind)) {}
     /// Sets all fields to zero, then reads them as `operator>>` does. Fields that cannot be read
@@ -72,7 +73,7 @@ public:
     explicit CMatrix3x3(std::istream& in);
 
     /// Resets to the identity of kind 0.
-    CMatrix3x3& Identity() { return *this = CMatrix3x3(); }
+    constexpr CMatrix3x3& Identity() { return *this = CMatrix3x3(); }
 
     // Query
 
@@ -88,12 +89,12 @@ public:
         tyOut = m.ty;
     }
     /// Returns a·d - b·c: the signed factor by which areas grow.
-    double Determinant() const { return a * d - b * c; }
+    constexpr double Determinant() const { return a * d - b * c; }
     /// True when the determinant is exactly 0: then, and only then, inversion throws. False for
     /// NaN.
-    bool IsSingular() const { return Determinant() == 0.0; }
+    constexpr bool IsSingular() const { return Determinant() == 0.0; }
     /// Returns the linear part: the same a, b, c, d without translation, of kind 0.
-    CMatrix3x3 GetDTransform() const { return CMatrix3x3(a, b, c, d, 0.0, 0.0, 0); }
+    constexpr CMatrix3x3 GetDTransform() const { return CMatrix3x3(a, b, c, d, 0.0, 0.0, 0); }
 
     // Concatenate
 
@@ -156,7 +157,7 @@ public:
     // Apply
 
     /// Maps a position.
-    void Transform(TPoint<double>& p) const {
+    constexpr void Transform(TPoint<double>& p) const {
         double const x = p.h;
         double const y = p.v;
         p.h = x * a + y * c + tx;
@@ -164,7 +165,7 @@ public:
     }
     /// Maps a difference of positions (a vector): does the same as Transform without the
     /// translation.
-    void DTransform(TPoint<double>& p) const {
+    constexpr void DTransform(TPoint<double>& p) const {
         double const x = p.h;
         double const y = p.v;
         p.h = x * a + y * c;

@@ -6,6 +6,7 @@
 #define TRAMMEL_POINTMATH_P_H
 
 #include "Hypot_p.h"
+#include "PointAlgebra.h"
 #include "TPoint.h"
 
 #include <cmath>
@@ -17,13 +18,9 @@ inline double Distance(TPoint<double> const& a, TPoint<double> const& b) {
     return Hypot(b.h - a.h, b.v - a.v);
 }
 
-inline double Dot(TPoint<double> const& a, TPoint<double> const& b) {
-    return a.h * b.h + a.v * b.v;
-}
-/// Returns the cross product: positive where the turn from `a` to `b` is from h toward v.
-inline double Cross(TPoint<double> const& a, TPoint<double> const& b) {
-    return a.h * b.v - a.v * b.h;
-}
+using trammel::Cross;
+using trammel::Dot;
+
 /// Returns the square of the vector's length.
 inline double Square(TPoint<double> const& a) { return a.h * a.h + a.v * a.v; }
 /// Returns |h| + |v|, which is between the vector's length and sqrt(2) times it.

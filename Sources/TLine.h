@@ -46,25 +46,25 @@ template <class T> struct TRAMMEL_API TLine {
     // Create
 
     /// Makes a line with both points at the origin.
-    TLine() = default;
+    constexpr TLine() = default;
     /// Makes the line from `a` to `b`.
-    TLine(TPoint<T> const& a, TPoint<T> const& b) : mStart(a), mEnd(b) {}
+    constexpr TLine(TPoint<T> const& a, TPoint<T> const& b) : mStart(a), mEnd(b) {}
     TLine(TLine const&) = default;
     TLine& operator=(TLine const&) = default;
 
     // Set
 
     /// Makes this the segment from `a` to `b`.
-    TLine& Set(TPoint<T> const& a, TPoint<T> const& b) { return *this = TLine(a, b); }
+    constexpr TLine& Set(TPoint<T> const& a, TPoint<T> const& b) { return *this = TLine(a, b); }
 
     // Query
 
     /// True when both start points and both end points are equal; the reversed segment differs.
-    bool operator==(TLine const& other) const {
+    constexpr bool operator==(TLine const& other) const {
         return mStart == other.mStart && mEnd == other.mEnd;
     }
     /// Returns the direction mEnd - mStart.
-    TPoint<T> Delta() const { return mEnd - mStart; }
+    constexpr TPoint<T> Delta() const { return mEnd - mStart; }
     /// Returns the segment's bounding rectangle, in order.
     TRect<T> Bounds() const { return TRect<T>(mStart, mEnd); }
     /// Returns the segment's length, by hypot: no overflow or underflow before the result's own.
@@ -74,20 +74,20 @@ template <class T> struct TRAMMEL_API TLine {
     /// Returns the direction's v / h: ±infinity for a vertical line, NaN for coincident points.
     double Slope() const { return Delta().Slope(); }
     /// Returns the point at parameter `t`, mStart + Delta()·t; not limited to [0, 1].
-    TPoint<T> TPt(double t) const { return mStart + Delta() * t; }
+    constexpr TPoint<T> TPt(double t) const { return mStart + Delta() * t; }
     /// Returns the point at parameter 0.5.
-    TPoint<T> MidPt() const { return TPt(0.5); }
+    constexpr TPoint<T> MidPt() const { return TPt(0.5); }
 
     // Arithmetic
 
     /// Moves both points by `p`.
-    TLine& operator+=(TPoint<T> const& p) {
+    constexpr TLine& operator+=(TPoint<T> const& p) {
         TPoint<T> const by = p;
         mStart += by;
         mEnd += by;
         return *this;
     }
-    TLine operator+(TPoint<T> const& p) const { return TLine(*this) += p; }
+    constexpr TLine operator+(TPoint<T> const& p) const { return TLine(*this) += p; }
 
     // Geometry
 
@@ -111,7 +111,7 @@ template <class T> struct TRAMMEL_API TLine {
     /// Returns the same as Perpendicular(): a segment on the perpendicular bisector.
     TLine PerpendicularBisector() const { return Perpendicular(); }
     /// Returns the scalar product of the two directions.
-    double Dot(TLine const& other) const {
+    constexpr double Dot(TLine const& other) const {
         TPoint<T> const d = Delta();
         TPoint<T> const e = other.Delta();
         return d.h * e.h + d.v * e.v;

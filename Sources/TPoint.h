@@ -37,7 +37,7 @@ template <class T> struct TRAMMEL_API TRect;
 namespace trammel_detail {
 
 /// Returns `value` as a stored coordinate: unchanged for double, truncated into 16 bits for short.
-template <class T> T StoreCoordinate(double value) {
+template <class T> constexpr T StoreCoordinate(double value) {
     if constexpr (std::is_same_v<T, short>) {
         return TruncateToInt16(value);
     } else {
@@ -46,7 +46,7 @@ template <class T> T StoreCoordinate(double value) {
 }
 
 /// Returns the low 16 bits of an integer result, or the double as it is.
-template <class T, class Wide> T Narrow(Wide value) { return static_cast<T>(value); }
+template <class T, class Wide> constexpr T Narrow(Wide value) { return static_cast<T>(value); }
 
 } // namespace trammel_detail
 
@@ -64,55 +64,55 @@ template <class T> struct TRAMMEL_API TPoint {
     // Create
 
     /// Makes the null point (0, 0).
-    TPoint() : v(0), h(0) {}
+    constexpr TPoint() : v(0), h(0) {}
     /// Makes the point (h, v): horizontal coordinate first.
-    TPoint(T hCoord, T vCoord) : v(vCoord), h(hCoord) {}
+    constexpr TPoint(T hCoord, T vCoord) : v(vCoord), h(hCoord) {}
     TPoint(TPoint const&) = default;
     TPoint& operator=(TPoint const&) = default;
 
     /// Converts from the sister type. Into double this is exact. Into short each coordinate is
     /// truncated toward zero, and wraps at 16 bits. Choose `operator Point` where rounding is
     /// wanted.
-    TPoint(TPoint<Other> const& p)
+    constexpr TPoint(TPoint<Other> const& p)
         : v(trammel_detail::StoreCoordinate<T>(p.v)), h(trammel_detail::StoreCoordinate<T>(p.h)) {}
     /// Converts from a 16.16 fixed-point record: exact into double, truncated toward zero into
     /// short.
-    TPoint(FPoint const& p)
+    constexpr TPoint(FPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(Fix2X(p.v))),
           h(trammel_detail::StoreCoordinate<T>(Fix2X(p.h))) {}
     /// Converts from the platform's integer point, exactly.
-    TPoint(Point const& p) : v(p.v), h(p.h) {}
+    constexpr TPoint(Point const& p) : v(p.v), h(p.h) {}
     /// Converts from a single-precision point: h from x, v from y. Shorts are truncated toward
     /// zero.
-    TPoint(CGPoint const& p)
+    constexpr TPoint(CGPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
           h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
     /// Converts as from CGPoint.
-    TPoint(_NSPoint const& p)
+    constexpr TPoint(_NSPoint const& p)
         : v(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.y))),
           h(trammel_detail::StoreCoordinate<T>(static_cast<double>(p.x))) {}
 
     // Set
 
     /// Stores both coordinates, horizontal first.
-    void Set(T hCoord, T vCoord) {
+    constexpr void Set(T hCoord, T vCoord) {
         h = hCoord;
         v = vCoord;
     }
     /// Makes this the null point (0, 0).
-    void SetNull() { Set(0, 0); }
+    constexpr void SetNull() { Set(0, 0); }
 
     // Query
 
     /// True when both coordinates equal 0; false with a NaN.
-    bool Null() const { return h == 0 && v == 0; }
+    constexpr bool Null() const { return h == 0 && v == 0; }
     /// True when both coordinates are equal; a NaN is unequal to everything, itself included.
-    bool operator==(TPoint const& p) const { return h == p.h && v == p.v; }
+    constexpr bool operator==(TPoint const& p) const { return h == p.h && v == p.v; }
     /// True exactly when `==` is false: true with a NaN.
-    bool operator!=(TPoint const& p) const { return !(*this == p); }
+    constexpr bool operator!=(TPoint const& p) const { return !(*this == p); }
     /// True when neither coordinate exceeds the other's. This is componentwise dominance, not an
     /// ordering: of two points neither may be <= the other. False with a NaN.
-    bool operator<=(TPoint const& p) const { return h <= p.h && v <= p.v; }
+    constexpr bool operator<=(TPoint const& p) const { return h <= p.h && v <= p.v; }
 
     /// Returns v / h, unguarded: ±infinity for a vertical vector, NaN for the null one.
     double Slope() const { return static_cast<double>(v) / static_cast<double>(h); }
@@ -141,21 +141,21 @@ template <class T> struct TRAMMEL_API TPoint {
     // Arithmetic: each works on h and v independently
 
     /// Returns the opposite vector; for shorts -32768 stays -32768.
-    TPoint operator-() const {
+    constexpr TPoint operator-() const {
         return TPoint(trammel_detail::Narrow<T>(-h), trammel_detail::Narrow<T>(-v));
     }
-    TPoint& operator+=(TPoint const& p) {
+    constexpr TPoint& operator+=(TPoint const& p) {
         h = trammel_detail::Narrow<T>(h + p.h);
         v = trammel_detail::Narrow<T>(v + p.v);
         return *this;
     }
-    TPoint& operator-=(TPoint const& p) {
+    constexpr TPoint& operator-=(TPoint const& p) {
         h = trammel_detail::Narrow<T>(h - p.h);
         v = trammel_detail::Narrow<T>(v - p.v);
         return *this;
     }
     /// Multiplies coordinate by coordinate.
-    TPoint& operator*=(TPoint const& p) {
+    constexpr TPoint& operator*=(TPoint const& p) {
         h = trammel_detail::Narrow<T>(h * p.h);
         v = trammel_detail::Narrow<T>(v * p.v);
         return *this;
@@ -163,41 +163,41 @@ template <class T> struct TRAMMEL_API TPoint {
     /// Divides coordinate by coordinate.
     /// - Doubles: a zero divisor gives infinity or NaN.
     /// - Shorts are truncated toward zero; precondition: neither coordinate of `p` is 0.
-    TPoint& operator/=(TPoint const& p) {
+    constexpr TPoint& operator/=(TPoint const& p) {
         h = trammel_detail::Narrow<T>(h / p.h);
         v = trammel_detail::Narrow<T>(v / p.v);
         return *this;
     }
     /// Multiplies both coordinates by `s`; shorts are computed in double and truncated.
-    TPoint& operator*=(double s) {
+    constexpr TPoint& operator*=(double s) {
         h = trammel_detail::StoreCoordinate<T>(h * s);
         v = trammel_detail::StoreCoordinate<T>(v * s);
         return *this;
     }
     /// Divides both coordinates by `s`; shorts are computed in double and truncated. A zero divisor
     /// gives infinity or NaN (stored as 0 in a short).
-    TPoint& operator/=(double s) {
+    constexpr TPoint& operator/=(double s) {
         h = trammel_detail::StoreCoordinate<T>(h / s);
         v = trammel_detail::StoreCoordinate<T>(v / s);
         return *this;
     }
-    TPoint operator+(TPoint const& p) const { return TPoint(*this) += p; }
-    TPoint operator-(TPoint const& p) const { return TPoint(*this) -= p; }
-    TPoint operator*(TPoint const& p) const { return TPoint(*this) *= p; }
-    TPoint operator/(TPoint const& p) const { return TPoint(*this) /= p; }
-    TPoint operator*(double s) const { return TPoint(*this) *= s; }
-    TPoint operator/(double s) const { return TPoint(*this) /= s; }
+    constexpr TPoint operator+(TPoint const& p) const { return TPoint(*this) += p; }
+    constexpr TPoint operator-(TPoint const& p) const { return TPoint(*this) -= p; }
+    constexpr TPoint operator*(TPoint const& p) const { return TPoint(*this) *= p; }
+    constexpr TPoint operator/(TPoint const& p) const { return TPoint(*this) /= p; }
+    constexpr TPoint operator*(double s) const { return TPoint(*this) *= s; }
+    constexpr TPoint operator/(double s) const { return TPoint(*this) /= s; }
 
     // Geometry
 
     /// Moves the point by (dh, dv).
-    TPoint& Offset(T dh, T dv) { return *this += TPoint(dh, dv); }
+    constexpr TPoint& Offset(T dh, T dv) { return *this += TPoint(dh, dv); }
     /// Does the same as `+= d`.
-    TPoint& Offset(TPoint const& d) { return *this += d; }
+    constexpr TPoint& Offset(TPoint const& d) { return *this += d; }
     /// Does the same as `*= s`: scales about the origin.
-    TPoint& Scale(double s) { return *this *= s; }
+    constexpr TPoint& Scale(double s) { return *this *= s; }
     /// Scales about the origin with one factor for each direction; shorts truncate.
-    TPoint& Scale(double sh, double sv) {
+    constexpr TPoint& Scale(double sh, double sv) {
         h = trammel_detail::StoreCoordinate<T>(h * sh);
         v = trammel_detail::StoreCoordinate<T>(v * sv);
         return *this;
@@ -267,7 +267,7 @@ template <class T> struct TRAMMEL_API TPoint {
 /// Returns coordinate `I` of the point, 0 for h and 1 for v: in the order of all arguments, not in
 /// the order of storage. Structured bindings call these functions: `auto [h, v] = p`. With `auto&
 /// [h, v]` a write goes into the point.
-template <std::size_t I, class T> T& get(TPoint<T>& p) noexcept {
+template <std::size_t I, class T> constexpr T& get(TPoint<T>& p) noexcept {
     static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
     if constexpr (I == 0) {
         return p.h;
@@ -276,7 +276,7 @@ template <std::size_t I, class T> T& get(TPoint<T>& p) noexcept {
     }
 }
 /// Does the same for reading.
-template <std::size_t I, class T> T const& get(TPoint<T> const& p) noexcept {
+template <std::size_t I, class T> constexpr T const& get(TPoint<T> const& p) noexcept {
     static_assert(I < 2, "a point has two coordinates, 0 for h and 1 for v");
     if constexpr (I == 0) {
         return p.h;
@@ -285,7 +285,9 @@ template <std::size_t I, class T> T const& get(TPoint<T> const& p) noexcept {
     }
 }
 /// Does the same for a point that is about to end.
-template <std::size_t I, class T> T&& get(TPoint<T>&& p) noexcept { return std::move(get<I>(p)); }
+template <std::size_t I, class T> constexpr T&& get(TPoint<T>&& p) noexcept {
+    return std::move(get<I>(p));
+}
 
 /// Tells structured bindings that a point is a pair (h, v).
 template <class T> struct std::tuple_size<TPoint<T>> : std::integral_constant<std::size_t, 2> {};

@@ -72,9 +72,10 @@ template <class T> struct TRAMMEL_API TRect {
     // Create
 
     /// Makes the null rectangle.
-    TRect() { SetNull(); }
+    constexpr TRect() : top(0), left(0), bottom(0), right(0) {}
     /// Stores the four values as given, ordered or not.
-    TRect(T leftH, T topV, T rightH, T bottomV) { Set(leftH, topV, rightH, bottomV); }
+    constexpr TRect(T leftH, T topV, T rightH, T bottomV)
+        : top(topV), left(leftH), bottom(bottomV), right(rightH) {}
     /// Makes the rectangle with corners `a` and `b`, in either order (see Rectify).
     TRect(TPoint<T> const& a, TPoint<T> const& b) { Set(a, b); }
     /// Makes the rectangle of the given half-sizes around `centre`, put in order.
@@ -151,26 +152,26 @@ template <class T> struct TRAMMEL_API TRect {
     // Query
 
     /// True when all four fields equal 0: there is no rectangle yet.
-    bool Null() const { return top == 0 && left == 0 && bottom == 0 && right == 0; }
+    constexpr bool Null() const { return top == 0 && left == 0 && bottom == 0 && right == 0; }
     /// True when the corners are in order (degenerate rectangles included); false with a NaN.
-    bool Valid() const { return bottom >= top && right >= left; }
+    constexpr bool Valid() const { return bottom >= top && right >= left; }
     /// True when there is no area: right <= left or bottom <= top.
-    bool Empty() const { return right <= left || bottom <= top; }
+    constexpr bool Empty() const { return right <= left || bottom <= top; }
     /// Returns right - left; negative when out of order, cut to 16 bits for shorts.
-    T Width() const { return trammel_detail::Narrow<T>(right - left); }
+    constexpr T Width() const { return trammel_detail::Narrow<T>(right - left); }
     /// Returns bottom - top; negative when out of order, cut to 16 bits for shorts.
-    T Height() const { return trammel_detail::Narrow<T>(bottom - top); }
+    constexpr T Height() const { return trammel_detail::Narrow<T>(bottom - top); }
     /// Returns (h = Width, v = Height).
-    TPoint<T> GetSize() const { return TPoint<T>(Width(), Height()); }
+    constexpr TPoint<T> GetSize() const { return TPoint<T>(Width(), Height()); }
     /// Returns the centre, (left + right)/2 and (top + bottom)/2 in double; short sums do not wrap,
     /// double sums above 1.8e308 are infinite.
-    TPoint<double> MidPt() const {
+    constexpr TPoint<double> MidPt() const {
         return TPoint<double>((left + right) / 2.0, (top + bottom) / 2.0);
     }
-    TPoint<T> TopLeft() const { return TPoint<T>(left, top); }
-    TPoint<T> TopRight() const { return TPoint<T>(right, top); }
-    TPoint<T> BottomLeft() const { return TPoint<T>(left, bottom); }
-    TPoint<T> BottomRight() const { return TPoint<T>(right, bottom); }
+    constexpr TPoint<T> TopLeft() const { return TPoint<T>(left, top); }
+    constexpr TPoint<T> TopRight() const { return TPoint<T>(right, top); }
+    constexpr TPoint<T> BottomLeft() const { return TPoint<T>(left, bottom); }
+    constexpr TPoint<T> BottomRight() const { return TPoint<T>(right, bottom); }
     /// Returns a reference to the stored corner, valid while the rectangle lives. It shows later
     /// writes to the fields. Every selector except kBottomRight gives the top-left corner.
     TPoint<T> const& operator[](PointSelector which) const {
@@ -178,7 +179,7 @@ template <class T> struct TRAMMEL_API TRect {
     }
     /// True when `p` lies in the rectangle, all four edges inclusive; false with a NaN and for a
     /// rectangle out of order.
-    bool Contains(TPoint<T> const& p) const {
+    constexpr bool Contains(TPoint<T> const& p) const {
         return top <= p.v && p.v <= bottom && left <= p.h && p.h <= right;
     }
     /// True when both stored corners of `r` lie in the rectangle, edges inclusive.
@@ -186,11 +187,11 @@ template <class T> struct TRAMMEL_API TRect {
         return Contains(r[kTopLeft]) && Contains(r[kBottomRight]);
     }
     /// True when all four fields are equal; a NaN field makes it false.
-    bool operator==(TRect const& r) const {
+    constexpr bool operator==(TRect const& r) const {
         return top == r.top && left == r.left && bottom == r.bottom && right == r.right;
     }
     /// Returns the negation of `==`.
-    bool operator!=(TRect const& r) const { return !(*this == r); }
+    constexpr bool operator!=(TRect const& r) const { return !(*this == r); }
 
     // Arithmetic
 
