@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
 
 // What does measuring an outline once bring? A PathMeasure answers the questions of Path_bench.cpp
-// (Measure...), and so does the path itself for comparison (Path...). Outlines have 10 to 100,000
-// segments: lines, curves, or lines and curves in turn. One iteration is one question. MeasureMake
-// measures the making of the PathMeasure.
+// (Measure...), an OutlineMeasure answers them to rounding (Outline...), and so does the path
+// itself for comparison (Path...). Outlines have 10 to 100,000 segments: lines, curves, or lines
+// and curves in turn. One iteration is one question. MeasureMake and OutlineMake measure the
+// making. The searches in spikes have rings of up to a million lines whose vertices lie at random
+// distances from the centre.
 //
-// Run by hand: trammel_bench --benchmark_filter='(Measure|Path).*/(lines|curves|mixed)'
+// Run by hand: trammel_bench
+// --benchmark_filter='(Measure|Outline|Path).*/(lines|curves|mixed|spikes)'
 
 #include "Inputs.h"
 
+#include <trammel/OutlineMeasure.h>
 #include <trammel/PathMeasure.h>
 
 #include <benchmark/benchmark.h>
@@ -24,6 +28,7 @@
 
 namespace {
 
+using trammel::OutlineMeasure;
 using trammel::PathMeasure;
 
 typedef TPoint<double> Pt;
@@ -32,10 +37,12 @@ typedef inputs::Segments Kind;
 
 /// Made once for all benchmarks of the same outline.
 struct Subject {
-    Subject(Kind kind, std::size_t count) : path(inputs::Ragged(kind, count, 7)), measure(path) {}
+    Subject(Kind kind, std::size_t count)
+        : path(inputs::Ragged(kind, count, 7)), measure(path), outline(path) {}
 
     CPath path;
     PathMeasure measure;
+    OutlineMeasure outline;
 };
 
 Subject const& SubjectOf(Kind kind, std::int64_t count) {
@@ -142,6 +149,67 @@ void PathCutOf(benchmark::State& state, Kind kind) {
     });
 }
 
+void OutlineMake(benchmark::State& state, Kind kind) {
+    CPath const& path = SubjectOf(kind, state.range(0)).path;
+    for (auto _ : state) {
+        OutlineMeasure const outline(path);
+        benchmark::DoNotOptimize(outline.Length());
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void OutlinePoint(benchmark::State& state, Kind kind) {
+    OutlineMeasure const& outline = SubjectOf(kind, state.range(0)).outline;
+    AskEach(state, Fractions(), [&](double t) { benchmark::DoNotOptimize(outline.TPt(t)); });
+}
+
+void OutlinePlace(benchmark::State& state, Kind kind) {
+    OutlineMeasure const& outline = SubjectOf(kind, state.range(0)).outline;
+    AskEach(state, Fractions(), [&](double t) { benchmark::DoNotOptimize(outline.At(t)); });
+}
+
+void OutlineNearest(benchmark::State& state, Kind kind) {
+    OutlineMeasure const& outline = SubjectOf(kind, state.range(0)).outline;
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(outline.FindNearest(p, 0.001)); });
+}
+
+void OutlineDistance(benchmark::State& state, Kind kind) {
+    OutlineMeasure const& outline = SubjectOf(kind, state.range(0)).outline;
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(outline.Distance(p, 0.001)); });
+}
+
+void OutlineCut(benchmark::State& state, Kind kind) {
+    OutlineMeasure const& outline = SubjectOf(kind, state.range(0)).outline;
+    CPath piece;
+    AskEach(state, Fractions(), [&](double t) {
+        piece.clear();
+        outline.GetTRange(0.99 * t, 0.99 * t + 0.01, piece);
+        benchmark::DoNotOptimize(piece.mPts.data());
+    });
+}
+
+/// The search in a ring of spikes by either kind of measure.
+template <class Measured> void SpikesDistance(benchmark::State& state) {
+    CPath path;
+    for (Pt const& p : inputs::Star(static_cast<std::size_t>(state.range(0)))) {
+        path.LineTo(p); // the first one is a move
+    }
+    Measured const measured(path.ClosePath());
+    AskEach(state, inputs::Points(997, 1000.0),
+            [&](Pt const& p) { benchmark::DoNotOptimize(measured.Distance(p)); });
+}
+
+BENCHMARK_TEMPLATE(SpikesDistance, PathMeasure)
+    ->Name("MeasureDistance/spikes")
+    ->RangeMultiplier(100)
+    ->Range(100, 1000000);
+BENCHMARK_TEMPLATE(SpikesDistance, OutlineMeasure)
+    ->Name("OutlineDistance/spikes")
+    ->RangeMultiplier(100)
+    ->Range(100, 1000000);
+
 #define TRAMMEL_BENCHMARK_KINDS(function, most)                                                    \
     BENCHMARK_CAPTURE(function, lines, Kind::kLines)->RangeMultiplier(10)->Range(10, most);        \
     BENCHMARK_CAPTURE(function, curves, Kind::kCurves)->RangeMultiplier(10)->Range(10, most);      \
@@ -157,5 +225,11 @@ TRAMMEL_BENCHMARK_KINDS(PathNearestOf, 1000);
 TRAMMEL_BENCHMARK_KINDS(MeasureDistance, 1000);
 TRAMMEL_BENCHMARK_KINDS(MeasureCut, 1000);
 TRAMMEL_BENCHMARK_KINDS(PathCutOf, 1000);
+TRAMMEL_BENCHMARK_KINDS(OutlineMake, 100000);
+TRAMMEL_BENCHMARK_KINDS(OutlinePoint, 100000);
+TRAMMEL_BENCHMARK_KINDS(OutlinePlace, 1000);
+TRAMMEL_BENCHMARK_KINDS(OutlineNearest, 100000);
+TRAMMEL_BENCHMARK_KINDS(OutlineDistance, 1000);
+TRAMMEL_BENCHMARK_KINDS(OutlineCut, 1000);
 
 } // namespace

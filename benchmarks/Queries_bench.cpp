@@ -4,9 +4,11 @@
 //
 //     trammel-accurate   AccurateCurve.h, to an accuracy of 0.001 units where no other is named
 //     trammel-measured   an outline measured beforehand (PathMeasure.h)
+//     trammel-outline    the same, right to rounding (OutlineMeasure.h)
 //     trammel-prepared   a polygon prepared beforehand (PreparedPolygon.h)
 //
-// The first has errors of its own, which the tables show. The others give the results of the path
+// The first has errors of its own, which the tables show. An OutlineMeasure has none but rounding,
+// and so differs from the path's own results. The others give the results of the path
 // and of the polygon. The program checks that, item by item and to the last bit, before it
 // measures. Making them is a work of its own: path_measure and contains_build. contains_some is
 // both, for a few dozen points.
@@ -19,6 +21,7 @@
 #include "peers/Works.h"
 
 #include <trammel/AccurateCurve.h>
+#include <trammel/OutlineMeasure.h>
 #include <trammel/PathMeasure.h>
 #include <trammel/PreparedPolygon.h>
 
@@ -134,6 +137,49 @@ void RegisterMeasured() {
     }
 }
 
+/// One question, ask(outline, point), to OutlineMeasures made beforehand.
+template <class Ask> void OnOutlines(std::string const& work, Ask ask) {
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone(work, input, "trammel-outline", [=] {
+            auto const& paths = inputs::Outlines(set);
+            auto const points = inputs::Points(paths.size(), inputs::Side(set));
+            std::vector<trammel::OutlineMeasure> const measures(paths.begin(), paths.end());
+            return peers::JobOf(paths.size(),
+                                [=](std::size_t i) { return ask(measures[i], points[i]); });
+        });
+    }
+}
+
+void RegisterOutlines() {
+    typedef trammel::OutlineMeasure const& Outline;
+    OnOutlines("path_length", [](Outline outline, Pt const&) { return outline.Length(); });
+    OnOutlines("path_point", [](Outline outline, Pt const&) {
+        Pt const p = outline.TPt(0.3);
+        return p.h + p.v;
+    });
+    OnOutlines("path_nearest",
+               [](Outline outline, Pt const& p) { return outline.FindNearest(p, kAccuracy).t; });
+    OnOutlines("path_cut", [](Outline outline, Pt const&) {
+        CPath piece;
+        outline.GetTRange(0.25, 0.75, piece);
+        double sum = 0.0;
+        for (Pt const& p : piece.mPts) {
+            sum += p.h + p.v;
+        }
+        return sum;
+    });
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone("path_measure", input, "trammel-outline", [=] {
+            auto const& paths = inputs::Outlines(set);
+            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+                return trammel::OutlineMeasure(paths[i]).Length();
+            });
+        });
+    }
+}
+
 /// With so many points a polygon is asked for, it has to pay to prepare it.
 constexpr std::size_t kSome = 36;
 
@@ -226,6 +272,7 @@ void RegisterPrepared() {
 bool RegisterAll() {
     RegisterAccurate();
     RegisterMeasured();
+    RegisterOutlines();
     RegisterPrepared();
     return true;
 }
