@@ -12,7 +12,8 @@
 // NaN or infinite coordinate or fewer than three vertices counts as absent, and so does one whose
 // bounds have no area. Winding numbers are those of Winding.h.
 //
-// Results are rings, marked as closed, that bound the region by either rule:
+// Results are rings that bound the region by either rule. Those of type TPolygon are marked as
+// closed.
 //
 // - Outer rings have a positive SignedArea() (Moments.h): they run from the +h direction toward +v.
 //   Rings of holes have a negative one. So winding numbers are 1 inside and 0 outside.
@@ -25,10 +26,11 @@
 // the doubles where those are coarser. A vertex that survives is the same double. A crossing of two
 // edges is right within 2^-52 of the bounds' extent, or is the nearest double if that is coarser.
 // An edge moves by as much where it is cut. Edges can be cut again where that makes them meet
-// anew, and by Union() once in each of its stages. So a point farther than some 2^-50 of the extent
-// from all rings is inside the result exactly when winding numbers, rules and operation say so.
-// Details smaller than a step may vanish. All this holds wherever the operands lie and however
-// large they are, from 1e-300 upwards.
+// anew, and by Union() once in each of its stages. In all they move by
+// less than some 2^-50 of the extent, or some spacings of the doubles there. A point farther from
+// all rings is inside the result exactly when winding numbers, rules and operation say so.
+// Details smaller than a step may vanish. All this
+// holds wherever the operands lie and however large they are, from 1e-300 upwards.
 //
 // Cost: in practice O(n log n + k) for n vertices and k points where edges meet. It does not grow
 // with the number of operands. At worst it is the number of pairs of edges whose bounds meet. All
@@ -41,6 +43,7 @@
 #define TRAMMEL_POLYGONOPERATIONS_H
 
 #include "FillRule.h"
+#include "PolygonWithHoles.h"
 #include "TPoly.h"
 #include "Tgcp.h"
 #include "TrammelExport.h"
@@ -67,6 +70,21 @@ Union(std::vector<std::vector<TPolygon<double>>> const& polygons, FillRule rule)
 /// `rule`.
 TRAMMEL_API std::vector<TPolygon<double>> RemoveOverlap(std::vector<TPolygon<double>> const& rings,
                                                         FillRule rule);
+
+/// Returns the same region as polygons with holes: each outer ring with the holes that lie directly
+/// in it. Rings are as above, and polygons are in the order of their outer rings. The polygons have
+/// no point in common but vertices.
+TRAMMEL_API std::vector<PolygonWithHoles> ToPolygons(std::vector<TPolygon<double>> const& rings,
+                                                     FillRule rule);
+
+/// Returns the region `a` `op` `b` as polygons with holes. Each of `a` and `b` stands for all
+/// points in at least one of its polygons, so the polygons of one list may overlap. A polygon holds
+/// the points that its rings hold by the even-odd rule, which is its region where its holes lie in
+/// the outer ring and do not overlap. An operation outside of the four gives no polygons.
+TRAMMEL_API std::vector<PolygonWithHoles>
+Boolean(TPolyOp op, std::vector<PolygonWithHoles> const& a, std::vector<PolygonWithHoles> const& b);
+/// Returns the region of all polygons together, in the same form and by the same rule.
+TRAMMEL_API std::vector<PolygonWithHoles> Union(std::vector<PolygonWithHoles> const& polygons);
 
 } // namespace trammel
 

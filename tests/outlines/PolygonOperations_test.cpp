@@ -23,14 +23,17 @@ namespace {
 using trammel::Boolean;
 using trammel::FillRule;
 using trammel::IsInside;
+using trammel::PolygonWithHoles;
 using trammel::RemoveOverlap;
 using trammel::SignedArea;
+using trammel::ToPolygons;
 using trammel::Union;
 using trammel::WindingNumber;
 using trammel_test::Rings;
 using trammel_test::StripArea;
 
 typedef TPoint<double> Pt;
+typedef std::vector<PolygonWithHoles> Polygons;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -205,6 +208,93 @@ TEST(PolygonOperations, KeepTheBitsOfVerticesThatSurvive) {
     ASSERT_EQ(result.size(), 1U);
     EXPECT_EQ(result[0].GetPt(0).h, h);
     EXPECT_EQ(result[0].GetPt(0).v, v);
+}
+
+// Polygons with holes.
+
+TEST(PolygonOperations, GiveEachHoleToTheOuterRingAroundIt) {
+    // Three frames in each other, and a square with two holes beside them.
+    Rings rings;
+    for (int i = 0; i < 6; ++i) {
+        rings.push_back(Square(i, i, 20 - 2 * i));
+    }
+    rings.push_back(Square(30, 0, 10));
+    rings.push_back(Square(31, 1, 2));
+    rings.push_back(Square(35, 5, 3));
+    Polygons const polygons = ToPolygons(rings, FillRule::kEvenOdd);
+    ASSERT_EQ(polygons.size(), 4U);
+    std::vector<std::string> texts;
+    for (PolygonWithHoles const& polygon : polygons) {
+        std::string text = std::to_string(SignedArea(polygon.outer));
+        for (trammel::Ring const& hole : polygon.holes) {
+            text += " " + std::to_string(SignedArea(hole));
+        }
+        texts.push_back(text);
+    }
+    EXPECT_EQ(texts[0], "400.000000 -324.000000");
+    EXPECT_EQ(texts[1], "100.000000 -4.000000 -9.000000");
+    EXPECT_EQ(texts[2], "256.000000 -196.000000");
+    EXPECT_EQ(texts[3], "144.000000 -100.000000");
+}
+
+TEST(PolygonOperations, GiveHolesThatTouchTheirOuterRingToIt) {
+    // Diamonds with common corners left and right: their bounds are the same in h.
+    auto const diamond = [](double height) {
+        return Ring({Pt(-8, 0), Pt(0, -height), Pt(8, 0), Pt(0, height)});
+    };
+    Polygons const polygons =
+        ToPolygons({diamond(4), diamond(3), diamond(2), diamond(1)}, FillRule::kEvenOdd);
+    // The rings meet at the corners, where the walk along the boundary divides them.
+    double area = 0;
+    for (PolygonWithHoles const& polygon : polygons) {
+        EXPECT_GT(Area(polygon), 0.0);
+        area += Area(polygon);
+    }
+    EXPECT_EQ(area, 32.0);
+}
+
+TEST(PolygonOperations, CombineListsOfPolygonsWithHoles) {
+    auto const ring = [](double h, double v, double size) {
+        return trammel::Ring{Pt(h, v), Pt(h + size, v), Pt(h + size, v + size), Pt(h, v + size)};
+    };
+    Polygons const a = {{ring(0, 0, 6), {ring(2, 2, 2)}}, {ring(4, 0, 6), {}}};
+    Polygons const b = {{ring(3, 2, 1), {}}, {ring(1, 1, 1), {}}};
+    auto const areaOf = [&](TPolyOp op) {
+        double area = 0;
+        for (PolygonWithHoles const& polygon : Boolean(op, a, b)) {
+            area += Area(polygon);
+        }
+        return area;
+    };
+    EXPECT_EQ(areaOf(kPolyUnion), 57.0);
+    EXPECT_EQ(areaOf(kPolyIntersection), 1.0);
+    EXPECT_EQ(areaOf(kPolyDifference), 55.0);
+    EXPECT_EQ(areaOf(kPolyXor), 56.0);
+    EXPECT_TRUE(Boolean(static_cast<TPolyOp>(-1), a, b).empty());
+    EXPECT_TRUE(Boolean(kPolyUnion, Polygons(), Polygons()).empty());
+    EXPECT_TRUE(Union(Polygons{{trammel::Ring(), {ring(kNaN, 0, 1)}}}).empty());
+    Polygons const united = Union(a);
+    ASSERT_EQ(united.size(), 1U);
+    ASSERT_EQ(united[0].holes.size(), 1U);
+    EXPECT_EQ(Area(united[0]), 56.0);
+}
+
+TEST(PolygonOperations, NestRingsAsPointsSay) {
+    Dice dice(20250109);
+    for (int round = 0; round < 150; ++round) {
+        Rings const rings = RandomRings(dice, 2 + dice.Below(12), round % 2 != 0);
+        for (FillRule const rule : kRules) {
+            Polygons const polygons = ToPolygons(rings, rule);
+            for (int i = 0; i < 30; ++i) {
+                Pt const p(dice.Unit(), dice.Unit());
+                int count = 0;
+                for (PolygonWithHoles const& polygon : polygons) {
+                    count += Contains(polygon, p, FillRule::kNonZero) ? 1 : 0;
+                }
+                ASSERT_EQ(count, IsInside(WindingOf(rings, p), rule) ? 1 : 0) << "round " << round;
+            }
+        }
+    }
 }
 
 // Degenerate input.

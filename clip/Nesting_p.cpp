@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+
+#include "Nesting_p.h"
+
+#include "Predicates_p.h"
+#include "WestRays_p.h"
+
+#include <cmath>
+#include <optional>
+
+namespace trammel_detail {
+
+namespace {
+
+/// How far a contour reaches.
+struct Reach {
+    GridBox box;
+    double area = 0.0;
+
+    Reach(GridLines const& contours, std::size_t contour) {
+        std::size_t const begin = contours.Begin(contour);
+        std::size_t const end = contours.End(contour);
+        GridPoint const first = contours.points[begin];
+        for (std::size_t i = begin; i < end; ++i) {
+            GridPoint const p = contours.points[i];
+            box.Include(p.x, p.y);
+            area +=
+                static_cast<double>(Cross(first, p, contours.points[i + 1 == end ? begin : i + 1]));
+        }
+        area = std::abs(area);
+    }
+    /// True when the contour lies in another one, of which it is known that one of the two lies in
+    /// the other.
+    bool IsWithin(Reach const& other) const {
+        GridBox const& b = other.box;
+        bool const same = box.lowX == b.lowX && box.lowY == b.lowY && box.highX == b.highX &&
+                          box.highY == b.highY;
+        return same ? area < other.area
+                    : box.lowX >= b.lowX && box.lowY >= b.lowY && box.highX <= b.highX &&
+                          box.highY <= b.highY;
+    }
+};
+
+} // namespace
+
+std::vector<std::size_t> OutersOf(RegionContours const& region) {
+    GridLines const& contours = region.contours;
+    std::optional<EdgeTree> const none;
+    WestRays rays(contours, none);
+    std::vector<std::size_t> outers(contours.Count());
+    std::vector<int> steps(contours.Count(), 0);
+    ScratchVector<RayCrossing> crossings;
+    std::vector<Reach> reaches;
+    reaches.reserve(contours.Count());
+    for (std::size_t i = 0; i < contours.Count(); ++i) {
+        reaches.emplace_back(contours, i);
+    }
+    for (std::size_t i = 0; i < contours.Count(); ++i) {
+        outers[i] = i;
+        if (region.holes[i] == 0) {
+            continue;
+        }
+        std::size_t edge = contours.Begin(i);
+        while (edge + 1 < contours.End(i) &&
+               contours.points[edge].y == contours.points[edge + 1].y) {
+            ++edge;
+        }
+        crossings.clear();
+        rays.CrossingsWestOf(edge, crossings);
+        for (RayCrossing const& crossing : crossings) {
+            steps[crossing.line] += crossing.step;
+        }
+        // Contours do not cross, so all that lie around the hole lie in each other.
+        for (RayCrossing const& crossing : crossings) {
+            std::size_t const around = crossing.line;
+            if (steps[around] != 0 && region.holes[around] == 0 &&
+                (outers[i] == i || reaches[around].IsWithin(reaches[outers[i]]))) {
+                outers[i] = around;
+            }
+        }
+        for (RayCrossing const& crossing : crossings) {
+            steps[crossing.line] = 0;
+        }
+    }
+    return outers;
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+
+// Which contour each hole of a region belongs to. Not installed.
+
+#ifndef TRAMMEL_NESTING_P_H
+#define TRAMMEL_NESTING_P_H
+
+#include "Linker_p.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace trammel_detail {
+
+/// Returns for each contour of a region the one that it is listed with: for a hole the innermost
+/// other contour around it, and else itself. Exact.
+///
+/// Cost: O(n), and a ray for each hole.
+std::vector<std::size_t> OutersOf(RegionContours const& region);
+
+} // namespace trammel_detail
+
+#endif
