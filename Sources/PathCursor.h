@@ -102,23 +102,18 @@ public:
         if (!mElements.Next()) {
             return false;
         }
-        TPoint<double> const from = mCurrent;
+        mFrom = mCurrent;
         switch (mElements.Code()) {
         case kPathMove:
             mStart = mCurrent = mElements.Pt(0);
             break;
         case kPathLine:
             mCurrent = mElements.Pt(0);
-            mLine.Set(from, mCurrent);
             break;
         case kPathCurve:
             mCurrent = mElements.Pt(2);
-            mCurve.Set(from, mElements.Pt(0), mElements.Pt(1), mCurrent);
             break;
-        case kPathClose:
-            mLine.Set(from, mStart); // the current point stays where it was
-            break;
-        default:
+        default: // a close leaves the current point where it was
             break;
         }
         return true;
@@ -136,10 +131,12 @@ public:
     char Code() const { return mElements.Code(); }
     bool IsCurve() const { return Code() == kPathCurve; }
     /// Returns the line or the closing line.
-    TLine<double> Line() const { return mLine; }
-    /// Returns the curve. By value, as the line is: the cursor's address then never escapes, and
-    /// the compiler keeps it in registers.
-    CBezier Curve() const { return mCurve; }
+    TLine<double> Line() const {
+        return TLine<double>(mFrom, Code() == kPathClose ? mStart : mCurrent);
+    }
+    /// Returns the curve, as long as the path has not changed since the step. By value, as the line
+    /// is: the cursor's address then never escapes, and the compiler keeps it in registers.
+    CBezier Curve() const { return CBezier(mFrom, mElements.Pt(0), mElements.Pt(1), mCurrent); }
     /// Returns the index of the segment's element in the path's codes.
     std::size_t Element() const { return mElements.Index(); }
     /// Returns the point of the last move; (0, 0) before the first one.
@@ -151,8 +148,7 @@ private:
     ElementCursor mElements;
     TPoint<double> mStart;
     TPoint<double> mCurrent;
-    TLine<double> mLine;
-    CBezier mCurve;
+    TPoint<double> mFrom; ///< where the element begins
 };
 
 } // namespace trammel_detail
