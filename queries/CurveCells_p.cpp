@@ -310,14 +310,40 @@ private:
         // A piece of B that runs against B has decreasing parameters.
         double const side = (cross > 0.0) == (b.t0 <= b.t1) ? kCertain : -kCertain;
         // The curves stay within the accuracy for about this far, on either side.
-        double const slant = 2.0 * mAccuracy / (3.0 * std::abs(cross));
-        double const reachA = std::sqrt(Square(second)) * slant;
-        double const reachB =
-            std::sqrt(Square(first)) * slant * (Dot(first, second) < 0.0 ? -1.0 : 1.0);
-        auto const limited = [](double x) { return std::min(std::max(x, 0.0), 1.0); };
-        mEvents.push_back({a.At(limited(s1 - reachA)), a.At(limited(s1 + reachA)),
-                           b.At(limited(tOn - reachB)), b.At(limited(tOn + reachB)), a.At(s1),
-                           b.At(tOn), s > 0.0 ? -side : 0.0, s < 1.0 ? side : 0.0, inside});
+        double const lengthA = std::sqrt(Square(first));
+        double const lengthB = std::sqrt(Square(second));
+        double const reach = 2.0 * mAccuracy * lengthA * lengthB / std::abs(cross);
+        Stretch const onA = Around(a.c, s1, lengthA, reach);
+        Stretch const onB = Around(b.c, tOn, lengthB, reach);
+        bool const against = Dot(first, second) < 0.0;
+        mEvents.push_back({a.At(onA.low), a.At(onA.high), b.At(against ? onB.high : onB.low),
+                           b.At(against ? onB.low : onB.high), a.At(s1), b.At(tOn),
+                           s > 0.0 ? -side : 0.0, s < 1.0 ? side : 0.0, inside});
+    }
+
+    struct Stretch {
+        double low;
+        double high;
+    };
+    /// The parameters of a piece around `t` up to a distance of about `reach`. `length` is that of
+    /// a third of the derivative there.
+    static Stretch Around(Cubic const& c, double t, double length, double reach) {
+        double const by = reach / (3.0 * length);
+        Stretch stretch{std::max(t - by, 0.0), std::min(t + by, 1.0)};
+        constexpr double kSlow = 0.125;
+        if (length < kSlow * LongestOf(ArmsOf(c))) {
+            // The derivative is much greater nearby, as beside a cusp.
+            Pt const p = PlaceAt(c, t).point;
+            for (double Stretch::*const end : {&Stretch::low, &Stretch::high}) {
+                constexpr int kMostHalvings = 60;
+                for (int i = 0;
+                     i < kMostHalvings && Taxicab(PlaceAt(c, stretch.*end).point - p) > 2.0 * reach;
+                     ++i) {
+                    stretch.*end = 0.5 * (stretch.*end + t);
+                }
+            }
+        }
+        return stretch;
     }
 
     enum class Outcome { kDone, kDivide, kNoRoom };

@@ -22,12 +22,14 @@ typedef TPoint<double> Pt;
 /// times the accuracy.
 constexpr double kTogether = 2.0;
 
-/// Curves coincide along a stretch where they are nearer than this part of the accuracy at
-/// kCoincident of kSamples places. Curves that touch with order k are so near in the k-th root of
-/// the part, which is less than 3/4 for all orders that two cubics can have, 9 at most.
+/// Curves coincide along a stretch where they are nearer than kNearPart of the accuracy along
+/// kCoincidentPart of it. Curves that touch with order k are so near in the k-th root of the first
+/// part. That is less than the second part for orders up to 9, the highest that two cubics can
+/// have.
 constexpr double kNearPart = 1.0 / 16.0;
+constexpr double kCoincidentPart = 0.75;
+/// The places at which a stretch is looked at.
 constexpr int kSamples = 16;
-constexpr int kCoincident = 12;
 
 /// The place of `b` near `t` that is the nearest to a point, by Newton's method between `low` and
 /// `high`.
@@ -70,6 +72,7 @@ public:
         return FootOn(mB, PlaceAt(mA, s).point, mMeet.t0 + (mMeet.t1 - mMeet.t0) * part, mLow,
                       mHigh);
     }
+    Pt PointOfA(double s) const { return PlaceAt(mA, s).point; }
     double Distance(double s, double t) const {
         return std::sqrt(Square(PlaceAt(mA, s).point - PlaceAt(mB, t).point));
     }
@@ -89,12 +92,20 @@ private:
 
 /// True when the curves coincide along the stretch.
 bool Coincide(Gap const& gap, CurveMeet const& m, double accuracy) {
-    int near = 0;
+    // Lengths decide, not parameters, as these crowd at a control point on an end.
+    double near = 0.0;
+    double all = 0.0;
+    Pt last = gap.PointOfA(m.s0);
     for (int i = 0; i < kSamples; ++i) {
-        double const s = m.s0 + (m.s1 - m.s0) * ((i + 0.5) / kSamples);
-        near += gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy ? 1 : 0;
+        double const step = (m.s1 - m.s0) / kSamples;
+        double const s = m.s0 + step * (i + 0.5);
+        Pt const next = gap.PointOfA(m.s0 + step * (i + 1));
+        double const length = Taxicab(next - last);
+        last = next;
+        all += length;
+        near += gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy ? length : 0.0;
     }
-    return near >= kCoincident;
+    return near >= kCoincidentPart * all;
 }
 
 /// Sets the place of a stretch to where the curves are nearest to each other.
@@ -184,13 +195,6 @@ CurveMeetGroup::CurveMeetGroup(CurveEvent const& e)
     : meet{e.s0, e.s1, e.t0, e.t1, e.s, e.t, 0, 0, false}, before(e.before), after(e.after),
       lowT(std::min(e.t0, e.t1)), highT(std::max(e.t0, e.t1)), crossings(e.crossing ? 1 : 0),
       events(1) {}
-
-bool CurveMeetGroup::Meets(CurveMeetGroup const& g, Cubic const& a, Cubic const& b,
-                           double accuracy) const {
-    double const limit = kTogether * accuracy;
-    return IsShort(a, meet.s1, g.meet.s0, limit) && IsShort(b, highT, g.lowT, limit) &&
-           IsShort(b, g.highT, lowT, limit);
-}
 
 void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double accuracy) {
     // The sides count where the group begins and where it ends.
@@ -287,26 +291,44 @@ void CurveMeetFinder::Join() {
     std::sort(mEvents.begin(), mEvents.end(), [](CurveEvent const& e, CurveEvent const& f) {
         return std::tie(e.s0, e.t0, e.s1, e.t1) < std::tie(f.s0, f.t0, f.s1, f.t1);
     });
-    mGroups.clear();
-    for (CurveEvent const& e : mEvents) {
-        CurveMeetGroup const next(e);
-        CurveMeetGroup* home = nullptr;
-        for (std::size_t i = 0; i < mGroups.size(); ++i) {
-            CurveMeetGroup& g = mGroups[i];
-            if (!g.Meets(next, mA, mB, mAccuracy)) {
-                continue;
-            }
-            if (home == nullptr) {
-                g.Include(next, mA, mAccuracy);
-                home = &g;
-            } else {
-                // The event connects two groups.
-                home->Include(g, mA, mAccuracy);
-                mGroups.erase(mGroups.begin() + static_cast<std::ptrdiff_t>(i--));
+    // Each event points to an earlier one of its group, the first one to itself.
+    mFirsts.clear();
+    mOpen.clear();
+    auto const firstOf = [this](std::size_t i) {
+        while (mFirsts[i] != i) {
+            i = mFirsts[i] = mFirsts[mFirsts[i]];
+        }
+        return i;
+    };
+    double const limit = kTogether * mAccuracy;
+    for (std::size_t i = 0; i < mEvents.size(); ++i) {
+        CurveEvent const& e = mEvents[i];
+        mFirsts.push_back(i);
+        // Events that end before this one begins are no neighbours of later ones either.
+        mOpen.erase(
+            std::remove_if(mOpen.begin(), mOpen.end(),
+                           [&](std::size_t k) { return !IsShort(mA, mEvents[k].s1, e.s0, limit); }),
+            mOpen.end());
+        for (std::size_t const k : mOpen) {
+            CurveEvent const& f = mEvents[k];
+            if (IsShort(mB, std::max(f.t0, f.t1), std::min(e.t0, e.t1), limit) &&
+                IsShort(mB, std::max(e.t0, e.t1), std::min(f.t0, f.t1), limit)) {
+                std::size_t const first = firstOf(i);
+                std::size_t const other = firstOf(k);
+                mFirsts[std::max(first, other)] = std::min(first, other);
             }
         }
-        if (home == nullptr) {
-            mGroups.push_back(next);
+        mOpen.push_back(i);
+    }
+    mGroups.clear();
+    for (std::size_t i = 0; i < mEvents.size(); ++i) {
+        std::size_t const first = firstOf(i);
+        if (first == i) {
+            mOpen.resize(std::max(mOpen.size(), i + 1));
+            mOpen[i] = mGroups.size(); // the number of the group that begins here
+            mGroups.emplace_back(mEvents[i]);
+        } else {
+            mGroups[mOpen[first]].Include(CurveMeetGroup(mEvents[i]), mA, mAccuracy);
         }
     }
     for (CurveMeetGroup const& g : mGroups) {
@@ -332,6 +354,12 @@ void CurveMeetFinder::Describe(CurveMeetGroup const& group) {
                 FindNearest(mA, mB, gap, m);
             }
         }
+    }
+    if (!m.overlap) {
+        // Events of curves at right angles may differ in the sense of B.
+        bool const against = m.t1 < m.t0;
+        m.t0 = against ? group.highT : group.lowT;
+        m.t1 = against ? group.lowT : group.highT;
     }
     mMeets.push_back(m);
 }

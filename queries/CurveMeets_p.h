@@ -42,8 +42,7 @@ struct CurveMeetGroup {
     int events;
 
     explicit CurveMeetGroup(CurveEvent const& e);
-    /// True when another group, which does not begin before, lies together with this one.
-    bool Meets(CurveMeetGroup const& g, Cubic const& a, Cubic const& b, double accuracy) const;
+    /// Takes in another group, which does not begin before this one.
     void Include(CurveMeetGroup const& g, Cubic const& a, double accuracy);
 };
 
@@ -72,6 +71,9 @@ private:
     Cubic mB;
     double mAccuracy = 0.0;
     std::vector<CurveEvent> mEvents;
+    // While events are joined: memory that calls use one after the other.
+    std::vector<std::size_t> mFirsts;
+    std::vector<std::size_t> mOpen;
     std::vector<CurveMeetGroup> mGroups;
     std::vector<CurveMeet> mMeets;
 };

@@ -36,6 +36,7 @@
 #define TRAMMEL_INTERSECTIONS_H
 
 #include "CBezier.h"
+#include "CPath.h"
 #include "TLine.h"
 #include "TPoint.h"
 #include "TrammelExport.h"
@@ -90,11 +91,57 @@ TRAMMEL_API double AppendIntersections(TLine<double> const& a, CBezier const& b,
 TRAMMEL_API double AppendIntersections(TLine<double> const& a, TLine<double> const& b,
                                        double accuracy, std::vector<Intersection>& out);
 
+/// Appends the places where two paths meet, in the order of the element and the parameter on `a`.
+///
+/// A path runs as CPath::Length measures it: an element before any move begins at (0, 0), and one
+/// after a close at the last point drawn. A close is a line to the subpath's start. Elements that
+/// follow each other are one outline. So a place at a vertex is told once, for one of the elements
+/// there, and what happens there is decided with the branches of all of them. Overlaps are told for
+/// each pair of elements that coincide. A place is of kind kEnd where an open subpath begins or
+/// ends. The area inside plays no part.
+///
+/// Cost: O(n log n + k) for n elements whose boxes are about as long as wide, and k pairs of
+/// elements that come near each other. Memory O(n + k).
+TRAMMEL_API double AppendIntersections(CPath const& a, CPath const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a path and a curve.
+TRAMMEL_API double AppendIntersections(CPath const& a, CBezier const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a curve and a path.
+TRAMMEL_API double AppendIntersections(CBezier const& a, CPath const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a path and a line.
+TRAMMEL_API double AppendIntersections(CPath const& a, TLine<double> const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+/// The same for a line and a path.
+TRAMMEL_API double AppendIntersections(TLine<double> const& a, CPath const& b, double accuracy,
+                                       std::vector<Intersection>& out);
+
+/// Appends the places where a path meets itself. Of each place `a` is the part that comes first.
+///
+/// The joint of two elements that follow each other is no such place, unless the second one runs
+/// back along the first: that is an overlap. Nor is a joint where others come by: these are told by
+/// their own elements. Cost: as for two paths.
+TRAMMEL_API double AppendSelfIntersections(CPath const& path, double accuracy,
+                                           std::vector<Intersection>& out);
+/// The same for a curve: the knot of a loop, or the stretches along which a straight curve runs
+/// back. Each stretch between two turning points is told by itself.
+TRAMMEL_API double AppendSelfIntersections(CBezier const& curve, double accuracy,
+                                           std::vector<Intersection>& out);
+
 /// Returns the places where two outlines meet, which are lines, curves or paths.
 template <class OutlineA, class OutlineB>
 std::vector<Intersection> Intersections(OutlineA const& a, OutlineB const& b, double accuracy) {
     std::vector<Intersection> places;
     AppendIntersections(a, b, accuracy, places);
+    return places;
+}
+
+/// Returns the places where an outline, a curve or a path, meets itself.
+template <class Outline>
+std::vector<Intersection> SelfIntersections(Outline const& outline, double accuracy) {
+    std::vector<Intersection> places;
+    AppendSelfIntersections(outline, accuracy, places);
     return places;
 }
 

@@ -42,7 +42,10 @@ public:
         }
         return Reached::kCircle;
     }
+    /// Returns the place that it has reached.
     Pt const& Point() const { return mPoint; }
+    /// Returns the point where it stands before it is followed.
+    Pt Start() const { return PlaceAt(mSegments[mSegment].c, mT).point; }
 
 private:
     bool FollowSegment(Cubic const& c, Pt const& centre, double radius) {
@@ -86,14 +89,20 @@ private:
     Pt mPoint;
 };
 
+constexpr int kMostRadii = 10;
+
+/// Returns a number from 0 to 4 that rises with the direction of a vector, from +h toward +v. Equal
+/// vectors have equal numbers, so that any three directions have an order.
+double Turn(Pt const& p) {
+    double const part = p.h / Taxicab(p);
+    return p.v >= 0.0 ? 1.0 - part : 3.0 + part;
+}
+
 /// True when the turn from `a` to `b` in the positive sense comes before that from `a` to `c`.
 bool IsBetween(Pt const& a, Pt const& b, Pt const& c) {
-    bool const bLeft = Cross(a, b) > 0.0;
-    bool const cLeft = Cross(a, c) > 0.0;
-    if (bLeft != cLeft) {
-        return bLeft;
-    }
-    return Cross(b, c) > 0.0;
+    double const from = Turn(a);
+    auto const after = [from](double turn) { return turn < from ? turn + 4.0 : turn; };
+    return after(Turn(b)) < after(Turn(c));
 }
 
 } // namespace
@@ -110,7 +119,6 @@ Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy) {
         Branch(a.segments, a.first, a.firstT, false), Branch(a.segments, a.last, a.lastT, true),
         Branch(b.segments, b.first, b.firstT, false), Branch(b.segments, b.last, b.lastT, true)};
     double radius = 1.25 * size + 4.0 * accuracy;
-    constexpr int kMostRadii = 10;
     for (int i = 0; i < kMostRadii; ++i) {
         for (Branch& branch : branches) {
             if (branch.Follow(centre, radius) == Branch::Reached::kEnd) {
@@ -136,6 +144,64 @@ Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy) {
         radius *= 2.0;
     }
     return Passing::kTouch; // they run together for long
+}
+
+namespace {
+
+/// The side on which a branch of B leaves A, or kUnknown where they do not part.
+enum class Side { kLeft, kRight, kUnknown, kEnd };
+
+/// Tells on which side of A a branch of B lies. A comes along `in`, and goes on along `on`, which
+/// begins at `centre`.
+Side SideOfBranch(Pt const& centre, Branch in, Branch on, Branch b, double accuracy) {
+    double const size =
+        std::sqrt(std::max(Square(in.Start() - centre), Square(b.Start() - centre)));
+    double radius = 1.25 * size + 4.0 * accuracy;
+    for (int i = 0; i < kMostRadii; ++i) {
+        bool const ends = in.Follow(centre, radius) == Branch::Reached::kEnd ||
+                          b.Follow(centre, radius) == Branch::Reached::kEnd;
+        on.Follow(centre, radius);
+        if (ends && i == 0) {
+            return Side::kEnd;
+        }
+        Pt const toIn = in.Point() - centre;
+        Pt const toOn = on.Point() - centre;
+        Pt const toB = b.Point() - centre;
+        double const least =
+            std::min(std::min(Square(toIn - toB), Square(toOn - toB)), Square(toIn - toOn));
+        if (least > accuracy * accuracy) {
+            return IsBetween(toOn, toB, toIn) ? Side::kLeft : Side::kRight;
+        }
+        radius *= 2.0;
+    }
+    return Side::kUnknown;
+}
+
+} // namespace
+
+Passing HowTheyPassAlong(CommonRun const& a, CommonRun const& b, double accuracy) {
+    if (b.TurnsBack() && !a.TurnsBack()) {
+        return HowTheyPassAlong(b, a, accuracy);
+    }
+    Branch const aIn(a.all.segments, a.all.first, a.all.firstT, false);
+    Branch const aOn(a.all.segments, a.common.first, a.common.firstT, true);
+    Branch const aOut(a.all.segments, a.all.last, a.all.lastT, true);
+    Branch const aBack(a.all.segments, a.common.last, a.common.lastT, false);
+    Branch const bBefore(b.all.segments, b.all.first, b.all.firstT, false);
+    Branch const bAfter(b.all.segments, b.all.last, b.all.lastT, true);
+    Side const start =
+        SideOfBranch(aOn.Start(), aIn, aOn, a.firstAgainst ? bAfter : bBefore, accuracy);
+    Side const end =
+        SideOfBranch(aBack.Start(), aOut, aBack, a.lastAgainst ? bBefore : bAfter, accuracy);
+    if (start == Side::kEnd || end == Side::kEnd) {
+        return Passing::kEnd;
+    }
+    if (start == Side::kUnknown || end == Side::kUnknown) {
+        return Passing::kTouch;
+    }
+    // At the far end A comes from the common part, which turns the sides around; where A turns back
+    // the far end is the near one.
+    return (start == end) != a.TurnsBack() ? Passing::kCross : Passing::kTouch;
 }
 
 } // namespace trammel_detail

@@ -16,14 +16,19 @@
 
 namespace trammel_detail {
 
-/// A segment of an outline.
+/// A segment of an outline, or a part of one.
 struct OutlineSegment {
     static constexpr std::size_t kNone = std::numeric_limits<std::size_t>::max();
 
     Cubic c;
-    std::size_t element;
+    std::size_t element = 0; ///< the index of the path's element
+    double from = 0.0;       ///< the parameters on the element
+    double to = 1.0;
     std::size_t before = kNone; ///< the index of the segment before it, none at an open end
     std::size_t after = kNone;  ///< the index of the segment after it
+    bool straight = false;      ///< true for a line of even speed
+
+    double ParameterAt(double t) const { return t == 1.0 ? to : from + (to - from) * t; }
 };
 
 inline Cubic CubicOf(CBezier const& c) { return {c.P0, c.P1, c.P2, c.P3}; }
@@ -58,6 +63,22 @@ enum class Passing {
 /// different outlines are farther apart than the accuracy. The circle is at most some thousand
 /// times as large as the place. The order of the branches on it decides.
 Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy);
+
+/// A long place as one of two outlines sees it.
+struct CommonRun {
+    OutlineRun all;
+    OutlineRun
+        common; ///< from the beginning of the first stretch along which the outlines coincide
+    bool firstAgainst; ///< whether the outlines run against each other at the beginning of that
+    bool lastAgainst;  ///< and at its end
+
+    /// True where the other outline leaves at the end where it has come, or this one does.
+    bool TurnsBack() const { return firstAgainst != lastAgainst; }
+};
+
+/// The same for a place in which the outlines coincide along a stretch. The branches at either end
+/// of it are compared with the way between.
+Passing HowTheyPassAlong(CommonRun const& a, CommonRun const& b, double accuracy);
 
 } // namespace trammel_detail
 

@@ -1,0 +1,757 @@
+// SPDX-License-Identifier: MIT
+
+// Where paths meet each other and themselves: pairs of elements by a tree of boxes, their meets
+// joined at vertices, and the sides on which the outlines pass.
+
+#include "BoxTree_p.h"
+#include "Box_p.h"
+#include "CurveMeets_p.h"
+#include "Intersections.h"
+#include "OutlineMeets_p.h"
+#include "PathCursor.h"
+#include "PointMath_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::Box;
+using trammel_detail::BoxTree;
+using trammel_detail::CommonRun;
+using trammel_detail::Cross;
+using trammel_detail::Cubic;
+using trammel_detail::CubicOf;
+using trammel_detail::CurveMeet;
+using trammel_detail::CurveMeetFinder;
+using trammel_detail::Dot;
+using trammel_detail::HowTheyPass;
+using trammel_detail::HowTheyPassAlong;
+using trammel_detail::IsFinite;
+using trammel_detail::IsShort;
+using trammel_detail::OutlineRun;
+using trammel_detail::OutlineSegment;
+using trammel_detail::PartOf;
+using trammel_detail::Passing;
+using trammel_detail::PathCursor;
+using trammel_detail::PolygonLength;
+using trammel_detail::Taxicab;
+
+typedef TPoint<double> Pt;
+/// The segments of an outline that have finite coordinates. Those without extent are left out,
+/// unless a subpath has no others.
+typedef std::vector<OutlineSegment> Outline;
+
+constexpr std::size_t kNone = OutlineSegment::kNone;
+
+bool HasExtent(Cubic const& c) { return c[0] != c[1] || c[0] != c[2] || c[0] != c[3]; }
+
+bool AllFinite(Cubic const& c) {
+    return std::all_of(c.begin(), c.end(), [](Pt const& p) { return IsFinite(p); });
+}
+
+/// Joins segments of one outline in the order in which they are added.
+class OutlineBuilder {
+public:
+    /// Goes on with another subpath.
+    void Begin() {
+        FinishSubpath();
+        mBegun = mOutline.size();
+    }
+    void Add(OutlineSegment const& segment) {
+        if (!AllFinite(segment.c)) {
+            mJoin = false;
+            mWhole = false;
+            return;
+        }
+        if (!HasExtent(segment.c)) {
+            if (!mHasPoint) {
+                mPoint = segment;
+                mHasPoint = true;
+            }
+            return;
+        }
+        std::size_t const index = mOutline.size();
+        mOutline.push_back(segment);
+        if (mJoin && index > mBegun) {
+            mOutline[index].before = index - 1;
+            mOutline[index - 1].after = index;
+        }
+        mJoin = true;
+    }
+    /// Joins the subpath's end to its beginning.
+    void Close() {
+        if (mWhole && mOutline.size() > mBegun) {
+            mOutline[mBegun].before = mOutline.size() - 1;
+            mOutline.back().after = mBegun;
+        }
+    }
+    Outline Finish() {
+        FinishSubpath();
+        return std::move(mOutline);
+    }
+
+private:
+    void FinishSubpath() {
+        if (mOutline.size() == mBegun && mHasPoint) {
+            mOutline.push_back(mPoint);
+        }
+        mHasPoint = false;
+        mJoin = true;
+        mWhole = true;
+    }
+
+    Outline mOutline;
+    OutlineSegment mPoint; ///< the subpath's first segment without extent
+    bool mHasPoint = false;
+    std::size_t mBegun = 0; ///< the subpath's first segment
+    bool mJoin = true;      ///< whether the next segment follows the last one
+    bool mWhole = true;     ///< whether no segment of the subpath is absent
+};
+
+OutlineSegment SegmentOf(TLine<double> const& line, std::size_t element) {
+    OutlineSegment segment{CubicOf(line), element};
+    segment.straight = true;
+    return segment;
+}
+
+Outline OutlineOf(CBezier const& curve) {
+    OutlineBuilder builder;
+    builder.Add({CubicOf(curve), 0});
+    return builder.Finish();
+}
+
+Outline OutlineOf(TLine<double> const& line) {
+    OutlineBuilder builder;
+    builder.Add(SegmentOf(line, 0));
+    return builder.Finish();
+}
+
+Outline OutlineOf(CPath const& path) {
+    OutlineBuilder builder;
+    for (PathCursor cursor(path); cursor.NextOrMove();) {
+        std::size_t const element = cursor.Element();
+        if (cursor.Code() == kPathMove) {
+            builder.Begin();
+        } else if (cursor.IsCurve()) {
+            builder.Add({CubicOf(cursor.Curve()), element});
+        } else {
+            builder.Add(SegmentOf(cursor.Line(), element));
+            if (cursor.Code() == kPathClose) {
+                builder.Close();
+                builder.Begin();
+            }
+        }
+    }
+    return builder.Finish();
+}
+
+/// Returns the outline with each curve divided into parts that do not cross themselves.
+Outline WithSimpleParts(Outline const& outline) {
+    Outline parts;
+    parts.reserve(outline.size());
+    std::vector<std::size_t> firsts(outline.size());
+    std::vector<std::size_t> lasts(outline.size());
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+        firsts[i] = parts.size();
+        OutlineSegment const& whole = outline[i];
+        // A part on which a coordinate rises or falls all the way does not cross itself.
+        Pt direction = whole.c[3] - whole.c[0];
+        if (Taxicab(direction) <= 0.25 * PolygonLength(whole.c)) {
+            direction = whole.c[2] - whole.c[1];
+        }
+        double const d0 = Dot(direction, whole.c[1] - whole.c[0]);
+        double const d1 = Dot(direction, whole.c[2] - whole.c[1]);
+        double const d2 = Dot(direction, whole.c[3] - whole.c[2]);
+        std::vector<double> cuts{0.0};
+        if (!whole.straight && (std::min(std::min(d0, d1), d2) < 0.0) &&
+            (std::max(std::max(d0, d1), d2) > 0.0)) {
+            // The zeros of d0 (1-t)² + 2 d1 t (1-t) + d2 t².
+            double const a = d0 - 2.0 * d1 + d2;
+            double const b = d1 - d0;
+            double const root = b * b - a * d0;
+            if (root > 0.0) {
+                double const q = -b - (b < 0.0 ? -std::sqrt(root) : std::sqrt(root));
+                for (double const t : {q / a, d0 / q}) {
+                    if (t > 0.0 && t < 1.0) {
+                        cuts.push_back(t);
+                    }
+                }
+                std::sort(cuts.begin(), cuts.end());
+            }
+        }
+        cuts.push_back(1.0);
+        for (std::size_t k = 0; k + 1 < cuts.size(); ++k) {
+            OutlineSegment part = whole;
+            if (cuts.size() > 2) {
+                part.c = PartOf(whole.c, cuts[k], cuts[k + 1]);
+                part.from = cuts[k];
+                part.to = cuts[k + 1];
+                if (k > 0) {
+                    part.c[0] = parts.back().c[3];
+                }
+            }
+            part.before = k > 0 ? parts.size() - 1 : kNone;
+            part.after = k + 2 < cuts.size() ? parts.size() + 1 : kNone;
+            parts.push_back(part);
+        }
+        lasts[i] = parts.size() - 1;
+    }
+    for (std::size_t i = 0; i < outline.size(); ++i) {
+        if (outline[i].before != kNone) {
+            parts[firsts[i]].before = lasts[outline[i].before];
+        }
+        if (outline[i].after != kNone) {
+            parts[lasts[i]].after = firsts[outline[i].after];
+        }
+    }
+    return parts;
+}
+
+/// A meet of two segments.
+struct PairMeet {
+    std::size_t a; ///< the segments
+    std::size_t b;
+    CurveMeet meet;
+    bool startA = false; ///< whether the stretch reaches the beginning of segment a
+    bool endA = false;
+    bool startB = false;
+    bool endB = false;
+    std::size_t group = 0;
+
+    double LowT() const { return std::min(meet.t0, meet.t1); }
+    double HighT() const { return std::max(meet.t0, meet.t1); }
+};
+
+/// The crossing of two lines that is clear of their ends, or no meet that is clear.
+enum class LinesMeet { kNever, kCross, kUnclear };
+
+LinesMeet MeetOfLines(Cubic const& a, Cubic const& b, double accuracy, CurveMeet& meet) {
+    Pt const d = a[3] - a[0];
+    Pt const e = b[3] - b[0];
+    double const farA = 4.0 * accuracy * Taxicab(d);
+    double const farB = 4.0 * accuracy * Taxicab(e);
+    double const b0 = Cross(d, b[0] - a[0]);
+    double const b1 = Cross(d, b[3] - a[0]);
+    if ((b0 > farA && b1 > farA) || (b0 < -farA && b1 < -farA)) {
+        return LinesMeet::kNever;
+    }
+    double const a0 = Cross(e, a[0] - b[0]);
+    double const a1 = Cross(e, a[3] - b[0]);
+    if ((a0 > farB && a1 > farB) || (a0 < -farB && a1 < -farB)) {
+        return LinesMeet::kNever;
+    }
+    if (!(std::min(std::abs(b0), std::abs(b1)) > farA &&
+          std::min(std::abs(a0), std::abs(a1)) > farB)) {
+        return LinesMeet::kUnclear;
+    }
+    double const s = a0 / (a0 - a1);
+    double const t = b0 / (b0 - b1);
+    int const side = a1 > 0.0 ? 1 : -1;
+    meet = {s, s, t, t, s, t, -side, side, false};
+    return LinesMeet::kCross;
+}
+
+class PairFinder {
+public:
+    /// `own` tells that both outlines are the same one.
+    PairFinder(Outline const& a, Outline const& b, double accuracy, bool own)
+        : mA(a), mB(b), mOwn(own), mAccuracy(accuracy), mKept(accuracy) {
+        for (Outline const* outline : {&a, &b}) {
+            for (OutlineSegment const& s : *outline) {
+                for (Pt const& p : s.c) {
+                    mSize = std::max(mSize, std::max(std::abs(p.h), std::abs(p.v)));
+                }
+            }
+        }
+    }
+
+    double Run(std::vector<Intersection>& out, int exponent) {
+        FindMeets();
+        Touch();
+        JoinMeets();
+        Describe(out, exponent);
+        return mKept;
+    }
+
+private:
+    /// The distance within which points of segments count as one where segments are joined. It
+    /// leaves room for the rounding of coordinates, which a pair of segments need not.
+    double JoinAccuracy() const { return std::max(mKept, 0x1p-46 * mSize); }
+
+    static std::vector<Box<double>> BoxesOf(Outline const& outline, double margin) {
+        std::vector<Box<double>> boxes;
+        boxes.reserve(outline.size());
+        for (OutlineSegment const& s : outline) {
+            Box<double> box;
+            for (Pt const& p : s.c) {
+                box.Include(p.h, p.v);
+            }
+            boxes.push_back(box.Widened(margin, margin));
+        }
+        return boxes;
+    }
+
+    void FindMeets() {
+        // Boxes as far apart as this have nothing in common for the finder, whose accuracy may be
+        // the finest that rounding allows.
+        double const margin = std::max(mAccuracy >= 0.0 ? mAccuracy : 0.0, 0x1p-39 * mSize);
+        BoxTree const treeA(BoxesOf(mA, margin));
+        auto const visit = [&](std::size_t i, std::size_t j) { Examine(i, j); };
+        if (mOwn) {
+            treeA.ForMeetingPairs(visit);
+        } else {
+            treeA.ForMeeting(BoxTree(BoxesOf(mB, margin)), visit);
+        }
+    }
+    void Examine(std::size_t i, std::size_t j) {
+        OutlineSegment const& a = mA[i];
+        OutlineSegment const& b = mB[j];
+        if (a.straight && b.straight) {
+            double extent = 0.0;
+            for (Pt const& p : {a.c[3], b.c[0], b.c[3]}) {
+                extent = std::max(extent, Taxicab(p - a.c[0]));
+            }
+            double const kept = std::max(mAccuracy >= 0.0 ? mAccuracy : 0.0, 0x1p-39 * extent);
+            CurveMeet meet;
+            switch (MeetOfLines(a.c, b.c, kept, meet)) {
+            case LinesMeet::kNever:
+                return;
+            case LinesMeet::kCross:
+                mMeets.push_back({i, j, meet});
+                return;
+            case LinesMeet::kUnclear:
+                break;
+            }
+        }
+        double const kept = mFinder.Find(a.c, b.c, mAccuracy);
+        if (mFinder.Meets().empty()) {
+            return;
+        }
+        // A NaN is less than nothing that is kept.
+        mKept = mKept >= kept ? mKept : kept;
+        for (CurveMeet const& m : mFinder.Meets()) {
+            mMeets.push_back({i, j, m});
+        }
+    }
+
+    /// Finds out which ends of segments the meets reach, and drops meets that are only the joint
+    /// of two segments of one outline.
+    void Touch() {
+        if (!(mKept >= 0.0)) {
+            mKept = 0.0;
+        }
+        double const near = JoinAccuracy();
+        for (PairMeet& m : mMeets) {
+            Cubic const& a = mA[m.a].c;
+            Cubic const& b = mB[m.b].c;
+            m.startA = IsShort(a, 0.0, m.meet.s0, near);
+            m.endA = IsShort(a, m.meet.s1, 1.0, near);
+            m.startB = IsShort(b, 0.0, m.LowT(), near);
+            m.endB = IsShort(b, m.HighT(), 1.0, near);
+        }
+        if (mOwn) {
+            mMeets.erase(
+                std::remove_if(mMeets.begin(), mMeets.end(),
+                               [&](PairMeet const& m) { return !m.meet.overlap && IsJoint(m); }),
+                mMeets.end());
+        }
+        std::sort(mMeets.begin(), mMeets.end(), [](PairMeet const& m, PairMeet const& n) {
+            return std::tie(m.a, m.meet.s0, m.b, m.meet.t0) <
+                   std::tie(n.a, n.meet.s0, n.b, n.meet.t0);
+        });
+    }
+
+    /// True when a meet of an outline with itself is a place where it merely goes on: the way
+    /// between the two parameters is no longer than twice the accuracy.
+    bool IsJoint(PairMeet const& m) const {
+        return (m.endA && m.startB && IsNext(m.a, m.b)) || (m.endB && m.startA && IsNext(m.b, m.a));
+    }
+    /// True when segment j follows segment i, or comes after some short ones that do.
+    bool IsNext(std::size_t i, std::size_t j) const {
+        double left = 2.0 * JoinAccuracy();
+        constexpr int kMostSteps = 16;
+        for (int step = 0; step < kMostSteps; ++step) {
+            i = mA[i].after;
+            if (i == j) {
+                return true;
+            }
+            if (i == kNone) {
+                return false;
+            }
+            left -= PolygonLength(mA[i].c);
+            if (!(left >= 0.0)) {
+                return false;
+            }
+        }
+        return false;
+    }
+
+    std::size_t Root(std::size_t i) {
+        while (mMeets[i].group != i) {
+            mMeets[i].group = mMeets[mMeets[i].group].group;
+            i = mMeets[i].group;
+        }
+        return i;
+    }
+    void Unite(std::size_t i, std::size_t j) {
+        std::size_t const low = std::min(Root(i), Root(j));
+        std::size_t const high = std::max(Root(i), Root(j));
+        mMeets[high].group = low;
+    }
+
+    /// Puts meets together that go on beyond the ends of segments.
+    void JoinMeets() {
+        for (std::size_t i = 0; i < mMeets.size(); ++i) {
+            mMeets[i].group = i;
+        }
+        JoinAcross(true);
+        JoinAcross(false);
+    }
+    /// A meet that reaches a joint of one outline, to be held against others that do.
+    struct AtJoint {
+        std::size_t joint;   ///< the segment after the joint
+        std::size_t segment; ///< of the other outline
+        std::size_t meet;
+
+        bool operator<(AtJoint const& j) const {
+            return std::tie(joint, segment, meet) < std::tie(j.joint, j.segment, j.meet);
+        }
+    };
+    /// Joins meets at the joints of A, or of B.
+    void JoinAcross(bool ofA) {
+        Outline const& outline = ofA ? mA : mB;
+        Outline const& other = ofA ? mB : mA;
+        std::vector<AtJoint> at;
+        for (std::size_t i = 0; i < mMeets.size(); ++i) {
+            PairMeet const& m = mMeets[i];
+            std::size_t const segment = ofA ? m.a : m.b;
+            std::size_t const across = ofA ? m.b : m.a;
+            if ((ofA ? m.startA : m.startB) && outline[segment].before != kNone) {
+                at.push_back({segment, across, i});
+            }
+            if ((ofA ? m.endA : m.endB) && outline[segment].after != kNone) {
+                at.push_back({outline[segment].after, across, i});
+            }
+        }
+        std::sort(at.begin(), at.end());
+        for (std::size_t k = 0; k < at.size(); ++k) {
+            PairMeet const& m = mMeets[at[k].meet];
+            // Others on the same segment of the other outline; the list has them next to each
+            // other.
+            for (std::size_t l = k + 1;
+                 l < at.size() && at[l].joint == at[k].joint && at[l].segment == at[k].segment;
+                 ++l) {
+                if (LieTogether(m, mMeets[at[l].meet], !ofA)) {
+                    Unite(at[k].meet, at[l].meet);
+                }
+            }
+            // Others on the segment after it, where both reach the joint between.
+            std::size_t const next = other[at[k].segment].after;
+            if (!(ofA ? m.endB : m.endA) || next == kNone) {
+                continue;
+            }
+            for (auto l = std::lower_bound(at.begin(), at.end(), AtJoint{at[k].joint, next, 0});
+                 l != at.end() && l->joint == at[k].joint && l->segment == next; ++l) {
+                if (ofA ? mMeets[l->meet].startB : mMeets[l->meet].startA) {
+                    Unite(at[k].meet, l->meet);
+                }
+            }
+        }
+    }
+    /// True when the stretches of two meets lie together on one segment of A, or of B.
+    bool LieTogether(PairMeet const& m, PairMeet const& n, bool onA) const {
+        double const limit = 2.0 * JoinAccuracy();
+        Cubic const& c = onA ? mA[m.a].c : mB[m.b].c;
+        double const lowM = onA ? m.meet.s0 : m.LowT();
+        double const highM = onA ? m.meet.s1 : m.HighT();
+        double const lowN = onA ? n.meet.s0 : n.LowT();
+        double const highN = onA ? n.meet.s1 : n.HighT();
+        return IsShort(c, highM, lowN, limit) && IsShort(c, highN, lowM, limit);
+    }
+
+    /// Appends what is told of each group.
+    void Describe(std::vector<Intersection>& out, int exponent) {
+        std::vector<std::size_t> order(mMeets.size());
+        for (std::size_t i = 0; i < mMeets.size(); ++i) {
+            order[i] = i;
+            mMeets[i].group = Root(i);
+        }
+        // The first meet of each group is its number, so groups come in the order of their places.
+        std::sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
+            return std::tie(mMeets[i].group, i) < std::tie(mMeets[j].group, j);
+        });
+        std::size_t const begun = out.size();
+        for (std::size_t first = 0; first < order.size();) {
+            std::size_t end = first + 1;
+            while (end < order.size() && mMeets[order[end]].group == mMeets[order[first]].group) {
+                ++end;
+            }
+            DescribeGroup(order.data() + first, order.data() + end, out, exponent);
+            first = end;
+        }
+        std::sort(out.begin() + static_cast<std::ptrdiff_t>(begun), out.end(),
+                  [](Intersection const& p, Intersection const& q) {
+                      return std::tie(p.a.element, p.a.t, p.b.element, p.b.t) <
+                             std::tie(q.a.element, q.a.t, q.b.element, q.b.t);
+                  });
+    }
+
+    void DescribeGroup(std::size_t const* first, std::size_t const* end,
+                       std::vector<Intersection>& out, int exponent) {
+        Passing passing = Passing::kTouch;
+        std::size_t const* const overlap =
+            std::find_if(first, end, [&](std::size_t i) { return mMeets[i].meet.overlap; });
+        PairMeet const& m = mMeets[*first];
+        if (end - first == 1 && !m.startA && !m.endA && !m.startB && !m.endB &&
+            m.meet.before != 0 && m.meet.after != 0) {
+            passing = m.meet.before != m.meet.after ? Passing::kCross : Passing::kTouch;
+        } else if (!mOwn ||
+                   std::none_of(first, end, [&](std::size_t i) { return IsJoint(mMeets[i]); })) {
+            CommonRun const a = RunOf(first, end, true);
+            CommonRun const b = RunOf(first, end, false);
+            passing = overlap != end ? HowTheyPassAlong(a, b, JoinAccuracy())
+                                     : HowTheyPass(a.all, b.all, JoinAccuracy());
+        }
+        bool crosses = passing == Passing::kCross;
+        if (overlap == end) {
+            // A crossing that a cell has found is the best place.
+            std::size_t const* const best = std::find_if(first, end, [&](std::size_t i) {
+                return mMeets[i].meet.before * mMeets[i].meet.after < 0;
+            });
+            PairMeet const& place = mMeets[best != end ? *best : *first];
+            IntersectionKind const kind = crosses                      ? IntersectionKind::kCrossing
+                                          : passing == Passing::kTouch ? IntersectionKind::kContact
+                                                                       : IntersectionKind::kEnd;
+            Append(place, kind, crosses, exponent, out);
+            return;
+        }
+        for (std::size_t const* i = overlap; i != end; ++i) {
+            if (mMeets[*i].meet.overlap) {
+                Append(mMeets[*i], IntersectionKind::kOverlap, crosses, exponent, out);
+                crosses = false;
+            }
+        }
+    }
+    void Append(PairMeet const& place, IntersectionKind kind, bool crosses, int exponent,
+                std::vector<Intersection>& out) const {
+        OutlineSegment const& a = mA[place.a];
+        OutlineSegment const& b = mB[place.b];
+        CurveMeet const& m = place.meet;
+        bool const stretch = kind == IntersectionKind::kOverlap;
+        double const s0 = stretch ? m.s0 : m.s;
+        double const s1 = stretch ? m.s1 : m.s;
+        double const t0 = stretch ? m.t0 : m.t;
+        double const t1 = stretch ? m.t1 : m.t;
+        auto const pointAt = [&](double s) {
+            Pt const p = CBezier(a.c[0], a.c[1], a.c[2], a.c[3]).TPt(s);
+            return exponent == 0 ? p : Pt(std::scalbn(p.h, exponent), std::scalbn(p.v, exponent));
+        };
+        out.push_back({kind,
+                       crosses,
+                       {a.element, a.ParameterAt(s0), a.ParameterAt(s1)},
+                       {b.element, b.ParameterAt(t0), b.ParameterAt(t1)},
+                       pointAt(s0),
+                       pointAt(s1)});
+    }
+
+    /// The stretch of A, or of B, that a group of meets covers.
+    CommonRun RunOf(std::size_t const* first, std::size_t const* end, bool ofA) const {
+        Outline const& outline = ofA ? mA : mB;
+        struct Stretch {
+            std::size_t segment;
+            double low;
+            double high;
+            bool start;
+            bool end;
+            double lowCommon = 2.0; ///< of overlaps
+            double highCommon = -1.0;
+            bool againstAtLow = false;
+            bool againstAtHigh = false;
+        };
+        std::vector<Stretch> stretches;
+        for (std::size_t const* i = first; i != end; ++i) {
+            PairMeet const& m = mMeets[*i];
+            Stretch next = ofA ? Stretch{m.a, m.meet.s0, m.meet.s1, m.startA, m.endA}
+                               : Stretch{m.b, m.LowT(), m.HighT(), m.startB, m.endB};
+            if (m.meet.overlap) {
+                next.lowCommon = next.low;
+                next.highCommon = next.high;
+                next.againstAtLow = next.againstAtHigh = m.meet.t1 < m.meet.t0;
+            }
+            stretches.push_back(next);
+        }
+        std::sort(stretches.begin(), stretches.end(), [](Stretch const& s, Stretch const& t) {
+            return std::tie(s.segment, s.low, s.high) < std::tie(t.segment, t.low, t.high);
+        });
+        // Stretches of one segment become one, unless there is a gap between them.
+        double const limit = 2.0 * JoinAccuracy();
+        std::size_t count = 0;
+        for (Stretch const& s : stretches) {
+            Stretch& last = stretches[count > 0 ? count - 1 : 0];
+            if (count > 0 && last.segment == s.segment &&
+                IsShort(outline[s.segment].c, last.high, s.low, limit)) {
+                last.high = std::max(last.high, s.high);
+                last.end = last.end || s.end;
+                last.start = last.start || s.start;
+                if (s.lowCommon < last.lowCommon) {
+                    last.lowCommon = s.lowCommon;
+                    last.againstAtLow = s.againstAtLow;
+                }
+                if (s.highCommon > last.highCommon) {
+                    last.highCommon = s.highCommon;
+                    last.againstAtHigh = s.againstAtHigh;
+                }
+            } else {
+                stretches[count++] = s;
+            }
+        }
+        stretches.resize(count);
+        auto const find = [&](std::size_t segment, bool atStart) -> Stretch const* {
+            auto const found = std::find_if(
+                std::lower_bound(stretches.begin(), stretches.end(), segment,
+                                 [](Stretch const& s, std::size_t k) { return s.segment < k; }),
+                stretches.end(), [&](Stretch const& s) {
+                    return s.segment != segment || (atStart ? s.start : s.end);
+                });
+            return found != stretches.end() && found->segment == segment ? &*found : nullptr;
+        };
+        Stretch const* begin = &stretches.front();
+        for (std::size_t i = 0; i < count && begin->start; ++i) {
+            std::size_t const before = outline[begin->segment].before;
+            Stretch const* const next = before == kNone ? nullptr : find(before, false);
+            if (next == nullptr) {
+                break;
+            }
+            begin = next;
+        }
+        Stretch const* last = begin;
+        CommonRun runs{};
+        bool common = false;
+        auto const include = [&](Stretch const& s) {
+            if (s.lowCommon <= s.highCommon) {
+                if (!common) {
+                    runs.common.first = s.segment;
+                    runs.common.firstT = s.lowCommon;
+                    runs.firstAgainst = s.againstAtLow;
+                    common = true;
+                }
+                runs.common.last = s.segment;
+                runs.common.lastT = s.highCommon;
+                runs.lastAgainst = s.againstAtHigh;
+            }
+        };
+        include(*begin);
+        for (std::size_t i = 1; i < count && last->end; ++i) {
+            std::size_t const after = outline[last->segment].after;
+            Stretch const* const next = after == kNone ? nullptr : find(after, true);
+            if (next == nullptr) {
+                break;
+            }
+            last = next;
+            include(*last);
+        }
+        runs.all = {outline.data(), begin->segment, begin->low, last->segment, last->high};
+        if (!common) {
+            runs.common = runs.all;
+        }
+        runs.common.segments = outline.data();
+        return runs;
+    }
+
+    Outline const& mA;
+    Outline const& mB;
+    bool mOwn;
+    double mAccuracy;
+    double mKept;
+    double mSize = 0.0; ///< the greatest magnitude of a coordinate
+    CurveMeetFinder mFinder;
+    std::vector<PairMeet> mMeets;
+};
+
+/// Multiplies all coordinates by a power of two, if products of four could overflow or underflow.
+/// Returns the exponent of what they were divided by.
+int Scale(Outline& a, Outline& b) {
+    double size = 0.0;
+    for (Outline const* outline : {&a, &b}) {
+        for (OutlineSegment const& s : *outline) {
+            for (Pt const& p : s.c) {
+                size = std::max(size, std::max(std::abs(p.h), std::abs(p.v)));
+            }
+        }
+    }
+    if (size == 0.0 || (size >= 0x1p-100 && size <= 0x1p100)) {
+        return 0;
+    }
+    int const exponent = std::ilogb(size);
+    for (Outline* outline : {&a, &b}) {
+        for (OutlineSegment& s : *outline) {
+            for (Pt& p : s.c) {
+                p = Pt(std::scalbn(p.h, -exponent), std::scalbn(p.v, -exponent));
+            }
+        }
+    }
+    return exponent;
+}
+
+/// Appends the places where two outlines meet.
+double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersection>& out) {
+    int const exponent = Scale(a, b);
+    double const kept =
+        PairFinder(a, b, std::scalbn(accuracy, -exponent), false).Run(out, exponent);
+    return std::scalbn(kept, exponent);
+}
+
+/// Appends the places where an outline meets itself.
+double AppendOwnPlaces(Outline outline, double accuracy, std::vector<Intersection>& out) {
+    Outline none;
+    int const exponent = Scale(outline, none);
+    Outline const parts = WithSimpleParts(outline);
+    double const kept =
+        PairFinder(parts, parts, std::scalbn(accuracy, -exponent), true).Run(out, exponent);
+    return std::scalbn(kept, exponent);
+}
+
+} // namespace
+
+double AppendIntersections(CPath const& a, CPath const& b, double accuracy,
+                           std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
+
+double AppendIntersections(CPath const& a, CBezier const& b, double accuracy,
+                           std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
+
+double AppendIntersections(CBezier const& a, CPath const& b, double accuracy,
+                           std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
+
+double AppendIntersections(CPath const& a, TLine<double> const& b, double accuracy,
+                           std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
+
+double AppendIntersections(TLine<double> const& a, CPath const& b, double accuracy,
+                           std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
+
+double AppendSelfIntersections(CPath const& path, double accuracy, std::vector<Intersection>& out) {
+    return AppendOwnPlaces(OutlineOf(path), accuracy, out);
+}
+
+double AppendSelfIntersections(CBezier const& curve, double accuracy,
+                               std::vector<Intersection>& out) {
+    return AppendOwnPlaces(OutlineOf(curve), accuracy, out);
+}
+
+} // namespace trammel
