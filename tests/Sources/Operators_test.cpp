@@ -4,6 +4,22 @@
 
 #include <gtest/gtest.h>
 
+/// An application's own operators, which the library's must not displace.
+static TPoint<short> operator*(double /*s*/, TPoint<short> const& /*p*/) {
+    return TPoint<short>(-1, -1);
+}
+
+namespace app {
+
+template <class T> TRect<T> operator*(double /*s*/, TRect<T> const& /*r*/) {
+    return TRect<T>(7, 7, 7, 7);
+}
+
+static TRect<double> Twice(TRect<double> const& r) { return 2.0 * r; }
+static TPoint<double> Twice(TPoint<double> const& p) { return 2.0 * p; }
+
+} // namespace app
+
 namespace {
 
 typedef TPoint<double> Pt;
@@ -13,6 +29,12 @@ TEST(Operators, NumberComesBeforeOrAfter) {
     EXPECT_EQ(3 * TRect<short>(1, 2, 3, 4), TRect<short>(3, 6, 9, 12));
     CBezier const curve(Pt(0, 0), Pt(1, 0), Pt(2, 1), Pt(2, 2));
     EXPECT_EQ(2 * curve, curve * 2.0);
+}
+
+TEST(Operators, OperatorOfAnApplicationGoesFirst) {
+    EXPECT_EQ(2.0 * TPoint<short>(5, 5), TPoint<short>(-1, -1));
+    EXPECT_EQ(app::Twice(TRect<double>(1, 2, 3, 4)), TRect<double>(7, 7, 7, 7));
+    EXPECT_EQ(app::Twice(Pt(1, 2)), Pt(2, 4)) << "found from another namespace";
 }
 
 TEST(Operators, MatrixMapsWhatStandsBeforeIt) {

@@ -6,6 +6,7 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "Moments.h"
+#include "ShortMemory.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
@@ -213,6 +214,20 @@ TEST(PathSegments, IteratorsServeTheStandardAlgorithms) {
     EXPECT_EQ((subpath++)->FirstElement(), 0U);
     EXPECT_EQ(subpath->FirstElement(), 4U);
     EXPECT_EQ(std::next(subpath), Subpaths(path).end());
+}
+
+TEST(PathSegments, GoingThroughAPathAllocatesNothing) {
+    CPath const path = TwoSubpaths();
+    std::size_t const before = trammel_test::AllocationCount();
+    std::size_t count = 0;
+    for (Subpath const& subpath : Subpaths(path)) {
+        for (PathSegment const& segment : subpath.ClosedSegments()) {
+            count += segment.IsCurve() ? 10 : 1;
+        }
+    }
+    std::size_t const after = trammel_test::AllocationCount();
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(count, 14U);
 }
 
 template <class Path, class = void> struct TakesSubpathsOf : std::false_type {};
