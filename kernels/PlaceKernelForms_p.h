@@ -16,10 +16,10 @@
 // By the same inequality, a stretch of the part x of the piece has an ellipse of the half-axis 1 +
 // (k - 1)/x free of zeros. So 4 or 8 nodes suffice for short stretches.
 //
-// The parameter at a length is found by a method of third order in a bracket. It takes the integral
-// up to a first guess, and from there on integrals over the short stretches between the guesses.
-// The last step is one of Newton's method. It is off by half the square of the step times the
-// greatest second derivative. It ends the search where that is little enough.
+// The parameter at a length is found by a method of fourth order in a bracket. It takes the
+// integral up to a first guess, and from there on integrals over the short stretches between the
+// guesses. The last step is one of Newton's method. It is off by half the square of the step times
+// the greatest second derivative. It ends the search where that is little enough.
 
 #ifndef TRAMMEL_PLACEKERNELFORMS_P_H
 #define TRAMMEL_PLACEKERNELFORMS_P_H
@@ -194,10 +194,14 @@ template <class Vector>
         if (3.0 * (bend * (step * step)) <= enough && t - step > lo && t - step < hi) {
             return t - step;
         }
-        // The speed's slope, divided by twice the speed.
-        double const turn = (h * riseH + v * riseV) / square;
+        // The inverse function's series: with the speed s and the step d it begins with
+        // d + d²·s'/(2s) + d³·(2·(s'/(2s))² - s''/(6s)).
+        double const inverse = 1.0 / square;
+        double const turn = (h * riseH + v * riseV) * inverse;
         double const more = step * turn;
-        t -= __builtin_fabs(more) <= 0.5 ? step + step * more : step;
+        double const bends = 2.0 * (riseH * riseH + riseV * riseV) + (h * curve.cH + v * curve.cV);
+        double const third = (8.0 * (turn * turn) - bends * inverse) * (1.0 / 3.0);
+        t -= __builtin_fabs(more) <= 0.25 ? step + step * (more + (step * step) * third) : step;
     }
 }
 

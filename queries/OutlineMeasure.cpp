@@ -23,6 +23,7 @@
 namespace {
 
 typedef TPoint<double> Pt;
+typedef trammel::OutlineMeasure::Place Place;
 
 using trammel_detail::kPieceLengthPart;
 using trammel_detail::kPlacePart;
@@ -91,12 +92,18 @@ double ParameterAt(CBezier const& curve, LengthPiece const& piece, double length
                                                            total, kPlacePart * speed.Size());
 }
 
+/// True when a vector can be squared.
+bool IsOrdinary(Pt const& vector) {
+    double const size = trammel_detail::Taxicab(vector);
+    return size >= 0x1p-400 && size <= 0x1p400;
+}
+
 /// Returns a line's direction. Differences may overflow or be subnormal.
 Pt LineDirection(Pt const& from, Pt const& to) {
     Pt const delta = to - from;
     double const size = trammel_detail::Taxicab(delta);
-    if (size >= 0x1p-1000 && size <= 0x1p1000) {
-        return trammel_detail::Unit(delta);
+    if (IsOrdinary(delta)) {
+        return delta / std::sqrt(trammel_detail::Square(delta));
     }
     return trammel_detail::Unit(size > 1.0 ? to * 0x1p-10 - from * 0x1p-10
                                            : to * 0x1p100 - from * 0x1p100);
@@ -127,22 +134,34 @@ trammel::CurvePoint NearestOnLine(Pt const& from, Pt const& to, Pt const& p) {
     return {t, LinePoint(from, to, t), scaled.Up(std::sqrt(trammel_detail::Square(off)))};
 }
 
-/// Sets the direction and the curvature of a curve at a parameter.
-void SetBend(CBezier const& curve, double t, trammel::OutlineMeasure::Place& place) {
-    trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
-    trammel_detail::CurveDerivatives const d(CBezier(p[0], p[1], p[2], p[3]), t);
-    place.tangent = trammel_detail::DirectionAt(d, t);
-    double const speed = d.first.Hypotenuse();
+/// Sets the direction and the curvature from derivatives.
+void SetBend(trammel_detail::CurveDerivatives const& d, double t, Place& place) {
+    double const speed =
+        IsOrdinary(d.first) ? std::sqrt(trammel_detail::Square(d.first)) : d.first.Hypotenuse();
     if (speed > 0.0) {
-        double const bend = trammel_detail::Cross(place.tangent, d.second / speed) / speed;
-        place.curvature = p.Down(2.0 / 3.0 * bend);
+        place.tangent = d.first / speed;
+        place.curvature =
+            2.0 / 3.0 * (trammel_detail::Cross(place.tangent, d.second / speed) / speed);
     } else {
         // Beside such a place x units of the parameter away, the bend is 1/(12x) of this product,
         // divided by the cube of the second derivative.
         double const turn = trammel_detail::Cross(d.second, d.third);
+        place.tangent = trammel_detail::DirectionAt(d, t);
         place.curvature =
             turn == 0.0 ? 0.0 : std::copysign(std::numeric_limits<double>::infinity(), turn);
     }
+}
+
+/// Sets the direction and the curvature of a curve at a parameter.
+void SetBend(CBezier const& curve, double t, Place& place) {
+    trammel_detail::CurveDerivatives const d(curve, t);
+    if (IsOrdinary(d.first) && trammel_detail::Taxicab(d.second) <= 0x1p400) {
+        SetBend(d, t, place);
+        return;
+    }
+    trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
+    SetBend(trammel_detail::CurveDerivatives(CBezier(p[0], p[1], p[2], p[3]), t), t, place);
+    place.curvature = p.Down(place.curvature);
 }
 
 } // namespace
