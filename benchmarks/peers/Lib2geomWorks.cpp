@@ -54,6 +54,9 @@ void RegisterLib2geomWorks() {
         }
         return Geom::distance(curve->pointAt(curve->nearestTime(point)), point) <= tolerance;
     };
+    curves.intersect = [](Curve const& a, Curve const& b) {
+        return static_cast<double>(a->intersect(*b).size());
+    };
     RegisterCurves("2geom", curves);
 
     PathWorks<Paths> paths;
@@ -70,6 +73,15 @@ void RegisterLib2geomWorks() {
             }
         }
         return length;
+    };
+    paths.intersect = [](Paths const& a, Paths const& b) {
+        double places = 0.0;
+        for (Geom::Path const& p : *a) {
+            for (Geom::Path const& q : *b) {
+                places += static_cast<double>(p.intersect(q).size());
+            }
+        }
+        return places;
     };
     RegisterPaths("2geom", paths);
 

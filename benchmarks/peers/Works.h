@@ -45,6 +45,8 @@ template <class Native> struct CurveWorks {
     std::function<double(Native const&, double)> parameter;
     /// True when a point is within the tolerance.
     std::function<bool(Native const&, TPoint<double> const&, double)> hit;
+    /// The number of places where two curves meet.
+    std::function<double(Native const&, Native const&)> intersect;
 };
 
 /// The sets of curves by the names that they have in the table.
@@ -169,6 +171,14 @@ void RegisterCurves(std::string const& who, CurveWorks<Native> const& works) {
                 return job;
             });
         }
+        if (works.intersect && (input == "drawing" || input == "glyphs_cff")) {
+            compare::RegisterAlone("curve_intersections", input, who, [=] {
+                auto const natives = ConvertAll<Native>(inputs::Curves(set), works.convert);
+                return JobOf(natives->empty() ? 0 : natives->size() - 1, [=](std::size_t i) {
+                    return works.intersect((*natives)[i], (*natives)[i + 1]);
+                });
+            });
+        }
     }
 }
 
@@ -178,9 +188,23 @@ template <class Native> struct PathWorks {
     std::function<double(Native const&)> length;
     /// The point at a fraction of the length.
     std::function<TPoint<double>(Native const&, double)> point;
+    /// The number of places where two paths meet.
+    std::function<double(Native const&, Native const&)> intersect;
 };
 
 template <class Native> void RegisterPaths(std::string const& who, PathWorks<Native> const& works) {
+    for (std::size_t const count : {100U, 1000U}) {
+        if (works.intersect) {
+            compare::RegisterAlone("outline_intersections", std::to_string(count), who, [=] {
+                auto const a = works.convert(inputs::Ragged(inputs::Segments::kMixed, count, 1));
+                auto const b = works.convert(inputs::Ragged(inputs::Segments::kMixed, count, 2));
+                auto job = JobOf(1, [=](std::size_t) { return works.intersect(a, b); });
+                job.items = count;
+                job.counters["places"] = job.trammel();
+                return job;
+            });
+        }
+    }
     for (auto const& [input, which] : PathSets()) {
         inputs::Set const set = which;
         if (works.length) {
