@@ -23,6 +23,8 @@
 // such a coordinate is 0. No call allocates, throws, or uses shared state: all are safe from any
 // thread.
 //
+// For many points and one outline, choose PreparedOutline.
+//
 // Source: the crossings of the outline with a ray are counted. The convex hull property tells the
 // crossings of most curves; the others are halved [Farin, Curves and Surfaces for CAGD].
 
@@ -42,9 +44,9 @@ namespace trammel {
 
 /// Returns how often the path's contours run around `p` in all.
 ///
-/// O(n): two comparisons for most segments, and one to four halvings for most curves whose control
-/// points surround `p`. A curve takes some 50 for each time that it passes through `p`, which is
-/// three times at most.
+/// O(n): two comparisons for most segments, and a few products for most whose control points
+/// surround `p`. A curve is halved where `p` lies between its control points along the chord. It
+/// takes some 50 halvings for each time that it passes through `p`, which is three times at most.
 TRAMMEL_API int WindingNumber(CPath const& path, TPoint<double> const& p) noexcept;
 /// Returns the winding number of the closed polygon, whether it is marked as closed or not. O(n).
 TRAMMEL_API int WindingNumber(TPolygon<double> const& polygon, TPoint<double> const& p) noexcept;
