@@ -206,6 +206,7 @@ struct Contour {
     Id segment;  ///< its first segment
     Id segments; ///< how many it has, 1 or more
     Chain box;
+    std::uint64_t key; ///< MortonKey
 };
 
 /// Gathers the contours that count: those with segments, and without a coordinate that is not
@@ -220,7 +221,7 @@ public:
 
     void Begin(void const* p) {
         Close();
-        Start(PointAt(p));
+        mCurrent = PointAt(p);
     }
     void LineTo(void const* p) { Add(false, {PointAt(p)}); }
     void CurveTo(void const* c1, void const* c2, void const* e) {
@@ -235,11 +236,10 @@ public:
             Keep();
             mIsOpen = false;
         }
-        Start(last);
+        mCurrent = last;
     }
 
 private:
-    void Start(Pt const& p) { mCurrent = p; }
     void Add(bool curve, std::initializer_list<Pt> some) {
         if (!mIsOpen) {
             mIsOpen = true;
@@ -271,7 +271,7 @@ private:
         }
         lo = Min(low, lo);
         hi = Max(high, hi);
-        Contour contour;
+        Contour contour = {};
         contour.point = static_cast<Id>(mFirstPoint);
         contour.segment = static_cast<Id>(mFirstSegment);
         contour.segments = static_cast<Id>(isCurve.size() - mFirstSegment);
@@ -334,8 +334,10 @@ struct PreparedOutline::Index {
             for (Id i = contour.point; i < end; ++i) {
                 contour.box.Include(mLattice(CoordinatesAt(&mPoints[i])));
             }
+            contour.key = MortonKey(contour.box);
         }
-        SortContours(contours);
+        std::sort(contours.begin(), contours.end(),
+                  [](Contour const& a, Contour const& b) { return a.key < b.key; });
 
         // The roots of the contours come first, so that they are children in a row.
         std::size_t nodes = contours.size();
@@ -407,12 +409,6 @@ private:
             nodes += children;
         } while (children > 1);
         return nodes;
-    }
-
-    static void SortContours(std::vector<Contour>& contours) {
-        std::sort(contours.begin(), contours.end(), [](Contour const& a, Contour const& b) {
-            return MortonKey(a.box) < MortonKey(b.box);
-        });
     }
 
     /// Stores a node, at `root` if it is the only one of its level and the root has a place.
