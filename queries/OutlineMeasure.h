@@ -85,8 +85,10 @@ public:
     struct Nearest {
         /// From the point to the place; infinite where there is none.
         double distance = std::numeric_limits<double>::infinity();
-        TPoint<double> point;        ///< the place; (0, 0) where there is none
-        double length = 0.0;         ///< from the start to there
+        TPoint<double> point; ///< the place; (0, 0) where there is none
+        /// From the start to there. Where a subpath begins behind a gap, AtLength() finds the end
+        /// of the subpath before it.
+        double length = 0.0;
         double t = 0.0;              ///< the fraction of the length
         std::size_t element = kNone; ///< as in Place
         double parameter = 0.0;      ///< as in Place

@@ -4,16 +4,22 @@
 
 #include "AccurateCurve.h"
 #include "CurveTruth.h"
+#include "OutlineTruth.h"
 #include "PathWalk_p.h"
+#include "ShortMemory.h"
 #include "SvgPath.h"
 #include "TestSupport.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
+#include <cstddef>
+#include <new>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -52,89 +58,6 @@ std::vector<CBezier> NastyCurves() {
             CBezier({0, 0}, {100.001, 100}, {0, 100}, {100, 0}),
             CBezier({0, 0}, {1e-7, 0}, {100, 0}, {100, 1e-7}),
             CBezier({0, 0}, {90, 0}, {90, 0}, {0, 1e-9})};
-}
-
-/// The true lengths of a path's segments, by quadrature in long double.
-struct Truth {
-    struct Segment {
-        CBezier curve;
-        bool isCurve;
-        std::size_t element;
-        std::size_t subpath;
-        Wide before;
-        Wide length;
-        Wide polygon;
-    };
-    std::vector<Segment> segments;
-    Wide total = 0;
-
-    explicit Truth(CPath const& path) {
-        std::size_t subpath = kNone;
-        char last = kPathClose;
-        for (trammel_detail::SegmentCursor cursor(path); cursor.NextOrMove();) {
-            subpath += cursor.Code() == kPathMove || last == kPathClose ? 1 : 0;
-            last = cursor.Code();
-            if (last == kPathMove) {
-                continue;
-            }
-            bool const isCurve = cursor.IsCurve();
-            TLine<double> const line = cursor.Line();
-            CBezier const c =
-                isCurve ? cursor.Curve() : CBezier(line.mStart, line.mStart, line.mEnd, line.mEnd);
-            Wide const length =
-                isCurve ? TrueLength(c) : Length(Widened(line.mEnd) - Widened(line.mStart));
-            segments.push_back(
-                {c, isCurve, cursor.Element(), subpath, total, length, PolygonLength(c)});
-            total += length;
-        }
-    }
-    Segment const& OfElement(std::size_t element) const {
-        return *std::find_if(segments.begin(), segments.end(),
-                             [&](Segment const& s) { return s.element == element; });
-    }
-};
-
-CPath AnyPath(Random& random, int count) {
-    CPath path;
-    path.MoveTo(random.Point(100));
-    for (int i = 0; i < count; ++i) {
-        switch (random.Integer(0, 9)) {
-        case 0:
-            path.ClosePath();
-            path.MoveTo(random.Point(100));
-            break;
-        case 1:
-            path.MoveTo(random.Point(100));
-            break;
-        case 2:
-        case 3:
-            path.LineTo(random.Point(100));
-            break;
-        default: {
-            CBezier const c = AnyCurve(random);
-            path.LineTo(c.P0);
-            path.CurveTo(c.P1, c.P2, c.P3);
-            break;
-        }
-        }
-    }
-    return path;
-}
-
-/// Expects that the length up to a place is `length`, to the bound that the class states.
-void ExpectAtLength(Truth const& truth, Place const& place, double length) {
-    ASSERT_NE(place.element, kNone);
-    Truth::Segment const& s = truth.OfElement(place.element);
-    Wide const part = s.isCurve ? TrueLength(s.curve, 0, Widened(place.parameter))
-                                : s.length * Widened(place.parameter);
-    Wide const bound = std::ldexp(s.polygon, -42) + std::ldexp(truth.total, -51);
-    EXPECT_LE(Off(length, s.before + part), bound) << Text(s.curve) << " at " << length;
-    EXPECT_EQ(place.subpath, s.subpath);
-    WidePt const point = s.isCurve
-                             ? At(s.curve, Widened(place.parameter))
-                             : Widened(s.curve.P0) + (Widened(s.curve.P3) - Widened(s.curve.P0)) *
-                                                         Widened(place.parameter);
-    EXPECT_LE(Length(point - Widened(place.point)), 400 * std::ldexp(1.0L, -50));
 }
 
 TEST(OutlineMeasure, LengthIsTheIntegralOfTheSpeed) {
@@ -434,17 +357,6 @@ TEST(OutlineMeasure, CurvatureIsInfiniteWhereTheCurveStands) {
     EXPECT_EQ(OutlineMeasure(Path("M0 0 C0 0 10 0 10 0")).At(1).tangent, Pt(1, 0));
 }
 
-/// The least distance of the outline, by dense samples in long double.
-Wide OutlineDistance(Truth const& truth, Pt const& p) {
-    Wide least = kInf;
-    for (Truth::Segment const& s : truth.segments) {
-        least = std::min(least, s.isCurve ? TrueDistance(s.curve, p)
-                                          : SegmentDistance(Widened(p), Widened(s.curve.P0),
-                                                            Widened(s.curve.P3)));
-    }
-    return least;
-}
-
 TEST(OutlineMeasure, NearestPlaceIsNoFartherThanTheLeastDistance) {
     Random random(11);
     for (int i = 0; i < 25; ++i) {
@@ -728,6 +640,71 @@ TEST(OutlineMeasure, BatchesGiveTheSamePlaces) {
         EXPECT_EQ(places[i].element, single.element);
         EXPECT_TRUE(SameBits(pointsAtLengths[i], measure.PtAtLength(lengths[i])));
         EXPECT_TRUE(SameBits(placesAtLengths[i].point, pointsAtLengths[i]));
+    }
+}
+
+TEST(OutlineMeasure, TakesAtMost300BytesForACurveAndNoneToAsk) {
+    Random random(18);
+    CPath path;
+    path.MoveTo(Pt(0, 0));
+    for (int i = 1; i <= 2000; ++i) {
+        path.CurveTo(Pt(i - 0.7, 0.3), Pt(i - 0.3, -0.2), Pt(i, 0)); // as drawings have them
+    }
+    std::size_t const before = AllocatedBytes();
+    OutlineMeasure const measure(path);
+    EXPECT_LE(AllocatedBytes() - before, std::size_t{2000} * 300);
+    std::size_t const after = AllocationCount();
+    double sum = 0.0;
+    for (int i = 0; i < 500; ++i) {
+        sum += measure.At(i / 500.0).curvature + measure.FindNearest(random.Point(100)).length;
+    }
+    EXPECT_EQ(AllocationCount(), after);
+    EXPECT_NE(sum, 0.0);
+}
+
+TEST(OutlineMeasure, ShortMemoryLeavesThePieceAsItWas) {
+    CPath const path = Path("M0 0 H10 C20 0 30 10 30 20 M40 40 H50 V50 Z");
+    OutlineMeasure const measure(path);
+    for (int allocations = 0;; ++allocations) {
+        CPath out = Path("M1 1 H2");
+        out.mCtls.shrink_to_fit();
+        out.mPts.shrink_to_fit();
+        try {
+            ShortMemory const memory(allocations);
+            OutlineMeasure const other(path);
+            other.GetTRange(0.1, 0.9, out);
+            EXPECT_GT(allocations, 3);
+            EXPECT_GT(out.mCtls.size(), 2U);
+            break;
+        } catch (std::bad_alloc const&) {
+            EXPECT_EQ(trammel::WriteSvgPath(out), trammel::WriteSvgPath(Path("M1 1 H2")));
+            ASSERT_LT(allocations, 100);
+        }
+    }
+}
+
+TEST(OutlineMeasure, ThreadsGetTheSamePlaces) {
+    Random random(19);
+    OutlineMeasure const measure(AnyPath(random, 100));
+    auto const sum = [&measure] {
+        double all = 0.0;
+        for (int i = 0; i < 2000; ++i) {
+            Place const place = measure.At(i / 2000.0);
+            all += place.parameter + measure.FindNearest(place.point * 1.1).length;
+        }
+        return all;
+    };
+    double const alone = sum();
+    std::array<double, 4> sums = {};
+    std::vector<std::thread> threads;
+    for (double& result : sums) {
+        threads.emplace_back([&result, &sum] { result = sum(); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    for (double const result : sums) {
+        EXPECT_EQ(result, alone);
     }
 }
 
