@@ -15,8 +15,12 @@ void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, F
     NextFlatRunForm<WideDouble4>(curve, tolerance, plan, run);
 }
 
-int FewChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
-    return FewChordsForm<WideDouble4>(curve, scale, tolerance, run);
+int SomeChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
+    return SomeChordsForm<WideDouble4>(curve, scale, tolerance, run);
+}
+
+int FewChordsAvx2(double const* points, double tolerance, double* out) {
+    return FewChordsForm<WideDouble4>(points, tolerance, out);
 }
 
 } // namespace trammel_detail

@@ -14,8 +14,12 @@ void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& pla
     NextFlatRunForm<Double4>(curve, tolerance, plan, run);
 }
 
-int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
-    return FewChordsForm<Double4>(curve, scale, tolerance, run);
+int SomeChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
+    return SomeChordsForm<Double4>(curve, scale, tolerance, run);
+}
+
+int FewChordsPortable(double const* points, double tolerance, double* out) {
+    return FewChordsForm<Double4>(points, tolerance, out);
 }
 
 } // namespace trammel_detail

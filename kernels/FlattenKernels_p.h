@@ -3,8 +3,9 @@
 // The arithmetic of flattening, in a form for every processor and in one for AVX2, of the same
 // bits. queries/AccurateFlatten.cpp tells the method. Not installed.
 //
-// A caller tries FewChords first, if the curve is hardly bent. Otherwise it calls PlanFlattening,
-// sets the number of chords in the plan, and calls NextFlatRun until a run has no points.
+// A caller tries FewChords first, and then SomeChords. For more chords
+// it calls PlanFlattening, sets the number of chords in the plan, and calls NextFlatRun until a run
+// has no points.
 
 #ifndef TRAMMEL_FLATTENKERNELS_P_H
 #define TRAMMEL_FLATTENKERNELS_P_H
@@ -15,6 +16,21 @@
 #include <cstdint>
 
 namespace trammel_detail {
+
+/// The finest tolerance, as a part of the control vectors' magnitudes. Rounding moves the computed
+/// distances from chords by 2^-49 of the same magnitudes.
+inline constexpr double kFinest = 0x1p-40;
+/// The part of the tolerance for which points are planned, so that few chords have to be divided.
+inline constexpr double kPlanned = 0.98;
+/// By n equal steps of the parameter a curve keeps the tolerance where no second difference of its
+/// control points is longer than this many tolerances, times n².
+inline constexpr double kMostBend = 4.0 / 3.0;
+/// Curves that take more such steps than these are too bent for FewChords, and for SomeChords. Ten
+/// steps are some eight steps of equal bend. Nearly all curves of 70 steps take more than
+/// kSomeChords steps of equal bend.
+inline constexpr double kFewSteps = 10.0;
+inline constexpr double kSomeSteps = 70.0;
+constexpr double Biquadrate(double x) { return x * x * x * x; }
 
 /// A cubic relative to its start, 3at + 3bt² + ct³ in both coordinates.
 struct FlatCubic {
@@ -82,23 +98,22 @@ DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& s
     return {across, Number(0.375) * (beyond + Abs(beyond))};
 }
 
-inline constexpr int kFewPanels = 16;      ///< panels of a plan for few points
-inline constexpr int kManyPanels = 64;     ///< panels of a plan for many points
-inline constexpr double kFewPoints = 80.0; ///< a plan for more points has many panels
-inline constexpr int kFewChords = 8;       ///< the most chords that a curve gets without a plan
+inline constexpr int kPanels = 64;     ///< panels of a plan for many chords
+inline constexpr int kSomePanels = 16; ///< panels of SomeChords
+inline constexpr int kFewChords = 8;   ///< the most chords that FewChords gives
+inline constexpr int kSomeChords = 32; ///< the most chords that SomeChords gives
 
 /// Where on the curve the points are to lie. Panels are equal parts of the parameter.
-/// PlanFlattening sets `panels` and the arrays. Its caller sets the other fields: `panel` and
-/// `done` to 0. Arrays have room for whole vectors.
+/// PlanFlattening sets the arrays. Its caller sets the other fields: `panel` and `done` to 0.
+/// Arrays have room for whole vectors.
 struct FlatPlan {
-    int panels = kFewPanels;
-    int panel;       ///< the panel in which the next chord ends
-    int chords;      ///< the number of chords that the curve is divided into
-    int done;        ///< the number of chords whose ends are computed
-    double step;     ///< the last sum divided by the number of chords
-    double perChord; ///< the inverse of `step`; infinite or NaN where there is no bend
-    double density[kManyPanels + 4]; ///< chords per unit of the parameter, at the panels' ends
-    double sums[kManyPanels + 4];    ///< integrals of the density from 0 to the panels' ends
+    int panel;                   ///< the panel in which the next chord ends
+    int chords;                  ///< the number of chords that the curve is divided into
+    int done;                    ///< the number of chords whose ends are computed
+    double step;                 ///< the last sum divided by the number of chords
+    double perChord;             ///< the inverse of `step`; infinite or NaN where there is no bend
+    double density[kPanels + 4]; ///< chords per unit of the parameter, at the panels' ends
+    double sums[kPanels + 4];    ///< integrals of the density from 0 to the panels' ends
 };
 
 /// Planned points, computed together.
@@ -119,7 +134,7 @@ struct FlatRun {
 double PlanFlatteningPortable(FlatCubic const& curve, double scale, FlatPlan& plan);
 double PlanFlatteningAvx2(FlatCubic const& curve, double scale, FlatPlan& plan);
 
-/// Sets the plan's panels, densities and sums. Returns the last sum: the number of chords, not yet
+/// Sets the plan's densities and sums. Returns the last sum: the number of chords, not yet
 /// rounded, that leave the curve by about d. `scale` is 3/(4·d), where the caller takes d a little
 /// below the tolerance.
 [[gnu::always_inline]] inline double PlanFlattening(FlatCubic const& curve, double scale,
@@ -137,15 +152,29 @@ void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, F
     Dispatch<NextFlatRunPortable, NextFlatRunAvx2>(curve, tolerance, plan, run);
 }
 
-int FewChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
-int FewChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
+int SomeChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
+int SomeChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
 
-/// Tries to divide a curve into two to kFewChords chords that all keep the tolerance. Returns their
-/// number, and stores h and v of the points at their ends, from index 1 on. Returns 0 when it does
-/// not succeed; the caller then makes a plan. `scale` is the same as for PlanFlattening.
-[[gnu::always_inline]] inline int FewChords(FlatCubic const& curve, double scale, double tolerance,
-                                            FlatRun& run) {
-    return Dispatch<FewChordsPortable, FewChordsAvx2>(curve, scale, tolerance, run);
+/// Divides a curve into 1 to kSomeChords chords, and verifies them. Returns their number, and
+/// sets the run as NextFlatRun does, with the curve's start at index 0. Returns 0, and sets
+/// nothing, for a curve that takes more chords. `scale` is the same as for PlanFlattening.
+[[gnu::always_inline]] inline int SomeChords(FlatCubic const& curve, double scale, double tolerance,
+                                             FlatRun& run) {
+    return Dispatch<SomeChordsPortable, SomeChordsAvx2>(curve, scale, tolerance, run);
+}
+
+int FewChordsPortable(double const* points, double tolerance, double* out);
+int FewChordsAvx2(double const* points, double tolerance, double* out);
+
+/// Tries to divide a curve into one to kFewChords chords that all keep the tolerance. `points` has
+/// v and h of its four points in turn. Returns the number of chords, or 0 when it does not succeed.
+///
+/// `out` has room for kFewChords points and gets v and h of the points at the chords' ends. The
+/// last point, and what lies behind it, mean nothing. The result is -1 where products might
+/// overflow or underflow, and for a curve so small beside its coordinates that only rounding is
+/// left of it.
+[[gnu::always_inline]] inline int FewChords(double const* points, double tolerance, double* out) {
+    return Dispatch<FewChordsPortable, FewChordsAvx2>(points, tolerance, out);
 }
 
 } // namespace trammel_detail

@@ -18,6 +18,8 @@ typedef double RawDouble2 __attribute__((vector_size(16)));
 typedef std::int64_t RawMask2 __attribute__((vector_size(16)));
 typedef double RawDouble4 __attribute__((vector_size(32)));
 typedef std::int64_t RawMask4 __attribute__((vector_size(32)));
+typedef std::uint64_t RawUnsigned2 __attribute__((vector_size(16)));
+typedef std::uint64_t RawUnsigned4 __attribute__((vector_size(32)));
 typedef std::int32_t RawInt4 __attribute__((vector_size(16)));
 typedef std::int16_t RawShort8 __attribute__((vector_size(16)));
 

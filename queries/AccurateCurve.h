@@ -28,6 +28,11 @@
 #include "TRect.h"
 #include "TrammelExport.h"
 
+#include <cstddef>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
 namespace trammel {
 
 // Length
@@ -126,6 +131,106 @@ TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance,
 /// from which it is measured. `out` may be this path. O(n). Memory exhaustion is std::bad_alloc,
 /// and `out` is then as it was.
 TRAMMEL_API double FlattenWithin(CPath const& path, double tolerance, CPath& out);
+
+/// What FlattenInto tells about a curve.
+struct TRAMMEL_API Flattened {
+    std::size_t count; ///< the points of the flattening, stored or not
+    double distance;   ///< the distance that is kept, as FlattenWithin returns it
+};
+
+/// Stores in `points` what FlattenWithin delivers: P0, points in between, P3, none left out.
+/// Returns how many points there are, at most kMostFlatPoints, and the distance.
+///
+/// Where they are more than `capacity`, the first `capacity` points are stored. The caller then
+/// calls again with as much room as the count says. Nothing beyond `capacity` is touched; within
+/// it, points behind the last one may be overwritten. `points` may be null where `capacity` is 0.
+/// P0 and P3 are exact: curves that meet have the same points there. No allocation.
+///
+/// Degenerate: with a NaN or infinite coordinate the points are P0 and P3, and the distance is NaN.
+/// A curve of no length gives P0 and P3, too. A tolerance of 0, a negative one and a NaN give the
+/// finest that there is, and an infinite one two points.
+TRAMMEL_API Flattened FlattenInto(CBezier const& curve, double tolerance, TPoint<double>* points,
+                                  std::size_t capacity);
+
+/// A contour of FlatContours.
+struct TRAMMEL_API FlatContour {
+    std::size_t begin; ///< the index of its first point
+    std::size_t end;   ///< the index behind its last point
+    bool closed;       ///< a line from the last point to the first belongs to it
+};
+
+/// The contours of a path, made lines.
+struct FlatContours {
+    std::vector<TPoint<double>> points;
+    std::vector<FlatContour> contours; ///< in order, one behind the other without gaps
+};
+
+/// Makes the path's curves lines, within `tolerance` as FlattenWithin does. Replaces the content of
+/// `out`, and keeps its memory for the next path. Returns the greatest of the curves' distances, 0
+/// without curves, and NaN where a curve has a NaN or infinite coordinate.
+///
+/// A contour has the ends of all its segments, exactly, and the points in between. Points of no
+/// segment, as of a move after which nothing is drawn, do not count. Closing lines are not stored:
+/// the contour is marked as closed. An element without a move before it begins a contour at the
+/// point from which it is measured. O(n). Memory exhaustion is std::bad_alloc, and `out` then has a
+/// part of the contours.
+TRAMMEL_API double FlattenInto(CPath const& path, double tolerance, FlatContours& out);
+
+} // namespace trammel
+
+namespace trammel_detail {
+
+typedef void (*FlatPointsProc)(TPoint<double> const* points, std::size_t count, void* data);
+enum class FlatStep { kBegin, kPoints, kOpenEnd, kClosedEnd };
+typedef void (*FlatStepProc)(FlatStep step, TPoint<double> const* points, std::size_t count,
+                             void* data);
+/// What the templates below call: `proc` gets many points at a time.
+TRAMMEL_API double FlattenByRuns(CBezier const& curve, double tolerance, FlatPointsProc proc,
+                                 void* data);
+TRAMMEL_API double FlattenByRuns(CPath const& path, double tolerance, FlatStepProc proc,
+                                 void* data);
+
+} // namespace trammel_detail
+
+namespace trammel {
+
+/// Calls use(point) for each point of the flattening, P0 and P3 included, none left out. Returns
+/// the distance that is kept, as FlattenWithin does. No allocation; what `use` throws passes
+/// through.
+template <class Use> double FlattenTo(CBezier const& curve, double tolerance, Use&& use) {
+    typedef std::remove_reference_t<Use> Called;
+    auto const pass = [](TPoint<double> const* points, std::size_t count, void* data) {
+        for (std::size_t i = 0; i < count; ++i) {
+            (*static_cast<Called*>(data))(points[i]);
+        }
+    };
+    return trammel_detail::FlattenByRuns(
+        curve, tolerance, pass, const_cast<void*>(static_cast<void const*>(std::addressof(use))));
+}
+
+/// Hands the contours of a path to `sink`: sink.Begin(point) for the first point of each,
+/// sink.Point(point) for each other one, and sink.End(closed) at its end. The points are those of
+/// FlattenInto, and so is the result. No allocation; what the sink throws passes through.
+template <class Sink> double FlattenTo(CPath const& path, double tolerance, Sink& sink) {
+    auto const pass = [](trammel_detail::FlatStep step, TPoint<double> const* points,
+                         std::size_t count, void* data) {
+        Sink& to = *static_cast<Sink*>(data);
+        switch (step) {
+        case trammel_detail::FlatStep::kBegin:
+            to.Begin(*points);
+            break;
+        case trammel_detail::FlatStep::kPoints:
+            for (std::size_t i = 0; i < count; ++i) {
+                to.Point(points[i]);
+            }
+            break;
+        default:
+            to.End(step == trammel_detail::FlatStep::kClosedEnd);
+            break;
+        }
+    };
+    return trammel_detail::FlattenByRuns(path, tolerance, pass, std::addressof(sink));
+}
 
 // Bounds
 

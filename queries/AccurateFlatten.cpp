@@ -28,9 +28,9 @@
 //
 // Most curves of a glyph or an icon are mildly bent and take few chords. A rough plan suffices for
 // them: it takes the bend in the middle of each of four panels as constant on the panel. One vector
-// holds the four bends. These chords are verified as all others are, so the rough plan only decides
-// about the number of points. Where a chord fails, the code tries one chord more, and then the plan
-// above.
+// holds the four bends. Where a chord fails, the code tries one chord more. Curves of up to 32
+// chords get such a plan of sixteen panels, and all others the plan above. These chords are
+// verified as all others are, so a rough plan only decides about the number of points.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -43,6 +43,7 @@
 #include "PointBuffer_p.h"
 #include "PointMath_p.h"
 #include "PolygonAppend_p.h"
+#include "TLine.h"
 #include "TPoint.h"
 #include "TPoly.h"
 
@@ -60,23 +61,24 @@ namespace {
 
 using trammel_detail::ChordDeviation;
 using trammel_detail::Dot;
+using trammel_detail::FewChords;
 using trammel_detail::FlatCubic;
 using trammel_detail::FlatPlan;
 using trammel_detail::FlatRun;
+using trammel_detail::kFewChords;
+using trammel_detail::kFinest;
+using trammel_detail::kMostBend;
+using trammel_detail::kPlanned;
+using trammel_detail::kSomeSteps;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
 using trammel_detail::Square;
 using trammel_detail::Taxicab;
 
-/// The finest tolerance, as a part of the control vectors' magnitudes. Rounding moves the computed
-/// distances from chords by 2^-49 of the same magnitudes.
-constexpr double kFinest = 0x1p-40;
-/// The part of the tolerance for which points are planned, so that few chords have to be divided.
-constexpr double kPlanned = 0.97;
-/// A curve is too bent for few chords where a second difference of its control points is longer
-/// than this many tolerances. A curve keeps the tolerance by n equal steps of the parameter where
-/// none is longer than 4n²/3 tolerances. Ten such steps are some eight steps of equal bend.
-constexpr double kMostFewBend = 400.0 / 3.0;
+/// The part of the tolerance for which SomeChords plans: it is less exact than the longer plan.
+constexpr double kPlannedForSome = 0.94;
+/// The most chords of a curve.
+constexpr int kMostChords = static_cast<int>(kMostFlatPoints) - 1;
 /// The part of a piece that a division at a turn leaves at least on either side.
 constexpr double kLeastPart = 0.05;
 /// The most divisions of a chord: its parameters are neighbours then.
@@ -174,12 +176,6 @@ bool Keeps(Place const& p0, Place const& p1, double tolerance) {
     return off.Square() <= limit * square;
 }
 
-/// True when a few chords may suffice.
-bool HardlyBent(FlatCubic const& c, double tolerance) {
-    double const most = kMostFewBend * tolerance;
-    return trammel_detail::SquaredBend(c) <= most * most;
-}
-
 /// Returns a bound on the piece's distance from its chord.
 double DistanceOf(Place const& p0, Place const& p1) {
     Pt const d = p1.at - p0.at;
@@ -195,6 +191,8 @@ double DistanceOf(Place const& p0, Place const& p1) {
 /// Returns the factor by which the plan multiplies the bend divided by the speed. A power of two in
 /// the input cancels in this product, before the root is taken, so it changes nothing.
 double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
+/// The same for SomeChords, whose plan is less exact.
+double ScaleForSome(double tolerance) { return 0.75 / (kPlannedForSome * tolerance); }
 
 /// Plans where on the curve the points lie, and computes them.
 class Plan {
@@ -238,6 +236,61 @@ void Set(FlatRun& run, int i, Place const& p) {
     run.dv[i] = p.v.v;
 }
 
+/// Delivers runs, and divides the chords that fail.
+template <class To> class Pieces {
+public:
+    Pieces(Cubic const& curve, double tolerance, To& deliver)
+        : mCurve(curve), mTolerance(tolerance), mKept(tolerance), mDeliver(deliver) {}
+    /// Sets how many points may be added.
+    void SetSpare(int spare) { mSpare = spare; }
+    /// Returns the distance that is kept by all that was delivered.
+    double Kept() const { return mKept; }
+
+    void Deliver(FlatRun const& run) {
+        for (int i = 1; i <= run.count; ++i) {
+            std::uint64_t const failing = run.failing >> static_cast<unsigned>(i - 1);
+            int const first = failing != 0 ? i + __builtin_ctzll(failing) : run.count + 1;
+            int const last = first - 1;
+            if (last >= i) {
+                mDeliver.Run(run.h + i, run.v + i, last - i + (run.t[last] < 1.0 ? 1 : 0));
+                i = last;
+            } else {
+                Divide(Get(run, i - 1), run.t[i]);
+            }
+        }
+    }
+
+private:
+    void Divide(Place from, double t) {
+        std::array<double, kMostPending> pending;
+        std::size_t waiting = 0;
+        while (t > from.t) {
+            Place const to = mCurve.At(t);
+            if (!Keeps(from, to, mTolerance)) {
+                double const split = mCurve.Split(from, to, mTolerance);
+                if (mSpare > 0 && waiting < kMostPending && split > from.t && split < t) {
+                    --mSpare;
+                    pending[waiting++] = t;
+                    t = split;
+                    continue;
+                }
+                mKept = std::max(mKept, DistanceOf(from, to));
+            }
+            from = to;
+            if (t < 1.0) {
+                mDeliver.Point(to.at);
+            }
+            t = waiting > 0 ? pending[--waiting] : 0.0;
+        }
+    }
+
+    Cubic const& mCurve;
+    double mTolerance;
+    double mKept;
+    int mSpare = 0;
+    To& mDeliver;
+};
+
 /// Delivers the points between P0 and P3 in order, relative to P0. It calls deliver.Point(point)
 /// for one point and deliver.Run(h, v, count) for several. Returns the distance that is kept:
 /// `asked`, or more where rounding or kMostFlatPoints does not allow it.
@@ -249,67 +302,41 @@ template <class Deliver> double Flatten(Cubic const& curve, double asked, Delive
     }
     FlatCubic const flat = curve.Flat();
     FlatRun run;
-    if (HardlyBent(flat, tolerance)) {
-        if (Keeps(curve.Start(), curve.At(1.0), tolerance)) {
-            return tolerance;
-        }
-        int const chords = trammel_detail::FewChords(flat, ScaleFor(tolerance), tolerance, run);
+    Pieces<Deliver> pieces(curve, tolerance, deliver);
+    double const bend = trammel_detail::SquaredBend(flat) / (tolerance * tolerance);
+    constexpr double kMost = kMostBend * kMostBend * trammel_detail::Biquadrate(kSomeSteps);
+    if (Keeps(curve.Start(), curve.At(1.0), tolerance)) {
+        return tolerance;
+    }
+    if (bend <= kMost) {
+        int const chords =
+            trammel_detail::SomeChords(flat, ScaleForSome(tolerance), tolerance, run);
         if (chords > 0) {
-            deliver.Run(run.h + 1, run.v + 1, chords - 1);
-            return tolerance;
+            pieces.SetSpare(kMostChords - chords);
+            pieces.Deliver(run);
+            return pieces.Kept();
         }
     }
     Plan plan(flat, tolerance);
-    constexpr int kMost = static_cast<int>(kMostFlatPoints) - 1;
-    int spare = kMost - plan.Divide(kMost); // points that may be added
-    double kept = tolerance;
-    std::array<double, kMostPending> pending;
+    pieces.SetSpare(kMostChords - plan.Divide(kMostChords));
     Set(run, 0, curve.Start());
     while (plan.Next(run)) {
-        for (int i = 1; i <= run.count; ++i) {
-            std::uint64_t const failing = run.failing >> static_cast<unsigned>(i - 1);
-            int const first = failing != 0 ? i + __builtin_ctzll(failing) : run.count + 1;
-            int const last = first - 1;
-            if (last >= i) {
-                deliver.Run(run.h + i, run.v + i, last - i + (run.t[last] < 1.0 ? 1 : 0));
-                i = last;
-                continue;
-            }
-            Place from = Get(run, i - 1);
-            std::size_t waiting = 0;
-            for (double t = run.t[i]; t > from.t;) {
-                Place const to = curve.At(t);
-                if (!Keeps(from, to, tolerance)) {
-                    double const split = curve.Split(from, to, tolerance);
-                    if (spare > 0 && waiting < kMostPending && split > from.t && split < t) {
-                        --spare;
-                        pending[waiting++] = t;
-                        t = split;
-                        continue;
-                    }
-                    kept = std::max(kept, DistanceOf(from, to));
-                }
-                from = to;
-                if (t < 1.0) {
-                    deliver.Point(to.at);
-                }
-                t = waiting > 0 ? pending[--waiting] : 0.0;
-            }
-        }
+        pieces.Deliver(run);
         Set(run, 0, Get(run, run.count));
     }
-    return kept;
+    return pieces.Kept();
 }
 
-/// Moves points back to where the curve is, in the input's unit, and hands each to `use`.
-template <class Use> class EachPoint {
+/// Moves points back to where the curve is, in the input's unit, and hands each to `to`.
+template <class To> class EachPoint {
 public:
     /// `dropped` is the result of DropCommon() for the points.
-    EachPoint(ScaledPoints<4> const& points, Pt const& start, Pt const& dropped, Use& use)
-        : mPoints(points), mStart(start), mDropped(dropped), mUse(use) {}
-    void Point(Pt const& relative) {
-        Pt const p = mPoints.Up(mPoints[0] + relative);
-        mUse(Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v));
+    EachPoint(ScaledPoints<4> const& points, Pt const& start, Pt const& dropped, To& to)
+        : mPoints(points), mStart(start), mDropped(dropped), mTo(to) {}
+    void Point(Pt const& relative) { Place(mPoints[0] + relative); }
+    void Place(Pt const& point) {
+        Pt const p = mPoints.Up(point);
+        mTo.Place(Pt(mDropped.h != 0.0 ? mStart.h : p.h, mDropped.v != 0.0 ? mStart.v : p.v));
     }
     void Run(double const* h, double const* v, int count) {
         for (int i = 0; i < count; ++i) {
@@ -321,67 +348,192 @@ private:
     ScaledPoints<4> const& mPoints;
     Pt mStart;
     Pt mDropped;
-    Use& mUse;
+    To& mTo;
 };
 
-/// Flattens, and delivers all points in the input's unit.
-template <class Use> double FlattenAll(CBezier const& curve, double tolerance, Use use) {
+static_assert(sizeof(CBezier) == 8 * sizeof(double) && offsetof(CBezier, P0) == 0 &&
+                  offsetof(CBezier, P3) == 6 * sizeof(double),
+              "FewChords reads the four points, v and h in turn");
+
+/// Flattens, and delivers the points between the ends. `to` takes points by Place, and points
+/// relative to the origin that SetOrigin tells it by Point and Run. Where it has room for
+/// kFewChords points, v and h in turn, Room() is that place, and Added(count) takes them. Returns
+/// the distance.
+template <class To> double FlattenBetween(CBezier const& curve, double tolerance, To& to) {
+    double* const room = to.Room();
+    double few[2 * kFewChords];
+    int chords = FewChords(&curve.P0.v, tolerance, room != nullptr ? room : few);
+    if (chords > 0) {
+        if (room != nullptr) {
+            to.Added(chords - 1);
+        } else {
+            for (int i = 0; i < chords - 1; ++i) {
+                to.Place(Pt(few[2 * i + 1], few[2 * i]));
+            }
+        }
+        return tolerance;
+    }
     std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
     Pt const dropped = trammel_detail::DropCommon(points);
     ScaledPoints<4> const p(points);
-    use(curve.P0);
-    double kept = std::numeric_limits<double>::quiet_NaN();
-    if (p.Finite()) {
-        EachPoint<Use> deliver(p, curve.P0, dropped, use);
-        kept = p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
+    if (!p.Finite()) {
+        return std::numeric_limits<double>::quiet_NaN();
     }
-    use(curve.P3);
+    EachPoint<To> deliver(p, curve.P0, dropped, to);
+    if (chords < 0) {
+        chords = FewChords(&p[0].v, p.Down(tolerance), few);
+        for (int i = 0; i < chords - 1; ++i) {
+            deliver.Place(Pt(few[2 * i + 1], few[2 * i]));
+        }
+        if (chords > 0) {
+            return tolerance;
+        }
+    }
+    if (p.Scaled()) {
+        return p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
+    }
+    to.SetOrigin(curve.P0);
+    return Flatten(Cubic(p), tolerance, to);
+}
+
+/// Flattens, and delivers all points.
+template <class To> double FlattenAll(CBezier const& curve, double tolerance, To& to) {
+    to.Place(curve.P0);
+    double const kept = FlattenBetween(curve, tolerance, to);
+    to.Place(curve.P3);
     return kept;
 }
 
-/// Appends points to a polygon, many at a time. Adds P0 to points that are relative to it.
-class Appending {
+/// Stores points, v and h in turn, each as the sum of the origin and the point.
+void StoreRun(Pt const& origin, double const* h, double const* v, long count, double* to) {
+    for (long i = 0; i < count; ++i) {
+        to[2 * i] = origin.v + v[i];
+        to[2 * i + 1] = origin.h + h[i];
+    }
+}
+
+/// Collects points, and calls use(points, count) for many at a time.
+template <class Use> class Collecting {
 public:
-    Appending(Pt const& origin, TPolygon<double>& poly) : mOrigin(origin), mAppend{poly} {}
+    explicit Collecting(Use const& use) : mUse(use) {}
+    double* Room() { return mBuffer.RoomForBlock(); }
+    void Added(int count) { mBuffer.AddStored(count); }
+    void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) { mBuffer.Add(p); }
     void Point(Pt const& relative) { mBuffer.Add(mOrigin + relative); }
     void Run(double const* h, double const* v, int count) {
         static_assert(FlatRun::kRoom <= trammel_detail::kBlockPoints);
-        double* const room = mBuffer.RoomForBlock();
-        for (long i = 0; i < count; ++i) {
-            room[2 * i] = mOrigin.v + v[i];
-            room[2 * i + 1] = mOrigin.h + h[i];
-        }
+        StoreRun(mOrigin, h, v, count, mBuffer.RoomForBlock());
         mBuffer.AddStored(count);
     }
     void Finish() { mBuffer.Pass(); }
 
 private:
-    struct Append {
-        TPolygon<double>& poly;
-        void operator()(Pt const* points, int count) const {
-            trammel_detail::AppendUniquePoints(points, count, poly);
-        }
-    };
     Pt mOrigin;
-    Append mAppend;
-    trammel_detail::PointBuffer<256, Append> mBuffer{mAppend};
+    Use mUse;
+    trammel_detail::PointBuffer<256, Use> mBuffer{mUse};
 };
+
+/// Hands each point to a function.
+template <class Use> class Handing {
+public:
+    explicit Handing(Use const& use) : mUse(use) {}
+    double* Room() { return nullptr; }
+    void Added(int) {}
+    void SetOrigin(Pt const& origin) { mOrigin = origin; }
+    void Place(Pt const& p) { mUse(p); }
+    void Point(Pt const& relative) { mUse(mOrigin + relative); }
+    void Run(double const* h, double const* v, int count) {
+        for (int i = 0; i < count; ++i) {
+            mUse(mOrigin + Pt(h[i], v[i]));
+        }
+    }
+
+private:
+    Pt mOrigin;
+    Use mUse;
+};
+
+/// Stores points in a buffer as far as there is room, and counts all of them.
+class Storing {
+public:
+    Storing(Pt* points, std::size_t capacity) : mPoints(points), mCapacity(capacity) {}
+    std::size_t Count() const { return mCount; }
+    double* Room() {
+        bool const room = mCapacity >= kFewChords && mCount <= mCapacity - kFewChords;
+        return room ? &mPoints[mCount].v : nullptr;
+    }
+    void Added(int count) { mCount += static_cast<std::size_t>(count); }
+    void SetOrigin(Pt const& origin) { mOrigin = origin; }
+    void Place(Pt const& p) {
+        if (mCount < mCapacity) {
+            mPoints[mCount] = p;
+        }
+        ++mCount;
+    }
+    void Point(Pt const& relative) { Place(mOrigin + relative); }
+    void Run(double const* h, double const* v, int count) {
+        std::size_t const room = mCapacity - std::min(mCount, mCapacity);
+        auto const all = static_cast<std::size_t>(count);
+        auto const stored = static_cast<long>(std::min(all, room));
+        if (stored > 0) {
+            StoreRun(mOrigin, h, v, stored, &mPoints[mCount].v);
+        }
+        mCount += all;
+    }
+
+private:
+    Pt* mPoints;
+    std::size_t mCapacity;
+    std::size_t mCount = 0;
+    Pt mOrigin;
+};
+
+/// Flattens a path. `sink` takes points as FlattenBetween hands them on, and Begin(point) and
+/// End(closed) around the points of a contour. Returns the greatest distance.
+template <class Sink> double FlattenPath(CPath const& path, double tolerance, Sink& sink) {
+    double kept = 0.0;
+    bool open = false;
+    for (trammel_detail::SegmentCursor segment(path); segment.NextOrMove();) {
+        if (segment.Code() == kPathMove || segment.Code() == kPathClose) {
+            if (open) {
+                sink.End(segment.Code() == kPathClose);
+            }
+            open = false;
+            continue;
+        }
+        if (segment.IsCurve()) {
+            CBezier const curve = segment.Curve();
+            if (!open) {
+                sink.Begin(curve.P0);
+            }
+            double const distance = FlattenBetween(curve, tolerance, sink);
+            // A NaN stays: it says that the path has a curve that no lines are near.
+            kept = std::isnan(kept) || distance <= kept ? kept : distance;
+            sink.Place(curve.P3);
+        } else {
+            TLine<double> const line = segment.Line();
+            if (!open) {
+                sink.Begin(line.mStart);
+            }
+            sink.Place(line.mEnd);
+        }
+        open = true;
+    }
+    if (open) {
+        sink.End(false);
+    }
+    return kept;
+}
 
 } // namespace
 
 double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly) {
-    std::array<Pt, 4> flattened = {curve.P0, curve.P1, curve.P2, curve.P3};
-    trammel_detail::DropCommon(flattened);
-    ScaledPoints<4> const p(flattened);
-    if (!p.Finite() || p.Scaled()) {
-        return FlattenAll(curve, tolerance,
-                          [&poly](Pt const& point) { poly.Append(point, false); });
-    }
-    Appending points(curve.P0, poly);
-    points.Place(curve.P0);
-    double const kept = Flatten(Cubic(p), tolerance, points);
-    points.Place(curve.P3);
+    auto const append = [&poly](Pt const* points, int count) {
+        trammel_detail::AppendUniquePoints(points, count, poly);
+    };
+    Collecting points(append);
+    double const kept = FlattenAll(curve, tolerance, points);
     points.Finish();
     return kept;
 }
@@ -392,11 +544,15 @@ double FlattenWithin(CBSpline const& curve, double tolerance, TPolygon<double>& 
 
 double FlattenWithin(CBezier const& curve, double tolerance, CBezier::PointDataProc proc,
                      void* data) {
-    return FlattenAll(curve, tolerance, [proc, data](Pt const& p) { proc(p, data); });
+    auto const call = [proc, data](Pt const& p) { proc(p, data); };
+    Handing each(call);
+    return FlattenAll(curve, tolerance, each);
 }
 
 double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
     CPath result;
+    auto const lineTo = [&result](Pt const& p) { result.LineTo(p); };
+    Handing lines(lineTo);
     double kept = 0.0;
     bool open = false;
     for (trammel_detail::SegmentCursor segment(path); segment.NextOrMove();) {
@@ -414,8 +570,7 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
         if (segment.Code() == kPathLine) {
             result.LineTo(segment.Line().mEnd);
         } else if (segment.IsCurve()) {
-            double const distance = FlattenAll(segment.Curve(), tolerance,
-                                               [&result](Pt const& p) { result.LineTo(p); });
+            double const distance = FlattenAll(segment.Curve(), tolerance, lines);
             // A NaN stays: it says that the path has a curve that no lines are near.
             kept = std::isnan(kept) || distance <= kept ? kept : distance;
         }
@@ -434,4 +589,71 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
     return kept;
 }
 
+Flattened FlattenInto(CBezier const& curve, double tolerance, TPoint<double>* points,
+                      std::size_t capacity) {
+    Storing stored(points, capacity);
+    double const kept = FlattenAll(curve, tolerance, stored);
+    return {stored.Count(), kept};
+}
+
+double FlattenInto(CPath const& path, double tolerance, FlatContours& out) {
+    out.points.clear();
+    out.contours.clear();
+    auto const append = [&out](Pt const* points, int count) {
+        out.points.insert(out.points.end(), points, points + count);
+    };
+    class Contours : public Collecting<decltype(append)> {
+    public:
+        Contours(decltype(append) const& use, FlatContours& out) : Collecting(use), mOut(out) {}
+        void Begin(Pt const& p) { Place(p); }
+        void End(bool closed) {
+            Finish();
+            mOut.contours.push_back({mBegin, mOut.points.size(), closed});
+            mBegin = mOut.points.size();
+        }
+
+    private:
+        FlatContours& mOut;
+        std::size_t mBegin = 0;
+    };
+    Contours contours(append, out);
+    return FlattenPath(path, tolerance, contours);
+}
+
 } // namespace trammel
+
+namespace trammel_detail {
+
+double FlattenByRuns(CBezier const& curve, double tolerance, FlatPointsProc proc, void* data) {
+    auto const pass = [proc, data](Pt const* points, int count) {
+        proc(points, static_cast<std::size_t>(count), data);
+    };
+    trammel::Collecting points(pass);
+    double const kept = trammel::FlattenAll(curve, tolerance, points);
+    points.Finish();
+    return kept;
+}
+
+double FlattenByRuns(CPath const& path, double tolerance, FlatStepProc proc, void* data) {
+    auto const pass = [proc, data](Pt const* points, int count) {
+        proc(FlatStep::kPoints, points, static_cast<std::size_t>(count), data);
+    };
+    class Steps : public trammel::Collecting<decltype(pass)> {
+    public:
+        Steps(decltype(pass) const& use, FlatStepProc proc, void* data)
+            : Collecting(use), mProc(proc), mData(data) {}
+        void Begin(Pt const& p) { mProc(FlatStep::kBegin, &p, 1, mData); }
+        void End(bool closed) {
+            Finish();
+            mProc(closed ? FlatStep::kClosedEnd : FlatStep::kOpenEnd, nullptr, 0, mData);
+        }
+
+    private:
+        FlatStepProc mProc;
+        void* mData;
+    };
+    Steps steps(pass, proc, data);
+    return trammel::FlattenPath(path, tolerance, steps);
+}
+
+} // namespace trammel_detail

@@ -27,6 +27,8 @@
 
 namespace {
 
+using trammel::FlattenInto;
+using trammel::FlattenTo;
 using trammel::FlattenWithin;
 using trammel::TightBounds;
 using trammel_test::AnyCurve;
@@ -522,6 +524,177 @@ TEST(FlattenWithin, OfAPathIsNaNWhereverTheCurveWithoutNumbersIs) {
         }
         CPath lines;
         EXPECT_TRUE(std::isnan(FlattenWithin(path, 0.5, lines))) << bad;
+    }
+}
+
+// ------------------------------------------------------------------------------------------------
+// FlattenInto, FlattenTo
+
+std::vector<Pt> Into(CBezier const& curve, double tolerance) {
+    std::size_t const count = FlattenInto(curve, tolerance, nullptr, 0).count;
+    std::vector<Pt> points(count);
+    EXPECT_EQ(FlattenInto(curve, tolerance, points.data(), count).count, count);
+    return points;
+}
+
+/// The points of FlattenWithin, none left out.
+std::vector<Pt> Delivered(CBezier const& curve, double tolerance) {
+    std::vector<Pt> points;
+    FlattenWithin(
+        curve, tolerance,
+        [](Pt const& p, void* data) { static_cast<std::vector<Pt>*>(data)->push_back(p); },
+        &points);
+    return points;
+}
+
+TEST(FlattenInto, StoresThePointsOfFlattenWithin) {
+    Random random(41);
+    for (int i = 0; i < 1000; ++i) {
+        double const size = std::ldexp(1.0, random.Integer(-300, 300));
+        CBezier const curve = AnyCurve(random) * size;
+        for (double const tolerance : {100.0 * size, 3.0 * size, 0.1 * size, 1e-3 * size}) {
+            std::vector<Pt> const points = Delivered(curve, tolerance);
+            ASSERT_EQ(Text(Into(curve, tolerance)), Text(points)) << Text(curve);
+            std::vector<Pt> handed;
+            double const kept =
+                FlattenTo(curve, tolerance, [&handed](Pt const& p) { handed.push_back(p); });
+            ASSERT_EQ(Text(handed), Text(points)) << Text(curve);
+            ASSERT_EQ(kept, FlattenInto(curve, tolerance, nullptr, 0).distance);
+        }
+    }
+}
+
+TEST(FlattenInto, StoresAsManyPointsAsThereIsRoomForAndCountsAll) {
+    Pt const untouched(-7, -7);
+    for (double const tolerance : {300.0, 3.0, 0.5, 0.1, 1e-2, 1e-3}) {
+        CBezier const curve({0, 0}, {30, 80}, {70, -90}, {100, 20});
+        std::vector<Pt> const all = Delivered(curve, tolerance);
+        for (std::size_t capacity = 0; capacity < all.size() + 12; ++capacity) {
+            std::vector<Pt> points(capacity + 10, untouched);
+            trammel::Flattened const result =
+                FlattenInto(curve, tolerance, points.data(), capacity);
+            ASSERT_EQ(result.count, all.size());
+            ASSERT_EQ(result.distance, tolerance);
+            std::size_t const stored = std::min(capacity, all.size());
+            ASSERT_TRUE(
+                std::equal(all.begin(), all.begin() + static_cast<long>(stored), points.begin()));
+            for (std::size_t i = capacity; i < points.size(); ++i) {
+                ASSERT_EQ(points[i], untouched) << capacity;
+            }
+        }
+    }
+}
+
+TEST(FlattenInto, OfSpecialCurvesEndsWithTheirEndPoints) {
+    for (CBezier const& curve : SpecialCurves()) {
+        for (double const tolerance : {1.0, 1e290, kInf}) {
+            std::vector<Pt> points(200);
+            trammel::Flattened const result = FlattenInto(curve, tolerance, points.data(), 200);
+            ASSERT_EQ(std::isnan(result.distance), !Finite(curve)) << Text(curve);
+            ASSERT_GE(result.count, 2U);
+            ASSERT_LE(result.count, static_cast<std::size_t>(trammel::kMostFlatPoints));
+            ASSERT_EQ(Text(points.front()), Text(curve.P0));
+            if (result.count <= 200) {
+                ASSERT_EQ(Text(points[result.count - 1]), Text(curve.P3));
+            } else {
+                break; // finer ones take their time, too
+            }
+        }
+    }
+}
+
+TEST(FlattenInto, OfAToleranceWithoutMeaningTakesTheFinest) {
+    CBezier const curve({0, 0}, {1, 2}, {3, -1}, {4, 1});
+    std::size_t const finest = FlattenInto(curve, 0.0, nullptr, 0).count;
+    EXPECT_GT(finest, 60000U);
+    EXPECT_EQ(FlattenInto(curve, -1.0, nullptr, 0).count, finest);
+    EXPECT_EQ(FlattenInto(curve, kNaN, nullptr, 0).count, finest);
+    EXPECT_EQ(FlattenInto(curve, kInf, nullptr, 0).count, 2U);
+}
+
+/// Writes contours as text, by the callbacks.
+struct ContourText {
+    std::string text;
+    void Begin(Pt const& p) { text += "[" + Text(p); }
+    void Point(Pt const& p) { text += " " + Text(p); }
+    void End(bool closed) { text += closed ? " z]" : "]"; }
+};
+
+std::string TextOf(trammel::FlatContours const& flat) {
+    ContourText out;
+    std::size_t begin = 0;
+    for (trammel::FlatContour const& contour : flat.contours) {
+        EXPECT_EQ(contour.begin, begin);
+        out.Begin(flat.points[contour.begin]);
+        for (std::size_t i = contour.begin + 1; i < contour.end; ++i) {
+            out.Point(flat.points[i]);
+        }
+        out.End(contour.closed);
+        begin = contour.end;
+    }
+    EXPECT_EQ(begin, flat.points.size());
+    return out.text;
+}
+
+TEST(FlattenInto, OfAPathTellsContoursAndWhetherTheyAreClosed) {
+    CPath path;
+    path.MoveTo({9, 9}).MoveTo({0, 0}).LineTo({10, 0}).CurveTo({10, 4}, {10, 8}, {10, 12});
+    path.ClosePath()
+        .CurveTo({8, 9.5}, {5, 5.5}, {3, 3})
+        .MoveTo({5, 5})
+        .LineTo({6, 5})
+        .MoveTo({7, 7});
+    trammel::FlatContours flat;
+    for (int i = 0; i < 2; ++i) { // the second call replaces what the first one stored
+        EXPECT_EQ(FlattenInto(path, 0.5, flat), 0.5);
+        EXPECT_EQ(TextOf(flat), "[(0, 0) (10, 0) (10, 12) z][(10, 12) (3, 3)][(5, 5) (6, 5)]");
+    }
+    ContourText handed;
+    EXPECT_EQ(FlattenTo(path, 0.5, handed), 0.5);
+    EXPECT_EQ(handed.text, TextOf(flat));
+    EXPECT_EQ(FlattenInto(CPath(), 0.5, flat), 0.0);
+    EXPECT_TRUE(flat.points.empty() && flat.contours.empty());
+}
+
+TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
+    Random random(42);
+    for (int i = 0; i < 50; ++i) {
+        CPath path;
+        ContourText expected;
+        for (int contour = 0; contour < 3; ++contour) {
+            Pt at = random.Point(100);
+            path.MoveTo(at);
+            expected.Begin(at);
+            int const segments = random.Integer(1, 60);
+            for (int k = 0; k < segments; ++k) {
+                CBezier curve = AnyCurve(random);
+                curve = CBezier(at, curve.P1, curve.P2, curve.P3);
+                if (curve.P3 == at) {
+                    continue; // a path absorbs it
+                }
+                if (k % 4 == 3) {
+                    path.LineTo(curve.P3);
+                    expected.Point(curve.P3);
+                } else {
+                    path.CurveTo(curve.P1, curve.P2, curve.P3);
+                    std::vector<Pt> const points = Into(curve, 0.3);
+                    for (std::size_t p = 1; p < points.size(); ++p) {
+                        expected.Point(points[p]);
+                    }
+                }
+                at = curve.P3;
+            }
+            if (contour % 2 == 0) {
+                path.ClosePath();
+            }
+            expected.End(contour % 2 == 0);
+        }
+        trammel::FlatContours flat;
+        EXPECT_EQ(FlattenInto(path, 0.3, flat), 0.3);
+        ASSERT_TRUE(TextOf(flat) == expected.text) << i;
+        ContourText handed;
+        FlattenTo(path, 0.3, handed);
+        ASSERT_TRUE(handed.text == expected.text) << i;
     }
 }
 
