@@ -58,7 +58,7 @@ private:
     };
     /// Each step goes down one level in one tree and leaves three siblings behind. A tree of 2^64
     /// boxes has 33 levels.
-    static constexpr std::size_t kMostOpen = 2 * 33 * kFan;
+    static constexpr std::size_t kMostOpen = std::size_t{2} * 33 * kFan;
 
     std::size_t EndOf(std::size_t level, std::size_t node) const {
         return std::min(node * kFan + kFan, mLevels[level - 1].size());

@@ -122,8 +122,8 @@ double SolveRising(std::array<double, 4> const& c, double x) {
 class Finder {
 public:
     Finder(double accuracy, std::vector<CurveEvent>& events)
-        : mAccuracy(accuracy), mMargin(0.25 * accuracy), mNoise(0x1p-6 * accuracy),
-          mEvents(events) {}
+        : mAccuracy(accuracy), mMargin(0.5 * accuracy), mNoise(0x1p-6 * accuracy), mEvents(events) {
+    }
 
     bool Run(Cubic const& a, Cubic const& b) {
         Push({a, 0.0, 1.0}, {b, 0.0, 1.0});
@@ -171,7 +171,7 @@ private:
         }
         double const sizeA = extentA.Size();
         double const sizeB = extentB.Size();
-        if (std::max(sizeA, sizeB) <= 0.5 * mMargin) {
+        if (std::max(sizeA, sizeB) <= 0.25 * mMargin) {
             double const s = a.At(0.5);
             double const t = b.At(0.5);
             mEvents.push_back({a.t0, a.t1, b.t0, b.t1, s, t, 0.0, 0.0, false});
@@ -181,8 +181,9 @@ private:
         Arms const armsB = ArmsOf(b.c);
         Arms const alongA = DirectionsOf(armsA, mNoise);
         Arms const alongB = DirectionsOf(armsB, mNoise);
-        if (CrossAtAnAngle(alongA, alongB)) {
-            if (FindCrossing(a, b, alongA, alongB)) {
+        double const leastSine = LeastSine(alongA, alongB);
+        if (leastSine > 0.0) {
+            if (FindCrossing(a, b, alongA, alongB, leastSine)) {
                 return true;
             }
         } else {
@@ -218,8 +219,9 @@ private:
         return Min(Min(b0, b1), Min(b2, b3)) > high || Max(Max(b0, b1), Max(b2, b3)) < low;
     }
 
-    /// True when no tangent of A is parallel to one of B.
-    bool CrossAtAnAngle(Arms const& alongA, Arms const& alongB) const {
+    /// A number that no sine of an angle between a tangent of A and one of B is below; 0 where they
+    /// may be parallel.
+    double LeastSine(Arms const& alongA, Arms const& alongB) const {
         double low = std::numeric_limits<double>::infinity();
         double high = -low;
         for (Pt const& a : alongA) {
@@ -229,10 +231,17 @@ private:
                 high = Max(high, cross);
             }
         }
-        double const noise = mNoise * (LongestOf(alongA) + LongestOf(alongB));
-        return low > noise || high < -noise;
+        double const longA = LongestOf(alongA);
+        double const longB = LongestOf(alongB);
+        double const least = Max(low, -high);
+        return least > mNoise * (longA + longB) ? least / (longA * longB) : 0.0;
     }
 
+    /// True when no two directions differ by a right angle or more.
+    static bool IsNarrow(Arms const& along) {
+        return Dot(along[0], along[1]) > 0.0 && Dot(along[1], along[2]) > 0.0 &&
+               Dot(along[0], along[2]) > 0.0;
+    }
     /// A curve that goes on straight beyond its ends, at a parameter.
     static CubicPlace Extended(Cubic const& c, Arms const& along, double t) {
         if (t < 0.0) {
@@ -266,7 +275,8 @@ private:
 
     /// Handles pieces whose tangents are never parallel: they have at most one crossing. Returns
     /// false where it is not found.
-    bool FindCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB) {
+    bool FindCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
+                      double leastSine) {
         Pt const chordA = a.c[3] - a.c[0];
         Pt const chordB = b.c[3] - b.c[0];
         Pt const off = b.c[0] - a.c[0];
@@ -276,36 +286,72 @@ private:
         if (!Solve(a.c, b.c, alongA, alongB, s, t)) {
             return false;
         }
-        AddCrossing(a, b, alongA, alongB, s, t);
+        double const sOn = std::min(std::max(s, 0.0), 1.0);
+        double const tOn = std::min(std::max(t, 0.0), 1.0);
+        if (sOn == s && tOn == t) {
+            AddCrossing(a, b, alongA, alongB, s, t);
+            return true;
+        }
+        // Pieces that bend by less than a right angle lead away from the crossing of their
+        // extensions. So they are as far from each other as the sine times the way to it. As no
+        // tangents are parallel, the nearest places include the end on that way.
+        if (!IsNarrow(alongA) || !IsNarrow(alongB)) {
+            return false;
+        }
+        double const wayA = std::abs(s - sOn) * Taxicab(s < sOn ? alongA[0] : alongA[2]);
+        double const wayB = std::abs(t - tOn) * Taxicab(t < tOn ? alongB[0] : alongB[2]);
+        if (std::max(wayA, wayB) * leastSine <= mAccuracy) {
+            AddNearEnd(a, b, alongA, alongB, s, t);
+        }
         return true;
     }
 
-    /// Adds the event of a crossing of the extended pieces, if it lies on the pieces or near their
-    /// ends.
+    /// Adds the event of a crossing of two pieces.
     void AddCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
                      double s, double t) {
+        AddEvent(a, b, alongA, alongB, s, t, s, t);
+    }
+    /// Adds an event where the pieces' extensions cross at (s, t), if the pieces are near each
+    /// other at their ends.
+    void AddNearEnd(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
+                    double s, double t) {
         double const sOn = std::min(std::max(s, 0.0), 1.0);
-        double tOn = std::min(std::max(t, 0.0), 1.0);
+        double const tOn = std::min(std::max(t, 0.0), 1.0);
+        // The nearest places are an end of one piece and its foot on the other one.
+        double const footOnB = Foot(b.c, PlaceAt(a.c, sOn).point, tOn);
+        double const footOnA = Foot(a.c, PlaceAt(b.c, tOn).point, sOn);
+        double const gapA = Square(PlaceAt(a.c, sOn).point - PlaceAt(b.c, footOnB).point);
+        double const gapB = Square(PlaceAt(a.c, footOnA).point - PlaceAt(b.c, tOn).point);
+        if (std::min(gapA, gapB) <= mAccuracy * mAccuracy) {
+            bool const ofA = gapA <= gapB;
+            AddEvent(a, b, alongA, alongB, ofA ? sOn : footOnA, ofA ? footOnB : tOn, s, t);
+        }
+    }
+    /// The parameter of a piece near `t` at which it is the nearest to a point, by Newton's method.
+    static double Foot(Cubic const& c, Pt const& p, double t) {
+        constexpr int kSteps = 6;
+        for (int i = 0; i < kSteps; ++i) {
+            CubicPlace const place = PlaceAt(c, t);
+            Pt const off = place.point - p;
+            double const flat = 3.0 * Square(place.first);
+            double const bend = flat + 2.0 * Dot(off, place.second);
+            double const step = Dot(off, place.first) / (bend > 0.5 * flat ? bend : flat);
+            double const next = std::min(std::max(t - step, 0.0), 1.0);
+            if (!(std::abs(step) > 0.0) || next == t) { // also for a NaN
+                break;
+            }
+            t = next;
+        }
+        return t;
+    }
+    /// Adds an event at (sOn, tOn) of pieces whose extensions cross at (s, t).
+    void AddEvent(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
+                  double sOn, double tOn, double s, double t) {
         bool const inside = sOn == s && tOn == t;
-        CubicPlace const p = Extended(a.c, alongA, sOn);
-        CubicPlace const q = Extended(b.c, alongB, tOn);
+        CubicPlace const p = PlaceAt(a.c, sOn);
+        CubicPlace const q = PlaceAt(b.c, tOn);
         Pt const first = p.first.Null() ? (sOn < 0.5 ? alongA[0] : alongA[2]) : p.first;
         Pt const second = q.first.Null() ? (tOn < 0.5 ? alongB[0] : alongB[2]) : q.first;
-        double s1 = sOn;
-        if (!inside) {
-            // The nearest place: an end of one piece, and its foot on the other one.
-            if (sOn != s) {
-                tOn += Dot(p.point - q.point, second) / (3.0 * Square(second));
-                tOn = std::min(std::max(tOn, 0.0), 1.0);
-            } else {
-                s1 += Dot(q.point - p.point, first) / (3.0 * Square(first));
-                s1 = std::min(std::max(s1, 0.0), 1.0);
-            }
-            Pt const gap = PlaceAt(a.c, s1).point - PlaceAt(b.c, tOn).point;
-            if (!(Square(gap) <= mAccuracy * mAccuracy)) {
-                return;
-            }
-        }
         double const cross = Cross(second, first);
         // A piece of B that runs against B has decreasing parameters.
         double const side = (cross > 0.0) == (b.t0 <= b.t1) ? kCertain : -kCertain;
@@ -313,11 +359,11 @@ private:
         double const lengthA = std::sqrt(Square(first));
         double const lengthB = std::sqrt(Square(second));
         double const reach = 2.0 * mAccuracy * lengthA * lengthB / std::abs(cross);
-        Stretch const onA = Around(a.c, s1, lengthA, reach);
+        Stretch const onA = Around(a.c, sOn, lengthA, reach);
         Stretch const onB = Around(b.c, tOn, lengthB, reach);
         bool const against = Dot(first, second) < 0.0;
         mEvents.push_back({a.At(onA.low), a.At(onA.high), b.At(against ? onB.high : onB.low),
-                           b.At(against ? onB.low : onB.high), a.At(s1), b.At(tOn),
+                           b.At(against ? onB.low : onB.high), a.At(sOn), b.At(tOn),
                            s > 0.0 ? -side : 0.0, s < 1.0 ? side : 0.0, inside});
     }
 
@@ -414,7 +460,9 @@ private:
         // Points of equal parameter differ in x, which makes them differ in y along B's slope.
         low -= slope * greatestX;
         high += slope * greatestX;
-        if (low > mMargin || high < -mMargin) {
+        // Along y the graphs are farther apart than the shortest way, by the slope.
+        double const margin = mMargin * (1.0 + 0.5 * slope * slope);
+        if (low > margin || high < -margin) {
             return Outcome::kDone;
         }
         bool const reversed = b.t1 < b.t0;

@@ -90,11 +90,31 @@ private:
     double mHigh;
 };
 
-/// True when the curves coincide along the stretch.
-bool Coincide(Gap const& gap, CurveMeet const& m, double accuracy) {
+/// Sets an end of an overlap and the parameter beside it, so that both points are within the
+/// accuracy of each other. `near` is a parameter of the overlap that is so near to the other curve.
+void SettleEnd(Gap const& gap, double near, double accuracy, double& s, double& t) {
+    if (gap.Distance(s, t) <= accuracy) {
+        return;
+    }
+    double far = s;
+    t = gap.Beside(s);
+    constexpr int kBisections = 40;
+    for (int i = 0; i < kBisections && !(gap.Distance(s, t) <= accuracy); ++i) {
+        // The last step takes the place that is known to be near.
+        s = i + 1 < kBisections ? 0.5 * (far + near) : near;
+        t = gap.Beside(s);
+        far = s;
+    }
+}
+
+/// True when the curves coincide along the stretch. Its ends are then as near to each other as the
+/// accuracy.
+bool Coincide(Gap const& gap, CurveMeet& m, double accuracy) {
     // Lengths decide, not parameters, as these crowd at a control point on an end.
     double near = 0.0;
     double all = 0.0;
+    double firstNear = m.s1;
+    double lastNear = m.s0;
     Pt last = gap.PointOfA(m.s0);
     for (int i = 0; i < kSamples; ++i) {
         double const step = (m.s1 - m.s0) / kSamples;
@@ -103,9 +123,21 @@ bool Coincide(Gap const& gap, CurveMeet const& m, double accuracy) {
         double const length = Taxicab(next - last);
         last = next;
         all += length;
-        near += gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy ? length : 0.0;
+        if (gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy) {
+            near += length;
+            firstNear = std::min(firstNear, s);
+            lastNear = std::max(lastNear, s);
+        }
     }
-    return near >= kCoincidentPart * all;
+    if (!(near >= kCoincidentPart * all) || firstNear > lastNear) {
+        return false;
+    }
+    // Both ends are settled before either is stored, as the gap refers to the stretch.
+    CurveMeet settled = m;
+    SettleEnd(gap, firstNear, accuracy, settled.s0, settled.t0);
+    SettleEnd(gap, lastNear, accuracy, settled.s1, settled.t1);
+    m = settled;
+    return true;
 }
 
 /// Sets the place of a stretch to where the curves are nearest to each other.

@@ -35,7 +35,6 @@ using trammel_detail::HowTheyPass;
 using trammel_detail::HowTheyPassAlong;
 using trammel_detail::IsFinite;
 using trammel_detail::IsShort;
-using trammel_detail::OutlineRun;
 using trammel_detail::OutlineSegment;
 using trammel_detail::PartOf;
 using trammel_detail::Passing;

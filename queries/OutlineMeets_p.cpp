@@ -53,7 +53,7 @@ private:
         double const limit = radius * radius;
         double near = mT;
         double step = (mForward ? 0.25 : -0.25) * radius / PolygonLength(c);
-        double far = near;
+        double far;
         while (true) {
             far = std::abs(end - near) <= std::abs(step) || !(step == step) ? end : near + step;
             mPoint = PlaceAt(c, far).point;

@@ -2,6 +2,7 @@
 
 #include "Intersections.h"
 
+#include "AccurateCurve.h"
 #include "CMatrix3x3.h"
 #include "IntersectionsJudge.h"
 #include "TestSupport.h"
@@ -310,6 +311,68 @@ TEST(Intersections, LieWithinTheAccuracyOfBoth) {
             EXPECT_LE(Distance(a.TPt(p.a.endT), b.TPt(p.b.endT)), kept * (1 + 1e-6) + 1e-13);
             EXPECT_EQ(p.point, a.TPt(p.a.t));
             EXPECT_EQ(p.endPoint, a.TPt(p.a.endT));
+        }
+    }
+}
+
+TEST(Intersections, TellWhereCurvesComeWithinAQuarterOfTheAccuracy) {
+    Random random(8);
+    for (int i = 0; i < 6000; ++i) {
+        CBezier const a = random.Curve();
+        CBezier b = random.Curve();
+        double const accuracy = std::pow(10.0, random.Between(-10, -1));
+        // A parameter of either curve, now and then an end.
+        double const s = i % 3 == 0 ? i % 2 : random.Between(0, 1);
+        double const t = i % 5 == 0 ? i % 2 : random.Between(0, 1);
+        if (i % 2 == 1) { // with nearly the same tangent there
+            auto const angle = [](CBezier const& c, double at) {
+                return (c.TPt(at + 1e-6) - c.TPt(at - 1e-6)).Angle();
+            };
+            b.Rotate(angle(a, s) - angle(b, t) + std::pow(10.0, random.Between(-9, 0)));
+        }
+        double const turn = random.Between(0, 7);
+        Pt const gap = Pt(std::cos(turn), std::sin(turn)) * (accuracy * random.Between(0, 0.249));
+        b += a.TPt(s) - b.TPt(t) + gap;
+        Pt const there = a.TPt(s);
+        bool told = false;
+        for (Intersection const& p : Intersections(a, b, accuracy)) {
+            // The curves stay within the accuracy all the way from the place that is told.
+            bool connected =
+                Distance(p.point, there) < 5 * accuracy || (p.a.t <= s && s <= p.a.endT);
+            if (!connected) {
+                connected = true;
+                for (int k = 0; k <= 50 && connected; ++k) {
+                    Pt const between = a.TPt(s + (p.a.t - s) * k / 50);
+                    connected = trammel::NearestPoint(b, between, accuracy / 1000).distance <=
+                                1.01 * accuracy;
+                }
+            }
+            told = told || connected;
+        }
+        EXPECT_TRUE(told) << i;
+    }
+}
+
+TEST(Intersections, OfTheSamePointsInAnotherOrderEndWithinTheAccuracy) {
+    // The curves share ends and handles, which are off by up to 1.
+    Random random(9);
+    for (int i = 0; i < 1000; ++i) {
+        Pt const points[] = {random.Point(), random.Point(), random.Point()};
+        auto const pick = [&] {
+            double const off = std::pow(10.0, random.Between(-16, 0));
+            return points[static_cast<std::size_t>(random.Between(0, 3))] +
+                   Pt(random.Between(-off, off), random.Between(-off, off));
+        };
+        CBezier const a(pick(), pick(), pick(), pick());
+        CBezier const b(pick(), pick(), pick(), pick());
+        double const accuracy = std::pow(10.0, random.Between(-12, 1));
+        Places places;
+        double const kept = AppendIntersections(a, b, accuracy, places);
+        EXPECT_GE(kept, accuracy);
+        EXPECT_LE(places.size(), 9U);
+        for (Intersection const& p : places) {
+            EXPECT_LE(Distance(a.TPt(p.a.t), b.TPt(p.b.t)), kept * (1 + 1e-6) + 1e-13);
+            EXPECT_LE(Distance(a.TPt(p.a.endT), b.TPt(p.b.endT)), kept * (1 + 1e-6) + 1e-13);
         }
     }
 }
