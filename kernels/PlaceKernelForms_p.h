@@ -66,12 +66,12 @@ template <class Vector>
 
 /// See CurvePieces.
 template <class Vector>
-[[gnu::always_inline]] inline int CurvePiecesForm(double const* p,
+[[gnu::always_inline]] inline int CurvePiecesForm(double const* p, Scale scale,
                                                   LengthPiece (&pieces)[kMostPieces],
                                                   double const (&table)[kGaussEntries]) {
     SpeedCurve curve =
         SpeedCurveOf(p[3] - p[1], p[2] - p[0], p[5] - p[3], p[4] - p[2], p[7] - p[5], p[6] - p[4]);
-    if (!(curve.size >= kLeastMeasured && curve.size <= kGreatestMeasured)) {
+    if (!IsMeasurable(curve.size, scale)) {
         return 0;
     }
     ZeroPlaces const zeros(curve);
@@ -116,12 +116,12 @@ static_assert(kEnoughPart + kPieceLengthPart + (kMostStretches - 1) * kStretchPa
 
 /// See PieceParameter.
 template <class Vector>
-[[gnu::always_inline]] inline double PieceParameterForm(double const* p, LengthPiece const& piece,
-                                                        double length,
+[[gnu::always_inline]] inline double PieceParameterForm(double const* p, Scale scale,
+                                                        LengthPiece const& piece, double length,
                                                         double const (&table)[kGaussEntries]) {
     SpeedCurve const curve =
         SpeedCurveOf(p[3] - p[1], p[2] - p[0], p[5] - p[3], p[4] - p[2], p[7] - p[5], p[6] - p[4]);
-    if (!(curve.size >= kLeastMeasured && curve.size <= kGreatestMeasured)) {
+    if (!IsMeasurable(curve.size, scale)) {
         return __builtin_nan("");
     }
     double const target = Quantized(length, curve.size);

@@ -7,14 +7,14 @@
 
 namespace trammel_detail {
 
-int CurvePiecesAvx2(double const* points, LengthPiece (&pieces)[kMostPieces],
+int CurvePiecesAvx2(double const* points, Scale scale, LengthPiece (&pieces)[kMostPieces],
                     double const (&table)[kGaussEntries]) {
-    return CurvePiecesForm<WideDouble4>(points, pieces, table);
+    return CurvePiecesForm<WideDouble4>(points, scale, pieces, table);
 }
 
-double PieceParameterAvx2(double const* points, LengthPiece const& piece, double length,
-                          double const (&table)[kGaussEntries]) {
-    return PieceParameterForm<WideDouble4>(points, piece, length, table);
+double PieceParameterAvx2(double const* points, Scale scale, LengthPiece const& piece,
+                          double length, double const (&table)[kGaussEntries]) {
+    return PieceParameterForm<WideDouble4>(points, scale, piece, length, table);
 }
 
 } // namespace trammel_detail

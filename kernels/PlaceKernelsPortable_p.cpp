@@ -6,14 +6,14 @@
 
 namespace trammel_detail {
 
-int CurvePiecesPortable(double const* points, LengthPiece (&pieces)[kMostPieces],
+int CurvePiecesPortable(double const* points, Scale scale, LengthPiece (&pieces)[kMostPieces],
                         double const (&table)[kGaussEntries]) {
-    return CurvePiecesForm<Double4>(points, pieces, table);
+    return CurvePiecesForm<Double4>(points, scale, pieces, table);
 }
 
-double PieceParameterPortable(double const* points, LengthPiece const& piece, double length,
-                              double const (&table)[kGaussEntries]) {
-    return PieceParameterForm<Double4>(points, piece, length, table);
+double PieceParameterPortable(double const* points, Scale scale, LengthPiece const& piece,
+                              double length, double const (&table)[kGaussEntries]) {
+    return PieceParameterForm<Double4>(points, scale, piece, length, table);
 }
 
 } // namespace trammel_detail

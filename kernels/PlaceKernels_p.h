@@ -53,32 +53,45 @@ inline constexpr double kQuantum = 0x1p-42;
     return (length + round) - round;
 }
 
-int CurvePiecesPortable(double const* points, LengthPiece (&pieces)[kMostPieces],
-                        double const (&table)[kGaussEntries]);
-int CurvePiecesAvx2(double const* points, LengthPiece (&pieces)[kMostPieces],
-                    double const (&table)[kGaussEntries]);
-
-/// Stores the pieces of a cubic in order and returns their number, 1 or more. Returns 0 when its
-/// size is not from kLeastMeasured to kGreatestMeasured. `points` holds the coordinates v and h of
-/// its four control points in turn.
-[[gnu::always_inline]] inline int CurvePieces(double const* points,
-                                              LengthPiece (&pieces)[kMostPieces],
-                                              double const (&table)[kGaussEntries]) {
-    return Dispatch<CurvePiecesPortable, CurvePiecesAvx2>(points, pieces, table);
+/// How the points of a curve came about.
+enum class Scale {
+    kAny,    ///< they are of any magnitude
+    kScaled, ///< they were brought to an ordinary magnitude (ScaledPoints)
+};
+/// True when a curve of the size can be measured. The size of a curve with scaled points is less
+/// than kLeastMeasured where the points lie close together, but no less than 2^-156.
+[[gnu::always_inline]] inline bool IsMeasurable(double size, Scale scale) {
+    return scale == Scale::kScaled ? size > 0.0
+                                   : size >= kLeastMeasured && size <= kGreatestMeasured;
 }
 
-double PieceParameterPortable(double const* points, LengthPiece const& piece, double length,
-                              double const (&table)[kGaussEntries]);
-double PieceParameterAvx2(double const* points, LengthPiece const& piece, double length,
-                          double const (&table)[kGaussEntries]);
+int CurvePiecesPortable(double const* points, Scale scale, LengthPiece (&pieces)[kMostPieces],
+                        double const (&table)[kGaussEntries]);
+int CurvePiecesAvx2(double const* points, Scale scale, LengthPiece (&pieces)[kMostPieces],
+                    double const (&table)[kGaussEntries]);
+
+/// Stores the pieces of a cubic in order and returns their number, 1 or more. Returns 0 when the
+/// curve is not measurable. `points` holds the coordinates v and h of
+/// its four control points in turn.
+[[gnu::always_inline]] inline int CurvePieces(double const* points, Scale scale,
+                                              LengthPiece (&pieces)[kMostPieces],
+                                              double const (&table)[kGaussEntries]) {
+    return Dispatch<CurvePiecesPortable, CurvePiecesAvx2>(points, scale, pieces, table);
+}
+
+double PieceParameterPortable(double const* points, Scale scale, LengthPiece const& piece,
+                              double length, double const (&table)[kGaussEntries]);
+double PieceParameterAvx2(double const* points, Scale scale, LengthPiece const& piece,
+                          double length, double const (&table)[kGaussEntries]);
 
 /// Returns the parameter at which a length on a piece is reached, counted from the piece's start.
 /// The piece has a formula, and `length` is from 0 to the piece's length, give or take rounding.
-/// Returns NaN when the curve's size is not from kLeastMeasured to kGreatestMeasured.
-[[gnu::always_inline]] inline double PieceParameter(double const* points, LengthPiece const& piece,
-                                                    double length,
+/// Returns NaN when the curve is not measurable.
+[[gnu::always_inline]] inline double PieceParameter(double const* points, Scale scale,
+                                                    LengthPiece const& piece, double length,
                                                     double const (&table)[kGaussEntries]) {
-    return Dispatch<PieceParameterPortable, PieceParameterAvx2>(points, piece, length, table);
+    return Dispatch<PieceParameterPortable, PieceParameterAvx2>(points, scale, piece, length,
+                                                                table);
 }
 
 } // namespace trammel_detail

@@ -29,6 +29,7 @@ using trammel_detail::kPieceLengthPart;
 using trammel_detail::kPlacePart;
 using trammel_detail::LengthPiece;
 using trammel_detail::Quantized;
+using trammel_detail::Scale;
 
 /// Returns 0, or NaN for a point with a coordinate that is not finite.
 double Zero(Pt const& p) { return p.h * 0.0 + p.v * 0.0; }
@@ -37,13 +38,14 @@ double Zero(Pt const& p) { return p.h * 0.0 + p.v * 0.0; }
 class Pieces {
 public:
     explicit Pieces(CBezier const& curve)
-        : mCount(trammel_detail::CurvePieces(&curve.P0.v, mPieces,
+        : mCount(trammel_detail::CurvePieces(&curve.P0.v, Scale::kAny, mPieces,
                                              trammel_detail::kGaussTable.entries)) {
         if (mCount > 0) {
             return;
         }
         trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
-        mCount = trammel_detail::CurvePieces(&p[0].v, mPieces, trammel_detail::kGaussTable.entries);
+        mCount = trammel_detail::CurvePieces(&p[0].v, Scale::kScaled, mPieces,
+                                             trammel_detail::kGaussTable.entries);
         for (int i = 0; i < mCount; ++i) {
             mPieces[i].length = p.Up(mPieces[i].length);
         }
@@ -71,7 +73,7 @@ private:
 /// piece's start.
 double ParameterAt(CBezier const& curve, LengthPiece const& piece, double length) {
     if (piece.formula >= 0) {
-        double const t = trammel_detail::PieceParameter(&curve.P0.v, piece, length,
+        double const t = trammel_detail::PieceParameter(&curve.P0.v, Scale::kAny, piece, length,
                                                         trammel_detail::kGaussTable.entries);
         if (!std::isnan(t)) {
             return t;
@@ -80,7 +82,7 @@ double ParameterAt(CBezier const& curve, LengthPiece const& piece, double length
     trammel_detail::ScaledPoints<4> const p = trammel_detail::Measured(curve);
     if (piece.formula >= 0) {
         LengthPiece const scaled = {piece.from, piece.to, p.Down(piece.length), piece.formula};
-        return trammel_detail::PieceParameter(&p[0].v, scaled, p.Down(length),
+        return trammel_detail::PieceParameter(&p[0].v, Scale::kScaled, scaled, p.Down(length),
                                               trammel_detail::kGaussTable.entries);
     }
     trammel_detail::Speed speed = trammel_detail::SpeedOf(p);

@@ -20,6 +20,7 @@ using trammel_detail::Double4;
 using trammel_detail::kGaussTable;
 using trammel_detail::kMostPieces;
 using trammel_detail::LengthPiece;
+using trammel_detail::Scale;
 
 /// One curve with its pieces.
 struct Subject {
@@ -32,8 +33,8 @@ struct Subject {
         : curve(c),
           speed(trammel_detail::SpeedCurveOf(c.P1.h - c.P0.h, c.P1.v - c.P0.v, c.P2.h - c.P1.h,
                                              c.P2.v - c.P1.v, c.P3.h - c.P2.h, c.P3.v - c.P2.v)),
-          count(
-              trammel_detail::CurvePiecesForm<Double4>(&curve.P0.v, pieces, kGaussTable.entries)) {}
+          count(trammel_detail::CurvePiecesForm<Double4>(&curve.P0.v, Scale::kAny, pieces,
+                                                         kGaussTable.entries)) {}
     Wide Bound(double part) const {
         return Widened(speed.size) * Widened(part + trammel_detail::kLengthRounding);
     }
@@ -128,7 +129,7 @@ TEST(PieceParameter, LengthUpToThePlaceIsRight) {
             double const length = trammel_detail::Quantized(
                 (random.Integer(0, 1) == 0 ? part : 1 - part) * piece.length, s.speed.size);
             double const t = trammel_detail::PieceParameterForm<Double4>(
-                &s.curve.P0.v, piece, length, kGaussTable.entries);
+                &s.curve.P0.v, Scale::kAny, piece, length, kGaussTable.entries);
             // A length may be rounded beyond the piece, whose end it is then.
             EXPECT_LE(Off(std::min(length, piece.length),
                           TrueLength(s.curve, Widened(piece.from), Widened(t))),

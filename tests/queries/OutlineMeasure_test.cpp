@@ -285,7 +285,8 @@ TEST(OutlineMeasure, ScaledOutlineHasTheSamePlaces) {
     for (int i = 0; i < 60; ++i) {
         CBezier const c = AnyCurve(random);
         OutlineMeasure const measure(PathOf(c));
-        for (int const exponent : {-500, -60, 60, 500}) {
+        for (int const exponent :
+             {-500, -109, -108, -107, -106, -105, -60, 60, 92, 93, 94, 95, 96, 500}) {
             OutlineMeasure const scaled(PathOf(c * std::ldexp(1.0, exponent)));
             ASSERT_EQ(scaled.Length(), std::ldexp(measure.Length(), exponent));
             for (double const t : {0.1, 0.3, 0.77}) {
@@ -299,6 +300,15 @@ TEST(OutlineMeasure, ScaledOutlineHasTheSamePlaces) {
             }
         }
     }
+}
+
+TEST(OutlineMeasure, TinyCurveBesideItsDistanceFromTheOriginIsMeasured) {
+    Pt const far(0x1p-95, 0x1p-94);
+    CBezier const c = CBezier({0, 0}, {1, 3}, {6, -4}, {10, 0}) * 0x1p-120 + far;
+    EXPECT_EQ(OutlineMeasure(PathOf(c)).Length(),
+              0x1p-120 * OutlineMeasure(PathOf((c - far) * 0x1p120)).Length());
+    EXPECT_EQ(OutlineMeasure(PathOf(c)).At(0.3).parameter,
+              OutlineMeasure(PathOf((c - far) * 0x1p120)).At(0.3).parameter);
 }
 
 TEST(OutlineMeasure, PlacesAreRightFarFromTheOrigin) {
