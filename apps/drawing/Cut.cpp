@@ -4,17 +4,23 @@
 
 #include "Outlines.h"
 
-#include <algorithm>
-#include <vector>
+#include <trammel/OutlineMeasure.h>
+#include <trammel/PathSegments.h>
+
+#include <limits>
 
 namespace tool {
 
 namespace {
 
-/// Appends a piece unless it is nothing but a move.
-void AddPiece(CPath& path, CPath const& piece) {
-    if (piece.Length() != 0.0) {
-        AppendElements(path, piece);
+/// Goes on with the segments of a piece that begins at the path's last point.
+void Continue(CPath& path, CPath const& piece) {
+    for (trammel::PathSegment const& segment : trammel::Segments(piece)) {
+        if (segment.IsCurve()) {
+            AddCurve(path, segment.control1, segment.control2, segment.end);
+        } else {
+            path.LineTo(segment.end);
+        }
     }
 }
 
@@ -22,34 +28,37 @@ void AddPiece(CPath& path, CPath const& piece) {
 
 Pieces CutPath(CPath const& path, double from, double to) {
     Pieces pieces;
-    double const total = path.Length();
+    double const total = trammel::OutlineMeasure(path).Length();
     if (!(total > 0.0)) {
         pieces.rest = path;
         return pieces;
     }
     double const begin = from * total;
-    double const end = to * total;
+    double const end = to >= 1.0 ? std::numeric_limits<double>::infinity() : to * total;
     double before = 0.0;
     for (CPath const& subpath : Subpaths(path)) {
-        double const length = subpath.Length();
-        double const after = before + length;
-        if (begin <= before && (after <= end || to >= 1.0)) {
+        trammel::OutlineMeasure const measure(subpath);
+        double const length = measure.Length();
+        double const start = begin - before;
+        double const stop = end - before;
+        before += length;
+        if (start <= 0.0 && stop >= length) {
             AppendElements(pieces.cut, subpath);
-        } else if (after <= begin || end <= before || length == 0.0) {
+        } else if (length <= start || stop <= 0.0 || length == 0.0) {
             AppendElements(pieces.rest, subpath);
         } else {
-            double const t0 = std::max((begin - before) / length, 0.0);
-            double const t1 = to >= 1.0 ? 1.0 : std::min((end - before) / length, 1.0);
-            CPath middle;
-            subpath.GetTRange(t0, t1, middle);
-            AddPiece(pieces.cut, middle);
+            measure.GetLengthRange(start, stop, pieces.cut);
             CPath first;
-            CPath second;
-            subpath.RemoveTRange(t0, t1, first, second);
-            AddPiece(pieces.rest, first);
-            AddPiece(pieces.rest, second);
+            CPath last;
+            measure.GetLengthRange(0.0, start, first);
+            measure.GetLengthRange(stop, length, last);
+            if (subpath.Closed() && !first.mCtls.empty() && !last.mCtls.empty()) {
+                Continue(last, first);
+                first = CPath();
+            }
+            AppendElements(pieces.rest, first);
+            AppendElements(pieces.rest, last);
         }
-        before = after;
     }
     return pieces;
 }

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <system_error>
 
 namespace tool {
@@ -153,6 +154,32 @@ std::string Figure(double number) {
                                            std::chars_format::general, 8);
     return code == std::errc() ? std::string(buffer.data(), end) : std::string();
 }
+
+double DigitAccuracy(double error) {
+    double const place = std::ceil(std::log10(2.0 * error));
+    return std::isfinite(place) ? std::pow(10.0, place) : 0.0;
+}
+
+double RoundedTo(double number, double accuracy) {
+    double const place = std::round(std::log10(accuracy));
+    if (!std::isfinite(place) || !std::isfinite(number)) {
+        return number;
+    }
+    double rounded = number;
+    if (place > 0.0) {
+        double const unit = std::pow(10.0, place);
+        rounded = std::round(number / unit) * unit;
+    } else {
+        // All digits of the greatest double, and all decimal places that an accuracy asks for.
+        std::array<char, 800> buffer{};
+        auto const [end, code] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                               std::chars_format::fixed, -static_cast<int>(place));
+        std::from_chars(buffer.data(), end, rounded);
+    }
+    return rounded == 0.0 ? 0.0 : rounded; // no "-0"
+}
+
+std::string Figure(double number, double accuracy) { return Figure(RoundedTo(number, accuracy)); }
 
 std::string Exact(double number) {
     std::array<char, 64> buffer{};

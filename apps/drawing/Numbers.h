@@ -72,6 +72,15 @@ TPoint<double> PointOf(std::string const& option, std::string const& text);
 
 /// Returns a number for people: up to eight significant digits.
 std::string Figure(double number);
+/// Returns the accuracy of figures that are rounded to decimal places, of which the last one may be
+/// off by one: the least power of ten that is twice the `error` before rounding. 0 for 0, infinity
+/// and NaN.
+double DigitAccuracy(double error);
+/// Returns the number rounded to the decimal place that the accuracy, a power of ten, names. An
+/// accuracy of 0 leaves the number as it is.
+double RoundedTo(double number, double accuracy);
+/// Returns a number for people: up to eight significant digits, and none below the accuracy.
+std::string Figure(double number, double accuracy);
 /// Returns the shortest text that reads back to the same number.
 std::string Exact(double number);
 

@@ -2,13 +2,16 @@
 
 #include "Outlines.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/CBezier.h>
 #include <trammel/CMatrix3x3.h>
 #include <trammel/CPathActions.h>
+#include <trammel/PathSegments.h>
 #include <trammel/TLine.h>
 #include <trammel/UScalar.h>
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tool {
@@ -19,6 +22,13 @@ typedef TPoint<double> Pt;
 
 /// The deviation of a fine flattening, as a share of the figure's size.
 constexpr double kFineShare = 1e-6;
+
+/// The rounding of the accurate figures of one outline, as a share of its length and of its
+/// greatest coordinate: twice the greatest bound that a query states, which is 2^-42.
+constexpr double kFigureShare = 0x1p-41;
+
+/// From this share of its terms on, the rounding of a sum counts: 2^-52 for each of them.
+constexpr double kSumShare = 0x1p-9;
 
 /// Two crossings of a clipped line are the same within this share of its length. Subpaths that meet
 /// give the same crossing with different rounding.
@@ -60,20 +70,6 @@ private:
     }
 };
 
-/// Grows bounds by the points that lie on the outline, and collects the curves that reach beyond.
-class EndPointBounds : public CPathActions {
-public:
-    std::vector<Pt> points;
-    std::vector<CBezier> curves;
-
-    void MoveTo(Pt const& p) override { points.push_back(p); }
-    void LineTo(Pt const& p) override { points.push_back(p); }
-    void CurveTo(Pt const& c1, Pt const& c2, Pt const& e) override {
-        points.push_back(e);
-        curves.emplace_back(GetCurrentPt(), c1, c2, e);
-    }
-};
-
 /// The bounds of points, the origin included. A rectangle cannot hold the origin alone: it is null
 /// then, and a null rectangle takes the next point for its first.
 TRect<double> BoundsOf(std::vector<Pt> const& points) {
@@ -95,7 +91,7 @@ public:
     void MoveTo(Pt const& p) override { polygons.emplace_back().Append(p, true); }
     void LineTo(Pt const& p) override { Current().AppendUnique(p); }
     void CurveTo(Pt const& c1, Pt const& c2, Pt const& e) override {
-        CBezier(GetCurrentPt(), c1, c2, e).Flatten(Current(), mError);
+        trammel::FlattenWithin(CBezier(GetCurrentPt(), c1, c2, e), mError, Current());
     }
     void ClosePath() override { Current().Close(); }
 
@@ -107,37 +103,6 @@ private:
         return polygons.back();
     }
     double mError;
-};
-
-class HitTester : public CPathActions {
-public:
-    HitTester(Pt const& p, double tolerance) : mPoint(p), mTolerance(tolerance) {}
-    bool hit = false;
-
-    void LineTo(Pt const& p) override { Segment(p); }
-    void CurveTo(Pt const& c1, Pt const& c2, Pt const& e) override {
-        hit = hit || CBezier(GetCurrentPt(), c1, c2, e).HitTest(mPoint, mTolerance);
-    }
-    void ClosePath() override { Segment(GetStartPt()); }
-
-private:
-    void Segment(Pt const& end) {
-        hit = hit || TLine<double>(GetCurrentPt(), end).HitTest(mPoint, mTolerance);
-    }
-    Pt mPoint;
-    double mTolerance;
-};
-
-/// Sets the flattening error of the curves' hit test for its own lifetime.
-class CurveErrorScope {
-public:
-    explicit CurveErrorScope(double error) : mOld(CBezier::SetCurveError(error)) {}
-    ~CurveErrorScope() { CBezier::SetCurveError(mOld); }
-    CurveErrorScope(CurveErrorScope const&) = delete;
-    CurveErrorScope& operator=(CurveErrorScope const&) = delete;
-
-private:
-    double mOld;
 };
 
 /// Returns the polygon, beginning with another vertex than the origin if it has one. Containment
@@ -187,7 +152,7 @@ std::vector<CPath> Subpaths(CPath const& path) {
 CPath WithoutDots(CPath const& path) {
     CPath out;
     for (CPath const& subpath : Subpaths(path)) {
-        if (subpath.Length() != 0.0) {
+        if (trammel::ArcLength(subpath, 0.0) != 0.0) {
             AppendElements(out, subpath);
         }
     }
@@ -196,6 +161,10 @@ CPath WithoutDots(CPath const& path) {
 
 TRect<double> Around(TRect<double> const& a, TRect<double> const& b) { return a | b; }
 
+double FigureAccuracy(CPath const& path, Pt const& p) {
+    return FigureAccuracy(path) + std::max(std::abs(p.h), std::abs(p.v)) * kFigureShare;
+}
+
 double FineError(TRect<double> const& bounds) {
     return std::max(bounds.Width(), bounds.Height()) * kFineShare;
 }
@@ -203,22 +172,29 @@ double FineError(TRect<double> const& bounds) {
 TRect<double> ControlBounds(CPath const& path) { return BoundsOf(path.mPts); }
 
 TRect<double> DrawnBounds(CPath const& path) {
-    EndPointBounds ends;
-    path.ForAll(ends);
-    if (ends.points.empty()) {
-        return TRect<double>();
+    bool const drawn = trammel::Segments(path).begin() != trammel::Segments(path).end();
+    // A dot has bounds, too: those of its point.
+    return drawn ? trammel::TightBounds(path) : ControlBounds(path);
+}
+
+double FigureAccuracy(CPath const& path) {
+    // Scaled before it is summed up, so that the sum is finite wherever the figures are.
+    double sum = 0.0;
+    double farthest = 0.0;
+    std::size_t count = 0;
+    auto const take = [&](Pt const& from, Pt const& to) {
+        sum += ((to - from) * kFigureShare).Length();
+        farthest = std::max({farthest, std::abs(to.h), std::abs(to.v)});
+        ++count;
+    };
+    for (trammel::PathSegment const& segment : trammel::Segments(path)) {
+        take(segment.start, segment.start);
+        take(segment.start, segment.control1);
+        take(segment.control1, segment.control2);
+        take(segment.control2, segment.end);
     }
-    TRect<double> bounds = BoundsOf(ends.points);
-    double const error = FineError(ControlBounds(path));
-    for (CBezier const& curve : ends.curves) {
-        // A curve lies within its control points, so most curves need no flattening.
-        if (!bounds.Contains(curve.Extents())) {
-            TPolygon<double> polygon;
-            curve.Flatten(polygon, error);
-            bounds |= polygon.Bounds();
-        }
-    }
-    return bounds;
+    double const growth = std::max(1.0, static_cast<double>(count) * kSumShare);
+    return (sum + farthest * kFigureShare) * growth;
 }
 
 std::vector<TPolygon<double>> Flatten(CPath const& path, double error) {
@@ -303,14 +279,6 @@ TRect<double> Area::Bounds() const {
         bounds |= polygon.Bounds();
     }
     return bounds;
-}
-
-bool HitsOutline(CPath const& path, Pt const& p, double tolerance) {
-    double const fine = FineError(ControlBounds(path));
-    CurveErrorScope const scope(std::max(fine, tolerance / 16.0));
-    HitTester tester(p, tolerance);
-    path.ForAll(tester);
-    return tester.hit;
 }
 
 } // namespace tool

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-// Outlines as the commands need them: joined, taken apart into subpaths, and flattened. All figures
-// come from the library. The functions here visit a path's elements and hand them over.
+// Outlines as the commands need them: joined, taken apart into subpaths, flattened and searched.
+// All figures come from the library's accurate queries. The functions here visit a path's elements
+// and hand them over.
 
 #ifndef TRAMMEL_APP_OUTLINES_H
 #define TRAMMEL_APP_OUTLINES_H
@@ -31,8 +32,7 @@ std::vector<CPath> Subpaths(CPath const& path);
 /// fractions.
 CPath WithoutDots(CPath const& path);
 
-/// Returns the bounds of the outline as drawn, to within a millionth of its size. They are null for
-/// an empty path.
+/// Returns the bounds of the outline as drawn, right to rounding. They are null for an empty path.
 TRect<double> DrawnBounds(CPath const& path);
 
 /// Returns the bounds of all points, control points included. The origin counts like any other
@@ -42,11 +42,17 @@ TRect<double> ControlBounds(CPath const& path);
 /// Returns the smallest rectangle around both. A null rectangle stands for nothing.
 TRect<double> Around(TRect<double> const& a, TRect<double> const& b);
 
+/// Returns the accuracy of the accurate figures of the outline, in coordinate units. Its length,
+/// its bounds and places on it are off by no more, all by rounding.
+double FigureAccuracy(CPath const& path);
+/// Returns the accuracy of the figures of the outline and a point.
+double FigureAccuracy(CPath const& path, TPoint<double> const& p);
+
 /// Returns a flattening error that is too fine to be seen in a figure of this size.
 double FineError(TRect<double> const& bounds);
 
-/// Returns one polygon for each subpath, with curves flattened to `error`. It is closed if the
-/// subpath is.
+/// Returns one polygon for each subpath, whose lines are within `error` of the curves. It is closed
+/// if the subpath is.
 std::vector<TPolygon<double>> Flatten(CPath const& path, double error);
 
 /// Returns the polygons as a path.
@@ -69,10 +75,6 @@ public:
 private:
     std::vector<TPolygon<double>> mPolygons;
 };
-
-/// True when `p` is within `tolerance` of the drawn outline, by the library's hit tests of lines
-/// and curves.
-bool HitsOutline(CPath const& path, TPoint<double> const& p, double tolerance);
 
 } // namespace tool
 

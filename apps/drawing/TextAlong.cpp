@@ -4,9 +4,9 @@
 
 #include "Error.h"
 #include "Numbers.h"
-#include "Tracer.h"
 
 #include <trammel/CMatrix3x3.h>
+#include <trammel/OutlineMeasure.h>
 
 #include <map>
 
@@ -106,27 +106,28 @@ std::vector<Outline> TextAlong(Font const& font, std::string const& words, doubl
                                CPath const& along, double start) {
     Line const line = LayOut(font, words);
     double const scale = size / font.UnitsPerEm();
-    Tracer const tracer(along);
-    if (!(tracer.Length() > 0.0)) {
+    trammel::OutlineMeasure const measure(along);
+    if (!(measure.Length() > 0.0)) {
         throw Error("", "", "the outline has no length");
     }
     double const end = start + line.width * scale;
-    if (!(end <= tracer.Length())) {
+    if (!(end <= measure.Length())) {
         throw Error("", "",
                     "the words end at " + Figure(end) + ", the outline at " +
-                        Figure(tracer.Length()));
+                        Figure(measure.Length()));
     }
     std::vector<Outline> outlines;
     std::size_t number = 0;
     for (Placed const& placed : line.placed) {
         double const half = placed.glyph->advance / 2.0;
-        Station const station = tracer.At(start + (placed.start + half) * scale);
+        trammel::OutlineMeasure::Place const place =
+            measure.AtLength(start + (placed.start + half) * scale);
         AddGlyph(outlines, placed, ++number,
                  CMatrix3x3()
                      .Translate(-half, 0.0)
                      .Scale(scale)
-                     .Rotate(station.direction.Angle())
-                     .Translate(station.point));
+                     .Rotate(place.tangent.Angle())
+                     .Translate(place.point));
     }
     return outlines;
 }

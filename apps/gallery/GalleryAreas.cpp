@@ -10,6 +10,7 @@
 #include "SvgShapes.h"
 #include "TextAlong.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/UTrigonometry.h>
 
 #include <algorithm>
@@ -269,7 +270,7 @@ Plate DrawJoined(GalleryInput const& input) {
         AreaFigures const figures = FiguresOf(Untangled(area));
         sum += figures.area;
         vertices += figures.vertices;
-        lengths += path.Length();
+        lengths += trammel::ArcLength(path, 0.0);
         joined = Combined(kPolyUnion, joined, area);
         canvas.Fill(path, list[i].colour, 0.4);
         canvas.Stroke(path, palette::ink, 1.4);
@@ -287,7 +288,7 @@ Plate DrawJoined(GalleryInput const& input) {
         {"Union", Summary(figures) + "; " + std::to_string(figures.vertices) + " vertices"},
         {"The areas together, less the union's", Small(std::abs(sum - figures.area))},
         {"Common borders, half of the length that is gone",
-         Rounded(0.5 * (lengths - outline.Length()), 3)},
+         Rounded(0.5 * (lengths - trammel::ArcLength(outline, 0.0)), 3)},
     };
     plate.picture = canvas.TakePicture();
     return plate;

@@ -6,7 +6,8 @@
 #include "Outlines.h"
 #include "SvgShapes.h"
 #include "TextAlong.h"
-#include "Tracer.h"
+
+#include <trammel/OutlineMeasure.h>
 
 #include <algorithm>
 #include <array>
@@ -67,14 +68,15 @@ void Canvas::Segment(TPoint<double> const& a, TPoint<double> const& b, Colour co
 }
 
 void Canvas::Dashes(CPath const& path, Colour colour, double width, double dash) {
-    double const length = path.Length();
+    trammel::OutlineMeasure const measure(path);
+    double const length = measure.Length();
     double const count = std::max(1.0, std::floor((length / dash + 1.0) / 2.0));
     double const step = 1.0 / (2.0 * count - 1.0);
     CPath dashes;
     for (int i = 0; i < count; ++i) {
         double const start = 2.0 * i * step;
         CPath piece;
-        path.GetTRange(start, std::min(1.0, start + step), piece);
+        measure.GetTRange(start, std::min(1.0, start + step), piece);
         AppendElements(dashes, piece);
     }
     Stroke(dashes, colour, width);
@@ -156,10 +158,10 @@ CPath LetterIn(GalleryInput const& input, char character, TRect<double> const& t
 
 LabelPlacer::LabelPlacer(CPath const& outline, TRect<double> const& frame) : mFrame(frame) {
     constexpr double kStep = 2.0;
-    Tracer const tracer(outline);
-    auto const count = static_cast<std::size_t>(tracer.Length() / kStep);
+    trammel::OutlineMeasure const measure(outline);
+    auto const count = static_cast<std::size_t>(measure.Length() / kStep);
     for (std::size_t i = 0; i <= count; ++i) {
-        mOutline.push_back(tracer.At(static_cast<double>(i) * kStep).point);
+        mOutline.push_back(measure.PtAtLength(static_cast<double>(i) * kStep));
     }
 }
 

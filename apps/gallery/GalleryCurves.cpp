@@ -9,10 +9,14 @@
 #include "Outlines.h"
 #include "SvgShapes.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/CBezier.h>
 #include <trammel/CFPolygonRef.h>
+#include <trammel/FillRule.h>
 #include <trammel/Handles.h>
+#include <trammel/OutlineMeasure.h>
 #include <trammel/TPoly.h>
+#include <trammel/Winding.h>
 
 #include <algorithm>
 #include <array>
@@ -86,19 +90,19 @@ Plate DrawFlattening(GalleryInput const& input) {
     plate.name = "flattening";
     plate.title = "One curve flattened at four tolerances";
     plate.sentence =
-        "The same cubic curve becomes a polygon of more and more points, by halving it "
-        "until each part is as flat as was asked for.";
+        "The same cubic curve becomes a polygon of more and more points, whose lines are never "
+        "farther from the curve than was asked for.";
 
     Canvas canvas(input.labels);
     CBezier const model(TPoint<double>(0.0, 170.0), TPoint<double>(90.0, -150.0),
                         TPoint<double>(150.0, 400.0), TPoint<double>(310.0, 20.0));
-    plate.figures.push_back({"Length of the curve", Rounded(model.Length(), 3)});
+    plate.figures.push_back({"Length of the curve", Rounded(trammel::ArcLength(model, 0.0), 3)});
     std::array<double, 4> const tolerances{40.0, 5.0, 0.5, 0.05};
     for (std::size_t i = 0; i < tolerances.size(); ++i) {
         TPoint<double> const corner(i % 2 == 0 ? 45.0 : 445.0, i < 2 ? 40.0 : 310.0);
         CBezier const curve = model + corner;
         TPolygon<double> polygon;
-        curve.Flatten(polygon, tolerances[i]);
+        trammel::FlattenWithin(curve, tolerances[i], polygon);
 
         canvas.Stroke(CurvePath(curve), palette::amber, 9.0, 0.45);
         canvas.Stroke(PathOf({polygon}), palette::blue, 2.5);
@@ -156,28 +160,27 @@ Plate DrawHitMap(GalleryInput const& input) {
     TRect<double> const map(25.0, 25.0, 25.0 + kCell * kColumns, 25.0 + kCell * kRows);
     TRect<double> room = map;
     CPath const path = LetterIn(input, 'Q', room.Inset(44.0, 52.0));
-    Area const area(path, 0.05);
+    trammel::OutlineMeasure const measure(path);
     std::size_t tested = 0;
     std::size_t hits = 0;
     std::size_t inside = 0;
     double deepest = 0.0;
     double farthest = 0.0;
     auto const classOf = [&](TPoint<double> const& p) {
-        bool const in = area.Contains(p);
-        bool const hit = HitsOutline(path, p, kTolerance);
+        bool const in = trammel::Contains(path, p, trammel::FillRule::kNonZero);
+        double const distance = measure.Distance(p);
+        bool const hit = distance <= kTolerance;
         ++tested;
         hits += hit ? 1 : 0;
         inside += in ? 1 : 0;
         if (hit) {
             return std::size_t{0};
         }
-        double const distance = LineLength(p, path.TPt(path.FindTValue(p)));
         (in ? deepest : farthest) = std::max(in ? deepest : farthest, distance);
         std::size_t const first = in ? kFirstInside : kFirstOutside;
         std::size_t const end = in ? kFirstOutside : colours.size();
         return std::min(first + static_cast<std::size_t>(distance / kBand), end - 1);
     };
-    double const previous = CBezier::SetCurveError(0.05);
     for (int row = 0; row < kRows; ++row) {
         double const top = map.top + kCell * row;
         // Cells of one class side by side make one box.
@@ -195,7 +198,6 @@ Plate DrawHitMap(GalleryInput const& input) {
         }
         AddBox(cells[current], TRect<double>(start, top, map.right, top + kCell));
     }
-    CBezier::SetCurveError(previous);
 
     for (std::size_t i = 0; i < colours.size(); ++i) {
         canvas.Fill(cells[i], colours[i]);

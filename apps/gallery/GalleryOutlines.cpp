@@ -9,7 +9,9 @@
 #include "Outlines.h"
 #include "SvgShapes.h"
 #include "TextAlong.h"
-#include "Tracer.h"
+
+#include <trammel/AccurateCurve.h>
+#include <trammel/OutlineMeasure.h>
 
 #include <algorithm>
 #include <cmath>
@@ -45,31 +47,21 @@ CPath Spiral(TPoint<double> centre, TPoint<double> radii, TPoint<double> shrink,
     return path;
 }
 
-/// The point of a set of outlines that is nearest to another point.
-struct Nearest {
-    TPoint<double> point;
-    double distance = std::numeric_limits<double>::infinity();
-};
-
-Nearest NearestOf(std::vector<CPath> const& outlines, std::vector<TRect<double>> const& bounds,
-                  TPoint<double> const& p) {
-    Nearest best;
-    for (std::size_t i = 0; i < outlines.size(); ++i) {
-        TPoint<double> inBox(p);
-        PinValueToRange(bounds[i].left, bounds[i].right, inBox.h);
-        PinValueToRange(bounds[i].top, bounds[i].bottom, inBox.v);
-        if (LineLength(p, inBox) >= best.distance) {
-            continue;
-        }
-        TPoint<double> const found = outlines[i].TPt(outlines[i].FindTValue(p));
-        double const distance = LineLength(p, found);
-        if (distance < best.distance) {
-            best.point = found;
-            best.distance = distance;
+/// Returns the place of all outlines that is nearest to a point.
+trammel::OutlineMeasure::Nearest NearestOf(std::vector<trammel::OutlineMeasure> const& outlines,
+                                           TPoint<double> const& p) {
+    trammel::OutlineMeasure::Nearest best;
+    for (trammel::OutlineMeasure const& outline : outlines) {
+        trammel::OutlineMeasure::Nearest const found = outline.FindNearest(p);
+        if (found.distance < best.distance) {
+            best = found;
         }
     }
     return best;
 }
+
+/// Returns the outline's length, right to rounding.
+double LengthOf(CPath const& path) { return trammel::ArcLength(path, 0.0); }
 
 } // namespace
 
@@ -89,19 +81,20 @@ Plate DrawMarks(GalleryInput const& input) {
     canvas.Fill(path, palette::sky, 0.16);
     canvas.Stroke(path, palette::blue, 3.0);
 
-    Tracer const tracer(path);
+    trammel::OutlineMeasure const measure(path);
     LabelPlacer placer(path, TRect<double>(8.0, 8.0, Canvas::kWidth - 8.0, Canvas::kHeight - 8.0));
     double worst = 0.0;
     std::vector<TPoint<double>> marks;
     for (int i = 0; i < 10; ++i) {
         double const t = i / 10.0;
-        TPoint<double> const p = path.TPt(t);
-        TPoint<double> const across = tracer.At(t * tracer.Length()).direction.Rotate(0.5 * pi);
+        trammel::OutlineMeasure::Place const place = measure.At(t);
+        TPoint<double> const p = place.point;
+        TPoint<double> const across = TPoint<double>(place.tangent).Rotate(0.5 * pi);
         TLine<double> const tick(p - across * 13.0, p + across * 13.0);
         canvas.Segment(tick.mStart, tick.mEnd, palette::vermilion, 4.0);
         placer.Avoid(tick);
         marks.push_back(p);
-        worst = std::max(worst, std::abs(path.FindTValue(p) - t));
+        worst = std::max(worst, LineLength(measure.FindNearest(p).point, p));
     }
     for (int i = 0; i < 10; ++i) {
         std::string const words = Rounded(i / 10.0, 1);
@@ -110,7 +103,7 @@ Plate DrawMarks(GalleryInput const& input) {
         canvas.Label(words, placer.Place(p, canvas.LabelWidth(words), 16.0));
     }
 
-    double const length = letter.Length();
+    double const length = LengthOf(letter);
     plate.figures = {
         {"Length of the outline", Rounded(length, 1) + " font units"},
         {"From mark to mark", Rounded(length / 10.0, 2) + " font units"},
@@ -118,7 +111,7 @@ Plate DrawMarks(GalleryInput const& input) {
         {"Contours, lines, curves", std::to_string(Subpaths(letter).size()) + ", " +
                                         std::to_string(CountElements(letter, kPathLine)) + ", " +
                                         std::to_string(CountElements(letter, kPathCurve))},
-        {"A mark's fraction found again from its point: off by at most", Small(worst)},
+        {"A mark found again as the nearest place: off by at most", Small(worst)},
     };
     plate.picture = canvas.TakePicture();
     return plate;
@@ -136,7 +129,7 @@ Plate DrawTextAlong(GalleryInput const& input) {
         "where it has to stand, and turns the way that the curve is going there, to the very end.";
     CPath const spiral = Spiral(TPoint<double>(400.0, 296.0), TPoint<double>(334.0, 216.0),
                                 TPoint<double>(39.0, 33.0), 6);
-    double const length = spiral.Length();
+    double const length = LengthOf(spiral);
     double const width = TextWidth(input.type, words, 100.0);
     if (!(width > 0.0)) {
         throw Error(input.typeFile, "", "has no letters of any width");
@@ -149,8 +142,8 @@ Plate DrawTextAlong(GalleryInput const& input) {
     for (Outline const& letter : letters) {
         canvas.Fill(letter.path, palette::ink);
     }
-    canvas.Dot(spiral.TPt(0.0), 5.0, palette::vermilion);
-    canvas.Dot(spiral.TPt(1.0), 5.0, palette::vermilion);
+    canvas.Dot(spiral.mPts.front(), 5.0, palette::vermilion);
+    canvas.Dot(spiral.mPts.back(), 5.0, palette::vermilion);
 
     plate.figures = {
         {"Length of the curve", Rounded(length, 2)},
@@ -178,13 +171,14 @@ Plate DrawCut(GalleryInput const& input) {
     canvas.Fill(whole, palette::mist);
     canvas.Stroke(whole, palette::grey, 2.5);
     LabelPlacer placer(whole, TRect<double>(8.0, 8.0, 400.0, 480.0));
+    trammel::OutlineMeasure const measure(whole);
     for (double const t : {kFrom, kTo}) {
-        TPoint<double> const p = whole.TPt(t);
+        TPoint<double> const p = measure.TPt(t);
         std::string const words = Rounded(t, 2);
         canvas.Ring(p, 6.0, palette::ink, 3.0);
         canvas.Label(words, placer.Place(p, canvas.LabelWidth(words), 16.0));
     }
-    TPoint<double> const start = whole.TPt(0.0);
+    TPoint<double> const start = measure.TPt(0.0);
     canvas.Dot(start, 6.0, palette::green);
     canvas.Label("start", placer.Place(start, canvas.LabelWidth("start"), 16.0), Align::centre,
                  palette::green);
@@ -198,16 +192,16 @@ Plate DrawCut(GalleryInput const& input) {
     canvas.Stroke(moved, palette::vermilion, 4.0);
     for (CPath const* piece : {&rest, &moved}) {
         Colour const colour = piece == &rest ? palette::blue : palette::vermilion;
-        canvas.Ring(piece->TPt(0.0), 5.0, colour, 3.0);
-        canvas.Ring(piece->TPt(1.0), 5.0, colour, 3.0);
+        canvas.Ring(piece->mPts.front(), 5.0, colour, 3.0);
+        canvas.Ring(piece->mPts.back(), 5.0, colour, 3.0);
     }
     canvas.Label("the outline", TPoint<double>(210.0, 520.0));
     canvas.Label("the remainder", TPoint<double>(500.0, 520.0), Align::centre, palette::blue);
     canvas.Label("the piece", TPoint<double>(680.0, 520.0), Align::centre, palette::vermilion);
 
-    double const length = whole.Length();
-    double const cutLength = pieces.cut.Length();
-    double const restLength = pieces.rest.Length();
+    double const length = LengthOf(whole);
+    double const cutLength = LengthOf(pieces.cut);
+    double const restLength = LengthOf(pieces.rest);
     plate.figures = {
         {"Length of the outline", Rounded(length, 3)},
         {"Length of the piece, from " + Rounded(kFrom, 2) + " to " + Rounded(kTo, 2),
@@ -235,16 +229,16 @@ Plate DrawNearest(GalleryInput const& input) {
     Canvas canvas(input.labels);
     CMatrix3x3 const fit = Fitting(DrawnBounds(all), TRect<double>(235.0, 135.0, 565.0, 425.0));
     std::vector<CPath> outlines;
-    std::vector<TRect<double>> bounds;
+    std::vector<trammel::OutlineMeasure> measures;
     double length = 0.0;
     for (Outline const& outline : input.drawing.outlines) {
         CPath const path = WithoutDots(outline.path);
-        length += path.Length();
+        length += LengthOf(path);
         if (path.mCtls.empty()) {
             continue;
         }
         outlines.push_back(Transformed(path, fit));
-        bounds.push_back(ControlBounds(outlines.back()));
+        measures.emplace_back(outlines.back());
         canvas.Fill(outlines.back(), palette::sky, 0.2);
     }
     for (CPath const& outline : outlines) {
@@ -254,12 +248,13 @@ Plate DrawNearest(GalleryInput const& input) {
     TPoint<double> const centre(0.5 * Canvas::kWidth, 0.5 * Canvas::kHeight);
     CPath const ring = EllipsePath(centre, 340.0, 250.0);
     canvas.Stroke(ring, palette::mist, 2.0);
+    trammel::OutlineMeasure const ringMeasure(ring);
     double least = std::numeric_limits<double>::infinity();
     double most = 0.0;
     std::vector<TLine<double>> lines;
     for (int i = 0; i < kPoints; ++i) {
-        TPoint<double> const p = ring.TPt(static_cast<double>(i) / kPoints);
-        Nearest const nearest = NearestOf(outlines, bounds, p);
+        TPoint<double> const p = ringMeasure.TPt(static_cast<double>(i) / kPoints);
+        trammel::OutlineMeasure::Nearest const nearest = NearestOf(measures, p);
         least = std::min(least, nearest.distance);
         most = std::max(most, nearest.distance);
         lines.emplace_back(p, nearest.point);

@@ -152,6 +152,9 @@ void WriteFile(std::string const& file, std::string const& content) {
 }
 
 void Print(std::string const& text) {
+    if (isatty(STDERR_FILENO) == 1 && isatty(STDOUT_FILENO) == 1) {
+        std::fputs("\r\x1B[K", stderr); // the line of the progress
+    }
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() ||
         std::fflush(stdout) != 0) {
         FailToWrite("standard output", errno);

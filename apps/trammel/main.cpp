@@ -8,6 +8,7 @@
 #include "Error.h"
 #include "Warning.h"
 #include "commands/Commands.h"
+#include "commands/ManyFiles.h"
 
 #include <CLI/CLI.hpp>
 
@@ -95,6 +96,8 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
     try {
         return Run(argc, argv);
+    } catch (tool::ToldErrors const&) {
+        return kFailed;
     } catch (std::bad_alloc const&) {
         return Fail("not enough memory");
     } catch (std::exception const& e) {

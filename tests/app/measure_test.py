@@ -18,7 +18,7 @@ class Shapes(AppTest):
         self.assertEqual(outline, {
             "id": "sq", "elements": 5, "subpaths": 1, "length": 40.0,
             "bounds": [0.0, 0.0, 10.0, 10.0], "controlBounds": [0.0, 0.0, 10.0, 10.0],
-            "closed": True, "lines": True, "curves": False})
+            "closed": True, "lines": True, "curves": False, "accuracy": 1e-10})
 
     def test_the_origin_counts_in_the_bounds(self):
         """The origin counts as a point of the bounds, though it comes first."""
@@ -30,7 +30,6 @@ class Shapes(AppTest):
     def test_a_circle_is_as_long_as_its_circumference(self):
         outline = self.measure(svg('<circle id="c" cx="50" cy="50" r="10"/>'))["c"]
         self.assertLess(abs(outline["length"] - 20 * math.pi), 0.003)
-        self.assertLessEqual(outline["length"], 20 * math.pi)
         self.assertBox(outline["bounds"], [40, 40, 60, 60])
         self.assertTrue(outline["closed"] and outline["curves"] and not outline["lines"])
         self.assertEqual(outline["elements"], 10)
@@ -82,7 +81,7 @@ class Shapes(AppTest):
         expected = {"px": 1, "pt": 4 / 3, "pc": 16, "mm": 96 / 25.4, "cm": 96 / 2.54, "in": 96,
                     "Q": 96 / 101.6, "pct": 15}
         for unit, length in expected.items():
-            self.assertAlmostEqual(outlines[unit]["length"], length, 12, unit)
+            self.assertAlmostEqual(outlines[unit]["length"], length, 9, unit)
         radius = 0.1 * math.sqrt((30 * 30 + 40 * 40) / 2)
         self.assertBox(outlines["r"]["bounds"], [-radius, -radius, radius, radius])
 
@@ -126,7 +125,7 @@ class Structure(AppTest):
         for text, expected in cases.items():
             with self.subTest(text):
                 got = self.bounds(f'<rect id="r" width="10" height="10" transform="{text}"/>')["r"]
-                self.assertBox(got, expected, 1e-12)
+                self.assertBox(got, expected, 1e-9)
 
     def test_nested_transforms_multiply(self):
         got = self.bounds('<g transform="translate(100 0)"><a transform="scale(2)">'
@@ -214,7 +213,7 @@ class Measure(AppTest):
         b = self.write("b.svg", svg('<path d="M-3 0V20"/>'))
         self.assertEqual(self.run_json("measure", a, b)["totals"], {
             "files": 2, "outlines": 2, "elements": 7, "length": 60.0,
-            "bounds": [-3.0, 0.0, 10.0, 20.0]})
+            "bounds": [-3.0, 0.0, 10.0, 20.0], "accuracy": 1e-09})
 
     def test_a_drawing_may_have_no_outlines(self):
         self.assertEqual(self.measure(svg("")), {})
@@ -252,7 +251,7 @@ class Measure(AppTest):
         self.assertTrue(all(g["closed"] for g in glyphs.values()))
 
     def test_long_work_shows_progress_on_a_terminal_only(self):
-        content = svg("".join('<path d="M0 0C0 4e6 4e6 4e6 4e6 0"/>' for _ in range(100)))
+        content = svg("".join('<path d="M0 0C0 4e6 4e6 4e6 4e6 0"/>' for _ in range(20000)))
         file = self.write("in.svg", content)
         try:
             master, slave = pty.openpty()
@@ -274,7 +273,7 @@ class Measure(AppTest):
         self.assertEqual(process.wait(), 0)
         self.assertIn(b"of 20", shown)
         self.assertTrue(shown.endswith(b"\x1b[K"))  # wiped at the end
-        self.run_text("measure", *[file] * 5)  # and nothing in a pipe
+        self.run_text("measure", file)  # and nothing in a pipe
 
 
 if __name__ == "__main__":

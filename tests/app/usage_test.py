@@ -23,7 +23,8 @@ class BadCommandLines(AppTest):
         self.fails("measure", names=["measure", "FILE"])
         self.fails("measure", self.file, "--frob", names=["measure", "'--frob'"])
         self.fails("point", self.file, names=["--at"])
-        self.fails("point", self.file, "extra", "--at", "0", names=["'extra'"])
+        self.fails("cut", self.file, "extra", "--from", "0", "--to", "1", "-o", self.out,
+                   names=["'extra'"])
         self.fails("cut", self.file, "--from", "0", "--to", "1", names=["--output"])
         self.fails("point", self.file, "--at", names=["--at"])
 

@@ -5,6 +5,8 @@
 #include "Error.h"
 #include "Outlines.h"
 
+#include <trammel/AccurateCurve.h>
+
 #include <CLI/CLI.hpp>
 
 #include <limits>
@@ -61,17 +63,21 @@ void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids) {
     drawing.outlines = std::move(kept);
 }
 
+void CheckNotEmpty(Drawing const& drawing) {
+    if (drawing.outlines.empty()) {
+        throw Error(drawing.file, "", "has no outlines");
+    }
+}
+
 Drawing Load(Source const& source) {
     Drawing drawing = ReadDrawing(source.file);
-    if (drawing.outlines.empty()) {
-        throw Error(source.file, "", "has no outlines");
-    }
+    CheckNotEmpty(drawing);
     KeepOnly(drawing, source.ids);
     return drawing;
 }
 
 double LengthToDivide(Drawing const& drawing, Outline const& outline) {
-    double const length = outline.path.Length();
+    double const length = trammel::ArcLength(outline.path, 0.0);
     if (!(length > 0.0)) {
         throw Error(drawing.file, outline.id, "the outline has no length");
     }
@@ -93,6 +99,36 @@ Picture LinePicture(Page const& page, std::vector<Outline> const& outlines) {
     style.strokeWidth = HairWidth(picture.page);
     AddOutlines(picture, outlines, style);
     return picture;
+}
+
+trammel::FillRule RuleOf(std::string const& name) {
+    if (name == "nonzero") {
+        return trammel::FillRule::kNonZero;
+    }
+    if (name == "evenodd") {
+        return trammel::FillRule::kEvenOdd;
+    }
+    throw Error("--rule", "'" + name + "'", "must be nonzero or evenodd");
+}
+
+char const* NameOf(trammel::FillRule rule) {
+    return rule == trammel::FillRule::kNonZero ? "nonzero" : "evenodd";
+}
+
+void AddRule(CLI::App& command, std::string& rule) {
+    command
+        .add_option("--rule", rule,
+                    "What is inside: nonzero or evenodd (default: the drawing's own fill rule)")
+        ->type_name("RULE");
+}
+
+void SetRule(Drawing& drawing, std::string const& rule) {
+    if (!rule.empty()) {
+        trammel::FillRule const value = RuleOf(rule);
+        for (Outline& outline : drawing.outlines) {
+            outline.rule = value;
+        }
+    }
 }
 
 std::string JsonText(Json const& json) {

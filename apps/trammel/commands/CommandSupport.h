@@ -40,6 +40,8 @@ void AddOutput(CLI::App& command, std::string& output);
 CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<std::string>& values,
                        std::string const& help);
 
+/// Throws Error when the drawing has no outlines.
+void CheckNotEmpty(Drawing const& drawing);
 /// Reads the file and keeps the chosen outlines. Throws Error when there are none.
 Drawing Load(Source const& source);
 /// Keeps the outlines with these ids. Throws Error for one that does not exist.
@@ -52,6 +54,15 @@ double LengthToDivide(Drawing const& drawing, Outline const& outline);
 /// Returns black lines on the drawing's page, with nothing filled. The page is enlarged as far as
 /// the outlines ask for it.
 Picture LinePicture(Page const& page, std::vector<Outline> const& outlines);
+
+/// Returns the rule of this name, nonzero or evenodd. Throws Error.
+trammel::FillRule RuleOf(std::string const& name);
+/// Returns the rule's name.
+char const* NameOf(trammel::FillRule rule);
+/// Adds the option --rule.
+void AddRule(CLI::App& command, std::string& rule);
+/// Gives all outlines the rule of this name. They keep theirs if the name is empty.
+void SetRule(Drawing& drawing, std::string const& rule);
 
 /// Returns JSON as text with a line end. Numbers that are not finite become null, and bytes that
 /// are no UTF-8 are replaced.

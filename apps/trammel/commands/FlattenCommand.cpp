@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Classic.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
@@ -18,6 +19,7 @@ struct Options {
     Source source;
     std::string error;
     std::string output;
+    bool classic = false;
 };
 
 void Run(Options const& options) {
@@ -29,7 +31,8 @@ void Run(Options const& options) {
     Progress progress("flattening outlines", drawing.outlines.size());
     std::size_t done = 0;
     for (Outline& outline : drawing.outlines) {
-        outline.path = PathOf(Flatten(outline.path, error));
+        outline.path = PathOf(options.classic ? ClassicFlatten(outline.path, error)
+                                              : Flatten(outline.path, error));
         progress.Update(++done);
     }
     WriteFile(options.output,
@@ -47,6 +50,8 @@ void AddFlatten(CLI::App& app) {
         ->required()
         ->type_name("E");
     AddOutput(*command, options->output);
+    command->add_flag("--classic", options->classic,
+                      "The lines of CBezier::Flatten, which may deviate by more");
     command->footer("Example: trammel flatten drawing.svg --error 0.1 -o flat.svg");
     command->callback([options] { Run(*options); });
 }

@@ -1,24 +1,116 @@
 // SPDX-License-Identifier: MIT
 
+#include "Classic.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "ManyFiles.h"
 #include "Numbers.h"
 #include "Outlines.h"
-#include "Output.h"
+
+#include <trammel/OutlineMeasure.h>
+#include <trammel/Winding.h>
 
 #include <CLI/CLI.hpp>
+
+#include <utility>
 
 namespace tool {
 
 namespace {
 
 struct Options {
-    Source source;
+    Sources sources;
+    bool classic = false;
     std::vector<std::string> at;
     std::string tolerance = "0";
-    bool json = false;
+    std::string rule;
 };
+
+/// How a point lies to an outline.
+struct Hit {
+    bool inside;
+    bool near; ///< within the tolerance of the drawn outline
+    int winding = 0;
+    double distance = 0.0;
+    double error = 0.0; ///< of the distance
+};
+
+Hit HitOf(Outline const& outline, trammel::OutlineMeasure const& measure, TPoint<double> const& p,
+          double tolerance) {
+    Hit hit;
+    hit.winding = trammel::WindingNumber(outline.path, p);
+    hit.inside = trammel::IsInside(hit.winding, outline.rule);
+    hit.distance = measure.Distance(p);
+    hit.error = FigureAccuracy(outline.path, p);
+    hit.near = hit.distance <= tolerance + hit.error;
+    return hit;
+}
+
+Hit ClassicHit(Outline const& outline, TPoint<double> const& p, double tolerance) {
+    Hit hit;
+    hit.inside = ClassicContains(outline.path, p);
+    hit.near = ClassicHits(outline.path, p, tolerance);
+    return hit;
+}
+
+Json JsonOf(Outline const& outline, Hit const& hit, bool classic) {
+    Json json;
+    json["id"] = outline.id;
+    json["inside"] = hit.inside;
+    json["onOutline"] = hit.near;
+    if (!classic) {
+        json["winding"] = hit.winding;
+        json["rule"] = NameOf(outline.rule);
+        Figures const figures(hit.error, FigureOptions());
+        json["distance"] = figures.Of(hit.distance);
+        figures.AddAccuracy(json);
+    }
+    return json;
+}
+
+FileResult HitsIn(Options const& options, std::vector<TPoint<double>> const& points,
+                  double tolerance, Drawing& drawing) {
+    CheckNotEmpty(drawing);
+    SetRule(drawing, options.rule);
+    FileResult result;
+    std::vector<trammel::OutlineMeasure> measures;
+    for (Outline const& outline : drawing.outlines) {
+        measures.emplace_back(outline.path);
+    }
+    Json results = Json::array();
+    for (TPoint<double> const& p : points) {
+        std::string const place =
+            options.sources.Prefix(drawing.file) + Figure(p.h) + "," + Figure(p.v) + ": ";
+        std::size_t const before = result.text.size();
+        Json hits = Json::array();
+        for (std::size_t i = 0; i < drawing.outlines.size(); ++i) {
+            Outline const& outline = drawing.outlines[i];
+            Hit const hit = options.classic ? ClassicHit(outline, p, tolerance)
+                                            : HitOf(outline, measures[i], p, tolerance);
+            if (!hit.inside && !hit.near) {
+                continue;
+            }
+            hits.push_back(JsonOf(outline, hit, options.classic));
+            result.text += place + OneLine(outline.id) + (hit.inside ? " inside" : "") +
+                           (hit.inside && hit.near ? "," : "") +
+                           (hit.near ? " on the outline" : "") + "\n";
+        }
+        if (result.text.size() == before) {
+            result.text += place + "nothing\n";
+        }
+        Json json;
+        json["at"] = ToJson(p);
+        json["hits"] = std::move(hits);
+        results.push_back(std::move(json));
+    }
+    FigureOptions figures;
+    figures.classic = options.classic;
+    result.json = FileJson(drawing, options.sources, figures);
+    result.json["tolerance"] = tolerance;
+    result.json["points"] = std::move(results);
+    return result;
+}
 
 void Run(Options const& options) {
     std::vector<TPoint<double>> points;
@@ -29,48 +121,14 @@ void Run(Options const& options) {
     if (tolerance < 0.0) {
         throw Error("--tolerance", "'" + options.tolerance + "'", "must not be negative");
     }
-    Drawing const drawing = Load(options.source);
-    std::vector<Area> areas;
-    for (Outline const& outline : drawing.outlines) {
-        areas.emplace_back(outline.path, FineError(ControlBounds(outline.path)));
-    }
-    std::string text;
-    Json results = Json::array();
-    for (TPoint<double> const& p : points) {
-        std::string const place = Figure(p.h) + "," + Figure(p.v) + ": ";
-        std::size_t const before = text.size();
-        Json hits = Json::array();
-        for (std::size_t i = 0; i < areas.size(); ++i) {
-            Outline const& outline = drawing.outlines[i];
-            bool const inside = areas[i].Contains(p);
-            bool const near = HitsOutline(outline.path, p, tolerance);
-            if (!inside && !near) {
-                continue;
-            }
-            Json json;
-            json["id"] = outline.id;
-            json["inside"] = inside;
-            json["onOutline"] = near;
-            hits.push_back(std::move(json));
-            text += place + OneLine(outline.id) + (inside ? " inside" : "") +
-                    (inside && near ? "," : "") + (near ? " on the outline" : "") + "\n";
+    if (!options.rule.empty()) {
+        RuleOf(options.rule);
+        if (options.classic) {
+            throw Error("--rule", "", "classic hits are by the even-odd rule");
         }
-        if (text.size() == before) {
-            text += place + "nothing\n";
-        }
-        Json json;
-        json["at"] = ToJson(p);
-        json["hits"] = std::move(hits);
-        results.push_back(std::move(json));
     }
-    if (options.json) {
-        Json json;
-        json["file"] = drawing.file;
-        json["tolerance"] = tolerance;
-        json["points"] = std::move(results);
-        text = JsonText(json);
-    }
-    Print(text);
+    ForEachFile(options.sources,
+                [&](Drawing& drawing) { return HitsIn(options, points, tolerance, drawing); });
 }
 
 } // namespace
@@ -79,7 +137,7 @@ void AddHit(CLI::App& app) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command =
         app.add_subcommand("hit", "Which outlines a point lies in, or on within a tolerance");
-    AddSource(*command, options->source);
+    AddSources(*command, options->sources);
     AddValues(*command, "--at", options->at, "The point (may be repeated)")
         ->required()
         ->type_name("H,V");
@@ -87,8 +145,12 @@ void AddHit(CLI::App& app) {
         ->add_option("--tolerance", options->tolerance,
                      "How far from an outline still counts as on it (default 0)")
         ->type_name("D");
-    command->add_flag("--json", options->json, "Print JSON");
-    command->footer("Inside is decided by the even-odd rule, every subpath taken as closed.\n"
+    AddRule(*command, options->rule);
+    command->add_flag("--classic", options->classic,
+                      "The approximate answers of TPolygon::Contains and CBezier::HitTest, by the "
+                      "even-odd rule");
+    command->footer("Every subpath counts as closed. Curves are taken as they are: only a point "
+                    "that rounding cannot tell from\nthe outline may be on either side.\n"
                     "Example: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
     command->callback([options] { Run(*options); });
 }

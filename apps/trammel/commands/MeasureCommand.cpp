@@ -3,25 +3,28 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "ManyFiles.h"
 #include "Numbers.h"
 #include "Outlines.h"
-#include "Output.h"
 #include "Progress.h"
 
+#include <trammel/AccurateCurve.h>
+
 #include <CLI/CLI.hpp>
+
+#include <utility>
 
 namespace tool {
 
 namespace {
 
 struct Options {
-    std::vector<std::string> files;
-    std::vector<std::string> ids;
-    bool json = false;
+    Sources sources;
+    FigureOptions figures;
 };
 
 /// The figures of one outline.
-struct Figures {
+struct Measures {
     std::size_t elements;
     std::size_t subpaths;
     double length;
@@ -30,19 +33,22 @@ struct Figures {
     bool closed;
     bool lines;
     bool curves;
+    double accuracy; ///< of length and bounds; 0 for classic figures
 };
 
-Figures Measured(CPath const& path) {
-    Figures figures;
-    figures.elements = path.mCtls.size();
-    figures.subpaths = Subpaths(path).size();
-    figures.length = path.Length();
-    figures.bounds = DrawnBounds(path);
-    figures.controlBounds = ControlBounds(path);
-    figures.closed = path.Closed();
-    figures.lines = path.TestContents(CPath::kContainsLines);
-    figures.curves = path.TestContents(CPath::kContainsCurves);
-    return figures;
+Measures Measured(CPath const& path, FigureOptions const& options) {
+    Figures const figures(path, options);
+    Measures measures;
+    measures.elements = path.mCtls.size();
+    measures.subpaths = Subpaths(path).size();
+    measures.length = options.classic ? path.Length() : trammel::ArcLength(path, 0.0);
+    measures.bounds = options.classic ? path.Bounds() : figures.Of(DrawnBounds(path));
+    measures.controlBounds = ControlBounds(path);
+    measures.closed = path.Closed();
+    measures.lines = path.TestContents(CPath::kContainsLines);
+    measures.curves = path.TestContents(CPath::kContainsCurves);
+    measures.accuracy = figures.Accuracy();
+    return measures;
 }
 
 struct Totals {
@@ -51,12 +57,16 @@ struct Totals {
     std::size_t elements = 0;
     double length = 0.0;
     TRect<double> bounds;
+    double accuracies = 0.0;
 
-    void Add(Figures const& figures) {
+    /// Returns the accuracy of the sums.
+    double Accuracy() const { return DigitAccuracy(0.5 * accuracies); }
+    void Add(Measures const& measures) {
         ++outlines;
-        elements += figures.elements;
-        length += figures.length;
-        bounds = Around(bounds, figures.bounds);
+        elements += measures.elements;
+        length += measures.length;
+        bounds = Around(bounds, measures.bounds);
+        accuracies += measures.accuracy;
     }
 };
 
@@ -69,29 +79,40 @@ std::string BoundsText(TRect<double> const& r) {
            Figure(r.bottom);
 }
 
+/// Returns a length with its unit.
+std::string LengthText(Options const& options, double length, double accuracy) {
+    std::string const& unit = options.sources.unit;
+    return "length " + Figure(length, accuracy) + (unit.empty() ? "" : " " + unit);
+}
+
 /// Returns one line for people.
-std::string LineOf(std::string const& file, Outline const& outline, Figures const& figures) {
-    std::string const contents = figures.lines && figures.curves ? "lines and curves"
-                                 : figures.lines                 ? "lines"
-                                 : figures.curves                ? "curves"
-                                                                 : "no segments";
+std::string LineOf(Options const& options, std::string const& file, Outline const& outline,
+                   Measures const& measures) {
+    std::string const contents = measures.lines && measures.curves ? "lines and curves"
+                                 : measures.lines                  ? "lines"
+                                 : measures.curves                 ? "curves"
+                                                                   : "no segments";
     return OneLine(file) + ": " + OneLine(outline.id) + ": " +
-           Counted(figures.elements, "element") + ", length " + Figure(figures.length) + ", " +
-           BoundsText(figures.bounds) + ", " + (figures.closed ? "closed" : "open") + ", " +
+           Counted(measures.elements, "element") + ", " +
+           LengthText(options, measures.length, measures.accuracy) + ", " +
+           BoundsText(measures.bounds) + ", " + (measures.closed ? "closed" : "open") + ", " +
            contents + "\n";
 }
 
-Json JsonOf(Outline const& outline, Figures const& figures) {
+Json JsonOf(Outline const& outline, Measures const& measures) {
     Json json;
     json["id"] = outline.id;
-    json["elements"] = figures.elements;
-    json["subpaths"] = figures.subpaths;
-    json["length"] = figures.length;
-    json["bounds"] = ToJson(figures.bounds);
-    json["controlBounds"] = ToJson(figures.controlBounds);
-    json["closed"] = figures.closed;
-    json["lines"] = figures.lines;
-    json["curves"] = figures.curves;
+    json["elements"] = measures.elements;
+    json["subpaths"] = measures.subpaths;
+    json["length"] = RoundedTo(measures.length, measures.accuracy);
+    json["bounds"] = ToJson(measures.bounds);
+    json["controlBounds"] = ToJson(measures.controlBounds);
+    json["closed"] = measures.closed;
+    json["lines"] = measures.lines;
+    json["curves"] = measures.curves;
+    if (measures.accuracy > 0.0) {
+        json["accuracy"] = measures.accuracy;
+    }
     return json;
 }
 
@@ -100,54 +121,52 @@ Json JsonOf(Totals const& totals) {
     json["files"] = totals.files;
     json["outlines"] = totals.outlines;
     json["elements"] = totals.elements;
-    json["length"] = totals.length;
+    json["length"] = RoundedTo(totals.length, totals.Accuracy());
     json["bounds"] = ToJson(totals.bounds);
+    if (totals.Accuracy() > 0.0) {
+        json["accuracy"] = totals.Accuracy();
+    }
     return json;
 }
 
-// Everything is measured before anything is printed, so a file that cannot be read leaves no half
-// report.
+FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& totals) {
+    FileResult result;
+    Json outlines = Json::array();
+    Progress progress("measuring " + drawing.file, drawing.outlines.size());
+    std::size_t done = 0;
+    for (Outline const& outline : drawing.outlines) {
+        Measures const measures = Measured(outline.path, options.figures);
+        totals.Add(measures);
+        if (options.sources.json) {
+            outlines.push_back(JsonOf(outline, measures));
+        } else {
+            result.text += LineOf(options, drawing.file, outline, measures);
+        }
+        progress.Update(++done);
+    }
+    ++totals.files;
+    result.json = FileJson(drawing, options.sources, options.figures);
+    result.json["kind"] = drawing.kind;
+    result.json["outlines"] = std::move(outlines);
+    return result;
+}
+
 void Run(Options const& options) {
-    std::string text;
-    Json files = Json::array();
+    options.figures.Accuracy(); // before a file is read
     Totals totals;
-    Progress progress("measuring files", options.files.size());
-    for (std::string const& file : options.files) {
-        Drawing drawing = ReadDrawing(file);
-        KeepOnly(drawing, options.ids);
-        Json outlines = Json::array();
-        Progress outlineProgress("measuring " + file, drawing.outlines.size());
-        std::size_t done = 0;
-        for (Outline const& outline : drawing.outlines) {
-            Figures const figures = Measured(outline.path);
-            totals.Add(figures);
-            if (options.json) {
-                outlines.push_back(JsonOf(outline, figures));
-            } else {
-                text += LineOf(file, outline, figures);
-            }
-            outlineProgress.Update(++done);
-        }
-        if (options.json) {
-            Json entry;
-            entry["file"] = file;
-            entry["kind"] = drawing.kind;
-            entry["outlines"] = std::move(outlines);
-            files.push_back(std::move(entry));
-        }
-        progress.Update(++totals.files);
-    }
-    if (options.json) {
-        Json json;
-        json["files"] = std::move(files);
-        json["totals"] = JsonOf(totals);
-        text = JsonText(json);
-    } else {
-        text += Counted(totals.files, "file") + ", " + Counted(totals.outlines, "outline") + ", " +
-                Counted(totals.elements, "element") + ", length " + Figure(totals.length) + ", " +
-                BoundsText(totals.bounds) + "\n";
-    }
-    Print(text);
+    ForEachFile(
+        options.sources,
+        [&](Drawing const& drawing) { return MeasuredFile(options, drawing, totals); },
+        [&] {
+            Closing closing;
+            closing.json["totals"] = JsonOf(totals);
+            closing.text = Counted(totals.files, "file") + ", " +
+                           Counted(totals.outlines, "outline") + ", " +
+                           Counted(totals.elements, "element") + ", " +
+                           LengthText(options, totals.length, totals.Accuracy()) + ", " +
+                           BoundsText(totals.bounds) + "\n";
+            return closing;
+        });
 }
 
 } // namespace
@@ -156,16 +175,14 @@ void AddMeasure(CLI::App& app) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command = app.add_subcommand(
         "measure", "Length, bounds and contents of each outline of drawings and fonts, and totals");
-    command->add_option("FILE", options->files, "SVG drawings, fonts and maps (TopoJSON)")
-        ->required()
-        ->type_name("");
-    AddIds(*command, options->ids);
-    command->add_flag("--json", options->json, "Print JSON");
+    AddSources(*command, options->sources);
+    AddFigureOptions(*command, options->figures, "CPath::Length and CPath::Bounds");
     command->footer("A font's outlines are its glyphs, in font units with y down; a map's are its "
                     "countries, in\n"
                     "degrees of longitude and negative latitude. Bounds are those "
                     "of the drawn\noutline; controlBounds in JSON contain the curves' control "
-                    "points too.\nExample: trammel measure drawing.svg font.ttf");
+                    "points too.\n" +
+                    std::string(kAccuracyHelp) + "\nExample: trammel measure drawing.svg font.ttf");
     command->callback([options] { Run(*options); });
 }
 

@@ -3,37 +3,57 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "ManyFiles.h"
 #include "Numbers.h"
 #include "Outlines.h"
-#include "Output.h"
 
+#include <trammel/OutlineMeasure.h>
 #include <trammel/UScalar.h>
 
 #include <CLI/CLI.hpp>
 
-#include <optional>
+#include <cmath>
+#include <limits>
+#include <utility>
 
 namespace tool {
 
 namespace {
 
 struct Options {
-    Source source;
+    Sources sources;
+    FigureOptions figures;
     std::vector<std::string> to;
-    bool json = false;
 };
 
 /// The place on an outline nearest to a point.
 struct Found {
-    std::string id;
-    double fraction;
+    std::size_t outline = 0;
+    double fraction = 0.0;
+    double length = 0.0; ///< of the whole outline
     TPoint<double> point;
-    double distance;
+    double distance = std::numeric_limits<double>::infinity();
 };
 
 /// Returns the nearest place among all outlines that have length, and the earlier outline on a tie.
-Found Nearest(Drawing const& drawing, std::vector<CPath> const& paths, TPoint<double> const& to) {
-    std::optional<Found> best;
+Found Nearest(std::vector<trammel::OutlineMeasure> const& measures, TPoint<double> const& to) {
+    Found best;
+    for (std::size_t i = 0; i < measures.size(); ++i) {
+        double const length = measures[i].Length();
+        if (!(length > 0.0)) {
+            continue;
+        }
+        trammel::OutlineMeasure::Nearest const near = measures[i].FindNearest(to);
+        if (near.distance < best.distance) {
+            best = Found{i, near.length / length, length, near.point, near.distance};
+        }
+    }
+    return best;
+}
+
+/// The same by the path's classic calls.
+Found ClassicNearest(std::vector<CPath> const& paths, TPoint<double> const& to) {
+    Found best;
     for (std::size_t i = 0; i < paths.size(); ++i) {
         if (paths[i].mCtls.empty()) {
             continue;
@@ -41,14 +61,54 @@ Found Nearest(Drawing const& drawing, std::vector<CPath> const& paths, TPoint<do
         double const t = paths[i].FindTValue(to);
         TPoint<double> const point = paths[i].TPt(t);
         double const distance = Hypotenuse(point, to);
-        if (!best || distance < best->distance) {
-            best = Found{drawing.outlines[i].id, t, point, distance};
+        if (distance < best.distance) {
+            best = Found{i, t, 0.0, point, distance};
         }
     }
-    if (!best) {
-        throw Error(drawing.file, drawing.outlines.front().id, "the outline has no length");
+    return best;
+}
+
+FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& points,
+                     Drawing const& drawing) {
+    CheckNotEmpty(drawing);
+    FileResult result;
+    bool const classic = options.figures.classic;
+    std::vector<trammel::OutlineMeasure> measures;
+    std::vector<CPath> paths;
+    for (Outline const& outline : drawing.outlines) {
+        if (classic) {
+            paths.push_back(WithoutDots(outline.path));
+        } else {
+            measures.emplace_back(outline.path);
+        }
     }
-    return *best;
+    Json results = Json::array();
+    for (TPoint<double> const& to : points) {
+        Found const found = classic ? ClassicNearest(paths, to) : Nearest(measures, to);
+        if (!std::isfinite(found.distance)) {
+            throw Error(drawing.file, drawing.outlines.front().id, "the outline has no length");
+        }
+        Outline const& outline = drawing.outlines[found.outline];
+        Figures const figures(outline.path, options.figures, to);
+        TPoint<double> const point = figures.Of(found.point);
+        double const distance = figures.Of(found.distance);
+        double const fraction =
+            RoundedTo(found.fraction, DigitAccuracy(figures.Accuracy() / found.length));
+        Json json;
+        json["to"] = ToJson(to);
+        json["id"] = outline.id;
+        json["fraction"] = fraction;
+        json["point"] = ToJson(point);
+        json["distance"] = distance;
+        figures.AddAccuracy(json);
+        results.push_back(std::move(json));
+        result.text += options.sources.Prefix(drawing.file) + OneLine(outline.id) + ": fraction " +
+                       Figure(fraction) + ", at " + Figure(point.h) + "," + Figure(point.v) +
+                       ", distance " + Figure(distance) + "\n";
+    }
+    result.json = FileJson(drawing, options.sources, options.figures);
+    result.json["nearest"] = std::move(results);
+    return result;
 }
 
 void Run(Options const& options) {
@@ -56,33 +116,9 @@ void Run(Options const& options) {
     for (std::string const& text : options.to) {
         points.push_back(PointOf("--to", text));
     }
-    Drawing const drawing = Load(options.source);
-    std::vector<CPath> paths;
-    for (Outline const& outline : drawing.outlines) {
-        paths.push_back(WithoutDots(outline.path));
-    }
-    std::string text;
-    Json results = Json::array();
-    for (TPoint<double> const& to : points) {
-        Found const found = Nearest(drawing, paths, to);
-        Json json;
-        json["to"] = ToJson(to);
-        json["id"] = found.id;
-        json["fraction"] = found.fraction;
-        json["point"] = ToJson(found.point);
-        json["distance"] = found.distance;
-        results.push_back(std::move(json));
-        text += OneLine(found.id) + ": fraction " + Figure(found.fraction) + ", at " +
-                Figure(found.point.h) + "," + Figure(found.point.v) + ", distance " +
-                Figure(found.distance) + "\n";
-    }
-    if (options.json) {
-        Json json;
-        json["file"] = drawing.file;
-        json["nearest"] = std::move(results);
-        text = JsonText(json);
-    }
-    Print(text);
+    options.figures.Accuracy();
+    ForEachFile(options.sources,
+                [&](Drawing const& drawing) { return NearestIn(options, points, drawing); });
 }
 
 } // namespace
@@ -91,12 +127,13 @@ void AddNearest(CLI::App& app) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command =
         app.add_subcommand("nearest", "The outline, and the place on it, nearest to a point");
-    AddSource(*command, options->source);
+    AddSources(*command, options->sources);
+    AddFigureOptions(*command, options->figures, "CPath::FindTValue and CPath::TPt");
     AddValues(*command, "--to", options->to, "The point (may be repeated)")
         ->required()
         ->type_name("H,V");
-    command->add_flag("--json", options->json, "Print JSON");
-    command->footer("Example: trammel nearest drawing.svg --to 12,7.5");
+    command->footer(std::string(kAccuracyHelp) +
+                    "\nExample: trammel nearest drawing.svg --to 12,7.5");
     command->callback([options] { Run(*options); });
 }
 

@@ -3,23 +3,27 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "ManyFiles.h"
 #include "Numbers.h"
 #include "Outlines.h"
-#include "Output.h"
-#include "Tracer.h"
 
+#include <trammel/OutlineMeasure.h>
+#include <trammel/PathMeasure.h>
 #include <trammel/UTrigonometry.h>
 
 #include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <utility>
 
 namespace tool {
 
 namespace {
 
 struct Options {
-    Source source;
+    Sources sources;
+    FigureOptions figures;
     std::vector<std::string> at;
-    bool json = false;
 };
 
 std::vector<double> Fractions(std::vector<std::string> const& texts) {
@@ -35,43 +39,91 @@ std::vector<double> Fractions(std::vector<std::string> const& texts) {
     return fractions;
 }
 
-void Run(Options const& options) {
-    std::vector<double> const fractions = Fractions(options.at);
-    Drawing const drawing = Load(options.source);
-    std::string text;
+/// The rounding of a direction, in radians.
+constexpr double kRounding = 0x1p-44;
+
+/// A place on an outline.
+struct Found {
+    TPoint<double> point;
+    TPoint<double> direction;
+    double curvature;
+};
+
+/// Returns the places at the fractions of an outline's length, and stores the length.
+std::vector<Found> PlacesOf(CPath const& path, std::vector<double> const& fractions, bool classic,
+                            double& length) {
+    std::vector<Found> places;
+    if (classic) {
+        CPath const measured = WithoutDots(path);
+        trammel::PathMeasure const measure(measured);
+        length = measure.Length();
+        for (double const t : fractions) {
+            trammel::PathMeasure::Place const place = measure.At(t);
+            places.push_back({place.point, place.direction, 0.0});
+        }
+    } else {
+        trammel::OutlineMeasure const measure(path);
+        length = measure.Length();
+        for (double const t : fractions) {
+            trammel::OutlineMeasure::Place const place = measure.At(t);
+            places.push_back({place.point, place.tangent, place.curvature});
+        }
+    }
+    return places;
+}
+
+FileResult PointsIn(Options const& options, std::vector<double> const& fractions,
+                    Drawing const& drawing) {
+    CheckNotEmpty(drawing);
+    FileResult result;
+    std::string const prefix = options.sources.Prefix(drawing.file);
     Json outlines = Json::array();
     for (Outline const& outline : drawing.outlines) {
-        double const length = LengthToDivide(drawing, outline);
-        CPath const path = WithoutDots(outline.path);
-        Tracer const tracer(path);
+        LengthToDivide(drawing, outline);
+        Figures const figures(outline.path, options.figures);
+        double length = 0.0;
+        std::vector<Found> const places =
+            PlacesOf(outline.path, fractions, options.figures.classic, length);
         Json points = Json::array();
-        for (double const t : fractions) {
-            TPoint<double> const point = path.TPt(t);
-            TPoint<double> const direction = tracer.At(t * length).direction;
-            double const degrees = RadToDeg(direction.Angle());
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            TPoint<double> const point = figures.Of(places[i].point);
+            // The direction turns by the curvature for each unit of length.
+            double const turn =
+                FigureAccuracy(outline.path) * std::abs(places[i].curvature) + kRounding;
+            double const error = options.figures.classic ? 0.0 : turn;
+            double const accuracy = DigitAccuracy(error);
+            TPoint<double> const direction(RoundedTo(places[i].direction.h, accuracy),
+                                           RoundedTo(places[i].direction.v, accuracy));
+            double const degrees =
+                RoundedTo(RadToDeg(places[i].direction.Angle()), DigitAccuracy(RadToDeg(error)));
             Json json;
-            json["at"] = t;
+            json["at"] = fractions[i];
             json["point"] = ToJson(point);
             json["direction"] = ToJson(direction);
             json["angle"] = degrees;
             points.push_back(std::move(json));
-            text += OneLine(outline.id) + ": at " + Figure(t) + ": " + Figure(point.h) + "," +
-                    Figure(point.v) + " direction " + Figure(direction.h) + "," +
-                    Figure(direction.v) + " (" + Figure(degrees) + " degrees)\n";
+            result.text += prefix + OneLine(outline.id) + ": at " + Figure(fractions[i]) + ": " +
+                           Figure(point.h) + "," + Figure(point.v) + " direction " +
+                           Figure(direction.h) + "," + Figure(direction.v) + " (" +
+                           Figure(degrees) + " degrees)\n";
         }
         Json json;
         json["id"] = outline.id;
-        json["length"] = length;
+        json["length"] = figures.Of(length);
         json["points"] = std::move(points);
+        figures.AddAccuracy(json);
         outlines.push_back(std::move(json));
     }
-    if (options.json) {
-        Json json;
-        json["file"] = drawing.file;
-        json["outlines"] = std::move(outlines);
-        text = JsonText(json);
-    }
-    Print(text);
+    result.json = FileJson(drawing, options.sources, options.figures);
+    result.json["outlines"] = std::move(outlines);
+    return result;
+}
+
+void Run(Options const& options) {
+    std::vector<double> const fractions = Fractions(options.at);
+    options.figures.Accuracy();
+    ForEachFile(options.sources,
+                [&](Drawing const& drawing) { return PointsIn(options, fractions, drawing); });
 }
 
 } // namespace
@@ -80,15 +132,16 @@ void AddPoint(CLI::App& app) {
     auto const options = std::make_shared<Options>();
     CLI::App* const command =
         app.add_subcommand("point", "Position and direction at fractions of each outline's length");
-    AddSource(*command, options->source);
+    AddSources(*command, options->sources);
+    AddFigureOptions(*command, options->figures, "CPath::Length and CPath::TPt");
     AddValues(*command, "--at", options->at,
               "Fraction of the length, 0 to 1 (several: with commas, or the option repeated)")
         ->required()
         ->type_name("T[,T...]");
-    command->add_flag("--json", options->json, "Print JSON");
     command->footer("The direction is that in which the outline is drawn, as a vector of length 1 "
                     "and as an angle from\nthe right, downward positive; at a corner that of the "
-                    "segment which ends there.\nExample: trammel point drawing.svg --at 0.3");
+                    "segment which ends there.\n" +
+                    std::string(kAccuracyHelp) + "\nExample: trammel point drawing.svg --at 0.3");
     command->callback([options] { Run(*options); });
 }
 

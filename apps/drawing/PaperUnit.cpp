@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+
+#include "PaperUnit.h"
+
+#include "Error.h"
+#include "Numbers.h"
+#include "SvgAttributes.h"
+#include "SvgDocument.h"
+
+#include <trammel/CMatrix3x3.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <string_view>
+
+namespace tool {
+
+namespace {
+
+/// Returns the number of pixels in one of a unit; empty for a name that is no unit on paper.
+std::optional<double> Pixels(std::string_view unit) {
+    static constexpr std::array<std::string_view, 8> units{"",   "mm", "cm", "in",
+                                                           "pt", "pc", "Q",  "px"};
+    if (std::find(units.begin(), units.end(), unit) == units.end()) {
+        return std::nullopt;
+    }
+    return UserUnits(Length{1.0, std::string(unit)}, std::nullopt);
+}
+
+} // namespace
+
+void ToPaperUnit(Drawing& drawing, std::string const& unit) {
+    std::optional<double> const one = Pixels(unit);
+    if (!one || unit.empty()) {
+        throw Error("--unit", "'" + unit + "'", "must be mm, cm, in, pt, pc, Q or px");
+    }
+    Page& page = drawing.page;
+    std::optional<double> const pageUnit = Pixels(page.unit);
+    if (page.frame.Empty() || !(page.width > 0.0 && page.height > 0.0) || !pageUnit) {
+        throw Error(drawing.file, "", "does not tell its size on paper, which --unit needs");
+    }
+    TPoint<double> const size(page.width * *pageUnit / *one, page.height * *pageUnit / *one);
+    std::string_view const rule =
+        drawing.document ? drawing.document->Root().attribute("preserveAspectRatio").value() : "";
+    CMatrix3x3 const fit = FitViewBox(page.frame, size, rule);
+    for (Outline& outline : drawing.outlines) {
+        outline.path.Transform(fit);
+    }
+    page.frame = TRect<double>(0.0, 0.0, size.h, size.v);
+}
+
+} // namespace tool

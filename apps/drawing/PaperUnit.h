@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+
+#ifndef TRAMMEL_APP_PAPERUNIT_H
+#define TRAMMEL_APP_PAPERUNIT_H
+
+#include "Drawing.h"
+
+#include <string>
+
+namespace tool {
+
+/// Moves the drawing's outlines to coordinates in a unit of length on paper, counted from the
+/// page's top left corner. The page has this frame, and stays as large as it is. Throws Error
+/// unless the unit is mm, cm, in, pt, pc, Q or px, and when the drawing does not tell its size.
+void ToPaperUnit(Drawing& drawing, std::string const& unit);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,274 @@
+// SPDX-License-Identifier: MIT
+
+#include "ManyFiles.h"
+
+#include "Error.h"
+#include "Input.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "PaperUnit.h"
+#include "Progress.h"
+#include "Warning.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <optional>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// Gives the names of the files, those of the command line first.
+class Names {
+public:
+    explicit Names(Sources const& sources) : mSources(sources) {
+        std::string const& list = sources.filesFrom;
+        if (list.empty()) {
+            return;
+        }
+        mStream.reset(list == kStandardStream ? stdin : std::fopen(list.c_str(), "rb"));
+        if (!mStream) {
+            throw Error(list, "", "cannot be opened: " + SystemMessage(errno));
+        }
+    }
+
+    /// Returns the next name; empty at the end.
+    std::optional<std::string> Next() {
+        if (mNext < mSources.files.size()) {
+            return mSources.files[mNext++];
+        }
+        char const end = mSources.null ? '\0' : '\n';
+        while (mStream) {
+            std::string name;
+            int c = std::getc(mStream.get());
+            for (; c != EOF && c != end; c = std::getc(mStream.get())) {
+                name += static_cast<char>(c);
+            }
+            if (c == EOF && std::ferror(mStream.get()) != 0) {
+                throw Error(mSources.filesFrom, "", "cannot be read: " + SystemMessage(errno));
+            }
+            if (!mSources.null && !name.empty() && name.back() == '\r') {
+                name.pop_back();
+            }
+            if (!name.empty()) {
+                return name;
+            }
+            if (c == EOF) {
+                mStream.reset();
+            }
+        }
+        return std::nullopt;
+    }
+
+private:
+    struct Closer {
+        void operator()(std::FILE* file) const {
+            if (file != stdin) {
+                std::fclose(file);
+            }
+        }
+    };
+
+    Sources const& mSources;
+    std::size_t mNext = 0;
+    std::unique_ptr<std::FILE, Closer> mStream;
+};
+
+/// Returns JSON as text without a line end, its lines after the first indented.
+std::string Indented(Json const& json, std::string const& indent) {
+    std::string text = JsonText(json);
+    text.pop_back();
+    std::string out;
+    for (char const c : text) {
+        out += c;
+        if (c == '\n') { // texts in JSON have none
+            out += indent;
+        }
+    }
+    return out;
+}
+
+/// Prints the results of the files as they come.
+class Report {
+public:
+    Report(Sources const& sources, bool list) : mJson(sources.json), mList(list) {}
+
+    void Add(FileResult const& result) {
+        if (!mJson) {
+            Print(result.text);
+        } else if (!mList) {
+            Print(JsonText(result.json));
+        } else {
+            std::string const before = mFiles ? ",\n  " : "{\n \"files\": [\n  ";
+            mFiles = true;
+            Print(before + Indented(result.json, "  "));
+        }
+    }
+
+    void AddError(std::string const& file, std::string const& message) {
+        PrintDiagnostic(message);
+        mFailed = true;
+        Json json;
+        json["file"] = file;
+        json["message"] = message;
+        mErrors.push_back(std::move(json));
+    }
+
+    bool Failed() const { return mFailed; }
+
+    void Close(Closing closing) {
+        if (mJson && mList) {
+            std::string text = mFiles ? "\n ]" : "{\n \"files\": []";
+            if (mFailed) {
+                closing.json["errors"] = mErrors;
+            }
+            for (auto const& [name, value] : closing.json.items()) {
+                text += ",\n \"" + name + "\": " + Indented(value, " ");
+            }
+            Print(text + "\n}\n");
+        } else if (!mJson) {
+            Print(closing.text);
+        }
+    }
+
+private:
+    bool mJson;
+    bool mList;
+    bool mFiles = false;
+    bool mFailed = false;
+    Json mErrors = Json::array();
+};
+
+} // namespace
+
+std::string Sources::Prefix(std::string const& file) const {
+    return Several() ? OneLine(file) + ": " : "";
+}
+
+void AddSources(CLI::App& command, Sources& sources) {
+    command
+        .add_option("FILE", sources.files,
+                    "SVG drawings, fonts and maps (TopoJSON, GeoJSON); - for standard input")
+        ->type_name("");
+    command
+        .add_option("--files-from", sources.filesFrom,
+                    "Read also the files that LIST names, one a line; - for standard input")
+        ->type_name("LIST");
+    command.add_flag("--null", sources.null, "The names in LIST end with NUL, not with lines");
+    AddIds(command, sources.ids);
+    command
+        .add_option("--unit", sources.unit,
+                    "All figures in mm, cm, in, pt, pc, Q or px on the drawing's page, those of "
+                    "options too")
+        ->type_name("U");
+    command.add_flag("--json", sources.json, "Print JSON");
+    sources.command = command.get_name();
+}
+
+void ForEachFile(Sources const& sources, std::function<FileResult(Drawing&)> const& work,
+                 std::function<Closing()> const& closing) {
+    if (sources.files.empty() && sources.filesFrom.empty()) {
+        throw Error(sources.command, "",
+                    "FILE is required (see trammel " + sources.command + " --help)");
+    }
+    Names names(sources);
+    Report report(sources, sources.Several() || closing);
+    Progress progress("reading files", sources.files.size());
+    std::size_t done = 0;
+    while (std::optional<std::string> const name = names.Next()) {
+        FileResult result;
+        try {
+            Drawing drawing = ReadDrawing(*name);
+            KeepOnly(drawing, sources.ids);
+            if (!sources.unit.empty()) {
+                ToPaperUnit(drawing, sources.unit);
+            }
+            result = work(drawing);
+        } catch (Error const& e) {
+            report.AddError(*name, e.what());
+            continue;
+        } catch (std::bad_alloc const&) {
+            report.AddError(*name, Error(*name, "", "not enough memory").what());
+            continue;
+        }
+        report.Add(result);
+        if (++done <= sources.files.size()) {
+            progress.Update(done);
+        }
+    }
+    if (!(report.Failed() && !sources.Several())) {
+        report.Close(closing ? closing() : Closing());
+    }
+    if (report.Failed()) {
+        throw ToldErrors();
+    }
+}
+
+double FigureOptions::Accuracy() const {
+    if (accuracy.empty()) {
+        return 0.0;
+    }
+    double const asked = NumberOf("--accuracy", accuracy);
+    if (!(asked > 0.0)) {
+        throw Error("--accuracy", "'" + accuracy + "'", "must be above 0");
+    }
+    if (classic) {
+        throw Error("--accuracy", "", "classic figures have no accuracy");
+    }
+    return std::pow(10.0, std::floor(std::log10(asked)));
+}
+
+void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls) {
+    command
+        .add_option("--accuracy", options.accuracy,
+                    "How far figures may be off (default: all printed digits are right)")
+        ->type_name("A");
+    command.add_flag("--classic", options.classic, "The approximate figures of " + calls);
+}
+
+Json FileJson(Drawing const& drawing, Sources const& sources, FigureOptions const& options) {
+    Json json;
+    json["file"] = drawing.file;
+    if (!sources.unit.empty()) {
+        json["unit"] = sources.unit;
+    }
+    if (options.classic) {
+        json["classic"] = true;
+    }
+    return json;
+}
+
+Figures::Figures(CPath const& path, FigureOptions const& options)
+    : Figures(FigureAccuracy(path), options) {}
+
+Figures::Figures(CPath const& path, FigureOptions const& options, TPoint<double> const& p)
+    : Figures(FigureAccuracy(path, p), options) {}
+
+Figures::Figures(double error, FigureOptions const& options)
+    : mAccuracy(options.classic ? 0.0 : std::max(DigitAccuracy(error), options.Accuracy())) {}
+
+void Figures::AddAccuracy(Json& json) const {
+    if (mAccuracy > 0.0) {
+        json["accuracy"] = mAccuracy;
+    }
+}
+
+double Figures::Of(double number) const { return RoundedTo(number, mAccuracy); }
+
+TPoint<double> Figures::Of(TPoint<double> const& p) const {
+    return TPoint<double>(Of(p.h), Of(p.v));
+}
+
+TRect<double> Figures::Of(TRect<double> const& r) const {
+    return TRect<double>(Of(r.left), Of(r.top), Of(r.right), Of(r.bottom));
+}
+
+} // namespace tool

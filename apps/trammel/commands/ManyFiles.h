@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+
+// Commands that read many files: the choice of files, the figures' unit and accuracy, and the
+// report, which is printed file by file.
+//
+// A file that cannot be read costs one line on standard error. The run goes on, and ends with the
+// status of a failure. JSON for a single file is the object of that file. For several files, and
+// where
+// --files-from names them, it is {"files": [OBJECT...]}. Files that could not be read are then
+// listed as "errors".
+
+#ifndef TRAMMEL_APP_MANYFILES_H
+#define TRAMMEL_APP_MANYFILES_H
+
+#include "CommandSupport.h"
+#include "Drawing.h"
+
+#include <exception>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// The files that a command reads, and what it is to do with each.
+struct Sources {
+    std::string command; ///< its name
+    std::vector<std::string> files;
+    std::string filesFrom;        ///< a file that names files, "-" for standard input; may be empty
+    bool null = false;            ///< the names end with NUL instead of a line end
+    std::vector<std::string> ids; ///< empty: all outlines
+    std::string unit;             ///< of all figures; empty: the drawing's own
+    bool json = false;
+
+    /// True when there may be more or fewer files than one.
+    bool Several() const { return files.size() != 1 || !filesFrom.empty(); }
+    /// Returns what begins a line for people: the file's name if there are several.
+    std::string Prefix(std::string const& file) const;
+};
+
+/// Adds FILE..., --files-from, --null, --id, --unit and --json.
+void AddSources(CLI::App& command, Sources& sources);
+
+/// What a command found in one file. Only one of both needs to be set: `json` with --json, and
+/// `text` without.
+struct FileResult {
+    std::string text;
+    Json json;
+};
+
+/// What a report ends with: lines, and further members beside "files".
+typedef FileResult Closing;
+
+/// Is thrown at the end of a run with errors that are told already.
+class ToldErrors : public std::exception {
+public:
+    char const* what() const noexcept override { return "errors were told"; }
+};
+
+/// Reads the files one after the other, keeps the chosen outlines in the unit asked for, and prints
+/// what `work` finds in each. An Error of one file is told, and at the end of the run comes
+/// ToldErrors.
+///
+/// If there is a `closing`, JSON is always the object of several files, and what `closing` returns
+/// is printed at the end. Nothing is printed if a single file cannot be read.
+void ForEachFile(Sources const& sources, std::function<FileResult(Drawing&)> const& work,
+                 std::function<Closing()> const& closing = nullptr);
+
+/// How exact figures are.
+struct FigureOptions {
+    std::string accuracy;
+    bool classic = false;
+
+    /// Returns the accuracy asked for, or the next lower power of ten; 0 for the finest that there
+    /// is. Throws Error.
+    double Accuracy() const;
+};
+
+/// What the help says of figures.
+inline constexpr char const* kAccuracyHelp =
+    "Figures are right to the digits printed; \"accuracy\" in JSON tells how far they may be off.";
+
+/// Adds --accuracy and --classic. `calls` names the calls that --classic takes.
+void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls);
+
+/// Returns the beginning of a file's object: "file", and "unit" and "classic" if they were asked
+/// for.
+Json FileJson(Drawing const& drawing, Sources const& sources, FigureOptions const& options);
+
+/// The figures of one outline, rounded to the digits that are right.
+class Figures {
+public:
+    /// Figures of the outline. Classic figures are not rounded.
+    Figures(CPath const& path, FigureOptions const& options);
+    /// Figures of the outline and a point.
+    Figures(CPath const& path, FigureOptions const& options, TPoint<double> const& p);
+
+    /// Figures that are off by at most `error` before they are rounded.
+    Figures(double error, FigureOptions const& options);
+
+    /// Returns the most by which a figure is off, in the unit of lengths: a power of ten, the place
+    /// of the last digit. 0 for classic figures.
+    double Accuracy() const { return mAccuracy; }
+    double Of(double number) const;
+    TPoint<double> Of(TPoint<double> const& p) const;
+    TRect<double> Of(TRect<double> const& r) const;
+    /// Adds "accuracy", unless the figures are classic.
+    void AddAccuracy(Json& json) const;
+
+private:
+    double mAccuracy;
+};
+
+} // namespace tool
+
+#endif

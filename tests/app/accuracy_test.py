@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+
+"""Tests of how exact the figures are: each is compared with one that the test works out itself, by
+quadrature, by the roots of derivatives or by dense sampling. The curves are such on which subdivision
+up to a limit goes wrong."""
+
+import json
+import math
+import unittest
+
+from support import AppTest, svg
+
+# The middle of the S lies on its chord.
+S = ((0, 0), (300, 550), (314, -550), (614, 0))
+LOOP = ((10, 10), (150, 90), (-40, 95), (95, 5))
+CUSP = ((0, 0), (100, 100), (0, 100), (100, 0))
+# The middle of one half lies on that half's chord, which halving takes for the whole half.
+BEND = ((0, 0), (-300, 420), (60, -380), (614, 0))
+CURVES = {"s": S, "bend": BEND, "loop": LOOP, "cusp": CUSP}
+
+
+def at(curve, t):
+    """The point of a cubic curve at a parameter."""
+    u = 1 - t
+    return tuple(u * u * u * a + 3 * u * u * t * b + 3 * u * t * t * c + t * t * t * d
+                 for a, b, c, d in zip(*curve))
+
+
+def speed(curve, t):
+    u = 1 - t
+    return math.hypot(*(3 * (u * u * (b - a) + 2 * u * t * (c - b) + t * t * (d - c))
+                        for a, b, c, d in zip(*curve)))
+
+
+def length(curve, begin=0.0, end=1.0, steps=20000):
+    """The arc length by the midpoint rule, whose error is far below 1e-4 of a digit printed."""
+    h = (end - begin) / steps
+    return math.fsum(speed(curve, begin + (i + 0.5) * h) for i in range(steps)) * h
+
+
+def bounds(curve):
+    """The bounds of a curve, from the zeros of its derivatives."""
+    sides = []
+    for a, b, c, d in zip(*curve):
+        p, q, r = b - a, c - b, d - c
+        x, y, z = p - 2 * q + r, q - p, p
+        roots = []
+        if x != 0:
+            inside = y * y - x * z
+            if inside >= 0:
+                roots = [(-y + sign * math.sqrt(inside)) / x for sign in (-1, 1)]
+        elif y != 0:
+            roots = [-z / (2 * y)]
+        values = [a, d] + [(1 - t) ** 3 * a + 3 * (1 - t) ** 2 * t * b + 3 * (1 - t) * t * t * c +
+                           t ** 3 * d for t in roots if 0 < t < 1]
+        sides.append((min(values), max(values)))
+    return [sides[0][0], sides[1][0], sides[0][1], sides[1][1]]
+
+
+def distance_to_segment(p, a, b):
+    d = (b[0] - a[0], b[1] - a[1])
+    square = d[0] * d[0] + d[1] * d[1]
+    t = 0.0
+    if square > 0:
+        t = max(0.0, min(1.0, ((p[0] - a[0]) * d[0] + (p[1] - a[1]) * d[1]) / square))
+    return math.hypot(p[0] - a[0] - t * d[0], p[1] - a[1] - t * d[1])
+
+
+def path_text(curve):
+    return "M{0} {1}C{2} {3} {4} {5} {6} {7}".format(*(x for p in curve for x in p))
+
+
+class Accuracy(AppTest):
+    def setUp(self):
+        super().setUp()
+        self.file = self.write("curves.svg", svg("".join(
+            f'<path id="{name}" d="{path_text(curve)}"/>' for name, curve in CURVES.items())))
+
+    def test_lengths_and_bounds_are_right_to_the_digits_printed(self):
+        data = self.run_json("measure", self.file)
+        for outline in data["files"][0]["outlines"]:
+            curve = CURVES[outline["id"]]
+            with self.subTest(outline["id"]):
+                self.assertLess(outline["accuracy"], 1e-7)
+                self.assertLess(abs(outline["length"] - length(curve)), 1e-4 * outline["length"]
+                                if outline["id"] == "cusp" else 1e-5)
+                self.assertBox(outline["bounds"], bounds(curve), outline["accuracy"])
+        text = self.run_text("measure", self.file, "--id", "s")
+        self.assertIn("length " + f"{length(S, steps=200000):.8g},", text)
+
+    def test_an_accuracy_can_be_asked_for(self):
+        data = self.run_json("measure", self.file, "--id", "s", "--accuracy", "0.01")
+        outline = data["files"][0]["outlines"][0]
+        self.assertEqual(outline["accuracy"], 0.01)
+        self.assertEqual(outline["length"], round(length(S), 2))
+        self.fails("measure", self.file, "--accuracy", "0", names=["--accuracy"])
+        self.fails("point", self.file, "--at", "0", "--accuracy", "x", names=["--accuracy"])
+
+    def test_classic_figures_are_still_there(self):
+        exact = self.run_json("measure", self.file, "--id", "s")
+        classic = self.run_json("measure", self.file, "--id", "s", "--classic")
+        self.assertTrue(classic["files"][0]["classic"])
+        self.assertNotIn("classic", exact["files"][0])
+        outline = classic["files"][0]["outlines"][0]
+        self.assertNotIn("accuracy", outline)
+        self.assertGreater(abs(outline["length"] - length(S)), 1e-5)
+        # The path's own bounds are those of the control points, but for one at the origin.
+        self.assertEqual(outline["bounds"], [300, -550, 614, 550])
+        found = [self.run_json("nearest", self.file, "--id", "s", "--to", "150,240", *more)
+                 ["nearest"][0] for more in ([], ["--classic"])]
+        self.assertNotEqual(found[0]["distance"], found[1]["distance"])
+        self.assertAlmostEqual(found[0]["distance"], found[1]["distance"], 2)
+        points = [self.run_json("point", self.file, "--id", "s", "--at", "0.3", *more)
+                  ["outlines"][0]["points"][0]["point"] for more in ([], ["--classic"])]
+        self.assertNotEqual(points[0], points[1])
+        self.assertBox(points[0], points[1], 0.5)
+        self.run_text("flatten", self.file, "--error", "1", "--classic", "-o",
+                      self.path("flat.svg"))
+        self.assertGreater(self.deviation(BEND, self.flat_points("flat.svg")["bend"]), 50)
+        hit = self.run_json("hit", self.file, "--id", "s", "--at", "307,0", "--classic")
+        self.assertEqual(list(hit["points"][0]["hits"][0]), ["id", "inside", "onOutline"])
+        self.fails("measure", self.file, "--classic", "--accuracy", "1", names=["--accuracy"])
+
+    def test_a_flattened_curve_stays_within_its_error(self):
+        self.run_text("flatten", self.file, "--error", "1", "-o", self.path("flat.svg"))
+        flat = self.flat_points("flat.svg")
+        for name, curve in CURVES.items():
+            with self.subTest(name):
+                points = flat[name]
+                self.assertLessEqual(self.deviation(curve, points), 1)
+                samples = [at(curve, i / 2000) for i in range(2001)]
+                for a, b in zip(points, points[1:]):
+                    for i in range(5):
+                        p = (a[0] + (b[0] - a[0]) * i / 4, a[1] + (b[1] - a[1]) * i / 4)
+                        nearest = min(math.hypot(p[0] - q[0], p[1] - q[1]) for q in samples)
+                        self.assertLess(nearest, 1 + 0.5)  # samples are apart
+
+    def deviation(self, curve, points):
+        """How far the curve is from the polyline, at the samples that are farthest."""
+        return max(min(distance_to_segment(at(curve, i / 1000), a, b)
+                       for a, b in zip(points, points[1:])) for i in range(1001))
+
+    def flat_points(self, name):
+        """The vertices of each outline of a file of lines."""
+        data = self.run_json("polygons", self.path(name), "--describe")
+        return {outline["id"]: [tuple(map(float, line.split(", "))) for line in
+                                outline["polygons"][0]["description"].split("\n") if line]
+                for outline in data["outlines"]}
+
+    def test_places_follow_the_length(self):
+        fractions = [i / 200 for i in range(201)]
+        result = self.run_json("point", self.file, "--id", "s", "--at",
+                               ",".join(map(repr, fractions)))["outlines"][0]
+        points = [p["point"] for p in result["points"]]
+        total = result["length"]
+        self.assertEqual(points[0], [0, 0])
+        self.assertEqual(points[-1], [614, 0])
+        for before, after in zip(points, points[1:]):
+            step = math.hypot(after[0] - before[0], after[1] - before[1])
+            self.assertLessEqual(step, total / 200 * (1 + 1e-9))
+            self.assertGreater(step, total / 200 * 0.98)
+        # The middle of the S is its middle by length, too.
+        self.assertBox(points[100], [307, 0], 1e-9)
+
+    def test_the_end_of_a_path_is_its_end(self):
+        below = math.nextafter(1.0, 0.0)
+        points = self.run_json("point", self.file, "--id", "s", "--at", f"1,{below!r}")
+        for place in points["outlines"][0]["points"]:
+            self.assertBox(place["point"], [614, 0], 1e-9)
+
+    def test_hit_agrees_with_nearest(self):
+        # A point beside the S, 0.57 away at a right angle.
+        t = 0.3
+        p = at(S, t)
+        ahead, behind = at(S, t + 1e-6), at(S, t - 1e-6)
+        d = (ahead[0] - behind[0], ahead[1] - behind[1])
+        size = math.hypot(*d)
+        point = f"{p[0] - d[1] / size * 0.57!r},{p[1] + d[0] / size * 0.57!r}"
+        found = self.run_json("nearest", self.file, "--id", "s", "--to", point)["nearest"][0]
+        self.assertAlmostEqual(found["distance"], 0.57, 8)
+        self.assertAlmostEqual(found["fraction"], length(S, 0, t) / length(S), 6)
+        hits = {tolerance: self.run_json("hit", self.file, "--id", "s", "--at", point,
+                                         "--tolerance", tolerance)["points"][0]["hits"]
+                for tolerance in ("0.5", "0.7")}
+        self.assertTrue(all(not hit["onOutline"] for hit in hits["0.5"]))
+        self.assertTrue(hits["0.7"][0]["onOutline"])
+        self.assertEqual(hits["0.7"][0]["distance"], found["distance"])
+
+    def test_a_vertex_at_the_origin_is_like_any_other(self):
+        for shift in (0, 7):
+            body = f'<path id="p" d="M{shift} {shift}h10v10h-10z"/>'
+            file = self.write("square.svg", svg(body))
+            for h, v, inside in ((5, 5, True), (1, 9, True), (-1, 5, False), (5, -1, False),
+                                 (11, 5, False), (0.5, 0.25, True)):
+                with self.subTest((shift, h, v)):
+                    data = self.run_json("hit", file, "--at", f"{h + shift},{v + shift}")
+                    hits = data["points"][0]["hits"]
+                    self.assertEqual([hit["inside"] for hit in hits], [True] if inside else [])
+
+    def test_inside_is_by_the_drawings_own_rule(self):
+        ring = 'd="M0 0H20V20H0zM5 5H15V15H5z"'
+        file = self.write("rings.svg", svg(
+            f'<path id="default" {ring}/><path id="even" fill-rule="evenodd" {ring}/>'))
+        def inside(*more):
+            data = self.run_json("hit", file, "--at", "10,9", *more)
+            return [(h["id"], h["winding"], h["rule"]) for h in data["points"][0]["hits"]]
+        self.assertEqual(inside(), [("default", 2, "nonzero")])
+        self.assertEqual(inside("--rule", "evenodd"), [])
+        self.assertEqual([h[0] for h in inside("--rule", "nonzero")], ["default", "even"])
+        self.fails("hit", file, "--at", "1,1", "--rule", "odd", names=["--rule", "nonzero"])
+        self.fails("hit", file, "--at", "1,1", "--rule", "nonzero", "--classic", names=["--rule"])
+
+    def test_help_and_json_tell_the_accuracy(self):
+        for command in ("measure", "point", "nearest"):
+            text = self.run_text(command, "--help")
+            self.assertIn("right to the digits printed", text)
+            self.assertIn("--accuracy", text)
+            self.assertIn("--classic", text)
+        self.assertIn("accuracy", json.dumps(self.run_json("nearest", self.file, "--to", "1,2")))
+
+
+if __name__ == "__main__":
+    unittest.main()
