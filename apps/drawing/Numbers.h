@@ -72,9 +72,9 @@ TPoint<double> PointOf(std::string const& option, std::string const& text);
 
 /// Returns a number for people: up to eight significant digits.
 std::string Figure(double number);
-/// Returns the accuracy of figures that are rounded to decimal places, of which the last one may be
-/// off by one: the least power of ten that is twice the `error` before rounding. 0 for 0, infinity
-/// and NaN.
+/// Returns the least power of ten that is at least twice the `error`. It is the accuracy of figures
+/// that are rounded to this decimal place: their last digit may be off by one. 0 for an error of 0,
+/// infinity or NaN.
 double DigitAccuracy(double error);
 /// Returns the number rounded to the decimal place that the accuracy, a power of ten, names. An
 /// accuracy of 0 leaves the number as it is.

@@ -17,7 +17,8 @@ namespace tool {
 /// most half the sides; 0 makes plain corners.
 CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius);
 
-/// Returns an ellipse of eight curves. It begins at the right and goes on to the bottom.
+/// Returns an ellipse of curves that are within 2e-9 of the greater radius. It begins at the right
+/// and goes on to the bottom.
 CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius);
 
 /// Returns straight lines from point to point.

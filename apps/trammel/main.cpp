@@ -6,6 +6,7 @@
 // says why and where.
 
 #include "Error.h"
+#include "Suggestion.h"
 #include "Warning.h"
 #include "commands/Commands.h"
 #include "commands/ManyFiles.h"
@@ -43,7 +44,15 @@ std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
         text = option            ? "unknown option "
                : command.empty() ? "unknown command "
                                  : "one argument too many: ";
-        text += "'" + unknown.front() + "'";
+        std::string const& whole = unknown.front();
+        std::string const word = option ? whole.substr(0, whole.find('=')) : whole;
+        text += "'" + whole + "'";
+        if (option && !command.empty()) {
+            text += tool::Suggestion(word, tool::OptionNames(*app.get_subcommands().back()));
+        } else if (command.empty()) {
+            text +=
+                tool::Suggestion(word, option ? tool::OptionNames(app) : tool::CommandNames(app));
+        }
     }
     if (!command.empty()) {
         command += ": ";

@@ -105,7 +105,7 @@ class Accuracy(AppTest):
         outline = classic["files"][0]["outlines"][0]
         self.assertNotIn("accuracy", outline)
         self.assertGreater(abs(outline["length"] - length(S)), 1e-5)
-        # The path's own bounds are those of the control points, but for one at the origin.
+        # The path's own bounds hold the control points, and forget one at the origin.
         self.assertEqual(outline["bounds"], [300, -550, 614, 550])
         found = [self.run_json("nearest", self.file, "--id", "s", "--to", "150,240", *more)
                  ["nearest"][0] for more in ([], ["--classic"])]

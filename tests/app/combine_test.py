@@ -47,7 +47,7 @@ class Combine(AppTest):
     def test_curves_are_flattened_within_the_error(self):
         circle = self.write("c.svg", svg('<circle cx="50" cy="50" r="20"/>'))
         areas = [self.run_json("combine", "union", circle, self.a, "--error", e)["a"]["area"]
-                 for e in ("2", "0.1", "0.0001")]
+                 for e in ("2", "0.01", "0.0001")]
         self.assertTrue(areas[0] < areas[1] < areas[2])
         self.assertLess(abs(areas[2] - 400 * math.pi), 0.1)
 

@@ -85,6 +85,51 @@ class Queries(AppTest):
             "5,5: sq inside\n10.5,5: sq on the outline\n50,50: nothing\n"
             "9.9,5: sq inside, on the outline\n")
 
+    def test_area_is_by_rule_and_signed(self):
+        file = self.write("in.svg", svg(
+            '<path id="ring" d="M0 0H20V20H0zM5 5H15V15H5z"/>'
+            '<path id="knot" fill-rule="evenodd" d="M0 0H10V10H0zM5 5H15V15H5z"/>'
+            '<path id="eight" d="M0 0L10 10L10 0L0 10z"/><path id="left" d="M0 0V10H10V0z"/>'
+            '<path id="arch" d="M0 0C0 40 40 40 40 0"/>'))
+        def areas(*more):
+            data = self.run_json("area", file, *more)
+            return {o["id"]: (o["area"], o["signedArea"], o["centroid"])
+                    for o in data["outlines"]}
+        own = areas()
+        self.assertEqual(own["ring"], (400, 500, [10, 10]))
+        self.assertEqual(own["knot"], (150, 200, [7.5, 7.5]))
+        self.assertEqual(own["eight"][:2], (50, 0))
+        self.assertEqual(own["left"][:2], (100, -100))
+        # The integral of the cubic: 0.6 of the control polygon's 40 by 40.
+        self.assertBox(own["arch"][:2], (960, -960), 1e-6)
+        self.assertBox(own["arch"][2], (20, 40 * 9 / 28), 1e-6)
+        self.assertEqual(areas("--rule", "evenodd")["ring"][0], 300)
+        self.assertEqual(areas("--rule", "nonzero")["knot"][0], 175)
+        self.assertEqual(self.run_text("area", file, "--id", "left"),
+                         "left: area 100 (nonzero), signed -100, centroid 5,5\n")
+
+    def test_intersect_tells_places_and_their_kinds(self):
+        a = self.write("a.svg", svg('<rect id="sq" width="10" height="10"/>'
+                                    '<path id="knot" d="M0 20L10 30L10 20L0 30"/>'))
+        b = self.write("b.svg", svg('<path id="line" d="M-5 4H15"/>'
+                                    '<path id="top" d="M2 0H8"/><path id="touch" d="M5 12L10 10"/>'
+                                    ))
+        data = self.run_json("intersect", a, b, "--id-a", "sq")
+        found = [(p["b"]["id"], p["kind"], p["point"]) for p in data["places"]]
+        self.assertIn(("line", "crossing", [10, 4]), found)
+        self.assertIn(("line", "crossing", [0, 4]), found)
+        self.assertIn(("touch", "end", [10, 10]), found)
+        overlap = next(p for p in data["places"] if p["kind"] == "overlap")
+        self.assertEqual((overlap["b"]["id"], overlap["point"], overlap["endPoint"]),
+                         ("top", [2, 0], [8, 0]))
+        self.assertEqual(len(found), 4)
+        knot = self.run_json("intersect", a, "--self", "--id-a", "knot")["places"]
+        self.assertEqual([(p["kind"], p["point"]) for p in knot], [("crossing", [5, 25])])
+        self.assertEqual(self.run_text("intersect", a, "--self", "--id-a", "knot"),
+                         "knot itself: crossing at 5,25\n")
+        self.assertEqual(self.run_json("intersect", a)["places"], [])
+        self.fails("intersect", a, b, "--self", names=["--self"])
+
 
 if __name__ == "__main__":
     unittest.main()

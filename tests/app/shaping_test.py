@@ -163,5 +163,54 @@ class Shaping(AppTest):
         self.assertEqual(self.measure_file("out.svg")["glyph2"]["bounds"], [0, -500, 500, 0])
 
 
+class Shapes(AppTest):
+    def area(self, *arguments):
+        self.run_text("shape", *arguments, "-o", self.path("shape.svg"))
+        outline = self.run_json("area", self.path("shape.svg"))["outlines"][0]
+        return outline["id"], outline["signedArea"]
+
+    def test_shapes_have_their_areas(self):
+        for arguments, expected in (
+                (("circle", "50,60,10", "--tolerance", "1e-9"), 100 * math.pi),
+                (("ellipse", "5,6,4,3,30", "--tolerance", "1e-9"), 12 * math.pi),
+                (("rect", "1,2,11,22"), 200),
+                (("rect", "0,0,10,20,2", "--tolerance", "1e-9"), 200 - 4 * (4 - math.pi)),
+                (("polygon", "0,0,10,6"), 150 * math.sqrt(3)),
+                (("star", "0,0,10,5,4,0"), 4 * 50 * math.sin(math.pi / 4))):
+            with self.subTest(arguments):
+                name, area = self.area(*arguments)
+                self.assertEqual(name, arguments[0])
+                self.assertAlmostEqual(area, expected, 5)
+
+    def test_a_circle_keeps_its_tolerance(self):
+        coarse = self.area("circle", "0,0,10", "--tolerance", "0.1", "--set-id", "ring")
+        self.assertEqual(coarse[0], "ring")
+        self.assertLess(abs(coarse[1] - 100 * math.pi), 20 * math.pi * 0.1)
+        self.run_text("shape", "circle", "0,0,10", "--tolerance", "1e-9", "-o",
+                      self.path("fine.svg"))
+        self.assertGreater(self.measure_file("fine.svg")["circle"]["elements"], 20)
+
+    def test_wrong_shapes_are_named(self):
+        out = self.path("out.svg")
+        self.fails("shape", "blob", "1,2", "-o", out, names=["'blob'", "star"])
+        self.fails("shape", "circle", "1,2", "-o", out, names=["circle", "1,2"])
+        self.fails("shape", "polygon", "0,0,1,2", "-o", out, names=["3"])
+        self.fails("shape", "polygon", "0,0,1,1e18", "-o", out, names=["1000000"])
+        self.fails("shape", "circle", "0,0,1", "--tolerance", "0", "-o", out,
+                   names=["--tolerance"])
+
+    def test_reverse_draws_the_other_way(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0H10V10H0z"/>'
+                                        '<path id="s" d="M0 0C3 5 31 -5 61 0"/>'))
+        self.run_text("reverse", file, "-o", self.path("out.svg"))
+        areas = [{o["id"]: o["signedArea"] for o in
+                  self.run_json("area", self.path(name))["outlines"]}
+                 for name in ("in.svg", "out.svg")]
+        self.assertEqual(areas[1]["p"], -areas[0]["p"])
+        self.assertEqual(areas[1]["s"], -areas[0]["s"])
+        point = self.run_json("point", self.path("out.svg"), "--id", "s", "--at", "0")
+        self.assertEqual(point["outlines"][0]["points"][0]["point"], [61, 0])
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -36,6 +36,19 @@ class BadCommandLines(AppTest):
             self.assertIn("Example: trammel " + command, text)
         self.assertRegex(self.run_text("--version"), r"^trammel \d+\.\d+\.\d+\n$")
 
+    def test_help_is_a_command(self):
+        self.assertEqual(self.run_text("help"), self.run_text("--help"))
+        self.assertEqual(self.run_text("help", "measure"), self.run_text("measure", "--help"))
+        self.fails("help", "mesure", names=["'mesure'", "did you mean 'measure'?"])
+
+    def test_misspelt_words_get_a_suggestion(self):
+        for word, meant in (("mesure", "measure"), ("naerest", "nearest"), ("flaten", "flatten")):
+            self.fails(word, names=[f"'{word}'", f"did you mean '{meant}'?"])
+        self.fails("measure", self.file, "--jason", names=["'--jason'", "'--json'"])
+        self.fails("hit", self.file, "--at", "1,1", "--tolerence=3", names=["'--tolerance'"])
+        self.assertNotIn("did you mean", self.fails("frobnicate"))
+        self.assertNotIn("did you mean", self.fails("measure", self.file, "--xyz"))
+
     def test_numbers_must_be_numbers(self):
         for bad in ("nan", "inf", "-inf", "1e999", "0x1", "1.2.3", " ", "a", "0.5x", "1,", ",1",
                     "0.5;0.6"):

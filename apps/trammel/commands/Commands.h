@@ -19,19 +19,25 @@ void AddMeasure(CLI::App& app);
 void AddPoint(CLI::App& app);
 void AddNearest(CLI::App& app);
 void AddHit(CLI::App& app);
+void AddArea(CLI::App& app);
+void AddIntersect(CLI::App& app);
 void AddFlatten(CLI::App& app);
 void AddCut(CLI::App& app);
+void AddReverse(CLI::App& app);
 void AddTransform(CLI::App& app);
 void AddHatch(CLI::App& app);
 void AddText(CLI::App& app);
 void AddCombine(CLI::App& app);
+void AddShape(CLI::App& app);
 void AddPolygons(CLI::App& app);
 void AddGallery(CLI::App& app);
+void AddHelp(CLI::App& app);
 
 /// All commands, in the order in which the help lists them.
 inline constexpr void (*kCommands[])(CLI::App& app) = {
-    AddMeasure,   AddPoint, AddNearest, AddHit,     AddFlatten,  AddCut,
-    AddTransform, AddHatch, AddText,    AddCombine, AddPolygons, AddGallery,
+    AddMeasure, AddPoint, AddNearest,  AddHit,       AddArea,  AddIntersect,
+    AddFlatten, AddCut,   AddReverse,  AddTransform, AddHatch, AddText,
+    AddCombine, AddShape, AddPolygons, AddGallery,   AddHelp,
 };
 
 } // namespace tool

@@ -226,11 +226,15 @@ double FigureOptions::Accuracy() const {
     return std::pow(10.0, std::floor(std::log10(asked)));
 }
 
-void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls) {
+void AddAccuracy(CLI::App& command, FigureOptions& options) {
     command
         .add_option("--accuracy", options.accuracy,
                     "How far figures may be off (default: all printed digits are right)")
         ->type_name("A");
+}
+
+void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls) {
+    AddAccuracy(command, options);
     command.add_flag("--classic", options.classic, "The approximate figures of " + calls);
 }
 

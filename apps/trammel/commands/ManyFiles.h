@@ -80,6 +80,8 @@ struct FigureOptions {
 inline constexpr char const* kAccuracyHelp =
     "Figures are right to the digits printed; \"accuracy\" in JSON tells how far they may be off.";
 
+/// Adds --accuracy.
+void AddAccuracy(CLI::App& command, FigureOptions& options);
 /// Adds --accuracy and --classic. `calls` names the calls that --classic takes.
 void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls);
 

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+
+#include "CommandSupport.h"
+#include "Commands.h"
+#include "Error.h"
+#include "ManyFiles.h"
+#include "Numbers.h"
+#include "Outlines.h"
+
+#include <trammel/Moments.h>
+#include <trammel/RegionArea.h>
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+struct Options {
+    Sources sources;
+    FigureOptions figures;
+    std::string rule;
+};
+
+/// Returns the greater extent, by which an error of places becomes one of areas.
+double Extent(CPath const& path) {
+    TRect<double> const bounds = ControlBounds(path);
+    return std::max(bounds.Width(), bounds.Height());
+}
+
+FileResult AreasIn(Options const& options, Drawing& drawing) {
+    CheckNotEmpty(drawing);
+    SetRule(drawing, options.rule);
+    FileResult result;
+    Json outlines = Json::array();
+    for (Outline const& outline : drawing.outlines) {
+        trammel::AreaWithin const region =
+            trammel::RegionArea(outline.path, outline.rule, options.figures.Accuracy());
+        trammel::AreaMoments const moments = trammel::MomentsOf(outline.path);
+        double const rounding = FigureAccuracy(outline.path) * Extent(outline.path);
+        Figures const areas(std::max(region.error, rounding), options.figures);
+        // The centroid is where the signed area divides its moment.
+        Figures const places(rounding * Extent(outline.path) / std::abs(moments.area) +
+                                 FigureAccuracy(outline.path),
+                             options.figures);
+        double const area = areas.Of(region.area);
+        double const signedArea = areas.Of(moments.area);
+        TPoint<double> const centroid = places.Of(moments.centroid);
+        Json json;
+        json["id"] = outline.id;
+        json["rule"] = NameOf(outline.rule);
+        json["area"] = area;
+        json["signedArea"] = signedArea;
+        json["centroid"] = moments.area != 0.0 ? ToJson(centroid) : Json();
+        areas.AddAccuracy(json);
+        outlines.push_back(std::move(json));
+        result.text +=
+            options.sources.Prefix(drawing.file) + OneLine(outline.id) + ": area " + Figure(area) +
+            " (" + NameOf(outline.rule) + "), signed " + Figure(signedArea) +
+            (moments.area != 0.0 ? ", centroid " + Figure(centroid.h) + "," + Figure(centroid.v)
+                                 : std::string(", no centroid")) +
+            "\n";
+    }
+    result.json = FileJson(drawing, options.sources, options.figures);
+    result.json["outlines"] = std::move(outlines);
+    return result;
+}
+
+void Run(Options const& options) {
+    options.figures.Accuracy(); // before a file is read
+    if (!options.rule.empty()) {
+        RuleOf(options.rule);
+    }
+    ForEachFile(options.sources, [&](Drawing& drawing) { return AreasIn(options, drawing); });
+}
+
+} // namespace
+
+void AddArea(CLI::App& app) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command =
+        app.add_subcommand("area", "Area and centroid of what each outline encloses");
+    AddSources(*command, options->sources);
+    AddAccuracy(*command, options->figures);
+    AddRule(*command, options->rule);
+    command->footer("Every subpath counts as closed. The signed area counts each point as often as "
+                    "the outline runs around it,\nclockwise on the page positive; the centroid is "
+                    "weighted in the same way.\n" +
+                    std::string(kAccuracyHelp) + "\nExample: trammel area drawing.svg --json");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace tool

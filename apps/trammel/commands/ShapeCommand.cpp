@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+
+#include "CommandSupport.h"
+#include "Commands.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Output.h"
+
+#include <trammel/Shapes.h>
+#include <trammel/UTrigonometry.h>
+
+#include <CLI/CLI.hpp>
+
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace tool {
+
+namespace {
+
+struct Options {
+    std::string kind;
+    std::string numbers;
+    std::string tolerance = "0.001";
+    std::string id;
+    std::string output;
+};
+
+typedef std::vector<double> Numbers;
+typedef TPoint<double> Pt;
+
+/// One kind of shape. Angles are in degrees.
+struct Kind {
+    char const* name;
+    char const* numbers; ///< what it takes, for people
+    std::size_t least;
+    std::size_t most;
+    CPath (*make)(Numbers const& n, double tolerance);
+};
+
+/// Returns a number if it was given.
+double Or(Numbers const& n, std::size_t i, double otherwise) {
+    return i < n.size() ? n[i] : otherwise;
+}
+
+/// The most vertices that a shape may have. Nobody sees more.
+constexpr double kMostVertices = 1e6;
+
+std::size_t Count(double number) {
+    if (!(number >= 3.0 && number <= kMostVertices && std::floor(number) == number)) {
+        throw Error("shape", "N", "must be a whole number from 3 to 1000000");
+    }
+    return static_cast<std::size_t>(number);
+}
+
+constexpr std::array<Kind, 5> kKinds{{
+    {"circle", "H,V,R", 3, 3,
+     [](Numbers const& n, double tolerance) {
+         return trammel::CirclePath(Pt(n[0], n[1]), n[2], tolerance);
+     }},
+    {"ellipse", "H,V,RH,RV[,DEG]", 4, 5,
+     [](Numbers const& n, double tolerance) {
+         return trammel::EllipsePath(Pt(n[0], n[1]), n[2], n[3], DegToRad(Or(n, 4, 0.0)),
+                                     tolerance);
+     }},
+    {"rect", "L,T,R,B[,RH[,RV]]", 4, 6,
+     [](Numbers const& n, double tolerance) {
+         double const hRadius = Or(n, 4, 0.0);
+         return trammel::RoundedRectPath(TRect<double>(n[0], n[1], n[2], n[3]), hRadius,
+                                         Or(n, 5, hRadius), tolerance);
+     }},
+    {"polygon", "H,V,R,N[,DEG]", 4, 5,
+     [](Numbers const& n, double) {
+         return trammel::RegularPolygonPath(Pt(n[0], n[1]), n[2], Count(n[3]),
+                                            DegToRad(Or(n, 4, -90.0)));
+     }},
+    {"star", "H,V,R,INNER,N[,DEG]", 5, 6,
+     [](Numbers const& n, double) {
+         return trammel::StarPath(Pt(n[0], n[1]), n[2], n[3], Count(n[4]),
+                                  DegToRad(Or(n, 5, -90.0)));
+     }},
+}};
+
+void Run(Options const& options) {
+    double const tolerance = NumberOf("--tolerance", options.tolerance);
+    if (!(tolerance > 0.0)) {
+        throw Error("--tolerance", "'" + options.tolerance + "'", "must be above 0");
+    }
+    for (Kind const& kind : kKinds) {
+        if (options.kind == kind.name) {
+            Numbers const n = NumbersOf(options.kind, options.numbers, kind.least, kind.most);
+            std::string const id = options.id.empty() ? options.kind : options.id;
+            std::vector<Outline> const outlines{{id, kind.make(n, tolerance)}};
+            WriteFile(options.output, PictureBytes(LinePicture(Page(), outlines), options.output));
+            return;
+        }
+    }
+    throw Error("shape", "'" + options.kind + "'",
+                "must be circle, ellipse, rect, polygon or star");
+}
+
+} // namespace
+
+void AddShape(CLI::App& app) {
+    auto const options = std::make_shared<Options>();
+    CLI::App* const command =
+        app.add_subcommand("shape", "Writes a circle, ellipse, rectangle, polygon or star");
+    command->add_option("KIND", options->kind, "circle, ellipse, rect, polygon or star")
+        ->required()
+        ->type_name("");
+    command->add_option("NUMBERS", options->numbers, "Its numbers, with commas between them")
+        ->required()
+        ->type_name("");
+    command
+        ->add_option("--tolerance", options->tolerance,
+                     "How far curves may be from the true circle or ellipse (default 0.001)")
+        ->type_name("D");
+    command->add_option("--set-id", options->id, "The id of the path (default: KIND)")
+        ->type_name("ID");
+    AddOutput(*command, options->output);
+    std::string footer = "The numbers:\n";
+    for (Kind const& kind : kKinds) {
+        footer += std::string("  ") + kind.name + " " + kind.numbers + "\n";
+    }
+    command->footer(footer +
+                    "DEG turns the shape; a polygon's first vertex is on top (-90 degrees).\n"
+                    "Example: trammel shape circle 50,50,20 --tolerance 1e-6 -o circle.svg");
+    command->callback([options] { Run(*options); });
+}
+
+} // namespace tool
