@@ -83,7 +83,7 @@ struct Vertices {
 
     explicit Vertices(TPolygon<double> const& polygon)
         : points(polygon.mHandle != nullptr ? (*polygon.mHandle)->mPoints : nullptr),
-          count(polygon.LastIndex() + 1) {}
+          count(polygon.mHandle != nullptr ? polygon.LastIndex() + 1 : 0) {}
 
     TPoint<double> const& operator[](long i) const { return points[i]; }
     /// Returns edge `i`; the last edge leads back to vertex 0.
@@ -348,10 +348,10 @@ template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {
     }
     double const target = t * Length();
     Vertices const vertices(*this);
-    long const lastEdge = LastEdge();
+    long const edgeCount = std::min(LastEdge() + 1, vertices.count);
     ChainEdges edges(vertices);
     double sum = 0.0;
-    for (long i = 0; i <= lastEdge; ++i) {
+    for (long i = 0; i < edgeCount; ++i) {
         double const before = sum;
         double const length = i + 1 < vertices.count ? edges.Next() : vertices.Edge(i).Length();
         sum += length;

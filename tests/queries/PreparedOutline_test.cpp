@@ -208,7 +208,7 @@ TEST(PreparedOutline, GivesTheWindingNumberOfEveryPointOfRandomPaths) {
             static constexpr double kSpecial[] = {
                 0.0,     -0.0,   1, -1,   1e308, -1.7e308, 1.7e308, 5e-324,
                 -5e-324, 1e-310, 3, 1e16, 1e300, -1e-300,  kNaN,    kInfinity};
-            auto const some = [&](int n) { return static_cast<double>(random.Below(n)); };
+            auto const some = [&](std::uint64_t n) { return static_cast<double>(random.Below(n)); };
             switch (kind) {
             case 0:
                 return some(9);
