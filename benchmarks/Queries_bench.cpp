@@ -3,6 +3,7 @@
 // The library's queries at the works that are compared (Compare.h):
 //
 //     trammel-accurate   AccurateCurve.h, to an accuracy of 0.001 units where no other is named
+//     trammel-into       the same flattening into the caller's memory
 //     trammel-measured   an outline measured beforehand (PathMeasure.h)
 //     trammel-outline    the same, right to rounding (OutlineMeasure.h)
 //     trammel-prepared   a polygon prepared beforehand (PreparedPolygon.h)
@@ -24,6 +25,7 @@
 #include <trammel/OutlineMeasure.h>
 #include <trammel/PathMeasure.h>
 #include <trammel/PreparedPolygon.h>
+#include <trammel/SvgPath.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -74,6 +76,52 @@ void RegisterAccurate() {
     paths.convert = [](CPath const& path) { return path; };
     paths.length = [](CPath const& path) { return trammel::ArcLength(path, kAccuracy); };
     peers::RegisterPaths("trammel-accurate", paths);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Into the caller's memory, and text
+
+constexpr std::size_t kRoom = 4096;
+
+void RegisterInto() {
+    auto const room = std::make_shared<std::vector<Pt>>(kRoom);
+    peers::CurveWorks<CBezier> curves;
+    curves.convert = [](CBezier const& curve) { return curve; };
+    curves.flatten = [room](CBezier const& curve, double tolerance) {
+        return static_cast<double>(
+            trammel::FlattenInto(curve, tolerance, room->data(), kRoom).count);
+    };
+    curves.points = [room](CBezier const& curve, double tolerance) {
+        auto const count = trammel::FlattenInto(curve, tolerance, room->data(), kRoom).count;
+        return std::vector<Pt>(room->begin(), room->begin() + static_cast<std::ptrdiff_t>(count));
+    };
+    peers::RegisterCurves("trammel-into", curves);
+
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone("path_flatten", input, "trammel-into", [=] {
+            auto const& paths = inputs::Outlines(set);
+            auto const flat = std::make_shared<trammel::FlatContours>();
+            return peers::JobOf(paths.size(), [=, &paths](std::size_t i) {
+                trammel::FlattenInto(paths[i], 0.1, *flat);
+                return static_cast<double>(flat->points.size());
+            });
+        });
+        compare::RegisterAlone("path_flatten", input, "trammel-accurate", [=] {
+            auto const& paths = inputs::Outlines(set);
+            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+                CPath lines;
+                trammel::FlattenWithin(paths[i], 0.1, lines);
+                return static_cast<double>(lines.mPts.size());
+            });
+        });
+        compare::RegisterAlone("path_text", input, "trammel", [=] {
+            auto const& paths = inputs::Outlines(set);
+            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+                return static_cast<double>(trammel::WriteSvgPath(paths[i]).size());
+            });
+        });
+    }
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -271,6 +319,7 @@ void RegisterPrepared() {
 
 bool RegisterAll() {
     RegisterAccurate();
+    RegisterInto();
     RegisterMeasured();
     RegisterOutlines();
     RegisterPrepared();

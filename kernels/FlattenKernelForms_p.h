@@ -10,6 +10,7 @@
 #include "FlattenKernels_p.h"
 #include "Vector_p.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace trammel_detail {
@@ -403,7 +404,8 @@ DivideIntoFew(CubicLanes<Vector> const& c, FewPanels<Vector> const& panels, int 
         Vector const share = Vector::Load(kShares[chords] + i);
         Vector const t = Select(share < Vector(1.0), panels.At(share), Vector(1.0));
         PlaceLanes<Vector> const places = c.At(t);
-        double* const to[4] = {out + 2 * i, out + 2 * i + 2, out + 2 * i + 4, out + 2 * i + 6};
+        double* const begin = out + std::ptrdiff_t{2} * i;
+        double* const to[4] = {begin, begin + 2, begin + 4, begin + 6};
         StorePairs(originV + places.v, originH + places.h, to);
         auto const keeps = Keep(Preceding(before, places), places, Vector(limit));
         keeping |= keeps.Bits() << static_cast<unsigned>(i);
@@ -468,7 +470,7 @@ template <class Vector>
         double const square = c.endH * c.endH + c.endV * c.endV;
         ChordDeviation<double> const off =
             DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
-        if (IsChord(square, limit) & (off.Square() <= limit * square)) {
+        if (IsChord(square, limit) && off.Square() <= limit * square) {
             return 1;
         }
         if (planned <= 1.0) {
