@@ -375,7 +375,7 @@ private:
     /// a third of the derivative there.
     static Stretch Around(Cubic const& c, double t, double length, double reach) {
         double const by = reach / (3.0 * length);
-        Stretch stretch{std::max(t - by, 0.0), std::min(t + by, 1.0)};
+        Stretch stretch{std::max(0.0, t - by), std::min(1.0, t + by)}; // the whole piece for a NaN
         constexpr double kSlow = 0.125;
         if (length < kSlow * LongestOf(ArmsOf(c))) {
             // The derivative is much greater nearby, as beside a cusp.

@@ -55,7 +55,8 @@ private:
         double step = (mForward ? 0.25 : -0.25) * radius / PolygonLength(c);
         double far;
         while (true) {
-            far = std::abs(end - near) <= std::abs(step) || !(step == step) ? end : near + step;
+            // A NaN goes to the end as well.
+            far = std::abs(end - near) > std::abs(step) && step != 0.0 ? near + step : end;
             mPoint = PlaceAt(c, far).point;
             if (Square(mPoint - centre) > limit) {
                 break;

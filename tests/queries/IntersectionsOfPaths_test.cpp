@@ -273,6 +273,42 @@ TEST(IntersectionsOfPaths, OfAnySizeAndPlaceAreAlike) {
     }
 }
 
+TEST(IntersectionsOfPaths, EndForValuesFromTheEdgesOfWhatDoublesHold) {
+    // Elements of 1e-300 beside such of 1e300 once kept the walk along a branch from ending.
+    double const values[] = {0,       1,        -1,     1e-300,
+                             -1e-300, 1e300,    -1e300, 5e-324,
+                             2,       1e-16,    1e16,   trammel_test::kNaN,
+                             1.7e308, -1.7e308, 3,      trammel_test::kInf};
+    std::mt19937_64 generator(13);
+    auto const below = [&](std::size_t n) { return static_cast<std::size_t>(generator() % n); };
+    for (int i = 0; i < 1500; ++i) {
+        std::size_t const kinds = i % 2 == 0 ? 11 : 16;
+        CPath paths[2];
+        for (CPath& path : paths) {
+            for (std::size_t k = below(12); k > 0; --k) {
+                char const code = static_cast<char>(below(5));
+                path.AddCtl(code);
+                int const points = code < kPathCurve ? 1 : code == kPathCurve ? 3 : 0;
+                for (int n = 0; n < points; ++n) {
+                    double const h = values[below(kinds)];
+                    path.AddPt(Pt(h, values[below(kinds)]));
+                }
+            }
+        }
+        double const accuracy =
+            std::pow(10.0, -static_cast<double>(below(12))) * (i % 3 == 0 ? 1e300 : 1.0);
+        Places places = Intersections(paths[0], paths[1], accuracy);
+        trammel::AppendSelfIntersections(paths[0], accuracy, places);
+        for (Intersection const& p : places) {
+            for (double const t : {p.a.t, p.a.endT, p.b.t, p.b.endT}) {
+                EXPECT_TRUE(t >= 0 && t <= 1) << i;
+            }
+            EXPECT_TRUE(std::isfinite(p.point.h) && std::isfinite(p.point.v)) << i;
+            EXPECT_TRUE(std::isfinite(p.endPoint.h) && std::isfinite(p.endPoint.v)) << i;
+        }
+    }
+}
+
 /// A closed path of random elements, on a grid of whole numbers or off it.
 CPath RandomPath(std::mt19937_64& generator, bool whole) {
     std::uniform_real_distribution<double> uniform(0, 6);
