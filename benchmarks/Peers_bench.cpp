@@ -27,10 +27,14 @@ bool RegisterAll() {
     peers::RegisterCgalWorks();
 #endif
 #ifdef TRAMMEL_BENCH_GEOS
+    peers::RegisterGeosUnions();
     peers::RegisterGeosWorks();
 #endif
 #ifdef TRAMMEL_BENCH_KURBO
     peers::RegisterKurboWorks();
+#endif
+#ifdef TRAMMEL_BENCH_POLYCLIPPING
+    peers::RegisterPolyclippingUnions();
 #endif
 #ifdef TRAMMEL_BENCH_QT
     peers::RegisterQtWorks();

@@ -26,11 +26,10 @@
 // the doubles where those are coarser. A vertex that survives is the same double. A crossing of two
 // edges is right within 2^-52 of the bounds' extent, or is the nearest double if that is coarser.
 // An edge moves by as much where it is cut. Edges can be cut again where that makes them meet
-// anew, and by Union() once in each of its stages. In all they move by
-// less than some 2^-50 of the extent, or some spacings of the doubles there. A point farther from
-// all rings is inside the result exactly when winding numbers, rules and operation say so.
-// Details smaller than a step may vanish. All this
-// holds wherever the operands lie and however large they are, from 1e-300 upwards.
+// anew, and by Union() once in each of its stages. In all they move by less than some 2^-50 of the
+// extent, or some spacings of the doubles there. A point farther from all rings is inside the
+// result exactly when winding numbers, rules and operation say so. Details smaller than a step may
+// vanish. All this holds wherever the operands lie and however large they are, from 1e-300 upwards.
 //
 // Cost: in practice O(n log n + k) for n vertices and k points where edges meet. It does not grow
 // with the number of operands. At worst it is the number of pairs of edges whose bounds meet. All

@@ -26,9 +26,11 @@ void RegisterAggWorks();
 void RegisterBoostWorks();
 void RegisterCairoWorks();
 void RegisterCgalWorks();
+void RegisterGeosUnions();
 void RegisterGeosWorks();
 void RegisterKurboWorks();
 void RegisterLib2geomWorks();
+void RegisterPolyclippingUnions();
 void RegisterQtWorks();
 
 /// The works of a library on a curve in its own form. A work without a function is not measured.

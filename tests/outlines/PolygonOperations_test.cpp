@@ -7,6 +7,10 @@
 #include "StripArea.h"
 #include "Winding.h"
 
+#ifdef TRAMMEL_TEST_MAPS
+#include "CountryOutlines.h"
+#endif
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -579,5 +583,46 @@ TEST(PolygonOperations, GiveTheSameRegionWhereverTheOperandsLie) {
         }
     }
 }
+
+#ifdef TRAMMEL_TEST_MAPS
+
+TEST(PolygonOperations, UniteTheCountriesOfAMap) {
+    for (char const* name : {"countries-110m.json", "countries-50m.json"}) {
+        Rings countries;
+        for (std::vector<Pt> const& contour : trammel_test::CountriesOf(name)) {
+            countries.push_back(Ring(contour));
+        }
+        if (countries.empty()) {
+            GTEST_SKIP() << "no " << name << " (script/setup maps fetches it)";
+        }
+        Rings const land = Union(countries, FillRule::kNonZero);
+        // Common borders vanish, and so do the holes that other countries fill.
+        EXPECT_LT(land.size(), countries.size());
+        EXPECT_GT(Area(land), 1e4);
+        Dice dice(20250110);
+        int inLand = 0;
+        for (int i = 0; i < 700; ++i) {
+            Pt const p(360 * dice.Unit() - 180, 170 * dice.Unit() - 85);
+            bool inside = false;
+            for (TPolygon<double> const& country : countries) {
+                inside = inside || Contains(country, p, FillRule::kNonZero);
+            }
+            ASSERT_EQ(WindingOf(land, p), inside ? 1 : 0) << p.h << " " << p.v;
+            inLand += inside ? 1 : 0;
+        }
+        EXPECT_GT(inLand, 130);
+        // The land without itself moved a little, and what both have in common, are the land.
+        Rings moved = land;
+        for (TPolygon<double>& ring : moved) {
+            ring.Transform(CMatrix3x3().Translate(0.37, -0.21));
+        }
+        FillRule const rule = FillRule::kNonZero;
+        EXPECT_NEAR(Area(Boolean(kPolyDifference, land, rule, moved, rule)) +
+                        Area(Boolean(kPolyIntersection, land, rule, moved, rule)),
+                    Area(land), 1e-8);
+    }
+}
+
+#endif
 
 } // namespace

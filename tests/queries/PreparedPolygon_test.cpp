@@ -7,7 +7,7 @@
 #include "plain/PlainPolygon.h"
 
 #ifdef TRAMMEL_TEST_MAPS
-#include <nlohmann/json.hpp>
+#include "CountryOutlines.h"
 #endif
 
 #include <gtest/gtest.h>
@@ -18,8 +18,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <fstream>
 #include <limits>
 #include <memory>
 #include <new>
@@ -713,57 +711,12 @@ TEST(PreparedPolygon, AnswersSeveralThreadsAtOnce) {
 
 #ifdef TRAMMEL_TEST_MAPS
 
-/// All contours of all countries of a map in TopoJSON.
-std::vector<Points> Countries(std::ifstream& file) {
-    nlohmann::json const map = nlohmann::json::parse(file);
-    auto const& scale = map.at("transform").at("scale");
-    auto const& origin = map.at("transform").at("translate");
-    std::vector<Points> arcs;
-    for (auto const& steps : map.at("arcs")) {
-        arcs.emplace_back();
-        double h = 0.0;
-        double v = 0.0;
-        for (auto const& step : steps) {
-            h += step.at(0).get<double>();
-            v += step.at(1).get<double>();
-            arcs.back().emplace_back(h * scale.at(0).get<double>() + origin.at(0).get<double>(),
-                                     v * scale.at(1).get<double>() + origin.at(1).get<double>());
-        }
-    }
-    std::vector<Points> contours;
-    auto const add = [&](nlohmann::json const& ring) {
-        contours.emplace_back();
-        for (auto const& number : ring) {
-            int const i = number.get<int>(); // ~i is arc i backward
-            Points arc = arcs.at(static_cast<std::size_t>(i < 0 ? ~i : i));
-            if (i < 0) {
-                std::reverse(arc.begin(), arc.end());
-            }
-            contours.back().insert(contours.back().end(), arc.begin(), arc.end() - 1);
-        }
-    };
-    for (auto const& country : map.at("objects").at("countries").at("geometries")) {
-        std::string const type = country.value("type", "");
-        for (auto const& part : country.value("arcs", nlohmann::json::array())) {
-            if (type == "Polygon") {
-                add(part);
-            } else {
-                std::for_each(part.begin(), part.end(), add);
-            }
-        }
-    }
-    return contours;
-}
-
 TEST(PreparedPolygon, AnswersLikeThePolygonsOfCountries) {
-    char const* const variable = std::getenv("TRAMMEL_MAP_DATA");
-    std::string const folder = variable != nullptr ? variable : TRAMMEL_TEST_MAPS;
     for (char const* name : {"countries-110m.json", "countries-50m.json"}) {
-        std::ifstream file(folder + "/" + name);
-        if (!file) {
-            GTEST_SKIP() << "no " << folder << "/" << name << " (script/setup maps fetches it)";
+        std::vector<Points> const contours = trammel_test::CountriesOf(name);
+        if (contours.empty()) {
+            GTEST_SKIP() << "no " << name << " (script/setup maps fetches it)";
         }
-        std::vector<Points> const contours = Countries(file);
         EXPECT_GT(contours.size(), 200U);
         Random random(14);
         long inside = 0;

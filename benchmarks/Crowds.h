@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+
+// Crowds of overlapping polygons, whose union is measured. They are the same in every run.
+
+#ifndef TRAMMEL_CROWDS_H
+#define TRAMMEL_CROWDS_H
+
+#include "Operands.h"
+
+#include <string>
+#include <vector>
+
+namespace crowds {
+
+/// 10,000 simple rings at random places of the unit square, which run the same way. Their areas
+/// make `cover` square units.
+struct Crowd {
+    std::vector<operands::Ring> rings;
+    double area = 0.0; ///< of the union, by Trammel
+};
+
+/// Returns the names of the crowds: squares, turned squares and buildings with a cover of 1, the
+/// same with a cover of 4, and circles of 64 vertices with a cover of 1.
+std::vector<std::string> Names();
+
+/// Returns the crowd of a name. Made at the first call.
+Crowd const& Get(std::string const& name);
+
+} // namespace crowds
+
+#endif
