@@ -24,12 +24,11 @@ void SetWarningMode(WarningMode mode) { Mode() = mode; }
 bool Silent() { return Mode() == WarningMode::kSilent; }
 
 void Warn(std::string const& file, std::string const& place, std::string const& message) {
-    Error const error(file, place, message);
     if (Mode() == WarningMode::kError) {
-        throw error;
+        throw Error(file, place, message);
     }
     if (Mode() == WarningMode::kPrint) {
-        PrintDiagnostic(std::string("warning: ") + error.what());
+        PrintDiagnostic(std::string("warning: ") + Error(file, place, message).what());
     }
 }
 
