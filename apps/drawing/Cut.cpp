@@ -36,16 +36,16 @@ Pieces CutPath(CPath const& path, double from, double to) {
     double const begin = from * total;
     double const end = to >= 1.0 ? std::numeric_limits<double>::infinity() : to * total;
     double before = 0.0;
-    for (CPath const& subpath : Subpaths(path)) {
+    for (CPath const& subpath : SplitSubpaths(path)) {
         trammel::OutlineMeasure const measure(subpath);
         double const length = measure.Length();
         double const start = begin - before;
         double const stop = end - before;
         before += length;
         if (start <= 0.0 && stop >= length) {
-            AppendElements(pieces.cut, subpath);
+            AppendSubpaths(pieces.cut, subpath);
         } else if (length <= start || stop <= 0.0 || length == 0.0) {
-            AppendElements(pieces.rest, subpath);
+            AppendSubpaths(pieces.rest, subpath);
         } else {
             measure.GetLengthRange(start, stop, pieces.cut);
             CPath first;
@@ -56,8 +56,8 @@ Pieces CutPath(CPath const& path, double from, double to) {
                 Continue(last, first);
                 first = CPath();
             }
-            AppendElements(pieces.rest, first);
-            AppendElements(pieces.rest, last);
+            AppendSubpaths(pieces.rest, first);
+            AppendSubpaths(pieces.rest, last);
         }
     }
     return pieces;

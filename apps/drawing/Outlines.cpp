@@ -34,42 +34,6 @@ constexpr double kSumShare = 0x1p-9;
 /// give the same crossing with different rounding.
 constexpr double kSameShare = 1e-12;
 
-/// Repeats the elements that it visits on another path.
-class Repeater : public CPathActions {
-public:
-    explicit Repeater(CPath& path) : mPath(path) {}
-    void MoveTo(Pt const& p) override { mPath.MoveTo(p); }
-    void LineTo(Pt const& p) override { mPath.LineTo(p); }
-    void CurveTo(Pt const& c1, Pt const& c2, Pt const& e) override { mPath.CurveTo(c1, c2, e); }
-    void ClosePath() override { mPath.ClosePath(); }
-
-private:
-    CPath& mPath;
-};
-
-/// Begins a new path at each move.
-class Splitter : public CPathActions {
-public:
-    std::vector<CPath> paths;
-
-    void MoveTo(Pt const& p) override {
-        paths.emplace_back();
-        paths.back().MoveTo(p);
-    }
-    void LineTo(Pt const& p) override { Current().LineTo(p); }
-    void CurveTo(Pt const& c1, Pt const& c2, Pt const& e) override { Current().CurveTo(c1, c2, e); }
-    void ClosePath() override { Current().ClosePath(); }
-
-private:
-    CPath& Current() {
-        if (paths.empty()) {
-            paths.emplace_back();
-            paths.back().MoveTo(GetCurrentPt());
-        }
-        return paths.back();
-    }
-};
-
 /// The bounds of points, the origin included. A rectangle cannot hold the origin alone: it is null
 /// then, and a null rectangle takes the next point for its first.
 TRect<double> BoundsOf(std::vector<Pt> const& points) {
@@ -125,35 +89,11 @@ TPolygon<double> NotFromOrigin(TPolygon<double> const& polygon) {
 
 } // namespace
 
-void AddCurve(CPath& path, Pt const& c1, Pt const& c2, Pt const& e) {
-    Pt const from = path.CurrentPoint();
-    if (e != from || (c1 == from && c2 == from)) {
-        path.CurveTo(c1, c2, e);
-        return;
-    }
-    CBezier left;
-    CBezier right;
-    CBezier(from, c1, c2, e).Divide(left, right);
-    path.CurveTo(left.P1, left.P2, left.P3);
-    path.CurveTo(right.P1, right.P2, right.P3);
-}
-
-void AppendElements(CPath& path, CPath const& more) {
-    Repeater repeater(path);
-    more.ForAll(repeater);
-}
-
-std::vector<CPath> Subpaths(CPath const& path) {
-    Splitter splitter;
-    path.ForAll(splitter);
-    return std::move(splitter.paths);
-}
-
 CPath WithoutDots(CPath const& path) {
     CPath out;
-    for (CPath const& subpath : Subpaths(path)) {
+    for (CPath const& subpath : SplitSubpaths(path)) {
         if (trammel::ArcLength(subpath, 0.0) != 0.0) {
-            AppendElements(out, subpath);
+            AppendSubpaths(out, subpath);
         }
     }
     return out;
@@ -201,23 +141,6 @@ std::vector<TPolygon<double>> Flatten(CPath const& path, double error) {
     Flattener flattener(error);
     path.ForAll(flattener);
     return std::move(flattener.polygons);
-}
-
-CPath PathOf(std::vector<TPolygon<double>> const& polygons) {
-    CPath path;
-    for (TPolygon<double> const& polygon : polygons) {
-        if (polygon.Empty()) {
-            continue;
-        }
-        path.MoveTo(polygon.GetPt(0));
-        for (long i = 1; i <= polygon.LastIndex(); ++i) {
-            path.LineTo(polygon.GetPt(i));
-        }
-        if (polygon.Closed()) {
-            path.ClosePath();
-        }
-    }
-    return path;
 }
 
 Area::Area(CPath const& path, double error) {

@@ -8,6 +8,8 @@
 #define TRAMMEL_APP_OUTLINES_H
 
 #include <trammel/CPath.h>
+#include <trammel/PathBuilding.h>
+#include <trammel/PathStructure.h>
 #include <trammel/TPoint.h>
 #include <trammel/TPoly.h>
 #include <trammel/TRect.h>
@@ -16,17 +18,10 @@
 
 namespace tool {
 
-/// Adds a curve from the path's current point. A path does not record a curve that ends at its
-/// start, so this function adds the two halves of such a curve.
-void AddCurve(CPath& path, TPoint<double> const& c1, TPoint<double> const& c2,
-              TPoint<double> const& e);
-
-/// Appends the elements of `more` as they are. Subpaths stay apart and closed, unlike with
-/// CPath::Append.
-void AppendElements(CPath& path, CPath const& more);
-
-/// Returns the subpaths, each as a path of its own that begins with its move.
-std::vector<CPath> Subpaths(CPath const& path);
+using trammel::AddCurve;
+using trammel::AppendSubpaths;
+using trammel::PathOf;
+using trammel::SplitSubpaths;
 
 /// Returns the path without the subpaths that have no length. The rest can be measured by
 /// fractions.
@@ -54,9 +49,6 @@ double FineError(TRect<double> const& bounds);
 /// Returns one polygon for each subpath, whose lines are within `error` of the curves. It is closed
 /// if the subpath is.
 std::vector<TPolygon<double>> Flatten(CPath const& path, double error);
-
-/// Returns the polygons as a path.
-CPath PathOf(std::vector<TPolygon<double>> const& polygons);
 
 /// The area that an outline encloses by the even-odd rule. Every subpath counts as closed.
 class Area {

@@ -55,7 +55,7 @@ CPath const& CountryPath(GalleryInput const& input, std::string const& name) {
 /// country without its islands far off, but with its holes and lakes.
 CPath Mainland(CPath const& country) {
     TRect<double> largest;
-    std::vector<CPath> const parts = Subpaths(country);
+    std::vector<CPath> const parts = SplitSubpaths(country);
     for (CPath const& part : parts) {
         TRect<double> const box = ControlBounds(part);
         if (box.Width() * box.Height() > largest.Width() * largest.Height()) {
@@ -65,7 +65,7 @@ CPath Mainland(CPath const& country) {
     CPath mainland;
     for (CPath const& part : parts) {
         if (largest.Contains(ControlBounds(part))) {
-            AppendElements(mainland, part);
+            AppendSubpaths(mainland, part);
         }
     }
     return mainland;
@@ -101,7 +101,7 @@ Plate DrawWelded(GalleryInput const& input) {
         CPath const letter = LetterPath(input, character);
         TRect<double> const box = DrawnBounds(letter);
         letters.push_back(Transformed(letter, CMatrix3x3().Translate(pen - box.left, 0.0)));
-        AppendElements(all, letters.back());
+        AppendSubpaths(all, letters.back());
         pen += box.Width() - kOverlap * input.type.UnitsPerEm();
     }
     TRect<double> const room(50.0, 24.0, 750.0, 226.0);
@@ -201,7 +201,7 @@ Plate DrawWordCut(GalleryInput const& input) {
     std::string const word = "Australia";
     CPath letters;
     for (Outline const& glyph : TextLine(input.type, word, kType, TPoint<double>(0.0, 0.0))) {
-        AppendElements(letters, glyph.path);
+        AppendSubpaths(letters, glyph.path);
     }
     TRect<double> const box = DrawnBounds(outline);
     TRect<double> const room(TPoint<double>(box.MidPt().h - 12.0, box.MidPt().v - 8.0), 262.0,
@@ -253,7 +253,7 @@ Plate DrawJoined(GalleryInput const& input) {
     std::vector<CPath> countries;
     for (Country const& country : list) {
         countries.push_back(Mainland(CountryPath(input, country.name)));
-        AppendElements(all, countries.back());
+        AppendSubpaths(all, countries.back());
     }
     CMatrix3x3 const fit =
         MapFitting(DrawnBounds(all), all, TRect<double>(30.0, 20.0, 390.0, 505.0));

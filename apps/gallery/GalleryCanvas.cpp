@@ -77,7 +77,7 @@ void Canvas::Dashes(CPath const& path, Colour colour, double width, double dash)
         double const start = 2.0 * i * step;
         CPath piece;
         measure.GetTRange(start, std::min(1.0, start + step), piece);
-        AppendElements(dashes, piece);
+        AppendSubpaths(dashes, piece);
     }
     Stroke(dashes, colour, width);
 }
@@ -122,7 +122,7 @@ void Canvas::Label(std::string const& words, TPoint<double> const& p, Align alig
     TPoint<double> const origin(p.h - part * width, p.v + 0.5 * kCapitals * size);
     CPath all;
     for (Outline const& glyph : TextLine(mLabels, words, size, origin)) {
-        AppendElements(all, glyph.path);
+        AppendSubpaths(all, glyph.path);
     }
     Stroke(all, palette::paper, 0.3 * size, 0.85);
     Fill(all, colour);

@@ -54,7 +54,7 @@ CPath CurvePath(CBezier const& curve) {
 }
 
 void AddBox(CPath& path, TRect<double> const& r) {
-    AppendElements(
+    AppendSubpaths(
         path, PolylinePath({r.TopLeft(), r.TopRight(), r.BottomRight(), r.BottomLeft()}, true));
 }
 
@@ -263,7 +263,7 @@ Plate DrawHatching(GalleryInput const& input) {
         CPath const lines = Hatch(path, DegToRad(letter.degrees), letter.spacing);
         canvas.Stroke(lines, letter.colour, 2.2);
         canvas.Stroke(path, palette::ink, 3.0);
-        std::size_t const count = Subpaths(lines).size();
+        std::size_t const count = SplitSubpaths(lines).size();
         std::string const name = (letter.degrees < 0.0 ? "−" : "") +
                                  Figure(std::abs(letter.degrees)) + "°, every " +
                                  Figure(letter.spacing);
@@ -301,7 +301,7 @@ Plate DrawRounding(GalleryInput const& input) {
         farthest = std::max(farthest, grid.farthest);
         points += grid.points.size();
         bytes += grid.bytes;
-        AppendElements(rounded, PolylinePath(grid.points, true));
+        AppendSubpaths(rounded, PolylinePath(grid.points, true));
     }
 
     std::array<TPoint<double>, 2> const corners{TPoint<double>(28.0, 36.0),

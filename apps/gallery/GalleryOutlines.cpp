@@ -108,7 +108,7 @@ Plate DrawMarks(GalleryInput const& input) {
         {"Length of the outline", Rounded(length, 1) + " font units"},
         {"From mark to mark", Rounded(length / 10.0, 2) + " font units"},
         {"Width × height", Extent(DrawnBounds(letter), 1) + " font units"},
-        {"Contours, lines, curves", std::to_string(Subpaths(letter).size()) + ", " +
+        {"Contours, lines, curves", std::to_string(SplitSubpaths(letter).size()) + ", " +
                                         std::to_string(CountElements(letter, kPathLine)) + ", " +
                                         std::to_string(CountElements(letter, kPathCurve))},
         {"A mark found again as the nearest place: off by at most", Small(worst)},
@@ -224,7 +224,7 @@ Plate DrawNearest(GalleryInput const& input) {
 
     CPath all;
     for (Outline const& outline : input.drawing.outlines) {
-        AppendElements(all, outline.path);
+        AppendSubpaths(all, outline.path);
     }
     Canvas canvas(input.labels);
     CMatrix3x3 const fit = Fitting(DrawnBounds(all), TRect<double>(235.0, 135.0, 565.0, 425.0));

@@ -40,7 +40,7 @@ Measures Measured(CPath const& path, FigureOptions const& options) {
     Figures const figures(path, options);
     Measures measures;
     measures.elements = path.mCtls.size();
-    measures.subpaths = Subpaths(path).size();
+    measures.subpaths = SplitSubpaths(path).size();
     measures.length = options.classic ? path.Length() : trammel::ArcLength(path, 0.0);
     measures.bounds = options.classic ? path.Bounds() : figures.Of(DrawnBounds(path));
     measures.controlBounds = ControlBounds(path);

@@ -185,7 +185,7 @@ void ToQuickDraw(Options const& options, Drawing const& drawing, Outline const& 
         json["box"] = Json::array({box.left, box.top, box.right, box.bottom});
         json["movedByAtMost"] = farthest;
         list.push_back(std::move(json));
-        AppendElements(rounded, PolylinePath(points, polygons[i].Closed()));
+        AppendSubpaths(rounded, PolylinePath(points, polygons[i].Closed()));
     }
     Json json;
     json["id"] = outline.id;
