@@ -128,7 +128,7 @@ void ExpectRight(std::vector<CPath> const& paths, double extent) {
                 continue; // perhaps behind a gap, before which AtLength() finds the end
             }
             EXPECT_LE(Length(Widened(measure.PtAtLength(nearest.length)) - Widened(nearest.point)),
-                      std::ldexp(truth.total, -41) + 8 * extent * 0x1p-50);
+                      std::ldexp(truth.total, -41) + Widened(8 * extent * 0x1p-50));
         }
         CPath piece;
         measure.GetTRange(0, 1, piece);

@@ -381,8 +381,9 @@ TEST(OutlineMeasure, NearestPlaceIsNoFartherThanTheLeastDistance) {
             Wide const least = OutlineDistance(truth, p);
             for (double const accuracy : {0.0, 1e-3, 1.0}) {
                 OutlineMeasure::Nearest const nearest = measure.FindNearest(p, accuracy);
-                EXPECT_LE(nearest.distance - least, accuracy + 600 * 0x1p-44) << i;
-                EXPECT_GE(nearest.distance - least, -600 * 0x1p-44) << i;
+                EXPECT_LE(Widened(nearest.distance) - least, Widened(accuracy + 600 * 0x1p-44))
+                    << i;
+                EXPECT_GE(Widened(nearest.distance) - least, -600 * 0x1p-44) << i;
                 EXPECT_EQ(nearest.distance, measure.Distance(p, accuracy));
                 EXPECT_LE(Off(nearest.distance, Length(Widened(nearest.point) - Widened(p))),
                           600 * 0x1p-44);

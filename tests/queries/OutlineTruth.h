@@ -107,7 +107,7 @@ inline void ExpectAtLength(Truth const& truth, trammel::OutlineMeasure::Place co
 
 /// The least distance of the outline, by dense samples in long double.
 inline Wide OutlineDistance(Truth const& truth, TPoint<double> const& p) {
-    Wide least = kInf;
+    Wide least = Widened(kInf);
     for (Truth::Segment const& s : truth.segments) {
         least = std::min(least, s.isCurve ? TrueDistance(s.curve, p)
                                           : SegmentDistance(Widened(p), Widened(s.curve.P0),
