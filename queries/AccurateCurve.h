@@ -198,14 +198,15 @@ namespace trammel {
 /// the distance that is kept, as FlattenWithin does. No allocation; what `use` throws passes
 /// through.
 template <class Use> double FlattenTo(CBezier const& curve, double tolerance, Use&& use) {
-    typedef std::remove_reference_t<Use> Called;
+    typedef std::remove_reference_t<Use>* Called;
     auto const pass = [](TPoint<double> const* points, std::size_t count, void* data) {
+        Called const called = *static_cast<Called*>(data);
         for (std::size_t i = 0; i < count; ++i) {
-            (*static_cast<Called*>(data))(points[i]);
+            (*called)(points[i]);
         }
     };
-    return trammel_detail::FlattenByRuns(
-        curve, tolerance, pass, const_cast<void*>(static_cast<void const*>(std::addressof(use))));
+    Called called = std::addressof(use); // apart, because `use` may be const and `data` is not
+    return trammel_detail::FlattenByRuns(curve, tolerance, pass, &called);
 }
 
 /// Hands the contours of a path to `sink`: sink.Begin(point) for the first point of each,
