@@ -182,7 +182,7 @@ std::vector<double> PlannedRun(FlatCubic const& curve, double tolerance) {
     FlatRun run = {};
     trammel_detail::NextFlatRun(curve, tolerance, plan, run);
     std::vector<double> result = {chords, static_cast<double>(run.count)};
-    result.insert(result.end(), plan.sums, plan.sums + plan.panels + 1);
+    result.insert(result.end(), plan.sums, plan.sums + trammel_detail::kPanels + 1);
     for (int i = 1; i <= run.count; ++i) {
         bool const fails = (run.failing >> (i - 1) & 1U) != 0;
         result.insert(result.end(), {run.t[i], run.h[i], run.v[i], fails ? 1.0 : 0.0});
