@@ -4,6 +4,7 @@
 
 #include "CssTokens.h"
 #include "Numbers.h"
+#include "SvgAttributes.h"
 
 #include <algorithm>
 #include <utility>
@@ -72,7 +73,7 @@ bool IsCssLength(std::string_view value) {
 /// True when the property has this value. Lengths of attributes are read elsewhere.
 bool IsValid(Property property, std::string const& value, bool css) {
     std::string const word = AsciiLower(value);
-    if (IsOneOf(word, {"inherit", "initial", "unset", "revert", "revert-layer"})) {
+    if (IsWide(word)) {
         return true;
     }
     if (word.find("var(") != std::string::npos || word.find("calc(") != std::string::npos) {
@@ -176,6 +177,25 @@ std::string_view Trimmed(std::string_view text) {
 } // namespace
 
 char const* NameOf(Property property) { return kTable[static_cast<std::size_t>(property)].name; }
+
+CMatrix3x3 TransformOf(ElementStyle const& style) {
+    Declared const& declared = style[Property::kTransform];
+    if (declared.value.empty() || IsWide(declared.value)) {
+        return CMatrix3x3();
+    }
+    CMatrix3x3 const m =
+        declared.css ? ParseCssTransform(declared.value) : ParseTransform(declared.value);
+    std::string_view const origin = style[Property::kTransformOrigin].value;
+    if (origin.empty() || IsWide(origin)) {
+        return m;
+    }
+    TPoint<double> const centre = ParseTransformOrigin(origin);
+    return CMatrix3x3().Translate(-centre) * m * CMatrix3x3().Translate(centre);
+}
+
+bool IsWide(std::string_view value) {
+    return IsOneOf(value, {"inherit", "initial", "unset", "revert", "revert-layer"});
+}
 
 Cascade::Cascade(SvgDocument const& document, Complaint complain)
     : mDocument(document), mComplain(std::move(complain)) {

@@ -12,6 +12,8 @@
 #include "Css.h"
 #include "SvgDocument.h"
 
+#include <trammel/CMatrix3x3.h>
+
 #include <array>
 #include <functional>
 #include <map>
@@ -51,6 +53,9 @@ inline constexpr std::size_t kProperties = static_cast<std::size_t>(Property::kD
 /// Returns the property's name.
 char const* NameOf(Property property);
 
+/// True for the keywords that every property has, such as "inherit".
+bool IsWide(std::string_view value);
+
 /// The winning declaration of a property; the value is empty when there is none.
 struct Declared {
     std::string_view value;
@@ -71,6 +76,10 @@ public:
 private:
     std::array<Declared, kProperties> mDeclared;
 };
+
+/// Returns the transform that an element has by itself, transform-origin included. It throws
+/// TextError for a mistake in the property or the attribute.
+CMatrix3x3 TransformOf(ElementStyle const& style);
 
 /// The style sheets of a document.
 class Cascade {

@@ -4,9 +4,11 @@
 
 #include "Outlines.h"
 
+#include <trammel/PolygonOperations.h>
 #include <trammel/TPoly.h>
 
 #include <cmath>
+#include <utility>
 
 namespace tool {
 
@@ -56,6 +58,48 @@ AreaFigures FiguresOf(Tgpc_polygon const& result) {
         figures.vertices += contour.size();
     }
     figures.contours = result.mContours.size();
+    return figures;
+}
+
+std::vector<TPolygon<double>> RegionOf(std::vector<Outline> const& outlines, double error) {
+    std::vector<std::vector<TPolygon<double>>> byRule[2];
+    for (Outline const& outline : outlines) {
+        bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
+        byRule[evenOdd ? 1 : 0].push_back(Flatten(outline.path, error));
+    }
+    std::vector<TPolygon<double>> region;
+    if (!byRule[0].empty()) {
+        region = trammel::Union(byRule[0], trammel::FillRule::kNonZero);
+    }
+    if (!byRule[1].empty()) {
+        std::vector<TPolygon<double>> other =
+            trammel::Union(byRule[1], trammel::FillRule::kEvenOdd);
+        region = region.empty() ? std::move(other)
+                                : trammel::Boolean(kPolyUnion, region, trammel::FillRule::kNonZero,
+                                                   other, trammel::FillRule::kNonZero);
+    }
+    return region;
+}
+
+AreaFigures FiguresOf(std::vector<TPolygon<double>> const& rings) {
+    AreaFigures figures;
+    for (TPolygon<double> const& ring : rings) {
+        std::vector<Pt> points;
+        double twice = 0.0; // from the first point, as in EnclosedArea, with its sign
+        for (long i = 0; i <= ring.LastIndex(); ++i) {
+            points.push_back(ring.GetPt(i));
+            if (i >= 2) {
+                Pt const a = points[points.size() - 2] - points.front();
+                Pt const b = points.back() - points.front();
+                twice += a.h * b.v - a.v * b.h;
+            }
+        }
+        double const area = EnclosedArea(points);
+        figures.area += twice < 0.0 ? -area : area;
+        figures.holes += twice < 0.0 ? 1 : 0;
+        figures.vertices += points.size();
+    }
+    figures.contours = rings.size();
     return figures;
 }
 

@@ -9,6 +9,7 @@
 
 #include <trammel/CPath.h>
 #include <trammel/TPoint.h>
+#include <trammel/TPoly.h>
 #include <trammel/Tgcp.h>
 
 #include <cstddef>
@@ -39,6 +40,13 @@ struct AreaFigures {
 
 /// Returns the figures of a clip's result.
 AreaFigures FiguresOf(Tgpc_polygon const& result);
+
+/// Returns the rings around the area of all outlines together. Each of them covers what it encloses
+/// by its own rule, every subpath taken as closed; curves are flattened to `error`.
+std::vector<TPolygon<double>> RegionOf(std::vector<Outline> const& outlines, double error);
+
+/// Returns the figures of such rings, of which the holes run the other way round.
+AreaFigures FiguresOf(std::vector<TPolygon<double>> const& rings);
 
 /// Returns all contours as one path of closed subpaths, to be filled by the even-odd rule.
 CPath PathOf(Tgpc_polygon const& polygon);

@@ -29,6 +29,10 @@ struct OutlineSource {
     std::size_t element = kNoElement;
     std::size_t placed = kNoElement; ///< the outermost `use` that draws the element, or itself
     CMatrix3x3 toDrawing;            ///< from the element's own coordinates to the drawing's
+    CMatrix3x3 around;               ///< the same without the element's own transform
+    CMatrix3x3 beside;               ///< from the coordinates around `placed` to the drawing's
+    std::size_t copies = 0;          ///< how often the drawing shows the element
+    std::size_t siblings = 0;        ///< the number of outlines that `placed` draws
 };
 
 /// One outline and its name.
@@ -56,6 +60,7 @@ struct Drawing {
     Page page;
     std::vector<Outline> outlines;
     std::shared_ptr<SvgDocument const> document; ///< empty for fonts and maps
+    CMatrix3x3 rootTransform;                    ///< of the document's outermost element
 };
 
 /// Reads an SVG drawing, every glyph of a font (in font units) or every feature of a map (TopoJSON

@@ -57,19 +57,37 @@ Page PageFor(Page const& page, TRect<double> const& bounds) {
 
 double HairWidth(Page const& page) { return LongerSide(page.frame) * kHairShare; }
 
-std::string PictureBytes(Picture const& picture, std::string const& file) {
-    if (EndsWith(file, ".svg") || file == kStandardStream) {
-        return SvgText(picture);
+bool IsSvgName(std::string const& file) {
+    return EndsWith(file, ".svg") || EndsWith(file, ".svgz") || file == kStandardStream;
+}
+
+std::string SvgBytes(std::string text, std::string const& file) {
+    return EndsWith(file, ".svgz") ? Zipped(text) : text;
+}
+
+bool IsPngName(std::string const& file) { return EndsWith(file, ".png"); }
+
+std::string PictureBytes(Picture const& picture, std::string const& file, PngSize const& size) {
+    if (IsSvgName(file)) {
+        return SvgBytes(SvgText(picture), file);
     }
-    if (EndsWith(file, ".svgz")) {
-        return Zipped(SvgText(picture));
+    if (!IsPngName(file)) {
+        throw Error(file, "", "must end in .svg, .svgz or .png");
     }
-    if (EndsWith(file, ".png")) {
-        Picture onPaper = picture;
-        onPaper.background = picture.background.value_or(Colour{255, 255, 255});
-        return PngBytes(onPaper, kPngPixels);
+    Picture onPaper = picture;
+    if (!picture.background && !size.transparent) {
+        onPaper.background = Colour{255, 255, 255};
     }
-    throw Error(file, "", "must end in .svg, .svgz or .png");
+    TRect<double> const& frame = picture.page.frame;
+    double scale = size.scale;
+    if (size.width > 0.0) {
+        scale = size.width / frame.Width();
+    }
+    if (size.height > 0.0) {
+        double const byHeight = size.height / frame.Height();
+        scale = size.width > 0.0 ? std::min(scale, byHeight) : byHeight;
+    }
+    return scale > 0.0 ? PngBytesAt(onPaper, scale) : PngBytes(onPaper, kPngPixels);
 }
 
 } // namespace tool

@@ -59,13 +59,32 @@ double HairWidth(Page const& page);
 /// Returns the picture as an SVG document. Its coordinates read back to the same numbers.
 std::string SvgText(Picture const& picture);
 
+/// The size of a PNG file. A part that is 0 is not asked for; of width and height together the one
+/// counts that makes the picture smaller.
+struct PngSize {
+    double width = 0.0;       ///< in pixels
+    double height = 0.0;      ///< in pixels
+    double scale = 0.0;       ///< pixels for each unit of the picture
+    bool transparent = false; ///< whether a picture without a background stays so
+};
+
 /// Returns the picture as a PNG file whose longer side has `pixels` pixels. Throws Error.
 std::string PngBytes(Picture const& picture, int pixels);
+/// Returns the picture as a PNG file with so many pixels for each unit. Throws Error.
+std::string PngBytesAt(Picture const& picture, double scale);
+
+/// True for a file's name that ends in .svg or .svgz, and for "-", which is standard output.
+bool IsSvgName(std::string const& file);
+/// True for a file's name that ends in .png.
+bool IsPngName(std::string const& file);
+
+/// Returns an SVG document as the file's name asks for it: packed by gzip for .svgz.
+std::string SvgBytes(std::string text, std::string const& file);
 
 /// Returns the picture in the format that the file's name asks for: .svg, .svgz (packed by gzip) or
-/// .png (1200 pixels). "-", which stands for standard output, gets SVG. Throws Error for other
-/// names.
-std::string PictureBytes(Picture const& picture, std::string const& file);
+/// .png (1200 pixels, unless the size says otherwise). "-", which stands for standard output, gets
+/// SVG. Throws Error for other names.
+std::string PictureBytes(Picture const& picture, std::string const& file, PngSize const& size = {});
 
 } // namespace tool
 

@@ -17,6 +17,8 @@ namespace tool {
 
 namespace {
 
+constexpr double kMostPixels = 1e8;
+
 struct SurfaceCloser {
     void operator()(cairo_surface_t* surface) const { cairo_surface_destroy(surface); }
 };
@@ -67,10 +69,16 @@ void Check(cairo_status_t status) {
 
 std::string PngBytes(Picture const& picture, int pixels) {
     TRect<double> const& frame = picture.page.frame;
-    double const longer = std::max(frame.Width(), frame.Height());
-    double const scale = pixels / longer;
+    return PngBytesAt(picture, pixels / std::max(frame.Width(), frame.Height()));
+}
+
+std::string PngBytesAt(Picture const& picture, double scale) {
+    TRect<double> const& frame = picture.page.frame;
     if (!std::isfinite(scale) || !(scale > 0.0)) {
         throw Error("", "", "cannot be drawn: the drawing is too large or has no size");
+    }
+    if (!(frame.Width() * scale * (frame.Height() * scale) <= kMostPixels)) {
+        throw Error("", "", "cannot be drawn: it would have more than 100 million pixels");
     }
     auto const count = [scale](double size) {
         return std::max(1, static_cast<int>(std::ceil(size * scale - 1e-9)));

@@ -180,6 +180,9 @@ SvgDocument::SvgDocument(std::string const& file, std::string content)
                 attribute.set_value(entities.Expanded(attribute.value()).c_str());
             }
         }
+        if (node.type() == pugi::node_element) {
+            mElements.push_back(node);
+        }
         if (pugi::xml_attribute const id = node.attribute("id")) {
             mIds.emplace(id.value(), node);
         }
@@ -233,6 +236,13 @@ std::string_view SvgDocument::LocalName(pugi::xml_node element) const {
         colon == std::string_view::npos ? std::string_view() : name.substr(0, colon + 1);
     return prefix == mRootPrefix || prefix == "svg:" ? name.substr(prefix.size())
                                                      : std::string_view();
+}
+
+pugi::xml_node SvgDocument::ElementAt(std::size_t offset) const {
+    auto const found = std::lower_bound(
+        mElements.begin(), mElements.end(), offset,
+        [this](pugi::xml_node node, std::size_t value) { return Offset(node) < value; });
+    return found != mElements.end() && Offset(*found) == offset ? *found : pugi::xml_node();
 }
 
 std::size_t SvgDocument::Offset(pugi::xml_node element) const {

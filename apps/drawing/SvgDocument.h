@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace tool {
 
@@ -38,6 +39,8 @@ public:
     pugi::xml_node Find(std::string_view id) const;
     /// Returns the name of an SVG element without its prefix; empty for other vocabularies.
     std::string_view LocalName(pugi::xml_node element) const;
+    /// Returns the element whose '<' stands at this offset, or no node.
+    pugi::xml_node ElementAt(std::size_t offset) const;
     /// Returns the offset of the element's '<'.
     std::size_t Offset(pugi::xml_node element) const;
     /// Returns the line of an offset, from 1.
@@ -54,6 +57,7 @@ private:
     std::string mRootPrefix; ///< of the root element's name, colon included
     pugi::xml_document mTree;
     std::unordered_map<std::string_view, pugi::xml_node> mIds;
+    std::vector<pugi::xml_node> mElements; ///< in the order of the text
 };
 
 } // namespace tool

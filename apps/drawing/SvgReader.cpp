@@ -23,6 +23,7 @@
 #include <optional>
 #include <set>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -53,12 +54,6 @@ std::string_view Trimmed(std::string_view text) {
         return {};
     }
     return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
-/// True for the keywords that every property has.
-bool IsWide(std::string_view value) {
-    return value == "inherit" || value == "initial" || value == "unset" || value == "revert" ||
-           value == "revert-layer";
 }
 
 /// Returns the value of an inherited property of an element.
@@ -116,6 +111,8 @@ private:
     /// The state that an element inherits from the elements around it.
     struct Context {
         CMatrix3x3 transform;    ///< from the element's coordinates to the drawing's
+        CMatrix3x3 around;       ///< the same without the element's own transform
+        CMatrix3x3 beside;       ///< the same for the outermost `use` around
         std::optional<Pt> whole; ///< what 100% stands for in each direction
         bool visible = true;
         trammel::FillRule rule = trammel::FillRule::kNonZero;
@@ -273,27 +270,12 @@ std::optional<double> Reader::SizeOf(pugi::xml_node element, char const* attribu
 }
 
 CMatrix3x3 Reader::TransformOf(pugi::xml_node element, ElementStyle const& style) {
-    Declared const& declared = style[Property::kTransform];
-    CMatrix3x3 m;
-    if (declared.value.empty() || IsWide(declared.value)) {
-        return m;
-    }
     try {
-        m = declared.css ? ParseCssTransform(declared.value) : ParseTransform(declared.value);
+        return tool::TransformOf(style);
     } catch (TextError const& e) {
         Skip(element, "transform", e.Position(), e.what());
-        return m;
+        return CMatrix3x3();
     }
-    std::string_view const origin = style[Property::kTransformOrigin].value;
-    if (!origin.empty() && !IsWide(origin)) {
-        try {
-            Pt const centre = ParseTransformOrigin(origin);
-            m = CMatrix3x3().Translate(-centre) * m * CMatrix3x3().Translate(centre);
-        } catch (TextError const& e) {
-            Skip(element, "transform-origin", e.Position(), e.what());
-        }
-    }
-    return m;
 }
 
 std::optional<TRect<double>> Reader::ViewBoxOf(pugi::xml_node element) {
@@ -423,8 +405,11 @@ void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
     outline.stroke = context.stroke;
     outline.rule = context.rule;
     outline.source.element = mDocument->Offset(element);
-    outline.source.placed = context.placed == kNoElement ? outline.source.element : context.placed;
+    bool const used = context.placed != kNoElement;
+    outline.source.placed = used ? context.placed : outline.source.element;
     outline.source.toDrawing = context.transform;
+    outline.source.around = context.around;
+    outline.source.beside = used ? context.beside : context.around;
     path.Transform(context.transform);
     bool const finite = std::all_of(path.mPts.begin(), path.mPts.end(), [](Pt const& p) {
         return std::isfinite(p.h) && std::isfinite(p.v);
@@ -516,6 +501,7 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
     }
     if (inner.placed == kNoElement) {
         inner.placed = mDocument->Offset(element);
+        inner.beside = context.around;
     }
     std::string_view const name = LocalName(used);
     mUsed.push_back(used);
@@ -615,8 +601,13 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
         Context inner = context;
         ++inner.level;
         inner.style = &style;
+        inner.around = context.transform;
         inner.transform = Concat(TransformOf(element, style), context.transform);
         Inherit(style, inner);
+        std::string_view const clip = style[Property::kClipPath].value;
+        if (!clip.empty() && clip != "none" && !IsWide(clip)) {
+            Skip(element, "its clip-path is left out");
+        }
         Draw(element, name, inner);
     } catch (AttributeError const& e) {
         Skip(element, e.attribute, e.position, e.message + "; the element is left out");
@@ -677,6 +668,17 @@ Drawing Reader::Read() {
         Children(root, context);
     }
     TellTheRest();
+    std::unordered_map<std::size_t, std::size_t> copies;
+    std::unordered_map<std::size_t, std::size_t> siblings;
+    for (Outline const& outline : mDrawing.outlines) {
+        ++copies[outline.source.element];
+        ++siblings[outline.source.placed];
+    }
+    for (Outline& outline : mDrawing.outlines) {
+        outline.source.copies = copies[outline.source.element];
+        outline.source.siblings = siblings[outline.source.placed];
+    }
+    mDrawing.rootTransform = context.transform;
     return std::move(mDrawing);
 }
 

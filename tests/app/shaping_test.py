@@ -33,7 +33,7 @@ class Shaping(AppTest):
 
     def test_flatten_leaves_lines_alone(self):
         self.run_text("flatten", self.square, "--error", "5", "-o", self.out)
-        self.assertEqual(self.path_data("out.svg"), {"sq": "M0 0H10V10H0Z"})
+        self.assertEqual(self.read("out.svg").decode(), SQUARE)
 
     def test_cut_writes_piece_and_rest(self):
         rest = self.path("rest.svg")
@@ -53,7 +53,8 @@ class Shaping(AppTest):
         self.run_text("cut", self.square, "--from", "0", "--to", "1", "-o", self.out, "--rest",
                       self.path("rest.svg"))
         self.assertEqual(self.path_data("out.svg"), {"sq": "M0 0H10V10H0Z"})
-        self.assertEqual(self.path_data("rest.svg"), {})
+        self.assertEqual(self.path_data("rest.svg"), {"sq": ""})
+        self.assertEqual(self.measure_file("rest.svg"), {})
 
     def test_cut_does_not_join_subpaths(self):
         file = self.write("in.svg", svg('<path id="p" d="M0 0H10M50 0H60M90 0H110"/>'))
@@ -88,7 +89,7 @@ class Shaping(AppTest):
         }.items():
             with self.subTest(options):
                 self.run_text("transform", self.square, *options, "-o", self.out)
-                got = self.path_data("out.svg")["sq"]
+                got = self.read("out.svg")
                 want = self.measure(svg(f'<path id="x" d="{expected}"/>'))["x"]["bounds"]
                 self.assertEqual(self.measure_file("out.svg")["sq"]["bounds"], want)
                 self.assertEqual(
@@ -108,11 +109,10 @@ class Shaping(AppTest):
         root = ElementTree.parse(self.out).getroot()
         self.assertEqual((root.get("viewBox"), root.get("width"), root.get("height")),
                          ("0 0 100 50", "20mm", "10mm"))
-        # What would fall off the page enlarges it, and the paper with it.
         self.run_text("transform", file, "--translate", "190,0", "-o", self.out)
         root = ElementTree.parse(self.out).getroot()
         self.assertEqual((root.get("viewBox"), root.get("width"), root.get("height")),
-                         ("0 0 200 50", "40mm", "10mm"))
+                         ("0 0 100 50", "20mm", "10mm"))
 
     def test_hatch_fills_with_lines(self):
         self.run_text("hatch", self.square, "--angle", "0", "--spacing", "2", "-o", self.out)
@@ -146,9 +146,13 @@ class Shaping(AppTest):
         self.run_text("hatch", file, "--angle", "0", "--spacing", "1", "-o", self.out)
 
     def test_hatch_may_keep_the_outlines(self):
-        self.run_text("hatch", self.square, "--angle", "0", "--spacing", "20", "--outlines", "-o",
-                      self.out)
-        self.assertEqual(list(self.path_data("out.svg")), ["sq"])
+        file = self.write("in.svg", svg('<path id="p" fill="red" d="M0 0H9V9H0Z"/>'))
+        self.run_text("hatch", file, "--angle", "0", "--spacing", "3", "--outlines", "-o", self.out)
+        self.assertIn(b'<path id="p" fill="red" d="M0 0H9V9H0Z"/>', self.read("out.svg"))
+        self.run_text("hatch", file, "--angle", "0", "--spacing", "3", "-o", self.out)
+        self.assertIn(b'<path id="p" fill="none" d="M0 0H9V9H0Z"/>', self.read("out.svg"))
+        self.assertIn(b"stroke:red;", self.read("out.svg"))
+        self.assertEqual(list(self.path_data("out.svg")), ["p", "p-hatch"])
 
     def test_a_png_is_written(self):
         self.run_text("flatten", self.square, "--error", "1", "-o", self.path("out.png"))

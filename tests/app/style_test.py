@@ -140,6 +140,13 @@ class Style(AppTest):
                                                '<text id="t">: has no outlines here, nor have 1']),
                          "p")
 
+    def test_clip_paths_are_left_out(self):
+        body = ('<clipPath id="c"><path d="M0 0H1V1Z"/></clipPath><path id="a" clip-path="none" '
+                'd="M0 0H9"/><path id="b" class="k" d="M0 0H9"/>')
+        self.assertEqual(self.drawn(".k{clip-path:url(#c)}", body,
+                                    ['<path id="b">: its clip-path is left out'])["b"],
+                         [0, 0, 9, 0])
+
     def test_uses_inherit_from_their_place(self):
         body = ('<defs><path id="p" d="M0 0H1"/><symbol id="s" visibility="visible"><path id="q" '
                 'd="M0 0H1"/></symbol></defs><g visibility="hidden"><use id="u" href="#p"/>'

@@ -4,16 +4,21 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
 #include "Progress.h"
+#include "WriteSupport.h"
+
+#include <trammel/PolygonOperations.h>
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <map>
 #include <utility>
 
 namespace tool {
@@ -39,7 +44,8 @@ struct Options {
     Source a;
     Source b;
     std::string error;
-    std::string output;
+    std::string rule;
+    WriteOptions write;
     bool json = false;
 };
 
@@ -71,21 +77,63 @@ double ErrorOf(Options const& options, TRect<double> const& bounds) {
     return std::max(bounds.Width(), bounds.Height()) * kErrorShare;
 }
 
-/// Returns the area that the whole drawing covers.
-Tgpc_polygon AreaOf(Drawing const& drawing, double error) {
-    Tgpc_polygon polygon;
-    Progress progress("flattening " + drawing.file, drawing.outlines.size());
-    std::size_t done = 0;
+/// Throws Error for coordinates that polygons cannot have.
+void CheckFinite(Drawing const& drawing) {
     for (Outline const& outline : drawing.outlines) {
         for (TPoint<double> const& p : outline.path.mPts) {
             if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
                 throw Error(drawing.file, outline.id, "has coordinates that are too large");
             }
         }
-        AddContours(polygon, outline.path, error);
-        progress.Update(++done);
     }
-    return polygon;
+}
+
+/// Gives all outlines the rule of --rule, if there is one.
+void OverrideRules(Drawing& drawing, std::string const& rule) {
+    if (!rule.empty() && rule != "nonzero" && rule != "evenodd") {
+        throw Error("--rule", "'" + rule + "'", "must be nonzero or evenodd");
+    }
+    for (Outline& outline : drawing.outlines) {
+        outline.rule = rule.empty()        ? outline.rule
+                       : rule == "nonzero" ? trammel::FillRule::kNonZero
+                                           : trammel::FillRule::kEvenOdd;
+    }
+}
+
+/// Returns the document in which the result takes the place of the first outline. The other chosen
+/// outlines are part of it, and go. An outline that a `use` draws goes with the whole `use`.
+std::string Merged(Options const& options, Drawing const& drawing, CPath const& result) {
+    std::map<std::size_t, std::size_t> chosen; // outlines by the element that places them
+    for (Outline const& outline : drawing.outlines) {
+        ++chosen[outline.source.placed];
+    }
+    Outline const* receiver = nullptr;
+    for (Outline const& outline : drawing.outlines) {
+        bool const own = outline.source.placed == outline.source.element;
+        if (outline.source.beside.IsSingular() ||
+            chosen[outline.source.placed] < outline.source.siblings) {
+            throw Error(drawing.file, outline.id, "cannot be taken out of its <use> element");
+        }
+        if (receiver == nullptr && own && outline.source.copies == 1) {
+            receiver = &outline;
+        }
+    }
+    SvgEdit edit(drawing.document, DigitsOf(options.write));
+    for (auto const& [placed, count] : chosen) {
+        if (receiver == nullptr || placed != receiver->source.placed) {
+            edit.Remove(placed);
+        }
+    }
+    if (receiver != nullptr) {
+        SetPath(edit, drawing, *receiver, result); // rings without overlaps: any rule will do
+    } else if (!result.mCtls.empty()) {
+        Outline const& first = drawing.outlines.front();
+        edit.InsertPath(first.source.placed, options.operation,
+                        "style=\"" + Escaped("fill:" + first.fill + ";stroke:" + first.stroke) +
+                            "\"",
+                        Moved(result, Undone(first.source.beside, drawing, first)));
+    }
+    return edit.Text();
 }
 
 Json ToJson(AreaFigures const& figures) {
@@ -118,37 +166,47 @@ Picture FilledPicture(Page const& page, TRect<double> const& bounds, std::string
 
 void Run(Options const& options) {
     TPolyOp const code = CodeOf(options.operation);
-    if (options.output.empty() && !options.json) {
+    if (options.write.output.empty() && !options.json) {
         throw Error("combine", "", "nothing to do without -o or --json");
     }
-    Drawing const a = Load(options.a);
-    Drawing const b = Load(options.b);
+    if (!options.write.output.empty()) {
+        CheckWriteOptions(options.write);
+    }
+    Drawing a = Load(options.a);
+    Drawing b = Load(options.b);
+    OverrideRules(a, options.rule);
+    OverrideRules(b, options.rule);
+    CheckFinite(a);
+    CheckFinite(b);
     TRect<double> const bounds = Around(BoundsOf(a), BoundsOf(b));
     double const error = ErrorOf(options, bounds);
-    Tgpc_polygon const areaA = AreaOf(a, error);
-    Tgpc_polygon const areaB = AreaOf(b, error);
-
-    Progress progress("clipping", 3);
-    Tgpc_polygon const result = Combined(code, areaA, areaB);
+    Progress progress("combining", 3);
+    std::vector<TPolygon<double>> const areaA = RegionOf(a.outlines, error);
     progress.Update(1);
+    std::vector<TPolygon<double>> const areaB = RegionOf(b.outlines, error);
+    progress.Update(2);
+    // The rings of an area wind around it once, so either rule gives the same.
+    auto const rule = trammel::FillRule::kNonZero;
+    std::vector<TPolygon<double>> const result = trammel::Boolean(code, areaA, rule, areaB, rule);
+    progress.Update(3);
     Json json;
     if (options.json) {
         json["operation"] = options.operation;
         json["error"] = error;
-        json["a"] = ToJson(a.file, FiguresOf(Untangled(areaA)));
-        progress.Update(2);
-        json["b"] = ToJson(b.file, FiguresOf(Untangled(areaB)));
+        json["a"] = ToJson(a.file, FiguresOf(areaA));
+        json["b"] = ToJson(b.file, FiguresOf(areaB));
         json["result"] = ToJson(FiguresOf(result));
     }
-    progress.Update(3);
-    if (!options.output.empty()) {
+    std::string const& output = options.write.output;
+    CPath const path = PathOf(result);
+    if (!output.empty() && KeepsDocument(a, output)) {
+        WriteFile(output, SvgBytes(Merged(options, a, path), output));
+    } else if (!output.empty()) {
         // The page is the first drawing's. If that has none, the page holds both drawings, so that
         // the results of the four operations lie over each other.
         Page const page = a.page.frame.Empty() ? PageFor(a.page, bounds) : a.page;
-        CPath const path = PathOf(result);
-        WriteFile(options.output,
-                  PictureBytes(FilledPicture(page, DrawnBounds(path), options.operation, path),
-                               options.output));
+        WriteFile(output, NewFile(FilledPicture(page, DrawnBounds(path), options.operation, path),
+                                  output, options.write));
     }
     if (options.json) {
         Print(JsonText(json));
@@ -178,12 +236,18 @@ void AddCombine(CLI::App& app) {
         ->add_option("--error", options->error,
                      "How far lines may deviate from curves (default: a 10000th of the size)")
         ->type_name("E");
-    command->add_option("-o,--output", options->output, "The file to write: .svg, .svgz or .png")
-        ->type_name("FILE");
+    command
+        ->add_option("--rule", options->rule,
+                     "nonzero or evenodd, for all outlines (default: as the drawings say)")
+        ->type_name("RULE");
+    AddWriteOptions(*command, options->write, false);
     command->add_flag("--json", options->json, "Print areas, contours, holes and vertices as JSON");
-    command->footer("A drawing covers what lies inside an odd number of its subpaths, each taken "
-                    "as closed. The result is\none path, to be filled by the even-odd rule.\n"
-                    "Example: trammel combine difference plate.svg holes.svg -o drilled.svg");
+    command->footer(
+        "A drawing covers what its outlines enclose, each by its fill rule and every "
+        "subpath taken as closed.\nIf A is an SVG drawing, it is kept: the result takes "
+        "the place of its first outline, with id and\nstyle, and its other outlines that "
+        "were combined go.\n"
+        "Example: trammel combine difference plate.svg holes.svg -o drilled.svg");
     command->callback([options] { Run(*options); });
 }
 

@@ -6,9 +6,11 @@
 #include "Error.h"
 #include "Numbers.h"
 #include "Output.h"
+#include "WriteSupport.h"
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <utility>
 
 namespace tool {
@@ -19,7 +21,7 @@ struct Options {
     Source source;
     std::string from;
     std::string to;
-    std::string output;
+    WriteOptions write;
     std::string rest;
 };
 
@@ -37,24 +39,39 @@ void Run(Options const& options) {
     if (!(from < to)) {
         throw Error("--to", "'" + options.to + "'", "must be above --from");
     }
+    CheckWriteOptions(options.write);
     Drawing const drawing = Load(options.source);
     std::vector<Outline> cut;
     std::vector<Outline> rest;
     for (Outline const& outline : drawing.outlines) {
         LengthToDivide(drawing, outline);
         Pieces pieces = CutPath(outline.path, from, to);
-        if (!pieces.cut.mCtls.empty()) {
-            cut.push_back({outline.id, std::move(pieces.cut)});
-        }
-        if (!pieces.rest.mCtls.empty()) {
-            rest.push_back({outline.id, std::move(pieces.rest)});
-        }
+        cut.push_back(outline);
+        cut.back().path = std::move(pieces.cut);
+        rest.push_back(outline);
+        rest.back().path = std::move(pieces.rest);
     }
     Page const page = LinePicture(drawing.page, drawing.outlines).page;
     OutputFiles files;
-    files.Add(options.output, PictureBytes(LinePicture(page, cut), options.output));
+    auto const add = [&](std::string const& file, std::vector<Outline>& pieces) {
+        if (KeepsDocument(drawing, file)) {
+            Drawing changed = drawing;
+            changed.outlines = std::move(pieces);
+            SvgEdit edit(drawing.document, DigitsOf(options.write));
+            for (Outline const* const outline : OnePerElement(changed)) {
+                SetPath(edit, changed, *outline, outline->path);
+            }
+            files.Add(file, SvgBytes(edit.Text(), file));
+            return;
+        }
+        pieces.erase(std::remove_if(pieces.begin(), pieces.end(),
+                                    [](Outline const& o) { return o.path.mCtls.empty(); }),
+                     pieces.end());
+        files.Add(file, NewFile(LinePicture(page, pieces), file, options.write));
+    };
+    add(options.write.output, cut);
     if (!options.rest.empty()) {
-        files.Add(options.rest, PictureBytes(LinePicture(page, rest), options.rest));
+        add(options.rest, rest);
     }
     files.Commit();
 }
@@ -72,10 +89,13 @@ void AddCut(CLI::App& app) {
     command->add_option("--to", options->to, "Where it ends: a greater fraction, at most 1")
         ->required()
         ->type_name("B");
-    AddOutput(*command, options->output);
+    AddWriteOptions(*command, options->write);
     command->add_option("--rest", options->rest, "The file for what remains")->type_name("FILE");
-    command->footer("Example: trammel cut drawing.svg --from 0.25 --to 0.5 -o piece.svg --rest "
-                    "rest.svg");
+    command->footer(
+        "An SVG drawing is kept: in both files the elements have what was cut or what remains, "
+        "and everything\nelse stays as it is.\n"
+        "Example: trammel cut drawing.svg --from 0.25 --to 0.5 -o piece.svg --rest "
+        "rest.svg");
     command->callback([options] { Run(*options); });
 }
 

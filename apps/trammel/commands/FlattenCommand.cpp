@@ -8,6 +8,7 @@
 #include "Outlines.h"
 #include "Output.h"
 #include "Progress.h"
+#include "WriteSupport.h"
 
 #include <CLI/CLI.hpp>
 
@@ -18,7 +19,7 @@ namespace {
 struct Options {
     Source source;
     std::string error;
-    std::string output;
+    WriteOptions write;
     bool classic = false;
 };
 
@@ -27,16 +28,31 @@ void Run(Options const& options) {
     if (!(error > 0.0)) {
         throw Error("--error", "'" + options.error + "'", "must be above 0");
     }
+    CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source);
     Progress progress("flattening outlines", drawing.outlines.size());
     std::size_t done = 0;
+    if (KeepsDocument(drawing, options.write.output)) {
+        SvgEdit edit(drawing.document, DigitsOf(options.write));
+        for (Outline const* const outline : OnePerElement(drawing)) {
+            CPath const& path = outline->path;
+            if (path.TestContents(CPath::kContainsCurves)) {
+                SetPath(
+                    edit, drawing, *outline,
+                    PathOf(options.classic ? ClassicFlatten(path, error) : Flatten(path, error)));
+            }
+            progress.Update(++done);
+        }
+        WriteFile(options.write.output, SvgBytes(edit.Text(), options.write.output));
+        return;
+    }
     for (Outline& outline : drawing.outlines) {
         outline.path = PathOf(options.classic ? ClassicFlatten(outline.path, error)
                                               : Flatten(outline.path, error));
         progress.Update(++done);
     }
-    WriteFile(options.output,
-              PictureBytes(LinePicture(drawing.page, drawing.outlines), options.output));
+    WriteFile(options.write.output, NewFile(LinePicture(drawing.page, drawing.outlines),
+                                            options.write.output, options.write));
 }
 
 } // namespace
@@ -49,10 +65,13 @@ void AddFlatten(CLI::App& app) {
     command->add_option("--error", options->error, "How far the lines may deviate from the curves")
         ->required()
         ->type_name("E");
-    AddOutput(*command, options->output);
+    AddWriteOptions(*command, options->write);
     command->add_flag("--classic", options->classic,
                       "The lines of CBezier::Flatten, which may deviate by more");
-    command->footer("Example: trammel flatten drawing.svg --error 0.1 -o flat.svg");
+    command->footer(
+        "An SVG drawing is kept: elements with curves get straight lines, everything else "
+        "stays as it is.\n"
+        "Example: trammel flatten drawing.svg --error 0.1 -o flat.svg");
     command->callback([options] { Run(*options); });
 }
 

@@ -4,14 +4,17 @@
 #include "Commands.h"
 #include "Error.h"
 #include "Hatch.h"
+#include "Markup.h"
 #include "Numbers.h"
 #include "Output.h"
 #include "Progress.h"
+#include "WriteSupport.h"
 
 #include <trammel/UTrigonometry.h>
 
 #include <CLI/CLI.hpp>
 
+#include <cmath>
 #include <utility>
 
 namespace tool {
@@ -22,9 +25,43 @@ struct Options {
     Source source;
     std::string angle;
     std::string spacing;
-    std::string output;
+    WriteOptions write;
     bool outlines = false;
 };
+
+/// Returns the paint of hatch lines. They take the place of the fill, or lie above it.
+std::string PaintOf(Outline const& outline, bool aboveFill) {
+    if (!aboveFill && outline.fill != "none") {
+        return outline.fill;
+    }
+    return outline.stroke != "none" ? outline.stroke : "black";
+}
+
+/// Returns the document with lines beside each outline. Without --outlines the outlines are no
+/// longer filled.
+std::string Hatched(Options const& options, Drawing const& drawing,
+                    std::vector<Outline> const& lines, double width) {
+    SvgEdit edit(drawing.document, DigitsOf(options.write));
+    for (Outline const& outline : lines) {
+        OutlineSource const& source = outline.source;
+        if (outline.path.mCtls.empty()) {
+            continue;
+        }
+        // The style attribute is stronger than rules for all paths.
+        std::string const style =
+            "fill:none;stroke:" + PaintOf(outline, options.outlines) +
+            ";stroke-width:" + Exact(width / std::sqrt(std::abs(source.beside.Determinant()))) +
+            ";stroke-linecap:round;stroke-dasharray:none";
+        edit.InsertPath(source.placed, outline.id, "style=\"" + Escaped(style) + "\"",
+                        Moved(outline.path, Undone(source.beside, drawing, outline)));
+    }
+    if (!options.outlines) {
+        for (Outline const* const outline : OnePerElement(drawing)) {
+            edit.SetProperty(outline->source.element, Property::kFill, "none");
+        }
+    }
+    return edit.Text();
+}
 
 void Run(Options const& options) {
     double const angle = NumberOf("--angle", options.angle);
@@ -32,27 +69,41 @@ void Run(Options const& options) {
     if (!(spacing > 0.0)) {
         throw Error("--spacing", "'" + options.spacing + "'", "must be above 0");
     }
+    CheckWriteOptions(options.write);
     Drawing const drawing = Load(options.source);
-    std::vector<Outline> lines;
+    std::vector<Outline> lines; // one for each outline
     Progress progress("hatching outlines", drawing.outlines.size());
-    std::size_t done = 0;
     for (Outline const& outline : drawing.outlines) {
-        CPath hatch;
         try {
-            hatch = Hatch(outline.path, DegToRad(angle), spacing);
+            lines.push_back(outline);
+            lines.back().id += "-hatch";
+            lines.back().path = Hatch(outline.path, DegToRad(angle), spacing);
         } catch (Error const& e) {
             throw Error(drawing.file, outline.id, e.what());
         }
-        if (options.outlines) {
-            lines.push_back(outline);
-        }
-        if (!hatch.mCtls.empty()) {
-            lines.push_back({outline.id + "-hatch", std::move(hatch)});
-        }
-        progress.Update(++done);
+        progress.Update(lines.size());
     }
+    std::string const& output = options.write.output;
     Page const page = LinePicture(drawing.page, drawing.outlines).page;
-    WriteFile(options.output, PictureBytes(LinePicture(page, lines), options.output));
+    double const width = LineWidth(options.write, page);
+    if (KeepsDocument(drawing, output)) {
+        WriteFile(output, SvgBytes(Hatched(options, drawing, lines, width), output));
+        return;
+    }
+    std::vector<Outline> shown;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (options.outlines) {
+            shown.push_back(drawing.outlines[i]);
+        }
+        if (!lines[i].path.mCtls.empty()) {
+            shown.push_back(lines[i]);
+        }
+    }
+    Picture picture = LinePicture(page, shown);
+    for (Shape& shape : picture.shapes) {
+        shape.style.strokeWidth = width;
+    }
+    WriteFile(output, NewFile(std::move(picture), output, options.write));
 }
 
 } // namespace
@@ -68,10 +119,14 @@ void AddHatch(CLI::App& app) {
     command->add_option("--spacing", options->spacing, "Distance between lines")
         ->required()
         ->type_name("S");
-    AddOutput(*command, options->output);
-    command->add_flag("--outlines", options->outlines, "Write the outlines too");
-    command->footer("Inside is decided by the even-odd rule, every subpath taken as closed.\n"
-                    "Example: trammel hatch drawing.svg --angle 45 --spacing 1 -o hatched.svg");
+    AddWriteOptions(*command, options->write);
+    command->add_flag("--outlines", options->outlines,
+                      "Keep the outlines' fill; in a new picture, draw the outlines too");
+    command->footer(
+        "An SVG drawing is kept: the lines stand after each outline and take the place of "
+        "its fill.\n"
+        "Inside is decided by the even-odd rule, every subpath taken as closed.\n"
+        "Example: trammel hatch drawing.svg --angle 45 --spacing 1 -o hatched.svg");
     command->callback([options] { Run(*options); });
 }
 

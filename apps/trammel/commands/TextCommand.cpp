@@ -4,10 +4,12 @@
 #include "Commands.h"
 #include "Error.h"
 #include "FontReader.h"
+#include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
 #include "TextAlong.h"
+#include "WriteSupport.h"
 
 #include <CLI/CLI.hpp>
 
@@ -23,7 +25,7 @@ struct Options {
     Source along;
     std::string size;
     std::string start = "0";
-    std::string output;
+    WriteOptions write;
     bool outline = false;
     bool rawQuadratics = false;
     std::string error;
@@ -39,6 +41,22 @@ double FittingSize(Font const& font, std::string const& words, double length) {
         throw Error("words", "'" + words + "'", "have no width");
     }
     return font.UnitsPerEm() * length / width * 0.999;
+}
+
+/// Returns the document with the glyphs after the outline that carries them.
+std::string Lettered(Options const& options, Drawing const& drawing,
+                     std::vector<Outline> const& glyphs) {
+    Outline const& along = drawing.outlines.front();
+    CMatrix3x3 const back = Undone(along.source.beside, drawing, along);
+    std::string const paint = along.stroke == "none" ? "black" : along.stroke;
+    SvgEdit edit(drawing.document, DigitsOf(options.write));
+    for (Outline const& glyph : glyphs) {
+        edit.InsertPath(along.source.placed, glyph.id,
+                        "style=\"" + Escaped("fill:" + paint + ";fill-rule:nonzero;stroke:none") +
+                            "\"",
+                        Moved(glyph.path, back));
+    }
+    return edit.Text();
 }
 
 void Run(Options const& options) {
@@ -63,6 +81,7 @@ void Run(Options const& options) {
             throw Error("--error", "'" + options.error + "'", "is for --raw-quadratics");
         }
     }
+    CheckWriteOptions(options.write);
     Font font(options.font);
     Drawing const drawing = Load(options.along);
     Outline const& along = drawing.outlines.front();
@@ -85,6 +104,11 @@ void Run(Options const& options) {
         throw Error(options.along.file, along.id, e.what());
     }
 
+    std::string const& output = options.write.output;
+    if (KeepsDocument(drawing, output)) {
+        WriteFile(output, SvgBytes(Lettered(options, drawing, glyphs), output));
+        return;
+    }
     std::vector<Outline> everything = glyphs;
     everything.push_back(along);
     Picture picture;
@@ -92,13 +116,13 @@ void Run(Options const& options) {
     if (options.outline) {
         Style line;
         line.stroke = Colour{128, 128, 128};
-        line.strokeWidth = HairWidth(picture.page);
+        line.strokeWidth = LineWidth(options.write, picture.page);
         AddOutlines(picture, {along}, line);
     }
     Style ink;
     ink.fill = Colour{};
     AddOutlines(picture, glyphs, ink);
-    WriteFile(options.output, PictureBytes(picture, options.output));
+    WriteFile(output, NewFile(std::move(picture), output, options.write));
 }
 
 } // namespace
@@ -120,7 +144,8 @@ void AddText(CLI::App& app) {
     command
         ->add_option("--start", options->start, "Where the words begin: distance along the outline")
         ->type_name("D");
-    command->add_flag("--outline", options->outline, "Draw the outline that carries the words");
+    command->add_flag("--outline", options->outline,
+                      "In a new picture: draw the outline that carries the words");
     command->add_flag("--raw-quadratics", options->rawQuadratics,
                       "Flatten TrueType's quadratic curves as they are, instead of raising them to "
                       "cubics");
@@ -128,8 +153,9 @@ void AddText(CLI::App& app) {
         ->add_option("--error", options->error,
                      "With it: how far the lines may deviate (default: a 1000th of the size)")
         ->type_name("E");
-    AddOutput(*command, options->output);
+    AddWriteOptions(*command, options->write);
     command->footer(
+        "An SVG drawing is kept: the words stand after the outline that carries them.\n"
         "CFF fonts have cubic curves only: --raw-quadratics leaves them as they are.\n"
         "Example: trammel text font.ttf \"once around\" --along circle.svg -o ring.png");
     command->callback([options] { Run(*options); });

@@ -6,6 +6,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
+#include "WriteSupport.h"
 
 #include <trammel/CMatrix3x3.h>
 #include <trammel/UTrigonometry.h>
@@ -32,7 +33,8 @@ struct Options {
     std::vector<std::string> scale;
     std::vector<std::string> translate;
     std::vector<std::string> map;
-    std::string output;
+    bool coordinates = false;
+    WriteOptions write;
 };
 
 Step ReadStep(std::string const& option, std::string const& text) {
@@ -95,11 +97,28 @@ CMatrix3x3 MatrixOf(Step const& step, Drawing const& drawing) {
     return m;
 }
 
+/// Changes the transforms in the document, so that strokes, gradients, clips, words and images move
+/// along with the outlines.
+void MoveElements(SvgEdit& edit, Drawing const& drawing, bool whole, CMatrix3x3 const& m) {
+    if (whole) {
+        edit.TransformAll(m, drawing.rootTransform);
+        return;
+    }
+    for (Outline const* const outline : OnePerElement(drawing)) {
+        OutlineSource const& source = outline->source;
+        edit.SetTransform(source.element,
+                          source.toDrawing * m * Undone(source.around, drawing, *outline));
+    }
+}
+
 void Run(CLI::App const& command, Options const& options) {
     std::vector<Step> const steps = StepsOf(command);
+    CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source);
+    CMatrix3x3 whole;
     for (Step const& step : steps) {
         CMatrix3x3 const m = MatrixOf(step, drawing);
+        whole = whole * m;
         for (Outline& outline : drawing.outlines) {
             outline.path.Transform(m);
             for (TPoint<double> const& p : outline.path.mPts) {
@@ -111,8 +130,21 @@ void Run(CLI::App const& command, Options const& options) {
             }
         }
     }
-    WriteFile(options.output,
-              PictureBytes(LinePicture(drawing.page, drawing.outlines), options.output));
+    std::string const& output = options.write.output;
+    if (!KeepsDocument(drawing, output)) {
+        WriteFile(output,
+                  NewFile(LinePicture(drawing.page, drawing.outlines), output, options.write));
+        return;
+    }
+    SvgEdit edit(drawing.document, DigitsOf(options.write));
+    if (options.coordinates) {
+        for (Outline const* const outline : OnePerElement(drawing)) {
+            SetPath(edit, drawing, *outline, outline->path);
+        }
+    } else if (!IsIdentity(whole)) {
+        MoveElements(edit, drawing, options.source.ids.empty(), whole);
+    }
+    WriteFile(output, SvgBytes(edit.Text(), output));
 }
 
 } // namespace
@@ -133,9 +165,16 @@ void AddTransform(CLI::App& app) {
     AddValues(*command, "--map", options->map,
               "Left, top, right, bottom of the rectangle that the outlines' bounds shall fill")
         ->type_name("L,T,R,B");
-    AddOutput(*command, options->output);
-    command->footer("Example: trammel transform drawing.svg --rotate 90 --map 0,0,100,100 -o "
-                    "turned.svg\nA value that begins with -. is given as --scale=-.5");
+    command->add_flag("--coordinates", options->coordinates,
+                      "Write new coordinates of the outlines instead of transforms; the widths of "
+                      "strokes stay");
+    AddWriteOptions(*command, options->write);
+    command->footer(
+        "An SVG drawing is kept: its elements get transforms, so that all that it shows "
+        "moves, words and\nimages too; with --id only the elements of these outlines. "
+        "The page stays as it is.\n"
+        "Example: trammel transform drawing.svg --rotate 90 --map 0,0,100,100 -o "
+        "turned.svg\nA value that begins with -. is given as --scale=-.5");
     command->callback([command, options] { Run(*command, *options); });
 }
 

@@ -1,0 +1,393 @@
+// SPDX-License-Identifier: MIT
+
+#include "SvgEdit.h"
+
+#include "Markup.h"
+#include "Numbers.h"
+#include "SvgAttributes.h"
+
+#include <trammel/SvgPath.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+constexpr std::string_view kSpace = " \t\r\n";
+
+/// One attribute of a tag, by offsets in the text.
+struct AttributeSpan {
+    std::string_view name;
+    std::size_t begin; ///< of the name
+    std::size_t value; ///< behind the opening quote
+    std::size_t end;   ///< of the closing quote
+};
+
+/// A start tag.
+struct TagSpan {
+    std::size_t nameEnd = 0;
+    std::vector<AttributeSpan> attributes;
+    std::size_t end = 0; ///< behind the '>'
+    bool empty = false;  ///< ends in "/>"
+
+    /// Returns the offset behind the last attribute, or behind the name.
+    std::size_t Behind() const { return attributes.empty() ? nameEnd : attributes.back().end + 1; }
+};
+
+/// Returns the start tag at an offset. The document is well-formed, so its parts are there.
+TagSpan TagAt(std::string_view text, std::size_t at) {
+    TagSpan tag;
+    tag.nameEnd = text.find_first_of(" \t\r\n/>", at + 1);
+    std::size_t i = tag.nameEnd;
+    while ((i = text.find_first_not_of(kSpace, i)) < text.size() && text[i] != '>' &&
+           text[i] != '/') {
+        AttributeSpan attribute;
+        attribute.begin = i;
+        i = text.find_first_of("= \t\r\n", i);
+        attribute.name = text.substr(attribute.begin, i - attribute.begin);
+        i = text.find_first_of("\"'", i);
+        if (i == std::string_view::npos) {
+            break;
+        }
+        attribute.value = i + 1;
+        attribute.end = text.find(text[i], attribute.value);
+        if (attribute.end == std::string_view::npos) {
+            break;
+        }
+        i = attribute.end + 1;
+        tag.attributes.push_back(attribute);
+    }
+    tag.empty = i < text.size() && text[i] == '/';
+    tag.end = std::min(text.find('>', i), text.size() - 1) + 1;
+    return tag;
+}
+
+/// Returns the offset of the element's end tag; for an empty element, of what follows it.
+std::size_t EndTagOf(std::string_view text, std::size_t element) {
+    TagSpan const tag = TagAt(text, element);
+    if (tag.empty) {
+        return tag.end;
+    }
+    std::size_t level = 1;
+    std::size_t i = tag.end;
+    while ((i = text.find('<', i)) != std::string_view::npos) {
+        std::string_view const rest = text.substr(i);
+        auto const skip = [&](std::string_view end) {
+            std::size_t const found = text.find(end, i);
+            i = found == std::string_view::npos ? text.size() : found + end.size();
+        };
+        if (rest.substr(0, 4) == "<!--") {
+            skip("-->");
+        } else if (rest.substr(0, 9) == "<![CDATA[") {
+            skip("]]>");
+        } else if (rest.substr(0, 2) == "<?") {
+            skip("?>");
+        } else if (rest.substr(0, 2) == "</") {
+            if (--level == 0) {
+                return i;
+            }
+            ++i;
+        } else {
+            TagSpan const inner = TagAt(text, i);
+            level += inner.empty ? 0 : 1;
+            i = inner.end;
+        }
+    }
+    return text.size();
+}
+
+/// Returns the offset behind the element.
+std::size_t EndOf(std::string_view text, std::size_t element) {
+    std::size_t const end = EndTagOf(text, element);
+    return text.substr(end, 2) == "</" ? text.find('>', end) + 1 : end;
+}
+
+/// The attributes that describe the form of a basic shape, besides its transform.
+std::vector<std::string> FormOf(std::string_view type) {
+    if (type == "rect") {
+        return {"x", "y", "width", "height", "rx", "ry"};
+    }
+    if (type == "circle") {
+        return {"cx", "cy", "r"};
+    }
+    if (type == "ellipse") {
+        return {"cx", "cy", "rx", "ry"};
+    }
+    if (type == "line") {
+        return {"x1", "y1", "x2", "y2"};
+    }
+    return {"points"};
+}
+
+/// Returns the value between quotes of one kind.
+std::string Quoted(std::string const& value, char quote) {
+    std::string out;
+    for (char const c : Escaped(value)) {
+        out += c == '\'' && quote == '\'' ? "&apos;" : std::string(1, c);
+    }
+    return out;
+}
+
+} // namespace
+
+std::string MatrixText(CMatrix3x3 const& m) {
+    return "matrix(" + Exact(m.a) + "," + Exact(m.b) + "," + Exact(m.c) + "," + Exact(m.d) + "," +
+           Exact(m.tx) + "," + Exact(m.ty) + ")";
+}
+
+CPath Rounded(CPath path, std::optional<int> digits) {
+    if (!digits) {
+        return path;
+    }
+    double const unit = std::pow(10.0, *digits);
+    auto const rounded = [unit](double x) {
+        double const r = std::round(x * unit) / unit;
+        return std::isfinite(r) ? r + 0.0 : x;
+    };
+    for (TPoint<double>& p : path.mPts) {
+        p = TPoint<double>(rounded(p.h), rounded(p.v));
+    }
+    return path;
+}
+
+SvgEdit::SvgEdit(std::shared_ptr<SvgDocument const> document, std::optional<int> digits)
+    : mDocument(std::move(document)), mDigits(digits),
+      mCascade(*mDocument, [](std::string const&, std::string const&) {}) {}
+
+std::string SvgEdit::PathText(CPath const& path) const {
+    return trammel::WriteSvgPath(Rounded(path, mDigits));
+}
+
+void SvgEdit::AddStyle(std::size_t element, std::string const& property, std::string const& value) {
+    std::optional<std::string>& style = mTags[element].attributes["style"];
+    std::string text = style ? *style : NodeAt(element).attribute("style").value();
+    std::size_t const last = text.find_last_not_of(kSpace);
+    text.resize(last == std::string::npos ? 0 : last + 1);
+    if (!text.empty() && text.back() != ';') {
+        text += ';';
+    }
+    style = text + property + ":" + value;
+}
+
+void SvgEdit::SetProperty(std::size_t element, Property property, std::string const& value) {
+    Declared const declared = mCascade.Of(NodeAt(element))[property];
+    if (declared.css) {
+        AddStyle(element, NameOf(property), value + (declared.important ? " !important" : ""));
+    } else {
+        mTags[element].attributes[NameOf(property)] = value;
+    }
+}
+
+void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
+    std::string_view const origin = mCascade.Of(NodeAt(element))[Property::kTransformOrigin].value;
+    CMatrix3x3 own = m;
+    try {
+        if (!origin.empty()) {
+            TPoint<double> const centre = ParseTransformOrigin(origin);
+            own = CMatrix3x3().Translate(centre) * m * CMatrix3x3().Translate(-centre);
+        }
+    } catch (TextError const&) { // the reader has warned of it
+    }
+    SetProperty(element, Property::kTransform, MatrixText(own));
+}
+
+/// Style sheets may have rules for the old type, or for paths. The style attribute keeps what the
+/// element had.
+void SvgEdit::KeepStyleOfType(std::size_t element, std::string const& type) {
+    pugi::xml_node const node = NodeAt(element);
+    std::map<std::string, std::string> const before = mCascade.SheetsAs(node, type);
+    std::map<std::string, std::string> const after = mCascade.SheetsAs(node, "path");
+    std::map<std::string, std::string> own;
+    for (CssDeclaration const& declaration :
+         ParseDeclarations(node.attribute("style").value(), [](std::size_t, auto const&) {})) {
+        own[declaration.property] = declaration.value;
+    }
+    std::vector<std::string> const form = FormOf(type);
+    for (auto const& [property, value] : before) {
+        auto const found = after.find(property);
+        bool const same = found != after.end() && found->second == value;
+        bool const important = value.find("!important") != std::string::npos;
+        if (!same && (important || own.count(property) == 0) &&
+            std::find(form.begin(), form.end(), property) == form.end()) {
+            AddStyle(element, property, value);
+        }
+    }
+    for (auto const& [property, value] : after) {
+        if (before.count(property) != 0 || property == "d") {
+            continue;
+        }
+        bool const important = value.find("!important") != std::string::npos;
+        if (own.count(property) != 0 && !important) {
+            continue;
+        }
+        pugi::xml_attribute const attribute = node.attribute(property.c_str());
+        std::string const kept = own.count(property) != 0 ? own[property]
+                                 : attribute              ? attribute.value()
+                                                          : "unset";
+        AddStyle(element, property, kept + (important ? " !important" : ""));
+    }
+    if (after.count("d") != 0) {
+        AddStyle(element, "d", "path(\"" + *mTags[element].attributes["d"] + "\") !important");
+    }
+    // Paths show markers that these shapes do not have.
+    bool const lines = type == "line" || type == "polyline" || type == "polygon";
+    if (!lines && mDocument->Text().find("marker-") != std::string::npos) {
+        AddStyle(element, "marker", "none");
+    }
+}
+
+void SvgEdit::SetPath(std::size_t element, CPath const& path) {
+    pugi::xml_node const node = NodeAt(element);
+    std::string const type(mDocument->LocalName(node));
+    std::string const data = PathText(path);
+    Declared const declared = mCascade.Of(node)[Property::kD];
+    if (type == "path" && declared.css) {
+        SetProperty(element, Property::kD, "path(\"" + data + "\")");
+        return;
+    }
+    Tag& tag = mTags[element];
+    tag.attributes["d"] = data;
+    if (type != "path") {
+        std::string const name = node.name();
+        tag.name = name.substr(0, name.size() - type.size()) + "path";
+        for (std::string const& attribute : FormOf(type)) {
+            tag.attributes[attribute] = std::nullopt;
+        }
+        KeepStyleOfType(element, type);
+    }
+}
+
+void SvgEdit::InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
+                         CPath const& path) {
+    std::string const& text = mDocument->Text();
+    std::string const name = NodeAt(element).name();
+    std::size_t const colon = name.find(':');
+    std::string const prefix = colon == std::string::npos ? "" : name.substr(0, colon + 1);
+    std::size_t const line = text.rfind('\n', element);
+    std::string space = line == std::string::npos ? "" : text.substr(line, element - line);
+    if (space.find_first_not_of(kSpace) != std::string::npos) {
+        space.clear();
+    }
+    std::size_t const end = EndOf(text, element);
+    mReplacements.push_back({end, end,
+                             space + "<" + prefix + "path id=\"" + Escaped(id) + "\"" +
+                                 (attributes.empty() ? "" : " ") + attributes + " d=\"" +
+                                 PathText(path) + "\"/>"});
+}
+
+void SvgEdit::TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform) {
+    CMatrix3x3 const moved = rootTransform * m * rootTransform.Inverse();
+    for (pugi::xml_node const child : mDocument->Root().children()) {
+        std::string_view const type = mDocument->LocalName(child);
+        std::size_t const offset = mDocument->Offset(child);
+        std::string const& text = mDocument->Text();
+        if (type == "svg") { // not all browsers know the attribute there
+            std::size_t const end = EndOf(text, offset);
+            std::string const name = child.name();
+            std::string const g = name.substr(0, name.size() - 3) + "g";
+            mReplacements.push_back(
+                {offset, offset, "<" + g + " transform=\"" + MatrixText(moved) + "\">"});
+            mReplacements.push_back({end, end, "</" + g + ">"});
+            continue;
+        }
+        for (std::string_view const shown :
+             {"g", "a", "switch", "use", "path", "rect", "circle", "ellipse", "line", "polyline",
+              "polygon", "text", "image", "foreignObject"}) {
+            if (type == shown) {
+                CMatrix3x3 own;
+                try {
+                    own = TransformOf(mCascade.Of(child));
+                } catch (TextError const&) { // the reader has warned of it
+                }
+                SetTransform(offset, own * moved);
+            }
+        }
+    }
+}
+
+void SvgEdit::Remove(std::size_t element) {
+    std::string const& text = mDocument->Text();
+    std::size_t begin = element;
+    std::size_t const end = EndOf(text, element);
+    std::size_t const line = text.find_last_not_of(" \t", element - 1);
+    if (line != std::string::npos && text[line] == '\n' && end < text.size() &&
+        (text[end] == '\n' || text[end] == '\r')) {
+        begin = line; // the element has lines of its own
+    }
+    mTags.erase(element);
+    mReplacements.push_back({begin, end, ""});
+}
+
+void SvgEdit::WriteTag(std::size_t element, Tag const& tag, std::vector<Replacement>& out) const {
+    std::string const& text = mDocument->Text();
+    TagSpan const span = TagAt(text, element);
+    if (!tag.name.empty()) {
+        out.push_back({element + 1, span.nameEnd, tag.name});
+        if (!span.empty) {
+            std::size_t const end = EndTagOf(text, element) + 2;
+            out.push_back({end, end + span.nameEnd - element - 1, tag.name});
+        }
+    }
+    // A new `d` stands where the first attribute of the old form stood.
+    auto const formBegins = [&tag](AttributeSpan const& attribute) {
+        auto const found = tag.attributes.find(std::string(attribute.name));
+        return found != tag.attributes.end() && !found->second;
+    };
+    bool dWritten = false;
+    for (AttributeSpan const& attribute : span.attributes) {
+        auto const found = tag.attributes.find(std::string(attribute.name));
+        if (found == tag.attributes.end()) {
+            continue;
+        }
+        if (found->second) {
+            dWritten = dWritten || attribute.name == "d";
+            out.push_back(
+                {attribute.value, attribute.end, Quoted(*found->second, text[attribute.end])});
+        } else if (!dWritten && formBegins(attribute) && tag.attributes.count("d") != 0) {
+            dWritten = true;
+            out.push_back({attribute.begin, attribute.end + 1,
+                           "d=\"" + Quoted(*tag.attributes.at("d"), '"') + "\""});
+        } else {
+            std::size_t const before = text.find_last_not_of(kSpace, attribute.begin - 1) + 1;
+            out.push_back({before, attribute.end + 1, ""});
+        }
+    }
+    for (auto const& [name, value] : tag.attributes) {
+        bool const exists =
+            std::any_of(span.attributes.begin(), span.attributes.end(),
+                        [&name = name](AttributeSpan const& a) { return a.name == name; });
+        if (value && !exists && !(name == "d" && dWritten)) {
+            out.push_back(
+                {span.Behind(), span.Behind(), " " + name + "=\"" + Quoted(*value, '"') + "\""});
+        }
+    }
+}
+
+std::string SvgEdit::Text() const {
+    std::vector<Replacement> all = mReplacements;
+    for (auto const& [element, tag] : mTags) {
+        WriteTag(element, tag, all);
+    }
+    std::stable_sort(all.begin(), all.end(), [](Replacement const& a, Replacement const& b) {
+        return std::make_pair(a.begin, a.end) < std::make_pair(b.begin, b.end);
+    });
+    std::string const& text = mDocument->Text();
+    std::string out;
+    std::size_t done = 0;
+    for (Replacement const& replacement : all) {
+        if (replacement.begin < done) {
+            continue; // lies in an element that is removed
+        }
+        out.append(text, done, replacement.begin - done);
+        out += replacement.text;
+        done = replacement.end;
+    }
+    out.append(text, done, std::string::npos);
+    return mDocument->Encoded(out);
+}
+
+} // namespace tool

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: MIT
+
+// SvgEdit: changes to an SVG document that leave every other byte as it is.
+//
+// Elements are named by the offset of their '<', as an OutlineSource has it. Nothing happens to the
+// document before Text(), which returns a copy with all changes.
+
+#ifndef TRAMMEL_APP_SVGEDIT_H
+#define TRAMMEL_APP_SVGEDIT_H
+
+#include "Cascade.h"
+#include "SvgDocument.h"
+
+#include <trammel/CMatrix3x3.h>
+#include <trammel/CPath.h>
+
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tool {
+
+/// Changes to one document.
+class SvgEdit {
+public:
+    /// \param digits  the decimals of new coordinates; empty: as many as read back the same number
+    SvgEdit(std::shared_ptr<SvgDocument const> document, std::optional<int> digits);
+
+    /// Sets a property, in the place where its winning declaration stands: the style attribute if
+    /// style sheets or this attribute declare it, otherwise the attribute of its name.
+    void SetProperty(std::size_t element, Property property, std::string const& value);
+
+    /// Sets the transform that the element has by itself.
+    void SetTransform(std::size_t element, CMatrix3x3 const& m);
+
+    /// Gives an element another outline, in its own coordinates. A basic shape becomes a path; it
+    /// keeps all attributes that do not describe its form, and the style that it had by its type.
+    void SetPath(std::size_t element, CPath const& path);
+
+    /// Inserts a new path after the element, in the coordinates around it.
+    /// \param attributes  text from "name=" on; may be empty
+    void InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
+                    CPath const& path);
+
+    /// Applies a transform to all that the document shows.
+    /// \param m  in the drawing's coordinates
+    void TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform);
+
+    /// Removes the element and what it contains.
+    void Remove(std::size_t element);
+
+    /// Returns the document with all changes, in its file's encoding.
+    std::string Text() const;
+
+private:
+    /// The changes to one start tag.
+    struct Tag {
+        std::map<std::string, std::optional<std::string>> attributes; ///< empty: removed
+        std::string name;                                             ///< empty: the same
+    };
+    struct Replacement {
+        std::size_t begin;
+        std::size_t end;
+        std::string text;
+    };
+
+    pugi::xml_node NodeAt(std::size_t element) const { return mDocument->ElementAt(element); }
+    void AddStyle(std::size_t element, std::string const& property, std::string const& value);
+    void KeepStyleOfType(std::size_t element, std::string const& type);
+    std::string PathText(CPath const& path) const;
+    void WriteTag(std::size_t element, Tag const& tag, std::vector<Replacement>& out) const;
+
+    std::shared_ptr<SvgDocument const> mDocument;
+    std::optional<int> mDigits;
+    Cascade mCascade;
+    std::map<std::size_t, Tag> mTags;
+    std::vector<Replacement> mReplacements;
+};
+
+/// Returns a matrix as the value of a transform: "matrix(a,b,c,d,e,f)".
+std::string MatrixText(CMatrix3x3 const& m);
+
+/// Returns the path with coordinates of so many decimals.
+CPath Rounded(CPath path, std::optional<int> digits);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,189 @@
+// SPDX-License-Identifier: MIT
+
+#include "WriteSupport.h"
+
+#include "Error.h"
+#include "Numbers.h"
+#include "Warning.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cmath>
+#include <unordered_map>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// Returns the number of an option, which must be above 0; 0 when the option is missing.
+double Positive(std::string const& option, std::string const& text) {
+    if (text.empty()) {
+        return 0.0;
+    }
+    double const number = NumberOf(option, text);
+    if (!(number > 0.0)) {
+        throw Error(option, "'" + text + "'", "must be above 0");
+    }
+    return number;
+}
+
+/// Returns the colour of an option: #rgb, #rrggbb, white or black; nothing for "none".
+std::optional<Colour> ColourOf(std::string const& option, std::string const& text) {
+    if (text == "none" || text == "transparent") {
+        return std::nullopt;
+    }
+    std::string hex = text == "white" ? "#ffffff" : text == "black" ? "#000000" : text;
+    if (hex.size() == 4) {
+        hex = {'#', hex[1], hex[1], hex[2], hex[2], hex[3], hex[3]};
+    }
+    if (hex.size() != 7 || hex[0] != '#' ||
+        hex.find_first_not_of("0123456789abcdefABCDEF", 1) != std::string::npos) {
+        throw Error(option, "'" + text + "'", "must be #rgb, #rrggbb, white, black or none");
+    }
+    auto const part = [&hex](std::size_t i) {
+        return static_cast<std::uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16));
+    };
+    return Colour{part(1), part(3), part(5)};
+}
+
+} // namespace
+
+void AddWriteOptions(CLI::App& command, WriteOptions& options, bool required) {
+    command
+        .add_option("-o,--output", options.output,
+                    "The file to write: .svg, .svgz or .png; - for standard output")
+        ->required(required)
+        ->type_name("FILE");
+    command
+        .add_option("--precision", options.precision,
+                    "Decimals of new coordinates (default: all that are needed)")
+        ->type_name("N");
+    command
+        .add_option("--stroke-width", options.strokeWidth,
+                    "Width of the lines that are added, in the drawing's units")
+        ->type_name("W");
+    command.add_option("--width", options.width, "PNG: width in pixels")->type_name("PX");
+    command.add_option("--height", options.height, "PNG: height in pixels")->type_name("PX");
+    command.add_option("--zoom", options.scale, "PNG: pixels for each unit of the drawing")
+        ->type_name("S");
+    command
+        .add_option("--background", options.background,
+                    "PNG: #rgb, #rrggbb, white, black or none (default: white)")
+        ->type_name("COLOUR");
+}
+
+void CheckWriteOptions(WriteOptions const& options) {
+    DigitsOf(options);
+    Positive("--stroke-width", options.strokeWidth);
+    bool const png = IsPngName(options.output);
+    std::pair<char const*, std::string const*> const sizes[] = {
+        {"--width", &options.width}, {"--height", &options.height}, {"--zoom", &options.scale}};
+    for (auto const& [name, text] : sizes) {
+        Positive(name, *text);
+        if (!text->empty() && !png) {
+            throw Error(name, "'" + *text + "'", "is for .png");
+        }
+    }
+    if (!options.background.empty()) {
+        ColourOf("--background", options.background);
+        if (!png) {
+            throw Error("--background", "'" + options.background + "'", "is for .png");
+        }
+    }
+    if (!options.scale.empty() && !(options.width.empty() && options.height.empty())) {
+        throw Error("--zoom", "'" + options.scale + "'", "cannot go with --width or --height");
+    }
+}
+
+bool KeepsDocument(Drawing const& drawing, std::string const& file) {
+    return drawing.document && IsSvgName(file);
+}
+
+std::optional<int> DigitsOf(WriteOptions const& options) {
+    if (options.precision.empty()) {
+        return std::nullopt;
+    }
+    double const digits = NumberOf("--precision", options.precision);
+    if (!(digits >= 0.0 && digits <= 15.0 && digits == std::floor(digits))) {
+        throw Error("--precision", "'" + options.precision + "'",
+                    "must be a whole number from 0 to 15");
+    }
+    return static_cast<int>(digits);
+}
+
+double LineWidth(WriteOptions const& options, Page const& page) {
+    double const width = Positive("--stroke-width", options.strokeWidth);
+    return width > 0.0 ? width : HairWidth(page);
+}
+
+std::string NewFile(Picture picture, std::string const& file, WriteOptions const& options) {
+    for (Shape& shape : picture.shapes) {
+        shape.path = Rounded(std::move(shape.path), DigitsOf(options));
+    }
+    PngSize size;
+    size.width = Positive("--width", options.width);
+    size.height = Positive("--height", options.height);
+    size.scale = Positive("--zoom", options.scale);
+    if (!options.background.empty()) {
+        picture.background = ColourOf("--background", options.background);
+        size.transparent = !picture.background;
+    }
+    return PictureBytes(picture, file, size);
+}
+
+bool IsIdentity(CMatrix3x3 const& m) {
+    return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
+}
+
+CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline) {
+    CMatrix3x3 inverse;
+    if (IsIdentity(m)) {
+        return inverse;
+    }
+    if (m.IsSingular() || !m.Inverse(inverse)) {
+        throw Error(drawing.file, outline.id, "its transform presses it into a line");
+    }
+    return inverse;
+}
+
+CPath Moved(CPath path, CMatrix3x3 const& m) {
+    if (!IsIdentity(m)) {
+        path.Transform(m);
+    }
+    return path;
+}
+
+void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {
+    edit.SetPath(outline.source.element,
+                 Moved(std::move(path), Undone(outline.source.toDrawing, drawing, outline)));
+}
+
+std::vector<Outline const*> OnePerElement(Drawing const& drawing) {
+    std::vector<Outline const*> chosen;
+    std::unordered_map<std::size_t, std::size_t> places;
+    std::unordered_map<std::size_t, std::size_t> counts;
+    for (Outline const& outline : drawing.outlines) {
+        ++counts[outline.source.element];
+        auto const place = places.emplace(outline.source.element, chosen.size());
+        if (place.second) {
+            chosen.push_back(&outline);
+            continue;
+        }
+        Outline const*& other = chosen[place.first->second];
+        if (std::abs(outline.source.toDrawing.Determinant()) >
+            std::abs(other->source.toDrawing.Determinant())) {
+            other = &outline;
+        }
+    }
+    for (Outline const* const outline : chosen) {
+        std::size_t const copies = outline->source.copies;
+        if (copies > counts[outline->source.element]) {
+            Warn(drawing.file, outline->id,
+                 "is drawn " + std::to_string(copies) + " times; every copy changes");
+        }
+    }
+    return chosen;
+}
+
+} // namespace tool

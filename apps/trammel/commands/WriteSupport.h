@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+
+// How the commands write their results: into the document that was read, as a new document, or as
+// PNG.
+
+#ifndef TRAMMEL_APP_WRITESUPPORT_H
+#define TRAMMEL_APP_WRITESUPPORT_H
+
+#include "Drawing.h"
+#include "Picture.h"
+#include "SvgEdit.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+} // namespace CLI
+
+namespace tool {
+
+/// The options of the commands that write drawings, as text.
+struct WriteOptions {
+    std::string output;
+    std::string precision;
+    std::string strokeWidth;
+    std::string width;
+    std::string height;
+    std::string scale;
+    std::string background;
+};
+
+/// Adds -o and the options of precision, line width, PNG size and background.
+/// \param required  whether the command needs -o
+void AddWriteOptions(CLI::App& command, WriteOptions& options, bool required = true);
+
+/// Throws Error for a mistake in the options, before the work begins.
+void CheckWriteOptions(WriteOptions const& options);
+
+/// True when the result in `file` is the document that was read, with changes.
+bool KeepsDocument(Drawing const& drawing, std::string const& file);
+
+/// Returns the decimals that --precision asks for.
+std::optional<int> DigitsOf(WriteOptions const& options);
+
+/// Returns the width of lines that the command adds, in the drawing's coordinates: --stroke-width,
+/// or a width that suits the page.
+double LineWidth(WriteOptions const& options, Page const& page);
+
+/// Returns the picture as a new file with all options. `file` may be another one than -o.
+std::string NewFile(Picture picture, std::string const& file, WriteOptions const& options);
+
+/// True for the matrix that moves nothing.
+bool IsIdentity(CMatrix3x3 const& m);
+
+/// Returns the matrix that undoes `m`. Throws an Error that names the outline when `m` cannot
+/// be undone, because it presses everything into a line.
+CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline);
+
+/// Returns a path of the drawing's coordinates in other coordinates.
+CPath Moved(CPath path, CMatrix3x3 const& m);
+
+/// Gives the outline's element another form, which is in the drawing's coordinates.
+void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path);
+
+/// Returns one outline for each element, the largest of several copies. Warns when copies change
+/// that were not chosen.
+std::vector<Outline const*> OnePerElement(Drawing const& drawing);
+
+} // namespace tool
+
+#endif
