@@ -140,7 +140,7 @@ class Documents(AppTest):
         """`use` shows one element many times. Its form changes once, and a transform moves the use."""
         file = self.write("in.svg", svg('<defs><circle id="c" r="4"/></defs><use id="u" href="#c"/>'
                                         '<use id="v" href="#c" transform="scale(3)"/>'))
-        result = self.execute("flatten", file, "--id", "u/c", "--error", "0.1", "-o", self.out)
+        result = self.execute("flatten", file, "--id", "u/c", "--error", "0.001", "-o", self.out)
         self.assertEqual(result.returncode, 0)
         self.assertIn(b"u/c: is drawn 2 times; every copy changes", result.stderr)
         self.fails("flatten", "--strict", file, "--id", "u/c", "--error", "1", "-o", self.out,
@@ -148,7 +148,7 @@ class Documents(AppTest):
         got = self.measure_file("out.svg")
         self.assertEqual((got["u/c"]["curves"], got["v/c"]["curves"]), (False, False))
         # The error holds for the largest copy.
-        self.run_text("flatten", file, "--error", "0.1", "-o", self.out)
+        self.run_text("flatten", file, "--error", "0.001", "-o", self.out)
         self.assertGreater(self.measure_file("out.svg")["v/c"]["elements"], got["u/c"]["elements"])
         self.run_text("transform", file, "--translate", "9,0", "-o", self.out)
         got = self.measure_file("out.svg")
