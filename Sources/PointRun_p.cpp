@@ -132,12 +132,13 @@ bool OddCrossingsOneByOne(PointRun points, double h, double v) {
 /// Returns the union of the null rectangle with `count` points, in the order first, first + step,
 /// ...
 TRect<double> Union(char const* first, long step, long count) {
+    constexpr unsigned kBoth = 3; // the bits of a mask that is set in both lanes
     auto const point = [=](long i) { return PointRun{first + step * i, 1}[0]; };
     // A null rectangle takes over the next point. So points at the origin are forgotten until
     // another point comes; if none comes, the last one stays, with the signs of its zeros. The
     // first other point is in the rectangle for good, as one of its fields is not 0.
     long start = 0;
-    while (start < count - 1 && point(start).Null()) {
+    while (start < count - 1 && (Double2::Load(first + step * start) == 0.0).Bits() == kBoth) {
         ++start;
     }
     if (start >= count) {
@@ -148,7 +149,7 @@ TRect<double> Union(char const* first, long step, long count) {
     TRect<double> bounds;
     extent.low.Store(&bounds.mCorners[0]);
     extent.high.Store(&bounds.mCorners[1]);
-    if (((extent.low == 0.0) | (extent.high == 0.0)).Bits() == 0) {
+    if (((extent.low == 0.0).Bits() | (extent.high == 0.0).Bits()) == 0) {
         return bounds;
     }
     // The extent takes the points in another order. That shows only where equal values differ,

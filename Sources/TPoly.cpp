@@ -35,29 +35,27 @@ constexpr long kManyVertices = 128;
 
 Handle AsHandle(CPolygon<double>** h) { return reinterpret_cast<Handle>(h); }
 
-/// Returns the header of a new, open polygon with the given cached (but not current) bounds.
-CPolygon<double> NewHeader(TRect<double> const& bounds) {
-    CPolygon<double> header;
-    header.mReserved = 0;
-    header.mClosed = 0;
-    header.mBoundsValid = 0;
-    header.mBounds = bounds;
-    return header;
-}
-
-/// Returns the header of a new, open polygon. Its bounds are never reported, because they are
-/// marked as not current. `min` is the smallest positive number, not the most negative one: the
+/// The bounds in the header of a new polygon. They are never reported, because they are marked as
+/// not current. The first two are the smallest positive number, not the most negative one: the
 /// record has always held it.
-CPolygon<double> UnboundedHeader() {
-    double const min = std::numeric_limits<double>::min();
-    double const max = std::numeric_limits<double>::max();
-    return NewHeader(TRect<double>(min, min, max, max));
-}
+constexpr TRect<double> kNoBounds(std::numeric_limits<double>::min(),
+                                  std::numeric_limits<double>::min(),
+                                  std::numeric_limits<double>::max(),
+                                  std::numeric_limits<double>::max());
 
-CPolygon<double>** NewBlock(CPolygon<double> const& header) {
-    Handle h = nullptr;
-    PtrToHand(&header, &h, kHeaderSize);
-    return reinterpret_cast<CPolygon<double>**>(h);
+/// Returns the block of a new, open polygon with the given cached (but not current) bounds; null
+/// when memory is short. The caller fills the `size` bytes of its vertices.
+CPolygon<double>** NewBlock(TRect<double> const& bounds, long size = 0) {
+    auto* const h =
+        reinterpret_cast<CPolygon<double>**>(trammel_detail::NewUnfilledHandle(kHeaderSize + size));
+    if (h != nullptr) {
+        CPolygon<double>* const record = *h;
+        record->mReserved = 0;
+        record->mClosed = 0;
+        record->mBoundsValid = 0;
+        record->mBounds = bounds;
+    }
+    return h;
 }
 
 /// Returns the block of a new, open polygon of `count` vertices; null when memory is short.
@@ -67,13 +65,11 @@ CPolygon<double>** NewBlock(TPoint<double> const* vertices, std::size_t count) {
         return nullptr;
     }
     long const size = kPointSize * static_cast<long>(count);
-    Handle const h = NewHandle(kHeaderSize + size);
+    CPolygon<double>** const h = NewBlock(kNoBounds, size);
     if (h != nullptr) {
-        CPolygon<double> const header = UnboundedHeader();
-        BlockMove(&header, *h, kHeaderSize);
-        BlockMove(vertices, *h + kHeaderSize, size);
+        BlockMove(vertices, (*h)->mPoints, size);
     }
-    return reinterpret_cast<CPolygon<double>**>(h);
+    return h;
 }
 
 /// The vertices of a polygon as they lie in its block. They are good until the polygon changes.
@@ -163,7 +159,7 @@ bool IsNaN(TPoint<double> const& p) { return std::isnan(p.h) || std::isnan(p.v);
 
 } // namespace
 
-template <class T> TPolygon<T>::TPolygon() : mHandle(NewBlock(UnboundedHeader())) {}
+template <class T> TPolygon<T>::TPolygon() : mHandle(NewBlock(kNoBounds)) {}
 
 template <class T> TPolygon<T>::TPolygon(CFPolygonRef src) {
     long const count = std::max(src.LastIndex() + 1, 0L);
@@ -179,7 +175,7 @@ template <class T> TPolygon<T>::TPolygon(CFPolygonRef src) {
     record->mBounds = bounds;
 }
 
-template <class T> TPolygon<T>::TPolygon(TRect<T> const& r) : mHandle(NewBlock(NewHeader(r))) {
+template <class T> TPolygon<T>::TPolygon(TRect<T> const& r) : mHandle(NewBlock(r)) {
     if (mHandle != nullptr) {
         TRect<T> const rect = r;
         Append(rect[kTopLeft], true);
@@ -324,8 +320,9 @@ template <class T> void TPolygon<T>::CalcBounds() const {
     if (mHandle == nullptr) {
         return;
     }
-    (*mHandle)->mBounds = trammel_detail::UnionForward(Run(*this));
-    (*mHandle)->mBoundsValid = 1;
+    CPolygon<T>* const record = *mHandle;
+    record->mBounds = trammel_detail::UnionForward(Run(*this));
+    record->mBoundsValid = 1;
 }
 
 template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {

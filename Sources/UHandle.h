@@ -46,13 +46,14 @@ template <class Record> Record** Clone(Record** h) {
 template <class Record, class Item> inline void AppendHandle(Record** h, Item item) {
     static_assert(std::is_trivially_copyable_v<Item>);
     Handle const block = reinterpret_cast<Handle>(h);
-    // This is PtrAndHand's usual case, with the item taken by value. Taking its address would write
+    // This is PtrAndHand with the item taken by value. Taking its address would write
     // it to memory by parts and read it back as a whole, for which processors wait.
-    if (char* const place = trammel_detail::TakeSpareBytes(block, sizeof item)) {
+    char* place = trammel_detail::TakeSpareBytes(block, sizeof item);
+    if (place == nullptr) {
+        place = trammel_detail::TakeBytes(block, sizeof item);
+    }
+    if (place != nullptr) {
         std::memcpy(place, &item, sizeof item);
-    } else {
-        Item const copy = item;
-        PtrAndHand(&copy, block, static_cast<Size>(sizeof copy));
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include "Dispatch_p.h"
 
-#include <atomic>
-
 namespace trammel_detail {
 
 namespace {
@@ -17,24 +15,20 @@ bool Detect() {
 #endif
 }
 
-enum class Vectors : int { kUnknown, kNarrow, kWide };
-
-std::atomic<Vectors> gVectors{Vectors::kUnknown};
-
 } // namespace
 
-bool HasWideVectors() {
-    Vectors vectors = gVectors.load(std::memory_order_relaxed);
-    if (vectors == Vectors::kUnknown) {
-        vectors = Detect() ? Vectors::kWide : Vectors::kNarrow;
-        gVectors.store(vectors, std::memory_order_relaxed);
-    }
-    return vectors == Vectors::kWide;
+Vectors gVectors = Vectors::kUnknown;
+
+Vectors FindVectors() {
+    Vectors vectors = Detect() ? Vectors::kWide : Vectors::kNarrow;
+    __atomic_store(&gVectors, &vectors, __ATOMIC_RELAXED);
+    return vectors;
 }
 
 bool UsePortableForms(bool portable) {
     bool const has = Detect();
-    gVectors = has && !portable ? Vectors::kWide : Vectors::kNarrow;
+    Vectors vectors = has && !portable ? Vectors::kWide : Vectors::kNarrow;
+    __atomic_store(&gVectors, &vectors, __ATOMIC_SEQ_CST);
     return has;
 }
 

@@ -19,14 +19,28 @@ inline constexpr bool kHasAvx2Forms = true;
 inline constexpr bool kHasAvx2Forms = false;
 #endif
 
-/// True when the forms for AVX2 run: the build has them, processor and system have AVX2, and
-/// UsePortableForms(true) was not called. The first call finds it out.
-bool HasWideVectors();
-
 /// Makes the portable forms run (true), or those for this processor again (false), so that tests
 /// can compare the two. Returns false when the portable forms run in both cases. Other threads must
 /// not call the library meanwhile.
 TRAMMEL_API bool UsePortableForms(bool portable);
+
+/// Which forms run.
+enum class Vectors : int { kUnknown, kNarrow, kWide };
+
+/// What UsePortableForms said last or, before, what FindVectors found. It is read and written by
+/// the compiler's atomic operations: files for AVX2 may not share std::atomic's functions.
+extern Vectors gVectors;
+
+/// Finds out which forms run here, keeps it in gVectors and returns it.
+Vectors FindVectors();
+
+/// True when the forms for AVX2 run: the build has them, processor and system have AVX2, and
+/// UsePortableForms(true) was not called. The first call finds it out.
+[[gnu::always_inline]] inline bool HasWideVectors() {
+    Vectors vectors;
+    __atomic_load(&gVectors, &vectors, __ATOMIC_RELAXED);
+    return (vectors == Vectors::kUnknown ? FindVectors() : vectors) == Vectors::kWide;
+}
 
 /// Calls the form of a kernel that suits this processor. Where the build has no forms for AVX2,
 /// `avx2` needs no definition.

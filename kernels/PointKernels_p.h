@@ -66,10 +66,6 @@ struct PointExtent {
         low = Min(p, low);
         high = Max(p, high);
     }
-    [[gnu::always_inline]] inline void Include(PointExtent const& other) {
-        low = Min(other.low, low);
-        high = Max(other.high, high);
-    }
 };
 
 /// Returns the extent of `count` points, at least one. The first lies at `first`, and each other
@@ -80,10 +76,11 @@ struct PointExtent {
         return Double2::Load(first + step * i);
     };
     // Each extent waits for its last result. So four of them go side by side.
-    PointExtent e0 = {point(0), point(0)};
-    PointExtent e1 = e0;
-    PointExtent e2 = e0;
-    PointExtent e3 = e0;
+    Double2 const p = point(0);
+    PointExtent e0 = {p, p};
+    PointExtent e1 = {p, p};
+    PointExtent e2 = {p, p};
+    PointExtent e3 = {p, p};
     long i = 1;
     for (; i + 4 <= count; i += 4) {
         e0.Include(point(i));
@@ -94,10 +91,8 @@ struct PointExtent {
     for (; i < count; ++i) {
         e0.Include(point(i));
     }
-    e0.Include(e1);
-    e2.Include(e3);
-    e0.Include(e2);
-    return e0;
+    return {Min(Min(e3.low, e2.low), Min(e1.low, e0.low)),
+            Max(Max(e3.high, e2.high), Max(e1.high, e0.high))};
 }
 
 // ------------------------------------------------------------------------------------------------

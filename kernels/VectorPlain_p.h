@@ -44,6 +44,15 @@ template <class RawMask> [[gnu::always_inline]] inline unsigned RawBits(RawMask 
 }
 
 /// Returns lanes 2 and 3.
+#if defined(__AVX2__)
+
+/// Returns the pair in lanes 0 and 1, and again in lanes 2 and 3.
+[[gnu::always_inline]] inline RawDouble4 RawRepeat(RawDouble2 const& pair) {
+    return __builtin_shufflevector(pair, pair, 0, 1, 0, 1);
+}
+
+#endif
+
 [[gnu::always_inline]] inline RawDouble2 RawHigh(RawDouble4 const& a) {
     return RawDouble2{a[2], a[3]};
 }

@@ -63,6 +63,10 @@ namespace trammel_detail {
     return static_cast<unsigned>(_mm256_movemask_pd((__m256d)mask));
 }
 
+[[gnu::always_inline]] inline RawDouble4 RawRepeat(RawDouble2 const& pair) {
+    return _mm256_broadcast_pd(&pair);
+}
+
 [[gnu::always_inline]] inline RawDouble2 RawHigh(RawDouble4 const& a) {
     return _mm256_extractf128_pd(a, 1);
 }

@@ -340,7 +340,7 @@ typedef WideDouble4::Mask WideMask4;
 }
 /// Returns a pair in lanes 0 and 1, and again in lanes 2 and 3.
 [[gnu::always_inline]] inline WideDouble4 Repeat(Double2 const& pair) {
-    return WideDouble4(__builtin_shufflevector(pair.raw, pair.raw, 0, 1, 0, 1));
+    return WideDouble4(RawRepeat(pair.raw));
 }
 /// Returns lanes 0, 0, 2 and 2.
 [[gnu::always_inline]] inline WideDouble4 EvenTwice(WideDouble4 const& a) {

@@ -6,6 +6,13 @@
 #include <cstdlib>
 #include <new>
 
+#if __has_include(<sys/single_threaded.h>)
+#include <sys/single_threaded.h>
+#define TRAMMEL_SINGLE_THREADED (__libc_single_threaded != 0)
+#else
+#define TRAMMEL_SINGLE_THREADED false
+#endif
+
 using trammel_detail::BlockRecord;
 using trammel_detail::RecordOf;
 using trammel_detail::TakeInjectedFailure;
@@ -29,13 +36,33 @@ std::atomic<long> gReallocations{0};
 /// The largest block: more than any memory holds, yet no sum or product below overflows.
 constexpr Size kLargestBlock = Size{1} << 40;
 
+/// Every block has this much memory, however little room it was given. So a new polygon, which is
+/// a header of 40 bytes, gets its first three vertices without moving.
+constexpr Size kLeastMemory = 96;
+
+/// Blocks of this room or less grow by way of malloc, see Reallocate.
+constexpr Size kLargestCopiedRoom = 256;
+
 /// Blocks with less room than this keep it: giving it back is not worth a reallocation.
 constexpr Size kSmallestShrinkingBlock = 256;
+
+/// Adds to a counter. Processors need as long for an atomic addition as for making a small block.
+/// The C library tells when there is no other thread, and then a plain addition does.
+void Count(std::atomic<long>& counter, long added) {
+    if (TRAMMEL_SINGLE_THREADED) {
+        counter.store(counter.load(kRelaxed) + added, kRelaxed);
+    } else {
+        counter.fetch_add(added, kRelaxed);
+    }
+}
 
 constexpr bool IsBlockSize(Size size) { return size >= 0 && size <= kLargestBlock; }
 
 /// Returns the room for `size` bytes: never 0, so that an empty block has an address.
 constexpr Size RoomFor(Size size) { return std::max((size + 15) / 16 * 16, Size{16}); }
+
+/// Returns the memory of a block with that much room.
+constexpr Size MemoryFor(Size room) { return std::max(room, kLeastMemory); }
 
 constexpr std::size_t Bytes(Size size) { return static_cast<std::size_t>(size); }
 
@@ -46,11 +73,12 @@ void StoreBlock(BlockRecord* record, Ptr block) {
     std::memcpy(&record->block, &block, sizeof block);
 }
 
-/// Returns `room` bytes, zero or undefined; null when memory is short. The memory is the C
+/// Returns memory for `room` bytes, zero or undefined; null when there is none. The memory is the C
 /// allocator's, which can resize a block, and mostly resizes a large one without moving it.
 void* Allocate(Size room, bool clear) {
+    std::size_t const bytes = Bytes(MemoryFor(room));
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): containers cannot grow where they lie
-    return clear ? std::calloc(Bytes(room), 1) : std::malloc(Bytes(room));
+    return clear ? std::calloc(bytes, 1) : std::malloc(bytes);
 }
 
 /// Returns a new handle to `size` bytes, zero or (for callers that fill them) undefined; null on
@@ -71,21 +99,39 @@ Handle MakeBlock(Size size, bool clear) {
     StoreBlock(record, static_cast<Ptr>(block));
     record->size = size;
     record->capacity = RoomFor(size);
-    gLiveHandles.fetch_add(1, kRelaxed);
+    Count(gLiveHandles, 1);
     return &record->block;
+}
+
+/// Returns memory for `capacity` bytes that holds the block's bytes in use, and frees the former
+/// memory unless it serves again. Returns null when memory is short, and then nothing has changed.
+void* MoveBytes(BlockRecord const* record, Size capacity) {
+    if (MemoryFor(capacity) == MemoryFor(record->capacity)) {
+        return record->block;
+    }
+    if (record->capacity > kLargestCopiedRoom) {
+        // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
+        return std::realloc(record->block, Bytes(MemoryFor(capacity)));
+    }
+    // The C library keeps small pieces of memory at hand for malloc, but not for realloc.
+    void* const block = Allocate(capacity, false);
+    if (block != nullptr) {
+        std::memcpy(block, record->block, Bytes(std::min(record->size, capacity)));
+        std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): as above
+    }
+    return block;
 }
 
 /// Gives the block `capacity` bytes of room and keeps the bytes in use; false when memory is short,
 /// and then nothing has changed.
 bool Reallocate(BlockRecord* record, Size capacity) {
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
-    void* const block = std::realloc(record->block, Bytes(capacity));
+    void* const block = MoveBytes(record, capacity);
     if (block == nullptr) {
         return false;
     }
     StoreBlock(record, static_cast<Ptr>(block));
     record->capacity = capacity;
-    gReallocations.fetch_add(1, kRelaxed);
+    Count(gReallocations, 1);
     return true;
 }
 
@@ -149,14 +195,26 @@ OSErr AppendToBlock(void const* source, Handle h, Size count) noexcept {
     std::uintptr_t const block = reinterpret_cast<std::uintptr_t>(record->block);
     std::uintptr_t const offset = reinterpret_cast<std::uintptr_t>(source) - block;
     bool const inside = offset < Bytes(record->size);
-    if (TakeInjectedFailure() || !MakeRoom(record, record->size + count)) {
+    char* const place = TakeBytes(h, count);
+    if (place == nullptr) {
         return memFullErr;
     }
-    std::memmove(record->block + record->size, inside ? record->block + offset : source,
-                 Bytes(count));
-    record->size += count;
+    std::memmove(place, inside ? record->block + offset : source, Bytes(count));
     return noErr;
 }
+
+char* TakeBytes(Handle h, Size count) noexcept {
+    BlockRecord* const record = RecordOf(h);
+    if (h == nullptr || count > kLargestBlock - record->size || TakeInjectedFailure() ||
+        !MakeRoom(record, record->size + count)) {
+        return nullptr;
+    }
+    char* const place = record->block + record->size;
+    record->size += count;
+    return place;
+}
+
+Handle NewUnfilledHandle(Size size) noexcept { return MakeBlock(size, false); }
 
 void ReserveBytes(Handle h, Size count) noexcept {
     BlockRecord* const record = RecordOf(h);
@@ -200,7 +258,7 @@ void DisposeHandle(Handle h) noexcept {
     BlockRecord* const record = RecordOf(h);
     std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): as above
     delete record;
-    gLiveHandles.fetch_sub(1, kRelaxed);
+    Count(gLiveHandles, -1);
 }
 
 OSErr HandToHand(Handle* h) noexcept {

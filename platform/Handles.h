@@ -61,6 +61,11 @@ extern TRAMMEL_API std::atomic<long> gFailingRequests;
 /// The general form of PtrAndHand: makes room when there is none, and checks every argument.
 TRAMMEL_API OSErr AppendToBlock(void const* source, Handle h, Size count) noexcept;
 
+/// Takes `count` bytes (at least 1) behind the block's last one into use, and makes room for them
+/// when there is none. Returns where they begin, for the caller to fill. Returns null, and changes
+/// nothing, when `h` is null or memory is short.
+TRAMMEL_API char* TakeBytes(Handle h, Size count) noexcept;
+
 /// Takes `count` (at least 1) of the block's spare bytes into use. Returns where they begin, for
 /// the caller to fill. Returns null, and changes nothing, when AppendToBlock has to be called
 /// instead.
@@ -76,6 +81,10 @@ inline char* TakeSpareBytes(Handle h, Size count) noexcept {
     record->size += count;
     return place;
 }
+
+/// Makes a block of `size` bytes for a caller who fills them; null when memory is short or the size
+/// is negative. The bytes are undefined.
+Handle NewUnfilledHandle(Size size) noexcept;
 
 /// Makes room in the block for `count` bytes beyond the bytes in use, for a caller who is about to
 /// append as many. Changes nothing when memory is short.
@@ -95,7 +104,7 @@ TRAMMEL_API bool TakeInjectedFailure() noexcept;
 /// leaks.
 TRAMMEL_API long LiveHandleCount() noexcept;
 
-/// Returns how often a block's memory was reallocated since the program's start, for tests of the
+/// Returns how often a block was given other room since the program's start, for tests of the
 /// cost of growing and shrinking.
 TRAMMEL_API long BlockReallocationCount() noexcept;
 

@@ -301,6 +301,39 @@ TEST_F(Handles, AppendingOneByOneReallocatesRarely) {
     DisposeHandle(h);
 }
 
+TEST_F(Handles, ABlockOf33To48BytesGrowsTo96BytesWhereItLies) {
+    for (Size size = 33; size <= 48; ++size) {
+        Handle h = HandleWith(std::string(static_cast<std::size_t>(size), 'a'));
+        Ptr const block = *h;
+        for (Size grown = size; grown < 96; ++grown) {
+            ASSERT_EQ(PtrAndHand("b", h, 1), noErr);
+            ASSERT_EQ(*h, block) << size;
+        }
+        EXPECT_EQ(Contents(h), std::string(static_cast<std::size_t>(size), 'a') +
+                                   std::string(static_cast<std::size_t>(96 - size), 'b'));
+        DisposeHandle(h);
+    }
+}
+
+TEST_F(Handles, SmallBlocksKeepTheirBytesWhateverTheirSizeBecomes) {
+    for (Size from = 0; from <= 1200; from += 37) {
+        for (Size to = 0; to <= 1200; to += 23) {
+            std::string expected;
+            for (Size i = 0; i < from; ++i) {
+                expected += static_cast<char>('a' + i % 26);
+            }
+            Handle h = HandleWith(expected);
+            ASSERT_EQ(SetHandleSize(h, to), noErr);
+            expected.resize(static_cast<std::size_t>(to), '\0');
+            ASSERT_EQ(Contents(h), expected) << from << " to " << to;
+            ASSERT_EQ(PtrAndHand("end", h, 3), noErr);
+            ASSERT_EQ(Contents(h), expected + "end") << from << " to " << to;
+            ASSERT_TRUE(IsAligned(h));
+            DisposeHandle(h);
+        }
+    }
+}
+
 TEST_F(Handles, GrowingOneByOneReallocatesRarely) {
     Handle h = NewHandle(44);
     long const before = trammel_detail::BlockReallocationCount();
