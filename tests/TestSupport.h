@@ -28,6 +28,16 @@ inline constexpr double kInf = std::numeric_limits<double>::infinity();
 inline constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 inline constexpr double kHuge = 1e308;
 
+/// The number of random rounds that a test makes of `count`: all, or a fifth under the sanitizers,
+/// where each takes some ten times as long.
+constexpr int Rounds(int count) {
+#if defined(__SANITIZE_ADDRESS__)
+    return (count + 4) / 5;
+#else
+    return count;
+#endif
+}
+
 // Texts with 17 digits: equal texts mean equal bits (any NaN is "nan"; 0 and -0 differ), and a
 // failed comparison can be read.
 

@@ -27,6 +27,7 @@ using plain::StepUlps;
 using trammel::PathMeasure;
 using trammel_test::kInf;
 using trammel_test::kNaN;
+using trammel_test::Rounds;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
@@ -175,7 +176,7 @@ CPath RandomPath(Random& random, int count, bool grid) {
 
 TEST_F(Measure, AgreesWithRandomPaths) {
     Random random(31);
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < Rounds(1500); ++i) {
         bool const grid = random.OneIn(3);
         CPath const path = RandomPath(random, random.Int(0, 12), grid);
         std::vector<double> fractions;
@@ -285,7 +286,7 @@ TEST_F(Measure, AgreesAtTheEndsOfSegments) {
 TEST_F(Measure, TiesAreWonByTheLastCurveOrTheFirstLine) {
     // Rings of segments around the point, all touching the same distance exactly.
     Random random(35);
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < Rounds(2000); ++i) {
         Pt const p(random.Int(-5, 5), random.Int(-5, 5));
         CPath path;
         for (int k = random.Int(1, 40); k > 0; --k) {
@@ -308,7 +309,7 @@ TEST_F(Measure, SegmentsAtAlmostTheSameDistanceAreToldApart) {
     // Boxes that decide by the last bits of coordinates far larger than the distance.
     CBezier::mRecursionLimit = 5;
     Random random(36);
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < Rounds(3000); ++i) {
         double const size = random.OneIn(8) ? random.Decade(-320, 307) : random.Decade(-3, 9);
         Pt const p = random.Pt(-size, size);
         double const distance = size * random.Decade(-14, 1);
@@ -335,7 +336,7 @@ TEST_F(Measure, AgreesOnSpecialCoordinatesAndFractions) {
     Random random(37);
     auto const number = [&] { return plain::WildNumber(random); };
     auto const point = [&] { return plain::WildPoint(random); };
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < Rounds(20000); ++i) {
         CPath path;
         for (int k = random.Int(1, 6); k > 0; --k) {
             Pt const a = point();

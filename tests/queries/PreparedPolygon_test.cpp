@@ -34,6 +34,7 @@ using trammel_test::kHuge;
 using trammel_test::kInf;
 using trammel_test::kNaN;
 using trammel_test::Random;
+using trammel_test::Rounds;
 using trammel_test::Text;
 
 typedef TPoint<double> Pt;
@@ -352,11 +353,11 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsForShapesOfManyKinds) {
     long count = 0;
     for (auto const& [name, vertices] : shapes) {
         Comparison compare(name, vertices);
-        Ask(compare, vertices, 6000, random);
+        Ask(compare, vertices, Rounds(6000), random);
         AskSpecial(compare, 100, random);
         count += compare.Count();
     }
-    EXPECT_GT(count, 300000);
+    EXPECT_GT(count, Rounds(300000));
 }
 
 // Extents that no scale can be computed for, edges whose slope is infinite or nothing, and all
@@ -436,7 +437,7 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsOfAHundredThousandVertices) {
           Comb(kSize, 300.0, 20.0, random), Comb(kSize, 0.0, 450.0, random), Rack(kSize),
           Saw(kSize), Spiral(kSize, 50.0), Lattice(kSize, 300, random)}) {
         Comparison compare("large", vertices);
-        Ask(compare, vertices, 400, random);
+        Ask(compare, vertices, Rounds(400), random);
     }
 }
 
@@ -444,7 +445,7 @@ TEST(PreparedPolygon, AnswersLikeThePolygonsOfAHundredThousandVertices) {
 // own value where the edge is cut, at a vertex's height. These points lie within a few steps of it.
 TEST(PreparedPolygon, AnswersLikeThePolygonsWithinStepsOfAnEdge) {
     Random random(5);
-    for (int round = 0; round < 60; ++round) {
+    for (int round = 0; round < Rounds(60); ++round) {
         Points const vertices = round % 2 == 0
                                     ? Comb(100, random.Uniform(-900.0, 900.0), 30.0, random)
                                     : Tangle(100, random);
