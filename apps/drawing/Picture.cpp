@@ -61,7 +61,7 @@ bool IsSvgName(std::string const& file) {
     return EndsWith(file, ".svg") || EndsWith(file, ".svgz") || file == kStandardStream;
 }
 
-std::string SvgBytes(std::string text, std::string const& file) {
+std::string SvgBytes(std::string const& text, std::string const& file) {
     return EndsWith(file, ".svgz") ? Zipped(text) : text;
 }
 

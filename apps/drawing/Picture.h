@@ -79,7 +79,7 @@ bool IsSvgName(std::string const& file);
 bool IsPngName(std::string const& file);
 
 /// Returns an SVG document as the file's name asks for it: packed by gzip for .svgz.
-std::string SvgBytes(std::string text, std::string const& file);
+std::string SvgBytes(std::string const& text, std::string const& file);
 
 /// Returns the picture in the format that the file's name asks for: .svg, .svgz (packed by gzip) or
 /// .png (1200 pixels, unless the size says otherwise). "-", which stands for standard output, gets
