@@ -367,7 +367,7 @@ template <class To> double FlattenBetween(CBezier const& curve, double tolerance
         if (room != nullptr) {
             to.Added(chords - 1);
         } else {
-            for (int i = 0; i < chords - 1; ++i) {
+            for (std::ptrdiff_t i = 0; i < chords - 1; ++i) {
                 to.Place(Pt(few[2 * i + 1], few[2 * i]));
             }
         }
@@ -382,7 +382,7 @@ template <class To> double FlattenBetween(CBezier const& curve, double tolerance
     EachPoint<To> deliver(p, curve.P0, dropped, to);
     if (chords < 0) {
         chords = FewChords(&p[0].v, p.Down(tolerance), few);
-        for (int i = 0; i < chords - 1; ++i) {
+        for (std::ptrdiff_t i = 0; i < chords - 1; ++i) {
             deliver.Place(Pt(few[2 * i + 1], few[2 * i]));
         }
         if (chords > 0) {
