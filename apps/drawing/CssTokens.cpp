@@ -2,6 +2,8 @@
 
 #include "CssTokens.h"
 
+#include "Utf8.h"
+
 namespace tool {
 
 namespace {
@@ -29,22 +31,7 @@ void AppendCharacter(std::string& out, unsigned long c) {
     if (c == 0 || c > 0x10FFFF || (c >= 0xD800 && c < 0xE000)) {
         c = 0xFFFD;
     }
-    auto const byte = [&out](unsigned long value) { out += static_cast<char>(value); };
-    if (c < 0x80) {
-        byte(c);
-    } else if (c < 0x800) {
-        byte(0xC0 | c >> 6);
-        byte(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        byte(0xE0 | c >> 12);
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
-    } else {
-        byte(0xF0 | c >> 18);
-        byte(0x80 | (c >> 12 & 0x3F));
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
-    }
+    AppendUtf8(out, static_cast<char32_t>(c));
 }
 
 class Tokenizer {

@@ -3,6 +3,7 @@
 #include "SvgDocument.h"
 
 #include "Error.h"
+#include "Utf8.h"
 
 #include <algorithm>
 #include <cctype>
@@ -11,25 +12,6 @@
 namespace tool {
 
 namespace {
-
-void AppendUtf8(std::string& out, char32_t c) {
-    auto const byte = [&out](char32_t value) { out += static_cast<char>(value); };
-    if (c < 0x80) {
-        byte(c);
-    } else if (c < 0x800) {
-        byte(0xC0 | c >> 6);
-        byte(0x80 | (c & 0x3F));
-    } else if (c < 0x10000) {
-        byte(0xE0 | c >> 12);
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
-    } else {
-        byte(0xF0 | c >> 18);
-        byte(0x80 | (c >> 12 & 0x3F));
-        byte(0x80 | (c >> 6 & 0x3F));
-        byte(0x80 | (c & 0x3F));
-    }
-}
 
 /// Returns the character of a text in UTF-8 at `i`, and moves `i` behind it. A byte out of place
 /// counts as a character of its own.
