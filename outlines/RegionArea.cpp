@@ -5,6 +5,7 @@
 #include "Box_p.h"
 #include "ContourWalk_p.h"
 #include "Moments.h"
+#include "PointAlgebra.h"
 #include "PolygonOperations.h"
 
 #include <algorithm>
@@ -36,8 +37,6 @@ constexpr double kTouch = 0x1p-48;
 constexpr double kFinest = 0x1p-44;
 /// The bound on all rounding, beside L D.
 constexpr double kRounding = 0x1p-42;
-
-double Cross(Pt const& a, Pt const& b) { return a.h * b.v - a.v * b.h; }
 
 /// A line, or a part of a curve.
 struct Piece {

@@ -29,8 +29,8 @@ struct TRAMMEL_API AreaWithin {
 /// h or v. The area is off by no more than `error`, which contains a bound of 2^-42 L D for the
 /// rounding. Beyond that, `error` is at most `accuracy`, or 2^-44 L D if that is more, except where
 /// outlines run so close beside each other that the work would exceed the cost below. There, too,
-/// `error` is what is kept. Where contours do not come near each other or themselves, only the
-/// rounding is left, whatever the accuracy.
+/// `error` is the bound that is kept. Where contours do not come near each other or themselves,
+/// only the rounding is left, whatever the accuracy.
 ///
 /// A contour with a NaN or infinite coordinate is absent. An accuracy of 0, below, or NaN asks for
 /// the finest. Results beyond the range of double are infinite or lose digits.

@@ -66,7 +66,7 @@ struct Piece {
 /// The search for one point.
 class Search {
 public:
-    /// Searches for what is nearer than `limit`.
+    /// Searches for points nearer than `limit`.
     Search(ScaledPoints<5> const& p, double accuracy, double limit)
         : mWorthwhile(limit * limit), mLimit(mWorthwhile) {
         mFirst.q = {p[0] - p[4], p[1] - p[4], p[2] - p[4], p[3] - p[4]};

@@ -28,7 +28,7 @@ constexpr double kTogether = 2.0;
 /// have.
 constexpr double kNearPart = 1.0 / 16.0;
 constexpr double kCoincidentPart = 0.75;
-/// The places at which a stretch is looked at.
+/// The number of steps in which a stretch is sampled.
 constexpr int kSamples = 16;
 
 /// The place of `b` near `t` that is the nearest to a point, by Newton's method between `low` and

@@ -475,7 +475,7 @@ private:
         return IsShort(c, highM, lowN, limit) && IsShort(c, highN, lowM, limit);
     }
 
-    /// Appends what is told of each group.
+    /// Appends the places of each group.
     void Describe(std::vector<Intersection>& out, int exponent) {
         std::vector<std::size_t> order(mMeets.size());
         for (std::size_t i = 0; i < mMeets.size(); ++i) {

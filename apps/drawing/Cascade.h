@@ -84,7 +84,7 @@ CMatrix3x3 TransformOf(ElementStyle const& style);
 /// The style sheets of a document.
 class Cascade {
 public:
-    /// Takes note of what is left out, with its place in the file.
+    /// Receives a message about a part that is left out, and its place in the file.
     typedef std::function<void(std::string const& place, std::string const& message)> Complaint;
 
     /// Reads the document's style elements. The document must live as long as this.
@@ -92,7 +92,7 @@ public:
     Cascade(Cascade const&) = delete;
     Cascade& operator=(Cascade const&) = delete;
 
-    /// Returns what is declared for an element. The values live as long as this object.
+    /// Returns the declarations that hold for an element. The values live as long as this object.
     ElementStyle Of(pugi::xml_node element);
 
     /// Returns all declarations of style sheets for the element, by property, as if it had another
