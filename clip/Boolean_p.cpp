@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace trammel_detail {
@@ -29,6 +30,8 @@ unsigned Beyond(Box<double> const& where, double x, double y) {
 } // namespace
 
 void BooleanOperand::Add(double const* coordinates, std::size_t count, std::uint32_t owner) {
+    auto const firstEdge = static_cast<std::uint32_t>(mGiven);
+    mGiven += count;
     if (count < 3) {
         return;
     }
@@ -42,7 +45,7 @@ void BooleanOperand::Add(double const* coordinates, std::size_t count, std::uint
         bounds.Include(x, y);
     }
     if (bounds.HasArea()) {
-        mContours.push_back({coordinates, count, bounds, owner});
+        mContours.push_back({coordinates, count, bounds, owner, firstEdge});
         mBounds.Include(bounds);
     }
 }
@@ -65,9 +68,10 @@ void BooleanOperand::Keep(Box<double> const& where) {
     }
 }
 
-template <class Close>
+/// Calls note(contour, i) after each point, where i is the vertex' number in its contour.
+template <class Note, class Close>
 void BooleanOperand::AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines,
-                                  Close&& close) const {
+                                  Note&& note, Close&& close) const {
     for (Contour const& contour : mContours) {
         double const* const v = contour.coordinates;
         std::size_t const end = 2 * contour.count;
@@ -78,6 +82,7 @@ void BooleanOperand::AppendPoints(Box<double> const& where, ClipGrid& grid, Grid
             next = i + 2 < end ? Beyond(where, v[i + 2], v[i + 3]) : 0;
             if ((last & here & next) == 0) {
                 lines.points.push_back(grid.Add(v[i], v[i + 1]));
+                note(contour, i / 2);
                 last = here;
             }
         }
@@ -87,13 +92,29 @@ void BooleanOperand::AppendPoints(Box<double> const& where, ClipGrid& grid, Grid
 
 void BooleanOperand::AppendLines(Operands bit, Box<double> const& where, ClipGrid& grid,
                                  GridLines& lines) const {
-    AppendPoints(where, grid, lines, [&](Contour const&) { lines.Close(bit); });
+    AppendPoints(
+        where, grid, lines, [](Contour const&, std::size_t) {},
+        [&](Contour const&) { lines.Close(bit); });
 }
 
 void BooleanOperand::AppendOwnedLines(Box<double> const& where, ClipGrid& grid,
                                       GridLines& lines) const {
-    AppendPoints(where, grid, lines,
-                 [&](Contour const& contour) { lines.CloseOwned(contour.owner); });
+    AppendPoints(
+        where, grid, lines, [](Contour const&, std::size_t) {},
+        [&](Contour const& contour) { lines.CloseOwned(contour.owner); });
+}
+
+void BooleanOperand::AppendLinesWithOrigins(Box<double> const& where, std::size_t firstEdge,
+                                            ClipGrid& grid, GridLines& lines) const {
+    if (firstEdge + mGiven > EdgeTree::kMostEdges) {
+        throw std::length_error("BooleanOperand");
+    }
+    AppendPoints(
+        where, grid, lines,
+        [&](Contour const& contour, std::size_t i) {
+            lines.origins.push_back(static_cast<Origin>(2 * (firstEdge + contour.firstEdge + i)));
+        },
+        [&](Contour const& contour) { lines.CloseOwned(contour.owner); });
 }
 
 namespace {
@@ -117,6 +138,15 @@ Places KeepWhatMatters(BooleanOperand& first, BooleanOperand& second, RegionOf c
     }
     return {withinSecond ? second.Bounds() : first.Bounds(),
             withinFirst ? first.Bounds() : second.Bounds()};
+}
+
+/// Returns a box that is wider by more than edges move. An edge that stands for several lies beyond
+/// it, and so on the boundary of no result.
+Box<double> Wider(Box<double> const& where, Box<double> const& all) {
+    auto const margin = [](double low, double high) {
+        return 0x1p-40 * (high - low) + 0x1p-46 * std::max(std::fabs(low), std::fabs(high));
+    };
+    return where.Widened(margin(all.lowX, all.highX), margin(all.lowY, all.highY));
 }
 
 /// Returns no lines, with room for those of two operands.
@@ -150,7 +180,7 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
 }
 
 WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
-                               WindingRegion const& region, Scratch* scratch) {
+                               WindingRegion const& region, Scratch* scratch, Origins origins) {
     Places const places = KeepWhatMatters(first, second, region.region);
     Box<double> all = first.Bounds();
     all.Include(second.Bounds());
@@ -160,14 +190,19 @@ WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
     GridLines lines = RoomForLines(first, second, scratch);
     lines.owners.reserve(lines.ends.capacity());
-    first.AppendOwnedLines(places.first, grid, lines);
-    second.AppendOwnedLines(places.second, grid, lines);
+    if (origins == Origins::kKept) {
+        first.AppendLinesWithOrigins(Wider(places.first, all), 0, grid, lines);
+        second.AppendLinesWithOrigins(Wider(places.second, all), first.GivenCount(), grid, lines);
+    } else {
+        first.AppendOwnedLines(places.first, grid, lines);
+        second.AppendOwnedLines(places.second, grid, lines);
+    }
     grid.FinishAdding();
     return {ContoursOf(std::move(lines), region, grid), std::move(grid)};
 }
 
 WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owners, bool evenOdd,
-                             Scratch* scratch) {
+                             Scratch* scratch, Origins origins) {
     Box<double> const all = operands.Bounds();
     if (!all.HasArea()) {
         return {RegionContours(scratch), ClipGrid(0, 0, 1, 1)};
@@ -175,7 +210,11 @@ WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owner
     ClipGrid grid(all.lowX, all.lowY, all.highX, all.highY);
     GridLines lines = RoomForLines(operands, BooleanOperand(scratch), scratch);
     lines.owners.reserve(lines.ends.capacity());
-    operands.AppendOwnedLines(all, grid, lines);
+    if (origins == Origins::kKept) {
+        operands.AppendLinesWithOrigins(all, 0, grid, lines);
+    } else {
+        operands.AppendOwnedLines(all, grid, lines);
+    }
     grid.FinishAdding();
     return {UniteInStages(std::move(lines), owners, evenOdd, grid), std::move(grid)};
 }

@@ -18,6 +18,23 @@
 
 namespace trammel_detail {
 
+/// Whether the edges of a result tell where they come from.
+///
+/// Each edge of a result lies on an edge that the caller gave, save for the rounding: its ends are
+/// within the engine's bound of that edge (docs/clipping.md). It is the result's origin, see Origin
+/// in Lines_p.h. The caller's edges are numbered from 0 in the order in which they were given, all
+/// contours one after the other. Edge i of a contour runs from its vertex i to the next one, and
+/// the last edge back to vertex 0. Contours, vertices and edges that are left out count, too. The
+/// edges of the second operand follow those of the first.
+///
+/// Where edges of several contours coincide, the origin has the lowest of their numbers. Spikes of
+/// a contour are taken out first and do not count. A part of an edge so short that rounding turns
+/// it has the direction of the whole edge.
+enum class Origins {
+    kLeftOut,
+    kKept, ///< GridLines::origins of the result has an element for each vertex
+};
+
 /// One operand: closed contours whose vertices stay where the caller has them.
 class BooleanOperand {
 public:
@@ -35,6 +52,8 @@ public:
     std::size_t Count() const { return mContours.size(); }
     /// Returns the number of vertices.
     std::size_t VertexCount() const;
+    /// Returns the number of edges that Add() was given, also of contours that are ignored.
+    std::size_t GivenCount() const { return mGiven; }
 
     /// Keeps the contours whose boxes meet `where`, and drops the others.
     void Keep(Box<double> const& where);
@@ -46,6 +65,10 @@ public:
                      GridLines& lines) const;
     /// Appends the same lines with the contours' owners.
     void AppendOwnedLines(Box<double> const& where, ClipGrid& grid, GridLines& lines) const;
+    /// Appends the same with origins. The operand's edges have the numbers from `firstEdge` on. An
+    /// edge that stands for several beyond a side of `where` has the number of the first.
+    void AppendLinesWithOrigins(Box<double> const& where, std::size_t firstEdge, ClipGrid& grid,
+                                GridLines& lines) const;
 
 private:
     /// A contour that can enclose something.
@@ -54,13 +77,15 @@ private:
         std::size_t count;
         Box<double> bounds;
         std::uint32_t owner;
+        std::uint32_t firstEdge; // of those given
     };
-    template <class Close>
-    void AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines,
+    template <class Note, class Close>
+    void AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines, Note&& note,
                       Close&& close) const;
 
     ScratchVector<Contour> mContours;
     Box<double> mBounds;
+    std::size_t mGiven = 0;
 };
 
 /// The contours of a result. Contour `i` is the one that is listed in place `i`, see
@@ -95,13 +120,15 @@ struct WindingResult {
 
 /// Returns the contours of a region by winding numbers. The owners of the contours are the numbers
 /// of region.rules: those of the first group are in `first`, those of the second in `second`.
-/// Removes contours that do not matter from both. Throws std::bad_alloc and std::length_error.
+/// Removes contours that do not matter from both. Throws std::bad_alloc and std::length_error, with
+/// origins also for more than EdgeTree::kMostEdges edges given.
 WindingResult CombineByWinding(BooleanOperand& first, BooleanOperand& second,
-                               WindingRegion const& region, Scratch* scratch);
+                               WindingRegion const& region, Scratch* scratch,
+                               Origins origins = Origins::kLeftOut);
 /// Returns the contours of the union of operands, which are the contours' owners from 0 to
-/// owners - 1 in this order. Throws std::bad_alloc and std::length_error.
+/// owners - 1 in this order. Throws what CombineByWinding() does.
 WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owners, bool evenOdd,
-                             Scratch* scratch);
+                             Scratch* scratch, Origins origins = Origins::kLeftOut);
 
 } // namespace trammel_detail
 

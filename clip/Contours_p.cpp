@@ -28,12 +28,9 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
     sorted.ends.reserve(lines.Count());
     sorted.operands.reserve(lines.Count());
     sorted.owners.reserve(lines.owners.size());
+    sorted.origins.reserve(lines.origins.size());
     for (auto const& [place, line] : order) {
-        auto const first = lines.points.begin();
-        sorted.points.insert(sorted.points.end(),
-                             first + static_cast<std::ptrdiff_t>(lines.Begin(line)),
-                             first + static_cast<std::ptrdiff_t>(lines.End(line)));
-        sorted.ends.push_back(sorted.points.size());
+        sorted.AppendPoints(lines, line);
         sorted.operands.push_back(lines.operands[line]);
         if (!lines.owners.empty()) {
             sorted.owners.push_back(lines.owners[line]);

@@ -212,6 +212,15 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     std::size_t const most = lines.points.size() + sorted.Count();
     ScratchVector<GridPoint> allPoints(most, incidences.get_allocator());
     ScratchVector<Incidence> allIncidences(most, incidences.get_allocator());
+    ScratchVector<Origin> allOrigins(incidences.get_allocator());
+    bool const hasOrigins = !lines.origins.empty();
+    allOrigins.resize(hasOrigins ? most : 0);
+    auto const originate = [&](std::size_t begin, std::size_t end, std::size_t edge) {
+        if (hasOrigins) {
+            std::fill(allOrigins.begin() + static_cast<std::ptrdiff_t>(begin),
+                      allOrigins.begin() + static_cast<std::ptrdiff_t>(end), lines.origins[edge]);
+        }
+    };
     active.assign(most, 0);
     UnsettledParts unsettled(tree, sorted, clearances, incidences.get_allocator().GetScratch());
     std::size_t size = 0;
@@ -222,8 +231,9 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
         for (std::size_t i = begin; i < end; ++i) {
             allPoints[size] = lines.points[i];
             allIncidences[size] = incidences[i];
-            ++size;
+            std::size_t const first = size++;
             if (!sorted.Has(i)) {
+                originate(first, size, i);
                 continue;
             }
             MajorAxis const axis(tree.At(i));
@@ -236,9 +246,9 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                     allIncidences[size] = cut.incidence;
                     ++size;
                 }
+                originate(first, size, i);
                 continue;
             }
-            std::size_t const first = size - 1;
             char const* part = unsettled.Of(i, before, after).data();
             active[first] = *part++;
             for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
@@ -254,6 +264,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                 }
                 active[size - 1] |= *part++;
             }
+            originate(first, size, i);
             unsettledCount += static_cast<std::size_t>(
                 std::count(active.begin() + static_cast<std::ptrdiff_t>(first),
                            active.begin() + static_cast<std::ptrdiff_t>(size), 1));
@@ -265,6 +276,10 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     allIncidences.resize(size);
     active.resize(size);
     lines.points = std::move(allPoints);
+    if (hasOrigins) {
+        allOrigins.resize(size);
+        lines.origins = std::move(allOrigins);
+    }
     incidences = std::move(allIncidences);
     return unsettledCount;
 }

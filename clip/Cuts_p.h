@@ -49,7 +49,8 @@ private:
 /// Makes the cuts new vertices of `lines`, over which `tree` was made. `incidences` gets an element
 /// for each vertex of the new lines. `active` gets an element for each new edge: 1 for a part of a
 /// cut edge that may meet other edges. If `clearances` is null, any part may do so. Returns the
-/// number of ones. Cuts in `sorted` that lack their clearance become kShared.
+/// number of ones. Cuts in `sorted` that lack their clearance become kShared. The parts of an
+/// edge have its origin.
 std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
                       GridLines& lines, ScratchVector<Incidence>& incidences,
                       ScratchVector<char>& active);

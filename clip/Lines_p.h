@@ -16,6 +16,17 @@ namespace trammel_detail {
 /// A set of operands, one bit each.
 typedef unsigned char Operands;
 
+/// Tells from which of the caller's edges an edge comes: 2 * that edge's number, + 1 where the two
+/// run in opposite directions.
+typedef std::uint32_t Origin;
+
+/// Returns the number of the caller's edge.
+inline std::uint32_t EdgeOf(Origin origin) { return origin / 2; }
+/// True when the two run in opposite directions.
+inline bool IsReversed(Origin origin) { return origin % 2 != 0; }
+/// Returns the origin of the same edge as it runs the other way.
+inline Origin Reversed(Origin origin) { return origin ^ 1; }
+
 /// Closed lines: the vertices of all of them one after the other, and for each line where it ends
 /// and which operand it bounds.
 struct GridLines {
@@ -25,9 +36,12 @@ struct GridLines {
     /// The operand of each line by its number, where regions are told by winding numbers (see
     /// WindingRegion). Else empty.
     ScratchVector<std::uint32_t> owners;
+    /// By point: the origin of the edge from there to the next point of its line. Empty where
+    /// nobody asks for origins.
+    ScratchVector<Origin> origins;
 
     explicit GridLines(Scratch* scratch = nullptr)
-        : points(scratch), ends(scratch), operands(scratch), owners(scratch) {}
+        : points(scratch), ends(scratch), operands(scratch), owners(scratch), origins(scratch) {}
 
     /// Returns the number of lines.
     std::size_t Count() const { return ends.size(); }
@@ -35,12 +49,20 @@ struct GridLines {
     std::size_t Begin(std::size_t i) const { return i == 0 ? 0 : ends[i - 1]; }
     std::size_t End(std::size_t i) const { return ends[i]; }
 
+    /// Appends the points of a line of `from` with their origins, and ends the line there. What it
+    /// bounds is up to the caller.
+    void AppendPoints(GridLines const& from, std::size_t line);
     /// Ends the line that was begun with points.push_back(), which bounds `operand`. Takes out
     /// repeated vertices and edges that run back over the edge before. Takes out the whole line if
-    /// fewer than three vertices are left. All this leaves winding numbers as they are.
+    /// fewer than three vertices are left. All this leaves winding numbers as they are. An edge
+    /// that replaces two lies on one of them, and has its origin.
     void Close(Operands operand);
     /// Does the same for an operand that is told by its number.
     void CloseOwned(std::uint32_t owner);
+
+private:
+    /// Sets the origin of the edge from point a to point c, once point b between them is taken out.
+    void Skip(std::size_t a, std::size_t b, std::size_t c);
 };
 
 /// An edge, in the direction of its line.

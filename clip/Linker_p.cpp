@@ -6,6 +6,7 @@
 #include "Predicates_p.h"
 #include "WestRays_p.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <limits>
 
@@ -75,6 +76,8 @@ private:
     }
     /// Appends the vertices of a half-edge from its last one, which is left out, back to its first.
     GridPoint* AppendBackwards(HalfEdge entry, GridPoint* out) const;
+    /// Appends the origins of the edges to these vertices.
+    void AppendOrigins(HalfEdge entry, ScratchVector<Origin>& origins) const;
 
     WestRays mRays;
     GridLines const& mLines;
@@ -203,12 +206,29 @@ GridPoint* Linker::AppendBackwards(HalfEdge entry, GridPoint* out) const {
     return out;
 }
 
+void Linker::AppendOrigins(HalfEdge entry, ScratchVector<Origin>& origins) const {
+    Chain const& chain = mChains[entry / 2];
+    // A half-edge is followed against its direction, so an even one against its line.
+    Origin const turn = entry % 2 == 0 ? 1 : 0;
+    for (Number k = 0; k < chain.count; ++k) {
+        Number const edge = mGraph.VertexOf(chain, turn != 0 ? chain.count - 1 - k : k);
+        origins.push_back(mLines.origins[edge] ^ turn);
+    }
+    // Equal chains have one edge each.
+    for (HalfEdge equal = mGraph.equals[entry / 2]; equal != kNone;
+         equal = mGraph.equals[equal / 2]) {
+        Number const edge = mChains[equal / 2].first;
+        origins.back() = std::min(origins.back(), mLines.origins[edge] ^ turn ^ (equal % 2));
+    }
+}
+
 RegionContours Linker::Contours() {
     RegionContours result(mScratch);
     GridLines& contours = result.contours;
     // Each edge is part of at most one contour.
     contours.points.resize(mLines.points.size());
     GridPoint* out = contours.points.data();
+    bool const hasOrigins = !mLines.origins.empty();
     ScratchVector<char> done(mChains.size(), 0, mScratch);
     std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
     // The half-edges that the walk took, and where in it each node is.
@@ -219,11 +239,21 @@ RegionContours Linker::Contours() {
     auto const finish = [&](std::size_t begin) {
         for (std::size_t i = walk.size(); i-- > begin;) {
             out = AppendBackwards(walk[i], out);
+            if (hasOrigins) {
+                AppendOrigins(walk[i], contours.origins);
+            }
             if (!mChains[walk[i] / 2].closed) {
                 place[mGraph.nodeOf[walk[i]]] = kNowhere;
             }
         }
         walk.resize(begin);
+        if (hasOrigins) {
+            // From the edges to the vertices to the edges that begin there.
+            auto const first = contours.origins.begin() +
+                               static_cast<std::ptrdiff_t>(
+                                   contours.ends.empty() ? std::size_t{0} : contours.ends.back());
+            std::rotate(first, first + 1, contours.origins.end());
+        }
         contours.ends.push_back(static_cast<std::size_t>(out - contours.points.data()));
         contours.operands.push_back(0);
     };

@@ -17,7 +17,8 @@ namespace trammel_detail {
 
 /// The contours of a region. None visits a vertex twice. Two of them may share single vertices,
 /// where they meet but do not cross. Contours of holes run counterclockwise, the others clockwise
-/// (y up).
+/// (y up). Edges have origins where regions are told by winding numbers and the lines' edges have
+/// them.
 struct RegionContours {
     explicit RegionContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
 

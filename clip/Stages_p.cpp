@@ -38,10 +38,7 @@ struct Parts {
 };
 
 void AppendLine(GridLines const& from, std::size_t line, std::uint32_t owner, GridLines& to) {
-    auto const points = from.points.begin();
-    to.points.insert(to.points.end(), points + static_cast<std::ptrdiff_t>(from.Begin(line)),
-                     points + static_cast<std::ptrdiff_t>(from.End(line)));
-    to.ends.push_back(to.points.size());
+    to.AppendPoints(from, line);
     to.operands.push_back(1);
     to.owners.push_back(owner);
 }
@@ -142,6 +139,7 @@ void Stage::Unite(std::size_t group, std::size_t& cut) {
     GridLines const& contours = united.contours;
     mGroups[group].points.assign(contours.points.begin(), contours.points.end());
     mGroups[group].ends.assign(contours.ends.begin(), contours.ends.end());
+    mGroups[group].origins.assign(contours.origins.begin(), contours.origins.end());
 }
 
 } // namespace

@@ -14,7 +14,7 @@
 namespace trammel_detail {
 
 /// Returns the contours of the union of the operands 0 to owners - 1. The lines of each owner come
-/// one after the other.
+/// one after the other. Edges of the contours have origins if the lines' edges have them.
 ///
 /// All edges are cut at once where operands overlap little. Where they overlap much, most crossings
 /// lie within other operands. Then near operands are united first, by eights, as long as that makes
