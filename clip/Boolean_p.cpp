@@ -29,23 +29,35 @@ unsigned Beyond(Box<double> const& where, double x, double y) {
 
 } // namespace
 
-void BooleanOperand::Add(double const* coordinates, std::size_t count, std::uint32_t owner) {
-    auto const firstEdge = static_cast<std::uint32_t>(mGiven);
+/// Counts the edges of a contour, and sets the bounds of its vertices. Returns false if one is not
+/// finite.
+bool BooleanOperand::Measure(double const* coordinates, std::size_t count, Box<double>& bounds) {
     mGiven += count;
-    if (count < 3) {
-        return;
-    }
-    Box<double> bounds;
     for (std::size_t i = 0; i < 2 * count; i += 2) {
         double const x = coordinates[i];
         double const y = coordinates[i + 1];
         if (!std::isfinite(x) || !std::isfinite(y)) {
-            return;
+            return false;
         }
         bounds.Include(x, y);
     }
-    if (bounds.HasArea()) {
+    return true;
+}
+
+void BooleanOperand::Add(double const* coordinates, std::size_t count, std::uint32_t owner) {
+    auto const firstEdge = static_cast<std::uint32_t>(mGiven);
+    Box<double> bounds;
+    if (Measure(coordinates, count, bounds) && count >= 3 && bounds.HasArea()) {
         mContours.push_back({coordinates, count, bounds, owner, firstEdge});
+        mBounds.Include(bounds);
+    }
+}
+
+void BooleanOperand::AddOpen(double const* coordinates, std::size_t count) {
+    auto const firstEdge = static_cast<std::uint32_t>(mGiven);
+    Box<double> bounds;
+    if (Measure(coordinates, count, bounds) && count >= 2) {
+        mContours.push_back({coordinates, count, bounds, 0, firstEdge});
         mBounds.Include(bounds);
     }
 }
@@ -106,15 +118,64 @@ void BooleanOperand::AppendOwnedLines(Box<double> const& where, ClipGrid& grid,
 
 void BooleanOperand::AppendLinesWithOrigins(Box<double> const& where, std::size_t firstEdge,
                                             ClipGrid& grid, GridLines& lines) const {
-    if (firstEdge + mGiven > EdgeTree::kMostEdges) {
-        throw std::length_error("BooleanOperand");
-    }
+    CheckNumbers(firstEdge);
     AppendPoints(
         where, grid, lines,
         [&](Contour const& contour, std::size_t i) {
             lines.origins.push_back(static_cast<Origin>(2 * (firstEdge + contour.firstEdge + i)));
         },
         [&](Contour const& contour) { lines.CloseOwned(contour.owner); });
+}
+
+void BooleanOperand::AppendOpenLines(std::uint32_t owner, std::size_t firstEdge, ClipGrid& grid,
+                                     GridLines& lines) const {
+    CheckNumbers(firstEdge);
+    for (Contour const& contour : mContours) {
+        std::size_t const begin = lines.points.size();
+        for (std::size_t i = 0; i < contour.count; ++i) {
+            GridPoint const p =
+                grid.Add(contour.coordinates[2 * i], contour.coordinates[2 * i + 1]);
+            if (lines.points.size() > begin && lines.points.back() == p) {
+                lines.points.pop_back();
+                lines.origins.pop_back();
+            }
+            lines.points.push_back(p);
+            lines.origins.push_back(static_cast<Origin>(2 * (firstEdge + contour.firstEdge + i)));
+        }
+        std::size_t const last = lines.points.size() - 1;
+        if (last == begin) {
+            lines.points.resize(begin);
+            lines.origins.resize(begin);
+            continue;
+        }
+        lines.origins[last] = Reversed(lines.origins[last - 1]);
+        // Lines of two edges do not occur elsewhere, so the engine would not see that these are
+        // equal. It sees it of four.
+        if (last == begin + 1) {
+            lines.points.insert(lines.points.end(), {lines.points[begin], lines.points[last]});
+            lines.origins.insert(lines.origins.end(), {lines.origins[begin], lines.origins[last]});
+        }
+        for (std::size_t i = last; --i > begin;) {
+            lines.points.push_back(lines.points[i]);
+            lines.origins.push_back(Reversed(lines.origins[i - 1]));
+        }
+        lines.ends.push_back(lines.points.size());
+        lines.operands.push_back(1);
+        lines.owners.push_back(owner);
+    }
+}
+
+void BooleanOperand::CheckNumbers(std::size_t firstEdge) const {
+    if (firstEdge + mGiven > EdgeTree::kMostEdges) {
+        throw std::length_error("BooleanOperand");
+    }
+}
+
+Box<double> Wider(Box<double> const& where, Box<double> const& all) {
+    auto const margin = [](double low, double high) {
+        return 0x1p-40 * (high - low) + 0x1p-46 * std::max(std::fabs(low), std::fabs(high));
+    };
+    return where.Widened(margin(all.lowX, all.highX), margin(all.lowY, all.highY));
 }
 
 namespace {
@@ -138,15 +199,6 @@ Places KeepWhatMatters(BooleanOperand& first, BooleanOperand& second, RegionOf c
     }
     return {withinSecond ? second.Bounds() : first.Bounds(),
             withinFirst ? first.Bounds() : second.Bounds()};
-}
-
-/// Returns a box that is wider by more than edges move. An edge that stands for several lies beyond
-/// it, and so on the boundary of no result.
-Box<double> Wider(Box<double> const& where, Box<double> const& all) {
-    auto const margin = [](double low, double high) {
-        return 0x1p-40 * (high - low) + 0x1p-46 * std::max(std::fabs(low), std::fabs(high));
-    };
-    return where.Widened(margin(all.lowX, all.highX), margin(all.lowY, all.highY));
 }
 
 /// Returns no lines, with room for those of two operands.

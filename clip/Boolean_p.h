@@ -45,6 +45,8 @@ public:
     /// anything is ignored, and so is one that has a coordinate which is not finite. `owner` is for
     /// CombineByWinding().
     void Add(double const* coordinates, std::size_t count, std::uint32_t owner = 0);
+    /// Adds an open line in the same way, for LabelOpenLines(). It is ignored without two vertices.
+    void AddOpen(double const* coordinates, std::size_t count);
 
     /// Returns the box of all contours.
     Box<double> const& Bounds() const { return mBounds; }
@@ -70,6 +72,11 @@ public:
     void AppendLinesWithOrigins(Box<double> const& where, std::size_t firstEdge, ClipGrid& grid,
                                 GridLines& lines) const;
 
+    /// Appends open lines as closed ones that run along them and back again. Those of the way back
+    /// have reversed origins. Lines that are one point of the grid are left out.
+    void AppendOpenLines(std::uint32_t owner, std::size_t firstEdge, ClipGrid& grid,
+                         GridLines& lines) const;
+
 private:
     /// A contour that can enclose something.
     struct Contour {
@@ -79,6 +86,8 @@ private:
         std::uint32_t owner;
         std::uint32_t firstEdge; // of those given
     };
+    bool Measure(double const* coordinates, std::size_t count, Box<double>& bounds);
+    void CheckNumbers(std::size_t firstEdge) const;
     template <class Note, class Close>
     void AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines, Note&& note,
                       Close&& close) const;
@@ -87,6 +96,10 @@ private:
     Box<double> mBounds;
     std::size_t mGiven = 0;
 };
+
+/// Returns a box that is wider by more than edges move, for operands within `all`. An edge that
+/// stands for several lies beyond it, and so on the boundary of no result.
+Box<double> Wider(Box<double> const& where, Box<double> const& all);
 
 /// The contours of a result. Contour `i` is the one that is listed in place `i`, see
 /// OrderContours().

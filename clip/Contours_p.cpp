@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <utility>
 
 namespace trammel_detail {
@@ -39,20 +38,13 @@ GridLines SortedAlongMortonCurve(GridLines const& lines) {
     return sorted;
 }
 
-/// Lines that are cut, with what LinkContours() needs.
-struct CutLines {
-    CutLines(GridLines uncut, ClipGrid const& grid, Recheck recheck)
-        : lines(uncut.Count() > 2 ? SortedAlongMortonCurve(uncut) : std::move(uncut)),
-          incidences(lines.points.get_allocator()) {
-        CutAtCrossings(lines, grid, recheck, incidences, tree);
-    }
-
-    GridLines lines;
-    ScratchVector<Incidence> incidences;
-    std::optional<EdgeTree> tree; // refers to the lines
-};
-
 } // namespace
+
+CutLines::CutLines(GridLines uncut, ClipGrid const& grid, Recheck recheck)
+    : lines(uncut.Count() > 2 ? SortedAlongMortonCurve(uncut) : std::move(uncut)),
+      incidences(lines.points.get_allocator()) {
+    CutAtCrossings(lines, grid, recheck, incidences, tree);
+}
 
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck) {

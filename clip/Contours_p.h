@@ -10,8 +10,21 @@
 #include "Linker_p.h"
 
 #include <cstddef>
+#include <optional>
 
 namespace trammel_detail {
+
+/// Lines that are cut, with what LinkContours() needs. The lines are in another order.
+struct CutLines {
+    CutLines(GridLines uncut, ClipGrid const& grid, Recheck recheck);
+    // The tree refers to the lines.
+    CutLines(CutLines const&) = delete;
+    CutLines& operator=(CutLines const&) = delete;
+
+    GridLines lines;
+    ScratchVector<Incidence> incidences;
+    std::optional<EdgeTree> tree;
+};
 
 /// Returns the contours of a region. An operand is what its lines enclose by the even-odd rule. The
 /// lines may cross, touch, coincide and run in any direction.

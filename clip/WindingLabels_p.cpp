@@ -56,7 +56,7 @@ public:
     Labels(ChainGraph& graph, WindingRegion const& region)
         : mGraph(graph), mPlace(graph, region, graph.chains.get_allocator().GetScratch()),
           mDone(graph.nodeCount, 0, graph.chains.get_allocator()),
-          mOpen(graph.chains.get_allocator()) {}
+          mOpen(graph.chains.get_allocator()), mCrossings(graph.chains.get_allocator()) {}
 
     void LabelAll(WestRays& rays);
 
@@ -81,6 +81,8 @@ private:
     /// Labels all chains that are connected with a half-edge. The place is counterclockwise of it,
     /// and in the end it is there again.
     void LabelConnected(HalfEdge first);
+    /// Labels all chains that are connected with chain i, by a ray from its edge k.
+    void LabelFrom(Number i, Number k, WestRays& rays);
     void Open(HalfEdge half) {
         mDone[mGraph.nodeOf[half]] = 1;
         mOpen.push_back({half, half});
@@ -90,6 +92,7 @@ private:
     Place mPlace;
     ScratchVector<char> mDone;    // by node: 1 once it was opened
     ScratchVector<Turning> mOpen; // nodes whose half-edges are not all crossed
+    ScratchVector<RayCrossing> mCrossings;
 };
 
 void Labels::LabelConnected(HalfEdge first) {
@@ -116,33 +119,45 @@ void Labels::LabelConnected(HalfEdge first) {
     }
 }
 
+void Labels::LabelFrom(Number i, Number k, WestRays& rays) {
+    Chain const& chain = mGraph.chains[i];
+    mCrossings.clear();
+    rays.CrossingsWestOf(mGraph.VertexOf(chain, k), mCrossings);
+    for (RayCrossing const& crossing : mCrossings) {
+        mPlace.Turn(crossing.line, crossing.step);
+    }
+    // West is to the left of an edge that runs upwards.
+    bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
+    HalfEdge const half = 2 * i + (up ? 0 : 1);
+    if (chain.closed) {
+        CrossAndLabel(half);
+        mPlace.Cross(Twin(half));
+    } else {
+        LabelConnected(half);
+    }
+    for (RayCrossing const& crossing : mCrossings) {
+        mPlace.Turn(crossing.line, -crossing.step);
+    }
+}
+
 void Labels::LabelAll(WestRays& rays) {
-    ScratchVector<RayCrossing> crossings(mGraph.chains.get_allocator());
+    bool flat = false;
     for (Number i = 0; i < mGraph.chains.size(); ++i) {
         Chain const& chain = mGraph.chains[i];
-        if (chain.labelled || chain.operands == 0) {
-            continue;
+        if (!chain.labelled && chain.operands != 0) {
+            Number const k = mGraph.FirstNotHorizontal(chain);
+            if (k < chain.count) {
+                LabelFrom(i, k, rays);
+            } else {
+                flat = true;
+            }
         }
-        Number const k = mGraph.FirstNotHorizontal(chain);
-        if (k == chain.count) {
-            continue;
-        }
-        crossings.clear();
-        rays.CrossingsWestOf(mGraph.VertexOf(chain, k), crossings);
-        for (RayCrossing const& crossing : crossings) {
-            mPlace.Turn(crossing.line, crossing.step);
-        }
-        // West is to the left of an edge that runs upwards.
-        bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
-        HalfEdge const half = 2 * i + (up ? 0 : 1);
-        if (chain.closed) {
-            CrossAndLabel(half);
-            mPlace.Cross(Twin(half));
-        } else {
-            LabelConnected(half);
-        }
-        for (RayCrossing const& crossing : crossings) {
-            mPlace.Turn(crossing.line, -crossing.step);
+    }
+    // What such chains are connected with is horizontal, too. Its lines run along each edge as
+    // often in one direction as in the other. So the same winding numbers hold on all sides.
+    for (Number i = 0; flat && i < mGraph.chains.size(); ++i) {
+        if (!mGraph.chains[i].labelled && mGraph.chains[i].operands != 0) {
+            LabelFrom(i, 0, rays);
         }
     }
 }

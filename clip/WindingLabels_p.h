@@ -38,8 +38,7 @@ struct WindingRegion {
 
 /// Labels the chains of a graph that lists equal chains. Afterwards Chain::left is 1 where the
 /// points to the left belong to the region, else 0, and Chain::operands is 1 where the two sides
-/// differ. Chains without an edge that is not horizontal stay without labels if they are connected
-/// with no others.
+/// differ.
 ///
 /// Cost: O(n) for n chains of the graph, the equal ones included, whatever the number of operands;
 /// and a ray for each connected part.
