@@ -300,7 +300,7 @@ private:
         }
         double const wayA = std::abs(s - sOn) * Taxicab(s < sOn ? alongA[0] : alongA[2]);
         double const wayB = std::abs(t - tOn) * Taxicab(t < tOn ? alongB[0] : alongB[2]);
-        if (std::max(wayA, wayB) * leastSine <= mAccuracy) {
+        if (std::max(wayA, wayB) * leastSine <= mMargin) {
             AddNearEnd(a, b, alongA, alongB, s, t);
         }
         return true;
@@ -322,7 +322,7 @@ private:
         double const footOnA = Foot(a.c, PlaceAt(b.c, tOn).point, sOn);
         double const gapA = Square(PlaceAt(a.c, sOn).point - PlaceAt(b.c, footOnB).point);
         double const gapB = Square(PlaceAt(a.c, footOnA).point - PlaceAt(b.c, tOn).point);
-        if (std::min(gapA, gapB) <= mAccuracy * mAccuracy) {
+        if (std::min(gapA, gapB) <= mMargin * mMargin) {
             bool const ofA = gapA <= gapB;
             AddEvent(a, b, alongA, alongB, ofA ? sOn : footOnA, ofA ? footOnB : tOn, s, t);
         }
@@ -362,9 +362,14 @@ private:
         Stretch const onA = Around(a.c, sOn, lengthA, reach);
         Stretch const onB = Around(b.c, tOn, lengthB, reach);
         bool const against = Dot(first, second) < 0.0;
-        mEvents.push_back({a.At(onA.low), a.At(onA.high), b.At(against ? onB.high : onB.low),
+        // Beyond an end of either piece another one goes on, so sides are not known here.
+        bool const lacksBefore = s <= 0.0 || (against ? t > 1.0 : t < 0.0);
+        bool const lacksAfter = s >= 1.0 || (against ? t < 0.0 : t > 1.0);
+        double const from = lacksBefore ? sOn : onA.low;
+        double const to = lacksAfter ? sOn : onA.high;
+        mEvents.push_back({a.At(from), a.At(to), b.At(against ? onB.high : onB.low),
                            b.At(against ? onB.low : onB.high), a.At(sOn), b.At(tOn),
-                           s > 0.0 ? -side : 0.0, s < 1.0 ? side : 0.0, inside});
+                           lacksBefore ? 0.0 : -side, lacksAfter ? 0.0 : side, inside});
     }
 
     struct Stretch {
@@ -486,16 +491,35 @@ private:
                     return Outcome::kDone;
                 }
             } else {
-                if (std::abs(y[0]) <= mAccuracy) {
-                    mEvents.push_back({a.t0, a.t0, b.t0, b.t0, a.t0, b.t0, before, after, false});
-                }
-                if (std::abs(y[3]) <= mAccuracy) {
-                    mEvents.push_back({a.t1, a.t1, b.t1, b.t1, a.t1, b.t1, before, after, false});
-                }
+                AddNearPart(a, b, y, margin, before, after);
                 return Outcome::kDone;
             }
         }
         return DivideGraphs(a, b, direction);
+    }
+
+    /// Adds the part in which two graphs that diverge are within the accuracy, if they come within
+    /// `margin`. `y` has the differences of their control points, and is of one sign at both ends.
+    void AddNearPart(Piece const& a, Piece const& b, std::array<double, 4> const& y, double margin,
+                     double before, double after) {
+        bool const rises = std::abs(y[0]) <= std::abs(y[3]);
+        if (std::min(std::abs(y[0]), std::abs(y[3])) > margin) {
+            return;
+        }
+        double part = 1.0;
+        if (std::max(std::abs(y[0]), std::abs(y[3])) > mAccuracy) {
+            double const sign = (rises ? y[3] : y[0]) < 0.0 ? -1.0 : 1.0;
+            std::array<double, 4> rising;
+            for (std::size_t i = 0; i < 4; ++i) {
+                rising[i] = sign * (rises ? y[i] : y[3 - i]);
+            }
+            part = SolveRising(rising, mAccuracy);
+        }
+        double const from = rises ? 0.0 : 1.0 - part;
+        double const to = rises ? part : 1.0;
+        double const s = rises ? a.t0 : a.t1;
+        double const t = rises ? b.t0 : b.t1;
+        mEvents.push_back({a.At(from), a.At(to), b.At(from), b.At(to), s, t, before, after, false});
     }
 
     /// True when the difference of two graphs in y strictly rises or falls with x. `greatestX` is
@@ -540,7 +564,7 @@ private:
         double const s = beforeA ? 0.0 : 1.0;
         double const t = beforeA != reversed ? 1.0 : 0.0;
         Pt const gap = (beforeA ? a.c[0] : a.c[3]) - (t == 0.0 ? b.c[0] : b.c[3]);
-        if (Square(gap) <= mAccuracy * mAccuracy) {
+        if (Square(gap) <= mMargin * mMargin) {
             double const sAt = a.At(s);
             double const tAt = b.At(t);
             mEvents.push_back({sAt, sAt, tAt, tAt, sAt, tAt, 0.0, 0.0, false});

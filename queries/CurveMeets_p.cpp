@@ -9,6 +9,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <tuple>
 #include <vector>
 
@@ -60,10 +61,8 @@ double FootOn(Cubic const& b, Pt const& p, double t, double low, double high) {
 /// The sides of two curves near a stretch, at parameters of A.
 class Gap {
 public:
-    Gap(Cubic const& a, Cubic const& b, CurveMeet const& m) : mA(a), mB(b), mMeet(m) {
-        mLow = std::min(m.t0, m.t1);
-        mHigh = std::max(m.t0, m.t1);
-    }
+    Gap(Cubic const& a, Cubic const& b, CurveMeetGroup const& g)
+        : mA(a), mB(b), mMeet(g.meet), mLow(g.lowT), mHigh(g.highT) {}
 
     /// Returns the parameter of B beside `s`.
     double Beside(double s) const {
@@ -71,6 +70,33 @@ public:
         double const part = length > 0.0 ? (s - mMeet.s0) / length : 0.5;
         return FootOn(mB, PlaceAt(mA, s).point, mMeet.t0 + (mMeet.t1 - mMeet.t0) * part, mLow,
                       mHigh);
+    }
+    /// Returns the same without a guess, where Beside has found a place that is farther than
+    /// `limit`.
+    double NearestBeside(double s, double limit) const {
+        double const t = Beside(s);
+        if (Distance(s, t) <= limit) {
+            return t;
+        }
+        Pt const p = PointOfA(s);
+        double guess = t;
+        double least = std::numeric_limits<double>::infinity();
+        for (int i = 0; i <= kSamples; ++i) {
+            double const at = mLow + (mHigh - mLow) * (static_cast<double>(i) / kSamples);
+            double const distance = Square(PlaceAt(mB, at).point - p);
+            if (distance < least) {
+                least = distance;
+                guess = at;
+            }
+        }
+        double const other = FootOn(mB, p, guess, mLow, mHigh);
+        return Distance(s, other) < Distance(s, t) ? other : t;
+    }
+    /// Returns the parameter of B beside `s` that is the next one to `t`.
+    double BesideFrom(double s, double t) const { return FootOn(mB, PointOfA(s), t, mLow, mHigh); }
+    /// Returns the parameter of B between two others that is beside `s`.
+    double BesideBetween(double s, double t0, double t1) const {
+        return FootOn(mB, PointOfA(s), 0.5 * (t0 + t1), std::min(t0, t1), std::max(t0, t1));
     }
     Pt PointOfA(double s) const { return PlaceAt(mA, s).point; }
     double Distance(double s, double t) const {
@@ -85,25 +111,33 @@ public:
 private:
     Cubic const& mA;
     Cubic const& mB;
-    CurveMeet const& mMeet;
+    CurveMeet mMeet;
     double mLow;
     double mHigh;
 };
 
+/// A place of both curves.
+struct Pair {
+    double s;
+    double t;
+};
+
 /// Sets an end of an overlap and the parameter beside it, so that both points are within the
-/// accuracy of each other. `near` is a parameter of the overlap that is so near to the other curve.
-void SettleEnd(Gap const& gap, double near, double accuracy, double& s, double& t) {
-    if (gap.Distance(s, t) <= accuracy) {
+/// accuracy of each other. `near` is a place of the overlap that is so near to the other curve.
+void SettleEnd(Gap const& gap, Pair const& near, double accuracy, double& s, double& t) {
+    // At an end of B the parameter is exact. That of another branch of B is of no use.
+    double const middle = 0.5 * (s + near.s);
+    if (gap.Distance(s, t) <= accuracy &&
+        gap.Distance(middle, gap.BesideBetween(middle, t, near.t)) <= accuracy) {
         return;
     }
-    double far = s;
-    t = gap.Beside(s);
+    t = gap.BesideFrom(s, near.t);
     constexpr int kBisections = 40;
     for (int i = 0; i < kBisections && !(gap.Distance(s, t) <= accuracy); ++i) {
         // The last step takes the place that is known to be near.
-        s = i + 1 < kBisections ? 0.5 * (far + near) : near;
-        t = gap.Beside(s);
-        far = s;
+        bool const last = i + 1 == kBisections;
+        s = last ? near.s : 0.5 * (s + near.s);
+        t = last ? near.t : gap.BesideFrom(s, near.t);
     }
 }
 
@@ -113,30 +147,28 @@ bool Coincide(Gap const& gap, CurveMeet& m, double accuracy) {
     // Lengths decide, not parameters, as these crowd at a control point on an end.
     double near = 0.0;
     double all = 0.0;
-    double firstNear = m.s1;
-    double lastNear = m.s0;
-    Pt last = gap.PointOfA(m.s0);
+    Pair first{2.0, 0.0};
+    Pair last{-1.0, 0.0};
+    Pt from = gap.PointOfA(m.s0);
     for (int i = 0; i < kSamples; ++i) {
         double const step = (m.s1 - m.s0) / kSamples;
         double const s = m.s0 + step * (i + 0.5);
-        Pt const next = gap.PointOfA(m.s0 + step * (i + 1));
-        double const length = Taxicab(next - last);
-        last = next;
+        double const t = gap.NearestBeside(s, kNearPart * accuracy);
+        Pt const to = gap.PointOfA(m.s0 + step * (i + 1));
+        double const length = Taxicab(to - from);
+        from = to;
         all += length;
-        if (gap.Distance(s, gap.Beside(s)) <= kNearPart * accuracy) {
+        if (gap.Distance(s, t) <= kNearPart * accuracy) {
             near += length;
-            firstNear = std::min(firstNear, s);
-            lastNear = std::max(lastNear, s);
+            first = first.s <= s ? first : Pair{s, t};
+            last = {s, t};
         }
     }
-    if (!(near >= kCoincidentPart * all) || firstNear > lastNear) {
+    if (!(near >= kCoincidentPart * all) || first.s > last.s) {
         return false;
     }
-    // Both ends are settled before either is stored, as the gap refers to the stretch.
-    CurveMeet settled = m;
-    SettleEnd(gap, firstNear, accuracy, settled.s0, settled.t0);
-    SettleEnd(gap, lastNear, accuracy, settled.s1, settled.t1);
-    m = settled;
+    SettleEnd(gap, first, accuracy, m.s0, m.t0);
+    SettleEnd(gap, last, accuracy, m.s1, m.t1);
     return true;
 }
 
@@ -376,7 +408,7 @@ void CurveMeetFinder::Describe(CurveMeetGroup const& group) {
         m.after = SignOf(group.after);
     }
     if (!certain && m.s0 < m.s1) {
-        Gap const gap(mA, mB, m);
+        Gap const gap(mA, mB, group);
         if (!IsShort(mA, m.s0, m.s1, kTogether * mAccuracy)) {
             m.overlap = Coincide(gap, m, mAccuracy);
         }

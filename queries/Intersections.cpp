@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <tuple>
 #include <vector>
 
 namespace trammel {
@@ -22,6 +23,7 @@ using trammel_detail::HowTheyPass;
 using trammel_detail::IsShort;
 using trammel_detail::OutlineSegment;
 using trammel_detail::Passing;
+using trammel_detail::RunsBackAlongItself;
 
 TPoint<double> PointAt(Cubic const& c, double t) {
     TPoint<double> const p = CBezier(c[0], c[1], c[2], c[3]).TPt(t);
@@ -68,8 +70,13 @@ IntersectionKind KindOf(Passing passing) {
 
 double AppendOfCubics(Cubic const& a, Cubic const& b, double accuracy,
                       std::vector<Intersection>& out) {
+    if (RunsBackAlongItself(a, accuracy) || RunsBackAlongItself(b, accuracy)) {
+        return AppendIntersectionsAsOutlines(CBezier(a[0], a[1], a[2], a[3]),
+                                             CBezier(b[0], b[1], b[2], b[3]), accuracy, out);
+    }
     CurveMeetFinder finder;
     double const kept = finder.Find(a, b, accuracy);
+    auto const begun = static_cast<std::ptrdiff_t>(out.size());
     for (CurveMeet const& m : finder.Meets()) {
         Passing const passing = HowTheyPassAt(m, finder);
         Intersection place{KindOf(passing), passing == Passing::kCross,
@@ -84,6 +91,10 @@ double AppendOfCubics(Cubic const& a, Cubic const& b, double accuracy,
         }
         out.push_back(place);
     }
+    // The finder's order is that of stretches, and places may lie anywhere in these.
+    std::sort(out.begin() + begun, out.end(), [](Intersection const& p, Intersection const& q) {
+        return std::tie(p.a.t, p.b.t) < std::tie(q.a.t, q.b.t);
+    });
     return kept;
 }
 

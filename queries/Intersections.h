@@ -76,9 +76,10 @@ struct TRAMMEL_API Intersection {
 
 /// Appends the places where two curves meet, in the order of their parameters on `a`.
 ///
-/// A place is of kind kEnd when an end of either curve lies in it. Cost: about a microsecond for
-/// two curves; some tens where they touch or nearly coincide, at most some milliseconds. A call
-/// allocates small lists of its own beside `out`.
+/// A place is of kind kEnd when an end of either curve lies in it. A curve that is straight within
+/// the accuracy and runs back has an overlap for each of its ways along the other one. Cost: about
+/// a microsecond for two curves; some tens where they touch or nearly coincide, at most some
+/// milliseconds. A call allocates small lists of its own beside `out`.
 TRAMMEL_API double AppendIntersections(CBezier const& a, CBezier const& b, double accuracy,
                                        std::vector<Intersection>& out);
 /// The same for a curve and a line, which is a segment with its two ends.

@@ -40,7 +40,10 @@ using trammel_detail::PartOf;
 using trammel_detail::Passing;
 using trammel_detail::PathCursor;
 using trammel_detail::PolygonLength;
+using trammel_detail::RunsBackAlongItself;
 using trammel_detail::Taxicab;
+using trammel_detail::TurnsOf;
+using trammel_detail::TurnsOfCubic;
 
 typedef TPoint<double> Pt;
 /// The segments of an outline that have finite coordinates. Those without extent are left out,
@@ -151,8 +154,12 @@ Outline OutlineOf(CPath const& path) {
     return builder.Finish();
 }
 
-/// Returns the outline with each curve divided into parts that do not cross themselves.
-Outline WithSimpleParts(Outline const& outline) {
+/// Which curves of an outline are divided where they turn back.
+enum class Divided { kAll, kStraight };
+
+/// Returns the outline with curves divided into parts that do not cross themselves or run back:
+/// all of them, or the curves that are straight within `accuracy`.
+Outline WithSimpleParts(Outline const& outline, Divided divided, double accuracy) {
     Outline parts;
     parts.reserve(outline.size());
     std::vector<std::size_t> firsts(outline.size());
@@ -160,44 +167,21 @@ Outline WithSimpleParts(Outline const& outline) {
     for (std::size_t i = 0; i < outline.size(); ++i) {
         firsts[i] = parts.size();
         OutlineSegment const& whole = outline[i];
-        // A part on which a coordinate rises or falls all the way does not cross itself.
-        Pt direction = whole.c[3] - whole.c[0];
-        if (Taxicab(direction) <= 0.25 * PolygonLength(whole.c)) {
-            direction = whole.c[2] - whole.c[1];
-        }
-        double const d0 = Dot(direction, whole.c[1] - whole.c[0]);
-        double const d1 = Dot(direction, whole.c[2] - whole.c[1]);
-        double const d2 = Dot(direction, whole.c[3] - whole.c[2]);
-        std::vector<double> cuts{0.0};
-        if (!whole.straight && (std::min(std::min(d0, d1), d2) < 0.0) &&
-            (std::max(std::max(d0, d1), d2) > 0.0)) {
-            // The zeros of d0 (1-t)² + 2 d1 t (1-t) + d2 t².
-            double const a = d0 - 2.0 * d1 + d2;
-            double const b = d1 - d0;
-            double const root = b * b - a * d0;
-            if (root > 0.0) {
-                double const q = -b - (b < 0.0 ? -std::sqrt(root) : std::sqrt(root));
-                for (double const t : {q / a, d0 / q}) {
-                    if (t > 0.0 && t < 1.0) {
-                        cuts.push_back(t);
-                    }
-                }
-                std::sort(cuts.begin(), cuts.end());
-            }
-        }
-        cuts.push_back(1.0);
-        for (std::size_t k = 0; k + 1 < cuts.size(); ++k) {
+        bool const simple = whole.straight || (divided == Divided::kStraight &&
+                                               !RunsBackAlongItself(whole.c, accuracy));
+        TurnsOfCubic const cuts = simple ? TurnsOfCubic{{}, 0} : TurnsOf(whole.c);
+        for (std::size_t k = 0; k <= cuts.count; ++k) {
             OutlineSegment part = whole;
-            if (cuts.size() > 2) {
-                part.c = PartOf(whole.c, cuts[k], cuts[k + 1]);
-                part.from = cuts[k];
-                part.to = cuts[k + 1];
+            if (cuts.count > 0) {
+                part.from = k > 0 ? cuts.t[k - 1] : 0.0;
+                part.to = k < cuts.count ? cuts.t[k] : 1.0;
+                part.c = PartOf(whole.c, part.from, part.to);
                 if (k > 0) {
                     part.c[0] = parts.back().c[3];
                 }
             }
             part.before = k > 0 ? parts.size() - 1 : kNone;
-            part.after = k + 2 < cuts.size() ? parts.size() + 1 : kNone;
+            part.after = k < cuts.count ? parts.size() + 1 : kNone;
             parts.push_back(part);
         }
         lasts[i] = parts.size() - 1;
@@ -702,8 +686,16 @@ int Scale(Outline& a, Outline& b) {
 /// Appends the places where two outlines meet.
 double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersection>& out) {
     int const exponent = Scale(a, b);
-    double const kept =
-        PairFinder(a, b, std::scalbn(accuracy, -exponent), false).Run(out, exponent);
+    double const scaled = std::scalbn(accuracy, -exponent);
+    // An overlap runs one way on either outline.
+    for (Outline* const outline : {&a, &b}) {
+        if (std::any_of(outline->begin(), outline->end(), [&](OutlineSegment const& s) {
+                return !s.straight && RunsBackAlongItself(s.c, scaled);
+            })) {
+            *outline = WithSimpleParts(*outline, Divided::kStraight, scaled);
+        }
+    }
+    double const kept = PairFinder(a, b, scaled, false).Run(out, exponent);
     return std::scalbn(kept, exponent);
 }
 
@@ -711,13 +703,18 @@ double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersect
 double AppendOwnPlaces(Outline outline, double accuracy, std::vector<Intersection>& out) {
     Outline none;
     int const exponent = Scale(outline, none);
-    Outline const parts = WithSimpleParts(outline);
-    double const kept =
-        PairFinder(parts, parts, std::scalbn(accuracy, -exponent), true).Run(out, exponent);
+    double const scaled = std::scalbn(accuracy, -exponent);
+    Outline const parts = WithSimpleParts(outline, Divided::kAll, scaled);
+    double const kept = PairFinder(parts, parts, scaled, true).Run(out, exponent);
     return std::scalbn(kept, exponent);
 }
 
 } // namespace
+
+double AppendIntersectionsAsOutlines(CBezier const& a, CBezier const& b, double accuracy,
+                                     std::vector<Intersection>& out) {
+    return AppendPlaces(OutlineOf(a), OutlineOf(b), accuracy, out);
+}
 
 double AppendIntersections(CPath const& a, CPath const& b, double accuracy,
                            std::vector<Intersection>& out) {

@@ -16,6 +16,23 @@ namespace {
 
 typedef TPoint<double> Pt;
 
+/// The products of a curve's arms with a direction in which it is long.
+std::array<double, 3> AlongCourse(Cubic const& c) {
+    double const enough = 0.25 * PolygonLength(c);
+    Pt direction = c[3] - c[0];
+    if (Taxicab(direction) <= enough) {
+        direction = c[2] - c[1];
+    }
+    if (Taxicab(direction) <= enough) {
+        direction = c[1] - c[0];
+    }
+    return {Dot(direction, c[1] - c[0]), Dot(direction, c[2] - c[1]), Dot(direction, c[3] - c[2])};
+}
+
+bool HaveBothSigns(std::array<double, 3> const& d) {
+    return std::min(std::min(d[0], d[1]), d[2]) < 0.0 && std::max(std::max(d[0], d[1]), d[2]) > 0.0;
+}
+
 /// A branch of an outline that leaves a place: a walk along its segments.
 class Branch {
 public:
@@ -107,6 +124,70 @@ bool IsBetween(Pt const& a, Pt const& b, Pt const& c) {
 }
 
 } // namespace
+
+TurnsOfCubic TurnsOf(Cubic const& c) {
+    TurnsOfCubic turns{{}, 0};
+    std::array<double, 3> const d = AlongCourse(c);
+    if (!HaveBothSigns(d)) {
+        return turns;
+    }
+    // The zeros of d0 (1-t)² + 2 d1 t (1-t) + d2 t².
+    double const a = d[0] - 2.0 * d[1] + d[2];
+    double const b = d[1] - d[0];
+    double const root = b * b - a * d[0];
+    if (!(root > 0.0)) {
+        return turns;
+    }
+    double const q = -b - (b < 0.0 ? -std::sqrt(root) : std::sqrt(root));
+    double const zeros[] = {q / a, d[0] / q};
+    for (double const t : {std::min(zeros[0], zeros[1]), std::max(zeros[0], zeros[1])}) {
+        if (t > 0.0 && t < 1.0) {
+            turns.t[turns.count++] = t;
+        }
+    }
+    return turns;
+}
+
+bool RunsBackAlongItself(Cubic const& c, double accuracy) {
+    double const size = PolygonLength(c);
+    if (!(size >= 0x1p-100 && size <= 0x1p100)) {
+        // Products would overflow or underflow.
+        double most = 0.0;
+        for (Pt const& p : c) {
+            most = std::max(most, std::max(std::abs(p.h), std::abs(p.v)));
+        }
+        if (size == 0.0 || !(most <= std::numeric_limits<double>::max())) {
+            return false;
+        }
+        int const shift = -std::ilogb(most);
+        Cubic scaled;
+        for (std::size_t i = 0; i < 4; ++i) {
+            scaled[i] = Pt(std::scalbn(c[i].h, shift), std::scalbn(c[i].v, shift));
+        }
+        return PolygonLength(scaled) >= 0x1p-100 &&
+               RunsBackAlongItself(scaled, std::scalbn(accuracy, shift));
+    }
+    if (!HaveBothSigns(AlongCourse(c))) {
+        return false;
+    }
+    // The longest way between two control points.
+    Pt way;
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t k = i + 1; k < 4; ++k) {
+            if (Square(c[k] - c[i]) > Square(way)) {
+                way = c[k] - c[i];
+            }
+        }
+    }
+    double width = 0.0;
+    for (std::size_t i = 1; i < 4; ++i) {
+        width = std::max(width, std::abs(Cross(way, c[i] - c[0])));
+    }
+    double const length = std::sqrt(Square(way));
+    constexpr double kRounding = 0x1p-39;
+    // The sense of the comparison refuses a NaN.
+    return width <= length * std::max(kRounding * length, accuracy >= 0.0 ? 2.0 * accuracy : 0.0);
+}
 
 Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy) {
     Pt const a0 = PlaceAt(a.segments[a.first].c, a.firstT).point;

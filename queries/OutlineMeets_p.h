@@ -11,8 +11,10 @@
 #include "TLine.h"
 #include "TPoint.h"
 
+#include <array>
 #include <cstddef>
 #include <limits>
+#include <vector>
 
 namespace trammel_detail {
 
@@ -39,6 +41,20 @@ inline Cubic CubicOf(TLine<double> const& line) {
     TPoint<double> const end = line.mEnd / 3.0;
     return {line.mStart, start * 2.0 + end, start + end * 2.0, line.mEnd};
 }
+
+/// The parameters between 0 and 1 at which a curve turns back.
+struct TurnsOfCubic {
+    std::array<double, 2> t; ///< the first `count` of them, in rising order
+    std::size_t count;
+};
+
+/// Returns where a curve turns back along its chord, or along an arm where it ends as it begins. A
+/// part between two turns does not cross itself.
+TurnsOfCubic TurnsOf(Cubic const& c);
+
+/// True when a curve turns back and is straight within `accuracy`, or within rounding. It then
+/// meets another one in more than one stretch at a place.
+bool RunsBackAlongItself(Cubic const& c, double accuracy);
 
 /// A stretch of an outline.
 struct OutlineRun {
@@ -81,5 +97,16 @@ struct CommonRun {
 Passing HowTheyPassAlong(CommonRun const& a, CommonRun const& b, double accuracy);
 
 } // namespace trammel_detail
+
+namespace trammel {
+
+struct Intersection;
+
+/// Appends the places where two curves meet, each taken as an outline that is divided where it runs
+/// back along itself.
+double AppendIntersectionsAsOutlines(CBezier const& a, CBezier const& b, double accuracy,
+                                     std::vector<Intersection>& out);
+
+} // namespace trammel
 
 #endif

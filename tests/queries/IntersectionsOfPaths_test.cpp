@@ -216,6 +216,9 @@ TEST(IntersectionsOfPaths, OfAStraightCurveThatRunsBackAreOverlaps) {
         EXPECT_FALSE(p.crosses);
         EXPECT_LT(p.a.t, p.a.endT);
     }
+    // Neither its ends nor its inner control points show a direction.
+    CBezier const thereAndBack(Pt(0, 0), Pt(1, 1), Pt(1, 1), Pt(0, 0));
+    EXPECT_EQ(Text(SelfIntersections(thereAndBack, kFine)), "O 0:0-0.5 0:1-0.5");
     CBezier const cusp(Pt(0, 0), Pt(4, 4), Pt(0, 4), Pt(4, 0));
     EXPECT_EQ(SelfIntersections(cusp, kFine).size(), 0U);
     CBezier const closed(Pt(0, 0), Pt(9, 0), Pt(0, 9), Pt(0, 0));
