@@ -44,6 +44,9 @@ struct TRAMMEL_API SvgPathError {
 struct TRAMMEL_API SvgPathResult {
     CPath path;                        ///< all segments, or those before the error
     std::optional<SvgPathError> error; ///< empty: the text was read to its end
+    /// The number of elliptical arcs that became curves. Arcs that are lines, or nothing, do not
+    /// count.
+    std::size_t arcs = 0;
 };
 
 /// Reads SVG path text.
@@ -72,10 +75,13 @@ struct TRAMMEL_API SvgPathResult {
 ///
 /// Elliptical arcs become cubic curves of equal sweep, at most an eighth turn each. They run along
 /// the outside of the ellipse and leave it by at most 4.3e-6 of the greater radius, rounding aside.
-/// The last one ends in the given point exactly.
+/// The last one ends in the given point exactly. The other function of this name takes another
+/// distance.
 /// - Radii are taken without their sign, and grow in proportion where they are too small to reach
 ///   the ends.
 /// - With a radius of zero the arc is a line; with equal ends it is nothing.
+/// - An arc whose chord is its diameter to within the rounding of its ends turns by exactly half a
+///   turn, so that two such arcs make a circle.
 ///
 /// Source of the arcs: the endpoint-to-centre conversion of the SVG standard (implementation notes,
 /// elliptical arcs). It is carried out relative to the arc's start, so that radii much greater than
@@ -84,6 +90,17 @@ struct TRAMMEL_API SvgPathResult {
 /// Errors in the text are in the result. Cost: O(n).
 /// \param text need not end in NUL; a NUL byte is an error like any other character out of place.
 TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text);
+
+/// Does the same, with elliptical arcs within a distance.
+///
+/// An arc becomes cubic curves of equal sweep, as few as the tolerance allows and at most a quarter
+/// turn each. They run along the outside of the ellipse: rounding aside, each of their points is at
+/// most `arcTolerance` away from it, and each of its points from them. So they are longer than the
+/// arc, by at most 2 pi times the tolerance.
+/// \param arcTolerance in coordinate units, inclusive. Less than 2^-52 of an arc's greater radius
+///     counts as that, and so do NaN and negative numbers. A full turn takes 4 curves at 2.7e-4 of
+///     the radius, 8 at 4.3e-6, 28 at 2.4e-9, and 414 at most.
+TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance);
 
 /// Writes a path as the shortest text that ReadSvgPath reads back to the same elements and, bit by
 /// bit, the same points.

@@ -16,6 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -39,7 +40,14 @@ using trammel_detail::TwoThirds;
 typedef TPoint<double> Pt;
 
 /// The curves of a full turn in eighths.
-constexpr std::size_t kMostArcCurves = 8;
+constexpr double kMostEighths = 8.0;
+
+/// Returns the least number of curves of at most an eighth turn. Rounding must not make three
+/// curves of a quarter turn.
+std::size_t Eighths(double sweep) {
+    return static_cast<std::size_t>(
+        std::clamp(std::ceil(sweep / (pi / 4.0) - 1e-9), 1.0, kMostEighths));
+}
 
 /// Returns the number of arguments of a command in capitals, -1 for any other letter.
 int ArgumentCount(char command) {
@@ -97,7 +105,9 @@ bool IsTiny(std::string_view number) {
 /// Reads one text into a path, from left to right.
 class Reader {
 public:
-    explicit Reader(std::string_view text) : mText(text) {}
+    /// \param arcTolerance empty: arcs are cut into eighths of a turn
+    Reader(std::string_view text, std::optional<double> arcTolerance)
+        : mText(text), mArcTolerance(arcTolerance) {}
 
     SvgPathResult Read() {
         SkipSpace();
@@ -336,21 +346,21 @@ private:
         double const turn = std::abs(rest) == 180.0 ? 180.0 : rest;
         ArcCurves arc =
             ArcCurves::BetweenPoints(mCurrent, e, rx, ry, DegToRad(turn), a[3] != 0.0, a[4] != 0.0);
-        // An eighth turn at most; rounding must not make three curves of a quarter turn.
-        auto const count = static_cast<std::size_t>(std::clamp(
-            std::ceil(arc.Sweep() / (pi / 4.0) - 1e-9), 1.0, static_cast<double>(kMostArcCurves)));
-        std::array<std::array<Pt, 3>, kMostArcCurves> curves;
-        arc.Cut(count);
-        for (std::size_t i = 0; i < count; ++i) {
-            arc.Next(curves[i]);
-            if (!std::all_of(curves[i].begin(), curves[i].end(), IsFinite)) {
+        std::size_t const count =
+            mArcTolerance
+                ? trammel_detail::ArcCurveCount(arc.Sweep(), arc.GreaterRadius(), *mArcTolerance)
+                : Eighths(arc.Sweep());
+        std::array<Pt, 3> curve;
+        for (arc.Cut(count); arc.Next(curve);) {
+            if (!std::all_of(curve.begin(), curve.end(), IsFinite)) {
                 return false;
             }
         }
-        for (std::size_t i = 0; i < count; ++i) {
-            AddCurve(curves[i][0], curves[i][1], curves[i][2]);
-            Arrive(curves[i][2]);
+        for (arc.Cut(count); arc.Next(curve);) {
+            AddCurve(curve[0], curve[1], curve[2]);
+            Arrive(curve[2]);
         }
+        ++mResult.arcs;
         return true;
     }
 
@@ -389,6 +399,7 @@ private:
     Pt Smooth(Kind kind) const { return mKind == kind ? Reflected(mControl, mCurrent) : mCurrent; }
 
     std::string_view mText;
+    std::optional<double> mArcTolerance;
     std::size_t mPos = 0;
     bool mMayRepeat = false; ///< the command read last takes arguments
     Pt mStart;               ///< the start of the subpath
@@ -404,6 +415,10 @@ std::string SvgPathError::Message() const {
     return "at byte " + std::to_string(position) + ": expected " + expected + ", found " + found;
 }
 
-SvgPathResult ReadSvgPath(std::string_view text) { return Reader(text).Read(); }
+SvgPathResult ReadSvgPath(std::string_view text) { return Reader(text, std::nullopt).Read(); }
+
+SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance) {
+    return Reader(text, arcTolerance).Read();
+}
 
 } // namespace trammel

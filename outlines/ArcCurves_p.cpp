@@ -22,6 +22,11 @@ constexpr std::size_t kMostCurves = 512;
 /// Slack against one curve more from the rounding of a sweep of whole quarters.
 constexpr double kQuarterSlack = 1e-9;
 
+/// The rounding of half a chord, as a share of the ends' coordinates and of the chord.
+constexpr double kChordRounding = 0x1p-52;
+/// No arc is taken for half a turn by more than this, however far away it is.
+constexpr double kMostChordRounding = 0x1p-26;
+
 /// Returns a bound on how far a curve leaves an arc of radius 1, see ArcCurveCount. It is not less
 /// than the formula there, because the tangent's continued fraction is cut where that enlarges it.
 double Deviation(double angle) {
@@ -65,7 +70,12 @@ ArcCurves ArcCurves::BetweenPoints(Pt const& from, Pt const& to, double hRadius,
     Pt const chord(arc.mCosine * half.h + arc.mSine * half.v,
                    arc.mCosine * half.v - arc.mSine * half.h);
     double s = std::hypot(chord.h / hRadius, chord.v / vRadius);
-    if (!(s < 1.0)) {
+    // Half a turn is often drawn with its diameter for a chord, and rounding of the ends then makes
+    // s a little less than 1. The centre would move by the root of that.
+    double const far =
+        std::max({std::abs(from.h), std::abs(from.v), std::abs(to.h), std::abs(to.v)});
+    double const slack = kChordRounding * (1.0 + far / chord.Hypotenuse());
+    if (!(s + std::min(slack, kMostChordRounding) < 1.0)) {
         // The radii are too small to reach both ends: they grow until the chord is a diameter.
         double const ratio = hRadius / vRadius;
         hRadius = std::hypot(chord.h, chord.v * ratio);

@@ -55,8 +55,8 @@ TRAMMEL_API CPath& SmoothQuadTo(CPath& path, TPoint<double> const& e);
 ///   are not finite.
 /// - With `e` at the current point nothing is added.
 ///
-/// An arc whose chord is its diameter to within rounding is ill-conditioned: its middle may be off
-/// by 2^-25 of the greater radius.
+/// An arc whose chord is its diameter to within the rounding of its ends turns by exactly half a
+/// turn. Beside that it is ill-conditioned: its middle may be off by 2^-25 of the greater radius.
 ///
 /// \param hRadius, vRadius the radii along the axes of the ellipse, in coordinate units.
 /// \param rotation the turn of these axes in radians, from h toward v.

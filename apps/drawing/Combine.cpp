@@ -65,7 +65,7 @@ std::vector<TPolygon<double>> RegionOf(std::vector<Outline> const& outlines, dou
     std::vector<std::vector<TPolygon<double>>> byRule[2];
     for (Outline const& outline : outlines) {
         bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
-        byRule[evenOdd ? 1 : 0].push_back(Flatten(outline.path, error));
+        byRule[evenOdd ? 1 : 0].push_back(Flatten(outline.path, error - outline.arcDistance));
     }
     std::vector<TPolygon<double>> region;
     if (!byRule[0].empty()) {

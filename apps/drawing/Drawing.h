@@ -43,6 +43,10 @@ struct Outline {
     OutlineSource source = {};
     std::string fill = "black";  ///< the paint of its area, as the drawing says; or "none"
     std::string stroke = "none"; ///< the paint of its line
+    /// How far its curves may be from the circles and arcs that they stand for.
+    double arcDistance = 0.0;
+    /// By how much the curves may be longer than all of these arcs together.
+    double arcLength = 0.0;
 };
 
 /// The part of the plane that a drawing shows, and the size that it has on paper.
@@ -63,10 +67,25 @@ struct Drawing {
     CMatrix3x3 rootTransform;                    ///< of the document's outermost element
 };
 
+/// How near curves are to the circles and elliptical arcs that they stand for. They are as few as
+/// this allows.
+struct ArcAccuracy {
+    enum class By {
+        kPicture,  ///< as pictures need it: within 4.3e-6 of each arc's greater radius
+        kDigits,   ///< eight digits of an outline's length and places are right
+        kFigures,  ///< an outline's length and places are off by at most `most`
+        kArea,     ///< an outline's area is off by at most `most`
+        kDistance, ///< each curve is within `most` of its arc
+    };
+    By by = By::kPicture;
+    double most = 0.0;
+    std::string unit; ///< that `most` has, as for --unit; empty: the drawing's own
+};
+
 /// Reads an SVG drawing, every glyph of a font (in font units) or every feature of a map (TopoJSON
 /// or GeoJSON, in degrees). The content decides which of them the file is, not its name. The file
 /// may be packed by gzip, and "-" stands for standard input. Throws Error.
-Drawing ReadDrawing(std::string const& file);
+Drawing ReadDrawing(std::string const& file, ArcAccuracy const& arcs = {});
 
 } // namespace tool
 

@@ -101,8 +101,16 @@ CPath WithoutDots(CPath const& path) {
 
 TRect<double> Around(TRect<double> const& a, TRect<double> const& b) { return a | b; }
 
-double FigureAccuracy(CPath const& path, Pt const& p) {
-    return FigureAccuracy(path) + std::max(std::abs(p.h), std::abs(p.v)) * kFigureShare;
+double FigureAccuracy(Outline const& outline) {
+    return FigureAccuracy(outline.path) + outline.arcDistance + outline.arcLength;
+}
+
+double FigureAccuracy(Outline const& outline, Pt const& p) {
+    return FigureAccuracy(outline) + std::max(std::abs(p.h), std::abs(p.v)) * kFigureShare;
+}
+
+double Stretch(CMatrix3x3 const& m) {
+    return (std::hypot(m.a + m.d, m.b - m.c) + std::hypot(m.a - m.d, m.b + m.c)) / 2.0;
 }
 
 double FineError(TRect<double> const& bounds) {

@@ -7,6 +7,9 @@
 #ifndef TRAMMEL_APP_OUTLINES_H
 #define TRAMMEL_APP_OUTLINES_H
 
+#include "Drawing.h"
+
+#include <trammel/CMatrix3x3.h>
 #include <trammel/CPath.h>
 #include <trammel/PathBuilding.h>
 #include <trammel/PathStructure.h>
@@ -40,8 +43,13 @@ TRect<double> Around(TRect<double> const& a, TRect<double> const& b);
 /// Returns the accuracy of the accurate figures of the outline, in coordinate units. Its length,
 /// its bounds and places on it are off by no more, all by rounding.
 double FigureAccuracy(CPath const& path);
+/// Does the same for an outline, whose curves may stand for circles and arcs.
+double FigureAccuracy(Outline const& outline);
 /// Returns the accuracy of the figures of the outline and a point.
-double FigureAccuracy(CPath const& path, TPoint<double> const& p);
+double FigureAccuracy(Outline const& outline, TPoint<double> const& p);
+
+/// Returns the factor by which a transform lengthens what it lengthens most.
+double Stretch(CMatrix3x3 const& m);
 
 /// Returns a flattening error that is too fine to be seen in a figure of this size.
 double FineError(TRect<double> const& bounds);

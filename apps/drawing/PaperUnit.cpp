@@ -4,6 +4,7 @@
 
 #include "Error.h"
 #include "Numbers.h"
+#include "Outlines.h"
 #include "SvgAttributes.h"
 #include "SvgDocument.h"
 
@@ -30,12 +31,12 @@ std::optional<double> Pixels(std::string_view unit) {
 
 } // namespace
 
-void ToPaperUnit(Drawing& drawing, std::string const& unit) {
+CMatrix3x3 PaperFit(Drawing const& drawing, std::string const& unit) {
     std::optional<double> const one = Pixels(unit);
     if (!one || unit.empty()) {
         throw Error("--unit", "'" + unit + "'", "must be mm, cm, in, pt, pc, Q or px");
     }
-    Page& page = drawing.page;
+    Page const& page = drawing.page;
     std::optional<double> const pageUnit = Pixels(page.unit);
     if (page.frame.Empty() || !(page.width > 0.0 && page.height > 0.0) || !pageUnit) {
         throw Error(drawing.file, "", "does not tell its size on paper, which --unit needs");
@@ -43,11 +44,21 @@ void ToPaperUnit(Drawing& drawing, std::string const& unit) {
     TPoint<double> const size(page.width * *pageUnit / *one, page.height * *pageUnit / *one);
     std::string_view const rule =
         drawing.document ? drawing.document->Root().attribute("preserveAspectRatio").value() : "";
-    CMatrix3x3 const fit = FitViewBox(page.frame, size, rule);
+    return FitViewBox(page.frame, size, rule);
+}
+
+void ToPaperUnit(Drawing& drawing, std::string const& unit) {
+    CMatrix3x3 const fit = PaperFit(drawing, unit);
+    double const stretch = Stretch(fit);
     for (Outline& outline : drawing.outlines) {
         outline.path.Transform(fit);
+        outline.arcDistance *= stretch;
+        outline.arcLength *= stretch;
     }
-    page.frame = TRect<double>(0.0, 0.0, size.h, size.v);
+    Page& page = drawing.page;
+    double const one = *Pixels(unit);
+    double const pageUnit = *Pixels(page.unit);
+    page.frame = TRect<double>(0.0, 0.0, page.width * pageUnit / one, page.height * pageUnit / one);
 }
 
 } // namespace tool

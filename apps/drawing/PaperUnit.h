@@ -5,9 +5,14 @@
 
 #include "Drawing.h"
 
+#include <trammel/CMatrix3x3.h>
+
 #include <string>
 
 namespace tool {
+
+/// Returns the transform that does what ToPaperUnit does. Throws Error as it does.
+CMatrix3x3 PaperFit(Drawing const& drawing, std::string const& unit);
 
 /// Moves the drawing's outlines to coordinates in a unit of length on paper, counted from the
 /// page's top left corner. The page has this frame, and stays as large as it is. Throws Error

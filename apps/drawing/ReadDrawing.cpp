@@ -27,7 +27,7 @@ bool LooksLikeXml(std::string_view content) {
 
 } // namespace
 
-Drawing ReadDrawing(std::string const& file) {
+Drawing ReadDrawing(std::string const& file, ArcAccuracy const& arcs) {
     std::string content = ReadFile(file);
     if (LooksLikeFont(content)) {
         return ReadFontDrawing(file, std::move(content));
@@ -36,7 +36,7 @@ Drawing ReadDrawing(std::string const& file) {
         return ReadMap(file, content);
     }
     if (LooksLikeXml(content)) {
-        return ReadSvg(file, std::move(content));
+        return ReadSvg(file, std::move(content), arcs);
     }
     throw Error(file, "", "is neither an SVG drawing nor a font nor a map (TopoJSON, GeoJSON)");
 }

@@ -6,13 +6,17 @@
 #include "Error.h"
 #include "Numbers.h"
 #include "Outlines.h"
+#include "PaperUnit.h"
 #include "SvgAttributes.h"
 #include "SvgDocument.h"
 #include "SvgShapes.h"
 #include "Warning.h"
 
 #include <trammel/CMatrix3x3.h>
+#include <trammel/PathSegments.h>
+#include <trammel/Shapes.h>
 #include <trammel/SvgPath.h>
+#include <trammel/UTrigonometry.h>
 
 #include <pugixml.hpp>
 
@@ -40,6 +44,22 @@ constexpr int kMostLevels = 500;
 // bytes of nested uses could otherwise multiply without end.
 constexpr std::size_t kMostUsedElements = 250000;
 constexpr std::size_t kMostUsedBytes = std::size_t{64} << 20;
+
+/// How far the curves of pictures may be from a circle, as a share of its radius. A full turn has 8
+/// curves.
+constexpr double kPictureShare = 4.3e-6;
+
+/// The same as a share of a path's greater extent. A radius can be greater than that, but then the
+/// path has only a small part of the turn.
+constexpr double kPictureShareOfSize = 9e-6;
+
+/// How much longer the curves of an outline may be, as a share of its length, for eight right
+/// digits.
+constexpr double kDigitsShare = 4e-9;
+
+/// The part of an accuracy that arcs may take. Figures are rounded to twice their error, and all
+/// other errors need a place, too.
+constexpr double kArcPart = 0.25;
 
 /// The mistake in an attribute's value.
 struct AttributeError {
@@ -95,8 +115,8 @@ constexpr std::size_t kMostWarnings = 20;
 
 class Reader {
 public:
-    explicit Reader(std::shared_ptr<SvgDocument const> document)
-        : mDocument(std::move(document)),
+    Reader(std::shared_ptr<SvgDocument const> document, ArcAccuracy arcs)
+        : mDocument(std::move(document)), mArcs(std::move(arcs)),
           mCascade(*mDocument, [this](std::string const& place, std::string const& message) {
               Skip(place, message);
           }) {
@@ -132,15 +152,23 @@ private:
     void Switch(pugi::xml_node element, Context const& context);
     void Use(pugi::xml_node element, Context const& context);
     void Viewport(pugi::xml_node element, Context const& context, std::optional<Pt> const& size);
-    void Add(pugi::xml_node element, CPath path, Context const& context);
+    /// The form of an element.
+    struct Form {
+        CPath path;
+        std::size_t arcs = 0;   ///< the ellipses and arcs in it
+        double tolerance = 0.0; ///< how far its curves may be from these
+    };
+    void Add(pugi::xml_node element, Form form, Context const& context);
+    double ArcTolerance(double length, std::size_t arcs, double radius,
+                        Context const& context) const;
     void ReadPage(pugi::xml_node root);
 
-    CPath PathElement(pugi::xml_node element, Context const& context);
-    CPath Rectangle(pugi::xml_node element, Context const& context);
-    CPath Ellipse(pugi::xml_node element, Context const& context, char const* hName,
-                  char const* vName);
-    CPath Line(pugi::xml_node element, Context const& context);
-    CPath Polyline(pugi::xml_node element, bool closed);
+    Form PathElement(pugi::xml_node element, Context const& context);
+    Form Rectangle(pugi::xml_node element, Context const& context);
+    Form Ellipse(pugi::xml_node element, Context const& context, char const* hName,
+                 char const* vName);
+    Form Line(pugi::xml_node element, Context const& context);
+    Form Polyline(pugi::xml_node element, bool closed);
 
     enum class Axis { kHorizontal, kVertical, kOther };
     /// Returns the value of an attribute, or of the property that stands for it.
@@ -180,6 +208,8 @@ private:
     void TellTheRest() const;
 
     std::shared_ptr<SvgDocument const> mDocument;
+    ArcAccuracy mArcs;
+    double mUnitStretch = 1.0; ///< from the drawing's coordinates to the unit of the accuracy
     std::set<std::string> mSkipped;
     /// The elements without outlines that are drawn: the first place of each kind, and their
     /// number.
@@ -326,11 +356,45 @@ void Reader::Inherit(ElementStyle const& style, Context& context) {
     }
 }
 
-CPath Reader::PathElement(pugi::xml_node element, Context const& context) {
+/// Returns the sum of the distances between the ends of segments, which no length is below.
+double ChordLength(CPath const& path) {
+    double length = 0.0;
+    for (trammel::PathSegment const& segment : trammel::Segments(path)) {
+        length += (segment.end - segment.start).Length();
+    }
+    return length;
+}
+
+/// Returns how far curves may be from their arcs, in the element's own coordinates.
+///
+/// Curves run along the outside of an arc. Those within a distance d of it turn by no more than a
+/// full turn, so they are longer by at most 2 pi d.
+/// \param length  of the outline, or a little less
+/// \param radius  the greater radius; paths have none
+double Reader::ArcTolerance(double length, std::size_t arcs, double radius,
+                            Context const& context) const {
+    double const turns = 2.0 * pi * static_cast<double>(arcs);
+    double const stretch = Stretch(context.transform) * mUnitStretch;
+    switch (mArcs.by) {
+    case ArcAccuracy::By::kPicture:
+        break;
+    case ArcAccuracy::By::kDigits:
+        return kDigitsShare * length / turns;
+    case ArcAccuracy::By::kFigures:
+        return kArcPart * mArcs.most / (turns * stretch);
+    case ArcAccuracy::By::kArea:
+        return kArcPart * mArcs.most / (length * stretch) / stretch;
+    case ArcAccuracy::By::kDistance:
+        return mArcs.most / stretch;
+    }
+    return kPictureShare * radius;
+}
+
+Reader::Form Reader::PathElement(pugi::xml_node element, Context const& context) {
     Declared const& declared = (*context.style)[Property::kD];
     std::string data(declared.value);
     if (data == "none" || IsWide(data)) {
-        return CPath();
+        return {};
     }
     if (declared.css) {
         bool found = false;
@@ -343,26 +407,43 @@ CPath Reader::PathElement(pugi::xml_node element, Context const& context) {
         Skip(element, "d", result.error->position,
              "found " + result.error->found + ", expected " + result.error->expected);
     }
-    return std::move(result.path); // what stands before a mistake is drawn
+    Form form; // what stands before a mistake is drawn
+    form.arcs = result.arcs;
+    if (result.arcs > 0 && mArcs.by == ArcAccuracy::By::kPicture) {
+        TRect<double> const bounds = ControlBounds(result.path);
+        form.tolerance = kPictureShareOfSize * std::max(bounds.Width(), bounds.Height());
+    } else if (result.arcs > 0) {
+        form.tolerance = ArcTolerance(ChordLength(result.path), result.arcs, 0.0, context);
+        result = trammel::ReadSvgPath(data, form.tolerance);
+    }
+    form.path = std::move(result.path);
+    return form;
 }
 
-CPath Reader::Rectangle(pugi::xml_node element, Context const& context) {
+Reader::Form Reader::Rectangle(pugi::xml_node element, Context const& context) {
     double const left = LengthOr0(element, "x", context, Axis::kHorizontal);
     double const top = LengthOr0(element, "y", context, Axis::kVertical);
     double const width = SizeOf(element, "width", context, Axis::kHorizontal).value_or(0.0);
     double const height = SizeOf(element, "height", context, Axis::kVertical).value_or(0.0);
     if (width == 0.0 || height == 0.0) {
-        return CPath();
+        return {};
     }
     std::optional<double> const rx = SizeOf(element, "rx", context, Axis::kHorizontal);
     std::optional<double> const ry = SizeOf(element, "ry", context, Axis::kVertical);
     double const hRadius = std::min(rx.value_or(ry.value_or(0.0)), width / 2.0);
     double const vRadius = std::min(ry.value_or(rx.value_or(0.0)), height / 2.0);
-    return RectanglePath(TRect<double>(left, top, left + width, top + height), hRadius, vRadius);
+    // A rectangle is as round as can be if it is an ellipse.
+    Form form;
+    form.arcs = hRadius == 0.0 || vRadius == 0.0 ? 0 : 1;
+    form.tolerance =
+        ArcTolerance((width + height) * pi / 2.0, 1, std::max(hRadius, vRadius), context);
+    form.path = RectanglePath(TRect<double>(left, top, left + width, top + height), hRadius,
+                              vRadius, form.tolerance);
+    return form;
 }
 
-CPath Reader::Ellipse(pugi::xml_node element, Context const& context, char const* hName,
-                      char const* vName) {
+Reader::Form Reader::Ellipse(pugi::xml_node element, Context const& context, char const* hName,
+                             char const* vName) {
     Pt const centre(LengthOr0(element, "cx", context, Axis::kHorizontal),
                     LengthOr0(element, "cy", context, Axis::kVertical));
     bool const circle = std::string_view(hName) == vName;
@@ -373,30 +454,39 @@ CPath Reader::Ellipse(pugi::xml_node element, Context const& context, char const
     double const hRadius = rx.value_or(ry.value_or(0.0));
     double const vRadius = ry.value_or(hRadius);
     if (hRadius == 0.0 || vRadius == 0.0) {
-        return CPath();
+        return {};
     }
-    return EllipsePath(centre, hRadius, vRadius);
+    Form form;
+    form.arcs = 1;
+    form.tolerance = ArcTolerance((hRadius + vRadius) * pi, 1, std::max(hRadius, vRadius), context);
+    form.path = trammel::EllipsePath(centre, hRadius, vRadius, 0.0, form.tolerance);
+    return form;
 }
 
-CPath Reader::Line(pugi::xml_node element, Context const& context) {
-    return PolylinePath({Pt(LengthOr0(element, "x1", context, Axis::kHorizontal),
-                            LengthOr0(element, "y1", context, Axis::kVertical)),
-                         Pt(LengthOr0(element, "x2", context, Axis::kHorizontal),
-                            LengthOr0(element, "y2", context, Axis::kVertical))},
-                        false);
+Reader::Form Reader::Line(pugi::xml_node element, Context const& context) {
+    Form form;
+    form.path = PolylinePath({Pt(LengthOr0(element, "x1", context, Axis::kHorizontal),
+                                 LengthOr0(element, "y1", context, Axis::kVertical)),
+                              Pt(LengthOr0(element, "x2", context, Axis::kHorizontal),
+                                 LengthOr0(element, "y2", context, Axis::kVertical))},
+                             false);
+    return form;
 }
 
-CPath Reader::Polyline(pugi::xml_node element, bool closed) {
+Reader::Form Reader::Polyline(pugi::xml_node element, bool closed) {
     std::vector<Pt> points;
     try {
         ParsePoints(element.attribute("points").value(), points);
     } catch (TextError const& e) {
         Skip(element, "points", e.Position(), e.what()); // the points before a mistake are drawn
     }
-    return PolylinePath(points, closed);
+    Form form;
+    form.path = PolylinePath(points, closed);
+    return form;
 }
 
-void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
+void Reader::Add(pugi::xml_node element, Form form, Context const& context) {
+    CPath& path = form.path;
     if (path.mCtls.empty() || !context.visible) {
         return;
     }
@@ -411,6 +501,10 @@ void Reader::Add(pugi::xml_node element, CPath path, Context const& context) {
     outline.source.around = context.around;
     outline.source.beside = used ? context.beside : context.around;
     path.Transform(context.transform);
+    if (form.arcs > 0) {
+        outline.arcDistance = form.tolerance * Stretch(context.transform);
+        outline.arcLength = 2.0 * pi * static_cast<double>(form.arcs) * outline.arcDistance;
+    }
     bool const finite = std::all_of(path.mPts.begin(), path.mPts.end(), [](Pt const& p) {
         return std::isfinite(p.h) && std::isfinite(p.v);
     });
@@ -655,6 +749,9 @@ void Reader::ReadPage(pugi::xml_node root) {
 Drawing Reader::Read() {
     pugi::xml_node const root = mDocument->Root();
     ReadPage(root);
+    if (!mArcs.unit.empty()) {
+        mUnitStretch = Stretch(PaperFit(mDrawing, mArcs.unit));
+    }
     ElementStyle const style = mCascade.Of(root);
     Context context;
     context.style = &style;
@@ -684,8 +781,8 @@ Drawing Reader::Read() {
 
 } // namespace
 
-Drawing ReadSvg(std::string const& file, std::string content) {
-    return Reader(std::make_shared<SvgDocument const>(file, std::move(content))).Read();
+Drawing ReadSvg(std::string const& file, std::string content, ArcAccuracy const& arcs) {
+    return Reader(std::make_shared<SvgDocument const>(file, std::move(content)), arcs).Read();
 }
 
 } // namespace tool

@@ -29,7 +29,7 @@
 namespace tool {
 
 /// Reads the content of `file`. Throws Error.
-Drawing ReadSvg(std::string const& file, std::string content);
+Drawing ReadSvg(std::string const& file, std::string content, ArcAccuracy const& arcs);
 
 } // namespace tool
 

@@ -13,13 +13,9 @@
 
 namespace tool {
 
-/// Returns a rectangle whose corners are quarters of an ellipse with the given radii. They are at
-/// most half the sides; 0 makes plain corners.
-CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius);
-
-/// Returns an ellipse of curves that are within 2e-9 of the greater radius. It begins at the right
-/// and goes on to the bottom.
-CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius);
+/// Returns a rectangle whose corners are quarters of an ellipse with the given radii, within the
+/// tolerance. The radii are at most half the sides; 0 makes plain corners.
+CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius, double tolerance);
 
 /// Returns straight lines from point to point.
 CPath PolylinePath(std::vector<TPoint<double>> const& points, bool closed);

@@ -8,6 +8,7 @@
 #include "TextAlong.h"
 
 #include <trammel/OutlineMeasure.h>
+#include <trammel/Shapes.h>
 
 #include <algorithm>
 #include <array>
@@ -96,6 +97,10 @@ void Canvas::Dots(std::vector<TPoint<double>> const& points, double radius, Colo
 void Canvas::Dot(TPoint<double> const& p, double radius, Colour colour) {
     Dots({p}, radius + 1.5, palette::paper);
     Dots({p}, radius, colour);
+}
+
+CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius) {
+    return trammel::EllipsePath(centre, hRadius, vRadius, 0.0, 2e-9 * std::max(hRadius, vRadius));
 }
 
 void Canvas::Ring(TPoint<double> const& p, double radius, Colour colour, double width) {

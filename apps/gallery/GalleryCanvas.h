@@ -42,6 +42,10 @@ inline constexpr Colour amber{230, 159, 0};
 /// The part of the words that stands at the label's point.
 enum class Align { left, centre, right };
 
+/// Returns an ellipse of curves that are within 2e-9 of the greater radius: figures of it are right
+/// to the digits that the pictures show.
+CPath EllipsePath(TPoint<double> const& centre, double hRadius, double vRadius);
+
 /// A page that is drawn on.
 class Canvas {
 public:

@@ -148,6 +148,84 @@ class Accuracy(AppTest):
                                 outline["polygons"][0]["description"].split("\n") if line]
                 for outline in data["outlines"]}
 
+    ROUNDS = {  # outlines with their lengths and areas
+        "circle": ('<circle id="o" r="7"/>', 14 * math.pi, 49 * math.pi),
+        "halves": ('<path id="o" d="M.1.1a5 5 0 1 0 10 0 5 5 0 1 0-10 0z"/>', 10 * math.pi,
+                   25 * math.pi),
+        "corners": ('<rect id="o" x="3" width="30" height="20" rx="2"/>', 84 + 4 * math.pi,
+                    584 + 4 * math.pi),
+        "turned": ('<path id="o" transform="rotate(30)scale(2)" d="M0 3V-3A3 3 0 0 1 0 3z"/>',
+                   12 + 6 * math.pi, 18 * math.pi),
+        "many": ('<path id="o" d="M0 0' + "a1 1 0 0 1 2 0" * 50 + '"/>', 50 * math.pi, None),
+    }
+
+    def test_circles_and_arcs_are_as_exact_as_is_asked_for(self):
+        for name, (body, length, area) in self.ROUNDS.items():
+            elements = []
+            for asked in ("0.01", "1e-7", None):
+                more = ["--accuracy", asked] if asked else []
+                file = self.write(name + ".svg", svg(body))
+                with self.subTest((name, asked)):
+                    data = self.run_json("measure", file, *more)
+                    outline = data["files"][0]["outlines"][0]
+                    accuracy = outline["accuracy"]
+                    self.assertLessEqual(accuracy, float(asked) if asked else 1e-7 * length)
+                    self.assertLessEqual(abs(outline["length"] - length), accuracy)
+                    elements.append(outline["elements"])
+                    if area is not None:
+                        found = self.run_json("area", file, *more)["outlines"][0]
+                        self.assertLessEqual(found["accuracy"], float(asked) if asked
+                                             else 1e-6 * area)
+                        self.assertLessEqual(abs(found["area"] - area), found["accuracy"])
+            self.assertLess(elements[0], elements[1])
+        # No more curves than that needs.
+        file = self.write("c.svg", svg('<circle r="7"/>'))
+        counts = [self.run_json("measure", file, *more)["files"][0]["outlines"][0]["elements"] - 2
+                  for more in (["--accuracy", "0.1"], [], ["--accuracy", "1e-99"])]
+        self.assertEqual(counts, [4, 28, 416])
+
+    def test_places_on_a_circle_are_right_to_the_digits_printed(self):
+        file = self.write("c.svg", svg('<circle transform="translate(3 4)" r="7"/>'))
+        fractions = [i / 37 for i in range(38)]
+        for more in ([], ["--accuracy", "1e-11"], ["--accuracy", "0.001"]):
+            result = self.run_json("point", file, "--at", ",".join(map(repr, fractions)), *more)
+            outline = result["outlines"][0]
+            for place in outline["points"]:
+                angle = 2 * math.pi * place["at"]
+                self.assertBox(place["point"], [3 + 7 * math.cos(angle), 4 + 7 * math.sin(angle)],
+                               outline["accuracy"])
+                digits = 1e-6 if not more else float(more[1]) * 10
+                self.assertBox(place["direction"], [-math.sin(angle), math.cos(angle)], digits)
+            found = self.run_json("nearest", file, "--to", "30,31", *more)["nearest"][0]
+            self.assertBox(found["point"], [3 + 7 / math.sqrt(2), 4 + 7 / math.sqrt(2)],
+                           found["accuracy"])
+            self.assertLessEqual(abs(found["distance"] - (27 * math.sqrt(2) - 7)),
+                                 found["accuracy"])
+            hit = self.run_json("hit", file, "--at", "3,4", *more)["points"][0]["hits"][0]
+            self.assertLessEqual(abs(hit["distance"] - 7), hit["accuracy"])
+
+    def test_an_accuracy_in_millimetres_is_kept(self):
+        file = self.write("page.svg", svg('<circle id="o" r="7"/>',
+                                          'viewBox="0 0 100 100" width="1m" height="1m"'
+                                          .replace("1m", "10mm")))
+        for asked in (1e-2, 1e-6, 1e-10):
+            data = self.run_json("measure", file, "--unit", "mm", "--accuracy", repr(asked))
+            outline = data["files"][0]["outlines"][0]
+            self.assertEqual(outline["accuracy"], asked)
+            self.assertLessEqual(abs(outline["length"] - 1.4 * math.pi), asked)
+
+    def test_written_curves_are_few_or_as_near_as_is_asked_for(self):
+        file = self.write("c.svg", svg('<circle id="o" r="1"/>'))
+        curves = []
+        for more in ([], ["--accuracy", "0.01"], ["--accuracy", "1e-9"]):
+            self.run_text("transform", file, "--scale", "3", "--coordinates", *more, "-o",
+                          self.path("out.svg"))
+            curves.append(self.path_data("out.svg")["o"].upper().count("C") and
+                          self.measure_file("out.svg")["o"]["elements"] - 2)
+        self.assertEqual(curves, [8, 4, 36])
+        self.fails("cut", file, "--from", "0", "--to", "0.5", "--accuracy", "0", "-o",
+                   self.path("out.svg"), names=["--accuracy"])
+
     def test_places_follow_the_length(self):
         fractions = [i / 200 for i in range(201)]
         result = self.run_json("point", self.file, "--id", "s", "--at",

@@ -157,13 +157,13 @@ class Documents(AppTest):
         self.assertIn(b'<defs><circle id="c" r="4"/></defs>', self.read("out.svg"))
 
     def test_hatch_adds_lines_in_the_drawing_s_scale(self):
-        self.quiet("hatch", self.file, "--id", "box", "--angle", "0", "--spacing", "2",
+        self.quiet("hatch", self.file, "--id", "box", "--angle", "0", "--spacing", "1.5",
                    "--stroke-width", "0.5", "-o", self.out)
         text = self.text()
         added = re.search(r'\n    <path id="box-hatch"[^>]*/>', text)[0]
         self.assertIn('style="fill:none;stroke:blue;stroke-width:0.25;', added)
         self.assertEqual(text.replace(added, "").replace(' style="fill:none"', ""), DOCUMENT)
-        self.assertAlmostEqual(self.outlines(self.out)["box-hatch"]["bounds"][1], 9)
+        self.assertAlmostEqual(self.outlines(self.out)["box-hatch"]["bounds"][1], 8.25)
 
     def test_precision_rounds_what_is_new(self):
         self.quiet("flatten", self.file, "--id", "curve", "--error", "0.1", "--precision", "1",

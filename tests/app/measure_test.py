@@ -29,7 +29,8 @@ class Shapes(AppTest):
 
     def test_a_circle_is_as_long_as_its_circumference(self):
         outline = self.measure(svg('<circle id="c" cx="50" cy="50" r="10"/>'))["c"]
-        self.assertLess(abs(outline["length"] - 20 * math.pi), 5e-8)
+        self.assertEqual(outline["accuracy"], 1e-6)
+        self.assertLess(abs(outline["length"] - 20 * math.pi), 1e-6)
         self.assertBox(outline["bounds"], [40, 40, 60, 60])
         self.assertTrue(outline["closed"] and outline["curves"] and not outline["lines"])
         self.assertIn("length 62.831853,", self.run_text("measure", self.path("in.svg")))
@@ -45,7 +46,7 @@ class Shapes(AppTest):
             '<rect id="r" x="60" y="5" width="30" height="20" rx="5"/>'
             '<rect id="pill" width="30" height="20" rx="50" ry="10"/>'
             '<rect id="plain" width="30" height="20" rx="0" ry="5"/>'))
-        self.assertLess(abs(outlines["r"]["length"] - (60 + 10 * math.pi)), 5e-8)
+        self.assertLess(abs(outlines["r"]["length"] - (60 + 10 * math.pi)), 1e-6)
         self.assertBox(outlines["r"]["bounds"], [60, 5, 90, 25])
         self.assertBox(outlines["pill"]["bounds"], [0, 0, 30, 20])
         self.assertFalse(outlines["pill"]["lines"])  # the radii meet on all sides
@@ -82,7 +83,8 @@ class Shapes(AppTest):
         for unit, length in expected.items():
             self.assertAlmostEqual(outlines[unit]["length"], length, 9, unit)
         radius = 0.1 * math.sqrt((30 * 30 + 40 * 40) / 2)
-        self.assertBox(outlines["r"]["bounds"], [-radius, -radius, radius, radius])
+        self.assertBox(outlines["r"]["bounds"], [-radius, -radius, radius, radius],
+                       outlines["r"]["accuracy"])
 
     def test_elements_without_an_outline_are_passed_over(self):
         self.assertEqual(self.measure(svg(

@@ -50,7 +50,9 @@ struct Ellipse {
         }
         Wide const square = (rx * rx * ry * ry - rx * rx * yp * yp - ry * ry * xp * xp) /
                             (rx * rx * yp * yp + ry * ry * xp * xp);
-        Wide const factor = (large != sweep ? 1 : -1) * std::sqrt(std::max(square, 0.0L));
+        // Of radii that grew the centre is the middle of the chord.
+        Wide const factor =
+            (large != sweep ? 1 : -1) * std::sqrt(lambda > 1 ? 0.0L : std::max(square, 0.0L));
         Wide const cxp = factor * rx * yp / ry;
         Wide const cyp = -factor * ry * xp / rx;
         cx = c * cxp - s * cyp + (x1 + x2) / 2;
@@ -251,6 +253,84 @@ TEST(SvgArc, ShapeBeyondTheRangeOfDoubleIsAnError) {
         }
     }
     EXPECT_TRUE(ReadSvgPath("M0 0a1 1 0 0 0 1e308 0 1 1 0 0 0 1e308 0").error);
+}
+
+TEST(SvgArc, ComesWithinAnyTolerance) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> coordinate(-100.0, 100.0);
+    std::uniform_real_distribution<double> radius(20.0, 300.0);
+    std::uniform_real_distribution<double> exponent(-11.0, 1.0);
+    double worst = 0.0;
+    for (int i = 0; i < 300; ++i) {
+        Pt const from(coordinate(random), coordinate(random));
+        Pt const to(coordinate(random), coordinate(random));
+        double const rx = radius(random);
+        double const ry = radius(random);
+        double const degrees = coordinate(random);
+        bool const large = random() % 2 == 0;
+        double const tolerance = std::pow(10.0, exponent(random));
+        char text[300];
+        std::snprintf(text, sizeof text, "M%.17g,%.17gA%.17g %.17g %.17g %d1%.17g %.17g", from.h,
+                      from.v, rx, ry, degrees, large ? 1 : 0, to.h, to.v);
+        SvgPathResult const result = ReadSvgPath(text, tolerance);
+        ASSERT_EQ(result.arcs, 1U);
+        Ellipse const ellipse(from, to, rx, ry, degrees, large, true);
+        CPath const& path = result.path;
+        std::size_t const curves = path.mCtls.size() - 1;
+        for (std::size_t k = 0; k < curves; ++k) {
+            for (int n = 0; n < 20; ++n) {
+                Wide x = 0;
+                Wide y = 0;
+                ellipse.ToCircle(CurvePoint(&path.mPts[3 * k], n / 19.0), x, y);
+                double const away =
+                    static_cast<double>((std::hypot(x, y) - 1) * std::max(ellipse.rx, ellipse.ry));
+                EXPECT_LE(std::abs(away), tolerance + 1e-11) << text;
+                worst = std::max(worst, away / tolerance);
+            }
+        }
+        // One curve fewer would not do, unless it is a quarter turn already.
+        if (curves > 1 && std::abs(ellipse.delta) / static_cast<Wide>(curves - 1) < kPi / 2) {
+            double const quarter = static_cast<double>(std::abs(ellipse.delta)) /
+                                   static_cast<double>(curves - 1) / 4.0;
+            double const t = std::tan(quarter);
+            double const away = 2.0 / 27.0 * std::pow(t, 6) / std::pow(1 + t * t, 2);
+            EXPECT_GT(away * static_cast<double>(std::max(ellipse.rx, ellipse.ry)),
+                      tolerance * 0.999)
+                << text;
+        }
+    }
+    EXPECT_GT(worst, 0.9) << "the stated bound is not far too wide";
+}
+
+TEST(SvgArc, CircleTakesTheStatedNumbersOfCurves) {
+    auto const curves = [](double tolerance) {
+        return ReadSvgPath("M1 0A1 1 0 0 1 -1 0A1 1 0 0 1 1 0", tolerance).path.mCtls.size() - 1;
+    };
+    EXPECT_EQ(curves(1e9), 4U);
+    EXPECT_EQ(curves(2.8e-4), 4U);
+    EXPECT_EQ(curves(4.3e-6), 8U);
+    EXPECT_EQ(curves(2.4e-9), 28U);
+    EXPECT_EQ(curves(0.0), 414U);
+    EXPECT_EQ(curves(-1.0), 414U);
+    EXPECT_EQ(curves(std::nan("")), 414U);
+}
+
+TEST(SvgArc, ArcsThatBecomeCurvesAreCounted) {
+    EXPECT_EQ(ReadSvgPath("M0 0a1 1 0 0 1 2 0 1 1 0 0 1 2 0L9 9C1 2 3 4 5 6").arcs, 2U);
+    EXPECT_EQ(ReadSvgPath("M0 0a0 1 0 0 1 2 0a1 1 0 0 1 0 0", 1e-3).arcs, 0U);
+}
+
+TEST(SvgArc, TwoHalfTurnsMakeACircleWhateverTheRoundingOfTheirEnds) {
+    // The ends are off by some 1e-16, which would move the centre by its root.
+    for (char const* const begin : {"M.1 .1", "M.3-.7", "M1000.1 .2", "M-7.3 12345.6"}) {
+        std::string const text = std::string(begin) + "a5 5 0 1 0 10 0 5 5 0 1 0-10 0";
+        CPath const path = ReadSvgPath(text, 1e-2).path;
+        ASSERT_EQ(path.mPts.size(), 13U) << text;
+        Pt const start = path.mPts.front();
+        EXPECT_NEAR(path.mPts[3].h - start.h, 5.0, 1e-11) << text;
+        EXPECT_NEAR(path.mPts[3].v - start.v, 5.0, 1e-11) << text;
+        EXPECT_NEAR(path.mPts[9].v - start.v, -5.0, 1e-11) << text;
+    }
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/Moments.h>
 #include <trammel/RegionArea.h>
 
@@ -32,6 +33,13 @@ double Extent(CPath const& path) {
     return std::max(bounds.Width(), bounds.Height());
 }
 
+/// Returns the area between the outline's curves and the arcs that they stand for, at most.
+double ArcError(Outline const& outline) {
+    return outline.arcDistance == 0.0
+               ? 0.0
+               : outline.arcDistance * trammel::ArcLength(outline.path, outline.arcDistance);
+}
+
 FileResult AreasIn(Options const& options, Drawing& drawing) {
     CheckNotEmpty(drawing);
     SetRule(drawing, options.rule);
@@ -42,9 +50,10 @@ FileResult AreasIn(Options const& options, Drawing& drawing) {
             trammel::RegionArea(outline.path, outline.rule, options.figures.Accuracy());
         trammel::AreaMoments const moments = trammel::MomentsOf(outline.path);
         double const rounding = FigureAccuracy(outline.path) * Extent(outline.path);
-        Figures const areas(std::max(region.error, rounding), options.figures);
+        double const arcs = ArcError(outline);
+        Figures const areas(std::max(region.error, rounding) + arcs, options.figures);
         // The centroid is where the signed area divides its moment.
-        Figures const places(rounding * Extent(outline.path) / std::abs(moments.area) +
+        Figures const places((rounding + arcs) * Extent(outline.path) / std::abs(moments.area) +
                                  FigureAccuracy(outline.path),
                              options.figures);
         double const area = areas.Of(region.area);
@@ -71,11 +80,11 @@ FileResult AreasIn(Options const& options, Drawing& drawing) {
 }
 
 void Run(Options const& options) {
-    options.figures.Accuracy(); // before a file is read
     if (!options.rule.empty()) {
         RuleOf(options.rule);
     }
-    ForEachFile(options.sources, [&](Drawing& drawing) { return AreasIn(options, drawing); });
+    ForEachFile(options.sources, options.figures.Arcs(ArcAccuracy::By::kArea),
+                [&](Drawing& drawing) { return AreasIn(options, drawing); });
 }
 
 } // namespace

@@ -29,6 +29,9 @@ namespace {
 /// of the PNG that this command writes.
 constexpr double kErrorShare = 1e-4;
 
+/// The part of the error that the curves take which stand for circles and arcs.
+constexpr double kArcPart = 1.0 / 64.0;
+
 struct Operation {
     char const* name;
     TPolyOp code;
@@ -172,8 +175,12 @@ void Run(Options const& options) {
     if (!options.write.output.empty()) {
         CheckWriteOptions(options.write);
     }
-    Drawing a = Load(options.a);
-    Drawing b = Load(options.b);
+    ArcAccuracy arcs; // without --error, pictures need more than this
+    if (!options.error.empty()) {
+        arcs = {ArcAccuracy::By::kDistance, ErrorOf(options, TRect<double>()) * kArcPart, ""};
+    }
+    Drawing a = Load(options.a, arcs);
+    Drawing b = Load(options.b, arcs);
     OverrideRules(a, options.rule);
     OverrideRules(b, options.rule);
     CheckFinite(a);

@@ -69,8 +69,8 @@ void CheckNotEmpty(Drawing const& drawing) {
     }
 }
 
-Drawing Load(Source const& source) {
-    Drawing drawing = ReadDrawing(source.file);
+Drawing Load(Source const& source, ArcAccuracy const& arcs) {
+    Drawing drawing = ReadDrawing(source.file, arcs);
     CheckNotEmpty(drawing);
     KeepOnly(drawing, source.ids);
     return drawing;

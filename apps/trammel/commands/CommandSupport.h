@@ -43,7 +43,7 @@ CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<s
 /// Throws Error when the drawing has no outlines.
 void CheckNotEmpty(Drawing const& drawing);
 /// Reads the file and keeps the chosen outlines. Throws Error when there are none.
-Drawing Load(Source const& source);
+Drawing Load(Source const& source, ArcAccuracy const& arcs = {});
 /// Keeps the outlines with these ids. Throws Error for one that does not exist.
 void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids);
 

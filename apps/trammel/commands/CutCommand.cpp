@@ -40,7 +40,7 @@ void Run(Options const& options) {
         throw Error("--to", "'" + options.to + "'", "must be above --from");
     }
     CheckWriteOptions(options.write);
-    Drawing const drawing = Load(options.source);
+    Drawing const drawing = Load(options.source, ArcsOf(options.write));
     std::vector<Outline> cut;
     std::vector<Outline> rest;
     for (Outline const& outline : drawing.outlines) {
@@ -90,6 +90,7 @@ void AddCut(CLI::App& app) {
         ->required()
         ->type_name("B");
     AddWriteOptions(*command, options->write);
+    AddCurveAccuracy(*command, options->write);
     command->add_option("--rest", options->rest, "The file for what remains")->type_name("FILE");
     command->footer(
         "An SVG drawing is kept: in both files the elements have what was cut or what remains, "

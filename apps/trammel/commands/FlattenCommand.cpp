@@ -16,6 +16,9 @@ namespace tool {
 
 namespace {
 
+/// The part of the error that the curves take which stand for circles and arcs.
+constexpr double kArcPart = 1.0 / 64.0;
+
 struct Options {
     Source source;
     std::string error;
@@ -29,17 +32,21 @@ void Run(Options const& options) {
         throw Error("--error", "'" + options.error + "'", "must be above 0");
     }
     CheckWriteOptions(options.write);
-    Drawing drawing = Load(options.source);
+    // The arcs take a small part of the error, and the lines the rest.
+    Drawing drawing = Load(options.source, {ArcAccuracy::By::kDistance, error * kArcPart, ""});
+    auto const flattened = [&](Outline const& outline) {
+        if (options.classic) {
+            return PathOf(ClassicFlatten(outline.path, error));
+        }
+        return PathOf(Flatten(outline.path, error - outline.arcDistance));
+    };
     Progress progress("flattening outlines", drawing.outlines.size());
     std::size_t done = 0;
     if (KeepsDocument(drawing, options.write.output)) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
         for (Outline const* const outline : OnePerElement(drawing)) {
-            CPath const& path = outline->path;
-            if (path.TestContents(CPath::kContainsCurves)) {
-                SetPath(
-                    edit, drawing, *outline,
-                    PathOf(options.classic ? ClassicFlatten(path, error) : Flatten(path, error)));
+            if (outline->path.TestContents(CPath::kContainsCurves)) {
+                SetPath(edit, drawing, *outline, flattened(*outline));
             }
             progress.Update(++done);
         }
@@ -47,8 +54,7 @@ void Run(Options const& options) {
         return;
     }
     for (Outline& outline : drawing.outlines) {
-        outline.path = PathOf(options.classic ? ClassicFlatten(outline.path, error)
-                                              : Flatten(outline.path, error));
+        outline.path = flattened(outline);
         progress.Update(++done);
     }
     WriteFile(options.write.output, NewFile(LinePicture(drawing.page, drawing.outlines),

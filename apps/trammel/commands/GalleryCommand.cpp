@@ -93,7 +93,7 @@ private:
 
 /// Returns the drawing without the outlines that have no length.
 Drawing LoadDrawing(std::string const& file) {
-    Drawing drawing = ReadDrawing(file);
+    Drawing drawing = ReadDrawing(file, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     auto const hasNoLength = [](Outline const& outline) {
         double const length = outline.path.Length();
         return !(length > 0.0 && std::isfinite(length));

@@ -70,7 +70,7 @@ void Run(Options const& options) {
         throw Error("--spacing", "'" + options.spacing + "'", "must be above 0");
     }
     CheckWriteOptions(options.write);
-    Drawing const drawing = Load(options.source);
+    Drawing const drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     std::vector<Outline> lines; // one for each outline
     Progress progress("hatching outlines", drawing.outlines.size());
     for (Outline const& outline : drawing.outlines) {

@@ -21,7 +21,7 @@ namespace {
 
 struct Options {
     Sources sources;
-    bool classic = false;
+    FigureOptions figures;
     std::vector<std::string> at;
     std::string tolerance = "0";
     std::string rule;
@@ -42,7 +42,7 @@ Hit HitOf(Outline const& outline, trammel::OutlineMeasure const& measure, TPoint
     hit.winding = trammel::WindingNumber(outline.path, p);
     hit.inside = trammel::IsInside(hit.winding, outline.rule);
     hit.distance = measure.Distance(p);
-    hit.error = FigureAccuracy(outline.path, p);
+    hit.error = FigureAccuracy(outline, p);
     hit.near = hit.distance <= tolerance + hit.error;
     return hit;
 }
@@ -54,15 +54,15 @@ Hit ClassicHit(Outline const& outline, TPoint<double> const& p, double tolerance
     return hit;
 }
 
-Json JsonOf(Outline const& outline, Hit const& hit, bool classic) {
+Json JsonOf(Outline const& outline, Hit const& hit, FigureOptions const& options) {
     Json json;
     json["id"] = outline.id;
     json["inside"] = hit.inside;
     json["onOutline"] = hit.near;
-    if (!classic) {
+    if (!options.classic) {
         json["winding"] = hit.winding;
         json["rule"] = NameOf(outline.rule);
-        Figures const figures(hit.error, FigureOptions());
+        Figures const figures(hit.error, options);
         json["distance"] = figures.Of(hit.distance);
         figures.AddAccuracy(json);
     }
@@ -86,12 +86,12 @@ FileResult HitsIn(Options const& options, std::vector<TPoint<double>> const& poi
         Json hits = Json::array();
         for (std::size_t i = 0; i < drawing.outlines.size(); ++i) {
             Outline const& outline = drawing.outlines[i];
-            Hit const hit = options.classic ? ClassicHit(outline, p, tolerance)
-                                            : HitOf(outline, measures[i], p, tolerance);
+            Hit const hit = options.figures.classic ? ClassicHit(outline, p, tolerance)
+                                                    : HitOf(outline, measures[i], p, tolerance);
             if (!hit.inside && !hit.near) {
                 continue;
             }
-            hits.push_back(JsonOf(outline, hit, options.classic));
+            hits.push_back(JsonOf(outline, hit, options.figures));
             result.text += place + OneLine(outline.id) + (hit.inside ? " inside" : "") +
                            (hit.inside && hit.near ? "," : "") +
                            (hit.near ? " on the outline" : "") + "\n";
@@ -104,9 +104,7 @@ FileResult HitsIn(Options const& options, std::vector<TPoint<double>> const& poi
         json["hits"] = std::move(hits);
         results.push_back(std::move(json));
     }
-    FigureOptions figures;
-    figures.classic = options.classic;
-    result.json = FileJson(drawing, options.sources, figures);
+    result.json = FileJson(drawing, options.sources, options.figures);
     result.json["tolerance"] = tolerance;
     result.json["points"] = std::move(results);
     return result;
@@ -123,11 +121,11 @@ void Run(Options const& options) {
     }
     if (!options.rule.empty()) {
         RuleOf(options.rule);
-        if (options.classic) {
+        if (options.figures.classic) {
             throw Error("--rule", "", "classic hits are by the even-odd rule");
         }
     }
-    ForEachFile(options.sources,
+    ForEachFile(options.sources, options.figures.Arcs(),
                 [&](Drawing& drawing) { return HitsIn(options, points, tolerance, drawing); });
 }
 
@@ -146,7 +144,8 @@ void AddHit(CLI::App& app) {
                      "How far from an outline still counts as on it (default 0)")
         ->type_name("D");
     AddRule(*command, options->rule);
-    command->add_flag("--classic", options->classic,
+    AddAccuracy(*command, options->figures);
+    command->add_flag("--classic", options->figures.classic,
                       "The approximate answers of TPolygon::Contains and CBezier::HitTest, by the "
                       "even-odd rule");
     command->footer("Every subpath counts as closed. Curves are taken as they are: only a point "

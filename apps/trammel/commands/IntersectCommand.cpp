@@ -63,8 +63,7 @@ void Add(Report& report, Options const& options, Outline const& a, Outline const
     std::vector<trammel::Intersection> found;
     double const kept = self ? trammel::AppendSelfIntersections(a.path, asked, found)
                              : trammel::AppendIntersections(a.path, b.path, asked, found);
-    Figures const figures(std::max({kept, FigureAccuracy(a.path), FigureAccuracy(b.path)}),
-                          options.figures);
+    Figures const figures(std::max({kept, FigureAccuracy(a), FigureAccuracy(b)}), options.figures);
     for (trammel::Intersection const& place : found) {
         TPoint<double> const point = figures.Of(place.point);
         TPoint<double> const end = figures.Of(place.endPoint);
@@ -85,8 +84,8 @@ void Add(Report& report, Options const& options, Outline const& a, Outline const
 }
 
 void Run(Options const& options) {
-    options.figures.Accuracy(); // before a file is read
-    Drawing const a = Load(options.a);
+    ArcAccuracy const arcs = options.figures.Arcs(); // before a file is read
+    Drawing const a = Load(options.a, arcs);
     Report report;
     Json json;
     json["a"] = a.file;
@@ -94,7 +93,7 @@ void Run(Options const& options) {
         if (options.itself) {
             throw Error("--self", "", "is for one drawing");
         }
-        Drawing const b = Load(options.b);
+        Drawing const b = Load(options.b, arcs);
         json["b"] = b.file;
         for (Outline const& first : a.outlines) {
             for (Outline const& second : b.outlines) {

@@ -173,12 +173,14 @@ void AddSources(CLI::App& command, Sources& sources) {
     sources.command = command.get_name();
 }
 
-void ForEachFile(Sources const& sources, std::function<FileResult(Drawing&)> const& work,
+void ForEachFile(Sources const& sources, ArcAccuracy arcs,
+                 std::function<FileResult(Drawing&)> const& work,
                  std::function<Closing()> const& closing) {
     if (sources.files.empty() && sources.filesFrom.empty()) {
         throw Error(sources.command, "",
                     "FILE is required (see trammel " + sources.command + " --help)");
     }
+    arcs.unit = sources.unit;
     Names names(sources);
     Report report(sources, sources.Several() || closing);
     Progress progress("reading files", sources.files.size());
@@ -186,7 +188,7 @@ void ForEachFile(Sources const& sources, std::function<FileResult(Drawing&)> con
     while (std::optional<std::string> const name = names.Next()) {
         FileResult result;
         try {
-            Drawing drawing = ReadDrawing(*name);
+            Drawing drawing = ReadDrawing(*name, arcs);
             KeepOnly(drawing, sources.ids);
             if (!sources.unit.empty()) {
                 ToPaperUnit(drawing, sources.unit);
@@ -226,6 +228,11 @@ double FigureOptions::Accuracy() const {
     return std::pow(10.0, std::floor(std::log10(asked)));
 }
 
+ArcAccuracy FigureOptions::Arcs(ArcAccuracy::By by) const {
+    double const most = Accuracy();
+    return {most > 0.0 ? by : ArcAccuracy::By::kDigits, most, ""};
+}
+
 void AddAccuracy(CLI::App& command, FigureOptions& options) {
     command
         .add_option("--accuracy", options.accuracy,
@@ -250,11 +257,11 @@ Json FileJson(Drawing const& drawing, Sources const& sources, FigureOptions cons
     return json;
 }
 
-Figures::Figures(CPath const& path, FigureOptions const& options)
-    : Figures(FigureAccuracy(path), options) {}
+Figures::Figures(Outline const& outline, FigureOptions const& options)
+    : Figures(FigureAccuracy(outline), options) {}
 
-Figures::Figures(CPath const& path, FigureOptions const& options, TPoint<double> const& p)
-    : Figures(FigureAccuracy(path, p), options) {}
+Figures::Figures(Outline const& outline, FigureOptions const& options, TPoint<double> const& p)
+    : Figures(FigureAccuracy(outline, p), options) {}
 
 Figures::Figures(double error, FigureOptions const& options)
     : mAccuracy(options.classic ? 0.0 : std::max(DigitAccuracy(error), options.Accuracy())) {}

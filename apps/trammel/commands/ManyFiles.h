@@ -61,9 +61,11 @@ public:
 /// what `work` finds in each. An Error of one file is told, and at the end of the run comes
 /// ToldErrors.
 ///
+/// `arcs` is how near curves must be to arcs, in the unit asked for.
 /// If there is a `closing`, JSON is always the object of several files, and what `closing` returns
 /// is printed at the end. Nothing is printed if a single file cannot be read.
-void ForEachFile(Sources const& sources, std::function<FileResult(Drawing&)> const& work,
+void ForEachFile(Sources const& sources, ArcAccuracy arcs,
+                 std::function<FileResult(Drawing&)> const& work,
                  std::function<Closing()> const& closing = nullptr);
 
 /// How exact figures are.
@@ -74,6 +76,9 @@ struct FigureOptions {
     /// Returns the accuracy asked for, or the next lower power of ten; 0 for the finest that there
     /// is. Throws Error.
     double Accuracy() const;
+    /// Returns how near curves must be to the arcs that they stand for.
+    /// \param by  what a given accuracy is of
+    ArcAccuracy Arcs(ArcAccuracy::By by = ArcAccuracy::By::kFigures) const;
 };
 
 /// What the help says of figures.
@@ -93,9 +98,9 @@ Json FileJson(Drawing const& drawing, Sources const& sources, FigureOptions cons
 class Figures {
 public:
     /// Figures of the outline. Classic figures are not rounded.
-    Figures(CPath const& path, FigureOptions const& options);
+    Figures(Outline const& outline, FigureOptions const& options);
     /// Figures of the outline and a point.
-    Figures(CPath const& path, FigureOptions const& options, TPoint<double> const& p);
+    Figures(Outline const& outline, FigureOptions const& options, TPoint<double> const& p);
 
     /// Figures that are off by at most `error` before they are rounded.
     Figures(double error, FigureOptions const& options);

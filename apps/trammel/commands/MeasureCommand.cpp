@@ -36,8 +36,9 @@ struct Measures {
     double accuracy; ///< of length and bounds; 0 for classic figures
 };
 
-Measures Measured(CPath const& path, FigureOptions const& options) {
-    Figures const figures(path, options);
+Measures Measured(Outline const& outline, FigureOptions const& options) {
+    CPath const& path = outline.path;
+    Figures const figures(outline, options);
     Measures measures;
     measures.elements = path.mCtls.size();
     measures.subpaths = SplitSubpaths(path).size();
@@ -135,7 +136,7 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
     Progress progress("measuring " + drawing.file, drawing.outlines.size());
     std::size_t done = 0;
     for (Outline const& outline : drawing.outlines) {
-        Measures const measures = Measured(outline.path, options.figures);
+        Measures const measures = Measured(outline, options.figures);
         totals.Add(measures);
         if (options.sources.json) {
             outlines.push_back(JsonOf(outline, measures));
@@ -152,10 +153,9 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
 }
 
 void Run(Options const& options) {
-    options.figures.Accuracy(); // before a file is read
     Totals totals;
     ForEachFile(
-        options.sources,
+        options.sources, options.figures.Arcs(),
         [&](Drawing const& drawing) { return MeasuredFile(options, drawing, totals); },
         [&] {
             Closing closing;

@@ -89,7 +89,7 @@ FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& 
             throw Error(drawing.file, drawing.outlines.front().id, "the outline has no length");
         }
         Outline const& outline = drawing.outlines[found.outline];
-        Figures const figures(outline.path, options.figures, to);
+        Figures const figures(outline, options.figures, to);
         TPoint<double> const point = figures.Of(found.point);
         double const distance = figures.Of(found.distance);
         double const fraction =
@@ -116,8 +116,7 @@ void Run(Options const& options) {
     for (std::string const& text : options.to) {
         points.push_back(PointOf("--to", text));
     }
-    options.figures.Accuracy();
-    ForEachFile(options.sources,
+    ForEachFile(options.sources, options.figures.Arcs(),
                 [&](Drawing const& drawing) { return NearestIn(options, points, drawing); });
 }
 

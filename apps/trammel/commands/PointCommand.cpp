@@ -13,6 +13,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -41,6 +42,19 @@ std::vector<double> Fractions(std::vector<std::string> const& texts) {
 
 /// The rounding of a direction, in radians.
 constexpr double kRounding = 0x1p-44;
+
+/// The most curves of a full turn.
+constexpr double kMostCurves = 414.0;
+
+/// Returns the accuracy of directions, for each unit of curvature.
+///
+/// The direction turns by the curvature for each unit of length. A curve that stands for an arc
+/// also weaves around its direction. Its distance from the arc grows and falls within a part of its
+/// sweep, so of n curves in a full turn each weaves by 1.2 n times the distance at most.
+double DirectionAccuracy(Outline const& outline) {
+    double const curves = std::min(kMostCurves, static_cast<double>(outline.path.mCtls.size()));
+    return FigureAccuracy(outline) + 1.2 * curves * outline.arcDistance;
+}
 
 /// A place on an outline.
 struct Found {
@@ -80,16 +94,15 @@ FileResult PointsIn(Options const& options, std::vector<double> const& fractions
     Json outlines = Json::array();
     for (Outline const& outline : drawing.outlines) {
         LengthToDivide(drawing, outline);
-        Figures const figures(outline.path, options.figures);
+        Figures const figures(outline, options.figures);
         double length = 0.0;
         std::vector<Found> const places =
             PlacesOf(outline.path, fractions, options.figures.classic, length);
         Json points = Json::array();
         for (std::size_t i = 0; i < places.size(); ++i) {
             TPoint<double> const point = figures.Of(places[i].point);
-            // The direction turns by the curvature for each unit of length.
             double const turn =
-                FigureAccuracy(outline.path) * std::abs(places[i].curvature) + kRounding;
+                DirectionAccuracy(outline) * std::abs(places[i].curvature) + kRounding;
             double const error = options.figures.classic ? 0.0 : turn;
             double const accuracy = DigitAccuracy(error);
             TPoint<double> const direction(RoundedTo(places[i].direction.h, accuracy),
@@ -121,8 +134,7 @@ FileResult PointsIn(Options const& options, std::vector<double> const& fractions
 
 void Run(Options const& options) {
     std::vector<double> const fractions = Fractions(options.at);
-    options.figures.Accuracy();
-    ForEachFile(options.sources,
+    ForEachFile(options.sources, options.figures.Arcs(),
                 [&](Drawing const& drawing) { return PointsIn(options, fractions, drawing); });
 }
 

@@ -225,7 +225,7 @@ void Run(Options const& options) {
     if (rotate) {
         NumberOf("--rotate-bounds", options.angle); // before a file is read
     }
-    Drawing const drawing = Load(options.source);
+    Drawing const drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     Report report;
     {
         Progress progress("reading outlines", drawing.outlines.size());

@@ -83,7 +83,7 @@ void Run(Options const& options) {
     }
     CheckWriteOptions(options.write);
     Font font(options.font);
-    Drawing const drawing = Load(options.along);
+    Drawing const drawing = Load(options.along, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     Outline const& along = drawing.outlines.front();
     double const length = LengthToDivide(drawing, along);
     if (!(start < length)) {

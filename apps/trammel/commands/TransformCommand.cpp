@@ -20,6 +20,10 @@ namespace tool {
 
 namespace {
 
+/// The bounds that --map takes are right to eight digits. No curves are written, unless new
+/// coordinates are asked for.
+ArcAccuracy const kDigits{ArcAccuracy::By::kDigits, 0.0, ""};
+
 /// One transform option with its value.
 struct Step {
     std::string option;
@@ -114,7 +118,7 @@ void MoveElements(SvgEdit& edit, Drawing const& drawing, bool whole, CMatrix3x3 
 void Run(CLI::App const& command, Options const& options) {
     std::vector<Step> const steps = StepsOf(command);
     CheckWriteOptions(options.write);
-    Drawing drawing = Load(options.source);
+    Drawing drawing = Load(options.source, options.coordinates ? ArcsOf(options.write) : kDigits);
     CMatrix3x3 whole;
     for (Step const& step : steps) {
         CMatrix3x3 const m = MatrixOf(step, drawing);
@@ -169,6 +173,7 @@ void AddTransform(CLI::App& app) {
                       "Write new coordinates of the outlines instead of transforms; the widths of "
                       "strokes stay");
     AddWriteOptions(*command, options->write);
+    AddCurveAccuracy(*command, options->write);
     command->footer(
         "An SVG drawing is kept: its elements get transforms, so that all that it shows "
         "moves, words and\nimages too; with --id only the elements of these outlines. "

@@ -75,6 +75,7 @@ void AddWriteOptions(CLI::App& command, WriteOptions& options, bool required) {
 
 void CheckWriteOptions(WriteOptions const& options) {
     DigitsOf(options);
+    Positive("--accuracy", options.accuracy);
     Positive("--stroke-width", options.strokeWidth);
     bool const png = IsPngName(options.output);
     std::pair<char const*, std::string const*> const sizes[] = {
@@ -110,6 +111,19 @@ std::optional<int> DigitsOf(WriteOptions const& options) {
                     "must be a whole number from 0 to 15");
     }
     return static_cast<int>(digits);
+}
+
+void AddCurveAccuracy(CLI::App& command, WriteOptions& options) {
+    command
+        .add_option("--accuracy", options.accuracy,
+                    "How far curves may be from the circles and arcs that they stand for (default: "
+                    "4e-6 of the radius)")
+        ->type_name("A");
+}
+
+ArcAccuracy ArcsOf(WriteOptions const& options) {
+    double const most = Positive("--accuracy", options.accuracy);
+    return {most > 0.0 ? ArcAccuracy::By::kDistance : ArcAccuracy::By::kPicture, most, ""};
 }
 
 double LineWidth(WriteOptions const& options, Page const& page) {

@@ -29,6 +29,7 @@ struct WriteOptions {
     std::string height;
     std::string scale;
     std::string background;
+    std::string accuracy;
 };
 
 /// Adds -o and the options of precision, line width, PNG size and background.
@@ -43,6 +44,11 @@ bool KeepsDocument(Drawing const& drawing, std::string const& file);
 
 /// Returns the decimals that --precision asks for.
 std::optional<int> DigitsOf(WriteOptions const& options);
+
+/// Adds --accuracy, for a command that writes curves.
+void AddCurveAccuracy(CLI::App& command, WriteOptions& options);
+/// Returns how near written curves must be to the circles and arcs that they stand for.
+ArcAccuracy ArcsOf(WriteOptions const& options);
 
 /// Returns the width of lines that the command adds, in the drawing's coordinates: --stroke-width,
 /// or a width that suits the page.
