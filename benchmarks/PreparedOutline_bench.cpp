@@ -10,9 +10,9 @@
 //     trammel-prepared           PreparedOutline
 //     trammel-prepared polygon   PreparedPolygon of the vertices alone
 //
-// The curves are smooth at the vertices. Shapes: an outline with ripples, a ragged star, an upright
-// comb. The program checks first that the prepared outline counts as many points inside as the
-// unprepared one.
+// The curves are smooth at the vertices. Shapes: an outline with ripples, a ragged star, combs
+// upright and leaning, a spiral, a tangle of curves as large as the outline. The program checks
+// first that the prepared outline counts as many points inside as the unprepared one.
 //
 // Run by hand: trammel_bench --benchmark_filter=compare/outline_
 
@@ -48,14 +48,32 @@ Points Ripples(std::size_t count) {
     return vertices;
 }
 
-Points Comb(std::size_t count) {
+/// Teeth as high as the outline; each tip off its foot by `lean`.
+Points Comb(std::size_t count, double lean) {
     Points vertices;
     for (std::size_t i = 0; i < count; ++i) {
-        vertices.emplace_back(1000.0 * static_cast<double>(i) / static_cast<double>(count),
-                              i % 2 == 0 ? 0.0 : 1000.0);
+        double const foot = (1000.0 - lean) * static_cast<double>(i) / static_cast<double>(count);
+        vertices.emplace_back(i % 2 == 0 ? foot : foot + lean, i % 2 == 0 ? 0.0 : 1000.0);
     }
     return vertices;
 }
+Points UprightComb(std::size_t count) { return Comb(count, 0.0); }
+Points LeaningComb(std::size_t count) { return Comb(count, 500.0); }
+
+/// Twenty turns out, and back along them.
+Points Spiral(std::size_t count) {
+    Points vertices;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::size_t const step = i < count / 2 ? i : count - 1 - i;
+        double const part = 2.0 * static_cast<double>(step) / static_cast<double>(count);
+        double const radius = 10.0 + 450.0 * part + (i < count / 2 ? 0.0 : 10.0);
+        double const turn = 40.0 * pi * part;
+        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
+    }
+    return vertices;
+}
+
+Points Tangle(std::size_t count) { return inputs::Points(count, 1000.0); }
 
 /// The closed outline of curves through these vertices, each in the direction from the vertex
 /// before to the one behind.
@@ -77,7 +95,9 @@ struct Shape {
     Points (*vertices)(std::size_t count);
 };
 
-constexpr Shape kShapes[] = {{"ripples", Ripples}, {"star", inputs::Star}, {"comb", Comb}};
+constexpr Shape kShapes[] = {{"ripples", Ripples},  {"star", inputs::Star},
+                             {"comb", UprightComb}, {"leaning_comb", LeaningComb},
+                             {"spiral", Spiral},    {"tangle", Tangle}};
 
 /// A job of asking for points, with the number of those inside that WindingNumber counts.
 template <class Ask>

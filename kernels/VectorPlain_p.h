@@ -43,7 +43,6 @@ template <class RawMask> [[gnu::always_inline]] inline unsigned RawBits(RawMask 
     return bits;
 }
 
-/// Returns lanes 2 and 3.
 #if defined(__AVX2__)
 
 /// Returns the pair in lanes 0 and 1, and again in lanes 2 and 3.
@@ -53,6 +52,7 @@ template <class RawMask> [[gnu::always_inline]] inline unsigned RawBits(RawMask 
 
 #endif
 
+/// Returns lanes 2 and 3.
 [[gnu::always_inline]] inline RawDouble2 RawHigh(RawDouble4 const& a) {
     return RawDouble2{a[2], a[3]};
 }
@@ -64,6 +64,15 @@ template <class RawMask> [[gnu::always_inline]] inline unsigned RawBits(RawMask 
         bits |= RawBits(masks[i]) << 2 * i;
     }
     return bits;
+}
+
+/// Returns the upper half of each product: the product over 2^16, rounded down.
+[[gnu::always_inline]] inline RawShort8 RawMultiplyHigh(RawShort8 const& a, RawShort8 const& b) {
+    RawShort8 products = a;
+    for (unsigned i = 0; i < 8; ++i) {
+        products[i] = static_cast<std::int16_t>(std::int32_t{a[i]} * std::int32_t{b[i]} >> 16);
+    }
+    return products;
 }
 
 /// Returns a number whose bits 0 to 7 are the lanes of `low`, and bits 8 to 15 those of `high`.

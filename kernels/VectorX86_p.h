@@ -46,6 +46,10 @@ namespace trammel_detail {
     return static_cast<unsigned>(_mm_movemask_epi8(bytes));
 }
 
+[[gnu::always_inline]] inline RawShort8 RawMultiplyHigh(RawShort8 const& a, RawShort8 const& b) {
+    return (RawShort8)_mm_mulhi_epi16((__m128i)a, (__m128i)b);
+}
+
 [[gnu::always_inline]] inline unsigned RawBitsOfTwo(RawShort8 const& low, RawShort8 const& high) {
     return static_cast<unsigned>(_mm_movemask_epi8(_mm_packs_epi16((__m128i)low, (__m128i)high)));
 }

@@ -392,6 +392,10 @@ struct Short8 {
     }
     [[gnu::always_inline]] inline std::int16_t operator[](int lane) const { return raw[lane]; }
 
+    /// The caller sees to it that no sum overflows.
+    [[gnu::always_inline]] inline friend Short8 operator+(Short8 const& a, Short8 const& b) {
+        return Short8(a.raw + b.raw);
+    }
     [[gnu::always_inline]] inline friend Short8 operator>(Short8 const& a, Short8 const& b) {
         return Short8((RawShort8)(a.raw > b.raw));
     }
@@ -411,6 +415,10 @@ struct Short8 {
 
 template <int kLane> [[gnu::always_inline]] inline std::int16_t Lane(Short8 const& a) {
     return a.raw[kLane];
+}
+/// Returns the upper half of each product: the product over 2^16, rounded down.
+[[gnu::always_inline]] inline Short8 MultiplyHigh(Short8 const& a, Short8 const& b) {
+    return Short8(RawMultiplyHigh(a.raw, b.raw));
 }
 /// Returns a number whose bits 0 to 7 are the lanes of `low`, and bits 8 to 15 those of `high`.
 /// Both are outcomes of comparisons.

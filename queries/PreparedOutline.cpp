@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-// The tree. A node has up to eight children, which are segments or nodes. The children of most
+// The tree serves where few boxes hold a point. Where segments run to and fro past each other many
+// do, and a grid takes its place (WindingGrid_p.h).
+//
+// A node of the tree has up to eight children, which are segments or nodes. The children of most
 // nodes are a chain: each begins where the one before ends. A chain has a box, and a height where
 // it begins and one where it ends. A contour is a closed chain, and its tree has one root. The
 // roots of all contours are children again, in nodes that hold whole contours.
@@ -20,6 +23,7 @@
 #include "PointMath_p.h"
 #include "RayCrossings_p.h"
 #include "Vector_p.h"
+#include "WindingGrid_p.h"
 
 #include <algorithm>
 #include <array>
@@ -34,14 +38,13 @@ namespace {
 
 using trammel_detail::BitsOfTwo;
 using trammel_detail::CoordinatesAt;
+using trammel_detail::CountOfBits;
 using trammel_detail::Double2;
 using trammel_detail::Lane;
-using trammel_detail::PlainCrossings;
+using trammel_detail::OutlineSegment;
 using trammel_detail::PointAt;
 using trammel_detail::Short8;
-using trammel_detail::Side;
-using trammel_detail::SideOf;
-using trammel_detail::Surrounds;
+using trammel_detail::WindingGrid;
 
 typedef TPoint<double> Pt;
 typedef std::uint32_t Id; ///< of a node, a point or a segment
@@ -55,15 +58,9 @@ constexpr Step kMostStep = std::numeric_limits<Step>::max() - 1;
 constexpr Step kNoStep = -2;
 /// The children of a node.
 constexpr std::size_t kFanOut = 8;
-
-/// The number of bits that are set in a byte.
-constexpr std::array<std::int8_t, 256> kBitCounts = [] {
-    std::array<std::int8_t, 256> counts{};
-    for (std::size_t i = 1; i < counts.size(); ++i) {
-        counts[i] = static_cast<std::int8_t>(counts[i / 2] + static_cast<int>(i % 2));
-    }
-    return counts;
-}();
+/// Where more boxes than these hold a point on average, a grid answers faster than the tree. Each
+/// takes some 10 ns to look into. A query of the grid takes some 30 ns.
+constexpr double kMostBoxes = 6.0;
 
 /// A point of the lattice.
 struct Place {
@@ -73,6 +70,8 @@ struct Place {
 
 /// A monotone mapping of each coordinate to the lattice.
 struct Lattice {
+    static constexpr double kPlaces = 0x1p50; ///< in each direction
+
     Double2 half = 1.0; ///< 1/2 where the extent overflows, else 1
     Double2 origin = 0.0;
     Double2 scale = 0.0;
@@ -80,7 +79,6 @@ struct Lattice {
     Lattice() = default;
     /// Of the points between two corners, which are finite.
     Lattice(Double2 const& lo, Double2 const& hi) {
-        constexpr double kPlaces = 0x1p50;
         Double2 const extent = hi - lo;
         half = Select(extent < kInfinity, Double2(1.0), Double2(0.5));
         origin = lo * half;
@@ -177,8 +175,17 @@ struct Node {
             (Short8::Load(left) > h) & (startsBeyond | (v > starts)) & (endsBeyond | (v > ends));
         Short8 const plain = ahead | (tops > v) | (v > bottoms) | (h > Short8::Load(right));
         unsigned const crossed = BitsOfTwo(ahead & endsBeyond, ahead & startsBeyond);
-        return {kBitCounts[crossed & 0xFFU] - kBitCounts[crossed >> kFanOut],
+        return {CountOfBits(crossed & 0xFFU) - CountOfBits(crossed >> kFanOut),
                 ~BitsOfTwo(plain, plain) & 0xFFU};
+    }
+
+    /// Returns the sum of the areas of the children's boxes, in places of the lattice.
+    double AreaOfChildren() const {
+        double area = 0.0;
+        for (std::size_t i = 0; i < kFanOut; ++i) {
+            area += static_cast<double>((bottom[i] - top[i]) * (right[i] - left[i]));
+        }
+        return std::ldexp(area, shiftV + shiftH);
     }
 
 private:
@@ -314,6 +321,7 @@ struct PreparedOutline::Index {
     Id mRoot = 0;
     std::vector<Pt> mPoints;
     std::vector<Node> mNodes;
+    WindingGrid mGrid; // empty unless the boxes are crowded
 
     /// Returns the index of an outline; null without segments.
     template <class Outline> static std::shared_ptr<Index const> Of(Outline const& outline) {
@@ -362,10 +370,18 @@ struct PreparedOutline::Index {
         for (Id first = 0; chains.size() > 1;) {
             mRoot = first = PlaceNodes(chains, first, kNowhere);
         }
+        if (BoxesAroundPoint() > kMostBoxes) {
+            mGrid = WindingGrid(mPoints, SegmentsOf(contours, collector.isCurve), collector.lo,
+                                collector.hi);
+            if (!mGrid.IsEmpty()) {
+                mNodes = {};
+            }
+        }
     }
 
     std::size_t Size() const {
-        return sizeof(*this) + mPoints.capacity() * sizeof(Pt) + mNodes.capacity() * sizeof(Node);
+        return sizeof(*this) + mPoints.capacity() * sizeof(Pt) + mNodes.capacity() * sizeof(Node) +
+               mGrid.Bytes();
     }
 
     int WindingNumber(Pt const& p) const {
@@ -373,8 +389,10 @@ struct PreparedOutline::Index {
         if (!(p.v >= mTop && p.v < mBottom && p.h >= mLeft && p.h < mRight)) {
             return 0;
         }
-        Double2 const origin = CoordinatesAt(&p);
-        Place const place = mLattice(origin);
+        if (!mGrid.IsEmpty()) {
+            return mGrid.WindingNumber(mPoints.data(), p);
+        }
+        Place const place = mLattice(CoordinatesAt(&p));
         // Each node that is taken from the stack puts up to eight on it, all of the level below.
         std::array<Id, kMostLevels*(kFanOut - 1) + 1> stack;
         std::size_t waiting = 0;
@@ -389,7 +407,7 @@ struct PreparedOutline::Index {
                 if (node.isLeaf == 0) {
                     stack[waiting++] = node.first + child;
                 } else {
-                    crossings += SegmentCrossings(node, child, p, origin);
+                    crossings += SegmentCrossings(node, child, p);
                 }
             }
         }
@@ -397,6 +415,29 @@ struct PreparedOutline::Index {
     }
 
 private:
+    /// Returns how many boxes of the tree hold a point on average over the outline's box.
+    double BoxesAroundPoint() const {
+        double area = 0.0;
+        for (Node const& node : mNodes) {
+            area += node.AreaOfChildren();
+        }
+        return area / (Lattice::kPlaces * Lattice::kPlaces);
+    }
+
+    static std::vector<OutlineSegment> SegmentsOf(std::vector<Contour> const& contours,
+                                                  std::vector<bool> const& isCurve) {
+        std::vector<OutlineSegment> segments;
+        for (Contour const& contour : contours) {
+            Id point = contour.point;
+            for (Id i = 0; i < contour.segments; ++i) {
+                bool const curve = isCurve[contour.segment + i];
+                segments.push_back({point, curve});
+                point += curve ? 3 : 1;
+            }
+        }
+        return segments;
+    }
+
     static constexpr Id kNowhere = std::numeric_limits<Id>::max();
     /// Levels of a tree over 2^31 segments, and as many over as many contours.
     static constexpr std::size_t kMostLevels = 22;
@@ -465,42 +506,11 @@ private:
         return firstNode;
     }
 
-    int SegmentCrossings(Node const& leaf, Id segment, Pt const& p, Double2 const& origin) const {
+    int SegmentCrossings(Node const& leaf, Id segment, Pt const& p) const {
         unsigned const before = leaf.curves & ((1U << segment) - 1);
-        Pt const* const a =
-            &mPoints[leaf.first + segment + 2 * static_cast<unsigned>(kBitCounts[before])];
-        Double2 const p0 = CoordinatesAt(a) - origin;
-        Double2 const p1 = CoordinatesAt(a + 1) - origin;
-        int crossings = 0;
-        if ((leaf.curves >> segment & 1U) == 0) {
-            return trammel_detail::LineTells(p0, p1, crossings) ? crossings : LineCrossings(a, p);
-        }
-        return trammel_detail::ChordTells(p0, p1, CoordinatesAt(a + 2) - origin,
-                                          CoordinatesAt(a + 3) - origin, crossings)
-                   ? crossings
-                   : CurveCrossings(a, p);
-    }
-
-    // The next two do what WindingNumber does for each segment.
-
-    [[gnu::noinline]] static int LineCrossings(Pt const* a, Pt const& p) {
-        Double2 const origin = CoordinatesAt(&p);
-        Side const start = SideOf(CoordinatesAt(a), origin);
-        Side const end = SideOf(CoordinatesAt(a + 1), origin);
-        Side const all = start & end;
-        return Surrounds(all, start | end) ? trammel_detail::CrossingsOfLineAround(a[0], a[1], p)
-                                           : PlainCrossings(all, start, end);
-    }
-    [[gnu::noinline]] static int CurveCrossings(Pt const* a, Pt const& p) {
-        Double2 const origin = CoordinatesAt(&p);
-        Side const start = SideOf(CoordinatesAt(a), origin);
-        Side const second = SideOf(CoordinatesAt(a + 1), origin);
-        Side const third = SideOf(CoordinatesAt(a + 2), origin);
-        Side const end = SideOf(CoordinatesAt(a + 3), origin);
-        Side const all = start & second & third & end;
-        return Surrounds(all, start | second | third | end)
-                   ? trammel_detail::CrossingsOfCurveAround(a[0], a[1], a[2], a[3], p)
-                   : PlainCrossings(all, start, end);
+        return trammel_detail::CrossingsOfSegment(
+            &mPoints[leaf.first + segment + 2 * static_cast<unsigned>(CountOfBits(before))],
+            (leaf.curves >> segment & 1U) != 0, p);
     }
 };
 

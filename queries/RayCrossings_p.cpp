@@ -149,4 +149,25 @@ int CrossingsOfCurveAround(TPoint<double> const& p0, TPoint<double> const& p1,
     return std::isfinite(size) ? CrossingsOfHalves(lanes, size * kSmallestPart, 1) : 0;
 }
 
+int CrossingsOfLine(TPoint<double> const* a, TPoint<double> const& origin) {
+    Double2 const p = CoordinatesAt(&origin);
+    Side const start = SideOf(CoordinatesAt(a), p);
+    Side const end = SideOf(CoordinatesAt(a + 1), p);
+    Side const all = start & end;
+    return Surrounds(all, start | end) ? CrossingsOfLineAround(a[0], a[1], origin)
+                                       : PlainCrossings(all, start, end);
+}
+
+int CrossingsOfCurve(TPoint<double> const* a, TPoint<double> const& origin) {
+    Double2 const p = CoordinatesAt(&origin);
+    Side const start = SideOf(CoordinatesAt(a), p);
+    Side const second = SideOf(CoordinatesAt(a + 1), p);
+    Side const third = SideOf(CoordinatesAt(a + 2), p);
+    Side const end = SideOf(CoordinatesAt(a + 3), p);
+    Side const all = start & second & third & end;
+    return Surrounds(all, start | second | third | end)
+               ? CrossingsOfCurveAround(a[0], a[1], a[2], a[3], origin)
+               : PlainCrossings(all, start, end);
+}
+
 } // namespace trammel_detail

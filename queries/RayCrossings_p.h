@@ -17,6 +17,10 @@
 #include "TPoint.h"
 #include "Vector_p.h"
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
 namespace trammel_detail {
 
 /// Where a point lies as seen from the origin: kBeyond where its v is greater, and kAhead where its
@@ -94,6 +98,37 @@ int CrossingsOfLineAround(TPoint<double> const& a, TPoint<double> const& b,
 int CrossingsOfCurveAround(TPoint<double> const& p0, TPoint<double> const& p1,
                            TPoint<double> const& p2, TPoint<double> const& p3,
                            TPoint<double> const& origin);
+
+/// Returns the crossings of a line whose ends are at `a`, as WindingNumber counts them.
+int CrossingsOfLine(TPoint<double> const* a, TPoint<double> const& origin);
+/// Returns the crossings of a cubic whose control points are at `a`, as WindingNumber counts them.
+int CrossingsOfCurve(TPoint<double> const* a, TPoint<double> const& origin);
+
+/// The same for a line or a cubic.
+inline int CrossingsOfSegment(TPoint<double> const* a, bool isCurve, TPoint<double> const& origin) {
+    Double2 const p = CoordinatesAt(&origin);
+    Double2 const p0 = CoordinatesAt(a) - p;
+    Double2 const p1 = CoordinatesAt(a + 1) - p;
+    int crossings = 0;
+    if (!isCurve) {
+        return LineTells(p0, p1, crossings) ? crossings : CrossingsOfLine(a, origin);
+    }
+    return ChordTells(p0, p1, CoordinatesAt(a + 2) - p, CoordinatesAt(a + 3) - p, crossings)
+               ? crossings
+               : CrossingsOfCurve(a, origin);
+}
+
+/// The number of bits that are set in a byte.
+inline constexpr std::array<std::int8_t, 256> kBitCounts = [] {
+    std::array<std::int8_t, 256> counts{};
+    for (std::size_t i = 1; i < counts.size(); ++i) {
+        counts[i] = static_cast<std::int8_t>(counts[i / 2] + static_cast<int>(i % 2));
+    }
+    return counts;
+}();
+
+/// Returns how many of the lowest eight bits are set. The others are 0.
+inline int CountOfBits(unsigned bits) { return kBitCounts[bits]; }
 
 } // namespace trammel_detail
 

@@ -291,6 +291,22 @@ TEST(Short8, ComparesAndOrdersEachLane) {
     }
 }
 
+TEST(Short8, AddsAndMultipliesEachLane) {
+    std::int16_t const values[] = {0, 1, -1, 3, 16384, -16384, 255, -255};
+    std::int16_t const factors[] = {32767, -32768, 32767, -32767, 4, -4, 256, 257};
+    for (int shift = 0; shift < 8; ++shift) {
+        std::int16_t b[8];
+        for (int i = 0; i < 8; ++i) {
+            b[i] = factors[(i + shift) % 8];
+        }
+        Short8 const sum = Short8::Load(values) + Short8(std::int16_t{-7});
+        Short8 const product = MultiplyHigh(Short8::Load(values), Short8::Load(b));
+        for (int i = 0; i < 8; ++i) {
+            EXPECT_EQ(sum[i], values[i] - 7);
+            EXPECT_EQ(product[i], std::floor(static_cast<double>(values[i]) * b[i] / 65536.0));
+        }
+    }
+}
 TEST(Short8, LoadsTwoIntegersAndZeros) {
     std::int16_t const values[3] = {-5, 7, 9};
     Short8 const two = Short8::LoadTwo(values);

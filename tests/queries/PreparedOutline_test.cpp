@@ -5,6 +5,7 @@
 #include "CBezier.h"
 #include "ShortMemory.h"
 #include "SvgPath.h"
+#include "TestSupport.h"
 #include "Winding.h"
 
 #include <cairo.h>
@@ -18,6 +19,7 @@
 #include <fstream>
 #include <functional>
 #include <limits>
+#include <memory>
 #include <new>
 #include <random>
 #include <string>
@@ -326,6 +328,90 @@ TEST(PreparedOutline, GivesTheWindingNumberOfTheWorstShapes) {
     }
 }
 
+/// Outlines whose segments run to and fro past each other.
+std::vector<Shape> CrowdedShapes() {
+    std::vector<Shape> shapes = WorstShapes();
+    shapes.erase(shapes.begin(), shapes.begin() + 1); // the circle
+    auto const random = std::make_shared<Random>(8);
+    auto const any = [=] { return random->Between(0, 1000); };
+    shapes.push_back({"tangle", [=](std::size_t, std::size_t) { return Pt(any(), any()); }});
+    shapes.push_back({"tangle of few heights", [=](std::size_t, std::size_t) {
+                          return Pt(any(), 125.0 * static_cast<double>(random->Below(9)));
+                      }});
+    shapes.push_back({"tangle of few points", [=](std::size_t, std::size_t) {
+                          return Pt(125.0 * static_cast<double>(random->Below(9)),
+                                    static_cast<double>(random->Below(9)));
+                      }});
+    shapes.push_back({"tangle in a corner", [=](std::size_t i, std::size_t) {
+                          return i % 50 == 0 ? Pt(any(), any()) : Pt(any() / 9, any() / 9);
+                      }});
+    shapes.push_back({"flat tangle", [=](std::size_t, std::size_t) {
+                          return Pt(any() * 0x1p-9, any() * 0x1p40);
+                      }});
+    return shapes;
+}
+
+TEST(PreparedOutline, GivesTheWindingNumberOfCrowdedOutlines) {
+    Random random(9);
+    long inside = 0;
+    for (Shape const& shape : CrowdedShapes()) {
+        for (std::size_t const count : {40U, 500U}) {
+            Points points;
+            for (std::size_t i = 0; i < count; ++i) {
+                points.push_back(shape.vertex(i, count));
+            }
+            for (bool const curves : {false, true}) {
+                CPath const path = Outline(points, curves);
+                PreparedOutline const outline(path);
+                TRect<double> const box = path.Bounds();
+                // Any points, and points on the lines of many grids.
+                auto const between = [&](double low, double high) {
+                    double const part = random.Between(0, 1);
+                    auto const lines = static_cast<double>(1 + random.Below(40));
+                    return low +
+                           (high - low) *
+                               (random.Below(2) == 0 ? part : std::round(part * lines) / lines);
+                };
+                for (int k = 0; k < trammel_test::Rounds(3000); ++k) {
+                    Pt const p =
+                        k % 3 == 0
+                            ? NastyPoint(random, path, [&] { return between(box.top, box.bottom); })
+                            : Pt(between(box.left, box.right), between(box.top, box.bottom));
+                    int const winding = WindingNumber(path, p);
+                    ASSERT_EQ(outline.WindingNumber(p), winding)
+                        << shape.name << " of " << count << " around " << p.h << ", " << p.v;
+                    inside += winding != 0 ? 1 : 0;
+                }
+            }
+        }
+    }
+    EXPECT_GT(inside, trammel_test::Rounds(40000));
+}
+
+TEST(PreparedOutline, GivesTheWindingNumberOfCrowdsNearTheirCurves) {
+    Random random(10);
+    for (Shape const& shape : CrowdedShapes()) {
+        Points points;
+        for (std::size_t i = 0; i < 200; ++i) {
+            points.push_back(shape.vertex(i, 200));
+        }
+        CPath const path = Outline(points, true);
+        PreparedOutline const outline(path);
+        TRect<double> const box = path.Bounds();
+        for (int k = 0; k < trammel_test::Rounds(2000); ++k) {
+            std::size_t const i = 3 * random.Below(200);
+            CBezier const c(path.mPts[i], path.mPts[i + 1], path.mPts[i + 2], path.mPts[i + 3]);
+            // From the curve itself to a part of the outline.
+            double const part = std::scalbn(1.0, -static_cast<int>(random.Below(60)));
+            Pt const p = c.TPt(random.Between(0, 1)) +
+                         Pt((box.right - box.left) * random.Between(-part, part),
+                            (box.bottom - box.top) * random.Between(-part, part));
+            ASSERT_EQ(outline.WindingNumber(p), WindingNumber(path, p))
+                << shape.name << " around " << p.h << ", " << p.v;
+        }
+    }
+}
+
 TEST(PreparedOutline, GivesTheWindingNumberOfManyContoursInAnyOrder) {
     Random random(6);
     CPath path;
@@ -402,19 +488,35 @@ TEST(PreparedOutline, TakesTheStatedMemory) {
         contours.MoveTo(Pt(i, 0)).LineTo(Pt(i, 1)).LineTo(Pt(i + 1, 1)).ClosePath();
     }
     EXPECT_LE(PreparedOutline(contours).MemorySize(), 1000U * (3 * 34 + 170));
+    for (Shape const& shape : CrowdedShapes()) {
+        Points vertices;
+        for (std::size_t i = 0; i < 2000; ++i) {
+            vertices.push_back(shape.vertex(i, 2000));
+        }
+        EXPECT_LE(PreparedOutline(Outline(vertices, true)).MemorySize(), 2000U * (48 + 190))
+            << shape.name;
+        EXPECT_LE(PreparedOutline(Outline(vertices, false)).MemorySize(), 2000U * (16 + 190))
+            << shape.name;
+    }
 }
 
 TEST(PreparedOutline, ThrowsBadAllocWhenMemoryIsShort) {
-    CPath const path = Path("M0 0 C90 10 -40 50 60 80 S10 90 0 0 Z M20 20 H40 V40 Z");
-    for (long allocations = 0;; ++allocations) {
-        trammel_test::ShortMemory const memory(allocations);
-        try {
-            PreparedOutline const outline(path);
-            EXPECT_EQ(outline.WindingNumber(Pt(39, 21)), WindingNumber(path, Pt(39, 21)));
-            EXPECT_GT(allocations, 3);
-            break;
-        } catch (std::bad_alloc const&) {
-            ASSERT_LT(allocations, 100);
+    Points comb;
+    for (int i = 0; i < 60; ++i) {
+        comb.emplace_back(i + i % 2 * 60, i % 2 * 90);
+    }
+    for (CPath const& path :
+         {Path("M0 0 C90 10 -40 50 60 80 S10 90 0 0 Z M20 20 H40 V40 Z"), Outline(comb, true)}) {
+        for (long allocations = 0;; ++allocations) {
+            trammel_test::ShortMemory const memory(allocations);
+            try {
+                PreparedOutline const outline(path);
+                EXPECT_EQ(outline.WindingNumber(Pt(39, 21)), WindingNumber(path, Pt(39, 21)));
+                EXPECT_GT(allocations, 3);
+                break;
+            } catch (std::bad_alloc const&) {
+                ASSERT_LT(allocations, 100);
+            }
         }
     }
 }
