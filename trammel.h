@@ -33,6 +33,7 @@
 #include "PathSegments.h"
 #include "PathStructure.h"
 #include "PointAlgebra.h"
+#include "PolygonArrangement.h"
 #include "PolygonOperations.h"
 #include "PolygonWithHoles.h"
 #include "PreparedOutline.h"

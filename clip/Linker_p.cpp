@@ -3,30 +3,13 @@
 #include "Linker_p.h"
 
 #include "ChainGraph_p.h"
-#include "Predicates_p.h"
 #include "WestRays_p.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <limits>
+#include <utility>
 
 namespace trammel_detail {
 
 namespace {
-
-/// True when a line that does not cross itself runs counterclockwise, which the turn at its lowest
-/// vertex tells.
-bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
-    std::size_t const begin = lines.Begin(line);
-    std::size_t const end = lines.End(line);
-    std::size_t i = begin;
-    for (std::size_t k = begin + 1; k < end; ++k) {
-        i = lines.points[k] < lines.points[i] ? k : i;
-    }
-    std::size_t const before = i == begin ? end - 1 : i - 1;
-    std::size_t const after = i + 1 == end ? begin : i + 1;
-    return SideOf(lines.points[before], lines.points[i], lines.points[after]) > 0;
-}
 
 /// The work of LinkContours().
 class Linker {
@@ -53,7 +36,15 @@ public:
         FindBoundary();
     }
 
-    RegionContours Contours();
+    RegionContours Contours() {
+        ScratchVector<char> open(2 * mChains.size(), 0, mScratch);
+        for (Number i = 0; i < mChains.size(); ++i) {
+            // The half-edge that has the region to the left.
+            HalfEdge const entry = 2 * i + (mRegion[mChains[i].left] ? 0 : 1);
+            open[entry] = mChains[i].bounds ? 1 : 0;
+        }
+        return WalkRings(mGraph, std::move(open), nullptr);
+    }
 
 private:
     void LabelByParity();
@@ -63,21 +54,6 @@ private:
     void LabelConnected(Number first);
     void LabelAlong(Number chain);
     void LabelAround(HalfEdge from);
-    /// Returns the half-edge of a chain that has the region to the left.
-    HalfEdge Entry(Number chain) const {
-        return 2 * chain + (mRegion[mChains[chain].left] ? 0 : 1);
-    }
-    /// Returns the next half-edge of the node, clockwise, that is on the boundary.
-    HalfEdge NextOnBoundary(HalfEdge half) const {
-        do {
-            half = mGraph.nextClockwise[half];
-        } while (!mChains[half / 2].bounds);
-        return half;
-    }
-    /// Appends the vertices of a half-edge from its last one, which is left out, back to its first.
-    GridPoint* AppendBackwards(HalfEdge entry, GridPoint* out) const;
-    /// Appends the origins of the edges to these vertices.
-    void AppendOrigins(HalfEdge entry, ScratchVector<Origin>& origins) const;
 
     WestRays mRays;
     GridLines const& mLines;
@@ -184,109 +160,6 @@ void Linker::FindBoundary() {
         chain.bounds =
             chain.labelled && mRegion[chain.left] != mRegion[chain.left ^ chain.operands];
     }
-}
-
-GridPoint* Linker::AppendBackwards(HalfEdge entry, GridPoint* out) const {
-    Chain const& chain = mChains[entry / 2];
-    std::size_t const begin = mLines.Begin(chain.line);
-    std::size_t const end = mLines.End(chain.line);
-    if (entry % 2 == 0) {
-        std::size_t i = mGraph.VertexOf(chain, chain.count);
-        for (Number k = 0; k < chain.count; ++k) {
-            i = (i == begin ? end : i) - 1;
-            *out++ = mLines.points[i];
-        }
-    } else {
-        std::size_t i = chain.first;
-        for (Number k = 0; k < chain.count; ++k) {
-            i = i + 1 == end ? begin : i + 1;
-            *out++ = mLines.points[i];
-        }
-    }
-    return out;
-}
-
-void Linker::AppendOrigins(HalfEdge entry, ScratchVector<Origin>& origins) const {
-    Chain const& chain = mChains[entry / 2];
-    // A half-edge is followed against its direction, so an even one against its line.
-    Origin const turn = entry % 2 == 0 ? 1 : 0;
-    for (Number k = 0; k < chain.count; ++k) {
-        Number const edge = mGraph.VertexOf(chain, turn != 0 ? chain.count - 1 - k : k);
-        origins.push_back(mLines.origins[edge] ^ turn);
-    }
-    // Equal chains have one edge each.
-    for (HalfEdge equal = mGraph.equals[entry / 2]; equal != kNone;
-         equal = mGraph.equals[equal / 2]) {
-        Number const edge = mChains[equal / 2].first;
-        origins.back() = std::min(origins.back(), mLines.origins[edge] ^ turn ^ (equal % 2));
-    }
-}
-
-RegionContours Linker::Contours() {
-    RegionContours result(mScratch);
-    GridLines& contours = result.contours;
-    // Each edge is part of at most one contour.
-    contours.points.resize(mLines.points.size());
-    GridPoint* out = contours.points.data();
-    bool const hasOrigins = !mLines.origins.empty();
-    ScratchVector<char> done(mChains.size(), 0, mScratch);
-    std::size_t const kNowhere = std::numeric_limits<std::size_t>::max();
-    // The half-edges that the walk took, and where in it each node is.
-    ScratchVector<HalfEdge> walk(mScratch);
-    ScratchVector<std::size_t> place(mGraph.nodeCount, kNowhere, mScratch);
-    // Makes a contour of the last part of the walk, which has come back to the node where that part
-    // begins. The walk has the region to the left, contours have it to the right.
-    auto const finish = [&](std::size_t begin) {
-        for (std::size_t i = walk.size(); i-- > begin;) {
-            out = AppendBackwards(walk[i], out);
-            if (hasOrigins) {
-                AppendOrigins(walk[i], contours.origins);
-            }
-            if (!mChains[walk[i] / 2].closed) {
-                place[mGraph.nodeOf[walk[i]]] = kNowhere;
-            }
-        }
-        walk.resize(begin);
-        if (hasOrigins) {
-            // From the edges to the vertices to the edges that begin there.
-            auto const first = contours.origins.begin() +
-                               static_cast<std::ptrdiff_t>(
-                                   contours.ends.empty() ? std::size_t{0} : contours.ends.back());
-            std::rotate(first, first + 1, contours.origins.end());
-        }
-        contours.ends.push_back(static_cast<std::size_t>(out - contours.points.data()));
-        contours.operands.push_back(0);
-    };
-    for (Number i = 0; i < mChains.size(); ++i) {
-        if (!mChains[i].bounds || done[i] != 0) {
-            continue;
-        }
-        HalfEdge end = Entry(i);
-        if (mChains[i].closed) {
-            walk.push_back(end);
-            finish(0);
-            continue;
-        }
-        // The walk enters a node and leaves it along the next boundary chain clockwise. The region
-        // lies between the two. Chains that enter and chains that leave alternate around a node.
-        do {
-            Number const node = mGraph.nodeOf[end];
-            if (place[node] != kNowhere) {
-                finish(place[node]);
-            }
-            place[node] = walk.size();
-            walk.push_back(end);
-            done[end / 2] = 1;
-            end = NextOnBoundary(Twin(end));
-        } while (done[end / 2] == 0);
-        finish(0);
-    }
-    contours.points.resize(static_cast<std::size_t>(out - contours.points.data()));
-    result.holes.reserve(contours.Count());
-    for (std::size_t i = 0; i < contours.Count(); ++i) {
-        result.holes.push_back(IsCounterclockwise(contours, i) ? 1 : 0);
-    }
-    return result;
 }
 
 } // namespace

@@ -8,23 +8,13 @@
 #include "EdgeTree_p.h"
 #include "Intersections_p.h"
 #include "Lines_p.h"
+#include "RingWalk_p.h"
 #include "Scratch_p.h"
 #include "WindingLabels_p.h"
 
 #include <optional>
 
 namespace trammel_detail {
-
-/// The contours of a region. None visits a vertex twice. Two of them may share single vertices,
-/// where they meet but do not cross. Contours of holes run counterclockwise, the others clockwise
-/// (y up). Edges have origins where regions are told by winding numbers and the lines' edges have
-/// them.
-struct RegionContours {
-    explicit RegionContours(Scratch* scratch = nullptr) : contours(scratch), holes(scratch) {}
-
-    GridLines contours;
-    ScratchVector<char> holes; ///< one a contour: 1 if the region lies outside of it
-};
 
 /// Returns the contours of the region. The arguments come from CutAtCrossings(). Two edges of the
 /// lines have to be equal or have nothing in common but ends. `tree` is a tree over the lines in

@@ -60,9 +60,10 @@ std::vector<std::size_t> OutersOf(RegionContours const& region) {
         if (region.holes[i] == 0) {
             continue;
         }
+        // The region lies to the right, so west of an edge that runs downwards.
         std::size_t edge = contours.Begin(i);
         while (edge + 1 < contours.End(i) &&
-               contours.points[edge].y == contours.points[edge + 1].y) {
+               contours.points[edge].y <= contours.points[edge + 1].y) {
             ++edge;
         }
         crossings.clear();

@@ -13,7 +13,9 @@
 namespace trammel_detail {
 
 /// Returns for each contour of a region the one that it is listed with: for a hole the innermost
-/// other contour around it, and else itself. Exact.
+/// other contour around it that is none, and else itself. Exact.
+///
+/// Contours may also have edges in common where the region, or that of a face, lies on either side.
 ///
 /// Cost: O(n), and a ray for each hole.
 std::vector<std::size_t> OutersOf(RegionContours const& region);
