@@ -26,6 +26,7 @@
 #include "Moments.h"
 #include "Operators.h"
 #include "OutlineMeasure.h"
+#include "OutlineOperations.h"
 #include "PathBuilding.h"
 #include "PathCursor.h"
 #include "PathMeasure.h"

@@ -4,6 +4,7 @@
 
 #include "Boolean_p.h"
 #include "Handles.h"
+#include "PolygonRegions_p.h"
 #include "PolygonRings_p.h"
 #include "Scratch_p.h"
 
@@ -22,6 +23,7 @@ using trammel_detail::BooleanOperand;
 using trammel_detail::RegionOf;
 using trammel_detail::RingPlace;
 using trammel_detail::Scratch;
+using trammel_detail::SetRegion;
 using trammel_detail::Try;
 using trammel_detail::WindingRegion;
 using trammel_detail::WindingResult;
@@ -34,24 +36,6 @@ void Add(PolygonWithHoles const& polygon, std::uint32_t owner, BooleanOperand& o
     for (Ring const& hole : polygon.holes) {
         Add(hole, owner, operand);
     }
-}
-
-bool SetRegion(TPolyOp op, RegionOf& region) {
-    switch (op) {
-    case kPolyDifference:
-        region = {{false, true, false, false}};
-        return true;
-    case kPolyIntersection:
-        region = {{false, false, false, true}};
-        return true;
-    case kPolyXor:
-        region = {{false, true, true, false}};
-        return true;
-    case kPolyUnion:
-        region = {{false, true, true, true}};
-        return true;
-    }
-    return false;
 }
 
 Rings ToRings(WindingResult const& result) {

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: MIT
+
+// Outlines taken apart into arcs, for operations that keep curves. Not installed.
+//
+// docs/outlines.md describes the steps.
+
+#ifndef TRAMMEL_OUTLINEARCS_P_H
+#define TRAMMEL_OUTLINEARCS_P_H
+
+#include "Box_p.h"
+#include "CPath.h"
+#include "Cubic_p.h"
+#include "TPoint.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace trammel_detail {
+
+/// The number of an element, a vertex, an arc or a part of one.
+typedef std::uint32_t Index;
+
+inline constexpr Index kNoIndex = std::numeric_limits<Index>::max();
+
+/// Moves and multiplies coordinates: those of a drawing become work coordinates, in which the
+/// larger side of its bounds has a length from 1 to 2. Both steps are exact, unless a coordinate is
+/// so small beside the bounds that it underflows.
+class WorkFrame {
+public:
+    WorkFrame() = default;
+    /// Makes the frame of a drawing with finite bounds that are more than a point.
+    explicit WorkFrame(Box<double> const& bounds);
+
+    TPoint<double> ToWork(TPoint<double> const& p) const {
+        return TPoint<double>((p.h - mOffset.h) * mUp * mUpAgain,
+                              (p.v - mOffset.v) * mUp * mUpAgain);
+    }
+    /// Returns the point of the drawing. Where doubles are too coarse it is rounded.
+    TPoint<double> FromWork(TPoint<double> const& p) const {
+        return TPoint<double>(Finite(p.h * mDown * mDownAgain + mOffset.h),
+                              Finite(p.v * mDown * mDownAgain + mOffset.v));
+    }
+    double LengthToWork(double length) const { return length * mUp * mUpAgain; }
+    double LengthFromWork(double length) const { return length * mDown * mDownAgain; }
+    /// Returns how far apart doubles are at the drawing's farthest coordinate, in work units.
+    double Spacing() const { return mSpacing; }
+
+private:
+    static double Finite(double x) {
+        double const most = std::numeric_limits<double>::max();
+        return x > most ? most : x < -most ? -most : x;
+    }
+
+    TPoint<double> mOffset;
+    double mUp = 1.0; // two factors, as their product may overflow
+    double mUpAgain = 1.0;
+    double mDown = 1.0;
+    double mDownAgain = 1.0;
+    double mSpacing = 0x1p-52;
+};
+
+/// A segment of an operand, in the drawing's coordinates.
+struct OutlineElement {
+    Cubic c; ///< of a line only the ends count
+    std::uint32_t operand;
+    std::size_t segment; ///< its number in the operand, or kNoSegment for an implied closing line
+    bool curve;
+};
+inline constexpr std::size_t kNoSegment = std::numeric_limits<std::size_t>::max();
+
+/// Points at which arcs begin, end and cross. Two of them are farther apart than the reach in h or
+/// in v; a point that is nearer to a vertex becomes the vertex.
+class VertexTable {
+public:
+    void Reset(WorkFrame const& frame, double reach, std::size_t expected);
+
+    /// Returns the vertex at a point of the drawing.
+    Index At(TPoint<double> const& p);
+    /// Returns the vertex at a point in work coordinates.
+    Index AtWork(TPoint<double> const& p) { return At(mFrame.FromWork(p)); }
+    /// Appends a vertex that others do not become.
+    Index AddApart(TPoint<double> const& work);
+
+    TPoint<double> const& Place(Index vertex) const { return mPlaces[vertex]; }
+    TPoint<double> const& WorkPlace(Index vertex) const { return mWork[vertex]; }
+    /// Returns by how much points were moved at most, in work units.
+    double GreatestMove() const { return mGreatestMove; }
+
+private:
+    std::size_t SlotOf(std::int64_t x, std::int64_t y) const;
+    Index FindInCell(std::int64_t x, std::int64_t y, TPoint<double> const& work) const;
+    void Grow();
+
+    struct Entry {
+        std::int64_t x, y;
+        Index first; ///< vertex of the cell, kNoIndex for a free slot
+    };
+    WorkFrame mFrame;
+    double mReach = 0.0;
+    double mPerCell = 1.0;
+    double mGreatestMove = 0.0;
+    std::vector<TPoint<double>> mPlaces;
+    std::vector<TPoint<double>> mWork;
+    std::vector<Index> mNext; // by vertex: the next of its cell
+    std::vector<Entry> mSlots;
+    std::size_t mUsed = 0;
+};
+
+/// A stretch of an outline that is monotone in h and in v, in work coordinates. Arcs do not
+/// coincide within the reach.
+struct OutlineArc {
+    Cubic c; ///< of a straight one the control points are its ends
+    Index v0;
+    Index v1;
+    bool straight;
+    bool moved; ///< whether an end was moved to its vertex by more than rounding
+};
+
+/// An arc as a part of an element, in the direction of the element.
+struct ArcUse {
+    Index arc;
+    Index element;
+    double from; ///< parameters on the element; from < to
+    double to;
+    bool reversed; ///< whether the arc runs the other way
+};
+
+/// A closed contour of an operand.
+struct UseContour {
+    std::size_t end; ///< of its uses, or of its elements where no outline has curves
+    std::uint32_t operand;
+};
+
+/// All operands' outlines as arcs.
+class OutlineArcs {
+public:
+    /// Adds the contours of a path. A contour with a coordinate that is not finite is absent.
+    void Add(CPath const& path, std::uint32_t operand);
+    /// Takes the elements apart, with room for the tolerance, which is in the drawing's units.
+    void Build(double tolerance);
+
+    WorkFrame const& Frame() const { return mFrame; }
+    /// Returns the distance, in work units, below which points and curves become one.
+    double Reach() const { return mReach; }
+    /// True when the operands have an area to speak of.
+    bool HasExtent() const { return mHasExtent; }
+    /// True when there is a curve. Else there are no arcs, and the elements stand for themselves.
+    bool HasCurves() const { return mHasCurves; }
+
+    std::vector<OutlineElement> elements;
+    VertexTable vertices;
+    std::vector<OutlineArc> arcs;
+    std::vector<ArcUse> uses; ///< contour by contour
+    std::vector<UseContour> contours;
+    std::vector<std::pair<Index, Index>> pairs; ///< of arcs whose boxes meet, i < j
+
+private:
+    struct Piece; // of an element, monotone
+
+    void TakeContour(std::size_t first, std::uint32_t operand);
+    void CutElement(Index element, std::vector<Piece>& pieces);
+    void CutAtVertices(std::vector<Piece>& pieces, std::vector<std::size_t>& ends);
+    void TakePieces(std::vector<Piece> const& pieces, std::vector<std::size_t> const& ends);
+    /// Sets the pairs of items, which have a curve `c` each.
+    template <class Items> void FindPairs(Items const& items);
+
+    WorkFrame mFrame;
+    double mReach = 0.0;
+    bool mHasExtent = false;
+    bool mHasCurves = false;
+    Box<double> mBounds;
+    std::vector<std::size_t> mContourEnds;       // of elements
+    std::vector<std::uint32_t> mContourOperands; // as many
+};
+
+/// Returns the box of the control points.
+inline Box<double> BoxOf(Cubic const& c) {
+    Box<double> box = Box<double>::Of(c[0].h, c[0].v, c[3].h, c[3].v);
+    box.Include(c[1].h, c[1].v);
+    box.Include(c[2].h, c[2].v);
+    return box;
+}
+
+/// Finds the place of a monotone curve that is nearest to `p` along its chord. True when it is
+/// within `reach` of `p`; `t` gets its parameter.
+bool FindOnMonotone(Cubic const& c, bool straight, TPoint<double> const& p, double reach,
+                    double& t);
+
+/// Moves the ends of a curve with the control points beside them.
+void MoveEnds(Cubic& c, TPoint<double> const& start, TPoint<double> const& end);
+
+} // namespace trammel_detail
+
+#endif

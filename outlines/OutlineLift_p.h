@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+
+// From arcs to closed polygons, and from the polygons of a result back to curves. Not installed.
+//
+// docs/outlines.md describes the steps.
+
+#ifndef TRAMMEL_OUTLINELIFT_P_H
+#define TRAMMEL_OUTLINELIFT_P_H
+
+#include "Boolean_p.h"
+#include "CPath.h"
+#include "ElementSource.h"
+#include "OutlineArcs_p.h"
+#include "PieceCertificates_p.h"
+#include "TPoint.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace trammel_detail {
+
+/// An edge of a flat outline: the chord of a part of an element.
+struct FlatEdge {
+    Index element;
+    Index arc;   ///< kNoIndex for a whole line that no arc stands for
+    Index part;  ///< of the arc, see CertifiedParts
+    double from; ///< parameters on the element; from < to
+    double to;
+};
+
+/// Outlines as closed polygons: the chords of certified parts.
+class FlatOutlines {
+public:
+    /// Takes the arcs apart where there are curves, and else takes the lines as they are. Refers to
+    /// the arcs.
+    explicit FlatOutlines(OutlineArcs& arcs);
+
+    /// Adds the polygons of operand `number` to the engine's, whose owner they get. The polygons of
+    /// all operands have to be added in order, and have to outlive the engine's work.
+    void AddTo(BooleanOperand& operand, std::uint32_t number, std::uint32_t owner) const;
+    /// Adds all polygons with their operands' numbers as owners.
+    void AddAll(BooleanOperand& operand) const;
+
+    OutlineArcs const& arcs;
+    std::optional<CertifiedParts> parts; ///< only where there are curves
+    std::vector<FlatEdge> edges;         ///< of all polygons
+    std::vector<TPoint<double>> points;  ///< where the edges begin
+    std::vector<std::size_t> ends;       ///< of the edges of each contour
+};
+
+/// Makes curves of a result again. `path` gets its contours. `sources` gets an entry for each of
+/// their elements unless it is null.
+void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& path,
+                std::vector<trammel::ElementSource>* sources);
+
+} // namespace trammel_detail
+
+#endif

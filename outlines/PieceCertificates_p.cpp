@@ -1,0 +1,356 @@
+// SPDX-License-Identifier: MIT
+
+#include "PieceCertificates_p.h"
+
+#include "PointMath_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+typedef std::array<Pt, 3> Vectors;
+
+/// Rounding moves what the tests compare by less, in work units.
+double const kMargin = 0x1p-45;
+/// Vectors up to this length have no direction that counts.
+double const kNoVector = 0x1p-44;
+/// Parameters beyond the ends of a stretch by less than this belong to it.
+double const kBeyondEnds = 0x1p-30;
+/// So many tests are made for each pair of arcs, and some for all.
+std::size_t const kTestsForPair = 64;
+std::size_t const kTestsForAll = std::size_t{1} << 20U;
+
+/// A part of an arc between two parameters.
+struct Node {
+    Cubic c;
+    Box<double> box;
+    double from;
+    double to;
+    double height; ///< how far the curve may be from its chord
+    Index arc;
+    Index half; ///< the first of its halves, kNoIndex before it is halved
+};
+
+void Measure(Node& node) {
+    node.box = BoxOf(node.c).Widened(kMargin, kMargin);
+    Pt const chord = node.c[3] - node.c[0];
+    double const length = std::sqrt(Square(chord));
+    double const beside = std::max(std::abs(Cross(chord, node.c[1] - node.c[0])),
+                                   std::abs(Cross(chord, node.c[2] - node.c[0])));
+    node.height = length > kNoVector
+                      ? beside / length
+                      : std::max(Taxicab(node.c[1] - node.c[0]), Taxicab(node.c[2] - node.c[0]));
+}
+
+/// True when the line along the chord of `a`, or one beside it, has the curves on its two sides.
+bool ChordSeparates(Cubic const& a, Cubic const& b) {
+    Pt const chord = a[3] - a[0];
+    double const margin = kMargin * Taxicab(chord);
+    double const a1 = Cross(chord, a[1] - a[0]);
+    double const a2 = Cross(chord, a[2] - a[0]);
+    double const b0 = Cross(chord, b[0] - a[0]);
+    double const b1 = Cross(chord, b[1] - a[0]);
+    double const b2 = Cross(chord, b[2] - a[0]);
+    double const b3 = Cross(chord, b[3] - a[0]);
+    double const lowA = std::min(std::min(a1, a2), 0.0) - margin;
+    double const highA = std::max(std::max(a1, a2), 0.0) + margin;
+    return std::min(std::min(b0, b1), std::min(b2, b3)) > highA ||
+           std::max(std::max(b0, b1), std::max(b2, b3)) < lowA;
+}
+
+/// Returns 1 when the turns from all vectors of `a` to all of `b` are positive by more than
+/// rounding, -1 when they are negative, and else 0. Vectors without length do not count.
+int TurnOf(Vectors const& a, Vectors const& b) {
+    int sign = 0;
+    for (Pt const& p : a) {
+        double const length = Taxicab(p);
+        if (length <= kNoVector) {
+            continue;
+        }
+        for (Pt const& q : b) {
+            if (Taxicab(q) <= kNoVector) {
+                continue;
+            }
+            double const turn = Cross(p, q);
+            double const margin = kMargin * (length + Taxicab(q));
+            int const here = turn > margin ? 1 : turn < -margin ? -1 : 0;
+            if (here == 0 || here == -sign) {
+                return 0;
+            }
+            sign = here;
+        }
+    }
+    return sign;
+}
+
+/// True when a line through the origin has the vectors of `a` on one side, and those of `b` on the
+/// other.
+bool ConesApart(Vectors const& a, Vectors const& b) {
+    if (TurnOf(a, b) != 0) {
+        return true;
+    }
+    // The ends' directions tell a line that may do.
+    Pt const normal = a[2] * (1.0 / Taxicab(a[2])) - b[2] * (1.0 / Taxicab(b[2]));
+    for (std::size_t i = 0; i < 3; ++i) {
+        double const ofA = Dot(normal, a[i]);
+        double const ofB = Dot(normal, b[i]);
+        if ((Taxicab(a[i]) > kNoVector && !(ofA > kMargin)) ||
+            (Taxicab(b[i]) > kNoVector && !(ofB < -kMargin))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+Vectors Steps(Cubic const& c) { return {c[1] - c[0], c[2] - c[1], c[3] - c[2]}; }
+/// Returns the control points as seen from an end.
+Vectors From(Cubic const& c, bool start) {
+    return start ? Vectors{c[1] - c[0], c[2] - c[0], c[3] - c[0]}
+                 : Vectors{c[2] - c[3], c[1] - c[3], c[0] - c[3]};
+}
+
+/// Finds where two curves cross whose tangents are never parallel. False where they do not, or
+/// where it is not clear yet.
+bool FindCrossing(Cubic const& a, Cubic const& b, double& s, double& t) {
+    s = t = 0.5;
+    for (int i = 0; i < 12; ++i) {
+        CubicPlace const p = PlaceAt(a, s);
+        CubicPlace const q = PlaceAt(b, t);
+        Pt const between = q.point - p.point;
+        Pt const da = p.first * 3.0;
+        Pt const db = q.first * 3.0;
+        double const turn = Cross(da, db);
+        if (!(std::abs(turn) > std::numeric_limits<double>::min())) {
+            return false;
+        }
+        double const stepS = Cross(between, db) / turn;
+        double const stepT = Cross(between, da) / turn;
+        s += stepS;
+        t += stepT;
+        if (!(s > -0.5 && s < 1.5 && t > -0.5 && t < 1.5)) {
+            return false;
+        }
+        if (std::abs(stepS) <= 0x1p-40 && std::abs(stepT) <= 0x1p-40) {
+            return s >= -kBeyondEnds && s <= 1.0 + kBeyondEnds && t >= -kBeyondEnds &&
+                   t <= 1.0 + kBeyondEnds;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+/// The tests of pairs.
+class CertifiedParts::Work {
+public:
+    Work(OutlineArcs& arcs, CertifiedParts& parts) : mArcs(arcs), mParts(parts) {}
+
+    void Run();
+    std::vector<ArcCut> cuts;
+
+private:
+    struct Pair {
+        Index a;
+        Index b;
+    };
+
+    void Test(Pair pair);
+    void Halve(Index node);
+    /// Replaces the pair by those with the halves of a node.
+    void HalveFirst(Pair pair);
+    void AddContact(Pair pair);
+    void AddCrossing(Node const& a, Node const& b, double s, double t);
+    Index VertexAtStart(Node const& node) const {
+        return node.from == 0.0 ? mArcs.arcs[node.arc].v0 : kNoIndex;
+    }
+    Index VertexAtEnd(Node const& node) const {
+        return node.to == 1.0 ? mArcs.arcs[node.arc].v1 : kNoIndex;
+    }
+
+    OutlineArcs& mArcs;
+    CertifiedParts& mParts;
+    std::vector<Node> mNodes;
+    std::vector<Pair> mQueue; // in the order in which it is worked off
+};
+
+void CertifiedParts::Work::Halve(Index index) {
+    if (mNodes[index].half != kNoIndex) {
+        return;
+    }
+    Node const node = mNodes[index];
+    double const middle = 0.5 * (node.from + node.to);
+    Node first = node;
+    Node second = node;
+    first.c = HeadOf(node.c, 0.5);
+    second.c = TailOf(node.c, 0.5);
+    first.to = second.from = middle;
+    Measure(first);
+    Measure(second);
+    mNodes[index].half = static_cast<Index>(mNodes.size());
+    mNodes.push_back(first);
+    mNodes.push_back(second);
+    cuts.push_back({node.arc, middle, kNoIndex, true});
+}
+
+void CertifiedParts::Work::HalveFirst(Pair pair) {
+    Halve(pair.a);
+    Index const half = mNodes[pair.a].half;
+    mQueue.push_back({half, pair.b});
+    mQueue.push_back({half + 1, pair.b});
+}
+
+void CertifiedParts::Work::AddContact(Pair pair) {
+    Node const& a = mNodes[pair.a];
+    Node const& b = mNodes[pair.b];
+    mParts.mContacts.push_back({{a.arc, a.from, a.to}, {b.arc, b.from, b.to}});
+    mParts.mGreatestHeight = std::max(mParts.mGreatestHeight, std::max(a.height, b.height));
+}
+
+void CertifiedParts::Work::AddCrossing(Node const& a, Node const& b, double s, double t) {
+    auto const onArc = [](Node const& node, double at) {
+        return std::min(std::max(node.from + (node.to - node.from) * at, 0.0), 1.0);
+    };
+    // A level or upright line keeps its place.
+    Pt place = PlaceAt(a.c, s).point;
+    for (Index const arc : {a.arc, b.arc}) {
+        OutlineArc const& line = mArcs.arcs[arc];
+        if (line.straight) {
+            place.h = line.c[0].h == line.c[3].h ? line.c[0].h : place.h;
+            place.v = line.c[0].v == line.c[3].v ? line.c[0].v : place.v;
+        }
+    }
+    Index const vertex = mArcs.vertices.AtWork(place);
+    cuts.push_back({a.arc, onArc(a, s), vertex, false});
+    cuts.push_back({b.arc, onArc(b, t), vertex, false});
+}
+
+void CertifiedParts::Work::Test(Pair pair) {
+    Node const& a = mNodes[pair.a];
+    Node const& b = mNodes[pair.b];
+    if (!a.box.Meets(b.box)) {
+        return;
+    }
+    Index const a0 = VertexAtStart(a);
+    Index const a1 = VertexAtEnd(a);
+    Index const b0 = VertexAtStart(b);
+    Index const b1 = VertexAtEnd(b);
+    bool const startShared = a0 != kNoIndex && (a0 == b0 || a0 == b1);
+    bool const endShared = a1 != kNoIndex && (a1 == b0 || a1 == b1);
+    if (startShared != endShared) {
+        bool const startOfB = (startShared ? a0 : a1) == b0;
+        if (ConesApart(From(a.c, startShared), From(b.c, startOfB))) {
+            return;
+        }
+    } else if (!startShared) {
+        if (ChordSeparates(a.c, b.c) || ChordSeparates(b.c, a.c)) {
+            return;
+        }
+        double s = 0.0;
+        double t = 0.0;
+        if (TurnOf(Steps(a.c), Steps(b.c)) != 0 && FindCrossing(a.c, b.c, s, t)) {
+            AddCrossing(a, b, s, t);
+            return;
+        }
+    }
+    if (a.height <= mArcs.Reach() && b.height <= mArcs.Reach()) {
+        AddContact(pair);
+    } else if (a.height >= b.height) {
+        HalveFirst(pair);
+    } else {
+        HalveFirst({pair.b, pair.a});
+    }
+}
+
+void CertifiedParts::Work::Run() {
+    mNodes.reserve(2 * mArcs.arcs.size());
+    for (std::size_t i = 0; i < mArcs.arcs.size(); ++i) {
+        Node node{mArcs.arcs[i].c, {}, 0.0, 1.0, 0.0, static_cast<Index>(i), kNoIndex};
+        Measure(node);
+        if (mArcs.arcs[i].straight) {
+            node.height = 0.0;
+        }
+        mNodes.push_back(node);
+    }
+    mQueue.reserve(2 * mArcs.pairs.size());
+    for (auto const& [i, j] : mArcs.pairs) {
+        if (!mArcs.arcs[i].straight || !mArcs.arcs[j].straight) {
+            mQueue.push_back({i, j});
+        }
+    }
+    // First come, first served: where there is too much work, what is left is as fine as possible.
+    std::size_t const most = kTestsForAll + kTestsForPair * mQueue.size();
+    for (std::size_t next = 0; next < mQueue.size(); ++next) {
+        if (next < most) {
+            Test(mQueue[next]);
+        } else {
+            AddContact(mQueue[next]);
+        }
+    }
+}
+
+CertifiedParts::CertifiedParts(OutlineArcs& arcs) {
+    Work work(arcs, *this);
+    work.Run();
+    TakeCuts(arcs, work.cuts);
+}
+
+void CertifiedParts::TakeCuts(OutlineArcs& arcs, std::vector<ArcCut>& cuts) {
+    std::sort(cuts.begin(), cuts.end(), [](ArcCut const& a, ArcCut const& b) {
+        return a.arc != b.arc ? a.arc < b.arc : a.t != b.t ? a.t < b.t : a.vertex < b.vertex;
+    });
+    double const reach = arcs.Reach();
+    auto const near = [&](Index vertex, Pt const& p) {
+        Pt const& v = arcs.vertices.WorkPlace(vertex);
+        return std::abs(v.h - p.h) <= reach && std::abs(v.v - p.v) <= reach;
+    };
+    mBegins.reserve(arcs.arcs.size() + 1);
+    mPlaces.reserve(cuts.size() + 2 * arcs.arcs.size());
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < arcs.arcs.size(); ++i) {
+        OutlineArc const& arc = arcs.arcs[i];
+        std::size_t const begin = mPlaces.size();
+        mBegins.push_back(begin);
+        mPlaces.push_back({0.0, arc.v0});
+        // A vertex that is come back to ends what lies between, which is no larger than the reach.
+        auto const add = [&](double t, Index vertex) {
+            for (std::size_t k = mPlaces.size(); k-- > begin;) {
+                if (mPlaces[k].vertex == vertex) {
+                    mPlaces.resize(k + 1);
+                    return;
+                }
+                if (near(mPlaces[k].vertex, arcs.vertices.WorkPlace(vertex)) && k > begin) {
+                    continue;
+                }
+                break;
+            }
+            mPlaces.push_back({t, vertex});
+        };
+        for (; next < cuts.size() && cuts[next].arc == i; ++next) {
+            ArcCut const& cut = cuts[next];
+            if (!cut.halving) {
+                if (cut.vertex != arc.v1) {
+                    add(cut.t, cut.vertex);
+                }
+                continue;
+            }
+            Pt const place = PlaceAt(arc.c, cut.t).point;
+            bool const needless = near(mPlaces.back().vertex, place) || near(arc.v1, place) ||
+                                  (next + 1 < cuts.size() && cuts[next + 1].arc == i &&
+                                   !cuts[next + 1].halving && near(cuts[next + 1].vertex, place));
+            if (!needless) {
+                mPlaces.push_back({cut.t, arcs.vertices.AddApart(place)});
+            }
+        }
+        mPlaces.push_back({1.0, arc.v1});
+    }
+    mBegins.push_back(mPlaces.size());
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: MIT
+
+// A judge of regions that outlines bound: winding numbers by solving for the crossings with a ray,
+// and distances from outlines by searching, both in long double.
+
+#ifndef TRAMMEL_OUTLINEJUDGE_H
+#define TRAMMEL_OUTLINEJUDGE_H
+
+#include "CPath.h"
+#include "FillRule.h"
+#include "PathSegments.h"
+#include "TPoint.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <random>
+#include <vector>
+
+namespace trammel_test {
+
+/// An outline whose subpaths all begin with a move, for many questions.
+class OutlineJudge {
+public:
+    typedef long double Wide;
+    typedef TPoint<double> Pt;
+
+    explicit OutlineJudge(CPath const& path) {
+        for (trammel::Subpath const& subpath : trammel::Subpaths(path)) {
+            for (trammel::PathSegment const& s : subpath.ClosedSegments()) {
+                Segment segment{{s.start.h, s.control1.h, s.control2.h, s.end.h},
+                                {s.start.v, s.control1.v, s.control2.v, s.end.v},
+                                s.IsCurve(),
+                                {}};
+                segment.turns = Turns(segment.v);
+                segments.push_back(segment);
+            }
+        }
+    }
+
+    /// Returns the winding number around `p`, which is not on the outline.
+    int Winding(Pt const& p) const {
+        int winding = 0;
+        for (Segment const& s : segments) {
+            if (p.h > *std::max_element(s.h, s.h + 4)) {
+                continue;
+            }
+            // Between its turns the segment crosses the ray's line once at most.
+            for (std::size_t i = 0; i + 1 < s.turns.size(); ++i) {
+                Wide low = s.turns[i];
+                Wide high = s.turns[i + 1];
+                bool const before = s.At(s.v, low) > p.v;
+                bool const after = s.At(s.v, high) > p.v;
+                if (before == after) {
+                    continue;
+                }
+                for (int k = 0; k < 64; ++k) {
+                    Wide const middle = (low + high) / 2;
+                    ((s.At(s.v, middle) > p.v) == before ? low : high) = middle;
+                }
+                if (s.At(s.h, low) > p.h) {
+                    winding += after ? 1 : -1;
+                }
+            }
+        }
+        return winding;
+    }
+    bool Holds(Pt const& p, trammel::FillRule rule) const {
+        return trammel::IsInside(Winding(p), rule);
+    }
+    /// True when the outline is nearer to `p` than `distance`.
+    bool IsNear(Pt const& p, Wide distance) const {
+        return std::any_of(segments.begin(), segments.end(),
+                           [&](Segment const& s) { return DistanceOf(s, p, distance) < distance; });
+    }
+    /// Calls visit(point) for points beside the outline, `distance` away from it on either side.
+    template <class Visit>
+    void ForBeside(std::mt19937& random, int count, double distance, Visit&& visit) const {
+        std::uniform_real_distribution<double> anywhere(0.0, 1.0);
+        for (Segment const& s : segments) {
+            for (int i = 0; i < count; ++i) {
+                Wide const t = anywhere(random);
+                Wide const dh = s.At(s.h, t + 1e-6L) - s.At(s.h, t - 1e-6L);
+                Wide const dv = s.At(s.v, t + 1e-6L) - s.At(s.v, t - 1e-6L);
+                Wide const length = std::hypot(dh, dv);
+                if (length > 0) {
+                    for (double const off : {distance, -distance}) {
+                        visit(Pt(static_cast<double>(s.At(s.h, t) - dv / length * off),
+                                 static_cast<double>(s.At(s.v, t) + dh / length * off)));
+                    }
+                }
+            }
+        }
+    }
+
+    struct Segment {
+        Wide h[4];
+        Wide v[4];
+        bool curve;
+        std::vector<Wide> turns; ///< 0, the parameters where v turns back, 1
+
+        Wide At(Wide const (&x)[4], Wide t) const {
+            Wide const u = 1 - t;
+            if (!curve) {
+                return x[0] * u + x[3] * t;
+            }
+            return u * u * u * x[0] + 3 * u * u * t * x[1] + 3 * u * t * t * x[2] +
+                   t * t * t * x[3];
+        }
+    };
+    std::vector<Segment> segments;
+
+private:
+    static std::vector<Wide> Turns(Wide const (&x)[4]) {
+        Wide const d0 = x[1] - x[0];
+        Wide const d1 = x[2] - x[1];
+        Wide const d2 = x[3] - x[2];
+        Wide const a = d0 - 2 * d1 + d2;
+        Wide const b = d1 - d0;
+        Wide const root = std::sqrt(std::max<Wide>(b * b - a * d0, 0));
+        Wide const q = -(b + std::copysign(root, b));
+        std::vector<Wide> turns = {0, 1};
+        for (Wide const t : {q / a, d0 / q}) {
+            if (t > 0 && t < 1) {
+                turns.push_back(t);
+            }
+        }
+        std::sort(turns.begin(), turns.end());
+        return turns;
+    }
+    static Wide DistanceOf(Segment const& s, Pt const& p, Wide enough) {
+        Wide const outsideH = std::max({*std::min_element(s.h, s.h + 4) - p.h,
+                                        p.h - *std::max_element(s.h, s.h + 4), Wide(0)});
+        Wide const outsideV = std::max({*std::min_element(s.v, s.v + 4) - p.v,
+                                        p.v - *std::max_element(s.v, s.v + 4), Wide(0)});
+        if (std::max(outsideH, outsideV) >= enough) {
+            return enough;
+        }
+        auto const distance = [&](Wide t) {
+            return std::hypot(s.At(s.h, t) - p.h, s.At(s.v, t) - p.v);
+        };
+        constexpr int kSteps = 64;
+        int best = 0;
+        for (int i = 1; i <= kSteps; ++i) {
+            best = distance(Wide(i) / kSteps) < distance(Wide(best) / kSteps) ? i : best;
+        }
+        Wide low = Wide(std::max(best - 1, 0)) / kSteps;
+        Wide high = Wide(std::min(best + 1, kSteps)) / kSteps;
+        for (int i = 0; i < 60; ++i) {
+            Wide const third = (high - low) / 3;
+            (distance(low + third) < distance(high - third) ? high : low) =
+                distance(low + third) < distance(high - third) ? high - third : low + third;
+        }
+        return std::min(distance(low), distance(Wide(best) / kSteps));
+    }
+};
+
+/// Counts the points at which a result is wrong, of a grid and of points beside the outlines.
+/// Points nearer to an operand's outline than `distance` do not count. At the others `result` must
+/// hold the `wanted` points by either rule, and no others.
+inline int WrongPoints(std::vector<OutlineJudge> const& operands, OutlineJudge const& result,
+                       double distance, double size,
+                       std::function<bool(TPoint<double> const&)> const& wanted) {
+    std::vector<TPoint<double>> points;
+    std::mt19937 random(20261122);
+    long double low[2] = {0, 0};
+    long double high[2] = {0, 0};
+    bool first = true;
+    for (OutlineJudge const& operand : operands) {
+        for (OutlineJudge::Segment const& s : operand.segments) {
+            for (int i = 0; i < 4; ++i) {
+                low[0] = first ? s.h[i] : std::min(low[0], s.h[i]);
+                high[0] = first ? s.h[i] : std::max(high[0], s.h[i]);
+                low[1] = first ? s.v[i] : std::min(low[1], s.v[i]);
+                high[1] = first ? s.v[i] : std::max(high[1], s.v[i]);
+                first = false;
+            }
+        }
+    }
+    constexpr int kGrid = 12;
+    for (int i = 0; i < kGrid; ++i) {
+        for (int j = 0; j < kGrid; ++j) {
+            points.emplace_back(
+                static_cast<double>(low[0] + (high[0] - low[0]) * (i + 0.5317L) / kGrid),
+                static_cast<double>(low[1] + (high[1] - low[1]) * (j + 0.4683L) / kGrid));
+        }
+    }
+    auto const take = [&](TPoint<double> const& p) { points.push_back(p); };
+    for (double const off : {1.5 * distance, 1e-3 * size}) {
+        for (OutlineJudge const& operand : operands) {
+            operand.ForBeside(random, 2, off, take);
+        }
+        result.ForBeside(random, result.segments.size() > 200 ? 0 : 2, off, take);
+    }
+    int wrong = 0;
+    for (TPoint<double> const& p : points) {
+        int const winding = result.Winding(p);
+        bool const want = wanted(p);
+        if ((want != (winding != 0) || want != (winding % 2 != 0)) &&
+            std::none_of(operands.begin(), operands.end(),
+                         [&](OutlineJudge const& o) { return o.IsNear(p, distance); })) {
+            ++wrong;
+        }
+    }
+    return wrong;
+}
+
+} // namespace trammel_test
+
+#endif
