@@ -18,6 +18,7 @@
 #include "CPathActions.h"
 #include "FPolygon.h"
 #include "FillRule.h"
+#include "FitCurves.h"
 #include "FixedPoint.h"
 #include "GeometryText.h"
 #include "Handles.h"

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: MIT
+
+#include "StrokeShape_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+
+double Length(Pt const& p) { return std::sqrt(Square(p)); }
+
+/// Points closer together count as one where corners are sought, in tolerances.
+constexpr double kCornerStep = 0.5;
+/// A stroke that stays about a place is looked at for so many points of the reduced stroke.
+constexpr std::size_t kMostCornerSteps = 32;
+/// Straight runs are within so many tolerances of their chord...
+constexpr double kStraightness = 0.25;
+/// ... longer than so many ...
+constexpr double kShortestStraight = 16.0;
+/// ... and so many times as long as their neighbours.
+constexpr double kStraightRatio = 4.0;
+
+/// The points of a stroke that are some way from each other.
+class ReducedStroke {
+public:
+    ReducedStroke(StrokePoints const& stroke, double step, double reach, bool closed)
+        : mStroke(stroke), mReach(reach), mClosed(closed) {
+        mKept.push_back(0);
+        for (std::size_t i = 1; i < stroke.at.size(); ++i) {
+            if (Square(stroke.at[i] - stroke.at[mKept.back()]) >= step * step) {
+                mKept.push_back(i);
+            }
+        }
+        if (closed && mKept.size() > 2 && mKept.back() != stroke.at.size() - 1) {
+            mKept.back() = stroke.at.size() - 1;
+        }
+    }
+    std::size_t Count() const { return mKept.size(); }
+    std::size_t Original(std::size_t k) const { return mKept[k]; }
+    Pt const& At(std::size_t k) const { return mStroke.at[mKept[k]]; }
+
+    /// The direction from the point toward the first point behind it that is out of reach, or
+    /// before it; as long as their distance.
+    Pt Away(std::size_t k, bool forward) const {
+        Pt const p = At(k);
+        std::size_t j = k;
+        Pt away;
+        for (std::size_t n = 0; n < kMostCornerSteps; ++n) {
+            if (j == (forward ? mKept.size() - 1 : 0)) {
+                if (!mClosed) {
+                    break;
+                }
+                j = forward ? 0 : mKept.size() - 1; // the same place
+            }
+            j = forward ? j + 1 : j - 1;
+            away = At(j) - p;
+            if (Square(away) >= mReach * mReach) {
+                break;
+            }
+        }
+        return away;
+    }
+
+private:
+    StrokePoints const& mStroke;
+    double mReach;
+    bool mClosed;
+    std::vector<std::size_t> mKept;
+};
+
+/// The cosine of the turn with its sign, squared; 2, no turn at all, where a direction is missing.
+double SquareOfCosine(Pt const& in, Pt const& out) {
+    double const both = Square(in) * Square(out);
+    double const dot = Dot(in, out);
+    return both > 0.0 ? dot * std::abs(dot) / both : 2.0;
+}
+
+/// Solves the equations of least squares, which are symmetric and positive, for h and v at once.
+/// Returns false where they tell too little.
+template <std::size_t kSize>
+bool Solve(std::array<std::array<double, kSize>, kSize>& m, std::array<Pt, kSize>& b,
+           std::size_t size) {
+    for (std::size_t i = 0; i < size; ++i) {
+        double const pivot = m[i][i];
+        if (!(pivot > 1e-12)) {
+            return false;
+        }
+        for (std::size_t j = i + 1; j < size; ++j) {
+            double const factor = m[j][i] / pivot;
+            for (std::size_t k = i; k < size; ++k) {
+                m[j][k] -= factor * m[i][k];
+            }
+            b[j] -= b[i] * factor;
+        }
+    }
+    for (std::size_t i = size; i-- > 0;) {
+        for (std::size_t k = i + 1; k < size; ++k) {
+            b[i] -= b[k] * m[i][k];
+        }
+        b[i] /= m[i][i];
+    }
+    return true;
+}
+
+} // namespace
+
+std::vector<std::size_t> FindCorners(StrokePoints const& stroke, double tolerance, double cosine,
+                                     bool closed, bool& turnsAtStart) {
+    double const reach = tolerance * kCornerReach;
+    ReducedStroke const reduced(stroke, tolerance * kCornerStep, reach, closed);
+    std::vector<std::size_t> corners;
+    double sharpest = 2.0; // of the last corner
+    std::size_t last = 0;
+    // Rounding turns no exact reversal into less than a half turn.
+    double const limit = cosine * std::abs(cosine) + 0x1p-50;
+    turnsAtStart =
+        closed && SquareOfCosine(-reduced.Away(0, false), reduced.Away(0, true)) <= limit;
+    for (std::size_t k = 1; k + 1 < reduced.Count(); ++k) {
+        Pt const in = -reduced.Away(k, false);
+        Pt const out = reduced.Away(k, true);
+        double const turn = SquareOfCosine(in, out);
+        if (!(turn <= limit)) {
+            continue;
+        }
+        // The outermost of the points that the reduced one stands for
+        Pt const inside = out / Length(out) - in / Length(in);
+        std::size_t corner = reduced.Original(k);
+        double least = 0.0;
+        for (std::size_t i = reduced.Original(k - 1) + 1; i < reduced.Original(k + 1); ++i) {
+            double const depth = Dot(stroke.at[i] - reduced.At(k), inside);
+            if (depth < least) {
+                least = depth;
+                corner = i;
+            }
+        }
+        double const at = stroke.length[corner];
+        if (turnsAtStart && std::min(at, stroke.length.back() - at) <= reach) {
+            continue; // the start is the corner
+        }
+        bool const near = !corners.empty() && at - stroke.length[last] <= reach;
+        if (near && turn >= sharpest) {
+            continue;
+        }
+        if (near) {
+            corners.pop_back();
+        }
+        if (corners.empty() || corner > corners.back()) {
+            corners.push_back(corner);
+            last = corner;
+            sharpest = turn;
+        }
+    }
+    return corners;
+}
+
+void FindStraightRuns(StrokePoints const& stroke, std::size_t from, std::size_t to,
+                      double tolerance, std::vector<StraightRun>& out) {
+    double const wide = tolerance * kStraightness;
+    std::size_t const first = out.size();
+    auto const lengthOf = [&](StraightRun const& run) {
+        return Length(stroke.at[run.to] - stroke.at[run.from]);
+    };
+    // Runs one after the other, each as long as the directions in which a line passes all points
+    // allow
+    for (std::size_t i = from; i < to;) {
+        Pt const p = stroke.at[i];
+        std::size_t end = i + 1;
+        Pt low; // the cone of directions, from `low` toward `high`
+        Pt high;
+        bool open = true; // every direction will do
+        for (std::size_t j = i + 1; j <= to; ++j) {
+            Pt const d = stroke.at[j] - p;
+            double const square = Square(d);
+            if (square > wide * wide) {
+                if (!open && (Cross(low, d) < 0.0 || Cross(d, high) < 0.0)) {
+                    break;
+                }
+                double const along = std::sqrt(square - wide * wide);
+                Pt const lowHere(d.h * along + d.v * wide, d.v * along - d.h * wide);
+                Pt const highHere(d.h * along - d.v * wide, d.v * along + d.h * wide);
+                if (open || Cross(low, lowHere) > 0.0) {
+                    low = lowHere;
+                }
+                if (open || Cross(highHere, high) > 0.0) {
+                    high = highHere;
+                }
+                open = false;
+            }
+            end = j;
+        }
+        out.push_back({i, end});
+        i = end;
+    }
+    // Which of them stand out among two neighbours on each side. One would be too few: the steps of
+    // pixels are long and short by turns.
+    std::size_t kept = first;
+    std::array<double, 2> before = {0.0, 0.0};
+    for (std::size_t k = first; k < out.size(); ++k) {
+        StraightRun const run = out[k];
+        double const length = lengthOf(run);
+        double neighbours = std::max(before[0], before[1]);
+        for (std::size_t j = k + 1; j < std::min(k + 3, out.size()); ++j) {
+            neighbours = std::max(neighbours, lengthOf(out[j]));
+        }
+        if (length > tolerance * kShortestStraight && length > kStraightRatio * neighbours) {
+            out[kept++] = run;
+        }
+        before = {before[1], length};
+    }
+    out.resize(kept);
+}
+
+Course CourseAt(StrokePoints const& stroke, std::size_t i, std::ptrdiff_t low, std::ptrdiff_t high,
+                bool through) {
+    constexpr std::size_t kSize = 4;
+    constexpr std::ptrdiff_t kSide = 8; // points to a side
+    auto const count = static_cast<std::ptrdiff_t>(stroke.at.size());
+    auto const here = static_cast<std::ptrdiff_t>(i);
+    Pt const p = stroke.at[i];
+    double const total = stroke.length.back();
+    double const at = stroke.length[i];
+    auto const place = [&](std::ptrdiff_t k, double& length) {
+        double shift = 0.0;
+        if (k < 0) {
+            k += count - 1;
+            shift = -total;
+        } else if (k >= count) {
+            k -= count - 1;
+            shift = total;
+        }
+        auto const number = static_cast<std::size_t>(k);
+        length = stroke.length[number] + shift - at;
+        return stroke.at[number] - p;
+    };
+    double lowLength = 0.0;
+    double highLength = 0.0;
+    place(low, lowLength);
+    place(high, highLength);
+    double const unit = std::max(-lowLength, highLength);
+    double const scale = 1.0 / unit;
+
+    std::array<double, 7> power{};
+    std::array<Pt, kSize> sum{};
+    int points = 0;
+    auto const add = [&](std::ptrdiff_t k) {
+        double s = 0.0;
+        Pt const q = place(k, s);
+        s *= scale;
+        double const s2 = s * s;
+        double const s3 = s2 * s;
+        power[1] += s;
+        power[2] += s2;
+        power[3] += s3;
+        power[4] += s2 * s2;
+        power[5] += s2 * s3;
+        power[6] += s3 * s3;
+        sum[0] += q;
+        sum[1] += q * s;
+        sum[2] += q * s2;
+        sum[3] += q * s3;
+        ++points;
+    };
+    add(here);
+    for (int side = 0; side < 2; ++side) {
+        std::ptrdiff_t const far = (side == 0 ? low : high) - here;
+        std::ptrdiff_t const many = std::min(far < 0 ? -far : far, kSide);
+        for (std::ptrdiff_t k = 1; k <= many; ++k) {
+            add(here + far * k / many);
+        }
+    }
+    power[0] = points;
+    std::size_t const lowest = through ? 1 : 0;
+    std::size_t const highest = points >= 7 ? 3 : points >= 5 ? 2 : 1;
+    std::size_t const size = highest - lowest + 1;
+    std::array<std::array<double, kSize>, kSize> m;
+    std::array<Pt, kSize> b;
+    for (std::size_t r = 0; r < size; ++r) {
+        for (std::size_t c = 0; c < size; ++c) {
+            m[r][c] = power[r + c + 2 * lowest];
+        }
+        b[r] = sum[r + lowest];
+    }
+    if (points < 2 || !Solve<kSize>(m, b, size)) {
+        return {p, Pt()};
+    }
+    Pt const direction = b[1 - lowest];
+    double const length = Length(direction);
+    return {through ? p : p + b[0], length > 0.0 ? direction / length : Pt()};
+}
+
+} // namespace trammel_detail
