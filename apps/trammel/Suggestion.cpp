@@ -2,8 +2,6 @@
 
 #include "Suggestion.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -50,24 +48,6 @@ std::string Suggestion(std::string const& word, std::vector<std::string> const& 
         }
     }
     return best != nullptr ? "; did you mean '" + *best + "'?" : "";
-}
-
-std::vector<std::string> CommandNames(CLI::App const& app) {
-    std::vector<std::string> names;
-    for (CLI::App const* const command : app.get_subcommands({})) {
-        names.push_back(command->get_name());
-    }
-    return names;
-}
-
-std::vector<std::string> OptionNames(CLI::App const& command) {
-    std::vector<std::string> names;
-    for (CLI::Option const* const option : command.get_options()) {
-        for (std::string const& name : option->get_lnames()) {
-            names.push_back("--" + name);
-        }
-    }
-    return names;
 }
 
 } // namespace tool

@@ -5,6 +5,7 @@
 // Exit status 0 means that the work is done. 2 means that it is not; one line on standard error
 // says why and where.
 
+#include "CommandLine.h"
 #include "Error.h"
 #include "Suggestion.h"
 #include "Warning.h"
@@ -29,7 +30,8 @@ int Fail(std::string const& message) {
 }
 
 /// Returns the message of a wrong command line, in one line and with the command's name.
-std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
+std::string UsageMessage(CLI::App& app, CLI::ParseError const& error) {
+    tool::Command const program(app);
     std::string command;
     for (CLI::App const* const chosen : app.get_subcommands()) {
         command = chosen->get_name();
@@ -48,10 +50,10 @@ std::string UsageMessage(CLI::App const& app, CLI::ParseError const& error) {
         std::string const word = option ? whole.substr(0, whole.find('=')) : whole;
         text += "'" + whole + "'";
         if (option && !command.empty()) {
-            text += tool::Suggestion(word, tool::OptionNames(*app.get_subcommands().back()));
-        } else if (command.empty()) {
             text +=
-                tool::Suggestion(word, option ? tool::OptionNames(app) : tool::CommandNames(app));
+                tool::Suggestion(word, tool::Command(*app.get_subcommands().back()).OptionNames());
+        } else if (command.empty()) {
+            text += tool::Suggestion(word, option ? program.OptionNames() : program.CommandNames());
         }
     }
     if (!command.empty()) {
@@ -84,7 +86,7 @@ int Run(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer("trammel COMMAND --help tells more. Coordinates are h,v: rightward and downward.");
     for (auto const add : tool::kCommands) {
-        add(app);
+        add(tool::Command(app));
     }
     for (CLI::App* const command : app.get_subcommands({})) {
         AddCommonOptions(*command);

@@ -11,8 +11,6 @@
 #include <trammel/Moments.h>
 #include <trammel/RegionArea.h>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -89,18 +87,19 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddArea(CLI::App& app) {
+void AddArea(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("area", "Area and centroid of what each outline encloses");
-    AddSources(*command, options->sources);
-    AddAccuracy(*command, options->figures);
-    AddRule(*command, options->rule);
-    command->footer("Every subpath counts as closed. The signed area counts each point as often as "
-                    "the outline runs around it,\nclockwise on the page positive; the centroid is "
-                    "weighted in the same way.\n" +
-                    std::string(kAccuracyHelp) + "\nExample: trammel area drawing.svg --json");
-    command->callback([options] { Run(*options); });
+    Command const command =
+        app.AddCommand("area", "Area and centroid of what each outline encloses");
+    AddSources(command, options->sources);
+    AddAccuracy(command, options->figures);
+    AddRule(command, options->rule);
+    command.SetFooter(
+        "Every subpath counts as closed. The signed area counts each point as often as "
+        "the outline runs around it,\nclockwise on the page positive; the centroid is "
+        "weighted in the same way.\n" +
+        std::string(kAccuracyHelp) + "\nExample: trammel area drawing.svg --json");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

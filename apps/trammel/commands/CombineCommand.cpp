@@ -13,8 +13,6 @@
 
 #include <trammel/PolygonOperations.h>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -222,40 +220,38 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddCombine(CLI::App& app) {
+void AddCombine(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "combine", "Union, intersection, difference or exclusive-or of what two drawings cover");
-    command->add_option("OPERATION", options->operation, "union, intersection, difference or xor")
-        ->required()
-        ->type_name("");
-    command->add_option("A", options->a.file, "SVG drawing, font or map")
-        ->required()
-        ->type_name("");
-    command->add_option("B", options->b.file, "The drawing that is added to or taken from it")
-        ->required()
-        ->type_name("");
-    AddValues(*command, "--id-a", options->a.ids, "Only this outline of A (may be repeated)")
-        ->type_name("ID");
-    AddValues(*command, "--id-b", options->b.ids, "Only this outline of B (may be repeated)")
-        ->type_name("ID");
+    command.AddOption("OPERATION", options->operation, "union, intersection, difference or xor")
+        .Required()
+        .TypeName("");
+    command.AddOption("A", options->a.file, "SVG drawing, font or map").Required().TypeName("");
+    command.AddOption("B", options->b.file, "The drawing that is added to or taken from it")
+        .Required()
+        .TypeName("");
+    command.AddValues("--id-a", options->a.ids, "Only this outline of A (may be repeated)")
+        .TypeName("ID");
+    command.AddValues("--id-b", options->b.ids, "Only this outline of B (may be repeated)")
+        .TypeName("ID");
     command
-        ->add_option("--error", options->error,
-                     "How far lines may deviate from curves (default: a 10000th of the size)")
-        ->type_name("E");
+        .AddOption("--error", options->error,
+                   "How far lines may deviate from curves (default: a 10000th of the size)")
+        .TypeName("E");
     command
-        ->add_option("--rule", options->rule,
-                     "nonzero or evenodd, for all outlines (default: as the drawings say)")
-        ->type_name("RULE");
-    AddWriteOptions(*command, options->write, false);
-    command->add_flag("--json", options->json, "Print areas, contours, holes and vertices as JSON");
-    command->footer(
+        .AddOption("--rule", options->rule,
+                   "nonzero or evenodd, for all outlines (default: as the drawings say)")
+        .TypeName("RULE");
+    AddWriteOptions(command, options->write, false);
+    command.AddFlag("--json", options->json, "Print areas, contours, holes and vertices as JSON");
+    command.SetFooter(
         "A drawing covers what its outlines enclose, each by its fill rule and every "
         "subpath taken as closed.\nIf A is an SVG drawing, it is kept: the result takes "
         "the place of its first outline, with id and\nstyle, and its other outlines that "
         "were combined go.\n"
         "Example: trammel combine difference plate.svg holes.svg -o drilled.svg");
-    command->callback([options] { Run(*options); });
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

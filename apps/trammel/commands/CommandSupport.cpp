@@ -7,39 +7,29 @@
 
 #include <trammel/AccurateCurve.h>
 
-#include <CLI/CLI.hpp>
-
 #include <limits>
 #include <set>
 
 namespace tool {
 
-CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<std::string>& values,
-                       std::string const& help) {
-    return command.add_option(name, values, help)
-        ->expected(1)
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
-        ->allow_extra_args(false);
+void AddIds(Command const& command, std::vector<std::string>& ids) {
+    command.AddValues("--id", ids, "Only the outline with this id or glyph name (may be repeated)")
+        .TypeName("ID");
 }
 
-void AddIds(CLI::App& command, std::vector<std::string>& ids) {
-    AddValues(command, "--id", ids, "Only the outline with this id or glyph name (may be repeated)")
-        ->type_name("ID");
-}
-
-void AddSource(CLI::App& command, Source& source) {
-    command.add_option("FILE", source.file, "SVG drawing, font or map; - for standard input")
-        ->required()
-        ->type_name("");
+void AddSource(Command const& command, Source& source) {
+    command.AddOption("FILE", source.file, "SVG drawing, font or map; - for standard input")
+        .Required()
+        .TypeName("");
     AddIds(command, source.ids);
 }
 
-void AddOutput(CLI::App& command, std::string& output) {
+void AddOutput(Command const& command, std::string& output) {
     command
-        .add_option("-o,--output", output,
-                    "The file to write: .svg, .svgz or .png; - for standard output")
-        ->required()
-        ->type_name("FILE");
+        .AddOption("-o,--output", output,
+                   "The file to write: .svg, .svgz or .png; - for standard output")
+        .Required()
+        .TypeName("FILE");
 }
 
 void KeepOnly(Drawing& drawing, std::vector<std::string> const& ids) {
@@ -115,11 +105,11 @@ char const* NameOf(trammel::FillRule rule) {
     return rule == trammel::FillRule::kNonZero ? "nonzero" : "evenodd";
 }
 
-void AddRule(CLI::App& command, std::string& rule) {
+void AddRule(Command const& command, std::string& rule) {
     command
-        .add_option("--rule", rule,
-                    "What is inside: nonzero or evenodd (default: the drawing's own fill rule)")
-        ->type_name("RULE");
+        .AddOption("--rule", rule,
+                   "What is inside: nonzero or evenodd (default: the drawing's own fill rule)")
+        .TypeName("RULE");
 }
 
 void SetRule(Drawing& drawing, std::string const& rule) {

@@ -6,6 +6,7 @@
 #ifndef TRAMMEL_APP_COMMANDSUPPORT_H
 #define TRAMMEL_APP_COMMANDSUPPORT_H
 
+#include "CommandLine.h"
 #include "Drawing.h"
 #include "Picture.h"
 
@@ -14,11 +15,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-class Option;
-} // namespace CLI
 
 namespace tool {
 
@@ -31,14 +27,11 @@ struct Source {
 };
 
 /// Adds the argument FILE and the option --id.
-void AddSource(CLI::App& command, Source& source);
+void AddSource(Command const& command, Source& source);
 /// Adds the option --id alone.
-void AddIds(CLI::App& command, std::vector<std::string>& ids);
+void AddIds(Command const& command, std::vector<std::string>& ids);
 /// Adds the required option -o.
-void AddOutput(CLI::App& command, std::string& output);
-/// Adds an option that is given as text and may come several times, one value each.
-CLI::Option* AddValues(CLI::App& command, std::string const& name, std::vector<std::string>& values,
-                       std::string const& help);
+void AddOutput(Command const& command, std::string& output);
 
 /// Throws Error when the drawing has no outlines.
 void CheckNotEmpty(Drawing const& drawing);
@@ -60,7 +53,7 @@ trammel::FillRule RuleOf(std::string const& name);
 /// Returns the rule's name.
 char const* NameOf(trammel::FillRule rule);
 /// Adds the option --rule.
-void AddRule(CLI::App& command, std::string& rule);
+void AddRule(Command const& command, std::string& rule);
 /// Gives all outlines the rule of this name. They keep theirs if the name is empty.
 void SetRule(Drawing& drawing, std::string const& rule);
 

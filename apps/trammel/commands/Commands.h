@@ -6,35 +6,33 @@
 #ifndef TRAMMEL_APP_COMMANDS_H
 #define TRAMMEL_APP_COMMANDS_H
 
-namespace CLI {
-class App;
-}
+#include "CommandLine.h"
 
 namespace tool {
 
 // Each function adds one subcommand. Its callback does the work and throws tool::Error when the
 // work cannot be done.
 
-void AddMeasure(CLI::App& app);
-void AddPoint(CLI::App& app);
-void AddNearest(CLI::App& app);
-void AddHit(CLI::App& app);
-void AddArea(CLI::App& app);
-void AddIntersect(CLI::App& app);
-void AddFlatten(CLI::App& app);
-void AddCut(CLI::App& app);
-void AddReverse(CLI::App& app);
-void AddTransform(CLI::App& app);
-void AddHatch(CLI::App& app);
-void AddText(CLI::App& app);
-void AddCombine(CLI::App& app);
-void AddShape(CLI::App& app);
-void AddPolygons(CLI::App& app);
-void AddGallery(CLI::App& app);
-void AddHelp(CLI::App& app);
+void AddMeasure(Command const& app);
+void AddPoint(Command const& app);
+void AddNearest(Command const& app);
+void AddHit(Command const& app);
+void AddArea(Command const& app);
+void AddIntersect(Command const& app);
+void AddFlatten(Command const& app);
+void AddCut(Command const& app);
+void AddReverse(Command const& app);
+void AddTransform(Command const& app);
+void AddHatch(Command const& app);
+void AddText(Command const& app);
+void AddCombine(Command const& app);
+void AddShape(Command const& app);
+void AddPolygons(Command const& app);
+void AddGallery(Command const& app);
+void AddHelp(Command const& app);
 
 /// All commands, in the order in which the help lists them.
-inline constexpr void (*kCommands[])(CLI::App& app) = {
+inline constexpr void (*kCommands[])(Command const& app) = {
     AddMeasure, AddPoint, AddNearest,  AddHit,       AddArea,  AddIntersect,
     AddFlatten, AddCut,   AddReverse,  AddTransform, AddHatch, AddText,
     AddCombine, AddShape, AddPolygons, AddGallery,   AddHelp,

@@ -8,8 +8,6 @@
 #include "Output.h"
 #include "WriteSupport.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <utility>
 
@@ -78,26 +76,26 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddCut(CLI::App& app) {
+void AddCut(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("cut", "Cuts a piece out of each outline, and writes it and the rest");
-    AddSource(*command, options->source);
-    command->add_option("--from", options->from, "Where the piece begins: fraction of the length")
-        ->required()
-        ->type_name("A");
-    command->add_option("--to", options->to, "Where it ends: a greater fraction, at most 1")
-        ->required()
-        ->type_name("B");
-    AddWriteOptions(*command, options->write);
-    AddCurveAccuracy(*command, options->write);
-    command->add_option("--rest", options->rest, "The file for what remains")->type_name("FILE");
-    command->footer(
+    Command const command =
+        app.AddCommand("cut", "Cuts a piece out of each outline, and writes it and the rest");
+    AddSource(command, options->source);
+    command.AddOption("--from", options->from, "Where the piece begins: fraction of the length")
+        .Required()
+        .TypeName("A");
+    command.AddOption("--to", options->to, "Where it ends: a greater fraction, at most 1")
+        .Required()
+        .TypeName("B");
+    AddWriteOptions(command, options->write);
+    AddCurveAccuracy(command, options->write);
+    command.AddOption("--rest", options->rest, "The file for what remains").TypeName("FILE");
+    command.SetFooter(
         "An SVG drawing is kept: in both files the elements have what was cut or what remains, "
         "and everything\nelse stays as it is.\n"
         "Example: trammel cut drawing.svg --from 0.25 --to 0.5 -o piece.svg --rest "
         "rest.svg");
-    command->callback([options] { Run(*options); });
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

@@ -10,8 +10,6 @@
 #include "Progress.h"
 #include "WriteSupport.h"
 
-#include <CLI/CLI.hpp>
-
 namespace tool {
 
 namespace {
@@ -63,22 +61,22 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddFlatten(CLI::App& app) {
+void AddFlatten(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("flatten", "Writes the outlines with every curve as straight lines");
-    AddSource(*command, options->source);
-    command->add_option("--error", options->error, "How far the lines may deviate from the curves")
-        ->required()
-        ->type_name("E");
-    AddWriteOptions(*command, options->write);
-    command->add_flag("--classic", options->classic,
-                      "The lines of CBezier::Flatten, which may deviate by more");
-    command->footer(
+    Command const command =
+        app.AddCommand("flatten", "Writes the outlines with every curve as straight lines");
+    AddSource(command, options->source);
+    command.AddOption("--error", options->error, "How far the lines may deviate from the curves")
+        .Required()
+        .TypeName("E");
+    AddWriteOptions(command, options->write);
+    command.AddFlag("--classic", options->classic,
+                    "The lines of CBezier::Flatten, which may deviate by more");
+    command.SetFooter(
         "An SVG drawing is kept: elements with curves get straight lines, everything else "
         "stays as it is.\n"
         "Example: trammel flatten drawing.svg --error 0.1 -o flat.svg");
-    command->callback([options] { Run(*options); });
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

@@ -9,8 +9,6 @@
 #include "Picture.h"
 #include "Progress.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -159,31 +157,31 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddGallery(CLI::App& app) {
+void AddGallery(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "gallery", "Draws a page of pictures that show what the library does, with figures");
     command
-        ->add_option("-o,--output", options->folder,
-                     "Folder for index.html and its pictures; made if it does not exist")
-        ->required()
-        ->type_name("DIR");
-    command->add_option("--font", options->font, "Font whose letters are drawn and measured")
-        ->type_name("FILE")
-        ->capture_default_str();
-    command->add_option("--label-font", options->labelFont, "Font of the words in the pictures")
-        ->type_name("FILE")
-        ->capture_default_str();
-    command->add_option("--drawing", options->drawing, "Drawing that is measured and searched")
-        ->type_name("FILE")
-        ->capture_default_str();
-    CLI::Option const* const map =
-        command->add_option("--map", options->map, "TopoJSON map whose countries are drawn")
-            ->type_name("FILE")
-            ->capture_default_str();
-    command->footer("Prints where the page is.\nExample: trammel gallery -o pictures");
-    command->callback([options, map] {
-        options->mapChosen = map->count() > 0;
+        .AddOption("-o,--output", options->folder,
+                   "Folder for index.html and its pictures; made if it does not exist")
+        .Required()
+        .TypeName("DIR");
+    command.AddOption("--font", options->font, "Font whose letters are drawn and measured")
+        .TypeName("FILE")
+        .ShowDefault();
+    command.AddOption("--label-font", options->labelFont, "Font of the words in the pictures")
+        .TypeName("FILE")
+        .ShowDefault();
+    command.AddOption("--drawing", options->drawing, "Drawing that is measured and searched")
+        .TypeName("FILE")
+        .ShowDefault();
+    Option const map =
+        command.AddOption("--map", options->map, "TopoJSON map whose countries are drawn")
+            .TypeName("FILE")
+            .ShowDefault();
+    command.SetFooter("Prints where the page is.\nExample: trammel gallery -o pictures");
+    command.SetAction([options, map] {
+        options->mapChosen = map.IsGiven();
         Run(*options);
     });
 }

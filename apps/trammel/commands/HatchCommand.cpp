@@ -12,8 +12,6 @@
 
 #include <trammel/UTrigonometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <utility>
 
@@ -108,26 +106,25 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddHatch(CLI::App& app) {
+void AddHatch(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("hatch", "Writes parallel lines that fill the outlines");
-    AddSource(*command, options->source);
-    command->add_option("--angle", options->angle, "Degrees, clockwise from the horizontal")
-        ->required()
-        ->type_name("A");
-    command->add_option("--spacing", options->spacing, "Distance between lines")
-        ->required()
-        ->type_name("S");
-    AddWriteOptions(*command, options->write);
-    command->add_flag("--outlines", options->outlines,
-                      "Keep the outlines' fill; in a new picture, draw the outlines too");
-    command->footer(
+    Command const command = app.AddCommand("hatch", "Writes parallel lines that fill the outlines");
+    AddSource(command, options->source);
+    command.AddOption("--angle", options->angle, "Degrees, clockwise from the horizontal")
+        .Required()
+        .TypeName("A");
+    command.AddOption("--spacing", options->spacing, "Distance between lines")
+        .Required()
+        .TypeName("S");
+    AddWriteOptions(command, options->write);
+    command.AddFlag("--outlines", options->outlines,
+                    "Keep the outlines' fill; in a new picture, draw the outlines too");
+    command.SetFooter(
         "An SVG drawing is kept: the lines stand after each outline and take the place of "
         "its fill.\n"
         "Inside is decided by the even-odd rule, every subpath taken as closed.\n"
         "Example: trammel hatch drawing.svg --angle 45 --spacing 1 -o hatched.svg");
-    command->callback([options] { Run(*options); });
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

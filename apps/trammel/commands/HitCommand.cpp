@@ -11,8 +11,6 @@
 #include <trammel/OutlineMeasure.h>
 #include <trammel/Winding.h>
 
-#include <CLI/CLI.hpp>
-
 #include <utility>
 
 namespace tool {
@@ -131,27 +129,27 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddHit(CLI::App& app) {
+void AddHit(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("hit", "Which outlines a point lies in, or on within a tolerance");
-    AddSources(*command, options->sources);
-    AddValues(*command, "--at", options->at, "The point (may be repeated)")
-        ->required()
-        ->type_name("H,V");
+    Command const command =
+        app.AddCommand("hit", "Which outlines a point lies in, or on within a tolerance");
+    AddSources(command, options->sources);
+    command.AddValues("--at", options->at, "The point (may be repeated)")
+        .Required()
+        .TypeName("H,V");
     command
-        ->add_option("--tolerance", options->tolerance,
-                     "How far from an outline still counts as on it (default 0)")
-        ->type_name("D");
-    AddRule(*command, options->rule);
-    AddAccuracy(*command, options->figures);
-    command->add_flag("--classic", options->figures.classic,
-                      "The approximate answers of TPolygon::Contains and CBezier::HitTest, by the "
-                      "even-odd rule");
-    command->footer("Every subpath counts as closed. Curves are taken as they are: only a point "
-                    "that rounding cannot tell from\nthe outline may be on either side.\n"
-                    "Example: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
-    command->callback([options] { Run(*options); });
+        .AddOption("--tolerance", options->tolerance,
+                   "How far from an outline still counts as on it (default 0)")
+        .TypeName("D");
+    AddRule(command, options->rule);
+    AddAccuracy(command, options->figures);
+    command.AddFlag("--classic", options->figures.classic,
+                    "The approximate answers of TPolygon::Contains and CBezier::HitTest, by the "
+                    "even-odd rule");
+    command.SetFooter("Every subpath counts as closed. Curves are taken as they are: only a point "
+                      "that rounding cannot tell from\nthe outline may be on either side.\n"
+                      "Example: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

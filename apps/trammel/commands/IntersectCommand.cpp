@@ -10,8 +10,6 @@
 
 #include <trammel/Intersections.h>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -116,27 +114,26 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddIntersect(CLI::App& app) {
+void AddIntersect(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "intersect", "Where the outlines of two drawings, or of one, meet each other");
-    command->add_option("A", options->a.file, "SVG drawing, font or map")
-        ->required()
-        ->type_name("");
-    command->add_option("B", options->b.file, "Another one (default: the outlines of A, in pairs)")
-        ->type_name("");
-    AddValues(*command, "--id-a", options->a.ids, "Only this outline of A (may be repeated)")
-        ->type_name("ID");
-    AddValues(*command, "--id-b", options->b.ids, "Only this outline of B (may be repeated)")
-        ->type_name("ID");
-    command->add_flag("--self", options->itself, "Where each outline of A meets itself");
-    AddAccuracy(*command, options->figures);
-    command->add_flag("--json", options->json, "Print JSON");
-    command->footer("A place is a crossing, a contact (the outlines touch and keep their sides), "
-                    "an end, or an overlap\nalong a stretch. JSON tells the elements and the "
-                    "parameters on them.\n" +
-                    std::string(kAccuracyHelp) + "\nExample: trammel intersect drawing.svg --json");
-    command->callback([options] { Run(*options); });
+    command.AddOption("A", options->a.file, "SVG drawing, font or map").Required().TypeName("");
+    command.AddOption("B", options->b.file, "Another one (default: the outlines of A, in pairs)")
+        .TypeName("");
+    command.AddValues("--id-a", options->a.ids, "Only this outline of A (may be repeated)")
+        .TypeName("ID");
+    command.AddValues("--id-b", options->b.ids, "Only this outline of B (may be repeated)")
+        .TypeName("ID");
+    command.AddFlag("--self", options->itself, "Where each outline of A meets itself");
+    AddAccuracy(command, options->figures);
+    command.AddFlag("--json", options->json, "Print JSON");
+    command.SetFooter("A place is a crossing, a contact (the outlines touch and keep their sides), "
+                      "an end, or an overlap\nalong a stretch. JSON tells the elements and the "
+                      "parameters on them.\n" +
+                      std::string(kAccuracyHelp) +
+                      "\nExample: trammel intersect drawing.svg --json");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

@@ -11,8 +11,6 @@
 #include "Progress.h"
 #include "Warning.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cerrno>
 #include <cmath>
@@ -153,24 +151,24 @@ std::string Sources::Prefix(std::string const& file) const {
     return Several() ? OneLine(file) + ": " : "";
 }
 
-void AddSources(CLI::App& command, Sources& sources) {
+void AddSources(Command const& command, Sources& sources) {
     command
-        .add_option("FILE", sources.files,
-                    "SVG drawings, fonts and maps (TopoJSON, GeoJSON); - for standard input")
-        ->type_name("");
+        .AddArguments("FILE", sources.files,
+                      "SVG drawings, fonts and maps (TopoJSON, GeoJSON); - for standard input")
+        .TypeName("");
     command
-        .add_option("--files-from", sources.filesFrom,
-                    "Read also the files that LIST names, one a line; - for standard input")
-        ->type_name("LIST");
-    command.add_flag("--null", sources.null, "The names in LIST end with NUL, not with lines");
+        .AddOption("--files-from", sources.filesFrom,
+                   "Read also the files that LIST names, one a line; - for standard input")
+        .TypeName("LIST");
+    command.AddFlag("--null", sources.null, "The names in LIST end with NUL, not with lines");
     AddIds(command, sources.ids);
     command
-        .add_option("--unit", sources.unit,
-                    "All figures in mm, cm, in, pt, pc, Q or px on the drawing's page, those of "
-                    "options too")
-        ->type_name("U");
-    command.add_flag("--json", sources.json, "Print JSON");
-    sources.command = command.get_name();
+        .AddOption("--unit", sources.unit,
+                   "All figures in mm, cm, in, pt, pc, Q or px on the drawing's page, those of "
+                   "options too")
+        .TypeName("U");
+    command.AddFlag("--json", sources.json, "Print JSON");
+    sources.command = command.Name();
 }
 
 void ForEachFile(Sources const& sources, ArcAccuracy arcs,
@@ -233,16 +231,16 @@ ArcAccuracy FigureOptions::Arcs(ArcAccuracy::By by) const {
     return {most > 0.0 ? by : ArcAccuracy::By::kDigits, most, ""};
 }
 
-void AddAccuracy(CLI::App& command, FigureOptions& options) {
+void AddAccuracy(Command const& command, FigureOptions& options) {
     command
-        .add_option("--accuracy", options.accuracy,
-                    "How far figures may be off (default: all printed digits are right)")
-        ->type_name("A");
+        .AddOption("--accuracy", options.accuracy,
+                   "How far figures may be off (default: all printed digits are right)")
+        .TypeName("A");
 }
 
-void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls) {
+void AddFigureOptions(Command const& command, FigureOptions& options, std::string const& calls) {
     AddAccuracy(command, options);
-    command.add_flag("--classic", options.classic, "The approximate figures of " + calls);
+    command.AddFlag("--classic", options.classic, "The approximate figures of " + calls);
 }
 
 Json FileJson(Drawing const& drawing, Sources const& sources, FigureOptions const& options) {

@@ -39,7 +39,7 @@ struct Sources {
 };
 
 /// Adds FILE..., --files-from, --null, --id, --unit and --json.
-void AddSources(CLI::App& command, Sources& sources);
+void AddSources(Command const& command, Sources& sources);
 
 /// What a command found in one file. Only one of both needs to be set: `json` with --json, and
 /// `text` without.
@@ -86,9 +86,9 @@ inline constexpr char const* kAccuracyHelp =
     "Figures are right to the digits printed; \"accuracy\" in JSON tells how far they may be off.";
 
 /// Adds --accuracy.
-void AddAccuracy(CLI::App& command, FigureOptions& options);
+void AddAccuracy(Command const& command, FigureOptions& options);
 /// Adds --accuracy and --classic. `calls` names the calls that --classic takes.
-void AddFigureOptions(CLI::App& command, FigureOptions& options, std::string const& calls);
+void AddFigureOptions(Command const& command, FigureOptions& options, std::string const& calls);
 
 /// Returns the beginning of a file's object: "file", and "unit" and "classic" if they were asked
 /// for.

@@ -10,8 +10,6 @@
 
 #include <trammel/AccurateCurve.h>
 
-#include <CLI/CLI.hpp>
-
 #include <utility>
 
 namespace tool {
@@ -171,19 +169,20 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddMeasure(CLI::App& app) {
+void AddMeasure(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "measure", "Length, bounds and contents of each outline of drawings and fonts, and totals");
-    AddSources(*command, options->sources);
-    AddFigureOptions(*command, options->figures, "CPath::Length and CPath::Bounds");
-    command->footer("A font's outlines are its glyphs, in font units with y down; a map's are its "
-                    "countries, in\n"
-                    "degrees of longitude and negative latitude. Bounds are those "
-                    "of the drawn\noutline; controlBounds in JSON contain the curves' control "
-                    "points too.\n" +
-                    std::string(kAccuracyHelp) + "\nExample: trammel measure drawing.svg font.ttf");
-    command->callback([options] { Run(*options); });
+    AddSources(command, options->sources);
+    AddFigureOptions(command, options->figures, "CPath::Length and CPath::Bounds");
+    command.SetFooter(
+        "A font's outlines are its glyphs, in font units with y down; a map's are its "
+        "countries, in\n"
+        "degrees of longitude and negative latitude. Bounds are those "
+        "of the drawn\noutline; controlBounds in JSON contain the curves' control "
+        "points too.\n" +
+        std::string(kAccuracyHelp) + "\nExample: trammel measure drawing.svg font.ttf");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

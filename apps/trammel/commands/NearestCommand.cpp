@@ -10,8 +10,6 @@
 #include <trammel/OutlineMeasure.h>
 #include <trammel/UScalar.h>
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -122,18 +120,18 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddNearest(CLI::App& app) {
+void AddNearest(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("nearest", "The outline, and the place on it, nearest to a point");
-    AddSources(*command, options->sources);
-    AddFigureOptions(*command, options->figures, "CPath::FindTValue and CPath::TPt");
-    AddValues(*command, "--to", options->to, "The point (may be repeated)")
-        ->required()
-        ->type_name("H,V");
-    command->footer(std::string(kAccuracyHelp) +
-                    "\nExample: trammel nearest drawing.svg --to 12,7.5");
-    command->callback([options] { Run(*options); });
+    Command const command =
+        app.AddCommand("nearest", "The outline, and the place on it, nearest to a point");
+    AddSources(command, options->sources);
+    AddFigureOptions(command, options->figures, "CPath::FindTValue and CPath::TPt");
+    command.AddValues("--to", options->to, "The point (may be repeated)")
+        .Required()
+        .TypeName("H,V");
+    command.SetFooter(std::string(kAccuracyHelp) +
+                      "\nExample: trammel nearest drawing.svg --to 12,7.5");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

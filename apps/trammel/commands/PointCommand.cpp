@@ -11,8 +11,6 @@
 #include <trammel/PathMeasure.h>
 #include <trammel/UTrigonometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -140,21 +138,23 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddPoint(CLI::App& app) {
+void AddPoint(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("point", "Position and direction at fractions of each outline's length");
-    AddSources(*command, options->sources);
-    AddFigureOptions(*command, options->figures, "CPath::Length and CPath::TPt");
-    AddValues(*command, "--at", options->at,
-              "Fraction of the length, 0 to 1 (several: with commas, or the option repeated)")
-        ->required()
-        ->type_name("T[,T...]");
-    command->footer("The direction is that in which the outline is drawn, as a vector of length 1 "
-                    "and as an angle from\nthe right, downward positive; at a corner that of the "
-                    "segment which ends there.\n" +
-                    std::string(kAccuracyHelp) + "\nExample: trammel point drawing.svg --at 0.3");
-    command->callback([options] { Run(*options); });
+    Command const command =
+        app.AddCommand("point", "Position and direction at fractions of each outline's length");
+    AddSources(command, options->sources);
+    AddFigureOptions(command, options->figures, "CPath::Length and CPath::TPt");
+    command
+        .AddValues("--at", options->at,
+                   "Fraction of the length, 0 to 1 (several: with commas, or the option repeated)")
+        .Required()
+        .TypeName("T[,T...]");
+    command.SetFooter(
+        "The direction is that in which the outline is drawn, as a vector of length 1 "
+        "and as an angle from\nthe right, downward positive; at a corner that of the "
+        "segment which ends there.\n" +
+        std::string(kAccuracyHelp) + "\nExample: trammel point drawing.svg --at 0.3");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

@@ -14,8 +14,6 @@
 #include <trammel/UFPoly.h>
 #include <trammel/UTrigonometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -254,29 +252,29 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddPolygons(CLI::App& app) {
+void AddPolygons(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "polygons", "The outlines as handle polygons: their points, turned bounds, and rounded");
-    AddSource(*command, options->source);
-    command->add_flag("--describe", options->describe, "List the points of each polygon");
+    AddSource(command, options->source);
+    command.AddFlag("--describe", options->describe, "List the points of each polygon");
     command
-        ->add_option("--rotate-bounds", options->angle,
-                     "Turn each outline's bounds about their centre by degrees, clockwise")
-        ->type_name("DEG");
-    command->add_flag("--to-quickdraw", options->toQuickDraw,
-                      "Round each polygon to a QuickDraw polygon of 16-bit integers");
+        .AddOption("--rotate-bounds", options->angle,
+                   "Turn each outline's bounds about their centre by degrees, clockwise")
+        .TypeName("DEG");
+    command.AddFlag("--to-quickdraw", options->toQuickDraw,
+                    "Round each polygon to a QuickDraw polygon of 16-bit integers");
     command
-        ->add_option("--error", options->error,
-                     "How far lines may deviate from curves (default: a 10000th of the size)")
-        ->type_name("E");
-    command->add_option("-o,--output", options->output, "Draw the result: .svg or .png")
-        ->type_name("FILE");
-    command->add_flag("--json", options->json, "Print JSON");
-    command->footer("Each subpath is one polygon; a negative angle is given as "
-                    "--rotate-bounds=-30.\n"
-                    "Example: trammel polygons drawing.svg --rotate-bounds 30 -o turned.svg");
-    command->callback([options] { Run(*options); });
+        .AddOption("--error", options->error,
+                   "How far lines may deviate from curves (default: a 10000th of the size)")
+        .TypeName("E");
+    command.AddOption("-o,--output", options->output, "Draw the result: .svg or .png")
+        .TypeName("FILE");
+    command.AddFlag("--json", options->json, "Print JSON");
+    command.SetFooter("Each subpath is one polygon; a negative angle is given as "
+                      "--rotate-bounds=-30.\n"
+                      "Example: trammel polygons drawing.svg --rotate-bounds 30 -o turned.svg");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

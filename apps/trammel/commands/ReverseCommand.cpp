@@ -6,8 +6,6 @@
 
 #include <trammel/PathStructure.h>
 
-#include <CLI/CLI.hpp>
-
 namespace tool {
 
 namespace {
@@ -28,15 +26,14 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddReverse(CLI::App& app) {
+void AddReverse(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("reverse", "Writes the outlines drawn the other way");
-    AddSource(*command, options->source);
-    AddOutput(*command, options->output);
-    command->footer("Each subpath begins where it ended, and closed ones stay closed.\n"
-                    "Example: trammel reverse drawing.svg --id hole -o reversed.svg");
-    command->callback([options] { Run(*options); });
+    Command const command = app.AddCommand("reverse", "Writes the outlines drawn the other way");
+    AddSource(command, options->source);
+    AddOutput(command, options->output);
+    command.SetFooter("Each subpath begins where it ended, and closed ones stay closed.\n"
+                      "Example: trammel reverse drawing.svg --id hole -o reversed.svg");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

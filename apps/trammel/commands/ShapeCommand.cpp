@@ -9,8 +9,6 @@
 #include <trammel/Shapes.h>
 #include <trammel/UTrigonometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <array>
 #include <cmath>
 #include <vector>
@@ -102,31 +100,30 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddShape(CLI::App& app) {
+void AddShape(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("shape", "Writes a circle, ellipse, rectangle, polygon or star");
-    command->add_option("KIND", options->kind, "circle, ellipse, rect, polygon or star")
-        ->required()
-        ->type_name("");
-    command->add_option("NUMBERS", options->numbers, "Its numbers, with commas between them")
-        ->required()
-        ->type_name("");
+    Command const command =
+        app.AddCommand("shape", "Writes a circle, ellipse, rectangle, polygon or star");
+    command.AddOption("KIND", options->kind, "circle, ellipse, rect, polygon or star")
+        .Required()
+        .TypeName("");
+    command.AddOption("NUMBERS", options->numbers, "Its numbers, with commas between them")
+        .Required()
+        .TypeName("");
     command
-        ->add_option("--tolerance", options->tolerance,
-                     "How far curves may be from the true circle or ellipse (default 0.001)")
-        ->type_name("D");
-    command->add_option("--set-id", options->id, "The id of the path (default: KIND)")
-        ->type_name("ID");
-    AddOutput(*command, options->output);
+        .AddOption("--tolerance", options->tolerance,
+                   "How far curves may be from the true circle or ellipse (default 0.001)")
+        .TypeName("D");
+    command.AddOption("--set-id", options->id, "The id of the path (default: KIND)").TypeName("ID");
+    AddOutput(command, options->output);
     std::string footer = "The numbers:\n";
     for (Kind const& kind : kKinds) {
         footer += std::string("  ") + kind.name + " " + kind.numbers + "\n";
     }
-    command->footer(footer +
-                    "DEG turns the shape; a polygon's first vertex is on top (-90 degrees).\n"
-                    "Example: trammel shape circle 50,50,20 --tolerance 1e-6 -o circle.svg");
-    command->callback([options] { Run(*options); });
+    command.SetFooter(footer +
+                      "DEG turns the shape; a polygon's first vertex is on top (-90 degrees).\n"
+                      "Example: trammel shape circle 50,50,20 --tolerance 1e-6 -o circle.svg");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

@@ -11,8 +11,6 @@
 #include "TextAlong.h"
 #include "WriteSupport.h"
 
-#include <CLI/CLI.hpp>
-
 #include <utility>
 
 namespace tool {
@@ -127,38 +125,38 @@ void Run(Options const& options) {
 
 } // namespace
 
-void AddText(CLI::App& app) {
+void AddText(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command =
-        app.add_subcommand("text", "Sets words along an outline and writes their outlines");
-    command->add_option("FONT", options->font, "The font file")->required()->type_name("");
-    command->add_option("WORDS", options->words, "The words (UTF-8)")->required()->type_name("");
-    command->add_option("--along", options->along.file, "Drawing whose first outline carries them")
-        ->required()
-        ->type_name("FILE");
-    AddIds(*command, options->along.ids);
+    Command const command =
+        app.AddCommand("text", "Sets words along an outline and writes their outlines");
+    command.AddOption("FONT", options->font, "The font file").Required().TypeName("");
+    command.AddOption("WORDS", options->words, "The words (UTF-8)").Required().TypeName("");
+    command.AddOption("--along", options->along.file, "Drawing whose first outline carries them")
+        .Required()
+        .TypeName("FILE");
+    AddIds(command, options->along.ids);
     command
-        ->add_option("--size", options->size,
-                     "Size of the type (default: the words fill the outline)")
-        ->type_name("S");
+        .AddOption("--size", options->size,
+                   "Size of the type (default: the words fill the outline)")
+        .TypeName("S");
     command
-        ->add_option("--start", options->start, "Where the words begin: distance along the outline")
-        ->type_name("D");
-    command->add_flag("--outline", options->outline,
-                      "In a new picture: draw the outline that carries the words");
-    command->add_flag("--raw-quadratics", options->rawQuadratics,
-                      "Flatten TrueType's quadratic curves as they are, instead of raising them to "
-                      "cubics");
+        .AddOption("--start", options->start, "Where the words begin: distance along the outline")
+        .TypeName("D");
+    command.AddFlag("--outline", options->outline,
+                    "In a new picture: draw the outline that carries the words");
+    command.AddFlag("--raw-quadratics", options->rawQuadratics,
+                    "Flatten TrueType's quadratic curves as they are, instead of raising them to "
+                    "cubics");
     command
-        ->add_option("--error", options->error,
-                     "With it: how far the lines may deviate (default: a 1000th of the size)")
-        ->type_name("E");
-    AddWriteOptions(*command, options->write);
-    command->footer(
+        .AddOption("--error", options->error,
+                   "With it: how far the lines may deviate (default: a 1000th of the size)")
+        .TypeName("E");
+    AddWriteOptions(command, options->write);
+    command.SetFooter(
         "An SVG drawing is kept: the words stand after the outline that carries them.\n"
         "CFF fonts have cubic curves only: --raw-quadratics leaves them as they are.\n"
         "Example: trammel text font.ttf \"once around\" --along circle.svg -o ring.png");
-    command->callback([options] { Run(*options); });
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool

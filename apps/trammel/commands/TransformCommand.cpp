@@ -11,8 +11,6 @@
 #include <trammel/CMatrix3x3.h>
 #include <trammel/UTrigonometry.h>
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <utility>
 
@@ -62,13 +60,11 @@ Step ReadStep(std::string const& option, std::string const& text) {
 }
 
 /// The transform options in the order in which they stand on the command line.
-std::vector<Step> StepsOf(CLI::App const& command) {
-    std::map<CLI::Option const*, std::size_t> taken;
+std::vector<Step> StepsOf(Command const& command) {
     std::vector<Step> steps;
-    for (CLI::Option const* option : command.parse_order()) {
-        std::string const name = option->get_name();
+    for (auto const& [name, value] : command.GivenOptions()) {
         if (name == "--rotate" || name == "--scale" || name == "--translate" || name == "--map") {
-            steps.push_back(ReadStep(name, option->results().at(taken[option]++)));
+            steps.push_back(ReadStep(name, value));
         }
     }
     return steps;
@@ -115,7 +111,7 @@ void MoveElements(SvgEdit& edit, Drawing const& drawing, bool whole, CMatrix3x3 
     }
 }
 
-void Run(CLI::App const& command, Options const& options) {
+void Run(Command const& command, Options const& options) {
     std::vector<Step> const steps = StepsOf(command);
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, options.coordinates ? ArcsOf(options.write) : kDigits);
@@ -153,34 +149,36 @@ void Run(CLI::App const& command, Options const& options) {
 
 } // namespace
 
-void AddTransform(CLI::App& app) {
+void AddTransform(Command const& app) {
     auto const options = std::make_shared<Options>();
-    CLI::App* const command = app.add_subcommand(
+    Command const command = app.AddCommand(
         "transform", "Turns, scales and moves the outlines, in the order of the options");
-    AddSource(*command, options->source);
-    AddValues(*command, "--rotate", options->rotate,
-              "Degrees, clockwise on the page; about the origin, or about the point H,V")
-        ->type_name("DEG[,H,V]");
-    AddValues(*command, "--scale", options->scale,
-              "Factor, or one for each direction; about the origin")
-        ->type_name("S[,SV]");
-    AddValues(*command, "--translate", options->translate, "Distances to the right and downward")
-        ->type_name("DH,DV");
-    AddValues(*command, "--map", options->map,
-              "Left, top, right, bottom of the rectangle that the outlines' bounds shall fill")
-        ->type_name("L,T,R,B");
-    command->add_flag("--coordinates", options->coordinates,
-                      "Write new coordinates of the outlines instead of transforms; the widths of "
-                      "strokes stay");
-    AddWriteOptions(*command, options->write);
-    AddCurveAccuracy(*command, options->write);
-    command->footer(
+    AddSource(command, options->source);
+    command
+        .AddValues("--rotate", options->rotate,
+                   "Degrees, clockwise on the page; about the origin, or about the point H,V")
+        .TypeName("DEG[,H,V]");
+    command
+        .AddValues("--scale", options->scale, "Factor, or one for each direction; about the origin")
+        .TypeName("S[,SV]");
+    command.AddValues("--translate", options->translate, "Distances to the right and downward")
+        .TypeName("DH,DV");
+    command
+        .AddValues("--map", options->map,
+                   "Left, top, right, bottom of the rectangle that the outlines' bounds shall fill")
+        .TypeName("L,T,R,B");
+    command.AddFlag("--coordinates", options->coordinates,
+                    "Write new coordinates of the outlines instead of transforms; the widths of "
+                    "strokes stay");
+    AddWriteOptions(command, options->write);
+    AddCurveAccuracy(command, options->write);
+    command.SetFooter(
         "An SVG drawing is kept: its elements get transforms, so that all that it shows "
         "moves, words and\nimages too; with --id only the elements of these outlines. "
         "The page stays as it is.\n"
         "Example: trammel transform drawing.svg --rotate 90 --map 0,0,100,100 -o "
         "turned.svg\nA value that begins with -. is given as --scale=-.5");
-    command->callback([command, options] { Run(*command, *options); });
+    command.SetAction([command, options] { Run(command, *options); });
 }
 
 } // namespace tool

@@ -6,8 +6,6 @@
 #include "Numbers.h"
 #include "Warning.h"
 
-#include <CLI/CLI.hpp>
-
 #include <cmath>
 #include <unordered_map>
 #include <utility>
@@ -49,28 +47,28 @@ std::optional<Colour> ColourOf(std::string const& option, std::string const& tex
 
 } // namespace
 
-void AddWriteOptions(CLI::App& command, WriteOptions& options, bool required) {
+void AddWriteOptions(Command const& command, WriteOptions& options, bool required) {
     command
-        .add_option("-o,--output", options.output,
-                    "The file to write: .svg, .svgz or .png; - for standard output")
-        ->required(required)
-        ->type_name("FILE");
+        .AddOption("-o,--output", options.output,
+                   "The file to write: .svg, .svgz or .png; - for standard output")
+        .Required(required)
+        .TypeName("FILE");
     command
-        .add_option("--precision", options.precision,
-                    "Decimals of new coordinates (default: all that are needed)")
-        ->type_name("N");
+        .AddOption("--precision", options.precision,
+                   "Decimals of new coordinates (default: all that are needed)")
+        .TypeName("N");
     command
-        .add_option("--stroke-width", options.strokeWidth,
-                    "Width of the lines that are added, in the drawing's units")
-        ->type_name("W");
-    command.add_option("--width", options.width, "PNG: width in pixels")->type_name("PX");
-    command.add_option("--height", options.height, "PNG: height in pixels")->type_name("PX");
-    command.add_option("--zoom", options.scale, "PNG: pixels for each unit of the drawing")
-        ->type_name("S");
+        .AddOption("--stroke-width", options.strokeWidth,
+                   "Width of the lines that are added, in the drawing's units")
+        .TypeName("W");
+    command.AddOption("--width", options.width, "PNG: width in pixels").TypeName("PX");
+    command.AddOption("--height", options.height, "PNG: height in pixels").TypeName("PX");
+    command.AddOption("--zoom", options.scale, "PNG: pixels for each unit of the drawing")
+        .TypeName("S");
     command
-        .add_option("--background", options.background,
-                    "PNG: #rgb, #rrggbb, white, black or none (default: white)")
-        ->type_name("COLOUR");
+        .AddOption("--background", options.background,
+                   "PNG: #rgb, #rrggbb, white, black or none (default: white)")
+        .TypeName("COLOUR");
 }
 
 void CheckWriteOptions(WriteOptions const& options) {
@@ -113,12 +111,12 @@ std::optional<int> DigitsOf(WriteOptions const& options) {
     return static_cast<int>(digits);
 }
 
-void AddCurveAccuracy(CLI::App& command, WriteOptions& options) {
+void AddCurveAccuracy(Command const& command, WriteOptions& options) {
     command
-        .add_option("--accuracy", options.accuracy,
-                    "How far curves may be from the circles and arcs that they stand for (default: "
-                    "4e-6 of the radius)")
-        ->type_name("A");
+        .AddOption("--accuracy", options.accuracy,
+                   "How far curves may be from the circles and arcs that they stand for (default: "
+                   "4e-6 of the radius)")
+        .TypeName("A");
 }
 
 ArcAccuracy ArcsOf(WriteOptions const& options) {

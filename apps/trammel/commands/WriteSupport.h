@@ -6,6 +6,7 @@
 #ifndef TRAMMEL_APP_WRITESUPPORT_H
 #define TRAMMEL_APP_WRITESUPPORT_H
 
+#include "CommandLine.h"
 #include "Drawing.h"
 #include "Picture.h"
 #include "SvgEdit.h"
@@ -13,10 +14,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-namespace CLI {
-class App;
-} // namespace CLI
 
 namespace tool {
 
@@ -34,7 +31,7 @@ struct WriteOptions {
 
 /// Adds -o and the options of precision, line width, PNG size and background.
 /// \param required  whether the command needs -o
-void AddWriteOptions(CLI::App& command, WriteOptions& options, bool required = true);
+void AddWriteOptions(Command const& command, WriteOptions& options, bool required = true);
 
 /// Throws Error for a mistake in the options, before the work begins.
 void CheckWriteOptions(WriteOptions const& options);
@@ -46,7 +43,7 @@ bool KeepsDocument(Drawing const& drawing, std::string const& file);
 std::optional<int> DigitsOf(WriteOptions const& options);
 
 /// Adds --accuracy, for a command that writes curves.
-void AddCurveAccuracy(CLI::App& command, WriteOptions& options);
+void AddCurveAccuracy(Command const& command, WriteOptions& options);
 /// Returns how near written curves must be to the circles and arcs that they stand for.
 ArcAccuracy ArcsOf(WriteOptions const& options);
 
