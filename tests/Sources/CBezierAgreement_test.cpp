@@ -38,6 +38,7 @@ using trammel_test::kInf;
 using trammel_test::kNaN;
 using trammel_test::Plain;
 using trammel_test::PointsOf;
+using trammel_test::Rounds;
 using trammel_test::SameCurve;
 using trammel_test::SamePoints;
 using trammel_test::Text;
@@ -399,7 +400,7 @@ TEST_F(Bezier, NearestParameterAgreesWhereTheSideIsInDoubt) {
 // so far away that the estimate's terms are ordinary numbers.
 TEST_F(Bezier, NearestParameterOfTinyCurvesToFarPointsAgrees) {
     Random random(75);
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < Rounds(100000); ++i) {
         double const size = std::ldexp(1.0, -random.Int(950, 1070));
         auto const small = [&] { return Pt(random.Uniform(-1, 1), random.Uniform(-1, 1)) * size; };
         CBezier c(small(), small(), small(), small());

@@ -34,6 +34,7 @@ using plain::StepUlps;
 using trammel_test::kC;
 using trammel_test::LibraryPath;
 using trammel_test::Path;
+using trammel_test::Rounds;
 using trammel_test::State;
 using trammel_test::Text;
 
@@ -96,7 +97,7 @@ void BuildAlike(Random& random, int count, bool grid, CPath& path, plain::Path& 
 
 TEST_F(Path, AgreesWithThePlainForm) {
     Random random(21);
-    for (int i = 0; i < 1500; ++i) {
+    for (int i = 0; i < Rounds(1500); ++i) {
         bool const grid = random.OneIn(3);
         CPath path;
         plain::Path same;

@@ -5,6 +5,7 @@
 #include "Contours_p.h"
 #include "Predicates_p.h"
 #include "Scratch_p.h"
+#include "TestSupport.h"
 
 #include "plain/ClipCorpus.h"
 #include "plain/PlainClip.h"
@@ -166,7 +167,7 @@ TEST(ClipParts, TestingEdgesAgainWhereNeededMissesNothingAtFlatAngles) {
     Dice dice(99);
     for (int power = 5; power <= 53; ++power) {
         SCOPED_TRACE("2^-" + std::to_string(power));
-        for (int round = 0; round < 12; ++round) {
+        for (int round = 0; round < trammel_test::Rounds(12); ++round) {
             Polygon fans[2];
             for (Polygon& fan : fans) {
                 for (int i = 0; i < 6; ++i) {

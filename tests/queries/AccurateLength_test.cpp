@@ -35,6 +35,7 @@ using trammel_test::Off;
 using trammel_test::Parabola;
 using trammel_test::PolygonLength;
 using trammel_test::Random;
+using trammel_test::Rounds;
 using trammel_test::SpecialCurves;
 using trammel_test::Text;
 using trammel_test::TrueLength;
@@ -198,7 +199,7 @@ TEST(ArcLength, IsWithinTheAccuracyWhereZerosAreNearlyOne) {
 // be anywhere.
 TEST(ArcLength, IsWithinTheAccuracyWhereTheCurveRestsAtItsEnds) {
     Random random(10);
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < Rounds(1000); ++i) {
         double const off = std::ldexp(random.Uniform(0.5, 1.5), -random.Integer(-40, 30));
         double const turn = random.Integer(0, 3) == 0 ? 0.0 : random.Uniform(-4.0, 4.0);
         Pt const other(random.Uniform(-0.05, 1.05) + off * std::cos(turn), off * std::sin(turn));

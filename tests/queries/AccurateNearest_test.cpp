@@ -30,6 +30,7 @@ using trammel_test::Length;
 using trammel_test::Off;
 using trammel_test::Parabola;
 using trammel_test::Random;
+using trammel_test::Rounds;
 using trammel_test::SameBits;
 using trammel_test::SpecialCurves;
 using trammel_test::Text;
@@ -84,7 +85,7 @@ TEST(NearestPoint, OfAParabolaSolvesItsCubic) {
 
 TEST(NearestPoint, IsTheNearestOfTheWholeCurve) {
     Random random(11);
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < Rounds(3000); ++i) {
         CBezier const curve = AnyCurve(random);
         Pt p = random.Point(random.Integer(0, 1) == 0 ? 150 : 20);
         switch (random.Integer(0, 5)) {

@@ -192,7 +192,7 @@ TEST_F(Measure, AgreesWithRandomPaths) {
 TEST_F(Measure, AgreesWithLongOutlines) {
     // A thousand elements, near enough to each other that many are about as near to a point.
     Random random(32);
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < Rounds(6); ++i) {
         CPath path;
         Pt at(0, 0);
         for (int k = 0; k < 1000; ++k) {
