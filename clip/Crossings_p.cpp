@@ -4,6 +4,7 @@
 
 #include "Clearances_p.h"
 #include "Cuts_p.h"
+#include "EdgeCopies_p.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -50,17 +51,29 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
     std::size_t const kMonotoneFrom = 50;
     Clearances const clearances(grid);
     incidences.assign(lines.points.size(), kSingle);
-    tree.emplace(lines, ScratchVector<char>(incidences.get_allocator()),
-                 GridPoint{clearances.Reach(), clearances.Reach()}, EdgeTree::Order::kLines);
+    ScratchVector<char> active(incidences.get_allocator());
+    // Where there are thousands of copies of an edge, one is cut for all. The pairs of the copies
+    // would be as many as the square of their number.
+    std::optional<EdgeCopies> copies;
+    if (!lines.owners.empty() && HasManyCopies(lines)) {
+        copies.emplace(lines);
+        copies->MarkIn(active);
+    }
+    tree.emplace(lines, std::move(active), GridPoint{clearances.Reach(), clearances.Reach()},
+                 EdgeTree::Order::kLines);
     for (std::size_t round = 0;; ++round) {
         bool const known = round == 0 && clearances.Usable() && recheck == Recheck::kWhereNeeded;
-        ScratchVector<Cut> const cuts =
+        ScratchVector<Cut> cuts =
             FindCuts(*tree, grid, round < kExactRounds ? Test::kExact : Test::kHotPixels,
                      known ? &clearances : nullptr, incidences);
+        if (copies) {
+            copies->CutCopies(cuts);
+            copies->ShareEnds(incidences);
+        }
         bool const any = std::any_of(cuts.begin(), cuts.end(),
                                      [](Cut const& cut) { return cut.incidence != kSingle; });
         if (!any) {
-            if (!tree->IsInOrderOfLines() || !tree->HasBoxes()) {
+            if (!tree->IsInOrderOfLines() || !tree->HasBoxes() || copies) {
                 tree.reset();
             }
             return;
@@ -69,7 +82,7 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
         if (round >= kMonotoneFrom) {
             sorted.KeepMonotone();
         }
-        ScratchVector<char> active(incidences.get_allocator());
+        active = ScratchVector<char>(incidences.get_allocator());
         std::size_t const count = tree->Count();
         std::size_t const unsettledCount =
             ApplyCuts(sorted, *tree, known ? &clearances : nullptr, lines, incidences, active);
@@ -78,6 +91,10 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
             return;
         }
         bool const pixels = round + 1 >= kExactRounds;
+        if (copies) {
+            copies.emplace(lines);
+            copies->MarkIn(active);
+        }
         bool const many = active.size() > 2 * count && unsettledCount > active.size() / 4;
         tree.emplace(lines, std::move(active), pixels ? grid.LargestSpacing() : GridPoint{0, 0},
                      many ? EdgeTree::Order::kMorton : EdgeTree::Order::kLines);

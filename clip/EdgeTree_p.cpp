@@ -51,6 +51,10 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const end = lines.End(line);
         for (std::size_t i = lines.Begin(line); i < end;) {
+            if (IsCopy(i)) {
+                ++i;
+                continue;
+            }
             std::size_t const chain = i;
             // Where the chain has gone so far, as bits: 1 east, 2 west, 4 up, 8 down.
             unsigned directions = 0;
@@ -59,7 +63,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
                 auto const [a, b] = mEdges[i];
                 unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
                                      (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
-                if ((all & (all >> 1) & 5U) != 0) {
+                if ((all & (all >> 1) & 5U) != 0 || IsCopy(i)) {
                     break;
                 }
                 directions = all;

@@ -36,6 +36,10 @@ public:
         kMorton, ///< along Morton's curve, which pays where long edges were cut to many short ones
     };
 
+    /// What stands in `active` for an edge that is left out of all pairs, because it equals
+    /// another. A tree with such edges casts no rays.
+    static constexpr char kCopy = 2;
+
     /// The boxes reach `margin` further than the edges. `active` has a 1 for each edge that has to
     /// be held against all others; an empty one stands for all edges. Throws std::length_error for
     /// more than kMostEdges.
@@ -194,7 +198,10 @@ private:
     }
     std::size_t StartOfLine(std::size_t edge) const { return mLines.Begin(LineOf(edge)); }
     bool IsActive(std::size_t edge) const {
-        return mActiveEdges.empty() || mActiveEdges[edge] != 0;
+        return mActiveEdges.empty() || mActiveEdges[edge] == 1;
+    }
+    bool IsCopy(std::size_t edge) const {
+        return !mActiveEdges.empty() && mActiveEdges[edge] == kCopy;
     }
 
     GridLines const& mLines;
@@ -308,6 +315,9 @@ template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
         }
     }
     for (std::size_t j = 0; j < Count() && count > 0; ++j) {
+        if (IsCopy(j)) {
+            continue;
+        }
         GridBox const box = BoxOf(mEdges[j]);
         for (std::size_t k = 0; k < count; ++k) {
             std::size_t const i = edges[k];

@@ -526,6 +526,24 @@ TEST(PolygonOperations, UniteHundredsOfCoincidentAndReversedCopies) {
               Text(RemoveOverlap({Pentagram()}, FillRule::kNonZero)));
 }
 
+TEST(PolygonOperations, TakeTimeInProportionToTheNumberOfCopies) {
+    // With the square of it, this test would take a quarter of an hour.
+    Rings copies;
+    for (int i = 0; i < 4000; ++i) {
+        copies.push_back(i % 3 == 0 ? Reversed(Pentagram()) : Pentagram());
+    }
+    Rings const last = {Pentagram()};
+    for (FillRule const rule : kRules) {
+        EXPECT_EQ(Text(Union(copies, rule)), Text(RemoveOverlap(last, rule)));
+    }
+    EXPECT_EQ(Text(RemoveOverlap(copies, FillRule::kNonZero)),
+              Text(RemoveOverlap(last, FillRule::kNonZero)));
+    EXPECT_EQ(Text(RemoveOverlap(copies, FillRule::kEvenOdd)), "");
+    copies.push_back(Pentagram());
+    EXPECT_EQ(Text(RemoveOverlap(copies, FillRule::kEvenOdd)),
+              Text(RemoveOverlap(last, FillRule::kEvenOdd)));
+}
+
 TEST(PolygonOperations, KeepTheRegionOfNudgedCopies) {
     Dice dice(20250107);
     for (double const nudge : {1e-16, 1e-15, 1e-13, 1e-10, 1e-7, 1e-5}) {
