@@ -14,7 +14,7 @@
 // count either way.
 //
 // Choose this where an outline of more than some ten segments is asked often. Preparing costs as
-// much as some ten calls of WindingNumber, and of a crowded outline as much as 80 to 320.
+// much as some ten calls of WindingNumber, and of a crowded outline as much as 100 to 400.
 //
 // A prepared outline keeps the segments as they were. Later changes of the outline, and its end, do
 // not reach it. Only assignment changes it. Copies share the segments and cost O(1).
@@ -27,10 +27,10 @@
 // each segment. In crowded outlines the way to a segment takes 60 to 190 bytes, O(n) in any case,
 // and building takes up to 700.
 //
-// Source: for crowded outlines, the steps are in queries/WindingGrid_p.h; for others, the arc tree
-// (Günther, Efficient structures for geometric data management, 1988; Ballard, Strip trees, 1981).
-// A chain of segments in a box that a point is not in crosses the point's ray as its ends do. So a
-// node answers for all of its segments unless its box surrounds the point.
+// Source: arc tree (Günther, Efficient structures for geometric data management, 1988; Ballard,
+// Strip trees, 1981). A chain of segments in a box that a point is not in crosses the point's ray
+// as its ends do. So a node answers for all of its segments unless its box surrounds the point. A
+// cell of the grid has a known winding number but for the segments that cross it, each in a strip.
 
 #ifndef TRAMMEL_PREPAREDOUTLINE_H
 #define TRAMMEL_PREPAREDOUTLINE_H
