@@ -263,6 +263,16 @@ private:
     double mOff; ///< units from the number to the rounded one, positive when that is farther from 0
 };
 
+/// Returns the number of decimals, up to one more, at which their distance is less than two units
+/// in the last place of `number`. So many often suffice to tell it from its neighbours, and with
+/// one less they hardly ever do.
+int FullDecimals(double number) {
+    std::uint64_t bits;
+    std::memcpy(&bits, &number, sizeof bits);
+    int const exponent = static_cast<int>(bits >> 52 & 0x7FF) - 1023;
+    return std::max(((51 - exponent) * 1233 >> 12) + 1, 0);
+}
+
 /// Drops zeros at the end of the decimals.
 void DropZeros(std::uint64_t& digits, int& decimals) {
     struct Step {
@@ -288,12 +298,72 @@ struct Decimal {
     int decimals;
 };
 
+/// Below this product of a number and a power of ten, neighbouring decimals are 16 and more units
+/// in the number's last place apart.
+constexpr double kShort = 0x1p48;
+/// Powers of ten that are doubles.
+constexpr int kMostTens = 22;
+constexpr std::array<double, kMostTens + 1> Tens() {
+    std::array<double, kMostTens + 1> tens{};
+    double power = 1.0;
+    for (double& ten : tens) {
+        ten = power;
+        power *= 10.0;
+    }
+    return tens;
+}
+constexpr std::array<double, kMostTens + 1> kTens = Tens();
+
+/// True where a decimal of so many places is short: no other one of as many or fewer places gives
+/// `to` as well.
+bool IsShort(double to, double difference, int decimals) {
+    return decimals <= kMostTens &&
+           (std::abs(to) + std::abs(difference)) * kTens[static_cast<std::size_t>(decimals)] <
+               kShort;
+}
+
+/// Finds the decimal that FindFromFull finds, if it has at most `decimals` places and is short.
+/// Returns nothing otherwise, or where this form of the search cannot be certain.
+///
+/// Numbers that give `to` are at most one unit in the last place of `to` apart. So among short
+/// decimals at most one is near enough, and it is the nearest to `difference` as well.
+std::optional<Decimal> FindShort(double from, double to, double difference, int decimals) {
+    if (!IsShort(to, difference, decimals)) {
+        return std::nullopt;
+    }
+    double const power = kTens[static_cast<std::size_t>(decimals)];
+    double const digits = (std::abs(difference) * power + 0x1p52) - 0x1p52; // the nearest integer
+    // Both are integers below 2^53 or powers of ten, so the quotient is the double that is read.
+    double const read = std::copysign(digits / power, difference);
+    if (!Same(from + read, to)) {
+        return std::nullopt;
+    }
+    if (from == 0.0) {
+        // Decimals with more places are as near or nearer, and read as the same double. Below a
+        // power of two doubles lie more densely, where only an integer is certain.
+        int exponent = 0;
+        if (decimals > 0 && std::frexp(std::abs(difference), &exponent) == 0.5) {
+            return std::nullopt;
+        }
+    } else {
+        // Decimals with more places lie within the same distance on either side.
+        double const off = std::abs(read - difference) + std::abs(difference) * 0x1p-51;
+        if (!Same(from + (difference - off), to) || !Same(from + (difference + off), to)) {
+            return std::nullopt;
+        }
+    }
+    Decimal best{static_cast<std::uint64_t>(digits), decimals};
+    DropZeros(best.digits, best.decimals);
+    return best;
+}
+
 /// Finds the decimal of fewest digits that gives `to` when added to `from`. Returns nothing where
 /// success does not begin at one number of decimals and last from there on, or where this form
-/// of the search cannot be certain.
-std::optional<Decimal> FindByGuess(Ordinary& number, double from, double to, int& guess) {
+/// of the search cannot be certain. It begins where decimals are about as dense as doubles.
+std::optional<Decimal> FindFromFull(Ordinary& number, double from, double to) {
     Decimal best{0, -1};
-    int decimals = std::min(guess, number.MostDecimals());
+    int failed = -1; // the greatest number of decimals that do not suffice, as far as is known
+    int decimals = std::min(FullDecimals(to), number.MostDecimals());
     while (decimals >= 0 && decimals <= number.MostDecimals()) {
         std::optional<bool> const gives =
             number.Round(decimals) ? number.GivesFromHereOn(from, to) : std::optional<bool>(false);
@@ -301,8 +371,10 @@ std::optional<Decimal> FindByGuess(Ordinary& number, double from, double to, int
             return std::nullopt;
         }
         if (*gives) {
-            guess = best.decimals == decimals + 1 ? decimals : guess;
             best = {number.Digits(), decimals};
+            if (failed >= 0 && failed == decimals - 1) {
+                return best;
+            }
             DropZeros(best.digits, best.decimals);
             // With one decimal less, the nearest number is off by the last digit, or by what that
             // lacks to ten.
@@ -316,7 +388,7 @@ std::optional<Decimal> FindByGuess(Ordinary& number, double from, double to, int
         } else if (best.decimals > decimals) {
             return best;
         } else {
-            guess = ++decimals;
+            failed = decimals++;
         }
     }
     return decimals < 0 ? std::optional<Decimal>(best) : std::nullopt;
@@ -324,9 +396,8 @@ std::optional<Decimal> FindByGuess(Ordinary& number, double from, double to, int
 
 /// Finds the decimal that RelativeByHalving finds, by the same steps. Returns nothing where a step
 /// is not certain.
-std::optional<Decimal> FindByHalving(Ordinary& number, double difference, double from, double to,
-                                     int guess) {
-    std::optional<Decimal> best = FindByGuess(number, 0.0, difference, guess);
+std::optional<Decimal> FindByHalving(Ordinary& number, double difference, double from, double to) {
+    std::optional<Decimal> best = FindFromFull(number, 0.0, difference);
     if (!best || best->decimals == 0) {
         return best; // of two integers only one gives `to`
     }
@@ -392,16 +463,22 @@ char* DigitsBefore(char* end, std::uint64_t number) {
 /// Sets `numeral` to the numeral of fewest digits that gives `to` when added to `from`. Returns
 /// false where this form of the search does not know it.
 bool FindFewestDigits(double from, double to, double difference, int& guess, SvgNumeral& numeral) {
-    Ordinary number;
-    if (!(std::abs(to) < Ordinary::kGreatest) || !number.Set(difference)) {
-        return false;
-    }
-    std::optional<Decimal> best = FindByGuess(number, from, to, guess);
+    std::optional<Decimal> best = FindShort(from, to, difference, guess);
     if (!best) {
-        best = FindByHalving(number, difference, from, to, guess);
-    }
-    if (!best) {
-        return false;
+        Ordinary number;
+        if (!(std::abs(to) < Ordinary::kGreatest) || !number.Set(difference)) {
+            return false;
+        }
+        best = FindFromFull(number, from, to);
+        if (!best) {
+            best = FindByHalving(number, difference, from, to);
+        }
+        if (!best) {
+            return false;
+        }
+        if (IsShort(to, difference, best->decimals)) {
+            guess = best->decimals;
+        }
     }
     char text[24];
     char* const end = text + sizeof text;

@@ -30,7 +30,8 @@
 // Source: arc tree (Günther, Efficient structures for geometric data management, 1988; Ballard,
 // Strip trees, 1981). A chain of segments in a box that a point is not in crosses the point's ray
 // as its ends do. So a node answers for all of its segments unless its box surrounds the point. A
-// cell of the grid has a known winding number but for the segments that cross it, each in a strip.
+// cell of the grid has the number that is left of all segments that cross it. Each of these lies in
+// a strip, whose side tells the rest.
 
 #ifndef TRAMMEL_PREPAREDOUTLINE_H
 #define TRAMMEL_PREPAREDOUTLINE_H
