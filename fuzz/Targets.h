@@ -18,6 +18,8 @@ void Curves(Input& in);
 /// Paths against their plain form, PathMeasure against the path, and the functions that read and
 /// make paths.
 void Paths(Input& in);
+/// PreparedOutline against WindingNumber, places of OutlineMeasure, areas and moments.
+void Outlines(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
 /// Handle polygons of foreign bytes, changed at random.
@@ -32,8 +34,9 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 6> kTargets = {{{"curves", Curves},
+inline constexpr std::array<Target, 7> kTargets = {{{"curves", Curves},
                                                     {"paths", Paths},
+                                                    {"outlines", Outlines},
                                                     {"polygons", Polygons},
                                                     {"handles", Handles},
                                                     {"clip", Clip},

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+
+#include "Targets.h"
+
+#include "Moments.h"
+#include "OutlineMeasure.h"
+#include "PreparedOutline.h"
+#include "RegionArea.h"
+#include "Winding.h"
+#include "identity/Identity.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+
+namespace fuzz {
+
+namespace {
+
+using identity::Digest;
+using trammel::FillRule;
+using trammel::OutlineMeasure;
+using trammel::PreparedOutline;
+
+/// Any elements. Many of them lie over each other, as their numbers repeat.
+CPath AnyOutline(Input& in, int most) {
+    CPath path;
+    for (int i = in.Int(0, most); i > 0; --i) {
+        switch (in.Int(0, 15)) {
+        case 0:
+            path.AddCtl(kPathMove).AddPt(in.Point());
+            break;
+        case 1:
+            path.AddCtl(kPathClose);
+            break;
+        case 2:
+        case 3:
+        case 4:
+        case 5:
+            path.AddCtl(kPathLine).AddPt(in.Point());
+            break;
+        default:
+            path.AddCtl(kPathCurve).AddPt(in.Point()).AddPt(in.Point()).AddPt(in.Point());
+        }
+    }
+    return path;
+}
+
+/// What the error bounds of an outline count with.
+struct Size {
+    double length = 0.0; ///< of the closed control polygons, or more
+    double extent = 0.0; ///< the greatest, in h or v
+    bool finite = true;
+
+    explicit Size(std::vector<Pt> const& points) {
+        Pt low(0, 0); // where drawing begins without a move
+        Pt high = low;
+        for (Pt const& p : points) {
+            finite = finite && std::isfinite(p.h) && std::isfinite(p.v);
+            low = Pt(std::min(low.h, p.h), std::min(low.v, p.v));
+            high = Pt(std::max(high.h, p.h), std::max(high.v, p.v));
+        }
+        extent = std::max(high.h - low.h, high.v - low.v);
+        // Each point ends one line at most, and another one closes its contour.
+        length = 4.0 * extent * static_cast<double>(points.size() + 1);
+    }
+    double Area() const { return length * extent; }
+};
+
+void Windings(CPath const& path, Input& in) {
+    PreparedOutline const prepared(path);
+    PreparedOutline const ring(path.mPts);
+    for (int i = in.Int(0, 30); i >= 0; --i) {
+        // Often at the height of a point, at one, or between two.
+        Pt p = in.Point();
+        if (!path.mPts.empty() && i % 4 != 0) {
+            Pt const& a = path.mPts[in.Byte() % path.mPts.size()];
+            Pt const& b = path.mPts[in.Byte() % path.mPts.size()];
+            p = i % 4 == 1 ? Pt(p.h, a.v) : i % 4 == 2 ? a : a * 0.5 + b * 0.5;
+        }
+        Require(prepared.WindingNumber(p) == trammel::WindingNumber(path, p),
+                "a prepared outline winds as the path");
+        Require(ring.WindingNumber(p) == trammel::WindingNumber(path.mPts, p),
+                "a prepared ring winds as the ring");
+    }
+}
+
+void Places(CPath const& path, Input& in, Size const& size) {
+    OutlineMeasure const measure(path);
+    double const length = measure.Length();
+    double const t[] = {in.Number(), in.Int(0, 64) / 64.0, in.Int(0, 255) / 255.0, -1.0, 2.0};
+    Pt points[std::size(t)];
+    measure.TPts(t, std::size(t), points);
+    Pt const p = in.Point();
+    double const accuracy = in.Tolerance(size.extent);
+    OutlineMeasure::Nearest const nearest = measure.FindNearest(p, accuracy);
+    double const off =
+        std::max(accuracy, 0.0) + 0x1p-44 * (size.extent + std::abs(p.h) + std::abs(p.v)) * 2.0;
+    for (std::size_t i = 0; i < std::size(t); ++i) {
+        OutlineMeasure::Place const place = measure.At(t[i]);
+        Digest one;
+        Digest same;
+        Digest ofMany;
+        one.Add(place.point);
+        same.Add(measure.TPt(t[i]));
+        ofMany.Add(points[i]);
+        Require(one == same && one == ofMany, "the point at a fraction is that of its place");
+        if (!std::isfinite(length) || std::isnan(t[i])) {
+            continue;
+        }
+        Require(place.length >= 0.0 && place.length <= length, "a place lies on the outline");
+        double const other = measure.At(t[1]).length;
+        Require(t[i] < t[1] ? place.length <= other : place.length >= other,
+                "places are in the order of their fractions");
+        if (size.finite && std::isfinite(off) && place.element != OutlineMeasure::kNone) {
+            Require(nearest.distance <= (place.point - p).Hypotenuse() + off,
+                    "no place is nearer than the nearest one");
+        }
+    }
+    Digest distance;
+    Digest same;
+    distance.Add(measure.Distance(p, accuracy));
+    same.Add(nearest.distance);
+    Require(distance == same, "the distance is that of the nearest place");
+    CPath piece;
+    measure.GetTRange(t[0], t[1], piece);
+    measure.GetTRange(t[1], t[2], piece);
+}
+
+void Areas(CPath const& path, Input& in, Size const& size) {
+    double const area = trammel::SignedArea(path);
+    double const ofMoments = trammel::MomentsOf(path).area;
+    std::vector<double> const contours = trammel::ContourAreas(path);
+    double sum = 0.0;
+    for (double const contour : contours) {
+        sum += contour;
+    }
+    double const bound = size.Area() * 0x1p-40 + 1e-300;
+    if (!size.finite || !std::isfinite(bound * 0x1p50)) {
+        return;
+    }
+    Require(std::abs(area - ofMoments) <= bound, "the moments have the area");
+    Require(std::abs(area - sum) <= bound, "the contours' areas add up");
+    // All coordinates are finite, so no contour is left out.
+    double const accuracy = in.Tolerance(size.extent * size.extent);
+    trammel::AreaWithin const nonZero = trammel::RegionArea(path, FillRule::kNonZero, accuracy);
+    trammel::AreaWithin const evenOdd = trammel::RegionArea(path, FillRule::kEvenOdd, accuracy);
+    double const slack = nonZero.error + evenOdd.error + bound;
+    Require(evenOdd.area <= nonZero.area + slack, "a point within by even-odd is within");
+    Require(nonZero.area <= size.extent * size.extent + slack, "a region lies in its box");
+    if (contours.size() == 1) {
+        // Both integrals differ only in how often they count a point.
+        Require(std::abs(area) <= nonZero.area * static_cast<double>(path.mCtls.size() + 1) * 3.0 +
+                                      slack * static_cast<double>(path.mCtls.size() + 1) * 3.0,
+                "no winding number is greater than the number of segments allows");
+    }
+}
+
+} // namespace
+
+void Outlines(Input& in) {
+    // Areas of regions take long where wild curves lie over each other.
+    bool const few = in.Flag();
+    CPath const path = AnyOutline(in, few ? 8 : in.Flag() ? 12 : 200);
+    Size const size(path.mPts);
+    if (few) {
+        Areas(path, in, size);
+    }
+    Windings(path, in);
+    Places(path, in, size);
+}
+
+} // namespace fuzz
