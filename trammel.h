@@ -43,6 +43,7 @@
 #include "Records.h"
 #include "RegionArea.h"
 #include "Shapes.h"
+#include "Simplify.h"
 #include "SvgPath.h"
 #include "TLine.h"
 #include "TPoint.h"
