@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+
+#include "Dashes_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace trammel_detail {
+
+namespace {
+
+/// A line gets no more dashes, whatever its length is.
+constexpr double kMostDashes = 0x1p20;
+
+} // namespace
+
+DashPattern::DashPattern(std::vector<double> const& lengths, double offset) {
+    if (!std::all_of(lengths.begin(), lengths.end(),
+                     [](double d) { return d >= 0.0 && std::isfinite(d); })) {
+        return;
+    }
+    std::size_t const count = lengths.size() % 2 == 0 ? lengths.size() : 2 * lengths.size();
+    double sum = 0.0;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const next = sum + lengths[i % lengths.size()];
+        if (i % 2 == 0) {
+            mEdges.push_back(sum);
+            mEdges.push_back(next);
+        }
+        sum = next;
+    }
+    if (!std::isfinite(sum)) {
+        return;
+    }
+    mPeriod = sum;
+    if (sum > 0.0 && std::isfinite(offset)) {
+        mOffset = std::fmod(offset, sum);
+        if (mOffset < 0.0) {
+            mOffset += sum;
+        }
+    }
+}
+
+bool DashPattern::Find(double length, std::vector<DashRange>& out) const {
+    double const dashes = static_cast<double>(mEdges.size() / 2);
+    if (!(mPeriod > 0.0) || !((length / mPeriod + 2.0) * dashes <= kMostDashes)) {
+        return false;
+    }
+    for (double period = 0.0;; period += 1.0) {
+        double const begin = period * mPeriod - mOffset;
+        for (std::size_t i = 0; i < mEdges.size(); i += 2) {
+            double const from = begin + mEdges[i];
+            double const to = begin + mEdges[i + 1];
+            if (from >= length && (from > 0.0 || length > 0.0)) {
+                return true;
+            }
+            if (to > 0.0 || (to == 0.0 && from == 0.0)) {
+                out.push_back({std::max(from, 0.0), std::min(to, length)});
+            }
+        }
+    }
+}
+
+} // namespace trammel_detail

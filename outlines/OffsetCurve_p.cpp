@@ -1,0 +1,709 @@
+// SPDX-License-Identifier: MIT
+
+#include "OffsetCurve_p.h"
+
+#include "PointMath_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+
+/// Control points nearer to an end than this share of the coordinates lie on it.
+constexpr double kOnEnd = 0x1p-48;
+/// A curve is halved so often at most where its curvature comes close to the pen's.
+constexpr int kDeepestBend = 40;
+/// A piece is divided so often at most to follow its offset.
+constexpr int kDeepestFit = 32;
+/// A curve is followed by so many curves at most.
+constexpr std::size_t kMostFits = 4096;
+/// A curve is cut into so many parts at most to see how it bends.
+constexpr std::size_t kMostLeaves = 1000;
+/// The curvature may exceed the pen's by so much at most, and count as less.
+constexpr double kMostSlack = 1e-3;
+/// The steps toward the right distance at the places.
+constexpr int kMostRounds = 6;
+/// Further steps are taken while the error shrinks at least to this part.
+constexpr double kEnoughGain = 0.5;
+/// With a greater error at the places, in tolerances, the curve is not worth a proof.
+constexpr double kMostOff = 0.5;
+/// Changes of the arms that have less effect than this share, squared, of others are not made.
+constexpr double kDamping = 1e-7;
+/// A piece is not cut at an inflection that is nearer to its ends.
+constexpr double kInflectionMargin = 0.05;
+/// The fold of a part where that could not be decided.
+constexpr int kUnseenFold = 2;
+/// The pen's centres of curvature are divided so often at most.
+constexpr int kDeepestCentre = 16;
+
+/// The parameters at which a fitted curve has the right distance, besides its ends. The error
+/// u²(1 - u)²(u - a)(u - b) then has extremes of equal size.
+constexpr double kInner = 0.3372;
+constexpr std::array<double, 2> kPlaces = {{kInner, 1.0 - kInner}};
+
+double MostOf(Cubic const& c) {
+    double most = 0.0;
+    for (Pt const& p : c) {
+        most = std::max({most, std::abs(p.h), std::abs(p.v)});
+    }
+    return most;
+}
+
+Pt UnitOf(Pt const& p) { return trammel::Normalize(p); }
+
+/// Cuts a polynomial in Bernstein form at its middle.
+template <class Value, std::size_t N>
+void Halve(std::array<Value, N> const& whole, std::array<Value, N>& left,
+           std::array<Value, N>& right) {
+    right = whole;
+    for (std::size_t k = 0; k < N; ++k) {
+        left[k] = right[0];
+        for (std::size_t i = 0; i + 1 + k < N; ++i) {
+            right[i] = (right[i] + right[i + 1]) * 0.5;
+        }
+    }
+}
+
+/// How fast a part of a curve goes and how it bends, as polynomials in Bernstein form. They are
+/// those of the whole curve, cut. So near a cusp they keep the digits that control points lose.
+struct BendOfPart {
+    std::array<Pt, 3> speed;      ///< a third of the derivative
+    std::array<double, 5> square; ///< of that
+    std::array<double, 3> bend;   ///< the third power of the speed times the curvature
+    double from = 0.0;
+    double to = 1.0;
+    int depth = 0;
+
+    BendOfPart() = default;
+    explicit BendOfPart(Cubic const& c) {
+        Pt const a = c[1] - c[0];
+        Pt const b = c[2] - c[1];
+        Pt const d = c[3] - c[2];
+        speed = {{a, b, d}};
+        square = {
+            {Square(a), Dot(a, b), (2.0 * Square(b) + Dot(a, d)) / 3.0, Dot(b, d), Square(d)}};
+        bend = {{Cross(a, b) / 1.5, Cross(a, d) / 3.0, Cross(b, d) / 1.5}};
+    }
+    void Cut(BendOfPart& left, BendOfPart& right) const {
+        Halve(speed, left.speed, right.speed);
+        Halve(square, left.square, right.square);
+        Halve(bend, left.bend, right.bend);
+        left.from = from;
+        right.to = to;
+        left.to = right.from = 0.5 * (from + to);
+        left.depth = right.depth = depth + 1;
+    }
+    /// A bound on the length.
+    double Length() const {
+        return 3.0 * (to - from) *
+               std::sqrt(std::max(*std::max_element(square.begin(), square.end()), 0.0));
+    }
+    /// True where the derivative stays within some 40 degrees.
+    bool TurnsLittle() const {
+        double const ab = Dot(speed[0], speed[1]);
+        double const ad = Dot(speed[0], speed[2]);
+        double const bd = Dot(speed[1], speed[2]);
+        double const a = Square(speed[0]);
+        double const b = Square(speed[1]);
+        double const d = Square(speed[2]);
+        return ab >= 0.0 && ad >= 0.0 && bd >= 0.0 && ab * ab >= 0.6 * a * b &&
+               ad * ad >= 0.6 * a * d && bd * bd >= 0.6 * b * d;
+    }
+    /// Returns the fold of the part, see CurveStretch, or kUnseenFold where that is not plain. What
+    /// folds by less than `slack`, a part of the radius, does not fold.
+    int FoldBeside(double radius, double slack) const {
+        double const low = std::max(*std::min_element(square.begin(), square.end()), 0.0);
+        double const high = *std::max_element(square.begin(), square.end());
+        double const least = low * std::sqrt(low);
+        double const most = high * std::sqrt(high);
+        double const leastBend = radius * *std::min_element(bend.begin(), bend.end());
+        double const mostBend = radius * *std::max_element(bend.begin(), bend.end());
+        if (std::max(mostBend, -leastBend) <= least * (1.0 + slack) && least > 0.0) {
+            return 0;
+        }
+        return leastBend > most ? 1 : mostBend < -most ? -1 : kUnseenFold;
+    }
+    /// A vector in the direction of the middle.
+    Pt Along() const { return speed[0] + speed[1] * 2.0 + speed[2]; }
+};
+
+} // namespace
+
+Pt DirectionOf(Cubic const& c, double t) {
+    double const onEnd = kOnEnd * MostOf(c);
+    if (t <= 0.0) {
+        for (std::size_t i = 1; i < 4; ++i) {
+            if (Taxicab(c[i] - c[0]) > onEnd) {
+                return UnitOf(c[i] - c[0]);
+            }
+        }
+        return UnitOf(c[3] - c[0]);
+    }
+    if (t >= 1.0) {
+        for (std::size_t i = 3; i-- > 0;) {
+            if (Taxicab(c[3] - c[i]) > onEnd) {
+                return UnitOf(c[3] - c[i]);
+            }
+        }
+        return UnitOf(c[3] - c[0]);
+    }
+    return DirectedCubic(c, Pt(), Pt()).DirectionAt(t);
+}
+
+CubicPlace DirectedCubic::PlaceAt(double t) const {
+    CubicPlace place = trammel_detail::PlaceAt(curve, t);
+    Pt const d0 = speed[0] + (speed[1] - speed[0]) * t;
+    Pt const d1 = speed[1] + (speed[2] - speed[1]) * t;
+    place.first = d0 + (d1 - d0) * t;
+    place.second = d1 - d0;
+    return place;
+}
+
+Pt DirectedCubic::DirectionAt(double t) const { return UnitOf(PlaceAt(t).first); }
+
+DirectedCubic DirectedCubic::Part(double t0, double t1, Pt const& fromDirection,
+                                  Pt const& toDirection) const {
+    DirectedCubic part(PartOf(curve, t0, t1), fromDirection, toDirection);
+    // The derivative's polar form at the ends of the part.
+    auto const polar = [this](double a, double b) {
+        Pt const d0 = speed[0] + (speed[1] - speed[0]) * a;
+        Pt const d1 = speed[1] + (speed[2] - speed[1]) * a;
+        return d0 + (d1 - d0) * b;
+    };
+    double const width = t1 - t0;
+    part.speed = {{polar(t0, t0) * width, polar(t0, t1) * width, polar(t1, t1) * width}};
+    return part;
+}
+
+DirectedCubic DirectedCubic::Reversed() const {
+    DirectedCubic reversed(trammel_detail::Reversed(curve), -to, -from);
+    reversed.speed = {{-speed[2], -speed[1], -speed[0]}};
+    return reversed;
+}
+
+namespace {
+
+/// A part of a curve, and how it bends beside the pen.
+struct BendLeaf {
+    double from;
+    double to;
+    int fold;     ///< as in CurveStretch
+    bool isSeen;  ///< false where the fold could not be decided
+    bool turns;   ///< the direction changes much although the part is short
+    bool isShort; ///< not much longer than the tiny ones
+    Pt along;     ///< the derivative in the middle, times a positive number
+};
+
+std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double tiny, double slack) {
+    std::vector<BendLeaf> leaves;
+    std::vector<BendOfPart> open = {whole};
+    while (!open.empty()) {
+        BendOfPart const part = open.back();
+        open.pop_back();
+        int const fold = part.FoldBeside(radius, slack);
+        bool const isLong = part.Length() > tiny;
+        bool const isShort = part.Length() <= 4.0 * tiny;
+        bool const turnsLittle = part.TurnsLittle();
+        bool const isLast = part.depth == kDeepestBend || leaves.size() >= kMostLeaves;
+        if (fold == 0 || (fold != kUnseenFold && turnsLittle)) {
+            leaves.push_back({part.from, part.to, fold, true, false, isShort, part.Along()});
+        } else if (!isLong || isLast) {
+            leaves.push_back(
+                {part.from, part.to, 0, false, !isLong && !turnsLittle, isShort, part.Along()});
+        } else {
+            BendOfPart left;
+            BendOfPart right;
+            part.Cut(left, right);
+            open.push_back(right);
+            open.push_back(left);
+        }
+    }
+    return leaves;
+}
+
+} // namespace
+
+void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
+                      std::vector<CurveStretch>& out) {
+    BendOfPart const whole(curve);
+    double const slack = std::min(tiny / radius, kMostSlack);
+    if (whole.FoldBeside(radius, slack) == 0) {
+        out.push_back({});
+        return;
+    }
+    std::vector<BendLeaf> leaves = LeavesOf(whole, radius, tiny, slack);
+    for (std::size_t i = 1; i < leaves.size(); ++i) {
+        if (leaves[i - 1].isShort && leaves[i].isShort &&
+            Dot(leaves[i - 1].along, leaves[i].along) < 0.0) { // a cusp where both meet
+            for (BendLeaf* leaf : {&leaves[i - 1], &leaves[i]}) {
+                leaf->isSeen = false;
+                leaf->turns = true;
+            }
+        }
+    }
+    std::size_t const begin = out.size();
+    auto const append = [&](CurveStretch const& next) {
+        if (out.size() > begin && out.back().fold == next.fold && out.back().tiny == next.tiny) {
+            out.back().to = next.to;
+        } else {
+            out.push_back(next);
+        }
+    };
+    double from = 0.0; // where the next stretch begins
+    for (std::size_t i = 0; i < leaves.size();) {
+        if (leaves[i].isSeen) {
+            append({from, leaves[i].to, leaves[i].fold, false});
+            from = leaves[i].to;
+            ++i;
+            continue;
+        }
+        // Short parts of unknown kind belong to a neighbour, unless the curve has a cusp there.
+        std::size_t const first = i;
+        bool turns = false;
+        for (; i < leaves.size() && !leaves[i].isSeen; ++i) {
+            turns = turns || leaves[i].turns;
+        }
+        double const to = leaves[i - 1].to;
+        if (turns) {
+            if (from < leaves[first].from) {
+                append({from, leaves[first].from, 0, false});
+            }
+            append({leaves[first].from, to, 0, true});
+        } else if (out.size() > begin && !out.back().tiny) {
+            out.back().to = to;
+        } else {
+            continue; // to the next one
+        }
+        from = to;
+    }
+    if (from < 1.0) {
+        append({from, 1.0, 0, false});
+    }
+}
+
+namespace {
+
+// Polynomials in scaled Bernstein form, in which coefficient k has the factor binomial(n, k):
+// products are then those of the coefficients.
+
+template <std::size_t N, std::size_t M>
+std::array<double, N + M - 1> Product(std::array<double, N> const& a,
+                                      std::array<double, M> const& b) {
+    std::array<double, N + M - 1> result = {};
+    for (std::size_t i = 0; i < N; ++i) {
+        for (std::size_t k = 0; k < M; ++k) {
+            result[i + k] += a[i] * b[k];
+        }
+    }
+    return result;
+}
+
+constexpr std::size_t kSquareTerms = 19;
+constexpr std::size_t kAlongTerms = 16;
+
+template <std::size_t N> constexpr std::array<double, N> Binomials() {
+    std::array<double, N> result = {};
+    double value = 1.0;
+    for (std::size_t k = 0; k < N; ++k) {
+        result[k] = value;
+        value = value * static_cast<double>(N - 1 - k) / static_cast<double>(k + 1);
+    }
+    return result;
+}
+
+/// Returns a bound on the magnitude of a polynomial in Bernstein form, found by halving it up to
+/// `depth` times. It ends early where the bound is no more than `enough`, or a value is more.
+template <std::size_t N>
+double MagnitudeOf(std::array<double, N> const& coefficients, double enough, int depth) {
+    double bound = 0.0;
+    for (double const c : coefficients) {
+        bound = std::max(bound, std::abs(c));
+    }
+    if (!(bound > enough) || depth == 0 || std::abs(coefficients[0]) > enough ||
+        std::abs(coefficients[N - 1]) > enough) {
+        return bound;
+    }
+    std::array<double, N> left;
+    std::array<double, N> right;
+    Halve(coefficients, left, right);
+    if (std::abs(left[N - 1]) > enough) {
+        return bound;
+    }
+    double const first = MagnitudeOf(left, enough, depth - 1);
+    return first > enough ? first : std::max(first, MagnitudeOf(right, enough, depth - 1));
+}
+
+/// Fits one curve beside a piece.
+class OffsetFit {
+public:
+    OffsetFit(DirectedCubic const& piece, double distance)
+        : mPiece(piece), mDistance(distance),
+          mStart(piece.curve[0] + NormalOf(piece.from) * distance),
+          mEnd(piece.curve[3] + NormalOf(piece.to) * distance) {}
+
+    /// Finds the curve; returns false where it is farther than the tolerance.
+    bool Try(double tolerance) {
+        Pt const chord = mEnd - mStart;
+        double const length = std::sqrt(Square(chord));
+        SetArms(length);
+        if (IsFlat(length, tolerance)) {
+            return true;
+        }
+        // The arms with the least error are taken: the steps need not converge where the curve is
+        // nearly straight.
+        double best = std::numeric_limits<double>::infinity();
+        double arm0 = mArm0;
+        double arm1 = mArm1;
+        std::array<double, 2> foot = mFoot;
+        for (int round = 0; round < kMostRounds; ++round) {
+            std::array<double, 2> const arms = {{mArm0, mArm1}};
+            double const off = Improve(length);
+            if (!(off < kEnoughGain * best)) {
+                break;
+            }
+            best = off;
+            arm0 = arms[0];
+            arm1 = arms[1];
+            foot = mFoot;
+        }
+        mArm0 = arm0;
+        mArm1 = arm1;
+        mFoot = foot;
+        return best <= kMostOff * tolerance && Verify(tolerance);
+    }
+    std::array<Pt, 3> Points() const {
+        return {{mStart + mPiece.from * mArm0, mEnd - mPiece.to * mArm1, mEnd}};
+    }
+    /// The line instead of the curve.
+    std::array<Pt, 3> Straight() const {
+        Pt const third = (mEnd - mStart) / 3.0;
+        return {{mStart + third, mEnd - third, mEnd}};
+    }
+
+private:
+    /// The arms of the curve with the offset's derivatives at its ends.
+    void SetArms(double length) {
+        Pt const a = mPiece.speed[0];
+        Pt const b = mPiece.speed[1];
+        Pt const d = mPiece.speed[2];
+        auto const arm = [&](Pt const& first, double bend) {
+            double const square = Square(first);
+            double const value =
+                std::sqrt(square) - mDistance * (square > 0.0 ? bend / square : 0.0);
+            return std::abs(value) <= length ? value : length / 3.0;
+        };
+        mArm0 = arm(a, Cross(a, b) / 1.5);
+        mArm1 = arm(d, Cross(b, d) / 1.5);
+    }
+    /// True where the curve and what it follows both lie in a triangle so flat that they are no
+    /// farther apart than the tolerance. Both are convex, and have the same ends and directions.
+    bool IsFlat(double length, double tolerance) {
+        Pt const a = mPiece.speed[0];
+        Pt const b = mPiece.speed[1];
+        Pt const d = mPiece.speed[2];
+        double const ab = Cross(a, b);
+        double const bd = Cross(b, d);
+        double const ad = Cross(a, d);
+        bool const isConvex =
+            (ab >= 0.0 && bd >= 0.0 && ad >= 0.0) || (ab <= 0.0 && bd <= 0.0 && ad <= 0.0);
+        double const along = Dot(mPiece.from, mPiece.to);
+        double const turn = Cross(mPiece.from, mPiece.to);
+        if (!isConvex || !(along > 0.5) || !(Dot(a, b) >= 0.0) || !(Dot(b, d) >= 0.0) ||
+            !(length * std::abs(turn) <= 2.0 * (1.0 + along) * tolerance)) {
+            return false;
+        }
+        Pt const chord = mEnd - mStart;
+        if (!(Dot(chord, mPiece.from) > 0.0) || mArm0 < 0.0 || mArm1 < 0.0) {
+            return false;
+        }
+        mArm0 = std::min(mArm0, length * 0.5);
+        mArm1 = std::min(mArm1, length * 0.5);
+        return true;
+    }
+    /// Returns how far the distance is off at two places, and takes a step of Newton's method
+    /// toward the right one there. NaN where that fails.
+    double Improve(double length) {
+        constexpr double kFailed = std::numeric_limits<double>::quiet_NaN();
+        std::array<double, 2> off = {};
+        std::array<double, 2> by0 = {};
+        std::array<double, 2> by1 = {};
+        Pt const c1 = mStart + mPiece.from * mArm0;
+        Pt const c2 = mEnd - mPiece.to * mArm1;
+        for (std::size_t i = 0; i < 2; ++i) {
+            double const u = kPlaces[i];
+            double const w = 1.0 - u;
+            double const one = 3.0 * u * w * w;
+            double const two = 3.0 * u * u * w;
+            Pt const q = mStart * (w * w * w) + c1 * one + c2 * two + mEnd * (u * u * u);
+            CubicPlace place = mPiece.PlaceAt(mFoot[i]);
+            for (int step = 0; step < 2; ++step) {
+                Pt const away = q - place.point;
+                double const slope = 3.0 * Square(place.first) - 6.0 * Dot(away, place.second);
+                double const next = mFoot[i] + Dot(away, place.first) / slope;
+                if (!(next > 0.0 && next < 1.0)) {
+                    return kFailed;
+                }
+                mFoot[i] = next;
+                place = mPiece.PlaceAt(next);
+            }
+            Pt const normal = NormalOf(place.first / std::sqrt(Square(place.first)));
+            off[i] = Dot(q - place.point, normal) - mDistance;
+            by0[i] = one * Dot(mPiece.from, normal);
+            by1[i] = -two * Dot(mPiece.to, normal);
+        }
+        // The least step that does it, as far as the arms have an effect [Levenberg].
+        double const sum = by0[0] * off[0] + by0[1] * off[1];
+        double const sum1 = by1[0] * off[0] + by1[1] * off[1];
+        double const both = by0[0] * by1[0] + by0[1] * by1[1];
+        double square0 = by0[0] * by0[0] + by0[1] * by0[1];
+        double square1 = by1[0] * by1[0] + by1[1] * by1[1];
+        double const damping = kDamping * (square0 + square1);
+        square0 += damping;
+        square1 += damping;
+        double const determinant = square0 * square1 - both * both;
+        if (determinant > 0.0) {
+            mArm0 = std::clamp(mArm0 - (sum * square1 - sum1 * both) / determinant, -2.0 * length,
+                               2.0 * length);
+            mArm1 = std::clamp(mArm1 - (sum1 * square0 - sum * both) / determinant, -2.0 * length,
+                               2.0 * length);
+        }
+        return std::max(std::abs(off[0]), std::abs(off[1]));
+    }
+    bool Verify(double tolerance) const;
+
+    DirectedCubic const& mPiece;
+    double mDistance;
+    Pt mStart;
+    Pt mEnd;
+    double mArm0 = 0.0; ///< from the start to the first control point
+    double mArm1 = 0.0; ///< from the second control point to the end
+    std::array<double, 2> mFoot =
+        kPlaces; ///< the piece's parameters that are nearest to the places
+};
+
+bool OffsetFit::Verify(double tolerance) const {
+    // The cubic function f with these values at the two places, 0 at 0 and 1 at 1.
+    double const u = kInner;
+    double const w = 1.0 - u;
+    double const one = 3.0 * u * w * w;
+    double const two = 3.0 * u * u * w;
+    double const rest0 = mFoot[0] - u * u * u;
+    double const rest1 = mFoot[1] - w * w * w;
+    double const f1 = (rest0 * one - rest1 * two) / (one * one - two * two);
+    double const f2 = (rest1 * one - rest0 * two) / (one * one - two * two);
+    if (!(f1 >= 0.0 && f1 <= 1.0 && f2 >= 0.0 && f2 <= 1.0)) {
+        return false;
+    }
+    std::array<double, 4> const f = {{0.0, 3.0 * f1, 3.0 * f2, 1.0}};
+    std::array<double, 4> const g = {{1.0, 3.0 * (1.0 - f1), 3.0 * (1.0 - f2), 0.0}};
+    auto const ff = Product(f, f);
+    auto const fg = Product(f, g);
+    auto const gg = Product(g, g);
+    auto const fff = Product(ff, f);
+    auto const ffg = Product(ff, g);
+    auto const fgg = Product(fg, g);
+
+    Cubic const& c = mPiece.curve;
+    Pt const origin = c[0];
+    Pt const c1 = c[1] - origin;
+    Pt const c2 = c[2] - origin;
+    Pt const c3 = c[3] - origin;
+    Pt const q0 = mStart - origin;
+    Pt const q1 = q0 + mPiece.from * mArm0;
+    Pt const q3 = mEnd - origin;
+    Pt const q2 = q3 - mPiece.to * mArm1;
+
+    constexpr std::array<double, 7> kRaise = Binomials<7>();
+    auto const away = [&](double p1, double p2, double p3, std::array<double, 4> const& q) {
+        std::array<double, 10> result = Product(q, kRaise);
+        for (std::size_t k = 0; k < result.size(); ++k) {
+            result[k] -= 3.0 * (p1 * fgg[k] + p2 * ffg[k]) + p3 * fff[k];
+        }
+        return result;
+    };
+    std::array<double, 10> const h = away(c1.h, c2.h, c3.h, {{q0.h, 3.0 * q1.h, 3.0 * q2.h, q3.h}});
+    std::array<double, 10> const v = away(c1.v, c2.v, c3.v, {{q0.v, 3.0 * q1.v, 3.0 * q2.v, q3.v}});
+
+    constexpr std::array<double, kSquareTerms> kSquareScale = Binomials<kSquareTerms>();
+    double const distance = std::abs(mDistance);
+    std::array<double, kSquareTerms> square = Product(h, h);
+    std::array<double, kSquareTerms> const squareV = Product(v, v);
+    for (std::size_t k = 0; k < kSquareTerms; ++k) {
+        square[k] = (square[k] + squareV[k]) / kSquareScale[k] - distance * distance;
+    }
+    double const enough = tolerance * (2.0 * distance - tolerance);
+    if (tolerance < distance && MagnitudeOf(square, enough, 3) > enough) {
+        return false;
+    }
+
+    // An error along the curve counts by its square only.
+    Pt const d0 = mPiece.speed[0];
+    Pt const d1 = mPiece.speed[1];
+    Pt const d2 = mPiece.speed[2];
+    std::array<double, 7> alongH = {};
+    std::array<double, 7> alongV = {};
+    for (std::size_t k = 0; k < 7; ++k) {
+        alongH[k] = d0.h * gg[k] + 2.0 * d1.h * fg[k] + d2.h * ff[k];
+        alongV[k] = d0.v * gg[k] + 2.0 * d1.v * fg[k] + d2.v * ff[k];
+    }
+    constexpr std::array<double, kAlongTerms> kAlongScale = Binomials<kAlongTerms>();
+    std::array<double, kAlongTerms> along = Product(h, alongH);
+    std::array<double, kAlongTerms> const more = Product(v, alongV);
+    double const speed = std::sqrt(std::max({Square(d0), Square(d1), Square(d2)}));
+    for (std::size_t k = 0; k < kAlongTerms; ++k) {
+        along[k] = (along[k] + more[k]) / kAlongScale[k];
+    }
+    double const shift = std::sqrt(tolerance * std::max(distance, tolerance)) * speed;
+    return MagnitudeOf(along, shift, 2) <= shift;
+}
+
+/// Returns a parameter that halves the curve at the distance, by its chords.
+double MiddleOf(DirectedCubic const& piece, double distance) {
+    Pt const start = piece.curve[0] + NormalOf(piece.from) * distance;
+    Pt const end = piece.curve[3] + NormalOf(piece.to) * distance;
+    double low = 0.0;
+    double high = 1.0;
+    double t = 0.5;
+    for (int i = 0; i < 30; ++i) {
+        CubicPlace const place = piece.PlaceAt(t);
+        Pt const at = place.point + NormalOf(UnitOf(place.first)) * distance;
+        double const before = std::sqrt(Square(at - start));
+        double const behind = std::sqrt(Square(end - at));
+        if (std::abs(before - behind) <= 0.05 * (before + behind)) {
+            break;
+        }
+        (before < behind ? low : high) = t;
+        t = 0.5 * (low + high);
+    }
+    return t;
+}
+
+/// Returns a parameter well inside at which the curve has an inflection, or 0. The arms of a curve
+/// that bends both ways do not determine it well.
+double InflectionOf(DirectedCubic const& piece) {
+    double const start = Cross(piece.speed[0], piece.speed[1]);
+    double const middle = 0.5 * Cross(piece.speed[0], piece.speed[2]);
+    double const end = Cross(piece.speed[1], piece.speed[2]);
+    double const a = start;
+    double const b = 2.0 * (middle - start);
+    double const d = start - 2.0 * middle + end;
+    double const root = std::sqrt(std::max(b * b - 4.0 * a * d, 0.0));
+    double const q = -0.5 * (b + (b < 0.0 ? -root : root));
+    for (double const t : {a / q, q / d}) {
+        if (t > kInflectionMargin && t < 1.0 - kInflectionMargin) {
+            return t;
+        }
+    }
+    return 0.0;
+}
+
+/// True where a piece and its offset are no longer than a length.
+bool IsShort(DirectedCubic const& piece, double distance, double length) {
+    double const own = PolygonLength(piece.curve);
+    if (own > length) {
+        return false;
+    }
+    // All directions are between those of the derivative's control points.
+    std::array<Pt, 5> const directions = {{piece.from, UnitOf(piece.speed[0]),
+                                           UnitOf(piece.speed[1]), UnitOf(piece.speed[2]),
+                                           piece.to}};
+    double turn = 0.0;
+    for (Pt const& a : directions) {
+        for (Pt const& b : directions) {
+            if (!a.Null() && !b.Null()) {
+                turn = std::max(turn, Taxicab(a - b));
+            }
+        }
+    }
+    return !(turn > 1.0) && !(own + std::abs(distance) * turn > length);
+}
+
+} // namespace
+
+void AppendOffset(DirectedCubic const& whole, double distance, double tolerance,
+                  std::vector<std::array<Pt, 3>>& out) {
+    struct Part {
+        DirectedCubic piece;
+        int depth;
+    };
+    std::size_t const before = out.size();
+    std::vector<Part> open = {{whole, 0}};
+    while (!open.empty()) {
+        Part const part = open.back();
+        open.pop_back();
+        OffsetFit fit(part.piece, distance);
+        bool const isShort = IsShort(part.piece, distance, tolerance);
+        if (isShort || part.depth == kDeepestFit || out.size() - before >= kMostFits) {
+            out.push_back(fit.Straight());
+            continue;
+        }
+        // More than a right angle is never fitted well.
+        if (Dot(part.piece.to, part.piece.from) > -0.2 && fit.Try(tolerance)) {
+            out.push_back(fit.Points());
+            continue;
+        }
+        double const inflection = InflectionOf(part.piece);
+        double const t = inflection > 0.0 ? inflection : MiddleOf(part.piece, distance);
+        Pt const direction = part.piece.DirectionAt(t);
+        open.push_back({part.piece.Part(t, 1.0, direction, part.piece.to), part.depth + 1});
+        open.push_back({part.piece.Part(0.0, t, part.piece.from, direction), part.depth + 1});
+    }
+}
+
+Pt CentreOf(DirectedCubic const& piece, double t, Pt const& direction, double radius) {
+    CubicPlace const place = piece.PlaceAt(t);
+    double const square = Square(place.first);
+    double const bend = Cross(place.first, place.second) / 1.5;
+    double const signedRadius = bend != 0.0 ? square * std::sqrt(square) / bend : 0.0;
+    return place.point + NormalOf(direction) * std::clamp(signedRadius, -radius, radius);
+}
+
+void AppendCentres(DirectedCubic const& whole, double radius, double tolerance, bool exact,
+                   std::vector<Pt>& out) {
+    struct Part {
+        DirectedCubic piece;
+        Pt from;
+        Pt to;
+        int depth;
+        bool isLast;
+    };
+    std::vector<Part> open = {{whole, CentreOf(whole, 0.0, whole.from, radius),
+                               CentreOf(whole, 1.0, whole.to, radius), 0, true}};
+    double const reach = radius + tolerance;
+    while (!open.empty()) {
+        Part const part = open.back();
+        open.pop_back();
+        double const t = MiddleOf(part.piece, 0.5 * radius);
+        Pt const direction = part.piece.DirectionAt(t);
+        Pt const centre = CentreOf(part.piece, t, direction, radius);
+        Pt const middle = (part.from + part.to) * 0.5;
+        double const way = Taxicab(centre - part.from) + Taxicab(part.to - centre);
+        bool done = part.depth == kDeepestCentre ||
+                    (Dot(part.piece.from, direction) > 0.7 && Dot(direction, part.piece.to) > 0.7 &&
+                     Square(middle - part.piece.curve[0]) <= reach * reach &&
+                     Square(middle - part.piece.curve[3]) <= reach * reach);
+        if (done && exact && part.depth < kDeepestCentre) {
+            double const turn =
+                Taxicab(direction - part.piece.from) + Taxicab(part.piece.to - direction);
+            done = way * turn <= tolerance;
+        }
+        if (done) {
+            if (!part.isLast) {
+                out.push_back(part.to);
+            }
+            continue;
+        }
+        open.push_back({part.piece.Part(t, 1.0, direction, part.piece.to), centre, part.to,
+                        part.depth + 1, part.isLast});
+        open.push_back({part.piece.Part(0.0, t, part.piece.from, direction), part.from, centre,
+                        part.depth + 1, false});
+    }
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+
+#include "Stroke.h"
+
+#include "OutlineOperations.h"
+#include "PathSegments.h"
+#include "PathStructure.h"
+#include "Shapes.h"
+#include "StrokePath_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace trammel {
+
+namespace {
+
+typedef TPoint<double> Pt;
+
+/// Raw contours and the union of their overlaps may each take a part of the tolerance.
+constexpr double kContourShare = 0.5;
+
+/// Returns a rectangle around a path, and around another one, with room between.
+CPath FrameAround(CPath const& a, CPath const& b) {
+    TRect<double> bounds = a.Bounds();
+    TRect<double> const more = b.Bounds();
+    double const left = std::min(bounds.left, more.left);
+    double const top = std::min(bounds.top, more.top);
+    double const right = std::max(bounds.right, more.right);
+    double const bottom = std::max(bounds.bottom, more.bottom);
+    double const room = std::max(right - left, bottom - top);
+    return PolygonPath({Pt(left - room, top - room), Pt(right + room, top - room),
+                        Pt(right + room, bottom + room), Pt(left - room, bottom + room)});
+}
+
+/// Returns a path without its subpath that begins at `start`, and with all others reversed.
+CPath ReversedWithout(CPath const& path, Pt const& start) {
+    CPath others;
+    bool isFound = false;
+    for (Subpath const& subpath : Subpaths(path)) {
+        if (!isFound && subpath.Start() == start) {
+            isFound = true;
+            continue;
+        }
+        AppendSubpaths(others, Reversed(PathOf(subpath)));
+    }
+    return others;
+}
+
+} // namespace
+
+double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPath& out) {
+    CPath contours;
+    double const asked = tolerance > 0.0 ? tolerance : 0.0;
+    double const share = kContourShare * asked;
+    double const kept = trammel_detail::AppendStroke(path, style, share, contours);
+    double const keptInUnion = RemoveOverlap(contours, FillRule::kNonZero, asked - share, out);
+    return std::max(asked, kept + keptInUnion);
+}
+
+double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin join,
+              double miterLimit, double tolerance, CPath& out) {
+    double const asked = tolerance > 0.0 ? tolerance : 0.0;
+    if (!std::isfinite(distance)) {
+        out.clear();
+        return asked;
+    }
+    double const share = asked - kContourShare * asked;
+    // A detail that is lost here would be missing with all that is near it: none is lost that can
+    // be kept.
+    CPath plain;
+    double kept = RemoveOverlap(region, rule, distance == 0.0 ? asked : 0.0, plain);
+    if (distance == 0.0 || plain.mCtls.empty()) {
+        out = std::move(plain);
+        return std::max(asked, kept);
+    }
+    CPath grown;
+    kept += trammel_detail::AppendGrown(plain, distance, join, miterLimit, kContourShare * asked,
+                                        grown);
+    if (distance > 0.0) {
+        kept += RemoveOverlap(grown, FillRule::kNonZero, share, out);
+        return std::max(asked, kept);
+    }
+    // The outside has grown. A frame makes a region of it.
+    CPath contours = FrameAround(plain, grown);
+    Pt const corner = contours.mPts.front();
+    AppendSubpaths(contours, grown);
+    CPath framed;
+    kept += RemoveOverlap(contours, FillRule::kNonZero, share, framed);
+    out = ReversedWithout(framed, corner);
+    return std::max(asked, kept);
+}
+
+} // namespace trammel

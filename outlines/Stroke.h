@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+
+// Stroke: the outline of a line drawn with a pen, and a region grown or shrunk.
+//
+// Both give curves: lines of the outline stay lines, curves become cubic curves at a constant
+// distance, and round joins and caps are arcs of the pen's circle.
+//
+// A stroke is the union of the pen's sweep along each segment, of joins and of caps. The sweep is
+// all points on the normals of the segment within half the width.
+//
+// - Joins fill the outer side of each corner between two segments, also that between the end and
+//   the start of a closed subpath. At a cusp inside a curve, and where one doubles back, the join
+//   is round, because the pen turns there.
+// - Caps are at both ends of each open subpath and of each dash. A subpath that returns to its
+//   start without a close is open.
+// - A subpath without length paints its two caps, one to +h and one to -h, be it closed or not. So
+//   it is a disc with round caps, a square with square caps, and nothing with butt caps. A move
+//   that no segment follows paints nothing.
+// - Subpaths are those of PathSegments.h. One with a NaN or infinite coordinate is absent. A close
+//   that leads elsewhere than to the start of its subpath ends an open one.
+//
+// Nothing throws but std::bad_alloc. Every call ends. Nothing is shared: all are safe from any
+// thread. The bits are the same on every machine.
+
+#ifndef TRAMMEL_STROKE_H
+#define TRAMMEL_STROKE_H
+
+#include "CPath.h"
+#include "FillRule.h"
+#include "StrokeStyle.h"
+#include "TrammelExport.h"
+
+namespace trammel {
+
+/// Makes the outline of the stroke, and returns the distance d that is kept.
+///
+/// The line is the path, or its dashes. With round joins and caps, a point is inside exactly when
+/// it is within half the width of the line, save within d of that distance. With other joins and
+/// caps it is inside exactly when the sweep, the joins or the caps cover it, save within d of their
+/// border.
+///
+/// The distance d is the tolerance, or the least that rounding allows if that is more: some 2^-29
+/// of the drawing's size. It is more where outlines run beside each other closer than the work of
+/// RemoveOverlap() allows.
+///
+/// The result replaces `out`. Its contours close bit for bit. They cross neither themselves nor
+/// each other, and have winding numbers of 1 inside and 0 outside. A width that is 0, negative, NaN
+/// or infinite gives no contours.
+///
+/// Cost: O(m log m + k) for m elements before overlaps are united and k crossings.
+/// \param tolerance in coordinate units. 0, less, and NaN ask for the least distance.
+TRAMMEL_API double Stroke(CPath const& path, StrokeStyle const& style, double tolerance,
+                          CPath& out);
+
+/// Makes the outline of a region grown by a distance, or shrunk by a negative one, and returns the
+/// distance d that is kept.
+///
+/// With round joins a point is in the grown region exactly when its distance from the region is at
+/// most `distance`, save within d of that. It is in the shrunk one exactly when its distance from
+/// the points outside the region is at least that much. Other joins shape the corners that would
+/// be round.
+///
+/// The result replaces `out`, and is as that of Stroke(). A NaN or infinite distance gives no
+/// contours, and 0 the region itself without overlaps.
+/// \param rule tells what points the outline contains. \param miterLimit as in StrokeStyle.
+TRAMMEL_API double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin join,
+                          double miterLimit, double tolerance, CPath& out);
+
+} // namespace trammel
+
+#endif

@@ -1,0 +1,490 @@
+// SPDX-License-Identifier: MIT
+
+#include "StrokeContours_p.h"
+
+#include "ArcCurves_p.h"
+#include "PointMath_p.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+using trammel::StrokeCap;
+using trammel::StrokeJoin;
+
+// Shares of the tolerance.
+
+/// Parts of curves that are no longer are drawn as lines.
+constexpr double kTinyShare = 0.125;
+/// Corners at which the pen's end moves by no more are no corners.
+constexpr double kCornerShare = 0.25;
+/// Curves and arcs beside the line.
+constexpr double kFitShare = 0.5;
+
+/// Returns the product of two vectors as complex numbers.
+Pt Turned(Pt const& a, Pt const& b) { return Pt(a.h * b.h - a.v * b.v, a.h * b.v + a.v * b.h); }
+
+} // namespace
+
+void ContourList::LineTo(Pt const& p) {
+    if (!mIsBegun) {
+        mIsBegun = true;
+        mFirstCode = mPath.mCtls.size();
+        mFirstPoint = mPath.mPts.size();
+        mStart = p;
+        mPath.AddCtl(kPathMove).AddPt(p * mScale);
+    } else if (p != mCurrent) {
+        mPath.AddCtl(kPathLine).AddPt(p * mScale);
+    }
+    mCurrent = p;
+}
+
+void ContourList::CurveTo(std::array<Pt, 3> const& points) {
+    if (points[2] == mCurrent && points[1] == mCurrent && points[0] == mCurrent) {
+        return;
+    }
+    mPath.AddCtl(kPathCurve);
+    for (Pt const& p : points) {
+        mPath.AddPt(p * mScale);
+    }
+    mCurrent = points[2];
+}
+
+void ContourList::Close() {
+    if (!mIsBegun) {
+        return;
+    }
+    mIsBegun = false;
+    if (mPath.mCtls.back() == kPathLine && mCurrent == mStart) {
+        mPath.mCtls.pop_back();
+        mPath.mPts.pop_back();
+    }
+    std::size_t const elements = mPath.mCtls.size() - mFirstCode;
+    if (elements <= 2 && mPath.mCtls.back() != kPathCurve) {
+        mPath.mCtls.resize(mFirstCode);
+        mPath.mPts.resize(mFirstPoint);
+        return;
+    }
+    mPath.AddCtl(kPathClose);
+}
+
+// ---- the line
+
+void StrokeContours::AppendLine(Pt const& from, Pt const& to, Pt const& direction,
+                                bool turnsAfter) {
+    Piece piece;
+    piece.start = from;
+    piece.end = to;
+    piece.from = piece.to = direction;
+    piece.turnsAfter = turnsAfter;
+    mPieces.push_back(piece);
+}
+
+void StrokeContours::AddLine(Pt const& from, Pt const& to) {
+    if (from != to) {
+        AppendLine(from, to, trammel::Normalize(to - from), false);
+    }
+}
+
+void StrokeContours::AddPoint(Pt const& p, Pt const& direction) {
+    AppendLine(p, p, direction, false);
+}
+
+void StrokeContours::AddCurve(Cubic const& curve) {
+    Pt const origin = curve[0];
+    Cubic local;
+    for (std::size_t i = 0; i < 4; ++i) {
+        local[i] = curve[i] - origin;
+    }
+    Pt const from = DirectionOf(local, 0.0);
+    Pt const to = DirectionOf(local, 1.0);
+    if (from.Null() || to.Null()) {
+        if (PolygonLength(local) == 0.0) {
+            return;
+        }
+        AddLine(curve[0], curve[3]);
+        return;
+    }
+    double const tiny = kTinyShare * mPen.tolerance;
+    std::size_t const before = mStretches.size();
+    if (PolygonLength(local) <= tiny) {
+        mStretches.push_back({0.0, 1.0, 0, true});
+    } else {
+        SplitAtCurvature(local, mPen.radius, tiny, mStretches);
+    }
+    // Tiny stretches become lines, at whose ends the pen turns round.
+    std::size_t const count = mStretches.size() - before;
+    std::size_t kept = before;
+    for (std::size_t i = 0; i < count;) {
+        CurveStretch const first = mStretches[before + i];
+        if (first.tiny) {
+            Pt const a = first.from <= 0.0 ? curve[0] : origin + PlaceAt(local, first.from).point;
+            Pt const b = first.to >= 1.0 ? curve[3] : origin + PlaceAt(local, first.to).point;
+            if (first.from <= 0.0) {
+                AppendLine(a, a, from, true);
+            }
+            if (a != b) {
+                AppendLine(a, b, trammel::Normalize(b - a), true);
+            }
+            if (first.to >= 1.0) {
+                AppendLine(b, b, to, false);
+            }
+            ++i;
+            continue;
+        }
+        Piece piece;
+        piece.firstStretch = kept;
+        while (i < count && !mStretches[before + i].tiny) {
+            mStretches[kept++] = mStretches[before + i];
+            ++i;
+        }
+        piece.stretches = kept - piece.firstStretch;
+        double const start = mStretches[piece.firstStretch].from;
+        double const end = mStretches[kept - 1].to;
+        piece.origin = origin;
+        piece.curve = local;
+        piece.start = start <= 0.0 ? curve[0] : origin + PlaceAt(local, start).point;
+        piece.end = end >= 1.0 ? curve[3] : origin + PlaceAt(local, end).point;
+        piece.from = DirectionOf(local, start);
+        piece.to = DirectionOf(local, end);
+        piece.turnsAfter = i < count;
+        mPieces.push_back(piece);
+    }
+    mStretches.resize(kept);
+}
+
+void StrokeContours::SmoothCorners(bool closed) {
+    double const most = kCornerShare * mPen.tolerance;
+    auto const length = [](Piece const& piece) {
+        return piece.stretches > 0 ? PolygonLength(piece.curve) : Distance(piece.start, piece.end);
+    };
+    for (std::size_t i = 0; i < mPieces.size(); ++i) {
+        if (i + 1 == mPieces.size() && !closed) {
+            break;
+        }
+        Piece& before = mPieces[i];
+        Piece& behind = mPieces[i + 1 < mPieces.size() ? i + 1 : 0];
+        double const off = Taxicab(before.to - behind.from) * mPen.radius;
+        // On the inner side both pieces go back by half of that. They have to cover it.
+        if (off > 0.0 && Dot(before.to, behind.from) > 0.0 && off <= most &&
+            off <= length(before) && off <= length(behind)) {
+            before.to = behind.from = trammel::Normalize(before.to + behind.from);
+        }
+    }
+}
+
+void StrokeContours::Reverse() {
+    bool const last = mPieces.back().turnsAfter;
+    std::reverse(mPieces.begin(), mPieces.end());
+    for (std::size_t i = 0; i < mPieces.size(); ++i) {
+        Piece& piece = mPieces[i];
+        std::swap(piece.start, piece.end);
+        Pt const from = piece.from;
+        piece.from = -piece.to;
+        piece.to = -from;
+        piece.turnsAfter = i + 1 < mPieces.size() ? mPieces[i + 1].turnsAfter : last;
+        if (piece.stretches > 0) {
+            piece.curve = Reversed(piece.curve);
+            auto const begin = mStretches.begin() + static_cast<std::ptrdiff_t>(piece.firstStretch);
+            auto const end = begin + static_cast<std::ptrdiff_t>(piece.stretches);
+            std::reverse(begin, end);
+            for (auto s = begin; s != end; ++s) {
+                *s = {1.0 - s->to, 1.0 - s->from, -s->fold, false};
+            }
+        }
+    }
+    mIsReversed = !mIsReversed;
+}
+
+// ---- the contours
+
+void StrokeContours::EndOpen() {
+    if (mPieces.empty()) {
+        return;
+    }
+    SmoothCorners(false);
+    for (StrokeCap const cap : {mPen.endCap, mPen.startCap}) {
+        mOut.LineTo(Beside(mPieces.front().start, mPieces.front().from));
+        Side(false);
+        mOut.LineTo(Beside(mPieces.back().end, mPieces.back().to));
+        AddCap(mPieces.back().end, mPieces.back().to, cap);
+        Reverse();
+    }
+    mOut.Close();
+    AddPatches();
+}
+
+void StrokeContours::EndClosed() {
+    if (mPieces.empty()) {
+        return;
+    }
+    SmoothCorners(true);
+    Side(true);
+    mOut.Close();
+    Reverse();
+    Side(true);
+    mOut.Close();
+    Reverse();
+    AddPatches();
+}
+
+void StrokeContours::EndSide() {
+    if (mPieces.empty()) {
+        return;
+    }
+    SmoothCorners(true);
+    Side(true);
+    mOut.Close();
+    // How far a tiny part turns is not known, and on one side alone it matters.
+    for (Piece const& piece : mPieces) {
+        if (piece.turnsAfter) {
+            Pt const ahead(1.0, 0.0);
+            mOut.LineTo(piece.end + ahead * mPen.radius);
+            AddArc(piece.end, ahead, -ahead);
+            AddArc(piece.end, -ahead, ahead);
+            mOut.Close();
+        }
+    }
+    mIsReversed = true; // so that patches on the other side are left out
+    AddPatches();
+}
+
+void StrokeContours::Side(bool closed) {
+    if (closed) {
+        AddCorner(mPieces.back(), mPieces.front());
+    }
+    for (std::size_t i = 0; i < mPieces.size(); ++i) {
+        if (i > 0) {
+            AddCorner(mPieces[i - 1], mPieces[i]);
+        }
+        AddSideOf(mPieces[i]);
+    }
+}
+
+DirectedCubic StrokeContours::PartOfPiece(Piece const& piece, double from, double to) const {
+    CurveStretch const& first = mStretches[piece.firstStretch];
+    CurveStretch const& last = mStretches[piece.firstStretch + piece.stretches - 1];
+    DirectedCubic const whole(piece.curve, piece.from, piece.to);
+    return whole.Part(from, to, from <= first.from ? piece.from : whole.DirectionAt(from),
+                      to >= last.to ? piece.to : whole.DirectionAt(to));
+}
+
+bool StrokeContours::FoldsAtStart(Piece const& piece) const {
+    return piece.stretches > 0 && mStretches[piece.firstStretch].fold < 0;
+}
+
+// The contour stands at the piece's side where it starts, or anywhere if that folds.
+void StrokeContours::AddSideOf(Piece const& piece) {
+    double const tolerance = kFitShare * mPen.tolerance;
+    std::size_t const end = piece.firstStretch + piece.stretches;
+    for (std::size_t i = piece.firstStretch; i < end;) {
+        bool const folds = mStretches[i].fold < 0;
+        std::size_t k = i;
+        while (k < end && (mStretches[k].fold < 0) == folds) {
+            ++k;
+        }
+        DirectedCubic const part = PartOfPiece(piece, mStretches[i].from, mStretches[k - 1].to);
+        if (folds) {
+            if (i == piece.firstStretch) {
+                mOut.LineTo(piece.origin + CentreOf(part, 0.0, part.from, mPen.radius));
+            }
+            mCentres.clear();
+            AppendCentres(part, mPen.radius, tolerance, !mPen.IsRound(), mCentres);
+            for (Pt const& p : mCentres) {
+                mOut.LineTo(piece.origin + p);
+            }
+            if (k == end) {
+                mOut.LineTo(piece.origin + CentreOf(part, 1.0, part.to, mPen.radius));
+            }
+        } else {
+            mOut.LineTo(i == piece.firstStretch ? Beside(piece.start, piece.from)
+                                                : piece.origin + Beside(part.curve[0], part.from));
+            mCurves.clear();
+            AppendOffset(part, -mPen.radius, tolerance, mCurves);
+            for (std::size_t c = 0; c < mCurves.size(); ++c) {
+                std::array<Pt, 3> points = mCurves[c];
+                for (Pt& p : points) {
+                    p += piece.origin;
+                }
+                if (c + 1 == mCurves.size() && k == end) {
+                    points[2] = Beside(piece.end, piece.to);
+                }
+                mOut.CurveTo(points);
+            }
+        }
+        i = k;
+    }
+}
+
+void StrokeContours::AddPatches() {
+    if (mPen.IsRound()) {
+        Clear();
+        return;
+    }
+    bool const oneSide = mIsReversed;
+    mIsReversed = false;
+    for (int side = 0; side < (oneSide ? 1 : 2); ++side) {
+        for (Piece const& piece : mPieces) {
+            for (std::size_t i = 0; i < piece.stretches; ++i) {
+                CurveStretch const& stretch = mStretches[piece.firstStretch + i];
+                if (stretch.fold >= 0) {
+                    continue;
+                }
+                double const tolerance = kFitShare * mPen.tolerance;
+                DirectedCubic const part = PartOfPiece(piece, stretch.from, stretch.to);
+                mCentres.clear();
+                AppendCentres(part, mPen.radius, tolerance, true, mCentres);
+                mCurves.clear();
+                AppendOffset(part.Reversed(), mPen.radius, tolerance, mCurves);
+                Pt const start = Beside(part.curve[0], part.from);
+                mOut.LineTo(piece.origin + start);
+                if (i == 0) {
+                    mOut.LineTo(piece.origin + CentreOf(part, 0.0, part.from, mPen.radius));
+                }
+                for (Pt const& p : mCentres) {
+                    mOut.LineTo(piece.origin + p);
+                }
+                if (i + 1 == piece.stretches) {
+                    mOut.LineTo(piece.origin + CentreOf(part, 1.0, part.to, mPen.radius));
+                }
+                mOut.LineTo(piece.origin + Beside(part.curve[3], part.to));
+                for (std::array<Pt, 3> points : mCurves) {
+                    for (Pt& p : points) {
+                        p += piece.origin;
+                    }
+                    mOut.CurveTo(points);
+                }
+                mOut.Close();
+            }
+        }
+        Reverse();
+    }
+    mIsReversed = false;
+    Clear();
+}
+
+// ---- corners and ends
+
+void StrokeContours::AddCorner(Piece const& before, Piece const& behind) {
+    Pt const p = behind.start;
+    Pt const from = Beside(before.end, before.to);
+    Pt const to = Beside(p, behind.from);
+    double const turn = Cross(before.to, behind.from);
+    double const along = Dot(before.to, behind.from);
+    if (before.to == behind.from) {
+        mOut.LineTo(to);
+        return;
+    }
+    if (turn > 0.0 || (turn == 0.0 && along < 0.0 && !mIsReversed)) {
+        mOut.LineTo(from);
+        AddJoin(p, before.to, behind.from, before.turnsAfter);
+        mOut.LineTo(to);
+        return;
+    }
+    if (before.stretches == 0 && behind.stretches == 0 && along > -0.99) {
+        double const ahead = mPen.radius * std::abs(turn) / (1.0 + along);
+        if (ahead <= 0.5 * Distance(before.start, before.end) &&
+            ahead <= 0.5 * Distance(behind.start, behind.end)) {
+            // Both pieces cover the corner's inner side up to where their sides meet. It counts
+            // once less then, which no other corner of a piece does at the same point.
+            mOut.LineTo(p - NormalOf(before.to + behind.from) * (mPen.radius / (1.0 + along)));
+            return;
+        }
+    }
+    if (before.stretches == 0) {
+        mOut.LineTo(from);
+    }
+    mOut.LineTo(p);
+    if (!FoldsAtStart(behind)) {
+        mOut.LineTo(to);
+    }
+}
+
+void StrokeContours::AddJoin(Pt const& p, Pt const& before, Pt const& behind, bool round) {
+    if (round || mPen.join == StrokeJoin::kRound) {
+        AddArc(p, -NormalOf(before), -NormalOf(behind));
+        return;
+    }
+    if (mPen.join == StrokeJoin::kBevel) {
+        return;
+    }
+    double const along = Dot(before, behind);
+    // Half of the turn between the directions, which have the length 1.
+    double const cosine = 0.5 * std::sqrt(Square(before + behind));
+    double const sine = 0.5 * std::sqrt(Square(before - behind));
+    double const radius = mPen.radius;
+    Pt const from = Beside(p, before);
+    Pt const to = Beside(p, behind);
+    if (mPen.miterLimit * cosine >= 1.0) {
+        double const ahead = radius * sine / cosine;
+        mOut.LineTo(along > 0.0 ? p - NormalOf(before + behind) * (radius / (1.0 + along))
+                                : from + before * ahead);
+    } else if (mPen.join == StrokeJoin::kMiterClip) {
+        double const ahead = radius * (mPen.miterLimit - cosine) / sine;
+        mOut.LineTo(from + before * ahead);
+        mOut.LineTo(to - behind * ahead);
+    }
+}
+
+// The turn is from h toward v and at most half of a full one.
+void StrokeContours::AddArc(Pt const& center, Pt const& from, Pt const& to) {
+    double const sine = 0.5 * std::sqrt(Square(to - from));
+    double const cosine = 0.5 * std::sqrt(Square(to + from));
+    double const quarter = sine / (1.0 + cosine); // the tangent of a quarter of the turn
+    double t = quarter / (1.0 + std::sqrt(1.0 + quarter * quarter));
+    t = t / (1.0 + std::sqrt(1.0 + t * t));
+    double series = 0.0;
+    for (int k = 21; k > 0; k -= 2) {
+        series = 1.0 / k - t * t * series;
+    }
+    double const angle = 16.0 * t * series;
+    double const radius = mPen.radius;
+    std::size_t const count = ArcCurveCount(angle, radius, kFitShare * mPen.tolerance);
+
+    // One step is the root of the whole turn, as complex numbers. Newton's method finds it.
+    Pt const whole(Dot(from, to), Cross(from, to));
+    Pt step = whole;
+    if (count > 1) {
+        double const a = angle / static_cast<double>(count);
+        double const square = a * a;
+        step = trammel::Normalize(Pt(1.0 - square * (0.5 - square / 24.0),
+                                     a * (1.0 - square * (1.0 - square / 20.0) / 6.0)));
+        for (int round = 0; round < 4; ++round) {
+            Pt power(1.0, 0.0);
+            for (std::size_t i = 0; i < count; ++i) {
+                power = Turned(power, step);
+            }
+            // Both have the length 1, so what remains is a small turn.
+            Pt const rest = Turned(whole, Pt(power.h, -power.v));
+            double const off = rest.v / static_cast<double>(count);
+            step = trammel::Normalize(step + NormalOf(step) * off);
+        }
+    }
+    double const half = step.v / (1.0 + step.h);
+    double const arm = 4.0 / 3.0 * radius * half / (1.0 + std::sqrt(1.0 + half * half));
+    Pt radial = from;
+    for (std::size_t i = 0; i < count; ++i) {
+        Pt const next = i + 1 < count ? Turned(radial, step) : to;
+        mOut.CurveTo({{center + radial * radius + NormalOf(radial) * arm,
+                       center + next * radius - NormalOf(next) * arm, center + next * radius}});
+        radial = next;
+    }
+}
+
+void StrokeContours::AddCap(Pt const& p, Pt const& direction, StrokeCap cap) {
+    Pt const side = NormalOf(direction) * mPen.radius;
+    Pt const ahead = direction * mPen.radius;
+    if (cap == StrokeCap::kRound) {
+        AddArc(p, -NormalOf(direction), NormalOf(direction));
+    } else if (cap == StrokeCap::kSquare) {
+        mOut.LineTo(p - side + ahead);
+        mOut.LineTo(p + side + ahead);
+    }
+    mOut.LineTo(p + side);
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+
+// The contours of a stroke before overlapping parts are united. Not installed.
+
+#ifndef TRAMMEL_STROKECONTOURS_P_H
+#define TRAMMEL_STROKECONTOURS_P_H
+
+#include "CPath.h"
+#include "Cubic_p.h"
+#include "OffsetCurve_p.h"
+#include "StrokeStyle.h"
+#include "TPoint.h"
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace trammel_detail {
+
+/// What a stroke is drawn with.
+struct StrokePen {
+    double radius = 0.5;
+    trammel::StrokeJoin join = trammel::StrokeJoin::kMiter;
+    double miterLimit = 4.0;
+    trammel::StrokeCap startCap = trammel::StrokeCap::kButt;
+    trammel::StrokeCap endCap = trammel::StrokeCap::kButt;
+    double tolerance = 0.0; ///< above 0
+
+    /// True where all that is within the radius of the line belongs to the stroke.
+    bool IsRound() const {
+        return join == trammel::StrokeJoin::kRound && startCap == trammel::StrokeCap::kRound &&
+               endCap == trammel::StrokeCap::kRound;
+    }
+};
+
+/// Collects closed contours and appends them to a path.
+class ContourList {
+public:
+    explicit ContourList(CPath& path, double scale) : mPath(path), mScale(scale) {}
+
+    bool IsBegun() const { return mIsBegun; }
+    TPoint<double> const& Current() const { return mCurrent; }
+    /// Goes to a point: with a line, or with a move at the beginning of a contour. A line without
+    /// length is left out.
+    void LineTo(TPoint<double> const& p);
+    /// Adds a curve; one that stays in its start is left out.
+    void CurveTo(std::array<TPoint<double>, 3> const& points);
+    /// Ends the contour with a close. A contour without area is dropped where that is plain.
+    void Close();
+
+private:
+    CPath& mPath;
+    double mScale;
+    bool mIsBegun = false;
+    TPoint<double> mStart;
+    TPoint<double> mCurrent;
+    std::size_t mFirstCode = 0;
+    std::size_t mFirstPoint = 0;
+};
+
+/// Makes contours whose winding number around a point is the number of times that the pen covers
+/// it: above 0 in the stroke, and 0 outside.
+///
+/// The pen sweeps the points P(t) + s N(t) with s from -r to r. The contours run along both ends of
+/// the sweep. Where the pen turns faster than it goes forward, its inner end runs backward. The
+/// contour then follows the curve's centres of curvature, and the part of the sweep beyond them is
+/// a contour of its own, run the other way.
+class StrokeContours {
+public:
+    StrokeContours(StrokePen const& pen, ContourList& out) : mPen(pen), mOut(out) {}
+
+    /// Adds a line to the subpath. A line without length is left out.
+    void AddLine(TPoint<double> const& from, TPoint<double> const& to);
+    /// Adds a cubic curve to the subpath. One that stays in its start is left out.
+    void AddCurve(Cubic const& curve);
+    /// Adds a point in which the pen has a direction. It is for subpaths without length.
+    void AddPoint(TPoint<double> const& p, TPoint<double> const& direction);
+    bool IsEmpty() const { return mPieces.empty(); }
+    /// Forgets what was added to the subpath.
+    void Clear() {
+        mPieces.clear();
+        mStretches.clear();
+    }
+
+    /// Ends the subpath with caps at both ends.
+    void EndOpen();
+    /// Ends the subpath, whose end is its start, with a join there.
+    void EndClosed();
+    /// Ends the closed subpath, and keeps only the contour on the side against its normals.
+    void EndSide();
+
+private:
+    struct Piece {
+        TPoint<double> start;
+        TPoint<double> end;
+        TPoint<double> from; ///< the direction at the start
+        TPoint<double> to;   ///< the direction at the end
+        Cubic curve;         ///< less the origin
+        TPoint<double> origin;
+        std::size_t firstStretch = 0;
+        std::size_t stretches = 0; ///< 0 for a line
+        /// The pen turns round to the next piece, whatever the join is: at a cusp of a curve.
+        bool turnsAfter = false;
+    };
+
+    void AppendLine(TPoint<double> const& from, TPoint<double> const& to,
+                    TPoint<double> const& direction, bool turnsAfter);
+    void SmoothCorners(bool closed);
+    void Reverse();
+    void Side(bool closed);
+    void AddSideOf(Piece const& piece);
+    void AddCorner(Piece const& before, Piece const& behind);
+    void AddJoin(TPoint<double> const& p, TPoint<double> const& before,
+                 TPoint<double> const& behind, bool round);
+    void AddArc(TPoint<double> const& center, TPoint<double> const& from, TPoint<double> const& to);
+    void AddCap(TPoint<double> const& p, TPoint<double> const& direction, trammel::StrokeCap cap);
+    void AddPatches();
+    bool FoldsAtStart(Piece const& piece) const;
+    DirectedCubic PartOfPiece(Piece const& piece, double from, double to) const;
+    TPoint<double> Beside(TPoint<double> const& p, TPoint<double> const& direction) const {
+        return p - NormalOf(direction) * mPen.radius;
+    }
+
+    StrokePen mPen;
+    ContourList& mOut;
+    std::vector<Piece> mPieces;
+    std::vector<CurveStretch> mStretches;
+    bool mIsReversed = false;
+    std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece
+    std::vector<TPoint<double>> mCentres;
+    std::vector<std::vector<TPoint<double>>> mPatchCentres;
+};
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+
+#include "StrokePath_p.h"
+
+#include "Dashes_p.h"
+#include "OutlineMeasure.h"
+#include "PathSegments.h"
+#include "PathStructure.h"
+#include "PointAlgebra.h"
+#include "PointMath_p.h"
+#include "PreparedOutline.h"
+#include "StrokeContours_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+namespace trammel_detail {
+
+namespace {
+
+typedef TPoint<double> Pt;
+using trammel::FillRule;
+using trammel::OutlineMeasure;
+using trammel::PathOf;
+using trammel::PathSegment;
+using trammel::PreparedOutline;
+using trammel::Segments;
+using trammel::StrokeCap;
+using trammel::StrokeJoin;
+using trammel::StrokeStyle;
+using trammel::Subpath;
+using trammel::Subpaths;
+
+/// No distance is kept that is less than this share of the coordinates or the width.
+constexpr double kFinest = 0x1p-36;
+/// To see on which side of an outline its region lies, points so far beside it are tried, in shares
+/// of the size.
+constexpr double kFarthestStep = 0x1p-20;
+constexpr double kNearestStep = 0x1p-44;
+constexpr double kNextStep = 0x1p6;
+/// Drawings of a size beyond this power of two, or below its inverse, are scaled.
+constexpr int kPlainExponent = 200;
+
+bool HasFinitePoints(PathSegment const& s) {
+    return IsFinite(s.start) && IsFinite(s.control1) && IsFinite(s.control2) && IsFinite(s.end);
+}
+
+bool IsDrawn(Subpath const& subpath) {
+    return std::all_of(subpath.begin(), subpath.end(),
+                       [](PathSegment const& s) { return HasFinitePoints(s); });
+}
+
+/// Returns the greatest magnitude of a coordinate of the subpaths that are drawn.
+double SizeOf(CPath const& path) {
+    double size = 0.0;
+    for (Subpath const& subpath : Subpaths(path)) {
+        if (!IsDrawn(subpath)) {
+            continue;
+        }
+        for (PathSegment const& s : subpath) {
+            for (Pt const& p : {s.start, s.control1, s.control2, s.end}) {
+                size = std::max({size, std::abs(p.h), std::abs(p.v)});
+            }
+        }
+    }
+    return size;
+}
+
+/// Returns a power of two by which drawings of extreme size are multiplied.
+double ScaleFor(double size) {
+    int const exponent = std::ilogb(size);
+    return std::abs(exponent) <= kPlainExponent ? 1.0 : std::scalbn(1.0, -exponent);
+}
+
+template <class Segments>
+void AddSegments(Segments const& segments, double scale, StrokeContours& contours) {
+    for (PathSegment const& s : segments) {
+        if (s.IsCurve()) {
+            contours.AddCurve(
+                {{s.start * scale, s.control1 * scale, s.control2 * scale, s.end * scale}});
+        } else {
+            contours.AddLine(s.start * scale, s.end * scale);
+        }
+    }
+}
+
+bool EndsAtStart(Subpath const& subpath) {
+    Pt end = subpath.Start();
+    for (PathSegment const& s : subpath) {
+        end = s.end;
+    }
+    return end == subpath.Start();
+}
+
+void AddDashes(Subpath const& subpath, bool closed, DashPattern const& pattern, bool joinsAtStart,
+               double scale, StrokeContours& contours) {
+    OutlineMeasure const measure(PathOf(subpath));
+    double const length = measure.Length();
+    std::vector<DashRange> dashes;
+    if (!pattern.Find(length, dashes)) {
+        AddSegments(subpath, scale, contours);
+        closed ? contours.EndClosed() : contours.EndOpen();
+        return;
+    }
+    auto const add = [&](DashRange const& dash) {
+        if (dash.from < dash.to) {
+            CPath piece;
+            measure.GetLengthRange(dash.from, dash.to, piece);
+            AddSegments(Segments(piece), scale, contours);
+        }
+        if (contours.IsEmpty()) {
+            OutlineMeasure::Place const place = measure.AtLength(dash.from);
+            contours.AddPoint(place.point * scale, place.tangent);
+        }
+    };
+    bool const joins = closed && joinsAtStart && !dashes.empty() && dashes.front().from == 0.0 &&
+                       dashes.back().to == length;
+    if (joins && dashes.size() == 1) {
+        AddSegments(subpath, scale, contours);
+        contours.EndClosed();
+        return;
+    }
+    if (joins) {
+        add(dashes.back());
+        add(dashes.front());
+        contours.EndOpen();
+    }
+    for (std::size_t i = joins ? 1 : 0; i + (joins ? 1 : 0) < dashes.size(); ++i) {
+        add(dashes[i]);
+        contours.EndOpen();
+    }
+}
+
+/// The side of a contour on which the region lies.
+enum class RegionSide { kUnknown, kAtNormal, kAgainstNormal };
+
+/// Returns the side on which the region lies beside the middle of a segment.
+RegionSide RegionBeside(PathSegment const& s, PreparedOutline const& region, double step) {
+    Cubic const c = {{s.start, s.control1, s.control2, s.end}};
+    Pt const direction = s.IsCurve() ? DirectionOf(c, 0.5) : trammel::Normalize(s.end - s.start);
+    Pt const middle = s.IsCurve() ? PlaceAt(c, 0.5).point : (s.start + s.end) * 0.5;
+    Pt const aside = NormalOf(direction) * step;
+    bool const at = region.Contains(middle + aside, FillRule::kEvenOdd);
+    bool const against = region.Contains(middle - aside, FillRule::kEvenOdd);
+    return at == against ? RegionSide::kUnknown
+           : at          ? RegionSide::kAtNormal
+                         : RegionSide::kAgainstNormal;
+}
+
+/// Returns the side of a contour on which the region lies that all contours bound.
+RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, double size) {
+    // The least step first: a greater one may reach another contour.
+    for (double share = kNearestStep; share <= kFarthestStep; share *= kNextStep) {
+        for (PathSegment const& s : contour) {
+            RegionSide const side = RegionBeside(s, region, share * size);
+            if (side != RegionSide::kUnknown) {
+                return side;
+            }
+        }
+    }
+    return RegionSide::kUnknown;
+}
+
+} // namespace
+
+double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
+                    CPath& out) {
+    double const radius = 0.5 * style.width;
+    if (!(radius > 0.0) || !std::isfinite(radius)) {
+        return tolerance > 0.0 ? tolerance : 0.0;
+    }
+    double const size = std::max(SizeOf(path), radius);
+    double const scale = ScaleFor(size);
+    double const kept = std::max(kFinest * size, tolerance > 0.0 ? tolerance : 0.0);
+
+    StrokePen pen;
+    pen.radius = radius * scale;
+    pen.join = style.join;
+    pen.miterLimit = style.miterLimit >= 1.0 ? style.miterLimit : 1.0;
+    pen.startCap = style.startCap;
+    pen.endCap = style.endCap;
+    pen.tolerance = kept * scale;
+    ContourList list(out, 1.0 / scale);
+    StrokeContours contours(pen, list);
+    DashPattern const pattern(style.dashes, style.dashOffset);
+
+    for (Subpath const& subpath : Subpaths(path)) {
+        if (subpath.Empty() || !IsDrawn(subpath)) {
+            continue;
+        }
+        AddSegments(subpath, scale, contours);
+        if (contours.IsEmpty()) {
+            contours.AddPoint(subpath.Start() * scale, Pt(1.0, 0.0));
+            contours.EndOpen();
+            continue;
+        }
+        bool const closed = subpath.Closed() && EndsAtStart(subpath);
+        if (!style.dashes.empty()) {
+            contours.Clear();
+            AddDashes(subpath, closed, pattern, style.joinsDashesAtStart, scale, contours);
+            continue;
+        }
+        closed ? contours.EndClosed() : contours.EndOpen();
+    }
+    return kept;
+}
+
+double AppendGrown(CPath const& region, double distance, StrokeJoin join, double miterLimit,
+                   double tolerance, CPath& out) {
+    double const size = std::max(SizeOf(region), std::abs(distance));
+    double const scale = ScaleFor(size);
+    double const kept = std::max(kFinest * size, tolerance);
+    StrokePen pen;
+    pen.radius = std::abs(distance) * scale;
+    pen.join = join;
+    pen.miterLimit = miterLimit >= 1.0 ? miterLimit : 1.0;
+    pen.startCap = pen.endCap = StrokeCap::kRound;
+    pen.tolerance = kept * scale;
+    ContourList list(out, 1.0 / scale);
+    StrokeContours sides(pen, list);
+    PreparedOutline const prepared(region);
+    for (Subpath const& contour : Subpaths(region)) {
+        RegionSide const side = RegionBeside(contour, prepared, size);
+        CPath one = PathOf(contour);
+        if ((side == RegionSide::kAgainstNormal) != (distance < 0.0)) {
+            one = trammel::Reversed(one);
+        }
+        AddSegments(Segments(one), scale, sides);
+        // A contour of which nothing is known encloses nothing that could be seen.
+        side == RegionSide::kUnknown ? sides.EndClosed() : sides.EndSide();
+    }
+    return kept;
+}
+
+} // namespace trammel_detail

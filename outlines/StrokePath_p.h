@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+
+// The contours of strokes and of grown regions, before overlapping parts are united. Not installed.
+
+#ifndef TRAMMEL_STROKEPATH_P_H
+#define TRAMMEL_STROKEPATH_P_H
+
+#include "CPath.h"
+#include "StrokeStyle.h"
+
+namespace trammel_detail {
+
+/// Appends the contours of a stroke, parts of which overlap, and returns the distance that they
+/// keep: the tolerance, or the least that there is. The winding number around each point is the
+/// number of times that the pen covers it.
+double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
+                    CPath& out);
+
+/// Appends contours with winding numbers above 0 where a region grown by a distance is, and 0
+/// elsewhere, and returns the distance that they keep.
+///
+/// With a negative distance what is outside the region grows. A frame around all of it has to be
+/// added, which makes a region of that.
+/// \param region contours without overlaps, which run in any direction.
+double AppendGrown(CPath const& region, double distance, trammel::StrokeJoin join,
+                   double miterLimit, double tolerance, CPath& out);
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,532 @@
+// SPDX-License-Identifier: MIT
+
+#include "Stroke.h"
+
+#include "Moments.h"
+#include "OutlineJudge.h"
+#include "OutlineMeasure.h"
+#include "OutlineOperations.h"
+#include "PathSegments.h"
+#include "PathStructure.h"
+#include "Shapes.h"
+#include "SvgPath.h"
+#include "UTrigonometry.h"
+#include "Winding.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using trammel::FillRule;
+using trammel::Offset;
+using trammel::OutlineMeasure;
+using trammel::SignedArea;
+using trammel::Stroke;
+using trammel::StrokeCap;
+using trammel::StrokeJoin;
+using trammel::StrokeStyle;
+using trammel::WindingNumber;
+
+typedef TPoint<double> Pt;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+CPath Path(std::string const& text) {
+    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
+    EXPECT_FALSE(result.error) << text;
+    return result.path;
+}
+
+StrokeStyle Style(double width, StrokeJoin join, StrokeCap cap) {
+    StrokeStyle style;
+    style.width = width;
+    style.join = join;
+    style.startCap = style.endCap = cap;
+    return style;
+}
+StrokeStyle Round(double width) { return Style(width, StrokeJoin::kRound, StrokeCap::kRound); }
+StrokeStyle Plain(double width) { return Style(width, StrokeJoin::kMiter, StrokeCap::kButt); }
+
+CPath Stroked(CPath const& path, StrokeStyle const& style, double tolerance = 1e-7) {
+    CPath out;
+    Stroke(path, style, tolerance, out);
+    return out;
+}
+double StrokedArea(std::string const& text, StrokeStyle const& style) {
+    return SignedArea(Stroked(Path(text), style));
+}
+
+class Dice {
+public:
+    explicit Dice(std::uint64_t seed) : mEngine(seed) {}
+    double Unit() { return static_cast<double>(mEngine() >> 11) * 0x1p-53; }
+    double Between(double low, double high) { return low + (high - low) * Unit(); }
+    /// A power of ten with an exponent between two.
+    double Decade(double low, double high) { return std::pow(10.0, Between(low, high)); }
+    Pt Point() {
+        double const h = Between(-1.0, 1.0);
+        return Pt(h, Between(-1.0, 1.0));
+    }
+    bool Coin() { return mEngine() % 2 == 0; }
+    int Below(int n) { return static_cast<int>(mEngine() % static_cast<std::uint64_t>(n)); }
+
+private:
+    std::mt19937_64 mEngine;
+};
+
+constexpr int kHardKinds = 10;
+
+/// Appends a segment of a kind that is hard to stroke.
+void AppendHard(CPath& path, int kind, Dice& dice) {
+    Pt const from = path.CurrentPoint();
+    Pt const to = dice.Point();
+    switch (kind) {
+    case 0: // corners
+        path.LineTo(to);
+        return;
+    case 1: // any curve
+        path.CurveTo(dice.Point(), dice.Point(), to);
+        return;
+    case 2: { // tight turns and loops narrower than the stroke
+        Pt const middle = dice.Point();
+        double const size = dice.Decade(-5.0, 0.0);
+        path.CurveTo(middle + Pt(size, size), middle - Pt(size, size), to);
+        return;
+    }
+    case 3: { // an exact cusp
+        Pt const a = dice.Point();
+        Pt const b = dice.Point();
+        path.CurveTo(from + a + b, from + b, from + a);
+        return;
+    }
+    case 4: { // curves that double back on a line
+        Pt const d = dice.Point();
+        path.CurveTo(from + d * dice.Between(-2.0, 2.0), from + d * dice.Between(-2.0, 2.0),
+                     from + d * dice.Between(-1.0, 1.0));
+        return;
+    }
+    case 5: // retracted handles
+        path.CurveTo(dice.Coin() ? from : dice.Point(), dice.Coin() ? to : dice.Point(), to);
+        return;
+    case 6: // lines that double back
+        path.LineTo(path.mPts.size() % 2 == 0 ? path.mPts[path.mPts.size() - 2] : to);
+        return;
+    case 7: { // details smaller than the pen
+        double const size = dice.Decade(-6.0, -1.0);
+        path.CurveTo(from + dice.Point() * size, from + dice.Point() * size,
+                     from + dice.Point() * size);
+        return;
+    }
+    case 8: // smooth joints
+        path.CurveTo(path.mPts.size() < 2 ? to : from * 2.0 - path.mPts[path.mPts.size() - 2],
+                     dice.Point(), to);
+        return;
+    default: { // nearly on a line
+        Pt const d = dice.Point();
+        double const off = dice.Decade(-9.0, -2.0);
+        auto const near = [&](double most) {
+            return from + d * dice.Between(-most, most) + dice.Point() * off;
+        };
+        Pt const c1 = near(2.0);
+        Pt const c2 = near(2.0);
+        path.CurveTo(c1, c2, near(1.0));
+        return;
+    }
+    }
+}
+
+/// A path of one or two subpaths, open or closed, of any size.
+struct HardPath {
+    CPath path;
+    double width;
+
+    HardPath(int kind, Dice& dice) : width(dice.Decade(-2.0, 0.7)) {
+        int const subpaths = 1 + dice.Below(2);
+        for (int i = 0; i < subpaths; ++i) {
+            path.MoveTo(dice.Point());
+            int const segments = 1 + dice.Below(4);
+            for (int k = 0; k < segments; ++k) {
+                AppendHard(path, kind, dice);
+            }
+            if (dice.Coin()) {
+                path.ClosePath();
+            }
+        }
+        if (dice.Below(3) == 0) {
+            double const scale = dice.Decade(-200.0, 200.0);
+            for (Pt& p : path.mPts) {
+                p *= scale;
+            }
+            path.InvalBounds();
+            width *= scale;
+        }
+    }
+};
+
+/// A point near the path, most often close to the border of its stroke.
+Pt NearBorder(OutlineMeasure const& measure, double radius, Dice& dice) {
+    double const angle = dice.Between(0.0, 2.0 * pi);
+    Pt const direction(std::cos(angle), std::sin(angle));
+    Pt const p = measure.TPt(dice.Unit()) + direction * (radius * dice.Between(0.0, 2.0));
+    OutlineMeasure::Nearest const nearest = measure.FindNearest(p);
+    if (dice.Below(3) == 0 || nearest.distance == 0.0) {
+        return p;
+    }
+    double const off = dice.Decade(-6.0, -1.0);
+    return nearest.point + (p - nearest.point) *
+                               (radius / nearest.distance * (dice.Coin() ? 1.0 + off : 1.0 - off));
+}
+
+// ---- what Stroke promises
+
+TEST(Stroke, HoldsThePointsWithinHalfTheWidthSaveWithinTheDistance) {
+    Dice dice(1);
+    for (int i = 0; i < 1000; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        double const radius = 0.5 * hard.width;
+        CPath out;
+        double const kept = Stroke(hard.path, Round(hard.width), 1e-6 * hard.width, out);
+        ASSERT_LE(kept, 2e-6 * hard.width + 1e-8 * (hard.path.Bounds().Width() + hard.width));
+        OutlineMeasure const measure(hard.path);
+        for (int k = 0; k < 40; ++k) {
+            Pt const p = NearBorder(measure, radius, dice);
+            double const distance = measure.Distance(p);
+            if (std::abs(distance - radius) > kept) {
+                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
+                    << "path " << i << ", off by " << (distance - radius) / hard.width;
+            }
+        }
+    }
+}
+
+TEST(Stroke, ReturnsTheToleranceWhereItCanBeKept) {
+    CPath out;
+    EXPECT_EQ(Stroke(Path("M0 0 L10 0 L10 10"), Round(2), 0.25, out), 0.25);
+    EXPECT_EQ(Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), 1e-4, out), 1e-4);
+    double const least = Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), 0.0, out);
+    EXPECT_GT(least, 0.0);
+    EXPECT_LT(least, 1e-7);
+    EXPECT_EQ(Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), kNaN, out), least);
+    EXPECT_EQ(Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), -1.0, out), least);
+}
+
+TEST(Stroke, CoversTheSweepOfAllNormalsWithAnyJoinAndCap) {
+    Dice dice(2);
+    for (int i = 0; i < 200; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        auto const join = static_cast<StrokeJoin>(dice.Below(4));
+        auto const cap = static_cast<StrokeCap>(dice.Below(3));
+        CPath out;
+        double const kept = Stroke(hard.path, Style(hard.width, join, cap), 1e-4 * hard.width, out);
+        OutlineMeasure const measure(hard.path);
+        for (int k = 0; k < 20; ++k) {
+            // Places right at a cusp have no normal that could be measured.
+            OutlineMeasure::Place const place = measure.At(dice.Between(0.001, 0.999));
+            if (!(std::abs(place.curvature) * hard.width < 1e4)) {
+                continue;
+            }
+            double const aside = dice.Between(-0.999, 0.999) * (0.5 * hard.width - 3.0 * kept);
+            Pt const p = place.point + Pt(-place.tangent.v, place.tangent.h) * aside;
+            // A point on the border of the whole sweep may be out by the distance that is kept.
+            bool const isInside = WindingNumber(out, p) == 1;
+            ASSERT_TRUE(isInside || OutlineMeasure(out).Distance(p) <= kept)
+                << "path " << i << ", element " << place.element << " at " << place.parameter;
+        }
+    }
+}
+
+TEST(Stroke, ClosesItsContoursBitForBit) {
+    Dice dice(3);
+    for (int i = 0; i < 100; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        CPath const out = Stroked(hard.path, Round(hard.width), 1e-3 * hard.width);
+        for (trammel::Subpath const& contour : trammel::Subpaths(out)) {
+            EXPECT_TRUE(contour.BeginsWithMove());
+            EXPECT_TRUE(contour.Closed());
+        }
+    }
+}
+
+TEST(Stroke, IsTheSameByBothFillRules) {
+    Dice dice(4);
+    for (int i = 0; i < 100; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        CPath const out = Stroked(hard.path, Round(hard.width), 1e-3 * hard.width);
+        trammel_test::OutlineJudge const judge(out);
+        OutlineMeasure const measure(hard.path);
+        for (int k = 0; k < 20; ++k) {
+            Pt const p = measure.TPt(dice.Unit()) + dice.Point() * hard.width;
+            int const winding = judge.Winding(p);
+            ASSERT_TRUE(winding == 0 || winding == 1) << winding;
+        }
+    }
+}
+
+TEST(Stroke, OfALineHasFourSides) {
+    CPath const out = Stroked(Path("M1 1 L5 1"), Plain(2));
+    EXPECT_EQ(out.mCtls.size(), 5U);
+    EXPECT_EQ(SignedArea(out), 8.0);
+}
+
+TEST(Stroke, HasFewElements) {
+    // One curve on each side for each curve of a circle.
+    CPath const circle = trammel::CirclePath(Pt(0.0, 0.0), 10.0, 1e-9);
+    EXPECT_LE(Stroked(circle, Round(2), 0.02).mCtls.size(), 2 * circle.mCtls.size());
+    // A line with round ends: two sides, and two curves at each end.
+    EXPECT_EQ(Stroked(Path("M0 0 L10 0"), Round(2), 0.01).mCtls.size(), 8U);
+    // A smooth curve: two sides and two ends, and a few more for tenfold digits.
+    CPath const wave = Path("M0 0 C10 0 20 10 30 10");
+    EXPECT_LE(Stroked(wave, Plain(1), 0.01).mCtls.size(), 6U);
+    EXPECT_LE(Stroked(wave, Plain(1), 1e-6).mCtls.size(), 20U);
+}
+
+TEST(Stroke, MitersUpToTheLimitAndBevelsBeyond) {
+    std::string const corner = "M0 0 L10 0 L10 10"; // a ratio of sqrt(2)
+    StrokeStyle style = Plain(2);
+    EXPECT_NEAR(StrokedArea(corner, style), 20 + 20, 1e-6);
+    style.miterLimit = 1.42;
+    EXPECT_NEAR(StrokedArea(corner, style), 40, 1e-6);
+    style.miterLimit = 1.41;
+    EXPECT_NEAR(StrokedArea(corner, style), 39.5, 1e-6);
+    style.miterLimit = kNaN;
+    EXPECT_NEAR(StrokedArea(corner, style), 39.5, 1e-6);
+    style.join = StrokeJoin::kBevel;
+    style.miterLimit = 4.0;
+    EXPECT_NEAR(StrokedArea(corner, style), 39.5, 1e-6);
+    style.join = StrokeJoin::kRound;
+    EXPECT_NEAR(StrokedArea(corner, style), 39 + pi / 4, 1e-5);
+}
+
+TEST(Stroke, ClipsMitersAtTheLimit) {
+    StrokeStyle style = Plain(2);
+    style.join = StrokeJoin::kMiterClip;
+    std::string const corner = "M0 0 L10 0 L10 10";
+    EXPECT_NEAR(StrokedArea(corner, style), 40, 1e-6);
+    // The tip lies sqrt(2) from the corner; beyond 1.2 a triangle of 0.2142² is missing.
+    style.miterLimit = 1.2;
+    double const off = std::sqrt(2.0) - 1.2;
+    EXPECT_NEAR(StrokedArea(corner, style), 40 - off * off, 1e-6);
+    // Where the line doubles back, the clipped miter is as long as the limit.
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 L0 0", style), 20 + 2 * 1.2, 1e-6);
+    style.join = StrokeJoin::kMiter;
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 L0 0", style), 20, 1e-6);
+}
+
+TEST(Stroke, HasCapsAtTheEndsOfOpenSubpathsOnly) {
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Style(2, StrokeJoin::kMiter, StrokeCap::kSquare)), 24,
+                1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Style(2, StrokeJoin::kMiter, StrokeCap::kRound)), 20 + pi,
+                1e-5);
+    StrokeStyle style = Plain(2);
+    style.startCap = StrokeCap::kSquare;
+    CPath const out = Stroked(Path("M0 0 L10 0"), style);
+    EXPECT_EQ(WindingNumber(out, Pt(-0.9, 0.0)), 1);
+    EXPECT_EQ(WindingNumber(out, Pt(10.1, 0.0)), 0);
+    // Back at its start without a close: two caps. With one: a join.
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 L10 10 L0 10 L0 0", Plain(2)), 79, 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 L10 10 L0 10 L0 0 Z", Plain(2)), 80, 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 L10 10 L0 10 Z", Plain(2)), 80, 1e-6);
+}
+
+TEST(Stroke, PaintsCapsOfSubpathsWithoutLength) {
+    for (std::string const text : {"M3 4 L3 4", "M3 4 Z", "M3 4 C3 4 3 4 3 4"}) {
+        CPath path = Path(text);
+        if (path.mCtls.size() < 2) { // a path records no line without length
+            path.AddCtl(kPathLine).AddPt(Pt(3.0, 4.0));
+        }
+        StrokeStyle style = Round(2);
+        EXPECT_NEAR(SignedArea(Stroked(path, style)), pi, 1e-5) << text;
+        style.startCap = style.endCap = StrokeCap::kSquare;
+        CPath const square = Stroked(path, style);
+        EXPECT_EQ(SignedArea(square), 4.0);
+        EXPECT_EQ(WindingNumber(square, Pt(3.99, 4.99)), 1);
+        style.endCap = StrokeCap::kRound;
+        EXPECT_NEAR(SignedArea(Stroked(path, style)), 2 + pi / 2, 1e-5) << text;
+        style.startCap = style.endCap = StrokeCap::kButt;
+        EXPECT_TRUE(Stroked(path, style).mCtls.empty()) << text;
+    }
+    EXPECT_TRUE(Stroked(Path("M3 4"), Round(2)).mCtls.empty());
+}
+
+TEST(Stroke, TurnsRoundAtACuspInsideACurve) {
+    // It runs from 0 to 7.5 and back, and not up to its control points.
+    CPath path;
+    path.MoveTo(Pt(0.0, 0.0)).AddCtl(kPathCurve);
+    path.AddPt(Pt(10.0, 0.0)).AddPt(Pt(10.0, 0.0)).AddPt(Pt(0.0, 0.0));
+    EXPECT_NEAR(SignedArea(Stroked(path, Plain(2))), 15 + pi / 2, 1e-5);
+}
+
+TEST(Stroke, LeavesOutSubpathsThatAreNotFinite) {
+    CPath path = Path("M0 0 L10 0");
+    path.MoveTo(Pt(0.0, 5.0)).LineTo(Pt(kNaN, 5.0));
+    path.MoveTo(Pt(0.0, 9.0)).LineTo(Pt(kInfinity, 9.0));
+    EXPECT_EQ(SignedArea(Stroked(path, Plain(2))), 20.0);
+    for (double const width : {0.0, -1.0, kNaN, kInfinity}) {
+        EXPECT_TRUE(Stroked(Path("M0 0 L10 0"), Plain(width)).mCtls.empty()) << width;
+    }
+}
+
+// ---- dashes
+
+StrokeStyle Dashed(std::vector<double> const& dashes, double offset = 0.0) {
+    StrokeStyle style = Plain(2);
+    style.dashes = dashes;
+    style.dashOffset = offset;
+    return style;
+}
+
+TEST(StrokeDashes, FollowTheListAndTheOffset) {
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3, 1})), 2 * (3 + 3 + 2), 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3, 1}, 2)), 2 * (1 + 3 + 3), 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3, 1}, -1)), 2 * (3 + 3 + 1), 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3, 1}, 4e6 + 2)), 2 * (1 + 3 + 3), 1e-5);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3})), 2 * (3 + 3), 1e-6);
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", Dashed({3, 1}, kNaN)), 2 * (3 + 3 + 2), 1e-6);
+}
+
+TEST(StrokeDashes, RestartAtEachSubpath) {
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0 M0 9 L10 9", Dashed({6, 100})), 2 * 12, 1e-6);
+}
+
+TEST(StrokeDashes, AreMeasuredAlongTheCurve) {
+    CPath const circle = trammel::CirclePath(Pt(0.0, 0.0), 10.0, 1e-10);
+    // A dash of a tenth of the circle: a part of a ring.
+    CPath const out = Stroked(circle, Dashed({2 * pi, 100}));
+    EXPECT_NEAR(SignedArea(out), 2 * pi * 2, 1e-5);
+    double const angle = 0.2 * pi;
+    EXPECT_EQ(WindingNumber(out, Pt(10 * std::cos(angle - 1e-5), 10 * std::sin(angle - 1e-5))), 1);
+    EXPECT_EQ(WindingNumber(out, Pt(10 * std::cos(angle + 1e-5), 10 * std::sin(angle + 1e-5))), 0);
+}
+
+TEST(StrokeDashes, MeetAtTheStartOfAClosedSubpathIfAsked) {
+    std::string const square = "M0 0 L10 0 L10 10 L0 10 Z";
+    StrokeStyle style = Dashed({5, 30, 5, 100});
+    EXPECT_NEAR(StrokedArea(square, style), 2 * 10 - 1, 1e-6);
+    style.joinsDashesAtStart = true;
+    EXPECT_NEAR(StrokedArea(square, style), 2 * 10, 1e-6);
+    style.dashes = {50};
+    EXPECT_NEAR(StrokedArea(square, style), 80, 1e-6);
+    style.joinsDashesAtStart = false;
+    EXPECT_NEAR(StrokedArea(square, style), 79, 1e-6);
+}
+
+TEST(StrokeDashes, OfNoLengthPaintTheirCaps) {
+    StrokeStyle style = Dashed({0, 4});
+    style.startCap = style.endCap = StrokeCap::kSquare;
+    EXPECT_NEAR(StrokedArea("M0 0 L10 0", style), 3 * 4, 1e-6);
+    // They are turned along the line.
+    EXPECT_EQ(WindingNumber(Stroked(Path("M0 0 L10 10"), style), Pt(1.3, 0.0)), 1);
+    style.startCap = style.endCap = StrokeCap::kButt;
+    EXPECT_EQ(StrokedArea("M0 0 L10 0", style), 0.0);
+}
+
+TEST(StrokeDashes, AreNoneInAListWithoutMeaning) {
+    for (std::vector<double> const& dashes : std::vector<std::vector<double>>{
+             {}, {0}, {0, 0}, {3, -1}, {kNaN, 1}, {kInfinity}, {1e-9, 1e-9}}) {
+        EXPECT_EQ(StrokedArea("M0 0 L10 0", Dashed(dashes)), 20.0);
+    }
+}
+
+TEST(StrokeDashes, HoldThePointsWithinHalfTheWidth) {
+    Dice dice(5);
+    for (int i = 0; i < 100; ++i) {
+        HardPath hard(i % kHardKinds, dice);
+        OutlineMeasure const whole(hard.path);
+        StrokeStyle style = Round(hard.width);
+        // Shorter than the pen.
+        double const step = std::max(dice.Between(0.1, 1.0) * hard.width, whole.Length() / 100.0);
+        style.dashes = {0.3 * step, 0.7 * step};
+        CPath out;
+        double const kept = Stroke(hard.path, style, 1e-4 * hard.width, out);
+        // The dashes again, by lengths.
+        CPath dashes;
+        for (CPath const& subpath : trammel::SplitSubpaths(hard.path)) {
+            OutlineMeasure const measure(subpath);
+            for (double from = 0.0; from < measure.Length(); from += step) {
+                measure.GetLengthRange(from, from + 0.3 * step, dashes);
+            }
+        }
+        OutlineMeasure const drawn(dashes);
+        for (int k = 0; k < 20; ++k) {
+            Pt const p = NearBorder(drawn, 0.5 * hard.width, dice);
+            double const distance = drawn.Distance(p);
+            if (std::abs(distance - 0.5 * hard.width) > 1.001 * kept) {
+                ASSERT_EQ(WindingNumber(out, p), distance < 0.5 * hard.width ? 1 : 0)
+                    << "path " << i << ", off by " << (distance / hard.width - 0.5);
+            }
+        }
+    }
+}
+
+// ---- offsets
+
+TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
+    Dice dice(6);
+    for (int i = 0; i < 300; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        CPath const region = trammel::WithSubpathsClosed(hard.path);
+        FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
+        double const distance = hard.width * (dice.Coin() ? 1.0 : -0.3);
+        CPath out;
+        double const kept =
+            Offset(region, rule, distance, StrokeJoin::kRound, 4.0, 1e-4 * hard.width, out);
+        CPath plain; // the border of the region
+        double const off = RemoveOverlap(region, rule, 0.0, plain);
+        OutlineMeasure const border(plain);
+        for (int k = 0; k < 20; ++k) {
+            Pt const p = NearBorder(border, std::abs(distance), dice);
+            double const away = border.Distance(p);
+            double const height = trammel::Contains(plain, p, FillRule::kNonZero) ? -away : away;
+            if (std::abs(height - distance) > kept + off && std::isfinite(away)) {
+                ASSERT_EQ(WindingNumber(out, p), height < distance ? 1 : 0)
+                    << "region " << i << ", off by " << (height - distance) / hard.width;
+            }
+        }
+    }
+}
+
+TEST(Offset, JoinsTheCornersOfASquare) {
+    CPath const square = Path("M0 0 L0 10 L10 10 L10 0 Z"); // in either direction
+    for (CPath const& path : {square, trammel::Reversed(square)}) {
+        auto const area = [&](double distance, StrokeJoin join, double limit = 4.0) {
+            CPath out;
+            Offset(path, FillRule::kNonZero, distance, join, limit, 1e-7, out);
+            return SignedArea(out);
+        };
+        EXPECT_NEAR(area(1, StrokeJoin::kMiter), 144, 1e-6);
+        EXPECT_NEAR(area(1, StrokeJoin::kMiter, 1.4), 142, 1e-6);
+        EXPECT_NEAR(area(1, StrokeJoin::kBevel), 142, 1e-6);
+        EXPECT_NEAR(area(1, StrokeJoin::kRound), 140 + pi, 1e-5);
+        EXPECT_NEAR(area(-1, StrokeJoin::kMiter), 64, 1e-6);
+        EXPECT_NEAR(area(-4.9, StrokeJoin::kRound), 0.04, 1e-6);
+        EXPECT_EQ(area(-5.1, StrokeJoin::kRound), 0.0);
+        EXPECT_EQ(std::abs(area(0, StrokeJoin::kRound)), 100.0);
+        EXPECT_EQ(area(kNaN, StrokeJoin::kRound), 0.0);
+        EXPECT_EQ(area(kInfinity, StrokeJoin::kRound), 0.0);
+    }
+}
+
+TEST(Offset, GrowsIntoHolesAndShrinksAroundThem) {
+    std::string const ring = "M0 0 L20 0 L20 20 L0 20 Z M5 5 L15 5 L15 15 L5 15 Z";
+    CPath out;
+    Offset(Path(ring), FillRule::kEvenOdd, 1.0, StrokeJoin::kMiter, 4.0, 1e-7, out);
+    EXPECT_NEAR(SignedArea(out), 22 * 22 - 8 * 8, 1e-6);
+    Offset(Path(ring), FillRule::kEvenOdd, -1.0, StrokeJoin::kMiter, 4.0, 1e-7, out);
+    EXPECT_NEAR(SignedArea(out), 18 * 18 - 12 * 12, 1e-6);
+    Offset(Path(ring), FillRule::kEvenOdd, 6.0, StrokeJoin::kMiter, 4.0, 1e-7, out);
+    EXPECT_NEAR(SignedArea(out), 32 * 32, 1e-6);
+    // By the nonzero rule there is no hole, and the inner square's sides are no border.
+    Offset(Path(ring), FillRule::kNonZero, -1.0, StrokeJoin::kMiter, 4.0, 1e-7, out);
+    EXPECT_NEAR(SignedArea(out), 18 * 18, 1e-6);
+}
+
+} // namespace
