@@ -39,6 +39,20 @@ namespace {
 using compare::Job;
 
 typedef TPoint<double> Pt;
+typedef std::vector<CPath> Paths;
+typedef std::vector<Pt> Points;
+
+/// Registers a work on each set of paths: make(paths, points) is its job, with a point for each
+/// path. The paths stay.
+template <class Make> void OnPathSets(std::string const& work, std::string const& who, Make make) {
+    for (auto const& [input, which] : peers::PathSets()) {
+        inputs::Set const set = which;
+        compare::RegisterAlone(work, input, who, [=] {
+            Paths const& paths = inputs::Outlines(set);
+            return make(paths, inputs::Points(paths.size(), inputs::Side(set)));
+        });
+    }
+}
 
 // ------------------------------------------------------------------------------------------------
 // Accurate
@@ -97,31 +111,25 @@ void RegisterInto() {
     };
     peers::RegisterCurves("trammel-into", curves);
 
-    for (auto const& [input, which] : peers::PathSets()) {
-        inputs::Set const set = which;
-        compare::RegisterAlone("path_flatten", input, "trammel-into", [=] {
-            auto const& paths = inputs::Outlines(set);
-            auto const flat = std::make_shared<trammel::FlatContours>();
-            return peers::JobOf(paths.size(), [=, &paths](std::size_t i) {
-                trammel::FlattenInto(paths[i], 0.1, *flat);
-                return static_cast<double>(flat->points.size());
-            });
+    OnPathSets("path_flatten", "trammel-into", [](Paths const& paths, Points const&) {
+        auto const flat = std::make_shared<trammel::FlatContours>();
+        return peers::JobOf(paths.size(), [=, &paths](std::size_t i) {
+            trammel::FlattenInto(paths[i], 0.1, *flat);
+            return static_cast<double>(flat->points.size());
         });
-        compare::RegisterAlone("path_flatten", input, "trammel-accurate", [=] {
-            auto const& paths = inputs::Outlines(set);
-            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
-                CPath lines;
-                trammel::FlattenWithin(paths[i], 0.1, lines);
-                return static_cast<double>(lines.mPts.size());
-            });
+    });
+    OnPathSets("path_flatten", "trammel-accurate", [](Paths const& paths, Points const&) {
+        return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+            CPath lines;
+            trammel::FlattenWithin(paths[i], 0.1, lines);
+            return static_cast<double>(lines.mPts.size());
         });
-        compare::RegisterAlone("path_text", input, "trammel", [=] {
-            auto const& paths = inputs::Outlines(set);
-            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
-                return static_cast<double>(trammel::WriteSvgPath(paths[i]).size());
-            });
+    });
+    OnPathSets("path_text", "trammel", [](Paths const& paths, Points const&) {
+        return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+            return static_cast<double>(trammel::WriteSvgPath(paths[i]).size());
         });
-    }
+    });
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -142,90 +150,63 @@ template <class Call, class Own> Job JobBeside(std::size_t count, Call call, Own
     return job;
 }
 
-/// The same question, ask(outline, point), to a path and to its PathMeasure.
-template <class Ask> void OnPaths(std::string const& work, Ask ask) {
-    for (auto const& [input, which] : peers::PathSets()) {
-        inputs::Set const set = which;
-        compare::RegisterAlone(work, input, "trammel-measured", [=] {
-            auto const& paths = inputs::Outlines(set);
-            auto const points = inputs::Points(paths.size(), inputs::Side(set));
+/// Asks an outline's kind for lengths, points and pieces: on(work, ask) registers ask(outline,
+/// point).
+template <class On> void AskAlike(On on) {
+    on("path_length", [](auto const& outline, Pt const&) { return outline.Length(); });
+    on("path_point", [](auto const& outline, Pt const&) {
+        Pt const p = outline.TPt(0.3);
+        return p.h + p.v;
+    });
+    on("path_cut", [](auto const& outline, Pt const&) {
+        CPath piece;
+        outline.GetTRange(0.25, 0.75, piece);
+        double sum = 0.0;
+        for (Pt const& p : piece.mPts) {
+            sum += p.h + p.v;
+        }
+        return sum;
+    });
+}
+
+/// Each question goes to a path and to its PathMeasure.
+void RegisterMeasured() {
+    auto const on = [](std::string const& work, auto ask) {
+        OnPathSets(work, "trammel-measured", [=](Paths const& paths, Points const& points) {
             std::vector<trammel::PathMeasure> const measures(paths.begin(), paths.end());
             return JobBeside(
                 paths.size(), [=](std::size_t i) { return ask(measures[i], points[i]); },
                 [&](std::size_t i) { return ask(paths[i], points[i]); });
         });
-    }
+    };
+    AskAlike(on);
+    on("path_nearest", [](auto const& outline, Pt const& p) { return outline.FindTValue(p); });
+    OnPathSets("path_measure", "trammel-measured", [](Paths const& paths, Points const&) {
+        return JobBeside(
+            paths.size(),
+            [&paths](std::size_t i) { return trammel::PathMeasure(paths[i]).Length(); },
+            [&paths](std::size_t i) { return paths[i].Length(); });
+    });
 }
 
-void RegisterMeasured() {
-    OnPaths("path_length", [](auto const& outline, Pt const&) { return outline.Length(); });
-    OnPaths("path_point", [](auto const& outline, Pt const&) {
-        Pt const p = outline.TPt(0.3);
-        return p.h + p.v;
-    });
-    OnPaths("path_nearest", [](auto const& outline, Pt const& p) { return outline.FindTValue(p); });
-    OnPaths("path_cut", [](auto const& outline, Pt const&) {
-        CPath piece;
-        outline.GetTRange(0.25, 0.75, piece);
-        double sum = 0.0;
-        for (Pt const& p : piece.mPts) {
-            sum += p.h + p.v;
-        }
-        return sum;
-    });
-    for (auto const& [input, which] : peers::PathSets()) {
-        inputs::Set const set = which;
-        compare::RegisterAlone("path_measure", input, "trammel-measured", [=] {
-            auto const& paths = inputs::Outlines(set);
-            return JobBeside(
-                paths.size(),
-                [&paths](std::size_t i) { return trammel::PathMeasure(paths[i]).Length(); },
-                [&paths](std::size_t i) { return paths[i].Length(); });
-        });
-    }
-}
-
-/// One question, ask(outline, point), to OutlineMeasures made beforehand.
-template <class Ask> void OnOutlines(std::string const& work, Ask ask) {
-    for (auto const& [input, which] : peers::PathSets()) {
-        inputs::Set const set = which;
-        compare::RegisterAlone(work, input, "trammel-outline", [=] {
-            auto const& paths = inputs::Outlines(set);
-            auto const points = inputs::Points(paths.size(), inputs::Side(set));
+/// Each question goes to OutlineMeasures made beforehand.
+void RegisterOutlines() {
+    auto const on = [](std::string const& work, auto ask) {
+        OnPathSets(work, "trammel-outline", [=](Paths const& paths, Points const& points) {
             std::vector<trammel::OutlineMeasure> const measures(paths.begin(), paths.end());
             return peers::JobOf(paths.size(),
                                 [=](std::size_t i) { return ask(measures[i], points[i]); });
         });
-    }
-}
-
-void RegisterOutlines() {
-    typedef trammel::OutlineMeasure const& Outline;
-    OnOutlines("path_length", [](Outline outline, Pt const&) { return outline.Length(); });
-    OnOutlines("path_point", [](Outline outline, Pt const&) {
-        Pt const p = outline.TPt(0.3);
-        return p.h + p.v;
+    };
+    AskAlike(on);
+    on("path_nearest", [](trammel::OutlineMeasure const& outline, Pt const& p) {
+        return outline.FindNearest(p, kAccuracy).t;
     });
-    OnOutlines("path_nearest",
-               [](Outline outline, Pt const& p) { return outline.FindNearest(p, kAccuracy).t; });
-    OnOutlines("path_cut", [](Outline outline, Pt const&) {
-        CPath piece;
-        outline.GetTRange(0.25, 0.75, piece);
-        double sum = 0.0;
-        for (Pt const& p : piece.mPts) {
-            sum += p.h + p.v;
-        }
-        return sum;
-    });
-    for (auto const& [input, which] : peers::PathSets()) {
-        inputs::Set const set = which;
-        compare::RegisterAlone("path_measure", input, "trammel-outline", [=] {
-            auto const& paths = inputs::Outlines(set);
-            return peers::JobOf(paths.size(), [&paths](std::size_t i) {
-                return trammel::OutlineMeasure(paths[i]).Length();
-            });
+    OnPathSets("path_measure", "trammel-outline", [](Paths const& paths, Points const&) {
+        return peers::JobOf(paths.size(), [&paths](std::size_t i) {
+            return trammel::OutlineMeasure(paths[i]).Length();
         });
-    }
+    });
 }
 
 /// With so many points a polygon is asked for, it has to pay to prepare it.

@@ -8,6 +8,7 @@
 
 #include "CBSpline.h"
 #include "CBezier.h"
+#include "LengthKernels_p.h"
 #include "PointMath_p.h"
 #include "TPoint.h"
 
@@ -71,12 +72,9 @@ public:
     Pt Up(Pt const& p) const { return Pt(Up(p.h), Up(p.v)); }
 
 private:
-    static constexpr double kLeast = 0x1p-100;
-    static constexpr double kGreatest = 0x1p100;
-
     /// True when points with this sum of all coordinates' magnitudes stay as they are. Nearly all
     /// do. False for a NaN.
-    static bool Ordinary(double sum) { return sum >= kLeast && sum <= kGreatest; }
+    static bool Ordinary(double sum) { return sum >= kLeastMeasured && sum <= kGreatestMeasured; }
     void Scale() {
         double greatest = 0.0;
         for (Pt const& p : mPts) {

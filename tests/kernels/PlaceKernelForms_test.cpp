@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -40,6 +41,19 @@ struct Subject {
     }
 };
 
+/// Calls check(random, subject, piece) for the pieces with a formula of random curves.
+template <class Check> void ForEachPiece(std::uint64_t seed, Check check) {
+    Random random(seed);
+    for (int i = 0; i < 1500; ++i) {
+        Subject const s(AnyCurve(random));
+        for (int k = 0; k < s.count; ++k) {
+            if (s.pieces[k].formula >= 0) {
+                check(random, s, s.pieces[k]);
+            }
+        }
+    }
+}
+
 TEST(CurvePieces, CoverTheCurveInOrderAndAddUpToItsLength) {
     Random random(31);
     for (int i = 0; i < 2000; ++i) {
@@ -65,78 +79,54 @@ TEST(CurvePieces, CoverTheCurveInOrderAndAddUpToItsLength) {
 }
 
 TEST(CurvePieces, FormulaSufficesForEveryPartOfThePiece) {
-    Random random(32);
-    for (int i = 0; i < 1500; ++i) {
-        Subject const s(AnyCurve(random));
-        for (int k = 0; k < s.count; ++k) {
-            LengthPiece const& piece = s.pieces[k];
-            if (piece.formula < 0) {
-                continue;
-            }
-            double const to =
-                piece.from + (piece.to - piece.from) * std::pow(random.Uniform(0, 1), 3.0);
-            double const length = trammel_detail::PieceIntegral<Double4>(
-                s.speed, piece.from, to, piece.formula, kGaussTable.entries);
-            EXPECT_LE(Off(length, TrueLength(s.curve, Widened(piece.from), Widened(to))),
-                      s.Bound(trammel_detail::kPieceLengthPart))
-                << Text(s.curve);
-        }
-    }
+    ForEachPiece(32, [](Random& random, Subject const& s, LengthPiece const& piece) {
+        double const to =
+            piece.from + (piece.to - piece.from) * std::pow(random.Uniform(0, 1), 3.0);
+        double const length = trammel_detail::PieceIntegral<Double4>(
+            s.speed, piece.from, to, piece.formula, kGaussTable.entries);
+        EXPECT_LE(Off(length, TrueLength(s.curve, Widened(piece.from), Widened(to))),
+                  s.Bound(trammel_detail::kPieceLengthPart))
+            << Text(s.curve);
+    });
 }
 
 TEST(CurvePieces, FewNodesSufficeForShortStretches) {
-    Random random(33);
-    for (int i = 0; i < 1500; ++i) {
-        Subject const s(AnyCurve(random));
-        for (int k = 0; k < s.count; ++k) {
-            LengthPiece const& piece = s.pieces[k];
-            if (piece.formula < 0) {
-                continue;
-            }
-            auto const formula = static_cast<std::size_t>(piece.formula);
-            for (long const steps : {1L, 2L}) {
-                double const width = piece.to - piece.from;
-                double const longest = (steps == 1 ? trammel_detail::kStretchParts.four[formula]
-                                                   : trammel_detail::kStretchParts.eight[formula]) *
-                                       width;
-                double const stretch = std::min(longest, width);
-                // Stretches at the ends of the piece are nearest to the zeros.
-                double const place =
-                    random.Integer(0, 2) == 0 ? random.Uniform(0, 1) : random.Integer(0, 1);
-                double const from = piece.from + (width - stretch) * place;
-                double const to = from + stretch;
-                double const length =
-                    trammel_detail::PieceSpeed<Double4>(s.speed, from, to)
-                        .Integral(kGaussTable.entries + trammel_detail::GaussStart(steps), steps);
-                EXPECT_LE(Off(length, TrueLength(s.curve, Widened(from), Widened(to))),
-                          s.Bound(trammel_detail::kStretchPart))
-                    << Text(s.curve);
-            }
+    ForEachPiece(33, [](Random& random, Subject const& s, LengthPiece const& piece) {
+        auto const formula = static_cast<std::size_t>(piece.formula);
+        for (long const steps : {1L, 2L}) {
+            double const width = piece.to - piece.from;
+            double const longest = (steps == 1 ? trammel_detail::kStretchParts.four[formula]
+                                               : trammel_detail::kStretchParts.eight[formula]) *
+                                   width;
+            double const stretch = std::min(longest, width);
+            // Stretches at the ends of the piece are nearest to the zeros.
+            double const place =
+                random.Integer(0, 2) == 0 ? random.Uniform(0, 1) : random.Integer(0, 1);
+            double const from = piece.from + (width - stretch) * place;
+            double const to = from + stretch;
+            double const length =
+                trammel_detail::PieceSpeed<Double4>(s.speed, from, to)
+                    .Integral(kGaussTable.entries + trammel_detail::GaussStart(steps), steps);
+            EXPECT_LE(Off(length, TrueLength(s.curve, Widened(from), Widened(to))),
+                      s.Bound(trammel_detail::kStretchPart))
+                << Text(s.curve);
         }
-    }
+    });
 }
 
 TEST(PieceParameter, LengthUpToThePlaceIsRight) {
-    Random random(34);
-    for (int i = 0; i < 1500; ++i) {
-        Subject const s(AnyCurve(random));
-        for (int k = 0; k < s.count; ++k) {
-            LengthPiece const& piece = s.pieces[k];
-            if (piece.formula < 0) {
-                continue;
-            }
-            double const part = std::pow(random.Uniform(0, 1), random.Integer(1, 6));
-            double const length = trammel_detail::Quantized(
-                (random.Integer(0, 1) == 0 ? part : 1 - part) * piece.length, s.speed.size);
-            double const t = trammel_detail::PieceParameterForm<Double4>(
-                &s.curve.P0.v, Scale::kAny, piece, length, kGaussTable.entries);
-            // A length may be rounded beyond the piece, whose end it is then.
-            EXPECT_LE(Off(std::min(length, piece.length),
-                          TrueLength(s.curve, Widened(piece.from), Widened(t))),
-                      Widened(s.speed.size * trammel_detail::kPlacePart))
-                << Text(s.curve);
-        }
-    }
+    ForEachPiece(34, [](Random& random, Subject const& s, LengthPiece const& piece) {
+        double const part = std::pow(random.Uniform(0, 1), random.Integer(1, 6));
+        double const length = trammel_detail::Quantized(
+            (random.Integer(0, 1) == 0 ? part : 1 - part) * piece.length, s.speed.size);
+        double const t = trammel_detail::PieceParameterForm<Double4>(
+            &s.curve.P0.v, Scale::kAny, piece, length, kGaussTable.entries);
+        // A length may be rounded beyond the piece, whose end it is then.
+        EXPECT_LE(Off(std::min(length, piece.length),
+                      TrueLength(s.curve, Widened(piece.from), Widened(t))),
+                  Widened(s.speed.size * trammel_detail::kPlacePart))
+            << Text(s.curve);
+    });
 }
 
 TEST(Quantized, RoundsToMultiplesOfThePowerOfTwo) {

@@ -3,13 +3,12 @@
 #include "PreparedOutline.h"
 
 #include "CBezier.h"
+#include "CairoGlyphs.h"
 #include "ShortMemory.h"
 #include "SvgPath.h"
 #include "TestSupport.h"
 #include "Winding.h"
 
-#include <cairo.h>
-#include <ft2build.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,9 +25,6 @@
 #include <thread>
 #include <utility>
 #include <vector>
-
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
 
 namespace {
 
@@ -532,85 +528,17 @@ TEST(PreparedOutline, AsksWithoutAllocating) {
     EXPECT_NE(sum, 0);
 }
 
-constexpr char const* kFont =
-    "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"; // fonts-dejavu-core
-
-/// A glyph as Cairo's path and as the library's.
-class Glyph {
-public:
-    Glyph(FT_Face face, char32_t c)
-        : mSurface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1)),
-          mCairo(cairo_create(mSurface)) {
-        cairo_set_tolerance(mCairo, 0.001);
-        FT_Outline_Funcs const functions = {&MoveTo, &LineTo, &ConicTo, &CubicTo, 0, 0};
-        EXPECT_EQ(FT_Load_Char(face, c, FT_LOAD_NO_SCALE), 0);
-        EXPECT_EQ(FT_Outline_Decompose(&face->glyph->outline, &functions, this), 0);
-    }
-    Glyph(Glyph const&) = delete;
-    Glyph& operator=(Glyph const&) = delete;
-    ~Glyph() {
-        cairo_destroy(mCairo);
-        cairo_surface_destroy(mSurface);
-    }
-    CPath const& Outline() const { return mPath; }
-    bool CairoContains(Pt const& p, FillRule rule) const {
-        cairo_set_fill_rule(mCairo, rule == FillRule::kEvenOdd ? CAIRO_FILL_RULE_EVEN_ODD
-                                                               : CAIRO_FILL_RULE_WINDING);
-        return cairo_in_fill(mCairo, p.h, p.v) != 0;
-    }
-
-private:
-    static Pt At(FT_Vector const* p) {
-        return Pt(static_cast<double>(p->x) / 16, static_cast<double>(p->y) / -16);
-    }
-    static int MoveTo(FT_Vector const* to, void* user) {
-        auto& glyph = *static_cast<Glyph*>(user);
-        glyph.mPath.ClosePath().MoveTo(At(to));
-        cairo_close_path(glyph.mCairo);
-        cairo_move_to(glyph.mCairo, At(to).h, At(to).v);
-        return 0;
-    }
-    static int LineTo(FT_Vector const* to, void* user) {
-        auto& glyph = *static_cast<Glyph*>(user);
-        glyph.mPath.LineTo(At(to));
-        cairo_line_to(glyph.mCairo, At(to).h, At(to).v);
-        return 0;
-    }
-    static int ConicTo(FT_Vector const* control, FT_Vector const* to, void* user) {
-        auto& glyph = *static_cast<Glyph*>(user);
-        Pt const start = glyph.mPath.CurrentPoint();
-        Pt const c = At(control);
-        glyph.Curve(start + (c - start) * (2.0 / 3), At(to) + (c - At(to)) * (2.0 / 3), At(to));
-        return 0;
-    }
-    static int CubicTo(FT_Vector const* c1, FT_Vector const* c2, FT_Vector const* to, void* user) {
-        static_cast<Glyph*>(user)->Curve(At(c1), At(c2), At(to));
-        return 0;
-    }
-    void Curve(Pt const& c1, Pt const& c2, Pt const& e) {
-        mPath.CurveTo(c1, c2, e);
-        cairo_curve_to(mCairo, c1.h, c1.v, c2.h, c2.v, e.h, e.v);
-    }
-
-    cairo_surface_t* mSurface;
-    cairo_t* mCairo;
-    CPath mPath;
-};
-
 TEST(PreparedOutline, ContainsWhatCairoFillsOfTheGlyphsOfAFont) {
-    if (!std::ifstream(kFont)) {
-        GTEST_SKIP() << "there is no " << kFont << "; script/setup demo installs it";
+    if (!std::ifstream(trammel_test::kFont)) {
+        GTEST_SKIP() << "there is no " << trammel_test::kFont << "; script/setup demo installs it";
     }
-    FT_Library library = nullptr;
-    FT_Face face = nullptr;
-    ASSERT_EQ(FT_Init_FreeType(&library), 0);
-    ASSERT_EQ(FT_New_Face(library, kFont, 0, &face), 0);
+    trammel_test::FontFace const face;
     Random random(3);
     int inside = 0;
     int asked = 0;
     int different = 0;
     for (char32_t c = U'!'; c < U'\u0250'; ++c) {
-        Glyph const glyph(face, c);
+        trammel_test::CairoGlyphs const glyph(face, c);
         PreparedOutline const outline(glyph.Outline());
         TRect<double> const box = glyph.Outline().Bounds();
         for (int i = 0; i < 20; ++i) {
@@ -630,8 +558,6 @@ TEST(PreparedOutline, ContainsWhatCairoFillsOfTheGlyphsOfAFont) {
             }
         }
     }
-    FT_Done_Face(face);
-    FT_Done_FreeType(library);
     EXPECT_EQ(different, 0);
     EXPECT_GT(asked, 20000);
     EXPECT_GT(inside, 5000);

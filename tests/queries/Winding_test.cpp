@@ -5,10 +5,9 @@
 #include "AccurateCurve.h"
 #include "CBezier.h"
 #include "CMatrix3x3.h"
+#include "CairoGlyphs.h"
 #include "SvgPath.h"
 
-#include <cairo.h>
-#include <ft2build.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -18,9 +17,6 @@
 #include <random>
 #include <string>
 #include <vector>
-
-#include FT_FREETYPE_H
-#include FT_OUTLINE_H
 
 namespace {
 
@@ -352,103 +348,15 @@ TEST(WindingNumber, OfReversedAndMirroredPathsIsTheNegative) {
     }
 }
 
-constexpr char const* kFont =
-    "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"; // fonts-dejavu-core
-
-/// The glyphs of a text one after the other, as Cairo's path and as the library's.
-class FilledText {
-public:
-    explicit FilledText(std::string const& text)
-        : mSurface(cairo_image_surface_create(CAIRO_FORMAT_A8, 1, 1)),
-          mCairo(cairo_create(mSurface)) {
-        cairo_set_tolerance(mCairo, 0.001);
-        FT_Library library = nullptr;
-        FT_Face face = nullptr;
-        EXPECT_EQ(FT_Init_FreeType(&library), 0);
-        EXPECT_EQ(FT_New_Face(library, kFont, 0, &face), 0);
-        FT_Outline_Funcs const functions = {&FilledText::MoveTo,
-                                            &FilledText::LineTo,
-                                            &FilledText::ConicTo,
-                                            &FilledText::CubicTo,
-                                            0,
-                                            0};
-        for (char const c : text) {
-            EXPECT_EQ(FT_Load_Char(face, static_cast<FT_ULong>(c), FT_LOAD_NO_SCALE), 0);
-            EXPECT_EQ(FT_Outline_Decompose(&face->glyph->outline, &functions, this), 0);
-            mPath.ClosePath();
-            cairo_close_path(mCairo);
-            mOrigin += static_cast<double>(face->glyph->advance.x) * kScale;
-        }
-        FT_Done_Face(face);
-        FT_Done_FreeType(library);
-    }
-    FilledText(FilledText const&) = delete;
-    FilledText& operator=(FilledText const&) = delete;
-    ~FilledText() {
-        cairo_destroy(mCairo);
-        cairo_surface_destroy(mSurface);
-    }
-    CPath const& Outline() const { return mPath; }
-    bool CairoContains(Pt const& p, FillRule rule) const {
-        cairo_set_fill_rule(mCairo, rule == FillRule::kEvenOdd ? CAIRO_FILL_RULE_EVEN_ODD
-                                                               : CAIRO_FILL_RULE_WINDING);
-        return cairo_in_fill(mCairo, p.h, p.v) != 0;
-    }
-
-private:
-    /// From 2,048 units an em to 128.
-    static constexpr double kScale = 1.0 / 16;
-
-    static FilledText& Of(void* user) { return *static_cast<FilledText*>(user); }
-    Pt At(FT_Vector const* p) const {
-        return Pt(mOrigin + static_cast<double>(p->x) * kScale,
-                  -static_cast<double>(p->y) * kScale);
-    }
-    static int MoveTo(FT_Vector const* to, void* user) {
-        FilledText& text = Of(user);
-        Pt const p = text.At(to);
-        text.mPath.ClosePath();
-        text.mPath.MoveTo(p);
-        cairo_close_path(text.mCairo);
-        cairo_move_to(text.mCairo, p.h, p.v);
-        return 0;
-    }
-    static int LineTo(FT_Vector const* to, void* user) {
-        FilledText& text = Of(user);
-        Pt const p = text.At(to);
-        text.mPath.LineTo(p);
-        cairo_line_to(text.mCairo, p.h, p.v);
-        return 0;
-    }
-    static int ConicTo(FT_Vector const* control, FT_Vector const* to, void* user) {
-        FilledText& text = Of(user);
-        Pt const start = text.mPath.CurrentPoint();
-        Pt const c = text.At(control);
-        Pt const e = text.At(to);
-        text.Curve(start + (c - start) * (2.0 / 3.0), e + (c - e) * (2.0 / 3.0), e);
-        return 0;
-    }
-    static int CubicTo(FT_Vector const* c1, FT_Vector const* c2, FT_Vector const* to, void* user) {
-        FilledText& text = Of(user);
-        text.Curve(text.At(c1), text.At(c2), text.At(to));
-        return 0;
-    }
-    void Curve(Pt const& c1, Pt const& c2, Pt const& e) {
-        mPath.CurveTo(c1, c2, e);
-        cairo_curve_to(mCairo, c1.h, c1.v, c2.h, c2.v, e.h, e.v);
-    }
-
-    cairo_surface_t* mSurface;
-    cairo_t* mCairo;
-    CPath mPath;
-    double mOrigin = 0.0; ///< of the glyph
-};
-
 TEST(ContainsByRule, AgreesWithCairoOnTheGlyphsOfAFont) {
-    if (!std::ifstream(kFont)) {
-        GTEST_SKIP() << "there is no " << kFont << "; script/setup demo installs it";
+    if (!std::ifstream(trammel_test::kFont)) {
+        GTEST_SKIP() << "there is no " << trammel_test::kFont << "; script/setup demo installs it";
     }
-    FilledText const text("Rg&8@QS%");
+    trammel_test::FontFace const face;
+    trammel_test::CairoGlyphs text;
+    for (char32_t const c : std::u32string(U"Rg&8@QS%")) {
+        text.Add(face, c);
+    }
     ASSERT_GT(text.Outline().mCtls.size(), 150u);
     TRect<double> const box = text.Outline().Bounds();
     std::mt19937_64 random(3);
