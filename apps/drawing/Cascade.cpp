@@ -22,18 +22,33 @@ struct Entry {
 };
 
 /// In the order of the enumeration.
-constexpr std::array<Entry, kProperties> kTable{
-    {{"display", Syntax::kDisplay}, {"visibility", Syntax::kVisibility},
-     {"fill", Syntax::kAny},        {"stroke", Syntax::kAny},
-     {"color", Syntax::kAny},       {"fill-rule", Syntax::kRule},
-     {"clip-rule", Syntax::kRule},  {"clip-path", Syntax::kClipPath},
-     {"transform", Syntax::kAny},   {"transform-origin", Syntax::kAny},
-     {"font-size", Syntax::kAny},   {"x", Syntax::kLength},
-     {"y", Syntax::kLength},        {"width", Syntax::kLength},
-     {"height", Syntax::kLength},   {"rx", Syntax::kLength},
-     {"ry", Syntax::kLength},       {"cx", Syntax::kLength},
-     {"cy", Syntax::kLength},       {"r", Syntax::kLength},
-     {"d", Syntax::kPath}}};
+constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
+                                                 {"visibility", Syntax::kVisibility},
+                                                 {"fill", Syntax::kAny},
+                                                 {"stroke", Syntax::kAny},
+                                                 {"color", Syntax::kAny},
+                                                 {"fill-rule", Syntax::kRule},
+                                                 {"clip-rule", Syntax::kRule},
+                                                 {"clip-path", Syntax::kClipPath},
+                                                 {"transform", Syntax::kAny},
+                                                 {"transform-origin", Syntax::kAny},
+                                                 {"font-size", Syntax::kAny},
+                                                 {"overflow", Syntax::kAny},
+                                                 {"mask", Syntax::kAny},
+                                                 {"marker", Syntax::kAny},
+                                                 {"marker-start", Syntax::kAny},
+                                                 {"marker-mid", Syntax::kAny},
+                                                 {"marker-end", Syntax::kAny},
+                                                 {"x", Syntax::kLength},
+                                                 {"y", Syntax::kLength},
+                                                 {"width", Syntax::kLength},
+                                                 {"height", Syntax::kLength},
+                                                 {"rx", Syntax::kLength},
+                                                 {"ry", Syntax::kLength},
+                                                 {"cx", Syntax::kLength},
+                                                 {"cy", Syntax::kLength},
+                                                 {"r", Syntax::kLength},
+                                                 {"d", Syntax::kPath}}};
 
 /// Returns the index of a property; kProperties for an unknown one.
 std::size_t IndexOf(std::string_view name) {
@@ -48,14 +63,18 @@ std::size_t IndexOf(std::string_view name) {
     return found == indices.end() ? kProperties : found->second;
 }
 
+/// The limits of var() in custom properties: their nesting, and the length of a value.
+constexpr int kMostVarLevels = 16;
+constexpr std::size_t kMostVarBytes = std::size_t{1} << 16;
+
 bool IsOneOf(std::string_view value, std::initializer_list<std::string_view> words) {
     return std::find(words.begin(), words.end(), value) != words.end();
 }
 
 /// True when style sheets may write a length in this way: with a unit, unless it is 0.
 bool IsCssLength(std::string_view value) {
-    if (value == "auto") {
-        return true;
+    if (value == "auto" || value.substr(0, 5) == "calc(") {
+        return true; // sums are read with the element
     }
     Scanner scanner(value);
     if (!scanner.NumberFollows()) {
@@ -70,16 +89,22 @@ bool IsCssLength(std::string_view value) {
     }
 }
 
+bool HasVar(std::string_view value) { return value.find("var(") != std::string_view::npos; }
+
 /// True when the property has this value. Lengths of attributes are read elsewhere.
 bool IsValid(Property property, std::string const& value, bool css) {
     std::string const word = AsciiLower(value);
     if (IsWide(word)) {
         return true;
     }
-    if (word.find("var(") != std::string::npos || word.find("calc(") != std::string::npos) {
+    if (HasVar(word)) {
+        return true; // as long as nothing takes its place
+    }
+    Syntax const syntax = kTable[static_cast<std::size_t>(property)].syntax;
+    if (syntax != Syntax::kLength && word.find("calc(") != std::string::npos) {
         return false;
     }
-    switch (kTable[static_cast<std::size_t>(property)].syntax) {
+    switch (syntax) {
     case Syntax::kDisplay: {
         std::vector<CssToken> const tokens = CssTokens(value);
         return std::all_of(tokens.begin(), tokens.end(), [](CssToken const& token) {
@@ -108,16 +133,25 @@ bool IsValid(Property property, std::string const& value, bool css) {
 
 bool IsElement(pugi::xml_node node) { return node.type() == pugi::node_element; }
 
+/// True when a position is step * n + offset for an n from 0 on.
+bool IsNth(int position, CssPseudo const& pseudo) {
+    int const rest = position - pseudo.offset;
+    return pseudo.step == 0 ? rest == 0 : rest % pseudo.step == 0 && rest / pseudo.step >= 0;
+}
+
+bool IsEmpty(pugi::xml_node element) {
+    for (pugi::xml_node const child : element.children()) {
+        if (child.type() == pugi::node_element || child.type() == pugi::node_pcdata ||
+            child.type() == pugi::node_cdata) {
+            return false;
+        }
+    }
+    return true;
+}
+
 pugi::xml_node PreviousElement(pugi::xml_node node) {
     do {
         node = node.previous_sibling();
-    } while (node && !IsElement(node));
-    return node;
-}
-
-pugi::xml_node NextElement(pugi::xml_node node) {
-    do {
-        node = node.next_sibling();
     } while (node && !IsElement(node));
     return node;
 }
@@ -321,8 +355,6 @@ bool Cascade::MatchesOne(CssCompound const& compound, pugi::xml_node element,
         }
     }
     for (CssPseudo const& pseudo : compound.pseudos) {
-        bool const first = !PreviousElement(element);
-        bool const last = !NextElement(element);
         auto const any = [&] {
             return std::any_of(
                 pseudo.arguments.begin(), pseudo.arguments.end(),
@@ -333,14 +365,20 @@ bool Cascade::MatchesOne(CssCompound const& compound, pugi::xml_node element,
         case CssPseudo::Kind::kRoot:
             holds = element == mDocument.Root();
             break;
-        case CssPseudo::Kind::kFirstChild:
-            holds = first;
+        case CssPseudo::Kind::kEmpty:
+            holds = IsEmpty(element);
             break;
-        case CssPseudo::Kind::kLastChild:
-            holds = last;
+        case CssPseudo::Kind::kNthChild:
+            holds = IsNth(PositionsOf(element).child, pseudo);
             break;
-        case CssPseudo::Kind::kOnlyChild:
-            holds = first && last;
+        case CssPseudo::Kind::kNthLastChild:
+            holds = IsNth(PositionsOf(element).lastChild, pseudo);
+            break;
+        case CssPseudo::Kind::kNthOfType:
+            holds = IsNth(PositionsOf(element).ofType, pseudo);
+            break;
+        case CssPseudo::Kind::kNthLastOfType:
+            holds = IsNth(PositionsOf(element).lastOfType, pseudo);
             break;
         case CssPseudo::Kind::kNot:
             holds = !any();
@@ -442,6 +480,89 @@ void Cascade::CollectMatches(pugi::xml_node element, std::string_view type,
     });
 }
 
+Cascade::Positions const& Cascade::PositionsOf(pugi::xml_node element) const {
+    auto const known = mPositions.find(mDocument.Offset(element));
+    if (known != mPositions.end()) {
+        return known->second;
+    }
+    // All children of one parent at once, so that many children cost no more each.
+    std::vector<pugi::xml_node> children;
+    std::unordered_map<std::string_view, int> counts;
+    for (pugi::xml_node const child : element.parent().children()) {
+        if (IsElement(child)) {
+            children.push_back(child);
+            Positions& positions = mPositions[mDocument.Offset(child)];
+            positions.child = static_cast<int>(children.size());
+            positions.ofType = ++counts[child.name()];
+        }
+    }
+    for (pugi::xml_node const child : children) {
+        Positions& positions = mPositions[mDocument.Offset(child)];
+        positions.lastChild = static_cast<int>(children.size()) + 1 - positions.child;
+        positions.lastOfType = counts[child.name()] + 1 - positions.ofType;
+    }
+    return mPositions[mDocument.Offset(element)];
+}
+
+/// Returns the value of a custom property, which elements inherit.
+std::string Cascade::CustomProperty(pugi::xml_node element, std::string const& name, bool& found) {
+    for (; IsElement(element); element = element.parent()) {
+        std::map<std::string, std::string> values = SheetsAs(element, mDocument.LocalName(element));
+        for (CssDeclaration const& declaration : ParseDeclarations(
+                 element.attribute("style").value(), [](std::size_t, auto const&) {})) {
+            std::string& value = values[declaration.property];
+            if (declaration.important || value.find("!important") == std::string::npos) {
+                value = declaration.value;
+            }
+        }
+        auto const value = values.find(name);
+        if (value != values.end()) {
+            found = true;
+            return value->second.substr(0, value->second.find("!important"));
+        }
+    }
+    found = false;
+    return "";
+}
+
+/// Returns a value with the custom properties in place of var(). `good` becomes false where one of
+/// them does not exist and has no fallback, and for values without end.
+std::string Cascade::WithoutVars(pugi::xml_node element, std::string const& value, int level,
+                                 bool& good) {
+    std::string out;
+    std::size_t at = 0;
+    for (std::size_t var = value.find("var("); var != std::string::npos && good;
+         var = value.find("var(", at)) {
+        out += value.substr(at, var - at);
+        std::size_t end = var + 4;
+        std::size_t comma = std::string::npos;
+        for (int depth = 1; end < value.size(); ++end) {
+            depth += value[end] == '(' ? 1 : value[end] == ')' ? -1 : 0;
+            if (depth == 0) {
+                break;
+            }
+            if (value[end] == ',' && depth == 1 && comma == std::string::npos) {
+                comma = end;
+            }
+        }
+        std::size_t const nameEnd = std::min(comma, end);
+        std::string const name(Trimmed(std::string_view(value).substr(var + 4, nameEnd - var - 4)));
+        std::string part = CustomProperty(element, name, good);
+        if (!good && comma != std::string::npos) {
+            good = true;
+            part = value.substr(comma + 1, end - comma - 1);
+        }
+        if (HasVar(part)) {
+            good = good && level < kMostVarLevels;
+            part = good ? WithoutVars(element, part, level + 1, good) : "";
+        }
+        out += part;
+        good = good && out.size() <= kMostVarBytes;
+        at = std::min(end + 1, value.size());
+    }
+    return out + value.substr(at);
+}
+
 ElementStyle Cascade::Of(pugi::xml_node element) {
     ElementStyle style;
     bool hasStyle = false;
@@ -479,6 +600,23 @@ ElementStyle Cascade::Of(pugi::xml_node element) {
         }
         if (own != nullptr) {
             apply(*own, important);
+        }
+    }
+    for (std::size_t i = 0; i < kProperties; ++i) {
+        auto const property = static_cast<Property>(i);
+        Declared& declared = style[property];
+        if (!HasVar(declared.value)) {
+            continue;
+        }
+        bool good = true;
+        std::string const value = WithoutVars(element, std::string(declared.value), 0, good);
+        std::string const trimmed(Trimmed(value));
+        if (good && IsValid(property, trimmed, declared.css)) {
+            declared.value = *mSubstituted.insert(trimmed).first;
+        } else {
+            mComplain(mDocument.Place(element), std::string(tool::NameOf(property)) + ": '" +
+                                                    std::string(declared.value) + "' has no value");
+            declared = Declared(); // as if nothing was declared
         }
     }
     return style;

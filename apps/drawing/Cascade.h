@@ -20,6 +20,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace tool {
@@ -37,6 +38,12 @@ enum class Property {
     kTransform,
     kTransformOrigin,
     kFontSize,
+    kOverflow,
+    kMask,
+    kMarker,
+    kMarkerStart,
+    kMarkerMid,
+    kMarkerEnd,
     kX,
     kY,
     kWidth,
@@ -123,6 +130,17 @@ private:
     void CollectMatches(pugi::xml_node element, std::string_view type,
                         std::vector<Rule const*>& matches) const;
     bool Matches(CssSelector const& selector, pugi::xml_node element, std::string_view type) const;
+    /// The positions of an element among its siblings, from 1: of all, and of those with its name.
+    struct Positions {
+        int child = 0;
+        int lastChild = 0;
+        int ofType = 0;
+        int lastOfType = 0;
+    };
+    Positions const& PositionsOf(pugi::xml_node element) const;
+    std::string CustomProperty(pugi::xml_node element, std::string const& name, bool& found);
+    std::string WithoutVars(pugi::xml_node element, std::string const& value, int level,
+                            bool& good);
     bool MatchesOne(CssCompound const& compound, pugi::xml_node element,
                     std::string_view type) const;
 
@@ -136,6 +154,8 @@ private:
     std::unordered_map<std::string_view, std::vector<std::size_t>> mByType;
     std::vector<std::size_t> mOthers;
     std::unordered_map<std::string_view, std::vector<Value>> mStyleAttributes; ///< by their text
+    std::unordered_set<std::string> mSubstituted; ///< values without var(), which styles refer to
+    mutable std::unordered_map<std::size_t, Positions> mPositions; ///< by the element's offset
 };
 
 } // namespace tool

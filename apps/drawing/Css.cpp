@@ -146,6 +146,69 @@ CssAttributeTest ParseAttribute(Tokens& tokens) {
     return test;
 }
 
+/// Reads a whole number that fills the text; an explicit + is allowed. No drawing has as many
+/// elements as nine digits tell.
+std::optional<int> WholeNumber(std::string_view text) {
+    bool const negative = !text.empty() && text[0] == '-';
+    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
+        text.remove_prefix(1);
+    }
+    if (text.empty() || text.size() > 9 ||
+        text.find_first_not_of("0123456789") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    int number = 0;
+    for (char const c : text) {
+        number = number * 10 + (c - '0');
+    }
+    return negative ? -number : number;
+}
+
+/// Reads "odd", "even", "5" or "2n+1" into a pseudo-class. False for another text.
+bool ParseNth(std::string const& text, CssPseudo& pseudo) {
+    if (text == "odd" || text == "even") {
+        pseudo.step = 2;
+        pseudo.offset = text == "odd" ? 1 : 0;
+        return true;
+    }
+    if (text.empty()) {
+        return false;
+    }
+    std::size_t const n = text.find('n');
+    std::string const times = n == std::string::npos ? "0" : text.substr(0, n);
+    std::string const plus = n == std::string::npos ? text : text.substr(n + 1);
+    std::optional<int> const step = times.empty() || times == "+" ? 1
+                                    : times == "-"                ? -1
+                                                                  : WholeNumber(times);
+    bool const signedPlus =
+        n == std::string::npos || plus.empty() || plus[0] == '+' || plus[0] == '-';
+    std::optional<int> const offset = plus.empty() ? 0 : WholeNumber(plus);
+    if (!step || !offset || !signedPlus) {
+        return false;
+    }
+    pseudo.step = *step;
+    pseudo.offset = *offset;
+    return true;
+}
+
+/// Returns the kind of a pseudo-class that counts, such as "nth-child"; empty for another name.
+std::optional<CssPseudo::Kind> CountingKind(std::string_view name) {
+    struct Known {
+        char const* name;
+        CssPseudo::Kind kind;
+    };
+    static Known const known[] = {{"nth-child", CssPseudo::Kind::kNthChild},
+                                  {"nth-last-child", CssPseudo::Kind::kNthLastChild},
+                                  {"nth-of-type", CssPseudo::Kind::kNthOfType},
+                                  {"nth-last-of-type", CssPseudo::Kind::kNthLastOfType}};
+    for (Known const& entry : known) {
+        if (name == entry.name) {
+            return entry.kind;
+        }
+    }
+    return std::nullopt;
+}
+
 /// Reads a pseudo-class or pseudo-element behind its ':', and adds to the specificity.
 CssPseudo ParsePseudo(Tokens& tokens, unsigned& specificity, int level) {
     CssPseudo pseudo;
@@ -163,6 +226,19 @@ CssPseudo ParsePseudo(Tokens& tokens, unsigned& specificity, int level) {
         std::string const name = AsciiLower(tokens.Peek().text);
         std::size_t const first = tokens.At() + 1;
         std::size_t const last = tokens.TakeComponent();
+        if (std::optional<CssPseudo::Kind> const counting = CountingKind(name)) {
+            std::string text;
+            for (Tokens inside = tokens.Range(first, last); !inside.AtEnd();) {
+                CssToken const& token = inside.Take();
+                text += token.kind == Kind::kSpace ? "" : AsciiLower(token.text);
+            }
+            if (!ParseNth(text, pseudo)) {
+                throw SelectorError{begin, "'" + text + "' in :" + name + "() is not supported"};
+            }
+            pseudo.kind = *counting;
+            specificity = Sum(specificity, kClassWeight);
+            return pseudo;
+        }
         if (level >= kMostLevels || (name != "not" && name != "is" && name != "where")) {
             throw SelectorError{begin, "':" + name + "()' is not supported"};
         }
@@ -183,9 +259,11 @@ CssPseudo ParsePseudo(Tokens& tokens, unsigned& specificity, int level) {
         CssPseudo::Kind kind;
     };
     static Known const known[] = {{"root", CssPseudo::Kind::kRoot},
-                                  {"first-child", CssPseudo::Kind::kFirstChild},
-                                  {"last-child", CssPseudo::Kind::kLastChild},
-                                  {"only-child", CssPseudo::Kind::kOnlyChild},
+                                  {"empty", CssPseudo::Kind::kEmpty},
+                                  {"first-child", CssPseudo::Kind::kNthChild},
+                                  {"last-child", CssPseudo::Kind::kNthLastChild},
+                                  {"first-of-type", CssPseudo::Kind::kNthOfType},
+                                  {"last-of-type", CssPseudo::Kind::kNthLastOfType},
                                   {"hover", CssPseudo::Kind::kNever},
                                   {"active", CssPseudo::Kind::kNever},
                                   {"focus", CssPseudo::Kind::kNever},
@@ -248,7 +326,22 @@ CssCompound ParseCompound(Tokens& tokens, unsigned& specificity, int level) {
             specificity = Sum(specificity, kClassWeight);
         } else if (tokens.Sees(':')) {
             tokens.Take();
-            compound.pseudos.push_back(ParsePseudo(tokens, specificity, level));
+            bool const child =
+                tokens.Sees(Kind::kIdent) && AsciiLower(tokens.Peek().text) == "only-child";
+            bool const ofType =
+                tokens.Sees(Kind::kIdent) && AsciiLower(tokens.Peek().text) == "only-of-type";
+            if (child || ofType) { // the first and the last
+                tokens.Take();
+                CssPseudo pseudo;
+                pseudo.kind = child ? CssPseudo::Kind::kNthChild : CssPseudo::Kind::kNthOfType;
+                compound.pseudos.push_back(pseudo);
+                pseudo.kind =
+                    child ? CssPseudo::Kind::kNthLastChild : CssPseudo::Kind::kNthLastOfType;
+                compound.pseudos.push_back(std::move(pseudo));
+                specificity = Sum(specificity, kClassWeight);
+            } else {
+                compound.pseudos.push_back(ParsePseudo(tokens, specificity, level));
+            }
         } else {
             break;
         }
@@ -401,7 +494,8 @@ std::optional<CssDeclaration> Parser::Declaration(Tokens& tokens) const {
     declaration.offset = tokens.Peek().begin;
     bool good = tokens.Sees(Kind::kIdent);
     if (good) {
-        declaration.property = AsciiLower(tokens.Take().text);
+        std::string const& name = tokens.Take().text;
+        declaration.property = name.compare(0, 2, "--") == 0 ? name : AsciiLower(name);
         tokens.SkipSpace();
         good = tokens.Sees(':');
     }

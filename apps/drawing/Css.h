@@ -6,8 +6,9 @@
 // with a mistake is dropped, and so is a rule of which one selector has a mistake; the rest stays.
 // It knows these selectors, with the combinators of descendant, child and siblings:
 //
-//     type, *, .class, #id, [attribute] in all its forms, :root, :first-child, :last-child,
-//     :only-child, :not(...), :is(...), :where(...)
+//     type, *, .class, #id, [attribute] in all its forms, :root, :empty, :first-child,
+//     :last-child, :only-child, :nth-child(...), :nth-last-child(...), the same five for -of-type,
+//     :not(...), :is(...), :where(...)
 //
 // :hover and other states of a window, and pseudo-elements, match nothing. Of the rules that begin
 // with @ it reads @media with the types `screen` and `all`.
@@ -25,7 +26,7 @@ namespace tool {
 
 /// One `property: value`.
 struct CssDeclaration {
-    std::string property;   ///< in lower case
+    std::string property;   ///< in lower case, unless it is a custom property ("--name")
     std::string value;      ///< without comments, and without space at its ends
     bool important = false; ///< was followed by "!important"
     std::size_t offset = 0; ///< of its first character in the text
@@ -43,8 +44,21 @@ struct CssSelector;
 
 /// A pseudo-class.
 struct CssPseudo {
-    enum class Kind { kRoot, kFirstChild, kLastChild, kOnlyChild, kNot, kIs, kNever };
+    enum class Kind {
+        kRoot,
+        kEmpty,
+        kNthChild,      ///< of all children, from the first
+        kNthLastChild,  ///< from the last
+        kNthOfType,     ///< of the children with the element's name
+        kNthLastOfType, ///< likewise, from the last
+        kNot,
+        kIs,
+        kNever,
+    };
     Kind kind = Kind::kNever;
+    // The positions that match, from 1: step * n + offset for an n from 0 on.
+    int step = 0;
+    int offset = 1;
     std::vector<CssSelector> arguments; ///< of :not, :is and :where
 };
 
@@ -79,8 +93,8 @@ std::vector<CssRule> ParseStyleSheet(std::string_view text, CssComplaint const& 
 /// Returns the declarations of a style attribute in order.
 std::vector<CssDeclaration> ParseDeclarations(std::string_view text, CssComplaint const& complain);
 
-/// True when a screen shows what is meant for these media (a `media` attribute or the condition of
-/// @media). `known` becomes false for conditions beyond a list of types.
+/// True when a screen is among these media (a `media` attribute or the condition of @media).
+/// `known` becomes false for conditions beyond a list of types.
 bool MediaApply(std::string_view media, bool& known);
 
 /// Returns the text in lower case, as far as it is ASCII.

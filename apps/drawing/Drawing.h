@@ -35,6 +35,8 @@ struct OutlineSource {
     std::size_t siblings = 0;        ///< the number of outlines that `placed` draws
 };
 
+struct Clip;
+
 /// One outline and its name.
 struct Outline {
     std::string id; ///< the element's id or the glyph's name; otherwise made up, like "path#3"
@@ -47,6 +49,8 @@ struct Outline {
     double arcDistance = 0.0;
     /// By how much the curves may be longer than all of these arcs together.
     double arcLength = 0.0;
+    /// The regions outside of which the drawing does not show it. ApplyClips cuts them off.
+    std::vector<std::shared_ptr<Clip const>> clips = {};
 };
 
 /// The part of the plane that a drawing shows, and the size that it has on paper.

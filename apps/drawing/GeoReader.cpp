@@ -2,7 +2,6 @@
 
 #include "GeoReader.h"
 
-#include "Error.h"
 #include "MapJson.h"
 
 #include <trammel/CPath.h>
@@ -10,7 +9,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -22,12 +20,9 @@ namespace {
 typedef nlohmann::ordered_json Json;
 typedef TPoint<double> Pt;
 
-class Reader {
+class Reader : private MapReading {
 public:
-    explicit Reader(std::string const& file) : mFile(file) {
-        mDrawing.file = file;
-        mDrawing.kind = "map";
-    }
+    explicit Reader(std::string const& file) : MapReading(file) {}
 
     Drawing Read(Json const& map) {
         ReadObject(map, "", 0);
@@ -35,43 +30,22 @@ public:
     }
 
 private:
-    [[noreturn]] void Fail(std::string const& place, std::string const& message) const {
-        throw Error(mFile, place, message);
-    }
-
-    Json const& Member(Json const& object, char const* name, std::string const& place) const {
-        return MemberOf(mFile, object, name, place);
-    }
-
     /// Returns the place of a member. The outermost object has no place of its own.
     static std::string Inside(std::string const& place, char const* name) {
         return place.empty() ? name : place + "." + name;
     }
 
-    void CheckObject(Json const& object, std::string const& place, int depth) const {
-        if (!object.is_object()) {
-            Fail(place, "must be an object");
-        }
-        if (depth > kDeepestCollection) {
-            Fail(place, "is nested too deeply");
-        }
-    }
-
     void AddLine(CPath& path, Json const& line, bool closed, std::string const& place) const {
         std::vector<Pt> points;
         points.reserve(line.size());
-        for (Json const& position : ListOf(mFile, line, place)) {
-            Pt const p = PositionOf(mFile, position, place);
-            if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
-                Fail(place, "has coordinates that are too large");
-            }
-            points.emplace_back(p.h, 0.0 - p.v);
+        for (Json const& position : List(line, place)) {
+            points.push_back(OnPage(Position(position, place), place));
         }
         AddPoints(path, points, closed);
     }
 
     void AddLines(CPath& path, Json const& lines, bool closed, std::string const& place) const {
-        for (std::size_t i = 0; i < ListOf(mFile, lines, place).size(); ++i) {
+        for (std::size_t i = 0; i < List(lines, place).size(); ++i) {
             AddLine(path, lines[i], closed, Item(place, i));
         }
     }
@@ -82,7 +56,7 @@ private:
         std::string const type = TextOf(geometry, "type");
         if (type == "GeometryCollection") {
             std::string const inside = Inside(place, "geometries");
-            Json const& geometries = ListOf(mFile, Member(geometry, "geometries", place), inside);
+            Json const& geometries = List(Member(geometry, "geometries", place), inside);
             for (std::size_t i = 0; i < geometries.size(); ++i) {
                 AddGeometry(path, geometries[i], Item(inside, i), depth + 1);
             }
@@ -96,7 +70,7 @@ private:
             type != "MultiPolygon") {
             Fail(place, "is of no known type: '" + type + "'");
         }
-        Json const& coordinates = ListOf(mFile, Member(geometry, "coordinates", place), inside);
+        Json const& coordinates = List(Member(geometry, "coordinates", place), inside);
         if (type == "LineString") {
             AddLine(path, coordinates, false, inside);
         } else if (type == "MultiPolygon") {
@@ -109,15 +83,11 @@ private:
     }
 
     /// Adds the outline of a geometry, by the name of the feature that it belongs to.
-    void AddOutline(Json const& feature, Json const& geometry, std::string const& place,
+    void AddFeature(Json const& feature, Json const& geometry, std::string const& place,
                     int depth) {
         CPath path;
         AddGeometry(path, geometry, place, depth);
-        if (!path.mCtls.empty()) {
-            // A country's holes are rings like its others, in either direction.
-            mDrawing.outlines.push_back({NameOf(feature, mDrawing.outlines.size()), std::move(path),
-                                         trammel::FillRule::kEvenOdd});
-        }
+        AddOutline(feature, std::move(path));
     }
 
     void ReadObject(Json const& object, std::string const& place, int depth) {
@@ -127,22 +97,19 @@ private:
         if (features || type == "GeometryCollection") {
             char const* const name = features ? "features" : "geometries";
             std::string const inside = Inside(place, name);
-            Json const& list = ListOf(mFile, Member(object, name, place), inside);
+            Json const& list = List(Member(object, name, place), inside);
             for (std::size_t i = 0; i < list.size(); ++i) {
                 ReadObject(list[i], Item(inside, i), depth + 1);
             }
         } else if (type == "Feature") {
             auto const geometry = object.find("geometry");
             if (geometry != object.end() && !geometry->is_null()) {
-                AddOutline(object, *geometry, Inside(place, "geometry"), depth + 1);
+                AddFeature(object, *geometry, Inside(place, "geometry"), depth + 1);
             }
         } else {
-            AddOutline(object, object, place, depth);
+            AddFeature(object, object, place, depth);
         }
     }
-
-    std::string const& mFile;
-    Drawing mDrawing;
 };
 
 } // namespace

@@ -26,8 +26,8 @@ namespace tool {
 /// True for a type that an object of GeoJSON may have.
 bool IsGeoJsonType(std::string const& type);
 
-/// Reads the map; `file` is for messages. Throws Error with the place of the mistake: what is
-/// missing, of another type or too large.
+/// Reads the map; `file` is for messages. Throws Error with the place of a mistake: a
+/// missing member, one of another type, or a coordinate that is too large.
 Drawing ReadGeoJson(std::string const& file, nlohmann::ordered_json const& map);
 
 } // namespace tool

@@ -211,6 +211,102 @@ Length ParseLength(std::string_view text) {
     return length;
 }
 
+namespace {
+
+/// The greatest depth of parentheses in a sum.
+constexpr int kMostCalcLevels = 32;
+
+/// Reads sums of lengths and numbers.
+class Calc {
+public:
+    Calc(std::string_view text, std::function<double(Length const&)> const& units)
+        : mScanner(text), mUnits(units) {}
+
+    double Read() {
+        mScanner.SkipSpace();
+        Value const value = Operand(0);
+        mScanner.SkipSpace();
+        if (!mScanner.AtEnd()) {
+            mScanner.Fail("the end of the sum");
+        }
+        if (!value.length) {
+            throw TextError(0, "a sum of numbers, not of lengths");
+        }
+        return value.number;
+    }
+
+private:
+    /// A number, or a length in user units.
+    struct Value {
+        double number = 0.0;
+        bool length = false;
+    };
+
+    Value Operand(int level) {
+        mScanner.SkipSpace();
+        if (mScanner.NumberFollows()) {
+            Length length{mScanner.Number(), ""};
+            length.unit = std::string(mScanner.Word());
+            return length.unit.empty() ? Value{length.number, false} : Value{mUnits(length), true};
+        }
+        std::size_t const begin = mScanner.Position();
+        std::string const name(mScanner.Word());
+        if (!(name.empty() || name == "calc") || level >= kMostCalcLevels || !mScanner.Take('(')) {
+            throw TextError(begin, "found '" + name + "', expected a length, a number or '('");
+        }
+        Value const value = Sum(level + 1);
+        mScanner.SkipSpace();
+        if (!mScanner.Take(')')) {
+            mScanner.Fail("')'");
+        }
+        return value;
+    }
+
+    Value Product(int level) {
+        Value value = Operand(level);
+        while (true) {
+            mScanner.SkipSpace();
+            std::size_t const place = mScanner.Position();
+            bool const times = mScanner.Take('*');
+            if (!times && !mScanner.Take('/')) {
+                return value;
+            }
+            Value const next = Operand(level);
+            if (next.length && (value.length || !times)) {
+                throw TextError(place, "only one factor of a product may be a length");
+            }
+            value.length = value.length || next.length;
+            value.number = times ? value.number * next.number : value.number / next.number;
+        }
+    }
+
+    Value Sum(int level) {
+        Value value = Product(level);
+        while (true) {
+            mScanner.SkipSpace();
+            std::size_t const place = mScanner.Position();
+            bool const plus = mScanner.Take('+');
+            if (!plus && !mScanner.Take('-')) {
+                return value;
+            }
+            Value const next = Product(level);
+            if (next.length != value.length) {
+                throw TextError(place, "a sum of a length and a number");
+            }
+            value.number += plus ? next.number : -next.number;
+        }
+    }
+
+    Scanner mScanner;
+    std::function<double(Length const&)> const& mUnits;
+};
+
+} // namespace
+
+double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units) {
+    return Calc(text, units).Read();
+}
+
 double UserUnits(Length const& length, std::optional<double> whole) {
     // An inch has 96 units everywhere in SVG.
     struct Unit {

@@ -10,6 +10,7 @@
 #include <trammel/TPoint.h>
 #include <trammel/TRect.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,6 +37,10 @@ struct Length {
 
 /// Reads a number with an optional unit.
 Length ParseLength(std::string_view text);
+
+/// Reads "calc(...)" of lengths and numbers with + - * / and parentheses. Throws TextError unless
+/// it is a length. \param units  returns a length of the sum in user units
+double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units);
 
 /// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
 double UserUnits(Length const& length, std::optional<double> whole);

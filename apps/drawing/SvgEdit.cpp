@@ -66,7 +66,7 @@ TagSpan TagAt(std::string_view text, std::size_t at) {
     return tag;
 }
 
-/// Returns the offset of the element's end tag; for an empty element, of what follows it.
+/// Returns the offset of the element's end tag; for an empty element, the offset behind it.
 std::size_t EndTagOf(std::string_view text, std::size_t element) {
     TagSpan const tag = TagAt(text, element);
     if (tag.empty) {
@@ -103,7 +103,8 @@ std::size_t EndTagOf(std::string_view text, std::size_t element) {
 /// Returns the offset behind the element.
 std::size_t EndOf(std::string_view text, std::size_t element) {
     std::size_t const end = EndTagOf(text, element);
-    return text.substr(end, 2) == "</" ? text.find('>', end) + 1 : end;
+    // Behind an empty element there may stand the end tag of the element around it.
+    return TagAt(text, element).empty ? end : text.find('>', end) + 1;
 }
 
 /// The attributes that describe the form of a basic shape, besides its transform.
@@ -195,8 +196,8 @@ void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
     SetProperty(element, Property::kTransform, MatrixText(own));
 }
 
-/// Style sheets may have rules for the old type, or for paths. The style attribute keeps what the
-/// element had.
+/// Style sheets may have rules for the old type, or for paths. The style attribute keeps the
+/// declarations that the element had.
 void SvgEdit::KeepStyleOfType(std::size_t element, std::string const& type) {
     pugi::xml_node const node = NodeAt(element);
     std::map<std::string, std::string> const before = mCascade.SheetsAs(node, type);
@@ -261,22 +262,42 @@ void SvgEdit::SetPath(std::size_t element, CPath const& path) {
     }
 }
 
+/// Returns the text of a new path, whose name has the prefix of the element beside.
+std::string SvgEdit::PathElement(pugi::xml_node beside, std::string const& id,
+                                 std::string const& attributes, CPath const& path) const {
+    std::string const name = beside.name();
+    std::size_t const colon = name.find(':');
+    std::string const prefix = colon == std::string::npos ? "" : name.substr(0, colon + 1);
+    return "<" + prefix + "path id=\"" + Escaped(id) + "\"" + (attributes.empty() ? "" : " ") +
+           attributes + " d=\"" + PathText(path) + "\"/>";
+}
+
+void SvgEdit::AppendPath(std::string const& id, std::string const& attributes, CPath const& path) {
+    std::string const& text = mDocument->Text();
+    pugi::xml_node const root = mDocument->Root();
+    std::size_t const begin = mDocument->Offset(root);
+    std::string const element = PathElement(root, id, attributes, path) + "\n";
+    TagSpan const tag = TagAt(text, begin);
+    if (tag.empty) { // it gets a content and an end tag
+        mReplacements.push_back(
+            {tag.end - 2, tag.end, ">\n" + element + "</" + std::string(root.name()) + ">"});
+        return;
+    }
+    std::size_t const end = EndTagOf(text, begin);
+    mReplacements.push_back({end, end, element});
+}
+
 void SvgEdit::InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
                          CPath const& path) {
     std::string const& text = mDocument->Text();
-    std::string const name = NodeAt(element).name();
-    std::size_t const colon = name.find(':');
-    std::string const prefix = colon == std::string::npos ? "" : name.substr(0, colon + 1);
-    std::size_t const line = text.rfind('\n', element);
+    std::size_t line = text.rfind('\n', element);
+    line -= line != std::string::npos && line > 0 && text[line - 1] == '\r' ? 1 : 0;
     std::string space = line == std::string::npos ? "" : text.substr(line, element - line);
     if (space.find_first_not_of(kSpace) != std::string::npos) {
         space.clear();
     }
     std::size_t const end = EndOf(text, element);
-    mReplacements.push_back({end, end,
-                             space + "<" + prefix + "path id=\"" + Escaped(id) + "\"" +
-                                 (attributes.empty() ? "" : " ") + attributes + " d=\"" +
-                                 PathText(path) + "\"/>"});
+    mReplacements.push_back({end, end, space + PathElement(NodeAt(element), id, attributes, path)});
 }
 
 void SvgEdit::TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform) {
@@ -317,6 +338,7 @@ void SvgEdit::Remove(std::size_t element) {
     if (line != std::string::npos && text[line] == '\n' && end < text.size() &&
         (text[end] == '\n' || text[end] == '\r')) {
         begin = line; // the element has lines of its own
+        begin -= begin > 0 && text[begin - 1] == '\r' ? 1 : 0;
     }
     mTags.erase(element);
     mReplacements.push_back({begin, end, ""});

@@ -45,11 +45,15 @@ public:
     void InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
                     CPath const& path);
 
+    /// Adds a new path as the last one of the document, in the coordinates of the outermost
+    /// element. \param attributes  as of InsertPath
+    void AppendPath(std::string const& id, std::string const& attributes, CPath const& path);
+
     /// Applies a transform to all that the document shows.
     /// \param m  in the drawing's coordinates
     void TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform);
 
-    /// Removes the element and what it contains.
+    /// Removes the element with its content.
     void Remove(std::size_t element);
 
     /// Returns the document with all changes, in its file's encoding.
@@ -71,6 +75,8 @@ private:
     void AddStyle(std::size_t element, std::string const& property, std::string const& value);
     void KeepStyleOfType(std::size_t element, std::string const& type);
     std::string PathText(CPath const& path) const;
+    std::string PathElement(pugi::xml_node beside, std::string const& id,
+                            std::string const& attributes, CPath const& path) const;
     void WriteTag(std::size_t element, Tag const& tag, std::vector<Replacement>& out) const;
 
     std::shared_ptr<SvgDocument const> mDocument;

@@ -3,6 +3,7 @@
 #include "SvgReader.h"
 
 #include "Cascade.h"
+#include "Clip.h"
 #include "Error.h"
 #include "Numbers.h"
 #include "Outlines.h"
@@ -21,6 +22,7 @@
 #include <pugixml.hpp>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <memory>
@@ -44,6 +46,10 @@ constexpr int kMostLevels = 500;
 // bytes of nested uses could otherwise multiply without end.
 constexpr std::size_t kMostUsedElements = 250000;
 constexpr std::size_t kMostUsedBytes = std::size_t{64} << 20;
+
+/// The limits of clips: their nesting, and the elements in all of them together.
+constexpr std::size_t kMostClipLevels = 16;
+constexpr std::size_t kMostClipElements = 20000;
 
 /// How far the curves of pictures may be from a circle, as a share of its radius. A full turn has 8
 /// curves.
@@ -136,6 +142,7 @@ private:
         std::optional<Pt> whole; ///< what 100% stands for in each direction
         bool visible = true;
         trammel::FillRule rule = trammel::FillRule::kNonZero;
+        trammel::FillRule clipRule = trammel::FillRule::kNonZero;
         std::string_view fill = "black";
         std::string_view stroke = "none";
         std::string_view color = "black";
@@ -158,6 +165,14 @@ private:
         std::size_t arcs = 0;   ///< the ellipses and arcs in it
         double tolerance = 0.0; ///< how far its curves may be from these
     };
+    typedef std::vector<std::shared_ptr<Clip const>> Clips;
+    void ClipFrom(std::size_t first, pugi::xml_node element, std::string const& id,
+                  Context const& context);
+    void ClipToViewport(std::size_t first, pugi::xml_node element, Pt const& size,
+                        Context const& context);
+    void AppendClips(pugi::xml_node element, std::string const& id, CMatrix3x3 const& toDrawing,
+                     std::optional<TRect<double>> const& bounds, Clips& clips);
+    TRect<double> BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing) const;
     void Add(pugi::xml_node element, Form form, Context const& context);
     double ArcTolerance(double length, std::size_t arcs, double radius,
                         Context const& context) const;
@@ -213,8 +228,17 @@ private:
     std::set<std::string> mSkipped;
     /// The elements without outlines that are drawn: the first place of each kind, and their
     /// number.
-    std::map<std::string, std::pair<std::string, std::size_t>, std::less<>> mOthers;
+    typedef std::map<std::string, std::pair<std::string, std::size_t>, std::less<>> Counts;
+    Counts mOthers;
+    Counts mUnread; ///< the same of what elements have and the reader does not draw
+    void Count(Counts& counts, std::string_view name, pugi::xml_node element) {
+        auto const first = counts.emplace(name, std::make_pair(mDocument->Place(element), 0U));
+        ++first.first->second.second;
+    }
     Cascade mCascade;
+    std::vector<pugi::xml_node> mClipping; ///< the clipPath elements that are read
+    std::size_t mClipElements = 0;
+    std::map<std::pair<std::size_t, std::array<double, 6>>, Clips> mClips; ///< those read before
     std::vector<pugi::xml_node> mUsed; ///< the elements that the `use` elements around refer to
     double mRootFontSize = 16.0;
     std::size_t mUsedElements = 0;
@@ -238,6 +262,12 @@ void Reader::TellTheRest() const {
             others.second == 1 ? "" : ", nor have " + std::to_string(others.second - 1) + " more";
         Warn(mDocument->File(), others.first, "has no outlines here" + more);
     }
+    for (auto const& [name, others] : mUnread) {
+        std::string const more =
+            others.second == 1 ? ""
+                               : " of this and of " + std::to_string(others.second - 1) + " more";
+        Warn(mDocument->File(), others.first, "has " + name + ", left out" + more);
+    }
 }
 
 std::string_view Reader::Specified(pugi::xml_node element, char const* attribute,
@@ -260,8 +290,7 @@ std::optional<double> Reader::LengthOf(pugi::xml_node element, char const* attri
     if (value.empty() || value == "auto") {
         return std::nullopt;
     }
-    try {
-        Length length = ParseLength(value);
+    auto const inUnits = [&](Length length) {
         if (length.unit == "em" || length.unit == "rem") {
             length.number *= length.unit == "em" ? context.fontSize : mRootFontSize;
             length.unit.clear();
@@ -273,12 +302,15 @@ std::optional<double> Reader::LengthOf(pugi::xml_node element, char const* attri
                     : axis == Axis::kVertical ? size.v
                                               : size.Length() / std::sqrt(2.0);
         }
-        double units = 0.0;
         try {
-            units = UserUnits(length, whole);
+            return UserUnits(length, whole);
         } catch (TextError const& e) {
             throw AttributeError{attribute, 0, e.what()}; // its size is not known here
         }
+    };
+    try {
+        bool const sum = AsciiLower(value.substr(0, 5)) == "calc(";
+        double const units = sum ? ParseCalc(value, inUnits) : inUnits(ParseLength(value));
         if (!std::isfinite(units)) {
             throw TextError(0, "the length is too large");
         }
@@ -330,6 +362,7 @@ void Reader::Inherit(ElementStyle const& style, Context& context) {
                                                           : around;
     };
     context.rule = ruled(Property::kFillRule, context.rule);
+    context.clipRule = ruled(Property::kClipRule, context.clipRule);
     std::string const visibility = AsciiLower(style[Property::kVisibility].value);
     if (!visibility.empty() && (!IsWide(visibility) || visibility == "initial")) {
         context.visible = visibility == "visible" || visibility == "initial";
@@ -493,7 +526,7 @@ void Reader::Add(pugi::xml_node element, Form form, Context const& context) {
     Outline outline;
     outline.fill = context.fill;
     outline.stroke = context.stroke;
-    outline.rule = context.rule;
+    outline.rule = mClipping.empty() ? context.rule : context.clipRule;
     outline.source.element = mDocument->Offset(element);
     bool const used = context.placed != kNoElement;
     outline.source.placed = used ? context.placed : outline.source.element;
@@ -554,7 +587,143 @@ void Reader::Viewport(pugi::xml_node element, Context const& context,
         }
         inner.whole = box->GetSize();
     }
+    std::size_t const first = mDrawing.outlines.size();
     Children(element, inner);
+    std::string_view const overflow = (*context.style)[Property::kOverflow].value;
+    if (size && overflow != "visible" && overflow != "auto") {
+        ClipToViewport(first, element, *size, context);
+    }
+}
+
+/// Returns the bounds of the outlines from the index `first` on, in the coordinates that a
+/// transform takes to the drawing's. They are null without outlines.
+TRect<double> Reader::BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing) const {
+    TRect<double> bounds;
+    CMatrix3x3 inverse;
+    if (toDrawing.IsSingular() || !toDrawing.Inverse(inverse)) {
+        return bounds;
+    }
+    for (std::size_t i = first; i < mDrawing.outlines.size(); ++i) {
+        CPath path = mDrawing.outlines[i].path;
+        path.Transform(inverse);
+        bounds = Around(bounds, DrawnBounds(path));
+    }
+    return bounds;
+}
+
+/// Clips the outlines from the index `first` on to the viewport of their element.
+void Reader::ClipToViewport(std::size_t first, pugi::xml_node element, Pt const& size,
+                            Context const& context) {
+    TRect<double> const bounds = BoundsFrom(first, context.transform);
+    TRect<double> const frame(0.0, 0.0, size.h, size.v);
+    bool const inside = bounds.left >= frame.left && bounds.top >= frame.top &&
+                        bounds.right <= frame.right && bounds.bottom <= frame.bottom;
+    if (first == mDrawing.outlines.size() || inside) {
+        return;
+    }
+    if (context.transform.IsSingular()) {
+        Skip(element, "its transform presses it into a line");
+        return;
+    }
+    auto clip = std::make_shared<Clip>();
+    clip->path = RectanglePath(frame, 0.0, 0.0, 0.0);
+    clip->path.Transform(context.transform);
+    for (std::size_t i = first; i < mDrawing.outlines.size(); ++i) {
+        mDrawing.outlines[i].clips.push_back(clip);
+    }
+}
+
+/// Clips the outlines from the index `first` on, which an element drew, by the clipPath `id`.
+void Reader::ClipFrom(std::size_t first, pugi::xml_node element, std::string const& id,
+                      Context const& context) {
+    if (first == mDrawing.outlines.size()) {
+        return;
+    }
+    Clips clips;
+    std::optional<TRect<double>> bounds;
+    pugi::xml_node const node = mDocument->Find(id);
+    bool const byBounds =
+        std::string_view(node.attribute("clipPathUnits").value()) == "objectBoundingBox";
+    if (byBounds) {
+        bounds = BoundsFrom(first, context.transform);
+    }
+    AppendClips(element, id, context.transform, bounds, clips);
+    for (std::size_t i = first; i < mDrawing.outlines.size(); ++i) {
+        Clips& all = mDrawing.outlines[i].clips;
+        all.insert(all.end(), clips.begin(), clips.end());
+    }
+}
+
+/// Appends the clip of a clipPath element, and the element's own clips.
+/// \param toDrawing  from the coordinates of the element that refers to it
+/// \param bounds  of that element, for a clipPath in their units
+void Reader::AppendClips(pugi::xml_node element, std::string const& id, CMatrix3x3 const& toDrawing,
+                         std::optional<TRect<double>> const& bounds, Clips& clips) {
+    pugi::xml_node const node = mDocument->Find(id);
+    if (!node || LocalName(node) != "clipPath") {
+        Skip(element, "its clip-path refers to '#" + id + "', which is no clipPath");
+        return;
+    }
+    if (std::find(mClipping.begin(), mClipping.end(), node) != mClipping.end() ||
+        mClipping.size() >= kMostClipLevels) {
+        Skip(node, "refers to itself, or is nested too deeply; the clip is left out");
+        return;
+    }
+    std::array<double, 6> const key{toDrawing.a, toDrawing.b,  toDrawing.c,
+                                    toDrawing.d, toDrawing.tx, toDrawing.ty};
+    auto const place = std::make_pair(mDocument->Offset(node), key);
+    auto const known = bounds ? mClips.end() : mClips.find(place);
+    if (known != mClips.end()) {
+        clips.insert(clips.end(), known->second.begin(), known->second.end());
+        return;
+    }
+    if (mClipElements > kMostClipElements) {
+        Skip(element, "its clip-path is left out: there are too many elements in clips");
+        return;
+    }
+    ElementStyle const style = mCascade.Of(node);
+    Context context;
+    context.style = &style;
+    context.level = static_cast<int>(kMostClipLevels);
+    context.transform = Concat(TransformOf(node, style), toDrawing);
+    if (!mDrawing.page.frame.Null()) {
+        context.whole = mDrawing.page.frame.GetSize();
+    }
+    if (std::string_view(node.attribute("clipPathUnits").value()) == "objectBoundingBox") {
+        TRect<double> const box = bounds.value_or(TRect<double>());
+        CMatrix3x3 const units =
+            CMatrix3x3().Scale(box.Width(), box.Height()).Translate(box.TopLeft());
+        context.transform = Concat(TransformOf(node, style), Concat(units, toDrawing));
+        context.whole = Pt(1.0, 1.0);
+    }
+    Inherit(style, context);
+    // The clip's outlines are read as those of a drawing of their own.
+    std::vector<Outline> outside = std::move(mDrawing.outlines);
+    mDrawing.outlines.clear();
+    mClipping.push_back(node);
+    for (pugi::xml_node const child : node.children()) {
+        std::string_view const name = LocalName(child);
+        if (child.type() == pugi::node_element && name != "g" && name != "svg" && !name.empty()) {
+            Element(child, context);
+        }
+    }
+    Clips own;
+    if (context.transform.IsSingular()) {
+        own.push_back(std::make_shared<Clip>()); // nothing shows
+    } else {
+        own.push_back(std::make_shared<Clip>(UnionOf(mDrawing.outlines)));
+    }
+    mClipElements += mDrawing.outlines.size() + 1;
+    mDrawing.outlines = std::move(outside);
+    std::string const around = UrlFragment(style[Property::kClipPath].value);
+    if (!around.empty()) {
+        AppendClips(node, around, toDrawing, bounds, own);
+    }
+    mClipping.pop_back();
+    clips.insert(clips.end(), own.begin(), own.end());
+    if (!bounds) {
+        mClips.emplace(place, std::move(own));
+    }
 }
 
 void Reader::Use(pugi::xml_node element, Context const& context) {
@@ -664,8 +833,7 @@ void Reader::Draw(pugi::xml_node element, std::string_view name, Context const& 
         inner.transform = Concat(CMatrix3x3().Translate(left, top), context.transform);
         Viewport(element, inner, size);
     } else if (name == "text" || name == "image" || name == "foreignObject") {
-        auto const first = mOthers.emplace(name, std::make_pair(mDocument->Place(element), 0U));
-        ++first.first->second.second;
+        Count(mOthers, name, element);
     }
 }
 
@@ -698,11 +866,20 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
         inner.around = context.transform;
         inner.transform = Concat(TransformOf(element, style), context.transform);
         Inherit(style, inner);
-        std::string_view const clip = style[Property::kClipPath].value;
-        if (!clip.empty() && clip != "none" && !IsWide(clip)) {
-            Skip(element, "its clip-path is left out");
-        }
+        std::size_t const first = mDrawing.outlines.size();
         Draw(element, name, inner);
+        std::string const clip = UrlFragment(style[Property::kClipPath].value);
+        if (!clip.empty()) {
+            ClipFrom(first, element, clip, inner);
+        }
+        Property const unread[] = {Property::kMask, Property::kMarker, Property::kMarkerStart,
+                                   Property::kMarkerMid, Property::kMarkerEnd};
+        for (Property const property : unread) {
+            std::string_view const value = style[property].value;
+            if (mDrawing.outlines.size() > first && !UrlFragment(value).empty()) {
+                Count(mUnread, property == Property::kMask ? "a mask" : "markers", element);
+            }
+        }
     } catch (AttributeError const& e) {
         Skip(element, e.attribute, e.position, e.message + "; the element is left out");
     }

@@ -10,6 +10,9 @@
 //     elements in defs, symbol, clipPath, mask, marker or pattern, unless a `use` draws them
 //     text, images and foreign objects, with one warning for each kind
 //
+// A clip-path, and the viewport of an inner svg or a symbol, become clips of the outlines (Clip.h).
+// Masks and markers are left out, with one warning for each kind.
+//
 // The viewBox of the outermost element gives the coordinates. Lengths may carry px, pt, pc, mm, cm,
 // in, Q, em, rem, and also % if the drawing states its size. Other units (ex, vw...) depend on
 // fonts and windows that do not exist here.

@@ -2,7 +2,6 @@
 
 #include "TopoReader.h"
 
-#include "Error.h"
 #include "MapJson.h"
 
 #include <trammel/CPath.h>
@@ -10,8 +9,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include <cmath>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace tool {
@@ -25,9 +24,9 @@ typedef TPoint<double> Pt;
 /// number.
 constexpr std::size_t kMostVertices = 50'000'000;
 
-class Reader {
+class Reader : private MapReading {
 public:
-    Reader(std::string const& file, Json const& map) : mFile(file), mMap(map) {}
+    Reader(std::string const& file, Json const& map) : MapReading(file), mMap(map) {}
 
     Drawing Read() {
         ReadTransform();
@@ -38,29 +37,11 @@ public:
         }
         auto const countries = objects.find("countries");
         auto const chosen = countries != objects.end() ? countries : objects.begin();
-        mDrawing.file = mFile;
-        mDrawing.kind = "map";
         ReadFeature(*chosen, "objects." + chosen.key(), 0);
         return std::move(mDrawing);
     }
 
 private:
-    [[noreturn]] void Fail(std::string const& place, std::string const& message) const {
-        throw Error(mFile, place, message);
-    }
-
-    Json const& Member(Json const& object, char const* name, std::string const& place) const {
-        return MemberOf(mFile, object, name, place);
-    }
-
-    Json const& List(Json const& value, std::string const& place) const {
-        return ListOf(mFile, value, place);
-    }
-
-    Pt Pair(Json const& value, std::string const& place) const {
-        return PositionOf(mFile, value, place);
-    }
-
     void ReadTransform() {
         auto const transform = mMap.find("transform");
         if (transform == mMap.end()) {
@@ -70,8 +51,8 @@ private:
             Fail("transform", "must be an object");
         }
         mDeltas = true;
-        mScale = Pair(Member(*transform, "scale", "transform"), "transform.scale");
-        mShift = Pair(Member(*transform, "translate", "transform"), "transform.translate");
+        mScale = Position(Member(*transform, "scale", "transform"), "transform.scale");
+        mShift = Position(Member(*transform, "translate", "transform"), "transform.translate");
     }
 
     void ReadArcs() {
@@ -84,16 +65,13 @@ private:
             Pt sum;
             std::string const place = Item("arcs", i);
             for (Json const& position : arc) {
-                Pt p = Pair(position, place);
+                Pt p = Position(position, place);
                 if (mDeltas) {
                     // With a transform each position is a step from the position before.
                     sum += p;
                     p = sum * mScale + mShift;
                 }
-                if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
-                    Fail(place, "has coordinates that are too large");
-                }
-                points.emplace_back(p.h, 0.0 - p.v);
+                points.push_back(OnPage(p, place));
             }
             mArcs.push_back(std::move(points));
         }
@@ -135,12 +113,7 @@ private:
     }
 
     void ReadFeature(Json const& feature, std::string const& place, int depth) {
-        if (!feature.is_object()) {
-            Fail(place, "must be an object");
-        }
-        if (depth > kDeepestCollection) {
-            Fail(place, "is nested too deeply");
-        }
+        CheckObject(feature, place, depth);
         auto const typeMember = feature.find("type");
         if (typeMember != feature.end() && typeMember->is_null()) {
             return; // a feature without a geometry
@@ -173,21 +146,15 @@ private:
         } else {
             AddLines(path, arcs, type == "Polygon", inside);
         }
-        if (!path.mCtls.empty()) {
-            // A country's holes are rings like its others, in either direction.
-            mDrawing.outlines.push_back({NameOf(feature, mDrawing.outlines.size()), std::move(path),
-                                         trammel::FillRule::kEvenOdd});
-        }
+        AddOutline(feature, std::move(path));
     }
 
-    std::string const& mFile;
     Json const& mMap;
     bool mDeltas = false;
     Pt mScale;
     Pt mShift;
     std::vector<std::vector<Pt>> mArcs; ///< decoded, v downward
     std::size_t mVertices = 0;
-    Drawing mDrawing;
 };
 
 } // namespace

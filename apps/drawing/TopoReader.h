@@ -25,7 +25,7 @@
 namespace tool {
 
 /// Reads the map, an object of type "Topology"; `file` is for messages. Throws Error with the place
-/// of the mistake: what is missing or of another type, or an arc that does not exist.
+/// of a mistake: a missing member, one of another type, or an arc that does not exist.
 Drawing ReadTopoJson(std::string const& file, nlohmann::ordered_json const& map);
 
 } // namespace tool

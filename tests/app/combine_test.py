@@ -96,6 +96,8 @@ class Combine(AppTest):
     def test_wrong_arguments_are_named(self):
         self.fails("combine", "add", self.a, self.b, "-o", self.out, names=["add", "xor"])
         self.fails("combine", "union", self.a, self.b, names=["-o", "--json"])
+        self.fails("combine", "union", self.a, self.b, "--json", "-o", "-", names=["--json", "-o -"])
+        self.fails("polygons", self.a, "--describe", "-o", "-", names=["-o", "standard output"])
         self.fails("combine", "union", self.a, "-o", self.out, names=["B"])
         self.fails("combine", "union", self.a, "none.svg", "-o", self.out, names=["none.svg"])
         self.fails("combine", "union", self.a, self.b, "-o", "out.pdf", names=["out.pdf"])

@@ -8,8 +8,9 @@ import os
 import re
 import struct
 import unittest
+import xml.etree.ElementTree
 
-from support import AppTest, svg
+from support import SVG, AppTest, svg
 
 ICONS = "/usr/share/icons/breeze/actions/22"
 
@@ -234,6 +235,106 @@ class Documents(AppTest):
                 for name, outline in self.outlines(self.out).items():
                     self.assertFalse(outline["curves"])
                     self.assertBox(outline["bounds"], before[name]["bounds"], 0.02)
+
+
+class StrangeDocuments(AppTest):
+    """Documents that are valid and seldom seen: nothing but the element asked for changes."""
+
+    HEAD = '<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 50 50">\n'
+    BODY = '<path id="p" d="M1 1h8v8c0 9 -8 9 -8 0z"/>'
+
+    def documents(self):
+        """Pairs of the text before the element and the text behind it, with the element."""
+        head, body = self.HEAD, self.BODY
+        yield "plain", head, body, "\n</svg>\n"
+        yield "last in its parent", head + "<g>", body, "</g></svg>"
+        yield "empty beside", head + "<g><g/>", body, "<g/></g></svg>"
+        yield "byte order mark", "\ufeff" + head, body, "</svg>"
+        yield "carriage returns", (head + "<g>\n  ").replace("\n", "\r\n"), body, "\r\n</g>\r\n</svg>\r\n"
+        yield "single quotes", head.replace('"', "'"), body.replace('"', "'"), "</svg>"
+        yield ("blanks in tags", head, '<path\n\tid = "p"\n  d\t=\t\n"M1 1h8v8c0 9 -8 9 -8 0z"\n/>',
+               "</svg >")
+        yield ("content", head, body.replace("/>", "><title>a</title><!-- </path> --></path >"),
+               "</svg>")
+        yield ("signs in values", head, body.replace("<path", "<path a='x > \"y\" /> z'"),
+               "<desc a=\"b > c '/>' d\"/></svg>")
+        yield ("character data", head + "<desc><![CDATA[ <path id=\"p\"> </svg> ]]></desc>", body,
+               "<desc><![CDATA[</g>]]></desc></svg>")
+        yield ("comments", "<!-- <!DOCTYPE x> <svg> -->\n" + head + '<!-- <path id="p"/> --><g>', body,
+               "<!-- > --></g><!----></svg><!-- end -->")
+        yield ("instructions", '<?xml version="1.0"?><?a <b c="d> ?>' + head + "<?p <path> ?><g>", body,
+               "<?q > </g> ?></g></svg><?r?>")
+        yield ("prefix", '<svg:svg xmlns:svg="http://www.w3.org/2000/svg" xmlns:o="urn:o">'
+               '<o:path id="x"/>', body.replace("<path", "<svg:path o:d='no' "),
+               '<o:rect width="3"/></svg:svg>')
+        yield ("document type", '<!DOCTYPE svg PUBLIC "-//W3C//DTD SVG 1.1//EN" "a>b.dtd" [\n'
+               '<!-- <!ENTITY no "]>"> -->\n<!ELEMENT path EMPTY>\n<!ATTLIST path d CDATA #IMPLIED>\n'
+               '<!ENTITY e "1 1h8">\n<?in side?>]>\n' + head + "<text>&e;&#65;&lt;</text>",
+               body.replace("1 1h8", "&e;"), "</svg>")
+        yield ("space kept", head + '<g xml:space="preserve">  \n\t', body, " \t</g></svg>")
+        yield "letters", head + "<desc>\u00e9\u4e2d\U0001f600</desc>", body, "<desc>\u00fc</desc></svg>"
+
+    COMMANDS = (["flatten", "--error", "0.1"], ["reverse"], ["transform", "--rotate", "30"],
+                ["cut", "--from", "0.1", "--to", "0.6"], ["hatch", "--angle", "0", "--spacing", "3"])
+
+    def check(self, name, before, element, behind, encode):
+        file = self.write("in.svg", encode(before + element + behind))
+        for command in self.COMMANDS:
+            with self.subTest((name, command[0])):
+                self.run_text(command[0], file, "--id", "p", *command[1:], "-q", "-o",
+                              self.path("out.svg"))
+                got = self.read("out.svg")
+                first, last = encode(before), encode(behind)
+                if encode != str.encode:
+                    last = last[2:]
+                self.assertEqual(got[:len(first)], first)
+                self.assertEqual(got[-len(last):], last)
+                self.assertNotEqual(got, self.read("in.svg"))
+                xml.etree.ElementTree.fromstring(got)
+                ids = [o["id"] for o in
+                       self.run_json("measure", "-q", self.path("out.svg"))["files"][0]["outlines"]]
+                self.assertEqual(ids, ["p", "p-hatch"] if command[0] == "hatch" else ["p"])
+
+    def test_nothing_else_changes_in_a_strange_document(self):
+        for document in self.documents():
+            self.check(*document, str.encode)
+
+    def test_nothing_else_changes_in_another_encoding(self):
+        documents = {name: parts for name, *parts in self.documents()}
+        for mark, encoding in ((b"\xff\xfe", "utf-16-le"), (b"\xfe\xff", "utf-16-be")):
+            for name in ("carriage returns", "content", "letters"):
+                self.check(encoding, *documents[name],
+                           lambda text, mark=mark, encoding=encoding: mark + text.encode(encoding))
+
+    def test_a_union_in_a_strange_document_takes_its_place(self):
+        other = self.write("other.svg", svg('<rect x="3" y="3" width="20" height="2"/>'))
+        for name, before, element, behind in self.documents():
+            file = self.write("in.svg", before + element + behind)
+            with self.subTest(name):
+                self.run_text("combine", "union", file, other, "-q", "-o", self.path("out.svg"))
+                got = self.read("out.svg").decode("utf-8")
+                self.assertTrue(got.startswith(before) and got.endswith(behind))
+                root = xml.etree.ElementTree.fromstring(got.encode("utf-8"))
+                self.assertEqual(len([e for e in root.iter(SVG + "path")]), 1)
+
+    def test_an_element_without_content_goes_alone(self):
+        file = self.write("in.svg", self.HEAD.strip() + "<g>" + self.BODY +
+                          '<rect width="2" height="2"/></g></svg>')
+        other = self.write("other.svg", svg('<rect x="3" y="3" width="20" height="2"/>'))
+        self.run_text("combine", "union", file, other, "-o", self.path("out.svg"))
+        self.assertRegex(self.read("out.svg").decode(),
+                         r'^<svg [^>]*><g><path id="p" d="[^"]*"/></g></svg>$')
+
+    def test_carriage_returns_stay_with_their_lines(self):
+        text = (self.HEAD + "  " + self.BODY + '\n  <rect width="2" height="2"/>\n</svg>\n')
+        file = self.write("in.svg", text.replace("\n", "\r\n"))
+        other = self.write("other.svg", svg('<rect x="3" y="3" width="20" height="2"/>'))
+        for command in (["combine", "union", file, other], ["hatch", file, "--angle", "0",
+                                                            "--spacing", "3"]):
+            self.run_text(*command, "-o", self.path("out.svg"))
+            got = self.read("out.svg")
+            self.assertEqual(got.count(b"\n"), got.count(b"\r\n"))
+            self.assertEqual(got.count(b"\r"), got.count(b"\n"))
 
 
 if __name__ == "__main__":

@@ -35,6 +35,16 @@ class Shapes(AppTest):
         self.assertTrue(outline["closed"] and outline["curves"] and not outline["lines"])
         self.assertIn("length 62.831853,", self.run_text("measure", self.path("in.svg")))
 
+    def test_the_area_can_be_asked_for(self):
+        file = self.write("in.svg", svg('<path id="r" fill-rule="evenodd" d="M0 0H20V20H0zM5 5H15V15H5z"/>'
+                                        '<circle id="c" r="10"/>'))
+        outlines = self.run_json("measure", file, "--area")["files"][0]["outlines"]
+        self.assertEqual((outlines[0]["id"], outlines[0]["area"]), ("r", 300))
+        self.assertLessEqual(abs(outlines[1]["area"] - 100 * math.pi), outlines[1]["areaAccuracy"])
+        self.assertNotIn("area", self.run_json("measure", file)["files"][0]["outlines"][0])
+        self.assertIn(", area 314.1592", self.run_text("measure", file, "--area"))
+        self.fails("measure", file, "--area", "--classic", names=["--area"])
+
     def test_an_ellipse_reaches_as_far_as_its_radii(self):
         outlines = self.measure(svg('<ellipse id="e" cx="5" cy="6" rx="4" ry="3"/>'
                                     '<ellipse id="auto" cx="5" cy="6" rx="4"/>'))
@@ -163,7 +173,7 @@ class Structure(AppTest):
         }.items():
             with self.subTest(rule):
                 got = self.bounds(
-                    '<svg x="3" y="4" width="40" height="20" viewBox="5 5 10 10" '
+                    '<svg x="3" y="4" width="40" height="20" viewBox="5 5 10 10" overflow="visible" '
                     f'preserveAspectRatio="{rule}"><rect id="r" x="5" y="5" width="10" '
                     'height="10"/></svg>')
                 self.assertEqual(got["r"], expected)

@@ -48,11 +48,36 @@ class Queries(AppTest):
         data = self.run_json("nearest", file, "--to", "13,2.5", "--to", "48,-1")
         self.assertEqual(data["nearest"], [
             {"to": [13.0, 2.5], "id": "a", "fraction": 0.3125, "point": [10.0, 2.5],
-             "distance": 3.0, "accuracy": 1e-10},
+             "placeAccuracy": 1e-9, "distance": 3.0, "accuracy": 1e-10},
             {"to": [48.0, -1.0], "id": "b", "fraction": 0.0, "point": [50.0, 0.0],
              "distance": 2.236067977, "accuracy": 1e-9}])
         self.assertEqual(self.run_text("nearest", file, "--to", "13,2.5"),
                          "a: fraction 0.3125, at 10,2.5, distance 3\n")
+
+    def test_the_nearest_place_is_right_to_the_digits_printed(self):
+        """The distance is flat at its least, and tells the place to half of its digits only."""
+        file = self.write("in.svg", svg('<path id="q" d="M-2 4Q0 -4 2 4"/>'))  # v = h²
+        for t in (-1.9, -1.1, -0.4, 0.0, 0.3, 1.7):
+            size = math.hypot(1, 2 * t)
+            for away in (0.001, 0.3, 2.0, 40.0):
+                # Below the parabola, at a right angle to it.
+                to = (t + 2 * t / size * away, t * t - away / size)
+                found = self.run_json("nearest", file, "--to", f"{to[0]!r},{to[1]!r}")["nearest"][0]
+                accuracy = found.get("placeAccuracy", found["accuracy"])
+                self.assertLessEqual(accuracy, 1e-8)
+                self.assertBox(found["point"], [t, t * t], accuracy)
+                self.assertLessEqual(abs(found["distance"] - away), found["accuracy"])
+                def length(x):
+                    return x / 2 * math.hypot(1, 2 * x) + math.asinh(2 * x) / 4
+                fraction = (length(t) + length(2)) / (2 * length(2))
+                self.assertLessEqual(abs(found["fraction"] - fraction), 10 * accuracy)
+
+    def test_a_hit_has_the_accuracy_that_is_asked_for(self):
+        file = self.write("in.svg", svg('<circle id="c" r="10"/>'))
+        hit = self.run_json("hit", file, "--at", "6,0", "--accuracy", "0.01")["points"][0]["hits"][0]
+        self.assertEqual((hit["distance"], hit["accuracy"]), (4, 0.01))
+        self.fails("hit", file, "--at", "6,0", "--accuracy", "0", names=["--accuracy"])
+        self.fails("hit", file, "--at", "6,0", "--accuracy", "1", "--classic", names=["--accuracy"])
 
     def test_the_nearest_point_lies_on_the_curve(self):
         file = self.write("in.svg", svg('<circle cx="50" cy="50" r="10"/>'))

@@ -56,12 +56,11 @@ class Schema(AppTest):
                               "nearest": ["--to", "3,4", "--to", "99,-5"],
                               "hit": ["--at", "9,9", "--tolerance", "3"], "area": []}.items():
             for extra in ([], ["--accuracy", "0.01"], ["--classic"], ["--unit", "mm"]):
-                if extra[:1] == ["--accuracy"] and command == "hit":
-                    continue
                 if extra == ["--classic"] and command == "area":
                     continue
                 with self.subTest((command, extra)):
                     self.check(command, self.a, *more, *extra)
+        self.check("measure", self.a, "--area", "--unit", "mm")
         for files in ([self.a, self.b, self.font], [self.a, self.bad, self.b], [self.bad] * 2):
             self.check("measure", *files)
             self.check("hit", *files, "--at", "1,1")

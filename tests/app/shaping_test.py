@@ -194,6 +194,36 @@ class Shapes(AppTest):
                       self.path("fine.svg"))
         self.assertGreater(self.measure_file("fine.svg")["circle"]["elements"], 20)
 
+    def test_a_shape_is_added_to_a_drawing(self):
+        head = '<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 9 9" transform="scale(2)"'
+        for name, text, begin, end in (
+                ("end tag", head + ">\n<rect width='1' height='1'/></svg>\n", -7, "</svg>\n"),
+                ("empty", head + "/>", -2, "</svg>"),
+                ("empty end", head + "></svg>", -6, "</svg>")):
+            with self.subTest(name):
+                file = self.write("in.svg", text)
+                self.run_text("shape", "circle", "4,4,2", "--into", file, "--stroke-width", "0.5",
+                              "--set-id", "o", "-o", self.path("out.svg"))
+                got = self.read("out.svg").decode()
+                self.assertTrue(got.startswith(text[:begin]) and got.endswith(end), got)
+                self.assertIn('<path id="o" style="fill:none;stroke:#000000;stroke-width:0.25" d="',
+                              got)
+                self.assertBox(self.measure_file("out.svg")["o"]["bounds"], [2, 2, 6, 6])
+        self.fails("shape", "circle", "4,4,2", "--into", file, "-o", self.path("out.png"),
+                   names=["out.png", ".svg"])
+        self.fails("shape", "circle", "4,4,2", "--into", self.write("f.ttf", font_bytes()), "-o",
+                   self.path("out.svg"), names=["f.ttf", "no SVG drawing"])
+
+    def test_reversing_keeps_the_drawing(self):
+        body = ('<g class="k" ><!-- c --><path id="a"  d="M0 0H9V9z" fill=\'red\'/></g>'
+                '<line id="l" x2="5"/>')
+        file = self.write("in.svg", svg(body))
+        self.run_text("reverse", file, "--id", "a", "-o", self.path("out.svg"))
+        self.assertEqual(self.read("out.svg").decode(), svg(body.replace("M0 0H9V9z", "M9 9V0H0Z")))
+        self.run_text("reverse", self.path("out.svg"), "-o", self.path("again.svg"))
+        self.assertEqual(self.path_data("again.svg"), {"a": "M0 0H9V9Z", "l": "M5 0H0"})
+        self.run_text("reverse", file, "--precision", "2", "--zoom", "2", "-o", self.path("out.png"))
+
     def test_wrong_shapes_are_named(self):
         out = self.path("out.svg")
         self.fails("shape", "blob", "1,2", "-o", out, names=["'blob'", "star"])

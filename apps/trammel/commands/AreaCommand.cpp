@@ -5,11 +5,10 @@
 #include "Error.h"
 #include "ManyFiles.h"
 #include "Numbers.h"
+#include "OutlineArea.h"
 #include "Outlines.h"
 
-#include <trammel/AccurateCurve.h>
 #include <trammel/Moments.h>
-#include <trammel/RegionArea.h>
 
 #include <algorithm>
 #include <cmath>
@@ -31,25 +30,17 @@ double Extent(CPath const& path) {
     return std::max(bounds.Width(), bounds.Height());
 }
 
-/// Returns the area between the outline's curves and the arcs that they stand for, at most.
-double ArcError(Outline const& outline) {
-    return outline.arcDistance == 0.0
-               ? 0.0
-               : outline.arcDistance * trammel::ArcLength(outline.path, outline.arcDistance);
-}
-
 FileResult AreasIn(Options const& options, Drawing& drawing) {
     CheckNotEmpty(drawing);
     SetRule(drawing, options.rule);
     FileResult result;
     Json outlines = Json::array();
     for (Outline const& outline : drawing.outlines) {
-        trammel::AreaWithin const region =
-            trammel::RegionArea(outline.path, outline.rule, options.figures.Accuracy());
+        OutlineArea const region = AreaOf(outline, options.figures);
         trammel::AreaMoments const moments = trammel::MomentsOf(outline.path);
         double const rounding = FigureAccuracy(outline.path) * Extent(outline.path);
-        double const arcs = ArcError(outline);
-        Figures const areas(std::max(region.error, rounding) + arcs, options.figures);
+        double const arcs = ArcAreaError(outline);
+        Figures const areas(region.error, options.figures);
         // The centroid is where the signed area divides its moment.
         Figures const places((rounding + arcs) * Extent(outline.path) / std::abs(moments.area) +
                                  FigureAccuracy(outline.path),

@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "Combine.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "Input.h"
 #include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
 #include "Progress.h"
+#include "Warning.h"
 #include "WriteSupport.h"
 
 #include <trammel/PolygonOperations.h>
@@ -17,6 +20,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace tool {
@@ -103,7 +107,9 @@ void OverrideRules(Drawing& drawing, std::string const& rule) {
 
 /// Returns the document in which the result takes the place of the first outline. The other chosen
 /// outlines are part of it, and go. An outline that a `use` draws goes with the whole `use`.
-std::string Merged(Options const& options, Drawing const& drawing, CPath const& result) {
+/// \param clipped  the elements of which a clip hides something
+std::string Merged(Options const& options, Drawing const& drawing,
+                   std::set<std::size_t> const& clipped, CPath const& result) {
     std::map<std::size_t, std::size_t> chosen; // outlines by the element that places them
     for (Outline const& outline : drawing.outlines) {
         ++chosen[outline.source.placed];
@@ -127,6 +133,11 @@ std::string Merged(Options const& options, Drawing const& drawing, CPath const& 
     }
     if (receiver != nullptr) {
         SetPath(edit, drawing, *receiver, result); // rings without overlaps: any rule will do
+        if (clipped.count(receiver->source.element) != 0) {
+            edit.SetProperty(receiver->source.element, Property::kClipPath, "none");
+            Warn(drawing.file, receiver->id,
+                 "gives up its own clip; one around it would cut the result");
+        }
     } else if (!result.mCtls.empty()) {
         Outline const& first = drawing.outlines.front();
         edit.InsertPath(first.source.placed, options.operation,
@@ -170,6 +181,9 @@ void Run(Options const& options) {
     if (options.write.output.empty() && !options.json) {
         throw Error("combine", "", "nothing to do without -o or --json");
     }
+    if (options.write.output == kStandardStream && options.json) {
+        throw Error("--json", "", "cannot go with -o -: both write to standard output");
+    }
     if (!options.write.output.empty()) {
         CheckWriteOptions(options.write);
     }
@@ -181,6 +195,14 @@ void Run(Options const& options) {
     Drawing b = Load(options.b, arcs);
     OverrideRules(a, options.rule);
     OverrideRules(b, options.rule);
+    std::set<std::size_t> clipped;
+    for (Outline const& outline : a.outlines) {
+        if (!outline.clips.empty()) {
+            clipped.insert(outline.source.element);
+        }
+    }
+    ApplyClips(a);
+    ApplyClips(b);
     CheckFinite(a);
     CheckFinite(b);
     TRect<double> const bounds = Around(BoundsOf(a), BoundsOf(b));
@@ -205,7 +227,7 @@ void Run(Options const& options) {
     std::string const& output = options.write.output;
     CPath const path = PathOf(result);
     if (!output.empty() && KeepsDocument(a, output)) {
-        WriteFile(output, SvgBytes(Merged(options, a, path), output));
+        WriteFile(output, SvgBytes(Merged(options, a, clipped, path), output));
     } else if (!output.empty()) {
         // The page is the first drawing's. If that has none, the page holds both drawings, so that
         // the results of the four operations lie over each other.

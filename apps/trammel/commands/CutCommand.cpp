@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Cut.h"
@@ -38,7 +39,10 @@ void Run(Options const& options) {
         throw Error("--to", "'" + options.to + "'", "must be above --from");
     }
     CheckWriteOptions(options.write);
-    Drawing const drawing = Load(options.source, ArcsOf(options.write));
+    Drawing drawing = Load(options.source, ArcsOf(options.write));
+    if (!KeepsDocument(drawing, options.write.output)) {
+        ApplyClips(drawing);
+    }
     std::vector<Outline> cut;
     std::vector<Outline> rest;
     for (Outline const& outline : drawing.outlines) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "Classic.h"
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
@@ -51,6 +52,7 @@ void Run(Options const& options) {
         WriteFile(options.write.output, SvgBytes(edit.Text(), options.write.output));
         return;
     }
+    ApplyClips(drawing);
     for (Outline& outline : drawing.outlines) {
         outline.path = flattened(outline);
         progress.Update(++done);

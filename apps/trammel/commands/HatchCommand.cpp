@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
@@ -68,7 +69,8 @@ void Run(Options const& options) {
         throw Error("--spacing", "'" + options.spacing + "'", "must be above 0");
     }
     CheckWriteOptions(options.write);
-    Drawing const drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
+    Drawing drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
+    ApplyClips(drawing);
     std::vector<Outline> lines; // one for each outline
     Progress progress("hatching outlines", drawing.outlines.size());
     for (Outline const& outline : drawing.outlines) {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
@@ -83,7 +84,8 @@ void Add(Report& report, Options const& options, Outline const& a, Outline const
 
 void Run(Options const& options) {
     ArcAccuracy const arcs = options.figures.Arcs(); // before a file is read
-    Drawing const a = Load(options.a, arcs);
+    Drawing a = Load(options.a, arcs);
+    ApplyClips(a);
     Report report;
     Json json;
     json["a"] = a.file;
@@ -91,7 +93,8 @@ void Run(Options const& options) {
         if (options.itself) {
             throw Error("--self", "", "is for one drawing");
         }
-        Drawing const b = Load(options.b, arcs);
+        Drawing b = Load(options.b, arcs);
+        ApplyClips(b);
         json["b"] = b.file;
         for (Outline const& first : a.outlines) {
             for (Outline const& second : b.outlines) {

@@ -2,6 +2,7 @@
 
 #include "ManyFiles.h"
 
+#include "Clip.h"
 #include "Error.h"
 #include "Input.h"
 #include "Numbers.h"
@@ -188,6 +189,7 @@ void ForEachFile(Sources const& sources, ArcAccuracy arcs,
         try {
             Drawing drawing = ReadDrawing(*name, arcs);
             KeepOnly(drawing, sources.ids);
+            ApplyClips(drawing);
             if (!sources.unit.empty()) {
                 ToPaperUnit(drawing, sources.unit);
             }

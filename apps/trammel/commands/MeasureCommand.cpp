@@ -5,6 +5,7 @@
 #include "Error.h"
 #include "ManyFiles.h"
 #include "Numbers.h"
+#include "OutlineArea.h"
 #include "Outlines.h"
 #include "Progress.h"
 
@@ -19,6 +20,7 @@ namespace {
 struct Options {
     Sources sources;
     FigureOptions figures;
+    bool area = false;
 };
 
 /// The figures of one outline.
@@ -32,6 +34,8 @@ struct Measures {
     bool lines;
     bool curves;
     double accuracy; ///< of length and bounds; 0 for classic figures
+    double area = 0.0;
+    double areaAccuracy = 0.0; ///< 0 unless the area is asked for
 };
 
 Measures Measured(Outline const& outline, FigureOptions const& options) {
@@ -94,11 +98,20 @@ std::string LineOf(Options const& options, std::string const& file, Outline cons
     return OneLine(file) + ": " + OneLine(outline.id) + ": " +
            Counted(measures.elements, "element") + ", " +
            LengthText(options, measures.length, measures.accuracy) + ", " +
+           (options.area ? "area " + Figure(measures.area, measures.areaAccuracy) + ", " : "") +
            BoundsText(measures.bounds) + ", " + (measures.closed ? "closed" : "open") + ", " +
            contents + "\n";
 }
 
-Json JsonOf(Outline const& outline, Measures const& measures) {
+/// Adds the area that the outline encloses.
+void AddArea(Measures& measures, Outline const& outline, FigureOptions const& options) {
+    OutlineArea const region = AreaOf(outline, options);
+    Figures const figures(region.error, options);
+    measures.area = figures.Of(region.area);
+    measures.areaAccuracy = figures.Accuracy();
+}
+
+Json JsonOf(Outline const& outline, Measures const& measures, bool area) {
     Json json;
     json["id"] = outline.id;
     json["elements"] = measures.elements;
@@ -106,6 +119,12 @@ Json JsonOf(Outline const& outline, Measures const& measures) {
     json["length"] = RoundedTo(measures.length, measures.accuracy);
     json["bounds"] = ToJson(measures.bounds);
     json["controlBounds"] = ToJson(measures.controlBounds);
+    if (area) {
+        json["area"] = measures.area;
+        if (measures.areaAccuracy > 0.0) {
+            json["areaAccuracy"] = measures.areaAccuracy;
+        }
+    }
     json["closed"] = measures.closed;
     json["lines"] = measures.lines;
     json["curves"] = measures.curves;
@@ -134,10 +153,13 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
     Progress progress("measuring " + drawing.file, drawing.outlines.size());
     std::size_t done = 0;
     for (Outline const& outline : drawing.outlines) {
-        Measures const measures = Measured(outline, options.figures);
+        Measures measures = Measured(outline, options.figures);
+        if (options.area) {
+            AddArea(measures, outline, options.figures);
+        }
         totals.Add(measures);
         if (options.sources.json) {
-            outlines.push_back(JsonOf(outline, measures));
+            outlines.push_back(JsonOf(outline, measures, options.area));
         } else {
             result.text += LineOf(options, drawing.file, outline, measures);
         }
@@ -151,6 +173,9 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
 }
 
 void Run(Options const& options) {
+    if (options.area && options.figures.classic) {
+        throw Error("--area", "", "classic figures have no area");
+    }
     Totals totals;
     ForEachFile(
         options.sources, options.figures.Arcs(),
@@ -175,6 +200,8 @@ void AddMeasure(Command const& app) {
         "measure", "Length, bounds and contents of each outline of drawings and fonts, and totals");
     AddSources(command, options->sources);
     AddFigureOptions(command, options->figures, "CPath::Length and CPath::Bounds");
+    command.AddFlag("--area", options->area,
+                    "Also the area that each outline encloses by its fill rule");
     command.SetFooter(
         "A font's outlines are its glyphs, in font units with y down; a map's are its "
         "countries, in\n"

@@ -10,6 +10,7 @@
 #include <trammel/OutlineMeasure.h>
 #include <trammel/UScalar.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -24,6 +25,8 @@ struct Options {
     std::vector<std::string> to;
 };
 
+typedef TPoint<double> Pt;
+
 /// The place on an outline nearest to a point.
 struct Found {
     std::size_t outline = 0;
@@ -32,6 +35,43 @@ struct Found {
     TPoint<double> point;
     double distance = std::numeric_limits<double>::infinity();
 };
+
+/// A point is about as far from all places near the nearest one where the outline bends around it
+/// by nearly its distance. Where less than this share of the bend's radius is left, none of them is
+/// nearer than the others by more than rounding.
+constexpr double kLeastLeft = 1e-6;
+
+/// The rounding of a direction, in radians.
+constexpr double kDirectionRounding = 0x1p-44;
+
+/// Brings a place to the zero of the derivative of the distance, and returns how far it may be from
+/// there. The distance alone would leave the place unsure by the root of the distance's error.
+double Settle(trammel::OutlineMeasure const& measure, Pt const& to, double accuracy, Found& found) {
+    double const length = found.fraction * found.length;
+    trammel::OutlineMeasure::Place const place = measure.AtLength(length);
+    Pt const away = place.point - to;
+    double const slope = away.h * place.tangent.h + away.v * place.tangent.v;
+    double const left =
+        1.0 + place.curvature * (away.v * place.tangent.h - away.h * place.tangent.v);
+    if (!(left > kLeastLeft)) {
+        return accuracy;
+    }
+    double const unsure = (accuracy + found.distance * kDirectionRounding) / left;
+    double const step = -slope / left;
+    double const reached = length + step;
+    if (reached < 0.0 || reached > found.length) {
+        return accuracy; // an end
+    }
+    trammel::OutlineMeasure::Place const better = measure.AtLength(reached);
+    double const distance = Hypotenuse(better.point, to);
+    if (better.element != place.element || distance > found.distance + accuracy) {
+        return accuracy; // a corner
+    }
+    found.point = better.point;
+    found.fraction = reached / found.length;
+    found.distance = std::min(found.distance, distance);
+    return accuracy + unsure + std::abs(step) * std::abs(step) / std::max(distance, std::abs(step));
+}
 
 /// Returns the nearest place among all outlines that have length, and the earlier outline on a tie.
 Found Nearest(std::vector<trammel::OutlineMeasure> const& measures, TPoint<double> const& to) {
@@ -82,21 +122,27 @@ FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& 
     }
     Json results = Json::array();
     for (TPoint<double> const& to : points) {
-        Found const found = classic ? ClassicNearest(paths, to) : Nearest(measures, to);
+        Found found = classic ? ClassicNearest(paths, to) : Nearest(measures, to);
         if (!std::isfinite(found.distance)) {
             throw Error(drawing.file, drawing.outlines.front().id, "the outline has no length");
         }
         Outline const& outline = drawing.outlines[found.outline];
         Figures const figures(outline, options.figures, to);
-        TPoint<double> const point = figures.Of(found.point);
+        double const unsure =
+            classic ? 0.0 : Settle(measures[found.outline], to, FigureAccuracy(outline, to), found);
+        Figures const places(unsure, options.figures);
+        TPoint<double> const point = places.Of(found.point);
         double const distance = figures.Of(found.distance);
         double const fraction =
-            RoundedTo(found.fraction, DigitAccuracy(figures.Accuracy() / found.length));
+            RoundedTo(found.fraction, DigitAccuracy(places.Accuracy() / found.length));
         Json json;
         json["to"] = ToJson(to);
         json["id"] = outline.id;
         json["fraction"] = fraction;
         json["point"] = ToJson(point);
+        if (places.Accuracy() > figures.Accuracy()) {
+            json["placeAccuracy"] = places.Accuracy();
+        }
         json["distance"] = distance;
         figures.AddAccuracy(json);
         results.push_back(std::move(json));

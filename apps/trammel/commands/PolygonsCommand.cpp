@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
+#include "Input.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
@@ -217,13 +219,17 @@ void Run(Options const& options) {
     if (modes != 1) {
         throw Error("polygons", "", "needs one of --describe, --rotate-bounds and --to-quickdraw");
     }
+    if (options.output == kStandardStream) {
+        throw Error("-o", "'-'", "cannot be standard output, where the figures go");
+    }
     if (!options.error.empty() && !(NumberOf("--error", options.error) > 0.0)) {
         throw Error("--error", "'" + options.error + "'", "must be above 0");
     }
     if (rotate) {
         NumberOf("--rotate-bounds", options.angle); // before a file is read
     }
-    Drawing const drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
+    Drawing drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
+    ApplyClips(drawing);
     Report report;
     {
         Progress progress("reading outlines", drawing.outlines.size());

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Output.h"
+#include "WriteSupport.h"
 
 #include <trammel/PathStructure.h>
 
@@ -12,16 +14,26 @@ namespace {
 
 struct Options {
     Source source;
-    std::string output;
+    WriteOptions write;
 };
 
 void Run(Options const& options) {
-    Drawing drawing = Load(options.source);
+    CheckWriteOptions(options.write);
+    Drawing drawing = Load(options.source, ArcsOf(options.write));
+    std::string const& output = options.write.output;
+    if (KeepsDocument(drawing, output)) {
+        SvgEdit edit(drawing.document, DigitsOf(options.write));
+        for (Outline const* const outline : OnePerElement(drawing)) {
+            SetPath(edit, drawing, *outline, trammel::Reversed(outline->path));
+        }
+        WriteFile(output, SvgBytes(edit.Text(), output));
+        return;
+    }
+    ApplyClips(drawing);
     for (Outline& outline : drawing.outlines) {
         outline.path = trammel::Reversed(outline.path);
     }
-    WriteFile(options.output,
-              PictureBytes(LinePicture(drawing.page, drawing.outlines), options.output));
+    WriteFile(output, NewFile(LinePicture(drawing.page, drawing.outlines), output, options.write));
 }
 
 } // namespace
@@ -30,8 +42,10 @@ void AddReverse(Command const& app) {
     auto const options = std::make_shared<Options>();
     Command const command = app.AddCommand("reverse", "Writes the outlines drawn the other way");
     AddSource(command, options->source);
-    AddOutput(command, options->output);
-    command.SetFooter("Each subpath begins where it ended, and closed ones stay closed.\n"
+    AddWriteOptions(command, options->write);
+    AddCurveAccuracy(command, options->write);
+    command.SetFooter("Each subpath begins where it ended, and closed ones stay closed. An SVG "
+                      "drawing is kept: only the\nforms of the elements change.\n"
                       "Example: trammel reverse drawing.svg --id hole -o reversed.svg");
     command.SetAction([options] { Run(*options); });
 }

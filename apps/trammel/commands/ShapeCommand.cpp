@@ -5,6 +5,7 @@
 #include "Error.h"
 #include "Numbers.h"
 #include "Output.h"
+#include "WriteSupport.h"
 
 #include <trammel/Shapes.h>
 #include <trammel/UTrigonometry.h>
@@ -22,7 +23,8 @@ struct Options {
     std::string numbers;
     std::string tolerance = "0.001";
     std::string id;
-    std::string output;
+    std::string into;
+    WriteOptions write;
 };
 
 typedef std::vector<double> Numbers;
@@ -80,7 +82,40 @@ constexpr std::array<Kind, 5> kKinds{{
      }},
 }};
 
+/// Returns the shape as a new path at the end of the drawing, in the drawing's coordinates.
+std::string Added(Options const& options, Outline const& shape) {
+    Drawing const drawing = ReadDrawing(options.into);
+    if (!drawing.document) {
+        throw Error(options.into, "", "is no SVG drawing");
+    }
+    if (!IsSvgName(options.write.output)) {
+        throw Error(options.write.output, "", "must end in .svg or .svgz to hold the drawing");
+    }
+    CMatrix3x3 const& root = drawing.rootTransform;
+    CMatrix3x3 const inverse = Undone(root, drawing, shape);
+    double const scale = std::sqrt(std::abs(root.Determinant()));
+    Page const page = LinePicture(drawing.page, {shape}).page;
+    SvgEdit edit(drawing.document, DigitsOf(options.write));
+    edit.AppendPath(shape.id,
+                    "style=\"fill:none;stroke:#000000;stroke-width:" +
+                        Exact(LineWidth(options.write, page) / scale) + "\"",
+                    Moved(shape.path, inverse));
+    return SvgBytes(edit.Text(), options.write.output);
+}
+
+void Write(Options const& options, Outline const& shape) {
+    std::string const& output = options.write.output;
+    if (!options.into.empty()) {
+        WriteFile(output, Added(options, shape));
+        return;
+    }
+    Picture picture = LinePicture(Page(), {shape});
+    picture.shapes.front().style.strokeWidth = LineWidth(options.write, picture.page);
+    WriteFile(output, NewFile(std::move(picture), output, options.write));
+}
+
 void Run(Options const& options) {
+    CheckWriteOptions(options.write);
     double const tolerance = NumberOf("--tolerance", options.tolerance);
     if (!(tolerance > 0.0)) {
         throw Error("--tolerance", "'" + options.tolerance + "'", "must be above 0");
@@ -89,8 +124,7 @@ void Run(Options const& options) {
         if (options.kind == kind.name) {
             Numbers const n = NumbersOf(options.kind, options.numbers, kind.least, kind.most);
             std::string const id = options.id.empty() ? options.kind : options.id;
-            std::vector<Outline> const outlines{{id, kind.make(n, tolerance)}};
-            WriteFile(options.output, PictureBytes(LinePicture(Page(), outlines), options.output));
+            Write(options, {id, kind.make(n, tolerance)});
             return;
         }
     }
@@ -115,7 +149,11 @@ void AddShape(Command const& app) {
                    "How far curves may be from the true circle or ellipse (default 0.001)")
         .TypeName("D");
     command.AddOption("--set-id", options->id, "The id of the path (default: KIND)").TypeName("ID");
-    AddOutput(command, options->output);
+    command
+        .AddOption("--into", options->into,
+                   "Add the shape to this SVG drawing, and leave the rest of it as it is")
+        .TypeName("DRAWING");
+    AddWriteOptions(command, options->write);
     std::string footer = "The numbers:\n";
     for (Kind const& kind : kKinds) {
         footer += std::string("  ") + kind.name + " " + kind.numbers + "\n";

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Clip.h"
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Error.h"
@@ -115,6 +116,9 @@ void Run(Command const& command, Options const& options) {
     std::vector<Step> const steps = StepsOf(command);
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, options.coordinates ? ArcsOf(options.write) : kDigits);
+    if (!KeepsDocument(drawing, options.write.output)) {
+        ApplyClips(drawing);
+    }
     CMatrix3x3 whole;
     for (Step const& step : steps) {
         CMatrix3x3 const m = MatrixOf(step, drawing);
