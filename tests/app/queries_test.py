@@ -155,6 +155,15 @@ class Queries(AppTest):
         self.assertEqual(self.run_json("intersect", a)["places"], [])
         self.fails("intersect", a, b, "--self", names=["--self"])
 
+    def test_intersect_tells_near_outlines_whose_bounds_are_apart(self):
+        file = self.write("near.svg", svg('<path id="a" d="M0 0H10"/><path id="b" d="M4 0.2V9"/>'
+                                          '<path id="c" d="M20 0V9"/>'))
+        def found(*options):
+            places = self.run_json("intersect", file, *options)["places"]
+            return [(p["a"]["id"], p["b"]["id"], p["kind"]) for p in places]
+        self.assertEqual(found(), [])
+        self.assertEqual(found("--accuracy", "1"), [("a", "b", "end")])
+
 
 if __name__ == "__main__":
     unittest.main()

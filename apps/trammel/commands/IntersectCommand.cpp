@@ -12,7 +12,8 @@
 #include <trammel/Intersections.h>
 
 #include <algorithm>
-#include <limits>
+#include <cmath>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -82,10 +83,43 @@ void Add(Report& report, Options const& options, Outline const& a, Outline const
     }
 }
 
+/// The outlines of a drawing, with the bounds of their control points.
+class Boxed {
+public:
+    explicit Boxed(std::vector<Outline> const& outlines) : mOutlines(outlines) {
+        mBounds.reserve(outlines.size());
+        for (Outline const& outline : outlines) {
+            mBounds.push_back(ControlBounds(outline.path));
+        }
+    }
+
+    std::size_t size() const { return mOutlines.size(); }
+    Outline const& operator[](std::size_t i) const { return mOutlines[i]; }
+    /// False when outline i of this drawing and k of another one are farther apart than the
+    /// accuracy, and than rounding.
+    bool MayMeet(std::size_t i, Boxed const& other, std::size_t k, double accuracy) const {
+        constexpr double kRounding = 0x1p-36; // the library's finest accuracy is 2^-40 of the size
+        TRect<double> const& a = mBounds[i];
+        TRect<double> const& b = other.mBounds[k];
+        double const size =
+            std::max({std::abs(a.left), std::abs(a.right), std::abs(a.top), std::abs(a.bottom),
+                      std::abs(b.left), std::abs(b.right), std::abs(b.top), std::abs(b.bottom)});
+        double const margin = std::max(accuracy, kRounding * size);
+        return !(a.left - margin > b.right || b.left - margin > a.right ||
+                 a.top - margin > b.bottom || b.top - margin > a.bottom);
+    }
+
+private:
+    std::vector<Outline> const& mOutlines;
+    std::vector<TRect<double>> mBounds;
+};
+
 void Run(Options const& options) {
-    ArcAccuracy const arcs = options.figures.Arcs(); // before a file is read
+    double const accuracy = options.figures.Accuracy(); // before a file is read
+    ArcAccuracy const arcs = options.figures.Arcs();
     Drawing a = Load(options.a, arcs);
     ApplyClips(a);
+    Boxed const ofA(a.outlines);
     Report report;
     Json json;
     json["a"] = a.file;
@@ -95,19 +129,24 @@ void Run(Options const& options) {
         }
         Drawing b = Load(options.b, arcs);
         ApplyClips(b);
+        Boxed const ofB(b.outlines);
         json["b"] = b.file;
-        for (Outline const& first : a.outlines) {
-            for (Outline const& second : b.outlines) {
-                Add(report, options, first, second);
+        for (std::size_t i = 0; i < ofA.size(); ++i) {
+            for (std::size_t k = 0; k < ofB.size(); ++k) {
+                if (ofA.MayMeet(i, ofB, k, accuracy)) {
+                    Add(report, options, ofA[i], ofB[k]);
+                }
             }
         }
     } else {
-        for (std::size_t i = 0; i < a.outlines.size(); ++i) {
+        for (std::size_t i = 0; i < ofA.size(); ++i) {
             if (options.itself) {
-                Add(report, options, a.outlines[i], a.outlines[i]);
+                Add(report, options, ofA[i], ofA[i]);
             }
-            for (std::size_t k = i + 1; !options.itself && k < a.outlines.size(); ++k) {
-                Add(report, options, a.outlines[i], a.outlines[k]);
+            for (std::size_t k = i + 1; !options.itself && k < ofA.size(); ++k) {
+                if (ofA.MayMeet(i, ofA, k, accuracy)) {
+                    Add(report, options, ofA[i], ofA[k]);
+                }
             }
         }
     }
