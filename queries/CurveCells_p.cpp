@@ -12,7 +12,6 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
-#include <vector>
 
 namespace trammel_detail {
 
@@ -121,7 +120,7 @@ double SolveRising(std::array<double, 4> const& c, double x) {
 
 class Finder {
 public:
-    Finder(double accuracy, std::vector<CurveEvent>& events)
+    Finder(double accuracy, CurveEvents& events)
         : mAccuracy(accuracy), mMargin(0.5 * accuracy), mNoise(0x1p-6 * accuracy), mEvents(events) {
     }
 
@@ -174,7 +173,7 @@ private:
         if (std::max(sizeA, sizeB) <= 0.25 * mMargin) {
             double const s = a.At(0.5);
             double const t = b.At(0.5);
-            mEvents.push_back({a.t0, a.t1, b.t0, b.t1, s, t, 0.0, 0.0, false});
+            mEvents.push_back({a.t0, a.t1, b.t0, b.t1, s, t, 0.0, 0.0, false, false});
             return true;
         }
         Arms const armsA = ArmsOf(a.c);
@@ -318,31 +317,14 @@ private:
         double const sOn = std::min(std::max(s, 0.0), 1.0);
         double const tOn = std::min(std::max(t, 0.0), 1.0);
         // The nearest places are an end of one piece and its foot on the other one.
-        double const footOnB = Foot(b.c, PlaceAt(a.c, sOn).point, tOn);
-        double const footOnA = Foot(a.c, PlaceAt(b.c, tOn).point, sOn);
+        double const footOnB = FootOn(b.c, PlaceAt(a.c, sOn).point, tOn, 0.0, 1.0);
+        double const footOnA = FootOn(a.c, PlaceAt(b.c, tOn).point, sOn, 0.0, 1.0);
         double const gapA = Square(PlaceAt(a.c, sOn).point - PlaceAt(b.c, footOnB).point);
         double const gapB = Square(PlaceAt(a.c, footOnA).point - PlaceAt(b.c, tOn).point);
         if (std::min(gapA, gapB) <= mMargin * mMargin) {
             bool const ofA = gapA <= gapB;
             AddEvent(a, b, alongA, alongB, ofA ? sOn : footOnA, ofA ? footOnB : tOn, s, t);
         }
-    }
-    /// The parameter of a piece near `t` at which it is the nearest to a point, by Newton's method.
-    static double Foot(Cubic const& c, Pt const& p, double t) {
-        constexpr int kSteps = 6;
-        for (int i = 0; i < kSteps; ++i) {
-            CubicPlace const place = PlaceAt(c, t);
-            Pt const off = place.point - p;
-            double const flat = 3.0 * Square(place.first);
-            double const bend = flat + 2.0 * Dot(off, place.second);
-            double const step = Dot(off, place.first) / (bend > 0.5 * flat ? bend : flat);
-            double const next = std::min(std::max(t - step, 0.0), 1.0);
-            if (!(std::abs(step) > 0.0) || next == t) { // also for a NaN
-                break;
-            }
-            t = next;
-        }
-        return t;
     }
     /// Adds an event at (sOn, tOn) of pieces whose extensions cross at (s, t).
     void AddEvent(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
@@ -369,7 +351,7 @@ private:
         double const to = lacksAfter ? sOn : onA.high;
         mEvents.push_back({a.At(from), a.At(to), b.At(against ? onB.high : onB.low),
                            b.At(against ? onB.low : onB.high), a.At(sOn), b.At(tOn),
-                           lacksBefore ? 0.0 : -side, lacksAfter ? 0.0 : side, inside});
+                           lacksBefore ? 0.0 : -side, lacksAfter ? 0.0 : side, inside, true});
     }
 
     struct Stretch {
@@ -474,7 +456,8 @@ private:
         double const before = reversed ? -y[0] : y[0];
         double const after = reversed ? -y[3] : y[3];
         if (std::max(high, -low) <= mAccuracy) {
-            mEvents.push_back({a.t0, a.t1, b.t0, b.t1, a.At(0.5), b.At(0.5), before, after, false});
+            mEvents.push_back(
+                {a.t0, a.t1, b.t0, b.t1, a.At(0.5), b.At(0.5), before, after, false, false});
             return Outcome::kDone;
         }
         Arms const armsA = ArmsOf(a.c);
@@ -519,7 +502,8 @@ private:
         double const to = rises ? part : 1.0;
         double const s = rises ? a.t0 : a.t1;
         double const t = rises ? b.t0 : b.t1;
-        mEvents.push_back({a.At(from), a.At(to), b.At(from), b.At(to), s, t, before, after, false});
+        mEvents.push_back(
+            {a.At(from), a.At(to), b.At(from), b.At(to), s, t, before, after, false, false});
     }
 
     /// True when the difference of two graphs in y strictly rises or falls with x. `greatestX` is
@@ -567,22 +551,53 @@ private:
         if (Square(gap) <= mMargin * mMargin) {
             double const sAt = a.At(s);
             double const tAt = b.At(t);
-            mEvents.push_back({sAt, sAt, tAt, tAt, sAt, tAt, 0.0, 0.0, false});
+            mEvents.push_back({sAt, sAt, tAt, tAt, sAt, tAt, 0.0, 0.0, false, false});
         }
     }
 
     double mAccuracy;
     double mMargin; ///< curves farther apart than this may count as apart
     double mNoise;  ///< more than rounding can move a point
-    std::vector<CurveEvent>& mEvents;
+    CurveEvents& mEvents;
     std::size_t mSize = 0;
     unsigned char mStack[kMostOpen * sizeof(Cell)]; // bytes, as points would be set to 0 first
 };
 
 } // namespace
 
-bool FindCurveEvents(Cubic const& a, Cubic const& b, double accuracy,
-                     std::vector<CurveEvent>& events) {
+double FootOn(Cubic const& c, Pt const& p, double t, double low, double high) {
+    CubicPlace place = PlaceAt(c, t);
+    double least = Square(place.point - p);
+    for (int i = 0; i < kMostSteps; ++i) {
+        Pt const off = place.point - p;
+        double const flat = 3.0 * Square(place.first);
+        double const bend = flat + 2.0 * Dot(off, place.second);
+        double const step = Dot(off, place.first) / (bend > 0.5 * flat ? bend : flat);
+        double next = std::min(std::max(t - step, low), high);
+        // The way is right and may be too long, above all beside a cusp.
+        CubicPlace there = PlaceAt(c, next);
+        double distance = Square(there.point - p);
+        constexpr int kMostHalvings = 16;
+        for (int k = 0; k < kMostHalvings && distance > least; ++k) {
+            next = 0.5 * (next + t);
+            there = PlaceAt(c, next);
+            distance = Square(there.point - p);
+        }
+        if (!(distance < least)) { // also for a NaN
+            break;
+        }
+        bool const last = std::abs(next - t) < 0x1p-50;
+        t = next;
+        place = there;
+        least = distance;
+        if (last) {
+            break;
+        }
+    }
+    return t;
+}
+
+bool FindCurveEvents(Cubic const& a, Cubic const& b, double accuracy, CurveEvents& events) {
     return Finder(accuracy, events).Run(a, b);
 }
 

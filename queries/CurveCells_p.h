@@ -8,8 +8,8 @@
 #define TRAMMEL_CURVECELLS_P_H
 
 #include "Cubic_p.h"
-
-#include <vector>
+#include "ShortList_p.h"
+#include "TPoint.h"
 
 namespace trammel_detail {
 
@@ -27,15 +27,22 @@ struct CurveEvent {
     double before;
     double after;
     bool crossing; ///< whether the curves cross at (s, t)
+    bool nearest;  ///< whether (s, t) is the nearest place, or a crossing
 };
+
+/// The events of two curves, which are some tens where these touch.
+typedef ShortList<CurveEvent, 8> CurveEvents;
 
 /// Appends the events of two curves. Returns false where the work is more than is allowed; what was
 /// appended is then of no use.
 ///
 /// Requires finite points with coordinates between -2^101 and 2^101. `accuracy` is at least
 /// kFinestCells times the greatest difference of two coordinates, and more than 2^-140.
-bool FindCurveEvents(Cubic const& a, Cubic const& b, double accuracy,
-                     std::vector<CurveEvent>& events);
+bool FindCurveEvents(Cubic const& a, Cubic const& b, double accuracy, CurveEvents& events);
+
+/// Returns the parameter near `t` at which a curve is the nearest to a point, by Newton's method
+/// between `low` and `high`. The place there is not farther than the place at `t`.
+double FootOn(Cubic const& c, TPoint<double> const& p, double t, double low, double high);
 
 } // namespace trammel_detail
 

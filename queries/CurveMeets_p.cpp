@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <limits>
 #include <tuple>
-#include <vector>
 
 namespace trammel_detail {
 
@@ -31,32 +30,6 @@ constexpr double kNearPart = 1.0 / 16.0;
 constexpr double kCoincidentPart = 0.75;
 /// The number of steps in which a stretch is sampled.
 constexpr int kSamples = 16;
-
-/// The place of `b` near `t` that is the nearest to a point, by Newton's method between `low` and
-/// `high`.
-double FootOn(Cubic const& b, Pt const& p, double t, double low, double high) {
-    constexpr int kMostSteps = 8;
-    double best = t;
-    double least = Square(PlaceAt(b, t).point - p);
-    for (int i = 0; i < kMostSteps; ++i) {
-        CubicPlace const place = PlaceAt(b, t);
-        Pt const off = place.point - p;
-        double const slope = 3.0 * Dot(off, place.first);
-        double const flat = 9.0 * Square(place.first);
-        double const bend = flat + 6.0 * Dot(off, place.second);
-        double const step = slope / (bend > 0.5 * flat ? bend : flat);
-        if (!(std::abs(step) > 0x1p-50)) { // also for a NaN
-            break;
-        }
-        t = std::min(std::max(t - step, low), high);
-        double const distance = Square(PlaceAt(b, t).point - p);
-        if (distance < least) {
-            least = distance;
-            best = t;
-        }
-    }
-    return best;
-}
 
 /// The sides of two curves near a stretch, at parameters of A.
 class Gap {
@@ -258,7 +231,7 @@ int SignOf(double x) { return static_cast<int>(x > 0.0) - static_cast<int>(x < 0
 CurveMeetGroup::CurveMeetGroup(CurveEvent const& e)
     : meet{e.s0, e.s1, e.t0, e.t1, e.s, e.t, 0, 0, false}, before(e.before), after(e.after),
       lowT(std::min(e.t0, e.t1)), highT(std::max(e.t0, e.t1)), crossings(e.crossing ? 1 : 0),
-      events(1) {}
+      nearest(e.nearest ? 1 : 0), events(1) {}
 
 void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double accuracy) {
     // The sides count where the group begins and where it ends.
@@ -281,6 +254,7 @@ void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double acc
         meet.t = g.meet.t;
     }
     crossings += g.crossings;
+    nearest += g.nearest;
     events += g.events;
     lowT = std::min(lowT, g.lowT);
     highT = std::max(highT, g.highT);
@@ -369,10 +343,9 @@ void CurveMeetFinder::Join() {
         CurveEvent const& e = mEvents[i];
         mFirsts.push_back(i);
         // Events that end before this one begins are no neighbours of later ones either.
-        mOpen.erase(
-            std::remove_if(mOpen.begin(), mOpen.end(),
-                           [&](std::size_t k) { return !IsShort(mA, mEvents[k].s1, e.s0, limit); }),
-            mOpen.end());
+        mOpen.Cut(std::remove_if(mOpen.begin(), mOpen.end(), [&](std::size_t k) {
+            return !IsShort(mA, mEvents[k].s1, e.s0, limit);
+        }));
         for (std::size_t const k : mOpen) {
             CurveEvent const& f = mEvents[k];
             if (IsShort(mB, std::max(f.t0, f.t1), std::min(e.t0, e.t1), limit) &&
@@ -385,12 +358,12 @@ void CurveMeetFinder::Join() {
         mOpen.push_back(i);
     }
     mGroups.clear();
+    mOpen.clear();
     for (std::size_t i = 0; i < mEvents.size(); ++i) {
         std::size_t const first = firstOf(i);
+        mOpen.push_back(mGroups.size()); // the number of the group that begins here
         if (first == i) {
-            mOpen.resize(std::max(mOpen.size(), i + 1));
-            mOpen[i] = mGroups.size(); // the number of the group that begins here
-            mGroups.emplace_back(mEvents[i]);
+            mGroups.push_back(CurveMeetGroup(mEvents[i]));
         } else {
             mGroups[mOpen[first]].Include(CurveMeetGroup(mEvents[i]), mA, mAccuracy);
         }
@@ -407,9 +380,13 @@ void CurveMeetFinder::Describe(CurveMeetGroup const& group) {
         m.before = SignOf(group.before);
         m.after = SignOf(group.after);
     }
-    if (!certain && m.s0 < m.s1) {
+    bool const isShort =
+        certain || !(m.s0 < m.s1) || IsShort(mA, m.s0, m.s1, kTogether * mAccuracy);
+    // A single event has its place already, where it is no part of a long stretch.
+    bool const settled = isShort && (certain || (group.nearest == 1 && group.events == 1));
+    if (!settled && m.s0 < m.s1) {
         Gap const gap(mA, mB, group);
-        if (!IsShort(mA, m.s0, m.s1, kTogether * mAccuracy)) {
+        if (!isShort) {
             m.overlap = Coincide(gap, m, mAccuracy);
         }
         bool const crossing = m.before * m.after < 0;

@@ -9,9 +9,9 @@
 
 #include "Cubic_p.h"
 #include "CurveCells_p.h"
+#include "ShortList_p.h"
 
 #include <cstddef>
-#include <vector>
 
 namespace trammel_detail {
 
@@ -39,12 +39,16 @@ struct CurveMeetGroup {
     double lowT;
     double highT;
     int crossings;
+    int nearest; ///< the number of events whose places are the nearest
     int events;
 
     explicit CurveMeetGroup(CurveEvent const& e);
     /// Takes in another group, which does not begin before this one.
     void Include(CurveMeetGroup const& g, Cubic const& a, double accuracy);
 };
+
+/// The meets of two curves, which are nine at most, unless the curves nearly coincide.
+typedef ShortList<CurveMeet, 4> CurveMeets;
 
 /// Finds where two curves meet. One finder serves any number of pairs, one after the other, and
 /// keeps its memory.
@@ -55,7 +59,7 @@ public:
     /// that is not finite meets nothing.
     double Find(Cubic const& a, Cubic const& b, double accuracy);
     /// What the last call found.
-    std::vector<CurveMeet> const& Meets() const { return mMeets; }
+    CurveMeets const& Meets() const { return mMeets; }
     /// The curves of the last call that found something, moved and multiplied by a power of two:
     /// products of four coordinates neither overflow nor underflow.
     Cubic const& ScaledA() const { return mA; }
@@ -70,12 +74,12 @@ private:
     Cubic mA;
     Cubic mB;
     double mAccuracy = 0.0;
-    std::vector<CurveEvent> mEvents;
+    CurveEvents mEvents;
     // While events are joined: memory that calls use one after the other.
-    std::vector<std::size_t> mFirsts;
-    std::vector<std::size_t> mOpen;
-    std::vector<CurveMeetGroup> mGroups;
-    std::vector<CurveMeet> mMeets;
+    ShortList<std::size_t, 8> mFirsts;
+    ShortList<std::size_t, 8> mOpen;
+    ShortList<CurveMeetGroup, 4> mGroups;
+    CurveMeets mMeets;
 };
 
 } // namespace trammel_detail

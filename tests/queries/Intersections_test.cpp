@@ -437,6 +437,18 @@ TEST(Intersections, TellWhereCurvesComeWithinAQuarterOfTheAccuracy) {
     }
 }
 
+TEST(Intersections, TellEndsThatAreNearWhereAHandleIsShort) {
+    // The foot of one end on the other curve was once missed, where the curve hardly moves.
+    CBezier const a(
+        Pt(2.995870561182489, 8.6055569353222179), Pt(2.9958705664223801, 8.6055569177866094),
+        Pt(2.9958705674262851, 8.6055569239391208), Pt(8.1866660166496583, 9.3311712209382645));
+    CBezier const b(
+        Pt(2.9958705598030111, 8.6055569342925491), Pt(2.9958705611825547, 8.6055569353223866),
+        Pt(8.8463431400802541, 7.1702260886053963), Pt(2.9973689593383193, 8.6053280233840059));
+    EXPECT_EQ(Kinds(Intersections(a, b, 2.2748635188730333e-08)), "E");
+    EXPECT_EQ(Kinds(Intersections(b, a, 2.2748635188730333e-08)), "E");
+}
+
 TEST(Intersections, OfTheSamePointsInAnotherOrderEndWithinTheAccuracy) {
     // The curves share ends and handles, which are off by up to 1.
     Random random(9);
