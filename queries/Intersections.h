@@ -64,9 +64,10 @@ struct TRAMMEL_API IntersectionPlace {
 /// A place where two outlines meet.
 struct TRAMMEL_API Intersection {
     IntersectionKind kind;
-    /// True when the first outline changes to another side of the second one here. It is always
+    /// True when the first outline changes to another side of the second one here. The outlines
+    /// would then cross an odd number of times if one of them were moved a little. It is always
     /// true for crossings, and never for contacts and ends. Of overlaps that follow each other
-    /// along the outlines, the first one tells for all.
+    /// along the outlines, the first one tells for all, however they run to and fro.
     bool crosses;
     IntersectionPlace a;  ///< on the first outline; a.t <= a.endT
     IntersectionPlace b;  ///< on the second outline; b.t > b.endT where it runs against the first

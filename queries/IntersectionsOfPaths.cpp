@@ -7,6 +7,7 @@
 #include "Box_p.h"
 #include "CurveMeets_p.h"
 #include "Intersections.h"
+#include "LineMeets_p.h"
 #include "OutlineMeets_p.h"
 #include "PathCursor.h"
 #include "PointMath_p.h"
@@ -25,23 +26,27 @@ namespace {
 using trammel_detail::Box;
 using trammel_detail::BoxTree;
 using trammel_detail::CommonRun;
-using trammel_detail::Cross;
+using trammel_detail::CrossingsOfRuns;
 using trammel_detail::Cubic;
 using trammel_detail::CubicOf;
 using trammel_detail::CurveMeet;
 using trammel_detail::CurveMeetFinder;
-using trammel_detail::Dot;
 using trammel_detail::HowTheyPass;
 using trammel_detail::HowTheyPassAlong;
 using trammel_detail::IsFinite;
 using trammel_detail::IsShort;
+using trammel_detail::kFinestCells;
+using trammel_detail::LinesMeet;
+using trammel_detail::MeetOfLines;
+using trammel_detail::MeetOfLinesAtEnds;
+using trammel_detail::OutlineRun;
 using trammel_detail::OutlineSegment;
 using trammel_detail::PartOf;
 using trammel_detail::Passing;
 using trammel_detail::PathCursor;
 using trammel_detail::PolygonLength;
+using trammel_detail::RunCrossings;
 using trammel_detail::RunsBackAlongItself;
-using trammel_detail::Taxicab;
 using trammel_detail::TurnsOf;
 using trammel_detail::TurnsOfCubic;
 
@@ -212,35 +217,6 @@ struct PairMeet {
     double HighT() const { return std::max(meet.t0, meet.t1); }
 };
 
-/// The crossing of two lines that is clear of their ends, or no meet that is clear.
-enum class LinesMeet { kNever, kCross, kUnclear };
-
-LinesMeet MeetOfLines(Cubic const& a, Cubic const& b, double accuracy, CurveMeet& meet) {
-    Pt const d = a[3] - a[0];
-    Pt const e = b[3] - b[0];
-    double const farA = 4.0 * accuracy * Taxicab(d);
-    double const farB = 4.0 * accuracy * Taxicab(e);
-    double const b0 = Cross(d, b[0] - a[0]);
-    double const b1 = Cross(d, b[3] - a[0]);
-    if ((b0 > farA && b1 > farA) || (b0 < -farA && b1 < -farA)) {
-        return LinesMeet::kNever;
-    }
-    double const a0 = Cross(e, a[0] - b[0]);
-    double const a1 = Cross(e, a[3] - b[0]);
-    if ((a0 > farB && a1 > farB) || (a0 < -farB && a1 < -farB)) {
-        return LinesMeet::kNever;
-    }
-    if (!(std::min(std::abs(b0), std::abs(b1)) > farA &&
-          std::min(std::abs(a0), std::abs(a1)) > farB)) {
-        return LinesMeet::kUnclear;
-    }
-    double const s = a0 / (a0 - a1);
-    double const t = b0 / (b0 - b1);
-    int const side = a1 > 0.0 ? 1 : -1;
-    meet = {s, s, t, t, s, t, -side, side, false};
-    return LinesMeet::kCross;
-}
-
 class PairFinder {
 public:
     /// `own` tells that both outlines are the same one.
@@ -299,18 +275,25 @@ private:
         if (a.straight && b.straight) {
             double extent = 0.0;
             for (Pt const& p : {a.c[3], b.c[0], b.c[3]}) {
-                extent = std::max(extent, Taxicab(p - a.c[0]));
+                Pt const off = p - a.c[0];
+                extent = std::max(extent, std::max(std::abs(off.h), std::abs(off.v)));
             }
-            double const kept = std::max(mAccuracy >= 0.0 ? mAccuracy : 0.0, 0x1p-39 * extent);
+            double const asked = mAccuracy >= 0.0 ? mAccuracy : 0.0;
             CurveMeet meet;
-            switch (MeetOfLines(a.c, b.c, kept, meet)) {
-            case LinesMeet::kNever:
+            LinesMeet found =
+                MeetOfLines(a.c, b.c, std::max(asked, 4.0 * kFinestCells * extent), meet);
+            if (found == LinesMeet::kUnclear) {
+                double const kept = std::max(asked, kFinestCells * extent);
+                found = MeetOfLinesAtEnds(a.c, b.c, kept, meet);
+                if (found == LinesMeet::kMeet) {
+                    mKept = mKept >= kept ? mKept : kept;
+                }
+            }
+            if (found != LinesMeet::kUnclear) {
+                if (found == LinesMeet::kMeet) {
+                    mMeets.push_back({i, j, meet});
+                }
                 return;
-            case LinesMeet::kCross:
-                mMeets.push_back({i, j, meet});
-                return;
-            case LinesMeet::kUnclear:
-                break;
             }
         }
         double const kept = mFinder.Find(a.c, b.c, mAccuracy);
@@ -459,6 +442,13 @@ private:
         return IsShort(c, highM, lowN, limit) && IsShort(c, highN, lowM, limit);
     }
 
+    /// Meets that are one place, by their numbers.
+    struct Group {
+        std::size_t const* first;
+        std::size_t const* end;
+        Passing passing = Passing::kTouch;
+    };
+
     /// Appends the places of each group.
     void Describe(std::vector<Intersection>& out, int exponent) {
         std::vector<std::size_t> order(mMeets.size());
@@ -470,14 +460,19 @@ private:
         std::sort(order.begin(), order.end(), [&](std::size_t i, std::size_t j) {
             return std::tie(mMeets[i].group, i) < std::tie(mMeets[j].group, j);
         });
-        std::size_t const begun = out.size();
+        std::vector<Group> groups;
         for (std::size_t first = 0; first < order.size();) {
             std::size_t end = first + 1;
             while (end < order.size() && mMeets[order[end]].group == mMeets[order[first]].group) {
                 ++end;
             }
-            DescribeGroup(order.data() + first, order.data() + end, out, exponent);
+            groups.push_back({order.data() + first, order.data() + end});
             first = end;
+        }
+        TellPassings(groups);
+        std::size_t const begun = out.size();
+        for (Group const& group : groups) {
+            AppendGroup(group, out, exponent);
         }
         std::sort(out.begin() + static_cast<std::ptrdiff_t>(begun), out.end(),
                   [](Intersection const& p, Intersection const& q) {
@@ -486,36 +481,127 @@ private:
                   });
     }
 
-    void DescribeGroup(std::size_t const* first, std::size_t const* end,
-                       std::vector<Intersection>& out, int exponent) {
-        Passing passing = Passing::kTouch;
-        std::size_t const* const overlap =
-            std::find_if(first, end, [&](std::size_t i) { return mMeets[i].meet.overlap; });
-        PairMeet const& m = mMeets[*first];
-        if (end - first == 1 && !m.startA && !m.endA && !m.startB && !m.endB &&
-            m.meet.before != 0 && m.meet.after != 0) {
-            passing = m.meet.before != m.meet.after ? Passing::kCross : Passing::kTouch;
-        } else if (!mOwn ||
-                   std::none_of(first, end, [&](std::size_t i) { return IsJoint(mMeets[i]); })) {
-            CommonRun const a = RunOf(first, end, true);
-            CommonRun const b = RunOf(first, end, false);
-            passing = overlap != end ? HowTheyPassAlong(a, b, JoinAccuracy())
-                                     : HowTheyPass(a.all, b.all, JoinAccuracy());
+    /// Tells of all groups how the outlines pass each other there.
+    void TellPassings(std::vector<Group>& groups) const {
+        std::vector<Group*> woven;
+        for (Group& g : groups) {
+            g.passing = PassingOf(g);
+            auto const isOverlap = [&](std::size_t i) { return mMeets[i].meet.overlap; };
+            if (!mOwn && g.passing != Passing::kEnd &&
+                std::count_if(g.first, g.end, isOverlap) > 1) {
+                woven.push_back(&g);
+            }
         }
-        bool crosses = passing == Passing::kCross;
-        if (overlap == end) {
+        // Where there are several overlaps the outlines may run to and fro, and the places that lie
+        // between the ends are counted along. So the small groups come first.
+        std::stable_sort(woven.begin(), woven.end(), [](Group const* g, Group const* h) {
+            return g->end - g->first < h->end - h->first;
+        });
+        for (Group* const g : woven) {
+            RunCrossings found;
+            if (CrossingsOfRuns(RunOf(*g, true), RunOf(*g, false), JoinAccuracy(), found)) {
+                g->passing = found.passing;
+                if (found.passing != Passing::kEnd && CrossOddly(groups, *g, found)) {
+                    g->passing =
+                        found.passing == Passing::kCross ? Passing::kTouch : Passing::kCross;
+                }
+            }
+        }
+    }
+    /// A segment's part that lies in a run.
+    struct RunPart {
+        std::size_t segment;
+        double low;
+        double high;
+    };
+    static std::vector<RunPart> PartsOf(OutlineRun const& run) {
+        std::vector<RunPart> parts;
+        std::size_t i = run.first;
+        double low = run.firstT;
+        while (true) {
+            bool const last = i == run.last && low <= run.lastT;
+            parts.push_back({i, low, last ? run.lastT : 1.0});
+            i = run.segments[i].after;
+            low = 0.0;
+            if (last || i == kNone) {
+                break;
+            }
+        }
+        std::sort(parts.begin(), parts.end(), [](RunPart const& p, RunPart const& q) {
+            return std::tie(p.segment, p.low) < std::tie(q.segment, q.low);
+        });
+        return parts;
+    }
+    /// True when the outlines cross in an odd number of groups within two runs, `apart` left out.
+    bool CrossOddly(std::vector<Group> const& groups, Group const& apart,
+                    RunCrossings const& runs) const {
+        std::vector<RunPart> const partsB = PartsOf(runs.b);
+        auto const isInB = [&](std::size_t segment, double t) {
+            auto part = std::lower_bound(
+                partsB.begin(), partsB.end(), segment,
+                [](RunPart const& p, std::size_t value) { return p.segment < value; });
+            for (; part != partsB.end() && part->segment == segment; ++part) {
+                if (t >= part->low && t <= part->high) {
+                    return true;
+                }
+            }
+            return false;
+        };
+        bool odd = false;
+        for (RunPart const& part : PartsOf(runs.a)) {
+            auto m = std::lower_bound(
+                mMeets.begin(), mMeets.end(), part.segment,
+                [](PairMeet const& meet, std::size_t value) { return meet.a < value; });
+            for (; m != mMeets.end() && m->a == part.segment; ++m) {
+                // The first meet of a group stands for it.
+                if (m->group == static_cast<std::size_t>(m - mMeets.begin()) &&
+                    m->group != *apart.first && m->meet.s >= part.low && m->meet.s <= part.high &&
+                    isInB(m->b, m->meet.t)) {
+                    auto const group = std::lower_bound(
+                        groups.begin(), groups.end(), m->group,
+                        [](Group const& g, std::size_t value) { return *g.first < value; });
+                    odd = odd != (group->passing == Passing::kCross);
+                }
+            }
+        }
+        return odd;
+    }
+    Passing PassingOf(Group const& g) const {
+        PairMeet const& m = mMeets[*g.first];
+        if (g.end - g.first == 1 && !m.startA && !m.endA && !m.startB && !m.endB &&
+            m.meet.before != 0 && m.meet.after != 0) {
+            return m.meet.before != m.meet.after ? Passing::kCross : Passing::kTouch;
+        }
+        if (mOwn &&
+            std::any_of(g.first, g.end, [&](std::size_t i) { return IsJoint(mMeets[i]); })) {
+            return Passing::kTouch;
+        }
+        CommonRun const a = RunOf(g, true);
+        CommonRun const b = RunOf(g, false);
+        return FirstOverlap(g) != g.end ? HowTheyPassAlong(a, b, JoinAccuracy())
+                                        : HowTheyPass(a.all, b.all, JoinAccuracy());
+    }
+    std::size_t const* FirstOverlap(Group const& g) const {
+        return std::find_if(g.first, g.end, [&](std::size_t i) { return mMeets[i].meet.overlap; });
+    }
+
+    void AppendGroup(Group const& g, std::vector<Intersection>& out, int exponent) const {
+        std::size_t const* const overlap = FirstOverlap(g);
+        bool crosses = g.passing == Passing::kCross;
+        if (overlap == g.end) {
             // A crossing that a cell has found is the best place.
-            std::size_t const* const best = std::find_if(first, end, [&](std::size_t i) {
+            std::size_t const* const best = std::find_if(g.first, g.end, [&](std::size_t i) {
                 return mMeets[i].meet.before * mMeets[i].meet.after < 0;
             });
-            PairMeet const& place = mMeets[best != end ? *best : *first];
-            IntersectionKind const kind = crosses                      ? IntersectionKind::kCrossing
-                                          : passing == Passing::kTouch ? IntersectionKind::kContact
-                                                                       : IntersectionKind::kEnd;
+            PairMeet const& place = mMeets[best != g.end ? *best : *g.first];
+            IntersectionKind const kind = crosses ? IntersectionKind::kCrossing
+                                          : g.passing == Passing::kTouch
+                                              ? IntersectionKind::kContact
+                                              : IntersectionKind::kEnd;
             Append(place, kind, crosses, exponent, out);
             return;
         }
-        for (std::size_t const* i = overlap; i != end; ++i) {
+        for (std::size_t const* i = overlap; i != g.end; ++i) {
             if (mMeets[*i].meet.overlap) {
                 Append(mMeets[*i], IntersectionKind::kOverlap, crosses, exponent, out);
                 crosses = false;
@@ -545,7 +631,7 @@ private:
     }
 
     /// The stretch of A, or of B, that a group of meets covers.
-    CommonRun RunOf(std::size_t const* first, std::size_t const* end, bool ofA) const {
+    CommonRun RunOf(Group const& g, bool ofA) const {
         Outline const& outline = ofA ? mA : mB;
         struct Stretch {
             std::size_t segment;
@@ -559,7 +645,7 @@ private:
             bool againstAtHigh = false;
         };
         std::vector<Stretch> stretches;
-        for (std::size_t const* i = first; i != end; ++i) {
+        for (std::size_t const* i = g.first; i != g.end; ++i) {
             PairMeet const& m = mMeets[*i];
             Stretch next = ofA ? Stretch{m.a, m.meet.s0, m.meet.s1, m.startA, m.endA}
                                : Stretch{m.b, m.LowT(), m.HighT(), m.startB, m.endB};
@@ -641,6 +727,11 @@ private:
             include(*last);
         }
         runs.all = {outline.data(), begin->segment, begin->low, last->segment, last->high};
+        runs.whole = begin->start && last->end && outline[last->segment].after == begin->segment;
+        if (runs.whole) {
+            runs.all.firstT = 0.0;
+            runs.all.lastT = 1.0;
+        }
         if (!common) {
             runs.common = runs.all;
         }

@@ -2,13 +2,18 @@
 
 #include "OutlineMeets_p.h"
 
+#include "AccurateCurve.h"
+#include "ContourWalk_p.h"
 #include "PointMath_p.h"
+#include "RayCrossings_p.h"
 #include "TPoint.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <vector>
 
 namespace trammel_detail {
 
@@ -47,7 +52,8 @@ public:
         constexpr int kMostSegments = 16;
         for (int i = 0; i < kMostSegments; ++i) {
             OutlineSegment const& segment = mSegments[mSegment];
-            if (FollowSegment(segment.c, centre, radius)) {
+            if (segment.straight ? FollowLine(segment.c, centre, radius)
+                                 : FollowSegment(segment.c, centre, radius)) {
                 return Reached::kCircle;
             }
             std::size_t const next = mForward ? segment.after : segment.before;
@@ -65,6 +71,25 @@ public:
     Pt Start() const { return PlaceAt(mSegments[mSegment].c, mT).point; }
 
 private:
+    bool FollowLine(Cubic const& c, Pt const& centre, double radius) {
+        // Where |off + way u| is the radius.
+        Pt const way = mForward ? c[3] - c[0] : c[0] - c[3];
+        Pt const off = c[0] + (c[3] - c[0]) * mT - centre;
+        double const along = Dot(off, way);
+        double const beyond = Square(off) - radius * radius;
+        double const length = Square(way);
+        double const root = std::sqrt(std::max(along * along - length * beyond, 0.0));
+        double const u = beyond > 0.0 ? 0.0 : (root - along) / length;
+        double const left = mForward ? 1.0 - mT : mT;
+        if (!(u <= left)) { // also for a NaN
+            mT = mForward ? 1.0 : 0.0;
+            mPoint = mForward ? c[3] : c[0];
+            return false;
+        }
+        mT = mForward ? mT + u : mT - u;
+        mPoint = centre + off + way * u;
+        return true;
+    }
     bool FollowSegment(Cubic const& c, Pt const& centre, double radius) {
         double const end = mForward ? 1.0 : 0.0;
         double const limit = radius * radius;
@@ -231,11 +256,11 @@ Passing HowTheyPass(OutlineRun const& a, OutlineRun const& b, double accuracy) {
 namespace {
 
 /// The side on which a branch of B leaves A, or kUnknown where they do not part.
-enum class Side { kLeft, kRight, kUnknown, kEnd };
+enum class BranchSide { kLeft, kRight, kUnknown, kEnd };
 
 /// Tells on which side of A a branch of B lies. A comes along `in`, and goes on along `on`, which
 /// begins at `centre`.
-Side SideOfBranch(Pt const& centre, Branch in, Branch on, Branch b, double accuracy) {
+BranchSide SideOfBranch(Pt const& centre, Branch in, Branch on, Branch b, double accuracy) {
     double const size =
         std::sqrt(std::max(Square(in.Start() - centre), Square(b.Start() - centre)));
     double radius = 1.25 * size + 4.0 * accuracy;
@@ -244,7 +269,7 @@ Side SideOfBranch(Pt const& centre, Branch in, Branch on, Branch b, double accur
                           b.Follow(centre, radius) == Branch::Reached::kEnd;
         on.Follow(centre, radius);
         if (ends && i == 0) {
-            return Side::kEnd;
+            return BranchSide::kEnd;
         }
         Pt const toIn = in.Point() - centre;
         Pt const toOn = on.Point() - centre;
@@ -252,11 +277,11 @@ Side SideOfBranch(Pt const& centre, Branch in, Branch on, Branch b, double accur
         double const least =
             std::min(std::min(Square(toIn - toB), Square(toOn - toB)), Square(toIn - toOn));
         if (least > accuracy * accuracy) {
-            return IsBetween(toOn, toB, toIn) ? Side::kLeft : Side::kRight;
+            return IsBetween(toOn, toB, toIn) ? BranchSide::kLeft : BranchSide::kRight;
         }
         radius *= 2.0;
     }
-    return Side::kUnknown;
+    return BranchSide::kUnknown;
 }
 
 } // namespace
@@ -271,19 +296,183 @@ Passing HowTheyPassAlong(CommonRun const& a, CommonRun const& b, double accuracy
     Branch const aBack(a.all.segments, a.common.last, a.common.lastT, false);
     Branch const bBefore(b.all.segments, b.all.first, b.all.firstT, false);
     Branch const bAfter(b.all.segments, b.all.last, b.all.lastT, true);
-    Side const start =
+    BranchSide const start =
         SideOfBranch(aOn.Start(), aIn, aOn, a.firstAgainst ? bAfter : bBefore, accuracy);
-    Side const end =
+    BranchSide const end =
         SideOfBranch(aBack.Start(), aOut, aBack, a.lastAgainst ? bBefore : bAfter, accuracy);
-    if (start == Side::kEnd || end == Side::kEnd) {
+    if (start == BranchSide::kEnd || end == BranchSide::kEnd) {
         return Passing::kEnd;
     }
-    if (start == Side::kUnknown || end == Side::kUnknown) {
+    if (start == BranchSide::kUnknown || end == BranchSide::kUnknown) {
         return Passing::kTouch;
     }
     // At the far end A comes from the common part, which turns the sides around; where A turns back
     // the far end is the near one.
     return (start == end) != a.TurnsBack() ? Passing::kCross : Passing::kTouch;
+}
+
+namespace {
+
+/// A part of an outline, as curves that follow each other and share their ends to the last bit.
+typedef std::vector<Cubic> Chain;
+
+/// Returns the outline between two places of it.
+Chain ChainOf(OutlineRun const& run) {
+    Chain chain;
+    std::size_t i = run.first;
+    double from = run.firstT;
+    while (true) {
+        // The last segment is the first one as well where the run goes around.
+        bool const last = i == run.last && from <= run.lastT;
+        chain.push_back(PartOf(run.segments[i].c, from, last ? run.lastT : 1.0));
+        if (chain.size() > 1) {
+            chain.back()[0] = chain[chain.size() - 2][3];
+        }
+        i = run.segments[i].after;
+        from = 0.0;
+        if (last || i == OutlineSegment::kNone) {
+            return chain;
+        }
+    }
+}
+
+/// True when an odd number of a chain's curves cross the ray from a point toward +h.
+bool CrossesRayOddly(Chain const& chain, Pt const& origin) {
+    int crossings = 0;
+    for (Cubic const& c : chain) {
+        std::array<Side, 4> sides;
+        for (std::size_t i = 0; i < 4; ++i) {
+            sides[i] = SideOf(CoordinatesAt(&c[i]), CoordinatesAt(&origin));
+        }
+        Side const all = sides[0] & sides[1] & sides[2] & sides[3];
+        crossings += Surrounds(all, sides[0] | sides[1] | sides[2] | sides[3])
+                         ? CrossingsOfCurveAround(c[0], c[1], c[2], c[3], origin)
+                         : PlainCrossings(all, sides[0], sides[3]);
+    }
+    return crossings % 2 != 0;
+}
+bool CrossesRayBackOddly(Chain chain, Pt const& origin) {
+    for (Cubic& c : chain) {
+        for (Pt& p : c) {
+            p = -p;
+        }
+    }
+    return CrossesRayOddly(chain, -origin);
+}
+
+bool IsClear(Chain const& chain, Pt const& p, double accuracy) {
+    return std::all_of(chain.begin(), chain.end(), [&](Cubic const& c) {
+        CBezier const curve(c[0], c[1], c[2], c[3]);
+        return trammel::NearestPoint(curve, p, 0.25 * accuracy).distance > 1.5 * accuracy;
+    });
+}
+
+/// Moves a place along an outline by about a length. Returns false where the outline ends before.
+bool Move(OutlineSegment const* segments, std::size_t& segment, double& t, bool forward,
+          double length) {
+    constexpr int kMostSegments = 64;
+    for (int i = 0; i < kMostSegments; ++i) {
+        Cubic const& c = segments[segment].c;
+        double const left = PolygonLength(forward ? PartOf(c, t, 1.0) : PartOf(c, 0.0, t));
+        if (length < left) {
+            double const part = length / left;
+            t = forward ? t + (1.0 - t) * part : t - t * part;
+            return true;
+        }
+        length -= left;
+        std::size_t const next = forward ? segments[segment].after : segments[segment].before;
+        t = forward ? 1.0 : 0.0;
+        if (next == OutlineSegment::kNone) {
+            return false;
+        }
+        segment = next;
+        t = forward ? 0.0 : 1.0;
+    }
+    return true;
+}
+
+/// A run whose ends are moved out, each by a length of its own.
+class LongerRun {
+public:
+    LongerRun(CommonRun const& common, double length)
+        : mOriginal(common.all), mWhole(common.whole), mBefore(length), mAfter(length) {
+        Lengthen();
+    }
+
+    bool IsWhole() const { return mWhole; }
+    /// True when the outline ends on the way.
+    bool Ends() const { return mEnds; }
+    OutlineRun const& Run() const { return mRun; }
+    Chain const& Curves() const { return mChain; }
+    Pt const& Start() const { return mChain.front()[0]; }
+    Pt const& End() const { return mChain.back()[3]; }
+    /// Moves the ends farther that are not clear of another chain. Returns false where both are.
+    bool MoveEnds(Chain const& other, double accuracy) {
+        bool const startClear = mWhole || IsClear(other, Start(), accuracy);
+        bool const endClear = mWhole || IsClear(other, End(), accuracy);
+        mBefore *= startClear ? 1.0 : 2.0;
+        mAfter *= endClear ? 1.0 : 2.0;
+        return !startClear || !endClear;
+    }
+    void Lengthen() {
+        mRun = mOriginal;
+        if (!mWhole) {
+            bool const begun = Move(mRun.segments, mRun.first, mRun.firstT, false, mBefore);
+            bool const goesOn = Move(mRun.segments, mRun.last, mRun.lastT, true, mAfter);
+            mEnds = !begun || !goesOn;
+        }
+        mChain = ChainOf(mRun);
+    }
+
+private:
+    OutlineRun mOriginal;
+    bool mWhole;
+    double mBefore;
+    double mAfter;
+    OutlineRun mRun;
+    bool mEnds = false;
+    Chain mChain;
+};
+
+} // namespace
+
+bool CrossingsOfRuns(CommonRun const& a, CommonRun const& b, double accuracy, RunCrossings& found) {
+    found = {Passing::kTouch, a.all, b.all};
+    if (a.whole && b.whole) {
+        return true;
+    }
+    // Another place may go on across an end, which is then moved beyond it.
+    constexpr int kMostTries = 64;
+    LongerRun longA(a, 4.0 * accuracy);
+    LongerRun longB(b, 4.0 * accuracy);
+    for (int i = 0; i < kMostTries; ++i) {
+        if (longA.Ends() || longB.Ends()) {
+            found.passing = Passing::kEnd;
+            return i == 0;
+        }
+        bool const movedA = longA.MoveEnds(longB.Curves(), accuracy);
+        bool const movedB = longB.MoveEnds(longA.Curves(), accuracy);
+        if (movedA || movedB) {
+            longA.Lengthen();
+            longB.Lengthen();
+            continue;
+        }
+        // The difference A(s) - B(t), along the border of all pairs of parameters, goes around 0 as
+        // often as the outlines cross, each crossing with its sign. It does so an odd number of
+        // times if it crosses the ray from 0 toward -h an odd number of times.
+        bool odd = false;
+        if (!longA.IsWhole()) {
+            odd = CrossesRayOddly(longB.Curves(), longA.Start()) !=
+                  CrossesRayOddly(longB.Curves(), longA.End());
+        }
+        if (!longB.IsWhole()) {
+            odd = odd != (CrossesRayBackOddly(longA.Curves(), longB.Start()) !=
+                          CrossesRayBackOddly(longA.Curves(), longB.End()));
+        }
+        found = {odd ? Passing::kCross : Passing::kTouch, longA.Run(), longB.Run()};
+        return true;
+    }
+    return false;
 }
 
 } // namespace trammel_detail

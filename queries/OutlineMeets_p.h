@@ -87,6 +87,7 @@ struct CommonRun {
         common; ///< from the beginning of the first stretch along which the outlines coincide
     bool firstAgainst; ///< whether the outlines run against each other at the beginning of that
     bool lastAgainst;  ///< and at its end
+    bool whole;        ///< whether `all` goes around a closed outline
 
     /// True where the other outline leaves at the end where it has come, or this one does.
     bool TurnsBack() const { return firstAgainst != lastAgainst; }
@@ -95,6 +96,18 @@ struct CommonRun {
 /// The same for a place in which the outlines coincide along a stretch. The branches at either end
 /// of it are compared with the way between.
 Passing HowTheyPassAlong(CommonRun const& a, CommonRun const& b, double accuracy);
+
+/// How two stretches of outlines cross each other, all their places taken together.
+struct RunCrossings {
+    Passing passing; ///< kCross for an odd number of crossings, kTouch for an even one
+    OutlineRun a;    ///< the stretches that were compared: a little longer than the place
+    OutlineRun b;
+};
+
+/// Tells how the outlines cross in a place, and in others that lie between its ends on both
+/// outlines. It does not matter how the outlines run to and fro there. Returns false where there
+/// are other places wherever the stretches might end. O(n) for n segments.
+bool CrossingsOfRuns(CommonRun const& a, CommonRun const& b, double accuracy, RunCrossings& found);
 
 } // namespace trammel_detail
 
