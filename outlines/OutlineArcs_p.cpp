@@ -24,8 +24,16 @@ double const kLeastReach = 0x1p-32;
 double const kMostReach = 0x1p-10;
 /// Rounding moves points by less, in work units.
 double const kRounding = 0x1p-46;
+/// The factor by which the reach grows where there is too much work.
+double const kCoarser = 8.0;
 /// Curves nearer than this to their chords are straight.
 double const kStraight = 0x1p-48;
+/// Branches of a vertex are compared where the sine of the angle between them is less.
+double const kTogether = 0x1p-8;
+/// So many branches of a vertex are compared with each one.
+std::size_t const kBranchesCompared = 8;
+/// Curves are halved so often to tell whether they coincide.
+int const kCoincidenceDepth = 6;
 /// Up to so many boxes are compared two by two.
 std::size_t const kFewBoxes = 12;
 
@@ -327,7 +335,6 @@ struct OutlineArcs::Piece {
     double from;
     double to;
     bool straight;
-    bool moved;
 };
 
 void OutlineArcs::CutElement(Index element, std::vector<Piece>& pieces) {
@@ -341,12 +348,11 @@ void OutlineArcs::CutElement(Index element, std::vector<Piece>& pieces) {
         Pt const& start = vertices.WorkPlace(v0);
         Pt const& end = vertices.WorkPlace(v1);
         bool const straight = !e.curve || HeightBesideChord(part) <= kStraight;
-        bool const moved = Taxicab(start - part[0]) + Taxicab(end - part[3]) > kRounding;
         MoveEnds(part, start, end);
         if (straight) {
             Straighten(part);
         }
-        pieces.push_back({part, v0, v1, element, from, to, straight, moved});
+        pieces.push_back({part, v0, v1, element, from, to, straight});
         v0 = v1;
     };
     if (!e.curve) {
@@ -392,6 +398,23 @@ void OutlineArcs::Build(double tolerance) {
         return;
     }
     mHasCurves = true;
+    TakeApart();
+}
+
+bool OutlineArcs::Coarsen() {
+    if (mReach >= kMostReach) {
+        return false;
+    }
+    mReach = std::min(mReach * kCoarser, kMostReach);
+    arcs.clear();
+    uses.clear();
+    contours.clear();
+    pairs.clear();
+    TakeApart();
+    return true;
+}
+
+void OutlineArcs::TakeApart() {
     vertices.Reset(mFrame, mReach, 3 * elements.size());
     std::vector<Piece> pieces;
     std::vector<std::size_t> contourEnds; // of pieces
@@ -430,24 +453,24 @@ template <class Items> void OutlineArcs::FindPairs(Items const& items) {
     BoxTree(boxes).ForMeetingPairs(take);
 }
 
-/// Cuts pieces at vertices that lie on them. So curves that coincide along a stretch get pieces
-/// with the same ends there.
-void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::size_t>& ends) {
-    FindPairs(pieces);
-    struct Cut {
-        Index piece;
-        double t;
-        Index vertex;
-    };
+/// A place at which a piece is to be cut.
+struct OutlineArcs::Cut {
+    Index piece;
+    double t;
+    Index vertex;
+};
+
+/// Returns cuts of pieces at vertices that lie on them. So curves that coincide along a stretch get
+/// pieces with the same ends there.
+std::vector<OutlineArcs::Cut> OutlineArcs::CutsAtVertices(std::vector<Piece> const& pieces) const {
     std::vector<Cut> cuts;
     auto const test = [&](Index vertex, Index piece) {
         Piece const& p = pieces[piece];
+        Pt const& place = vertices.WorkPlace(vertex);
         double t = 0.0;
         if (vertex != p.v0 && vertex != p.v1 && p.v0 != p.v1 &&
-            BoxOf(p.c)
-                .Widened(mReach, mReach)
-                .Contains(vertices.WorkPlace(vertex).h, vertices.WorkPlace(vertex).v) &&
-            FindOnMonotone(p.c, p.straight, vertices.WorkPlace(vertex), mReach, t)) {
+            BoxOf(p.c).Widened(mReach, mReach).Contains(place.h, place.v) &&
+            FindOnMonotone(p.c, p.straight, place, mReach, t)) {
             cuts.push_back({piece, t, vertex});
         }
     };
@@ -457,10 +480,84 @@ void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::siz
         test(pieces[j].v0, i);
         test(pieces[j].v1, i);
     }
-    if (cuts.empty()) {
-        return;
+    return cuts;
+}
+
+/// Returns cuts of pieces that leave a vertex together, where they part. Up to there they are one.
+std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece> const& pieces) {
+    struct Branch {
+        Index vertex;
+        Index piece;
+        bool end; ///< whether the piece ends at the vertex
+        Pt direction;
+        double angle; ///< grows with the angle, from -2 to 2
+    };
+    std::vector<Branch> branches;
+    branches.reserve(2 * pieces.size());
+    for (std::size_t i = 0; i < pieces.size(); ++i) {
+        for (bool const end : {false, true}) {
+            Piece const& p = pieces[i];
+            Cubic const c = end ? Reversed(p.c) : p.c;
+            Pt way = c[1] - c[0];
+            for (std::size_t k = 2; k < 4 && Taxicab(way) <= kRounding; ++k) {
+                way = c[k] - c[0];
+            }
+            double const along = way.h / Taxicab(way);
+            branches.push_back({end ? p.v1 : p.v0, static_cast<Index>(i), end, way,
+                                way.v < 0.0 ? along - 1.0 : 1.0 - along});
+        }
     }
-    pairs.clear();
+    std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
+        return a.vertex != b.vertex ? a.vertex < b.vertex
+               : a.angle != b.angle ? a.angle < b.angle
+                                    : a.piece < b.piece;
+    });
+    std::vector<Cut> cuts;
+    auto const compare = [&](Branch const& first, Branch const& second) {
+        Piece const& a = pieces[first.piece];
+        Piece const& b = pieces[second.piece];
+        if (first.piece == second.piece || (a.straight && b.straight) ||
+            Dot(first.direction, second.direction) <= 0.0 ||
+            std::abs(Cross(first.direction, second.direction)) >
+                kTogether * Dot(first.direction, second.direction)) {
+            return;
+        }
+        double t = 0.0;
+        auto const onB = [&](double s) {
+            return FindOnMonotone(b.c, b.straight, PlaceAt(a.c, first.end ? 1.0 - s : s).point,
+                                  0.5 * mReach, t);
+        };
+        if (onB(1.0)) {
+            return; // its end is a vertex
+        }
+        double together = 0.0;
+        double apart = 1.0;
+        for (int i = 0; i < 40; ++i) {
+            double const middle = 0.5 * (together + apart);
+            (onB(middle) ? together : apart) = middle;
+        }
+        if (together > 0.0 && onB(together)) {
+            double const s = first.end ? 1.0 - together : together;
+            Index const vertex = vertices.AtWork(PlaceAt(a.c, s).point);
+            if (vertex != first.vertex) {
+                cuts.push_back({first.piece, s, vertex});
+                cuts.push_back({second.piece, t, vertex});
+            }
+        }
+    };
+    for (std::size_t i = 0; i < branches.size(); ++i) {
+        for (std::size_t j = i + 1; j < std::min(i + 1 + kBranchesCompared, branches.size()) &&
+                                    branches[j].vertex == branches[i].vertex;
+             ++j) {
+            compare(branches[i], branches[j]);
+        }
+    }
+    return cuts;
+}
+
+/// Cuts pieces. The contours of pieces end before `ends`.
+void OutlineArcs::Apply(std::vector<Cut>& cuts, std::vector<Piece>& pieces,
+                        std::vector<std::size_t>& ends) const {
     std::sort(cuts.begin(), cuts.end(), [](Cut const& a, Cut const& b) {
         return a.piece != b.piece ? a.piece < b.piece
                : a.t != b.t       ? a.t < b.t
@@ -478,11 +575,7 @@ void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::siz
             part.v1 = v1;
             part.to = to == 1.0 ? whole.to : whole.from + (whole.to - whole.from) * to;
             part.c = PartOf(whole.c, from, to);
-            Pt const& start = vertices.WorkPlace(part.v0);
-            Pt const& end = vertices.WorkPlace(v1);
-            part.moved =
-                whole.moved || Taxicab(start - part.c[0]) + Taxicab(end - part.c[3]) > kRounding;
-            MoveEnds(part.c, start, end);
+            MoveEnds(part.c, vertices.WorkPlace(part.v0), vertices.WorkPlace(v1));
             if (part.straight) {
                 Straighten(part.c);
             }
@@ -508,6 +601,51 @@ void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::siz
     pieces.swap(parts);
 }
 
+void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::size_t>& ends) {
+    FindPairs(pieces);
+    std::vector<Cut> cuts = CutsAtVertices(pieces);
+    bool changed = !cuts.empty();
+    if (changed) {
+        Apply(cuts, pieces, ends);
+    }
+    cuts = CutsWherePiecesPart(pieces);
+    if (!cuts.empty()) {
+        changed = true;
+        Apply(cuts, pieces, ends);
+        FindPairs(pieces);
+        cuts = CutsAtVertices(pieces); // of pieces that leave together with these
+        Apply(cuts, pieces, ends);
+    }
+    if (changed) {
+        pairs.clear();
+    }
+}
+
+/// True when two curves with the same ends are within some reaches of each other: when all of their
+/// parts are, or when both are straight as far as the reach tells.
+bool OutlineArcs::Coincide(Cubic const& a, Cubic const& b, int depth) const {
+    auto const near = [&](Pt const& p, Pt const& q) {
+        return std::abs(p.h - q.h) <= mReach && std::abs(p.v - q.v) <= mReach;
+    };
+    if (near(a[1], b[1]) && near(a[2], b[2])) {
+        return true;
+    }
+    if (HeightBesideChord(a) <= mReach && HeightBesideChord(b) <= mReach) {
+        return true;
+    }
+    double t = 0.0;
+    Pt const middle = PlaceAt(a, 0.5).point;
+    if (depth == 0 || !FindOnMonotone(b, false, middle, mReach, t)) {
+        return false;
+    }
+    Cubic first = HeadOf(b, t);
+    Cubic second = TailOf(b, t);
+    MoveEnds(first, a[0], middle);
+    MoveEnds(second, middle, a[3]);
+    return Coincide(HeadOf(a, 0.5), first, depth - 1) &&
+           Coincide(TailOf(a, 0.5), second, depth - 1);
+}
+
 /// Makes arcs of pieces: pieces that coincide are one arc.
 void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
                              std::vector<std::size_t> const& ends) {
@@ -520,9 +658,6 @@ void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
     next.reserve(pieces.size());
     arcs.reserve(pieces.size());
     uses.reserve(pieces.size());
-    auto const near = [&](Pt const& a, Pt const& b) {
-        return std::abs(a.h - b.h) <= mReach && std::abs(a.v - b.v) <= mReach;
-    };
     bool same = true; // whether arcs and pieces have the same numbers
     std::size_t i = 0;
     for (std::size_t contour = 0; contour < ends.size(); ++contour) {
@@ -545,22 +680,15 @@ void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
                 if (reversed ? a.v1 != piece.v0 : a.v0 != piece.v0 || a.v1 != piece.v1) {
                     continue;
                 }
-                if (a.straight && piece.straight) {
-                    break;
-                }
-                if (a.straight != piece.straight) {
-                    if (HeightBesideChord(a.straight ? piece.c : a.c) <= mReach) {
-                        break;
-                    }
-                } else if (near(a.c[1], piece.c[reversed ? 2 : 1]) &&
-                           near(a.c[2], piece.c[reversed ? 1 : 2])) {
+                if ((a.straight && piece.straight) ||
+                    Coincide(a.c, reversed ? Reversed(piece.c) : piece.c, kCoincidenceDepth)) {
                     break;
                 }
             }
             if (arc == kNoIndex) {
                 arc = static_cast<Index>(arcs.size());
                 reversed = false;
-                arcs.push_back({piece.c, piece.v0, piece.v1, piece.straight, piece.moved});
+                arcs.push_back({piece.c, piece.v0, piece.v1, piece.straight});
                 next.push_back(slot);
                 slot = arc;
             }

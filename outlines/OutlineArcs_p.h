@@ -116,7 +116,6 @@ struct OutlineArc {
     Index v0;
     Index v1;
     bool straight;
-    bool moved; ///< whether an end was moved to its vertex by more than rounding
 };
 
 /// An arc as a part of an element, in the direction of the element.
@@ -141,6 +140,8 @@ public:
     void Add(CPath const& path, std::uint32_t operand);
     /// Takes the elements apart, with room for the tolerance, which is in the drawing's units.
     void Build(double tolerance);
+    /// Takes them apart anew with a larger reach. False where it is as large as it gets.
+    bool Coarsen();
 
     WorkFrame const& Frame() const { return mFrame; }
     /// Returns the distance, in work units, below which points and curves become one.
@@ -159,9 +160,16 @@ public:
 
 private:
     struct Piece; // of an element, monotone
+    struct Cut;
 
+    void TakeApart();
     void TakeContour(std::size_t first, std::uint32_t operand);
     void CutElement(Index element, std::vector<Piece>& pieces);
+    std::vector<Cut> CutsAtVertices(std::vector<Piece> const& pieces) const;
+    std::vector<Cut> CutsWherePiecesPart(std::vector<Piece> const& pieces);
+    void Apply(std::vector<Cut>& cuts, std::vector<Piece>& pieces,
+               std::vector<std::size_t>& ends) const;
+    bool Coincide(Cubic const& a, Cubic const& b, int depth) const;
     void CutAtVertices(std::vector<Piece>& pieces, std::vector<std::size_t>& ends);
     void TakePieces(std::vector<Piece> const& pieces, std::vector<std::size_t> const& ends);
     /// Sets the pairs of items, which have a curve `c` each.

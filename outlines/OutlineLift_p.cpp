@@ -32,6 +32,9 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
         return;
     }
     parts.emplace(from);
+    while (parts->IsIncomplete() && from.Coarsen()) {
+        parts.emplace(from);
+    }
     edges.reserve(2 * from.uses.size());
     points.reserve(2 * from.uses.size());
     ends.reserve(from.contours.size());
@@ -125,6 +128,7 @@ private:
     double ParameterOnLine(FlatEdge const& edge, Pt const& p) const;
     Run RunAt(std::size_t i, std::size_t contour, bool backwards) const;
     bool Continues(Run const& run, Run const& next) const;
+    bool IsSliver(std::size_t contour) const;
     void Write(Contour const& contour, bool backwards);
     void WriteRun(Run const& run, Pt const& start);
     void AddSource(ElementSource const& source) {
@@ -282,6 +286,31 @@ bool Lift::Continues(Run const& run, Run const& next) const {
            (run.to == next.from || (!run.curve && std::abs(run.to - next.from) <= 0x1p-40));
 }
 
+/// True when a contour lies between two lines no farther apart than the reach. So do the contours
+/// within it. Each of its points is that near to an outline, and may be on either side.
+bool Lift::IsSliver(std::size_t contour) const {
+    if (!mFlat.parts) {
+        return false; // the polygon engine is exact
+    }
+    std::size_t const begin = mLines.Begin(contour);
+    std::size_t const end = mLines.End(contour);
+    WorkFrame const& frame = mFlat.arcs.Frame();
+    Pt const start = frame.ToWork(mPlaces[begin]);
+    Pt farthest;
+    for (std::size_t i = begin + 1; i < end; ++i) {
+        Pt const way = frame.ToWork(mPlaces[i]) - start;
+        farthest = Square(way) > Square(farthest) ? way : farthest;
+    }
+    double low = 0.0;
+    double high = 0.0;
+    for (std::size_t i = begin + 1; i < end; ++i) {
+        double const beside = Cross(farthest, frame.ToWork(mPlaces[i]) - start);
+        low = std::min(low, beside);
+        high = std::max(high, beside);
+    }
+    return high - low <= mFlat.arcs.Reach() * std::sqrt(Square(farthest));
+}
+
 void Lift::WriteRun(Run const& run, Pt const& start) {
     if (run.element == kNoIndex) {
         mPath.AddCtl(kPathLine).AddPt(run.end);
@@ -386,6 +415,9 @@ void Lift::Do() {
         return a.first != b.first ? a.first < b.first : a.index < b.index;
     });
     for (Contour& contour : contours) {
+        if (IsSliver(contour.index)) {
+            continue;
+        }
         // It begins where its first edge does, as that runs in its operand.
         if (IsReversed(mLines.origins[contour.start])) {
             contour.start = NextOf(contour.start, contour.index);

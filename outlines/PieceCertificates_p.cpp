@@ -17,15 +17,18 @@ namespace {
 typedef TPoint<double> Pt;
 typedef std::array<Pt, 3> Vectors;
 
-/// Rounding moves what the tests compare by less, in work units.
-double const kMargin = 0x1p-45;
+/// Rounding moves what the tests compare by less, in work units, unless doubles are too coarse.
+double const kLeastMargin = 0x1p-47;
+/// Parts nearer to their chords than this part of the reach are not cut again. It is small beside
+/// the reach, so that curves which are not one are told apart.
+double const kFinest = 0x1p-12;
 /// Vectors up to this length have no direction that counts.
 double const kNoVector = 0x1p-44;
 /// Parameters beyond the ends of a stretch by less than this belong to it.
 double const kBeyondEnds = 0x1p-30;
 /// So many tests are made for each pair of arcs, and some for all.
 std::size_t const kTestsForPair = 64;
-std::size_t const kTestsForAll = std::size_t{1} << 20U;
+std::size_t const kTestsForAll = std::size_t{1} << 17U;
 
 /// A part of an arc between two parameters.
 struct Node {
@@ -38,8 +41,8 @@ struct Node {
     Index half; ///< the first of its halves, kNoIndex before it is halved
 };
 
-void Measure(Node& node) {
-    node.box = BoxOf(node.c).Widened(kMargin, kMargin);
+void Measure(Node& node, double margin) {
+    node.box = BoxOf(node.c).Widened(margin, margin);
     Pt const chord = node.c[3] - node.c[0];
     double const length = std::sqrt(Square(chord));
     double const beside = std::max(std::abs(Cross(chord, node.c[1] - node.c[0])),
@@ -50,9 +53,9 @@ void Measure(Node& node) {
 }
 
 /// True when the line along the chord of `a`, or one beside it, has the curves on its two sides.
-bool ChordSeparates(Cubic const& a, Cubic const& b) {
+bool ChordSeparates(Cubic const& a, Cubic const& b, double least) {
     Pt const chord = a[3] - a[0];
-    double const margin = kMargin * Taxicab(chord);
+    double const margin = least * Taxicab(chord);
     double const a1 = Cross(chord, a[1] - a[0]);
     double const a2 = Cross(chord, a[2] - a[0]);
     double const b0 = Cross(chord, b[0] - a[0]);
@@ -67,7 +70,7 @@ bool ChordSeparates(Cubic const& a, Cubic const& b) {
 
 /// Returns 1 when the turns from all vectors of `a` to all of `b` are positive by more than
 /// rounding, -1 when they are negative, and else 0. Vectors without length do not count.
-int TurnOf(Vectors const& a, Vectors const& b) {
+int TurnOf(Vectors const& a, Vectors const& b, double least) {
     int sign = 0;
     for (Pt const& p : a) {
         double const length = Taxicab(p);
@@ -79,7 +82,7 @@ int TurnOf(Vectors const& a, Vectors const& b) {
                 continue;
             }
             double const turn = Cross(p, q);
-            double const margin = kMargin * (length + Taxicab(q));
+            double const margin = least * (length + Taxicab(q));
             int const here = turn > margin ? 1 : turn < -margin ? -1 : 0;
             if (here == 0 || here == -sign) {
                 return 0;
@@ -92,17 +95,32 @@ int TurnOf(Vectors const& a, Vectors const& b) {
 
 /// True when a line through the origin has the vectors of `a` on one side, and those of `b` on the
 /// other.
-bool ConesApart(Vectors const& a, Vectors const& b) {
-    if (TurnOf(a, b) != 0) {
+bool ConesApart(Vectors const& a, Vectors const& b, double margin) {
+    if (TurnOf(a, b, margin) != 0) {
         return true;
+    }
+    // Curves that touch there, and lie on different sides of their tangent. Rounding may put
+    // control points on the tangent to the wrong side, but not the far ends.
+    for (Vectors const* const cone : {&a, &b}) {
+        Pt const tangent = Taxicab((*cone)[0]) > kNoVector ? (*cone)[0] : (*cone)[1];
+        double const far[2] = {Cross(tangent, a[2]), Cross(tangent, b[2])};
+        double const least = 16.0 * margin * Taxicab(tangent);
+        if (std::abs(far[0]) <= least || std::abs(far[1]) <= least || far[0] * far[1] > 0.0) {
+            continue;
+        }
+        double const sign = far[0] > 0.0 ? 1.0 : -1.0;
+        if (std::min(sign * Cross(tangent, a[0]), sign * Cross(tangent, a[1])) >= -least / 16.0 &&
+            std::max(sign * Cross(tangent, b[0]), sign * Cross(tangent, b[1])) <= least / 16.0) {
+            return true;
+        }
     }
     // The ends' directions tell a line that may do.
     Pt const normal = a[2] * (1.0 / Taxicab(a[2])) - b[2] * (1.0 / Taxicab(b[2]));
     for (std::size_t i = 0; i < 3; ++i) {
         double const ofA = Dot(normal, a[i]);
         double const ofB = Dot(normal, b[i]);
-        if ((Taxicab(a[i]) > kNoVector && !(ofA > kMargin)) ||
-            (Taxicab(b[i]) > kNoVector && !(ofB < -kMargin))) {
+        if ((Taxicab(a[i]) > kNoVector && !(ofA > margin)) ||
+            (Taxicab(b[i]) > kNoVector && !(ofB < -margin))) {
             return false;
         }
     }
@@ -150,7 +168,9 @@ bool FindCrossing(Cubic const& a, Cubic const& b, double& s, double& t) {
 /// The tests of pairs.
 class CertifiedParts::Work {
 public:
-    Work(OutlineArcs& arcs, CertifiedParts& parts) : mArcs(arcs), mParts(parts) {}
+    Work(OutlineArcs& arcs, CertifiedParts& parts)
+        : mArcs(arcs), mParts(parts), mMargin(std::max(kLeastMargin, 2.0 * arcs.Frame().Spacing())),
+          mFinest(std::max(kFinest * arcs.Reach(), 2.0 * mMargin)) {}
 
     void Run();
     std::vector<ArcCut> cuts;
@@ -176,6 +196,8 @@ private:
 
     OutlineArcs& mArcs;
     CertifiedParts& mParts;
+    double mMargin;
+    double mFinest; ///< height
     std::vector<Node> mNodes;
     std::vector<Pair> mQueue; // in the order in which it is worked off
 };
@@ -191,8 +213,8 @@ void CertifiedParts::Work::Halve(Index index) {
     first.c = HeadOf(node.c, 0.5);
     second.c = TailOf(node.c, 0.5);
     first.to = second.from = middle;
-    Measure(first);
-    Measure(second);
+    Measure(first, mMargin);
+    Measure(second, mMargin);
     mNodes[index].half = static_cast<Index>(mNodes.size());
     mNodes.push_back(first);
     mNodes.push_back(second);
@@ -245,21 +267,21 @@ void CertifiedParts::Work::Test(Pair pair) {
     bool const endShared = a1 != kNoIndex && (a1 == b0 || a1 == b1);
     if (startShared != endShared) {
         bool const startOfB = (startShared ? a0 : a1) == b0;
-        if (ConesApart(From(a.c, startShared), From(b.c, startOfB))) {
+        if (ConesApart(From(a.c, startShared), From(b.c, startOfB), mMargin)) {
             return;
         }
     } else if (!startShared) {
-        if (ChordSeparates(a.c, b.c) || ChordSeparates(b.c, a.c)) {
+        if (ChordSeparates(a.c, b.c, mMargin) || ChordSeparates(b.c, a.c, mMargin)) {
             return;
         }
         double s = 0.0;
         double t = 0.0;
-        if (TurnOf(Steps(a.c), Steps(b.c)) != 0 && FindCrossing(a.c, b.c, s, t)) {
+        if (TurnOf(Steps(a.c), Steps(b.c), mMargin) != 0 && FindCrossing(a.c, b.c, s, t)) {
             AddCrossing(a, b, s, t);
             return;
         }
     }
-    if (a.height <= mArcs.Reach() && b.height <= mArcs.Reach()) {
+    if (a.height <= mFinest && b.height <= mFinest) {
         AddContact(pair);
     } else if (a.height >= b.height) {
         HalveFirst(pair);
@@ -272,7 +294,7 @@ void CertifiedParts::Work::Run() {
     mNodes.reserve(2 * mArcs.arcs.size());
     for (std::size_t i = 0; i < mArcs.arcs.size(); ++i) {
         Node node{mArcs.arcs[i].c, {}, 0.0, 1.0, 0.0, static_cast<Index>(i), kNoIndex};
-        Measure(node);
+        Measure(node, mMargin);
         if (mArcs.arcs[i].straight) {
             node.height = 0.0;
         }
@@ -290,6 +312,7 @@ void CertifiedParts::Work::Run() {
         if (next < most) {
             Test(mQueue[next]);
         } else {
+            mParts.mIncomplete = true;
             AddContact(mQueue[next]);
         }
     }

@@ -56,6 +56,8 @@ public:
     double ParameterAt(Index arc, std::size_t k) const { return mPlaces[k + arc].t; }
     std::size_t Count() const { return mPlaces.size() - (mBegins.size() - 1); }
 
+    /// True when the work ended before all pairs were tested; the others are contacts.
+    bool IsIncomplete() const { return mIncomplete; }
     std::vector<ArcContact> const& Contacts() const { return mContacts; }
     /// Returns how far chords in contacts are from their arcs at most, in work units.
     double GreatestHeight() const { return mGreatestHeight; }
@@ -72,6 +74,7 @@ private:
     std::vector<Place> mPlaces;
     std::vector<ArcContact> mContacts;
     double mGreatestHeight = 0.0;
+    bool mIncomplete = false;
 };
 
 } // namespace trammel_detail
