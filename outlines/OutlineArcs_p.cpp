@@ -26,8 +26,6 @@ double const kMostReach = 0x1p-10;
 double const kRounding = 0x1p-46;
 /// The factor by which the reach grows where there is too much work.
 double const kCoarser = 8.0;
-/// Curves nearer than this to their chords are straight.
-double const kStraight = 0x1p-48;
 /// Branches of a vertex are compared where the sine of the angle between them is less.
 double const kTogether = 0x1p-8;
 /// So many branches of a vertex are compared with each one.
@@ -83,9 +81,11 @@ double HeightBesideChord(Cubic const& c) {
            length;
 }
 
+/// Gives a line its control points, by which its speed is even.
 void Straighten(Cubic& c) {
-    c[1] = c[0];
-    c[2] = c[3];
+    Pt const third = (c[3] - c[0]) * (1.0 / 3.0);
+    c[1] = c[0] + third;
+    c[2] = c[3] - third;
 }
 
 } // namespace
@@ -263,7 +263,7 @@ bool FindOnMonotone(Cubic const& c, bool straight, Pt const& p, double reach, do
 
 // Elements
 
-void OutlineArcs::Add(CPath const& path, std::uint32_t operand) {
+void OutlineArcs::Add(CPath const& path, std::uint32_t operand, bool closed) {
     std::size_t first = elements.size();
     std::size_t segment = 0;
     Pt current;
@@ -275,10 +275,10 @@ void OutlineArcs::Add(CPath const& path, std::uint32_t operand) {
     };
     auto const finish = [&](std::size_t number) {
         Pt const last = current;
-        if (current != start) {
+        if (current != start && (closed || number != kNoSegment)) {
             append(current, start, start, number, false);
         }
-        TakeContour(first, operand);
+        TakeContour(first, {0, operand, !closed, number != kNoSegment});
         first = elements.size();
         start = current = last; // drawing goes on there
     };
@@ -306,7 +306,7 @@ void OutlineArcs::Add(CPath const& path, std::uint32_t operand) {
 }
 
 /// Keeps the elements from `first` on as a contour, or drops them.
-void OutlineArcs::TakeContour(std::size_t first, std::uint32_t operand) {
+void OutlineArcs::TakeContour(std::size_t first, UseContour const& contour) {
     Box<double> bounds;
     bool finite = true;
     for (std::size_t i = first; i < elements.size(); ++i) {
@@ -321,7 +321,7 @@ void OutlineArcs::TakeContour(std::size_t first, std::uint32_t operand) {
     }
     mBounds.Include(bounds);
     mContourEnds.push_back(elements.size());
-    mContourOperands.push_back(operand);
+    mContours.push_back(contour);
 }
 
 // Pieces
@@ -347,12 +347,11 @@ void OutlineArcs::CutElement(Index element, std::vector<Piece>& pieces) {
     auto const add = [&](Cubic part, Index v1, double from, double to) {
         Pt const& start = vertices.WorkPlace(v0);
         Pt const& end = vertices.WorkPlace(v1);
-        bool const straight = !e.curve || HeightBesideChord(part) <= kStraight;
         MoveEnds(part, start, end);
-        if (straight) {
+        if (!e.curve) {
             Straighten(part);
         }
-        pieces.push_back({part, v0, v1, element, from, to, straight});
+        pieces.push_back({part, v0, v1, element, from, to, !e.curve});
         v0 = v1;
     };
     if (!e.curve) {
@@ -378,7 +377,7 @@ void OutlineArcs::CutElement(Index element, std::vector<Piece>& pieces) {
 }
 
 void OutlineArcs::Build(double tolerance) {
-    mHasExtent = mBounds.HasArea();
+    mHasExtent = mBounds.lowX < mBounds.highX || mBounds.lowY < mBounds.highY;
     if (!mHasExtent) {
         return;
     }
@@ -393,7 +392,8 @@ void OutlineArcs::Build(double tolerance) {
     if (std::none_of(elements.begin(), elements.end(),
                      [](OutlineElement const& e) { return e.curve; })) {
         for (std::size_t i = 0; i < mContourEnds.size(); ++i) {
-            contours.push_back({mContourEnds[i], mContourOperands[i]});
+            contours.push_back(mContours[i]);
+            contours.back().end = mContourEnds[i];
         }
         return;
     }
@@ -621,8 +621,8 @@ void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::siz
     }
 }
 
-/// True when two curves with the same ends are within some reaches of each other: when all of their
-/// parts are, or when both are straight as far as the reach tells.
+/// True when two curves with the same ends are within some reaches of each other. All of their
+/// parts are, then, or both are straight as far as the reach tells.
 bool OutlineArcs::Coincide(Cubic const& a, Cubic const& b, int depth) const {
     auto const near = [&](Pt const& p, Pt const& q) {
         return std::abs(p.h - q.h) <= mReach && std::abs(p.v - q.v) <= mReach;
@@ -695,7 +695,8 @@ void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
             same = same && arc == i;
             uses.push_back({arc, piece.element, piece.from, piece.to, reversed});
         }
-        contours.push_back({uses.size(), mContourOperands[contour]});
+        contours.push_back(mContours[contour]);
+        contours.back().end = uses.size();
     }
     if (!same || pairs.empty()) {
         FindPairs(arcs);

@@ -112,10 +112,10 @@ private:
 /// A stretch of an outline that is monotone in h and in v, in work coordinates. Arcs do not
 /// coincide within the reach.
 struct OutlineArc {
-    Cubic c; ///< of a straight one the control points are its ends
+    Cubic c; ///< of a line the control points are thirds
     Index v0;
     Index v1;
-    bool straight;
+    bool straight; ///< whether it is a line
 };
 
 /// An arc as a part of an element, in the direction of the element.
@@ -127,17 +127,20 @@ struct ArcUse {
     bool reversed; ///< whether the arc runs the other way
 };
 
-/// A closed contour of an operand.
+/// A contour of an operand.
 struct UseContour {
     std::size_t end; ///< of its uses, or of its elements where no outline has curves
     std::uint32_t operand;
+    bool open; ///< whether it ends where its subpath does
+    bool ring; ///< whether its subpath is closed
 };
 
 /// All operands' outlines as arcs.
 class OutlineArcs {
 public:
     /// Adds the contours of a path. A contour with a coordinate that is not finite is absent.
-    void Add(CPath const& path, std::uint32_t operand);
+    /// They are closed, or they end where their subpaths do.
+    void Add(CPath const& path, std::uint32_t operand, bool closed = true);
     /// Takes the elements apart, with room for the tolerance, which is in the drawing's units.
     void Build(double tolerance);
     /// Takes them apart anew with a larger reach. False where it is as large as it gets.
@@ -163,7 +166,7 @@ private:
     struct Cut;
 
     void TakeApart();
-    void TakeContour(std::size_t first, std::uint32_t operand);
+    void TakeContour(std::size_t first, UseContour const& contour);
     void CutElement(Index element, std::vector<Piece>& pieces);
     std::vector<Cut> CutsAtVertices(std::vector<Piece> const& pieces) const;
     std::vector<Cut> CutsWherePiecesPart(std::vector<Piece> const& pieces);
@@ -180,8 +183,8 @@ private:
     bool mHasExtent = false;
     bool mHasCurves = false;
     Box<double> mBounds;
-    std::vector<std::size_t> mContourEnds;       // of elements
-    std::vector<std::uint32_t> mContourOperands; // as many
+    std::vector<std::size_t> mContourEnds; // of elements
+    std::vector<UseContour> mContours;     // as many, without their ends
 };
 
 /// Returns the box of the control points.

@@ -19,15 +19,22 @@ using trammel::ElementSource;
 } // namespace
 
 FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
+    // Edges and points go by the same numbers, so an open line has another edge at its end.
+    auto const finish = [&](UseContour const& contour, Pt const& end) {
+        if (contour.open && !edges.empty()) {
+            points.push_back(end);
+            edges.push_back(edges.back());
+        }
+        ends.push_back(edges.size());
+    };
     if (!from.HasCurves()) {
-        std::size_t contour = 0;
-        for (std::size_t i = 0; i < from.elements.size(); ++i) {
-            points.push_back(from.elements[i].c[0]);
-            edges.push_back({static_cast<Index>(i), kNoIndex, 0, 0.0, 1.0});
-            if (i + 1 == from.contours[contour].end) {
-                ends.push_back(i + 1);
-                ++contour;
+        std::size_t i = 0;
+        for (UseContour const& contour : from.contours) {
+            for (; i < contour.end; ++i) {
+                points.push_back(from.elements[i].c[0]);
+                edges.push_back({static_cast<Index>(i), kNoIndex, 0, 0.0, 1.0});
             }
+            finish(contour, from.elements[i - 1].c[3]);
         }
         return;
     }
@@ -40,6 +47,7 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
     ends.reserve(from.contours.size());
     std::size_t i = 0;
     for (UseContour const& contour : from.contours) {
+        std::size_t const first = edges.size();
         for (; i < contour.end; ++i) {
             ArcUse const& use = from.uses[i];
             std::size_t const begin = parts->Begin(use.arc);
@@ -51,13 +59,19 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
             };
             for (std::size_t n = 0; n < end - begin; ++n) {
                 std::size_t const part = use.reversed ? end - 1 - n : begin + n;
-                std::size_t const first = use.reversed ? part + 1 : part;
-                points.push_back(from.vertices.Place(parts->VertexAt(use.arc, first)));
-                edges.push_back({use.element, use.arc, static_cast<Index>(part), parameter(first),
+                std::size_t const before = use.reversed ? part + 1 : part;
+                points.push_back(from.vertices.Place(parts->VertexAt(use.arc, before)));
+                edges.push_back({use.element, use.arc, static_cast<Index>(part), parameter(before),
                                  parameter(use.reversed ? part : part + 1)});
             }
         }
-        ends.push_back(edges.size());
+        if (edges.size() == first) {
+            ends.push_back(first);
+            continue;
+        }
+        ArcUse const& use = from.uses[i - 1];
+        OutlineArc const& last = from.arcs[use.arc];
+        finish(contour, from.vertices.Place(use.reversed ? last.v0 : last.v1));
     }
     if (edges.size() >= kNoIndex / 4) {
         throw std::bad_alloc();
@@ -82,6 +96,15 @@ void FlatOutlines::AddAll(BooleanOperand& operand) const {
     }
 }
 
+void FlatOutlines::AddOpenTo(BooleanOperand& operand) const {
+    for (std::size_t i = 0; i < ends.size(); ++i) {
+        std::size_t const begin = i == 0 ? 0 : ends[i - 1];
+        if (arcs.contours[i].open && ends[i] > begin) {
+            operand.AddOpen(&points[begin].v, ends[i] - begin);
+        }
+    }
+}
+
 namespace {
 
 /// A run of edges of a result that come from one element in one direction.
@@ -94,15 +117,20 @@ struct Run {
     Pt end;
 };
 
-/// The work of LiftResult().
+/// The work of lifting lines of the polygon engine.
 class Lift {
 public:
-    Lift(WindingResult const& result, FlatOutlines const& flat, CPath& path,
-         std::vector<ElementSource>* sources)
-        : mResult(result), mLines(result.resolved.contours), mFlat(flat), mPath(path),
-          mSources(sources) {}
+    Lift(GridLines const& lines, ClipGrid const& grid, FlatOutlines const& flat)
+        : mLines(lines), mGrid(grid), mFlat(flat) {}
 
-    void Do();
+    /// Appends to another path and other sources, which may be null, from here on.
+    void SetTarget(CPath& path, std::vector<ElementSource>* sources) {
+        mPath = &path;
+        mSources = sources;
+    }
+    void LiftRegion(RegionContours const& region);
+    void LiftStretches(OpenPieces const& pieces, bool inside);
+    std::vector<LiftedFace> LiftRings(Faces const& faces);
 
 private:
     /// A contour that is ready to be written.
@@ -118,18 +146,25 @@ private:
     }
     Pt PlaceOf(std::size_t i) const {
         Pt p;
-        mResult.grid.ToDoubles(mLines.points[i], p.v, p.h);
+        mGrid.ToDoubles(mLines.points[i], p.v, p.h);
         return p;
     }
     void FindWhole();
-    void FindShared();
+    void FindShared(std::size_t contours);
+    Contour ContourAt(std::size_t contour) const;
     void MarkContacts();
     void MarkPresent(ArcStretch const& stretch, bool& any, bool mark);
     double ParameterOnLine(FlatEdge const& edge, Pt const& p) const;
     Run RunAt(std::size_t i, std::size_t contour, bool backwards) const;
     bool Continues(Run const& run, Run const& next) const;
     bool IsSliver(std::size_t contour) const;
+    static bool ComesFirst(Contour const& a, Contour const& b) {
+        return a.first != b.first ? a.first < b.first : a.index < b.index;
+    }
+    void Take(Run const& run);
     void Write(Contour const& contour, bool backwards);
+    void WriteClosed();
+    void WriteOpen(Pt const& start);
     void WriteRun(Run const& run, Pt const& start);
     void AddSource(ElementSource const& source) {
         if (mSources != nullptr) {
@@ -137,16 +172,17 @@ private:
         }
     }
 
-    WindingResult const& mResult;
     GridLines const& mLines;
+    ClipGrid const& mGrid;
     FlatOutlines const& mFlat;
-    CPath& mPath;
-    std::vector<ElementSource>* mSources;
+    CPath* mPath = nullptr;
+    std::vector<ElementSource>* mSources = nullptr;
     std::vector<Pt> mPlaces;    // by point of the result
     std::vector<char> mWhole;   // by edge: whether it is a whole edge of the operands
     std::vector<char> mShared;  // by point: whether another contour has it
     std::vector<char> mPresent; // by part: 1 if it is in the result, 2 if it stays a line
-    std::vector<Run> mRuns;     // of one contour
+    Pt mStretchStart;
+    std::vector<Run> mRuns; // of one contour
 };
 
 /// Notes which edges of the result are edges of the operands from end to end.
@@ -174,12 +210,12 @@ void Lift::FindWhole() {
     }
 }
 
-/// Notes the points that several contours have. They stay vertices, so that contours do not cross
+/// Notes the points that so many contours have. They stay vertices, so that contours do not cross
 /// there.
-void Lift::FindShared() {
+void Lift::FindShared(std::size_t contours) {
     std::size_t const count = mLines.points.size();
     mShared.assign(count, 0);
-    if (mLines.Count() < 2) {
+    if (mLines.Count() < contours) {
         return;
     }
     std::vector<std::size_t> order(count);
@@ -192,9 +228,18 @@ void Lift::FindShared() {
         return a.x != b.x ? a.x < b.x : a.y < b.y;
     };
     std::sort(order.begin(), order.end(), less);
-    for (std::size_t i = 1; i < count; ++i) {
-        if (!less(order[i - 1], order[i])) {
-            mShared[order[i - 1]] = mShared[order[i]] = 1;
+    std::size_t first = 0; // of equal points
+    for (std::size_t i = 0; i < count; ++i) {
+        first = less(order[first], order[i]) ? i : first;
+        if (i + 1 - first >= contours) {
+            mShared[order[i]] = 1;
+            mShared[order[first]] = 1;
+        }
+    }
+    // The points between belong to the same place.
+    for (std::size_t i = count; i-- > 1;) {
+        if (mShared[order[i]] != 0 && !less(order[i - 1], order[i])) {
+            mShared[order[i - 1]] = 1;
         }
     }
 }
@@ -313,22 +358,22 @@ bool Lift::IsSliver(std::size_t contour) const {
 
 void Lift::WriteRun(Run const& run, Pt const& start) {
     if (run.element == kNoIndex) {
-        mPath.AddCtl(kPathLine).AddPt(run.end);
+        mPath->AddCtl(kPathLine).AddPt(run.end);
         AddSource({});
         return;
     }
     OutlineElement const& element = mFlat.arcs.elements[run.element];
     AddSource({element.operand, element.segment, run.from, run.to});
     if (!run.curve) {
-        mPath.AddCtl(kPathLine).AddPt(run.end);
+        mPath->AddCtl(kPathLine).AddPt(run.end);
         return;
     }
     bool const reversed = run.from > run.to;
     Cubic const& whole = element.c;
     if (run.from + run.to == 1.0 && std::abs(run.from - run.to) == 1.0 &&
         start == whole[reversed ? 3 : 0] && run.end == whole[reversed ? 0 : 3]) {
-        mPath.AddCtl(kPathCurve).AddPt(whole[reversed ? 2 : 1]).AddPt(whole[reversed ? 1 : 2]);
-        mPath.AddPt(run.end);
+        mPath->AddCtl(kPathCurve).AddPt(whole[reversed ? 2 : 1]).AddPt(whole[reversed ? 1 : 2]);
+        mPath->AddPt(run.end);
         return;
     }
     WorkFrame const& frame = mFlat.arcs.Frame();
@@ -339,8 +384,55 @@ void Lift::WriteRun(Run const& run, Pt const& start) {
         part = Reversed(part);
     }
     MoveEnds(part, frame.ToWork(start), frame.ToWork(run.end));
-    mPath.AddCtl(kPathCurve).AddPt(frame.FromWork(part[1])).AddPt(frame.FromWork(part[2]));
-    mPath.AddPt(run.end);
+    mPath->AddCtl(kPathCurve).AddPt(frame.FromWork(part[1])).AddPt(frame.FromWork(part[2]));
+    mPath->AddPt(run.end);
+}
+
+/// Appends a run to those of the contour or stretch.
+void Lift::Take(Run const& run) {
+    if (!mRuns.empty() && Continues(mRuns.back(), run)) {
+        mRuns.back().to = run.to;
+        mRuns.back().end = run.end;
+    } else {
+        mRuns.push_back(run);
+    }
+}
+
+/// Writes the runs as a contour that is closed.
+void Lift::WriteClosed() {
+    if (mRuns.size() > 1 && Continues(mRuns.back(), mRuns.front())) {
+        // The contour begins within an element that goes on at its end.
+        Run& first = mRuns.front();
+        first.from = mRuns.back().from;
+        first.firm = mRuns.back().firm;
+        mRuns.pop_back();
+    }
+    bool const closesWithLine = !mRuns.back().curve && mRuns.size() > 1;
+    Run const closing = mRuns.back();
+    if (closesWithLine) {
+        mRuns.pop_back();
+    }
+    WriteOpen(closing.end);
+    mPath->AddCtl(kPathClose);
+    mPath->mOpen = false;
+    if (closesWithLine && closing.element != kNoIndex) {
+        OutlineElement const& element = mFlat.arcs.elements[closing.element];
+        AddSource({element.operand, element.segment, closing.from, closing.to});
+    } else {
+        AddSource({});
+    }
+}
+
+/// Writes the runs as they follow each other from `start` on.
+void Lift::WriteOpen(Pt const& start) {
+    mPath->AddCtl(kPathMove).AddPt(start);
+    mPath->mOpen = true;
+    AddSource({});
+    Pt last = start;
+    for (Run const& run : mRuns) {
+        WriteRun(run, last);
+        last = run.end;
+    }
 }
 
 void Lift::Write(Contour const& contour, bool backwards) {
@@ -352,86 +444,150 @@ void Lift::Write(Contour const& contour, bool backwards) {
         if (backwards) {
             at = at > begin ? at - 1 : begin + count - 1;
         }
-        Run const run = RunAt(at, contour.index, backwards);
+        Take(RunAt(at, contour.index, backwards));
         if (!backwards) {
             at = at + 1 < begin + count ? at + 1 : begin;
         }
-        if (!mRuns.empty() && Continues(mRuns.back(), run)) {
-            mRuns.back().to = run.to;
-            mRuns.back().end = run.end;
-        } else {
-            mRuns.push_back(run);
-        }
     }
-    if (mRuns.size() > 1 && Continues(mRuns.back(), mRuns.front())) {
-        // The contour begins within an element that goes on at its end.
-        Run& first = mRuns.front();
-        first.from = mRuns.back().from;
-        first.firm = mRuns.back().firm;
-        mRuns.pop_back();
-    }
-    Pt const start = mRuns.back().end;
-    mPath.AddCtl(kPathMove).AddPt(start);
-    AddSource({});
-    Pt last = start;
-    bool const closesWithLine = !mRuns.back().curve && mRuns.size() > 1;
-    for (std::size_t k = 0; k + (closesWithLine ? 1 : 0) < mRuns.size(); ++k) {
-        WriteRun(mRuns[k], last);
-        last = mRuns[k].end;
-    }
-    mPath.AddCtl(kPathClose);
-    Run const& closing = mRuns.back();
-    if (closesWithLine && closing.element != kNoIndex) {
-        OutlineElement const& element = mFlat.arcs.elements[closing.element];
-        AddSource({element.operand, element.segment, closing.from, closing.to});
-    } else {
-        AddSource({});
-    }
+    WriteClosed();
 }
 
-void Lift::Do() {
+/// Returns a contour as it is to be written. It begins where its first edge does, as that runs in
+/// its operand.
+Lift::Contour Lift::ContourAt(std::size_t contour) const {
+    std::size_t first = mLines.Begin(contour);
+    for (std::size_t k = first; k < mLines.End(contour); ++k) {
+        if (EdgeOf(mLines.origins[k]) < EdgeOf(mLines.origins[first])) {
+            first = k;
+        }
+    }
+    return {contour, EdgeOf(mLines.origins[first]),
+            IsReversed(mLines.origins[first]) ? NextOf(first, contour) : first};
+}
+
+void Lift::LiftRegion(RegionContours const& region) {
     if (mLines.Count() == 0) {
         return;
     }
     FindWhole();
-    FindShared();
+    FindShared(2);
     MarkContacts();
     // Contours are in the order of their first edges. Those with the greater part of their edges
     // against their sources' direction ask to be turned; holes go with the contour around them.
     std::vector<Contour> contours;
     std::vector<std::ptrdiff_t> against(mLines.Count(), 0);
-    std::vector<std::size_t> const outers = OutersOf(mResult.resolved);
+    std::vector<std::size_t> const outers = OutersOf(region);
     for (std::size_t i = 0; i < mLines.Count(); ++i) {
-        std::size_t first = mLines.Begin(i);
-        for (std::size_t k = first; k < mLines.End(i); ++k) {
+        for (std::size_t k = mLines.Begin(i); k < mLines.End(i); ++k) {
             against[outers[i]] += IsReversed(mLines.origins[k]) ? 1 : -1;
-            if (EdgeOf(mLines.origins[k]) < EdgeOf(mLines.origins[first])) {
-                first = k;
+        }
+        contours.push_back(ContourAt(i));
+    }
+    std::sort(contours.begin(), contours.end(), ComesFirst);
+    for (Contour const& contour : contours) {
+        if (!IsSliver(contour.index)) {
+            Write(contour, against[outers[contour.index]] > 0);
+        }
+    }
+}
+
+void Lift::LiftStretches(OpenPieces const& pieces, bool inside) {
+    FindWhole();
+    mShared.assign(mLines.points.size(), 0);
+    mPresent.assign(mFlat.parts ? mFlat.parts->Count() : 0, 0);
+    std::vector<std::pair<Index, std::size_t>> order; // by the lines' first edges
+    for (std::size_t i = 0; i < mLines.Count(); ++i) {
+        order.emplace_back(EdgeOf(mLines.origins[mLines.Begin(i)]), i);
+    }
+    std::sort(order.begin(), order.end());
+    for (auto const& [edge, line] : order) {
+        std::size_t const begin = mLines.Begin(line);
+        std::size_t const end = mLines.End(line) - 1; // of edges
+        auto const kept = [&](std::size_t i) { return (pieces.sides[i] != 0) == inside; };
+        auto const place = std::upper_bound(mFlat.ends.begin(), mFlat.ends.end(), edge);
+        bool const ring =
+            mFlat.arcs.contours[static_cast<std::size_t>(place - mFlat.ends.begin())].ring &&
+            mPlaces[begin] == mPlaces[end];
+        // A ring begins behind a stretch that is left out, if there is one.
+        std::size_t start = begin;
+        while (ring && start < end && kept(start)) {
+            ++start;
+        }
+        bool const whole = ring && start == end;
+        start = start == end ? begin : start;
+        mRuns.clear();
+        for (std::size_t k = 0; k < end - begin; ++k) {
+            std::size_t const at = start + k < end ? start + k : start + k - (end - begin);
+            if (kept(at)) {
+                if (mRuns.empty()) {
+                    mStretchStart = mPlaces[at];
+                }
+                Take(RunAt(at, line, false));
+            }
+            if (!mRuns.empty() && !whole && (!kept(at) || k + 1 == end - begin)) {
+                WriteOpen(mStretchStart);
+                mRuns.clear();
             }
         }
-        contours.push_back({i, EdgeOf(mLines.origins[first]), first});
-    }
-    std::sort(contours.begin(), contours.end(), [](Contour const& a, Contour const& b) {
-        return a.first != b.first ? a.first < b.first : a.index < b.index;
-    });
-    for (Contour& contour : contours) {
-        if (IsSliver(contour.index)) {
-            continue;
+        if (whole && !mRuns.empty()) {
+            WriteClosed();
         }
-        // It begins where its first edge does, as that runs in its operand.
-        if (IsReversed(mLines.origins[contour.start])) {
-            contour.start = NextOf(contour.start, contour.index);
-        }
-        Write(contour, against[outers[contour.index]] > 0);
     }
-    mPath.mOpen = false;
+}
+
+std::vector<LiftedFace> Lift::LiftRings(Faces const& faces) {
+    std::vector<LiftedFace> lifted;
+    if (mLines.Count() == 0) {
+        return lifted;
+    }
+    FindWhole();
+    FindShared(3); // each edge has a ring on either side
+    MarkContacts();
+    std::vector<std::size_t> const outers = OutersOf(faces.rings.resolved);
+    std::vector<Contour> contours;
+    std::vector<std::size_t> faceOf(mLines.Count(), mLines.Count()); // by outer ring
+    for (std::size_t i = 0; i < mLines.Count(); ++i) {
+        contours.push_back(ContourAt(i));
+    }
+    std::sort(contours.begin(), contours.end(), ComesFirst);
+    for (bool const holes : {false, true}) {
+        for (Contour const& contour : contours) {
+            std::size_t const ring = contour.index;
+            if ((faces.rings.resolved.holes[ring] != 0) != holes || IsSliver(ring)) {
+                continue;
+            }
+            if (!holes) {
+                faceOf[ring] = lifted.size();
+                lifted.push_back({CPath(), {}, ring});
+            }
+            std::size_t const face = faceOf[outers[ring]];
+            if (face < lifted.size()) {
+                SetTarget(lifted[face].outline, &lifted[face].sources);
+                Write(contour, false);
+            }
+        }
+    }
+    return lifted;
 }
 
 } // namespace
 
 void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& path,
                 std::vector<ElementSource>* sources) {
-    Lift(result, flat, path, sources).Do();
+    Lift lift(result.resolved.contours, result.grid, flat);
+    lift.SetTarget(path, sources);
+    lift.LiftRegion(result.resolved);
+}
+
+void LiftOpen(OpenPieces const& pieces, bool inside, FlatOutlines const& flat, CPath& path,
+              std::vector<ElementSource>* sources) {
+    Lift lift(pieces.lines, pieces.grid, flat);
+    lift.SetTarget(path, sources);
+    lift.LiftStretches(pieces, inside);
+}
+
+std::vector<LiftedFace> LiftFaces(Faces const& faces, FlatOutlines const& flat) {
+    return Lift(faces.rings.resolved.contours, faces.rings.grid, flat).LiftRings(faces);
 }
 
 } // namespace trammel_detail

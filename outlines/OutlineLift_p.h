@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// From arcs to closed polygons, and from the polygons of a result back to curves. Not installed.
+// From arcs to polygons, and from the polygons of a result back to curves. Not installed.
 //
 // docs/outlines.md describes the steps.
 
@@ -10,6 +10,8 @@
 #include "Boolean_p.h"
 #include "CPath.h"
 #include "ElementSource.h"
+#include "Faces_p.h"
+#include "OpenLines_p.h"
 #include "OutlineArcs_p.h"
 #include "PieceCertificates_p.h"
 #include "TPoint.h"
@@ -30,7 +32,7 @@ struct FlatEdge {
     double to;
 };
 
-/// Outlines as closed polygons: the chords of certified parts.
+/// Outlines as polygons: the chords of certified parts.
 class FlatOutlines {
 public:
     /// Takes the arcs apart where there are curves, and else takes the lines as they are. Refers to
@@ -42,18 +44,35 @@ public:
     void AddTo(BooleanOperand& operand, std::uint32_t number, std::uint32_t owner) const;
     /// Adds all polygons with their operands' numbers as owners.
     void AddAll(BooleanOperand& operand) const;
+    /// Adds the open lines.
+    void AddOpenTo(BooleanOperand& operand) const;
 
     OutlineArcs const& arcs;
     std::optional<CertifiedParts> parts; ///< only where there are curves
     std::vector<FlatEdge> edges;         ///< of all polygons
-    std::vector<TPoint<double>> points;  ///< where the edges begin
-    std::vector<std::size_t> ends;       ///< of the edges of each contour
+    std::vector<TPoint<double>> points;  ///< where the edges begin, and where open lines end
+    std::vector<std::size_t> ends;       ///< of the points of each contour
 };
 
 /// Makes curves of a result again. `path` gets its contours. `sources` gets an entry for each of
 /// their elements unless it is null.
 void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& path,
                 std::vector<trammel::ElementSource>* sources);
+
+/// Makes curves of open lines again, of their stretches inside the region or of those outside. The
+/// stretches along its boundary count as inside.
+void LiftOpen(OpenPieces const& pieces, bool inside, FlatOutlines const& flat, CPath& path,
+              std::vector<trammel::ElementSource>* sources);
+
+/// A face, as OutlineArrangement has it.
+struct LiftedFace {
+    CPath outline;
+    std::vector<trammel::ElementSource> sources;
+    std::size_t ring; ///< its outer ring
+};
+
+/// Makes curves of faces again, in the order of the first edges on their outer rings.
+std::vector<LiftedFace> LiftFaces(Faces const& faces, FlatOutlines const& flat);
 
 } // namespace trammel_detail
 

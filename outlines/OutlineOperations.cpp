@@ -2,16 +2,18 @@
 
 #include "OutlineOperations.h"
 
+#include "Faces_p.h"
+#include "OpenLines_p.h"
 #include "OutlineArcs_p.h"
 #include "OutlineLift_p.h"
 #include "PolygonRegions_p.h"
+#include "PolygonRings_p.h"
 #include "Scratch_p.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 namespace trammel {
@@ -39,10 +41,10 @@ double DistanceKept(FlatOutlines const& flat, double tolerance) {
     return std::max(tolerance > 0.0 ? tolerance : 0.0, arcs.Frame().LengthFromWork(kept));
 }
 
-/// Sets `out` to the region of outlines, which combine() gives from their polygons.
-template <class Combine>
-double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<ElementSource>* sources,
-               Combine&& combine) {
+/// Sets `out` to what lift() makes of the polygons. Returns the distance that was kept.
+template <class Lift>
+double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
+                 std::vector<ElementSource>* sources, Lift&& lift) {
     arcs.Build(tolerance);
     CPath path;
     std::vector<ElementSource> found;
@@ -50,12 +52,10 @@ double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<Elem
     if (arcs.HasExtent()) {
         FlatOutlines const flat(arcs);
         Scratch scratch;
-        try {
-            trammel_detail::LiftResult(combine(flat, &scratch), flat, path,
-                                       sources != nullptr ? &found : nullptr);
-        } catch (std::length_error const&) {
-            throw std::bad_alloc(); // more edges than 32 bits count
-        }
+        trammel_detail::Try([&] {
+            lift(flat, &scratch, path, sources != nullptr ? &found : nullptr);
+            return 0;
+        });
         kept = DistanceKept(flat, tolerance);
     }
     out = std::move(path);
@@ -63,6 +63,17 @@ double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<Elem
         sources->swap(found);
     }
     return kept;
+}
+
+/// Does the same for a region, which combine() gives.
+template <class Combine>
+double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<ElementSource>* sources,
+               Combine&& combine) {
+    return OperateOn(arcs, tolerance, out, sources,
+                     [&](FlatOutlines const& flat, Scratch* scratch, CPath& path,
+                         std::vector<ElementSource>* found) {
+                         trammel_detail::LiftResult(combine(flat, scratch), flat, path, found);
+                     });
 }
 
 } // namespace
@@ -115,6 +126,70 @@ double RemoveOverlap(CPath const& outline, FillRule rule, double tolerance, CPat
         return trammel_detail::UniteByWinding(all, 1, rule == FillRule::kEvenOdd, scratch,
                                               trammel_detail::Origins::kKept);
     });
+}
+
+double ClipOpen(CPath const& lines, CPath const& region, FillRule rule, bool inside,
+                double tolerance, CPath& out, std::vector<ElementSource>* sources) {
+    OutlineArcs arcs;
+    arcs.Add(region, 1);
+    arcs.Add(lines, 0, false);
+    return OperateOn(arcs, tolerance, out, sources,
+                     [&](FlatOutlines const& flat, Scratch* scratch, CPath& path,
+                         std::vector<ElementSource>* found) {
+                         WindingRegion of({{false, true, false, true}}, scratch);
+                         of.rules = {{rule == FillRule::kEvenOdd, 0}};
+                         BooleanOperand contours(scratch);
+                         BooleanOperand open(scratch);
+                         flat.AddTo(contours, 1, 0);
+                         flat.AddOpenTo(open);
+                         trammel_detail::LiftOpen(
+                             trammel_detail::LabelOpenLines(open, contours, of, scratch), inside,
+                             flat, path, found);
+                     });
+}
+
+OutlineArrangement::OutlineArrangement(std::vector<CPath> const& operands, double tolerance)
+    : mTolerance(tolerance) {
+    if (operands.size() > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::bad_alloc();
+    }
+    auto const count = static_cast<std::uint32_t>(operands.size());
+    OutlineArcs arcs;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        arcs.Add(operands[i], i);
+    }
+    CPath none;
+    mDistance = OperateOn(
+        arcs, tolerance, none, nullptr,
+        [&](FlatOutlines const& flat, Scratch* scratch, CPath&, std::vector<ElementSource>*) {
+            BooleanOperand all(scratch);
+            flat.AddAll(all);
+            trammel_detail::Faces const faces =
+                trammel_detail::FacesOf(all, count, scratch, trammel_detail::Origins::kKept);
+            for (trammel_detail::LiftedFace& face : trammel_detail::LiftFaces(faces, flat)) {
+                OutlineFace taken{std::move(face.outline), std::move(face.sources), {}};
+                std::size_t k = face.ring == 0 ? 0 : faces.ends[face.ring - 1];
+                for (; k < faces.ends[face.ring]; ++k) {
+                    // The engine's numbers grow on the other side: its x is our v.
+                    taken.windings.push_back(
+                        {faces.windings[k].owner, -static_cast<int>(faces.windings[k].winding)});
+                }
+                mFaces.push_back(std::move(taken));
+            }
+        });
+}
+
+double OutlineArrangement::Merge(std::vector<std::size_t> const& faces, CPath& out) const {
+    std::vector<std::size_t> wanted = faces;
+    std::sort(wanted.begin(), wanted.end());
+    wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
+    std::vector<CPath> outlines;
+    for (std::size_t const face : wanted) {
+        if (face < mFaces.size()) {
+            outlines.push_back(mFaces[face].outline);
+        }
+    }
+    return Union(outlines, FillRule::kNonZero, mTolerance, out);
 }
 
 } // namespace trammel

@@ -41,9 +41,11 @@
 #include "CPath.h"
 #include "ElementSource.h"
 #include "FillRule.h"
+#include "PolygonArrangement.h"
 #include "Tgcp.h"
 #include "TrammelExport.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace trammel {
@@ -67,6 +69,55 @@ TRAMMEL_API double Union(std::vector<CPath> const& outlines, FillRule rule, doub
 /// \param sources  as above
 TRAMMEL_API double RemoveOverlap(CPath const& outline, FillRule rule, double tolerance, CPath& out,
                                  std::vector<ElementSource>* sources = nullptr);
+
+/// Sets `out` to the stretches of lines that lie inside a region, or to those outside. Returns the
+/// distance that is kept.
+///
+/// The lines are subpaths as drawn: a subpath that is not closed has no line back to its start. The
+/// stretches are in the order of the lines and run as they do. A subpath that is closed and nowhere
+/// cut stays closed. Stretches along the region's outline count as inside.
+///
+/// Every point of the lines that is farther than d from the region's outline is in `out` exactly
+/// when it is asked for, moved by no more than d.
+/// \param region  with `rule` the region; an empty path has no points
+/// \param sources  as above; the lines are operand 0
+TRAMMEL_API double ClipOpen(CPath const& lines, CPath const& region, FillRule rule, bool inside,
+                            double tolerance, CPath& out,
+                            std::vector<ElementSource>* sources = nullptr);
+
+/// A connected part of the plane, which no outline of an operand divides.
+struct OutlineFace {
+    CPath outline; ///< an outer contour, which runs from the h direction toward v, and its holes
+    std::vector<ElementSource> sources; ///< an entry for each element code of the outline
+    /// The operands that wind around the face, in increasing order.
+    std::vector<OperandWinding> windings;
+};
+
+/// The faces into which the outlines of operands divide the plane, to divide, trim and merge.
+///
+/// The functions are safe from any thread as long as none changes the arrangement.
+class TRAMMEL_API OutlineArrangement {
+public:
+    /// Divides the plane by the outlines. They may overlap themselves and each other. The tolerance
+    /// and the distance that is kept are as above. Throws std::bad_alloc.
+    OutlineArrangement(std::vector<CPath> const& operands, double tolerance);
+
+    /// Returns the bounded faces, in the order of the first elements on their outer contours. Faces
+    /// that no operand winds around are there, too, such as a yard between several operands.
+    std::vector<OutlineFace> const& Faces() const noexcept { return mFaces; }
+    /// Returns the distance that is kept: each point farther from all outlines lies in one face
+    /// with its winding numbers, or in none.
+    double Distance() const noexcept { return mDistance; }
+    /// Sets `out` to the region of some faces together, see Union(), and returns the distance that
+    /// is kept for them. `faces` are indices into Faces(), in any order. One that is there twice
+    /// counts once, and one beyond the last counts as absent.
+    double Merge(std::vector<std::size_t> const& faces, CPath& out) const;
+
+private:
+    std::vector<OutlineFace> mFaces;
+    double mTolerance;
+    double mDistance;
+};
 
 } // namespace trammel
 

@@ -2,6 +2,9 @@
 
 #include "OutlineOperations.h"
 
+#include "AnyPath.h"
+#include "CMatrix3x3.h"
+#include "Intersections.h"
 #include "OutlineJudge.h"
 #include "SvgPath.h"
 
@@ -123,6 +126,262 @@ TEST(OutlineOperations, KeepThePointsThatWindingNumbersRulesAndOperationTell) {
     for (Case const& c : cases) {
         ExpectRight(c);
     }
+}
+
+/// Every so many cases are taken where each costs more.
+std::size_t const kStep = 6;
+
+TEST(OutlineOperations, KeepThePointsOfTurnedAndMovedOutlines) {
+    std::vector<Case> cases = ReadCases();
+    for (std::size_t i = 0; i < cases.size(); i += kStep) {
+        Case c = cases[i];
+        double const angle = 0.3 + static_cast<double>(i);
+        double const move = i % 4 == 0 ? 1e7 : 0.0;
+        double const scale = i % 4 == 2 ? 1e-280 : i % 4 == 3 ? 1e280 : 1.0;
+        for (CPath* const path : {&c.a, &c.b}) {
+            for (Pt& p : path->mPts) {
+                p = Pt((p.h * std::cos(angle) - p.v * std::sin(angle)) * scale + move,
+                       (p.h * std::sin(angle) + p.v * std::cos(angle)) * scale - move);
+            }
+            path->InvalBounds();
+        }
+        ExpectRight(c);
+        std::swap(c.a, c.b);
+        std::swap(c.ruleA, c.ruleB);
+        ExpectRight(c);
+    }
+}
+
+TEST(OutlineOperations, MakeContoursThatCloseToTheLastBitAndDoNotCross) {
+    std::vector<Case> const cases = ReadCases();
+    for (std::size_t i = 1; i < cases.size(); i += kStep) {
+        Case const& c = cases[i];
+        CPath out;
+        Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out);
+        for (trammel::Subpath const& subpath : trammel::Subpaths(out)) {
+            EXPECT_TRUE(subpath.Closed()) << c.name;
+            Pt last = subpath.Start();
+            for (trammel::PathSegment const& s : subpath) {
+                EXPECT_TRUE(s.start == last) << c.name;
+                last = s.end;
+            }
+            EXPECT_TRUE(last == subpath.Start()) << c.name;
+        }
+        double const size = SizeOf(c.a, c.b);
+        for (trammel::Intersection const& x : trammel::SelfIntersections(out, 1e-11 * size)) {
+            EXPECT_FALSE(x.kind == trammel::IntersectionKind::kCrossing && x.crosses) << c.name;
+        }
+    }
+}
+
+/// Returns the point of a segment.
+Pt At(trammel::PathSegment const& s, double t) {
+    double const u = 1.0 - t;
+    return s.IsCurve() ? s.start * (u * u * u) + s.control1 * (3.0 * u * u * t) +
+                             s.control2 * (3.0 * u * t * t) + s.end * (t * t * t)
+                       : s.start + (s.end - s.start) * t;
+}
+
+TEST(OutlineOperations, TakeElementsFromOperandsOrPutLinesWhereOutlinesTouch) {
+    std::vector<Case> const cases = ReadCases();
+    for (std::size_t i = 2; i < cases.size(); i += kStep) {
+        Case const& c = cases[i];
+        CPath out;
+        std::vector<ElementSource> sources;
+        double const kept = Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out, &sources);
+        ASSERT_EQ(out.mCtls.size(), sources.size());
+        std::vector<trammel::PathSegment> operands[2];
+        for (trammel::PathSegment const& s : trammel::Segments(c.a)) {
+            operands[0].push_back(s);
+        }
+        for (trammel::PathSegment const& s : trammel::Segments(c.b)) {
+            operands[1].push_back(s);
+        }
+        for (trammel::PathSegment const& s : trammel::Segments(out)) {
+            ElementSource const& source = sources[s.element];
+            if (source.operand == ElementSource::kNoSource) {
+                EXPECT_FALSE(s.IsCurve()) << c.name;
+                continue;
+            }
+            ASSERT_LT(source.element, operands[source.operand].size());
+            trammel::PathSegment const& whole = operands[source.operand][source.element];
+            EXPECT_EQ(whole.IsCurve(), s.IsCurve());
+            if (source.from == 0.0 && source.to == 1.0 && s.start == whole.start &&
+                s.end == whole.end) {
+                EXPECT_TRUE(s.control1 == whole.control1 && s.control2 == whole.control2);
+            }
+            for (double const t : {0.0, 0.25, 0.5, 1.0}) {
+                Pt const off = At(s, t) - At(whole, source.from + (source.to - source.from) * t);
+                EXPECT_LE(off.Length(), kept) << c.name;
+            }
+        }
+    }
+}
+
+TEST(OutlineOperations, GiveTheSameContoursWhereverTheDrawingLies) {
+    CPath const a = Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z");
+    CPath const b = Path("M5 2C11 3 11 9 6 10C1 9 2 4 5 2Z");
+    CPath here;
+    Boolean(kPolyXor, a, kNonZero, b, kNonZero, 0.0, here);
+    for (double const move : {1024.0, -1048576.0}) {
+        CPath movedA = a;
+        CPath movedB = b;
+        CMatrix3x3 m;
+        m.Translate(move, 2.0 * move);
+        movedA.Transform(m);
+        movedB.Transform(m);
+        CPath there;
+        Boolean(kPolyXor, movedA, kNonZero, movedB, kNonZero, 0.0, there);
+        ASSERT_EQ(here.mCtls, there.mCtls);
+        for (std::size_t i = 0; i < here.mPts.size(); ++i) {
+            Pt const off = there.mPts[i] - here.mPts[i] - Pt(move, 2.0 * move);
+            EXPECT_LE(off.Length(), 1e-15 * std::abs(move) + 1e-14);
+        }
+    }
+}
+
+TEST(OutlineOperations, KeepMoreThanTheToleranceAtMostWhereOutlinesNearlyCoincide) {
+    CPath const a = Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z");
+    CPath const b = Path("M50 2C11 3 11 9 6 10C1 9 2 4 5 2Z");
+    CPath out;
+    EXPECT_EQ(0.25, Boolean(kPolyUnion, a, kNonZero, b, kNonZero, 0.25, out));
+    EXPECT_EQ(Boolean(kPolyUnion, a, kNonZero, b, kNonZero, 0.0, out),
+              Boolean(kPolyUnion, a, kNonZero, b, kNonZero, -1.0, out));
+}
+
+TEST(OutlineOperations, SurviveAnyPathAndKeepItsRegion) {
+    std::mt19937 random(271828);
+    for (int i = 0; i < 1500; ++i) {
+        CPath a = trammel_test::AnyPath(random);
+        CPath b = trammel_test::AnyPath(random);
+        double const scale[] = {1.0, 1e300, 1e-300, 1e-320, 3e307};
+        for (CPath* const path : {&a, &b}) {
+            for (Pt& p : path->mPts) {
+                p *= scale[i % 5];
+            }
+            path->InvalBounds();
+        }
+        CPath out;
+        std::vector<ElementSource> sources;
+        Boolean(static_cast<TPolyOp>(i % 4), a, kEvenOdd, b, kNonZero, 0.0, out, &sources);
+        EXPECT_EQ(out.mCtls.size(), sources.size());
+        for (Pt const& p : out.mPts) {
+            EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v)) << i;
+        }
+    }
+}
+
+TEST(OutlineOperations, UniteHundredsOfCirclesThroughOnePoint) {
+    std::vector<CPath> circles;
+    CPath const circle = Path("M1 0C1 0.5523 0.5523 1 0 1C-0.5523 1 -1 0.5523 -1 0C-1 -0.5523 "
+                              "-0.5523 -1 0 -1C0.5523 -1 1 -0.5523 1 0Z");
+    constexpr int kCount = 200;
+    for (int i = 0; i < kCount; ++i) {
+        CPath turned = circle;
+        double const angle = 6.283185307179586 * i / kCount;
+        CMatrix3x3 m;
+        m.Translate(std::cos(angle), std::sin(angle));
+        turned.Transform(m);
+        circles.push_back(turned);
+    }
+    CPath out;
+    std::vector<ElementSource> sources;
+    double const kept = trammel::Union(circles, kNonZero, 0.0, out, &sources);
+    EXPECT_LT(kept, 1e-3);
+    OutlineJudge const judge(out);
+    for (double const radius : {0.01, 0.5, 1.5, 1.99, 2.01, 3.0}) {
+        EXPECT_EQ(radius < 2.0, judge.Holds(Pt(radius * 0.6, radius * 0.8), kNonZero)) << radius;
+    }
+}
+
+TEST(OutlineOperations, ClipLinesToTheStretchesInsideOrOutside) {
+    CPath const region = Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z");
+    CPath const lines = Path("M-5 4C0 9 6 -2 12 6L3 4M2 3C3 3 4 4 3 5C2 5 1 4 2 3ZM20 0L30 0");
+    OutlineJudge const judge(region);
+    for (bool const inside : {true, false}) {
+        CPath out;
+        std::vector<ElementSource> sources;
+        double const kept = trammel::ClipOpen(lines, region, kNonZero, inside, 0.0, out, &sources);
+        EXPECT_LT(kept, 1e-7);
+        ASSERT_EQ(out.mCtls.size(), sources.size());
+        // Each point of a segment is in one stretch exactly when it is on the right side.
+        std::size_t number = 0;
+        for (trammel::PathSegment const& s : trammel::Segments(lines)) {
+            for (int i = 0; i < 200 && s.start != s.end; ++i) {
+                double const t = (i + 0.5) / 200;
+                if (judge.IsNear(At(s, t), 1e-3)) {
+                    continue;
+                }
+                int const holders = static_cast<int>(
+                    std::count_if(sources.begin(), sources.end(), [&](ElementSource const& e) {
+                        return e.operand == 0 && e.element == number && e.from <= t && t <= e.to;
+                    }));
+                EXPECT_EQ(judge.Holds(At(s, t), kNonZero) == inside ? 1 : 0, holders)
+                    << number << ' ' << t;
+            }
+            ++number;
+        }
+    }
+    CPath out;
+    trammel::ClipOpen(lines, region, kNonZero, true, 0.0, out);
+    // The ring stays closed, and the far line is gone.
+    EXPECT_NE(std::string::npos, Text(out).find("M2 3C3 3 4 4 3 5 2 5 1 4 2 3Z")) << Text(out);
+    trammel::ClipOpen(lines, CPath(), kNonZero, false, 0.0, out);
+    EXPECT_EQ(Text(lines), Text(out));
+    trammel::ClipOpen(lines, CPath(), kNonZero, true, 0.0, out);
+    EXPECT_EQ("", Text(out));
+}
+
+TEST(OutlineArrangement, DividesThePlaneIntoFacesWithWindingNumbers) {
+    std::vector<CPath> const operands = {Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z"),
+                                         Path("M5 2C11 3 11 9 6 10C1 9 2 4 5 2Z"),
+                                         Path("M1 1L8 1L8 8L1 8ZM3 3L5 3L5 5L3 5Z")};
+    trammel::OutlineArrangement const arrangement(operands, 0.0);
+    EXPECT_LT(arrangement.Distance(), 1e-7);
+    std::vector<OutlineJudge> judges;
+    for (trammel::OutlineFace const& face : arrangement.Faces()) {
+        EXPECT_EQ(face.outline.mCtls.size(), face.sources.size());
+        judges.emplace_back(face.outline);
+    }
+    std::vector<OutlineJudge> const outlines(operands.begin(), operands.end());
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> anywhere(-3.0, 12.0);
+    std::vector<std::size_t> inBoth; // faces in the first two operands
+    for (int i = 0; i < 2000; ++i) {
+        Pt const p(anywhere(random), anywhere(random));
+        std::vector<int> windings;
+        for (OutlineJudge const& outline : outlines) {
+            windings.push_back(outline.Winding(p));
+        }
+        int holders = 0;
+        for (std::size_t k = 0; k < judges.size(); ++k) {
+            if (judges[k].Holds(p, kNonZero)) {
+                ++holders;
+                std::vector<int> told(3, 0);
+                for (trammel::OperandWinding const& w : arrangement.Faces()[k].windings) {
+                    told[w.operand] = w.winding;
+                }
+                EXPECT_EQ(windings, told);
+                if (windings[0] != 0 && windings[1] != 0) {
+                    inBoth.push_back(k);
+                }
+            }
+        }
+        bool const wound = windings != std::vector<int>(3, 0);
+        EXPECT_TRUE(wound ? holders == 1 : holders <= 1);
+    }
+    CPath merged;
+    CPath both;
+    inBoth.push_back(12345);
+    arrangement.Merge(inBoth, merged);
+    Boolean(kPolyIntersection, operands[0], kNonZero, operands[1], kNonZero, 0.0, both);
+    OutlineJudge const first(merged);
+    OutlineJudge const second(both);
+    for (int i = 0; i < 500; ++i) {
+        Pt const p(anywhere(random), anywhere(random));
+        EXPECT_EQ(second.Holds(p, kNonZero), first.Holds(p, kNonZero));
+    }
+    EXPECT_TRUE(trammel::OutlineArrangement({}, 0.0).Faces().empty());
 }
 
 TEST(OutlineOperations, CutCirclesWhereTheyCross) {
