@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string_view>
@@ -34,15 +35,11 @@ SvgNumeral Spelled(bool negative, char const* digits, int count, int exponent) {
         exponent = 0;
     }
 
-    char exponentText[8];
-    auto const exponentLength =
-        exponent == 0
-            ? std::ptrdiff_t{1}
-            : std::to_chars(exponentText, exponentText + sizeof exponentText, exponent).ptr -
-                  exponentText;
+    int const size = std::abs(exponent);
+    int const exponentLength = (exponent < 0 ? 1 : 0) + (size < 10 ? 1 : size < 100 ? 2 : 3);
     int const point = count + exponent; // digits in front of the point, below 0: zeros after it
     int const plainLength = exponent >= 0 ? point : point > 0 ? count + 1 : 1 - exponent;
-    if (plainLength <= count + 1 + static_cast<int>(exponentLength)) {
+    if (plainLength <= count + 1 + exponentLength) {
         // From the first digit, or the point in front of it, to the last digit or the unit.
         int const whole = std::min(std::max(point, 0), count);
         end = std::copy_n(digits, whole, end);
@@ -56,7 +53,7 @@ SvgNumeral Spelled(bool negative, char const* digits, int count, int exponent) {
     } else {
         end = std::copy_n(digits, count, end);
         *end++ = 'e';
-        end = std::copy_n(exponentText, exponentLength, end);
+        end = std::to_chars(end, out.text + sizeof out.text, exponent).ptr;
         out.fraction = true;
     }
     out.length = static_cast<std::size_t>(end - out.text);
@@ -222,7 +219,12 @@ public:
     /// True where it is certain that `from` and no decimal give `to` that is as far as `distance`,
     /// or farther, from the rounded number. False says nothing.
     bool NoneGives(double from, double to, double distance) const {
-        double const way = distance * (1.0 - 0x1p-20) - (std::abs(mOff) + 2.0) * std::abs(mUlp);
+        double const most = distance * (1.0 - 0x1p-20);
+        if (from == 0.0) {
+            // `to` is the number itself, which only decimals within half a unit read as.
+            return most > (std::abs(mOff) + 0.51) * std::abs(mUlp);
+        }
+        double const way = most - (std::abs(mOff) + 2.0) * std::abs(mUlp);
         return way > 0.0 && !Same(from + (mNumber + way), to) && !Same(from + (mNumber - way), to);
     }
 
