@@ -46,6 +46,32 @@ constexpr Size kLargestCopiedRoom = 256;
 /// Blocks with less room than this keep it: giving it back is not worth a reallocation.
 constexpr Size kSmallestShrinkingBlock = 256;
 
+/// A record with its first block, so that a small handle takes one piece of memory. A block that
+/// grows out of it leaves it unused. The record's address tells that it is one of these: other
+/// records begin at an address that 16 divides.
+struct SmallHandle {
+    char bytes[kLeastMemory];
+    std::uint64_t unused;
+    BlockRecord record;
+};
+static_assert(offsetof(SmallHandle, record) % 16 == 8 && sizeof(SmallHandle) == 128);
+
+/// Returns what the record is a part of; null for a record of its own.
+SmallHandle* SmallHandleOf(BlockRecord* record) {
+    bool const isSmall = reinterpret_cast<std::uintptr_t>(record) % 16 != 0;
+    return isSmall ? reinterpret_cast<SmallHandle*>(reinterpret_cast<char*>(record) -
+                                                    offsetof(SmallHandle, record))
+                   : nullptr;
+}
+
+/// Frees the record's block, unless it goes with the record.
+void FreeBlock(BlockRecord* record) {
+    SmallHandle* const small = SmallHandleOf(record);
+    if (small == nullptr || record->block != small->bytes) {
+        std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): see Allocate
+    }
+}
+
 /// Adds to a counter. Processors need as long for an atomic addition as for making a small block.
 /// The C library tells when there is no other thread, and then a plain addition does.
 void Count(std::atomic<long>& counter, long added) {
@@ -81,31 +107,56 @@ void* Allocate(Size room, bool clear) {
     return clear ? std::calloc(bytes, 1) : std::malloc(bytes);
 }
 
+/// Returns a record with a block of at most kLeastMemory bytes; null on failure.
+BlockRecord* MakeSmall(Size size, bool clear) {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
+    auto* const small = static_cast<SmallHandle*>(std::malloc(sizeof(SmallHandle)));
+    if (small == nullptr) {
+        return nullptr;
+    }
+    if (clear) {
+        std::memset(small->bytes, 0, Bytes(size));
+    }
+    StoreBlock(&small->record, small->bytes);
+    return &small->record;
+}
+
+/// The same for a block of any size.
+BlockRecord* MakeLarge(Size size, bool clear) {
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
+    auto* const record = static_cast<BlockRecord*>(std::malloc(sizeof(BlockRecord)));
+    if (record == nullptr) {
+        return nullptr;
+    }
+    void* const block = Allocate(RoomFor(size), clear);
+    if (block == nullptr) {
+        std::free(record); // NOLINT(cppcoreguidelines-no-malloc): as above
+        return nullptr;
+    }
+    StoreBlock(record, static_cast<Ptr>(block));
+    return record;
+}
+
 /// Returns a new handle to `size` bytes, zero or (for callers that fill them) undefined; null on
 /// failure.
 Handle MakeBlock(Size size, bool clear) {
     if (!IsBlockSize(size) || TakeInjectedFailure()) {
         return nullptr;
     }
-    BlockRecord* const record = new (std::nothrow) BlockRecord;
+    BlockRecord* const record =
+        size <= kLeastMemory ? MakeSmall(size, clear) : MakeLarge(size, clear);
     if (record == nullptr) {
         return nullptr;
     }
-    void* const block = Allocate(RoomFor(size), clear);
-    if (block == nullptr) {
-        delete record;
-        return nullptr;
-    }
-    StoreBlock(record, static_cast<Ptr>(block));
     record->size = size;
-    record->capacity = RoomFor(size);
+    record->capacity = MemoryFor(RoomFor(size));
     Count(gLiveHandles, 1);
     return &record->block;
 }
 
 /// Returns memory for `capacity` bytes that holds the block's bytes in use, and frees the former
 /// memory unless it serves again. Returns null when memory is short, and then nothing has changed.
-void* MoveBytes(BlockRecord const* record, Size capacity) {
+void* MoveBytes(BlockRecord* record, Size capacity) {
     if (MemoryFor(capacity) == MemoryFor(record->capacity)) {
         return record->block;
     }
@@ -117,7 +168,7 @@ void* MoveBytes(BlockRecord const* record, Size capacity) {
     void* const block = Allocate(capacity, false);
     if (block != nullptr) {
         std::memcpy(block, record->block, Bytes(std::min(record->size, capacity)));
-        std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): as above
+        FreeBlock(record);
     }
     return block;
 }
@@ -256,8 +307,10 @@ void DisposeHandle(Handle h) noexcept {
         return;
     }
     BlockRecord* const record = RecordOf(h);
-    std::free(record->block); // NOLINT(cppcoreguidelines-no-malloc): as above
-    delete record;
+    FreeBlock(record);
+    SmallHandle* const small = SmallHandleOf(record);
+    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
+    std::free(small != nullptr ? static_cast<void*>(small) : record);
     Count(gLiveHandles, -1);
 }
 
