@@ -15,6 +15,22 @@
 
 namespace trammel_detail {
 
+/// Returns the curve with v and h of its points in turn.
+[[gnu::always_inline]] inline FlatCubic CubicOf(double const* points) {
+    Double2 const p0 = Double2::Load(points);
+    Double2 const p1 = Double2::Load(points + 2);
+    Double2 const p2 = Double2::Load(points + 4);
+    Double2 const p3 = Double2::Load(points + 6);
+    Double2 const a = p1 - p0;
+    Double2 const middle = p2 - p1;
+    Double2 const b = middle - a;
+    Double2 const last = p3 - p2;
+    Double2 const c = (last - middle) - b;
+    Double2 const end = p3 - p0;
+    return {Lane<1>(a), Lane<0>(a),   Lane<1>(b),   Lane<0>(b),    Lane<1>(c),
+            Lane<0>(c), Lane<1>(end), Lane<0>(end), Lane<1>(last), Lane<0>(last)};
+}
+
 /// Four places on a curve: parameters, points relative to the start, thirds of the derivatives.
 template <class Vector> struct PlaceLanes { Vector t, h, v, dh, dv; };
 
@@ -51,15 +67,6 @@ template <class Vector> struct CubicLanes {
                 Select(inside, aV + (twoBV + riseV) * t, lastV)};
     }
 };
-
-/// Returns |B' x B''| / 18 at four parameters.
-template <class Vector>
-[[gnu::always_inline]] inline Vector BendOf(FlatCubic const& c, Vector const& t) {
-    Vector const bend0 = Vector(c.aH * c.bV - c.aV * c.bH);
-    Vector const bend1 = Vector(c.aH * c.cV - c.aV * c.cH);
-    Vector const bend2 = Vector(c.bH * c.cV - c.bV * c.cH);
-    return Abs(bend0 + (bend1 + bend2 * t) * t);
-}
 
 /// Returns the mask of the lanes in which the piece from one place to the other keeps the
 /// tolerance. `limit` is the square of the tolerance.
@@ -210,21 +217,47 @@ template <class Vector>
     Verify<Vector>(c, tolerance, NextParameters<Vector>(plan, run.t), run);
 }
 
-/// Chords per unit of the parameter, about constant on a panel, and the inverse.
+// ------------------------------------------------------------------------------------------------
+// Few and some chords
+
+/// The vectors of a cubic that a density takes: a third of the derivative is a + 2bt + ct².
+template <class Vector> struct BendCubic { Vector aH, aV, bH, bV, cH, cV; };
+
+/// Chords per unit of the parameter, and nearly the inverse.
 template <class Vector> struct Density { Vector chords, inverse; };
 
-/// Returns the densities of four panels from the first two derivatives in their middles. (h, v) is
-/// a third of the first one. (turnH, turnV) is a third of the second one, times the panel's width.
+/// The width of a panel as it counts for the density in its middle.
+struct PanelShape {
+    double speed; ///< the mean of (2x)² over the panel; half of it does better in trials
+    double bend;  ///< the mean of x² over the panel
+};
+constexpr PanelShape ShapeOf(int panels) {
+    double const square = 1.0 / (12.0 * panels * panels);
+    return {2.0 * square, square};
+}
+inline constexpr PanelShape kFewShape = ShapeOf(kFewPanels);
+inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels);
+
+/// Returns the density of panels from the derivatives in their middles, at `t`.
+///
+/// Speed and bend are means over the panel, as they are 0 only for a moment: at a cusp and where
+/// the curve turns the other way. The density is neither 0, infinite nor NaN. It is at least 1/16,
+/// so that the parameters keep enough digits.
 template <class Vector>
-[[gnu::always_inline]] inline Density<Vector> DensityOf(Vector const& h, Vector const& v,
-                                                        Vector const& turnH, Vector const& turnV,
-                                                        Vector const& scaledBend) {
-    // The mean of the squared speed over the panel: it is not 0 beside a cusp. The density is
-    // sqrt(bend / speed), so its fourth power is wanted.
-    Vector const square = (h * h + v * v) + Vector(1.0 / 12.0) * (turnH * turnH + turnV * turnV);
-    Vector const fourth = scaledBend * scaledBend / square;
-    // Neither 0, infinite nor NaN.
-    Vector const x = Min(Max(fourth, Vector(0x1p-200)), Vector(0x1p200));
+[[gnu::always_inline]] inline Density<Vector> DensityOf(BendCubic<Vector> const& c, Vector const& t,
+                                                        Vector const& scale,
+                                                        PanelShape const& shape) {
+    Vector const turnH = c.bH + c.cH * t;
+    Vector const turnV = c.bV + c.cV * t;
+    Vector const h = c.aH + (c.bH + turnH) * t;
+    Vector const v = c.aV + (c.bV + turnV) * t;
+    Vector const bend = h * turnV - v * turnH;
+    Vector const rise = h * c.cV - v * c.cH;
+    Vector const bends = bend * bend + Vector(shape.bend) * (rise * rise);
+    Vector const speeds = (h * h + v * v) + Vector(shape.speed) * (turnH * turnH + turnV * turnV);
+    // The density is sqrt(scale·bend / speed), so its fourth power is wanted.
+    Vector const fourth = (scale * scale) * bends / speeds;
+    Vector const x = Min(Max(fourth, Vector(0x1p-16)), Vector(0x1p200));
     // A step of Newton's method for the inverse; the error falls to 0.25 %, which suffices.
     Vector const rough = RoughInverseFourthRoot(x);
     Vector const rough2 = rough * rough;
@@ -232,263 +265,607 @@ template <class Vector>
     return {(x * y) * (y * y), y};
 }
 
-inline constexpr double kSomeMiddles[kSomePanels] = {
-    1.0 / 32,  3.0 / 32,  5.0 / 32,  7.0 / 32,  9.0 / 32,  11.0 / 32, 13.0 / 32, 15.0 / 32,
-    17.0 / 32, 19.0 / 32, 21.0 / 32, 23.0 / 32, 25.0 / 32, 27.0 / 32, 29.0 / 32, 31.0 / 32};
+/// The parameters in a panel are first + y·(each + y·more), where y is the integral of the density.
+///
+/// The inverse of the density is taken as linear in y. It has the value of the panel in its middle,
+/// and a slope by the neighbours' values.
+template <class Vector> struct PanelLine {
+    Vector first, each, more;
 
-inline constexpr double kSomeEnds[kSomePanels + 1] = {
-    0.0,      1.0 / 16,  2.0 / 16,  3.0 / 16,  4.0 / 16,  5.0 / 16,  6.0 / 16,  7.0 / 16, 8.0 / 16,
-    9.0 / 16, 10.0 / 16, 11.0 / 16, 12.0 / 16, 13.0 / 16, 14.0 / 16, 15.0 / 16, 1.0};
-/// The numbers of chords, and three more for whole vectors.
-inline constexpr double kNumbers[kSomeChords + 4] = {
-    1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14, 15, 16, 17, 18,
-    19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30, 31, 32, 33, 34, 35, 36};
-
-/// The density is taken as constant on each panel. The parameters at which chords end are then a
-/// linear function of their numbers there.
-template <class Vector>
-[[gnu::always_inline]] inline int SomeChordsForm(FlatCubic const& c, double scale, double tolerance,
-                                                 FlatRun& run) {
-    double chords[kSomePanels];
-    double inverses[kSomePanels];
-    {
-        Vector const bend0 = Vector(scale * (c.aH * c.bV - c.aV * c.bH));
-        Vector const bend1 = Vector(scale * (c.aH * c.cV - c.aV * c.cH));
-        Vector const bend2 = Vector(scale * (c.bH * c.cV - c.bV * c.cH));
-        Vector const width = Vector(2.0 / kSomePanels);
-        for (int i = 0; i < kSomePanels; i += 4) {
-            Vector const t = Vector::Load(kSomeMiddles + i);
-            Vector const riseH = Vector(c.cH) * t;
-            Vector const riseV = Vector(c.cV) * t;
-            Density<Vector> const density = DensityOf(
-                Vector(c.aH) + (Vector(2.0 * c.bH) + riseH) * t,
-                Vector(c.aV) + (Vector(2.0 * c.bV) + riseV) * t, width * (Vector(c.bH) + riseH),
-                width * (Vector(c.bV) + riseV), bend0 + (bend1 + bend2 * t) * t);
-            density.chords.Store(chords + i);
-            density.inverse.Store(inverses + i);
-        }
-    }
-    double sums[kSomePanels + 1]; // in panels' widths
-    sums[0] = 0.0;
-    double sum = 0.0;
-    for (int i = 0; i < kSomePanels; i += 4) { // only one addition waits for the panels before
-        double const two = chords[i] + chords[i + 1];
-        sums[i + 1] = sum + chords[i];
-        sums[i + 2] = sum + two;
-        sums[i + 3] = sum + (two + chords[i + 2]);
-        sum += two + (chords[i + 2] + chords[i + 3]);
-        sums[i + 4] = sum;
-    }
-    double const planned = sum * (1.0 / kSomePanels);
-    if (!(planned <= kSomeChords)) {
-        return 0;
-    }
-    int const whole = static_cast<int>(planned);
-    int const count = whole < planned ? whole + 1 : whole;
-    double const step = sum / count;
-    double const perChord = count / sum;
-    // Parameters are first + number·each, between the panel's ends.
-    constexpr double kWidth = 1.0 / kSomePanels;
-    double first[kSomePanels];
-    double each[kSomePanels];
-    double ends[kSomePanels];
-    for (int i = 0; i < kSomePanels; i += 4) {
-        Vector const rate = Vector::Load(inverses + i) * Vector(kWidth);
-        (rate * Vector(step)).Store(each + i);
-        (Vector::Load(kSomeEnds + i) - rate * Vector::Load(sums + i)).Store(first + i);
-        (Vector::Load(sums + i + 1) * Vector(perChord)).Store(ends + i);
-    }
-    ends[kSomePanels - 1] = count;
-    int done = 0;
-    for (int panel = 0; panel < kSomePanels; ++panel) {
-        int const end = static_cast<int>(ends[panel]);
-        Vector const each4 = Vector(each[panel]);
-        Vector const first4 = Vector(first[panel]);
-        Vector const least = Vector(kSomeEnds[panel]);
-        Vector const most = Vector(kSomeEnds[panel + 1]);
-        // Four are stored even for none: a branch could not be predicted.
-        do {
-            Vector const t = first4 + Vector::Load(kNumbers + done) * each4;
-            Min(Max(t, least), most).Store(run.t + 1 + done);
-            done += 4;
-        } while (done < end);
-        done = end;
-    }
-    run.t[0] = 0.0;
-    run.t[count] = 1.0;
-    Vector(1.0).Store(run.t + 1 + count); // for the rest of the last vector
-    run.h[0] = 0.0;
-    run.v[0] = 0.0;
-    run.dh[0] = c.aH;
-    run.dv[0] = c.aV;
-    Verify<Vector>(c, tolerance, count, run);
-    return count;
-}
-
-/// The parameters in the middles of four panels.
-inline constexpr double kMiddles[4] = {0.125, 0.375, 0.625, 0.875};
-
-/// A curve for which few more chords than one are planned may keep the tolerance with one.
-inline constexpr double kPerhapsOne = 2.0;
-
-/// Row n holds j/n for j = 1, 2, ... up to n, then ones.
-inline constexpr double kShares[kFewChords + 1][kFewChords] = {
-    {1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0}, // unused
-    {1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
-    {1.0 / 2, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
-    {1.0 / 3, 2.0 / 3, 1.0, 1.0, 1.0, 1.0, 1.0, 1.0},
-    {1.0 / 4, 2.0 / 4, 3.0 / 4, 1.0, 1.0, 1.0, 1.0, 1.0},
-    {1.0 / 5, 2.0 / 5, 3.0 / 5, 4.0 / 5, 1.0, 1.0, 1.0, 1.0},
-    {1.0 / 6, 2.0 / 6, 3.0 / 6, 4.0 / 6, 5.0 / 6, 1.0, 1.0, 1.0},
-    {1.0 / 7, 2.0 / 7, 3.0 / 7, 4.0 / 7, 5.0 / 7, 6.0 / 7, 1.0, 1.0},
-    {1.0 / 8, 2.0 / 8, 3.0 / 8, 4.0 / 8, 5.0 / 8, 6.0 / 8, 7.0 / 8, 1.0}};
-
-/// The integral of the density, which is taken as constant on each of four panels. The unit is a
-/// panel's width, a fourth of the parameter.
-template <class Vector> struct FewPanels {
-    double total;       ///< the integral over all panels
-    Vector total4;      ///< `total` in all lanes
-    Vector sums[3];     ///< the integrals up to the ends of the first three panels
-    Vector inverses[4]; ///< the inverses of the densities
-
-    [[gnu::always_inline]] inline FewPanels(CubicLanes<Vector> const& c, FlatCubic const& curve,
-                                            double scale) {
-        Vector const t = Vector::Load(kMiddles);
-        Vector const width = Vector(0.25);
-        Vector const riseH = c.cH * t;
-        Vector const riseV = c.cV * t;
-        Density<Vector> const density =
-            DensityOf(c.aH + (c.twoBH + riseH) * t, c.aV + (c.twoBV + riseV) * t,
-                      width * (c.twoBH + (riseH + riseH)), width * (c.twoBV + (riseV + riseV)),
-                      BendOf<Vector>(curve, t) * Vector(scale));
-        double d[4];
-        double inverse[4];
-        density.chords.Store(d);
-        density.inverse.Store(inverse);
-        double const two = d[0] + d[1];
-        sums[0] = Vector(d[0]);
-        sums[1] = Vector(two);
-        sums[2] = Vector(two + d[2]);
-        total = two + (d[2] + d[3]);
-        total4 = Vector(total);
-        for (int i = 0; i < 4; ++i) {
-            inverses[i] = Vector(inverse[i]);
-        }
-    }
-    /// Returns the parameters up to which the given shares of the integral lie.
-    [[gnu::always_inline]] inline Vector At(Vector const& share) const {
-        Vector const y = share * total4;
-        Vector sum = Vector(0.0);
-        Vector panel = sum;
-        Vector inverse = inverses[0];
-        for (int i = 0; i < 3; ++i) {
-            auto const beyond = sums[i] <= y;
-            sum = Select(beyond, sums[i], sum);
-            panel = Select(beyond, Vector(i + 1), panel);
-            inverse = Select(beyond, inverses[i + 1], inverse);
-        }
-        return (panel + (y - sum) * inverse) * Vector(0.25);
+    /// `index` counts panels of the width. `start` is the integral up to the panel, in widths.
+    [[gnu::always_inline]] inline PanelLine(double width, Vector const& index, Vector const& start,
+                                            Density<Vector> const& density,
+                                            Vector const& inverseBefore,
+                                            Vector const& inverseBehind) {
+        Vector const slope = (inverseBehind - inverseBefore) * (Vector(0.25) * density.chords);
+        // The parameters increase.
+        Vector const turn = Min(Max(slope, Vector(-0.95)), Vector(0.95));
+        Vector const rest = Vector(1.0) - turn;
+        Vector const from = start * density.inverse;
+        Vector const turned = turn * from;
+        Vector const rate = Vector(width) * density.inverse;
+        first = Vector(width) * (index - from * (rest - turned));
+        each = rate * (rest - (turned + turned));
+        more = rate * (turn * density.inverse);
     }
 };
 
-/// Computes and stores the points that divide the curve into `chords` chords by equal shares of the
-/// integral: v and h in turn, as sums of the origin and the point. True when all chords keep the
-/// tolerance, whose square is `limit`.
-template <class Vector>
-[[gnu::always_inline]] inline bool
-DivideIntoFew(CubicLanes<Vector> const& c, FewPanels<Vector> const& panels, int chords,
-              double limit, Vector const& originH, Vector const& originV, double* out) {
-    PlaceLanes<Vector> before = c.Start();
-    unsigned keeping = 0;
-    for (int i = 0; i < chords; i += 4) {
-        Vector const share = Vector::Load(kShares[chords] + i);
-        Vector const t = Select(share < Vector(1.0), panels.At(share), Vector(1.0));
-        PlaceLanes<Vector> const places = c.At(t);
-        double* const begin = out + std::ptrdiff_t{2} * i;
-        double* const to[4] = {begin, begin + 2, begin + 4, begin + 6};
-        StorePairs(originV + places.v, originH + places.h, to);
-        auto const keeps = Keep(Preceding(before, places), places, Vector(limit));
-        keeping |= keeps.Bits() << static_cast<unsigned>(i);
-        before = places;
+/// The vectors of a cubic that its points and chords take, as they stand in a FlatPack.
+template <class Vector> struct ChordCubic {
+    Vector bH, bV, cH, cV, threeAH, threeAV, threeBH, threeBV;
+    Vector quarter; ///< of the square of c
+    Vector originH, originV;
+};
+
+/// Parameters, and points relative to the start.
+template <class Vector> struct ChordEnds { Vector t, h, v; };
+
+/// Stores the points at four parameters: v and h in turn, as sums of the origin and the point.
+/// Returns the mask of the chords to them that are known to keep the tolerance, whose square is
+/// `limit`. `before` holds the ends of the chords before, and gets these.
+///
+/// Let w be a sixth of the second derivative in the middle of a chord d of width h. The curve's
+/// distance from the chord's line is
+///
+///     3h²·s(1 - s)·|d x w + (s - 1/2)·h/3·(d x c)| / |d|,   0 <= s <= 1
+///
+/// Its maximum is a convex function of the two products. So linear interpolation bounds it, between
+/// quotients of 0, 3/2 and infinity. The curve does not leave the chord at an end where no second
+/// derivative on it is longer than 2·|d|/h².
+///
+/// A curve runs onward if no two of its derivatives point more than a right angle apart. Then it
+/// does not leave any chord at an end, and its chords are as long as they have to be.
+template <bool kOnward, class Vector>
+[[gnu::always_inline]] inline unsigned StoreChords(ChordCubic<Vector> const& c, Vector const& limit,
+                                                   Vector const& t, ChordEnds<Vector>& before,
+                                                   double* out) {
+    Vector const h = (c.threeAH + (c.threeBH + c.cH * t) * t) * t;
+    Vector const v = (c.threeAV + (c.threeBV + c.cV * t) * t) * t;
+    double* const to[4] = {out, out + 2, out + 4, out + 6};
+    StorePairs(c.originV + v, c.originH + h, to);
+    Vector const width = t - Preceding(before.t, t);
+    Vector const dh = h - Preceding(before.h, h);
+    Vector const dv = v - Preceding(before.v, v);
+    before = {t, h, v};
+    Vector const middle = t - Vector(0.5) * width;
+    Vector const wh = c.bH + c.cH * middle;
+    Vector const wv = c.bV + c.cV * middle;
+    Vector const square = dh * dh + dv * dv;
+    Vector const width2 = width * width;
+    Vector const mean = Abs(dh * wv - dv * wh);
+    Vector const change = width * Abs(dh * c.cV - dv * c.cH);
+    Vector const off = width2 * Max(Vector(0.75) * mean + Vector(0.00759) * change,
+                                    Vector(0.68921) * mean + Vector(0.048113) * change);
+    auto const near = off * off <= limit * square;
+    if constexpr (kOnward) {
+        return near.Bits();
+    } else {
+        Vector const second = (wh * wh + wv * wv) + width2 * c.quarter;
+        auto const within = (width2 * width2) * second <= Vector(1.0 / 18.0) * square;
+        return (near & within & IsChord(square, limit)).Bits();
     }
-    return (~keeping & ((1U << static_cast<unsigned>(chords)) - 1)) == 0;
+}
+
+inline constexpr double kFewMiddles[kFewPanels] = {0.125, 0.375, 0.625, 0.875};
+/// The numbers of chords.
+inline constexpr double kNumbers[kSomeChords] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 11,
+                                                 12, 13, 14, 15, 16, 17, 18, 19, 20, 21, 22,
+                                                 23, 24, 25, 26, 27, 28, 29, 30, 31, 32};
+/// The parameter as a function of the integral of the density.
+template <class Vector> struct FewPanels {
+    Vector sums[kFewPanels - 1]; ///< the integrals up to the ends of the panels but the last
+    Vector first[kFewPanels];    ///< see PanelLine
+    Vector each[kFewPanels];
+    Vector more[kFewPanels];
+
+    [[gnu::always_inline]] inline Vector At(Vector const& y) const {
+        Vector from = first[0];
+        Vector rate = each[0];
+        Vector rise = more[0];
+        for (int i = 0; i + 1 < kFewPanels; ++i) {
+            auto const beyond = sums[i] <= y;
+            from = Select(beyond, first[i + 1], from);
+            rate = Select(beyond, each[i + 1], rate);
+            rise = Select(beyond, more[i + 1], rise);
+        }
+        return from + y * (rate + y * rise);
+    }
+};
+
+/// Tells whether the chord from end to end is near enough to the curve's line. StoreChords says
+/// how. Between quotients of 3/2 and infinity there is one of 6 more.
+template <class Number>
+[[gnu::always_inline]] inline auto
+IsNearWhole(Number const& endH, Number const& endV, Number const& limit, Number const& bH,
+            Number const& bV, Number const& cH, Number const& cV) {
+    Number const square = endH * endH + endV * endV;
+    Number const wh = bH + Number(0.5) * cH;
+    Number const wv = bV + Number(0.5) * cV;
+    Number const mean = Abs(endH * wv - endV * wh);
+    Number const change = Abs(endH * cV - endV * cH);
+    Number const off = Max(Max(Number(0.75) * mean + Number(0.00759) * change,
+                               Number(0.71886) * mean + Number(0.02835) * change),
+                           Number(0.6003) * mean + Number(0.048113) * change);
+    return off * off <= limit * square;
+}
+/// Tells whether that chord keeps the tolerance, whose square is `limit`.
+template <class Number>
+[[gnu::always_inline]] inline auto
+KeepsWhole(Number const& endH, Number const& endV, Number const& limit, Number const& aH,
+           Number const& aV, Number const& lastH, Number const& lastV) {
+    Number const square = endH * endH + endV * endV;
+    ChordDeviation<Number> const off =
+        DeviationOf(Number(1.0), endH, endV, square, aH, aV, lastH, lastV);
+    return (off.Square() <= limit * square) & IsChord(square, limit);
+}
+
+/// The tolerances at which a curve is planned, as factors of the bend divided by the speed.
+[[gnu::always_inline]] inline double FewScale(double tolerance) {
+    return 0.75 / (kPlanned * tolerance);
+}
+[[gnu::always_inline]] inline double SomeScale(double tolerance) {
+    return 0.75 / (kPlannedForSome * tolerance);
+}
+
+/// The squared bends up to which one chord, at most four, a few and some are tried, in squared
+/// tolerances. No more chords of equal bend are planned than equal steps of the parameter; but the
+/// plan is off by some per cent.
+inline constexpr double kOneBend = kMostBend * kMostBend;
+inline constexpr double kFourBend = kOneBend * Biquadrate(3.9);
+inline constexpr double kFewBend = kOneBend * Biquadrate(kFewSteps);
+inline constexpr double kSomeBend = kOneBend * Biquadrate(kSomeSteps);
+/// The finest tolerance for these, as a part of the sum of the coordinates' magnitudes. Coarser
+/// ones are above kFinest of the size.
+inline constexpr double kFineBeside = 0x1p-38;
+
+/// The control points' differences, v in lane 0 and h in lane 1.
+struct ChordPoints {
+    Double2 p0, a, last, b, b2;
+    double sum;  ///< of the coordinates' magnitudes
+    double bend; ///< the square of the longer second difference
+
+    [[gnu::always_inline]] inline explicit ChordPoints(double const* points)
+        : p0(Double2::Load(points)) {
+        Double2 const p1 = Double2::Load(points + 2);
+        Double2 const p2 = Double2::Load(points + 4);
+        Double2 const p3 = Double2::Load(points + 6);
+        a = p1 - p0;
+        last = p3 - p2;
+        Double2 const middle = p2 - p1;
+        b = middle - a;
+        b2 = last - middle;
+        Double2 const sums = (Abs(p0) + Abs(p1)) + (Abs(p2) + Abs(p3));
+        sum = Lane<0>(sums) + Lane<1>(sums);
+        Double2 const bends = b * b;
+        Double2 const bends2 = b2 * b2;
+        bend = Max(Lane<0>(bends) + Lane<1>(bends), Lane<0>(bends2) + Lane<1>(bends2));
+    }
+};
+
+/// Returns the vectors of a curve, its coefficients in all lanes.
+template <class Vector>
+[[gnu::always_inline]] inline BendCubic<Vector> BendOf(ChordPoints const& p) {
+    Double2 const c = p.b2 - p.b;
+    return {Vector(Lane<1>(p.a)), Vector(Lane<0>(p.a)), Vector(Lane<1>(p.b)),
+            Vector(Lane<0>(p.b)), Vector(Lane<1>(c)),   Vector(Lane<0>(c))};
+}
+/// Returns what points and chords take besides.
+template <class Vector>
+[[gnu::always_inline]] inline ChordCubic<Vector>
+ChordsOf(BendCubic<Vector> const& c, Vector const& originH, Vector const& originV) {
+    Vector const three = Vector(3.0);
+    return {c.bH,         c.bV,         c.cH,
+            c.cV,         three * c.aH, three * c.aV,
+            three * c.bH, three * c.bV, Vector(0.25) * (c.cH * c.cH + c.cV * c.cV),
+            originH,      originV};
+}
+
+/// Returns a mask of that many ones.
+[[gnu::always_inline]] inline std::uint64_t Ones(int count) {
+    return (std::uint64_t{1} << static_cast<unsigned>(count)) - 1;
+}
+
+/// Returns the least whole number that is not less. `x` is from 0 to some million.
+[[gnu::always_inline]] inline int Ceiling(double x) {
+    int const whole = static_cast<int>(x);
+    return whole + (whole < x ? 1 : 0);
+}
+
+/// The most chords that MendChords divides.
+inline constexpr int kMended = 4;
+
+/// Verifies the chords that fail again, by the longer test that decides. If no more than `most`
+/// fail then, divides them in the middle, where that suffices. Returns the number of chords.
+template <class Vector>
+[[gnu::noinline]] int MendChords(double const* points, double tolerance, int most, double* out,
+                                 int count, FlatChords& chords) {
+    chords.t[0] = 0.0;
+    CubicLanes<Vector> const cubic(CubicOf(points));
+    Vector const limit = Vector(tolerance * tolerance);
+    for (std::uint64_t left = chords.failing; left != 0;) {
+        auto const i = static_cast<unsigned>(__builtin_ctzll(left)) & ~3U;
+        unsigned const keeping = Keep(cubic.At(Vector::Load(chords.t + i)),
+                                      cubic.At(Vector::Load(chords.t + 1 + i)), limit)
+                                     .Bits();
+        chords.failing &= ~(std::uint64_t{keeping} << i);
+        left &= ~(std::uint64_t{15} << i);
+    }
+    if (chords.failing == 0) {
+        return count;
+    }
+    int failing[kMended] = {};
+    int added = 0;
+    for (std::uint64_t left = chords.failing; left != 0; left &= left - 1) {
+        if (added == most) {
+            return count;
+        }
+        failing[added++] = __builtin_ctzll(left);
+    }
+    if (count + added > kChordRoom) {
+        return count;
+    }
+    double from[kMended];
+    double to[kMended];
+    for (int i = 0; i < kMended; ++i) {
+        int const chord = failing[i < added ? i : 0];
+        from[i] = chords.t[chord];
+        to[i] = chords.t[chord + 1];
+    }
+    Vector const t0 = Vector::Load(from);
+    Vector const t1 = Vector::Load(to);
+    PlaceLanes<Vector> const middle = cubic.At(t0 + Vector(0.5) * (t1 - t0));
+    auto const keeps = Keep(cubic.At(t0), middle, limit) & Keep(middle, cubic.At(t1), limit);
+    if (keeps.Bits() != 15U) {
+        return count;
+    }
+    double h[kMended];
+    double v[kMended];
+    middle.h.Store(h);
+    middle.v.Store(v);
+    int last = count - 1;
+    for (int i = added - 1; i >= 0; --i) {
+        for (; last >= failing[i]; --last) {
+            Double2::Load(out + std::ptrdiff_t{2} * last)
+                .Store(out + std::ptrdiff_t{2} * (last + i + 1));
+        }
+        double* const point = out + std::ptrdiff_t{2} * (failing[i] + i);
+        point[0] = points[0] + v[i];
+        point[1] = points[1] + h[i];
+    }
+    chords.failing = 0;
+    return count + added;
+}
+
+inline constexpr double kSomeMiddles[kSomePanels] = {
+    1.0 / 32,  3.0 / 32,  5.0 / 32,  7.0 / 32,  9.0 / 32,  11.0 / 32, 13.0 / 32, 15.0 / 32,
+    17.0 / 32, 19.0 / 32, 21.0 / 32, 23.0 / 32, 25.0 / 32, 27.0 / 32, 29.0 / 32, 31.0 / 32};
+inline constexpr double kSomeIndices[kSomePanels] = {0, 1, 2,  3,  4,  5,  6,  7,
+                                                     8, 9, 10, 11, 12, 13, 14, 15};
+
+template <class Vector>
+[[gnu::noinline]] int SomeChords(double const* points, double tolerance, double* out,
+                                 FlatChords& chords) {
+    ChordPoints const p(points);
+    BendCubic<Vector> const c = BendOf<Vector>(p);
+    double densities[kSomePanels];
+    double inverses[kSomePanels + 2]; // with one more at either end
+    double sums[kSomePanels];         // up to the panels' ends, in panels' widths
+    Vector sum = Vector(0.0);
+    Vector const scale = Vector(SomeScale(tolerance));
+    for (int i = 0; i < kSomePanels; i += 4) {
+        Density<Vector> const density =
+            DensityOf(c, Vector::Load(kSomeMiddles + i), scale, kSomeShape);
+        density.chords.Store(densities + i);
+        density.inverse.Store(inverses + 1 + i);
+        sum = sum + RunningSums(density.chords);
+        sum.Store(sums + i);
+        sum = Vector(Lane<3>(sum));
+    }
+    inverses[0] = inverses[1];
+    inverses[kSomePanels + 1] = inverses[kSomePanels];
+    double const total = Lane<0>(sum);
+    double const planned = total * (1.0 / kSomePanels);
+    if (!(planned <= kSomeChords)) {
+        return 0;
+    }
+    int const count = Ceiling(planned);
+    double const step = total / count;
+    double const perChord = count / total;
+    double first[kSomePanels];
+    double each[kSomePanels];
+    double more[kSomePanels];
+    Vector before = Vector(0.0);
+    for (int i = 0; i < kSomePanels; i += 4) {
+        Vector const sumsHere = Vector::Load(sums + i);
+        PanelLine<Vector> const line(1.0 / kSomePanels, Vector::Load(kSomeIndices + i),
+                                     Preceding(before, sumsHere),
+                                     {Vector::Load(densities + i), Vector::Load(inverses + 1 + i)},
+                                     Vector::Load(inverses + i), Vector::Load(inverses + 2 + i));
+        before = sumsHere;
+        line.first.Store(first + i);
+        line.each.Store(each + i);
+        line.more.Store(more + i);
+    }
+    // The panel of each chord's end. A panel overwrites what the one before it stored for its ends.
+    std::uint8_t panels[2 * kSomeChords];
+    __builtin_memset(panels, 0, kSomeChords);
+#pragma GCC unroll 16
+    for (int i = 1; i < kSomePanels; ++i) {
+        __builtin_memset(panels + static_cast<int>(sums[i - 1] * perChord), i, kSomeChords);
+    }
+    ChordCubic<Vector> const cubic = ChordsOf(c, Vector(Lane<1>(p.p0)), Vector(Lane<0>(p.p0)));
+    Vector const limit = Vector(tolerance * tolerance);
+    Vector const zero = Vector(0.0);
+    Vector const last = Vector(count);
+    ChordEnds<Vector> ends = {zero, zero, zero};
+    std::uint64_t keeping = 0;
+    for (int i = 0; i < count; i += 4) {
+        Vector const number = Vector::Load(kNumbers + i);
+        Vector const y = number * Vector(step);
+        int const j0 = panels[i];
+        int const j1 = panels[i + 1];
+        int const j2 = panels[i + 2];
+        int const j3 = panels[i + 3];
+        Vector const inside = Vector::Of(first[j0], first[j1], first[j2], first[j3]) +
+                              y * (Vector::Of(each[j0], each[j1], each[j2], each[j3]) +
+                                   y * Vector::Of(more[j0], more[j1], more[j2], more[j3]));
+        Vector const t = Select(number < last, inside, Vector(1.0));
+        t.Store(chords.t + 1 + i);
+        keeping |=
+            std::uint64_t{StoreChords<false>(cubic, limit, t, ends, out + std::ptrdiff_t{2} * i)}
+            << static_cast<unsigned>(i);
+    }
+    chords.failing = ~keeping & Ones(count);
+    return chords.failing == 0 ? count
+                               : MendChords<Vector>(points, tolerance, kMended, out, count, chords);
+}
+
+/// Returns the parameters at which few chords end.
+template <class Vector>
+[[gnu::always_inline]] inline Vector FewEnds(FewPanels<Vector> const& panels, Vector const& number,
+                                             Vector const& step, Vector const& last) {
+    return Select(number < last, panels.At(number * step), Vector(1.0));
+}
+
+/// Returns the number of chords for an integral of the density over four panels: that rounded up,
+/// but two at least. A millionth of a chord more than a whole number is none.
+template <class Vector> [[gnu::always_inline]] inline Vector FewCount(Vector const& total) {
+    // No number from 2^52 on has digits behind the point.
+    Vector const up = Vector(1.0 / kFewPanels) * total + Vector(0.499999);
+    return Max((up + Vector(0x1p52)) - Vector(0x1p52), Vector(2.0));
+}
+
+/// Two to four chords, or two to kFewChords. Returns 0 for more, and where they do not keep the
+/// tolerance.
+template <int kMost, class Vector>
+[[gnu::always_inline]] inline int FewChords(double const* points, ChordPoints const& p,
+                                            double tolerance, double* out, FlatChords& chords) {
+    BendCubic<Vector> const c = BendOf<Vector>(p);
+    Density<Vector> const density =
+        DensityOf(c, Vector::Load(kFewMiddles), Vector(FewScale(tolerance)), kFewShape);
+    Vector const sums = RunningSums(density.chords);
+    Vector const total = Vector(Lane<3>(sums));
+    Vector const last = FewCount(total);
+    if (!(Lane<0>(last) <= kMost)) {
+        return 0;
+    }
+    auto const count = static_cast<int>(Lane<0>(last));
+    Vector const step = total / last;
+    Vector const zero = Vector(0.0);
+    Vector const inverse = density.inverse;
+    PanelLine<Vector> const line(1.0 / kFewPanels, Vector::Load(kCounting), Preceding(zero, sums),
+                                 density, Preceding(Vector(Lane<0>(inverse)), inverse),
+                                 Following(inverse, Vector(Lane<3>(inverse))));
+    FewPanels<Vector> const panels = {
+        {Vector(Lane<0>(sums)), Vector(Lane<1>(sums)), Vector(Lane<2>(sums))},
+        {Vector(Lane<0>(line.first)), Vector(Lane<1>(line.first)), Vector(Lane<2>(line.first)),
+         Vector(Lane<3>(line.first))},
+        {Vector(Lane<0>(line.each)), Vector(Lane<1>(line.each)), Vector(Lane<2>(line.each)),
+         Vector(Lane<3>(line.each))},
+        {Vector(Lane<0>(line.more)), Vector(Lane<1>(line.more)), Vector(Lane<2>(line.more)),
+         Vector(Lane<3>(line.more))}};
+    ChordCubic<Vector> const cubic = ChordsOf(c, Vector(Lane<1>(p.p0)), Vector(Lane<0>(p.p0)));
+    Vector const limit = Vector(tolerance * tolerance);
+    ChordEnds<Vector> ends = {zero, zero, zero};
+    unsigned keeping = 0;
+    for (int i = 0; i < kMost; i += 4) { // the points beyond the last one, too: no branch
+        Vector const t = FewEnds(panels, Vector::Load(kNumbers + i), step, last);
+        t.Store(chords.t + 1 + i);
+        keeping |= StoreChords<false>(cubic, limit, t, ends, out + std::ptrdiff_t{2} * i)
+                   << static_cast<unsigned>(i);
+    }
+    chords.failing = ~std::uint64_t{keeping} & Ones(count);
+    if (chords.failing == 0) {
+        return count;
+    }
+    // Where more than one fails, the longer plan takes fewer chords.
+    int const mended = MendChords<Vector>(points, tolerance, 1, out, count, chords);
+    return chords.failing == 0 ? mended : 0;
 }
 
 template <class Vector>
-[[gnu::always_inline]] inline int FewChordsForm(double const* points, double tolerance,
-                                                double* out) {
-    // v in lane 0, h in lane 1
-    Double2 const p0 = Double2::Load(points);
-    Double2 const p1 = Double2::Load(points + 2);
-    Double2 const p2 = Double2::Load(points + 4);
-    Double2 const p3 = Double2::Load(points + 6);
-    Double2 const a = p1 - p0;
-    Double2 const middle = p2 - p1;
-    Double2 const last = p3 - p2;
-    Double2 const b = middle - a;
-    Double2 const b2 = last - middle;
-    Double2 const end = p3 - p0;
-    Double2 const sizes = (Abs(a) + Abs(middle)) + Abs(last);
-    Double2 const sums = (Abs(p0) + Abs(p1)) + (Abs(p2) + Abs(p3));
-    double const size = Lane<0>(sizes) + Lane<1>(sizes);
-    double const sum = Lane<0>(sums) + Lane<1>(sums);
-    double const finest = kFinest * size;
+[[gnu::always_inline]] inline int DivideIntoChordsForm(double const* points, double tolerance,
+                                                       double* out, FlatChords& chords) {
+    ChordPoints const p(points);
     double const limit = tolerance * tolerance;
-    if (!(sum >= 0x1p-100 && sum <= 0x1p100 && size >= 0x1p-60 * sum)) { // also for a NaN
+    if (!(p.sum >= 0x1p-100 && p.sum <= 0x1p100 && tolerance > kFineBeside * p.sum)) { // or a NaN
         return -1;
     }
-    if (!(tolerance > finest)) {
-        return 0;
-    }
-    Double2 const bends = b * b;
-    Double2 const bends2 = b2 * b2;
-    double const bend = Max(Lane<0>(bends) + Lane<1>(bends), Lane<0>(bends2) + Lane<1>(bends2));
-    if (bend <= limit * (kMostBend * kMostBend)) {
+    chords.failing = 0;
+    if (p.bend <= limit * kOneBend) {
         return 1;
     }
-    if (bend > limit * (kMostBend * kMostBend * Biquadrate(kFewSteps))) {
-        return 0;
+    if (p.bend > limit * kFewBend) {
+        return p.bend <= limit * kSomeBend ? SomeChords<Vector>(points, tolerance, out, chords) : 0;
     }
-    FlatCubic c;
-    c.aH = Lane<1>(a);
-    c.aV = Lane<0>(a);
-    c.bH = Lane<1>(b);
-    c.bV = Lane<0>(b);
-    c.cH = Lane<1>(b2) - c.bH;
-    c.cV = Lane<0>(b2) - c.bV;
-    c.endH = Lane<1>(end);
-    c.endV = Lane<0>(end);
-    c.lastH = Lane<1>(last);
-    c.lastV = Lane<0>(last);
-    CubicLanes<Vector> const lanes(c);
-    FewPanels<Vector> const panels(lanes, c, 0.75 / (kPlanned * tolerance));
-    double const planned = 0.25 * panels.total;
-    if (!(planned <= kFewChords)) {
-        return 0;
-    }
-    if (planned <= kPerhapsOne) {
-        double const square = c.endH * c.endH + c.endV * c.endV;
-        ChordDeviation<double> const off =
-            DeviationOf(1.0, c.endH, c.endV, square, c.aH, c.aV, c.lastH, c.lastV);
-        if (IsChord(square, limit) && off.Square() <= limit * square) {
+    // Whether one chord does is found out before the plan: the processor then guesses wrong less.
+    Double2 const end = Double2::Load(points + 6) - p.p0;
+    Double2 const c = p.b2 - p.b;
+    double const square = Lane<0>(end) * Lane<0>(end) + Lane<1>(end) * Lane<1>(end);
+    if (!IsChord(square, limit)) { // the ends are as good as equal
+        double const first = Lane<0>(p.a) * Lane<0>(p.a) + Lane<1>(p.a) * Lane<1>(p.a);
+        double const last = Lane<0>(p.last) * Lane<0>(p.last) + Lane<1>(p.last) * Lane<1>(p.last);
+        if (ReachOf(1.0, square, Max(first, last)) <= tolerance) {
             return 1;
         }
-        if (planned <= 1.0) {
-            return 0;
+    }
+    if (IsNearWhole(Lane<1>(end), Lane<0>(end), limit, Lane<1>(p.b), Lane<0>(p.b), Lane<1>(c),
+                    Lane<0>(c)) &&
+        KeepsWhole(Lane<1>(end), Lane<0>(end), limit, Lane<1>(p.a), Lane<0>(p.a), Lane<1>(p.last),
+                   Lane<0>(p.last))) {
+        return 1;
+    }
+    int const count = p.bend <= limit * kFourBend
+                          ? FewChords<4, Vector>(points, p, tolerance, out, chords)
+                          : FewChords<kFewChords, Vector>(points, p, tolerance, out, chords);
+    return count != 0 ? count : SomeChords<Vector>(points, tolerance, out, chords);
+}
+
+// ------------------------------------------------------------------------------------------------
+// Four curves at a time: the same arithmetic, with a curve in each lane
+
+template <class Vector>
+[[gnu::always_inline]] inline void PlanPackForm(double const* const (&curves)[kPack],
+                                                double tolerance, FlatPack& pack) {
+    pack.tolerance = tolerance;
+    pack.limit = tolerance * tolerance;
+    for (int i = 0; i < kPack; ++i) {
+        pack.curves[i] = curves[i];
+    }
+    Vector v0 = Vector::Load(curves[0]);
+    Vector h0 = Vector::Load(curves[1]);
+    Vector v1 = Vector::Load(curves[2]);
+    Vector h1 = Vector::Load(curves[3]);
+    Transpose(v0, h0, v1, h1);
+    Vector v2 = Vector::Load(curves[0] + 4);
+    Vector h2 = Vector::Load(curves[1] + 4);
+    Vector v3 = Vector::Load(curves[2] + 4);
+    Vector h3 = Vector::Load(curves[3] + 4);
+    Transpose(v2, h2, v3, h3);
+    BendCubic<Vector> c;
+    c.aH = h1 - h0;
+    c.aV = v1 - v0;
+    Vector const middleH = h2 - h1;
+    Vector const middleV = v2 - v1;
+    Vector const lastH = h3 - h2;
+    Vector const lastV = v3 - v2;
+    c.bH = middleH - c.aH;
+    c.bV = middleV - c.aV;
+    Vector const b2H = lastH - middleH;
+    Vector const b2V = lastV - middleV;
+    c.cH = b2H - c.bH;
+    c.cV = b2V - c.bV;
+    Vector const sum =
+        ((Abs(v0) + Abs(v1)) + (Abs(v2) + Abs(v3))) + ((Abs(h0) + Abs(h1)) + (Abs(h2) + Abs(h3)));
+    Vector const bend = Max(c.bV * c.bV + c.bH * c.bH, b2V * b2V + b2H * b2H);
+    Vector const limit = Vector(pack.limit);
+    auto const ordinary = (sum >= Vector(0x1p-100)) & (sum <= Vector(0x1p100)) &
+                          (Vector(tolerance) > Vector(kFineBeside) * sum);
+    Vector const endH = h3 - h0;
+    Vector const endV = v3 - v0;
+    auto const tried =
+        ordinary & (bend <= limit * Vector(kFewBend)) & IsChord(endV * endV + endH * endH, limit);
+    if (tried.Bits() == 0) {
+        Vector(0.0).Store(pack.chords);
+        return;
+    }
+    ChordCubic<Vector> const cubic = ChordsOf(c, h0, v0);
+    Vector const numbers[kPackNumbers] = {
+        cubic.bH,      cubic.bV,      cubic.cH,      cubic.cV,      cubic.threeAH, cubic.threeAV,
+        cubic.threeBH, cubic.threeBV, cubic.quarter, cubic.originH, cubic.originV};
+    for (int i = 0; i < kPackNumbers; ++i) {
+        numbers[i].Store(pack.numbers[i]);
+    }
+    FewPanels<Vector> panels;
+    Density<Vector> densities[kFewPanels];
+    for (int i = 0; i < kFewPanels; ++i) {
+        densities[i] = DensityOf(c, Vector(kFewMiddles[i]), Vector(FewScale(tolerance)), kFewShape);
+    }
+    panels.sums[0] = densities[0].chords;
+    panels.sums[1] = densities[0].chords + densities[1].chords;
+    panels.sums[2] = panels.sums[1] + densities[2].chords;
+    Vector const total = panels.sums[1] + (densities[2].chords + densities[3].chords);
+    for (int i = 0; i < kFewPanels; ++i) {
+        PanelLine<Vector> const line(1.0 / kFewPanels, Vector(i),
+                                     i == 0 ? Vector(0.0) : panels.sums[i == 0 ? 0 : i - 1],
+                                     densities[i], densities[i == 0 ? 0 : i - 1].inverse,
+                                     densities[i == kFewPanels - 1 ? i : i + 1].inverse);
+        panels.first[i] = line.first;
+        panels.each[i] = line.each;
+        panels.more[i] = line.more;
+    }
+    Vector const planned = FewCount(total);
+    auto one = bend <= limit * Vector(kOneBend);
+    auto const near = IsNearWhole(endH, endV, limit, c.bH, c.bV, c.cH, c.cV);
+    if ((tried & near).Bits() != 0) {
+        one = one | (near & KeepsWhole(endH, endV, limit, c.aH, c.aV, lastH, lastV));
+    }
+    Vector const turns =
+        Min(Min(c.aH * middleH + c.aV * middleV, middleH * lastH + middleV * lastV),
+            c.aH * lastH + c.aV * lastV);
+    pack.onward = (turns >= Vector(0.0)).Bits();
+    Vector const most = Select(bend <= limit * Vector(kFourBend), Vector(4.0), Vector(kFewChords));
+    auto const few = planned <= most;
+    Vector const count = Select(one, Vector(1.0), planned);
+    Select(tried & (one | few), count, Vector(0.0)).Store(pack.chords);
+    Vector const step = total / count;
+    Vector const four = Vector(4.0);
+    for (auto& ends : pack.t) {
+        Vector const before = &ends == &pack.t[0] ? Vector(0.0) : four;
+        Vector t0 = FewEnds(panels, before + Vector(1.0), step, count);
+        Vector t1 = FewEnds(panels, before + Vector(2.0), step, count);
+        Vector t2 = FewEnds(panels, before + Vector(3.0), step, count);
+        Vector t3 = FewEnds(panels, before + four, step, count);
+        Transpose(t0, t1, t2, t3);
+        t0.Store(ends[0]);
+        t1.Store(ends[1]);
+        t2.Store(ends[2]);
+        t3.Store(ends[3]);
+        if ((tried & few & (count > four)).Bits() == 0) {
+            break;
         }
     }
-    int const whole = static_cast<int>(planned);
-    int const chords = whole < planned ? whole + 1 : whole;
-    Vector const originH = Vector(Lane<1>(p0));
-    Vector const originV = Vector(Lane<0>(p0));
-    if (DivideIntoFew(lanes, panels, chords, limit, originH, originV, out)) {
-        return chords;
+}
+
+/// Returns the chords of a curve of a pack that are not known to keep the tolerance.
+template <bool kOnward, class Vector>
+[[gnu::always_inline]] inline unsigned StorePacked(FlatPack const& pack, int curve, int count,
+                                                   double* out) {
+    double const* const n = pack.numbers[0] + curve;
+    auto const number = [n](int i) __attribute__((always_inline)) {
+        return Vector(n[std::ptrdiff_t{kPack} * i]);
+    };
+    ChordCubic<Vector> const cubic = {number(0), number(1), number(2), number(3),
+                                      number(4), number(5), number(6), number(7),
+                                      number(8), number(9), number(10)};
+    Vector const zero = Vector(0.0);
+    Vector const limit = Vector(pack.limit);
+    ChordEnds<Vector> ends = {zero, zero, zero};
+    unsigned keeping =
+        StoreChords<kOnward>(cubic, limit, Vector::Load(pack.t[0][curve]), ends, out);
+    if (count > 4) {
+        keeping |= StoreChords<kOnward>(cubic, limit, Vector::Load(pack.t[1][curve]), ends, out + 8)
+                   << 4U;
     }
-    if (chords < kFewChords &&
-        DivideIntoFew(lanes, panels, chords + 1, limit, originH, originV, out)) {
-        return chords + 1;
+    return ~keeping & static_cast<unsigned>(Ones(count));
+}
+
+template <class Vector>
+[[gnu::always_inline]] inline int DividePackedForm(FlatPack const& pack, int curve, int count,
+                                                   double* out) {
+    bool const onward = (pack.onward >> static_cast<unsigned>(curve) & 1U) != 0;
+    unsigned const failing = onward ? StorePacked<true, Vector>(pack, curve, count, out)
+                                    : StorePacked<false, Vector>(pack, curve, count, out);
+    if (failing == 0) {
+        return count;
     }
-    return 0;
+    FlatChords chords;
+    chords.failing = failing;
+    Vector::Load(pack.t[0][curve]).Store(chords.t + 1);
+    Vector::Load(pack.t[1][curve]).Store(chords.t + 5); // means nothing for up to four chords
+    int const mended =
+        MendChords<Vector>(pack.curves[curve], pack.tolerance, 1, out, count, chords);
+    return chords.failing == 0 ? mended : 0;
 }
 
 } // namespace trammel_detail

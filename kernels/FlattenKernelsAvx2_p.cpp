@@ -15,12 +15,16 @@ void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, F
     NextFlatRunForm<WideDouble4>(curve, tolerance, plan, run);
 }
 
-int SomeChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
-    return SomeChordsForm<WideDouble4>(curve, scale, tolerance, run);
+int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, FlatChords& chords) {
+    return DivideIntoChordsForm<WideDouble4>(points, tolerance, out, chords);
 }
 
-int FewChordsAvx2(double const* points, double tolerance, double* out) {
-    return FewChordsForm<WideDouble4>(points, tolerance, out);
+void PlanPackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
+    PlanPackForm<WideDouble4>(curves, tolerance, pack);
+}
+
+int DividePackedAvx2(FlatPack const& pack, int curve, int count, double* out) {
+    return DividePackedForm<WideDouble4>(pack, curve, count, out);
 }
 
 } // namespace trammel_detail

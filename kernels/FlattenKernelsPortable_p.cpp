@@ -14,12 +14,17 @@ void NextFlatRunPortable(FlatCubic const& curve, double tolerance, FlatPlan& pla
     NextFlatRunForm<Double4>(curve, tolerance, plan, run);
 }
 
-int SomeChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run) {
-    return SomeChordsForm<Double4>(curve, scale, tolerance, run);
+int DivideIntoChordsPortable(double const* points, double tolerance, double* out,
+                             FlatChords& chords) {
+    return DivideIntoChordsForm<Double4>(points, tolerance, out, chords);
 }
 
-int FewChordsPortable(double const* points, double tolerance, double* out) {
-    return FewChordsForm<Double4>(points, tolerance, out);
+void PlanPackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
+    PlanPackForm<Double4>(curves, tolerance, pack);
+}
+
+int DividePackedPortable(FlatPack const& pack, int curve, int count, double* out) {
+    return DividePackedForm<Double4>(pack, curve, count, out);
 }
 
 } // namespace trammel_detail

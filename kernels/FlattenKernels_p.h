@@ -3,9 +3,9 @@
 // The arithmetic of flattening, in a form for every processor and in one for AVX2, of the same
 // bits. queries/AccurateFlatten.cpp tells the method. Not installed.
 //
-// A caller tries FewChords first, and then SomeChords. For more chords
-// it calls PlanFlattening, sets the number of chords in the plan, and calls NextFlatRun until a run
-// has no points.
+// A caller tries DivideIntoChords first. For more chords it calls PlanFlattening, sets the number
+// of chords in the plan, and calls NextFlatRun until a run has no points. The curves of a path go
+// four at a time through PlanPack, and those of few chords one by one through DividePacked.
 
 #ifndef TRAMMEL_FLATTENKERNELS_P_H
 #define TRAMMEL_FLATTENKERNELS_P_H
@@ -22,12 +22,14 @@ namespace trammel_detail {
 inline constexpr double kFinest = 0x1p-40;
 /// The part of the tolerance for which points are planned, so that few chords have to be divided.
 inline constexpr double kPlanned = 0.98;
+/// The same for some chords. With fewer panels more chords would fail.
+inline constexpr double kPlannedForSome = 0.97;
 /// By n equal steps of the parameter a curve keeps the tolerance where no second difference of its
 /// control points is longer than this many tolerances, times n².
 inline constexpr double kMostBend = 4.0 / 3.0;
-/// Curves that take more such steps than these are too bent for FewChords, and for SomeChords. Ten
-/// steps are some eight steps of equal bend. Nearly all curves of 70 steps take more than
-/// kSomeChords steps of equal bend.
+/// Curves that take more such steps than these are too bent for few chords, and for some. Ten steps
+/// are some eight steps of equal bend. Nearly all curves of 70 steps take more than kSomeChords
+/// steps of equal bend.
 inline constexpr double kFewSteps = 10.0;
 inline constexpr double kSomeSteps = 70.0;
 constexpr double Biquadrate(double x) { return x * x * x * x; }
@@ -49,13 +51,14 @@ template <class Number>
     return limit * Number(0x1p-80) < square;
 }
 
-/// Returns the square of the longer one of the control points' second differences.
-[[gnu::always_inline]] inline double SquaredBend(FlatCubic const& c) {
-    double const h = c.bH + c.cH;
-    double const v = c.bV + c.cV;
-    double const first = c.bH * c.bH + c.bV * c.bV;
-    double const last = h * h + v * v;
-    return first > last ? first : last;
+/// Returns a bound on how far from its start a piece over a parameter range of that width gets. Its
+/// chord has the squared length `square`. `squaredSpeed` is the greater one of the squared thirds
+/// of the derivatives at its ends.
+///
+/// Relative to the start, the control points are 0, v0, d - v1 and d, and the two in the middle
+/// have 3/4 of the weight at most.
+[[gnu::always_inline]] inline double ReachOf(double width, double square, double squaredSpeed) {
+    return __builtin_sqrt(square) + 0.75 * width * __builtin_sqrt(squaredSpeed);
 }
 
 /// Upper bounds on the distance between a piece of a curve and its chord, times the chord's length.
@@ -99,9 +102,12 @@ DeviationOf(Number const& h, Number const& dh, Number const& dv, Number const& s
 }
 
 inline constexpr int kPanels = 64;     ///< panels of a plan for many chords
-inline constexpr int kSomePanels = 16; ///< panels of SomeChords
-inline constexpr int kFewChords = 8;   ///< the most chords that FewChords gives
-inline constexpr int kSomeChords = 32; ///< the most chords that SomeChords gives
+inline constexpr int kSomePanels = 16; ///< panels of a plan for some chords
+inline constexpr int kFewPanels = 4;   ///< panels of a plan for few chords
+inline constexpr int kFewChords = 8;   ///< the most chords that are few
+inline constexpr int kSomeChords = 32; ///< the most chords that DivideIntoChords gives
+/// The points for which DivideIntoChords has to have room.
+inline constexpr int kChordRoom = kSomeChords;
 
 /// Where on the curve the points are to lie. Panels are equal parts of the parameter.
 /// PlanFlattening sets the arrays. Its caller sets the other fields: `panel` and `done` to 0.
@@ -152,29 +158,64 @@ void NextFlatRunAvx2(FlatCubic const& curve, double tolerance, FlatPlan& plan, F
     Dispatch<NextFlatRunPortable, NextFlatRunAvx2>(curve, tolerance, plan, run);
 }
 
-int SomeChordsPortable(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
-int SomeChordsAvx2(FlatCubic const& curve, double scale, double tolerance, FlatRun& run);
+/// Chords into which a curve is divided.
+struct FlatChords {
+    std::uint64_t failing;     ///< bit i: chord i is not known to keep the tolerance
+    double t[kSomeChords + 8]; ///< the parameters at the chords' ends; chord i ends at entry i + 1
+};
 
-/// Divides a curve into 1 to kSomeChords chords, and verifies them. Returns their number, and
-/// sets the run as NextFlatRun does, with the curve's start at index 0. Returns 0, and sets
-/// nothing, for a curve that takes more chords. `scale` is the same as for PlanFlattening.
-[[gnu::always_inline]] inline int SomeChords(FlatCubic const& curve, double scale, double tolerance,
-                                             FlatRun& run) {
-    return Dispatch<SomeChordsPortable, SomeChordsAvx2>(curve, scale, tolerance, run);
+int DivideIntoChordsPortable(double const* points, double tolerance, double* out,
+                             FlatChords& chords);
+int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, FlatChords& chords);
+
+/// Divides a curve into one to kSomeChords chords, and verifies them. `points` has v and h of its
+/// four points in turn. Returns the number of chords. The result is 0 for a curve that takes more
+/// of them, and where the tolerance is not above kFinest of the size.
+///
+/// `out` has room for kChordRoom points and gets v and h of the points at the chords' ends. The
+/// last point, and what lies behind it, mean nothing. Where a chord fails, it was divided in the
+/// middle, or the parameters are set. The
+/// result is -1 where products might overflow or underflow, and for a curve so small beside its
+/// coordinates that only rounding is left of it.
+[[gnu::always_inline]] inline int DivideIntoChords(double const* points, double tolerance,
+                                                   double* out, FlatChords& chords) {
+    return Dispatch<DivideIntoChordsPortable, DivideIntoChordsAvx2>(points, tolerance, out, chords);
 }
 
-int FewChordsPortable(double const* points, double tolerance, double* out);
-int FewChordsAvx2(double const* points, double tolerance, double* out);
+/// The curves of a FlatPack.
+inline constexpr int kPack = 4;
+/// The numbers of a curve that computing its points takes.
+inline constexpr int kPackNumbers = 11;
 
-/// Tries to divide a curve into one to kFewChords chords that all keep the tolerance. `points` has
-/// v and h of its four points in turn. Returns the number of chords, or 0 when it does not succeed.
-///
-/// `out` has room for kFewChords points and gets v and h of the points at the chords' ends. The
-/// last point, and what lies behind it, mean nothing. The result is -1 where products might
-/// overflow or underflow, and for a curve so small beside its coordinates that only rounding is
-/// left of it.
-[[gnu::always_inline]] inline int FewChords(double const* points, double tolerance, double* out) {
-    return Dispatch<FewChordsPortable, FewChordsAvx2>(points, tolerance, out);
+/// Four curves that are planned together.
+struct FlatPack {
+    double const* curves[kPack]; ///< v and h of the curves' points
+    double tolerance;
+    double limit;                        ///< its square
+    unsigned onward;                     ///< bit i: no chord of curve i can be left at an end
+    double numbers[kPackNumbers][kPack]; ///< of each curve, see ChordCubic
+    double chords[kPack];                ///< the numbers of chords, 1 to kFewChords; else 0
+    double t[2][kPack][4]; ///< the parameters at the ends of chords 0 to 3 and 4 to 7 of each
+};
+
+void PlanPackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
+void PlanPackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
+
+/// Plans the chords of four curves, of which each is given by v and h of its four points in turn.
+/// They are those of DivideIntoChords. The number is 0 for a curve on which that has to be called.
+[[gnu::always_inline]] inline void PlanPack(double const* const (&curves)[kPack], double tolerance,
+                                            FlatPack& pack) {
+    Dispatch<PlanPackPortable, PlanPackAvx2>(curves, tolerance, pack);
+}
+
+int DividePackedPortable(FlatPack const& pack, int curve, int count, double* out);
+int DividePackedAvx2(FlatPack const& pack, int curve, int count, double* out);
+
+/// Computes the points at the ends of the planned chords, more than one, as DivideIntoChords does.
+/// Returns the number of chords, or 0 where some are not known to keep the tolerance.
+[[gnu::always_inline]] inline int DividePacked(FlatPack const& pack, int curve, int count,
+                                               double* out) {
+    return Dispatch<DividePackedPortable, DividePackedAvx2>(pack, curve, count, out);
 }
 
 } // namespace trammel_detail

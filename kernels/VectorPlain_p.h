@@ -19,6 +19,16 @@ namespace trammel_detail {
 /// Returns a > b ? a : b, without a branch if the processor can do that.
 [[gnu::always_inline]] inline double RawMax(double a, double b) { return a > b ? a : b; }
 
+/// Returns in each lane a < b ? a : b.
+template <class Raw> [[gnu::always_inline]] inline Raw RawMin(Raw const& a, Raw const& b) {
+    return a < b ? a : b;
+}
+
+/// Returns in each lane a > b ? a : b.
+template <class Raw> [[gnu::always_inline]] inline Raw RawMax(Raw const& a, Raw const& b) {
+    return a > b ? a : b;
+}
+
 /// Returns the square root of each lane.
 template <class Raw> [[gnu::always_inline]] inline Raw RawSqrt(Raw const& a) {
     Raw roots = a;

@@ -25,6 +25,14 @@ namespace trammel_detail {
     return _mm_cvtsd_f64(_mm_max_sd(_mm_set_sd(a), _mm_set_sd(b)));
 }
 
+[[gnu::always_inline]] inline RawDouble2 RawMin(RawDouble2 const& a, RawDouble2 const& b) {
+    return _mm_min_pd(a, b);
+}
+
+[[gnu::always_inline]] inline RawDouble2 RawMax(RawDouble2 const& a, RawDouble2 const& b) {
+    return _mm_max_pd(a, b);
+}
+
 [[gnu::always_inline]] inline RawDouble2 RawSqrt(RawDouble2 const& a) { return _mm_sqrt_pd(a); }
 
 [[gnu::always_inline]] inline RawDouble2 RawSelect(RawMask2 const& mask, RawDouble2 const& a,
@@ -55,6 +63,14 @@ namespace trammel_detail {
 }
 
 #if defined(__AVX2__)
+
+[[gnu::always_inline]] inline RawDouble4 RawMin(RawDouble4 const& a, RawDouble4 const& b) {
+    return _mm256_min_pd(a, b);
+}
+
+[[gnu::always_inline]] inline RawDouble4 RawMax(RawDouble4 const& a, RawDouble4 const& b) {
+    return _mm256_max_pd(a, b);
+}
 
 [[gnu::always_inline]] inline RawDouble4 RawSqrt(RawDouble4 const& a) { return _mm256_sqrt_pd(a); }
 

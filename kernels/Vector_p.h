@@ -132,11 +132,11 @@ public:
 
     /// In each lane as the scalar Min.
     [[gnu::always_inline]] inline friend VectorOf Min(VectorOf const& a, VectorOf const& b) {
-        return VectorOf(a.raw < b.raw ? a.raw : b.raw);
+        return VectorOf(RawMin(a.raw, b.raw));
     }
     /// In each lane as the scalar Max.
     [[gnu::always_inline]] inline friend VectorOf Max(VectorOf const& a, VectorOf const& b) {
-        return VectorOf(a.raw > b.raw ? a.raw : b.raw);
+        return VectorOf(RawMax(a.raw, b.raw));
     }
     [[gnu::always_inline]] inline friend VectorOf Abs(VectorOf const& a) {
         return VectorOf((Raw)((RawMask)a.raw & INT64_MAX));
@@ -301,6 +301,31 @@ template <int kLane> [[gnu::always_inline]] inline double Lane(Double4 const& a)
     return Double4(Double2(__builtin_shufflevector(a.high.raw, b.low.raw, 1, 2)),
                    Double2(__builtin_shufflevector(b.low.raw, b.high.raw, 1, 2)));
 }
+/// Returns lanes 1 to 3 of `a`, then lane 0 of `b`: for each lane of `a` the number behind it, when
+/// `b` comes behind `a`.
+[[gnu::always_inline]] inline Double4 Following(Double4 const& a, Double4 const& b) {
+    return Double4(Double2(__builtin_shufflevector(a.low.raw, a.high.raw, 1, 2)),
+                   Double2(__builtin_shufflevector(a.high.raw, b.low.raw, 1, 2)));
+}
+/// Returns in lane i the sum of the lanes 0 to i: a0, a0 + a1, (a0 + a1) + a2 and
+/// (a0 + a1) + (a2 + a3).
+[[gnu::always_inline]] inline Double4 RunningSums(Double4 const& a) {
+    Double2 const zero(0.0);
+    Double2 const low = a.low + Firsts(zero, a.low);
+    Double2 const high = a.high + Firsts(zero, a.high);
+    return Double4(low, high + OddTwice(low));
+}
+/// Makes the vectors, the rows of a square, its columns.
+[[gnu::always_inline]] inline void Transpose(Double4& a, Double4& b, Double4& c, Double4& d) {
+    Double4 const columns[4] = {Double4(Firsts(a.low, b.low), Firsts(c.low, d.low)),
+                                Double4(Seconds(a.low, b.low), Seconds(c.low, d.low)),
+                                Double4(Firsts(a.high, b.high), Firsts(c.high, d.high)),
+                                Double4(Seconds(a.high, b.high), Seconds(c.high, d.high))};
+    a = columns[0];
+    b = columns[1];
+    c = columns[2];
+    d = columns[3];
+}
 /// Reads four pairs that lie one after the other: their first members to `a`, the second to `b`.
 [[gnu::always_inline]] inline void LoadPairs(double const* from, Double4& a, Double4& b) {
     Double4 const first = Double4::Load(from);
@@ -337,6 +362,25 @@ typedef WideDouble4::Mask WideMask4;
 }
 [[gnu::always_inline]] inline WideDouble4 Preceding(WideDouble4 const& a, WideDouble4 const& b) {
     return WideDouble4(__builtin_shufflevector(a.raw, b.raw, 3, 4, 5, 6));
+}
+[[gnu::always_inline]] inline WideDouble4 Following(WideDouble4 const& a, WideDouble4 const& b) {
+    return WideDouble4(__builtin_shufflevector(a.raw, b.raw, 1, 2, 3, 4));
+}
+[[gnu::always_inline]] inline WideDouble4 RunningSums(WideDouble4 const& a) {
+    RawDouble4 const zero = {0.0, 0.0, 0.0, 0.0};
+    RawDouble4 const pairs = a.raw + __builtin_shufflevector(zero, a.raw, 0, 4, 2, 6);
+    return WideDouble4(pairs + __builtin_shufflevector(zero, pairs, 0, 1, 5, 5));
+}
+[[gnu::always_inline]] inline void Transpose(WideDouble4& a, WideDouble4& b, WideDouble4& c,
+                                             WideDouble4& d) {
+    RawDouble4 const evenAB = __builtin_shufflevector(a.raw, b.raw, 0, 4, 2, 6);
+    RawDouble4 const oddAB = __builtin_shufflevector(a.raw, b.raw, 1, 5, 3, 7);
+    RawDouble4 const evenCD = __builtin_shufflevector(c.raw, d.raw, 0, 4, 2, 6);
+    RawDouble4 const oddCD = __builtin_shufflevector(c.raw, d.raw, 1, 5, 3, 7);
+    a = WideDouble4(__builtin_shufflevector(evenAB, evenCD, 0, 1, 4, 5));
+    b = WideDouble4(__builtin_shufflevector(oddAB, oddCD, 0, 1, 4, 5));
+    c = WideDouble4(__builtin_shufflevector(evenAB, evenCD, 2, 3, 6, 7));
+    d = WideDouble4(__builtin_shufflevector(oddAB, oddCD, 2, 3, 6, 7));
 }
 /// Returns a pair in lanes 0 and 1, and again in lanes 2 and 3.
 [[gnu::always_inline]] inline WideDouble4 Repeat(Double2 const& pair) {

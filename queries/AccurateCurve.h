@@ -109,11 +109,11 @@ inline constexpr long kMostFlatPoints = 65536;
 /// `tolerance`, or 2^-40 of the curve's size if that is more, or what kMostFlatPoints points could
 /// achieve. A curve that is straight gives its ends and, where it doubles back, the turning points.
 ///
-/// Points lie as densely as the bend demands, within about a tenth of the fewest possible for
+/// Points lie as densely as the bend demands, within about a twentieth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
 /// returned.
-/// Cost: two evaluations a point; each chord is verified. Points are worked on four at a time, and
-/// appended many at a time.
+/// Cost: 4 to 65 samples of the bend, and one or two evaluations a point; each chord is verified.
+/// Points are worked on four at a time, and appended many at a time.
 /// Source: equal steps of the integral of the square root of the bend [Levien, Flattening quadratic
 /// Béziers, 2019]. The distance of a cubic from its chord is taken by its control points.
 TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly);
@@ -173,7 +173,7 @@ struct FlatContours {
 /// segment, as of a move after which nothing is drawn, do not count. Closing lines are not stored:
 /// the contour is marked as closed. An element without a move before it begins a contour at the
 /// point from which it is measured. O(n). Memory exhaustion is std::bad_alloc, and `out` then has a
-/// part of the contours.
+/// part of the contours. Four curves are planned at a time; they have the points they have alone.
 TRAMMEL_API double FlattenInto(CPath const& path, double tolerance, FlatContours& out);
 
 } // namespace trammel

@@ -8,9 +8,11 @@
 //
 //     sqrt(k/(8e)) ds = sqrt(|B' x B''| / (8e |B'|)) dt
 //
-// [Levien]. The trapezoidal rule gives the integral over a few panels of the parameter. The points'
-// parameters follow from it panel by panel. For a cubic with B' = 3(a + 2bt + ct²), B' x B'' is
-// 18 (a x b + (a x c) t + (b x c) t²).
+// [Levien]. This density is sampled in the middles of equal panels of the parameter: four for few
+// chords, sixteen for up to 32, and at the ends of 64 panels for more. The points' parameters
+// follow from the integral panel by panel. With four and sixteen panels the inverse of the density
+// is linear in the integral on each, and the parameter a quadratic function. For a cubic with B' =
+// 3(a + 2bt + ct²), B' x B'' is 18 (a x b + (a x c) t + (b x c) t²).
 //
 // The verification. Let e1 and e2 be the distances of a piece's control points from the line
 // through its ends, with a sign for the side and |e1| >= |e2|. The curve's distance from the line
@@ -23,14 +25,13 @@
 // bound holds for the distance of the curve from the chord and for the distance of the chord from
 // the curve. A chord that fails the test is divided.
 //
-// Four planned points are computed and verified at a time. Only the pieces of a chord that fails
-// are verified one by one.
+// Four points are computed and verified at a time. Up to 32 chords first get a shorter test, which
+// asks more of them (StoreChords). A chord that fails it gets the test above. Chords that still
+// fail are divided in their middles if that suffices, all in one vector. Only what is left after
+// this is divided piece by piece. A rough plan only decides about the number of points.
 //
-// Most curves of a glyph or an icon are mildly bent and take few chords. A rough plan suffices for
-// them: it takes the bend in the middle of each of four panels as constant on the panel. One vector
-// holds the four bends. Where a chord fails, the code tries one chord more. Curves of up to 32
-// chords get such a plan of sixteen panels, and all others the plan above. These chords are
-// verified as all others are, so a rough plan only decides about the number of points.
+// Paths. Of four curves that follow each other, a vector has one in each lane, and they are planned
+// together. Each lane computes what the single curve does, so the points are the same.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -53,6 +54,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <type_traits>
 #include <utility>
 
 namespace trammel {
@@ -61,22 +63,20 @@ namespace {
 
 using trammel_detail::ChordDeviation;
 using trammel_detail::Dot;
-using trammel_detail::FewChords;
+using trammel_detail::FlatChords;
 using trammel_detail::FlatCubic;
+using trammel_detail::FlatPack;
 using trammel_detail::FlatPlan;
 using trammel_detail::FlatRun;
-using trammel_detail::kFewChords;
+using trammel_detail::kChordRoom;
 using trammel_detail::kFinest;
-using trammel_detail::kMostBend;
+using trammel_detail::kPack;
 using trammel_detail::kPlanned;
-using trammel_detail::kSomeSteps;
 using trammel_detail::Pt;
 using trammel_detail::ScaledPoints;
 using trammel_detail::Square;
 using trammel_detail::Taxicab;
 
-/// The part of the tolerance for which SomeChords plans: it is less exact than the longer plan.
-constexpr double kPlannedForSome = 0.94;
 /// The most chords of a curve.
 constexpr int kMostChords = static_cast<int>(kMostFlatPoints) - 1;
 /// The part of a piece that a division at a turn leaves at least on either side.
@@ -154,14 +154,8 @@ ChordDeviation<double> DeviationOf(Place const& p0, Place const& p1, Pt const& d
                                        p1.v.v);
 }
 
-/// Returns a bound on how far from its start a piece of the curve gets. The chord has the given
-/// squared length.
-///
-/// Relative to the start, the control points are 0, v0, d - v1 and d, and the two in the middle
-/// have 3/4 of the weight at most.
 double ReachOf(Place const& p0, Place const& p1, double square) {
-    double const v = std::sqrt(std::max(Square(p0.v), Square(p1.v)));
-    return std::sqrt(square) + 0.75 * (p1.t - p0.t) * v;
+    return trammel_detail::ReachOf(p1.t - p0.t, square, std::max(Square(p0.v), Square(p1.v)));
 }
 
 /// True when the piece keeps the distance from its chord.
@@ -191,8 +185,6 @@ double DistanceOf(Place const& p0, Place const& p1) {
 /// Returns the factor by which the plan multiplies the bend divided by the speed. A power of two in
 /// the input cancels in this product, before the root is taken, so it changes nothing.
 double ScaleFor(double tolerance) { return 0.75 / (kPlanned * tolerance); }
-/// The same for SomeChords, whose plan is less exact.
-double ScaleForSome(double tolerance) { return 0.75 / (kPlannedForSome * tolerance); }
 
 /// Plans where on the curve the points lie, and computes them.
 class Plan {
@@ -259,6 +251,18 @@ public:
             }
         }
     }
+    /// Delivers all chords but the last point. `points` has v and h of their ends, which are not
+    /// relative to P0.
+    void Deliver(FlatChords const& chords, int count, double const* points) {
+        for (int i = 0; i < count; ++i) {
+            if ((chords.failing >> static_cast<unsigned>(i) & 1U) != 0) {
+                Divide(mCurve.At(i == 0 ? 0.0 : chords.t[i]), chords.t[i + 1]);
+            } else if (i + 1 < count) {
+                std::ptrdiff_t const at = std::ptrdiff_t{2} * i;
+                mDeliver.Place(Pt(points[at + 1], points[at]));
+            }
+        }
+    }
 
 private:
     void Divide(Place from, double t) {
@@ -297,26 +301,12 @@ private:
 template <class Deliver> double Flatten(Cubic const& curve, double asked, Deliver& deliver) {
     double const finest = kFinest * curve.Size();
     double const tolerance = asked > finest ? asked : finest;
-    if (curve.Size() == 0.0) {
+    if (curve.Size() == 0.0 || Keeps(curve.Start(), curve.At(1.0), tolerance)) {
         return tolerance;
     }
     FlatCubic const flat = curve.Flat();
     FlatRun run;
     Pieces<Deliver> pieces(curve, tolerance, deliver);
-    double const bend = trammel_detail::SquaredBend(flat) / (tolerance * tolerance);
-    constexpr double kMost = kMostBend * kMostBend * trammel_detail::Biquadrate(kSomeSteps);
-    if (Keeps(curve.Start(), curve.At(1.0), tolerance)) {
-        return tolerance;
-    }
-    if (bend <= kMost) {
-        int const chords =
-            trammel_detail::SomeChords(flat, ScaleForSome(tolerance), tolerance, run);
-        if (chords > 0) {
-            pieces.SetSpare(kMostChords - chords);
-            pieces.Deliver(run);
-            return pieces.Kept();
-        }
-    }
     Plan plan(flat, tolerance);
     pieces.SetSpare(kMostChords - plan.Divide(kMostChords));
     Set(run, 0, curve.Start());
@@ -353,26 +343,13 @@ private:
 
 static_assert(sizeof(CBezier) == 8 * sizeof(double) && offsetof(CBezier, P0) == 0 &&
                   offsetof(CBezier, P3) == 6 * sizeof(double),
-              "FewChords reads the four points, v and h in turn");
+              "the kernels read the four points, v and h in turn");
 
-/// Flattens, and delivers the points between the ends. `to` takes points by Place, and points
-/// relative to the origin that SetOrigin tells it by Point and Run. Where it has room for
-/// kFewChords points, v and h in turn, Room() is that place, and Added(count) takes them. Returns
-/// the distance.
-template <class To> double FlattenBetween(CBezier const& curve, double tolerance, To& to) {
-    double* const room = to.Room();
-    double few[2 * kFewChords];
-    int chords = FewChords(&curve.P0.v, tolerance, room != nullptr ? room : few);
-    if (chords > 0) {
-        if (room != nullptr) {
-            to.Added(chords - 1);
-        } else {
-            for (std::ptrdiff_t i = 0; i < chords - 1; ++i) {
-                to.Place(Pt(few[2 * i + 1], few[2 * i]));
-            }
-        }
-        return tolerance;
-    }
+/// Delivers the points between the ends of a curve that takes no short way. `divided` is the result
+/// of DivideIntoChords, which is no success for all chords, and `ends` has the chords' ends.
+template <class To>
+[[gnu::noinline]] double FlattenLong(CBezier const& curve, double tolerance, int divided,
+                                     FlatChords& chords, double const* ends, To& to) {
     std::array<Pt, 4> points = {curve.P0, curve.P1, curve.P2, curve.P3};
     Pt const dropped = trammel_detail::DropCommon(points);
     ScaledPoints<4> const p(points);
@@ -380,20 +357,60 @@ template <class To> double FlattenBetween(CBezier const& curve, double tolerance
         return std::numeric_limits<double>::quiet_NaN();
     }
     EachPoint<To> deliver(p, curve.P0, dropped, to);
-    if (chords < 0) {
-        chords = FewChords(&p[0].v, p.Down(tolerance), few);
-        for (std::ptrdiff_t i = 0; i < chords - 1; ++i) {
-            deliver.Place(Pt(few[2 * i + 1], few[2 * i]));
+    double scaledEnds[2 * kChordRoom];
+    double const scaled = p.Down(tolerance);
+    int count = divided;
+    if (count < 0) {
+        count = DivideIntoChords(&p[0].v, scaled, scaledEnds, chords);
+        ends = scaledEnds;
+    }
+    Cubic const cubic(p);
+    if (count > 0 && (divided < 0 || !p.Scaled())) {
+        // The points are the caller's, or those of its scaled copy.
+        auto const pass = [&](auto& deliverer) {
+            Pieces<std::remove_reference_t<decltype(deliverer)>> pieces(cubic, scaled, deliverer);
+            pieces.SetSpare(kMostChords - count);
+            pieces.Deliver(chords, count, ends);
+            return p.Up(pieces.Kept());
+        };
+        if (divided < 0) {
+            return pass(deliver);
         }
-        if (chords > 0) {
-            return tolerance;
-        }
+        to.SetOrigin(curve.P0);
+        return pass(to);
     }
     if (p.Scaled()) {
-        return p.Up(Flatten(Cubic(p), p.Down(tolerance), deliver));
+        return p.Up(Flatten(cubic, scaled, deliver));
     }
     to.SetOrigin(curve.P0);
-    return Flatten(Cubic(p), tolerance, to);
+    return Flatten(cubic, tolerance, to);
+}
+
+/// Flattens, and delivers the points between the ends. `to` takes points by Place, and points
+/// relative to the origin that SetOrigin tells it by Point and Run. Where it has room for
+/// kChordRoom points, v and h in turn, Room() is that place, and Added(count) takes them. Returns
+/// the distance.
+template <class To> double FlattenBetween(CBezier const& curve, double tolerance, To& to) {
+    double own[2 * kChordRoom];
+    double* const room = to.Room();
+    double* const ends = room != nullptr ? room : own;
+    FlatChords chords;
+    int const count = DivideIntoChords(&curve.P0.v, tolerance, ends, chords);
+    if (count > 0 && chords.failing == 0) {
+        if (room != nullptr) {
+            to.Added(count - 1);
+        } else {
+            for (std::ptrdiff_t i = 0; i < count - 1; ++i) {
+                to.Place(Pt(own[2 * i + 1], own[2 * i]));
+            }
+        }
+        return tolerance;
+    }
+    if (count > 0 && room != nullptr) {
+        // Points that are put in between would overwrite the ones to come.
+        std::copy(room, room + std::ptrdiff_t{2} * count, own);
+    }
+    return FlattenLong(curve, tolerance, count, chords, own, to);
 }
 
 /// Flattens, and delivers all points.
@@ -460,7 +477,7 @@ public:
     Storing(Pt* points, std::size_t capacity) : mPoints(points), mCapacity(capacity) {}
     std::size_t Count() const { return mCount; }
     double* Room() {
-        bool const room = mCapacity >= kFewChords && mCount <= mCapacity - kFewChords;
+        bool const room = mCapacity >= kChordRoom && mCount <= mCapacity - kChordRoom;
         return room ? &mPoints[mCount].v : nullptr;
     }
     void Added(int count) { mCount += static_cast<std::size_t>(count); }
@@ -489,36 +506,130 @@ private:
     Pt mOrigin;
 };
 
-/// Flattens a path. `sink` takes points as FlattenBetween hands them on, and Begin(point) and
-/// End(closed) around the points of a contour. Returns the greatest distance.
+/// Some elements of a path, whose curves are planned together.
+class PathBlock {
+public:
+    PathBlock(CPath const& path, double tolerance)
+        : mTolerance(tolerance), mCode(path.mCtls.data()), mCodes(mCode + path.mCtls.size()),
+          mPoint(path.mPts.data()), mPoints(mPoint + path.mPts.size()) {}
+
+    /// Steps over the next elements: those with the next kPack curves, or all that are left.
+    /// Returns false when there are none, or where the points do not suffice.
+    bool Next() {
+        mBegin = mCode;
+        mAt = mPoint;
+        char const* code = mCode;
+        Pt const* point = mPoint;
+        int count = 0;
+        for (; code != mCodes && count < kPack; ++code) {
+            auto const taken = static_cast<std::ptrdiff_t>(trammel_detail::PointCount(*code));
+            if (mPoints - point < taken) {
+                mCodes = code;
+                break;
+            }
+            if (*code == kPathCurve) {
+                mCurves[count++] = StartOf(point);
+            }
+            point += taken;
+        }
+        mCode = code;
+        mPoint = point;
+        if (count > 0) {
+            std::fill(mCurves + count, mCurves + kPack, mCurves[0]);
+            PlanPack(mCurves, mTolerance, mPack);
+        }
+        return mCode != mBegin;
+    }
+    /// Hands the elements to `sink`, as FlattenPath says. `open` tells whether a contour is begun.
+    /// Returns the greater one of `kept` and the curves' distances.
+    template <class Sink> double Deliver(Sink& sink, double kept, bool& open) const {
+        Pt const* at = mAt;
+        int curve = 0;
+        bool begun = open;
+        for (char const* code = mBegin; code != mCode; ++code) {
+            switch (*code) {
+            case kPathLine:
+                Begin(sink, begun, at);
+                sink.Place(at[0]);
+                at += 1;
+                break;
+            case kPathCurve: {
+                Begin(sink, begun, at);
+                double const distance = Curve(sink, curve++, at);
+                sink.Place(at[2]);
+                at += 3;
+                // A NaN stays: it says that the path has a curve that no lines are near.
+                kept = kept != kept || distance <= kept ? kept : distance;
+                break;
+            }
+            case kPathMove:
+            case kPathClose:
+                if (begun) {
+                    sink.End(*code == kPathClose);
+                }
+                begun = false;
+                at += *code == kPathMove ? 1 : 0;
+                break;
+            default:
+                break;
+            }
+        }
+        open = begun;
+        return kept;
+    }
+
+private:
+    /// Returns where an element starts whose own points begin at `points`: at the last point of the
+    /// elements before, which lies before them.
+    Pt Start(Pt const* points) const { return points != mFirstPoint ? points[-1] : Pt(); }
+    /// Returns v and h of the points of the curve whose own points begin at `points`.
+    double const* StartOf(Pt const* points) {
+        if (points != mFirstPoint) {
+            return &points[-1].v;
+        }
+        std::copy(points, points + 3, mFirst.begin() + 1);
+        return &mFirst[0].v;
+    }
+    template <class Sink> void Begin(Sink& sink, bool& open, Pt const* points) const {
+        if (!open) {
+            sink.Begin(Start(points));
+            open = true;
+        }
+    }
+    template <class Sink> double Curve(Sink& sink, int curve, Pt const* points) const {
+        int chords = static_cast<int>(mPack.chords[curve]);
+        if (chords > 1) {
+            chords = DividePacked(mPack, curve, chords, sink.Room());
+        }
+        if (chords == 0) {
+            CBezier const whole(Start(points), points[0], points[1], points[2]);
+            return FlattenBetween(whole, mTolerance, sink);
+        }
+        sink.Added(chords - 1);
+        return mTolerance;
+    }
+
+    double mTolerance;
+    char const* mCode;          ///< the element behind the block
+    char const* mCodes;         ///< the end of all elements
+    Pt const* mPoint;           ///< the point behind the block
+    Pt const* mPoints;          ///< the end of all points
+    char const* mBegin = mCode; ///< the first element of the block
+    Pt const* mAt = mPoint;     ///< its first point
+    Pt const* mFirstPoint = mPoint;
+    double const* mCurves[kPack] = {};
+    std::array<Pt, 4> mFirst; ///< a curve at the path's beginning, which starts at the origin
+    FlatPack mPack;
+};
+
+/// Flattens a path. `sink` takes points as FlattenBetween hands them on, and always has room. It
+/// also takes Begin(point) and End(closed) around the points of a contour. Returns the greatest
+/// distance.
 template <class Sink> double FlattenPath(CPath const& path, double tolerance, Sink& sink) {
     double kept = 0.0;
     bool open = false;
-    for (trammel_detail::SegmentCursor segment(path); segment.NextOrMove();) {
-        if (segment.Code() == kPathMove || segment.Code() == kPathClose) {
-            if (open) {
-                sink.End(segment.Code() == kPathClose);
-            }
-            open = false;
-            continue;
-        }
-        if (segment.IsCurve()) {
-            CBezier const curve = segment.Curve();
-            if (!open) {
-                sink.Begin(curve.P0);
-            }
-            double const distance = FlattenBetween(curve, tolerance, sink);
-            // A NaN stays: it says that the path has a curve that no lines are near.
-            kept = std::isnan(kept) || distance <= kept ? kept : distance;
-            sink.Place(curve.P3);
-        } else {
-            TLine<double> const line = segment.Line();
-            if (!open) {
-                sink.Begin(line.mStart);
-            }
-            sink.Place(line.mEnd);
-        }
-        open = true;
+    for (PathBlock block(path, tolerance); block.Next();) {
+        kept = block.Deliver(sink, kept, open);
     }
     if (open) {
         sink.End(false);

@@ -33,7 +33,7 @@ enum class LaneOperation {
 };
 
 /// Operations that take lanes to other places. `a` and `b` have four lanes each.
-enum class LaneMove { kFirstsTwice, kLowHalves, kPreceding, kLanes };
+enum class LaneMove { kFirstsTwice, kLowHalves, kPreceding, kFollowing, kRunningSums, kLanes };
 
 /// The operations of one vector, called by pointer.
 struct VectorUnderTest {
@@ -52,6 +52,8 @@ struct FourLanesUnderTest {
     /// Reads four pairs. Stores their first members, then their second ones.
     void (*loadPairs)(double const* from, double* out);
     void (*storePairs)(double const* a, double const* b, double* const (&to)[4]);
+    /// Makes the four rows at `square` its columns.
+    void (*transpose)(double* square);
 };
 
 FourLanesUnderTest WideDouble4UnderTest();
@@ -144,6 +146,12 @@ template <class Vector> struct OperationsOf {
         case LaneMove::kPreceding:
             Preceding(a, b).Store(out);
             break;
+        case LaneMove::kFollowing:
+            Following(a, b).Store(out);
+            break;
+        case LaneMove::kRunningSums:
+            RunningSums(a).Store(out);
+            break;
         case LaneMove::kLanes:
             out[0] = trammel_detail::Lane<0>(a);
             out[1] = trammel_detail::Lane<1>(a);
@@ -163,8 +171,19 @@ template <class Vector> struct OperationsOf {
     static void StorePairsOf(double const* a, double const* b, double* const (&to)[4]) {
         StorePairs(Vector::Load(a), Vector::Load(b), to);
     }
+    static void TransposeOf(double* square) {
+        Vector a = Vector::Load(square);
+        Vector b = Vector::Load(square + 4);
+        Vector c = Vector::Load(square + 8);
+        Vector d = Vector::Load(square + 12);
+        Transpose(a, b, c, d);
+        a.Store(square);
+        b.Store(square + 4);
+        c.Store(square + 8);
+        d.Store(square + 12);
+    }
     static FourLanesUnderTest Four() {
-        return {Each(4), Of, Move, SumOf, LoadPairsOf, StorePairsOf};
+        return {Each(4), Of, Move, SumOf, LoadPairsOf, StorePairsOf, TransposeOf};
     }
 };
 

@@ -152,7 +152,17 @@ void ExpectMoves(FourLanesUnderTest const& vector) {
     EXPECT_EQ(moved(LaneMove::kFirstsTwice), (Four{0.0, 4.0, 0.0, 4.0}));
     EXPECT_EQ(moved(LaneMove::kLowHalves), (Four{0.0, 1.0, 4.0, 5.0}));
     EXPECT_EQ(moved(LaneMove::kPreceding), (Four{3.0, 4.0, 5.0, 6.0}));
+    EXPECT_EQ(moved(LaneMove::kFollowing), (Four{1.0, 2.0, 3.0, 4.0}));
+    EXPECT_EQ(moved(LaneMove::kRunningSums), (Four{0.0, 1.0, 3.0, 6.0}));
     EXPECT_EQ(moved(LaneMove::kLanes), (Four{0.0, 1.0, 2.0, 3.0}));
+    double square[16];
+    for (int i = 0; i < 16; ++i) {
+        square[i] = i;
+    }
+    vector.transpose(square);
+    for (int i = 0; i < 16; ++i) {
+        EXPECT_EQ(square[i], i / 4 + 4 * (i % 4));
+    }
     Four of = {};
     vector.of(b, of.data());
     EXPECT_EQ(of, (Four{4.0, 5.0, 6.0, 7.0}));
@@ -177,6 +187,15 @@ void ExpectPairs(FourLanesUnderTest const& vector) {
 void ExpectSumByHalves(FourLanesUnderTest const& vector) {
     double const a[4] = {0x1p53, 1.0, -0x1p53, 1.0};
     EXPECT_EQ(vector.sum(a), 2.0);
+}
+
+// The last one is (0 + 1) + (2 + 3); one after the other gives 0.
+void ExpectRunningSumsByPairs(FourLanesUnderTest const& vector) {
+    double const a[4] = {0x1p53, 1.0, 1.0, -0x1p53};
+    double out[4];
+    vector.move(LaneMove::kRunningSums, a, a, out);
+    EXPECT_EQ(out[2], 0x1p53);
+    EXPECT_EQ(out[3], 1.0);
 }
 
 TEST(Double2, ComputesEachLaneAsTheScalarDoes) {
@@ -241,6 +260,7 @@ TEST(Double4, MovesLanesAndPairsToTheirPlaces) {
     ExpectMoves(OperationsOf<Double4>::Four());
     ExpectPairs(OperationsOf<Double4>::Four());
     ExpectSumByHalves(OperationsOf<Double4>::Four());
+    ExpectRunningSumsByPairs(OperationsOf<Double4>::Four());
 }
 
 #ifdef TRAMMEL_AVX2_KERNELS
@@ -260,6 +280,7 @@ TEST(WideDouble4, MovesLanesAndPairsToTheirPlaces) {
     ExpectMoves(trammel_test::WideDouble4UnderTest());
     ExpectPairs(trammel_test::WideDouble4UnderTest());
     ExpectSumByHalves(trammel_test::WideDouble4UnderTest());
+    ExpectRunningSumsByPairs(trammel_test::WideDouble4UnderTest());
     double const from[4] = {0.0, 1.0, 2.0, 3.0};
     std::array<double, 12> out = {};
     trammel_test::MovePairsOfWideDouble4(from, out.data());

@@ -396,6 +396,21 @@ TEST(FlattenWithin, IsTheSameOnEveryProcessor) {
         }
         return results;
     });
+    ExpectTheSameInBothForms([] {
+        Random random(43);
+        CPath path;
+        for (int i = 0; i < 2000; ++i) {
+            CBezier const curve = AnyCurve(random) * random.Uniform(0.01, 1);
+            path.MoveTo(curve.P0).CurveTo(curve.P1, curve.P2, curve.P3);
+        }
+        trammel::FlatContours flat;
+        std::vector<double> results = {FlattenInto(path, 0.1, flat)};
+        for (Pt const& p : flat.points) {
+            results.push_back(p.h);
+            results.push_back(p.v);
+        }
+        return results;
+    });
 }
 
 // Points of a curve far from the origin coincide by rounding.
