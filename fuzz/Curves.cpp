@@ -10,7 +10,9 @@
 #include "plain/PlainSpline.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 namespace fuzz {
 
@@ -67,6 +69,43 @@ Digest Answers(Curve const& curve, Pt const& pt, double t0, double t1, double st
     return digest;
 }
 
+/// The distance of a point from a segment. Ends of a segment may be equal.
+double Apart(Pt const& p, Pt const& a, Pt const& b) {
+    Pt const d = b - a;
+    Pt const to = p - a;
+    double const square = d.h * d.h + d.v * d.v;
+    double const t = square > 0.0 ? (to.h * d.h + to.v * d.v) / square : 0.0;
+    Pt const off = to - d * std::clamp(t, 0.0, 1.0);
+    return std::hypot(off.h, off.v);
+}
+
+/// Samples the curve densely; each sample must be as near to the points' polyline as is promised.
+void FlattenedWithin(CBezier const& curve, double tolerance) {
+    std::array<Pt, 200> points;
+    trammel::Flattened const flat =
+        trammel::FlattenInto(curve, tolerance, points.data(), points.size());
+    double greatest = 0.0;
+    for (Pt const& p : {curve.P0, curve.P1, curve.P2, curve.P3}) {
+        greatest = std::max({greatest, std::abs(p.h), std::abs(p.v)});
+    }
+    // Only where squares neither overflow nor underflow.
+    if (flat.count > points.size() || !(greatest > 1e-60 && greatest < 1e60)) {
+        return;
+    }
+    Require(flat.count >= 2 && points[0] == curve.P0 && points[flat.count - 1] == curve.P3,
+            "the points run from end to end");
+    constexpr int kSamples = 200;
+    for (int i = 0; i <= kSamples; ++i) {
+        Pt const p = curve.TPt(static_cast<double>(i) / kSamples);
+        double least = Apart(p, points[0], points[0]);
+        for (std::size_t k = 1; k < flat.count; ++k) {
+            least = std::min(least, Apart(p, points[k - 1], points[k]));
+        }
+        Require(least <= flat.distance * (1.0 + 0x1p-40) + 0x1p-44 * greatest,
+                "a flattening is as near as it says");
+    }
+}
+
 void Accurate(CBezier const& curve, Pt const& pt, double fraction, double accuracy) {
     double const length = trammel::ArcLength(curve, accuracy);
     double const t = trammel::ParameterAtFraction(curve, fraction, accuracy);
@@ -82,6 +121,7 @@ void Accurate(CBezier const& curve, Pt const& pt, double fraction, double accura
     if (!finite) {
         return;
     }
+    FlattenedWithin(curve, accuracy);
     Require(length >= 0.0, "a length is not negative");
     Require(std::isnan(fraction) || (t >= 0.0 && t <= 1.0), "a parameter is from 0 to 1");
     Require(nearest.t >= 0.0 && nearest.t <= 1.0, "a nearest parameter is from 0 to 1");
