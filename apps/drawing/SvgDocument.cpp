@@ -138,6 +138,9 @@ private:
 SvgDocument::SvgDocument(std::string const& file, std::string content)
     : mFile(file), mEncoding(EncodingOf(content)) {
     mText = Decoded(std::move(content), mEncoding);
+    for (std::size_t i = mText.find('\n'); i != std::string::npos; i = mText.find('\n', i + 1)) {
+        mLineEnds.push_back(i);
+    }
     pugi::xml_parse_result const result =
         mTree.load_buffer(mText.data(), mText.size(), pugi::parse_default, pugi::encoding_utf8);
     if (!result) {
@@ -232,8 +235,8 @@ std::size_t SvgDocument::Offset(pugi::xml_node element) const {
 }
 
 std::size_t SvgDocument::LineOf(std::size_t offset) const {
-    auto const end = mText.begin() + static_cast<std::ptrdiff_t>(std::min(offset, mText.size()));
-    return static_cast<std::size_t>(std::count(mText.begin(), end, '\n')) + 1;
+    auto const end = std::lower_bound(mLineEnds.begin(), mLineEnds.end(), offset);
+    return static_cast<std::size_t>(end - mLineEnds.begin()) + 1;
 }
 
 std::string SvgDocument::LineAndColumn(std::size_t offset) const {

@@ -58,6 +58,7 @@ private:
     pugi::xml_document mTree;
     std::unordered_map<std::string_view, pugi::xml_node> mIds;
     std::vector<pugi::xml_node> mElements; ///< in the order of the text
+    std::vector<std::size_t> mLineEnds;    ///< the offsets of '\n'
 };
 
 } // namespace tool

@@ -2,6 +2,7 @@
 
 #include "SvgReader.h"
 
+#include "ArcTolerance.h"
 #include "Cascade.h"
 #include "Clip.h"
 #include "Error.h"
@@ -9,12 +10,11 @@
 #include "Outlines.h"
 #include "PaperUnit.h"
 #include "SvgAttributes.h"
+#include "SvgComplaints.h"
 #include "SvgDocument.h"
 #include "SvgShapes.h"
-#include "Warning.h"
 
 #include <trammel/CMatrix3x3.h>
-#include <trammel/PathSegments.h>
 #include <trammel/Shapes.h>
 #include <trammel/SvgPath.h>
 #include <trammel/UTrigonometry.h>
@@ -27,7 +27,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
@@ -50,22 +49,6 @@ constexpr std::size_t kMostUsedBytes = std::size_t{64} << 20;
 /// The limits of clips: their nesting, and the elements in all of them together.
 constexpr std::size_t kMostClipLevels = 16;
 constexpr std::size_t kMostClipElements = 20000;
-
-/// How far the curves of pictures may be from a circle, as a share of its radius. A full turn has 8
-/// curves.
-constexpr double kPictureShare = 4.3e-6;
-
-/// The same as a share of a path's greater extent. A radius can be greater than that, but then the
-/// path has only a small part of the turn.
-constexpr double kPictureShareOfSize = 9e-6;
-
-/// How much longer the curves of an outline may be, as a share of its length, for eight right
-/// digits.
-constexpr double kDigitsShare = 4e-9;
-
-/// The part of an accuracy that arcs may take. Figures are rounded to twice their error, and all
-/// other errors need a place, too.
-constexpr double kArcPart = 0.25;
 
 /// The mistake in an attribute's value.
 struct AttributeError {
@@ -116,13 +99,10 @@ bool ConditionsHold(pugi::xml_node element) {
     return false;
 }
 
-/// A drawing with a thousand mistakes of one kind is told once of them.
-constexpr std::size_t kMostWarnings = 20;
-
 class Reader {
 public:
     Reader(std::shared_ptr<SvgDocument const> document, ArcAccuracy arcs)
-        : mDocument(std::move(document)), mArcs(std::move(arcs)),
+        : mDocument(std::move(document)), mArcs(std::move(arcs)), mComplaints(mDocument->File()),
           mCascade(*mDocument, [this](std::string const& place, std::string const& message) {
               Skip(place, message);
           }) {
@@ -174,8 +154,12 @@ private:
                      std::optional<TRect<double>> const& bounds, Clips& clips);
     TRect<double> BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing) const;
     void Add(pugi::xml_node element, Form form, Context const& context);
-    double ArcTolerance(double length, std::size_t arcs, double radius,
-                        Context const& context) const;
+    /// Returns how far curves may be from their arcs, in the element's own coordinates.
+    double ToleranceOf(double length, std::size_t arcs, double radius,
+                       Context const& context) const {
+        return ArcTolerance(mArcs, {length, arcs, radius},
+                            Stretch(context.transform) * mUnitStretch);
+    }
     void ReadPage(pugi::xml_node root);
 
     Form PathElement(pugi::xml_node element, Context const& context);
@@ -211,7 +195,9 @@ private:
     }
 
     /// Warns of something that is left out, once for each place.
-    void Skip(std::string const& place, std::string const& message);
+    void Skip(std::string const& place, std::string const& message) {
+        mComplaints.Add(place, message);
+    }
     void Skip(pugi::xml_node element, std::string const& message) {
         Skip(mDocument->Place(element), message);
     }
@@ -220,21 +206,11 @@ private:
         Skip(element,
              "attribute " + attribute + ", position " + std::to_string(position) + ": " + message);
     }
-    void TellTheRest() const;
 
     std::shared_ptr<SvgDocument const> mDocument;
     ArcAccuracy mArcs;
     double mUnitStretch = 1.0; ///< from the drawing's coordinates to the unit of the accuracy
-    std::set<std::string> mSkipped;
-    /// The elements without outlines that are drawn: the first place of each kind, and their
-    /// number.
-    typedef std::map<std::string, std::pair<std::string, std::size_t>, std::less<>> Counts;
-    Counts mOthers;
-    Counts mUnread; ///< the same of what elements have and the reader does not draw
-    void Count(Counts& counts, std::string_view name, pugi::xml_node element) {
-        auto const first = counts.emplace(name, std::make_pair(mDocument->Place(element), 0U));
-        ++first.first->second.second;
-    }
+    Complaints mComplaints;
     Cascade mCascade;
     std::vector<pugi::xml_node> mClipping; ///< the clipPath elements that are read
     std::size_t mClipElements = 0;
@@ -245,30 +221,6 @@ private:
     std::size_t mUsedBytes = 0;
     Drawing mDrawing;
 };
-
-void Reader::Skip(std::string const& place, std::string const& message) {
-    if (mSkipped.insert(place + ": " + message).second && mSkipped.size() <= kMostWarnings) {
-        Warn(mDocument->File(), place, message);
-    }
-}
-
-void Reader::TellTheRest() const {
-    if (mSkipped.size() > kMostWarnings) {
-        Warn(mDocument->File(), "",
-             std::to_string(mSkipped.size() - kMostWarnings) + " more mistakes of this kind");
-    }
-    for (auto const& [name, others] : mOthers) {
-        std::string const more =
-            others.second == 1 ? "" : ", nor have " + std::to_string(others.second - 1) + " more";
-        Warn(mDocument->File(), others.first, "has no outlines here" + more);
-    }
-    for (auto const& [name, others] : mUnread) {
-        std::string const more =
-            others.second == 1 ? ""
-                               : " of this and of " + std::to_string(others.second - 1) + " more";
-        Warn(mDocument->File(), others.first, "has " + name + ", left out" + more);
-    }
-}
 
 std::string_view Reader::Specified(pugi::xml_node element, char const* attribute,
                                    Context const& context) const {
@@ -389,40 +341,6 @@ void Reader::Inherit(ElementStyle const& style, Context& context) {
     }
 }
 
-/// Returns the sum of the distances between the ends of segments, which no length is below.
-double ChordLength(CPath const& path) {
-    double length = 0.0;
-    for (trammel::PathSegment const& segment : trammel::Segments(path)) {
-        length += (segment.end - segment.start).Length();
-    }
-    return length;
-}
-
-/// Returns how far curves may be from their arcs, in the element's own coordinates.
-///
-/// Curves run along the outside of an arc. Those within a distance d of it turn by no more than a
-/// full turn, so they are longer by at most 2 pi d.
-/// \param length  of the outline, or a little less
-/// \param radius  the greater radius; paths have none
-double Reader::ArcTolerance(double length, std::size_t arcs, double radius,
-                            Context const& context) const {
-    double const turns = 2.0 * pi * static_cast<double>(arcs);
-    double const stretch = Stretch(context.transform) * mUnitStretch;
-    switch (mArcs.by) {
-    case ArcAccuracy::By::kPicture:
-        break;
-    case ArcAccuracy::By::kDigits:
-        return kDigitsShare * length / turns;
-    case ArcAccuracy::By::kFigures:
-        return kArcPart * mArcs.most / (turns * stretch);
-    case ArcAccuracy::By::kArea:
-        return kArcPart * mArcs.most / (length * stretch) / stretch;
-    case ArcAccuracy::By::kDistance:
-        return mArcs.most / stretch;
-    }
-    return kPictureShare * radius;
-}
-
 Reader::Form Reader::PathElement(pugi::xml_node element, Context const& context) {
     Declared const& declared = (*context.style)[Property::kD];
     std::string data(declared.value);
@@ -443,10 +361,9 @@ Reader::Form Reader::PathElement(pugi::xml_node element, Context const& context)
     Form form; // what stands before a mistake is drawn
     form.arcs = result.arcs;
     if (result.arcs > 0 && mArcs.by == ArcAccuracy::By::kPicture) {
-        TRect<double> const bounds = ControlBounds(result.path);
-        form.tolerance = kPictureShareOfSize * std::max(bounds.Width(), bounds.Height());
+        form.tolerance = PictureTolerance(result.path);
     } else if (result.arcs > 0) {
-        form.tolerance = ArcTolerance(ChordLength(result.path), result.arcs, 0.0, context);
+        form.tolerance = ToleranceOf(ChordLength(result.path), result.arcs, 0.0, context);
         result = trammel::ReadSvgPath(data, form.tolerance);
     }
     form.path = std::move(result.path);
@@ -469,7 +386,7 @@ Reader::Form Reader::Rectangle(pugi::xml_node element, Context const& context) {
     Form form;
     form.arcs = hRadius == 0.0 || vRadius == 0.0 ? 0 : 1;
     form.tolerance =
-        ArcTolerance((width + height) * pi / 2.0, 1, std::max(hRadius, vRadius), context);
+        ToleranceOf((width + height) * pi / 2.0, 1, std::max(hRadius, vRadius), context);
     form.path = RectanglePath(TRect<double>(left, top, left + width, top + height), hRadius,
                               vRadius, form.tolerance);
     return form;
@@ -491,7 +408,7 @@ Reader::Form Reader::Ellipse(pugi::xml_node element, Context const& context, cha
     }
     Form form;
     form.arcs = 1;
-    form.tolerance = ArcTolerance((hRadius + vRadius) * pi, 1, std::max(hRadius, vRadius), context);
+    form.tolerance = ToleranceOf((hRadius + vRadius) * pi, 1, std::max(hRadius, vRadius), context);
     form.path = trammel::EllipsePath(centre, hRadius, vRadius, 0.0, form.tolerance);
     return form;
 }
@@ -833,7 +750,7 @@ void Reader::Draw(pugi::xml_node element, std::string_view name, Context const& 
         inner.transform = Concat(CMatrix3x3().Translate(left, top), context.transform);
         Viewport(element, inner, size);
     } else if (name == "text" || name == "image" || name == "foreignObject") {
-        Count(mOthers, name, element);
+        mComplaints.CountOther(name, mDocument->Place(element));
     }
 }
 
@@ -877,7 +794,8 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
         for (Property const property : unread) {
             std::string_view const value = style[property].value;
             if (mDrawing.outlines.size() > first && !UrlFragment(value).empty()) {
-                Count(mUnread, property == Property::kMask ? "a mask" : "markers", element);
+                mComplaints.CountUnread(property == Property::kMask ? "a mask" : "markers",
+                                        mDocument->Place(element));
             }
         }
     } catch (AttributeError const& e) {
@@ -941,7 +859,7 @@ Drawing Reader::Read() {
     if (!Hidden(style)) {
         Children(root, context);
     }
-    TellTheRest();
+    mComplaints.Tell();
     std::unordered_map<std::size_t, std::size_t> copies;
     std::unordered_map<std::size_t, std::size_t> siblings;
     for (Outline const& outline : mDrawing.outlines) {
