@@ -40,6 +40,8 @@ private:
         std::uint32_t number;
         std::uint32_t second; ///< the number of its second vertex
         bool turned;          ///< whether it runs from high to low
+
+        GridEdge Directed() const { return turned ? GridEdge{high, low} : GridEdge{low, high}; }
     };
     /// Equal edges from `begin` to `end` of mEdges, two or more.
     struct Class {
