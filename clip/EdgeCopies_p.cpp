@@ -2,8 +2,6 @@
 
 #include "EdgeCopies_p.h"
 
-#include "EdgeTree_p.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -101,7 +99,7 @@ void EdgeCopies::MarkIn(ScratchVector<char>& active) const {
         for (std::size_t i = equal.begin + 1; i < equal.end; ++i) {
             char& copy = active[mEdges[i].number];
             first = static_cast<char>(first | copy);
-            copy = EdgeTree::kCopy;
+            copy = kCopy;
         }
     }
 }

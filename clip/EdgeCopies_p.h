@@ -24,7 +24,7 @@ class EdgeCopies {
 public:
     explicit EdgeCopies(GridLines const& lines);
 
-    /// Marks copies with EdgeTree::kCopy in `active`, which has an element for each edge or none.
+    /// Marks copies with kCopy in `active`, which has an element for each edge or none.
     /// The first edge is active if one of its copies was.
     void MarkIn(ScratchVector<char>& active) const;
     /// Sets kShared at the ends of all equal edges.
