@@ -44,6 +44,7 @@
 #include "RegionArea.h"
 #include "Shapes.h"
 #include "Simplify.h"
+#include "SimplifyRings.h"
 #include "Stroke.h"
 #include "StrokeStyle.h"
 #include "SvgPath.h"
