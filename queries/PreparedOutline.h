@@ -81,7 +81,7 @@ public:
     /// upright combs. Where most segments are as large as the outline it is a tenth of n or so, and
     /// a query compares eight of them at once.
     ///
-    /// A crowd that is small beside the outline's box has neither: there a query takes up to about
+    /// A crowd that is small beside the outline's box has no grid. There a query takes up to about
     /// twice as long as WindingNumber. So it does in a box that is a thousand times as long as
     /// wide, or far smaller than its distance from the origin.
     int WindingNumber(TPoint<double> const& p) const noexcept;
