@@ -25,7 +25,7 @@ double const kMostReach = 0x1p-10;
 /// Rounding moves points by less, in work units.
 double const kRounding = 0x1p-46;
 /// The factor by which the reach grows where there is too much work.
-double const kCoarser = 8.0;
+double const kCoarser = 4.0;
 /// Branches of a vertex are compared where the sine of the angle between them is less.
 double const kTogether = 0x1p-8;
 /// So many branches of a vertex are compared with each one.
@@ -387,7 +387,7 @@ void OutlineArcs::Build(double tolerance) {
     mFrame = WorkFrame(mBounds);
     mReach = std::max(kLeastReach, 16.0 * mFrame.Spacing());
     if (tolerance > 0.0) {
-        mReach = std::max(mReach, std::min(mFrame.LengthToWork(tolerance) / 4.0, kMostReach));
+        mReach = std::max(mReach, std::min(mFrame.LengthToWork(tolerance) / 8.0, kMostReach));
     }
     if (std::none_of(elements.begin(), elements.end(),
                      [](OutlineElement const& e) { return e.curve; })) {
