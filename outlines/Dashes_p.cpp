@@ -43,12 +43,12 @@ DashPattern::DashPattern(std::vector<double> const& lengths, double offset) {
 }
 
 bool DashPattern::Find(double length, std::vector<DashRange>& out) const {
-    double const dashes = static_cast<double>(mEdges.size() / 2);
+    double const dashes = 0.5 * static_cast<double>(mEdges.size());
     if (!(mPeriod > 0.0) || !((length / mPeriod + 2.0) * dashes <= kMostDashes)) {
         return false;
     }
-    for (double period = 0.0;; period += 1.0) {
-        double const begin = period * mPeriod - mOffset;
+    for (std::size_t period = 0;; ++period) {
+        double const begin = static_cast<double>(period) * mPeriod - mOffset;
         for (std::size_t i = 0; i < mEdges.size(); i += 2) {
             double const from = begin + mEdges[i];
             double const to = begin + mEdges[i + 1];

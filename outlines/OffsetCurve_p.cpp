@@ -33,6 +33,10 @@ constexpr int kMostRounds = 6;
 constexpr double kEnoughGain = 0.5;
 /// With a greater error at the places, in tolerances, the curve is not worth a proof.
 constexpr double kMostOff = 0.5;
+/// With so small an error at the places, in tolerances, more steps gain nothing.
+constexpr double kEnoughOff = 1.0 / 16.0;
+/// The squared sine of an angle between directions that differ by rounding.
+constexpr double kSameDirection = 0x1p-80;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
@@ -40,7 +44,7 @@ constexpr double kInflectionMargin = 0.05;
 /// The fold of a part where that could not be decided.
 constexpr int kUnseenFold = 2;
 /// The pen's centres of curvature are divided so often at most.
-constexpr int kDeepestCentre = 16;
+constexpr int kDeepestCentre = 12;
 
 /// The parameters at which a fitted curve has the right distance, besides its ends. The error
 /// u²(1 - u)²(u - a)(u - b) then has extremes of equal size.
@@ -371,6 +375,9 @@ public:
             arm0 = arms[0];
             arm1 = arms[1];
             foot = mFoot;
+            if (best <= kEnoughOff * tolerance) {
+                break;
+            }
         }
         mArm0 = arm0;
         mArm1 = arm1;
@@ -414,8 +421,22 @@ private:
             (ab >= 0.0 && bd >= 0.0 && ad >= 0.0) || (ab <= 0.0 && bd <= 0.0 && ad <= 0.0);
         double const along = Dot(mPiece.from, mPiece.to);
         double const turn = Cross(mPiece.from, mPiece.to);
-        if (!isConvex || !(along > 0.5) || !(Dot(a, b) >= 0.0) || !(Dot(b, d) >= 0.0) ||
-            !(length * std::abs(turn) <= 2.0 * (1.0 + along) * tolerance)) {
+        double const own = Dot(a, d);
+        if (!isConvex || !(along > 0.5) || !(own > 0.0) || !(Dot(a, b) >= 0.0) ||
+            !(Dot(b, d) >= 0.0)) {
+            return false;
+        }
+        // Where the ends have other directions than the piece, there are two triangles.
+        double const height = length * std::abs(turn) / (2.0 * (1.0 + along));
+        double const ownHeight = length * std::abs(ad) / (4.0 * own);
+        auto const isOwn = [](Pt const& direction, Pt const& speed) {
+            double const off = Cross(direction, speed);
+            return off * off <= kSameDirection * Square(speed);
+        };
+        double const both = isOwn(mPiece.from, a) && isOwn(mPiece.to, d)
+                                ? std::max(height, ownHeight)
+                                : height + ownHeight;
+        if (!(both <= tolerance)) {
             return false;
         }
         Pt const chord = mEnd - mStart;

@@ -5,6 +5,7 @@
 #include "OutlineOperations.h"
 #include "PathSegments.h"
 #include "PathStructure.h"
+#include "PlainContours_p.h"
 #include "Shapes.h"
 #include "StrokePath_p.h"
 
@@ -48,6 +49,17 @@ CPath ReversedWithout(CPath const& path, Pt const& start) {
     return others;
 }
 
+/// Unites contours whose winding numbers are above 0 in a region, and 0 elsewhere.
+double Unite(CPath& contours, double tolerance, CPath& out) {
+    // Outlines of lines alone go to the polygon engine, which is as fast as the test.
+    if (contours.TestContents(CPath::kContainsCurves) &&
+        trammel_detail::AreContoursPlain(contours)) {
+        out = std::move(contours);
+        return 0.0;
+    }
+    return RemoveOverlap(contours, FillRule::kNonZero, tolerance, out);
+}
+
 } // namespace
 
 double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPath& out) {
@@ -55,7 +67,7 @@ double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPa
     double const asked = tolerance > 0.0 ? tolerance : 0.0;
     double const share = kContourShare * asked;
     double const kept = trammel_detail::AppendStroke(path, style, share, contours);
-    double const keptInUnion = RemoveOverlap(contours, FillRule::kNonZero, asked - share, out);
+    double const keptInUnion = Unite(contours, asked - share, out);
     return std::max(asked, kept + keptInUnion);
 }
 
@@ -79,7 +91,7 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
     kept += trammel_detail::AppendGrown(plain, distance, join, miterLimit, kContourShare * asked,
                                         grown);
     if (distance > 0.0) {
-        kept += RemoveOverlap(grown, FillRule::kNonZero, share, out);
+        kept += Unite(grown, share, out);
         return std::max(asked, kept);
     }
     // The outside has grown. A frame makes a region of it.
@@ -87,7 +99,7 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
     Pt const corner = contours.mPts.front();
     AppendSubpaths(contours, grown);
     CPath framed;
-    kept += RemoveOverlap(contours, FillRule::kNonZero, share, framed);
+    kept += Unite(contours, share, framed);
     out = ReversedWithout(framed, corner);
     return std::max(asked, kept);
 }

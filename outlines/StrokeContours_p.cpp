@@ -4,6 +4,8 @@
 
 #include "ArcCurves_p.h"
 #include "PointMath_p.h"
+#include "UTrigonometry.h"
+#include "UnitCircle_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,14 +18,33 @@ typedef TPoint<double> Pt;
 using trammel::StrokeCap;
 using trammel::StrokeJoin;
 
+/// Parameters of arcs are found to so many binary digits.
+constexpr int kParameterBits = 52;
+
 // Shares of the tolerance.
 
 /// Parts of curves that are no longer are drawn as lines.
 constexpr double kTinyShare = 0.125;
-/// Corners at which the pen's end moves by no more are no corners.
+/// Corners that cut off no more from the stroke are no corners.
 constexpr double kCornerShare = 0.25;
+/// The square of the greatest turn at a corner that counts as none, in radians.
+constexpr double kSmoothestTurn = 0.5;
 /// Curves and arcs beside the line.
 constexpr double kFitShare = 0.5;
+/// Arcs around a point that has several. It is less than what RemoveOverlap() unites as one point.
+constexpr double kSharedShare = 0.0625;
+
+/// Returns the parameter at which a curve around the origin, of a quarter turn at most, has a
+/// direction from there.
+double ParameterAt(Cubic const& unit, Pt const& direction) {
+    double low = 0.0;
+    double high = 1.0;
+    for (int i = 0; i < kParameterBits; ++i) {
+        double const t = 0.5 * (low + high);
+        (Cross(PlaceAt(unit, t).point, direction) > 0.0 ? low : high) = t;
+    }
+    return 0.5 * (low + high);
+}
 
 /// Returns the product of two vectors as complex numbers.
 Pt Turned(Pt const& a, Pt const& b) { return Pt(a.h * b.h - a.v * b.v, a.h * b.v + a.v * b.h); }
@@ -158,7 +179,9 @@ void StrokeContours::AddCurve(Cubic const& curve) {
 }
 
 void StrokeContours::SmoothCorners(bool closed) {
-    double const most = kCornerShare * mPen.tolerance;
+    // Without a corner, the side leads from the middle of one turn to the middle of the next. It
+    // comes nearer to the line than the radius by the radius times an eighth of the turn's square.
+    double const most = 8.0 * kCornerShare * mPen.tolerance / mPen.radius;
     auto const length = [](Piece const& piece) {
         return piece.stretches > 0 ? PolygonLength(piece.curve) : Distance(piece.start, piece.end);
     };
@@ -168,10 +191,13 @@ void StrokeContours::SmoothCorners(bool closed) {
         }
         Piece& before = mPieces[i];
         Piece& behind = mPieces[i + 1 < mPieces.size() ? i + 1 : 0];
-        double const off = Taxicab(before.to - behind.from) * mPen.radius;
+        double const square = Square(before.to - behind.from);
+        if (!(square > 0.0 && square <= most && square <= kSmoothestTurn)) {
+            continue;
+        }
         // On the inner side both pieces go back by half of that. They have to cover it.
-        if (off > 0.0 && Dot(before.to, behind.from) > 0.0 && off <= most &&
-            off <= length(before) && off <= length(behind)) {
+        double const off = std::sqrt(square) * mPen.radius;
+        if (off <= length(before) && off <= length(behind)) {
             before.to = behind.from = trammel::Normalize(before.to + behind.from);
         }
     }
@@ -432,6 +458,11 @@ void StrokeContours::AddJoin(Pt const& p, Pt const& before, Pt const& behind, bo
 
 // The turn is from h toward v and at most half of a full one.
 void StrokeContours::AddArc(Pt const& center, Pt const& from, Pt const& to) {
+    if (mShared != nullptr &&
+        std::binary_search(mShared->begin(), mShared->end(), center, IsBefore)) {
+        AddSharedArc(center, from, to);
+        return;
+    }
     double const sine = 0.5 * std::sqrt(Square(to - from));
     double const cosine = 0.5 * std::sqrt(Square(to + from));
     double const quarter = sine / (1.0 + cosine); // the tangent of a quarter of the turn
@@ -443,7 +474,8 @@ void StrokeContours::AddArc(Pt const& center, Pt const& from, Pt const& to) {
     }
     double const angle = 16.0 * t * series;
     double const radius = mPen.radius;
-    std::size_t const count = ArcCurveCount(angle, radius, kFitShare * mPen.tolerance);
+    std::size_t const count =
+        std::max<std::size_t>(ArcCurveCount(angle, radius, kFitShare * mPen.tolerance), 1);
 
     // One step is the root of the whole turn, as complex numbers. Newton's method finds it.
     Pt const whole(Dot(from, to), Cross(from, to));
@@ -473,6 +505,43 @@ void StrokeContours::AddArc(Pt const& center, Pt const& from, Pt const& to) {
                        center + next * radius - NormalOf(next) * arm, center + next * radius}});
         radial = next;
     }
+}
+
+// All arcs around the point are parts of the same curves. So where they run along each other, they
+// coincide, which arcs that were cut at other places would not do.
+void StrokeContours::AddSharedArc(Pt const& center, Pt const& from, Pt const& to) {
+    double const radius = mPen.radius;
+    std::size_t const perQuarter = ArcCurveCount(pi / 2.0, radius, kSharedShare * mPen.tolerance);
+    std::size_t const count = 4 * std::max<std::size_t>(perQuarter, 1);
+    // The first curve that ends behind `from`.
+    std::size_t k = 0;
+    while (k < count && !(Cross(UnitPoint(k, count), from) >= 0.0 &&
+                          Cross(from, UnitPoint(k + 1, count)) > 0.0)) {
+        ++k;
+    }
+    for (std::size_t i = 0; i <= count / 2 + 1; ++i, ++k) {
+        Pt const first = UnitPoint(k % count, count);
+        Pt const last = UnitPoint((k + 1) % count, count);
+        // A third of the way along its tangents, times 4 tan(a/4).
+        double const half = Cross(first, last) / (1.0 + Dot(first, last));
+        double const arm = 4.0 / 3.0 * half / (1.0 + std::sqrt(1.0 + half * half));
+        Cubic const unit = {
+            {first, first + NormalOf(first) * arm, last - NormalOf(last) * arm, last}};
+        bool const isLast =
+            Cross(first, to) > 0.0 && Cross(to, last) >= 0.0 && (i > 0 || Cross(from, to) > 0.0);
+        double const t0 = i == 0 ? ParameterAt(unit, from) : 0.0;
+        double const t1 = isLast ? ParameterAt(unit, to) : 1.0;
+        if (t0 < t1) {
+            Cubic const part = PartOf(unit, t0, t1);
+            mOut.LineTo(center + part[0] * radius);
+            mOut.CurveTo({{center + part[1] * radius, center + part[2] * radius,
+                           center + part[3] * radius}});
+        }
+        if (isLast) {
+            break;
+        }
+    }
+    mOut.LineTo(center + to * radius);
 }
 
 void StrokeContours::AddCap(Pt const& p, Pt const& direction, StrokeCap cap) {

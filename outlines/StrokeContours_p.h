@@ -33,6 +33,11 @@ struct StrokePen {
     }
 };
 
+/// The order of points by h, then v.
+inline bool IsBefore(TPoint<double> const& a, TPoint<double> const& b) {
+    return a.h < b.h || (a.h == b.h && a.v < b.v);
+}
+
 /// Collects closed contours and appends them to a path.
 class ContourList {
 public:
@@ -68,6 +73,10 @@ private:
 class StrokeContours {
 public:
     StrokeContours(StrokePen const& pen, ContourList& out) : mPen(pen), mOut(out) {}
+
+    /// Takes the points at which the pen comes by more than once, in the order of IsBefore(). They
+    /// have to outlive this.
+    void SetSharedPoints(std::vector<TPoint<double>> const& points) { mShared = &points; }
 
     /// Adds a line to the subpath. A line without length is left out.
     void AddLine(TPoint<double> const& from, TPoint<double> const& to);
@@ -113,6 +122,8 @@ private:
     void AddJoin(TPoint<double> const& p, TPoint<double> const& before,
                  TPoint<double> const& behind, bool round);
     void AddArc(TPoint<double> const& center, TPoint<double> const& from, TPoint<double> const& to);
+    void AddSharedArc(TPoint<double> const& center, TPoint<double> const& from,
+                      TPoint<double> const& to);
     void AddCap(TPoint<double> const& p, TPoint<double> const& direction, trammel::StrokeCap cap);
     void AddPatches();
     bool FoldsAtStart(Piece const& piece) const;
@@ -126,6 +137,7 @@ private:
     std::vector<Piece> mPieces;
     std::vector<CurveStretch> mStretches;
     bool mIsReversed = false;
+    std::vector<TPoint<double>> const* mShared = nullptr;
     std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece
     std::vector<TPoint<double>> mCentres;
     std::vector<std::vector<TPoint<double>>> mPatchCentres;

@@ -150,8 +150,7 @@ private:
         fan.AddLine(to == mAt + 1 ? Pt() : mStroke.at[to - 1] - mPoint, chord);
         double const size = std::sqrt(Square(chord));
         Pt const back = -end.direction;
-        HandleFit candidates(chord, start, back, fan);
-        for (HandleLengths handles; candidates.Next(handles);) {
+        for (HandleLengths const& handles : FitHandles(chord, start, back, fan)) {
             Cubic const cubic = {mPoint, mPoint + start * (handles.start * size),
                                  end.point + back * (handles.end * size), end.point};
             if (SeemsToMatch(mStroke, mAt, to, cubic, mTolerance)) {

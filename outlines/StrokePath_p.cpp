@@ -29,17 +29,16 @@ using trammel::PreparedOutline;
 using trammel::Segments;
 using trammel::StrokeCap;
 using trammel::StrokeJoin;
-using trammel::StrokeStyle;
 using trammel::Subpath;
 using trammel::Subpaths;
 
 /// No distance is kept that is less than this share of the coordinates or the width.
 constexpr double kFinest = 0x1p-36;
-/// To see on which side of an outline its region lies, points so far beside it are tried, in shares
-/// of the size.
-constexpr double kFarthestStep = 0x1p-20;
-constexpr double kNearestStep = 0x1p-44;
-constexpr double kNextStep = 0x1p6;
+/// To see on which side of an outline its region lies, points so far beside it are tried: powers of
+/// two of the size.
+constexpr int kFarthestStep = -20;
+constexpr int kNearestStep = -44;
+constexpr int kNextStep = 6;
 /// Drawings of a size beyond this power of two, or below its inverse, are scaled.
 constexpr int kPlainExponent = 200;
 
@@ -84,6 +83,34 @@ void AddSegments(Segments const& segments, double scale, StrokeContours& contour
             contours.AddLine(s.start * scale, s.end * scale);
         }
     }
+}
+
+/// Returns the points at which several segments that do not follow each other begin or end, in
+/// order.
+std::vector<Pt> SharedPoints(CPath const& path, double scale) {
+    std::vector<Pt> joints;
+    for (Subpath const& subpath : Subpaths(path)) {
+        if (subpath.Empty() || !IsDrawn(subpath)) {
+            continue;
+        }
+        joints.push_back(subpath.Start() * scale);
+        for (PathSegment const& s : subpath) {
+            if (s.IsCurve() || s.start != s.end) {
+                joints.push_back(s.end * scale);
+            }
+        }
+        if (subpath.Closed() && joints.back() == subpath.Start() * scale) {
+            joints.pop_back();
+        }
+    }
+    std::sort(joints.begin(), joints.end(), IsBefore);
+    std::vector<Pt> shared;
+    for (std::size_t i = 1; i < joints.size(); ++i) {
+        if (joints[i] == joints[i - 1] && (shared.empty() || shared.back() != joints[i])) {
+            shared.push_back(joints[i]);
+        }
+    }
+    return shared;
 }
 
 bool EndsAtStart(Subpath const& subpath) {
@@ -152,9 +179,10 @@ RegionSide RegionBeside(PathSegment const& s, PreparedOutline const& region, dou
 /// Returns the side of a contour on which the region lies that all contours bound.
 RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, double size) {
     // The least step first: a greater one may reach another contour.
-    for (double share = kNearestStep; share <= kFarthestStep; share *= kNextStep) {
+    for (int exponent = kNearestStep; exponent <= kFarthestStep; exponent += kNextStep) {
+        double const step = std::scalbn(size, exponent);
         for (PathSegment const& s : contour) {
-            RegionSide const side = RegionBeside(s, region, share * size);
+            RegionSide const side = RegionBeside(s, region, step);
             if (side != RegionSide::kUnknown) {
                 return side;
             }
@@ -184,6 +212,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     pen.tolerance = kept * scale;
     ContourList list(out, 1.0 / scale);
     StrokeContours contours(pen, list);
+    std::vector<Pt> const shared = SharedPoints(path, scale);
+    contours.SetSharedPoints(shared);
     DashPattern const pattern(style.dashes, style.dashOffset);
 
     for (Subpath const& subpath : Subpaths(path)) {

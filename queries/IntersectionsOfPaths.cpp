@@ -774,11 +774,6 @@ int Scale(Outline& a, Outline& b) {
     return exponent;
 }
 
-/// Returns the distance that is kept: `accuracy` to the last bit, if it is what was asked for.
-double Unscaled(double kept, double asked, int exponent, double accuracy) {
-    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent) : accuracy;
-}
-
 /// Appends the places where two outlines meet.
 double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersection>& out) {
     int const exponent = Scale(a, b);
@@ -792,7 +787,7 @@ double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersect
         }
     }
     double const kept = PairFinder(a, b, scaled, false).Run(out, exponent);
-    return Unscaled(kept, scaled, exponent, accuracy);
+    return std::scalbn(kept, exponent);
 }
 
 /// Appends the places where an outline meets itself.
@@ -802,7 +797,7 @@ double AppendOwnPlaces(Outline outline, double accuracy, std::vector<Intersectio
     double const scaled = std::scalbn(accuracy, -exponent);
     Outline const parts = WithSimpleParts(outline, Divided::kAll, scaled);
     double const kept = PairFinder(parts, parts, scaled, true).Run(out, exponent);
-    return Unscaled(kept, scaled, exponent, accuracy);
+    return std::scalbn(kept, exponent);
 }
 
 } // namespace

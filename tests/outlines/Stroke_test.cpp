@@ -289,6 +289,16 @@ TEST(Stroke, HasFewElements) {
     EXPECT_LE(Stroked(wave, Plain(1), 1e-6).mCtls.size(), 20U);
 }
 
+TEST(Stroke, UnitesArcsAroundTheSamePoint) {
+    // Four roads meet, in several ways of drawing them, at 1e-6 of the width.
+    for (std::string const cross : {"M0 0 L10 1 M0 0 L2 10 M0 0 L-10 -2 M0 0 L1 -10",
+                                    "M0 0 L10 1 L0 0 L2 10 L0 0 L-10 -2 L0 0 L1 -10",
+                                    "M10 1 L0 0 L2 10 M-10 -2 L0 0 L1 -10"}) {
+        CPath const out = Stroked(Path(cross), Round(2), 2e-6);
+        EXPECT_LE(out.mCtls.size(), 60U) << cross;
+    }
+}
+
 TEST(Stroke, MitersUpToTheLimitAndBevelsBeyond) {
     std::string const corner = "M0 0 L10 0 L10 10"; // a ratio of sqrt(2)
     StrokeStyle style = Plain(2);
