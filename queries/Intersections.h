@@ -102,7 +102,7 @@ TRAMMEL_API double AppendIntersections(TLine<double> const& a, TLine<double> con
 /// each pair of elements that coincide. A place is of kind kEnd where an open subpath begins or
 /// ends. The area inside plays no part.
 ///
-/// Cost: O(n log n + k) for n elements whose boxes are about as long as wide, and k pairs of
+/// Cost: O(n log n + k log k) for n elements whose boxes are about as long as wide, and k pairs of
 /// elements that come near each other. Memory O(n + k).
 TRAMMEL_API double AppendIntersections(CPath const& a, CPath const& b, double accuracy,
                                        std::vector<Intersection>& out);

@@ -11,6 +11,7 @@
 #include "OutlineMeets_p.h"
 #include "PathCursor.h"
 #include "PointMath_p.h"
+#include "ShortList_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -47,6 +48,7 @@ using trammel_detail::PathCursor;
 using trammel_detail::PolygonLength;
 using trammel_detail::RunCrossings;
 using trammel_detail::RunsBackAlongItself;
+using trammel_detail::ShortList;
 using trammel_detail::TurnsOf;
 using trammel_detail::TurnsOfCubic;
 
@@ -644,7 +646,7 @@ private:
             bool againstAtLow = false;
             bool againstAtHigh = false;
         };
-        std::vector<Stretch> stretches;
+        ShortList<Stretch, 8> stretches; // few meets are one place
         for (std::size_t const* i = g.first; i != g.end; ++i) {
             PairMeet const& m = mMeets[*i];
             Stretch next = ofA ? Stretch{m.a, m.meet.s0, m.meet.s1, m.startA, m.endA}
@@ -681,7 +683,7 @@ private:
                 stretches[count++] = s;
             }
         }
-        stretches.resize(count);
+        stretches.Cut(stretches.begin() + count);
         auto const find = [&](std::size_t segment, bool atStart) -> Stretch const* {
             auto const found = std::find_if(
                 std::lower_bound(stretches.begin(), stretches.end(), segment,
@@ -691,7 +693,7 @@ private:
                 });
             return found != stretches.end() && found->segment == segment ? &*found : nullptr;
         };
-        Stretch const* begin = &stretches.front();
+        Stretch const* begin = stretches.begin();
         for (std::size_t i = 0; i < count && begin->start; ++i) {
             std::size_t const before = outline[begin->segment].before;
             Stretch const* const next = before == kNone ? nullptr : find(before, false);
