@@ -20,6 +20,13 @@ void Text(Input& in) {
         Require(read.error->position <= text.size(), "the error is in the text");
         Require(read.error->Message().find('\n') == std::string::npos, "a message is one line");
     }
+    for (double const tolerance : {0.0, 1.0}) {
+        trammel::SvgPathResult const fine = trammel::ReadSvgPath(text, tolerance);
+        Require(fine.arcs >= read.arcs || fine.error, "finer arcs are as many");
+        for (Pt const& p : fine.path.mPts) {
+            Require(std::isfinite(p.h) && std::isfinite(p.v), "coordinates are finite");
+        }
+    }
     std::string const written = trammel::WriteSvgPath(read.path);
     trammel::SvgPathResult const again = trammel::ReadSvgPath(written);
     Require(!again.error, "what is written can be read");
