@@ -43,6 +43,8 @@
 #include "Records.h"
 #include "RegionArea.h"
 #include "Shapes.h"
+#include "Simplify.h"
+#include "SimplifyRings.h"
 #include "Stroke.h"
 #include "StrokeStyle.h"
 #include "SvgPath.h"

@@ -2,8 +2,6 @@
 
 #include "EdgeCopies_p.h"
 
-#include "EdgeTree_p.h"
-
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -101,7 +99,7 @@ void EdgeCopies::MarkIn(ScratchVector<char>& active) const {
         for (std::size_t i = equal.begin + 1; i < equal.end; ++i) {
             char& copy = active[mEdges[i].number];
             first = static_cast<char>(first | copy);
-            copy = EdgeTree::kCopy;
+            copy = kCopy;
         }
     }
 }
@@ -128,12 +126,15 @@ void EdgeCopies::CutCopies(ScratchVector<Cut>& cuts) const {
         }
         cuts[k].incidence = std::min(cuts[k].incidence, kShared);
         Class const equal = mClasses[classOf[cuts[k].edge] - 1];
+        Edge const& first = mEdges[equal.begin];
+        GridPoint const p = MajorAxis(first.Directed()).Point(cuts[k].along, cuts[k].across);
+        MajorAxis const turnedAxis({first.Directed().b, first.Directed().a});
         for (std::size_t i = equal.begin + 1; i < equal.end; ++i) {
             Cut copy = cuts[k];
             copy.edge = mEdges[i].number;
-            if (mEdges[i].turned != mEdges[equal.begin].turned) {
-                copy.along = -copy.along;
-                copy.across = -copy.across;
+            if (mEdges[i].turned != first.turned) {
+                copy.along = turnedAxis.Along(p);
+                copy.across = turnedAxis.Across(p);
             }
             cuts.push_back(copy);
         }

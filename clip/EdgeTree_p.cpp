@@ -17,7 +17,8 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     : mLines(lines), mActiveEdges(std::move(active)), mMargin(margin), mOrder(order),
       mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
       mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
-      mSpans(lines.points.get_allocator()) {
+      mSpans(lines.points.get_allocator()), mPairs(lines.points.get_allocator()),
+      mChainOf(lines.points.get_allocator()) {
     if (lines.points.size() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
@@ -34,8 +35,9 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     }
     bool const allActive = mActiveEdges.empty();
     bool const few = mEdges.size() <= kFewEdges;
+    std::size_t countActive = mEdges.size();
     if (!allActive) {
-        auto const countActive =
+        countActive =
             static_cast<std::size_t>(std::count(mActiveEdges.begin(), mActiveEdges.end(), 1));
         mIsSparse = countActive <= mEdges.size() / 16;
         if (few || countActive <= kFewActive) {
@@ -79,7 +81,9 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
         return;
     }
     Slant slant;
-    bool const entangled = mNodes.size() > kFewEdges && ChooseSlant(slant);
+    Sample const sample = mNodes.size() > kFewEdges ? ChooseSlant(slant) : Sample();
+    SplitWhereWorthwhile(sample, countActive);
+    bool const entangled = sample.meeting > sample.drawn / 8 && mChainOf.empty();
     if (entangled && allActive && mEdges.size() <= kMostEntangled) {
         mNodes.clear();
         return;
@@ -119,9 +123,47 @@ EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
     return {span.low - slant.reach, span.high + slant.reach};
 }
 
-/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns whether many
-/// pairs of chains cannot be told apart.
-bool EdgeTree::ChooseSlant(Slant& best) const {
+/// True when edges of two chains may come near each other.
+bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
+    for (std::size_t i = mChains[k].begin; i < mChains[k].end; ++i) {
+        GridBox const box = Widened(Widened(BoxOf(mEdges[i])));
+        for (std::size_t j = mChains[l].begin; j < mChains[l].end; ++j) {
+            if (box.Meets(BoxOf(mEdges[j])) && MayBeNear(mEdges[i], mEdges[j], mMargin)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// Lists the near pairs if most pairs of chains that the tree cannot tell apart are not near.
+void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCount) {
+    // So many chains that each one is held against in vain cost more than the splits.
+    double const kMany = 48;
+    if (sample.apart == 0 || mEdges.size() < kFewToSplit) {
+        return;
+    }
+    double const others = static_cast<double>(mNodes.size()) * static_cast<double>(sample.apart) /
+                          static_cast<double>(sample.drawn);
+    if (others < kMany) {
+        return;
+    }
+    double const pairs = others * static_cast<double>(activeCount) / 2;
+    if (FindNearPairs(mEdges, mActiveEdges, mMargin, static_cast<std::size_t>(pairs), mPairs)) {
+        mChainOf.resize(mEdges.size());
+        for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
+            for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
+                mChainOf[i] = static_cast<std::uint32_t>(chain);
+            }
+        }
+    } else {
+        mPairs.clear();
+    }
+}
+
+/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns what is known
+/// of the pairs that it does not tell apart.
+EdgeTree::Sample EdgeTree::ChooseSlant(Slant& best) const {
     // A linear congruential generator draws a sample of pairs. Chains that follow each other always
     // meet and do not count.
     constexpr std::size_t kSamples = 64;
@@ -143,8 +185,10 @@ bool EdgeTree::ChooseSlant(Slant& best) const {
             meeting[count++] = {i, j};
         }
     }
+    Sample sample;
+    sample.drawn = drawn;
     if (count < kWorthwhile) {
-        return false;
+        return sample;
     }
     // Of the directions across some of the edges, the one that tells most pairs apart is best.
     std::size_t least = count;
@@ -164,7 +208,13 @@ bool EdgeTree::ChooseSlant(Slant& best) const {
             best = slant;
         }
     }
-    return least > drawn / 8;
+    sample.meeting = least;
+    for (std::size_t k = 0; k < count; ++k) {
+        auto const [i, j] = meeting[k];
+        bool const meets = best.reach == 0 || SpanOf(i, best).Meets(SpanOf(j, best));
+        sample.apart += meets && !AreNear(i, j) ? 1 : 0;
+    }
+    return sample;
 }
 
 void EdgeTree::AddLevels() {

@@ -5,6 +5,7 @@
 #ifndef TRAMMEL_EDGETREE_P_H
 #define TRAMMEL_EDGETREE_P_H
 
+#include "EdgeSplit_p.h"
 #include "Lines_p.h"
 #include "Scratch_p.h"
 
@@ -36,13 +37,10 @@ public:
         kMorton, ///< along Morton's curve, which pays where long edges were cut to many short ones
     };
 
-    /// What stands in `active` for an edge that is left out of all pairs, because it equals
-    /// another. A tree with such edges casts no rays.
-    static constexpr char kCopy = 2;
-
     /// The boxes reach `margin` further than the edges. `active` has a 1 for each edge that has to
-    /// be held against all others; an empty one stands for all edges. Throws std::length_error for
-    /// more than kMostEdges.
+    /// be held against all others; an empty one stands for all edges. Edges with kCopy are in no
+    /// pair, and a tree with such edges casts no rays. Throws std::length_error for more than
+    /// kMostEdges.
     EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin, Order order);
 
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
@@ -82,6 +80,7 @@ private:
     static constexpr std::size_t kLongestSortedChain = 2; // the same along Morton's curve
     static constexpr std::size_t kFewActive = 8;          // so few active edges need no boxes
     static constexpr std::size_t kFewEdges = 48;          // nor do so few edges
+    static constexpr std::size_t kFewToSplit = 256;       // so few edges are not worth splits
     // Where chains mostly meet, a tree keeps nothing apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;
 
@@ -168,7 +167,15 @@ private:
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
     void AddLevels();
     void SortChains();
-    bool ChooseSlant(Slant& slant) const;
+    /// What random pairs of chains tell.
+    struct Sample {
+        std::size_t drawn = 0;
+        std::size_t meeting = 0; ///< pairs whose boxes meet, and that the slant does not tell apart
+        std::size_t apart = 0;   ///< of these, pairs without edges that come near each other
+    };
+    Sample ChooseSlant(Slant& slant) const;
+    bool AreNear(std::size_t k, std::size_t l) const;
+    void SplitWhereWorthwhile(Sample const& sample, std::size_t activeCount);
     Slant SlantAcross(GridEdge const& e) const;
     Span SpanOf(std::size_t chain, Slant const& slant) const;
     /// True when two nodes of a level may have edges that meet, one of them active.
@@ -216,9 +223,20 @@ private:
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
     bool mIsSparse = false;                             // whether few edges are active
+    // Where boxes do not tell edges apart, all pairs that are near, and each edge's chain.
+    ScratchVector<EdgePair> mPairs;
+    ScratchVector<std::uint32_t> mChainOf;
 };
 
 template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
+    if (!mChainOf.empty()) {
+        for (auto const [i, j] : mPairs) {
+            if (withinChains || mChainOf[i] != mChainOf[j]) {
+                visit(i, j, Follow(i, j));
+            }
+        }
+        return;
+    }
     if (!HasBoxes()) {
         if (mChains.empty()) {
             ForMeetingActive(visit);

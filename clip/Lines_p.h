@@ -65,6 +65,10 @@ private:
     void Skip(std::size_t a, std::size_t b, std::size_t c);
 };
 
+/// Stands for an edge that is left out when edges are held against each other, because it equals
+/// another one.
+inline constexpr char kCopy = 2;
+
 /// An edge, in the direction of its line.
 struct GridEdge {
     GridPoint a;

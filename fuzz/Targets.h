@@ -20,6 +20,8 @@ void Curves(Input& in);
 void Paths(Input& in);
 /// PreparedOutline against WindingNumber, places of OutlineMeasure, areas and moments.
 void Outlines(Input& in);
+/// Where curves and paths meet: what holds for all places, and finer searches against coarser ones.
+void Intersections(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
 /// Handle polygons of foreign bytes, changed at random.
@@ -34,9 +36,10 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 7> kTargets = {{{"curves", Curves},
+inline constexpr std::array<Target, 8> kTargets = {{{"curves", Curves},
                                                     {"paths", Paths},
                                                     {"outlines", Outlines},
+                                                    {"intersections", Intersections},
                                                     {"polygons", Polygons},
                                                     {"handles", Handles},
                                                     {"clip", Clip},

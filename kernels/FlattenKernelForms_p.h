@@ -627,13 +627,21 @@ template <class Vector>
     return Select(number < last, panels.At(number * step), Vector(1.0));
 }
 
-/// Returns the number of chords for an integral of the density over four panels: that rounded up,
-/// but two at least. A millionth of a chord more than a whole number is none.
-template <class Vector> [[gnu::always_inline]] inline Vector FewCount(Vector const& total) {
-    // No number from 2^52 on has digits behind the point.
-    Vector const up = Vector(1.0 / kFewPanels) * total + Vector(0.499999);
-    return Max((up + Vector(0x1p52)) - Vector(0x1p52), Vector(2.0));
-}
+/// The number of few chords for an integral of the density over four panels, and its inverse. The
+/// number is the integral's, rounded up, but two at least and `kMost` at most. Comparisons find it
+/// sooner than a rounding and a division.
+template <int kMost, class Vector> struct FewCount {
+    Vector count = Vector(2.0);
+    Vector inverse = Vector(0.5);
+
+    [[gnu::always_inline]] inline explicit FewCount(Vector const& total) {
+        for (int i = 2; i < kMost; ++i) {
+            auto const more = Vector(kFewPanels * i) < total;
+            count = Select(more, Vector(i + 1), count);
+            inverse = Select(more, Vector(1.0 / (i + 1)), inverse);
+        }
+    }
+};
 
 /// Two to four chords, or two to kFewChords. Returns 0 for more, and where they do not keep the
 /// tolerance.
@@ -645,12 +653,13 @@ template <int kMost, class Vector>
         DensityOf(c, Vector::Load(kFewMiddles), Vector(FewScale(tolerance)), kFewShape);
     Vector const sums = RunningSums(density.chords);
     Vector const total = Vector(Lane<3>(sums));
-    Vector const last = FewCount(total);
-    if (!(Lane<0>(last) <= kMost)) {
+    if (!(Lane<3>(sums) <= kFewPanels * kMost)) {
         return 0;
     }
+    FewCount<kMost, Vector> const few(total);
+    Vector const last = few.count;
+    Vector const step = total * few.inverse;
     auto const count = static_cast<int>(Lane<0>(last));
-    Vector const step = total / last;
     Vector const zero = Vector(0.0);
     Vector const inverse = density.inverse;
     PanelLine<Vector> const line(1.0 / kFewPanels, Vector::Load(kCounting), Preceding(zero, sums),
@@ -794,7 +803,6 @@ template <class Vector>
         panels.each[i] = line.each;
         panels.more[i] = line.more;
     }
-    Vector const planned = FewCount(total);
     auto one = bend <= limit * Vector(kOneBend);
     auto const near = IsNearWhole(endH, endV, limit, c.bH, c.bV, c.cH, c.cV);
     if ((tried & near).Bits() != 0) {
@@ -805,10 +813,11 @@ template <class Vector>
             c.aH * lastH + c.aV * lastV);
     pack.onward = (turns >= Vector(0.0)).Bits();
     Vector const most = Select(bend <= limit * Vector(kFourBend), Vector(4.0), Vector(kFewChords));
-    auto const few = planned <= most;
-    Vector const count = Select(one, Vector(1.0), planned);
+    auto const few = total <= Vector(kFewPanels) * most;
+    FewCount<kFewChords, Vector> const several(total);
+    Vector const count = Select(one, Vector(1.0), several.count);
     Select(tried & (one | few), count, Vector(0.0)).Store(pack.chords);
-    Vector const step = total / count;
+    Vector const step = total * several.inverse;
     Vector const four = Vector(4.0);
     for (auto& ends : pack.t) {
         Vector const before = &ends == &pack.t[0] ? Vector(0.0) : four;

@@ -4,6 +4,7 @@
 
 #include "ElementAppender_p.h"
 #include "PointMath_p.h"
+#include "RangeScale_p.h"
 #include "StrokeFit_p.h"
 
 #include <algorithm>
@@ -36,31 +37,12 @@ double CosineOfCorner(double angle) {
     return angle <= kPi ? std::cos(angle) : -2.0;
 }
 
-/// The power of two that brings coordinates into the range in which their products are numbers. 1
-/// for all usual ones.
-double ScaleFor(std::vector<Pt> const& points) {
-    constexpr int kMostExponent = 150;
-    constexpr int kMostScale = 1000; // it and its inverse are numbers
-    double greatest = 0.0;
-    for (Pt const& p : points) {
-        greatest = std::max({greatest, std::abs(p.h), std::abs(p.v)});
-    }
-    if (greatest == 0.0) {
-        return 1.0;
-    }
-    int const exponent = std::ilogb(greatest);
-    if (std::abs(exponent) <= kMostExponent) {
-        return 1.0;
-    }
-    return std::ldexp(1.0, std::min(std::max(-exponent, -kMostScale), kMostScale));
-}
-
 /// The pieces for a list of points that are finite and distinct from their predecessors.
 class Fit {
 public:
     Fit(std::vector<Pt> const& points, FitLimits const& limits, bool closed,
         StrokeStart const& start)
-        : mScale(ScaleFor(points)) {
+        : mScale(trammel_detail::RangeScale(points)) {
         StrokePoints stroke;
         stroke.at.reserve(points.size());
         stroke.length.reserve(points.size());

@@ -9,8 +9,6 @@
 #include "PointMath_p.h"
 #include "TPoint.h"
 
-#include <array>
-
 namespace trammel_detail {
 
 /// The area and the first moment of the fan that a run of an outline spans from the run's start.
@@ -34,17 +32,33 @@ struct HandleLengths {
     double end;
 };
 
-/// Returns two candidates for the handles of a cubic from (0, 0) to `chord`. It leaves in the
-/// direction `u`, and its second handle lies in the direction `w` from its end.
+/// Candidates for the handles of a cubic from (0, 0) to `chord`. It leaves in the direction `u`,
+/// and its second handle lies in the direction `w` from its end.
 ///
-/// The first candidate has the area and the moment along the chord that are asked for, where
-/// Newton's method finds such lengths. The second one has equal lengths, and the area if there are
-/// such.
+/// The first candidates have the area and the moment along the chord that are asked for, where
+/// Newton's method finds such lengths. There may be two: flat arcs have two solutions beside each
+/// other. The last candidate has equal lengths, and the area if there are such.
 ///
-/// Directions have length 1. Lengths are finite and not negative. Source: R. Levien, Fitting cubic
+/// Directions have length 1. Lengths are finite and positive. Source: R. Levien, Fitting cubic
 /// Bézier curves, 2021, with Newton's method in place of the quartic equation.
-std::array<HandleLengths, 2> FitHandles(TPoint<double> const& chord, TPoint<double> const& u,
-                                        TPoint<double> const& w, FanMoments const& wanted);
+class HandleFit {
+public:
+    HandleFit(TPoint<double> const& chord, TPoint<double> const& u, TPoint<double> const& w,
+              FanMoments const& wanted);
+
+    /// Gives the next candidate; false where there is none.
+    bool Next(HandleLengths& lengths);
+
+private:
+    bool Solve(HandleLengths start, HandleLengths& lengths) const;
+
+    /// The directions in the frame in which the chord leads from (0, 0) to (1, 0), and the
+    /// integrals
+    double mUx, mUy, mWx, mWy, mCross, mArea, mMoment;
+    double mEqual; ///< equal lengths
+    HandleLengths mFirst = {0.0, 0.0};
+    int mAttempt = 0;
+};
 
 } // namespace trammel_detail
 

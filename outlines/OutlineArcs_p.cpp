@@ -25,15 +25,15 @@ double const kMostReach = 0x1p-10;
 /// Rounding moves points by less, in work units.
 double const kRounding = 0x1p-46;
 /// The factor by which the reach grows where there is too much work.
-double const kCoarser = 8.0;
+double const kCoarser = 4.0;
 /// Branches of a vertex are compared where the sine of the angle between them is less.
 double const kTogether = 0x1p-8;
 /// So many branches of a vertex are compared with each one.
 std::size_t const kBranchesCompared = 8;
 /// Curves are halved so often to tell whether they coincide.
 int const kCoincidenceDepth = 6;
-/// Up to so many boxes are compared two by two.
-std::size_t const kFewBoxes = 12;
+/// Up to so many boxes are compared by a sweep.
+std::size_t const kFewBoxes = 256;
 
 /// Returns the offset that makes coordinates from `low` to `high` small without rounding: by
 /// Sterbenz' lemma none is needed elsewhere.
@@ -387,7 +387,7 @@ void OutlineArcs::Build(double tolerance) {
     mFrame = WorkFrame(mBounds);
     mReach = std::max(kLeastReach, 16.0 * mFrame.Spacing());
     if (tolerance > 0.0) {
-        mReach = std::max(mReach, std::min(mFrame.LengthToWork(tolerance) / 4.0, kMostReach));
+        mReach = std::max(mReach, std::min(mFrame.LengthToWork(tolerance) / 8.0, kMostReach));
     }
     if (std::none_of(elements.begin(), elements.end(),
                      [](OutlineElement const& e) { return e.curve; })) {
@@ -432,25 +432,34 @@ void OutlineArcs::TakeApart() {
 
 template <class Items> void OutlineArcs::FindPairs(Items const& items) {
     pairs.clear();
-    std::vector<Box<double>> boxes;
-    boxes.reserve(items.size());
+    mBoxes.clear();
+    mBoxes.reserve(items.size());
     for (auto const& item : items) {
-        boxes.push_back(BoxOf(item.c).Widened(mReach, mReach));
+        mBoxes.push_back(BoxOf(item.c).Widened(mReach, mReach));
     }
-    auto const take = [&](std::size_t i, std::size_t j) {
-        pairs.emplace_back(static_cast<Index>(i), static_cast<Index>(j));
-    };
-    if (boxes.size() <= kFewBoxes) {
-        for (std::size_t j = 1; j < boxes.size(); ++j) {
-            for (std::size_t i = 0; i < j; ++i) {
-                if (boxes[i].Meets(boxes[j])) {
-                    take(i, j);
-                }
-            }
-        }
+    if (mBoxes.size() > kFewBoxes) {
+        BoxTree(mBoxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
+            pairs.emplace_back(static_cast<Index>(i), static_cast<Index>(j));
+        });
         return;
     }
-    BoxTree(boxes).ForMeetingPairs(take);
+    // A sweep along h is faster for few.
+    std::vector<std::pair<double, Index>> order;
+    order.reserve(mBoxes.size());
+    for (Box<double> const& box : mBoxes) {
+        order.emplace_back(box.lowX, static_cast<Index>(order.size()));
+    }
+    std::sort(order.begin(), order.end());
+    for (std::size_t k = 0; k < order.size(); ++k) {
+        Index const i = order[k].second;
+        Box<double> const box = mBoxes[i];
+        for (std::size_t l = k + 1; l < order.size() && order[l].first <= box.highX; ++l) {
+            Index const j = order[l].second;
+            if (box.lowY <= mBoxes[j].highY && mBoxes[j].lowY <= box.highY) {
+                pairs.emplace_back(std::min(i, j), std::max(i, j));
+            }
+        }
+    }
 }
 
 /// A place at which a piece is to be cut.
@@ -469,7 +478,7 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsAtVertices(std::vector<Piece> con
         Pt const& place = vertices.WorkPlace(vertex);
         double t = 0.0;
         if (vertex != p.v0 && vertex != p.v1 && p.v0 != p.v1 &&
-            BoxOf(p.c).Widened(mReach, mReach).Contains(place.h, place.v) &&
+            mBoxes[piece].Contains(place.h, place.v) &&
             FindOnMonotone(p.c, p.straight, place, mReach, t)) {
             cuts.push_back({piece, t, vertex});
         }
@@ -486,32 +495,32 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsAtVertices(std::vector<Piece> con
 /// Returns cuts of pieces that leave a vertex together, where they part. Up to there they are one.
 std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece> const& pieces) {
     struct Branch {
-        Index vertex;
         Index piece;
         bool end; ///< whether the piece ends at the vertex
         Pt direction;
         double angle; ///< grows with the angle, from -2 to 2
     };
-    std::vector<Branch> branches;
-    branches.reserve(2 * pieces.size());
-    for (std::size_t i = 0; i < pieces.size(); ++i) {
-        for (bool const end : {false, true}) {
-            Piece const& p = pieces[i];
-            Cubic const c = end ? Reversed(p.c) : p.c;
-            Pt way = c[1] - c[0];
-            for (std::size_t k = 2; k < 4 && Taxicab(way) <= kRounding; ++k) {
-                way = c[k] - c[0];
-            }
-            double const along = way.h / Taxicab(way);
-            branches.push_back({end ? p.v1 : p.v0, static_cast<Index>(i), end, way,
-                                way.v < 0.0 ? along - 1.0 : 1.0 - along});
+    // The ends of pieces, 2 * a piece's number and + 1 for its last end, in a list for each vertex.
+    std::vector<Index> firsts(vertices.Count(), kNoIndex);
+    std::vector<Index> next(2 * pieces.size());
+    for (std::size_t i = pieces.size(); i-- > 0;) {
+        for (bool const end : {true, false}) {
+            Index& first = firsts[end ? pieces[i].v1 : pieces[i].v0];
+            auto const number = static_cast<Index>(2 * i + (end ? 1 : 0));
+            next[number] = first;
+            first = number;
         }
     }
-    std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
-        return a.vertex != b.vertex ? a.vertex < b.vertex
-               : a.angle != b.angle ? a.angle < b.angle
-                                    : a.piece < b.piece;
-    });
+    auto const branchOf = [&](Index number) {
+        bool const end = number % 2 != 0;
+        Cubic const& c = pieces[number / 2].c;
+        Pt way = end ? c[2] - c[3] : c[1] - c[0];
+        for (std::size_t k = 2; k < 4 && Taxicab(way) <= kRounding; ++k) {
+            way = end ? c[3 - k] - c[3] : c[k] - c[0];
+        }
+        double const along = way.h / Taxicab(way);
+        return Branch{number / 2, end, way, way.v < 0.0 ? along - 1.0 : 1.0 - along};
+    };
     std::vector<Cut> cuts;
     auto const compare = [&](Branch const& first, Branch const& second) {
         Piece const& a = pieces[first.piece];
@@ -539,17 +548,28 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
         if (together > 0.0 && onB(together)) {
             double const s = first.end ? 1.0 - together : together;
             Index const vertex = vertices.AtWork(PlaceAt(a.c, s).point);
-            if (vertex != first.vertex) {
+            if (vertex != (first.end ? a.v1 : a.v0)) {
                 cuts.push_back({first.piece, s, vertex});
                 cuts.push_back({second.piece, t, vertex});
             }
         }
     };
-    for (std::size_t i = 0; i < branches.size(); ++i) {
-        for (std::size_t j = i + 1; j < std::min(i + 1 + kBranchesCompared, branches.size()) &&
-                                    branches[j].vertex == branches[i].vertex;
-             ++j) {
-            compare(branches[i], branches[j]);
+    std::vector<Branch> branches;
+    for (Index const first : firsts) {
+        branches.clear();
+        for (Index number = first; number != kNoIndex; number = next[number]) {
+            branches.push_back(branchOf(number));
+        }
+        if (branches.size() > 2) {
+            std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
+                return a.angle != b.angle ? a.angle < b.angle : a.piece < b.piece;
+            });
+        }
+        for (std::size_t i = 0; i < branches.size(); ++i) {
+            std::size_t const end = std::min(i + 1 + kBranchesCompared, branches.size());
+            for (std::size_t j = i + 1; j < end; ++j) {
+                compare(branches[i], branches[j]);
+            }
         }
     }
     return cuts;

@@ -84,6 +84,7 @@ public:
     /// Appends a vertex that others do not become.
     Index AddApart(TPoint<double> const& work);
 
+    std::size_t Count() const { return mWork.size(); }
     TPoint<double> const& Place(Index vertex) const { return mPlaces[vertex]; }
     TPoint<double> const& WorkPlace(Index vertex) const { return mWork[vertex]; }
     /// Returns by how much points were moved at most, in work units.
@@ -183,6 +184,7 @@ private:
     bool mHasExtent = false;
     bool mHasCurves = false;
     Box<double> mBounds;
+    std::vector<Box<double>> mBoxes;       // of what pairs were found for last
     std::vector<std::size_t> mContourEnds; // of elements
     std::vector<UseContour> mContours;     // as many, without their ends
 };

@@ -25,6 +25,10 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
             points.push_back(end);
             edges.push_back(edges.back());
         }
+        std::size_t const begin = ends.empty() ? 0 : ends.back();
+        if (edges.size() > begin) {
+            edges.back().next = static_cast<Index>(begin);
+        }
         ends.push_back(edges.size());
     };
     if (!from.HasCurves()) {
@@ -32,7 +36,8 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
         for (UseContour const& contour : from.contours) {
             for (; i < contour.end; ++i) {
                 points.push_back(from.elements[i].c[0]);
-                edges.push_back({static_cast<Index>(i), kNoIndex, 0, 0.0, 1.0});
+                edges.push_back(
+                    {static_cast<Index>(i), kNoIndex, 0, static_cast<Index>(i + 1), 0.0, 1.0});
             }
             finish(contour, from.elements[i - 1].c[3]);
         }
@@ -61,7 +66,8 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
                 std::size_t const part = use.reversed ? end - 1 - n : begin + n;
                 std::size_t const before = use.reversed ? part + 1 : part;
                 points.push_back(from.vertices.Place(parts->VertexAt(use.arc, before)));
-                edges.push_back({use.element, use.arc, static_cast<Index>(part), parameter(before),
+                edges.push_back({use.element, use.arc, static_cast<Index>(part),
+                                 static_cast<Index>(points.size()), parameter(before),
                                  parameter(use.reversed ? part : part + 1)});
             }
         }
@@ -200,10 +206,8 @@ void Lift::FindWhole() {
         }
         Origin const origin = mLines.origins[i];
         std::size_t const edge = EdgeOf(origin);
-        auto const place = std::upper_bound(mFlat.ends.begin(), mFlat.ends.end(), edge);
-        std::size_t const begin = place == mFlat.ends.begin() ? 0 : *(place - 1);
         Pt const& a = mFlat.points[edge];
-        Pt const& b = mFlat.points[edge + 1 < *place ? edge + 1 : begin];
+        Pt const& b = mFlat.points[mFlat.edges[edge].next];
         Pt const& start = mPlaces[i];
         Pt const& end = mPlaces[NextOf(i, contour)];
         mWhole[i] = (IsReversed(origin) ? start == b && end == a : start == a && end == b) ? 1 : 0;

@@ -28,6 +28,7 @@ struct FlatEdge {
     Index element;
     Index arc;   ///< kNoIndex for a whole line that no arc stands for
     Index part;  ///< of the arc, see CertifiedParts
+    Index next;  ///< the point where the edge ends
     double from; ///< parameters on the element; from < to
     double to;
 };

@@ -26,17 +26,18 @@ using trammel_detail::OutlineArcs;
 using trammel_detail::RegionOf;
 using trammel_detail::Scratch;
 using trammel_detail::WindingRegion;
-using trammel_detail::WindingResult;
 
 /// Rounding moves points of a result by less, in work units.
 double const kRoundings = 0x1p-40;
+/// Points become one, curves become one, and ends move with them: each by some reach.
+double const kReaches = 4.0;
 
 /// Returns the distance that was kept.
 double DistanceKept(FlatOutlines const& flat, double tolerance) {
     OutlineArcs const& arcs = flat.arcs;
     double kept = kRoundings + 4.0 * arcs.Frame().Spacing();
     if (flat.parts) {
-        kept += 2.0 * arcs.Reach() + flat.parts->GreatestHeight();
+        kept += kReaches * arcs.Reach() + flat.parts->GreatestHeight();
     }
     return std::max(tolerance > 0.0 ? tolerance : 0.0, arcs.Frame().LengthFromWork(kept));
 }

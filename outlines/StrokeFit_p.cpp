@@ -150,7 +150,8 @@ private:
         fan.AddLine(to == mAt + 1 ? Pt() : mStroke.at[to - 1] - mPoint, chord);
         double const size = std::sqrt(Square(chord));
         Pt const back = -end.direction;
-        for (HandleLengths const& handles : FitHandles(chord, start, back, fan)) {
+        HandleFit candidates(chord, start, back, fan);
+        for (HandleLengths handles; candidates.Next(handles);) {
             Cubic const cubic = {mPoint, mPoint + start * (handles.start * size),
                                  end.point + back * (handles.end * size), end.point};
             if (SeemsToMatch(mStroke, mAt, to, cubic, mTolerance)) {

@@ -416,7 +416,11 @@ private:
         double const begin = std::max(xA[0], xB[0]);
         double const end = std::min(xA[3], xB[3]);
         if (!(begin < end)) {
-            AddEnds(a, b, reversed, xA[0] >= xB[3]);
+            bool const beforeA = xA[0] >= xB[3];
+            if (!beforeA && !(xB[0] >= xA[3])) {
+                return Outcome::kDivide; // one is a point for rounding, within the other's stretch
+            }
+            AddEnds(a, b, reversed, beforeA);
             return Outcome::kDone;
         }
         double const sBegin = xA[0] < begin ? SolveRising(xA, begin) : 0.0;

@@ -309,7 +309,9 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
     }
     double const finest = kFinestCells * extent;
     double const asked = exponent == 0 ? accuracy : std::scalbn(accuracy, -exponent);
-    double kept = asked >= finest ? std::min(asked, extent) : finest; // the finest for a NaN
+    // At the coarsest accuracy all points are near each other.
+    constexpr double kCoarsest = 16.0;
+    double kept = asked >= finest ? std::min(asked, kCoarsest * extent) : finest; // also for a NaN
     std::copy(points.begin(), points.begin() + 4, mA.begin());
     std::copy(points.begin() + 4, points.end(), mB.begin());
     while (!FindCurveEvents(mA, mB, kept, mEvents)) {

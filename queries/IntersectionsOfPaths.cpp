@@ -776,6 +776,11 @@ int Scale(Outline& a, Outline& b) {
     return exponent;
 }
 
+/// Returns the distance that is kept: `accuracy` to the last bit, if it is what was asked for.
+double Unscaled(double kept, double asked, int exponent, double accuracy) {
+    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent) : accuracy;
+}
+
 /// Appends the places where two outlines meet.
 double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersection>& out) {
     int const exponent = Scale(a, b);
@@ -789,7 +794,7 @@ double AppendPlaces(Outline a, Outline b, double accuracy, std::vector<Intersect
         }
     }
     double const kept = PairFinder(a, b, scaled, false).Run(out, exponent);
-    return std::scalbn(kept, exponent);
+    return Unscaled(kept, scaled, exponent, accuracy);
 }
 
 /// Appends the places where an outline meets itself.
@@ -799,7 +804,7 @@ double AppendOwnPlaces(Outline outline, double accuracy, std::vector<Intersectio
     double const scaled = std::scalbn(accuracy, -exponent);
     Outline const parts = WithSimpleParts(outline, Divided::kAll, scaled);
     double const kept = PairFinder(parts, parts, scaled, true).Run(out, exponent);
-    return std::scalbn(kept, exponent);
+    return Unscaled(kept, scaled, exponent, accuracy);
 }
 
 } // namespace

@@ -75,13 +75,13 @@ public:
     ///
     /// O(log n + k), where k counts the boxes that hold `p`: of single segments, of eight segments
     /// in a row, of 64 and so on. It is small where an outline does not run to and fro past itself.
-    /// Where it is more than six on average over the outline's box, k is the number of segments in
-    /// a cell of the grid instead. A line between cells crosses about six segments for each segment
-    /// that there is, all lines together, and there are at most two cells for a segment. So k is
-    /// a constant for spirals, stars and combs that stand upright. Where most segments are as
-    /// large as the outline, it is a tenth of n or less, and eight segments are told at once.
+    /// Where it is more than six on average over the outline's box, a grid takes the tree's place,
+    /// and k counts the segments in the point's cell. There are at most two cells for each segment,
+    /// and the cells hold each segment about twelve times. So k stays small for spirals, stars and
+    /// upright combs. Where most segments are as large as the outline it is a tenth of n or so, and
+    /// a query compares eight of them at once.
     ///
-    /// A crowd that is small beside the outline's box has neither: there a query takes up to about
+    /// A crowd that is small beside the outline's box has no grid. There a query takes up to about
     /// twice as long as WindingNumber. So it does in a box that is a thousand times as long as
     /// wide, or far smaller than its distance from the origin.
     int WindingNumber(TPoint<double> const& p) const noexcept;

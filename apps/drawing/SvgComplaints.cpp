@@ -34,10 +34,11 @@ void Complaints::Tell() const {
         Warn(mFile, places.first, "has no outlines here" + more);
     }
     for (auto const& [part, places] : mUnread) {
-        std::string const more =
-            places.second == 1 ? ""
-                               : " of this and of " + std::to_string(places.second - 1) + " more";
-        Warn(mFile, places.first, "has " + part + ", left out" + more);
+        std::string message = "has " + part + ", left out";
+        if (places.second > 1) {
+            message += " of this and of " + std::to_string(places.second - 1) + " more";
+        }
+        Warn(mFile, places.first, message);
     }
 }
 

@@ -135,7 +135,12 @@ inline bool AllWithin(Elements const& a, Elements const& b, double distance) {
     };
     std::vector<std::array<Pt, 4>> open;
     for (Element const& e : a) {
-        open.push_back(e.p);
+        bool const isShared = std::any_of(b.begin(), b.end(), [&](Element const& other) {
+            return e.isLine == other.isLine && e.p == other.p;
+        });
+        if (!isShared) {
+            open.push_back(e.p);
+        }
         while (!open.empty()) {
             std::array<Pt, 4> const p = open.back();
             open.pop_back();
@@ -159,18 +164,20 @@ inline bool AllWithin(Elements const& a, Elements const& b, double distance) {
     return true;
 }
 
-/// True when the Hausdorff distance is at most `distance`, give or take a hundredth of it and the
-/// rounding of the outlines' coordinates.
+/// True when the Hausdorff distance is at most `distance`, give or take a hundredth of it, 2^-32 of
+/// the outlines' extent, and the rounding of their coordinates.
 inline bool Keeps(Elements const& a, Elements const& b, double distance) {
     double greatest = 0.0;
+    double extent = 0.0;
     for (Elements const* elements : {&a, &b}) {
         for (Element const& e : *elements) {
             for (Pt const& p : e.p) {
                 greatest = std::max({greatest, std::abs(p.h), std::abs(p.v)});
+                extent = std::max(extent, Apart(p, a[0].p[0]));
             }
         }
     }
-    double const allowed = distance + greatest * 0x1p-48;
+    double const allowed = distance + extent * 0x1p-32 + greatest * 0x1p-48;
     return AllWithin(a, b, allowed) && AllWithin(b, a, allowed);
 }
 

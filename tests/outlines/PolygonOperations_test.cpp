@@ -544,6 +544,27 @@ TEST(PolygonOperations, TakeTimeInProportionToTheNumberOfCopies) {
               Text(RemoveOverlap(last, FillRule::kEvenOdd)));
 }
 
+TEST(PolygonOperations, HoldThePointsThatWindingNumbersSayAmongManyCopies) {
+    Dice dice(2024);
+    for (int round = 0; round < 12; ++round) {
+        SCOPED_TRACE(round);
+        // Half of the rings have edges along the axes, and copies run in both directions.
+        Rings const kinds = RandomRings(dice, 4, round % 2 != 0);
+        Rings rings;
+        for (int i = 0; i < 200; ++i) {
+            TPolygon<double> const& ring = kinds[static_cast<std::size_t>(dice.Below(4))];
+            rings.push_back(dice.Below(2) == 0 ? ring : Reversed(ring));
+        }
+        for (FillRule const rule : kRules) {
+            Rings const result = RemoveOverlap(rings, rule);
+            for (int k = 0; k < 200; ++k) {
+                Pt const p(dice.Unit(), dice.Unit());
+                EXPECT_EQ(WindingOf(result, p), IsInside(WindingOf(rings, p), rule) ? 1 : 0);
+            }
+        }
+    }
+}
+
 TEST(PolygonOperations, KeepTheRegionOfNudgedCopies) {
     Dice dice(20250107);
     for (double const nudge : {1e-16, 1e-15, 1e-13, 1e-10, 1e-7, 1e-5}) {

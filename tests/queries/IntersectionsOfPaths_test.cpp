@@ -276,6 +276,15 @@ TEST(IntersectionsOfPaths, OfAnySizeAndPlaceAreAlike) {
     }
 }
 
+TEST(IntersectionsOfPaths, KeepAnAccuracyThatIsTooSmallBesideTheirSize) {
+    // Scaled along with the coordinates it is 0.
+    CPath const great = Path("M0 0 L1e300 1e300");
+    Places places;
+    EXPECT_EQ(AppendIntersections(great, Line(Pt(5e300, 0), Pt(5e300, 1e300)), 1e-160, places),
+              1e-160);
+    EXPECT_TRUE(places.empty());
+}
+
 TEST(IntersectionsOfPaths, EndForValuesFromTheEdgesOfWhatDoublesHold) {
     // Elements of 1e-300 beside such of 1e300 once kept the walk along a branch from ending.
     double const values[] = {0,       1,        -1,     1e-300,

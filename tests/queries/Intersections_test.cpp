@@ -587,6 +587,22 @@ TEST(Intersections, ToAnAccuracyThatRoundingForbidsHaveTheFinest) {
     Places places;
     EXPECT_EQ(AppendIntersections(a, b, trammel_test::kInf, places), trammel_test::kInf);
     EXPECT_EQ(places.size(), 1U);
+    // Everything is within a quarter of this. Once it was taken for the distance of the farthest.
+    for (double const accuracy : {60.0, 1e9, 1.7e308}) {
+        EXPECT_EQ(Kinds(Intersections(a, b + Pt(9, 0), accuracy)), "E");
+        EXPECT_EQ(
+            Kinds(Intersections(Line(Pt(0, 0), Pt(1, 0)), Line(Pt(9, 0), Pt(9, 1)), accuracy)),
+            "E");
+    }
+}
+
+TEST(Intersections, OfACurveAndAMuchLargerOneAreTold) {
+    // Beside the larger curve, the smaller one is a point that rounding cannot tell from its chord.
+    CBezier const small(Pt(0, 30), Pt(6, 480), Pt(0x1p113, -106), Pt(0, 14));
+    CBezier const great(Pt(0x1p900, 111), Pt(111, 1e11), Pt(1e11, 6), Pt(-78, -39));
+    EXPECT_EQ(Kinds(Intersections(small, great, 0x1p890)), "E");
+    EXPECT_EQ(Kinds(Intersections(great, small, 0x1p890)), "E");
+    EXPECT_EQ(Kinds(Intersections(Reversed(small), great, 0x1p890)), "E");
 }
 
 TEST(Intersections, AreAppended) {

@@ -1,0 +1,244 @@
+// SPDX-License-Identifier: MIT
+
+#include "EdgeSplit_p.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+
+namespace trammel_detail {
+
+namespace {
+
+/// A direction in which positions are measured: h x + v y.
+struct Direction {
+    double h = 0;
+    double v = 0;
+    double reach = 0; ///< half of what edges are widened by, with the rounding of positions
+
+    double Of(GridPoint p) const {
+        return h * static_cast<double>(p.x) + v * static_cast<double>(p.y);
+    }
+};
+
+/// The positions that an edge covers.
+struct Span {
+    double low;
+    double high;
+
+    Span(GridEdge const& e, Direction const& direction) {
+        double const a = direction.Of(e.a);
+        double const b = direction.Of(e.b);
+        low = std::min(a, b) - direction.reach;
+        high = std::max(a, b) + direction.reach;
+    }
+};
+
+/// The work of FindNearPairs().
+class Splitter {
+public:
+    Splitter(ScratchVector<GridEdge> const& edges, ScratchVector<char> const& active,
+             GridPoint margin, std::size_t budget, ScratchVector<EdgePair>& pairs)
+        : mEdges(edges), mActive(active), mMargin(margin), mBudget(budget), mPairs(pairs),
+          mItems(edges.get_allocator()), mParts(edges.get_allocator()),
+          mLow(edges.get_allocator()) {
+        for (std::size_t i = 0; i < edges.size(); ++i) {
+            if (active.empty() || active[i] != kCopy) {
+                mItems.push_back(static_cast<std::uint32_t>(i));
+            }
+        }
+    }
+
+    bool Find() {
+        // Each part has the last of the items, so the last one is taken first.
+        mParts.push_back(0);
+        while (!mParts.empty()) {
+            std::size_t const begin = mParts.back();
+            mParts.pop_back();
+            std::size_t const size = mItems.size() - begin;
+            Direction direction;
+            double at = 0;
+            if (!HasActive(begin)) {
+                mItems.resize(begin);
+            } else if (size > kFew && ChooseSplit(begin, direction, at)) {
+                if (!Spend(size + kSamples)) {
+                    return false;
+                }
+                Split(begin, direction, at);
+            } else if (Spend(size * size / 2 + 1) && mPairs.size() / kMostPairs <= mEdges.size()) {
+                PairAll(begin);
+                mItems.resize(begin);
+            } else {
+                return false;
+            }
+        }
+        auto const key = [](EdgePair p) {
+            return static_cast<std::uint64_t>(p.first) << 32 | p.second;
+        };
+        std::sort(mPairs.begin(), mPairs.end(),
+                  [&](EdgePair p, EdgePair q) { return key(p) < key(q); });
+        mPairs.erase(std::unique(mPairs.begin(), mPairs.end(),
+                                 [&](EdgePair p, EdgePair q) { return key(p) == key(q); }),
+                     mPairs.end());
+        return true;
+    }
+
+private:
+    static constexpr std::size_t kFew = 12;
+    static constexpr std::size_t kSamples = 16;
+    static constexpr std::size_t kDirections = 6;
+    static constexpr std::size_t kMostPairs = 64; // an edge, so that the memory stays O(n)
+
+    bool IsActive(std::uint32_t edge) const { return mActive.empty() || mActive[edge] == 1; }
+    bool HasActive(std::size_t begin) const {
+        return std::any_of(mItems.begin() + static_cast<std::ptrdiff_t>(begin), mItems.end(),
+                           [&](std::uint32_t edge) { return IsActive(edge); });
+    }
+    bool Spend(std::size_t steps) {
+        bool const enough = steps <= mBudget;
+        mBudget -= enough ? steps : 0;
+        return enough;
+    }
+    Direction Across(GridEdge const& e) const {
+        return Along(-static_cast<double>(e.b.y - e.a.y), static_cast<double>(e.b.x - e.a.x));
+    }
+    Direction Along(double h, double v) const {
+        double const scale = 1 / std::max(std::abs(h), std::abs(v));
+        Direction direction;
+        direction.h = h * scale;
+        direction.v = v * scale;
+        // A position is off by less than the 2^-50th of the sum of the coordinates.
+        direction.reach = std::abs(direction.h) * static_cast<double>(mMargin.x) +
+                          std::abs(direction.v) * static_cast<double>(mMargin.y) + 0x1p13;
+        return direction;
+    }
+    /// Chooses a line that leaves few edges on both sides. False if there is none.
+    bool ChooseSplit(std::size_t begin, Direction& best, double& at);
+    /// Replaces the last items by those of two parts.
+    void Split(std::size_t begin, Direction const& direction, double at);
+    void PairAll(std::size_t begin);
+
+    ScratchVector<GridEdge> const& mEdges;
+    ScratchVector<char> const& mActive;
+    GridPoint mMargin;
+    std::size_t mBudget;
+    ScratchVector<EdgePair>& mPairs;
+    ScratchVector<std::uint32_t> mItems;
+    ScratchVector<std::size_t> mParts; // where each begins among the items
+    ScratchVector<std::uint32_t> mLow; // the items of the part below
+    std::uint32_t mRandom = 1;
+};
+
+bool Splitter::ChooseSplit(std::size_t begin, Direction& best, double& at) {
+    // A linear congruential generator draws the sample.
+    std::array<GridEdge, kSamples> sample;
+    std::size_t const size = mItems.size() - begin;
+    for (GridEdge& e : sample) {
+        mRandom = mRandom * 1664525U + 1013904223U;
+        e = mEdges[mItems[begin + (static_cast<std::uint64_t>(mRandom) * size >> 32)]];
+    }
+    std::size_t least = kSamples * kSamples * 2;
+    std::size_t greater = kSamples;
+    for (std::size_t k = 0; k < kDirections; ++k) {
+        Direction direction;
+        if (k < 2) {
+            direction = Along(k == 0 ? 1 : 0, k == 0 ? 0 : 1);
+        } else {
+            GridEdge const& e = sample[k];
+            if (e.a.x == e.b.x || e.a.y == e.b.y) {
+                continue;
+            }
+            direction = Across(e);
+        }
+        std::array<double, kSamples> lows;
+        std::array<double, kSamples> highs;
+        for (std::size_t i = 0; i < kSamples; ++i) {
+            Span const span(sample[i], direction);
+            lows[i] = span.low;
+            highs[i] = span.high;
+        }
+        std::sort(lows.begin(), lows.end());
+        std::sort(highs.begin(), highs.end());
+        // A line just above each end. The edges above it begin there, those below end there.
+        std::size_t above = kSamples;
+        for (std::size_t i = 0; i < kSamples; ++i) {
+            while (above > 0 && lows[kSamples - above] <= highs[i]) {
+                --above;
+            }
+            std::size_t const low = kSamples - above;
+            std::size_t const high = kSamples - 1 - i;
+            std::size_t const cost = low * low + high * high;
+            if (cost < least) {
+                least = cost;
+                greater = std::max(low, high);
+                best = direction;
+                at = highs[i];
+            }
+        }
+    }
+    return greater * 8 <= kSamples * 7;
+}
+
+void Splitter::Split(std::size_t begin, Direction const& direction, double at) {
+    mLow.clear();
+    std::size_t high = begin;
+    for (std::size_t i = begin; i < mItems.size(); ++i) {
+        std::uint32_t const item = mItems[i];
+        Span const span(mEdges[item], direction);
+        if (span.low <= at) {
+            mLow.push_back(item);
+        }
+        mItems[high] = item;
+        high += span.high > at ? 1 : 0;
+    }
+    mItems.resize(high);
+    mParts.push_back(begin);
+    mParts.push_back(high);
+    mItems.insert(mItems.end(), mLow.begin(), mLow.end());
+}
+
+void Splitter::PairAll(std::size_t begin) {
+    for (std::size_t i = begin; i < mItems.size(); ++i) {
+        GridEdge const& e = mEdges[mItems[i]];
+        bool const active = IsActive(mItems[i]);
+        GridBox const box = BoxOf(e).Widened(2 * mMargin.x, 2 * mMargin.y);
+        for (std::size_t j = i + 1; j < mItems.size(); ++j) {
+            GridEdge const& f = mEdges[mItems[j]];
+            if (!active && !IsActive(mItems[j])) {
+                continue;
+            }
+            if (box.Meets(BoxOf(f)) && MayBeNear(e, f, mMargin)) {
+                mPairs.push_back({std::min(mItems[i], mItems[j]), std::max(mItems[i], mItems[j])});
+            }
+        }
+    }
+}
+
+/// True when both ends of f are certainly beyond one side of the line through e.
+bool IsBeside(GridEdge const& e, GridEdge const& f, GridPoint margin) {
+    double const dx = static_cast<double>(e.b.x - e.a.x);
+    double const dy = static_cast<double>(e.b.y - e.a.y);
+    auto const cross = [&](GridPoint p) {
+        return dx * static_cast<double>(p.y - e.a.y) - dy * static_cast<double>(p.x - e.a.x);
+    };
+    // The products are off by less than 2^-50 of lengths up to 2^62.
+    double const limit = (2 * static_cast<double>(margin.y) + 0x1p13) * std::abs(dx) +
+                         (2 * static_cast<double>(margin.x) + 0x1p13) * std::abs(dy);
+    double const a = cross(f.a);
+    double const b = cross(f.b);
+    return (a > limit && b > limit) || (a < -limit && b < -limit);
+}
+
+} // namespace
+
+bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin) {
+    return !IsBeside(e, f, margin) && !IsBeside(f, e, margin);
+}
+
+bool FindNearPairs(ScratchVector<GridEdge> const& edges, ScratchVector<char> const& active,
+                   GridPoint margin, std::size_t budget, ScratchVector<EdgePair>& pairs) {
+    return Splitter(edges, active, margin, budget, pairs).Find();
+}
+
+} // namespace trammel_detail

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+
+// Pairs of near edges where boxes cannot tell edges apart. Not installed.
+
+#ifndef TRAMMEL_EDGESPLIT_P_H
+#define TRAMMEL_EDGESPLIT_P_H
+
+#include "Lines_p.h"
+#include "Scratch_p.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// A pair of edges by their numbers.
+struct EdgePair {
+    std::uint32_t first;
+    std::uint32_t second; ///< greater than `first`
+};
+
+/// True unless two edges are certainly further apart than the margins, although their boxes may
+/// meet.
+bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin);
+
+/// Finds all pairs of edges that are no further apart than the margins, once each and in order, and
+/// perhaps some more. `active` is as for EdgeTree: pairs without an active edge are left out, and
+/// so are copies. Returns false, with any pairs, if that takes more than `budget` steps or many
+/// pairs an edge.
+///
+/// The plane is split along lines in the directions of edges, and each part again, until few edges
+/// run through each part. Long slanted edges that run side by side are soon apart, though their
+/// boxes all meet. An edge that runs through several parts is held against others in each of them.
+///
+/// Cost: O(n log n + k) steps where edges run side by side. Where many edges cross, there is no
+/// such split, and the budget ends the search.
+bool FindNearPairs(ScratchVector<GridEdge> const& edges, ScratchVector<char> const& active,
+                   GridPoint margin, std::size_t budget, ScratchVector<EdgePair>& pairs);
+
+} // namespace trammel_detail
+
+#endif

@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: MIT
+
+#include "SimplifyRings.h"
+
+#include "ArcChain_p.h"
+#include "BoxTree_p.h"
+#include "ExactSide_p.h"
+#include "PointMath_p.h"
+#include "RangeScale_p.h"
+#include "RingArcs_p.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+namespace trammel {
+
+namespace {
+
+using trammel_detail::ArcChain;
+using trammel_detail::ArcChord;
+using trammel_detail::ExactSide;
+using trammel_detail::RingArcs;
+
+typedef TPoint<double> Pt;
+typedef trammel_detail::Box<double> Box;
+
+/// Rounds in which chords that meet anew are split at their farthest vertex, before they are
+/// replaced by their pieces.
+constexpr int kSplittingRounds = 12;
+/// The last round keeps all vertices.
+constexpr int kMostRounds = 24;
+/// Pieces of so many pairs of edges are compared. Larger ones count as apart, and get more
+/// vertices.
+constexpr std::size_t kMostEdgePairs = 4096;
+
+/// A straight line between two vertices, by number.
+struct Line {
+    std::size_t a;
+    std::size_t b;
+};
+
+/// Decides whether lines between vertices meet.
+class Meetings {
+public:
+    explicit Meetings(std::vector<Pt> const& vertices) : mVertices(vertices) {}
+
+    /// True when the lines have a point in common beside an end that is the same vertex.
+    bool Meet(Line const& p, Line const& q) const {
+        bool const aa = p.a == q.a;
+        bool const ab = p.a == q.b;
+        bool const ba = p.b == q.a;
+        bool const bb = p.b == q.b;
+        if ((aa && bb) || (ab && ba)) {
+            return true;
+        }
+        if (aa || ab) {
+            return RunAlong(p.a, p.b, aa ? q.b : q.a);
+        }
+        if (ba || bb) {
+            return RunAlong(p.b, p.a, ba ? q.b : q.a);
+        }
+        if (!BoxOf(p).Meets(BoxOf(q))) {
+            return false;
+        }
+        int const s1 = Side(p.a, p.b, q.a);
+        int const s2 = Side(p.a, p.b, q.b);
+        int const s3 = Side(q.a, q.b, p.a);
+        int const s4 = Side(q.a, q.b, p.b);
+        // Lines on one line meet, as their boxes do.
+        return s1 * s2 <= 0 && s3 * s4 <= 0;
+    }
+    Box BoxOf(Line const& line) const {
+        Pt const& a = mVertices[line.a];
+        Pt const& b = mVertices[line.b];
+        return Box::Of(a.h, a.v, b.h, b.v);
+    }
+
+private:
+    int Side(std::size_t a, std::size_t b, std::size_t c) const {
+        return ExactSide(mVertices[a], mVertices[b], mVertices[c]);
+    }
+    /// True when the lines from `at` to `b` and to `c` run along each other.
+    bool RunAlong(std::size_t at, std::size_t b, std::size_t c) const {
+        Pt const& o = mVertices[at];
+        Pt const& p = mVertices[b];
+        Pt const& q = mVertices[c];
+        auto const agree = [](double x, double y, double z) { return (y > x) == (z > x); };
+        return Side(at, b, c) == 0 && (p.h != o.h ? agree(o.h, p.h, q.h) : agree(o.v, p.v, q.v));
+    }
+
+    std::vector<Pt> const& mVertices;
+};
+
+/// Simplifies the rings of a map together.
+class MapSimplifier {
+public:
+    MapSimplifier(std::vector<Ring> const& rings, double tolerance, NewCrossings crossings)
+        : mMap(rings), mScale(trammel_detail::RangeScale(mMap.vertices)), mVertices(mMap.vertices),
+          mMeetings(mVertices) {
+        for (Pt& p : mVertices) {
+            p *= mScale;
+        }
+        mChains.reserve(mMap.arcs.size());
+        for (std::vector<std::size_t> const& arc : mMap.arcs) {
+            mChains.emplace_back(mVertices, arc, tolerance * mScale);
+        }
+        for (std::vector<RingArcs::Use> const& ring : mMap.rings) {
+            KeepThreeVertices(ring);
+        }
+        if (crossings == NewCrossings::kAvoid) {
+            int round = 0;
+            while (round < kMostRounds && Mark(round + 1 == kMostRounds)) {
+                ++round;
+                for (std::size_t i = 0; i < mChains.size(); ++i) {
+                    mChains[i].Refine(mMarks[i], round > kSplittingRounds);
+                }
+            }
+        }
+    }
+
+    double Distance() const {
+        double distance = 0.0;
+        for (ArcChain const& chain : mChains) {
+            for (ArcChord const& chord : chain.Chords()) {
+                distance = std::max(distance, chord.distance);
+            }
+        }
+        return distance / mScale;
+    }
+    /// Appends the vertices that ring `r` keeps, in order.
+    void AppendTo(Ring& out, std::size_t r) const {
+        for (RingArcs::Use const& use : mMap.rings[r]) {
+            std::vector<std::size_t> const& ids = mMap.arcs[use.arc];
+            std::vector<ArcChord> const& chords = mChains[use.arc].Chords();
+            for (std::size_t k = 0; k < chords.size(); ++k) {
+                std::size_t const id =
+                    use.isReversed ? ids[chords[chords.size() - 1 - k].to] : ids[chords[k].from];
+                out.push_back(mMap.vertices[id]);
+            }
+        }
+    }
+
+private:
+    Line LineOf(std::size_t arc, ArcChord const& chord) const {
+        return {mMap.arcs[arc][chord.from], mMap.arcs[arc][chord.to]};
+    }
+
+    /// Gives vertices to a ring until it has three, or all of its own.
+    void KeepThreeVertices(std::vector<RingArcs::Use> const& ring) {
+        for (;;) {
+            std::size_t count = 0;
+            std::size_t widestArc = 0;
+            std::size_t widest = 0;
+            double greatest = -1.0;
+            for (RingArcs::Use const& use : ring) {
+                std::vector<ArcChord> const& chords = mChains[use.arc].Chords();
+                count += chords.size();
+                for (std::size_t k = 0; k < chords.size() && count < 3; ++k) {
+                    if (!chords[k].IsEdge() && chords[k].distance > greatest) {
+                        greatest = chords[k].distance;
+                        widestArc = use.arc;
+                        widest = k;
+                    }
+                }
+            }
+            if (count >= 3 || greatest < 0.0) {
+                return;
+            }
+            std::vector<char> marks(mChains[widestArc].Chords().size(), 0);
+            marks[widest] = 1;
+            mChains[widestArc].Refine(marks, false);
+        }
+    }
+
+    /// Marks the chords that meet others where their pieces do not. Returns false where there are
+    /// none. With `all`, every chord is marked if one is.
+    bool Mark(bool all) {
+        struct Place {
+            std::size_t arc;
+            std::size_t chord;
+        };
+        std::vector<Place> places;
+        std::vector<Box> boxes;
+        mMarks.assign(mChains.size(), {});
+        for (std::size_t i = 0; i < mChains.size(); ++i) {
+            std::vector<ArcChord> const& chords = mChains[i].Chords();
+            mMarks[i].assign(chords.size(), 0);
+            for (std::size_t k = 0; k < chords.size(); ++k) {
+                places.push_back({i, k});
+                boxes.push_back(mMeetings.BoxOf(LineOf(i, chords[k])));
+            }
+        }
+        bool found = false;
+        trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
+            Place const& p = places[i];
+            Place const& q = places[j];
+            ArcChord const& a = mChains[p.arc].Chords()[p.chord];
+            ArcChord const& b = mChains[q.arc].Chords()[q.chord];
+            bool const isOwn = a.IsEdge() && b.IsEdge();
+            if (!isOwn && mMeetings.Meet(LineOf(p.arc, a), LineOf(q.arc, b)) &&
+                !PiecesMeet(p.arc, a, q.arc, b)) {
+                mMarks[p.arc][p.chord] = 1;
+                mMarks[q.arc][q.chord] = 1;
+                found = true;
+            }
+        });
+        if (found && all) {
+            for (std::vector<char>& marks : mMarks) {
+                std::fill(marks.begin(), marks.end(), char{1});
+            }
+        }
+        return found;
+    }
+    /// True when the pieces that two chords replace meet.
+    bool PiecesMeet(std::size_t arcA, ArcChord const& a, std::size_t arcB,
+                    ArcChord const& b) const {
+        std::size_t const countA = a.to - a.from;
+        std::size_t const countB = b.to - b.from;
+        if (countA > kMostEdgePairs || countB > kMostEdgePairs / countA) {
+            return false;
+        }
+        std::vector<std::size_t> const& idsA = mMap.arcs[arcA];
+        std::vector<std::size_t> const& idsB = mMap.arcs[arcB];
+        for (std::size_t i = a.from; i < a.to; ++i) {
+            for (std::size_t j = b.from; j < b.to; ++j) {
+                if (mMeetings.Meet({idsA[i], idsA[i + 1]}, {idsB[j], idsB[j + 1]})) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    RingArcs mMap;
+    double mScale;
+    std::vector<Pt> mVertices; ///< in a range in which products are numbers
+    Meetings mMeetings;
+    std::vector<ArcChain> mChains;
+    std::vector<std::vector<char>> mMarks; ///< of each chain's chords
+};
+
+/// The vertices of a ring that are finite and differ from the one before, and the last one from the
+/// first.
+Ring Cleaned(Ring const& ring) {
+    Ring kept;
+    kept.reserve(ring.size());
+    for (Pt const& p : ring) {
+        if (trammel_detail::IsFinite(p) && (kept.empty() || p != kept.back())) {
+            kept.push_back(p);
+        }
+    }
+    while (kept.size() > 1 && kept.back() == kept.front()) {
+        kept.pop_back();
+    }
+    return kept;
+}
+
+} // namespace
+
+double SimplifyRings(std::vector<Ring> const& rings, double tolerance, NewCrossings crossings,
+                     std::vector<Ring>& out) {
+    double const usable = tolerance > 0.0 ? tolerance : 0.0;
+    std::vector<Ring> cleaned;
+    cleaned.reserve(rings.size());
+    for (Ring const& ring : rings) {
+        cleaned.push_back(Cleaned(ring));
+    }
+    MapSimplifier const simplifier(cleaned, usable, crossings);
+    std::vector<Ring> result(rings.size());
+    for (std::size_t r = 0; r < rings.size(); ++r) {
+        simplifier.AppendTo(result[r], r);
+        if (result[r].empty()) {
+            result[r] = cleaned[r]; // one vertex or none
+        }
+        if (rings[r].size() > 1 && rings[r].front() == rings[r].back() && !result[r].empty()) {
+            result[r].push_back(result[r].front());
+        }
+    }
+    out = std::move(result);
+    return std::min(simplifier.Distance(), usable);
+}
+
+double SimplifyMap(std::vector<PolygonWithHoles> const& map, double tolerance,
+                   NewCrossings crossings, std::vector<PolygonWithHoles>& out) {
+    std::vector<Ring> rings;
+    for (PolygonWithHoles const& polygon : map) {
+        rings.push_back(polygon.outer);
+        rings.insert(rings.end(), polygon.holes.begin(), polygon.holes.end());
+    }
+    double const distance = SimplifyRings(rings, tolerance, crossings, rings);
+    std::vector<PolygonWithHoles> result(map.size());
+    auto next = rings.begin();
+    for (std::size_t i = 0; i < map.size(); ++i) {
+        result[i].outer = std::move(*next++);
+        for (std::size_t k = 0; k < map[i].holes.size(); ++k) {
+            result[i].holes.push_back(std::move(*next++));
+        }
+    }
+    out = std::move(result);
+    return distance;
+}
+
+} // namespace trammel

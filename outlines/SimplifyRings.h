@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: MIT
+
+// SimplifyRings: polygons and whole maps with fewer vertices.
+//
+// The result keeps a subset of the vertices. Each straight line of it and the piece of the ring
+// that it replaces are within a distance d of each other, the Hausdorff distance. d is at most the
+// tolerance, and the functions return it.
+//
+// Neighbours keep their common border. Vertices with the same coordinates are one vertex, on
+// whatever rings they are. Where rings come together or part, the vertex is a node, which stays.
+// The arcs from node to node are simplified once for all rings that share them, in either
+// direction. So rings that share a stretch of vertices share the same stretch of the result.
+//
+// With NewCrossings::kAvoid, nothing crosses or touches anew: two pieces that had no point in
+// common, or only a vertex where both end, are as far from it afterwards. Pieces for which this
+// does not hold get more of their vertices, or all of them. Pieces that met before may still meet.
+// Whether lines meet is decided exactly, as long as no product of coordinates leaves the range of
+// normal doubles.
+//
+// - Rings stay in order, run the same way round, and have their first vertex repeated at the end if
+//   they had it. A ring may begin at another of its vertices.
+// - A ring of three vertices or more keeps three at least, however small it is.
+// - A tolerance of 0 or less and a NaN count as 0: then every vertex stays.
+// - Vertices with a NaN or infinite coordinate are absent, and so are repetitions of the vertex
+//   before. A ring without other vertices is empty.
+//
+// The functions share no state: all are safe from any thread. Without memory they throw
+// std::bad_alloc, and `out` is as before.
+//
+// Source: D. Douglas, T. Peucker, 1973. Where its splits are lopsided many times, a piece is split
+// in the middle, so that the cost is O(n log n) for every input. BoxTree finds the pairs of lines
+// that may meet.
+
+#ifndef TRAMMEL_SIMPLIFYRINGS_H
+#define TRAMMEL_SIMPLIFYRINGS_H
+
+#include "PolygonWithHoles.h"
+#include "TrammelExport.h"
+
+#include <vector>
+
+namespace trammel {
+
+/// Tells whether simplified rings may cross or touch where they did not before.
+enum class NewCrossings {
+    kAllow, ///< they may
+    kAvoid, ///< they may not, and keep more vertices where they would
+};
+
+/// Replaces `out` by the rings with fewer vertices, and returns the distance that is kept. `out`
+/// may be `rings` itself.
+///
+/// Cost: O(n log n); with kAvoid also O(k) for k pairs of lines whose boxes meet, in at most 24
+/// rounds, mostly two or three.
+/// \param tolerance in coordinate units, inclusive.
+TRAMMEL_API double SimplifyRings(std::vector<Ring> const& rings, double tolerance,
+                                 NewCrossings crossings, std::vector<Ring>& out);
+
+/// The same for the outer rings and holes of a whole map together.
+TRAMMEL_API double SimplifyMap(std::vector<PolygonWithHoles> const& map, double tolerance,
+                               NewCrossings crossings, std::vector<PolygonWithHoles>& out);
+
+} // namespace trammel
+
+#endif
