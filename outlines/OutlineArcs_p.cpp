@@ -71,17 +71,6 @@ void AddTurns(double d0, double d1, double d2, std::array<double, 4>& turns, std
     }
 }
 
-double HeightBesideChord(Cubic const& c) {
-    Pt const chord = c[3] - c[0];
-    double const length = std::sqrt(Square(chord));
-    if (!(length > 0.0)) {
-        return std::sqrt(std::max(Square(c[1] - c[0]), Square(c[2] - c[0])));
-    }
-    return std::max(std::abs(Cross(chord, c[1] - c[0])), std::abs(Cross(chord, c[2] - c[0]))) /
-           length;
-}
-
-/// Gives a line its control points, by which its speed is even.
 void Straighten(Cubic& c) {
     Pt const third = (c[3] - c[0]) * (1.0 / 3.0);
     c[1] = c[0] + third;
@@ -202,6 +191,17 @@ Index VertexTable::AddApart(Pt const& work) {
     return static_cast<Index>(mWork.size() - 1);
 }
 
+double HeightBesideChord(Cubic const& c) {
+    Pt const chord = c[3] - c[0];
+    double const length = std::sqrt(Square(chord));
+    if (!(length > 0.0)) {
+        return std::sqrt(std::max(Square(c[1] - c[0]), Square(c[2] - c[0])));
+    }
+    return std::max(std::abs(Cross(chord, c[1] - c[0])), std::abs(Cross(chord, c[2] - c[0]))) /
+           length;
+}
+
+/// Gives a line its control points, by which its speed is even.
 void MoveEnds(Cubic& c, Pt const& start, Pt const& end) {
     c[1] += start - c[0];
     c[2] += end - c[3];

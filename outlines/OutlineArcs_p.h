@@ -202,6 +202,11 @@ inline Box<double> BoxOf(Cubic const& c) {
 bool FindOnMonotone(Cubic const& c, bool straight, TPoint<double> const& p, double reach,
                     double& t);
 
+/// Returns how far the control points are from the line along the chord at most. A curve without
+/// turns in h and v is no farther from its chord. Of a chord without length, the distance from its
+/// point counts.
+double HeightBesideChord(Cubic const& c);
+
 /// Moves the ends of a curve with the control points beside them.
 void MoveEnds(Cubic& c, TPoint<double> const& start, TPoint<double> const& end);
 

@@ -357,7 +357,21 @@ bool Lift::IsSliver(std::size_t contour) const {
         low = std::min(low, beside);
         high = std::max(high, beside);
     }
-    return high - low <= mFlat.arcs.Reach() * std::sqrt(Square(farthest));
+    if (high - low > mFlat.arcs.Reach() * std::sqrt(Square(farthest))) {
+        return false;
+    }
+    // A curve between two lines may bulge farther than its chord tells.
+    for (std::size_t i = begin; i < end; ++i) {
+        FlatEdge const& edge = EdgeAt(i);
+        CertifiedParts const& parts = *mFlat.parts;
+        OutlineArc const& arc = mFlat.arcs.arcs[edge.arc];
+        if (!arc.straight && HeightBesideChord(PartOf(arc.c, parts.ParameterAt(edge.arc, edge.part),
+                                                      parts.ParameterAt(edge.arc, edge.part + 1))) >
+                                 mFlat.arcs.Reach()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void Lift::WriteRun(Run const& run, Pt const& start) {

@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace trammel_detail {
@@ -26,6 +27,10 @@ double const kFinest = 0x1p-12;
 double const kNoVector = 0x1p-44;
 /// Parameters beyond the ends of a stretch by less than this belong to it.
 double const kBeyondEnds = 0x1p-30;
+/// So often parts are tested again that came to have both ends in common.
+int const kMostRounds = 4;
+/// Of parts with both ends in common, each is tested with so many others.
+std::size_t const kPartsCompared = 8;
 /// So many tests are made for each pair of arcs, and some for all.
 std::size_t const kTestsForPair = 64;
 std::size_t const kTestsForAll = std::size_t{1} << 17U;
@@ -38,6 +43,8 @@ struct Node {
     double to;
     double height; ///< how far the curve may be from its chord
     Index arc;
+    Index start; ///< the vertices at its ends, kNoIndex where it was halved
+    Index end;
     Index half; ///< the first of its halves, kNoIndex before it is halved
 };
 
@@ -172,7 +179,11 @@ public:
         : mArcs(arcs), mParts(parts), mMargin(std::max(kLeastMargin, 2.0 * arcs.Frame().Spacing())),
           mFinest(std::max(kFinest * arcs.Reach(), 2.0 * mMargin)) {}
 
+    /// Tests all pairs of arcs whose boxes meet.
     void Run();
+    /// Tests the parts that have both ends in common. False where there are none, or where all are
+    /// as near to their chords as contacts.
+    bool RunAgain();
     std::vector<ArcCut> cuts;
 
 private:
@@ -187,12 +198,8 @@ private:
     void HalveFirst(Pair pair);
     void AddContact(Pair pair);
     void AddCrossing(Node const& a, Node const& b, double s, double t);
-    Index VertexAtStart(Node const& node) const {
-        return node.from == 0.0 ? mArcs.arcs[node.arc].v0 : kNoIndex;
-    }
-    Index VertexAtEnd(Node const& node) const {
-        return node.to == 1.0 ? mArcs.arcs[node.arc].v1 : kNoIndex;
-    }
+    void AddNode(Cubic const& c, double from, double to, Index arc, Index start, Index end);
+    void WorkOff();
 
     OutlineArcs& mArcs;
     CertifiedParts& mParts;
@@ -200,6 +207,8 @@ private:
     double mFinest; ///< height
     std::vector<Node> mNodes;
     std::vector<Pair> mQueue; // in the order in which it is worked off
+    std::size_t mNext = 0;    // in the queue
+    std::size_t mMostTests = 0;
 };
 
 void CertifiedParts::Work::Halve(Index index) {
@@ -213,6 +222,7 @@ void CertifiedParts::Work::Halve(Index index) {
     first.c = HeadOf(node.c, 0.5);
     second.c = TailOf(node.c, 0.5);
     first.to = second.from = middle;
+    first.end = second.start = kNoIndex;
     Measure(first, mMargin);
     Measure(second, mMargin);
     mNodes[index].half = static_cast<Index>(mNodes.size());
@@ -259,14 +269,10 @@ void CertifiedParts::Work::Test(Pair pair) {
     if (!a.box.Meets(b.box)) {
         return;
     }
-    Index const a0 = VertexAtStart(a);
-    Index const a1 = VertexAtEnd(a);
-    Index const b0 = VertexAtStart(b);
-    Index const b1 = VertexAtEnd(b);
-    bool const startShared = a0 != kNoIndex && (a0 == b0 || a0 == b1);
-    bool const endShared = a1 != kNoIndex && (a1 == b0 || a1 == b1);
+    bool const startShared = a.start != kNoIndex && (a.start == b.start || a.start == b.end);
+    bool const endShared = a.end != kNoIndex && (a.end == b.start || a.end == b.end);
     if (startShared != endShared) {
-        bool const startOfB = (startShared ? a0 : a1) == b0;
+        bool const startOfB = (startShared ? a.start : a.end) == b.start;
         if (ConesApart(From(a.c, startShared), From(b.c, startOfB), mMargin)) {
             return;
         }
@@ -290,15 +296,21 @@ void CertifiedParts::Work::Test(Pair pair) {
     }
 }
 
+void CertifiedParts::Work::AddNode(Cubic const& c, double from, double to, Index arc, Index start,
+                                   Index end) {
+    Node node{c, {}, from, to, 0.0, arc, start, end, kNoIndex};
+    Measure(node, mMargin);
+    if (mArcs.arcs[arc].straight) {
+        node.height = 0.0;
+    }
+    mNodes.push_back(node);
+}
+
 void CertifiedParts::Work::Run() {
     mNodes.reserve(2 * mArcs.arcs.size());
     for (std::size_t i = 0; i < mArcs.arcs.size(); ++i) {
-        Node node{mArcs.arcs[i].c, {}, 0.0, 1.0, 0.0, static_cast<Index>(i), kNoIndex};
-        Measure(node, mMargin);
-        if (mArcs.arcs[i].straight) {
-            node.height = 0.0;
-        }
-        mNodes.push_back(node);
+        OutlineArc const& arc = mArcs.arcs[i];
+        AddNode(arc.c, 0.0, 1.0, static_cast<Index>(i), arc.v0, arc.v1);
     }
     mQueue.reserve(2 * mArcs.pairs.size());
     for (auto const& [i, j] : mArcs.pairs) {
@@ -306,22 +318,81 @@ void CertifiedParts::Work::Run() {
             mQueue.push_back({i, j});
         }
     }
+    mMostTests = kTestsForAll + kTestsForPair * mQueue.size();
+    WorkOff();
+}
+
+void CertifiedParts::Work::WorkOff() {
     // First come, first served: where there is too much work, what is left is as fine as possible.
-    std::size_t const most = kTestsForAll + kTestsForPair * mQueue.size();
-    for (std::size_t next = 0; next < mQueue.size(); ++next) {
-        if (next < most) {
-            Test(mQueue[next]);
+    for (; mNext < mQueue.size(); ++mNext) {
+        if (mNext < mMostTests) {
+            Test(mQueue[mNext]);
         } else {
             mParts.mIncomplete = true;
-            AddContact(mQueue[next]);
+            AddContact(mQueue[mNext]);
         }
     }
+}
+
+bool CertifiedParts::Work::RunAgain() {
+    struct Part {
+        Index low; // of the vertices at its ends
+        Index high;
+        Index arc;
+        std::size_t number;
+    };
+    std::vector<Part> parts;
+    parts.reserve(mParts.Count());
+    for (Index i = 0; i < mArcs.arcs.size(); ++i) {
+        for (std::size_t k = mParts.Begin(i); k < mParts.End(i); ++k) {
+            Index const start = mParts.VertexAt(i, k);
+            Index const end = mParts.VertexAt(i, k + 1);
+            parts.push_back({std::min(start, end), std::max(start, end), i, k});
+        }
+    }
+    std::sort(parts.begin(), parts.end(), [](Part const& a, Part const& b) {
+        return std::tie(a.low, a.high, a.arc, a.number) < std::tie(b.low, b.high, b.arc, b.number);
+    });
+    auto const add = [&](Part const& part) {
+        double const from = mParts.ParameterAt(part.arc, part.number);
+        double const to = mParts.ParameterAt(part.arc, part.number + 1);
+        Index const start = mParts.VertexAt(part.arc, part.number);
+        Index const end = mParts.VertexAt(part.arc, part.number + 1);
+        Cubic c = PartOf(mArcs.arcs[part.arc].c, from, to);
+        MoveEnds(c, mArcs.vertices.WorkPlace(start), mArcs.vertices.WorkPlace(end));
+        AddNode(c, from, to, part.arc, start, end);
+        return static_cast<Index>(mNodes.size() - 1);
+    };
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        Index first = kNoIndex;
+        std::size_t const last = std::min(parts.size(), i + 1 + kPartsCompared);
+        for (std::size_t k = i + 1;
+             k < last && parts[k].low == parts[i].low && parts[k].high == parts[i].high; ++k) {
+            if (mArcs.arcs[parts[i].arc].straight && mArcs.arcs[parts[k].arc].straight) {
+                continue;
+            }
+            first = first == kNoIndex ? add(parts[i]) : first;
+            Index const second = add(parts[k]);
+            // Chords of contacts may be the same.
+            if (std::max(mNodes[first].height, mNodes[second].height) > mArcs.Reach()) {
+                mQueue.push_back({first, second});
+            }
+        }
+    }
+    bool const any = mNext < mQueue.size();
+    WorkOff();
+    return any;
 }
 
 CertifiedParts::CertifiedParts(OutlineArcs& arcs) {
     Work work(arcs, *this);
     work.Run();
     TakeCuts(arcs, work.cuts);
+    // A crossing can lie so near to a place of halving that both become one vertex. Then two parts
+    // may have both ends in common, and the same chord, though they are far apart between.
+    for (int round = 0; round < kMostRounds && work.RunAgain(); ++round) {
+        TakeCuts(arcs, work.cuts);
+    }
 }
 
 void CertifiedParts::TakeCuts(OutlineArcs& arcs, std::vector<ArcCut>& cuts) {
@@ -333,6 +404,8 @@ void CertifiedParts::TakeCuts(OutlineArcs& arcs, std::vector<ArcCut>& cuts) {
         Pt const& v = arcs.vertices.WorkPlace(vertex);
         return std::abs(v.h - p.h) <= reach && std::abs(v.v - p.v) <= reach;
     };
+    mBegins.clear();
+    mPlaces.clear();
     mBegins.reserve(arcs.arcs.size() + 1);
     mPlaces.reserve(cuts.size() + 2 * arcs.arcs.size());
     std::size_t next = 0;

@@ -141,18 +141,26 @@ private:
             return std::hypot(s.At(s.h, t) - p.h, s.At(s.v, t) - p.v);
         };
         constexpr int kSteps = 64;
-        int best = 0;
-        for (int i = 1; i <= kSteps; ++i) {
-            best = distance(Wide(i) / kSteps) < distance(Wide(best) / kSteps) ? i : best;
+        Wide steps[kSteps + 1];
+        for (int i = 0; i <= kSteps; ++i) {
+            steps[i] = distance(Wide(i) / kSteps);
         }
-        Wide low = Wide(std::max(best - 1, 0)) / kSteps;
-        Wide high = Wide(std::min(best + 1, kSteps)) / kSteps;
-        for (int i = 0; i < 60; ++i) {
-            Wide const third = (high - low) / 3;
-            (distance(low + third) < distance(high - third) ? high : low) =
-                distance(low + third) < distance(high - third) ? high - third : low + third;
+        // Beside a cusp the nearest sample need not be beside the nearest place.
+        Wide nearest = std::min(steps[0], steps[kSteps]);
+        for (int i = 0; i <= kSteps; ++i) {
+            if ((i > 0 && steps[i - 1] < steps[i]) || (i < kSteps && steps[i + 1] < steps[i])) {
+                continue;
+            }
+            Wide low = Wide(std::max(i - 1, 0)) / kSteps;
+            Wide high = Wide(std::min(i + 1, kSteps)) / kSteps;
+            for (int k = 0; k < 60; ++k) {
+                Wide const third = (high - low) / 3;
+                bool const before = distance(low + third) < distance(high - third);
+                (before ? high : low) = before ? high - third : low + third;
+            }
+            nearest = std::min(nearest, distance(low));
         }
-        return std::min(distance(low), distance(Wide(best) / kSteps));
+        return nearest;
     }
 };
 

@@ -107,11 +107,11 @@ double SizeOf(CPath const& a, CPath const& b) {
 
 /// Expects that the region of a case is right at points farther than 1e-6 of the size, and than the
 /// distance kept, from the operands.
-void ExpectRight(Case const& c) {
+void ExpectRight(Case const& c, double tolerance = 0.0) {
     CPath out;
     double const size = SizeOf(c.a, c.b);
-    double const kept = Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out);
-    EXPECT_LE(kept, 1e-6 * size) << c.name;
+    double const kept = Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, tolerance, out);
+    EXPECT_LE(kept, std::max(tolerance, 1e-6 * size)) << c.name;
     std::vector<OutlineJudge> const operands = {OutlineJudge(c.a), OutlineJudge(c.b)};
     int const wrong = trammel_test::WrongPoints(
         operands, OutlineJudge(out), std::max(kept, 1e-6 * size), size, [&](Pt const& p) {
@@ -437,6 +437,32 @@ TEST(OutlineOperations, GiveNothingForNothingAndForCoordinatesThatAreNotFinite) 
     }
     Boolean(static_cast<TPolyOp>(77), good, kNonZero, good, kNonZero, 0.0, out);
     EXPECT_TRUE(out.mCtls.empty());
+}
+
+TEST(OutlineOperations, KeepWhatLiesBetweenACurveAndALineThatCrossesItNearAHalving) {
+    // The line ends in the curve's end and crosses it beside a parameter of n/8. There the curve
+    // is cut in halves, so both may become one vertex. The lens between them has no chord then.
+    std::mt19937_64 random(5);
+    auto const from = [&](double low, double high) {
+        return low + (high - low) * static_cast<double>(random() >> 11U) * 0x1p-53;
+    };
+    for (double const tolerance : {0.0, 1e-9, 1e-6, 1e-4, 1e-3}) {
+        for (int i = 0; i < 100; ++i) {
+            Pt const p[4] = {
+                {0, 0}, {from(0, 1), from(-1, 1)}, {from(0, 1), from(-1, 1)}, {1, from(-0.2, 0.2)}};
+            double const off = from(-2, 2) * std::max(tolerance / 4, 2.4e-10);
+            double const t = static_cast<double>(1 + i % 7) / 8 + (i % 2 == 0 ? off : 0);
+            double const u = 1 - t;
+            Pt const crossing = p[0] * (u * u * u) + p[1] * (3 * u * u * t) +
+                                p[2] * (3 * u * t * t) + p[3] * (t * t * t);
+            Case c;
+            c.name = "round " + std::to_string(i) + " at " + std::to_string(tolerance);
+            c.a.MoveTo(p[0]).CurveTo(p[1], p[2], p[3]);
+            c.a.LineTo(crossing + (crossing - p[3]) * from(0.2, 2));
+            c.a.LineTo(Pt(from(-1, 2), from(-1, 2))).ClosePath();
+            ExpectRight(c, tolerance);
+        }
+    }
 }
 
 TEST(OutlineOperations, TakeThePathOfAnOperandForTheResult) {
