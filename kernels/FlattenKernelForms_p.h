@@ -388,6 +388,11 @@ IsNearWhole(Number const& endH, Number const& endV, Number const& limit, Number 
                            Number(0.6003) * mean + Number(0.048113) * change);
     return off * off <= limit * square;
 }
+/// Returns whether both hold.
+[[gnu::always_inline]] inline bool Both(bool a, bool b) { return a && b; }
+template <class Mask> [[gnu::always_inline]] inline Mask Both(Mask const& a, Mask const& b) {
+    return a & b;
+}
 /// Tells whether that chord keeps the tolerance, whose square is `limit`.
 template <class Number>
 [[gnu::always_inline]] inline auto
@@ -396,7 +401,7 @@ KeepsWhole(Number const& endH, Number const& endV, Number const& limit, Number c
     Number const square = endH * endH + endV * endV;
     ChordDeviation<Number> const off =
         DeviationOf(Number(1.0), endH, endV, square, aH, aV, lastH, lastV);
-    return (off.Square() <= limit * square) & IsChord(square, limit);
+    return Both(off.Square() <= limit * square, IsChord(square, limit));
 }
 
 /// The tolerances at which a curve is planned, as factors of the bend divided by the speed.
