@@ -301,16 +301,19 @@ private:
 
 } // namespace
 
-/// Calls cross(line, step) for crossings of a ray, see RayCrossing.
-template <class Cross> void EdgeTree::CastWest(std::size_t edge, Cross&& cross) const {
+/// Calls cross(line, step) for crossings of a ray, see RayCrossing. Returns the number of boxes
+/// that it looks at.
+template <class Cross> std::size_t EdgeTree::CastWest(std::size_t edge, Cross&& cross) const {
     Ray const ray(mEdges[edge]);
     GridPoint const p = ray.Start();
     Stack open;
+    std::size_t steps = 0;
     auto const walk = [&] {
         while (!open.Empty()) {
             auto const [level, node, unused] = open.Pop();
             static_cast<void>(unused);
             GridBox const& box = NodesOf(level)[node].box;
+            ++steps;
             if (p.y < box.lowY || p.y >= box.highY || p.x < box.lowX) {
                 continue;
             }
@@ -354,11 +357,12 @@ template <class Cross> void EdgeTree::CastWest(std::size_t edge, Cross&& cross) 
         open.Push(mTop, i, 0);
         walk();
     }
+    return steps;
 }
 
-Operands EdgeTree::InsideWestOf(std::size_t edge) const {
+Operands EdgeTree::InsideWestOf(std::size_t edge, std::size_t& steps) const {
     Operands inside = 0;
-    CastWest(edge, [&](std::size_t line, int) { inside ^= mLines.operands[line]; });
+    steps += CastWest(edge, [&](std::size_t line, int) { inside ^= mLines.operands[line]; });
     return inside;
 }
 

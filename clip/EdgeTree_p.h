@@ -67,7 +67,8 @@ public:
     /// Returns the operands that hold the points directly west of the edge, just above its lower
     /// end, by the even-odd rule. Exact, also where edges share that end. Requires that the edge is
     /// not horizontal, and that the tree is in the order of the lines and has boxes.
-    Operands InsideWestOf(std::size_t edge) const;
+    /// Adds the number of boxes that the ray looks at to `steps`.
+    Operands InsideWestOf(std::size_t edge, std::size_t& steps) const;
     /// Appends the crossings of the lines with a ray from there to the west. Those of one line may
     /// be left out where they cancel.
     void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const;
@@ -197,7 +198,7 @@ private:
         return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
                mLines.End(LineOf(i)) == j + 1;
     }
-    template <class Cross> void CastWest(std::size_t edge, Cross&& cross) const;
+    template <class Cross> std::size_t CastWest(std::size_t edge, Cross&& cross) const;
     GridBox Widened(GridBox const& b) const { return b.Widened(mMargin.x, mMargin.y); }
     std::size_t LineOf(std::size_t edge) const {
         auto const line = std::upper_bound(mLines.ends.begin(), mLines.ends.end(), edge);

@@ -4,6 +4,7 @@
 
 #include "ChainGraph_p.h"
 #include "WestRays_p.h"
+#include "WestSweep_p.h"
 
 #include <utility>
 
@@ -48,6 +49,8 @@ public:
 
 private:
     void LabelByParity();
+    /// Labels the chains that have no label yet, by a sweep instead of rays.
+    void LabelBySweep();
     /// Finds the chains on the boundary.
     void FindBoundary();
     /// Labels all chains that are connected with a labelled one.
@@ -146,6 +149,10 @@ void Linker::LabelByParity() {
         if (k == chain.count) {
             continue;
         }
+        if (mRays.AreSlow()) {
+            LabelBySweep();
+            return;
+        }
         bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
         chain.left = mRays.InsideWestOf(mGraph.VertexOf(chain, k)) ^ (up ? 0 : chain.operands);
         chain.labelled = true;
@@ -153,6 +160,45 @@ void Linker::LabelByParity() {
             LabelConnected(i);
         }
     }
+}
+
+void Linker::LabelBySweep() {
+    // The edges of all chains that have labels. The sweep meets each connected part at its lowest
+    // edge first. The edge west of it is part of one that it met before, which has labels.
+    ScratchVector<Number> chainOf(mLines.points.size(), kNone, mScratch);
+    ScratchVector<SweptEdge> edges(mScratch);
+    for (Number i = 0; i < mChains.size(); ++i) {
+        for (Number k = 0; k < mChains[i].count && mChains[i].operands != 0; ++k) {
+            GridPoint const a = mGraph.PointOf(mChains[i], k);
+            GridPoint const b = mGraph.PointOf(mChains[i], k + 1);
+            Number const edge = mGraph.VertexOf(mChains[i], k);
+            chainOf[edge] = i;
+            if (a.y != b.y) {
+                edges.push_back({a.y < b.y ? a : b, a.y < b.y ? b : a, edge});
+            }
+        }
+    }
+    // West is to the left of an edge that runs upwards.
+    auto const right = [&](SweptEdge const& e) {
+        return mLines.points[e.number] == e.low ? mChains[chainOf[e.number]].operands : Operands{0};
+    };
+    SweepWest(std::move(edges), [&](SweptEdge const& edge, SweptEdge const* west) {
+        Number const number = chainOf[edge.number];
+        Chain& chain = mChains[number];
+        if (chain.labelled) {
+            return;
+        }
+        Operands const inside =
+            west == nullptr
+                ? Operands{0}
+                : static_cast<Operands>(mChains[chainOf[west->number]].left ^ right(*west));
+        bool const up = mLines.points[edge.number] == edge.low;
+        chain.left = inside ^ (up ? Operands{0} : chain.operands);
+        chain.labelled = true;
+        if (!chain.closed) {
+            LabelConnected(number);
+        }
+    });
 }
 
 void Linker::FindBoundary() {

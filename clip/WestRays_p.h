@@ -25,9 +25,12 @@ public:
     /// Returns what EdgeTree::InsideWestOf() does.
     Operands InsideWestOf(std::size_t edge) {
         EdgeTree const* const tree = TreeForRay();
-        return tree != nullptr ? tree->InsideWestOf(edge)
+        return tree != nullptr ? tree->InsideWestOf(edge, mSteps)
                                : trammel_detail::InsideWestOf(mLines, edge);
     }
+    /// True when the rays of InsideWestOf() through the tree took much longer than a sweep over all
+    /// edges does. They do so where lines lie in each other by the hundred.
+    bool AreSlow() const { return mSteps > 32 * mLines.points.size(); }
     /// Appends what EdgeTree::CrossingsWestOf() does.
     void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) {
         EdgeTree const* const tree = TreeForRay();
@@ -57,6 +60,7 @@ private:
     std::optional<EdgeTree> const& mTree;
     std::optional<EdgeTree> mOwnTree;
     int mRays = 0; // while there is no tree
+    std::size_t mSteps = 0;
 };
 
 } // namespace trammel_detail

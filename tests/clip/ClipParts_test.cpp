@@ -292,6 +292,24 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     }
 }
 
+TEST(ClipParts, LinesThatLieInEachOtherAreOutlinesAndHolesInTurns) {
+    // Rays would meet all lines around a line, so a sweep labels most of these.
+    int const count = 1500;
+    Polygon squares;
+    for (int i = 0; i < count; ++i) {
+        double const x = 3.0 * (count - i);
+        double const y = 1.0 * (count - i);
+        squares.push_back({{x, y}, {-y, x}, {-x, -y}, {y, -x}});
+    }
+    Region const region = Resolve(Drawing(squares, {}), 3, Recheck::kWhereNeeded);
+    ASSERT_EQ(region.contours.size(), squares.size());
+    for (std::size_t i = 0; i < region.contours.size(); ++i) {
+        Vertex const v = region.contours[i][0];
+        auto const number = static_cast<int>(std::max(std::fabs(v.x), std::fabs(v.y)) / 3);
+        EXPECT_EQ(region.holes[i] != 0, (count - number) % 2 != 0);
+    }
+}
+
 /// True when two segments have a point in common.
 bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
     using trammel_detail::SideOf;
@@ -389,7 +407,8 @@ TEST(ClipParts, RaysThroughTreesAndPastAllEdgesCountTheSame) {
         ASSERT_TRUE(tree.HasBoxes());
         for (std::size_t i = 0; i < tree.Count(); ++i) {
             if (tree.At(i).a.y != tree.At(i).b.y) {
-                EXPECT_EQ(trammel_detail::InsideWestOf(lines, i), tree.InsideWestOf(i)) << i;
+                std::size_t steps = 0;
+                EXPECT_EQ(trammel_detail::InsideWestOf(lines, i), tree.InsideWestOf(i, steps)) << i;
                 trammel_detail::ScratchVector<trammel_detail::RayCrossing> past;
                 trammel_detail::ScratchVector<trammel_detail::RayCrossing> through;
                 trammel_detail::CrossingsWestOf(lines, i, past);
