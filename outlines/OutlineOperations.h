@@ -17,8 +17,10 @@
 //
 // - Every point farther than d from all outlines of the operands is inside the result exactly when
 //   the operands' fill rules and the operation say so.
-// - Contours are closed to the last bit. They cross neither themselves nor each other, and meet in
-//   single points at most. They bound the region by either fill rule.
+// - Contours are closed to the last bit and bound the region by either fill rule. They cross
+// neither
+//   themselves nor each other, and meet in single points at most. Where outlines run beside each
+//   other nearer than d, parts of them whose ends were moved may cross by less than d.
 // - Every element is one of an operand bit for bit, or a part of one with ends moved by no more
 //   than d, or a line within d of a contact. In a contact, outlines come nearer to each other than
 //   d without crossing at an angle.
