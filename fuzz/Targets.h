@@ -22,6 +22,8 @@ void Paths(Input& in);
 void Outlines(Input& in);
 /// Where curves and paths meet: what holds for all places, and finer searches against coarser ones.
 void Intersections(Input& in);
+/// Fitted strokes, simplified outlines and rings: the tolerance, and every point near the result.
+void Fits(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
 /// Handle polygons of foreign bytes, changed at random.
@@ -36,10 +38,11 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 8> kTargets = {{{"curves", Curves},
+inline constexpr std::array<Target, 9> kTargets = {{{"curves", Curves},
                                                     {"paths", Paths},
                                                     {"outlines", Outlines},
                                                     {"intersections", Intersections},
+                                                    {"fits", Fits},
                                                     {"polygons", Polygons},
                                                     {"handles", Handles},
                                                     {"clip", Clip},

@@ -19,6 +19,10 @@ typedef TPoint<double> Pt;
 constexpr int kLevels = 2;
 /// A distance of a point from a segment is rounded by less than that, beside their extent.
 constexpr double kRounding = 0x1p-48;
+/// Differences whose binary exponent is beyond that are multiplied by a power of two ...
+constexpr int kMostExponent = 150;
+/// ... of this exponent at most, so that it has an inverse.
+constexpr int kMostScale = 1000;
 
 } // namespace
 
@@ -82,16 +86,27 @@ ArcChord ArcChain::ChordOf(std::size_t from, std::size_t to) const {
     if (to == from + 1) {
         return {from, to, 0.0, from};
     }
-    Pt const a = At(from);
-    Pt const d = At(to) - a;
+    double scale = 1.0;
+    double extent = ExtentOf(from, to, scale);
+    if (!std::isfinite(extent)) {
+        scale = 0x1p-4;
+        extent = ExtentOf(from, to, scale);
+    }
+    // Squares of differences are to be numbers.
+    double unit = 1.0;
+    if (extent > 0.0 && std::abs(std::ilogb(extent)) > kMostExponent) {
+        unit = std::ldexp(1.0, std::min(std::max(-std::ilogb(extent), -kMostScale), kMostScale));
+    }
+    Pt const a = At(from) * scale;
+    Pt const d = (At(to) * scale - a) * unit;
     double const square = Square(d);
-    double const scale = square > 0.0 ? 1.0 / square : 0.0;
+    double const inverse = square > 0.0 ? 1.0 / square : 0.0;
     double greatest = -1.0;
     double reach = square;
     std::size_t middle = from + 1;
     for (std::size_t i = from + 1; i < to; ++i) {
-        Pt const p = At(i) - a;
-        double const t = std::min(std::max(Dot(p, d) * scale, 0.0), 1.0);
+        Pt const p = (At(i) * scale - a) * unit;
+        double const t = std::min(std::max(Dot(p, d) * inverse, 0.0), 1.0);
         double const here = Square(p - d * t);
         reach = std::max(reach, Square(p));
         if (here > greatest) {
@@ -99,7 +114,18 @@ ArcChord ArcChain::ChordOf(std::size_t from, std::size_t to) const {
             middle = i;
         }
     }
-    return {from, to, std::sqrt(greatest) + std::sqrt(reach) * kRounding, middle};
+    double const distance = std::sqrt(greatest) + std::sqrt(reach) * kRounding;
+    return {from, to, distance / unit / scale, middle};
+}
+
+double ArcChain::ExtentOf(std::size_t from, std::size_t to, double scale) const {
+    Pt const a = At(from) * scale;
+    double extent = 0.0;
+    for (std::size_t i = from + 1; i <= to; ++i) {
+        Pt const p = At(i) * scale - a;
+        extent = std::max({extent, std::abs(p.h), std::abs(p.v)});
+    }
+    return extent;
 }
 
 } // namespace trammel_detail

@@ -39,6 +39,9 @@ private:
     /// Appends chords for the vertices between two that keep the tolerance.
     void Append(std::size_t from, std::size_t to, std::vector<ArcChord>& chords) const;
     ArcChord ChordOf(std::size_t from, std::size_t to) const;
+    /// The greatest difference of a coordinate to that of `from`, all of them multiplied by
+    /// `scale`.
+    double ExtentOf(std::size_t from, std::size_t to, double scale) const;
     TPoint<double> const& At(std::size_t i) const { return (*mVertices)[(*mIds)[i]]; }
 
     std::vector<TPoint<double>> const* mVertices;

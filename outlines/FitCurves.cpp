@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace trammel {
 
@@ -23,6 +24,7 @@ typedef TPoint<double> Pt;
 
 /// A fitter looks for finished pieces when so many points wait, and again at so many times as many.
 constexpr std::size_t kFirstLook = 256;
+constexpr double kGreatest = std::numeric_limits<double>::max();
 /// The pieces at the end of a stroke that more points may change.
 constexpr std::size_t kOpenPieces = 2;
 
@@ -50,7 +52,10 @@ public:
             stroke.Add(p * mScale);
         }
         StrokeStart const scaled = {start.goesOn, start.point * mScale, start.direction};
-        FitStroke(stroke, {limits.tolerance * mScale, limits.cosine}, closed, scaled, mPieces);
+        FitStroke(
+            stroke,
+            {limits.tolerance * mScale, limits.cosine, limits.greatest * std::min(mScale, 1.0)},
+            closed, scaled, mPieces);
         double const back = 1.0 / mScale;
         for (FittedPiece& piece : mPieces) {
             bool const isExact = piece.points[3] == stroke.at[piece.to];
@@ -110,7 +115,8 @@ double FitCurves(std::vector<Pt> const& points, double tolerance, double cornerA
         return 0.0;
     }
     bool const closed = kept.size() > 3 && kept.front() == kept.back();
-    Fit const fit(kept, {UsableTolerance(tolerance), CosineOfCorner(cornerAngle)}, closed, {});
+    Fit const fit(kept, {UsableTolerance(tolerance), CosineOfCorner(cornerAngle), kGreatest},
+                  closed, {});
     return fit.AppendTo(out, true, kept[0], fit.Pieces().size(), closed);
 }
 
@@ -144,7 +150,7 @@ CPath CurveFitter::Tail() const {
     CPath tail;
     if (mWaiting.size() > 1) {
         StrokeStart const start = {mGoesOn, mFinished.mCurrentPt, mDirection};
-        Fit const fit(mWaiting, {mTolerance, mCosine}, false, start);
+        Fit const fit(mWaiting, {mTolerance, mCosine, kGreatest}, false, start);
         fit.AppendTo(tail, true, mGoesOn ? start.point : mWaiting[0], fit.Pieces().size(), false);
     }
     return tail;
@@ -152,7 +158,7 @@ CPath CurveFitter::Tail() const {
 
 void CurveFitter::Advance(bool finish) {
     StrokeStart const start = {mGoesOn, mFinished.mCurrentPt, mDirection};
-    Fit const fit(mWaiting, {mTolerance, mCosine}, false, start);
+    Fit const fit(mWaiting, {mTolerance, mCosine, kGreatest}, false, start);
     std::vector<FittedPiece> const& pieces = fit.Pieces();
     std::size_t count = pieces.size();
     if (!finish) {

@@ -106,7 +106,9 @@ private:
         std::size_t const count = LongestRun(end - first, [&](std::size_t n) {
             Cubic fit;
             double distance = 0.0;
-            bool const fits = run.FitUpTo(first + n - 1, fit, distance);
+            bool const fits = run.FitUpTo(first + n - 1, fit, distance) &&
+                              trammel_detail::IsFinite(fit[1] * (1.0 / mScale)) &&
+                              trammel_detail::IsFinite(fit[2] * (1.0 / mScale));
             if (fits) {
                 best = fit;
                 kept = distance;

@@ -104,7 +104,7 @@ public:
         }
         mChains.reserve(mMap.arcs.size());
         for (std::vector<std::size_t> const& arc : mMap.arcs) {
-            mChains.emplace_back(mVertices, arc, tolerance * mScale);
+            mChains.emplace_back(mMap.vertices, arc, tolerance);
         }
         for (std::vector<RingArcs::Use> const& ring : mMap.rings) {
             KeepThreeVertices(ring);
@@ -127,7 +127,7 @@ public:
                 distance = std::max(distance, chord.distance);
             }
         }
-        return distance / mScale;
+        return distance;
     }
     /// Appends the vertices that ring `r` keeps, in order.
     void AppendTo(Ring& out, std::size_t r) const {
@@ -235,7 +235,7 @@ private:
 
     RingArcs mMap;
     double mScale;
-    std::vector<Pt> mVertices; ///< in a range in which products are numbers
+    std::vector<Pt> mVertices; ///< multiplied by it, for the meetings
     Meetings mMeetings;
     std::vector<ArcChain> mChains;
     std::vector<std::vector<char>> mMarks; ///< of each chain's chords

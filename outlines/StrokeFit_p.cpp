@@ -30,8 +30,8 @@ constexpr double kMostShift = 0.5;
 /// Fits the points between two places where the stroke may turn or goes on in a given direction.
 class SectionFit {
 public:
-    SectionFit(StrokePoints const& stroke, double tolerance, std::vector<FittedPiece>& out)
-        : mStroke(stroke), mTolerance(tolerance), mOut(out) {}
+    SectionFit(StrokePoints const& stroke, FitLimits const& limits, std::vector<FittedPiece>& out)
+        : mStroke(stroke), mTolerance(limits.tolerance), mGreatest(limits.greatest), mOut(out) {}
 
     /// How a section begins and ends. Directions of (0, 0) are free.
     struct Ends {
@@ -97,6 +97,12 @@ private:
 
     static bool IsFree(Pt const& direction) { return direction.Null(); }
 
+    bool IsInRange(Cubic const& c) const {
+        return std::all_of(c.begin(), c.end(), [this](Pt const& p) {
+            return std::abs(p.h) <= mGreatest && std::abs(p.v) <= mGreatest;
+        });
+    }
+
     std::ptrdiff_t Signed(std::size_t i) const { return static_cast<std::ptrdiff_t>(i); }
 
     /// The fan from the piece's start over the points behind it, up to `i`.
@@ -154,7 +160,7 @@ private:
         for (HandleLengths handles; candidates.Next(handles);) {
             Cubic const cubic = {mPoint, mPoint + start * (handles.start * size),
                                  end.point + back * (handles.end * size), end.point};
-            if (SeemsToMatch(mStroke, mAt, to, cubic, mTolerance)) {
+            if (IsInRange(cubic) && SeemsToMatch(mStroke, mAt, to, cubic, mTolerance)) {
                 piece = {cubic, false, to, 0.0, end.direction};
                 return true;
             }
@@ -224,7 +230,9 @@ private:
         }
         // A line, be it one of the stroke itself, which always fits
         FittedPiece line;
-        double const shift = std::sqrt(Square(mPoint - mStroke.at[mAt])) * (1.0 + 0x1p-48);
+        bool const isMoved = mPoint != mStroke.at[mAt];
+        double const away = std::sqrt(Square(mPoint - mStroke.at[mAt])) * (1.0 + 0x1p-48);
+        double const shift = isMoved ? away + kUnderflow : 0.0;
         Pt const& end = mStroke.at[mAt + 1];
         piece = {{mPoint, mPoint, end, end}, true, mAt + 1, shift, Pt()};
         for (length = 2; length <= most && FitLine(mAt, mAt + length, mPoint, line); length *= 2) {
@@ -236,6 +244,7 @@ private:
 
     StrokePoints const& mStroke;
     double mTolerance;
+    double mGreatest;
     std::vector<FittedPiece>& mOut;
     std::vector<FanMoments> mFans;
     std::size_t mGuess = kFirstGuess;
@@ -263,7 +272,7 @@ void FitStroke(StrokePoints const& stroke, FitLimits const& limits, bool closed,
         auto const reach = static_cast<std::ptrdiff_t>(std::min(kFirstGuess, last / 2));
         seam = CourseAt(stroke, 0, -reach, reach, true).direction;
     }
-    SectionFit fit(stroke, limits.tolerance, out);
+    SectionFit fit(stroke, limits, out);
     std::vector<StraightRun> straight;
     std::size_t from = 0;
     Pt point = start.goesOn ? start.point : stroke.at[0];

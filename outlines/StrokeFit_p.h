@@ -34,6 +34,7 @@ struct StrokeStart {
 struct FitLimits {
     double tolerance; ///< 0 or more
     double cosine;    ///< of the angle of corners
+    double greatest;  ///< no coordinate of a curve is greater
 };
 
 /// Appends the pieces of a stroke to `out`, from its first point to its last one. Points that

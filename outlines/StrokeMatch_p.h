@@ -27,6 +27,9 @@ struct StrokePoints {
     }
 };
 
+/// Lengths whose squares are out of range count as 0, and are less than this.
+constexpr double kUnderflow = 0x1p-500;
+
 /// A cubic in powers of the parameter, counted from an anchor.
 struct PowerCubic {
     TPoint<double> a0, a1, a2, a3;
@@ -43,7 +46,7 @@ struct PowerCubic {
         TPoint<double> const last = (e - d) * 6.0;
         bend = std::sqrt(std::max(Square(a2) * 4.0, Square(last))) * (1.0 + 0x1p-50);
         // A dozen operations on sums of these terms, each rounded by 2^-53
-        rounding = (Taxicab(a0) + Taxicab(a1) + Taxicab(a2) + Taxicab(a3)) * 0x1p-47;
+        rounding = (Taxicab(a0) + Taxicab(a1) + Taxicab(a2) + Taxicab(a3)) * 0x1p-47 + kUnderflow;
     }
     TPoint<double> Point(double t) const { return ((a3 * t + a2) * t + a1) * t + a0; }
     TPoint<double> First(double t) const { return (a3 * (3.0 * t) + a2 * 2.0) * t + a1; }

@@ -317,6 +317,10 @@ TEST(FitCurves, GivesAStrokeScaledByAPowerOfTwoTheSameFitScaled) {
             EXPECT_EQ(fitScaled.mPts[i], fit.mPts[i] * scale) << exponent;
         }
     }
+    // Details beside numbers that are out of all proportion
+    CPath far;
+    EXPECT_EQ(FitCurves({Pt(0, 0), Pt(10, 30), Pt(20, 0), Pt(1e300, 0)}, 1.0, 1.0, far), 0.0);
+    EXPECT_EQ(far.mPts.size(), 4U);
     // Numbers at the end of the range
     Pts const wild = {Pt(1e308, -1e308), Pt(-1e308, 5e307), Pt(1e-308, 3), Pt(5e-324, 1e308)};
     for (double const tolerance : {0.0, 1.0, 1e300, 1e308}) {

@@ -314,6 +314,17 @@ TEST(SimplifyRings, TakesCoordinatesOfAnyMagnitude) {
     }
 }
 
+TEST(SimplifyRings, KeepsTheDistanceOfSmallRingsBesideHugeOnes) {
+    Ring const small = {Pt(0, 0), Pt(10, 3), Pt(20, 0), Pt(20, 20), Pt(0, 20)};
+    Ring const huge = {Pt(-1e300, -1e300), Pt(1e300, -1e300), Pt(0, 1e300)};
+    Rings simple;
+    EXPECT_EQ(SimplifyRings({small, huge}, 0.5, NewCrossings::kAvoid, simple), 0.0);
+    EXPECT_EQ(simple[0].size(), 5U);
+    double const kept = SimplifyRings({small, huge}, 4.0, NewCrossings::kAvoid, simple);
+    EXPECT_EQ(simple[0].size(), 4U);
+    EXPECT_NEAR(kept, 3.0, 1e-12);
+}
+
 TEST(SimplifyMap, SimplifiesOuterRingsAndHolesTogether) {
     std::mt19937_64 random(8);
     Ring const lake = Coast(random, 300, 50, Pt(0, 0));
