@@ -11,7 +11,7 @@ namespace trammel_detail {
 namespace {
 
 /// A line gets no more dashes, whatever its length is.
-constexpr double kMostDashes = 0x1p20;
+constexpr double kMostDashes = 0x1p16;
 
 } // namespace
 

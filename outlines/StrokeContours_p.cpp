@@ -512,7 +512,7 @@ void StrokeContours::AddArc(Pt const& center, Pt const& from, Pt const& to) {
 void StrokeContours::AddSharedArc(Pt const& center, Pt const& from, Pt const& to) {
     double const radius = mPen.radius;
     std::size_t const perQuarter = ArcCurveCount(pi / 2.0, radius, kSharedShare * mPen.tolerance);
-    std::size_t const count = 4 * std::max<std::size_t>(perQuarter, 1);
+    std::size_t const count = std::max<std::size_t>(4 * perQuarter, 4);
     // The first curve that ends behind `from`.
     std::size_t k = 0;
     while (k < count && !(Cross(UnitPoint(k, count), from) >= 0.0 &&

@@ -37,7 +37,7 @@ struct StrokeStyle {
     /// is repeated; in one of odd length, dashes and gaps then change places.
     ///
     /// The line is solid without any, with one that is negative, NaN or infinite, with a sum of 0,
-    /// and where a subpath would get more than a million dashes. A dash of length 0 paints its
+    /// and where a subpath would get more than 65,536 dashes. A dash of length 0 paints its
     /// caps.
     std::vector<double> dashes;
     /// The length into the list at which each subpath begins. NaN and infinity count as 0.
