@@ -22,6 +22,10 @@ void AddIntersect(Command const& app);
 void AddFlatten(Command const& app);
 void AddCut(Command const& app);
 void AddReverse(Command const& app);
+void AddOverlap(Command const& app);
+void AddStroke(Command const& app);
+void AddOffset(Command const& app);
+void AddSimplify(Command const& app);
 void AddTransform(Command const& app);
 void AddHatch(Command const& app);
 void AddText(Command const& app);
@@ -33,9 +37,9 @@ void AddHelp(Command const& app);
 
 /// All commands, in the order in which the help lists them.
 inline constexpr void (*kCommands[])(Command const& app) = {
-    AddMeasure, AddPoint, AddNearest,  AddHit,       AddArea,  AddIntersect,
-    AddFlatten, AddCut,   AddReverse,  AddTransform, AddHatch, AddText,
-    AddCombine, AddShape, AddPolygons, AddGallery,   AddHelp,
+    AddMeasure, AddPoint,   AddNearest, AddHit,    AddArea,     AddIntersect, AddFlatten,
+    AddCut,     AddReverse, AddOverlap, AddStroke, AddOffset,   AddSimplify,  AddTransform,
+    AddHatch,   AddText,    AddCombine, AddShape,  AddPolygons, AddGallery,   AddHelp,
 };
 
 } // namespace tool

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+
+#include "ChangeSupport.h"
+
+#include "Clip.h"
+#include "Error.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+#include "Progress.h"
+#include "Warning.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// The part of the tolerance that the curves take which stand for circles and arcs.
+constexpr double kArcPart = 1.0 / 64.0;
+/// The part of the rest that is left to rounding.
+constexpr double kRoundingPart = 1.0 / 64.0;
+
+double ToleranceOf(ChangeOptions const& options) {
+    double const tolerance = NumberOf("--tolerance", options.tolerance);
+    if (!(tolerance > 0.0)) {
+        throw Error("--tolerance", "'" + options.tolerance + "'", "must be above 0");
+    }
+    return tolerance;
+}
+
+/// Returns the drawing's greater side times `share`.
+double ShareOfSize(Drawing const& drawing, double share) {
+    TRect<double> bounds;
+    for (Outline const& outline : drawing.outlines) {
+        bounds = Around(bounds, DrawnBounds(outline.path));
+    }
+    return std::max(bounds.Width(), bounds.Height()) * share;
+}
+
+/// Returns the outline's new form.
+CPath FormOf(Change const& change, Drawing const& drawing, Outline const& outline,
+             double tolerance) {
+    CPath out;
+    double const rest = std::max(tolerance - outline.arcDistance, 0.0);
+    double const distance =
+        outline.arcDistance + change.form(outline, rest * (1.0 - kRoundingPart), out);
+    if (distance > tolerance) {
+        Warn(drawing.file, outline.id,
+             "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
+    }
+    return out;
+}
+
+} // namespace
+
+void AddChangeOptions(Command const& command, ChangeOptions& options, std::string const& share) {
+    AddSource(command, options.source);
+    command
+        .AddOption("--tolerance", options.tolerance,
+                   "The distance within which the result is right (default: " + share +
+                       " of the drawing's size)")
+        .TypeName("T");
+}
+
+void AddChangeOutput(Command const& command, ChangeOptions& options) {
+    AddWriteOptions(command, options.write);
+}
+
+void RunChange(ChangeOptions const& options, Change const& change) {
+    ArcAccuracy arcs; // the default tolerances are above what pictures need
+    if (!options.tolerance.empty()) {
+        arcs = {ArcAccuracy::By::kDistance, ToleranceOf(options) * kArcPart, ""};
+    }
+    CheckWriteOptions(options.write);
+    std::string const& output = options.write.output;
+    Drawing drawing = Load(options.source, arcs);
+    bool const keeps = KeepsDocument(drawing, output);
+    if (!keeps) {
+        ApplyClips(drawing);
+    }
+    double const tolerance =
+        options.tolerance.empty() ? ShareOfSize(drawing, change.share) : ToleranceOf(options);
+    auto const stays = [&](Outline const& outline) {
+        return change.area && options.source.ids.empty() && outline.fill == "none";
+    };
+    Progress progress(change.progress, drawing.outlines.size());
+    std::size_t done = 0;
+    if (keeps) {
+        SvgEdit edit(drawing.document, DigitsOf(options.write));
+        for (Outline const* const outline : OnePerElement(drawing)) {
+            if (!stays(*outline)) {
+                SetPath(edit, drawing, *outline, FormOf(change, drawing, *outline, tolerance));
+                if (change.paint) {
+                    change.paint(edit, *outline);
+                }
+            }
+            progress.Update(++done);
+        }
+        WriteFile(output, SvgBytes(edit.Text(), output));
+        return;
+    }
+    Page const page = LinePicture(drawing.page, drawing.outlines).page;
+    std::vector<Outline> shown;
+    for (Outline& outline : drawing.outlines) {
+        if (!stays(outline)) {
+            outline.path = FormOf(change, drawing, outline, tolerance);
+        }
+        if (!outline.path.mCtls.empty()) {
+            shown.push_back(std::move(outline));
+        }
+        progress.Update(++done);
+    }
+    Picture picture = LinePicture(page, shown);
+    if (change.filled) {
+        for (Shape& shape : picture.shapes) {
+            shape.style.fill = Colour{};
+            shape.style.stroke.reset();
+        }
+    }
+    WriteFile(output, NewFile(std::move(picture), output, options.write));
+}
+
+trammel::StrokeJoin JoinOf(std::string const& name) {
+    if (name == "miter") {
+        return trammel::StrokeJoin::kMiter;
+    }
+    if (name == "miter-clip") {
+        return trammel::StrokeJoin::kMiterClip;
+    }
+    if (name == "round") {
+        return trammel::StrokeJoin::kRound;
+    }
+    if (name == "bevel") {
+        return trammel::StrokeJoin::kBevel;
+    }
+    throw Error("--join", "'" + name + "'", "must be miter, miter-clip, round or bevel");
+}
+
+double MiterLimitOf(std::string const& text) {
+    double const limit = NumberOf("--miter-limit", text);
+    if (!(limit >= 1.0)) {
+        throw Error("--miter-limit", "'" + text + "'", "must be at least 1");
+    }
+    return limit;
+}
+
+} // namespace tool

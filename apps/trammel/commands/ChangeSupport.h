@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+
+// The commands that give each outline another form within a tolerance: what they share.
+
+#ifndef TRAMMEL_APP_CHANGESUPPORT_H
+#define TRAMMEL_APP_CHANGESUPPORT_H
+
+#include "CommandSupport.h"
+#include "WriteSupport.h"
+
+#include <trammel/CPath.h>
+#include <trammel/StrokeStyle.h>
+
+#include <functional>
+#include <string>
+
+namespace tool {
+
+/// The options of such a command.
+struct ChangeOptions {
+    Source source;
+    std::string tolerance;
+    WriteOptions write;
+};
+
+/// What such a command does.
+struct Change {
+    std::string progress; ///< what the line of the progress says
+    double share = 0.0;   ///< the tolerance without --tolerance, as a share of the drawing's size
+    /// Sets `out` to the outline's new form, and returns the distance that is kept.
+    std::function<double(Outline const& outline, double tolerance, CPath& out)> form;
+    /// True for a form that bounds an area. An outline without a fill then stays as it is, unless
+    /// --id names it.
+    bool area = false;
+    /// Changes more of the element than its form; may be empty.
+    std::function<void(SvgEdit& edit, Outline const& outline)> paint = {};
+    bool filled = false; ///< whether a new picture fills the outlines, and does not draw them
+};
+
+/// Adds FILE, --id and --tolerance.
+/// \param share  of Change, in words
+void AddChangeOptions(Command const& command, ChangeOptions& options, std::string const& share);
+/// Adds the options of writing.
+void AddChangeOutput(Command const& command, ChangeOptions& options);
+
+/// Changes the outlines, and writes the file. Warns of an outline that does not keep the tolerance.
+void RunChange(ChangeOptions const& options, Change const& change);
+
+/// Returns the join of the name that --join has. Throws Error.
+trammel::StrokeJoin JoinOf(std::string const& name);
+/// Returns the number of --miter-limit, which is at least 1. Throws Error.
+double MiterLimitOf(std::string const& text);
+
+} // namespace tool
+
+#endif

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+
+#include "ChangeSupport.h"
+#include "Commands.h"
+
+#include <trammel/OutlineOperations.h>
+
+namespace tool {
+
+namespace {
+
+/// Far below what can be seen, and above what rounding needs.
+constexpr double kShare = 1e-5;
+
+void Run(ChangeOptions const& options) {
+    Change change;
+    change.progress = "removing overlaps";
+    change.share = kShare;
+    change.area = true;
+    change.form = [](Outline const& outline, double tolerance, CPath& out) {
+        return trammel::RemoveOverlap(outline.path, outline.rule, tolerance, out);
+    };
+    RunChange(options, change);
+}
+
+} // namespace
+
+void AddOverlap(Command const& app) {
+    auto const options = std::make_shared<ChangeOptions>();
+    Command const command =
+        app.AddCommand("overlap", "Writes the outlines without overlaps, curves as they are");
+    AddChangeOptions(command, *options, "a 100000th");
+    AddChangeOutput(command, *options);
+    command.SetFooter(
+        "The contours bound what the fill rule fills, every subpath taken as closed. They do not "
+        "cross, and either\nrule fills them alike. Points farther than the tolerance from the "
+        "outline stay inside or outside.\n"
+        "An SVG drawing is kept: the elements with a fill get the new form, and those that --id "
+        "names.\n"
+        "Example: trammel overlap drawing.svg -o clean.svg");
+    command.SetAction([options] { Run(*options); });
+}
+
+} // namespace tool
