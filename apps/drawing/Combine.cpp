@@ -4,15 +4,81 @@
 
 #include "Outlines.h"
 
+#include <trammel/Moments.h>
+#include <trammel/OutlineOperations.h>
+#include <trammel/PathSegments.h>
 #include <trammel/PolygonOperations.h>
 #include <trammel/TPoly.h>
+#include <trammel/Winding.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
 
 namespace tool {
 
 typedef TPoint<double> Pt;
+
+namespace {
+
+/// The rule for contours without overlaps, for which either rule will do.
+constexpr trammel::FillRule kAnyRule = trammel::FillRule::kNonZero;
+
+/// The error to flatten lines with, of which all values do the same.
+constexpr double kNoError = 1.0;
+
+/// So many outlines are united at once. The crossings of outlines that lie over each other grow
+/// with the square of this number, and those inside of what is united are gone in the next round.
+constexpr std::size_t kGroup = 16;
+
+bool IsLines(CPath const& path) { return !path.TestContents(CPath::kContainsCurves); }
+
+/// Returns the region of outlines that have one rule. An outline alone covers what it encloses.
+Region UnionOf(std::vector<CPath> outlines, trammel::FillRule rule, double tolerance) {
+    Region region;
+    if (std::all_of(outlines.begin(), outlines.end(), IsLines)) {
+        std::vector<std::vector<TPolygon<double>>> polygons;
+        polygons.reserve(outlines.size());
+        for (CPath const& outline : outlines) {
+            polygons.push_back(Flatten(outline, kNoError));
+        }
+        region.path = PathOf(trammel::Union(polygons, rule));
+        return region;
+    }
+    int rounds = 1;
+    for (std::size_t left = outlines.size(); left > kGroup; left = (left + kGroup - 1) / kGroup) {
+        ++rounds;
+    }
+    for (int round = 0; round < rounds; ++round) {
+        std::vector<CPath> united;
+        double distance = 0.0;
+        for (std::size_t i = 0; i < outlines.size(); i += kGroup) {
+            std::size_t const end = std::min(i + kGroup, outlines.size());
+            std::vector<CPath> const group(outlines.begin() + static_cast<std::ptrdiff_t>(i),
+                                           outlines.begin() + static_cast<std::ptrdiff_t>(end));
+            united.emplace_back();
+            distance =
+                std::max(distance, trammel::Union(group, rule, tolerance / rounds, united.back()));
+        }
+        region.distance += distance;
+        outlines = std::move(united);
+        rule = kAnyRule;
+    }
+    region.path = std::move(outlines.front());
+    return region;
+}
+
+/// Returns a point on the segment, none that drawings prefer: contours may touch in such points.
+Pt InnerPoint(trammel::PathSegment const& segment) {
+    constexpr double t = 0.3819660112501051; // the golden section
+    if (segment.IsCurve()) {
+        return CBezier(segment.start, segment.control1, segment.control2, segment.end).TPt(t);
+    }
+    return segment.start + (segment.end - segment.start) * t;
+}
+
+} // namespace
 
 void AddContours(Tgpc_polygon& polygon, CPath const& path, double error) {
     for (TPolygon<double> const& subpath : Flatten(path, error)) {
@@ -61,45 +127,74 @@ AreaFigures FiguresOf(Tgpc_polygon const& result) {
     return figures;
 }
 
-std::vector<TPolygon<double>> RegionOf(std::vector<Outline> const& outlines, double error) {
-    std::vector<std::vector<TPolygon<double>>> byRule[2];
+Region RegionOf(std::vector<Outline> const& outlines, double tolerance) {
+    std::vector<CPath> byRule[2];
+    double arcDistance = 0.0;
     for (Outline const& outline : outlines) {
         bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
-        byRule[evenOdd ? 1 : 0].push_back(Flatten(outline.path, error - outline.arcDistance));
+        byRule[evenOdd ? 1 : 0].push_back(outline.path);
+        arcDistance = std::max(arcDistance, outline.arcDistance);
     }
-    std::vector<TPolygon<double>> region;
-    if (!byRule[0].empty()) {
-        region = trammel::Union(byRule[0], trammel::FillRule::kNonZero);
+    if (byRule[0].empty() || byRule[1].empty()) {
+        bool const evenOdd = byRule[0].empty();
+        Region region = UnionOf(byRule[evenOdd ? 1 : 0],
+                                evenOdd ? trammel::FillRule::kEvenOdd : kAnyRule, tolerance);
+        region.distance += arcDistance;
+        return region;
     }
-    if (!byRule[1].empty()) {
-        std::vector<TPolygon<double>> other =
-            trammel::Union(byRule[1], trammel::FillRule::kEvenOdd);
-        region = region.empty() ? std::move(other)
-                                : trammel::Boolean(kPolyUnion, region, trammel::FillRule::kNonZero,
-                                                   other, trammel::FillRule::kNonZero);
-    }
+    double const half = tolerance / 2.0;
+    Region region = Combined(kPolyUnion, UnionOf(byRule[0], trammel::FillRule::kNonZero, half),
+                             UnionOf(byRule[1], trammel::FillRule::kEvenOdd, half), half);
+    region.distance += arcDistance;
     return region;
 }
 
-AreaFigures FiguresOf(std::vector<TPolygon<double>> const& rings) {
+Region Combined(TPolyOp operation, Region const& a, Region const& b, double tolerance) {
+    Region result;
+    if (IsLines(a.path) && IsLines(b.path)) {
+        result.path = PathOf(trammel::Boolean(operation, Flatten(a.path, kNoError), kAnyRule,
+                                              Flatten(b.path, kNoError), kAnyRule));
+    } else {
+        result.distance =
+            trammel::Boolean(operation, a.path, kAnyRule, b.path, kAnyRule, tolerance, result.path);
+    }
+    result.distance += std::max(a.distance, b.distance);
+    return result;
+}
+
+AreaFigures FiguresOf(Region const& region) {
     AreaFigures figures;
-    for (TPolygon<double> const& ring : rings) {
-        std::vector<Pt> points;
-        double twice = 0.0; // from the first point, as in EnclosedArea, with its sign
-        for (long i = 0; i <= ring.LastIndex(); ++i) {
-            points.push_back(ring.GetPt(i));
-            if (i >= 2) {
-                Pt const a = points[points.size() - 2] - points.front();
-                Pt const b = points.back() - points.front();
-                twice += a.h * b.v - a.v * b.h;
+    std::vector<CPath> const contours = SplitSubpaths(region.path);
+    std::vector<TRect<double>> bounds;
+    bounds.reserve(contours.size());
+    for (CPath const& contour : contours) {
+        bounds.push_back(DrawnBounds(contour));
+    }
+    for (std::size_t i = 0; i < contours.size(); ++i) {
+        bool first = true;
+        bool hole = false;
+        for (trammel::PathSegment const& segment : trammel::Segments(contours[i])) {
+            if (segment.start == segment.end && !segment.IsCurve()) {
+                continue;
+            }
+            ++figures.vertices;
+            figures.curves += segment.IsCurve() ? 1 : 0;
+            if (first) {
+                first = false;
+                Pt const p = InnerPoint(segment);
+                for (std::size_t k = 0; k < contours.size(); ++k) {
+                    if (k != i && bounds[k].Contains(p) &&
+                        trammel::WindingNumber(contours[k], p) != 0) {
+                        hole = !hole;
+                    }
+                }
             }
         }
-        double const area = EnclosedArea(points);
-        figures.area += twice < 0.0 ? -area : area;
-        figures.holes += twice < 0.0 ? 1 : 0;
-        figures.vertices += points.size();
+        double const area = std::abs(trammel::SignedArea(contours[i]));
+        figures.area += hole ? -area : area;
+        figures.holes += hole ? 1 : 0;
     }
-    figures.contours = rings.size();
+    figures.contours = contours.size();
     return figures;
 }
 

@@ -36,17 +36,29 @@ struct AreaFigures {
     std::size_t contours = 0;
     std::size_t holes = 0; ///< the number of contours that are holes
     std::size_t vertices = 0;
+    std::size_t curves = 0; ///< the number of edges that are curves
 };
 
 /// Returns the figures of a clip's result.
 AreaFigures FiguresOf(Tgpc_polygon const& result);
 
-/// Returns the rings around the area of all outlines together. Each of them covers what it encloses
-/// by its own rule, every subpath taken as closed; curves are flattened to `error`.
-std::vector<TPolygon<double>> RegionOf(std::vector<Outline> const& outlines, double error);
+/// Contours without overlaps, which bound the same points by either rule.
+struct Region {
+    CPath path;
+    double distance = 0.0; ///< points farther than this from the outlines are on the right side
+};
 
-/// Returns the figures of such rings, of which the holes run the other way round.
-AreaFigures FiguresOf(std::vector<TPolygon<double>> const& rings);
+/// Returns the points that all outlines together cover. Each of them covers what it encloses by its
+/// own rule, every subpath taken as closed. Curves stay curves. Where all are lines, they are
+/// united as polygons, whose result has no distance but rounding.
+/// \param tolerance  the distance to keep on top of the arcs'; more where the work needs it
+Region RegionOf(std::vector<Outline> const& outlines, double tolerance);
+
+/// Returns the result of the operation on the regions, in the same way.
+Region Combined(TPolyOp operation, Region const& a, Region const& b, double tolerance);
+
+/// Returns the figures of a region.
+AreaFigures FiguresOf(Region const& region);
 
 /// Returns all contours as one path of closed subpaths, to be filled by the even-odd rule.
 CPath PathOf(Tgpc_polygon const& polygon);

@@ -77,17 +77,30 @@ class Combine(AppTest):
         self.run_text("combine", "union", used, self.b, "-o", self.out)
         self.assertEqual(list(self.measure_file("out.svg")), ["union"])
 
-    def test_curves_are_flattened_within_the_error(self):
-        circle = self.write("c.svg", svg('<circle cx="50" cy="50" r="20"/>'))
-        areas = [self.run_json("combine", "union", circle, self.a, "--error", e)["a"]["area"]
-                 for e in ("2", "0.01", "0.0001")]
-        self.assertTrue(areas[0] < areas[1] < areas[2])
-        self.assertLess(abs(areas[2] - 400 * math.pi), 0.1)
+    def test_curves_stay_curves_within_the_error(self):
+        """A square of 40, and a circle of radius 20 around its corner."""
+        circle = self.write("c.svg", svg('<circle id="c" cx="50" cy="50" r="20"/>'))
+        square = self.write("s.svg", svg('<rect id="s" x="50" y="50" width="40" height="40"/>'
+                                         '<path id="h" d="M60 80H80L70 70Z"/>'))
+        for error in ("0.1", "1e-6"):
+            data = self.run_json("combine", "difference", square, circle, "--id-a", "s", "--error",
+                                 error, "-o", self.out)
+            self.assertEqual(data["a"]["curves"], 0)
+            self.assertGreater(data["result"]["curves"], 0)
+            self.assertLess(data["result"]["vertices"], 20)
+            self.assertLessEqual(data["distance"], float(error))
+            # The outlines are shorter than 300.
+            self.assertLess(abs(data["result"]["area"] - (1600 - 100 * math.pi)),
+                            300 * float(error))
+        self.assertTrue(self.measure_file("out.svg")["s"]["curves"])
+        data = self.run_json("combine", "xor", square, circle)
+        self.assertEqual((data["result"]["contours"], data["result"]["holes"]), (2, 0))
 
     def test_an_empty_result_is_an_empty_drawing(self):
         away = self.write("away.svg", svg('<rect x="50" y="50" width="1" height="1"/>'))
         data = self.run_json("combine", "intersection", self.a, away, "-o", self.out)
-        self.assertEqual(data["result"], {"area": 0, "contours": 0, "holes": 0, "vertices": 0})
+        self.assertEqual(data["result"], {"area": 0, "contours": 0, "holes": 0, "vertices": 0,
+                                          "curves": 0})
         self.assertEqual(self.path_data("out.svg"), {"a": ""})
         self.assertEqual(self.run_text("combine", "union", self.a, away, "-o",
                                        self.path("out.png")), "")

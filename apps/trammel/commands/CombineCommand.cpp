@@ -14,8 +14,6 @@
 #include "Warning.h"
 #include "WriteSupport.h"
 
-#include <trammel/PolygonOperations.h>
-
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -27,12 +25,14 @@ namespace tool {
 
 namespace {
 
-/// The flattening error without --error, as a share of the drawings' size. It is a tenth of a pixel
-/// of the PNG that this command writes.
-constexpr double kErrorShare = 1e-4;
+/// The error without --error, as a share of the drawings' size. It is far below what can be seen,
+/// and above what rounding needs.
+constexpr double kErrorShare = 1e-5;
 
 /// The part of the error that the curves take which stand for circles and arcs.
 constexpr double kArcPart = 1.0 / 64.0;
+/// The part of the rest that each of the two steps takes; a little is left to rounding.
+constexpr double kStepPart = 63.0 / 128.0;
 
 struct Operation {
     char const* name;
@@ -154,6 +154,7 @@ Json ToJson(AreaFigures const& figures) {
     json["contours"] = figures.contours;
     json["holes"] = figures.holes;
     json["vertices"] = figures.vertices;
+    json["curves"] = figures.curves;
     return json;
 }
 
@@ -207,25 +208,35 @@ void Run(Options const& options) {
     CheckFinite(b);
     TRect<double> const bounds = Around(BoundsOf(a), BoundsOf(b));
     double const error = ErrorOf(options, bounds);
+    double arcDistance = 0.0;
+    for (Drawing const* const drawing : {&a, &b}) {
+        for (Outline const& outline : drawing->outlines) {
+            arcDistance = std::max(arcDistance, outline.arcDistance);
+        }
+    }
+    double const step = std::max(error - arcDistance, 0.0) * kStepPart;
     Progress progress("combining", 3);
-    std::vector<TPolygon<double>> const areaA = RegionOf(a.outlines, error);
+    Region const areaA = RegionOf(a.outlines, step);
     progress.Update(1);
-    std::vector<TPolygon<double>> const areaB = RegionOf(b.outlines, error);
+    Region const areaB = RegionOf(b.outlines, step);
     progress.Update(2);
-    // The rings of an area wind around it once, so either rule gives the same.
-    auto const rule = trammel::FillRule::kNonZero;
-    std::vector<TPolygon<double>> const result = trammel::Boolean(code, areaA, rule, areaB, rule);
+    Region const result = Combined(code, areaA, areaB, step);
     progress.Update(3);
+    if (result.distance > error) {
+        Warn("", "combine",
+             "keeps within " + Figure(result.distance) + " only, not within " + Figure(error));
+    }
     Json json;
     if (options.json) {
         json["operation"] = options.operation;
         json["error"] = error;
+        json["distance"] = result.distance;
         json["a"] = ToJson(a.file, FiguresOf(areaA));
         json["b"] = ToJson(b.file, FiguresOf(areaB));
         json["result"] = ToJson(FiguresOf(result));
     }
     std::string const& output = options.write.output;
-    CPath const path = PathOf(result);
+    CPath const& path = result.path;
     if (!output.empty() && KeepsDocument(a, output)) {
         WriteFile(output, SvgBytes(Merged(options, a, clipped, path), output));
     } else if (!output.empty()) {
@@ -258,18 +269,21 @@ void AddCombine(Command const& app) {
     command.AddValues("--id-b", options->b.ids, "Only this outline of B (may be repeated)")
         .TypeName("ID");
     command
-        .AddOption("--error", options->error,
-                   "How far lines may deviate from curves (default: a 10000th of the size)")
+        .AddOption(
+            "--error", options->error,
+            "The distance within which the result is right (default: a 100000th of the size)")
         .TypeName("E");
     command
         .AddOption("--rule", options->rule,
                    "nonzero or evenodd, for all outlines (default: as the drawings say)")
         .TypeName("RULE");
     AddWriteOptions(command, options->write, false);
-    command.AddFlag("--json", options->json, "Print areas, contours, holes and vertices as JSON");
+    command.AddFlag("--json", options->json,
+                    "Print areas, contours, holes, vertices and curves as JSON");
     command.SetFooter(
         "A drawing covers what its outlines enclose, each by its fill rule and every "
-        "subpath taken as closed.\nIf A is an SVG drawing, it is kept: the result takes "
+        "subpath taken as closed.\nCurves stay curves. Lines alone are combined as polygons, "
+        "within rounding.\nIf A is an SVG drawing, it is kept: the result takes "
         "the place of its first outline, with id and\nstyle, and its other outlines that "
         "were combined go.\n"
         "Example: trammel combine difference plate.svg holes.svg -o drilled.svg");
