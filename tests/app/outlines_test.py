@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 
-"""Tests of the commands that give outlines new forms: `overlap`, `stroke`, `offset`, `simplify`."""
+"""Tests of the commands that give outlines new forms: `overlap`, `stroke`, `offset`, `simplify`,
+`fit`."""
 
 import math
 import unittest
@@ -101,6 +102,20 @@ class Outlines(AppTest):
         self.assertLess(simple["elements"], fine["elements"] / 3)
         self.assertBox(simple["bounds"], [10, 10, 90, 90], 0.05)
 
+    def test_fit_puts_curves_in_place_of_lines(self):
+        points = " ".join(f"{50 + 40 * math.cos(a / 50 * math.pi)},"
+                          f"{50 + 40 * math.sin(a / 50 * math.pi)}" for a in range(100))
+        curve = '<path id="k" d="M0 0C1 2 3 4 5 0"/>'
+        file = self.write("in.svg", svg(f'<polygon id="c" points="{points}"/>{curve}'
+                                        '<path id="r" d="M0 0H10V10H0Z"/>'))
+        self.run_text("fit", file, "--tolerance", "0.1", "-o", self.out)
+        circle = self.measure_file("out.svg")["c"]
+        self.assertTrue(circle["curves"] and circle["closed"])
+        self.assertLess(circle["elements"], 20)
+        self.assertBox(circle["bounds"], [10, 10, 90, 90], 0.1)
+        data = self.path_data("out.svg")
+        self.assertEqual((data["k"], data["r"]), ("M0 0C1 2 3 4 5 0", "M0 0H10V10H0V0Z"))
+
     def test_fonts_become_new_drawings(self):
         font = self.write("font.ttf", font_bytes())
         self.run_text("stroke", font, "--id", "glyph2", "--pen", "20", "-o", self.out)
@@ -116,6 +131,7 @@ class Outlines(AppTest):
                 (("stroke", file, "--pen", "1", "--dash", "1,-1"), ["--dash", "1,-1"]),
                 (("offset", file, "--by", "1", "--join", "arc"), ["--join", "arc", "bevel"]),
                 (("offset", file, "--by", "1", "--miter-limit", "0.5"), ["--miter-limit", "0.5"]),
+                (("fit", file, "--corner", "0"), ["--corner", "'0'"]),
                 (("overlap", file, "--tolerance", "0"), ["--tolerance", "'0'"]),
                 (("overlap", file, "--strict", "--tolerance", "1e-99"), ["in.svg", "p", "1e-99"])):
             with self.subTest(arguments):

@@ -26,6 +26,7 @@ void AddOverlap(Command const& app);
 void AddStroke(Command const& app);
 void AddOffset(Command const& app);
 void AddSimplify(Command const& app);
+void AddFit(Command const& app);
 void AddTransform(Command const& app);
 void AddHatch(Command const& app);
 void AddText(Command const& app);
@@ -37,9 +38,10 @@ void AddHelp(Command const& app);
 
 /// All commands, in the order in which the help lists them.
 inline constexpr void (*kCommands[])(Command const& app) = {
-    AddMeasure, AddPoint,   AddNearest, AddHit,    AddArea,     AddIntersect, AddFlatten,
-    AddCut,     AddReverse, AddOverlap, AddStroke, AddOffset,   AddSimplify,  AddTransform,
-    AddHatch,   AddText,    AddCombine, AddShape,  AddPolygons, AddGallery,   AddHelp,
+    AddMeasure,  AddPoint,    AddNearest,   AddHit,     AddArea,   AddIntersect,
+    AddFlatten,  AddCut,      AddReverse,   AddOverlap, AddStroke, AddOffset,
+    AddSimplify, AddFit,      AddTransform, AddHatch,   AddText,   AddCombine,
+    AddShape,    AddPolygons, AddGallery,   AddHelp,
 };
 
 } // namespace tool
