@@ -181,7 +181,8 @@ bool RunsBackAlongItself(Cubic const& c, double accuracy) {
         for (Pt const& p : c) {
             most = std::max(most, std::max(std::abs(p.h), std::abs(p.v)));
         }
-        if (size == 0.0 || !(most <= std::numeric_limits<double>::max())) {
+        // The sense of the comparisons refuses a NaN.
+        if (!(size > 0.0) || !(most <= std::numeric_limits<double>::max())) {
             return false;
         }
         int const shift = -std::ilogb(most);
