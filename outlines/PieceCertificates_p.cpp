@@ -59,22 +59,6 @@ void Measure(Node& node, double margin) {
                       : std::max(Taxicab(node.c[1] - node.c[0]), Taxicab(node.c[2] - node.c[0]));
 }
 
-/// True when the line along the chord of `a`, or one beside it, has the curves on its two sides.
-bool ChordSeparates(Cubic const& a, Cubic const& b, double least) {
-    Pt const chord = a[3] - a[0];
-    double const margin = least * Taxicab(chord);
-    double const a1 = Cross(chord, a[1] - a[0]);
-    double const a2 = Cross(chord, a[2] - a[0]);
-    double const b0 = Cross(chord, b[0] - a[0]);
-    double const b1 = Cross(chord, b[1] - a[0]);
-    double const b2 = Cross(chord, b[2] - a[0]);
-    double const b3 = Cross(chord, b[3] - a[0]);
-    double const lowA = std::min(std::min(a1, a2), 0.0) - margin;
-    double const highA = std::max(std::max(a1, a2), 0.0) + margin;
-    return std::min(std::min(b0, b1), std::min(b2, b3)) > highA ||
-           std::max(std::max(b0, b1), std::max(b2, b3)) < lowA;
-}
-
 /// Returns 1 when the turns from all vectors of `a` to all of `b` are positive by more than
 /// rounding, -1 when they are negative, and else 0. Vectors without length do not count.
 int TurnOf(Vectors const& a, Vectors const& b, double least) {

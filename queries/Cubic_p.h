@@ -7,6 +7,7 @@
 
 #include "PointMath_p.h"
 #include "TPoint.h"
+#include "Vector_p.h"
 
 #include <algorithm>
 #include <array>
@@ -66,6 +67,22 @@ inline Cubic Reversed(Cubic const& c) { return {c[3], c[2], c[1], c[0]}; }
 /// Returns the length of the control polygon, by the sum of |h| + |v|. The curve is no longer.
 inline double PolygonLength(Cubic const& c) {
     return Taxicab(c[1] - c[0]) + Taxicab(c[2] - c[1]) + Taxicab(c[3] - c[2]);
+}
+
+/// True when `b` lies beside the strip along the chord of `a` that holds `a`, and `margin` away
+/// from it. So a line along the chord has the curves on its two sides.
+inline bool ChordSeparates(Cubic const& a, Cubic const& b, double margin) {
+    TPoint<double> const chord = a[3] - a[0];
+    double const a1 = Cross(chord, a[1] - a[0]);
+    double const a2 = Cross(chord, a[2] - a[0]);
+    double const b0 = Cross(chord, b[0] - a[0]);
+    double const b1 = Cross(chord, b[1] - a[0]);
+    double const b2 = Cross(chord, b[2] - a[0]);
+    double const b3 = Cross(chord, b[3] - a[0]);
+    double const beside = margin * Taxicab(chord);
+    double const low = Min(Min(a1, a2), 0.0) - beside;
+    double const high = Max(Max(a1, a2), 0.0) + beside;
+    return Min(Min(b0, b1), Min(b2, b3)) > high || Max(Max(b0, b1), Max(b2, b3)) < low;
 }
 
 /// True when the curve is no longer than `limit` between two parameters, or when the second one is

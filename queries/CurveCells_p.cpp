@@ -165,7 +165,7 @@ private:
         Double2 const margin = mMargin;
         if (((extentA.low - extentB.high > margin) | (extentB.low - extentA.high > margin))
                     .Bits() != 0 ||
-            ApartAcross(a.c, b.c) || ApartAcross(b.c, a.c)) {
+            ChordSeparates(a.c, b.c, mMargin) || ChordSeparates(b.c, a.c, mMargin)) {
             return true;
         }
         double const sizeA = extentA.Size();
@@ -201,21 +201,6 @@ private:
         }
         return Push(a, {HeadOf(b.c, 0.5), b.t0, b.At(0.5)}) &&
                Push(a, {TailOf(b.c, 0.5), b.At(0.5), b.t1});
-    }
-
-    /// True when `b` lies beside the strip along the chord of `a` that holds `a`.
-    bool ApartAcross(Cubic const& a, Cubic const& b) const {
-        Pt const chord = a[3] - a[0];
-        double const a1 = Cross(chord, a[1] - a[0]);
-        double const a2 = Cross(chord, a[2] - a[0]);
-        double const b0 = Cross(chord, b[0] - a[0]);
-        double const b1 = Cross(chord, b[1] - a[0]);
-        double const b2 = Cross(chord, b[2] - a[0]);
-        double const b3 = Cross(chord, b[3] - a[0]);
-        double const margin = mMargin * Taxicab(chord);
-        double const low = Min(Min(a1, a2), 0.0) - margin;
-        double const high = Max(Max(a1, a2), 0.0) + margin;
-        return Min(Min(b0, b1), Min(b2, b3)) > high || Max(Max(b0, b1), Max(b2, b3)) < low;
     }
 
     /// A number that no sine of an angle between a tangent of A and one of B is below; 0 where they
