@@ -161,8 +161,8 @@ void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCoun
     }
 }
 
-/// Sets the slant if there is one that tells chains apart whose boxes meet. Returns what is known
-/// of the pairs that it does not tell apart.
+/// Looks for a slant that tells chains apart although their boxes meet, and sets it if there is
+/// one. Returns a sample of the pairs that this slant leaves.
 EdgeTree::Sample EdgeTree::ChooseSlant(Slant& best) const {
     // A linear congruential generator draws a sample of pairs. Chains that follow each other always
     // meet and do not count.

@@ -82,8 +82,8 @@ public:
     /// path.
     void Finish();
 
-    /// Returns what is finished: the elements from the first point on, open. Later calls of Add and
-    /// Finish append to it.
+    /// Returns the finished elements as an open path from the first point on. Later calls of Add
+    /// and Finish append to it.
     CPath const& Finished() const { return mFinished; }
     /// Returns the rest as one open subpath from where the finished part ends, as long as there are
     /// points behind it. O(n) in the waiting points.

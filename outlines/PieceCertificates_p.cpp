@@ -307,7 +307,8 @@ void CertifiedParts::Work::Run() {
 }
 
 void CertifiedParts::Work::WorkOff() {
-    // First come, first served: where there is too much work, what is left is as fine as possible.
+    // Pairs are tested in the order in which they came. So where there is too much work, the pairs
+    // that are left are as fine as possible.
     for (; mNext < mQueue.size(); ++mNext) {
         if (mNext < mMostTests) {
             Test(mQueue[mNext]);

@@ -193,7 +193,8 @@ private:
         std::size_t reached = 0;
         FittedPiece piece;
         FittedPiece found;
-        // Longer runs as long as they match, up to a few times what is proven. Then shorter ones.
+        // This tries longer runs as long as they match, up to a few times the proven length. Then
+        // it tries shorter ones.
         while (length > 1 && below + std::max<std::size_t>(below / kFineness, 1) < above) {
             if (Seek(length, piece)) {
                 if (length > kUnproven * proven) {

@@ -19,8 +19,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
 /// Appends contours with winding numbers above 0 where a region grown by a distance is, and 0
 /// elsewhere, and returns the distance that they keep.
 ///
-/// With a negative distance what is outside the region grows. A frame around all of it has to be
-/// added, which makes a region of that.
+/// With a negative distance the outside of the region grows. The caller has to add a frame around
+/// it, which makes the outside a region.
 /// \param region contours without overlaps, which run in any direction.
 double AppendGrown(CPath const& region, double distance, trammel::StrokeJoin join,
                    double miterLimit, double tolerance, CPath& out);

@@ -16,7 +16,8 @@ double Length(Pt const& p) { return std::sqrt(Square(p)); }
 
 /// Points closer together count as one where corners are sought, in tolerances.
 constexpr double kCornerStep = 0.5;
-/// A stroke that stays about a place is looked at for so many points of the reduced stroke.
+/// Where a stroke stays about a place, corners are sought over so many points of the reduced
+/// stroke.
 constexpr std::size_t kMostCornerSteps = 32;
 /// Straight runs are within so many tolerances of their chord...
 constexpr double kStraightness = 0.25;

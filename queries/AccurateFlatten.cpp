@@ -27,8 +27,8 @@
 //
 // Four points are computed and verified at a time. Up to 32 chords first get a shorter test, which
 // asks more of them (StoreChords). A chord that fails it gets the test above. Chords that still
-// fail are divided in their middles if that suffices, all in one vector. Only what is left after
-// this is divided piece by piece. A rough plan only decides about the number of points.
+// fail are divided in their middles if that suffices, all in one vector. Only the chords that fail
+// even then are divided piece by piece. A rough plan only decides about the number of points.
 //
 // Paths. Of four curves that follow each other, a vector has one in each lane, and they are planned
 // together. Each lane computes what the single curve does, so the points are the same.

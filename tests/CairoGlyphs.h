@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// Glyphs of a font as Cairo's path and as the library's, so that Cairo judges what is inside.
+// Draws glyphs of a font into a path of Cairo's and one of the library's. Cairo then judges which
+// points are inside.
 #ifndef TRAMMEL_CAIROGLYPHS_H
 #define TRAMMEL_CAIROGLYPHS_H
 

@@ -28,8 +28,8 @@ constexpr trammel::FillRule kAnyRule = trammel::FillRule::kNonZero;
 /// The error to flatten lines with, of which all values do the same.
 constexpr double kNoError = 1.0;
 
-/// So many outlines are united at once. The crossings of outlines that lie over each other grow
-/// with the square of this number, and those inside of what is united are gone in the next round.
+/// So many outlines are united at once. Where they lie over each other, crossings grow with the
+/// square of this number. The next round no longer meets crossings inside of united outlines.
 constexpr std::size_t kGroup = 16;
 
 bool IsLines(CPath const& path) { return !path.TestContents(CPath::kContainsCurves); }
