@@ -3,6 +3,9 @@
 # The library's rooms, from the bottom to the top: the lines of cmake/rooms.txt. The scripts read the
 # same file. A room that holds no file yet has no folder.
 #
+# Checks that concern only the lower rooms stop at one: with TRAMMEL_TOP_ROOM, the rooms above it are left out.
+# Headers stay complete.
+#
 # Sets, for all rooms together:
 #   TRAMMEL_ROOMS          the rooms that exist
 #   TRAMMEL_ROOM_DIRS      their folders
@@ -15,6 +18,9 @@ file(STRINGS cmake/rooms.txt rooms)
 set(TRAMMEL_ROOMS)
 set(TRAMMEL_HEADERS trammel.h)
 set(TRAMMEL_SOURCES)
+set(TRAMMEL_TOP_ROOM "" CACHE STRING "The last room of the library that is built, for checks")
+mark_as_advanced(TRAMMEL_TOP_ROOM)
+set(beyond_top OFF)
 foreach(room IN LISTS rooms)
     file(GLOB headers RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS ${room}/*.h)
     file(GLOB sources RELATIVE "${PROJECT_SOURCE_DIR}" CONFIGURE_DEPENDS ${room}/*.cpp)
@@ -22,7 +28,12 @@ foreach(room IN LISTS rooms)
         list(APPEND TRAMMEL_ROOMS ${room})
         list(FILTER headers EXCLUDE REGEX "_p\\.h$")
         list(APPEND TRAMMEL_HEADERS ${headers})
-        list(APPEND TRAMMEL_SOURCES ${sources})
+        if(NOT beyond_top)
+            list(APPEND TRAMMEL_SOURCES ${sources})
+        endif()
+    endif()
+    if(room STREQUAL TRAMMEL_TOP_ROOM)
+        set(beyond_top ON)
     endif()
 endforeach()
 set(TRAMMEL_AVX2_SOURCES ${TRAMMEL_SOURCES})
