@@ -324,6 +324,40 @@ void OutlineArcs::TakeContour(std::size_t first, UseContour const& contour) {
     mContours.push_back(contour);
 }
 
+void OutlineArcs::Add(StretchContours const& from, std::size_t begin, std::size_t end,
+                      std::uint32_t operand) {
+    for (std::size_t contour = begin; contour < end; ++contour) {
+        for (std::size_t i = from.Begin(contour); i < from.ends[contour]; ++i) {
+            elements.push_back(from.elements[i]);
+            mStretches.push_back(from.stretches[i]);
+        }
+        mContourEnds.push_back(elements.size());
+        mContours.push_back({0, operand, false, true});
+    }
+}
+
+StretchContours OutlineArcs::AsStretches() const {
+    StretchContours all;
+    all.elements = elements;
+    all.ends = mContourEnds;
+    all.stretches.reserve(elements.size());
+    for (std::size_t i = 0; i < elements.size(); ++i) {
+        all.stretches.push_back({static_cast<Index>(i), 0.0, 1.0});
+    }
+    return all;
+}
+
+ElementStretch OutlineArcs::OnWhole(ElementStretch const& stretch) const {
+    if (mWhole == nullptr || stretch.element == kNoIndex) {
+        return stretch;
+    }
+    ElementStretch const& whole = mStretches[stretch.element];
+    auto const at = [&](double t) {
+        return t == 1.0 ? whole.to : whole.from + (whole.to - whole.from) * t;
+    };
+    return {whole.element, at(stretch.from), at(stretch.to)};
+}
+
 // Pieces
 
 /// A monotone part of an element.
@@ -377,8 +411,7 @@ void OutlineArcs::CutElement(Index element, std::vector<Piece>& pieces) {
 }
 
 void OutlineArcs::Build(double tolerance) {
-    mHasExtent = mBounds.lowX < mBounds.highX || mBounds.lowY < mBounds.highY;
-    if (!mHasExtent) {
+    if (!HasExtent()) {
         return;
     }
     if (elements.size() >= kNoIndex / 8) {
@@ -389,8 +422,7 @@ void OutlineArcs::Build(double tolerance) {
     if (tolerance > 0.0) {
         mReach = std::max(mReach, std::min(mFrame.LengthToWork(tolerance) / 8.0, kMostReach));
     }
-    if (std::none_of(elements.begin(), elements.end(),
-                     [](OutlineElement const& e) { return e.curve; })) {
+    if (!AnyCurve()) {
         for (std::size_t i = 0; i < mContourEnds.size(); ++i) {
             contours.push_back(mContours[i]);
             contours.back().end = mContourEnds[i];

@@ -12,6 +12,7 @@
 #include "Cubic_p.h"
 #include "TPoint.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -70,6 +71,22 @@ struct OutlineElement {
     bool curve;
 };
 inline constexpr std::size_t kNoSegment = std::numeric_limits<std::size_t>::max();
+
+/// A stretch of an element.
+struct ElementStretch {
+    Index element; ///< kNoIndex for a line that was put in
+    double from;   ///< parameters on the element
+    double to;     ///< less than `from` where the stretch runs the other way
+};
+
+/// Contours whose elements are stretches of other elements.
+struct StretchContours {
+    std::vector<OutlineElement> elements;
+    std::vector<ElementStretch> stretches; ///< an element of the operands for each of `elements`
+    std::vector<std::size_t> ends;         ///< of the elements of each contour
+
+    std::size_t Begin(std::size_t contour) const { return contour == 0 ? 0 : ends[contour - 1]; }
+};
 
 /// Points at which arcs begin, end and cross. Two of them are farther apart than the reach in h or
 /// in v; a point that is nearer to a vertex becomes the vertex.
@@ -139,21 +156,45 @@ struct UseContour {
 /// All operands' outlines as arcs.
 class OutlineArcs {
 public:
+    OutlineArcs() = default;
+    /// Takes contours whose elements are stretches of those of `whole`, and has its frame. Refers
+    /// to `whole`.
+    explicit OutlineArcs(OutlineArcs const* whole) : mBounds(whole->mBounds), mWhole(whole) {}
+
     /// Adds the contours of a path. A contour with a coordinate that is not finite is absent.
     /// They are closed, or they end where their subpaths do.
     void Add(CPath const& path, std::uint32_t operand, bool closed = true);
+    /// Adds the contours from `begin` to `end`.
+    void Add(StretchContours const& from, std::size_t begin, std::size_t end,
+             std::uint32_t operand);
     /// Takes the elements apart, with room for the tolerance, which is in the drawing's units.
     void Build(double tolerance);
     /// Takes them apart anew with a larger reach. False where it is as large as it gets.
     bool Coarsen();
 
+    /// Returns the contours that were added, of which none is open.
+    StretchContours AsStretches() const;
+    /// Returns the box of all points.
+    Box<double> const& Bounds() const { return mBounds; }
+    bool AnyCurve() const {
+        return std::any_of(elements.begin(), elements.end(),
+                           [](OutlineElement const& e) { return e.curve; });
+    }
+
     WorkFrame const& Frame() const { return mFrame; }
     /// Returns the distance, in work units, below which points and curves become one.
     double Reach() const { return mReach; }
     /// True when the operands have an area to speak of.
-    bool HasExtent() const { return mHasExtent; }
+    bool HasExtent() const { return mBounds.lowX < mBounds.highX || mBounds.lowY < mBounds.highY; }
     /// True when there is a curve. Else there are no arcs, and the elements stand for themselves.
     bool HasCurves() const { return mHasCurves; }
+
+    /// Returns the elements of the operands.
+    std::vector<OutlineElement> const& Wholes() const {
+        return mWhole != nullptr ? mWhole->elements : elements;
+    }
+    /// Returns a stretch of an element as one of an operand's element.
+    ElementStretch OnWhole(ElementStretch const& stretch) const;
 
     std::vector<OutlineElement> elements;
     VertexTable vertices;
@@ -181,12 +222,13 @@ private:
 
     WorkFrame mFrame;
     double mReach = 0.0;
-    bool mHasExtent = false;
     bool mHasCurves = false;
     Box<double> mBounds;
-    std::vector<Box<double>> mBoxes;       // of what pairs were found for last
-    std::vector<std::size_t> mContourEnds; // of elements
-    std::vector<UseContour> mContours;     // as many, without their ends
+    OutlineArcs const* mWhole = nullptr;
+    std::vector<ElementStretch> mStretches; // by element: of an element of mWhole
+    std::vector<Box<double>> mBoxes;        // of what pairs were found for last
+    std::vector<std::size_t> mContourEnds;  // of elements
+    std::vector<UseContour> mContours;      // as many, without their ends
 };
 
 /// Returns the box of the control points.

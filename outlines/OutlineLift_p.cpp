@@ -16,6 +16,11 @@ namespace {
 typedef TPoint<double> Pt;
 using trammel::ElementSource;
 
+/// Rounding moves points of a result by less, in work units.
+double const kRoundings = 0x1p-40;
+/// Points become one, curves become one, and ends move with them: each by some reach.
+double const kReaches = 4.0;
+
 } // namespace
 
 FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
@@ -84,6 +89,14 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
     }
 }
 
+double FlatOutlines::DistanceKept() const {
+    double kept = kRoundings + 4.0 * arcs.Frame().Spacing();
+    if (parts) {
+        kept += kReaches * arcs.Reach() + parts->GreatestHeight();
+    }
+    return arcs.Frame().LengthFromWork(kept);
+}
+
 void FlatOutlines::AddTo(BooleanOperand& operand, std::uint32_t number, std::uint32_t owner) const {
     for (std::size_t i = 0; i < ends.size(); ++i) {
         std::size_t const begin = i == 0 ? 0 : ends[i - 1];
@@ -134,6 +147,8 @@ public:
         mPath = &path;
         mSources = sources;
     }
+    /// Writes contours to others instead.
+    void SetTarget(StretchContours& contours) { mContours = &contours; }
     void LiftRegion(RegionContours const& region);
     void LiftStretches(OpenPieces const& pieces, bool inside);
     std::vector<LiftedFace> LiftRings(Faces const& faces);
@@ -164,14 +179,31 @@ private:
     Run RunAt(std::size_t i, std::size_t contour, bool backwards) const;
     bool Continues(Run const& run, Run const& next) const;
     bool IsSliver(std::size_t contour) const;
-    static bool ComesFirst(Contour const& a, Contour const& b) {
-        return a.first != b.first ? a.first < b.first : a.index < b.index;
+    /// Returns the element of an operand that an edge is a part of.
+    ElementStretch WholeOf(std::size_t edge) const {
+        FlatEdge const& e = mFlat.edges[edge];
+        return mFlat.arcs.OnWhole({e.element, e.from, e.to});
+    }
+    /// True when an edge of the result runs against the operand.
+    bool IsAgainst(Origin origin) const {
+        ElementStretch const whole = WholeOf(EdgeOf(origin));
+        return IsReversed(origin) != (whole.from > whole.to);
+    }
+    bool ComesBefore(std::size_t edge, std::size_t other) const;
+    bool ComesFirst(Contour const& a, Contour const& b) const {
+        return a.first != b.first ? ComesBefore(a.first, b.first) : a.index < b.index;
+    }
+    void SortByOperands(std::vector<Contour>& contours) const {
+        std::sort(contours.begin(), contours.end(),
+                  [this](Contour const& a, Contour const& b) { return ComesFirst(a, b); });
     }
     void Take(Run const& run);
     void Write(Contour const& contour, bool backwards);
     void WriteClosed();
     void WriteOpen(Pt const& start);
     void WriteRun(Run const& run, Pt const& start);
+    Cubic CurveOf(Run const& run, Pt const& start) const;
+    void WriteStretches();
     void AddSource(ElementSource const& source) {
         if (mSources != nullptr) {
             mSources->push_back(source);
@@ -183,10 +215,11 @@ private:
     FlatOutlines const& mFlat;
     CPath* mPath = nullptr;
     std::vector<ElementSource>* mSources = nullptr;
-    std::vector<Pt> mPlaces;    // by point of the result
-    std::vector<char> mWhole;   // by edge: whether it is a whole edge of the operands
-    std::vector<char> mShared;  // by point: whether another contour has it
-    std::vector<char> mPresent; // by part: 1 if it is in the result, 2 if it stays a line
+    StretchContours* mContours = nullptr; // takes contours instead of the path
+    std::vector<Pt> mPlaces;              // by point of the result
+    std::vector<char> mWhole;             // by edge: whether it is a whole edge of the operands
+    std::vector<char> mShared;            // by point: whether another contour has it
+    std::vector<char> mPresent;           // by part: 1 if it is in the result, 2 if it stays a line
     Pt mStretchStart;
     std::vector<Run> mRuns; // of one contour
 };
@@ -325,6 +358,10 @@ Run Lift::RunAt(std::size_t i, std::size_t contour, bool backwards) const {
         run.from = at(mPlaces[first]);
         run.to = at(mPlaces[last]);
     }
+    ElementStretch const whole = mFlat.arcs.OnWhole({run.element, run.from, run.to});
+    run.element = whole.element;
+    run.from = whole.from;
+    run.to = whole.to;
     return run;
 }
 
@@ -374,25 +411,13 @@ bool Lift::IsSliver(std::size_t contour) const {
     return true;
 }
 
-void Lift::WriteRun(Run const& run, Pt const& start) {
-    if (run.element == kNoIndex) {
-        mPath->AddCtl(kPathLine).AddPt(run.end);
-        AddSource({});
-        return;
-    }
-    OutlineElement const& element = mFlat.arcs.elements[run.element];
-    AddSource({element.operand, element.segment, run.from, run.to});
-    if (!run.curve) {
-        mPath->AddCtl(kPathLine).AddPt(run.end);
-        return;
-    }
+/// Returns the curve of a run: its element, or a part of it.
+Cubic Lift::CurveOf(Run const& run, Pt const& start) const {
     bool const reversed = run.from > run.to;
-    Cubic const& whole = element.c;
+    Cubic const& whole = mFlat.arcs.Wholes()[run.element].c;
     if (run.from + run.to == 1.0 && std::abs(run.from - run.to) == 1.0 &&
         start == whole[reversed ? 3 : 0] && run.end == whole[reversed ? 0 : 3]) {
-        mPath->AddCtl(kPathCurve).AddPt(whole[reversed ? 2 : 1]).AddPt(whole[reversed ? 1 : 2]);
-        mPath->AddPt(run.end);
-        return;
+        return reversed ? Reversed(whole) : whole;
     }
     WorkFrame const& frame = mFlat.arcs.Frame();
     Cubic part = PartOf({frame.ToWork(whole[0]), frame.ToWork(whole[1]), frame.ToWork(whole[2]),
@@ -402,8 +427,37 @@ void Lift::WriteRun(Run const& run, Pt const& start) {
         part = Reversed(part);
     }
     MoveEnds(part, frame.ToWork(start), frame.ToWork(run.end));
-    mPath->AddCtl(kPathCurve).AddPt(frame.FromWork(part[1])).AddPt(frame.FromWork(part[2]));
+    return {start, frame.FromWork(part[1]), frame.FromWork(part[2]), run.end};
+}
+
+void Lift::WriteRun(Run const& run, Pt const& start) {
+    if (run.element == kNoIndex) {
+        mPath->AddCtl(kPathLine).AddPt(run.end);
+        AddSource({});
+        return;
+    }
+    OutlineElement const& element = mFlat.arcs.Wholes()[run.element];
+    AddSource({element.operand, element.segment, run.from, run.to});
+    if (!run.curve) {
+        mPath->AddCtl(kPathLine).AddPt(run.end);
+        return;
+    }
+    Cubic const curve = CurveOf(run, start);
+    mPath->AddCtl(kPathCurve).AddPt(curve[1]).AddPt(curve[2]);
     mPath->AddPt(run.end);
+}
+
+/// Writes the runs as a contour of stretches.
+void Lift::WriteStretches() {
+    Pt start = mRuns.back().end;
+    for (Run const& run : mRuns) {
+        Cubic const c = run.curve ? CurveOf(run, start) : Cubic{start, run.end, run.end, run.end};
+        mContours->elements.push_back({c, 0, 0, run.curve});
+        bool const putIn = run.element == kNoIndex;
+        mContours->stretches.push_back({run.element, putIn ? 0.0 : run.from, putIn ? 1.0 : run.to});
+        start = run.end;
+    }
+    mContours->ends.push_back(mContours->elements.size());
 }
 
 /// Appends a run to those of the contour or stretch.
@@ -425,6 +479,10 @@ void Lift::WriteClosed() {
         first.firm = mRuns.back().firm;
         mRuns.pop_back();
     }
+    if (mContours != nullptr) {
+        WriteStretches();
+        return;
+    }
     bool const closesWithLine = !mRuns.back().curve && mRuns.size() > 1;
     Run const closing = mRuns.back();
     if (closesWithLine) {
@@ -434,7 +492,7 @@ void Lift::WriteClosed() {
     mPath->AddCtl(kPathClose);
     mPath->mOpen = false;
     if (closesWithLine && closing.element != kNoIndex) {
-        OutlineElement const& element = mFlat.arcs.elements[closing.element];
+        OutlineElement const& element = mFlat.arcs.Wholes()[closing.element];
         AddSource({element.operand, element.segment, closing.from, closing.to});
     } else {
         AddSource({});
@@ -470,17 +528,28 @@ void Lift::Write(Contour const& contour, bool backwards) {
     WriteClosed();
 }
 
+/// True when the operands have an edge before another one.
+bool Lift::ComesBefore(std::size_t edge, std::size_t other) const {
+    ElementStretch const a = WholeOf(edge);
+    ElementStretch const b = WholeOf(other);
+    double const lowA = std::min(a.from, a.to);
+    double const lowB = std::min(b.from, b.to);
+    return a.element != b.element ? a.element < b.element
+           : lowA != lowB         ? lowA < lowB
+                                  : edge < other;
+}
+
 /// Returns a contour as it is to be written. It begins where its first edge does, as that runs in
 /// its operand.
 Lift::Contour Lift::ContourAt(std::size_t contour) const {
     std::size_t first = mLines.Begin(contour);
     for (std::size_t k = first; k < mLines.End(contour); ++k) {
-        if (EdgeOf(mLines.origins[k]) < EdgeOf(mLines.origins[first])) {
+        if (ComesBefore(EdgeOf(mLines.origins[k]), EdgeOf(mLines.origins[first]))) {
             first = k;
         }
     }
     return {contour, EdgeOf(mLines.origins[first]),
-            IsReversed(mLines.origins[first]) ? NextOf(first, contour) : first};
+            IsAgainst(mLines.origins[first]) ? NextOf(first, contour) : first};
 }
 
 void Lift::LiftRegion(RegionContours const& region) {
@@ -497,11 +566,11 @@ void Lift::LiftRegion(RegionContours const& region) {
     std::vector<std::size_t> const outers = OutersOf(region);
     for (std::size_t i = 0; i < mLines.Count(); ++i) {
         for (std::size_t k = mLines.Begin(i); k < mLines.End(i); ++k) {
-            against[outers[i]] += IsReversed(mLines.origins[k]) ? 1 : -1;
+            against[outers[i]] += IsAgainst(mLines.origins[k]) ? 1 : -1;
         }
         contours.push_back(ContourAt(i));
     }
-    std::sort(contours.begin(), contours.end(), ComesFirst);
+    SortByOperands(contours);
     for (Contour const& contour : contours) {
         if (!IsSliver(contour.index)) {
             Write(contour, against[outers[contour.index]] > 0);
@@ -567,7 +636,7 @@ std::vector<LiftedFace> Lift::LiftRings(Faces const& faces) {
     for (std::size_t i = 0; i < mLines.Count(); ++i) {
         contours.push_back(ContourAt(i));
     }
-    std::sort(contours.begin(), contours.end(), ComesFirst);
+    SortByOperands(contours);
     for (bool const holes : {false, true}) {
         for (Contour const& contour : contours) {
             std::size_t const ring = contour.index;
@@ -594,6 +663,12 @@ void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& pa
                 std::vector<ElementSource>* sources) {
     Lift lift(result.resolved.contours, result.grid, flat);
     lift.SetTarget(path, sources);
+    lift.LiftRegion(result.resolved);
+}
+
+void LiftResult(WindingResult const& result, FlatOutlines const& flat, StretchContours& contours) {
+    Lift lift(result.resolved.contours, result.grid, flat);
+    lift.SetTarget(contours);
     lift.LiftRegion(result.resolved);
 }
 

@@ -48,6 +48,10 @@ public:
     /// Adds the open lines.
     void AddOpenTo(BooleanOperand& operand) const;
 
+    /// Returns a distance that regions of these polygons keep once they are lifted, in the
+    /// drawing's units.
+    double DistanceKept() const;
+
     OutlineArcs const& arcs;
     std::optional<CertifiedParts> parts; ///< only where there are curves
     std::vector<FlatEdge> edges;         ///< of all polygons
@@ -59,6 +63,9 @@ public:
 /// their elements unless it is null.
 void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& path,
                 std::vector<trammel::ElementSource>* sources);
+
+/// Does the same, and appends the contours to `contours`.
+void LiftResult(WindingResult const& result, FlatOutlines const& flat, StretchContours& contours);
 
 /// Makes curves of open lines again, of their stretches inside the region or of those outside. The
 /// stretches along its boundary count as inside.

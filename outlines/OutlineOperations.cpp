@@ -6,6 +6,7 @@
 #include "OpenLines_p.h"
 #include "OutlineArcs_p.h"
 #include "OutlineLift_p.h"
+#include "OutlineStages_p.h"
 #include "PolygonRegions_p.h"
 #include "PolygonRings_p.h"
 #include "Scratch_p.h"
@@ -27,21 +28,6 @@ using trammel_detail::RegionOf;
 using trammel_detail::Scratch;
 using trammel_detail::WindingRegion;
 
-/// Rounding moves points of a result by less, in work units.
-double const kRoundings = 0x1p-40;
-/// Points become one, curves become one, and ends move with them: each by some reach.
-double const kReaches = 4.0;
-
-/// Returns the distance that was kept.
-double DistanceKept(FlatOutlines const& flat, double tolerance) {
-    OutlineArcs const& arcs = flat.arcs;
-    double kept = kRoundings + 4.0 * arcs.Frame().Spacing();
-    if (flat.parts) {
-        kept += kReaches * arcs.Reach() + flat.parts->GreatestHeight();
-    }
-    return std::max(tolerance > 0.0 ? tolerance : 0.0, arcs.Frame().LengthFromWork(kept));
-}
-
 /// Sets `out` to what lift() makes of the polygons. Returns the distance that was kept.
 template <class Lift>
 double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
@@ -57,7 +43,7 @@ double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
             lift(flat, &scratch, path, sources != nullptr ? &found : nullptr);
             return 0;
         });
-        kept = DistanceKept(flat, tolerance);
+        kept = std::max(kept, flat.DistanceKept());
     }
     out = std::move(path);
     if (sources != nullptr) {
@@ -105,14 +91,26 @@ double Union(std::vector<CPath> const& outlines, FillRule rule, double tolerance
         throw std::bad_alloc();
     }
     auto const count = static_cast<std::uint32_t>(outlines.size());
+    bool const evenOdd = rule == FillRule::kEvenOdd;
     OutlineArcs arcs;
     for (std::uint32_t i = 0; i < count; ++i) {
         arcs.Add(outlines[i], i);
     }
+    CPath path;
+    std::vector<ElementSource> found;
+    double kept = tolerance > 0.0 ? tolerance : 0.0;
+    if (trammel_detail::UniteInStages(arcs, count, evenOdd, kept, path,
+                                      sources != nullptr ? &found : nullptr)) {
+        out = std::move(path);
+        if (sources != nullptr) {
+            sources->swap(found);
+        }
+        return kept;
+    }
     return Operate(arcs, tolerance, out, sources, [&](FlatOutlines const& flat, Scratch* scratch) {
         BooleanOperand all(scratch);
         flat.AddAll(all);
-        return trammel_detail::UniteByWinding(all, count, rule == FillRule::kEvenOdd, scratch,
+        return trammel_detail::UniteByWinding(all, count, evenOdd, scratch,
                                               trammel_detail::Origins::kKept);
     });
 }

@@ -28,14 +28,10 @@ constexpr trammel::FillRule kAnyRule = trammel::FillRule::kNonZero;
 /// The error to flatten lines with, of which all values do the same.
 constexpr double kNoError = 1.0;
 
-/// So many outlines are united at once. Where they lie over each other, crossings grow with the
-/// square of this number. The next round no longer meets crossings inside of united outlines.
-constexpr std::size_t kGroup = 16;
-
 bool IsLines(CPath const& path) { return !path.TestContents(CPath::kContainsCurves); }
 
 /// Returns the region of outlines that have one rule. An outline alone covers what it encloses.
-Region UnionOf(std::vector<CPath> outlines, trammel::FillRule rule, double tolerance) {
+Region UnionOf(std::vector<CPath> const& outlines, trammel::FillRule rule, double tolerance) {
     Region region;
     if (std::all_of(outlines.begin(), outlines.end(), IsLines)) {
         std::vector<std::vector<TPolygon<double>>> polygons;
@@ -46,26 +42,7 @@ Region UnionOf(std::vector<CPath> outlines, trammel::FillRule rule, double toler
         region.path = PathOf(trammel::Union(polygons, rule));
         return region;
     }
-    int rounds = 1;
-    for (std::size_t left = outlines.size(); left > kGroup; left = (left + kGroup - 1) / kGroup) {
-        ++rounds;
-    }
-    for (int round = 0; round < rounds; ++round) {
-        std::vector<CPath> united;
-        double distance = 0.0;
-        for (std::size_t i = 0; i < outlines.size(); i += kGroup) {
-            std::size_t const end = std::min(i + kGroup, outlines.size());
-            std::vector<CPath> const group(outlines.begin() + static_cast<std::ptrdiff_t>(i),
-                                           outlines.begin() + static_cast<std::ptrdiff_t>(end));
-            united.emplace_back();
-            distance =
-                std::max(distance, trammel::Union(group, rule, tolerance / rounds, united.back()));
-        }
-        region.distance += distance;
-        outlines = std::move(united);
-        rule = kAnyRule;
-    }
-    region.path = std::move(outlines.front());
+    region.distance = trammel::Union(outlines, rule, tolerance, region.path);
     return region;
 }
 

@@ -182,6 +182,39 @@ Pt At(trammel::PathSegment const& s, double t) {
                        : s.start + (s.end - s.start) * t;
 }
 
+/// Expects that the elements of a result are their sources, or parts of them whose ends are moved
+/// by no more than `kept`, or lines.
+void ExpectSources(CPath const& out, std::vector<ElementSource> const& sources,
+                   std::vector<CPath> const& operands, double kept, std::string const& name) {
+    ASSERT_EQ(out.mCtls.size(), sources.size());
+    std::vector<std::vector<trammel::PathSegment>> segments;
+    for (CPath const& operand : operands) {
+        segments.emplace_back();
+        for (trammel::PathSegment const& s : trammel::Segments(operand)) {
+            segments.back().push_back(s);
+        }
+    }
+    for (trammel::PathSegment const& s : trammel::Segments(out)) {
+        ElementSource const& source = sources[s.element];
+        if (source.operand == ElementSource::kNoSource) {
+            EXPECT_FALSE(s.IsCurve()) << name;
+            continue;
+        }
+        ASSERT_LT(source.operand, segments.size());
+        ASSERT_LT(source.element, segments[source.operand].size());
+        trammel::PathSegment const& whole = segments[source.operand][source.element];
+        EXPECT_EQ(whole.IsCurve(), s.IsCurve());
+        if (source.from == 0.0 && source.to == 1.0 && s.start == whole.start &&
+            s.end == whole.end) {
+            EXPECT_TRUE(s.control1 == whole.control1 && s.control2 == whole.control2);
+        }
+        for (double const t : {0.0, 0.25, 0.5, 1.0}) {
+            Pt const off = At(s, t) - At(whole, source.from + (source.to - source.from) * t);
+            EXPECT_LE(off.Length(), kept) << name;
+        }
+    }
+}
+
 TEST(OutlineOperations, TakeElementsFromOperandsOrPutLinesWhereOutlinesTouch) {
     std::vector<Case> const cases = ReadCases();
     for (std::size_t i = 2; i < cases.size(); i += kStep) {
@@ -189,32 +222,78 @@ TEST(OutlineOperations, TakeElementsFromOperandsOrPutLinesWhereOutlinesTouch) {
         CPath out;
         std::vector<ElementSource> sources;
         double const kept = Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out, &sources);
-        ASSERT_EQ(out.mCtls.size(), sources.size());
-        std::vector<trammel::PathSegment> operands[2];
-        for (trammel::PathSegment const& s : trammel::Segments(c.a)) {
-            operands[0].push_back(s);
-        }
-        for (trammel::PathSegment const& s : trammel::Segments(c.b)) {
-            operands[1].push_back(s);
-        }
-        for (trammel::PathSegment const& s : trammel::Segments(out)) {
-            ElementSource const& source = sources[s.element];
-            if (source.operand == ElementSource::kNoSource) {
-                EXPECT_FALSE(s.IsCurve()) << c.name;
-                continue;
+        ExpectSources(out, sources, {c.a, c.b}, kept, c.name);
+    }
+}
+
+/// Returns a drawing of overlapping outlines, some of which have loops, and copies of them. Those
+/// with loops have points that the two rules tell apart. The last but one stands alone.
+std::vector<CPath> ManyOutlines(std::mt19937& random, int count) {
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
+    std::vector<CPath> outlines;
+    for (int i = 0; i < count; ++i) {
+        if (i % 5 == 4) { // a copy, as it is or moved by less than counts
+            outlines.push_back(outlines[static_cast<std::size_t>(unit(random) * i)]);
+            for (Pt& p : outlines.back().mPts) {
+                p += i % 2 == 0 ? Pt() : Pt(1e-13, -1e-13);
             }
-            ASSERT_LT(source.element, operands[source.operand].size());
-            trammel::PathSegment const& whole = operands[source.operand][source.element];
-            EXPECT_EQ(whole.IsCurve(), s.IsCurve());
-            if (source.from == 0.0 && source.to == 1.0 && s.start == whole.start &&
-                s.end == whole.end) {
-                EXPECT_TRUE(s.control1 == whole.control1 && s.control2 == whole.control2);
-            }
-            for (double const t : {0.0, 0.25, 0.5, 1.0}) {
-                Pt const off = At(s, t) - At(whole, source.from + (source.to - source.from) * t);
-                EXPECT_LE(off.Length(), kept) << c.name;
+            outlines.back().InvalBounds();
+            continue;
+        }
+        Pt const centre(unit(random), unit(random));
+        double const turn = unit(random);
+        int const step = i % 2 + 1; // every second corner of five makes a star
+        std::vector<Pt> corners;
+        for (int k = 0; k < 5; ++k) {
+            double const angle = 1.2566370614359172 * k * step + turn;
+            corners.push_back(centre + Pt(std::cos(angle), std::sin(angle)) * 0.1);
+        }
+        CPath path;
+        path.MoveTo(corners[0]);
+        for (std::size_t k = 1; k < 6; ++k) {
+            Pt const a = corners[k - 1];
+            Pt const b = corners[k % 5];
+            if (i % 3 == 0 && k % 2 == 0) {
+                path.LineTo(b);
+            } else {
+                Pt const out(0.3 * (b.v - a.v), 0.3 * (a.h - b.h));
+                path.CurveTo(a + out, b + out, b);
             }
         }
+        path.ClosePath();
+        outlines.push_back(path);
+    }
+    outlines.insert(outlines.end() - 1, Path("M2 2C3 2 3 3 2 3C1 3 1.5 2.5 2 2Z"));
+    return outlines;
+}
+
+TEST(OutlineOperations, UniteManyOverlappingOutlinesByEitherRule) {
+    constexpr int kCount = 130;
+    std::mt19937 random(31);
+    for (FillRule const rule : {kNonZero, kEvenOdd}) {
+        double const tolerance = rule == kNonZero ? 0.0 : 1e-5;
+        std::vector<CPath> const outlines = ManyOutlines(random, kCount);
+        CPath out;
+        std::vector<ElementSource> sources;
+        double const kept = trammel::Union(outlines, rule, tolerance, out, &sources);
+        EXPECT_LE(kept, std::max(tolerance, 1e-8));
+        ExpectSources(out, sources, outlines, kept, "many");
+        std::vector<OutlineJudge> operands;
+        for (CPath const& outline : outlines) {
+            operands.emplace_back(outline);
+        }
+        auto const holds = [&](Pt const& p) {
+            return std::any_of(operands.begin(), operands.end(),
+                               [&](OutlineJudge const& o) { return o.Holds(p, rule); });
+        };
+        EXPECT_EQ(0, trammel_test::WrongPoints(operands, OutlineJudge(out), std::max(kept, 1e-7),
+                                               3.0, holds));
+        for (trammel::Intersection const& x : trammel::SelfIntersections(out, 1e-11)) {
+            EXPECT_FALSE(x.kind == trammel::IntersectionKind::kCrossing && x.crosses);
+        }
+        std::vector<Pt> const& alone = outlines[kCount - 1].mPts;
+        EXPECT_NE(out.mPts.end(),
+                  std::search(out.mPts.begin(), out.mPts.end(), alone.begin(), alone.end()));
     }
 }
 
