@@ -367,7 +367,7 @@ public:
         std::array<double, 2> foot = mFoot;
         for (int round = 0; round < kMostRounds; ++round) {
             std::array<double, 2> const arms = {{mArm0, mArm1}};
-            double const off = Improve(length);
+            double const off = Improve();
             if (!(off < kEnoughGain * best)) {
                 break;
             }
@@ -407,6 +407,13 @@ private:
         };
         mArm0 = arm(a, Cross(a, b) / 1.5);
         mArm1 = arm(d, Cross(b, d) / 1.5);
+        // The offset goes one way. An arm that went the other way would make a spike at a cusp,
+        // thinner than the tolerance but much longer.
+        double const most = 2.0 * length;
+        mMostArm = mArm0 + mArm1 >= 0.0 ? most : 0.0;
+        mLeastArm = mArm0 + mArm1 <= 0.0 ? -most : 0.0;
+        mArm0 = std::clamp(mArm0, mLeastArm, mMostArm);
+        mArm1 = std::clamp(mArm1, mLeastArm, mMostArm);
     }
     /// True where the curve and what it follows both lie in a triangle so flat that they are no
     /// farther apart than the tolerance. Both are convex, and have the same ends and directions.
@@ -449,7 +456,7 @@ private:
     }
     /// Returns how far the distance is off at two places, and takes a step of Newton's method
     /// toward the right one there. NaN where that fails.
-    double Improve(double length) {
+    double Improve() {
         constexpr double kFailed = std::numeric_limits<double>::quiet_NaN();
         std::array<double, 2> off = {};
         std::array<double, 2> by0 = {};
@@ -489,10 +496,10 @@ private:
         square1 += damping;
         double const determinant = square0 * square1 - both * both;
         if (determinant > 0.0) {
-            mArm0 = std::clamp(mArm0 - (sum * square1 - sum1 * both) / determinant, -2.0 * length,
-                               2.0 * length);
-            mArm1 = std::clamp(mArm1 - (sum1 * square0 - sum * both) / determinant, -2.0 * length,
-                               2.0 * length);
+            mArm0 = std::clamp(mArm0 - (sum * square1 - sum1 * both) / determinant, mLeastArm,
+                               mMostArm);
+            mArm1 = std::clamp(mArm1 - (sum1 * square0 - sum * both) / determinant, mLeastArm,
+                               mMostArm);
         }
         return std::max(std::abs(off[0]), std::abs(off[1]));
     }
@@ -504,6 +511,8 @@ private:
     Pt mEnd;
     double mArm0 = 0.0; ///< from the start to the first control point
     double mArm1 = 0.0; ///< from the second control point to the end
+    double mLeastArm = 0.0;
+    double mMostArm = 0.0;
     std::array<double, 2> mFoot =
         kPlaces; ///< the piece's parameters that are nearest to the places
 };

@@ -20,6 +20,8 @@ using trammel::StrokeJoin;
 
 /// Parameters of arcs are found to so many binary digits.
 constexpr int kParameterBits = 52;
+/// A part of a curve that is halved so often and still turns has a cusp.
+constexpr int kDeepestTurn = 60;
 
 // Shares of the tolerance.
 
@@ -143,6 +145,11 @@ void StrokeContours::AddCurve(Cubic const& curve) {
     for (std::size_t i = 0; i < count;) {
         CurveStretch const first = mStretches[before + i];
         if (first.tiny) {
+            DirectedCubic const whole(local, from, to);
+            NoteTurns(whole.Part(first.from, first.to,
+                                 first.from <= 0.0 ? from : whole.DirectionAt(first.from),
+                                 first.to >= 1.0 ? to : whole.DirectionAt(first.to)),
+                      origin);
             Pt const a = first.from <= 0.0 ? curve[0] : origin + PlaceAt(local, first.from).point;
             Pt const b = first.to >= 1.0 ? curve[3] : origin + PlaceAt(local, first.to).point;
             if (first.from <= 0.0) {
@@ -241,6 +248,7 @@ void StrokeContours::EndOpen() {
         Reverse();
     }
     mOut.Close();
+    AddTurns();
     AddPatches();
 }
 
@@ -255,6 +263,7 @@ void StrokeContours::EndClosed() {
     Side(true);
     mOut.Close();
     Reverse();
+    AddTurns();
     AddPatches();
 }
 
@@ -394,6 +403,63 @@ void StrokeContours::AddPatches() {
 }
 
 // ---- corners and ends
+
+// Both halves of the pen paint while it turns. The sides have what the outer one paints between the
+// directions before and behind, which is not all where the part turns to and fro.
+void StrokeContours::NoteTurns(DirectedCubic const& part, Pt const& origin) {
+    struct Speeds {
+        std::array<Pt, 3> at; // control points of the derivative
+        int depth;
+        bool isLast;
+    };
+    Turn turn = {origin + part.curve[0], part.from, part.from};
+    std::vector<Speeds> open = {{part.speed, 0, true}};
+    while (!open.empty()) {
+        Speeds const s = open.back();
+        open.pop_back();
+        bool const turnsLittle =
+            std::min({Dot(s.at[0], s.at[1]), Dot(s.at[1], s.at[2]), Dot(s.at[0], s.at[2])}) > 0.0;
+        // Before an inflection the pen turns farther than to the direction behind.
+        bool const turnsOneWay = Cross(s.at[0], s.at[1]) * Cross(s.at[1], s.at[2]) >= 0.0;
+        if (!(turnsLittle && turnsOneWay) && s.depth < kDeepestTurn) {
+            Pt const a = (s.at[0] + s.at[1]) * 0.5;
+            Pt const b = (s.at[1] + s.at[2]) * 0.5;
+            Pt const middle = (a + b) * 0.5;
+            open.push_back({{{middle, b, s.at[2]}}, s.depth + 1, s.isLast});
+            open.push_back({{{s.at[0], a, middle}}, s.depth + 1, false});
+            continue;
+        }
+        Pt const next = s.isLast ? part.to : trammel::Normalize(s.at[2]);
+        if (next.Null()) {
+            continue;
+        }
+        bool const goesOn =
+            Dot(turn.from, next) > 0.0 && Cross(turn.from, turn.to) * Cross(turn.to, next) >= 0.0;
+        if (!goesOn) {
+            mTurns.push_back(turn);
+            turn.from = turn.to;
+        }
+        turn.to = next;
+    }
+    mTurns.push_back(turn);
+}
+
+void StrokeContours::AddTurns() {
+    for (Turn const& turn : mTurns) {
+        if (turn.from == turn.to) {
+            continue;
+        }
+        bool const isPositive = Cross(turn.from, turn.to) >= 0.0;
+        Pt const from = NormalOf(isPositive ? turn.from : turn.to);
+        Pt const to = NormalOf(isPositive ? turn.to : turn.from);
+        for (double const half : {1.0, -1.0}) {
+            mOut.LineTo(turn.center);
+            mOut.LineTo(turn.center + from * (half * mPen.radius));
+            AddArc(turn.center, from * half, to * half);
+            mOut.Close();
+        }
+    }
+}
 
 void StrokeContours::AddCorner(Piece const& before, Piece const& behind) {
     Pt const p = behind.start;

@@ -89,6 +89,7 @@ public:
     void Clear() {
         mPieces.clear();
         mStretches.clear();
+        mTurns.clear();
     }
 
     /// Ends the subpath with caps at both ends.
@@ -112,6 +113,13 @@ private:
         bool turnsAfter = false;
     };
 
+    /// A turn of the whole pen by half a turn at most, while it hardly goes forward.
+    struct Turn {
+        TPoint<double> center;
+        TPoint<double> from; ///< the direction before
+        TPoint<double> to;   ///< the direction behind
+    };
+
     void AppendLine(TPoint<double> const& from, TPoint<double> const& to,
                     TPoint<double> const& direction, bool turnsAfter);
     void SmoothCorners(bool closed);
@@ -125,6 +133,8 @@ private:
     void AddSharedArc(TPoint<double> const& center, TPoint<double> const& from,
                       TPoint<double> const& to);
     void AddCap(TPoint<double> const& p, TPoint<double> const& direction, trammel::StrokeCap cap);
+    void NoteTurns(DirectedCubic const& part, TPoint<double> const& origin);
+    void AddTurns();
     void AddPatches();
     bool FoldsAtStart(Piece const& piece) const;
     DirectedCubic PartOfPiece(Piece const& piece, double from, double to) const;
@@ -136,6 +146,7 @@ private:
     ContourList& mOut;
     std::vector<Piece> mPieces;
     std::vector<CurveStretch> mStretches;
+    std::vector<Turn> mTurns; ///< both halves of the pen paint while it turns
     bool mIsReversed = false;
     std::vector<TPoint<double>> const* mShared = nullptr;
     std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece
