@@ -159,7 +159,11 @@ void Remove(MeasuredPath const& measured, double t0, double t1, bool closed, CPa
             CPath& outB) {
     if (t1 < t0) {
         measured.Cut(t1, t0, outA);
-    } else if (closed) {
+        return;
+    }
+    trammel_detail::EndOfPath endA(outA);
+    trammel_detail::EndOfPath endB(outB);
+    if (closed) {
         measured.Cut(0.0, t0, outB);
         measured.Cut(t1, 1.0, outA);
         outA.Append(outB);
@@ -168,6 +172,8 @@ void Remove(MeasuredPath const& measured, double t0, double t1, bool closed, CPa
         measured.Cut(0.0, t0, outA);
         measured.Cut(t1, 1.0, outB);
     }
+    endA.Keep();
+    endB.Keep();
 }
 
 /// True when no place on the segment with these points is as near to `pt` as `limit`, a

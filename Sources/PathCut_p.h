@@ -8,10 +8,50 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "TPoint.h"
+#include "TRect.h"
 
+#include <cstddef>
 #include <type_traits>
 
 namespace trammel_detail {
+
+/// Gives a path back the end that it had, unless Keep is called. An operation that appends step by
+/// step then leaves it as it was when memory runs out between the steps.
+class EndOfPath {
+public:
+    explicit EndOfPath(CPath& path)
+        : mPath(&path), mCodes(path.mCtls.size()), mPoints(path.mPts.size()),
+          mLastCode(mCodes != 0 ? path.mCtls.back() : char{kPathClose}),
+          mLastPt(mPoints != 0 ? path.mPts.back() : TPoint<double>()), mCurrentPt(path.mCurrentPt),
+          mOpen(path.mOpen), mBounds(path.mBounds) {}
+    EndOfPath(EndOfPath const&) = delete;
+    EndOfPath& operator=(EndOfPath const&) = delete;
+    ~EndOfPath() {
+        if (mPath == nullptr) {
+            return;
+        }
+        mPath->mCtls.resize(mCodes); // within what was there, so that nothing throws
+        mPath->mPts.resize(mPoints);
+        if (mCodes != 0 && mPoints != 0) { // a move at the end may have been replaced
+            mPath->mCtls.back() = mLastCode;
+            mPath->mPts.back() = mLastPt;
+        }
+        mPath->mCurrentPt = mCurrentPt;
+        mPath->mOpen = mOpen;
+        mPath->mBounds = mBounds;
+    }
+    void Keep() { mPath = nullptr; }
+
+private:
+    CPath* mPath;
+    std::size_t mCodes;
+    std::size_t mPoints;
+    char mLastCode;
+    TPoint<double> mLastPt;
+    TPoint<double> mCurrentPt;
+    bool mOpen;
+    TRect<double> mBounds;
+};
 
 /// The segments of a measured outline, one after the other: what CutRange reads.
 class MeasuredSegments {
@@ -42,13 +82,15 @@ protected:
 };
 
 /// Appends the piece between two lengths to `out`, which must not be the path that is cut. The
-/// lengths count from the outline's start, in coordinate units. See CPath::GetTRange.
+/// lengths count from the outline's start, in coordinate units. See CPath::GetTRange. Without
+/// memory it throws std::bad_alloc and leaves `out` as it was.
 ///
 /// `segments` may begin anywhere before the first segment that ends behind `startLength`. Its class
 /// is a template's parameter and final, so that the compiler calls its functions directly.
 template <class Segments>
 void CutRange(Segments segments, double startLength, double endLength, CPath& out) {
     static_assert(std::is_base_of_v<MeasuredSegments, Segments> && std::is_final_v<Segments>);
+    EndOfPath end(out);
     out.MoveTo(segments.PtAtLength(startLength));
     bool done = false;
     while (!done && segments.Next()) {
@@ -76,6 +118,7 @@ void CutRange(Segments segments, double startLength, double endLength, CPath& ou
             out.CurveTo(piece.P1, piece.P2, piece.P3);
         }
     }
+    end.Keep();
 }
 
 } // namespace trammel_detail

@@ -169,11 +169,13 @@ public:
     /// `table` is the table that BuildLTable made of the current vertices: the call then costs
     /// O(log n). With null the call builds the table itself, in O(n). Fractions below 0.0001 in
     /// magnitude give vertex 0, NaN gives NaN. A table shorter than the vertices is searched as far
-    /// as it reaches; with fewer than two entries the answer is vertex 0. Asserts a vertex.
+    /// as it reaches; with fewer than two entries the answer is vertex 0. Asserts a vertex. Throws
+    /// std::bad_alloc when memory is short and `table` null.
     TPoint<T> TPt(double t, std::vector<double>* table) const;
     /// Returns the point at `distance` along the open chain from its start or, with `fromStart`
     /// false, from its end. The distance is divided by Length(), closing edge included, and the
-    /// fraction is taken of the open chain. Asserts a vertex. O(n).
+    /// fraction is taken of the open chain. Asserts a vertex. Throws std::bad_alloc when memory is
+    /// short. O(n).
     TPoint<T> CalcPtFromEnd(double distance, bool fromStart) const;
     /// Returns the pieces of the segment `line` that lie inside the polygon. They are sorted by h
     /// where the line is nearer to horizontal, or else by v.

@@ -97,6 +97,7 @@ void FindFPolyBBox(CFPolygonRef p) {
 std::string PolyDescription(CFPolygonRef p) {
     std::stringstream text;
     text.imbue(std::locale::classic());
+    text.exceptions(std::ios::badbit); // without it a stream swallows std::bad_alloc
     for (long i = 0; i <= p.LastIndex(); ++i) {
         TPoint<double> const pt = p.PolyPoints(i);
         text << pt.h << ", " << pt.v << '\n';

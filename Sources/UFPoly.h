@@ -58,7 +58,7 @@ TRAMMEL_API long LastPolyIndex(MacPolygon** qd);
 /// Drops the caches of `p`, the drawing path too, and computes the bounds anew.
 TRAMMEL_API void FindFPolyBBox(CFPolygonRef p);
 /// Returns the points as text, one line "h, v" for each with six significant digits, the same in
-/// every locale; empty without points.
+/// every locale; empty without points. Throws std::bad_alloc when memory is short.
 TRAMMEL_API std::string PolyDescription(CFPolygonRef p);
 
 // Change

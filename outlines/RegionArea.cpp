@@ -14,6 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -99,11 +100,11 @@ struct Piece {
         pieces.push_back(Curve(m, e, c, p[3]));
     }
     /// Appends the vertices of chords that take the piece's place, without the last one.
-    void AppendChords(TPolygon<double>& ring) const;
+    void AppendChords(std::vector<Pt>& ring) const;
 };
 
-void Piece::AppendChords(TPolygon<double>& ring) const {
-    ring.Append(p[0], true);
+void Piece::AppendChords(std::vector<Pt>& ring) const {
+    ring.push_back(p[0]);
     if (isLine || !isConvex) {
         return;
     }
@@ -122,8 +123,8 @@ void Piece::AppendChords(TPolygon<double>& ring) const {
         return; // the piece is straight
     }
     double const s = std::min(2.0 * twice / (outer + root), 1.0);
-    ring.Append(p[0] + a * s, true);
-    ring.Append(p[3] + (p[2] - p[3]) * s, true);
+    ring.push_back(p[0] + a * s);
+    ring.push_back(p[3] + (p[2] - p[3]) * s);
 }
 
 /// True when one side of a piece's control polygon has the piece on one side of it, and another
@@ -300,7 +301,7 @@ public:
     /// Halves pieces until the hulls that others reach into have no more area than `limit`, or
     /// there are too many pieces. Returns that area.
     double Divide(double limit);
-    /// Returns the outline with chords in place of the pieces.
+    /// Returns the outline with chords in place of the pieces. Throws std::bad_alloc.
     std::vector<TPolygon<double>> Chords() const;
 
 private:
@@ -411,11 +412,18 @@ double Outline::Divide(double limit) {
 }
 
 std::vector<TPolygon<double>> Outline::Chords() const {
-    std::vector<TPolygon<double>> rings(mEnds.size());
+    std::vector<TPolygon<double>> rings;
+    rings.reserve(mEnds.size());
+    std::vector<Pt> ring;
     std::size_t i = 0;
-    for (std::size_t contour = 0; contour < mEnds.size(); ++contour) {
-        for (; i < mEnds[contour]; ++i) {
-            mPieces[i].AppendChords(rings[contour]);
+    for (std::size_t const end : mEnds) {
+        ring.clear();
+        for (; i < end; ++i) {
+            mPieces[i].AppendChords(ring);
+        }
+        rings.emplace_back(ring);
+        if (rings.back().LastIndex() + 1 != static_cast<long>(ring.size())) {
+            throw std::bad_alloc(); // a polygon does not say that its memory is short
         }
     }
     return rings;

@@ -32,6 +32,16 @@ std::atomic<long> gNewLeft{0};
 std::atomic<std::size_t> gLargest{0};
 std::atomic<bool> gMallocIsShort{false};
 std::atomic<long> gMallocLeft{0};
+std::atomic<long> gMallocFailures{0};
+std::atomic<bool> gMallocRefused{false};
+std::atomic<long> gLive{0};
+
+/// Counts a block of operator new where malloc cannot.
+void CountLive(void const* block, long change) noexcept {
+    if (TRAMMEL_TEST_OWN_MALLOC == 0 && block != nullptr) {
+        gLive += change;
+    }
+}
 
 void* AllocateOrNull(std::size_t size) noexcept {
     ++gCount;
@@ -39,7 +49,14 @@ void* AllocateOrNull(std::size_t size) noexcept {
     if (gNewIsShort && (size > gLargest || --gNewLeft < 0)) {
         return nullptr;
     }
-    return std::malloc(size != 0 ? size : 1);
+    void* const block = std::malloc(size != 0 ? size : 1);
+    CountLive(block, 1);
+    return block;
+}
+
+void Release(void* block) noexcept {
+    CountLive(block, -1);
+    std::free(block);
 }
 
 } // namespace
@@ -59,23 +76,60 @@ void* AllocateOrNull(std::size_t size) noexcept {
 [[gnu::noinline]] void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
     return AllocateOrNull(size);
 }
-[[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete[](void* block) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete(void* block) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete[](void* block) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { Release(block); }
+[[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { Release(block); }
 [[gnu::noinline]] void operator delete(void* block, std::nothrow_t const&) noexcept {
-    std::free(block);
+    Release(block);
 }
 [[gnu::noinline]] void operator delete[](void* block, std::nothrow_t const&) noexcept {
-    std::free(block);
+    Release(block);
 }
 
 #if TRAMMEL_TEST_OWN_MALLOC
 
-extern "C" void* __libc_malloc(std::size_t size); // NOLINT: GNU's own name for its malloc
+extern "C" {
 
-extern "C" void* malloc(std::size_t size) noexcept { // NOLINT: replaces the C library's
-    return gMallocIsShort && --gMallocLeft < 0 ? nullptr : __libc_malloc(size);
+// GNU's own names for its functions
+void* __libc_malloc(std::size_t size);               // NOLINT
+void* __libc_calloc(std::size_t n, std::size_t s);   // NOLINT
+void* __libc_realloc(void* block, std::size_t size); // NOLINT
+void __libc_free(void* block);                       // NOLINT
+
+/// True when this request must fail.
+static bool Refuses() noexcept {
+    if (!gMallocIsShort || --gMallocLeft >= 0 || --gMallocFailures < 0) {
+        return false;
+    }
+    gMallocRefused = true;
+    return true;
+}
+
+static void* Counted(void* block) noexcept {
+    gLive += block != nullptr ? 1 : 0;
+    return block;
+}
+
+void* malloc(std::size_t size) noexcept { // NOLINT: these replace the C library's
+    return Refuses() ? nullptr : Counted(__libc_malloc(size));
+}
+void* calloc(std::size_t n, std::size_t size) noexcept { // NOLINT
+    return Refuses() ? nullptr : Counted(__libc_calloc(n, size));
+}
+void* realloc(void* block, std::size_t size) noexcept { // NOLINT
+    if (Refuses()) {
+        return nullptr;
+    }
+    void* const moved = __libc_realloc(block, size);
+    gLive += (moved != nullptr && block == nullptr) ? 1 : 0;
+    gLive -= (moved == nullptr && block != nullptr && size == 0) ? 1 : 0;
+    return moved;
+}
+void free(void* block) noexcept { // NOLINT
+    gLive -= block != nullptr ? 1 : 0;
+    __libc_free(block);
+}
 }
 
 #endif
@@ -98,11 +152,17 @@ long ShortMemory::Left() { return gNewLeft; }
 
 bool ShortMalloc::Works() { return TRAMMEL_TEST_OWN_MALLOC != 0; }
 
-ShortMalloc::ShortMalloc(long calls) {
+ShortMalloc::ShortMalloc(long calls, long failures) {
     gMallocLeft = calls;
+    gMallocFailures = failures;
+    gMallocRefused = false;
     gMallocIsShort = true;
 }
 
 ShortMalloc::~ShortMalloc() { gMallocIsShort = false; }
+
+bool ShortMalloc::Refused() { return gMallocRefused; }
+
+long LiveBlockCount() { return gLive; }
 
 } // namespace trammel_test

@@ -9,6 +9,7 @@
 #define TRAMMEL_SHORTMEMORY_H
 
 #include <cstddef>
+#include <limits>
 
 namespace trammel_test {
 
@@ -30,19 +31,27 @@ public:
     static long Left();
 };
 
-/// While it lives, malloc grants `calls` more requests and fails from there on; operator new needs
-/// malloc. There is one at a time.
+/// While it lives, malloc, calloc and realloc grant `calls` more requests. They refuse the
+/// `failures` requests that follow, all if nothing is said. operator new needs malloc. There is one
+/// at a time.
 class ShortMalloc {
 public:
     /// False where malloc belongs to a sanitizer or to another C library than GNU's. Then nothing
     /// runs out.
     static bool Works();
 
-    explicit ShortMalloc(long calls);
+    explicit ShortMalloc(long calls, long failures = std::numeric_limits<long>::max());
     ~ShortMalloc();
     ShortMalloc(ShortMalloc const&) = delete;
     ShortMalloc& operator=(ShortMalloc const&) = delete;
+
+    /// True after a refusal, and until the next one is made.
+    static bool Refused();
 };
+
+/// How many blocks of operator new and malloc the program holds. Only those of operator new where
+/// ShortMalloc does not work.
+long LiveBlockCount();
 
 } // namespace trammel_test
 
