@@ -268,7 +268,13 @@ WindingResult UniteByWinding(BooleanOperand const& operands, std::uint32_t owner
         operands.AppendOwnedLines(all, grid, lines);
     }
     grid.FinishAdding();
-    return {UniteInStages(std::move(lines), owners, evenOdd, grid), std::move(grid)};
+    std::size_t const given = operands.GivenCount();
+    bool const complete = lines.points.size() == given;
+    CutTally cut;
+    RegionContours resolved = UniteInStages(std::move(lines), owners, evenOdd, grid, cut);
+    bool const unchanged = complete && owners == 1 && !cut.meet && cut.vertices == given &&
+                           resolved.contours.points.size() == given;
+    return {std::move(resolved), std::move(grid), unchanged};
 }
 
 } // namespace trammel_detail

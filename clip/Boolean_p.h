@@ -129,6 +129,9 @@ BooleanResult Combine(BooleanOperand& first, BooleanOperand& second, RegionOf co
 struct WindingResult {
     RegionContours resolved;
     ClipGrid grid;
+    /// True for the union of one operand whose contours are the result as they are. No edge was cut
+    /// then, and none was left out.
+    bool unchanged = false;
 };
 
 /// Returns the contours of a region by winding numbers. The owners of the contours are the numbers

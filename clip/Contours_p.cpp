@@ -53,10 +53,12 @@ RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid cons
 }
 
 RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid,
-                          std::size_t* cutCount) {
+                          CutTally* tally) {
     CutLines const cut(std::move(lines), grid, Recheck::kWhereNeeded);
-    if (cutCount != nullptr) {
-        *cutCount += cut.lines.points.size();
+    if (tally != nullptr) {
+        tally->vertices += cut.lines.points.size();
+        tally->meet = tally->meet || std::any_of(cut.incidences.begin(), cut.incidences.end(),
+                                                 [](Incidence i) { return i != kSingle; });
     }
     return LinkContours(cut.lines, cut.tree, cut.incidences, region);
 }

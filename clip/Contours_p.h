@@ -32,10 +32,16 @@ struct CutLines {
 /// Cost: see CutAtCrossings() and LinkContours().
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck = Recheck::kWhereNeeded);
+/// What there is after the cutting.
+struct CutTally {
+    std::size_t vertices = 0;
+    bool meet = false; ///< whether a vertex lies on another one, or edges met there
+};
+
 /// Returns the contours of a region by the winding numbers of operands, which are those of the
-/// lines' owners. Adds the number of vertices after the cutting to `*cutCount` unless it is null.
+/// lines' owners. Adds to `*tally` unless it is null.
 RegionContours ContoursOf(GridLines lines, WindingRegion const& region, ClipGrid const& grid,
-                          std::size_t* cutCount = nullptr);
+                          CutTally* tally = nullptr);
 
 } // namespace trammel_detail
 

@@ -65,10 +65,9 @@ Parts PartsOf(GridLines const& lines) {
     return parts;
 }
 
-/// Returns the contours of the union of the parts from `begin` to `end`. Adds the number of
-/// vertices after the cutting to `cut`.
+/// Returns the contours of the union of the parts from `begin` to `end`. Adds to `cut`.
 RegionContours UnionOf(Parts const& parts, std::size_t begin, std::size_t end, WindingRule rule,
-                       ClipGrid const& grid, Scratch* scratch, std::size_t& cut) {
+                       ClipGrid const& grid, Scratch* scratch, CutTally& cut) {
     WindingRegion region(kFirstGroup, scratch);
     region.rules.assign(end - begin, rule);
     GridLines lines(scratch);
@@ -90,7 +89,7 @@ public:
     /// gives and the union does not keep are many beside the vertices that come in.
     bool TrySome() {
         std::size_t before = 0;
-        std::size_t cut = 0;
+        CutTally cut;
         std::size_t after = 0;
         for (std::size_t i = 0; i < mGroups.size(); i += kSampled) {
             Unite(i, cut);
@@ -98,13 +97,14 @@ public:
             std::size_t const last = mParts.ends[End(i) - 1] - 1;
             before += mParts.lines.End(last) - mParts.lines.Begin(mParts.Begin(i * kFan));
         }
-        return static_cast<double>(cut - after) > kWorthwhile * static_cast<double>(before);
+        return static_cast<double>(cut.vertices - after) >
+               kWorthwhile * static_cast<double>(before);
     }
     /// Unites the other groups, and returns one part for each.
     Parts Finish() {
         Parts united;
         for (std::size_t i = 0; i < mGroups.size(); ++i) {
-            std::size_t cut = 0;
+            CutTally cut;
             if (i % kSampled != 0) {
                 Unite(i, cut);
             }
@@ -123,8 +123,8 @@ private:
     std::size_t End(std::size_t group) const {
         return std::min(group * kFan + kFan, mParts.Count());
     }
-    /// Adds the number of vertices after the cutting to `cut`.
-    void Unite(std::size_t group, std::size_t& cut);
+    /// Adds what there is after the cutting to `cut`.
+    void Unite(std::size_t group, CutTally& cut);
 
     Parts const& mParts;
     WindingRule mRule;
@@ -132,7 +132,7 @@ private:
     std::vector<GridLines> mGroups; // the contours of each group's union
 };
 
-void Stage::Unite(std::size_t group, std::size_t& cut) {
+void Stage::Unite(std::size_t group, CutTally& cut) {
     Scratch scratch;
     RegionContours const united =
         UnionOf(mParts, group * kFan, End(group), mRule, mGrid, &scratch, cut);
@@ -145,13 +145,13 @@ void Stage::Unite(std::size_t group, std::size_t& cut) {
 } // namespace
 
 RegionContours UniteInStages(GridLines lines, std::uint32_t owners, bool evenOdd,
-                             ClipGrid const& grid) {
+                             ClipGrid const& grid, CutTally& cut) {
     WindingRule rule{evenOdd, 0};
     if (owners <= kFewParts) {
         Scratch* const scratch = lines.points.get_allocator().GetScratch();
         WindingRegion region(kFirstGroup, scratch);
         region.rules.assign(owners, rule);
-        return ContoursOf(std::move(lines), region, grid);
+        return ContoursOf(std::move(lines), region, grid, &cut);
     }
     Parts parts = PartsOf(lines);
     lines = GridLines();
@@ -163,7 +163,6 @@ RegionContours UniteInStages(GridLines lines, std::uint32_t owners, bool evenOdd
         parts = stage.Finish();
         rule.evenOdd = false;
     }
-    std::size_t cut = 0;
     return UnionOf(parts, 0, parts.Count(), rule, grid, nullptr, cut);
 }
 

@@ -5,6 +5,7 @@
 #ifndef TRAMMEL_STAGES_P_H
 #define TRAMMEL_STAGES_P_H
 
+#include "Contours_p.h"
 #include "Grid_p.h"
 #include "Lines_p.h"
 #include "Linker_p.h"
@@ -22,8 +23,9 @@ namespace trammel_detail {
 ///
 /// Cost: as ContoursOf(), but with the crossings that the stages meet. There are at most
 /// log8(owners) stages.
+/// \param cut  gets what there is after the last stage is cut
 RegionContours UniteInStages(GridLines lines, std::uint32_t owners, bool evenOdd,
-                             ClipGrid const& grid);
+                             ClipGrid const& grid, CutTally& cut);
 
 } // namespace trammel_detail
 

@@ -189,6 +189,8 @@ public:
     /// True when there is a curve. Else there are no arcs, and the elements stand for themselves.
     bool HasCurves() const { return mHasCurves; }
 
+    /// True when the elements are those of the operands.
+    bool IsWhole() const { return mWhole == nullptr; }
     /// Returns the elements of the operands.
     std::vector<OutlineElement> const& Wholes() const {
         return mWhole != nullptr ? mWhole->elements : elements;

@@ -23,6 +23,8 @@ double const kReaches = 4.0;
 
 } // namespace
 
+double WorkDistanceOfLines(WorkFrame const& frame) { return kRoundings + 4.0 * frame.Spacing(); }
+
 FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
     // Edges and points go by the same numbers, so an open line has another edge at its end.
     auto const finish = [&](UseContour const& contour, Pt const& end) {
@@ -90,7 +92,7 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
 }
 
 double FlatOutlines::DistanceKept() const {
-    double kept = kRoundings + 4.0 * arcs.Frame().Spacing();
+    double kept = WorkDistanceOfLines(arcs.Frame());
     if (parts) {
         kept += kReaches * arcs.Reach() + parts->GreatestHeight();
     }
@@ -186,6 +188,9 @@ private:
     }
     /// True when an edge of the result runs against the operand.
     bool IsAgainst(Origin origin) const {
+        if (mFlat.arcs.IsWhole()) {
+            return IsReversed(origin);
+        }
         ElementStretch const whole = WholeOf(EdgeOf(origin));
         return IsReversed(origin) != (whole.from > whole.to);
     }
@@ -530,6 +535,9 @@ void Lift::Write(Contour const& contour, bool backwards) {
 
 /// True when the operands have an edge before another one.
 bool Lift::ComesBefore(std::size_t edge, std::size_t other) const {
+    if (mFlat.arcs.IsWhole()) {
+        return edge < other;
+    }
     ElementStretch const a = WholeOf(edge);
     ElementStretch const b = WholeOf(other);
     double const lowA = std::min(a.from, a.to);

@@ -59,6 +59,9 @@ public:
     std::vector<std::size_t> ends;       ///< of the points of each contour
 };
 
+/// Returns a distance, in work units, that regions of outlines without curves keep.
+double WorkDistanceOfLines(WorkFrame const& frame);
+
 /// Makes curves of a result again. `path` gets its contours. `sources` gets an entry for each of
 /// their elements unless it is null.
 void LiftResult(WindingResult const& result, FlatOutlines const& flat, CPath& path,

@@ -2,11 +2,13 @@
 
 #include "OutlineOperations.h"
 
+#include "Box_p.h"
 #include "Faces_p.h"
 #include "OpenLines_p.h"
 #include "OutlineArcs_p.h"
 #include "OutlineLift_p.h"
 #include "OutlineStages_p.h"
+#include "PointMath_p.h"
 #include "PolygonRegions_p.h"
 #include "PolygonRings_p.h"
 #include "Scratch_p.h"
@@ -21,12 +23,15 @@ namespace trammel {
 
 namespace {
 
+typedef TPoint<double> Pt;
 using trammel_detail::BooleanOperand;
+using trammel_detail::Box;
 using trammel_detail::FlatOutlines;
 using trammel_detail::OutlineArcs;
 using trammel_detail::RegionOf;
 using trammel_detail::Scratch;
 using trammel_detail::WindingRegion;
+using trammel_detail::WorkFrame;
 
 /// Sets `out` to what lift() makes of the polygons. Returns the distance that was kept.
 template <class Lift>
@@ -61,6 +66,32 @@ double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<Elem
                          std::vector<ElementSource>* found) {
                          trammel_detail::LiftResult(combine(flat, scratch), flat, path, found);
                      });
+}
+
+/// Adds the subpaths of an outline to the engine as they are, and their points to `bounds`. False
+/// unless they are rings of lines with finite points, each with a move and a close of its own.
+/// Their edges have the numbers that FlatOutlines gives them.
+bool AddRings(CPath const& outline, BooleanOperand& rings, Box<double>& bounds) {
+    std::vector<Pt> const& points = outline.mPts;
+    std::size_t begin = 0;
+    std::size_t end = 0; // of the ring that is open
+    for (char const code : outline.mCtls) {
+        bool const first = begin == end;
+        if (code == kPathClose) {
+            if (end < begin + 3 || points[begin] == points[end - 1]) {
+                return false;
+            }
+            rings.Add(&points[begin].v, end - begin);
+            begin = end;
+        } else if (code == (first ? kPathMove : kPathLine) && end < points.size() &&
+                   trammel_detail::IsFinite(points[end])) {
+            bounds.Include(points[end].h, points[end].v);
+            ++end;
+        } else {
+            return false;
+        }
+    }
+    return begin == end && end == points.size() && end > 0;
 }
 
 } // namespace
@@ -117,13 +148,37 @@ double Union(std::vector<CPath> const& outlines, FillRule rule, double tolerance
 
 double RemoveOverlap(CPath const& outline, FillRule rule, double tolerance, CPath& out,
                      std::vector<ElementSource>* sources) {
+    auto const unite = [&](BooleanOperand const& all, Scratch* scratch) {
+        return trammel_detail::UniteByWinding(all, 1, rule == FillRule::kEvenOdd, scratch,
+                                              trammel_detail::Origins::kKept);
+    };
     OutlineArcs arcs;
+    Scratch ringScratch;
+    BooleanOperand rings(&ringScratch);
+    Box<double> bounds;
+    if (AddRings(outline, rings, bounds)) {
+        trammel_detail::WindingResult const result =
+            trammel_detail::Try([&] { return unite(rings, &ringScratch); });
+        // By the even-odd rule, holes may run as the contours around them do.
+        bool const runsRight = rule == FillRule::kNonZero || rings.Count() == 1;
+        if (result.unchanged && runsRight && sources == nullptr) {
+            out = outline;
+            WorkFrame const frame(bounds);
+            return std::max(tolerance > 0.0 ? tolerance : 0.0,
+                            frame.LengthFromWork(trammel_detail::WorkDistanceOfLines(frame)));
+        }
+        arcs.Add(outline, 0);
+        return OperateOn(arcs, tolerance, out, sources,
+                         [&](FlatOutlines const& flat, Scratch*, CPath& path,
+                             std::vector<ElementSource>* found) {
+                             trammel_detail::LiftResult(result, flat, path, found);
+                         });
+    }
     arcs.Add(outline, 0);
     return Operate(arcs, tolerance, out, sources, [&](FlatOutlines const& flat, Scratch* scratch) {
         BooleanOperand all(scratch);
         flat.AddAll(all);
-        return trammel_detail::UniteByWinding(all, 1, rule == FillRule::kEvenOdd, scratch,
-                                              trammel_detail::Origins::kKept);
+        return unite(all, scratch);
     });
 }
 

@@ -55,14 +55,15 @@ bool IsDrawn(Subpath const& subpath) {
 double SizeOf(CPath const& path) {
     double size = 0.0;
     for (Subpath const& subpath : Subpaths(path)) {
-        if (!IsDrawn(subpath)) {
-            continue;
-        }
+        double here = 0.0;
+        bool drawn = true;
         for (PathSegment const& s : subpath) {
+            drawn = drawn && HasFinitePoints(s);
             for (Pt const& p : {s.start, s.control1, s.control2, s.end}) {
-                size = std::max({size, std::abs(p.h), std::abs(p.v)});
+                here = std::max({here, std::abs(p.h), std::abs(p.v)});
             }
         }
+        size = drawn ? std::max(size, here) : size;
     }
     return size;
 }
@@ -111,6 +112,12 @@ std::vector<Pt> SharedPoints(CPath const& path, double scale) {
         }
     }
     return shared;
+}
+
+/// True when the pen can turn round at a point.
+bool MayHaveArcs(CPath const& path, StrokePen const& pen) {
+    return pen.join == StrokeJoin::kRound || pen.startCap == StrokeCap::kRound ||
+           pen.endCap == StrokeCap::kRound || path.TestContents(CPath::kContainsCurves);
 }
 
 bool EndsAtStart(Subpath const& subpath) {
@@ -212,7 +219,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     pen.tolerance = kept * scale;
     ContourList list(out, 1.0 / scale);
     StrokeContours contours(pen, list);
-    std::vector<Pt> const shared = SharedPoints(path, scale);
+    std::vector<Pt> const shared =
+        MayHaveArcs(path, pen) ? SharedPoints(path, scale) : std::vector<Pt>();
     contours.SetSharedPoints(shared);
     DashPattern const pattern(style.dashes, style.dashOffset);
 
