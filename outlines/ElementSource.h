@@ -17,7 +17,8 @@ struct ElementSource {
     /// move, for a close that draws nothing, and for a line put in at a contact.
     std::size_t operand = kNoSource;
     /// The number of the segment in the operand, in the order of PathSegments.h. It is kNoSource
-    /// for the line that closes an open subpath.
+    /// for the line that closes an open subpath. A close in a subpath without a move stands for the
+    /// line back to where the subpath begins.
     std::size_t element = kNoSource;
     double from = 0.0; ///< the parameters on that segment, from 0 to 1
     double to = 0.0;   ///< less than `from` where the element runs the other way

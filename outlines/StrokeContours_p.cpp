@@ -22,6 +22,8 @@ using trammel::StrokeJoin;
 constexpr int kParameterBits = 52;
 /// A part of a curve that is halved so often and still turns has a cusp.
 constexpr int kDeepestTurn = 60;
+/// At two inflections and a cusp it is halved so often.
+constexpr int kMostTurnParts = 8 * kDeepestTurn;
 
 // Shares of the tolerance.
 
@@ -413,15 +415,29 @@ void StrokeContours::NoteTurns(DirectedCubic const& part, Pt const& origin) {
         bool isLast;
     };
     Turn turn = {origin + part.curve[0], part.from, part.from};
-    std::vector<Speeds> open = {{part.speed, 0, true}};
-    while (!open.empty()) {
+    // The tiniest numbers have no products.
+    double greatest = 0.0;
+    for (Pt const& p : part.speed) {
+        greatest = std::max({greatest, std::abs(p.h), std::abs(p.v)});
+    }
+    if (!(greatest > 0.0)) {
+        mTurns.push_back({turn.center, part.from, part.to});
+        return;
+    }
+    int const exponent = -std::ilogb(greatest);
+    Speeds whole = {part.speed, 0, true};
+    for (Pt& p : whole.at) {
+        p = Pt(std::scalbn(p.h, exponent), std::scalbn(p.v, exponent));
+    }
+    std::vector<Speeds> open = {whole};
+    for (int parts = 0; !open.empty(); ++parts) {
         Speeds const s = open.back();
         open.pop_back();
         bool const turnsLittle =
             std::min({Dot(s.at[0], s.at[1]), Dot(s.at[1], s.at[2]), Dot(s.at[0], s.at[2])}) > 0.0;
         // Before an inflection the pen turns farther than to the direction behind.
         bool const turnsOneWay = Cross(s.at[0], s.at[1]) * Cross(s.at[1], s.at[2]) >= 0.0;
-        if (!(turnsLittle && turnsOneWay) && s.depth < kDeepestTurn) {
+        if (!(turnsLittle && turnsOneWay) && s.depth < kDeepestTurn && parts < kMostTurnParts) {
             Pt const a = (s.at[0] + s.at[1]) * 0.5;
             Pt const b = (s.at[1] + s.at[2]) * 0.5;
             Pt const middle = (a + b) * 0.5;

@@ -533,6 +533,16 @@ TEST(Offset, JoinsTheCornersOfASquare) {
     }
 }
 
+TEST(Offset, OfARegionThatIsTinyBesideTheDistanceIsADisc) {
+    CPath const region = Path("M0 0C1 3 2 -3 1 0Z");
+    for (double const distance : {1e20, 1e160, 1e273}) {
+        CPath out;
+        Offset(region, FillRule::kNonZero, distance, StrokeJoin::kRound, 4.0, 1e-5 * distance, out);
+        EXPECT_EQ(WindingNumber(out, Pt(0.0, 0.999 * distance)), 1) << distance;
+        EXPECT_EQ(WindingNumber(out, Pt(0.0, 1.001 * distance)), 0) << distance;
+    }
+}
+
 TEST(Offset, GrowsIntoHolesAndShrinksAroundThem) {
     std::string const ring = "M0 0 L20 0 L20 20 L0 20 Z M5 5 L15 5 L15 15 L5 15 Z";
     CPath out;
