@@ -14,7 +14,21 @@ namespace tool {
 namespace {
 
 /// The kinds of values that are told apart.
-enum class Syntax { kDisplay, kVisibility, kRule, kClipPath, kLength, kPath, kAny };
+enum class Syntax {
+    kDisplay,
+    kVisibility,
+    kRule,
+    kClipPath,
+    kLength,
+    kPath,
+    kWidth,
+    kJoin,
+    kCap,
+    kNumber,
+    kDashes,
+    kOffset,
+    kAny
+};
 
 struct Entry {
     char const* name;
@@ -26,6 +40,16 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"visibility", Syntax::kVisibility},
                                                  {"fill", Syntax::kAny},
                                                  {"stroke", Syntax::kAny},
+                                                 {"stroke-width", Syntax::kWidth},
+                                                 {"stroke-linejoin", Syntax::kJoin},
+                                                 {"stroke-linecap", Syntax::kCap},
+                                                 {"stroke-miterlimit", Syntax::kNumber},
+                                                 {"stroke-dasharray", Syntax::kDashes},
+                                                 {"stroke-dashoffset", Syntax::kOffset},
+                                                 {"stroke-opacity", Syntax::kAny},
+                                                 {"fill-opacity", Syntax::kAny},
+                                                 {"paint-order", Syntax::kAny},
+                                                 {"vector-effect", Syntax::kAny},
                                                  {"color", Syntax::kAny},
                                                  {"fill-rule", Syntax::kRule},
                                                  {"clip-rule", Syntax::kRule},
@@ -89,6 +113,36 @@ bool IsCssLength(std::string_view value) {
     }
 }
 
+/// True for a length of a line's style, which may do without a unit, or for a sum.
+bool IsPenLength(std::string_view value, bool maybeNegative) {
+    if (value.substr(0, 5) == "calc(") {
+        return true; // sums are read with the element
+    }
+    try {
+        double const number = ParseLength(value).number;
+        return maybeNegative || number >= 0.0;
+    } catch (TextError const&) {
+        return false;
+    }
+}
+
+bool IsDashes(std::string_view value) {
+    std::vector<Length> const lengths = ParseLengths(value);
+    return value == "none" ||
+           (!lengths.empty() && std::all_of(lengths.begin(), lengths.end(),
+                                            [](Length const& dash) { return dash.number >= 0.0; }));
+}
+
+/// True for a number that is not negative and has no unit.
+bool IsNumber(std::string_view value) {
+    try {
+        Length const number = ParseLength(value);
+        return number.number >= 0.0 && number.unit.empty();
+    } catch (TextError const&) {
+        return false;
+    }
+}
+
 bool HasVar(std::string_view value) { return value.find("var(") != std::string_view::npos; }
 
 /// True when the property has this value. Lengths of attributes are read elsewhere.
@@ -101,7 +155,9 @@ bool IsValid(Property property, std::string const& value, bool css) {
         return true; // as long as nothing takes its place
     }
     Syntax const syntax = kTable[static_cast<std::size_t>(property)].syntax;
-    if (syntax != Syntax::kLength && word.find("calc(") != std::string::npos) {
+    bool const length =
+        syntax == Syntax::kLength || syntax == Syntax::kWidth || syntax == Syntax::kOffset;
+    if (!length && word.find("calc(") != std::string::npos) {
         return false;
     }
     switch (syntax) {
@@ -125,6 +181,17 @@ bool IsValid(Property property, std::string const& value, bool css) {
         PathFunction(value, found);
         return !css || found || word == "none";
     }
+    case Syntax::kWidth:
+    case Syntax::kOffset:
+        return IsPenLength(word, syntax == Syntax::kOffset);
+    case Syntax::kJoin:
+        return IsOneOf(word, {"miter", "miter-clip", "round", "bevel"});
+    case Syntax::kCap:
+        return IsOneOf(word, {"butt", "square", "round"});
+    case Syntax::kNumber:
+        return IsNumber(word);
+    case Syntax::kDashes:
+        return IsDashes(word);
     case Syntax::kAny:
         break;
     }

@@ -9,6 +9,7 @@
 #include <trammel/CMatrix3x3.h>
 #include <trammel/CPath.h>
 #include <trammel/FillRule.h>
+#include <trammel/StrokeStyle.h>
 #include <trammel/TRect.h>
 
 #include <cstddef>
@@ -37,14 +38,28 @@ struct OutlineSource {
 
 struct Clip;
 
+/// How the drawing's style draws a line. Lengths are in the coordinates of the line's element.
+struct Pen {
+    trammel::StrokeStyle style;
+    /// For a line that keeps its width whatever its transforms, the size of a pixel in the
+    /// drawing's coordinates; 0 for other lines.
+    double pixel = 0.0;
+    bool paintsFirst = false;      ///< whether the line lies below the fill
+    std::string opacity = "1";     ///< of the line, as the drawing says
+    std::string fillOpacity = "1"; ///< of the fill
+};
+
 /// One outline and its name.
 struct Outline {
     std::string id; ///< the element's id or the glyph's name; otherwise made up, like "path#3"
     CPath path;     ///< every subpath begins with a move
     trammel::FillRule rule = trammel::FillRule::kNonZero; ///< the rule that fills it
     OutlineSource source = {};
-    std::string fill = "black";  ///< the paint of its area, as the drawing says; or "none"
-    std::string stroke = "none"; ///< the paint of its line
+    std::string fill = "black";          ///< the paint of its area, as the drawing says; or "none"
+    std::string stroke = "none";         ///< the paint of its line
+    std::shared_ptr<Pen const> pen = {}; ///< empty for fonts and maps
+    /// The length that dashes take the whole line to have; 0: that which it has.
+    double pathLength = 0.0;
     /// How far its curves may be from the circles and arcs that they stand for.
     double arcDistance = 0.0;
     /// By how much the curves may be longer than all of these arcs together.

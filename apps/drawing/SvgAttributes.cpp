@@ -211,6 +211,24 @@ Length ParseLength(std::string_view text) {
     return length;
 }
 
+std::vector<Length> ParseLengths(std::string_view text) {
+    std::vector<Length> lengths;
+    Scanner scanner(text);
+    try {
+        bool more = true;
+        scanner.SkipSpace();
+        while (more) {
+            Length length{scanner.Number(), ""};
+            length.unit = std::string(scanner.Word());
+            lengths.push_back(std::move(length));
+            more = scanner.SkipComma() || !scanner.AtEnd();
+        }
+    } catch (TextError const&) {
+        lengths.clear();
+    }
+    return lengths;
+}
+
 namespace {
 
 /// The greatest depth of parentheses in a sum.

@@ -38,6 +38,9 @@ struct Length {
 /// Reads a number with an optional unit.
 Length ParseLength(std::string_view text);
 
+/// Reads lengths with commas or space between them; none for a mistake.
+std::vector<Length> ParseLengths(std::string_view text);
+
 /// Reads "calc(...)" of lengths and numbers with + - * / and parentheses. Throws TextError unless
 /// it is a length. \param units  returns a length of the sum in user units
 double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units);

@@ -289,15 +289,78 @@ void SvgEdit::AppendPath(std::string const& id, std::string const& attributes, C
 
 void SvgEdit::InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
                          CPath const& path) {
+    std::size_t const end = EndOf(mDocument->Text(), element);
+    mReplacements.push_back(
+        {end, end, SpaceBefore(element) + PathElement(NodeAt(element), id, attributes, path)});
+}
+
+/// Returns the end of line and the indentation before an element that begins a line.
+std::string SvgEdit::SpaceBefore(std::size_t element) const {
     std::string const& text = mDocument->Text();
     std::size_t line = text.rfind('\n', element);
     line -= line != std::string::npos && line > 0 && text[line - 1] == '\r' ? 1 : 0;
-    std::string space = line == std::string::npos ? "" : text.substr(line, element - line);
-    if (space.find_first_not_of(kSpace) != std::string::npos) {
-        space.clear();
+    std::string const space = line == std::string::npos ? "" : text.substr(line, element - line);
+    return space.find_first_not_of(kSpace) == std::string::npos ? space : "";
+}
+
+/// Rules of style sheets may name the element's id, which a copy does not have. The copy's style
+/// attribute gets what the sheets say.
+void SvgEdit::KeepStyleOfId(std::size_t element) {
+    pugi::xml_node const node = NodeAt(element);
+    std::string const id = node.attribute("id").value();
+    if (mDocument->Text().find("#" + id) == std::string::npos) {
+        return;
     }
-    std::size_t const end = EndOf(text, element);
-    mReplacements.push_back({end, end, space + PathElement(NodeAt(element), id, attributes, path)});
+    Tag const& tag = mTags[element];
+    auto const written = tag.attributes.find("style");
+    bool const has = written != tag.attributes.end() && written->second;
+    std::string const style = has ? *written->second : node.attribute("style").value();
+    std::set<std::string> own;
+    for (CssDeclaration const& declaration :
+         ParseDeclarations(style, [](std::size_t, auto const&) {})) {
+        own.insert(declaration.property);
+    }
+    std::string const type = tag.name.empty() ? std::string(mDocument->LocalName(node)) : "path";
+    for (auto const& [property, value] : mCascade.SheetsAs(node, type)) {
+        if (own.count(property) == 0 && property != "d") {
+            AddStyle(element, property, value);
+        }
+    }
+}
+
+std::string SvgEdit::FreeId(std::string const& id) {
+    auto const take = [this](std::string const& name) {
+        return !mDocument->Find(name) && mIds.insert(name).second;
+    };
+    std::string name = id;
+    for (std::size_t i = 2; !take(name); ++i) {
+        name = id + "-" + std::to_string(i);
+    }
+    return name;
+}
+
+void SvgEdit::InsertCopy(std::size_t element, Side side, std::string const& id,
+                         std::optional<CPath> const& path, std::vector<Setting> const& settings) {
+    Tag const kept = mTags[element];
+    if (path) {
+        SetPath(element, *path);
+    }
+    for (Setting const& setting : settings) {
+        SetProperty(element, setting.property, setting.value);
+    }
+    if (NodeAt(element).attribute("id")) {
+        mTags[element].attributes["id"] = FreeId(id);
+        KeepStyleOfId(element);
+    }
+    std::string const copy = TagText(element, mTags[element]);
+    mTags[element] = kept;
+    std::string const space = SpaceBefore(element);
+    if (side == Side::kBefore) {
+        mReplacements.push_back({element, element, copy + space});
+    } else {
+        std::size_t const end = EndOf(mDocument->Text(), element);
+        mReplacements.push_back({end, end, space + copy});
+    }
 }
 
 void SvgEdit::TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform) {
@@ -389,14 +452,43 @@ void SvgEdit::WriteTag(std::size_t element, Tag const& tag, std::vector<Replacem
     }
 }
 
+/// Returns the changed start tag as an element without content.
+std::string SvgEdit::TagText(std::size_t element, Tag const& tag) const {
+    std::string const& text = mDocument->Text();
+    TagSpan const span = TagAt(text, element);
+    std::vector<Replacement> changes;
+    WriteTag(element, tag, changes);
+    Sort(changes);
+    std::string out;
+    std::size_t done = element;
+    for (Replacement const& change : changes) {
+        if (change.end <= span.end) { // others are in the end tag
+            out.append(text, done, change.begin - done);
+            out += change.text;
+            done = change.end;
+        }
+    }
+    out.append(text, done, span.end - done);
+    if (!span.empty) {
+        out.insert(out.size() - 1, "/");
+    }
+    return out;
+}
+
+/// Puts changes into the order of the text. Those at one place stay in their order.
+void SvgEdit::Sort(std::vector<Replacement>& changes) {
+    std::stable_sort(changes.begin(), changes.end(),
+                     [](Replacement const& a, Replacement const& b) {
+                         return std::make_pair(a.begin, a.end) < std::make_pair(b.begin, b.end);
+                     });
+}
+
 std::string SvgEdit::Text() const {
     std::vector<Replacement> all = mReplacements;
     for (auto const& [element, tag] : mTags) {
         WriteTag(element, tag, all);
     }
-    std::stable_sort(all.begin(), all.end(), [](Replacement const& a, Replacement const& b) {
-        return std::make_pair(a.begin, a.end) < std::make_pair(b.begin, b.end);
-    });
+    Sort(all);
     std::string const& text = mDocument->Text();
     std::string out;
     std::size_t done = 0;

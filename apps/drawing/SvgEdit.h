@@ -18,6 +18,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,23 @@ public:
     void InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
                     CPath const& path);
 
+    enum class Side { kBefore, kAfter };
+    /// A property of a copy.
+    struct Setting {
+        Property property;
+        std::string value;
+    };
+    /// Inserts a copy of the element beside it, with the changes that it has by now and its style,
+    /// but without its content. If the element has an id, the copy gets a free one.
+    /// \param id  what the new id begins with
+    /// \param path  the copy's outline, as of SetPath; empty: that of the element
+    void InsertCopy(std::size_t element, Side side, std::string const& id,
+                    std::optional<CPath> const& path, std::vector<Setting> const& settings = {});
+
+    /// Returns an id that the document does not have, and does not give it again: `id` if that is
+    /// free, or else one that begins with it.
+    std::string FreeId(std::string const& id);
+
     /// Adds a new path as the last one of the document, in the coordinates of the outermost
     /// element. \param attributes  as of InsertPath
     void AppendPath(std::string const& id, std::string const& attributes, CPath const& path);
@@ -71,9 +89,13 @@ private:
         std::string text;
     };
 
+    static void Sort(std::vector<Replacement>& changes);
     pugi::xml_node NodeAt(std::size_t element) const { return mDocument->ElementAt(element); }
     void AddStyle(std::size_t element, std::string const& property, std::string const& value);
     void KeepStyleOfType(std::size_t element, std::string const& type);
+    void KeepStyleOfId(std::size_t element);
+    std::string SpaceBefore(std::size_t element) const;
+    std::string TagText(std::size_t element, Tag const& tag) const;
     std::string PathText(CPath const& path) const;
     std::string PathElement(pugi::xml_node beside, std::string const& id,
                             std::string const& attributes, CPath const& path) const;
@@ -84,6 +106,7 @@ private:
     Cascade mCascade;
     std::map<std::size_t, Tag> mTags;
     std::vector<Replacement> mReplacements;
+    std::set<std::string> mIds; ///< those given by FreeId
 };
 
 /// Returns a matrix as the value of a transform: "matrix(a,b,c,d,e,f)".

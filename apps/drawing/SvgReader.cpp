@@ -127,6 +127,7 @@ private:
         std::string_view stroke = "none";
         std::string_view color = "black";
         double fontSize = 16.0;
+        std::shared_ptr<Pen const> pen = std::make_shared<Pen const>();
         std::size_t placed = kNoElement; ///< the outermost `use` around, as an offset in the text
         std::string prefix;              ///< of ids: the ids of the `use` elements around
         int level = 0;                   ///< of nesting
@@ -185,7 +186,12 @@ private:
                                  Context const& context, Axis axis);
     CMatrix3x3 TransformOf(pugi::xml_node element, ElementStyle const& style);
     std::optional<TRect<double>> ViewBoxOf(pugi::xml_node element);
-    void Inherit(ElementStyle const& style, Context& context);
+    void Inherit(pugi::xml_node element, ElementStyle const& style, Context& context);
+    void InheritPen(pugi::xml_node element, ElementStyle const& style, Context& context);
+    double PixelSize() const;
+    double UnitsOf(Length length, char const* attribute, Context const& context, Axis axis) const;
+    double UnitsOf(std::string_view value, char const* attribute, Context const& context,
+                   Axis axis) const;
 
     std::string_view LocalName(pugi::xml_node element) const {
         return mDocument->LocalName(element);
@@ -236,37 +242,49 @@ std::string_view Reader::Specified(pugi::xml_node element, char const* attribute
     return IsWide(value) ? std::string_view() : value;
 }
 
+/// Returns a length in user units. Throws AttributeError for one that is not known here.
+double Reader::UnitsOf(Length length, char const* attribute, Context const& context,
+                       Axis axis) const {
+    if (length.unit == "em" || length.unit == "rem") {
+        length.number *= length.unit == "em" ? context.fontSize : mRootFontSize;
+        length.unit.clear();
+    }
+    std::optional<double> whole;
+    if (context.whole) {
+        Pt const size = *context.whole;
+        whole = axis == Axis::kHorizontal ? size.h
+                : axis == Axis::kVertical ? size.v
+                                          : size.Length() / std::sqrt(2.0);
+    }
+    try {
+        return UserUnits(length, whole);
+    } catch (TextError const& e) {
+        throw AttributeError{attribute, 0, e.what()};
+    }
+}
+
+/// Does the same for a text, which may be a sum. Throws TextError for a mistake in it.
+double Reader::UnitsOf(std::string_view value, char const* attribute, Context const& context,
+                       Axis axis) const {
+    auto const inUnits = [&](Length const& length) {
+        return UnitsOf(length, attribute, context, axis);
+    };
+    bool const sum = AsciiLower(value.substr(0, 5)) == "calc(";
+    double const units = sum ? ParseCalc(value, inUnits) : inUnits(ParseLength(value));
+    if (!std::isfinite(units)) {
+        throw TextError(0, "the length is too large");
+    }
+    return units;
+}
+
 std::optional<double> Reader::LengthOf(pugi::xml_node element, char const* attribute,
                                        Context const& context, Axis axis) {
     std::string_view const value = Specified(element, attribute, context);
     if (value.empty() || value == "auto") {
         return std::nullopt;
     }
-    auto const inUnits = [&](Length length) {
-        if (length.unit == "em" || length.unit == "rem") {
-            length.number *= length.unit == "em" ? context.fontSize : mRootFontSize;
-            length.unit.clear();
-        }
-        std::optional<double> whole;
-        if (context.whole) {
-            Pt const size = *context.whole;
-            whole = axis == Axis::kHorizontal ? size.h
-                    : axis == Axis::kVertical ? size.v
-                                              : size.Length() / std::sqrt(2.0);
-        }
-        try {
-            return UserUnits(length, whole);
-        } catch (TextError const& e) {
-            throw AttributeError{attribute, 0, e.what()}; // its size is not known here
-        }
-    };
     try {
-        bool const sum = AsciiLower(value.substr(0, 5)) == "calc(";
-        double const units = sum ? ParseCalc(value, inUnits) : inUnits(ParseLength(value));
-        if (!std::isfinite(units)) {
-            throw TextError(0, "the length is too large");
-        }
-        return units;
+        return UnitsOf(value, attribute, context, axis);
     } catch (TextError const& e) {
         Skip(element, attribute, e.Position(), e.what());
         return std::nullopt;
@@ -306,7 +324,7 @@ std::optional<TRect<double>> Reader::ViewBoxOf(pugi::xml_node element) {
 }
 
 /// Takes over the properties that the elements inside inherit.
-void Reader::Inherit(ElementStyle const& style, Context& context) {
+void Reader::Inherit(pugi::xml_node element, ElementStyle const& style, Context& context) {
     auto const ruled = [&style](Property property, trammel::FillRule around) {
         std::string const value = AsciiLower(style[property].value);
         return value == "evenodd"                         ? trammel::FillRule::kEvenOdd
@@ -338,6 +356,97 @@ void Reader::Inherit(ElementStyle const& style, Context& context) {
                                    : UserUnits(length, context.fontSize);
         } catch (TextError const&) {
         }
+    }
+    InheritPen(element, style, context);
+}
+
+/// Takes over how lines are drawn.
+void Reader::InheritPen(pugi::xml_node element, ElementStyle const& style, Context& context) {
+    static constexpr std::array<Property, 10> properties = {
+        Property::kStrokeWidth,      Property::kStrokeLinejoin,  Property::kStrokeLinecap,
+        Property::kStrokeMiterlimit, Property::kStrokeDasharray, Property::kStrokeDashoffset,
+        Property::kStrokeOpacity,    Property::kFillOpacity,     Property::kPaintOrder,
+        Property::kVectorEffect};
+    bool const declared =
+        std::any_of(properties.begin(), properties.end(),
+                    [&style](Property property) { return !style[property].value.empty(); });
+    if (!declared && context.pen->pixel == 0.0) {
+        return;
+    }
+    Pen const none;
+    Pen pen = *context.pen;
+    pen.pixel = 0.0; // the only one of them that is not inherited
+    for (Property const property : properties) {
+        std::string value = AsciiLower(style[property].value);
+        bool const initial = value == "initial";
+        if (value.empty() || (IsWide(value) && !initial)) {
+            continue;
+        }
+        try {
+            auto const units = [&](std::string_view text) {
+                return UnitsOf(text, NameOf(property), context, Axis::kOther);
+            };
+            switch (property) {
+            case Property::kStrokeWidth:
+                pen.style.width = initial ? none.style.width : std::max(units(value), 0.0);
+                break;
+            case Property::kStrokeLinejoin:
+                pen.style.join = value == "round"        ? trammel::StrokeJoin::kRound
+                                 : value == "bevel"      ? trammel::StrokeJoin::kBevel
+                                 : value == "miter-clip" ? trammel::StrokeJoin::kMiterClip
+                                                         : trammel::StrokeJoin::kMiter;
+                break;
+            case Property::kStrokeLinecap:
+                pen.style.startCap = value == "round"    ? trammel::StrokeCap::kRound
+                                     : value == "square" ? trammel::StrokeCap::kSquare
+                                                         : trammel::StrokeCap::kButt;
+                pen.style.endCap = pen.style.startCap;
+                break;
+            case Property::kStrokeMiterlimit:
+                pen.style.miterLimit = initial ? none.style.miterLimit : units(value);
+                break;
+            case Property::kStrokeDasharray: {
+                std::vector<double> dashes;
+                for (Length const& dash : ParseLengths(value)) { // none for a word
+                    dashes.push_back(UnitsOf(dash, NameOf(property), context, Axis::kOther));
+                }
+                pen.style.dashes = std::move(dashes);
+                break;
+            }
+            case Property::kStrokeDashoffset:
+                pen.style.dashOffset = initial ? 0.0 : units(value);
+                break;
+            case Property::kStrokeOpacity:
+                pen.opacity = initial ? none.opacity : value;
+                break;
+            case Property::kFillOpacity:
+                pen.fillOpacity = initial ? none.fillOpacity : value;
+                break;
+            case Property::kPaintOrder: {
+                std::size_t const fill = value.find("fill");
+                std::size_t const stroke = value.find("stroke");
+                pen.paintsFirst = stroke < fill;
+                break;
+            }
+            default:
+                pen.pixel = value == "non-scaling-stroke" ? PixelSize() : 0.0;
+                break;
+            }
+        } catch (TextError const& e) {
+            Skip(element, NameOf(property), e.Position(), e.what());
+        } catch (AttributeError const& e) {
+            Skip(element, e.attribute, e.position, e.message);
+        }
+    }
+    context.pen = std::make_shared<Pen const>(std::move(pen));
+}
+
+/// Returns the size of a pixel in the drawing's coordinates; 1 if the drawing does not tell.
+double Reader::PixelSize() const {
+    try {
+        return 1.0 / Stretch(PaperFit(mDrawing, "px"));
+    } catch (Error const&) {
+        return 1.0;
     }
 }
 
@@ -443,6 +552,12 @@ void Reader::Add(pugi::xml_node element, Form form, Context const& context) {
     Outline outline;
     outline.fill = context.fill;
     outline.stroke = context.stroke;
+    outline.pen = context.pen;
+    try {
+        std::string_view const length = Trimmed(element.attribute("pathLength").value());
+        outline.pathLength = length.empty() ? 0.0 : std::max(ParseLength(length).number, 0.0);
+    } catch (TextError const&) { // as if it were not there
+    }
     outline.rule = mClipping.empty() ? context.rule : context.clipRule;
     outline.source.element = mDocument->Offset(element);
     bool const used = context.placed != kNoElement;
@@ -613,7 +728,7 @@ void Reader::AppendClips(pugi::xml_node element, std::string const& id, CMatrix3
         context.transform = Concat(TransformOf(node, style), Concat(units, toDrawing));
         context.whole = Pt(1.0, 1.0);
     }
-    Inherit(style, context);
+    Inherit(node, style, context);
     // The clip's outlines are read as those of a drawing of their own.
     std::vector<Outline> outside = std::move(mDrawing.outlines);
     mDrawing.outlines.clear();
@@ -692,7 +807,7 @@ void Reader::Use(pugi::xml_node element, Context const& context) {
             mUsed.pop_back();
             return;
         }
-        Inherit(style, inner);
+        Inherit(used, style, inner);
         auto const sizeOf = [&](char const* attribute, Axis axis) {
             std::optional<double> const own = SizeOf(element, attribute, context, axis);
             return own ? own : SizeOf(used, attribute, inner, axis);
@@ -782,7 +897,7 @@ void Reader::Element(pugi::xml_node element, Context const& context) {
         inner.style = &style;
         inner.around = context.transform;
         inner.transform = Concat(TransformOf(element, style), context.transform);
-        Inherit(style, inner);
+        Inherit(element, style, inner);
         std::size_t const first = mDrawing.outlines.size();
         Draw(element, name, inner);
         std::string const clip = UrlFragment(style[Property::kClipPath].value);
@@ -854,7 +969,7 @@ Drawing Reader::Read() {
         context.whole = mDrawing.page.frame.GetSize();
     }
     context.transform = TransformOf(root, style);
-    Inherit(style, context);
+    Inherit(root, style, context);
     mRootFontSize = context.fontSize;
     if (!Hidden(style)) {
         Children(root, context);

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 
-"""Tests of the commands that give outlines new forms: `overlap`, `stroke`, `offset`, `simplify`,
+"""Tests of the commands that give outlines new forms: `overlap`, `divide`, `stroke`, `offset`, `simplify`,
 `fit`."""
 
 import math
@@ -73,6 +73,137 @@ class Outlines(AppTest):
         self.assertIn('<path id="p" stroke="none" d="', text)
         self.assertIn('fill="red"', text)
         self.assertIn(';fill:url(#g);stroke:none"', text)
+
+    def test_divide_gives_each_part_to_the_shape_on_top(self):
+        # A square, a circle over its right side, and a stripe through both. A line stays.
+        body = ('<rect id="r" class="k" fill="red" width="40" height="40"/>'
+                '<circle id="c" style="fill:#00f" cx="40" cy="20" r="10"/>'
+                '<path d="M0 18H60V22H0Z" fill="green"/>'
+                '<path id="l" fill="none" stroke="red" d="M0 0L60 40"/>')
+        file = self.write("in.svg", svg(body))
+        self.run_text("divide", file, "--tolerance", "1e-6", "-o", self.out)
+        text = self.read("out.svg").decode()
+        half = math.asin(0.2)  # of the angle of the stripe's edge on the circle
+        stripe = 2 * (100 * half + 2 * math.sqrt(96))
+        cap = (100 * math.pi - stripe) / 2
+        areas = {id: area[0] for id, area in self.areas().items()}
+        stripes = sorted(area for id, area in areas.items() if id.startswith("path#"))
+        for got, want in ((areas["r"], 720 - cap / 2), (areas["r-2"], 720 - cap / 2)):
+            self.assertAlmostEqual(got, want, delta=1e-4)
+        circle = sorted(areas[f"c{n}"] for n in ("", "-2", "-3", "-4"))
+        self.assertBox(circle, [cap / 2] * 4, 1e-4)
+        self.assertBox(stripes, sorted([stripe / 2, stripe / 2, 160 - stripe / 2,
+                                        80 - stripe / 2]), 1e-4)
+        self.assertEqual(len(areas), 2 + 4 + 4 + 1)
+        self.assertEqual(text.count('class="k" fill="red"'), 2)
+        self.assertEqual(text.count('style="fill:#00f"'), 4)
+        self.assertEqual(text.count('fill="green"'), 4)
+        self.assertIn(body[body.index('<path id="l"'):], text)
+        self.assertAlmostEqual(sum(areas.values()),
+                               1600 + 50 * math.pi + 80 - stripe / 2, delta=1e-3)
+
+    def test_divide_removes_what_is_covered(self):
+        body = ('<path id="below" d="M1 1H9V9H1Z"/>\n<g fill="blue">\n  <path id="top" d="M0 0H10V10H0Z">'
+                '<title>t</title></path>\n</g>')
+        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        self.assertNotIn("below", text)
+        # The edges of the shape below divide the one on top: a square, and a ring around it. The
+        # larger part keeps the element.
+        self.assertEqual(self.areas(), {"top": [64, 64], "top-2": [36, 36]})
+        self.assertIn('  <path id="top" d="M1 1H9V9H1Z"><title>', text)
+        self.assertEqual(text.count("<title>"), 1)
+
+    def test_divide_keeps_style_by_id_and_takes_copies_apart(self):
+        sheet = '<style>#a{stroke:lime} .k{fill:red}</style>'
+        body = (sheet + '<path id="a" class="k" d="M0 0H10V10H0Z"/>'
+                '<path id="b" d="M4 -1H6V11H4Z" fill="blue"/>')
+        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        self.assertRegex(text, r'id="a-2"[^>]*class="k"[^>]*style="[^"]*stroke:lime')
+        used = ('<defs><path id="s" d="M0 0H10V10H0Z"/></defs><use id="u" href="#s" fill="red"/>'
+                '<use id="v" href="#s" x="5" transform="scale(2)" fill="blue"/>')
+        self.run_text("divide", self.write("in.svg", svg(used)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        self.assertNotIn("<use", text)
+        self.assertIn("<defs>", text)
+        areas = self.areas()
+        self.assertEqual({id: a[0] for id, a in areas.items()}, {"u-s": 100, "v-s": 400})
+        self.run_text("divide", self.path("in.svg"), "--id", "u/s", "-o", self.out)
+        self.assertEqual(self.read("out.svg").decode().count("<use"), 1)
+
+    def test_divide_shows_what_clips_show(self):
+        body = ('<clipPath id="p"><rect width="5" height="10"/></clipPath>'
+                '<path id="a" fill="red" d="M0 0H10V10H0Z"/>'
+                '<path id="b" clip-path="url(#p)" d="M0 0H10V10H0Z"/>')
+        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        areas = self.areas()
+        self.assertEqual((areas["a"][0], areas["b"][0]), (50, 50))
+
+    def test_stroke_takes_the_pen_of_the_style(self):
+        cases = {
+            # width, caps and joins by attribute, sheet, inheritance; units and per cent
+            '<path id="p" fill="none" stroke="red" stroke-width="4" d="M10 10H30"/>': 80,
+            '<g stroke="red" style="stroke-width:1em;font-size:4px"><path id="p" fill="none" '
+            'stroke-linecap="square" d="M10 10H30"/></g>': 96,
+            '<style>path{stroke-linejoin:bevel;stroke-width:4}</style>'
+            '<path id="p" fill="none" stroke="red" d="M10 50H30V70"/>': 158,
+            '<path id="p" fill="none" stroke="red" stroke-width="4%" d="M10 50H30V70"/>': 160,
+            '<path id="p" fill="none" stroke="red" style="stroke-width:4;stroke-miterlimit:1" '
+            'd="M10 50H30V70"/>': 158,
+            '<path id="p" fill="none" stroke="red" stroke-width="4" stroke-dasharray="3 2" '
+            'd="M10 10H30"/>': 48,
+            '<path id="p" fill="none" stroke="red" stroke-width="4" stroke-dasharray="3" '
+            'stroke-dashoffset="-3" d="M10 10H30"/>': 36,
+            '<path id="p" fill="none" stroke="red" stroke-width="4" stroke-dasharray="30 20" '
+            'pathLength="200" d="M10 10H30"/>': 48,
+            '<path id="p" fill="none" stroke="red" style="stroke-width:calc(2px + 2px)" '
+            'd="M10 10H30"/>': 80,
+            # the pen is transformed with the line, or keeps its width
+            '<path id="p" fill="none" stroke="red" stroke-width="4" transform="scale(1,3)" '
+            'd="M10 10H30"/>': 240,
+            '<path id="p" fill="none" stroke="red" stroke-width="4" transform="scale(1,3)" '
+            'vector-effect="non-scaling-stroke" d="M10 10H30"/>': 80,
+        }
+        for body, area in cases.items():
+            with self.subTest(body):
+                file = self.write("in.svg", svg(body))
+                self.run_text("stroke", file, "--tolerance", "1e-5", "-o", self.out)
+                self.assertAlmostEqual(self.areas()["p"][0], area, delta=0.01)
+        # Words and numbers that a property cannot have do not count.
+        wrong = self.write("wrong.svg", svg(
+            '<path id="p" fill="none" stroke="red" style="stroke-width:4;stroke-width:-3;'
+            'stroke-linejoin:arcs;stroke-dasharray:1,-1" d="M10 10H30"/>'))
+        self.run_text("stroke", wrong, "-q", "--tolerance", "1e-5", "-o", self.out)
+        area = self.run_json("area", self.out, "-q")["outlines"][0]["area"]
+        self.assertAlmostEqual(area, 80, delta=0.01)
+        # An option takes the place of a part of the style.
+        self.run_text("stroke", file, "--cap", "square", "--tolerance", "1e-5", "-o", self.out)
+        self.assertAlmostEqual(self.areas()["p"][0], 96, delta=0.01)
+
+    def test_stroke_keeps_the_fill_below(self):
+        body = ('<rect id="r" class="k" fill="red" stroke="blue" stroke-opacity=".5" '
+                'stroke-width="2" width="10" height="10"/>\n'
+                '<path id="s" d="M0 0H9V9"/>\n'
+                '<path id="o" stroke="lime" style="paint-order:stroke" d="M0 0H9V9"/>')
+        file = self.write("in.svg", svg(body))
+        self.run_text("stroke", file, "-o", self.out)
+        text = self.read("out.svg").decode()
+        fill = ('<rect id="r-fill" class="k" fill="red" stroke="none" stroke-opacity=".5" '
+                'stroke-width="2" width="10" height="10"/>')
+        area = '<path id="r" class="k" fill="blue" stroke="none" stroke-opacity=".5"'
+        self.assertIn(fill + "\n" + area, text)
+        self.assertRegex(text, 'id="r"[^>]* fill-opacity=".5"')
+        self.assertIn('<path id="s" d="M0 0H9V9"/>', text)
+        self.assertLess(text.index('id="o"'), text.index('id="o-fill"'))
+        areas = self.areas()
+        self.assertAlmostEqual(areas["r"][0], 144 - 64, delta=1e-3)
+        self.assertEqual(areas["r-fill"][0], 100)
+        # A pen paints all, and no fill is kept.
+        self.run_text("stroke", file, "--pen", "2", "-o", self.out)
+        self.assertEqual(sorted(self.areas()), ["o", "r", "s"])
+        self.run_text("stroke", file, "-o", self.path("out.png"))
+        self.assertEqual(self.read("out.png")[:4], b"\x89PNG")
 
     def test_offset_moves_the_outline(self):
         file = self.write("in.svg", svg('<circle id="c" cx="50" cy="50" r="20"/>'

@@ -47,10 +47,7 @@ CPath FormOf(Change const& change, Drawing const& drawing, Outline const& outlin
     double const rest = std::max(tolerance - outline.arcDistance, 0.0);
     double const distance =
         outline.arcDistance + change.form(outline, rest * (1.0 - kRoundingPart), out);
-    if (distance > tolerance) {
-        Warn(drawing.file, outline.id,
-             "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
-    }
+    TellDistance(drawing.file, outline.id, distance, tolerance);
     return out;
 }
 
@@ -69,22 +66,38 @@ void AddChangeOutput(Command const& command, ChangeOptions& options) {
     AddWriteOptions(command, options.write);
 }
 
-void RunChange(ChangeOptions const& options, Change const& change) {
+ChangeInput LoadForChange(ChangeOptions const& options, double share) {
     ArcAccuracy arcs; // the default tolerances are above what pictures need
     if (!options.tolerance.empty()) {
         arcs = {ArcAccuracy::By::kDistance, ToleranceOf(options) * kArcPart, ""};
     }
     CheckWriteOptions(options.write);
-    std::string const& output = options.write.output;
     Drawing drawing = Load(options.source, arcs);
+    double const tolerance =
+        options.tolerance.empty() ? ShareOfSize(drawing, share) : ToleranceOf(options);
+    return {std::move(drawing), tolerance};
+}
+
+void TellDistance(std::string const& file, std::string const& id, double distance,
+                  double tolerance) {
+    if (distance > tolerance) {
+        Warn(file, id,
+             "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
+    }
+}
+
+void RunChange(ChangeOptions const& options, Change const& change) {
+    ChangeInput input = LoadForChange(options, change.share);
+    Drawing& drawing = input.drawing;
+    double const tolerance = input.tolerance;
+    std::string const& output = options.write.output;
     bool const keeps = KeepsDocument(drawing, output);
-    if (!keeps) {
+    if (!keeps && !change.filled) {
         ApplyClips(drawing);
     }
-    double const tolerance =
-        options.tolerance.empty() ? ShareOfSize(drawing, change.share) : ToleranceOf(options);
     auto const stays = [&](Outline const& outline) {
-        return change.area && options.source.ids.empty() && outline.fill == "none";
+        return (change.area && options.source.ids.empty() && outline.fill == "none") ||
+               (change.wants && !change.wants(outline));
     };
     Progress progress(change.progress, drawing.outlines.size());
     std::size_t done = 0;
@@ -92,6 +105,9 @@ void RunChange(ChangeOptions const& options, Change const& change) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
         for (Outline const* const outline : OnePerElement(drawing)) {
             if (!stays(*outline)) {
+                if (change.prepare) {
+                    change.prepare(edit, *outline);
+                }
                 SetPath(edit, drawing, *outline, FormOf(change, drawing, *outline, tolerance));
                 if (change.paint) {
                     change.paint(edit, *outline);
@@ -103,17 +119,26 @@ void RunChange(ChangeOptions const& options, Change const& change) {
         return;
     }
     Page const page = LinePicture(drawing.page, drawing.outlines).page;
-    std::vector<Outline> shown;
+    Drawing shown;
     for (Outline& outline : drawing.outlines) {
+        progress.Update(++done);
         if (!stays(outline)) {
             outline.path = FormOf(change, drawing, outline, tolerance);
+        } else if (change.filled) {
+            continue;
         }
         if (!outline.path.mCtls.empty()) {
-            shown.push_back(std::move(outline));
+            shown.outlines.push_back(std::move(outline));
         }
-        progress.Update(++done);
     }
-    Picture picture = LinePicture(page, shown);
+    if (change.filled) {
+        for (Outline& outline : shown.outlines) {
+            outline.fill = "black";
+            outline.rule = trammel::FillRule::kNonZero;
+        }
+        ApplyClips(shown);
+    }
+    Picture picture = LinePicture(page, shown.outlines);
     if (change.filled) {
         for (Shape& shape : picture.shapes) {
             shape.style.fill = Colour{};

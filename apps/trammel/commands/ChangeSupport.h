@@ -32,9 +32,14 @@ struct Change {
     /// True for a form that bounds an area. An outline without a fill then stays as it is, unless
     /// --id names it.
     bool area = false;
-    /// Changes more of the element than its form; may be empty.
+    /// False for an outline that stays as it is; empty: all change.
+    std::function<bool(Outline const& outline)> wants = {};
+    /// Change more of the element than its form, before and after that; may be empty.
+    std::function<void(SvgEdit& edit, Outline const& outline)> prepare = {};
     std::function<void(SvgEdit& edit, Outline const& outline)> paint = {};
-    bool filled = false; ///< whether a new picture fills the outlines, and does not draw them
+    /// True for a command that makes areas of lines. A new picture fills them, and has nothing
+    /// else.
+    bool filled = false;
 };
 
 /// Adds FILE, --id and --tolerance.
@@ -42,6 +47,20 @@ struct Change {
 void AddChangeOptions(Command const& command, ChangeOptions& options, std::string const& share);
 /// Adds the options of writing.
 void AddChangeOutput(Command const& command, ChangeOptions& options);
+
+/// The drawing of a command, and the tolerance that it keeps.
+struct ChangeInput {
+    Drawing drawing;
+    double tolerance;
+};
+
+/// Checks the options, and reads the drawing. Circles and arcs take a small part of the tolerance.
+/// \param share  of Change
+ChangeInput LoadForChange(ChangeOptions const& options, double share);
+
+/// Warns if the distance is above the tolerance.
+void TellDistance(std::string const& file, std::string const& id, double distance,
+                  double tolerance);
 
 /// Changes the outlines, and writes the file. Warns of an outline that does not keep the tolerance.
 void RunChange(ChangeOptions const& options, Change const& change);

@@ -23,6 +23,7 @@ void AddFlatten(Command const& app);
 void AddCut(Command const& app);
 void AddReverse(Command const& app);
 void AddOverlap(Command const& app);
+void AddDivide(Command const& app);
 void AddStroke(Command const& app);
 void AddOffset(Command const& app);
 void AddSimplify(Command const& app);
@@ -38,10 +39,10 @@ void AddHelp(Command const& app);
 
 /// All commands, in the order in which the help lists them.
 inline constexpr void (*kCommands[])(Command const& app) = {
-    AddMeasure,  AddPoint,    AddNearest,   AddHit,     AddArea,   AddIntersect,
-    AddFlatten,  AddCut,      AddReverse,   AddOverlap, AddStroke, AddOffset,
-    AddSimplify, AddFit,      AddTransform, AddHatch,   AddText,   AddCombine,
-    AddShape,    AddPolygons, AddGallery,   AddHelp,
+    AddMeasure, AddPoint,    AddNearest,  AddHit,       AddArea,   AddIntersect,
+    AddFlatten, AddCut,      AddReverse,  AddOverlap,   AddDivide, AddStroke,
+    AddOffset,  AddSimplify, AddFit,      AddTransform, AddHatch,  AddText,
+    AddCombine, AddShape,    AddPolygons, AddGallery,   AddHelp,
 };
 
 } // namespace tool

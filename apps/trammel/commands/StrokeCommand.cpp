@@ -4,10 +4,14 @@
 #include "Commands.h"
 #include "Error.h"
 #include "Numbers.h"
+#include "Outlines.h"
+#include "Warning.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/Stroke.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace tool {
 
@@ -19,11 +23,11 @@ constexpr double kShare = 1e-5;
 struct Options {
     ChangeOptions change;
     std::string pen;
-    std::string join = "miter";
-    std::string miterLimit = "4";
-    std::string cap = "butt";
+    std::string join;
+    std::string miterLimit;
+    std::string cap;
     std::string dash;
-    std::string dashOffset = "0";
+    std::string dashOffset;
 };
 
 trammel::StrokeCap CapOf(std::string const& name) {
@@ -39,16 +43,24 @@ trammel::StrokeCap CapOf(std::string const& name) {
     throw Error("--cap", "'" + name + "'", "must be butt, square or round");
 }
 
-trammel::StrokeStyle StyleOf(Options const& options) {
-    trammel::StrokeStyle style;
-    style.width = NumberOf("--pen", options.pen);
-    if (!(style.width > 0.0)) {
-        throw Error("--pen", "'" + options.pen + "'", "must be above 0");
+/// Returns the style with what the options say of it.
+trammel::StrokeStyle StyleOf(Options const& options, trammel::StrokeStyle style) {
+    if (!options.pen.empty()) {
+        style.width = NumberOf("--pen", options.pen);
+        if (!(style.width > 0.0)) {
+            throw Error("--pen", "'" + options.pen + "'", "must be above 0");
+        }
     }
-    style.join = JoinOf(options.join);
-    style.miterLimit = MiterLimitOf(options.miterLimit);
-    style.startCap = CapOf(options.cap);
-    style.endCap = style.startCap;
+    if (!options.join.empty()) {
+        style.join = JoinOf(options.join);
+    }
+    if (!options.miterLimit.empty()) {
+        style.miterLimit = MiterLimitOf(options.miterLimit);
+    }
+    if (!options.cap.empty()) {
+        style.startCap = CapOf(options.cap);
+        style.endCap = style.startCap;
+    }
     if (!options.dash.empty()) {
         style.dashes = NumbersOf("--dash", options.dash, 1, kMany);
         bool const wrong = std::any_of(style.dashes.begin(), style.dashes.end(),
@@ -58,28 +70,89 @@ trammel::StrokeStyle StyleOf(Options const& options) {
                         "lengths must not be negative, and one must be above 0");
         }
     }
-    style.dashOffset = NumberOf("--dash-offset", options.dashOffset);
+    if (!options.dashOffset.empty()) {
+        style.dashOffset = NumberOf("--dash-offset", options.dashOffset);
+    }
     return style;
+}
+
+bool HasStroke(Outline const& outline) {
+    return outline.pen && outline.stroke != "none" && outline.pen->style.width > 0.0;
+}
+
+/// Sets `out` to the area of the outline's own line, and returns the distance that is kept.
+double OwnStroke(Options const& options, Outline const& outline, double tolerance, CPath& out) {
+    Pen const& pen = *outline.pen;
+    CMatrix3x3 const toDrawing =
+        pen.pixel > 0.0 ? CMatrix3x3().Scale(pen.pixel, pen.pixel) : outline.source.toDrawing;
+    CMatrix3x3 own;
+    if (toDrawing.IsSingular() || !toDrawing.Inverse(own)) {
+        out = CPath(); // a browser draws no line there
+        return 0.0;
+    }
+    CPath const path = Moved(outline.path, own);
+    trammel::StrokeStyle style = pen.style;
+    if (outline.pathLength > 0.0 && !style.dashes.empty()) {
+        double const scale = trammel::ArcLength(path, 0.0) / outline.pathLength;
+        for (double& dash : style.dashes) {
+            dash *= scale;
+        }
+        style.dashOffset *= scale;
+    }
+    double const stretch = Stretch(toDrawing);
+    double const kept =
+        trammel::Stroke(path, StyleOf(options, std::move(style)), tolerance / stretch, out);
+    out = Moved(std::move(out), toDrawing);
+    return kept * stretch;
 }
 
 /// The area has the colour that the line had.
 void Paint(SvgEdit& edit, Outline const& outline) {
-    if (outline.stroke != "none") {
-        edit.SetProperty(outline.source.element, Property::kFill, outline.stroke);
-        edit.SetProperty(outline.source.element, Property::kStroke, "none");
+    if (outline.stroke == "none") {
+        return;
+    }
+    std::size_t const element = outline.source.element;
+    edit.SetProperty(element, Property::kFill, outline.stroke);
+    edit.SetProperty(element, Property::kStroke, "none");
+    if (outline.pen && outline.pen->opacity != outline.pen->fillOpacity) {
+        edit.SetProperty(element, Property::kFillOpacity, outline.pen->opacity);
     }
 }
 
+/// The fill stays, as an element of its own.
+void KeepFill(SvgEdit& edit, std::string const& file, Outline const& outline) {
+    if (outline.fill == "none") {
+        return;
+    }
+    if (outline.source.placed != outline.source.element || outline.source.copies > 1) {
+        Warn(file, outline.id, "is drawn by <use>, which shows only the line from now on");
+    }
+    edit.InsertCopy(outline.source.element,
+                    outline.pen->paintsFirst ? SvgEdit::Side::kAfter : SvgEdit::Side::kBefore,
+                    outline.id + "-fill", std::nullopt, {{Property::kStroke, "none"}});
+}
+
 void Run(Options const& options) {
-    trammel::StrokeStyle const style = StyleOf(options);
+    trammel::StrokeStyle const style = StyleOf(options, trammel::StrokeStyle());
     Change change;
     change.progress = "stroking outlines";
     change.share = kShare;
     change.filled = true;
     change.paint = Paint;
-    change.form = [&](Outline const& outline, double tolerance, CPath& out) {
-        return trammel::Stroke(outline.path, style, tolerance, out);
-    };
+    if (!options.pen.empty()) {
+        change.form = [&](Outline const& outline, double tolerance, CPath& out) {
+            return trammel::Stroke(outline.path, style, tolerance, out);
+        };
+    } else {
+        std::string const& file = options.change.source.file;
+        change.wants = HasStroke;
+        change.prepare = [&](SvgEdit& edit, Outline const& outline) {
+            KeepFill(edit, file, outline);
+        };
+        change.form = [&](Outline const& outline, double tolerance, CPath& out) {
+            return OwnStroke(options, outline, tolerance, out);
+        };
+    }
     RunChange(options.change, change);
 }
 
@@ -90,32 +163,44 @@ void AddStroke(Command const& app) {
     Command const command =
         app.AddCommand("stroke", "Writes what a pen paints along the outlines, as areas");
     AddChangeOptions(command, options->change, "a 100000th");
-    command.AddOption("--pen", options->pen, "Width of the pen, in the drawing's units")
-        .Required()
+    command
+        .AddOption("--pen", options->pen,
+                   "Width of a pen that draws all outlines, in the drawing's units (default: each "
+                   "line as its style says)")
         .TypeName("W");
-    command.AddOption("--join", options->join, "Corners: miter, miter-clip, round or bevel")
-        .TypeName("JOIN")
-        .ShowDefault();
+    command
+        .AddOption("--join", options->join,
+                   "Corners: miter, miter-clip, round or bevel (default: the style's; with --pen "
+                   "miter)")
+        .TypeName("JOIN");
     command
         .AddOption("--miter-limit", options->miterLimit,
-                   "How long a miter may be, in widths of the pen")
-        .TypeName("M")
-        .ShowDefault();
-    command.AddOption("--cap", options->cap, "Ends of lines: butt, square or round")
-        .TypeName("CAP")
-        .ShowDefault();
-    command.AddOption("--dash", options->dash, "Lengths of a dash, a gap, a dash and so on")
+                   "How long a miter may be, in widths of the pen (default: the style's; with "
+                   "--pen 4)")
+        .TypeName("M");
+    command
+        .AddOption("--cap", options->cap,
+                   "Ends of lines: butt, square or round (default: the style's; with --pen butt)")
+        .TypeName("CAP");
+    command
+        .AddOption("--dash", options->dash,
+                   "Lengths of a dash, a gap, a dash and so on (default: the style's; with --pen "
+                   "none)")
         .TypeName("D,G,...");
-    command.AddOption("--dash-offset", options->dashOffset, "Where in these lengths lines begin")
-        .TypeName("S")
-        .ShowDefault();
+    command
+        .AddOption("--dash-offset", options->dashOffset,
+                   "Where in these lengths lines begin (default: the style's; with --pen 0)")
+        .TypeName("S");
     AddChangeOutput(command, options->change);
     command.SetFooter(
-        "The areas are right within the tolerance of their outlines. The pen is the one of the "
-        "options: that of the\ndrawing's style is not read.\n"
-        "An SVG drawing is kept: each element becomes the area of its line. Its fill gets the "
-        "colour of its stroke,\nif there is one, and it has no stroke then.\n"
-        "Example: trammel stroke drawing.svg --id wave --pen 2 --cap round -o areas.svg");
+        "Without --pen, each outline with a stroke becomes the area that its style paints: width, "
+        "joins, caps and\ndashes as a browser sees them, with the options in place of parts of "
+        "the style. Others stay. With --pen, one\npen draws all outlines, and the style is not "
+        "read. The areas are right within the tolerance.\n"
+        "An SVG drawing is kept: each element becomes the area of its line, in the colour of the "
+        "stroke. Without\n--pen, the fill stays below as a copy of the element with the id "
+        "ID-fill.\n"
+        "Example: trammel stroke drawing.svg -o areas.svg");
     command.SetAction([options] { Run(*options); });
 }
 

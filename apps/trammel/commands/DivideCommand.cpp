@@ -1,0 +1,213 @@
+// SPDX-License-Identifier: MIT
+
+#include "ChangeSupport.h"
+#include "Clip.h"
+#include "Commands.h"
+#include "Divide.h"
+#include "Error.h"
+#include "Markup.h"
+#include "Numbers.h"
+#include "Outlines.h"
+#include "Output.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+
+namespace tool {
+
+namespace {
+
+/// Far below what can be seen, and above what rounding needs.
+constexpr double kShare = 1e-5;
+
+/// The outlines of a drawing, and what becomes of them.
+class Work {
+public:
+    Work(Drawing& drawing, bool all) : mDrawing(drawing) {
+        for (Outline const& outline : drawing.outlines) {
+            ++mShown[outline.source.placed];
+            ++mCopies[outline.source.element];
+            if (!outline.clips.empty()) {
+                mClipped.insert(outline.source.element);
+            }
+        }
+        ApplyClips(drawing);
+        for (Outline const& outline : drawing.outlines) {
+            if (all || outline.fill != "none") {
+                mPlaces.push_back(static_cast<std::size_t>(&outline - drawing.outlines.data()));
+            }
+        }
+    }
+
+    /// Divides the outlines, and returns the distance that is kept.
+    double Divide(double tolerance) {
+        double arcDistance = 0.0;
+        std::vector<Outline const*> chosen;
+        for (std::size_t const place : mPlaces) {
+            chosen.push_back(&mDrawing.outlines[place]);
+            arcDistance = std::max(arcDistance, chosen.back()->arcDistance);
+        }
+        Division division = DivideOutlines(chosen, std::max(tolerance - arcDistance, 0.0));
+        mParts.resize(mDrawing.outlines.size());
+        for (std::size_t i = 0; i < mPlaces.size(); ++i) {
+            mParts[mPlaces[i]] = std::move(division.parts[i]);
+        }
+        return arcDistance + division.distance;
+    }
+
+    /// Returns the document with the parts in the places of the outlines.
+    std::string Document(std::optional<int> digits) const {
+        SvgEdit edit(mDrawing.document, digits);
+        std::set<std::size_t> const taken = TakenOut();
+        for (std::size_t const place : taken) {
+            edit.Remove(place);
+        }
+        for (std::size_t i = 0; i < mDrawing.outlines.size(); ++i) {
+            Outline const& outline = mDrawing.outlines[i];
+            if (taken.count(outline.source.placed) != 0) {
+                Insert(edit, i);
+            } else if (IsDivided(i)) {
+                Replace(edit, i);
+            }
+        }
+        return edit.Text();
+    }
+
+    /// Returns the parts and the outlines that stay, as outlines.
+    std::vector<Outline> Shown() const {
+        std::vector<Outline> shown;
+        for (std::size_t i = 0; i < mDrawing.outlines.size(); ++i) {
+            std::size_t number = 0;
+            for (CPath const& part : PartsOf(i)) {
+                shown.push_back(mDrawing.outlines[i]);
+                shown.back().path = part;
+                if (++number > 1) {
+                    shown.back().id += "-" + std::to_string(number);
+                }
+            }
+        }
+        return shown;
+    }
+
+private:
+    bool IsDivided(std::size_t i) const {
+        return std::binary_search(mPlaces.begin(), mPlaces.end(), i);
+    }
+    std::vector<CPath> PartsOf(std::size_t i) const {
+        return IsDivided(i) ? mParts[i] : std::vector<CPath>{mDrawing.outlines[i].path};
+    }
+
+    /// Returns the `use` elements that cannot stay, because they show an element that is divided.
+    std::set<std::size_t> TakenOut() const {
+        std::set<std::size_t> changed; // elements that the drawing shows in their own places
+        for (std::size_t const i : mPlaces) {
+            OutlineSource const& source = mDrawing.outlines[i].source;
+            if (source.placed == source.element) {
+                changed.insert(source.element);
+            }
+        }
+        std::set<std::size_t> taken;
+        for (std::size_t i = 0; i < mDrawing.outlines.size(); ++i) {
+            Outline const& outline = mDrawing.outlines[i];
+            OutlineSource const& source = outline.source;
+            bool const divided = IsDivided(i) || changed.count(source.element) != 0;
+            if (divided && mCopies.at(source.element) < source.copies &&
+                changed.count(source.element) != 0) {
+                throw Error(mDrawing.file, outline.id,
+                            "is drawn " + std::to_string(source.copies) +
+                                " times; it is divided only with all copies");
+            }
+            if (!divided || source.placed == source.element) {
+                continue;
+            }
+            if (source.beside.IsSingular() || mShown.at(source.placed) < source.siblings) {
+                throw Error(mDrawing.file, outline.id, "cannot be taken out of its <use> element");
+            }
+            taken.insert(source.placed);
+        }
+        return taken;
+    }
+
+    /// The first part takes the place of the element, and copies of it get the others.
+    void Replace(SvgEdit& edit, std::size_t i) const {
+        Outline const& outline = mDrawing.outlines[i];
+        std::size_t const element = outline.source.element;
+        if (mParts[i].empty()) {
+            edit.Remove(element);
+            return;
+        }
+        if (mClipped.count(element) != 0) {
+            edit.SetProperty(element, Property::kClipPath, "none"); // the parts are what it shows
+        }
+        CMatrix3x3 const own = Undone(outline.source.toDrawing, mDrawing, outline);
+        for (std::size_t k = 1; k < mParts[i].size(); ++k) {
+            edit.InsertCopy(element, SvgEdit::Side::kAfter, outline.id, Moved(mParts[i][k], own));
+        }
+        edit.SetPath(element, Moved(mParts[i].front(), own));
+    }
+
+    /// The parts become paths beside the `use` that showed the outline.
+    void Insert(SvgEdit& edit, std::size_t i) const {
+        Outline const& outline = mDrawing.outlines[i];
+        CMatrix3x3 const beside = Undone(outline.source.beside, mDrawing, outline);
+        bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
+        std::string style = "fill:" + outline.fill + ";stroke:" + outline.stroke +
+                            (evenOdd ? ";fill-rule:evenodd" : "");
+        if (outline.stroke != "none" && outline.pen) {
+            double const width =
+                outline.pen->style.width * Stretch(outline.source.toDrawing) * Stretch(beside);
+            style += ";stroke-width:" + Exact(width);
+        }
+        std::string id = outline.id;
+        std::replace(id.begin(), id.end(), '/', '-');
+        std::replace(id.begin(), id.end(), '#', '-');
+        for (CPath const& part : PartsOf(i)) {
+            edit.InsertPath(outline.source.placed, edit.FreeId(id),
+                            "style=\"" + Escaped(style) + "\"", Moved(part, beside));
+        }
+    }
+
+    Drawing& mDrawing;
+    std::map<std::size_t, std::size_t> mShown;  ///< the outlines of each place
+    std::map<std::size_t, std::size_t> mCopies; ///< the outlines of each element
+    std::set<std::size_t> mClipped;             ///< elements of which a clip hides something
+    std::vector<std::size_t> mPlaces;           ///< the outlines to divide, by index
+    std::vector<std::vector<CPath>> mParts;     ///< by index
+};
+
+void Run(ChangeOptions const& options) {
+    ChangeInput input = LoadForChange(options, kShare);
+    Drawing& drawing = input.drawing;
+    std::string const& output = options.write.output;
+    Page const page = LinePicture(drawing.page, drawing.outlines).page;
+    Work work(drawing, !options.source.ids.empty());
+    TellDistance(drawing.file, "", work.Divide(input.tolerance), input.tolerance);
+    if (KeepsDocument(drawing, output)) {
+        WriteFile(output, SvgBytes(work.Document(DigitsOf(options.write)), output));
+    } else {
+        WriteFile(output, NewFile(LinePicture(page, work.Shown()), output, options.write));
+    }
+}
+
+} // namespace
+
+void AddDivide(Command const& app) {
+    auto const options = std::make_shared<ChangeOptions>();
+    Command const command =
+        app.AddCommand("divide", "Divides overlapping outlines into parts that do not overlap");
+    AddChangeOptions(command, *options, "a 100000th");
+    AddChangeOutput(command, *options);
+    command.SetFooter(
+        "Each outline covers what its fill rule fills, every subpath taken as closed. Where "
+        "outlines overlap, each\npart belongs to the one on top, and what lies below goes. The "
+        "parts meet along the outlines, within the\ntolerance, and curves stay curves.\n"
+        "An SVG drawing is kept: the largest part of an element takes its place, and the others "
+        "follow as copies\nwith ids ID-2, ID-3 and so on. Elements with a fill divide each other, "
+        "or those that --id names.\n"
+        "Example: trammel divide drawing.svg -o parts.svg");
+    command.SetAction([options] { Run(*options); });
+}
+
+} // namespace tool
