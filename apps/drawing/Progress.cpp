@@ -19,7 +19,8 @@ constexpr std::chrono::milliseconds kInterval(100);
 } // namespace
 
 Progress::Progress(std::string const& what, std::size_t total)
-    : mWhat(OneLine(what)), mTotal(total), mTerminal(isatty(STDERR_FILENO) == 1 && !Silent()),
+    : mWhat(OneLine(what)), mTotal(total),
+      mTerminal(!Silent() && !HeldDiagnostics::AreThere() && isatty(STDERR_FILENO) == 1),
       mNext(std::chrono::steady_clock::now() + kPatience) {}
 
 Progress::~Progress() {

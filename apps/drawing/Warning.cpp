@@ -17,7 +17,19 @@ WarningMode& Mode() {
     return mode;
 }
 
+/// What keeps the diagnostics of this thread; null: nothing.
+HeldDiagnostics*& Held() {
+    static thread_local HeldDiagnostics* held = nullptr;
+    return held;
+}
+
 } // namespace
+
+HeldDiagnostics::HeldDiagnostics() { Held() = this; }
+
+HeldDiagnostics::~HeldDiagnostics() { Held() = nullptr; }
+
+bool HeldDiagnostics::AreThere() { return Held() != nullptr; }
 
 void SetWarningMode(WarningMode mode) { Mode() = mode; }
 
@@ -33,6 +45,10 @@ void Warn(std::string const& file, std::string const& place, std::string const& 
 }
 
 void PrintDiagnostic(std::string const& line) {
+    if (HeldDiagnostics* const held = Held()) {
+        held->mLines.push_back(line);
+        return;
+    }
     // A terminal may show the progress of the work in the line where this one goes.
     std::string const text =
         (isatty(STDERR_FILENO) == 1 ? "\r\x1B[K" : "") + ("trammel: " + line) + "\n";

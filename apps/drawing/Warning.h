@@ -7,6 +7,8 @@
 #define TRAMMEL_APP_WARNING_H
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace tool {
 
@@ -28,6 +30,25 @@ void Warn(std::string const& file, std::string const& place, std::string const& 
 
 /// Writes "trammel: `line`" to standard error, in place of the line that shows the progress.
 void PrintDiagnostic(std::string const& line);
+
+/// While it lives, what PrintDiagnostic gets in its thread is kept, and the thread shows no
+/// progress.
+class HeldDiagnostics {
+public:
+    HeldDiagnostics();
+    ~HeldDiagnostics();
+    HeldDiagnostics(HeldDiagnostics const&) = delete;
+    HeldDiagnostics& operator=(HeldDiagnostics const&) = delete;
+
+    /// True in a thread that keeps them.
+    static bool AreThere();
+    /// Returns the lines so far, and keeps none of them.
+    std::vector<std::string> Take() { return std::move(mLines); }
+
+private:
+    friend void PrintDiagnostic(std::string const& line);
+    std::vector<std::string> mLines;
+};
 
 } // namespace tool
 

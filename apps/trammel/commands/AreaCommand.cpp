@@ -72,7 +72,7 @@ void Run(Options const& options) {
     if (!options.rule.empty()) {
         RuleOf(options.rule);
     }
-    ForEachFile(options.sources, options.figures.Arcs(ArcAccuracy::By::kArea),
+    ForEachFile(options.sources, options.figures, ArcAccuracy::By::kArea,
                 [&](Drawing& drawing) { return AreasIn(options, drawing); });
 }
 

@@ -123,7 +123,7 @@ void Run(Options const& options) {
             throw Error("--rule", "", "classic hits are by the even-odd rule");
         }
     }
-    ForEachFile(options.sources, options.figures.Arcs(),
+    ForEachFile(options.sources, options.figures, ArcAccuracy::By::kFigures,
                 [&](Drawing& drawing) { return HitsIn(options, points, tolerance, drawing); });
 }
 

@@ -4,6 +4,7 @@
 
 #include "Clip.h"
 #include "Error.h"
+#include "InOrder.h"
 #include "Input.h"
 #include "Numbers.h"
 #include "Outlines.h"
@@ -19,11 +20,14 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <thread>
 #include <utility>
 
 namespace tool {
 
 namespace {
+
+constexpr double kMostJobs = 256.0;
 
 /// Gives the names of the files, those of the command line first.
 class Names {
@@ -169,43 +173,96 @@ void AddSources(Command const& command, Sources& sources) {
                    "options too")
         .TypeName("U");
     command.AddFlag("--json", sources.json, "Print JSON");
+    command
+        .AddOption("--jobs", sources.jobs,
+                   "Files to work on at the same time (default: one for each processor)")
+        .TypeName("N");
     sources.command = command.Name();
 }
 
-void ForEachFile(Sources const& sources, ArcAccuracy arcs,
+namespace {
+
+/// Returns the number of threads that read the files.
+std::size_t ThreadsFor(Sources const& sources, bool classic) {
+    std::size_t threads = std::max(std::thread::hardware_concurrency(), 1U);
+    if (!sources.jobs.empty()) {
+        double const jobs = NumberOf("--jobs", sources.jobs);
+        if (!(jobs >= 1.0 && jobs <= kMostJobs && jobs == std::floor(jobs))) {
+            throw Error("--jobs", "'" + sources.jobs + "'", "must be a whole number from 1 to 256");
+        }
+        threads = static_cast<std::size_t>(jobs);
+    }
+    if (sources.filesFrom.empty()) {
+        threads = std::min(threads, sources.files.size());
+    }
+    return classic ? 1 : threads;
+}
+
+} // namespace
+
+void ForEachFile(Sources const& sources, FigureOptions const& figures, ArcAccuracy::By by,
                  std::function<FileResult(Drawing&)> const& work,
                  std::function<Closing()> const& closing) {
     if (sources.files.empty() && sources.filesFrom.empty()) {
         throw Error(sources.command, "",
                     "FILE is required (see trammel " + sources.command + " --help)");
     }
+    std::size_t const threads = ThreadsFor(sources, figures.classic);
+    ArcAccuracy arcs = figures.Arcs(by);
     arcs.unit = sources.unit;
     Names names(sources);
     Report report(sources, sources.Several() || closing);
     Progress progress("reading files", sources.files.size());
     std::size_t done = 0;
-    while (std::optional<std::string> const name = names.Next()) {
-        FileResult result;
+    auto const read = [&](std::string const& name) -> Turn {
+        auto const failed = [&report, name](std::string const& message) {
+            return [&report, name, message] { report.AddError(name, message); };
+        };
         try {
-            Drawing drawing = ReadDrawing(*name, arcs);
+            Drawing drawing = ReadDrawing(name, arcs);
             KeepOnly(drawing, sources.ids);
             ApplyClips(drawing);
             if (!sources.unit.empty()) {
                 ToPaperUnit(drawing, sources.unit);
             }
-            result = work(drawing);
+            return [&, result = work(drawing)] {
+                report.Add(result);
+                if (result.inTurn) {
+                    result.inTurn();
+                }
+                if (++done <= sources.files.size()) {
+                    progress.Update(done);
+                }
+            };
         } catch (Error const& e) {
-            report.AddError(*name, e.what());
-            continue;
+            return failed(e.what());
         } catch (std::bad_alloc const&) {
-            report.AddError(*name, Error(*name, "", "not enough memory").what());
-            continue;
+            return failed(Error(name, "", "not enough memory").what());
         }
-        report.Add(result);
-        if (++done <= sources.files.size()) {
-            progress.Update(done);
+    };
+    auto const readAside = [&](std::string const& name) -> Turn {
+        HeldDiagnostics held;
+        Turn turn = read(name);
+        return [lines = held.Take(), turn = std::move(turn)] {
+            for (std::string const& line : lines) {
+                PrintDiagnostic(line);
+            }
+            turn();
+        };
+    };
+    RunInOrder(threads, [&]() -> Work {
+        std::optional<std::string> const name = names.Next();
+        if (!name) {
+            return {};
         }
-    }
+        if (threads <= 1) {
+            return [&read, name = *name] { return read(name); };
+        }
+        if (*name == kStandardStream) { // the names may come from there, too: no other thread reads
+            return [turn = readAside(*name)] { return turn; };
+        }
+        return [&readAside, name = *name] { return readAside(name); };
+    });
     if (!(report.Failed() && !sources.Several())) {
         report.Close(closing ? closing() : Closing());
     }

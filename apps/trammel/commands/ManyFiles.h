@@ -31,6 +31,7 @@ struct Sources {
     std::vector<std::string> ids; ///< empty: all outlines
     std::string unit;             ///< of all figures; empty: the drawing's own
     bool json = false;
+    std::string jobs; ///< the number of files to work on at once; empty: one for each processor
 
     /// True when there may be more or fewer files than one.
     bool Several() const { return files.size() != 1 || !filesFrom.empty(); }
@@ -38,7 +39,7 @@ struct Sources {
     std::string Prefix(std::string const& file) const;
 };
 
-/// Adds FILE..., --files-from, --null, --id, --unit and --json.
+/// Adds FILE..., --files-from, --null, --id, --unit, --json and --jobs.
 void AddSources(Command const& command, Sources& sources);
 
 /// What a command found in one file. Only one of both needs to be set: `json` with --json, and
@@ -46,6 +47,7 @@ void AddSources(Command const& command, Sources& sources);
 struct FileResult {
     std::string text;
     Json json;
+    std::function<void()> inTurn = {}; ///< what to do when the result is printed; may be empty
 };
 
 /// What a report ends with: lines, and further members beside "files".
@@ -57,14 +59,19 @@ public:
     char const* what() const noexcept override { return "errors were told"; }
 };
 
-/// Reads the files one after the other, keeps the chosen outlines in the unit asked for, and prints
-/// what `work` finds in each. An Error of one file is told, and at the end of the run comes
-/// ToldErrors.
+struct FigureOptions;
+
+/// Reads the files, keeps the chosen outlines in the unit asked for, and prints what `work` finds
+/// in each. An Error of one file is told, and at the end of the run comes ToldErrors.
 ///
-/// `arcs` is how near curves must be to arcs, in the unit asked for.
+/// Several threads call `work`, each for a file of its own. Results, warnings and errors come in
+/// the order of the files, and each when its turn has come. Classic figures share counters, so
+/// those files are read one after the other.
+/// \param by  how near curves must be to arcs, in the unit asked for
+///
 /// If there is a `closing`, JSON is always the object of several files, and what `closing` returns
 /// is printed at the end. Nothing is printed if a single file cannot be read.
-void ForEachFile(Sources const& sources, ArcAccuracy arcs,
+void ForEachFile(Sources const& sources, FigureOptions const& figures, ArcAccuracy::By by,
                  std::function<FileResult(Drawing&)> const& work,
                  std::function<Closing()> const& closing = nullptr);
 

@@ -150,6 +150,7 @@ Json JsonOf(Totals const& totals) {
 FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& totals) {
     FileResult result;
     Json outlines = Json::array();
+    std::vector<Measures> all;
     Progress progress("measuring " + drawing.file, drawing.outlines.size());
     std::size_t done = 0;
     for (Outline const& outline : drawing.outlines) {
@@ -157,15 +158,20 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
         if (options.area) {
             AddArea(measures, outline, options.figures);
         }
-        totals.Add(measures);
         if (options.sources.json) {
             outlines.push_back(JsonOf(outline, measures, options.area));
         } else {
             result.text += LineOf(options, drawing.file, outline, measures);
         }
+        all.push_back(measures);
         progress.Update(++done);
     }
-    ++totals.files;
+    result.inTurn = [&totals, all = std::move(all)] {
+        for (Measures const& measures : all) {
+            totals.Add(measures);
+        }
+        ++totals.files;
+    };
     result.json = FileJson(drawing, options.sources, options.figures);
     result.json["kind"] = drawing.kind;
     result.json["outlines"] = std::move(outlines);
@@ -178,7 +184,7 @@ void Run(Options const& options) {
     }
     Totals totals;
     ForEachFile(
-        options.sources, options.figures.Arcs(),
+        options.sources, options.figures, ArcAccuracy::By::kFigures,
         [&](Drawing const& drawing) { return MeasuredFile(options, drawing, totals); },
         [&] {
             Closing closing;

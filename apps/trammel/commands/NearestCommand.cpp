@@ -160,7 +160,7 @@ void Run(Options const& options) {
     for (std::string const& text : options.to) {
         points.push_back(PointOf("--to", text));
     }
-    ForEachFile(options.sources, options.figures.Arcs(),
+    ForEachFile(options.sources, options.figures, ArcAccuracy::By::kFigures,
                 [&](Drawing const& drawing) { return NearestIn(options, points, drawing); });
 }
 

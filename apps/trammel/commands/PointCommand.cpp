@@ -132,7 +132,7 @@ FileResult PointsIn(Options const& options, std::vector<double> const& fractions
 
 void Run(Options const& options) {
     std::vector<double> const fractions = Fractions(options.at);
-    ForEachFile(options.sources, options.figures.Arcs(),
+    ForEachFile(options.sources, options.figures, ArcAccuracy::By::kFigures,
                 [&](Drawing const& drawing) { return PointsIn(options, fractions, drawing); });
 }
 
