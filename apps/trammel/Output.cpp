@@ -116,11 +116,12 @@ void OutputFiles::Add(std::string const& file, std::string const& content) {
         FailToWrite(file, errno);
     }
     std::string name = entry.target + ".XXXXXX";
+    mEntries.reserve(mEntries.size() + 1); // from here on the file is removed, whatever happens
     Descriptor descriptor(mkstemp(name.data()));
     if (descriptor.Number() < 0) {
         FailToWrite(file, errno);
     }
-    entry.temporary = name;
+    entry.temporary = std::move(name);
     mEntries.push_back(std::move(entry));
     if (fchmod(descriptor.Number(), Permissions(exists, status)) != 0 ||
         !descriptor.WriteAndClose(content)) {
@@ -129,7 +130,8 @@ void OutputFiles::Add(std::string const& file, std::string const& content) {
 }
 
 void OutputFiles::Commit() {
-    for (Entry& entry : mEntries) {
+    // What can fail for want of room goes first.
+    for (Entry const& entry : mEntries) {
         if (entry.target == kStandardStream) {
             Print(entry.content);
         } else if (entry.temporary.empty()) {
@@ -137,10 +139,15 @@ void OutputFiles::Commit() {
             if (descriptor.Number() < 0 || !descriptor.WriteAndClose(entry.content)) {
                 FailToWrite(entry.name, errno);
             }
-        } else if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0) {
-            FailToWrite(entry.name, errno);
         }
-        entry.temporary.clear();
+    }
+    for (Entry& entry : mEntries) {
+        if (!entry.temporary.empty()) {
+            if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0) {
+                FailToWrite(entry.name, errno);
+            }
+            entry.temporary.clear();
+        }
     }
     mEntries.clear();
 }

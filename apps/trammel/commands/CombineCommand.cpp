@@ -237,18 +237,20 @@ void Run(Options const& options) {
     }
     std::string const& output = options.write.output;
     CPath const& path = result.path;
+    OutputFiles files;
     if (!output.empty() && KeepsDocument(a, output)) {
-        WriteFile(output, SvgBytes(Merged(options, a, clipped, path), output));
+        files.Add(output, SvgBytes(Merged(options, a, clipped, path), output));
     } else if (!output.empty()) {
         // The page is the first drawing's. If that has none, the page holds both drawings, so that
         // the results of the four operations lie over each other.
         Page const page = a.page.frame.Empty() ? PageFor(a.page, bounds) : a.page;
-        WriteFile(output, NewFile(FilledPicture(page, DrawnBounds(path), options.operation, path),
+        files.Add(output, NewFile(FilledPicture(page, DrawnBounds(path), options.operation, path),
                                   output, options.write));
     }
     if (options.json) {
         Print(JsonText(json));
     }
+    files.Commit();
 }
 
 } // namespace

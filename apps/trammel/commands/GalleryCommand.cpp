@@ -145,6 +145,7 @@ void Run(Options const& options) {
     for (auto const& [name, content] : contents) {
         files.Add(InFolder(options.folder, name), content);
     }
+    Print(InFolder(options.folder, "index.html") + "\n");
     files.Commit();
     folder.Keep();
     if (!map) {
@@ -152,7 +153,6 @@ void Run(Options const& options) {
                                  " (script/setup maps fetches it); its pictures are left out\n";
         std::fwrite(note.data(), 1, note.size(), stderr);
     }
-    Print(InFolder(options.folder, "index.html") + "\n");
 }
 
 } // namespace

@@ -244,8 +244,9 @@ void Run(Options const& options) {
             progress.Update(report.outlines.size());
         }
     }
+    OutputFiles files;
     if (!options.output.empty()) {
-        WriteFile(options.output, PictureBytes(PictureOf(drawing, report), options.output));
+        files.Add(options.output, PictureBytes(PictureOf(drawing, report), options.output));
     }
     if (options.json) {
         Json json;
@@ -254,6 +255,7 @@ void Run(Options const& options) {
         report.text = JsonText(json);
     }
     Print(report.text);
+    files.Commit();
 }
 
 } // namespace
