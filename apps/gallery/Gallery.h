@@ -67,6 +67,9 @@ Plate DrawWelded(GalleryInput const& input);
 Plate DrawQuadratics(GalleryInput const& input);
 Plate DrawCachedPath(GalleryInput const& input);
 Plate DrawCornerTest(GalleryInput const& input);
+Plate DrawHardBooleans(GalleryInput const& input);
+Plate DrawMoreHardBooleans(GalleryInput const& input);
+Plate DrawHardStrokes(GalleryInput const& input);
 
 // The plates that need a map
 

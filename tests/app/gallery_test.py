@@ -14,6 +14,7 @@ import json
 import math
 import os
 import re
+import resource
 import shutil
 import struct
 import subprocess
@@ -34,7 +35,7 @@ DEFAULTS = (
 PLATES = [
     "marks", "text-along-path", "cut", "nearest", "flattening", "hit-test", "hatching",
     "transforms", "circles", "polygons", "rounding", "quadratics", "corner-test", "cached-path",
-    "welded",
+    "welded", "hard-booleans", "hard-booleans-2", "hard-strokes",
 ]
 MAP_PLATES = ["four-operations", "word-cut", "joined"]
 # The default map is looked for below the current folder, where the tests have none.
@@ -113,9 +114,10 @@ class GalleryCase(unittest.TestCase):
         with open(cls.drawing, "w", encoding="utf-8") as file:
             file.write(SQUARES)
 
-    def execute(self, *arguments):
-        return subprocess.run([PROGRAM, "gallery", *arguments], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, check=False, timeout=300, cwd=self.folder)
+    def execute(self, *arguments, **options):
+        options.setdefault("stdout", subprocess.PIPE)
+        return subprocess.run([PROGRAM, "gallery", *arguments], stderr=subprocess.PIPE, check=False,
+                              timeout=300, cwd=self.folder, **options)
 
 
 @unittest.skipUnless(os.path.exists(DEJAVU), "no font: apt-get install fonts-dejavu-core")
@@ -296,6 +298,14 @@ class PageTest(GalleryCase):
         self.assertAlmostEqual(before[1] - union[0], twice[0], delta=0.002)
         self.assertLess(union[0], before[1])
 
+    def test_hard_cases_are_right_here_only(self):
+        for plate, count in (("hard-booleans", 3), ("hard-booleans-2", 3), ("hard-strokes", 2)):
+            figures = self.figures(plate)
+            self.assertEqual(len(figures), count + 1)
+            for _, value in figures[:-1]:
+                own, peer = numbers(value)[:2]
+                self.assertTrue(own == 0 and peer > 0, (plate, value))
+
     def test_the_page_says_that_maps_are_left_out(self):
         self.assertIn("left out", self.page[self.page.index("<footer>"):])
 
@@ -315,15 +325,15 @@ class PageTest(GalleryCase):
 class FailureTest(GalleryCase):
     """Wrong input: status 2, one line that names it, nothing written."""
 
-    def fails(self, *arguments, names=()):
+    def fails(self, *arguments, names=(), **options):
         def tree():
             return sorted(os.path.join(path, name) for path, folders, files in
                           os.walk(self.folder) for name in folders + files)
 
         before = tree()
-        result = self.execute(*arguments)
+        result = self.execute(*arguments, **options)
         message = result.stderr.decode("utf-8", "replace")
-        self.assertEqual((result.returncode, result.stdout), (2, b""), message)
+        self.assertEqual((result.returncode, result.stdout or b""), (2, b""), message)
         self.assertTrue(message.startswith("trammel: ") and message.count("\n") == 1, message)
         for name in names:
             self.assertIn(name, message)
@@ -363,6 +373,19 @@ class FailureTest(GalleryCase):
         # One of the files cannot be written: none is.
         os.makedirs(os.path.join(self.folder, "taken", "index.html"))
         self.fails("-o", "taken", *self.usable(), names=["taken/index.html"])
+
+    @unittest.skipUnless(os.path.exists(DEJAVU), "no font: apt-get install fonts-dejavu-core")
+    def test_a_full_disk_leaves_nothing(self):
+        def limit():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+        os.mkdir(os.path.join(self.folder, "old"))
+        with open(os.path.join(self.folder, "old", "index.html"), "w", encoding="utf-8") as file:
+            file.write("mine")
+        self.fails("-o", "old", *self.usable(), names=["cannot be written"], preexec_fn=limit)
+        with open("/dev/full", "wb") as full:
+            self.fails("-o", "old", *self.usable(), names=["standard output"], stdout=full)
+        with open(os.path.join(self.folder, "old", "index.html"), encoding="utf-8") as file:
+            self.assertEqual(file.read(), "mine")
 
     def test_the_output_folder_is_required(self):
         self.fails(names=["--output"])
