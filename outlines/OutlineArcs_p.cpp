@@ -129,8 +129,8 @@ std::size_t VertexTable::SlotOf(std::int64_t x, std::int64_t y) const {
     return slot;
 }
 
-Index VertexTable::FindInCell(std::int64_t x, std::int64_t y, Pt const& work) const {
-    Index vertex = mSlots[SlotOf(x, y)].first;
+Index VertexTable::FindInSlot(std::size_t slot, Pt const& work) const {
+    Index vertex = mSlots[slot].first;
     while (vertex != kNoIndex && (std::abs(mWork[vertex].h - work.h) > mReach ||
                                   std::abs(mWork[vertex].v - work.v) > mReach)) {
         vertex = mNext[vertex];
@@ -150,14 +150,21 @@ void VertexTable::Grow() {
 
 Index VertexTable::At(Pt const& p) {
     Pt const work = mFrame.ToWork(p);
-    auto const cell = [&](double w) { return static_cast<std::int64_t>(std::floor(w * mPerCell)); };
+    // Truncation is faster than std::floor().
+    auto const cell = [&](double w) {
+        double const x = w * mPerCell;
+        auto const whole = static_cast<std::int64_t>(x);
+        return x < static_cast<double>(whole) ? whole - 1 : whole;
+    };
     std::int64_t const x0 = cell(work.h - mReach);
     std::int64_t const x1 = cell(work.h + mReach);
     std::int64_t const y0 = cell(work.v - mReach);
     std::int64_t const y1 = cell(work.v + mReach);
+    std::size_t slot = 0;
     for (std::int64_t x = x0; x <= x1; ++x) {
         for (std::int64_t y = y0; y <= y1; ++y) {
-            Index const found = FindInCell(x, y, work);
+            slot = SlotOf(x, y);
+            Index const found = FindInSlot(slot, work);
             if (found != kNoIndex) {
                 mGreatestMove = std::max(mGreatestMove, Taxicab(mWork[found] - work));
                 return found;
@@ -166,9 +173,11 @@ Index VertexTable::At(Pt const& p) {
     }
     std::int64_t const x = cell(work.h);
     std::int64_t const y = cell(work.v);
+    if (x0 != x1 || y0 != y1) {
+        slot = SlotOf(x, y);
+    }
     Index const vertex = AddApart(work);
     mPlaces[vertex] = p;
-    std::size_t slot = SlotOf(x, y);
     if (mSlots[slot].first == kNoIndex) {
         if (2 * ++mUsed > mSlots.size()) {
             Grow();
@@ -265,6 +274,9 @@ bool FindOnMonotone(Cubic const& c, bool straight, Pt const& p, double reach, do
 
 void OutlineArcs::Add(CPath const& path, std::uint32_t operand, bool closed) {
     std::size_t first = elements.size();
+    if (first == 0) {
+        elements.reserve(path.mCtls.size() + 1);
+    }
     std::size_t segment = 0;
     Pt current;
     Pt start;
@@ -530,7 +542,7 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
         Index piece;
         bool end; ///< whether the piece ends at the vertex
         Pt direction;
-        double angle; ///< grows with the angle, from -2 to 2
+        double angle; ///< grows with the angle, from -2 to 2; only where it is needed
     };
     // The ends of pieces, 2 * a piece's number and + 1 for its last end, in a list for each vertex.
     std::vector<Index> firsts(vertices.Count(), kNoIndex);
@@ -550,8 +562,7 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
         for (std::size_t k = 2; k < 4 && Taxicab(way) <= kRounding; ++k) {
             way = end ? c[3 - k] - c[3] : c[k] - c[0];
         }
-        double const along = way.h / Taxicab(way);
-        return Branch{number / 2, end, way, way.v < 0.0 ? along - 1.0 : 1.0 - along};
+        return Branch{number / 2, end, way, 0.0};
     };
     std::vector<Cut> cuts;
     auto const compare = [&](Branch const& first, Branch const& second) {
@@ -589,10 +600,17 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
     std::vector<Branch> branches;
     for (Index const first : firsts) {
         branches.clear();
+        if (first == kNoIndex || next[first] == kNoIndex) {
+            continue;
+        }
         for (Index number = first; number != kNoIndex; number = next[number]) {
             branches.push_back(branchOf(number));
         }
         if (branches.size() > 2) {
+            for (Branch& branch : branches) {
+                double const along = branch.direction.h / Taxicab(branch.direction);
+                branch.angle = branch.direction.v < 0.0 ? along - 1.0 : 1.0 - along;
+            }
             std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
                 return a.angle != b.angle ? a.angle < b.angle : a.piece < b.piece;
             });

@@ -109,7 +109,7 @@ public:
 
 private:
     std::size_t SlotOf(std::int64_t x, std::int64_t y) const;
-    Index FindInCell(std::int64_t x, std::int64_t y, TPoint<double> const& work) const;
+    Index FindInSlot(std::size_t slot, TPoint<double> const& work) const;
     void Grow();
 
     struct Entry {

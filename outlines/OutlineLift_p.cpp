@@ -209,6 +209,11 @@ private:
     void WriteRun(Run const& run, Pt const& start);
     Cubic CurveOf(Run const& run, Pt const& start) const;
     void WriteStretches();
+    /// Appends a code and the last of its points.
+    void AddElement(char code, Pt const& end) {
+        mPath->mCtls.push_back(code);
+        mPath->mPts.push_back(end);
+    }
     void AddSource(ElementSource const& source) {
         if (mSources != nullptr) {
             mSources->push_back(source);
@@ -437,19 +442,20 @@ Cubic Lift::CurveOf(Run const& run, Pt const& start) const {
 
 void Lift::WriteRun(Run const& run, Pt const& start) {
     if (run.element == kNoIndex) {
-        mPath->AddCtl(kPathLine).AddPt(run.end);
+        AddElement(kPathLine, run.end);
         AddSource({});
         return;
     }
     OutlineElement const& element = mFlat.arcs.Wholes()[run.element];
     AddSource({element.operand, element.segment, run.from, run.to});
     if (!run.curve) {
-        mPath->AddCtl(kPathLine).AddPt(run.end);
+        AddElement(kPathLine, run.end);
         return;
     }
     Cubic const curve = CurveOf(run, start);
-    mPath->AddCtl(kPathCurve).AddPt(curve[1]).AddPt(curve[2]);
-    mPath->AddPt(run.end);
+    mPath->mPts.push_back(curve[1]);
+    mPath->mPts.push_back(curve[2]);
+    AddElement(kPathCurve, run.end);
 }
 
 /// Writes the runs as a contour of stretches.
@@ -494,7 +500,7 @@ void Lift::WriteClosed() {
         mRuns.pop_back();
     }
     WriteOpen(closing.end);
-    mPath->AddCtl(kPathClose);
+    mPath->mCtls.push_back(kPathClose);
     mPath->mOpen = false;
     if (closesWithLine && closing.element != kNoIndex) {
         OutlineElement const& element = mFlat.arcs.Wholes()[closing.element];
@@ -506,7 +512,7 @@ void Lift::WriteClosed() {
 
 /// Writes the runs as they follow each other from `start` on.
 void Lift::WriteOpen(Pt const& start) {
-    mPath->AddCtl(kPathMove).AddPt(start);
+    AddElement(kPathMove, start);
     mPath->mOpen = true;
     AddSource({});
     Pt last = start;
@@ -514,6 +520,7 @@ void Lift::WriteOpen(Pt const& start) {
         WriteRun(run, last);
         last = run.end;
     }
+    mPath->mCurrentPt = last;
 }
 
 void Lift::Write(Contour const& contour, bool backwards) {
@@ -567,6 +574,11 @@ void Lift::LiftRegion(RegionContours const& region) {
     FindWhole();
     FindShared(2);
     MarkContacts();
+    if (mPath != nullptr) {
+        mPath->mCtls.reserve(mLines.points.size() + 2 * mLines.Count());
+        mPath->mPts.reserve(2 * mLines.points.size());
+    }
+    mRuns.reserve(mLines.points.size());
     // Contours are in the order of their first edges. Those with the greater part of their edges
     // against their sources' direction ask to be turned; holes go with the contour around them.
     std::vector<Contour> contours;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <tuple>
 #include <utility>
@@ -35,13 +36,16 @@ std::size_t const kPartsCompared = 8;
 std::size_t const kTestsForPair = 64;
 std::size_t const kTestsForAll = std::size_t{1} << 17U;
 
+/// The height of a node before it is asked for.
+double const kNoHeight = -1.0;
+
 /// A part of an arc between two parameters.
 struct Node {
     Cubic c;
     Box<double> box;
     double from;
     double to;
-    double height; ///< how far the curve may be from its chord
+    double height; ///< how far the curve may be from its chord, or kNoHeight
     Index arc;
     Index start; ///< the vertices at its ends, kNoIndex where it was halved
     Index end;
@@ -50,13 +54,16 @@ struct Node {
 
 void Measure(Node& node, double margin) {
     node.box = BoxOf(node.c).Widened(margin, margin);
-    Pt const chord = node.c[3] - node.c[0];
+    node.height = kNoHeight;
+}
+
+double HeightOf(Cubic const& c) {
+    Pt const chord = c[3] - c[0];
     double const length = std::sqrt(Square(chord));
-    double const beside = std::max(std::abs(Cross(chord, node.c[1] - node.c[0])),
-                                   std::abs(Cross(chord, node.c[2] - node.c[0])));
-    node.height = length > kNoVector
-                      ? beside / length
-                      : std::max(Taxicab(node.c[1] - node.c[0]), Taxicab(node.c[2] - node.c[0]));
+    double const beside =
+        std::max(std::abs(Cross(chord, c[1] - c[0])), std::abs(Cross(chord, c[2] - c[0])));
+    return length > kNoVector ? beside / length
+                              : std::max(Taxicab(c[1] - c[0]), Taxicab(c[2] - c[0]));
 }
 
 /// Returns 1 when the turns from all vectors of `a` to all of `b` are positive by more than
@@ -178,8 +185,15 @@ private:
 
     void Test(Pair pair);
     void Halve(Index node);
+    double Height(Index node) {
+        Node& n = mNodes[node];
+        n.height = n.height == kNoHeight ? HeightOf(n.c) : n.height;
+        return n.height;
+    }
     /// Replaces the pair by those with the halves of a node.
     void HalveFirst(Pair pair);
+    /// True when two parts have both ends in common.
+    bool AnyWithSameEnds() const;
     void AddContact(Pair pair);
     void AddCrossing(Node const& a, Node const& b, double s, double t);
     void AddNode(Cubic const& c, double from, double to, Index arc, Index start, Index end);
@@ -226,7 +240,8 @@ void CertifiedParts::Work::AddContact(Pair pair) {
     Node const& a = mNodes[pair.a];
     Node const& b = mNodes[pair.b];
     mParts.mContacts.push_back({{a.arc, a.from, a.to}, {b.arc, b.from, b.to}});
-    mParts.mGreatestHeight = std::max(mParts.mGreatestHeight, std::max(a.height, b.height));
+    mParts.mGreatestHeight =
+        std::max(mParts.mGreatestHeight, std::max(Height(pair.a), Height(pair.b)));
 }
 
 void CertifiedParts::Work::AddCrossing(Node const& a, Node const& b, double s, double t) {
@@ -271,9 +286,11 @@ void CertifiedParts::Work::Test(Pair pair) {
             return;
         }
     }
-    if (a.height <= mFinest && b.height <= mFinest) {
+    double const heightA = Height(pair.a);
+    double const heightB = Height(pair.b);
+    if (heightA <= mFinest && heightB <= mFinest) {
         AddContact(pair);
-    } else if (a.height >= b.height) {
+    } else if (heightA >= heightB) {
         HalveFirst(pair);
     } else {
         HalveFirst({pair.b, pair.a});
@@ -319,7 +336,35 @@ void CertifiedParts::Work::WorkOff() {
     }
 }
 
+bool CertifiedParts::Work::AnyWithSameEnds() const {
+    std::uint64_t const none = std::numeric_limits<std::uint64_t>::max();
+    std::size_t size = 64;
+    while (size < 2 * mParts.Count()) {
+        size *= 2;
+    }
+    std::vector<std::uint64_t> slots(size, none); // the ends of parts
+    for (Index i = 0; i < mArcs.arcs.size(); ++i) {
+        for (std::size_t k = mParts.Begin(i); k < mParts.End(i); ++k) {
+            Index const start = mParts.VertexAt(i, k);
+            Index const end = mParts.VertexAt(i, k + 1);
+            std::uint64_t const ends =
+                std::uint64_t{std::min(start, end)} << 32U | std::max(start, end);
+            std::size_t slot = ends * 0x9E3779B97F4A7C15U >> 24U & (size - 1);
+            for (; slots[slot] != none; slot = (slot + 1) & (size - 1)) {
+                if (slots[slot] == ends) {
+                    return true;
+                }
+            }
+            slots[slot] = ends;
+        }
+    }
+    return false;
+}
+
 bool CertifiedParts::Work::RunAgain() {
+    if (!AnyWithSameEnds()) {
+        return false;
+    }
     struct Part {
         Index low; // of the vertices at its ends
         Index high;
@@ -359,7 +404,7 @@ bool CertifiedParts::Work::RunAgain() {
             first = first == kNoIndex ? add(parts[i]) : first;
             Index const second = add(parts[k]);
             // Chords of contacts may be the same.
-            if (std::max(mNodes[first].height, mNodes[second].height) > mArcs.Reach()) {
+            if (std::max(Height(first), Height(second)) > mArcs.Reach()) {
                 mQueue.push_back({first, second});
             }
         }
