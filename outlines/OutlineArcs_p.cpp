@@ -34,6 +34,8 @@ std::size_t const kBranchesCompared = 8;
 int const kCoincidenceDepth = 6;
 /// Up to so many boxes are compared by a sweep.
 std::size_t const kFewBoxes = 256;
+/// More are so, too, where a sweep looks at no more others for each of them.
+std::size_t const kMostBeside = 48;
 
 /// Returns the offset that makes coordinates from `low` to `high` small without rounding: by
 /// Sterbenz' lemma none is needed elsewhere.
@@ -463,6 +465,7 @@ void OutlineArcs::TakeApart() {
     std::vector<Piece> pieces;
     std::vector<std::size_t> contourEnds; // of pieces
     pieces.reserve(3 * elements.size());
+    contourEnds.reserve(mContourEnds.size());
     std::size_t first = 0;
     for (std::size_t const end : mContourEnds) {
         for (; first < end; ++first) {
@@ -476,24 +479,36 @@ void OutlineArcs::TakeApart() {
 
 template <class Items> void OutlineArcs::FindPairs(Items const& items) {
     pairs.clear();
+    pairs.reserve(3 * items.size());
     mBoxes.clear();
     mBoxes.reserve(items.size());
     for (auto const& item : items) {
         mBoxes.push_back(BoxOf(item.c).Widened(mReach, mReach));
     }
-    if (mBoxes.size() > kFewBoxes) {
-        BoxTree(mBoxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
-            pairs.emplace_back(static_cast<Index>(i), static_cast<Index>(j));
-        });
-        return;
-    }
-    // A sweep along h is faster for few.
+    // A sweep along h is faster where few boxes lie beside each other.
     std::vector<std::pair<double, Index>> order;
     order.reserve(mBoxes.size());
     for (Box<double> const& box : mBoxes) {
         order.emplace_back(box.lowX, static_cast<Index>(order.size()));
     }
     std::sort(order.begin(), order.end());
+    if (mBoxes.size() > kFewBoxes) {
+        std::size_t const step = mBoxes.size() / kFewBoxes + 1;
+        std::size_t beside = 0;
+        std::size_t sampled = 0;
+        for (std::size_t k = 0; k < order.size(); k += step) {
+            std::pair<double, Index> const last(mBoxes[order[k].second].highX, kNoIndex);
+            auto const first = order.begin() + static_cast<std::ptrdiff_t>(k);
+            beside += static_cast<std::size_t>(std::upper_bound(first, order.end(), last) - first);
+            ++sampled;
+        }
+        if (beside > kMostBeside * sampled) {
+            BoxTree(mBoxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
+                pairs.emplace_back(static_cast<Index>(i), static_cast<Index>(j));
+            });
+            return;
+        }
+    }
     for (std::size_t k = 0; k < order.size(); ++k) {
         Index const i = order[k].second;
         Box<double> const box = mBoxes[i];
@@ -728,6 +743,7 @@ void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
     next.reserve(pieces.size());
     arcs.reserve(pieces.size());
     uses.reserve(pieces.size());
+    contours.reserve(ends.size());
     bool same = true; // whether arcs and pieces have the same numbers
     std::size_t i = 0;
     for (std::size_t contour = 0; contour < ends.size(); ++contour) {

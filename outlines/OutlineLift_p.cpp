@@ -582,6 +582,7 @@ void Lift::LiftRegion(RegionContours const& region) {
     // Contours are in the order of their first edges. Those with the greater part of their edges
     // against their sources' direction ask to be turned; holes go with the contour around them.
     std::vector<Contour> contours;
+    contours.reserve(mLines.Count());
     std::vector<std::ptrdiff_t> against(mLines.Count(), 0);
     std::vector<std::size_t> const outers = OutersOf(region);
     for (std::size_t i = 0; i < mLines.Count(); ++i) {

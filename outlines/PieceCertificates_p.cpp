@@ -314,6 +314,7 @@ void CertifiedParts::Work::Run() {
         AddNode(arc.c, 0.0, 1.0, static_cast<Index>(i), arc.v0, arc.v1);
     }
     mQueue.reserve(2 * mArcs.pairs.size());
+    cuts.reserve(64);
     for (auto const& [i, j] : mArcs.pairs) {
         if (!mArcs.arcs[i].straight || !mArcs.arcs[j].straight) {
             mQueue.push_back({i, j});
