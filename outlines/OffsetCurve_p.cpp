@@ -37,6 +37,8 @@ constexpr double kMostOff = 0.5;
 constexpr double kEnoughOff = 1.0 / 16.0;
 /// The squared sine of an angle between directions that differ by rounding.
 constexpr double kSameDirection = 0x1p-80;
+/// How far rounding may be off in sums of products of coordinates, as a share of these.
+constexpr double kTurnRounding = 0x1p-48;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
@@ -654,6 +656,46 @@ bool IsShort(DirectedCubic const& piece, double distance, double length) {
     return !(turn > 1.0) && !(own + std::abs(distance) * turn > length);
 }
 
+/// True where the radius of curvature only grows along a piece, or only shrinks. The coefficients
+/// of its derivative's numerator have one sign then, in Bernstein form of degree 6.
+bool TurnsEvenly(DirectedCubic const& piece) {
+    Pt const& a = piece.speed[0];
+    Pt const& b = piece.speed[1];
+    Pt const& c = piece.speed[2];
+    Pt const bend = a - b * 2.0 + c;
+    std::array<double, 3> const h = {{a.h, 2.0 * b.h, c.h}};
+    std::array<double, 3> const v = {{a.v, 2.0 * b.v, c.v}};
+    std::array<double, 2> const byH = {{b.h - a.h, c.h - b.h}};
+    std::array<double, 2> const byV = {{b.v - a.v, c.v - b.v}};
+    std::array<double, 3> const turn = {{Cross(a, bend), 2.0 * Cross(b, bend), Cross(c, bend)}};
+    std::array<double, 5> square = Product(h, h);
+    std::array<double, 5> const squareV = Product(v, v);
+    std::array<double, 4> cross = Product(h, byV);
+    std::array<double, 4> const crossV = Product(v, byH);
+    std::array<double, 4> dot = Product(h, byH);
+    std::array<double, 4> const dotV = Product(v, byV);
+    for (std::size_t i = 0; i < 5; ++i) {
+        square[i] += squareV[i];
+    }
+    for (std::size_t i = 0; i < 4; ++i) {
+        cross[i] -= crossV[i];
+        dot[i] += dotV[i];
+    }
+    std::array<double, 7> const grown = Product(turn, square);
+    std::array<double, 7> const slowed = Product(cross, dot);
+    double least = 0.0;
+    double most = 0.0;
+    double rounding = 0.0;
+    for (std::size_t i = 0; i < 7; ++i) {
+        double const value = grown[i] - 6.0 * slowed[i];
+        least = std::min(least, value);
+        most = std::max(most, value);
+        rounding = std::max(rounding, std::abs(grown[i]) + std::abs(6.0 * slowed[i]));
+    }
+    rounding *= kTurnRounding;
+    return least >= -rounding || most <= rounding;
+}
+
 } // namespace
 
 void AppendOffset(DirectedCubic const& whole, double distance, double tolerance,
@@ -714,10 +756,11 @@ void AppendCentres(DirectedCubic const& whole, double radius, double tolerance, 
         Pt const centre = CentreOf(part.piece, t, direction, radius);
         Pt const middle = (part.from + part.to) * 0.5;
         double const way = Taxicab(centre - part.from) + Taxicab(part.to - centre);
-        bool done = part.depth == kDeepestCentre ||
-                    (Dot(part.piece.from, direction) > 0.7 && Dot(direction, part.piece.to) > 0.7 &&
-                     Square(middle - part.piece.curve[0]) <= reach * reach &&
-                     Square(middle - part.piece.curve[3]) <= reach * reach);
+        bool done =
+            part.depth == kDeepestCentre ||
+            (Dot(part.piece.from, direction) > 0.7 && Dot(direction, part.piece.to) > 0.7 &&
+             TurnsEvenly(part.piece) && Square(middle - part.piece.curve[0]) <= reach * reach &&
+             Square(middle - part.piece.curve[3]) <= reach * reach);
         if (done && exact && part.depth < kDeepestCentre) {
             double const turn =
                 Taxicab(direction - part.piece.from) + Taxicab(part.piece.to - direction);

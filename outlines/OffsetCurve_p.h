@@ -79,7 +79,8 @@ void AppendOffset(DirectedCubic const& piece, double distance, double tolerance,
 /// ends.
 ///
 /// The chords between the points run on the concave side of the centres' curve, so they take
-/// nothing away from what the pen covers. The points of a chord are no farther than the radius from
+/// nothing away from what the pen covers. So none spans a place where the curvature is greatest,
+/// where the centres' curve has a cusp. The points of a chord are no farther than the radius from
 /// the curve, save `tolerance`. If `exact`, no point of the centres' curve is farther than
 /// `tolerance` from the chords.
 void AppendCentres(DirectedCubic const& piece, double radius, double tolerance, bool exact,

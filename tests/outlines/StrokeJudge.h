@@ -19,7 +19,7 @@
 
 namespace trammel_test {
 
-/// The shape that a pen covers along a finite path, which is drawn solid.
+/// The shape that a pen covers along a path, which is drawn solid.
 class StrokeJudge {
 public:
     typedef long double Wide;
@@ -88,12 +88,26 @@ private:
         Pt end = subpath.Start();
         bool any = false;
         for (trammel::PathSegment const& s : subpath) {
+            for (Pt const& p : {s.start, s.control1, s.control2, s.end}) {
+                if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
+                    return; // the subpath is absent
+                }
+            }
             any = true;
             end = s.end;
             Piece piece{{Wider(s.start), Wider(s.control1), Wider(s.control2), Wider(s.end)},
                         s.IsCurve(),
                         {0, 0},
                         {0, 0}};
+            // A control point that lies on its end, to within rounding, has no direction.
+            Wide extent = 0;
+            for (Vec const& x : piece.p) {
+                extent = std::fmax(extent, (x - piece.p[0]).Length());
+            }
+            piece.p[1] =
+                (piece.p[1] - piece.p[0]).Length() > extent * 0x1p-50L ? piece.p[1] : piece.p[0];
+            piece.p[2] =
+                (piece.p[2] - piece.p[3]).Length() > extent * 0x1p-50L ? piece.p[2] : piece.p[3];
             for (std::size_t i = 3; i > 0; --i) {
                 Vec const leaves = piece.p[i] - piece.p[0];
                 Vec const arrives = piece.p[3] - piece.p[3 - i];
@@ -102,7 +116,6 @@ private:
             }
             if (piece.from.Length() > 0) {
                 pieces.push_back(piece);
-                mPieces.push_back(piece);
             }
         }
         if (pieces.empty()) {
@@ -112,6 +125,7 @@ private:
             }
             return;
         }
+        mPieces.insert(mPieces.end(), pieces.begin(), pieces.end());
         for (std::size_t i = 1; i < pieces.size(); ++i) {
             AddJoin(pieces[i].p[0], pieces[i - 1].to, pieces[i].from);
         }

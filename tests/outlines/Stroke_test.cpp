@@ -533,6 +533,16 @@ TEST(Offset, JoinsTheCornersOfASquare) {
     }
 }
 
+TEST(Offset, LeavesNothingOfARegionThatIsThinnerThanTwiceTheDistance) {
+    // The centres of curvature have a cusp beside the long side.
+    CPath const region = Path("M-4.5 5.3C-3.8 6.1-3 7.2-2.2 8.4-2.4 17.7-6.3 16.9-16 19Z");
+    for (double const distance : {-10.0, -20.0, -97.0}) {
+        CPath out;
+        Offset(region, FillRule::kNonZero, distance, StrokeJoin::kRound, 4.0, 0.01, out);
+        EXPECT_TRUE(out.mCtls.empty()) << distance << ' ' << trammel::WriteSvgPath(out);
+    }
+}
+
 TEST(Offset, OfARegionThatIsTinyBesideTheDistanceIsADisc) {
     CPath const region = Path("M0 0C1 3 2 -3 1 0Z");
     for (double const distance : {1e20, 1e160, 1e273}) {
