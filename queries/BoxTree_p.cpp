@@ -19,7 +19,8 @@ std::int64_t OnGrid(double x, double low, double high) {
     // Halves, as the difference may overflow.
     double const length = 0.5 * high - 0.5 * low;
     double const part = length > 0.0 ? (0.5 * x - 0.5 * low) / length : 0.0;
-    return static_cast<std::int64_t>(std::min(std::max(2.0 * part - 1.0, -1.0), 1.0) * 0x1p59);
+    // In this order of arguments, NaN takes the lowest place. No integer stands for NaN.
+    return static_cast<std::int64_t>(std::min(std::max(-1.0, 2.0 * part - 1.0), 1.0) * 0x1p59);
 }
 
 } // namespace
