@@ -86,11 +86,12 @@ CMatrix3x3 MapFitting(TRect<double> const& degrees, CPath const& outline, TRect<
 } // namespace
 
 Plate DrawWelded(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "welded";
-    plate.title = "Letters welded into one outline";
-    plate.sentence = "Letters set so tightly that they overlap are united one after another; what "
-                     "remains is one outline, with the counters of the letters for holes.";
+    Plate plate{"welded",
+                "Letters welded into one outline",
+                "Letters set so tightly that they overlap are united one after another; what "
+                "remains is one outline, with the counters of the letters for holes.",
+                {},
+                {}};
 
     constexpr double kOverlap = 0.07; // of the letters' boxes, as a part of the type's size
     std::string const word = "amble";
@@ -140,11 +141,12 @@ Plate DrawWelded(GalleryInput const& input) {
 }
 
 Plate DrawFourOperations(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "four-operations";
-    plate.title = "Four operations on two outlines with holes";
-    plate.sentence = "South Africa, around Lesotho, and an ampersand, around its counters: what "
-                     "is in either, in both, in the first alone, and in exactly one of them.";
+    Plate plate{"four-operations",
+                "Four operations on two outlines with holes",
+                "South Africa, around Lesotho, and an ampersand, around its counters: what "
+                "is in either, in both, in the first alone, and in exactly one of them.",
+                {},
+                {}};
 
     CPath const country = Mainland(CountryPath(input, "South Africa"));
     TRect<double> const room(-150.0, -112.0, 150.0, 112.0);
@@ -188,11 +190,12 @@ Plate DrawFourOperations(GalleryInput const& input) {
 }
 
 Plate DrawWordCut(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "word-cut";
-    plate.title = "A word cut out of a country";
-    plate.sentence = "Australia less the letters of its name; the land inside a letter's "
-                     "counter stays, as a contour of its own.";
+    Plate plate{"word-cut",
+                "A word cut out of a country",
+                "Australia less the letters of its name; the land inside a letter's "
+                "counter stays, as a contour of its own.",
+                {},
+                {}};
 
     CPath const country = Mainland(CountryPath(input, "Australia"));
     CPath const outline = Transformed(country, MapFitting(DrawnBounds(country), country,
@@ -233,11 +236,12 @@ Plate DrawWordCut(GalleryInput const& input) {
 }
 
 Plate DrawJoined(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "joined";
-    plate.title = "Neighbouring countries joined";
-    plate.sentence = "The countries of South America are united one after another: the borders "
-                     "between them vanish, the coasts stay.";
+    Plate plate{"joined",
+                "Neighbouring countries joined",
+                "The countries of South America are united one after another: the borders "
+                "between them vanish, the coasts stay.",
+                {},
+                {}};
 
     // No two neighbours have the same colour.
     struct Country {

@@ -135,12 +135,13 @@ Plate DrawHitMap(GalleryInput const& input) {
     constexpr int kRows = 102;
     constexpr double kTolerance = 5.0;
     constexpr double kBand = 10.0;
-    Plate plate;
-    plate.name = "hit-test";
-    plate.title = "A map of hits";
-    plate.sentence = "The middle of every cell asks three things: whether it hits the outline "
-                     "within a tolerance, whether it is inside, and how far the nearest point of "
-                     "the outline is.";
+    Plate plate{"hit-test",
+                "A map of hits",
+                "The middle of every cell asks three things: whether it hits the outline "
+                "within a tolerance, whether it is inside, and how far the nearest point of "
+                "the outline is.",
+                {},
+                {}};
 
     // Cells have these classes: the hits, bands of the inside, bands of the outside.
     std::array<Colour, 9> const colours{{palette::vermilion,
@@ -239,11 +240,12 @@ Plate DrawHitMap(GalleryInput const& input) {
 }
 
 Plate DrawHatching(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "hatching";
-    plate.title = "Letters hatched by clipping";
-    plate.sentence = "Parallel lines are clipped by the outlines; the holes of the letters stay "
-                     "free.";
+    Plate plate{"hatching",
+                "Letters hatched by clipping",
+                "Parallel lines are clipped by the outlines; the holes of the letters stay "
+                "free.",
+                {},
+                {}};
 
     struct Letter {
         char character;
@@ -279,11 +281,12 @@ Plate DrawRounding(GalleryInput const& input) {
     constexpr double kCell = 17.0;
     constexpr int kRows = 26;
     constexpr int kColumns = 21;
-    Plate plate;
-    plate.name = "rounding";
-    plate.title = "On the integer grid";
-    plate.sentence = "A letter some twenty units high, exact and as the integer polygon that early "
-                     "screens drew: every point moves to the nearest crossing of the grid.";
+    Plate plate{"rounding",
+                "On the integer grid",
+                "A letter some twenty units high, exact and as the integer polygon that early "
+                "screens drew: every point moves to the nearest crossing of the grid.",
+                {},
+                {}};
 
     Canvas canvas(input.labels);
     CPath const small = LetterIn(input, 'g', TRect<double>(1.2, 1.2, kColumns - 1.2, kRows - 1.2));

@@ -371,8 +371,10 @@ struct Judged {
             return evenOdd ? winding % 2 != 0 : winding != 0;
         };
         for (int i = 0; i < kGrid * kGrid; ++i) {
-            TPoint<double> const p(bounds.left + bounds.Width() * (i % kGrid + 0.5) / kGrid,
-                                   bounds.top + bounds.Height() * (i / kGrid + 0.5) / kGrid);
+            int const column = i % kGrid;
+            int const row = i / kGrid;
+            TPoint<double> const p(bounds.left + bounds.Width() * (column + 0.5) / kGrid,
+                                   bounds.top + bounds.Height() * (row + 0.5) / kGrid);
             bool const inA = inside(a, p, false);
             bool const inB = inside(b, p, false);
             bool const want = hard.width > 0.0 ? line.FindNearest(p).distance <= 0.5 * hard.width

@@ -66,12 +66,13 @@ double LengthOf(CPath const& path) { return trammel::ArcLength(path, 0.0); }
 } // namespace
 
 Plate DrawMarks(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "marks";
-    plate.title = "Marks at every tenth of the way";
-    plate.sentence = "The outline of a letter is walked by arc length, across lines, curves and "
-                     "inner contours alike; each mark stands at right angles to the direction that "
-                     "the outline has there.";
+    Plate plate{"marks",
+                "Marks at every tenth of the way",
+                "The outline of a letter is walked by arc length, across lines, curves and "
+                "inner contours alike; each mark stands at right angles to the direction that "
+                "the outline has there.",
+                {},
+                {}};
 
     CPath const letter = LetterPath(input, '&');
     Canvas canvas(input.labels);
@@ -118,11 +119,12 @@ Plate DrawMarks(GalleryInput const& input) {
 }
 
 Plate DrawTextAlong(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "text-along-path";
-    plate.title = "Text along a path";
-    plate.sentence = "Each letter stands on the curve at its own distance from the start and is "
-                     "turned to the curve's direction at that place.";
+    Plate plate{"text-along-path",
+                "Text along a path",
+                "Each letter stands on the curve at its own distance from the start and is "
+                "turned to the curve's direction at that place.",
+                {},
+                {}};
 
     std::string const words =
         "A path knows its own length, and so each letter of this line finds the place on the curve "
@@ -158,11 +160,12 @@ Plate DrawTextAlong(GalleryInput const& input) {
 Plate DrawCut(GalleryInput const& input) {
     constexpr double kFrom = 0.12;
     constexpr double kTo = 0.42;
-    Plate plate;
-    plate.name = "cut";
-    plate.title = "A piece cut out, and what remains";
-    plate.sentence = "A closed outline is cut at two fractions of its length; the remainder is one "
-                     "open piece that runs through the outline's start.";
+    Plate plate{"cut",
+                "A piece cut out, and what remains",
+                "A closed outline is cut at two fractions of its length; the remainder is one "
+                "open piece that runs through the outline's start.",
+                {},
+                {}};
 
     Canvas canvas(input.labels);
     CPath const whole = LetterIn(input, 'S', TRect<double>(75.0, 36.0, 345.0, 436.0));
@@ -216,11 +219,12 @@ Plate DrawCut(GalleryInput const& input) {
 
 Plate DrawNearest(GalleryInput const& input) {
     constexpr int kPoints = 48;
-    Plate plate;
-    plate.name = "nearest";
-    plate.title = "A drawing measured, and its nearest points";
-    plate.sentence = "From each point of a ring a line leads to the nearest point of all the "
-                     "drawing's outlines.";
+    Plate plate{"nearest",
+                "A drawing measured, and its nearest points",
+                "From each point of a ring a line leads to the nearest point of all the "
+                "drawing's outlines.",
+                {},
+                {}};
 
     CPath all;
     for (Outline const& outline : input.drawing.outlines) {

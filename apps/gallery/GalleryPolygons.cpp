@@ -136,11 +136,12 @@ CGPath* BuildAndCount(CFPolygonRef polygon) {
 
 Plate DrawQuadratics(GalleryInput const& input) {
     constexpr double kError = 0.2;
-    Plate plate;
-    plate.name = "quadratics";
-    plate.title = "Quadratics beside cubics";
-    plate.sentence = "The same letter of two fonts: curves with one control point each, and curves "
-                     "with two. Dots are ends, rings control points.";
+    Plate plate{"quadratics",
+                "Quadratics beside cubics",
+                "The same letter of two fonts: curves with one control point each, and curves "
+                "with two. Dots are ends, rings control points.",
+                {},
+                {}};
 
     Canvas canvas(input.labels);
     constexpr char kLetter = 'S';
@@ -220,11 +221,12 @@ Plate DrawQuadratics(GalleryInput const& input) {
 
 Plate DrawCachedPath(GalleryInput const& input) {
     constexpr int kTimes = 12;
-    Plate plate;
-    plate.name = "cached-path";
-    plate.title = "A polygon that keeps its drawing path";
-    plate.sentence = "A polygon is drawn from the path that it keeps: built when first asked for, "
-                     "and built anew only after the polygon has been changed.";
+    Plate plate{"cached-path",
+                "A polygon that keeps its drawing path",
+                "A polygon is drawn from the path that it keeps: built when first asked for, "
+                "and built anew only after the polygon has been changed.",
+                {},
+                {}};
 
     CPath const letter = LetterIn(input, 'C', TRect<double>(-145.0, -172.0, 145.0, 172.0));
     std::vector<TPolygon<double>> const polygons = Flatten(letter, 1.0);
@@ -291,11 +293,12 @@ Plate DrawCornerTest(GalleryInput const& input) {
     constexpr double kDegrees = 27.0;
     constexpr double kHalfWidth = 21.0;
     constexpr double kHalfHeight = 13.0;
-    Plate plate;
-    plate.name = "corner-test";
-    plate.title = "Boxes tested against a turned rectangle";
-    plate.sentence = "A box counts as inside when all its corners are, and as touched when one of "
-                     "them is; its edges are not looked at.";
+    Plate plate{"corner-test",
+                "Boxes tested against a turned rectangle",
+                "A box counts as inside when all its corners are, and as touched when one of "
+                "them is; its edges are not looked at.",
+                {},
+                {}};
 
     TRect<double> const rectangle(TPoint<double>(400.0, 255.0), 265.0, 130.0);
     OwnedPolygon const turned(RotRectToPoly(rectangle, DegToRad(kDegrees)));

@@ -48,11 +48,12 @@ CFPolygonRef TurnedRectangle(TRect<double> const& r, double angle) {
 Plate DrawTransforms(GalleryInput const& input) {
     constexpr double kPanelWidth = 250.0;
     constexpr double kPanelHeight = 265.0;
-    Plate plate;
-    plate.name = "transforms";
-    plate.title = "One letter under six transforms";
-    plate.sentence = "Grey is the letter as it was; blue is the letter transformed, every point by "
-                     "one matrix.";
+    Plate plate{"transforms",
+                "One letter under six transforms",
+                "Grey is the letter as it was; blue is the letter transformed, every point by "
+                "one matrix.",
+                {},
+                {}};
 
     Canvas canvas(input.labels);
     CPath const letter = LetterIn(input, 'R', TRect<double>(-52.0, -52.0, 52.0, 52.0));
@@ -116,12 +117,13 @@ Plate DrawTransforms(GalleryInput const& input) {
 }
 
 Plate DrawCircles(GalleryInput const& input) {
-    Plate plate;
-    plate.name = "circles";
-    plate.title = "Circles through three points";
-    plate.sentence = "One circle through a triangle's corners, another through the middles of its "
-                     "sides; the second also meets the feet of the heights and the middles of "
-                     "their upper parts. Three points in line give the circle on the outer two.";
+    Plate plate{"circles",
+                "Circles through three points",
+                "One circle through a triangle's corners, another through the middles of its "
+                "sides; the second also meets the feet of the heights and the middles of "
+                "their upper parts. Three points in line give the circle on the outer two.",
+                {},
+                {}};
 
     Canvas canvas(input.labels);
     std::array<TPoint<double>, 3> const corners{
@@ -200,11 +202,12 @@ Plate DrawCircles(GalleryInput const& input) {
 
 Plate DrawPolygons(GalleryInput const& input) {
     constexpr double kStep = 17.0;
-    Plate plate;
-    plate.name = "polygons";
-    plate.title = "A rectangle turned, then mapped";
-    plate.sentence = "A polygon is built from a rectangle, built again with an angle, and mapped "
-                     "from its bounds onto another box; dots and corners tell what it contains.";
+    Plate plate{"polygons",
+                "A rectangle turned, then mapped",
+                "A polygon is built from a rectangle, built again with an angle, and mapped "
+                "from its bounds onto another box; dots and corners tell what it contains.",
+                {},
+                {}};
 
     struct Panel {
         std::string name;

@@ -53,12 +53,12 @@ CPath FormOf(Change const& change, Drawing const& drawing, Outline const& outlin
 
 } // namespace
 
-void AddChangeOptions(Command const& command, ChangeOptions& options, std::string const& share) {
+void AddChangeOptions(Command const& command, ChangeOptions& options, ToleranceShare const& share) {
     AddSource(command, options.source);
     command
         .AddOption("--tolerance", options.tolerance,
-                   "The distance within which the result is right (default: " + share +
-                       " of the drawing's size)")
+                   "The distance within which the result is right (default: " +
+                       std::string(share.words) + " of the drawing's size)")
         .TypeName("T");
 }
 
@@ -66,7 +66,18 @@ void AddChangeOutput(Command const& command, ChangeOptions& options) {
     AddWriteOptions(command, options.write);
 }
 
-ChangeInput LoadForChange(ChangeOptions const& options, double share) {
+void AddChangeCommand(Command const& app, std::string const& name, std::string const& help,
+                      ToleranceShare const& share, std::string const& footer,
+                      std::function<void(ChangeOptions const&)> const& run) {
+    auto const options = std::make_shared<ChangeOptions>();
+    Command const command = app.AddCommand(name, help);
+    AddChangeOptions(command, *options, share);
+    AddChangeOutput(command, *options);
+    command.SetFooter(footer);
+    command.SetAction([options, run] { run(*options); });
+}
+
+ChangeInput LoadForChange(ChangeOptions const& options, ToleranceShare const& share) {
     ArcAccuracy arcs; // the default tolerances are above what pictures need
     if (!options.tolerance.empty()) {
         arcs = {ArcAccuracy::By::kDistance, ToleranceOf(options) * kArcPart, ""};
@@ -74,13 +85,13 @@ ChangeInput LoadForChange(ChangeOptions const& options, double share) {
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, arcs);
     double const tolerance =
-        options.tolerance.empty() ? ShareOfSize(drawing, share) : ToleranceOf(options);
+        options.tolerance.empty() ? ShareOfSize(drawing, share.share) : ToleranceOf(options);
     return {std::move(drawing), tolerance};
 }
 
 void TellDistance(std::string const& file, std::string const& id, double distance,
                   double tolerance) {
-    if (distance > tolerance) {
+    if (distance > tolerance && tolerance > 0.0) { // it is 0 for a drawing of no size
         Warn(file, id,
              "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
     }

@@ -23,10 +23,18 @@ struct ChangeOptions {
     WriteOptions write;
 };
 
+/// The tolerance without --tolerance.
+struct ToleranceShare {
+    double share; ///< of the drawing's size
+    char const* words;
+};
+/// Far below what can be seen, and above what rounding needs.
+inline constexpr ToleranceShare kFineShare{1e-5, "a 100000th"};
+
 /// What such a command does.
 struct Change {
     std::string progress; ///< what the line of the progress says
-    double share = 0.0;   ///< the tolerance without --tolerance, as a share of the drawing's size
+    ToleranceShare share = kFineShare;
     /// Sets `out` to the outline's new form, and returns the distance that is kept.
     std::function<double(Outline const& outline, double tolerance, CPath& out)> form;
     /// True for a form that bounds an area. An outline without a fill then stays as it is, unless
@@ -43,10 +51,15 @@ struct Change {
 };
 
 /// Adds FILE, --id and --tolerance.
-/// \param share  of Change, in words
-void AddChangeOptions(Command const& command, ChangeOptions& options, std::string const& share);
+void AddChangeOptions(Command const& command, ChangeOptions& options, ToleranceShare const& share);
 /// Adds the options of writing.
 void AddChangeOutput(Command const& command, ChangeOptions& options);
+
+/// Adds a command that has no other options.
+/// \param footer  what its help ends with
+void AddChangeCommand(Command const& app, std::string const& name, std::string const& help,
+                      ToleranceShare const& share, std::string const& footer,
+                      std::function<void(ChangeOptions const&)> const& run);
 
 /// The drawing of a command, and the tolerance that it keeps.
 struct ChangeInput {
@@ -55,10 +68,9 @@ struct ChangeInput {
 };
 
 /// Checks the options, and reads the drawing. Circles and arcs take a small part of the tolerance.
-/// \param share  of Change
-ChangeInput LoadForChange(ChangeOptions const& options, double share);
+ChangeInput LoadForChange(ChangeOptions const& options, ToleranceShare const& share);
 
-/// Warns if the distance is above the tolerance.
+/// Warns if the distance is above the tolerance, unless that is 0.
 void TellDistance(std::string const& file, std::string const& id, double distance,
                   double tolerance);
 

@@ -19,9 +19,6 @@ namespace tool {
 
 namespace {
 
-/// Far below what can be seen, and above what rounding needs.
-constexpr double kShare = 1e-5;
-
 /// The outlines of a drawing, and what becomes of them.
 class Work {
 public:
@@ -178,7 +175,7 @@ private:
 };
 
 void Run(ChangeOptions const& options) {
-    ChangeInput input = LoadForChange(options, kShare);
+    ChangeInput input = LoadForChange(options, kFineShare);
     Drawing& drawing = input.drawing;
     std::string const& output = options.write.output;
     Page const page = LinePicture(drawing.page, drawing.outlines).page;
@@ -194,20 +191,16 @@ void Run(ChangeOptions const& options) {
 } // namespace
 
 void AddDivide(Command const& app) {
-    auto const options = std::make_shared<ChangeOptions>();
-    Command const command =
-        app.AddCommand("divide", "Divides overlapping outlines into parts that do not overlap");
-    AddChangeOptions(command, *options, "a 100000th");
-    AddChangeOutput(command, *options);
-    command.SetFooter(
+    AddChangeCommand(
+        app, "divide", "Divides overlapping outlines into parts that do not overlap", kFineShare,
         "Each outline covers what its fill rule fills, every subpath taken as closed. Where "
         "outlines overlap, each\npart belongs to the one on top, and what lies below goes. The "
         "parts meet along the outlines, within the\ntolerance, and curves stay curves.\n"
         "An SVG drawing is kept: the largest part of an element takes its place, and the others "
         "follow as copies\nwith ids ID-2, ID-3 and so on. Elements with a fill divide each other, "
         "or those that --id names.\n"
-        "Example: trammel divide drawing.svg -o parts.svg");
-    command.SetAction([options] { Run(*options); });
+        "Example: trammel divide drawing.svg -o parts.svg",
+        Run);
 }
 
 } // namespace tool

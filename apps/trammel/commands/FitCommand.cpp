@@ -17,7 +17,7 @@ namespace tool {
 namespace {
 
 /// Less than the width of a line that is drawn by hand.
-constexpr double kShare = 1e-3;
+constexpr ToleranceShare kShare{1e-3, "a 1000th"};
 
 struct Options {
     ChangeOptions change;
@@ -62,7 +62,7 @@ void AddFit(Command const& app) {
     auto const options = std::make_shared<Options>();
     Command const command =
         app.AddCommand("fit", "Writes curves through the points of outlines of many lines");
-    AddChangeOptions(command, options->change, "a 1000th");
+    AddChangeOptions(command, options->change, kShare);
     command
         .AddOption("--corner", options->corner, "Degrees from which a turn is a corner and stays")
         .TypeName("A")

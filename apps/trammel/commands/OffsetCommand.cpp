@@ -10,9 +10,6 @@ namespace tool {
 
 namespace {
 
-/// Far below what can be seen, and above what rounding needs.
-constexpr double kShare = 1e-5;
-
 struct Options {
     ChangeOptions change;
     std::string by;
@@ -26,7 +23,6 @@ void Run(Options const& options) {
     double const miterLimit = MiterLimitOf(options.miterLimit);
     Change change;
     change.progress = "moving outlines";
-    change.share = kShare;
     change.area = true;
     change.form = [=](Outline const& outline, double tolerance, CPath& out) {
         return trammel::Offset(outline.path, outline.rule, distance, join, miterLimit, tolerance,
@@ -40,7 +36,7 @@ void Run(Options const& options) {
 void AddOffset(Command const& app) {
     auto const options = std::make_shared<Options>();
     Command const command = app.AddCommand("offset", "Writes the outlines grown or shrunk");
-    AddChangeOptions(command, options->change, "a 100000th");
+    AddChangeOptions(command, options->change, kFineShare);
     command.AddOption("--by", options->by, "How far to grow; a negative number shrinks")
         .Required()
         .TypeName("D");

@@ -9,13 +9,9 @@ namespace tool {
 
 namespace {
 
-/// Far below what can be seen, and above what rounding needs.
-constexpr double kShare = 1e-5;
-
 void Run(ChangeOptions const& options) {
     Change change;
     change.progress = "removing overlaps";
-    change.share = kShare;
     change.area = true;
     change.form = [](Outline const& outline, double tolerance, CPath& out) {
         return trammel::RemoveOverlap(outline.path, outline.rule, tolerance, out);
@@ -26,19 +22,15 @@ void Run(ChangeOptions const& options) {
 } // namespace
 
 void AddOverlap(Command const& app) {
-    auto const options = std::make_shared<ChangeOptions>();
-    Command const command =
-        app.AddCommand("overlap", "Writes the outlines without overlaps, curves as they are");
-    AddChangeOptions(command, *options, "a 100000th");
-    AddChangeOutput(command, *options);
-    command.SetFooter(
+    AddChangeCommand(
+        app, "overlap", "Writes the outlines without overlaps, curves as they are", kFineShare,
         "The contours bound what the fill rule fills, every subpath taken as closed. They do not "
         "cross, and either\nrule fills them alike. Points farther than the tolerance from the "
         "outline stay inside or outside.\n"
         "An SVG drawing is kept: the elements with a fill get the new form, and those that --id "
         "names.\n"
-        "Example: trammel overlap drawing.svg -o clean.svg");
-    command.SetAction([options] { Run(*options); });
+        "Example: trammel overlap drawing.svg -o clean.svg",
+        Run);
 }
 
 } // namespace tool

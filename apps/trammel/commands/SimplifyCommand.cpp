@@ -10,7 +10,7 @@ namespace tool {
 namespace {
 
 /// A tenth of a pixel of the PNG that this command writes.
-constexpr double kShare = 1e-4;
+constexpr ToleranceShare kShare{1e-4, "a 10000th"};
 
 void Run(ChangeOptions const& options) {
     Change change;
@@ -25,17 +25,13 @@ void Run(ChangeOptions const& options) {
 } // namespace
 
 void AddSimplify(Command const& app) {
-    auto const options = std::make_shared<ChangeOptions>();
-    Command const command =
-        app.AddCommand("simplify", "Writes the outlines with fewer curves and lines");
-    AddChangeOptions(command, *options, "a 10000th");
-    AddChangeOutput(command, *options);
-    command.SetFooter(
+    AddChangeCommand(
+        app, "simplify", "Writes the outlines with fewer curves and lines", kShare,
         "Curves that meet smoothly become one curve, and lines that continue each other one line. "
         "Corners stay.\nNo point of either outline is farther than the tolerance from the other.\n"
         "An SVG drawing is kept: only the forms of the elements change.\n"
-        "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg");
-    command.SetAction([options] { Run(*options); });
+        "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg",
+        Run);
 }
 
 } // namespace tool

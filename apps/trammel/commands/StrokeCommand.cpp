@@ -17,9 +17,6 @@ namespace tool {
 
 namespace {
 
-/// Far below what can be seen, and above what rounding needs.
-constexpr double kShare = 1e-5;
-
 struct Options {
     ChangeOptions change;
     std::string pen;
@@ -136,7 +133,6 @@ void Run(Options const& options) {
     trammel::StrokeStyle const style = StyleOf(options, trammel::StrokeStyle());
     Change change;
     change.progress = "stroking outlines";
-    change.share = kShare;
     change.filled = true;
     change.paint = Paint;
     if (!options.pen.empty()) {
@@ -162,7 +158,7 @@ void AddStroke(Command const& app) {
     auto const options = std::make_shared<Options>();
     Command const command =
         app.AddCommand("stroke", "Writes what a pen paints along the outlines, as areas");
-    AddChangeOptions(command, options->change, "a 100000th");
+    AddChangeOptions(command, options->change, kFineShare);
     command
         .AddOption("--pen", options->pen,
                    "Width of a pen that draws all outlines, in the drawing's units (default: each "
