@@ -181,6 +181,14 @@ class Outlines(AppTest):
         self.run_text("stroke", file, "--cap", "square", "--tolerance", "1e-5", "-o", self.out)
         self.assertAlmostEqual(self.areas()["p"][0], 96, delta=0.01)
 
+    def test_outlines_without_extent_stay(self):
+        body = ('<path stroke="red" transform="scale(0)" d="M0 0H5V5Z"/>'
+                '<path id="p" stroke="red" d="M0 0H5V5Z"/>')
+        file = self.write("in.svg", svg(body))
+        for command in ("stroke", "divide"):
+            self.run_text(command, file, "-o", self.out)
+            self.assertIn(body[: body.index('<path id="p"')], self.read("out.svg").decode())
+
     def test_stroke_keeps_the_fill_below(self):
         body = ('<rect id="r" class="k" fill="red" stroke="blue" stroke-opacity=".5" '
                 'stroke-width="2" width="10" height="10"/>\n'
@@ -262,6 +270,8 @@ class Outlines(AppTest):
                 (("stroke", file, "--pen", "1", "--dash", "1,-1"), ["--dash", "1,-1"]),
                 (("offset", file, "--by", "1", "--join", "arc"), ["--join", "arc", "bevel"]),
                 (("offset", file, "--by", "1", "--miter-limit", "0.5"), ["--miter-limit", "0.5"]),
+                (("stroke", file, "--strict"), ["in.svg", "no strokes", "--pen"]),
+                (("stroke", self.write("font.ttf", font_bytes())), ["font.ttf", "no strokes"]),
                 (("fit", file, "--corner", "0"), ["--corner", "'0'"]),
                 (("overlap", file, "--tolerance", "0"), ["--tolerance", "'0'"]),
                 (("overlap", file, "--strict", "--tolerance", "1e-99"), ["in.svg", "p", "1e-99"])):

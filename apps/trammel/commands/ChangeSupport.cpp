@@ -110,6 +110,13 @@ void RunChange(ChangeOptions const& options, Change const& change) {
         return (change.area && options.source.ids.empty() && outline.fill == "none") ||
                (change.wants && !change.wants(outline));
     };
+    if (change.wants &&
+        std::none_of(drawing.outlines.begin(), drawing.outlines.end(), change.wants)) {
+        if (!keeps) {
+            throw Error(drawing.file, "", change.nothing);
+        }
+        Warn(drawing.file, "", change.nothing);
+    }
     Progress progress(change.progress, drawing.outlines.size());
     std::size_t done = 0;
     if (keeps) {

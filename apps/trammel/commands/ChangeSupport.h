@@ -42,6 +42,7 @@ struct Change {
     bool area = false;
     /// False for an outline that stays as it is; empty: all change.
     std::function<bool(Outline const& outline)> wants = {};
+    std::string nothing = {}; ///< the complaint about a drawing in which all stay
     /// Change more of the element than its form, before and after that; may be empty.
     std::function<void(SvgEdit& edit, Outline const& outline)> prepare = {};
     std::function<void(SvgEdit& edit, Outline const& outline)> paint = {};

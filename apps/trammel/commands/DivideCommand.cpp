@@ -32,7 +32,7 @@ public:
         }
         ApplyClips(drawing);
         for (Outline const& outline : drawing.outlines) {
-            if (all || outline.fill != "none") {
+            if ((all || outline.fill != "none") && !outline.source.toDrawing.IsSingular()) {
                 mPlaces.push_back(static_cast<std::size_t>(&outline - drawing.outlines.data()));
             }
         }

@@ -74,7 +74,8 @@ trammel::StrokeStyle StyleOf(Options const& options, trammel::StrokeStyle style)
 }
 
 bool HasStroke(Outline const& outline) {
-    return outline.pen && outline.stroke != "none" && outline.pen->style.width > 0.0;
+    return outline.pen && outline.stroke != "none" && outline.pen->style.width > 0.0 &&
+           !outline.source.toDrawing.IsSingular();
 }
 
 /// Sets `out` to the area of the outline's own line, and returns the distance that is kept.
@@ -142,6 +143,7 @@ void Run(Options const& options) {
     } else {
         std::string const& file = options.change.source.file;
         change.wants = HasStroke;
+        change.nothing = "has no strokes; --pen draws all outlines";
         change.prepare = [&](SvgEdit& edit, Outline const& outline) {
             KeepFill(edit, file, outline);
         };
