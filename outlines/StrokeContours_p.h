@@ -85,6 +85,8 @@ public:
     /// Adds a point in which the pen has a direction. It is for subpaths without length.
     void AddPoint(TPoint<double> const& p, TPoint<double> const& direction);
     bool IsEmpty() const { return mPieces.empty(); }
+    /// Makes room for a subpath of so many segments.
+    void Reserve(std::size_t segments) { mPieces.reserve(segments); }
     /// Forgets what was added to the subpath.
     void Clear() {
         mPieces.clear();

@@ -217,6 +217,9 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     pen.startCap = style.startCap;
     pen.endCap = style.endCap;
     pen.tolerance = kept * scale;
+    // Each segment has two sides, unless corners or dashes take more.
+    out.mCtls.reserve(out.mCtls.size() + 2 * path.mCtls.size());
+    out.mPts.reserve(out.mPts.size() + 2 * path.mPts.size());
     ContourList list(out, 1.0 / scale);
     StrokeContours contours(pen, list);
     std::vector<Pt> const shared =
@@ -228,6 +231,7 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
         if (subpath.Empty() || !IsDrawn(subpath)) {
             continue;
         }
+        contours.Reserve(subpath.EndElement() - subpath.FirstElement());
         AddSegments(subpath, scale, contours);
         if (contours.IsEmpty()) {
             contours.AddPoint(subpath.Start() * scale, Pt(1.0, 0.0));
