@@ -103,23 +103,23 @@ class ManyFiles(AppTest):
 
     def test_output_is_the_same_for_every_number_of_jobs(self):
         files = []
-        for i in range(120):
+        for i in range(60):
             body = f'<path id="p{i}" d="M0 0H{i + 1}V{i % 7}C1 2 3 4 {i} 6"/>'
-            body += '<text>words</text>' if i % 5 == 0 else ""  # a warning
+            body += '<text>words</text>' if i % 3 == 0 else ""  # a warning
             body = "<g>" if i % 11 == 3 else body  # an error
             body *= 1 + 30 * (i % 13 == 0)  # files that take longer
             files.append(self.write(f"{i}.svg", svg(body)))
         listed = self.write("list", "\n".join(files))
-        for command in (["measure", "--area"], ["measure", "--json"], ["hit", "--at", "1,1"],
-                        ["nearest", "--to", "3,4", "--json"], ["area"], ["measure", "--strict"],
-                        ["point", "--at", "0.5"], ["measure", "--classic"]):
+        for command in (["measure", "--area"], ["hit", "--at", "1,1", "--json"],
+                        ["nearest", "--to", "3,4"], ["measure", "--strict"],
+                        ["point", "--at", "0.5", "--classic"]):
             with self.subTest(command):
                 runs = [self.execute(*command, "--files-from", listed, *jobs)
-                        for jobs in (["--jobs", "1"], ["--jobs", "4"], [])]
+                        for jobs in (["--jobs", "1"], ["--jobs", "4"])]
                 for run in runs:
                     self.assertEqual((run.returncode, run.stdout, run.stderr),
                                      (2, runs[0].stdout, runs[0].stderr))
-                self.assertGreater(runs[0].stderr.count(b"\n"), 30)
+                self.assertGreater(runs[0].stderr.count(b"\n"), 20)
         together = self.execute("measure", *files[:3], "--jobs", "256")
         self.assertEqual(together.stdout, self.execute("measure", *files[:3], "--jobs=1").stdout)
         for wrong in ("0", "-1", "1.5", "257", "many"):
