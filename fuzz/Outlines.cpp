@@ -2,6 +2,7 @@
 
 #include "Targets.h"
 
+#include "AnyOutline.h"
 #include "Moments.h"
 #include "OutlineMeasure.h"
 #include "PreparedOutline.h"
@@ -22,30 +23,6 @@ using identity::Digest;
 using trammel::FillRule;
 using trammel::OutlineMeasure;
 using trammel::PreparedOutline;
-
-/// Any elements. Many of them lie over each other, as their numbers repeat.
-CPath AnyOutline(Input& in, int most) {
-    CPath path;
-    for (int i = in.Int(0, most); i > 0; --i) {
-        switch (in.Int(0, 15)) {
-        case 0:
-            path.AddCtl(kPathMove).AddPt(in.Point());
-            break;
-        case 1:
-            path.AddCtl(kPathClose);
-            break;
-        case 2:
-        case 3:
-        case 4:
-        case 5:
-            path.AddCtl(kPathLine).AddPt(in.Point());
-            break;
-        default:
-            path.AddCtl(kPathCurve).AddPt(in.Point()).AddPt(in.Point()).AddPt(in.Point());
-        }
-    }
-    return path;
-}
 
 /// What the error bounds of an outline count with.
 struct Size {

@@ -24,6 +24,15 @@ void Outlines(Input& in);
 void Intersections(Input& in);
 /// Fitted strokes, simplified outlines and rings: the tolerance, and every point near the result.
 void Fits(Input& in);
+/// Boolean operations on outlines, and overlaps removed: the points that winding numbers tell, and
+/// the source of each element.
+void Booleans(Input& in);
+/// Unions of outlines, open lines clipped, and arrangements with what is merged of them: the same.
+void Unions(Input& in);
+/// Strokes: what sweep, joins and caps cover.
+void Strokes(Input& in);
+/// Offset regions: the distance from the region.
+void Offsets(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
 /// Handle polygons of foreign bytes, changed at random.
@@ -38,15 +47,19 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 9> kTargets = {{{"curves", Curves},
-                                                    {"paths", Paths},
-                                                    {"outlines", Outlines},
-                                                    {"intersections", Intersections},
-                                                    {"fits", Fits},
-                                                    {"polygons", Polygons},
-                                                    {"handles", Handles},
-                                                    {"clip", Clip},
-                                                    {"text", Text}}};
+inline constexpr std::array<Target, 13> kTargets = {{{"curves", Curves},
+                                                     {"paths", Paths},
+                                                     {"outlines", Outlines},
+                                                     {"intersections", Intersections},
+                                                     {"fits", Fits},
+                                                     {"booleans", Booleans},
+                                                     {"unions", Unions},
+                                                     {"strokes", Strokes},
+                                                     {"offsets", Offsets},
+                                                     {"polygons", Polygons},
+                                                     {"handles", Handles},
+                                                     {"clip", Clip},
+                                                     {"text", Text}}};
 
 /// The target of that name, null for none.
 Target const* FindTarget(std::string_view name);

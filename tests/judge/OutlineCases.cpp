@@ -11,6 +11,7 @@
 //
 // A result is right when each point of a sample is inside exactly as winding numbers, rules and
 // operation say. Points nearer to the operands' outlines than 1e-6 of the size do not count.
+// The laws of OutlineLaws.h are tried on each two operands, with chains of 12 operations.
 // OutlineJudge.h finds winding numbers by solving, and knows nothing of the library.
 //
 // Prints a line for each wrong result and a table. The status is 1 if there is a wrong result.
@@ -18,6 +19,7 @@
 #include "CPath.h"
 #include "OutlineOperations.h"
 #include "outlines/OutlineJudge.h"
+#include "outlines/OutlineLaws.h"
 
 #include <nlohmann/json.hpp>
 
@@ -35,6 +37,7 @@ using trammel::Boolean;
 using trammel::FillRule;
 using trammel::RemoveOverlap;
 using trammel_test::OutlineJudge;
+using trammel_test::Wants;
 
 typedef TPoint<double> Pt;
 typedef nlohmann::json Json;
@@ -126,19 +129,6 @@ bool Read(Json const& json, Case& out) {
     return Read(json.at("a"), out.a) && (out.removesOverlap || Read(json.at("b"), out.b));
 }
 
-bool Wants(TPolyOp op, bool a, bool b) {
-    switch (op) {
-    case kPolyDifference:
-        return a && !b;
-    case kPolyIntersection:
-        return a && b;
-    case kPolyXor:
-        return a != b;
-    default:
-        return a || b;
-    }
-}
-
 double SizeOf(Case const& c) {
     double low[2] = {1e308, 1e308};
     double high[2] = {-1e308, -1e308};
@@ -197,6 +187,29 @@ void Judge(Case const& c, std::string const& kind, Tally& tally) {
     }
 }
 
+/// How the laws of sets held.
+struct LawTally {
+    int asked = 0;
+    int wrong = 0;
+    double worst = 0.0; ///< the greatest sum of distances, of the size
+};
+
+void JudgeLaws(Case const& c, LawTally& tally) {
+    double const size = SizeOf(c);
+    trammel_test::OutlineLaws laws(c.a.path, c.a.rule, c.b.path, c.b.rule, size, kDelta * size);
+    int const wrong[] = {laws.WrongOfParts(), laws.WrongByDeMorgan(), laws.WrongOfChain(),
+                         laws.WrongOfRepeating()};
+    constexpr char const* kNames[] = {"parts", "De Morgan", "chain", "repeating"};
+    for (std::size_t i = 0; i < 4; ++i) {
+        ++tally.asked;
+        if (wrong[i] != 0) {
+            ++tally.wrong;
+            std::printf("%s: %s: wrong at %d points\n", c.name.c_str(), kNames[i], wrong[i]);
+        }
+    }
+    tally.worst = std::max(tally.worst, laws.Worst() / size);
+}
+
 Case Moved(Case const& c, double angle, double scale, Pt const& by) {
     Case moved = c;
     double const cosine = std::cos(angle) * scale;
@@ -241,6 +254,7 @@ int main(int argc, char** argv) {
             {"scaled by 1e-150", 0, 1e-150, 0}, {"scaled by 1e120", 0, 1e120, 0},
             {"1000 sizes away", 0.3, 1, 1000}};
         std::vector<Tally> tallies(std::size(kKinds) + 1);
+        LawTally laws;
         int left = 0;
         std::string line;
         while (std::getline(file, line)) {
@@ -258,6 +272,7 @@ int main(int argc, char** argv) {
                 Case swapped = c;
                 std::swap(swapped.a, swapped.b);
                 Judge(swapped, "swapped", tallies.back());
+                JudgeLaws(c, laws);
             }
         }
         std::printf("%s (%d left out)\n", argv[i], left);
@@ -270,6 +285,9 @@ int main(int argc, char** argv) {
         for (Tally const& tally : tallies) {
             wrong += tally.wrong;
         }
+        std::printf("  %-22s %5d of %5d right (worst %.1e)\n", "laws of sets",
+                    laws.asked - laws.wrong, laws.asked, laws.worst);
+        wrong += laws.wrong;
     }
     return wrong == 0 ? 0 : 1;
 }

@@ -10,6 +10,7 @@
 #include "FillRule.h"
 #include "PathSegments.h"
 #include "TPoint.h"
+#include "Tgcp.h"
 
 #include <algorithm>
 #include <cmath>
@@ -164,12 +165,25 @@ private:
     }
 };
 
-/// Counts the points at which a result is wrong, of a grid and of points beside the outlines.
-/// Points nearer to an operand's outline than `distance` do not count. At the others `result` must
-/// hold the `wanted` points by either rule, and no others.
-inline int WrongPoints(std::vector<OutlineJudge> const& operands, OutlineJudge const& result,
-                       double distance, double size,
-                       std::function<bool(TPoint<double> const&)> const& wanted) {
+/// True when the operation of two regions has a point that is in them or not.
+inline bool Wants(TPolyOp op, bool inA, bool inB) {
+    switch (op) {
+    case kPolyDifference:
+        return inA && !inB;
+    case kPolyIntersection:
+        return inA && inB;
+    case kPolyXor:
+        return inA != inB;
+    default:
+        return inA || inB;
+    }
+}
+
+/// Returns points of a grid over the operands, and points beside all outlines: by somewhat more
+/// than `distance`, and by a thousandth of the size.
+inline std::vector<TPoint<double>> SamplePoints(std::vector<OutlineJudge> const& operands,
+                                                OutlineJudge const& result, double distance,
+                                                double size) {
     std::vector<TPoint<double>> points;
     std::mt19937 random(20261122);
     long double low[2] = {0, 0};
@@ -201,8 +215,17 @@ inline int WrongPoints(std::vector<OutlineJudge> const& operands, OutlineJudge c
         }
         result.ForBeside(random, result.segments.size() > 200 ? 0 : 2, off, take);
     }
+    return points;
+}
+
+/// Counts the points of the sample at which a result is wrong. Points nearer to an operand's
+/// outline than `distance` do not count. At the others `result` must hold the `wanted` points by
+/// either rule, and no others.
+inline int WrongPoints(std::vector<OutlineJudge> const& operands, OutlineJudge const& result,
+                       double distance, double size,
+                       std::function<bool(TPoint<double> const&)> const& wanted) {
     int wrong = 0;
-    for (TPoint<double> const& p : points) {
+    for (TPoint<double> const& p : SamplePoints(operands, result, distance, size)) {
         int const winding = result.Winding(p);
         bool const want = wanted(p);
         if ((want != (winding != 0) || want != (winding % 2 != 0)) &&

@@ -5,7 +5,10 @@
 #include "AnyPath.h"
 #include "CMatrix3x3.h"
 #include "Intersections.h"
+#include "Moments.h"
 #include "OutlineJudge.h"
+#include "OutlineLaws.h"
+#include "PathStructure.h"
 #include "SvgPath.h"
 
 #include <gtest/gtest.h>
@@ -26,6 +29,7 @@ using trammel::ElementSource;
 using trammel::FillRule;
 using trammel::RemoveOverlap;
 using trammel_test::OutlineJudge;
+using trammel_test::Wants;
 
 typedef TPoint<double> Pt;
 
@@ -74,19 +78,6 @@ std::vector<Case> ReadCases() {
         cases.push_back(c);
     }
     return cases;
-}
-
-bool Wants(TPolyOp op, bool a, bool b) {
-    switch (op) {
-    case kPolyDifference:
-        return a && !b;
-    case kPolyIntersection:
-        return a && b;
-    case kPolyXor:
-        return a != b;
-    default:
-        return a || b;
-    }
 }
 
 double SizeOf(CPath const& a, CPath const& b) {
@@ -295,6 +286,38 @@ TEST(OutlineOperations, UniteManyOverlappingOutlinesByEitherRule) {
         EXPECT_NE(out.mPts.end(),
                   std::search(out.mPts.begin(), out.mPts.end(), alone.begin(), alone.end()));
     }
+}
+
+TEST(OutlineOperations, ObeyTheLawsOfSetsWithinTheSumOfTheDistances) {
+    std::vector<Case> const cases = ReadCases();
+    for (std::size_t i = 3; i < cases.size(); i += 4 * kStep) {
+        Case const& c = cases[i];
+        double const size = SizeOf(c.a, c.b);
+        trammel_test::OutlineLaws laws(c.a, c.ruleA, c.b, c.ruleB, size, 1e-6 * size);
+        EXPECT_EQ(0, laws.WrongOfParts()) << c.name;
+        EXPECT_EQ(0, laws.WrongByDeMorgan()) << c.name;
+        EXPECT_EQ(0, laws.WrongOfChain()) << c.name;
+        EXPECT_EQ(0, laws.WrongOfRepeating()) << c.name;
+        EXPECT_LT(laws.Worst(), 1e-5 * size) << c.name;
+    }
+}
+
+TEST(OutlineOperations, GiveBackTheElementsThatNothingCrossesFromParts) {
+    std::string const whole = "M20 0C28 1 29 7 23 9C18 8 19 3 20 0Z";
+    CPath const a = Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z" + whole);
+    CPath const b = Path("M5 2C11 3 11 9 6 10C1 9 2 4 5 2Z");
+    CPath in;
+    CPath out;
+    CPath both;
+    Boolean(kPolyIntersection, a, kNonZero, b, kNonZero, 0.0, in);
+    Boolean(kPolyDifference, a, kNonZero, b, kNonZero, 0.0, out);
+    Boolean(kPolyUnion, in, kNonZero, out, kNonZero, 0.0, both);
+    std::vector<CPath> const contours = trammel::SplitSubpaths(both);
+    EXPECT_EQ(2U, contours.size());
+    EXPECT_EQ(1, std::count_if(contours.begin(), contours.end(), [&](CPath const& contour) {
+                  return Text(contour) == Text(Path(whole));
+              }));
+    EXPECT_NEAR(trammel::SignedArea(a), trammel::SignedArea(both), 1e-7);
 }
 
 TEST(OutlineOperations, GiveTheSameContoursWhereverTheDrawingLies) {
