@@ -51,13 +51,13 @@ enum CMatrixKind : std::int32_t {
 /// A two-dimensional affine transform.
 class TRAMMEL_API CMatrix3x3 {
 public:
-    double a;           ///< x to x
-    double b;           ///< x to y
-    double c;           ///< y to x
-    double d;           ///< y to y
-    double tx;          ///< translation of x
-    double ty;          ///< translation of y
-    std::int32_t mKind; ///< how the matrix was built: CMatrixKind bits
+    alignas(8) double a; ///< x to x; the alignment gives the record 56 bytes on every machine
+    double b;            ///< x to y
+    double c;            ///< y to x
+    double d;            ///< y to y
+    double tx;           ///< translation of x
+    double ty;           ///< translation of y
+    std::int32_t mKind;  ///< how the matrix was built: CMatrixKind bits
 
     // Create
 

@@ -2,7 +2,10 @@
 
 #include "TPoint.h"
 
+#include "Hypot_p.h"
 #include "Text_p.h"
+
+double trammel_detail::LengthOf(double h, double v) noexcept { return Hypot(h, v); }
 
 template <class T> std::string TPoint<T>::NSString() const {
     if constexpr (std::is_same_v<T, double>) {

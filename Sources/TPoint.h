@@ -45,6 +45,11 @@ template <class T> constexpr T StoreCoordinate(double value) {
     }
 }
 
+/// Returns the root of h² + v² without overflow or underflow on the way, with the same bits on
+/// every machine and for every C library. An infinity beats a NaN. It is computed in the library,
+/// so the options that an application is compiled with do not matter.
+TRAMMEL_API double LengthOf(double h, double v) noexcept;
+
 /// Returns the low 16 bits of an integer result, or the double as it is.
 template <class T, class Wide> constexpr T Narrow(Wide value) { return static_cast<T>(value); }
 
@@ -132,11 +137,13 @@ template <class T> struct TRAMMEL_API TPoint {
             return std::sqrt(h * h + v * v);
         }
     }
-    /// Returns the distance from the origin by hypot.
+    /// Returns the distance from the origin, by `hypot` with the same bits on every machine.
     ///
     /// Choose this when coordinates may be huge or tiny: it neither overflows nor underflows before
     /// its result does. For ordinary values it agrees with `Length` up to the last bit or two.
-    double Hypotenuse() const { return std::hypot(static_cast<double>(h), static_cast<double>(v)); }
+    double Hypotenuse() const {
+        return trammel_detail::LengthOf(static_cast<double>(h), static_cast<double>(v));
+    }
 
     // Arithmetic: each works on h and v independently
 

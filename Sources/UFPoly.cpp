@@ -20,7 +20,7 @@ constexpr long kQDHeaderSize = 10;
 constexpr long kQDPointSize = 4;
 
 /// A run of so many points or more is not begun: no block can hold them.
-constexpr long kTooManyPoints = 1L << 36;
+constexpr long kTooManyPoints = 1L << (sizeof(long) == 8 ? 36 : 26);
 
 /// The distance beyond the box that InFptBounds reaches, in coordinate units.
 constexpr double kBoundsReach = 1.0;

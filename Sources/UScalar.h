@@ -67,11 +67,12 @@ template <class T> inline TPoint<T> MidPt(TPoint<T> const& a, TPoint<T> const& b
     return TPt(a, b, 0.5);
 }
 
-/// Returns the distance between two points by `hypot`. Choose this when coordinates may be huge or
-/// tiny: no square overflows or underflows on the way. T is double.
+/// Returns the distance between two points, by `hypot` with the same bits on every machine. Choose
+/// this when coordinates may be huge or tiny: no square overflows or underflows on the way. T is
+/// double.
 template <class T> inline double Hypotenuse(TPoint<T> const& a, TPoint<T> const& b) {
     static_assert(std::is_same_v<T, double>, "Hypotenuse exists for double only");
-    return std::hypot(b.h - a.h, b.v - a.v);
+    return trammel_detail::LengthOf(b.h - a.h, b.v - a.v);
 }
 
 /// Returns the distance between two points by a square root. Choose this when coordinates are

@@ -44,15 +44,18 @@ bool HasManyCopies(GridLines const& lines) {
     // By the upper bits of the hash: whether an edge of the sample has them, and how many edges do.
     int const kBits = 12;
     std::array<std::uint32_t, std::size_t{1} << kBits> found{};
+    auto const place = [&](std::size_t i, std::size_t second) {
+        return static_cast<std::size_t>(HashOf(lines.points[i], lines.points[second]) >>
+                                        (64 - kBits));
+    };
     std::size_t const step = count / 256;
     ForEachEdge(lines, [&](std::size_t i, std::size_t second) {
         if (i % step == 0) {
-            found[HashOf(lines.points[i], lines.points[second]) >> (64 - kBits)] = 1;
+            found[place(i, second)] = 1;
         }
     });
     ForEachEdge(lines, [&](std::size_t i, std::size_t second) {
-        std::uint32_t& number =
-            found[HashOf(lines.points[i], lines.points[second]) >> (64 - kBits)];
+        std::uint32_t& number = found[place(i, second)];
         number += number != 0 ? 1 : 0;
     });
     // Edges that are all different fall evenly.

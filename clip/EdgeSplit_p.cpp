@@ -136,7 +136,9 @@ bool Splitter::ChooseSplit(std::size_t begin, Direction& best, double& at) {
     std::size_t const size = mItems.size() - begin;
     for (GridEdge& e : sample) {
         mRandom = mRandom * 1664525U + 1013904223U;
-        e = mEdges[mItems[begin + (static_cast<std::uint64_t>(mRandom) * size >> 32)]];
+        std::size_t const chosen =
+            static_cast<std::size_t>(static_cast<std::uint64_t>(mRandom) * size >> 32);
+        e = mEdges[mItems[begin + chosen]];
     }
     std::size_t least = kSamples * kSamples * 2;
     std::size_t greater = kSamples;

@@ -5,11 +5,9 @@
 #define TRAMMEL_PREDICATES_P_H
 
 #include "Grid_p.h"
+#include "Int128_p.h"
 
 namespace trammel_detail {
-
-__extension__ typedef __int128 Int128;
-__extension__ typedef unsigned __int128 UInt128;
 
 /// Returns twice the signed area of the triangle a, b, c, which is positive if c lies left of the
 /// line from a to b (y up). Exact, as the points' differences have 62 bits.

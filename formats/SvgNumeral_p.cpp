@@ -2,6 +2,7 @@
 
 #include "SvgNumeral_p.h"
 
+#include "Int128_p.h"
 #include "SvgPathGrammar_p.h"
 
 #include <algorithm>
@@ -124,8 +125,7 @@ SvgNumeral RelativeByHalving(double from, double to, double difference) {
 // ------------------------------------------------------------------------------------------------
 // Ordinary numbers, by integers
 
-// GCC and Clang have it on all 64-bit processors.
-__extension__ typedef unsigned __int128 Wide;
+typedef trammel_detail::UInt128 Wide;
 
 constexpr int kMostDecimals = 27; ///< 5^27 has 63 bits, and 53 more fit beside it
 

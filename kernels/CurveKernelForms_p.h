@@ -261,47 +261,45 @@ template <class Vector>
 [[gnu::always_inline]] inline void EdgeLengthsForm(double const* points, long edges,
                                                    double* lengths) {
     long i = 0;
-    if constexpr (kInlineHypot) {
-        for (; i + 4 <= edges; i += 4) {
-            Vector h0;
-            Vector v0;
-            Vector h1;
-            Vector v1;
-            LoadPairs(points + 2 * i, v0, h0);
-            LoadPairs(points + 2 * i + 2, v1, h1);
-            Vector const absH = Abs(h1 - h0);
-            Vector const absV = Abs(v1 - v0);
-            auto const swapped = absH < absV;
-            Vector const longer = Select(swapped, absV, absH);
-            Vector const shorter = Select(swapped, absH, absV);
-            // A NaN is not common, as in Hypot.
-            Vector const zero = Vector(0.0);
-            auto const none = shorter <= zero;
-            auto const common =
-                (longer <= Vector(kHypotLargest)) & ((Vector(kHypotSmallest) <= shorter) | none);
-            // Both branches of CorrectedHypot.
-            Vector const two = Vector(2.0);
-            Vector const root = Sqrt(longer * longer + shorter * shorter);
-            Vector const nearDelta = root - shorter;
-            Vector const nearResidual = longer * (two * nearDelta - longer) +
-                                        (nearDelta - two * (longer - shorter)) * nearDelta;
-            Vector const farDelta = root - longer;
-            Vector const farResidual =
-                two * farDelta * (longer - two * shorter) +
-                ((Vector(4.0) * farDelta - shorter) * shorter + farDelta * farDelta);
-            Vector const residual = Select(root <= two * shorter, nearResidual, farResidual);
-            Vector const corrected = root - residual / (two * root);
-            Vector const negligible = longer + shorter;
-            Vector const length = Select((shorter <= longer * Vector(kHypotNegligible)) | none,
-                                         negligible, corrected);
-            length.Store(lengths + i);
-            unsigned rare = ~common.Bits() & 0xF;
-            while (__builtin_expect(rare != 0, 0)) {
-                long const edge = i + __builtin_ctz(rare);
-                double const* const p = points + 2 * edge;
-                lengths[edge] = std::hypot(p[3] - p[1], p[2] - p[0]);
-                rare &= rare - 1;
-            }
+    for (; i + 4 <= edges; i += 4) {
+        Vector h0;
+        Vector v0;
+        Vector h1;
+        Vector v1;
+        LoadPairs(points + 2 * i, v0, h0);
+        LoadPairs(points + 2 * i + 2, v1, h1);
+        Vector const absH = Abs(h1 - h0);
+        Vector const absV = Abs(v1 - v0);
+        auto const swapped = absH < absV;
+        Vector const longer = Select(swapped, absV, absH);
+        Vector const shorter = Select(swapped, absH, absV);
+        // A NaN is not common, as in Hypot.
+        Vector const zero = Vector(0.0);
+        auto const none = shorter <= zero;
+        auto const common =
+            (longer <= Vector(kHypotLargest)) & ((Vector(kHypotSmallest) <= shorter) | none);
+        // Both branches of CorrectedHypot.
+        Vector const two = Vector(2.0);
+        Vector const root = Sqrt(longer * longer + shorter * shorter);
+        Vector const nearDelta = root - shorter;
+        Vector const nearResidual = longer * (two * nearDelta - longer) +
+                                    (nearDelta - two * (longer - shorter)) * nearDelta;
+        Vector const farDelta = root - longer;
+        Vector const farResidual =
+            two * farDelta * (longer - two * shorter) +
+            ((Vector(4.0) * farDelta - shorter) * shorter + farDelta * farDelta);
+        Vector const residual = Select(root <= two * shorter, nearResidual, farResidual);
+        Vector const corrected = root - residual / (two * root);
+        Vector const negligible = longer + shorter;
+        Vector const length =
+            Select((shorter <= longer * Vector(kHypotNegligible)) | none, negligible, corrected);
+        length.Store(lengths + i);
+        unsigned rare = ~common.Bits() & 0xF;
+        while (__builtin_expect(rare != 0, 0)) {
+            long const edge = i + __builtin_ctz(rare);
+            double const* const p = points + 2 * edge;
+            lengths[edge] = RareHypot(p[3] - p[1], p[2] - p[0]);
+            rare &= rare - 1;
         }
     }
     for (; i < edges; ++i) {

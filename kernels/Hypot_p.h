@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-// The C library's hypot, inlined. Not installed.
+// The length of a vector, neither overflowing nor underflowing on the way. Not installed.
 //
-// Lengths have the bits of the C library's hypot, and calling it is most of a length's cost. The
-// build compares the form here with the C library's (cmake/TrammelHypot.cmake). When the bits
-// agree, it defines TRAMMEL_INLINE_HYPOT, and the form here runs. Otherwise the C library's own
-// runs.
+// C libraries differ in the last bit of hypot, and glibc does from one processor to another. The
+// form here uses the four operations and the square root alone, so its bits are the same on every
+// machine. They are those of glibc 2.35 and later on processors without fused operations, as
+// x86-64.
 //
 // Files for AVX2 include this header. So all functions are always inlined, and use none of the C++
 // library's inline functions (Vector_p.h tells the rule).
@@ -13,16 +13,7 @@
 #ifndef TRAMMEL_HYPOT_P_H
 #define TRAMMEL_HYPOT_P_H
 
-#include <cmath>
-
 namespace trammel_detail {
-
-/// True where the inlined form may stand for the C library's.
-#ifdef TRAMMEL_INLINE_HYPOT
-inline constexpr bool kInlineHypot = true;
-#else
-inline constexpr bool kInlineHypot = false;
-#endif
 
 inline constexpr double kHypotLargest = 0x1p+511;  ///< squares of larger legs may overflow
 inline constexpr double kHypotSmallest = 0x1p-459; ///< squares of smaller legs may lose bits
@@ -50,23 +41,24 @@ inline constexpr double kHypotNegligible = 0x1p-54;
     return h;
 }
 
-/// Returns hypot(h, v), with the C library's bits for every argument.
+/// Hypot for what it does not decide inline: very large, very small and special arguments.
+double RareHypot(double h, double v);
+
+/// Returns the root of h² + v², off by less than a unit in the last place. An infinity beats a NaN.
 [[gnu::always_inline]] inline double Hypot(double h, double v) {
-    if constexpr (kInlineHypot) {
-        double const absH = __builtin_fabs(h);
-        double const absV = __builtin_fabs(v);
-        double const longer = absH < absV ? absV : absH;
-        double const shorter = absH < absV ? absH : absV;
-        // Both comparisons are false for a NaN, which is left to the C library.
-        if (longer <= kHypotLargest && shorter >= kHypotSmallest) {
-            return shorter <= longer * kHypotNegligible ? longer + shorter
-                                                        : CorrectedHypot(longer, shorter);
-        }
-        if (shorter == 0.0 && longer <= kHypotLargest) {
-            return longer;
-        }
+    double const absH = __builtin_fabs(h);
+    double const absV = __builtin_fabs(v);
+    double const longer = absH < absV ? absV : absH;
+    double const shorter = absH < absV ? absH : absV;
+    // Both comparisons are false for a NaN.
+    if (longer <= kHypotLargest && shorter >= kHypotSmallest) {
+        return shorter <= longer * kHypotNegligible ? longer + shorter
+                                                    : CorrectedHypot(longer, shorter);
     }
-    return std::hypot(h, v);
+    if (shorter == 0.0 && longer <= kHypotLargest) {
+        return longer;
+    }
+    return RareHypot(h, v);
 }
 
 } // namespace trammel_detail

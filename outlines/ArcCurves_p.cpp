@@ -2,6 +2,7 @@
 
 #include "ArcCurves_p.h"
 
+#include "Hypot_p.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>
@@ -69,7 +70,7 @@ ArcCurves ArcCurves::BetweenPoints(Pt const& from, Pt const& to, double hRadius,
     Pt const half(0.5 * from.h - 0.5 * to.h, 0.5 * from.v - 0.5 * to.v);
     Pt const chord(arc.mCosine * half.h + arc.mSine * half.v,
                    arc.mCosine * half.v - arc.mSine * half.h);
-    double s = std::hypot(chord.h / hRadius, chord.v / vRadius);
+    double s = Hypot(chord.h / hRadius, chord.v / vRadius);
     // Half a turn is often drawn with its diameter for a chord, and rounding of the ends then makes
     // s a little less than 1. The centre would move by the root of that.
     double const far =
@@ -78,8 +79,8 @@ ArcCurves ArcCurves::BetweenPoints(Pt const& from, Pt const& to, double hRadius,
     if (!(s + std::min(slack, kMostChordRounding) < 1.0)) {
         // The radii are too small to reach both ends: they grow until the chord is a diameter.
         double const ratio = hRadius / vRadius;
-        hRadius = std::hypot(chord.h, chord.v * ratio);
-        vRadius = std::hypot(chord.h / ratio, chord.v);
+        hRadius = Hypot(chord.h, chord.v * ratio);
+        vRadius = Hypot(chord.h / ratio, chord.v);
         s = 1.0;
     }
     // The chord's direction has length 1, however small the chord is beside the radii.

@@ -17,9 +17,6 @@ using trammel_detail::BlockRecord;
 using trammel_detail::RecordOf;
 using trammel_detail::TakeInjectedFailure;
 
-static_assert(sizeof(Size) == 8, "sizes are computed in 64 bits");
-static_assert(alignof(std::max_align_t) % 16 == 0, "malloc aligns blocks to 16 bytes");
-
 namespace trammel_detail {
 
 std::atomic<long> gFailingRequests{0};
@@ -33,8 +30,10 @@ constexpr auto kRelaxed = std::memory_order_relaxed;
 std::atomic<long> gLiveHandles{0};
 std::atomic<long> gReallocations{0};
 
-/// The largest block: more than any memory holds, yet no sum or product below overflows.
-constexpr Size kLargestBlock = Size{1} << 40;
+/// The largest block: 1 TiB, or what is left of 1 GiB where Size has 32 bits. No sum or product
+/// below overflows.
+constexpr Size kLargestBlock =
+    (Size{1} << (sizeof(Size) == 8 ? 40 : 30)) - (sizeof(Size) == 8 ? 0 : 16);
 
 /// Every block has this much memory, however little room it was given. So a new polygon, which is
 /// a header of 40 bytes, gets its first three vertices without moving.
@@ -46,19 +45,23 @@ constexpr Size kLargestCopiedRoom = 256;
 /// Blocks with less room than this keep it: giving it back is not worth a reallocation.
 constexpr Size kSmallestShrinkingBlock = 256;
 
+/// What malloc's addresses are divisible by: 16, but 8 in WebAssembly.
+constexpr std::size_t kAlignment = alignof(std::max_align_t);
+
 /// A record with its first block, so that a small handle takes one piece of memory. A block that
 /// grows out of it leaves it unused. The record's address tells that it is one of these: other
-/// records begin at an address that 16 divides.
+/// records begin at an address that malloc's alignment divides.
 struct SmallHandle {
     char bytes[kLeastMemory];
-    std::uint64_t unused;
+    char unused[kAlignment / 2];
     BlockRecord record;
 };
-static_assert(offsetof(SmallHandle, record) % 16 == 8 && sizeof(SmallHandle) == 128);
+static_assert(offsetof(SmallHandle, record) % kAlignment == kAlignment / 2 &&
+              kLeastMemory % kAlignment == 0 && sizeof(SmallHandle) <= 128);
 
 /// Returns what the record is a part of; null for a record of its own.
 SmallHandle* SmallHandleOf(BlockRecord* record) {
-    bool const isSmall = reinterpret_cast<std::uintptr_t>(record) % 16 != 0;
+    bool const isSmall = reinterpret_cast<std::uintptr_t>(record) % kAlignment != 0;
     return isSmall ? reinterpret_cast<SmallHandle*>(reinterpret_cast<char*>(record) -
                                                     offsetof(SmallHandle, record))
                    : nullptr;

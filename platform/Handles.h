@@ -19,8 +19,8 @@
 //
 // The handle stays valid until DisposeHandle. The block may move whenever its size changes, so a
 // pointer into it is good only until the next call that resizes it. Blocks begin at an address
-// divisible by 16. Spare bytes make repeated appending cheap. They are never visible: sizes count
-// the bytes in use, and bytes that come into use by growing are zero.
+// divisible by 16, in WebAssembly by 8. Spare bytes make repeated appending cheap. They are never
+// visible: sizes count the bytes in use, and bytes that come into use by growing are zero.
 //
 // No function here throws. Functions that take a handle accept a null one. Different threads may
 // use different handles at the same time; one handle is for one thread at a time.
@@ -30,6 +30,7 @@ typedef char* Ptr;
 /// Address of a master pointer; null stands for "no storage".
 typedef Ptr* Handle;
 /// Number of bytes. Sizes below 0 and above 1 TiB (2^40 bytes) are treated as "memory is short".
+/// Where `long` has 32 bits, sizes above 2^30 - 16 are.
 typedef long Size;
 /// Result code: `noErr`, or a negative number.
 typedef std::int16_t OSErr;

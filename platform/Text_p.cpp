@@ -4,7 +4,10 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstddef>
+#include <cstdio>
 #include <limits>
+#include <string_view>
 
 namespace trammel_detail {
 namespace {
@@ -13,16 +16,33 @@ constexpr int kDecimals = 6;
 /// The longest text: sign, all digits of the largest double, point, decimals.
 constexpr int kLongestFixed6 =
     1 + (std::numeric_limits<double>::max_exponent10 + 1) + 1 + kDecimals;
+/// More for the C library: a point of some bytes, and an end.
+constexpr int kRoom = kLongestFixed6 + 16;
 
 void AppendNumber(std::string& text, double value) {
     if (std::isnan(value)) {
         text += "nan";
         return;
     }
-    char digits[kLongestFixed6];
+    char digits[kRoom];
+#ifdef __cpp_lib_to_chars
     std::to_chars_result const end =
-        std::to_chars(digits, digits + kLongestFixed6, value, std::chars_format::fixed, kDecimals);
+        std::to_chars(digits, digits + kRoom, value, std::chars_format::fixed, kDecimals);
     text.append(digits, end.ptr);
+#else
+    // Some C++ libraries cannot do that. The C library's text has the locale's point, of one or
+    // more bytes, in front of the decimals.
+    int const length = std::snprintf(digits, sizeof digits, "%.*f", kDecimals, value);
+    std::string_view const written(digits, static_cast<std::size_t>(length));
+    std::size_t const whole = written.find_first_not_of("-0123456789");
+    if (!std::isfinite(value)) {
+        text += written;
+    } else {
+        text += written.substr(0, whole);
+        text += '.';
+        text += written.substr(written.size() - kDecimals);
+    }
+#endif
 }
 
 void AppendNumber(std::string& text, int value) { text += std::to_string(value); }

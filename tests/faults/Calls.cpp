@@ -148,12 +148,12 @@ void UseScalars(A& a) {
     double v = 0;
     Pt center;
     FRectCenter(a.rect, center, h, v);
-    a.Returned(s, c, x, f, lo, hi, circle, DegToRad(1), RadToDeg(1), TPt<double>(a.p, q, 0.5),
-               MidPt<double>(a.p, q), Hypotenuse<double>(a.p, q), LineLength<double>(a.p, q),
-               LineLength<short>(small, small), LineMagnitude<double>(a.p, q),
-               EqualTPt<double>(a.p, q, 1), EqualTPt<short>(small, small, 1), EqualPtTol(a.p, q, 1),
-               InFptBounds(a.p, q, q), IsTrueCircle(a.rect), X2Fix(1), FixDiv(1, 3), turned, center,
-               h, v);
+    a.Returned(
+        s, c, x, f, lo, hi, circle, DegToRad(1), RadToDeg(1), TPt<double>(a.p, q, 0.5),
+        MidPt<double>(a.p, q), Hypotenuse<double>(a.p, q), trammel_detail::LengthOf(3.0, 4.0),
+        LineLength<double>(a.p, q), LineLength<short>(small, small), LineMagnitude<double>(a.p, q),
+        EqualTPt<double>(a.p, q, 1), EqualTPt<short>(small, small, 1), EqualPtTol(a.p, q, 1),
+        InFptBounds(a.p, q, q), IsTrueCircle(a.rect), X2Fix(1), FixDiv(1, 3), turned, center, h, v);
     gen_crc_table();
     CRCInit const again;
     static_cast<void>(again);
@@ -287,6 +287,7 @@ std::vector<Call> PlaneCalls() {
          "SectTRect<short> SetRotate SetUnRotate Transform UnTransform FRectCenter DegToRad "
          "RadToDeg TPt<double> "
          "MidPt<double> Hypotenuse<double> LineLength<double> LineLength<short> "
+         "trammel_detail::LengthOf "
          "LineMagnitude<double> "
          "EqualTPt<double> EqualTPt<short> EqualPtTol InFptBounds IsTrueCircle X2Fix FixDiv "
          "gen_crc_table "
