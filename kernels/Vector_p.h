@@ -24,6 +24,8 @@
 #include "VectorRaw_p.h"
 #if defined(__SSE2__) && !defined(TRAMMEL_PLAIN_VECTORS)
 #include "VectorX86_p.h"
+#elif defined(__aarch64__) && defined(__AARCH64EL__) && !defined(TRAMMEL_PLAIN_VECTORS)
+#include "VectorNeon_p.h"
 #else
 #include "VectorPlain_p.h"
 #endif

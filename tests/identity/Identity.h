@@ -16,6 +16,7 @@
 #include "TPoly.h"
 #include "TRect.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -46,6 +47,8 @@ public:
     int Int(int lo, int hi) {
         return lo + static_cast<int>(Bits() % static_cast<std::uint64_t>(hi - lo + 1));
     }
+    /// Below `count`.
+    std::size_t Index(std::size_t count) { return static_cast<std::size_t>(Bits() % count); }
     /// True once in `n`.
     bool OneIn(int n) { return Int(1, n) == 1; }
     /// Of either sign, its magnitude between 2^lo and 2^(hi + 1).
@@ -171,10 +174,17 @@ void AddState(Digest& digest);
 /// The same of the plain form.
 void AddPlainState(Digest& digest);
 
-/// A part's name and the function that runs it.
+/// What a part's results come from.
+enum class Group {
+    kArithmetic, ///< the four operations and the square root: the same bits on every machine
+    kFunctions,  ///< sines and the like, too: the same bits with the same C library
+};
+
+/// A part's name, the function that runs it, and its group.
 struct Entry {
     char const* name;
     void (*run)(Part&);
+    Group group = Group::kArithmetic;
 };
 
 std::vector<Entry> CurveParts();

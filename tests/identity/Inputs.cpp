@@ -132,7 +132,7 @@ double Random::Special() {
         -1e-300,
         0x1p53,
     };
-    return kSpecials[Bits() % kSpecials.size()];
+    return kSpecials[Index(kSpecials.size())];
 }
 
 double Random::Anything() {

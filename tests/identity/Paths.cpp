@@ -276,8 +276,11 @@ void Long(Part& part) {
 
 std::vector<Entry> PathParts() {
     return {
-        {"path.build", Built}, {"path.shape", Shaped}, {"path.measure", Measured},
-        {"path.cut", Cut},     {"path.long", Long},
+        {"path.build", Built, Group::kFunctions},
+        {"path.shape", Shaped},
+        {"path.measure", Measured},
+        {"path.cut", Cut},
+        {"path.long", Long},
     };
 }
 

@@ -96,7 +96,7 @@ Pt Asked(Random& random, Points const& points, Box const& bounds) {
     if (points.empty()) {
         return p;
     }
-    std::size_t const i = random.Bits() % points.size();
+    std::size_t const i = random.Index(points.size());
     Pt const a = points[i];
     Pt const b = points[i + 1 < points.size() ? i + 1 : 0];
     switch (random.Int(0, 5)) {
@@ -404,10 +404,10 @@ void Lines(Part& part) {
         Points points = {random.Point(0, 100), random.Point(0, 100), random.Point(0, 100),
                          random.Point(0, 100), random.Point(0, 100)};
         if (random.OneIn(4)) {
-            points[random.Bits() % 5].h = random.OneIn(2) ? random.Special() : points[0].h;
+            points[random.Index(5)].h = random.OneIn(2) ? random.Special() : points[0].h;
         }
         if (random.OneIn(4)) {
-            points[random.Bits() % 5].v = random.OneIn(2) ? random.Special() : points[0].v;
+            points[random.Index(5)].v = random.OneIn(2) ? random.Special() : points[0].v;
         }
         TLine<double> const a(points[0], points[1]);
         TLine<double> const b(points[2], points[3]);
@@ -526,13 +526,13 @@ void Turned(Part& part) {
 std::vector<Entry> PolygonParts() {
     return {
         {"line", Lines},
-        {"rotation", Turned},
+        {"rotation", Turned, Group::kFunctions},
         {"polygon.contains", Contains},
         {"polygon.bounds", Bounds},
         {"polygon.measure", Measured},
         {"polygon.clip", Clipped},
         {"polygon.change", Changed},
-        {"handle.change", HandleChanged},
+        {"handle.change", HandleChanged, Group::kFunctions},
         {"handle.pairs", HandlePairs},
     };
 }
