@@ -22,14 +22,13 @@ struct ChainGraph::DirectedEdge {
 
 ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences,
                        EqualChains equal)
-    : lines(cutLines), chains(incidences.get_allocator()), nodeOf(incidences.get_allocator()),
-      nextClockwise(incidences.get_allocator()), equals(incidences.get_allocator()) {
+    : lines(cutLines), chains(incidences.get_allocator()), links(incidences.get_allocator()),
+      equals(incidences.get_allocator()) {
     MakeChains(incidences);
     if (equal == EqualChains::kList) {
         equals.assign(chains.size(), kNone);
     }
-    nodeOf.resize(2 * chains.size());
-    nextClockwise.resize(2 * chains.size());
+    links.resize(2 * chains.size());
     MakeCrossingNodes(incidences);
     MakeSharedNodes();
 }
@@ -203,8 +202,7 @@ void ChainGraph::AddNode(HalfEdge const* begin, HalfEdge const* end) {
     }
     HalfEdge last = end[-1];
     for (HalfEdge const* i = begin; i < end; ++i) {
-        nodeOf[*i] = nodeCount;
-        nextClockwise[*i] = last;
+        links[*i] = {nodeCount, last};
         last = *i;
     }
     ++nodeCount;

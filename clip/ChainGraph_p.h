@@ -54,11 +54,21 @@ enum class EqualChains {
 /// The graph of cut lines. Around each node the half-edges that leave it are linked in a cycle.
 /// A chain whose operands an equal chain took or cancelled is in no cycle there.
 struct ChainGraph {
+    /// Where a half-edge is. The two numbers are mostly needed together.
+    struct Link {
+        Number node;
+        HalfEdge nextClockwise;
+    };
+
     /// `incidences` has an element for each vertex of the lines. Refers to the lines, which must
     /// stay as they are. Throws std::length_error for more than EdgeTree::kMostEdges edges.
     ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences,
                EqualChains equal);
 
+    /// Returns the node that a half-edge leaves.
+    Number NodeOf(HalfEdge half) const { return links[half].node; }
+    /// Returns the next half-edge of its node.
+    HalfEdge NextClockwise(HalfEdge half) const { return links[half].nextClockwise; }
     /// Returns the number among all points of the chain's vertex number k, 0 <= k <= chain.count.
     Number VertexOf(Chain const& chain, Number k) const {
         Number const i = chain.first + k;
@@ -81,8 +91,7 @@ struct ChainGraph {
     GridLines const& lines;
     ScratchVector<Chain> chains;
     Number nodeCount = 0;
-    ScratchVector<Number> nodeOf;          ///< by half-edge: the node that it leaves
-    ScratchVector<HalfEdge> nextClockwise; ///< by half-edge: the next one of its node
+    ScratchVector<Link> links; ///< by half-edge
     /// By chain: the next one of a list of equal chains, or kNone. An even half-edge runs in the
     /// direction of the list's first chain, an odd one in the other. Empty where they cancel.
     ScratchVector<HalfEdge> equals;

@@ -39,7 +39,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     if (!allActive) {
         countActive =
             static_cast<std::size_t>(std::count(mActiveEdges.begin(), mActiveEdges.end(), 1));
-        mIsSparse = countActive <= mEdges.size() / 16;
+        mIsSparse = countActive <= mEdges.size() / 8;
         if (few || countActive <= kFewActive) {
             return;
         }

@@ -104,7 +104,7 @@ void Linker::LabelAlong(Number chain) {
     for (Number i = first;; i = mChains[i].next) {
         HalfEdge const begin = 2 * i;
         if (mChains[i].other != kNone ? !mChains[mChains[i].other].labelled
-                                      : mDone[mGraph.nodeOf[begin]] == 0) {
+                                      : mDone[mGraph.NodeOf(begin)] == 0) {
             LabelAround(begin);
         }
         if (i == last) {
@@ -112,7 +112,7 @@ void Linker::LabelAlong(Number chain) {
         }
     }
     HalfEdge const end = 2 * last + 1;
-    if (mChains[mChains[last].next].other == kNone && mDone[mGraph.nodeOf[end]] == 0) {
+    if (mChains[mChains[last].next].other == kNone && mDone[mGraph.NodeOf(end)] == 0) {
         LabelAround(end);
     }
 }
@@ -120,11 +120,11 @@ void Linker::LabelAlong(Number chain) {
 /// Labels the chains around a node. The operands of the points beside one half-edge tell those of
 /// the points beside all others.
 void Linker::LabelAround(HalfEdge from) {
-    mDone[mGraph.nodeOf[from]] = 1;
+    mDone[mGraph.NodeOf(from)] = 1;
     // The operands that hold the points counterclockwise of the half-edge.
     Operands here = mChains[from / 2].left ^ (from % 2 == 0 ? 0 : mChains[from / 2].operands);
     Operands last = mChains[from / 2].operands;
-    for (HalfEdge at = mGraph.nextClockwise[from]; at != from; at = mGraph.nextClockwise[at]) {
+    for (HalfEdge at = mGraph.NextClockwise(from); at != from; at = mGraph.NextClockwise(at)) {
         Chain& chain = mChains[at / 2];
         here ^= last;
         last = chain.operands;

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <utility>
 
 namespace trammel_detail {
@@ -27,31 +26,49 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
     return SideOf(lines.points[before], lines.points[i], lines.points[after]) > 0;
 }
 
+/// What is known of a half-edge, as a set of bits. One look at it tells all that a step needs.
+char const kOpen = 1;
+char const kBounds = 2;
+
 /// The work of WalkRings().
 class RingWalk {
 public:
-    RingWalk(ChainGraph const& graph, ScratchVector<HalfEdge>* entries, RegionContours& result)
-        : mGraph(graph), mEntries(entries), mRings(result.contours),
+    /// `marks` has kOpen for each half-edge that is to be part of a ring.
+    RingWalk(ChainGraph const& graph, ScratchVector<char> marks, ScratchVector<HalfEdge>* entries,
+             RegionContours& result)
+        : mGraph(graph), mMarks(std::move(marks)), mEntries(entries), mRings(result.contours),
           mHasOrigins(!graph.lines.origins.empty()), mWalk(graph.chains.get_allocator()),
-          mPlace(graph.nodeCount, kNowhere, graph.chains.get_allocator()) {}
+          mPlace(graph.nodeCount, kNone, graph.chains.get_allocator()) {
+        for (std::size_t half = 0; half < mMarks.size(); ++half) {
+            mMarks[half] =
+                static_cast<char>(mMarks[half] | (graph.chains[half / 2].bounds ? kBounds : 0));
+        }
+    }
 
     /// Makes room for that many vertices.
     void Reserve(std::size_t most) {
         mRings.points.resize(most);
         mOut = mRings.points.data();
     }
-    /// Makes the rings of which a half-edge is the first one met, and clears their marks in `open`.
-    void WalkFrom(HalfEdge first, ScratchVector<char>& open);
+    /// Makes the rings of all half-edges.
+    void WalkAll() {
+        for (HalfEdge half = 0; half < mMarks.size(); ++half) {
+            if (IsOpen(half)) {
+                WalkFrom(half);
+            }
+        }
+    }
     void Finish() { mRings.points.resize(static_cast<std::size_t>(mOut - mRings.points.data())); }
 
 private:
-    static constexpr std::size_t kNowhere = std::numeric_limits<std::size_t>::max();
-
+    bool IsOpen(HalfEdge half) const { return (mMarks[half] & kOpen) != 0; }
+    /// Makes the rings of which a half-edge is the first one met.
+    void WalkFrom(HalfEdge first);
     /// Returns the next half-edge of the node, clockwise, that is on a boundary.
     HalfEdge NextOnBoundary(HalfEdge half) const {
         do {
-            half = mGraph.nextClockwise[half];
-        } while (!mGraph.chains[half / 2].bounds);
+            half = mGraph.NextClockwise(half);
+        } while ((mMarks[half] & kBounds) == 0);
         return half;
     }
     /// Makes a ring of the last part of the walk, which has come back to the node where that part
@@ -70,12 +87,13 @@ private:
     }
 
     ChainGraph const& mGraph;
+    ScratchVector<char> mMarks; // by half-edge
     ScratchVector<HalfEdge>* mEntries;
     GridLines& mRings;
     GridPoint* mOut = nullptr;
     bool mHasOrigins;
-    ScratchVector<HalfEdge> mWalk;     // the half-edges that the walk took
-    ScratchVector<std::size_t> mPlace; // by node: where in the walk it is
+    ScratchVector<HalfEdge> mWalk; // the half-edges that the walk took
+    ScratchVector<Number> mPlace;  // by node: where in the walk it is, or kNone
 };
 
 GridPoint* RingWalk::AppendBackwards(HalfEdge entry, GridPoint* out) const {
@@ -125,7 +143,7 @@ void RingWalk::Close(std::size_t begin) {
             mEntries->insert(mEntries->end(), chain.count, mWalk[i]);
         }
         if (!chain.closed) {
-            mPlace[mGraph.nodeOf[mWalk[i]]] = kNowhere;
+            mPlace[mGraph.NodeOf(mWalk[i])] = kNone;
         }
     }
     mWalk.resize(begin);
@@ -139,7 +157,7 @@ void RingWalk::Close(std::size_t begin) {
     mRings.operands.push_back(0);
 }
 
-void RingWalk::WalkFrom(HalfEdge first, ScratchVector<char>& open) {
+void RingWalk::WalkFrom(HalfEdge first) {
     if (mGraph.chains[first / 2].closed) {
         mWalk.push_back(first);
         Close(0);
@@ -147,15 +165,15 @@ void RingWalk::WalkFrom(HalfEdge first, ScratchVector<char>& open) {
     }
     HalfEdge end = first;
     do {
-        Number const node = mGraph.nodeOf[end];
-        if (mPlace[node] != kNowhere) {
+        Number const node = mGraph.NodeOf(end);
+        if (mPlace[node] != kNone) {
             Close(mPlace[node]);
         }
-        mPlace[node] = mWalk.size();
+        mPlace[node] = static_cast<Number>(mWalk.size());
         mWalk.push_back(end);
-        open[end] = 0;
+        mMarks[end] = kBounds;
         end = NextOnBoundary(Twin(end));
-    } while (open[end] != 0);
+    } while (IsOpen(end));
     Close(0);
 }
 
@@ -165,14 +183,10 @@ RegionContours WalkRings(ChainGraph const& graph, ScratchVector<char> open,
                          ScratchVector<HalfEdge>* entries) {
     RegionContours result(graph.chains.get_allocator().GetScratch());
     GridLines& rings = result.contours;
-    RingWalk walk(graph, entries, result);
+    RingWalk walk(graph, std::move(open), entries, result);
     // Each edge is part of at most one ring on each side.
     walk.Reserve((entries != nullptr ? 2 : 1) * graph.lines.points.size());
-    for (HalfEdge half = 0; half < open.size(); ++half) {
-        if (open[half] != 0) {
-            walk.WalkFrom(half, open);
-        }
-    }
+    walk.WalkAll();
     walk.Finish();
     result.holes.reserve(rings.Count());
     for (std::size_t i = 0; i < rings.Count(); ++i) {

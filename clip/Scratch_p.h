@@ -5,6 +5,7 @@
 #ifndef TRAMMEL_SCRATCH_P_H
 #define TRAMMEL_SCRATCH_P_H
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <limits>
@@ -14,20 +15,33 @@
 
 namespace trammel_detail {
 
-/// A block of memory for one operation. It outlives all vectors in it. Small operands fit in it and
-/// so save calls of the heap, which take most of their time otherwise.
+/// The memory of one operation. It outlives all vectors in it. Small operands fit in a block on the
+/// stack and so save calls of the heap, which take most of their time otherwise.
+///
+/// Large vectors are in chunks of the heap, where each has twice the size of all before. What one
+/// vector leaves serves the next. The C library keeps freed memory for the next operation if most
+/// of it was one chunk, and gives much of it back to the system if not. New pages of the system
+/// took up to 40 % of the time.
 class Scratch {
 public:
     Scratch() : mFree(mBlock) {}
     Scratch(Scratch const&) = delete;
     Scratch& operator=(Scratch const&) = delete;
+    ~Scratch() {
+        for (std::size_t i = 0; i < mChunkCount; ++i) {
+            ::operator delete(mChunks[i]);
+        }
+    }
 
     /// Returns `size` bytes of the block, or of the heap where the block has fewer left. Throws
     /// std::bad_alloc.
     void* Take(std::size_t size) {
         std::size_t const whole = Rounded(size);
-        if (whole < size || whole > static_cast<std::size_t>(mBlock + kSize - mFree)) {
-            return ::operator new(size);
+        if (whole < size) {
+            throw std::bad_alloc();
+        }
+        if (whole > static_cast<std::size_t>(mBlock + kSize - mFree)) {
+            return IsLarge(size) ? TakeRange(whole) : ::operator new(size);
         }
         void* const taken = mFree;
         mFree += whole;
@@ -40,7 +54,11 @@ public:
         // std::less orders pointers into different arrays, too. The end counts as part of the
         // block: a full block gives its end to a call for 0 bytes.
         if (std::less<>()(begin, mBlock) || std::less<>()(mBlock + kSize, begin)) {
-            ::operator delete(given);
+            if (IsLarge(size)) {
+                Keep({begin, Rounded(size)});
+            } else {
+                ::operator delete(given);
+            }
         } else if (begin + Rounded(size) == mFree) {
             mFree = begin;
         }
@@ -49,11 +67,100 @@ public:
 private:
     static constexpr std::size_t kSize = 24576;
     static constexpr std::size_t kUnit = 16;
+    static constexpr std::size_t kLarge = 32768; // more than the block has
+    static constexpr std::size_t kFirstChunk = 262144;
+    static constexpr std::size_t kMostChunks = 48; // each is larger than all before
+    static constexpr std::size_t kMostRanges = 32;
+
+    /// Bytes of a chunk that are free.
+    struct Range {
+        unsigned char* begin;
+        std::size_t size;
+
+        unsigned char* End() const { return begin + size; }
+    };
 
     static std::size_t Rounded(std::size_t size) { return (size + kUnit - 1) / kUnit * kUnit; }
 
+    static bool IsLarge(std::size_t size) { return size >= kLarge; }
+
+    /// Returns the beginning of the smallest free range that is large enough.
+    void* TakeRange(std::size_t size) {
+        std::size_t best = FindRange(size);
+        if (best == mRangeCount) {
+            AddChunk(size);
+            best = FindRange(size);
+        }
+        Range& range = mRanges[best];
+        unsigned char* const taken = range.begin;
+        range.begin += size;
+        range.size -= size;
+        if (range.size == 0) {
+            Remove(best);
+        }
+        return taken;
+    }
+    /// Returns the number of that range, or the number of all ranges for none.
+    std::size_t FindRange(std::size_t size) const {
+        std::size_t best = mRangeCount;
+        for (std::size_t i = 0; i < mRangeCount; ++i) {
+            if (mRanges[i].size >= size &&
+                (best == mRangeCount || mRanges[i].size < mRanges[best].size)) {
+                best = i;
+            }
+        }
+        return best;
+    }
+    void AddChunk(std::size_t size) {
+        if (mChunkCount == kMostChunks) {
+            throw std::bad_alloc();
+        }
+        std::size_t whole = std::max({size, kFirstChunk, 2 * mChunkTotal});
+        void* chunk = ::operator new(whole, std::nothrow);
+        if (chunk == nullptr) {
+            whole = size;
+            chunk = ::operator new(whole);
+        }
+        mChunks[mChunkCount++] = chunk;
+        mChunkTotal += whole;
+        Keep({static_cast<unsigned char*>(chunk), whole});
+    }
+    /// Adds a range to the free ones, which are in the order of their addresses. Where there are
+    /// too many, the smallest is lost until the end of the operation.
+    void Keep(Range range) {
+        std::size_t i = 0;
+        while (i < mRangeCount && std::less<>()(mRanges[i].begin, range.begin)) {
+            ++i;
+        }
+        if (i < mRangeCount && range.End() == mRanges[i].begin) {
+            range.size += mRanges[i].size;
+            Remove(i);
+        }
+        if (i > 0 && mRanges[i - 1].End() == range.begin) {
+            mRanges[i - 1].size += range.size;
+            return;
+        }
+        std::copy_backward(mRanges + i, mRanges + mRangeCount, mRanges + mRangeCount + 1);
+        mRanges[i] = range;
+        if (++mRangeCount > kMostRanges) {
+            Remove(static_cast<std::size_t>(
+                std::min_element(mRanges, mRanges + mRangeCount,
+                                 [](Range a, Range b) { return a.size < b.size; }) -
+                mRanges));
+        }
+    }
+    void Remove(std::size_t range) {
+        std::copy(mRanges + range + 1, mRanges + mRangeCount, mRanges + range);
+        --mRangeCount;
+    }
+
     alignas(kUnit) unsigned char mBlock[kSize];
     unsigned char* mFree;
+    Range mRanges[kMostRanges + 1];
+    std::size_t mRangeCount = 0;
+    void* mChunks[kMostChunks];
+    std::size_t mChunkCount = 0;
+    std::size_t mChunkTotal = 0;
 };
 
 /// Allocates from a Scratch, or from the heap without one. Elements that are added without a value

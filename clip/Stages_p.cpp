@@ -147,8 +147,8 @@ void Stage::Unite(std::size_t group, CutTally& cut) {
 RegionContours UniteInStages(GridLines lines, std::uint32_t owners, bool evenOdd,
                              ClipGrid const& grid, CutTally& cut) {
     WindingRule rule{evenOdd, 0};
+    Scratch* const scratch = lines.points.get_allocator().GetScratch();
     if (owners <= kFewParts) {
-        Scratch* const scratch = lines.points.get_allocator().GetScratch();
         WindingRegion region(kFirstGroup, scratch);
         region.rules.assign(owners, rule);
         return ContoursOf(std::move(lines), region, grid, &cut);
@@ -163,7 +163,7 @@ RegionContours UniteInStages(GridLines lines, std::uint32_t owners, bool evenOdd
         parts = stage.Finish();
         rule.evenOdd = false;
     }
-    return UnionOf(parts, 0, parts.Count(), rule, grid, nullptr, cut);
+    return UnionOf(parts, 0, parts.Count(), rule, grid, scratch, cut);
 }
 
 } // namespace trammel_detail

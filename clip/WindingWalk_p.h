@@ -65,7 +65,7 @@ private:
     /// Crosses all chains that are connected with chain i, by a ray from its edge k.
     void VisitFrom(Number i, Number k, WestRays& rays);
     void Open(HalfEdge half) {
-        mDone[mGraph.nodeOf[half]] = 1;
+        mDone[mGraph.NodeOf(half)] = 1;
         mOpen.push_back({half, half});
     }
 
@@ -84,7 +84,7 @@ template <class Place> void WindingWalk<Place>::VisitConnected(HalfEdge first) {
     while (!mOpen.empty()) {
         Turning& node = mOpen.back();
         HalfEdge const half = node.next;
-        node.next = mGraph.nextClockwise[half];
+        node.next = mGraph.NextClockwise(half);
         if (node.next == node.first) {
             mOpen.pop_back();
         }
@@ -94,7 +94,7 @@ template <class Place> void WindingWalk<Place>::VisitConnected(HalfEdge first) {
         }
         CrossFirst(half);
         // The side clockwise of a half-edge is counterclockwise of its twin.
-        if (mDone[mGraph.nodeOf[Twin(half)]] == 0) {
+        if (mDone[mGraph.NodeOf(Twin(half))] == 0) {
             Open(Twin(half));
         }
     }
