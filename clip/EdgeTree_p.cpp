@@ -366,8 +366,10 @@ Operands EdgeTree::InsideWestOf(std::size_t edge, std::size_t& steps) const {
     return inside;
 }
 
-void EdgeTree::CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const {
-    CastWest(edge, [&](std::size_t line, int step) { crossings.push_back({line, step}); });
+std::size_t EdgeTree::CrossingsWestOf(std::size_t edge,
+                                      ScratchVector<RayCrossing>& crossings) const {
+    return CastWest(edge,
+                    [&](std::size_t line, int step) { crossings.push_back({line, step}); });
 }
 
 namespace {

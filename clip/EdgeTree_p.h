@@ -70,8 +70,8 @@ public:
     /// Adds the number of boxes that the ray looks at to `steps`.
     Operands InsideWestOf(std::size_t edge, std::size_t& steps) const;
     /// Appends the crossings of the lines with a ray from there to the west. Those of one line may
-    /// be left out where they cancel.
-    void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const;
+    /// be left out where they cancel. Returns the number of boxes that the ray looks at.
+    std::size_t CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) const;
 
 private:
     static constexpr std::size_t kFan = 4;                // children of a node

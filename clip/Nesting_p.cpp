@@ -4,9 +4,12 @@
 
 #include "Predicates_p.h"
 #include "WestRays_p.h"
+#include "WestSweep_p.h"
 
 #include <cmath>
+#include <numeric>
 #include <optional>
+#include <utility>
 
 namespace trammel_detail {
 
@@ -41,6 +44,46 @@ struct Reach {
     }
 };
 
+/// Returns what OutersOf() does, by a sweep over all edges.
+std::vector<std::size_t> OutersBySweep(RegionContours const& region) {
+    GridLines const& contours = region.contours;
+    // A face or the region lies to the right of an edge. Of equal edges the one that runs downwards
+    // comes first, because its face lies west.
+    Number const kUpward = Number{1} << 31;
+    ScratchVector<SweptEdge> edges(contours.points.get_allocator());
+    ScratchVector<Number> contourOf(contours.points.size(), 0, contours.points.get_allocator());
+    for (std::size_t i = 0; i < contours.Count(); ++i) {
+        for (std::size_t k = contours.Begin(i); k < contours.End(i); ++k) {
+            contourOf[k] = static_cast<Number>(i);
+            GridPoint const a = contours.points[k];
+            GridPoint const b = contours.points[k + 1 == contours.End(i) ? contours.Begin(i) : k + 1];
+            if (a.y < b.y) {
+                edges.push_back({a, b, static_cast<Number>(k) | kUpward});
+            } else if (b.y < a.y) {
+                edges.push_back({b, a, static_cast<Number>(k)});
+            }
+        }
+    }
+    std::vector<std::size_t> outers(contours.Count());
+    std::iota(outers.begin(), outers.end(), std::size_t{0});
+    std::vector<char> met(contours.Count(), 0);
+    SweepWest(std::move(edges), [&](SweptEdge const& edge, SweptEdge const* west) {
+        std::size_t const contour = contourOf[edge.number & ~kUpward];
+        // The sweep meets a hole at the edge that comes down to its lowest vertex. The contour west
+        // of it was met before, and bounds the same face.
+        bool const first = std::exchange(met[contour], 1) == 0;
+        if (!first || region.holes[contour] == 0 || west == nullptr ||
+            (west->number & kUpward) == 0) {
+            return;
+        }
+        std::size_t const beside = contourOf[west->number & ~kUpward];
+        if (region.holes[beside] == 0 || outers[beside] != beside) {
+            outers[contour] = outers[beside];
+        }
+    });
+    return outers;
+}
+
 } // namespace
 
 std::vector<std::size_t> OutersOf(RegionContours const& region) {
@@ -65,6 +108,9 @@ std::vector<std::size_t> OutersOf(RegionContours const& region) {
         while (edge + 1 < contours.End(i) &&
                contours.points[edge].y <= contours.points[edge + 1].y) {
             ++edge;
+        }
+        if (rays.AreSlow()) {
+            return OutersBySweep(region);
         }
         crossings.clear();
         rays.CrossingsWestOf(edge, crossings);

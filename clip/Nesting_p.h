@@ -17,7 +17,8 @@ namespace trammel_detail {
 ///
 /// Contours may also have edges in common where the region, or that of a face, lies on either side.
 ///
-/// Cost: O(n), and a ray for each hole.
+/// Cost: O(n), and a ray for each hole, or O(n log n) where contours lie in each other by the
+/// hundred.
 std::vector<std::size_t> OutersOf(RegionContours const& region);
 
 } // namespace trammel_detail

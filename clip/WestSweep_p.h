@@ -25,22 +25,27 @@ struct SweptEdge {
 
 /// Calls visit(edge, west) for all edges, in the order of their lower ends, upwards and from west
 /// to east. `west` points to the edge that is directly west, just above the lower end. It is null
-/// for none. Two edges must have nothing in common but ends.
+/// for none. Two edges must be equal or have nothing in common but ends. Of equal edges the one with
+/// the lowest number counts as the westmost.
 ///
 /// Cost: O(n log n).
 template <class Visit> void SweepWest(ScratchVector<SweptEdge> edges, Visit&& visit) {
     // Of two edges that reach one height, the lower end of the one that begins later lies beside
     // the other, or the two begin at one point.
-    auto const isWest = [&edges](Number i, Number j) {
+    auto const turnsWest = [](SweptEdge const& e, SweptEdge const& f) {
+        int const side = SideOf(e.low, e.high, f.high);
+        return side != 0 ? side < 0 : e.number < f.number;
+    };
+    auto const isWest = [&](Number i, Number j) {
         SweptEdge const& e = edges[i];
         SweptEdge const& f = edges[j];
         if (e.low == f.low) {
-            return SideOf(e.low, e.high, f.high) < 0;
+            return turnsWest(e, f);
         }
         return e.low < f.low ? SideOf(e.low, e.high, f.low) < 0 : SideOf(f.low, f.high, e.low) > 0;
     };
-    std::sort(edges.begin(), edges.end(), [](SweptEdge const& e, SweptEdge const& f) {
-        return e.low != f.low ? e.low < f.low : SideOf(e.low, e.high, f.high) < 0;
+    std::sort(edges.begin(), edges.end(), [&](SweptEdge const& e, SweptEdge const& f) {
+        return e.low != f.low ? e.low < f.low : turnsWest(e, f);
     });
     ScratchVector<Number> ends(edges.get_allocator());
     for (Number i = 0; i < edges.size(); ++i) {

@@ -10,8 +10,10 @@
 #include "EdgeTree_p.h"
 #include "Scratch_p.h"
 #include "WestRays_p.h"
+#include "WestSweep_p.h"
 
 #include <cstddef>
+#include <utility>
 
 namespace trammel_detail {
 
@@ -37,12 +39,14 @@ template <class Cross> void ForEqual(ChainGraph const& graph, HalfEdge half, Cro
 ///
 /// Afterwards Chain::labelled is true for all chains, of equal ones for the first.
 ///
-/// Cost: O(n) calls for n chains, the equal ones included; and a ray for each connected part.
+/// Cost: O(n) calls for n chains, the equal ones included; and a ray for each connected part, or
+/// O(n log n) for a sweep where lines lie in each other by the hundred.
 template <class Place> class WindingWalk {
 public:
     WindingWalk(ChainGraph& graph, Place& place)
         : mGraph(graph), mPlace(place), mDone(graph.nodeCount, 0, graph.chains.get_allocator()),
-          mOpen(graph.chains.get_allocator()), mCrossings(graph.chains.get_allocator()) {}
+          mOpen(graph.chains.get_allocator()), mCrossings(graph.chains.get_allocator()),
+          mBeside(graph.chains.get_allocator()), mStarts(graph.chains.get_allocator()) {}
 
     void VisitAll(WestRays& rays);
 
@@ -59,14 +63,48 @@ private:
         mPlace.CrossAndLabel(half, chain);
         chain.labelled = true;
     }
-    /// Crosses all chains that are connected with a half-edge. The place is counterclockwise of it,
-    /// and in the end it is there again.
+    /// Where the walk along a connected part begins: counterclockwise of a half-edge.
+    struct Start {
+        HalfEdge half;
+        Number next; ///< the next start at the same place, or kNone
+    };
+
+    /// Crosses all chains that are connected with a half-edge, and those of parts beside them. The
+    /// place is counterclockwise of it, and in the end it is there again.
     void VisitConnected(HalfEdge first);
+    /// Visits all parts once more. A sweep tells beside which chain each of them lies.
+    void VisitBySweep();
+    /// Finds where each part begins. Returns the first start of those that lie beside nothing.
+    Number FindStarts();
+    /// Marks the chains that are connected with chain i in `met`, with mDone for the nodes.
+    void MarkConnected(Number i, ScratchVector<char>& met);
     /// Crosses all chains that are connected with chain i, by a ray from its edge k.
     void VisitFrom(Number i, Number k, WestRays& rays);
     void Open(HalfEdge half) {
-        mDone[mGraph.NodeOf(half)] = 1;
+        if (!mGraph.chains[half / 2].closed) {
+            mDone[mGraph.NodeOf(half)] = 1;
+        }
         mOpen.push_back({half, half});
+    }
+    /// Opens the next part that lies counterclockwise of a half-edge. False if there is none.
+    bool OpenBeside(HalfEdge half) {
+        if (mBeside.empty() || mBeside[half] == kNone) {
+            return false;
+        }
+        Start const start = mStarts[mBeside[half]];
+        mBeside[half] = start.next;
+        Open(start.half);
+        return true;
+    }
+    /// Returns the next half-edge of a node. A closed chain counts as one around its two sides.
+    HalfEdge Next(HalfEdge half) const {
+        return mGraph.chains[half / 2].closed ? Twin(half) : mGraph.NextClockwise(half);
+    }
+    /// Returns the half-edge from whose lower end chain i's edge k leads up. West is
+    /// counterclockwise of it.
+    HalfEdge Upward(Number i, Number k) const {
+        Chain const& chain = mGraph.chains[i];
+        return 2 * i + (mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y ? 0 : 1);
     }
 
     ChainGraph& mGraph;
@@ -74,6 +112,9 @@ private:
     ScratchVector<char> mDone;    // by node: 1 once it was opened
     ScratchVector<Turning> mOpen; // nodes whose half-edges are not all crossed
     ScratchVector<RayCrossing> mCrossings;
+    // After a sweep:
+    ScratchVector<Number> mBeside; // by half-edge: a part that lies counterclockwise of it
+    ScratchVector<Start> mStarts;
 };
 
 template <class Place> void WindingWalk<Place>::VisitConnected(HalfEdge first) {
@@ -84,7 +125,10 @@ template <class Place> void WindingWalk<Place>::VisitConnected(HalfEdge first) {
     while (!mOpen.empty()) {
         Turning& node = mOpen.back();
         HalfEdge const half = node.next;
-        node.next = mGraph.NextClockwise(half);
+        if (OpenBeside(half)) {
+            continue;
+        }
+        node.next = Next(half);
         if (node.next == node.first) {
             mOpen.pop_back();
         }
@@ -94,7 +138,7 @@ template <class Place> void WindingWalk<Place>::VisitConnected(HalfEdge first) {
         }
         CrossFirst(half);
         // The side clockwise of a half-edge is counterclockwise of its twin.
-        if (mDone[mGraph.NodeOf(Twin(half))] == 0) {
+        if (!mGraph.chains[half / 2].closed && mDone[mGraph.NodeOf(Twin(half))] == 0) {
             Open(Twin(half));
         }
     }
@@ -107,17 +151,81 @@ template <class Place> void WindingWalk<Place>::VisitFrom(Number i, Number k, We
     for (RayCrossing const& crossing : mCrossings) {
         mPlace.Turn(crossing.line, crossing.step);
     }
-    // West is to the left of an edge that runs upwards.
-    bool const up = mGraph.PointOf(chain, k).y < mGraph.PointOf(chain, k + 1).y;
-    HalfEdge const half = 2 * i + (up ? 0 : 1);
-    if (chain.closed) {
-        CrossFirst(half);
-        mPlace.Cross(Twin(half));
-    } else {
-        VisitConnected(half);
-    }
+    VisitConnected(Upward(i, k));
     for (RayCrossing const& crossing : mCrossings) {
         mPlace.Turn(crossing.line, -crossing.step);
+    }
+}
+
+template <class Place>
+void WindingWalk<Place>::MarkConnected(Number i, ScratchVector<char>& met) {
+    ScratchVector<HalfEdge> open({2 * i, 2 * i + 1}, met.get_allocator());
+    met[i] = 1;
+    while (!open.empty()) {
+        HalfEdge const first = open.back();
+        open.pop_back();
+        if (mGraph.chains[first / 2].closed || mDone[mGraph.NodeOf(first)] != 0) {
+            continue;
+        }
+        mDone[mGraph.NodeOf(first)] = 1;
+        HalfEdge half = first;
+        do {
+            if (met[half / 2] == 0) {
+                met[half / 2] = 1;
+                open.push_back(Twin(half));
+            }
+            half = mGraph.NextClockwise(half);
+        } while (half != first);
+    }
+}
+
+template <class Place> Number WindingWalk<Place>::FindStarts() {
+    // By edge: the half-edge that leads up along it.
+    ScratchVector<HalfEdge> upward(mGraph.lines.points.size(), kNone, mOpen.get_allocator());
+    ScratchVector<SweptEdge> edges(mOpen.get_allocator());
+    for (Number i = 0; i < mGraph.chains.size(); ++i) {
+        Chain const& chain = mGraph.chains[i];
+        for (Number k = 0; k < chain.count && !chain.labelled; ++k) {
+            GridPoint const a = mGraph.PointOf(chain, k);
+            GridPoint const b = mGraph.PointOf(chain, k + 1);
+            if (a.y != b.y) {
+                Number const edge = mGraph.VertexOf(chain, k);
+                upward[edge] = Upward(i, k);
+                edges.push_back({a.y < b.y ? a : b, a.y < b.y ? b : a, edge});
+            }
+        }
+    }
+    mBeside.assign(2 * mGraph.chains.size(), kNone);
+    Number top = kNone;
+    ScratchVector<char> met(mGraph.chains.size(), 0, mOpen.get_allocator());
+    SweepWest(std::move(edges), [&](SweptEdge const& edge, SweptEdge const* west) {
+        HalfEdge const half = upward[edge.number];
+        if (met[half / 2] != 0) {
+            return;
+        }
+        MarkConnected(half / 2, met);
+        // East of an edge is counterclockwise of the half-edge that leads down along it.
+        Number& first = west != nullptr ? mBeside[Twin(upward[west->number])] : top;
+        mStarts.push_back({half, first});
+        first = static_cast<Number>(mStarts.size() - 1);
+    });
+    return top;
+}
+
+template <class Place> void WindingWalk<Place>::VisitBySweep() {
+    for (Chain& chain : mGraph.chains) {
+        chain.labelled = false;
+    }
+    for (HalfEdge const equal : mGraph.equals) {
+        if (equal != kNone) {
+            mGraph.chains[equal / 2].labelled = true; // with the first of its list
+        }
+    }
+    mDone.assign(mGraph.nodeCount, 0);
+    Number const top = FindStarts();
+    mDone.assign(mGraph.nodeCount, 0);
+    for (Number start = top; start != kNone; start = mStarts[start].next) {
+        VisitConnected(mStarts[start].half);
     }
 }
 
@@ -128,6 +236,11 @@ template <class Place> void WindingWalk<Place>::VisitAll(WestRays& rays) {
         if (!chain.labelled && chain.operands != 0) {
             Number const k = mGraph.FirstNotHorizontal(chain);
             if (k < chain.count) {
+                if (rays.AreSlow()) {
+                    VisitBySweep();
+                    flat = true;
+                    break;
+                }
                 VisitFrom(i, k, rays);
             } else {
                 flat = true;
