@@ -158,7 +158,8 @@ bool Register() {
 #ifdef TRAMMEL_BENCH_CGAL
     all.push_back(peers::Cgal());
 #endif
-    // Random vertices and combs have crossings by the square, so there are no large ones.
+    // Random vertices, combs, grids and stars have crossings by the square, so there are no large
+    // ones.
     Group const groups[] = {
         {"glyphs", Kind::kGlyphs, {10, 100, 1000, 10000, 100000}},
         {"map", Kind::kMap, {10, 100, 1000, 10000, 100000}},
@@ -167,6 +168,10 @@ bool Register() {
         {"combs", Kind::kCombs, {10, 100, 300, 1000}},
         {"saws", Kind::kSaws, {10, 100, 1000, 10000}},
         {"hatch", Kind::kHatch, {100, 1000, 3000}},
+        {"grid", Kind::kGrid, {40, 400}},
+        {"star", Kind::kStar, {101, 401, 1601}},
+        {"strips", Kind::kStrips, {400, 4000, 40000}},
+        {"nested", Kind::kNested, {400, 4000, 40000}},
     };
     struct Operation {
         char const* name;

@@ -374,6 +374,34 @@ Rings Bars(std::size_t size, TRect<double> const& box) {
     return rings;
 }
 
+/// Returns a ring of an odd number of vertices on a circle, of which each edge crosses all others.
+Rings Star(std::size_t size) {
+    std::size_t const count = size | 1;
+    Ring ring;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const angle =
+            2.0 * pi * static_cast<double>(i * (count / 2) % count) / static_cast<double>(count);
+        ring.emplace_back(std::cos(angle), std::sin(angle));
+    }
+    return {ring};
+}
+
+/// Returns turned squares around (0, 0), the outermost of which reaches `reach` from it.
+Rings NestedSquares(std::size_t size, double reach) {
+    std::size_t const count = std::max<std::size_t>(size / 4, 1);
+    Rings rings;
+    for (std::size_t i = 0; i < count; ++i) {
+        double const radius = reach * static_cast<double>(count - i) / static_cast<double>(count);
+        Ring square;
+        for (int corner = 0; corner < 4; ++corner) {
+            double const angle = 0.5 + pi / 2.0 * corner;
+            square.emplace_back(radius * std::cos(angle), radius * std::sin(angle));
+        }
+        rings.push_back(square);
+    }
+    return rings;
+}
+
 Pair Make(Kind kind, std::size_t size) {
     Pair pair;
     switch (kind) {
@@ -412,6 +440,30 @@ Pair Make(Kind kind, std::size_t size) {
         pair.first = Simple(Bars(size, box));
         break;
     }
+    case Kind::kGrid:
+        pair.first = Simple(Bars(size, TRect<double>(0.0, 0.0, 1000.0, 1000.0)));
+        pair.second.rings = pair.first.rings;
+        for (Ring& bar : pair.second.rings) {
+            for (TPoint<double>& p : bar) {
+                p = TPoint<double>(1000.0 - p.v, p.h);
+            }
+        }
+        pair.second = Simple(pair.second.rings);
+        break;
+    case Kind::kStar:
+        pair.crossing = true;
+        pair.first.rings = Star(size);
+        pair.second.rings = {{{3.0, 0.0}, {4.0, 0.0}, {4.0, 1.0}}};
+        break;
+    case Kind::kStrips:
+        pair.first = Simple(Bars(size, TRect<double>(0.0, 0.0, 1000.0, 1000.0)));
+        pair.second = Simple(NestedSquares(4, 1.0));
+        break;
+    case Kind::kNested:
+        pair.crossing = true; // no areas: GEOS is to find out by itself which ring is a hole
+        pair.first.rings = NestedSquares(size, 1000.0);
+        pair.second.rings = {{{-0.1, -0.1}, {0.1, -0.1}, {0.1, 0.1}, {-0.1, 0.1}}};
+        break;
     }
     return pair;
 }

@@ -368,8 +368,7 @@ Operands EdgeTree::InsideWestOf(std::size_t edge, std::size_t& steps) const {
 
 std::size_t EdgeTree::CrossingsWestOf(std::size_t edge,
                                       ScratchVector<RayCrossing>& crossings) const {
-    return CastWest(edge,
-                    [&](std::size_t line, int step) { crossings.push_back({line, step}); });
+    return CastWest(edge, [&](std::size_t line, int step) { crossings.push_back({line, step}); });
 }
 
 namespace {

@@ -56,7 +56,8 @@ std::vector<std::size_t> OutersBySweep(RegionContours const& region) {
         for (std::size_t k = contours.Begin(i); k < contours.End(i); ++k) {
             contourOf[k] = static_cast<Number>(i);
             GridPoint const a = contours.points[k];
-            GridPoint const b = contours.points[k + 1 == contours.End(i) ? contours.Begin(i) : k + 1];
+            GridPoint const b =
+                contours.points[k + 1 == contours.End(i) ? contours.Begin(i) : k + 1];
             if (a.y < b.y) {
                 edges.push_back({a, b, static_cast<Number>(k) | kUpward});
             } else if (b.y < a.y) {

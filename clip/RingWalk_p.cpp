@@ -26,7 +26,7 @@ bool IsCounterclockwise(GridLines const& lines, std::size_t line) {
     return SideOf(lines.points[before], lines.points[i], lines.points[after]) > 0;
 }
 
-/// What is known of a half-edge, as a set of bits. One look at it tells all that a step needs.
+/// The marks of a half-edge, a set of bits. One look at them tells all that a step needs.
 char const kOpen = 1;
 char const kBounds = 2;
 

@@ -28,7 +28,8 @@ public:
         return tree != nullptr ? tree->InsideWestOf(edge, mSteps)
                                : trammel_detail::InsideWestOf(mLines, edge);
     }
-    /// True when the rays through the tree took much longer than a sweep over all edges does. They do so where lines lie in each other by the hundred.
+    /// True when the rays through the tree took much longer than a sweep over all edges does. They
+    /// do so where lines lie in each other by the hundred.
     bool AreSlow() const { return mSteps > 32 * mLines.points.size(); }
     /// Appends what EdgeTree::CrossingsWestOf() does.
     void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) {

@@ -25,8 +25,8 @@ struct SweptEdge {
 
 /// Calls visit(edge, west) for all edges, in the order of their lower ends, upwards and from west
 /// to east. `west` points to the edge that is directly west, just above the lower end. It is null
-/// for none. Two edges must be equal or have nothing in common but ends. Of equal edges the one with
-/// the lowest number counts as the westmost.
+/// for none. Two edges must be equal or have nothing in common but ends. Of equal edges the one
+/// with the lowest number counts as the westmost.
 ///
 /// Cost: O(n log n).
 template <class Visit> void SweepWest(ScratchVector<SweptEdge> edges, Visit&& visit) {

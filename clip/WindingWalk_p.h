@@ -69,12 +69,12 @@ private:
         Number next; ///< the next start at the same place, or kNone
     };
 
-    /// Crosses all chains that are connected with a half-edge, and those of parts beside them. The
-    /// place is counterclockwise of it, and in the end it is there again.
+    /// Crosses all chains that are connected with a half-edge, and the parts beside them. The place
+    /// is counterclockwise of it, and in the end it is there again.
     void VisitConnected(HalfEdge first);
     /// Visits all parts once more. A sweep tells beside which chain each of them lies.
     void VisitBySweep();
-    /// Finds where each part begins. Returns the first start of those that lie beside nothing.
+    /// Finds where each part begins. Returns the first start of the parts that lie beside nothing.
     Number FindStarts();
     /// Marks the chains that are connected with chain i in `met`, with mDone for the nodes.
     void MarkConnected(Number i, ScratchVector<char>& met);
@@ -157,8 +157,7 @@ template <class Place> void WindingWalk<Place>::VisitFrom(Number i, Number k, We
     }
 }
 
-template <class Place>
-void WindingWalk<Place>::MarkConnected(Number i, ScratchVector<char>& met) {
+template <class Place> void WindingWalk<Place>::MarkConnected(Number i, ScratchVector<char>& met) {
     ScratchVector<HalfEdge> open({2 * i, 2 * i + 1}, met.get_allocator());
     met[i] = 1;
     while (!open.empty()) {

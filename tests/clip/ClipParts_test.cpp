@@ -19,6 +19,7 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -289,6 +290,35 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
                 }
             }
         }
+    }
+}
+
+TEST(ClipParts, ScratchGivesNoByteTwice) {
+    struct Block {
+        unsigned char* begin;
+        std::size_t size;
+        unsigned char mark;
+    };
+    trammel_detail::Scratch scratch;
+    std::vector<Block> taken;
+    std::mt19937 random(20261122);
+    for (int round = 0; round < 1200; ++round) {
+        if (random() % 2 == 0 && !taken.empty()) {
+            std::swap(taken[random() % taken.size()], taken.back());
+            Block const block = taken.back();
+            taken.pop_back();
+            ASSERT_TRUE(std::all_of(block.begin, block.begin + block.size,
+                                    [&](unsigned char byte) { return byte == block.mark; }));
+            scratch.TakeBack(block.begin, block.size);
+        } else {
+            std::size_t const size = 1 + random() % (std::size_t{1} << random() % 19);
+            auto* const begin = static_cast<unsigned char*>(scratch.Take(size));
+            taken.push_back({begin, size, static_cast<unsigned char>(round)});
+            std::fill_n(begin, size, taken.back().mark);
+        }
+    }
+    for (Block const& block : taken) {
+        scratch.TakeBack(block.begin, block.size);
     }
 }
 

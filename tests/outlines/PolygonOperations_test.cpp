@@ -301,6 +301,27 @@ TEST(PolygonOperations, NestRingsAsPointsSay) {
     }
 }
 
+TEST(PolygonOperations, GiveEachOfManyNestedRingsTheHoleWithinIt) {
+    // Square k has the area 20 k^2. Rays would meet all squares around each, so sweeps do the work.
+    int const count = 1500;
+    for (FillRule const rule : kRules) {
+        Rings rings;
+        for (int k = 1; k <= count; ++k) {
+            double const h = 3.0 * k;
+            double const v = 1.0 * k;
+            TPolygon<double> const square = Ring({Pt(h, v), Pt(-v, h), Pt(-h, -v), Pt(v, -h)});
+            rings.push_back(k % 2 == 0 ? square : Reversed(square));
+        }
+        Polygons const polygons = ToPolygons(rings, rule);
+        ASSERT_EQ(polygons.size(), count / 2U);
+        for (PolygonWithHoles const& polygon : polygons) {
+            ASSERT_EQ(polygon.holes.size(), 1U);
+            double const k = std::hypot(polygon.outer[0].h, polygon.outer[0].v) / std::sqrt(10.0);
+            EXPECT_EQ(Area(polygon), 20.0 * (2.0 * std::round(k) - 1.0));
+        }
+    }
+}
+
 // Degenerate input.
 
 TEST(PolygonOperations, TakeRingsThatCannotEncloseAnythingAsAbsent) {
