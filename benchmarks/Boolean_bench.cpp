@@ -169,9 +169,9 @@ bool Register() {
         {"saws", Kind::kSaws, {10, 100, 1000, 10000}},
         {"hatch", Kind::kHatch, {100, 1000, 3000}},
         {"grid", Kind::kGrid, {40, 400}},
-        {"star", Kind::kStar, {101, 401, 1601}},
-        {"strips", Kind::kStrips, {400, 4000, 40000}},
-        {"nested", Kind::kNested, {400, 4000, 40000}},
+        {"star", Kind::kStar, {101, 401}},
+        {"strips", Kind::kStrips, {400, 4000}},
+        {"nested", Kind::kNested, {400, 4000}},
     };
     struct Operation {
         char const* name;

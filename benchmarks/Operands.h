@@ -47,6 +47,10 @@ enum class Kind {
     kCombs,  ///< two simple combs at right angles: a quarter of the square of their vertices
     kSaws,   ///< two simple saws with long teeth side by side: few crossings, but wide sweep lines
     kHatch,  ///< slanted bars side by side across a page of glyphs: their boxes all meet
+    kGrid,   ///< slanted bars across slanted bars: the crossings grow with the square
+    kStar,   ///< one ring whose edges all cross each other, and a triangle beside it
+    kStrips, ///< slanted bars side by side, and a small square: their boxes all meet
+    kNested, ///< turned squares that lie in each other, and a square across the innermost
 };
 
 /// The pair of a kind whose operands have about `size` vertices each. Made at the first call.

@@ -73,7 +73,7 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
         bool const any = std::any_of(cuts.begin(), cuts.end(),
                                      [](Cut const& cut) { return cut.incidence != kSingle; });
         if (!any) {
-            if (!tree->IsInOrderOfLines() || !tree->HasBoxes() || copies) {
+            if (!tree->IsInOrderOfLines() || !tree->HasBoxes() || !tree->IsWhole() || copies) {
                 tree.reset();
             }
             return;

@@ -12,6 +12,36 @@
 
 namespace trammel_detail {
 
+/// The cells of a coarse grid that active edges come near.
+class EdgeTree::ActiveCells {
+public:
+    void Mark(GridBox const& box) {
+        for (int row = CellOf(box.lowY); row <= CellOf(box.highY); ++row) {
+            mRows[static_cast<std::size_t>(row)] |= ColumnsOf(box);
+        }
+    }
+    /// True when a marked cell and the box have a point in common.
+    bool Meets(GridBox const& box) const {
+        std::uint64_t met = 0;
+        for (int row = CellOf(box.lowY); row <= CellOf(box.highY); ++row) {
+            met |= mRows[static_cast<std::size_t>(row)] & ColumnsOf(box);
+        }
+        return met != 0;
+    }
+
+private:
+    static int CellOf(std::int64_t v) {
+        std::int64_t const most = (std::int64_t{1} << 60) - 1;
+        return static_cast<int>((std::clamp(v, -most - 1, most) >> 55) + 32);
+    }
+    static std::uint64_t ColumnsOf(GridBox const& box) {
+        std::uint64_t const all = ~std::uint64_t{0};
+        return (all << CellOf(box.lowX)) & (all >> (63 - CellOf(box.highX)));
+    }
+
+    std::array<std::uint64_t, 64> mRows{}; // a bit a cell
+};
+
 EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin,
                    Order order)
     : mLines(lines), mActiveEdges(std::move(active)), mMargin(margin), mOrder(order),
@@ -47,13 +77,22 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     if (mEdges.empty()) {
         return;
     }
+    ActiveCells cells;
+    for (std::size_t i = 0; i < mEdges.size() && mIsSparse; ++i) {
+        if (IsActive(i)) {
+            cells.Mark(Widened(Widened(BoxOf(mEdges[i]))));
+        }
+    }
+    auto const isLeftOut = [&](std::size_t i) {
+        return IsCopy(i) || (mIsSparse && !cells.Meets(BoxOf(mEdges[i])));
+    };
     std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
-    mChains.reserve(lines.points.size() / 2);
-    mNodes.reserve(few ? 0 : lines.points.size());
+    mChains.reserve(mIsSparse ? 0 : lines.points.size() / 2);
+    mNodes.reserve(few || mIsSparse ? 0 : lines.points.size());
     for (std::size_t line = 0; line < lines.Count(); ++line) {
         std::size_t const end = lines.End(line);
         for (std::size_t i = lines.Begin(line); i < end;) {
-            if (IsCopy(i)) {
+            if (isLeftOut(i)) {
                 ++i;
                 continue;
             }
@@ -65,7 +104,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
                 auto const [a, b] = mEdges[i];
                 unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
                                      (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
-                if ((all & (all >> 1) & 5U) != 0 || IsCopy(i)) {
+                if ((all & (all >> 1) & 5U) != 0 || (i > chain && isLeftOut(i))) {
                     break;
                 }
                 directions = all;

@@ -46,6 +46,9 @@ public:
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
     /// False where the tree has no boxes, because it costs less to hold edges against all others.
     bool HasBoxes() const { return !mNodes.empty(); }
+    /// False where the tree leaves edges out that are far from all active ones. Such a tree casts
+    /// no rays, nor does one with copies.
+    bool IsWhole() const { return !mIsSparse; }
     std::size_t Count() const { return mEdges.size(); }
     GridEdge const& At(std::size_t i) const { return mEdges[i]; }
     /// Returns the number of the edge's second vertex.
@@ -66,7 +69,7 @@ public:
 
     /// Returns the operands that hold the points directly west of the edge, just above its lower
     /// end, by the even-odd rule. Exact, also where edges share that end. Requires that the edge is
-    /// not horizontal, and that the tree is in the order of the lines and has boxes.
+    /// not horizontal, and that the tree is whole, in the order of the lines, and has boxes.
     /// Adds the number of boxes that the ray looks at to `steps`.
     Operands InsideWestOf(std::size_t edge, std::size_t& steps) const;
     /// Appends the crossings of the lines with a ray from there to the west. Those of one line may
@@ -168,6 +171,7 @@ private:
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
     void AddLevels();
     void SortChains();
+    class ActiveCells;
     /// What random pairs of chains tell.
     struct Sample {
         std::size_t drawn = 0;
@@ -223,7 +227,7 @@ private:
     ScratchVector<Span> mSpans;                         // the same, or empty without a slant
     std::array<std::size_t, kMostLevels + 1> mLevels{}; // where each begins, and the last ends
     std::size_t mTop = 0;                               // the last level
-    bool mIsSparse = false;                             // whether few edges are active
+    bool mIsSparse = false; // whether few edges are active, so that only those near them have boxes
     // Where boxes do not tell edges apart, all pairs that are near, and each edge's chain.
     ScratchVector<EdgePair> mPairs;
     ScratchVector<std::uint32_t> mChainOf;
@@ -363,7 +367,8 @@ void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
                 while (!open.Empty()) {
                     auto const [level, node, unused] = open.Pop();
                     static_cast<void>(unused);
-                    if (!box.Meets(NodesOf(level)[node].box)) {
+                    if (!box.Meets(NodesOf(level)[node].box) ||
+                        !(mSpans.empty() || mSpans[mLevels[level] + node].Meets(mSpans[chain]))) {
                         continue;
                     }
                     if (level > 0) {
