@@ -268,9 +268,41 @@ Pairs PairsThatMeet(GridLines const& lines, std::size_t step, GridPoint margin) 
     return pairs;
 }
 
+/// True when two segments have a point in common.
+bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
+    using trammel_detail::SideOf;
+    return trammel_detail::BoxOf(e).Meets(trammel_detail::BoxOf(f)) &&
+           SideOf(e.a, e.b, f.a) * SideOf(e.a, e.b, f.b) <= 0 &&
+           SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) <= 0;
+}
+
+/// Expects pairs of `boxes` only, and all of these whose edges come near each other.
+void ExpectNearPairs(Pairs const& found, Pairs const& boxes, GridLines const& lines,
+                     GridPoint margin) {
+    EXPECT_TRUE(std::includes(boxes.begin(), boxes.end(), found.begin(), found.end()));
+    EdgeTree const tree(lines, trammel_detail::ScratchVector<char>(), {0, 0},
+                        EdgeTree::Order::kLines);
+    for (auto const& [i, j] : boxes) {
+        GridEdge const e = tree.At(j);
+        bool near = false;
+        for (std::int64_t const x : {-1, 0, 1}) {
+            for (std::int64_t const y : {-1, 0, 1}) {
+                GridPoint const by = {x * margin.x, y * margin.y};
+                near = near || SegmentsMeet(tree.At(i), {{e.a.x + by.x, e.a.y + by.y},
+                                                         {e.b.x + by.x, e.b.y + by.y}});
+            }
+        }
+        if (near) {
+            EXPECT_TRUE(std::binary_search(found.begin(), found.end(), std::pair(i, j)))
+                << i << ", " << j;
+        }
+    }
+}
+
 TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
-    // are active (8 and fewer, or one in 16), and where all are.
+    // are active (8 and fewer, or one in 8), and where all are. Where few are, it may leave out
+    // pairs that do not come near each other.
     Dice dice(5);
     GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
     for (int const vertices : {3, 20, 24, 25, 60}) {
@@ -285,8 +317,13 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
                     SCOPED_TRACE(std::to_string(lines.points.size()) + " edges, active " +
                                  std::to_string(step));
                     Pairs const expected = PairsThatMeet(lines, step, margin);
-                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kLines), expected);
-                    EXPECT_EQ(PairsFound(lines, step, margin, EdgeTree::Order::kMorton), expected);
+                    for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kMorton}) {
+                        Pairs const found = PairsFound(lines, step, margin, order);
+                        if (step == 0 || step == 2) {
+                            EXPECT_EQ(found, expected);
+                        }
+                        ExpectNearPairs(found, expected, lines, margin);
+                    }
                 }
             }
         }
@@ -340,14 +377,6 @@ TEST(ClipParts, LinesThatLieInEachOtherAreOutlinesAndHolesInTurns) {
     }
 }
 
-/// True when two segments have a point in common.
-bool SegmentsMeet(GridEdge const& e, GridEdge const& f) {
-    using trammel_detail::SideOf;
-    return trammel_detail::BoxOf(e).Meets(trammel_detail::BoxOf(f)) &&
-           SideOf(e.a, e.b, f.a) * SideOf(e.a, e.b, f.b) <= 0 &&
-           SideOf(f.a, f.b, e.a) * SideOf(f.a, f.b, e.b) <= 0;
-}
-
 TEST(ClipParts, HatchingIsToldApartByItsSlant) {
     // Thin slanted bars side by side, all of whose boxes meet, with a triangle across some of them.
     std::int64_t const unit = std::int64_t{1} << 40;
@@ -374,29 +403,9 @@ TEST(ClipParts, HatchingIsToldApartByItsSlant) {
                 Pairs const boxes = PairsThatMeet(lines, step, margin);
                 for (auto const order : {EdgeTree::Order::kLines, EdgeTree::Order::kMorton}) {
                     Pairs const found = PairsFound(lines, step, margin, order);
-                    EXPECT_TRUE(
-                        std::includes(boxes.begin(), boxes.end(), found.begin(), found.end()));
                     // With a margin, bars meet their neighbours.
                     EXPECT_LT(found.size(), boxes.size() / (margin.x == 0 && step != 10 ? 10 : 2));
-                    EdgeTree const tree(lines, trammel_detail::ScratchVector<char>(), {0, 0},
-                                        order);
-                    for (auto const& [i, j] : boxes) {
-                        GridEdge const e = tree.At(j);
-                        bool near = false;
-                        for (std::int64_t const x : {-1, 0, 1}) {
-                            for (std::int64_t const y : {-1, 0, 1}) {
-                                GridPoint const by = {x * margin.x, y * margin.y};
-                                near = near ||
-                                       SegmentsMeet(tree.At(i), {{e.a.x + by.x, e.a.y + by.y},
-                                                                 {e.b.x + by.x, e.b.y + by.y}});
-                            }
-                        }
-                        if (near) {
-                            EXPECT_TRUE(
-                                std::binary_search(found.begin(), found.end(), std::pair(i, j)))
-                                << i << ", " << j;
-                        }
-                    }
+                    ExpectNearPairs(found, boxes, lines, margin);
                 }
             }
         }
