@@ -17,15 +17,13 @@
 // Run by hand: trammel_bench --benchmark_filter=compare/outline_
 
 #include "Compare.h"
-#include "Inputs.h"
+#include "OutlineInputs.h"
 #include "peers/Works.h"
 
 #include <trammel/PreparedOutline.h>
 #include <trammel/PreparedPolygon.h>
-#include <trammel/UTrigonometry.h>
 #include <trammel/Winding.h>
 
-#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -38,41 +36,9 @@ using trammel::FillRule;
 typedef TPoint<double> Pt;
 typedef std::vector<Pt> Points;
 
-Points Ripples(std::size_t count) {
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const turn = 2.0 * pi * static_cast<double>(i) / static_cast<double>(count);
-        double const radius = 300.0 + 60.0 * std::sin(5.0 * turn) + 20.0 * std::sin(37.0 * turn);
-        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
-    }
-    return vertices;
-}
-
-/// Teeth as high as the outline; each tip off its foot by `lean`.
-Points Comb(std::size_t count, double lean) {
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const foot = (1000.0 - lean) * static_cast<double>(i) / static_cast<double>(count);
-        vertices.emplace_back(i % 2 == 0 ? foot : foot + lean, i % 2 == 0 ? 0.0 : 1000.0);
-    }
-    return vertices;
-}
-Points UprightComb(std::size_t count) { return Comb(count, 0.0); }
-Points LeaningComb(std::size_t count) { return Comb(count, 500.0); }
-
-/// Twenty turns out, and back along them.
-Points Spiral(std::size_t count) {
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::size_t const step = i < count / 2 ? i : count - 1 - i;
-        double const part = 2.0 * static_cast<double>(step) / static_cast<double>(count);
-        double const radius = 10.0 + 450.0 * part + (i < count / 2 ? 0.0 : 10.0);
-        double const turn = 40.0 * pi * part;
-        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
-    }
-    return vertices;
-}
-
+Points Ripples(std::size_t count) { return inputs::Ripples(count, 0.0); }
+Points UprightComb(std::size_t count) { return inputs::Comb(count, 0.0, false); }
+Points LeaningComb(std::size_t count) { return inputs::Comb(count, 500.0, false); }
 Points Tangle(std::size_t count) { return inputs::Points(count, 1000.0); }
 
 /// The closed outline of curves through these vertices, each in the direction from the vertex
@@ -90,14 +56,9 @@ CPath CurvesThrough(Points const& vertices) {
     return path.ClosePath();
 }
 
-struct Shape {
-    char const* name;
-    Points (*vertices)(std::size_t count);
-};
-
-constexpr Shape kShapes[] = {{"ripples", Ripples},  {"star", inputs::Star},
-                             {"comb", UprightComb}, {"leaning_comb", LeaningComb},
-                             {"spiral", Spiral},    {"tangle", Tangle}};
+constexpr inputs::Shape kShapes[] = {{"ripples", Ripples},       {"star", inputs::Star},
+                                     {"comb", UprightComb},      {"leaning_comb", LeaningComb},
+                                     {"spiral", inputs::Spiral}, {"tangle", Tangle}};
 
 /// A job of asking for points, with the number of those inside that WindingNumber counts.
 template <class Ask>
@@ -113,7 +74,7 @@ compare::Job AskingJob(CPath const& path, Points const& points, bool isOutline, 
     return job;
 }
 
-void RegisterShape(Shape const& shape, std::size_t count) {
+void RegisterShape(inputs::Shape const& shape, std::size_t count) {
     std::string const input = std::string(shape.name) + "_" + std::to_string(count);
     auto const add = [&](std::string const& work, std::string const& who, std::size_t asked,
                          auto prepare) {
@@ -149,7 +110,7 @@ void RegisterShape(Shape const& shape, std::size_t count) {
 }
 
 bool RegisterAll() {
-    for (Shape const& shape : kShapes) {
+    for (inputs::Shape const& shape : kShapes) {
         for (std::size_t const count : {10U, 1000U, 100000U}) {
             RegisterShape(shape, count);
         }

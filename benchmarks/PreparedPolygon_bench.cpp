@@ -13,15 +13,13 @@
 // Run by hand: trammel_bench --benchmark_filter=Prepared/
 
 #include "Compare.h"
-#include "Inputs.h"
+#include "OutlineInputs.h"
 #include "peers/Locator.h"
 
 #include <trammel/PreparedPolygon.h>
-#include <trammel/UTrigonometry.h>
 
 #include <benchmark/benchmark.h>
 
-#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -33,56 +31,15 @@ typedef std::vector<TPoint<double>> Points;
 
 constexpr std::size_t kSome = 36;
 
-Points Smooth(std::size_t count) {
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const turn = 2.0 * pi * static_cast<double>(i) / static_cast<double>(count);
-        double const ripples = static_cast<double>(count) / 50.0;
-        double const radius = 300.0 + 60.0 * std::sin(5.0 * turn) + 20.0 * std::sin(37.0 * turn) +
-                              5.0 * std::sin(ripples * turn);
-        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
-    }
-    return vertices;
-}
+Points Smooth(std::size_t count) { return inputs::Ripples(count, 5.0); }
+Points UprightComb(std::size_t count) { return inputs::Comb(count, 0.0, false); }
+Points LeaningComb(std::size_t count) { return inputs::Comb(count, 500.0, false); }
+Points RaggedComb(std::size_t count) { return inputs::Comb(count, 0.0, true); }
 
-/// Teeth from v = 0 to 1000, or to between 600 and 1000; each tip off its foot by `lean`.
-Points Comb(std::size_t count, double lean, bool isRagged) {
-    Points const random = inputs::Points(count, 400.0);
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        double const foot = (1000.0 - lean) * static_cast<double>(i) / static_cast<double>(count);
-        double const v = isRagged ? random[i].v : 0.0;
-        vertices.emplace_back(i % 2 != 0 ? foot + lean : foot, i % 2 != 0 ? 1000.0 - v : v);
-    }
-    return vertices;
-}
-
-Points UprightComb(std::size_t count) { return Comb(count, 0.0, false); }
-Points LeaningComb(std::size_t count) { return Comb(count, 500.0, false); }
-Points RaggedComb(std::size_t count) { return Comb(count, 0.0, true); }
-
-/// Twenty turns out, and back along them.
-Points Spiral(std::size_t count) {
-    Points vertices;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::size_t const step = i < count / 2 ? i : count - 1 - i;
-        double const part = 2.0 * static_cast<double>(step) / static_cast<double>(count);
-        double const radius = 10.0 + 450.0 * part + (i < count / 2 ? 0.0 : 10.0);
-        double const turn = 40.0 * pi * part;
-        vertices.emplace_back(500.0 + radius * std::cos(turn), 500.0 + radius * std::sin(turn));
-    }
-    return vertices;
-}
-
-struct Shape {
-    char const* name;
-    Points (*vertices)(std::size_t count);
-};
-
-constexpr Shape kShapes[] = {
+constexpr inputs::Shape kShapes[] = {
     {"smooth", Smooth},          {"star", inputs::Star},
     {"comb", UprightComb},       {"leaning_comb", LeaningComb},
-    {"ragged_comb", RaggedComb}, {"spiral", Spiral},
+    {"ragged_comb", RaggedComb}, {"spiral", inputs::Spiral},
 };
 
 /// A polygon and points to ask for, in our own form.
@@ -91,7 +48,7 @@ struct Question {
     TPolygon<double> polygon;
     Points points = inputs::Points(997, 1000.0);
 
-    Question(Shape const& shape, std::size_t count)
+    Question(inputs::Shape const& shape, std::size_t count)
         : vertices(shape.vertices(count)), polygon(compare::Polygon(vertices)) {
         polygon.CalcBounds();
         points[0].Set(500.0, 500.0); // GEOS builds its index for a point within the bounds only
@@ -107,13 +64,13 @@ template <class Contains> void AskOneByOne(benchmark::State& state, Contains con
     }
 }
 
-void AskPolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
+void AskPolygon(benchmark::State& state, inputs::Shape const& shape, std::size_t count) {
     Question const question(shape, count);
     AskOneByOne(state,
                 [&](std::size_t i) { return question.polygon.Contains(question.points[i]); });
 }
 
-void AskTrammel(benchmark::State& state, Shape const& shape, std::size_t count) {
+void AskTrammel(benchmark::State& state, inputs::Shape const& shape, std::size_t count) {
     Question const question(shape, count);
     trammel::PreparedPolygon const prepared(question.polygon);
     AskOneByOne(state, [&](std::size_t i) { return prepared.Contains(question.points[i]); });
@@ -121,7 +78,7 @@ void AskTrammel(benchmark::State& state, Shape const& shape, std::size_t count) 
         static_cast<double>(prepared.MemorySize()) / static_cast<double>(count);
 }
 
-void BuildTrammel(benchmark::State& state, Shape const& shape, std::size_t count,
+void BuildTrammel(benchmark::State& state, inputs::Shape const& shape, std::size_t count,
                   std::size_t asked) {
     Question const question(shape, count);
     for (auto _ : state) {
@@ -132,7 +89,7 @@ void BuildTrammel(benchmark::State& state, Shape const& shape, std::size_t count
     }
 }
 
-void SomePolygon(benchmark::State& state, Shape const& shape, std::size_t count) {
+void SomePolygon(benchmark::State& state, inputs::Shape const& shape, std::size_t count) {
     Question const question(shape, count);
     for (auto _ : state) {
         for (std::size_t i = 0; i < kSome; ++i) {
@@ -143,7 +100,7 @@ void SomePolygon(benchmark::State& state, Shape const& shape, std::size_t count)
 
 #ifdef TRAMMEL_BENCH_GEOS
 
-void AskGeos(benchmark::State& state, Shape const& shape, std::size_t count) {
+void AskGeos(benchmark::State& state, inputs::Shape const& shape, std::size_t count) {
     Question const question(shape, count);
     std::unique_ptr<peers::Locator> const geos =
         peers::GeosLocator(question.vertices, question.points);
@@ -152,7 +109,8 @@ void AskGeos(benchmark::State& state, Shape const& shape, std::size_t count) {
     AskOneByOne(state, [&](std::size_t i) { return geos->Contains(i); });
 }
 
-void BuildGeos(benchmark::State& state, Shape const& shape, std::size_t count, std::size_t asked) {
+void BuildGeos(benchmark::State& state, inputs::Shape const& shape, std::size_t count,
+               std::size_t asked) {
     Question const question(shape, count);
     std::unique_ptr<peers::Locator> const geos =
         peers::GeosLocator(question.vertices, question.points);
@@ -167,7 +125,7 @@ void BuildGeos(benchmark::State& state, Shape const& shape, std::size_t count, s
 #endif
 
 bool Register() {
-    for (Shape const& shape : kShapes) {
+    for (inputs::Shape const& shape : kShapes) {
         for (std::size_t const count : {10U, 1000U, 100000U}) {
             std::string const name =
                 std::string("Prepared/") + shape.name + "/" + std::to_string(count);

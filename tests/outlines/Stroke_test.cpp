@@ -2,6 +2,7 @@
 
 #include "Stroke.h"
 
+#include "HardPaths.h"
 #include "Moments.h"
 #include "OutlineJudge.h"
 #include "OutlineMeasure.h"
@@ -35,6 +36,9 @@ using trammel::StrokeCap;
 using trammel::StrokeJoin;
 using trammel::StrokeStyle;
 using trammel::WindingNumber;
+using trammel_test::Dice;
+using trammel_test::HardPath;
+using trammel_test::kHardKinds;
 
 typedef TPoint<double> Pt;
 
@@ -65,113 +69,6 @@ CPath Stroked(CPath const& path, StrokeStyle const& style, double tolerance = 1e
 double StrokedArea(std::string const& text, StrokeStyle const& style) {
     return SignedArea(Stroked(Path(text), style));
 }
-
-class Dice {
-public:
-    explicit Dice(std::uint64_t seed) : mEngine(seed) {}
-    double Unit() { return static_cast<double>(mEngine() >> 11) * 0x1p-53; }
-    double Between(double low, double high) { return low + (high - low) * Unit(); }
-    /// A power of ten with an exponent between two.
-    double Decade(double low, double high) { return std::pow(10.0, Between(low, high)); }
-    Pt Point() {
-        double const h = Between(-1.0, 1.0);
-        return Pt(h, Between(-1.0, 1.0));
-    }
-    bool Coin() { return mEngine() % 2 == 0; }
-    int Below(int n) { return static_cast<int>(mEngine() % static_cast<std::uint64_t>(n)); }
-
-private:
-    std::mt19937_64 mEngine;
-};
-
-constexpr int kHardKinds = 10;
-
-/// Appends a segment of a kind that is hard to stroke.
-void AppendHard(CPath& path, int kind, Dice& dice) {
-    Pt const from = path.CurrentPoint();
-    Pt const to = dice.Point();
-    switch (kind) {
-    case 0: // corners
-        path.LineTo(to);
-        return;
-    case 1: // any curve
-        path.CurveTo(dice.Point(), dice.Point(), to);
-        return;
-    case 2: { // tight turns and loops narrower than the stroke
-        Pt const middle = dice.Point();
-        double const size = dice.Decade(-5.0, 0.0);
-        path.CurveTo(middle + Pt(size, size), middle - Pt(size, size), to);
-        return;
-    }
-    case 3: { // an exact cusp
-        Pt const a = dice.Point();
-        Pt const b = dice.Point();
-        path.CurveTo(from + a + b, from + b, from + a);
-        return;
-    }
-    case 4: { // curves that double back on a line
-        Pt const d = dice.Point();
-        path.CurveTo(from + d * dice.Between(-2.0, 2.0), from + d * dice.Between(-2.0, 2.0),
-                     from + d * dice.Between(-1.0, 1.0));
-        return;
-    }
-    case 5: // retracted handles
-        path.CurveTo(dice.Coin() ? from : dice.Point(), dice.Coin() ? to : dice.Point(), to);
-        return;
-    case 6: // lines that double back
-        path.LineTo(path.mPts.size() % 2 == 0 ? path.mPts[path.mPts.size() - 2] : to);
-        return;
-    case 7: { // details smaller than the pen
-        double const size = dice.Decade(-6.0, -1.0);
-        path.CurveTo(from + dice.Point() * size, from + dice.Point() * size,
-                     from + dice.Point() * size);
-        return;
-    }
-    case 8: // smooth joints
-        path.CurveTo(path.mPts.size() < 2 ? to : from * 2.0 - path.mPts[path.mPts.size() - 2],
-                     dice.Point(), to);
-        return;
-    default: { // nearly on a line
-        Pt const d = dice.Point();
-        double const off = dice.Decade(-9.0, -2.0);
-        auto const near = [&](double most) {
-            return from + d * dice.Between(-most, most) + dice.Point() * off;
-        };
-        Pt const c1 = near(2.0);
-        Pt const c2 = near(2.0);
-        path.CurveTo(c1, c2, near(1.0));
-        return;
-    }
-    }
-}
-
-/// A path of one or two subpaths, open or closed, of any size.
-struct HardPath {
-    CPath path;
-    double width;
-
-    HardPath(int kind, Dice& dice) : width(dice.Decade(-2.0, 0.7)) {
-        int const subpaths = 1 + dice.Below(2);
-        for (int i = 0; i < subpaths; ++i) {
-            path.MoveTo(dice.Point());
-            int const segments = 1 + dice.Below(4);
-            for (int k = 0; k < segments; ++k) {
-                AppendHard(path, kind, dice);
-            }
-            if (dice.Coin()) {
-                path.ClosePath();
-            }
-        }
-        if (dice.Below(3) == 0) {
-            double const scale = dice.Decade(-200.0, 200.0);
-            for (Pt& p : path.mPts) {
-                p *= scale;
-            }
-            path.InvalBounds();
-            width *= scale;
-        }
-    }
-};
 
 /// A point near the path, most often close to the border of its stroke.
 Pt NearBorder(OutlineMeasure const& measure, double radius, Dice& dice) {
