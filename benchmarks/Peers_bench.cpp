@@ -6,15 +6,18 @@
 // Run by hand: trammel_bench
 // --benchmark_filter='^compare/.*/(2geom|agg|boost|cairo|cgal|geos|kurbo|qt)'
 
+#include "peers/OutlineWorks.h"
 #include "peers/Works.h"
 
 namespace {
 
 bool RegisterAll() {
 #ifdef TRAMMEL_BENCH_LIB2GEOM
+    peers::RegisterLib2geomOutlines();
     peers::RegisterLib2geomWorks();
 #endif
 #ifdef TRAMMEL_BENCH_AGG
+    peers::RegisterAggOutlines();
     peers::RegisterAggWorks();
 #endif
 #ifdef TRAMMEL_BENCH_BOOST
@@ -37,6 +40,7 @@ bool RegisterAll() {
     peers::RegisterPolyclippingUnions();
 #endif
 #ifdef TRAMMEL_BENCH_QT
+    peers::RegisterQtOutlines();
     peers::RegisterQtWorks();
 #endif
     return true;

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 
+#include "AggPath.h"
 #include "Works.h"
-
-#include <trammel/CPathActions.h>
 
 #include <agg_bounding_rect.h>
 #include <agg_conv_curve.h>
 #include <agg_curves.h>
 #include <agg_path_length.h>
-#include <agg_path_storage.h>
 #include <agg_trans_affine.h>
 
 #include <memory>
@@ -23,21 +21,6 @@ agg::curve4_div Subdivided(CBezier const& c, double tolerance) {
     curve.init(c.P0.h, c.P0.v, c.P1.h, c.P1.v, c.P2.h, c.P2.v, c.P3.h, c.P3.v);
     return curve;
 }
-
-class Builder : public CPathActions {
-public:
-    explicit Builder(agg::path_storage& path) : mPath(path) {}
-    void MoveTo(TPoint<double> const& p) override { mPath.move_to(p.h, p.v); }
-    void LineTo(TPoint<double> const& p) override { mPath.line_to(p.h, p.v); }
-    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
-                 TPoint<double> const& e) override {
-        mPath.curve4(c1.h, c1.v, c2.h, c2.v, e.h, e.v);
-    }
-    void ClosePath() override { mPath.close_polygon(); }
-
-private:
-    agg::path_storage& mPath;
-};
 
 } // namespace
 
@@ -72,12 +55,7 @@ void RegisterAggWorks() {
 
     typedef std::shared_ptr<agg::path_storage> Storage;
     PathWorks<Storage> paths;
-    paths.convert = [](CPath const& path) {
-        auto storage = std::make_shared<agg::path_storage>();
-        Builder builder(*storage);
-        path.ForAll(builder);
-        return storage;
-    };
+    paths.convert = ToAgg;
     paths.length = [](Storage const& storage) {
         agg::conv_curve<agg::path_storage, agg::curve3_div, agg::curve4_div> flat(*storage);
         flat.approximation_scale(500.0);

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 
+#include "Lib2geomPath.h"
 #include "Works.h"
 
-#include <trammel/CPathActions.h>
-
 #include <2geom/affine.h>
-#include <2geom/bezier-curve.h>
-#include <2geom/path.h>
 #include <2geom/transforms.h>
 
 #include <memory>
@@ -14,24 +11,8 @@
 namespace peers {
 namespace {
 
-Geom::Point To2geom(TPoint<double> const& p) { return {p.h, p.v}; }
-
 typedef std::shared_ptr<Geom::CubicBezier> Curve;
 typedef std::shared_ptr<std::vector<Geom::Path>> Paths;
-
-class Builder : public CPathActions {
-public:
-    Paths mPaths = std::make_shared<std::vector<Geom::Path>>();
-    void MoveTo(TPoint<double> const& p) override { mPaths->emplace_back(To2geom(p)); }
-    void LineTo(TPoint<double> const& p) override {
-        mPaths->back().appendNew<Geom::LineSegment>(To2geom(p));
-    }
-    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
-                 TPoint<double> const& e) override {
-        mPaths->back().appendNew<Geom::CubicBezier>(To2geom(c1), To2geom(c2), To2geom(e));
-    }
-    void ClosePath() override { mPaths->back().close(); }
-};
 
 } // namespace
 
@@ -61,7 +42,7 @@ void RegisterLib2geomWorks() {
 
     PathWorks<Paths> paths;
     paths.convert = [](CPath const& path) {
-        Builder builder;
+        Lib2geomPathBuilder builder;
         path.ForAll(builder);
         return builder.mPaths;
     };

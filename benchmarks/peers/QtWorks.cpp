@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: MIT
 
+#include "QtPath.h"
 #include "Works.h"
 
-#include <trammel/CPathActions.h>
-
-#include <QPainterPath>
 #include <QPainterPathStroker>
 #include <QPolygonF>
 #include <QTransform>
@@ -12,25 +10,11 @@
 namespace peers {
 namespace {
 
-QPointF ToQt(TPoint<double> const& p) { return {p.h, p.v}; }
-
-QPainterPath ToQt(CBezier const& c) {
+QPainterPath CurveOf(CBezier const& c) {
     QPainterPath path(ToQt(c.P0));
     path.cubicTo(ToQt(c.P1), ToQt(c.P2), ToQt(c.P3));
     return path;
 }
-
-class Builder : public CPathActions {
-public:
-    QPainterPath mPath;
-    void MoveTo(TPoint<double> const& p) override { mPath.moveTo(ToQt(p)); }
-    void LineTo(TPoint<double> const& p) override { mPath.lineTo(ToQt(p)); }
-    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
-                 TPoint<double> const& e) override {
-        mPath.cubicTo(ToQt(c1), ToQt(c2), ToQt(e));
-    }
-    void ClosePath() override { mPath.closeSubpath(); }
-};
 
 /// Qt flattens to half a unit; for another tolerance the path is scaled.
 QPolygonF Flattened(QPainterPath const& path, double tolerance) {
@@ -42,7 +26,7 @@ QPolygonF Flattened(QPainterPath const& path, double tolerance) {
 
 void RegisterQtWorks() {
     CurveWorks<QPainterPath> curves;
-    curves.convert = [](CBezier const& c) { return ToQt(c); };
+    curves.convert = [](CBezier const& c) { return CurveOf(c); };
     curves.flatten = [](QPainterPath const& path, double tolerance) {
         return static_cast<double>(Flattened(path, tolerance).size());
     };
@@ -68,7 +52,7 @@ void RegisterQtWorks() {
 
     PathWorks<QPainterPath> paths;
     paths.convert = [](CPath const& path) {
-        Builder builder;
+        QtPathBuilder builder;
         path.ForAll(builder);
         return builder.mPath;
     };
