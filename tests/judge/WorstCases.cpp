@@ -340,8 +340,9 @@ std::vector<Case> Cases() {
                  operands.push_back(Polygons({ring}));
              }
              return [operands] {
+                 PolygonArrangement const arrangement(operands);
                  Count count = 0;
-                 for (ArrangementFace const& face : PolygonArrangement(operands).Faces()) {
+                 for (ArrangementFace const& face : arrangement.Faces()) {
                      count += face.windings.size();
                  }
                  return count;
