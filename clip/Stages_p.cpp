@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -133,9 +134,10 @@ private:
 };
 
 void Stage::Unite(std::size_t group, CutTally& cut) {
-    Scratch scratch;
+    // The caller has such a block on the stack. Two would take most of what a function may take.
+    auto const scratch = std::make_unique<Scratch>();
     RegionContours const united =
-        UnionOf(mParts, group * kFan, End(group), mRule, mGrid, &scratch, cut);
+        UnionOf(mParts, group * kFan, End(group), mRule, mGrid, scratch.get(), cut);
     GridLines const& contours = united.contours;
     mGroups[group].points.assign(contours.points.begin(), contours.points.end());
     mGroups[group].ends.assign(contours.ends.begin(), contours.ends.end());

@@ -35,7 +35,7 @@ using trammel_detail::WorkFrame;
 
 /// Sets `out` to what lift() makes of the polygons. Returns the distance that was kept.
 template <class Lift>
-double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
+double OperateOn(OutlineArcs& arcs, double tolerance, Scratch* scratch, CPath& out,
                  std::vector<ElementSource>* sources, Lift&& lift) {
     arcs.Build(tolerance);
     CPath path;
@@ -43,9 +43,8 @@ double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
     double kept = tolerance > 0.0 ? tolerance : 0.0;
     if (arcs.HasExtent()) {
         FlatOutlines const flat(arcs);
-        Scratch scratch;
         trammel_detail::Try([&] {
-            lift(flat, &scratch, path, sources != nullptr ? &found : nullptr);
+            lift(flat, scratch, path, sources != nullptr ? &found : nullptr);
             return 0;
         });
         kept = std::max(kept, flat.DistanceKept());
@@ -61,10 +60,11 @@ double OperateOn(OutlineArcs& arcs, double tolerance, CPath& out,
 template <class Combine>
 double Operate(OutlineArcs& arcs, double tolerance, CPath& out, std::vector<ElementSource>* sources,
                Combine&& combine) {
-    return OperateOn(arcs, tolerance, out, sources,
-                     [&](FlatOutlines const& flat, Scratch* scratch, CPath& path,
+    Scratch scratch;
+    return OperateOn(arcs, tolerance, &scratch, out, sources,
+                     [&](FlatOutlines const& flat, Scratch* block, CPath& path,
                          std::vector<ElementSource>* found) {
-                         trammel_detail::LiftResult(combine(flat, scratch), flat, path, found);
+                         trammel_detail::LiftResult(combine(flat, block), flat, path, found);
                      });
 }
 
@@ -153,33 +153,37 @@ double RemoveOverlap(CPath const& outline, FillRule rule, double tolerance, CPat
                                               trammel_detail::Origins::kKept);
     };
     OutlineArcs arcs;
-    Scratch ringScratch;
-    BooleanOperand rings(&ringScratch);
-    Box<double> bounds;
-    if (AddRings(outline, rings, bounds)) {
-        trammel_detail::WindingResult const result =
-            trammel_detail::Try([&] { return unite(rings, &ringScratch); });
-        // By the even-odd rule, holes may run as the contours around them do.
-        bool const runsRight = rule == FillRule::kNonZero || rings.Count() == 1;
-        if (result.unchanged && runsRight && sources == nullptr) {
-            out = outline;
-            WorkFrame const frame(bounds);
-            return std::max(tolerance > 0.0 ? tolerance : 0.0,
-                            frame.LengthFromWork(trammel_detail::WorkDistanceOfLines(frame)));
+    Scratch scratch; // one for both ways, as each takes a large part of a small stack
+    {
+        BooleanOperand rings(&scratch);
+        Box<double> bounds;
+        if (AddRings(outline, rings, bounds)) {
+            trammel_detail::WindingResult const result =
+                trammel_detail::Try([&] { return unite(rings, &scratch); });
+            // By the even-odd rule, holes may run as the contours around them do.
+            bool const runsRight = rule == FillRule::kNonZero || rings.Count() == 1;
+            if (result.unchanged && runsRight && sources == nullptr) {
+                out = outline;
+                WorkFrame const frame(bounds);
+                return std::max(tolerance > 0.0 ? tolerance : 0.0,
+                                frame.LengthFromWork(trammel_detail::WorkDistanceOfLines(frame)));
+            }
+            arcs.Add(outline, 0);
+            return OperateOn(arcs, tolerance, &scratch, out, sources,
+                             [&](FlatOutlines const& flat, Scratch*, CPath& path,
+                                 std::vector<ElementSource>* found) {
+                                 trammel_detail::LiftResult(result, flat, path, found);
+                             });
         }
-        arcs.Add(outline, 0);
-        return OperateOn(arcs, tolerance, out, sources,
-                         [&](FlatOutlines const& flat, Scratch*, CPath& path,
-                             std::vector<ElementSource>* found) {
-                             trammel_detail::LiftResult(result, flat, path, found);
-                         });
     }
     arcs.Add(outline, 0);
-    return Operate(arcs, tolerance, out, sources, [&](FlatOutlines const& flat, Scratch* scratch) {
-        BooleanOperand all(scratch);
-        flat.AddAll(all);
-        return unite(all, scratch);
-    });
+    return OperateOn(arcs, tolerance, &scratch, out, sources,
+                     [&](FlatOutlines const& flat, Scratch* block, CPath& path,
+                         std::vector<ElementSource>* found) {
+                         BooleanOperand all(block);
+                         flat.AddAll(all);
+                         trammel_detail::LiftResult(unite(all, block), flat, path, found);
+                     });
 }
 
 double ClipOpen(CPath const& lines, CPath const& region, FillRule rule, bool inside,
@@ -187,7 +191,8 @@ double ClipOpen(CPath const& lines, CPath const& region, FillRule rule, bool ins
     OutlineArcs arcs;
     arcs.Add(region, 1);
     arcs.Add(lines, 0, false);
-    return OperateOn(arcs, tolerance, out, sources,
+    Scratch block;
+    return OperateOn(arcs, tolerance, &block, out, sources,
                      [&](FlatOutlines const& flat, Scratch* scratch, CPath& path,
                          std::vector<ElementSource>* found) {
                          WindingRegion of({{false, true, false, true}}, scratch);
@@ -213,8 +218,9 @@ OutlineArrangement::OutlineArrangement(std::vector<CPath> const& operands, doubl
         arcs.Add(operands[i], i);
     }
     CPath none;
+    Scratch block;
     mDistance = OperateOn(
-        arcs, tolerance, none, nullptr,
+        arcs, tolerance, &block, none, nullptr,
         [&](FlatOutlines const& flat, Scratch* scratch, CPath&, std::vector<ElementSource>*) {
             BooleanOperand all(scratch);
             flat.AddAll(all);
