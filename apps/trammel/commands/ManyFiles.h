@@ -65,8 +65,8 @@ struct FigureOptions;
 /// in each. An Error of one file is told, and at the end of the run comes ToldErrors.
 ///
 /// Several threads call `work`, each for a file of its own. Results, warnings and errors come in
-/// the order of the files, and each when its turn has come. Classic figures share counters, so
-/// those files are read one after the other.
+/// the order of the files, and each when its turn has come. Classic figures take a setting of the
+/// whole process, so those files are read one after the other.
 /// \param by  how near curves must be to arcs, in the unit asked for
 ///
 /// If there is a `closing`, JSON is always the object of several files, and what `closing` returns
