@@ -85,7 +85,7 @@ TEST_F(HandlePolygon, CreatesThatManyPointsAtTheOrigin) {
 
 TEST_F(HandlePolygon, ImpossibleNumbersOfPointsMakeNoBlock) {
     for (long const n : {-1L, -3L, LONG_MIN, LONG_MAX, LONG_MAX / 16, LONG_MAX / 16 - 2,
-                         LONG_MIN / 16, (1L << 60) + 1}) {
+                         LONG_MIN / 16, ((LONG_MAX >> 3) + 1) + 1}) {
         CFPolygonRef ref;
         ref.CFPolygonCreate(n);
         EXPECT_EQ(ref.mRef, nullptr) << n;
@@ -313,7 +313,7 @@ TEST_F(HandlePolygon, ImpossibleSizesChangeNothing) {
     CFPolygonRef& ref = Keep(Polygon({{1, 2}, {3, 4}}));
     ref.CalcBounds();
     std::string const before = Contents(ref);
-    for (long const n : {-1L, LONG_MIN, LONG_MAX, LONG_MAX / 16, 1L << 60}) {
+    for (long const n : {-1L, LONG_MIN, LONG_MAX, LONG_MAX / 16, (LONG_MAX >> 3) + 1}) {
         ref.SetSize(n);
         EXPECT_EQ(Contents(ref), before) << n;
     }
@@ -339,7 +339,7 @@ TEST_F(HandlePolygon, IndexesOutsideReadTheOriginAndStoreNothing) {
     ref.CalcBounds();
     std::string const before = Contents(ref);
     for (long const i : {-1L, -2L, 2L, 3L, 1000000L, LONG_MAX, LONG_MIN, LONG_MAX / 16 + 1,
-                         (1L << 60), -(1L << 60)}) {
+                         ((LONG_MAX >> 3) + 1), -((LONG_MAX >> 3) + 1)}) {
         EXPECT_EQ(Text(ref.PolyPoints(i)), "(0, 0)") << i;
         ref.SetPolyPoints(i, TPoint<double>(7, 8));
         EXPECT_EQ(Contents(ref), before) << i;
@@ -415,12 +415,12 @@ TEST_F(HandlePolygon, InsertPutsAPointBeforeAnother) {
 }
 
 TEST_F(HandlePolygon, InsertOutsideIsTakenToTheNearerEnd) {
-    for (long const i : {-1L, -1000L, LONG_MIN, -(1L << 60)}) {
+    for (long const i : {-1L, -1000L, LONG_MIN, -((LONG_MAX >> 3) + 1)}) {
         CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
         ref.Insert(i, TPoint<double>(9, 9));
         EXPECT_EQ(Text(PointsOf(ref)), "(9, 9) (1, 1) (2, 2)") << i;
     }
-    for (long const i : {2L, 3L, 1000L, LONG_MAX, 1L << 60}) {
+    for (long const i : {2L, 3L, 1000L, LONG_MAX, (LONG_MAX >> 3) + 1}) {
         CFPolygonRef& ref = Keep(Polygon({{1, 1}, {2, 2}}));
         ref.Insert(i, TPoint<double>(9, 9));
         EXPECT_EQ(Text(PointsOf(ref)), "(1, 1) (2, 2) (9, 9)") << i;
@@ -471,14 +471,14 @@ TEST_F(HandlePolygon, DeleteBeyondTheEndTakesThatManyPointsOffTheEnd) {
         {3, 1, "(1, 1) (2, 2)"},
         {3, 2, "(1, 1)"},
         {4, 1, "(1, 1) (2, 2)"},
-        {1L << 60, 1, "(1, 1) (2, 2)"},
+        {(LONG_MAX >> 3) + 1, 1, "(1, 1) (2, 2)"},
         {LONG_MAX, 1, "(1, 1) (2, 2)"},
         {LONG_MAX, 2, "(1, 1)"},
         {1, 3, ""},
         {0, 4, ""},
         {2, 3, ""},
         {1, 1000, ""},
-        {1, 1L << 60, ""},
+        {1, (LONG_MAX >> 3) + 1, ""},
         {1, LONG_MAX / 16 + 1, ""},
         {1, LONG_MAX, ""},
         {3, LONG_MAX, ""},

@@ -132,7 +132,7 @@ TEST(TLine, DescribesItsDirection) {
         Line const l = RandomLine(random, 100.0);
         double const dh = l.mEnd.h - l.mStart.h;
         double const dv = l.mEnd.v - l.mStart.v;
-        ASSERT_EQ(l.Length(), std::hypot(dh, dv));
+        ASSERT_DOUBLE_EQ(l.Length(), std::hypot(dh, dv));
         ASSERT_EQ(l.Slope(), dv / dh);
         ASSERT_EQ(l.Angle(), std::atan2(dv, dh));
     }
@@ -357,7 +357,7 @@ TEST(TLine, DistanceIsToTheInfiniteLine) {
     EXPECT_EQ(MakeLine(0.0, 2.0, 5.0, 2.0).Distance(DPoint(100.0, 9.0)), 7.0);
     EXPECT_EQ(MakeLine(2.0, 0.0, 2.0, 5.0).Distance(DPoint(-1.0, 90.0)), 3.0);
     EXPECT_EQ(MakeLine(0.0, 0.0, 4.0, 4.0).Distance(DPoint(20.0, 20.0)), 0.0);
-    EXPECT_EQ(MakeLine(0.0, 0.0, 4.0, 4.0).Distance(DPoint(0.0, 4.0)), std::hypot(2.0, 2.0));
+    EXPECT_DOUBLE_EQ(MakeLine(0.0, 0.0, 4.0, 4.0).Distance(DPoint(0.0, 4.0)), std::hypot(2.0, 2.0));
     EXPECT_TRUE(std::isnan(MakeLine(0.0, 0.0, 4.0, 4.0).Distance(DPoint(kNaN, 4.0))));
 }
 

@@ -537,7 +537,7 @@ TEST(TPoint, LengthAndHypotenuseAgreeOnOrdinaryValues) {
     for (int i = 0; i < 1000; ++i) {
         DPoint const p = random.Point(1e4);
         ASSERT_EQ(p.Length(), std::sqrt(p.h * p.h + p.v * p.v));
-        ASSERT_EQ(p.Hypotenuse(), std::hypot(p.h, p.v));
+        ASSERT_DOUBLE_EQ(p.Hypotenuse(), std::hypot(p.h, p.v));
         ASSERT_NEAR(p.Length(), p.Hypotenuse(), 1e-11);
     }
 }
@@ -553,7 +553,7 @@ TEST(TPoint, OnlyTheHypotenuseReachesHugeAndTinyLengths) {
 
 TEST(TPointShort, LengthSumsIn32BitsAndWraps) {
     EXPECT_TRUE(std::isnan(SPoint(-32768, -32768).Length()));
-    EXPECT_EQ(SPoint(-32768, -32768).Hypotenuse(), std::hypot(32768.0, 32768.0));
+    EXPECT_DOUBLE_EQ(SPoint(-32768, -32768).Hypotenuse(), std::hypot(32768.0, 32768.0));
     EXPECT_NEAR(SPoint(-32768, -32768).Hypotenuse(), 46340.950011841577, 1e-10);
     EXPECT_EQ(SPoint(-32768, 32767).Length(), std::sqrt(2147418113.0)); // just fits
     EXPECT_EQ(SPoint(32767, 0).Length(), 32767.0);

@@ -253,7 +253,7 @@ TEST(Distances, AreTheirPlainFormulas) {
         TPoint<double> const b = random.Point(100.0);
         double const dh = b.h - a.h;
         double const dv = b.v - a.v;
-        ASSERT_EQ(Hypotenuse(a, b), std::hypot(dh, dv));
+        ASSERT_DOUBLE_EQ(Hypotenuse(a, b), std::hypot(dh, dv));
         ASSERT_EQ(LineLength(a, b), std::sqrt(dh * dh + dv * dv));
         ASSERT_EQ(LineMagnitude(a, b), dh * dh + dv * dv);
         ASSERT_EQ(Hypotenuse(a, b), Hypotenuse(b, a));

@@ -6,6 +6,7 @@
 #include "CurveKernels_p.h"
 #include "Dispatch_p.h"
 #include "FlattenKernels_p.h"
+#include "Hypot_p.h"
 #include "PointKernels_p.h"
 
 #include "TestSupport.h"
@@ -66,8 +67,8 @@ TEST(EdgeLengths, HaveTheBitsOfHypot) {
         }
         std::vector<double> expected(edges);
         for (std::size_t i = 0; i < edges; ++i) {
-            expected[i] = std::hypot(points[2 * i + 3] - points[2 * i + 1],
-                                     points[2 * i + 2] - points[2 * i]);
+            expected[i] = trammel_detail::Hypot(points[2 * i + 3] - points[2 * i + 1],
+                                                points[2 * i + 2] - points[2 * i]);
         }
         ForBothForms([&] {
             std::vector<double> lengths(edges);

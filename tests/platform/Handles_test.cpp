@@ -37,9 +37,16 @@ std::string Zeros(std::size_t count) { return std::string(count, '\0'); }
 
 bool IsAligned(Handle h) { return reinterpret_cast<std::uintptr_t>(*h) % 16 == 0; }
 
-Size const kImpossibleSizes[] = {
-    -1,           -16,           LONG_MIN,     LONG_MIN + 1,  LONG_MAX,
-    LONG_MAX - 1, LONG_MAX - 15, LONG_MAX / 2, LONG_MAX / 16, (Size{1} << 40) + 1};
+Size const kImpossibleSizes[] = {-1,
+                                 -16,
+                                 LONG_MIN,
+                                 LONG_MIN + 1,
+                                 LONG_MAX,
+                                 LONG_MAX - 1,
+                                 LONG_MAX - 15,
+                                 LONG_MAX / 2,
+                                 LONG_MAX - LONG_MAX / 16,
+                                 (Size{1} << (sizeof(Size) == 8 ? 40 : 30)) + 1};
 
 TEST_F(Handles, HaveTheCustomaryTypesAndCodes) {
     static_assert(std::is_same_v<Ptr, char*> && std::is_same_v<Handle, char**>);
