@@ -291,7 +291,7 @@ std::vector<Call> PlaneCalls() {
          "LineMagnitude<double> "
          "EqualTPt<double> EqualTPt<short> EqualPtTol InFptBounds IsTrueCircle X2Fix FixDiv "
          "gen_crc_table "
-         "CRCInit::CRCInit trammel_detail::LengthOf",
+         "CRCInit::CRCInit",
          kUnchanged, UseScalars},
         {"ZeroIfNaNOrInf<double> ZeroIfNaNOrInf<float> ZeroIfOutOfRange<double> "
          "ZeroIfOutOfRange<float> "
