@@ -2,26 +2,47 @@
 
 #include "CBSpline.h"
 
-#include "CurveErrorScope_p.h"
-#include "Integers.h"
+#include "CurveCounters_p.h"
 #include "Subdivision_p.h"
 #include "TPoly.h"
 #include "UScalar.h"
 
 #include <cmath>
+#include <cstdint>
 
 double CBSpline::mMaxError = 2.0;
 std::int16_t CBSpline::mRecursionLimit = 15;
-std::int32_t CBSpline::mCount = 0;
+alignas(trammel_detail::kCounterLine) std::int32_t CBSpline::mCount = 0;
 
 namespace {
 
-/// The quadratic's rules for the walk of its subdivision tree.
+/// The quadratic's rules for WalkSubdivision.
 struct SplineRules {
     void Enter() const {}
-    bool Flat(CBSpline const& c) const { return c.Flat(CBSpline::mMaxError); }
     void Divide(CBSpline const& c, CBSpline& left, CBSpline& right) const { c.Divide(left, right); }
-    void Delivered() const { CBSpline::mCount = trammel_detail::WrappingAdd(CBSpline::mCount, 1); }
+};
+
+/// The rules where an application's function gets the points. It may change the tolerance, and look
+/// at the counter.
+struct WatchedSplineRules : SplineRules {
+    bool counts = trammel_detail::TakesTurnToCount();
+
+    bool Flat(CBSpline const& c) const { return c.Flat(CBSpline::mMaxError); }
+    void Delivered() const {
+        if (counts) {
+            trammel_detail::SharedCounter(CBSpline::mCount).Add(1);
+        }
+    }
+};
+
+/// The rules where nobody looks on.
+struct UnwatchedSplineRules : SplineRules {
+    double error;
+    std::int64_t points = 0;
+
+    explicit UnwatchedSplineRules(double tolerance) : error(tolerance) {}
+    bool Flat(CBSpline const& c) const { return c.Flat(error); }
+    void Delivered() { ++points; }
 };
 
 } // namespace
@@ -46,18 +67,20 @@ bool CBSpline::Flat(double tolerance) const {
 }
 
 void CBSpline::GenerateSegment(PointDataProc proc, void* data, short depth) const {
-    SplineRules rules;
+    WatchedSplineRules rules;
     auto deliver = [proc, data](TPoint<double> const& pt) { proc(pt, data); };
     trammel_detail::WalkSubdivision(*this, rules, deliver, false, depth);
 }
 
 void CBSpline::AddSegmentToPoly(TPolygon<double>& poly, double error) const {
-    trammel_detail::CurveErrorScope<CBSpline> const scope(error);
     AddPtToPoly(P0, poly);
     if (P0 != P1 || P1 != P2) {
-        SplineRules rules;
+        UnwatchedSplineRules rules(error);
         auto deliver = [&poly](TPoint<double> const& pt) { AddPtToPoly(pt, poly); };
         trammel_detail::WalkSubdivision(*this, rules, deliver, false, mRecursionLimit);
+        if (trammel_detail::TakesTurnToCount()) {
+            trammel_detail::SharedCounter(mCount).Add(rules.points);
+        }
     }
     AddPtToPoly(P2, poly);
 }

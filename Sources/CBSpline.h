@@ -11,9 +11,12 @@
 // - flatness is tested along the axes instead of across the chord;
 // - midpoints are a + (b - a)·0.5.
 //
-// The class-wide settings and counter are shared by the whole process and not synchronised: one
-// thread at a time. Nothing is reported; NaN and infinities propagate, and a curve with a NaN slope
-// is subdivided to the full depth. Arguments are read before anything is written.
+// Threads: as for CBezier. Const members of one curve, and all members of different curves, may run
+// at the same time. Change the class-wide settings, and read or set the counter, only while no
+// other thread generates points.
+//
+// Nothing is reported; NaN and infinities propagate, and a curve with a NaN slope is subdivided to
+// the full depth. Arguments are read before anything is written.
 
 #ifndef TRAMMEL_CBSPLINE_H
 #define TRAMMEL_CBSPLINE_H
@@ -64,7 +67,7 @@ public:
     /// Returns the class-wide flatness tolerance.
     static double CurveError() { return mMaxError; }
     /// Installs a class-wide flatness tolerance; unlike CBezier's it does not return the previous
-    /// one.
+    /// one. For one thread, while no other generates points.
     static void SetCurveError(double e) { mMaxError = e; }
 
     /// Splits at the middle into `left` and `right`, of which one may be this curve; returns the
@@ -79,12 +82,13 @@ public:
 
     /// Delivers the split points of a recursive halving, in order of increasing parameter, never P0
     /// or P2. A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat
-    /// by mMaxError: at most 2^(depth-1) - 1 points. No allocation. What `proc` throws passes
-    /// through. By recursive midpoint subdivision (de Casteljau).
+    /// by mMaxError: at most 2^(depth-1) - 1 points. This setting is read anew for each curve, so
+    /// `proc` may change it. No allocation. What `proc` throws passes through. By recursive
+    /// midpoint subdivision (de Casteljau).
     void GenerateSegment(PointDataProc proc, void* data, short depth) const;
     /// Appends P0, the generated points (none when all three points are equal) and P2 to `poly`,
     /// leaving out points equal to their predecessor in it.
-    /// \param error flatness tolerance, installed in mMaxError for the duration of the call
+    /// \param error flatness tolerance, whatever mMaxError is
     void AddSegmentToPoly(TPolygon<double>& poly, double error) const;
     /// Appends a point to a polygon unless it repeats the last one.
     static void AddPtToPoly(TPoint<double> const& pt, TPolygon<double>& poly);

@@ -3,17 +3,18 @@
 #include "CBezier.h"
 
 #include "CMatrix3x3.h"
+#include "CurveCounters_p.h"
 #include "Flatness_p.h"
 #include "Halve_p.h"
 
 #include <algorithm>
 
-std::int32_t gCount = 0;
-std::int32_t maxCount = 0;
+alignas(trammel_detail::kCounterLine) std::int32_t gCount = 0;
+alignas(trammel_detail::kCounterLine) std::int32_t maxCount = 0;
 
 double CBezier::mMaxError = 1.0;
 std::int16_t CBezier::mRecursionLimit = 15;
-std::int32_t CBezier::mCount = 0;
+alignas(trammel_detail::kCounterLine) std::int32_t CBezier::mCount = 0;
 
 namespace {
 

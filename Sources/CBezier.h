@@ -6,10 +6,11 @@
 // arriving from P2. Everything that turns a curve into points (flattening, hit test, rectangle
 // test, length) goes through one adaptive subdivision, GenerateSegment.
 //
-// Class-wide settings and counters (mMaxError, mRecursionLimit, mCount, gCount, maxCount) are
-// shared by the whole process and not synchronised: use curves from one thread at a time. These
-// functions are safe from any thread, on curves of its own: construction, arithmetic, TPt,
-// Divide(left, right[, t]), Flat, Extents, FindTValue, GetTRange.
+// Threads: const members of one curve, and all members of different curves, may run at the same
+// time. The whole process shares the class-wide settings (mMaxError, mRecursionLimit): change them
+// only while no other thread generates points. It shares the counters (mCount, gCount, maxCount),
+// too. They are exact as long as no two threads generate points at the same time; else they count
+// what some of the threads do. Read or set them only while no other thread generates points.
 //
 // Nothing is reported: NaN and infinities propagate. A NaN deviation is never flat, so the
 // subdivision of a curve with a NaN goes to the full depth nearly everywhere, up to
@@ -104,8 +105,9 @@ public:
     /// Returns the class-wide flatness tolerance.
     static double CurveError() { return mMaxError; }
     /// Installs a class-wide flatness tolerance (coordinate units) and returns the previous one, to
-    /// be put back later. Any value is taken: 0 and less subdivide to the full depth (0 stops at
-    /// exactly flat curves), NaN never finds a curve flat.
+    /// be put back later. For one thread, while no other generates points. Any value is taken: 0
+    /// and less subdivide to the full depth (0 stops at exactly flat curves), NaN never finds a
+    /// curve flat.
     static double SetCurveError(double e);
 
     // Query
@@ -177,9 +179,11 @@ public:
     /// or P3.
     ///
     /// A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat by
-    /// mMaxError. `force` halves the first level in any case. At most 2^(depth-1) - 1 points; a
-    /// depth of 1 or less gives none, or one when forced. No allocation. What `proc` throws passes
-    /// through. By recursive midpoint subdivision (de Casteljau).
+    /// mMaxError. This setting is read anew for each curve, and the counters stand at each point,
+    /// so `proc` may look at them and change them. `force` halves the first level in any case. At
+    /// most 2^(depth-1) - 1 points; a depth of 1 or less gives none, or one when forced. No
+    /// allocation. What `proc` throws passes through. By recursive midpoint subdivision (de
+    /// Casteljau).
     void GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const;
     /// The same for a callback without data.
     void GenerateSegment(PointProc proc, bool force, short depth) const;
@@ -189,9 +193,9 @@ public:
     /// The first level is forced, so that even a flat curve yields its middle. No points are
     /// generated when P0 = P1 and P2 = P3.
     ///
-    /// \param error flatness tolerance in coordinate units, inclusive; installed in mMaxError for
-    ///              the duration of the call. Deviation is judged as by Flat, so it is no
-    ///              guaranteed distance for S-shaped curves.
+    /// \param error flatness tolerance in coordinate units, inclusive, whatever mMaxError is.
+    ///              Deviation is judged as by Flat, so it is no guaranteed distance for S-shaped
+    ///              curves.
     void Flatten(TPolygon<double>& poly, double error) const;
     /// The same as Flatten.
     void AddSegmentToPoly(TPolygon<double>& poly, double error) const;

@@ -40,11 +40,13 @@ void ReservePoints(CBezier const& curve, double error, TPolygon<double>& poly) {
 
 void CBezier::GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const {
     auto deliver = [proc, data](TPoint<double> const& pt) { proc(pt, data); };
-    trammel_detail::Generate(*this, deliver, force, depth);
+    trammel_detail::WatchedRules rules(*this);
+    trammel_detail::WalkSubdivision(*this, rules, deliver, force, depth);
 }
 
 void CBezier::GenerateSegment(PointProc proc, bool force, short depth) const {
-    trammel_detail::Generate(*this, proc, force, depth);
+    trammel_detail::WatchedRules rules(*this);
+    trammel_detail::WalkSubdivision(*this, rules, proc, force, depth);
 }
 
 void CBezier::Flatten(TPolygon<double>& poly, double error) const {

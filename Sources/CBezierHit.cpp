@@ -6,6 +6,8 @@
 #include "PointBuffer_p.h"
 #include "UGeometry.h"
 
+#include <cstdint>
+
 namespace {
 
 /// Points that are tested at a time.
@@ -23,8 +25,11 @@ template <auto kTest, class Rec> void TestSplitPoints(CBezier const& curve, Rec&
         }
     };
     trammel_detail::PointBuffer<kTestRun, decltype(test)> run(test);
-    trammel_detail::GenerateForced(curve, run);
+    std::int64_t const points = trammel_detail::StoreSplitPoints(curve, CBezier::mMaxError, run);
     run.Pass();
+    if (trammel_detail::TakesTurnToCount()) {
+        trammel_detail::CountGenerated(trammel_detail::SharedCounter(gCount).Value(), points);
+    }
 }
 
 } // namespace

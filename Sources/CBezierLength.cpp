@@ -9,7 +9,6 @@
 #include "TLine.h"
 
 #include <cmath>
-#include <cstdint>
 
 namespace {
 
@@ -127,18 +126,14 @@ private:
     return false;
 }
 
-/// Returns the point at the length `target` of the curve's flattening. The counters stay as they
-/// are, as FindFlattenedPt has counted this flattening.
+/// Returns the point at the length `target` of the curve's flattening. It counts nothing, as
+/// FindFlattenedPt has counted this flattening.
 [[gnu::noinline]] TPoint<double> FlattenedPtAt(CBezier const& curve, double target) {
     PointAtDistance find(target);
     FlattenedEdges<PointAtDistance> edges(find);
     PointBuffer<kLengthRun, FlattenedEdges<PointAtDistance>> run(edges);
-    std::int32_t const counters[] = {CBezier::mCount, gCount, maxCount};
-    FlattenTo(curve, kLengthError, run);
+    trammel_detail::StoreFlattening(curve, kLengthError, run);
     run.Pass();
-    CBezier::mCount = counters[0];
-    gCount = counters[1];
-    maxCount = counters[2];
     return find.Pt();
 }
 

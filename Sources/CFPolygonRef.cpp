@@ -2,17 +2,21 @@
 
 #include "CFPolygonRef.h"
 
+#include "BoundsCache_p.h"
 #include "CMatrix3x3.h"
 #include "Handles.h"
 #include "PointRun_p.h"
 #include "UHandle.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
 CGPath* (*mBuildProc)(CFPolygonRef) = nullptr;
 
 namespace {
+
+using trammel_detail::KeptBounds;
 
 constexpr long kHeaderSize = trammel_detail::kFPolygonHeaderSize;
 constexpr long kPointSize = trammel_detail::kFPolygonPointSize;
@@ -45,11 +49,43 @@ long BlockSize(long n) {
 
 /// Releases the cached path of a block with a header.
 void ReleaseCachedPath(OpaqueCFPolygon** ref) {
-    FPolygon* const record = Record(ref);
-    if (record->polyPath != 0) {
-        trammel_detail::ReleasePathToken(record->polyPath, ref);
-        record->polyPath = 0;
+    auto* const token = reinterpret_cast<std::int32_t*>(Bytes(ref) + offsetof(FPolygon, polyPath));
+    if (__atomic_load_n(token, __ATOMIC_RELAXED) != 0) {
+        trammel_detail::ReleasePathToken(__atomic_exchange_n(token, 0, __ATOMIC_RELAXED), ref);
     }
+}
+
+/// Returns the bounds in a block with a header. Blocks begin at multiples of 16, so the bounds are
+/// aligned although the record is packed.
+KeptBounds BoundsIn(OpaqueCFPolygon** ref) {
+    static_assert(offsetof(FPolygon, polyBBox) % alignof(TRect<double>) == 0);
+    char* const bytes = Bytes(ref);
+    return {*reinterpret_cast<TRect<double>*>(bytes + offsetof(FPolygon, polyBBox)),
+            reinterpret_cast<std::int16_t*>(bytes + offsetof(FPolygon, polyBoundsValid))};
+}
+
+/// Returns a copy of the block, whose bounds may be stored meanwhile, as const members do. The
+/// copy has no cached path. Returns null when there is no block, or memory is short.
+OpaqueCFPolygon** CopyBlock(OpaqueCFPolygon** source) {
+    if (!HasHeader(source)) {
+        return Clone(source);
+    }
+    long const size = GetHandleSize(AsHandle(source));
+    auto** const copy =
+        reinterpret_cast<OpaqueCFPolygon**>(trammel_detail::NewUnfilledHandle(size));
+    if (copy != nullptr) {
+        FPolygon const* const from = Record(source);
+        FPolygon* const to = Record(copy);
+        to->polyReserved1 = from->polyReserved1;
+        to->polyClosed = from->polyClosed;
+        to->polyReserved2 = from->polyReserved2;
+        KeptBounds::State const kept = BoundsIn(source).Load();
+        to->polyBoundsValid = kept.valid;
+        to->polyBBox = kept.bounds;
+        to->polyPath = 0; // the path stays the source's
+        BlockMove(Bytes(source) + kHeaderSize, Bytes(copy) + kHeaderSize, size - kHeaderSize);
+    }
+    return copy;
 }
 
 /// Grows current bounds by a point that the polygon, which has a header, has just taken in.
@@ -103,10 +139,7 @@ CFPolygonRef& CFPolygonRef::CFPolygonCreate(long n) {
 }
 
 CFPolygonRef& CFPolygonRef::CFPolygonCreate(CFPolygonRef const& src) {
-    mRef = Clone(src.mRef);
-    if (HasHeader(mRef)) {
-        Record(mRef)->polyPath = 0; // the path stays the source's
-    }
+    mRef = CopyBlock(src.mRef);
     return *this;
 }
 
@@ -162,17 +195,20 @@ TPoint<double> CFPolygonRef::PolyPoints(long i) const {
 bool CFPolygonRef::Closed() const { return HasHeader(mRef) && Record(mRef)->polyClosed != 0; }
 
 bool CFPolygonRef::BoundsValid() const {
-    return HasHeader(mRef) && Record(mRef)->polyBoundsValid != 0;
+    return HasHeader(mRef) && BoundsIn(mRef).Load().valid != 0;
 }
 
 TRect<double> CFPolygonRef::Bounds() const {
     if (!HasHeader(mRef)) {
         return TRect<double>();
     }
-    if (!BoundsValid()) {
-        CalcBounds();
+    KeptBounds::State const kept = BoundsIn(mRef).Load();
+    if (kept.valid != 0) {
+        return kept.bounds;
     }
-    return Record(mRef)->polyBBox;
+    TRect<double> const bounds = trammel_detail::UnionBackward(Points(*this));
+    BoundsIn(mRef).Store({bounds, 1});
+    return bounds;
 }
 
 TLine<double> CFPolygonRef::GetEdge(long i) const {
@@ -263,10 +299,8 @@ void CFPolygonRef::InvalBounds() const {
     if (!HasHeader(mRef)) {
         return;
     }
-    FPolygon* const record = Record(mRef);
-    if (record->polyBoundsValid != 0) {
-        record->polyBBox = TRect<double>();
-        record->polyBoundsValid = 0;
+    if (BoundsValid()) {
+        BoundsIn(mRef).Store({TRect<double>(), 0});
     }
     ReleaseCachedPath(mRef);
 }
@@ -275,8 +309,7 @@ void CFPolygonRef::CalcBounds() const {
     if (!HasHeader(mRef)) {
         return;
     }
-    Record(mRef)->polyBBox = trammel_detail::UnionBackward(Points(*this));
-    Record(mRef)->polyBoundsValid = 1;
+    BoundsIn(mRef).Store({trammel_detail::UnionBackward(Points(*this)), 1});
 }
 
 CFPolygonRef& CFPolygonRef::Offset(TPoint<double> const& d) {

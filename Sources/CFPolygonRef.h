@@ -20,7 +20,11 @@
 // change it return the reference, so that they can be chained.
 //
 // Caches: the bounds are computed when asked for and kept until the points change. The drawing path
-// is released when the points change. One thread at a time may use a block.
+// is released when the points change.
+//
+// Threads: const members on one block, and all members on different blocks, may run at the same
+// time. A const member that drops or computes the bounds does so at once for all threads. A block
+// that other threads ask for bounds is copied by CFPolygonCreate, not byte by byte.
 
 #ifndef TRAMMEL_CFPOLYGONREF_H
 #define TRAMMEL_CFPOLYGONREF_H
@@ -157,7 +161,7 @@ public:
     /// Sets the closed flag. When it changes, bounds and path are dropped.
     CFPolygonRef& SetClosed(bool c);
     /// Drops the cached bounds, which become null, and the cached path. The member is const because
-    /// the caches live in the block.
+    /// the caches live in the block. No thread may use the path any more.
     void InvalBounds() const;
     /// Computes the bounds into the cache, from the last point to the first. O(n).
     void CalcBounds() const;
@@ -178,7 +182,8 @@ public:
     // Drawing path
 
     /// Registers the function that builds the drawing layer's path of a polygon, for the whole
-    /// process; null for none. Paths cached already are kept.
+    /// process; null for none. Paths cached already are kept. For one thread, while no other asks
+    /// for a path.
     ///
     /// The function gets a reference to the polygon itself, not to a copy. It may read the polygon
     /// and must not change it. It returns a path, whose one reference passes to the polygon, or
@@ -236,8 +241,8 @@ inline CFPolygonRef::Iterator CFPolygonRef::end() const {
     return Iterator(*this, last >= 0 ? last + 1 : 0);
 }
 
-/// The function that builds drawing paths, null until SetBuilPathProc is called. Process-wide and
-/// not synchronised.
+/// The function that builds drawing paths, null until SetBuilPathProc is called. Process-wide:
+/// change it while no other thread asks for a path.
 extern TRAMMEL_API CGPath* (*mBuildProc)(CFPolygonRef);
 
 /// Returns a reference to a copy of the polygon of `src`; null for a null reference.

@@ -2,6 +2,7 @@
 
 #include "CPath.h"
 
+#include "BoundsCache_p.h"
 #include "CMatrix3x3.h"
 #include "PathWalk_p.h"
 #include "UTrigonometry.h"
@@ -234,12 +235,18 @@ double CPath::GetFraction(TPoint<double> a, TPoint<double> b) const {
 }
 
 TRect<double> CPath::Bounds() const {
-    if (mBounds.Null()) {
+    TRect<double> bounds = CachedBounds();
+    if (bounds.Null() && !mPts.empty()) {
         for (TPoint<double> const& p : mPts) {
-            mBounds |= p;
+            bounds |= p;
         }
+        trammel_detail::KeptBounds(mBounds, nullptr).Store({bounds, 0});
     }
-    return mBounds;
+    return bounds;
+}
+
+TRect<double> CPath::CachedBounds() const {
+    return trammel_detail::KeptBounds(mBounds, nullptr).Load().bounds;
 }
 
 bool CPath::TestContents(ContentAttributes attribute) const {

@@ -21,7 +21,7 @@
 // leaves the path as it was. Length, TPt and FindTValue never throw: without memory they measure
 // again. Building operations return the path, so that they can be chained.
 //
-// One thread at a time, as measuring uses the class-wide settings of CBezier.
+// Threads: const members of one path, and all members of different paths, may run at the same time.
 
 #ifndef TRAMMEL_CPATH_H
 #define TRAMMEL_CPATH_H
@@ -66,7 +66,10 @@ public:
 
     /// An empty path.
     CPath();
-    CPath(CPath const&) = default;
+    /// Copies all fields.
+    CPath(CPath const& other)
+        : mCtls(other.mCtls), mPts(other.mPts), mCurrentPt(other.mCurrentPt), mOpen(other.mOpen),
+          mBounds(other.CachedBounds()) {}
     /// Takes the elements of `other` and leaves it empty.
     CPath(CPath&& other) noexcept : CPath() { *this = std::move(other); }
     /// Copies all fields; nothing when `other` is this path.
@@ -78,7 +81,7 @@ public:
             mPts = other.mPts;
             mCurrentPt = other.mCurrentPt;
             mOpen = other.mOpen;
-            mBounds = other.mBounds;
+            mBounds = other.CachedBounds();
         }
         return *this;
     }
@@ -203,6 +206,8 @@ public:
     void RemoveTRange(double t0, double t1, CPath& outA, CPath& outB) const;
 
 private:
+    /// Returns the cached bounds, which another thread may be storing.
+    TRect<double> CachedBounds() const;
     void MakeRoom(std::size_t codes, std::size_t points);
     template <class Scale>
     void AddArc(TPoint<double> center, double startAngle, double sweep, Scale scale);

@@ -9,7 +9,8 @@
 // GetStartPt() is still the previous subpath's start.
 //
 // Both points begin at (0, 0) and carry over from one traversal to the next. An exception thrown by
-// an override ends the traversal and leaves them as they were. One thread at a time for one object.
+// an override ends the traversal and leaves them as they were. Threads may visit one path at the
+// same time, each with a visitor of its own.
 
 #ifndef TRAMMEL_CPATHACTIONS_H
 #define TRAMMEL_CPATHACTIONS_H

@@ -3,6 +3,7 @@
 #include "TPoly.h"
 
 #include "Assertion_p.h"
+#include "BoundsCache_p.h"
 #include "CFPolygonRef.h"
 #include "CMatrix3x3.h"
 #include "CurveKernels_p.h"
@@ -22,6 +23,8 @@
                                                       #condition))
 
 namespace {
+
+using trammel_detail::OnceBounds;
 
 constexpr long kHeaderSize = static_cast<long>(offsetof(CPolygon<double>, mPoints));
 constexpr long kPointSize = static_cast<long>(sizeof(TPoint<double>));
@@ -70,6 +73,28 @@ CPolygon<double>** NewBlock(TPoint<double> const* vertices, std::size_t count) {
         BlockMove(vertices, (*h)->mPoints, size);
     }
     return h;
+}
+
+OnceBounds KeptBounds(CPolygon<double>& record) { return {record.mBounds, record.mBoundsValid}; }
+
+/// Returns a copy of the block with the vertices and the state; null when there is none, or memory
+/// is short.
+CPolygon<double>** CopyBlock(CPolygon<double>** source) {
+    long const size = GetHandleSize(AsHandle(source));
+    if (size < kHeaderSize) {
+        return Clone(source);
+    }
+    // The bounds may be stored meanwhile, as const members do.
+    CPolygon<double>** const copy = NewBlock(TRect<double>(), size - kHeaderSize);
+    if (copy != nullptr) {
+        CPolygon<double>& from = **source;
+        CPolygon<double>& to = **copy;
+        to.mReserved = from.mReserved;
+        to.mClosed = from.mClosed;
+        KeptBounds(from).CopyTo(to.mBounds, to.mBoundsValid);
+        BlockMove(from.mPoints, to.mPoints, size - kHeaderSize);
+    }
+    return copy;
 }
 
 /// The vertices of a polygon as they lie in its block. They are good until the polygon changes.
@@ -130,6 +155,23 @@ double ChainLength(Vertices const& vertices) {
 trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     Vertices const vertices(polygon);
     return {reinterpret_cast<char const*>(vertices.points), vertices.count};
+}
+
+/// Computes the bounds of the vertices into the record. Not inlined, as it is done once for many
+/// questions.
+[[gnu::noinline]] void KeepBounds(TPolygon<double> const& polygon) {
+    KeptBounds(**polygon.mHandle).Store(trammel_detail::UnionForward(Run(polygon)));
+}
+
+/// Returns the bounds of the vertices, and keeps them. The null rectangle without storage.
+inline TRect<double> BoundsOf(TPolygon<double> const& polygon) {
+    if (polygon.mHandle == nullptr) {
+        return TRect<double>();
+    }
+    if (!KeptBounds(**polygon.mHandle).Valid()) {
+        KeepBounds(polygon);
+    }
+    return (*polygon.mHandle)->mBounds;
 }
 
 /// Tells the sides of a segment's box beyond which a point lies.
@@ -194,7 +236,8 @@ template <class T>
 TPolygon<T>::TPolygon(std::vector<TPoint<T>> const& vertices)
     : mHandle(NewBlock(vertices.data(), vertices.size())) {}
 
-template <class T> TPolygon<T>::TPolygon(TPolygon const& other) : mHandle(Clone(other.mHandle)) {}
+template <class T>
+TPolygon<T>::TPolygon(TPolygon const& other) : mHandle(CopyBlock(other.mHandle)) {}
 
 template <class T>
 TPolygon<T>::TPolygon(TPolygon&& other) noexcept : mHandle(std::exchange(other.mHandle, nullptr)) {}
@@ -204,7 +247,7 @@ template <class T> TPolygon<T>::~TPolygon() { DisposeHandle(AsHandle(mHandle)); 
 template <class T> TPolygon<T>& TPolygon<T>::operator=(TPolygon const& other) {
     if (this != &other) {
         DisposeHandle(AsHandle(mHandle));
-        mHandle = Clone(other.mHandle);
+        mHandle = CopyBlock(other.mHandle);
     }
     return *this;
 }
@@ -302,27 +345,16 @@ template <class T> double TPolygon<T>::Length() const {
     return length;
 }
 
-template <class T> TRect<T> TPolygon<T>::Bounds() const {
-    if (mHandle == nullptr) {
-        return TRect<T>();
-    }
-    if (!BoundsValid()) {
-        CalcBounds();
-    }
-    return (*mHandle)->mBounds;
-}
+template <class T> TRect<T> TPolygon<T>::Bounds() const { return BoundsOf(*this); }
 
 template <class T> bool TPolygon<T>::BoundsValid() const {
-    return mHandle != nullptr && (*mHandle)->mBoundsValid != 0;
+    return mHandle != nullptr && KeptBounds(**mHandle).Valid();
 }
 
 template <class T> void TPolygon<T>::CalcBounds() const {
-    if (mHandle == nullptr) {
-        return;
+    if (mHandle != nullptr) {
+        KeepBounds(*this);
     }
-    CPolygon<T>* const record = *mHandle;
-    record->mBounds = trammel_detail::UnionForward(Run(*this));
-    record->mBoundsValid = 1;
 }
 
 template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
@@ -333,7 +365,7 @@ template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
 }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
-    return Bounds().Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);
+    return BoundsOf(*this).Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);
 }
 
 template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {

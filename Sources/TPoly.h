@@ -17,7 +17,8 @@
 // closing edge of a closed polygon included. TPt(t, table) and CalcPtFromEnd walk the open chain of
 // vertices.
 //
-// One thread at a time may use a polygon, because const members write the bounds cache.
+// Threads: const members of one polygon, and all members of different polygons, may run at the same
+// time.
 
 #ifndef TRAMMEL_TPOLY_H
 #define TRAMMEL_TPOLY_H
@@ -141,6 +142,9 @@ public:
     bool BoundsValid() const;
     /// Computes the bounds into the cache. A leading vertex at the origin is forgotten, because the
     /// bounds are then still null. O(n).
+    ///
+    /// Where points were appended behind bounds that were asked for, this changes the bounds. Then
+    /// no other thread may use the polygon at the same time.
     void CalcBounds() const;
     /// Marks the bounds cache as not current.
     TPolygon& InvalBounds();

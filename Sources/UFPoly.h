@@ -6,7 +6,8 @@
 //
 // All take CFPolygonRef by value, which copies the reference and shares the block. The caller owns
 // each new polygon and frees it with KillFPoly. Null references, indexes outside and short memory
-// are absorbed as CFPolygonRef says. One thread at a time may use a block.
+// are absorbed as CFPolygonRef says. Procedures that only ask may run on one block at the same
+// time, and all may on different blocks.
 
 #ifndef TRAMMEL_UFPOLY_H
 #define TRAMMEL_UFPOLY_H

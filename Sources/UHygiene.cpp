@@ -2,19 +2,22 @@
 
 #include "UHygiene.h"
 
-#include "Integers.h"
 #include "Log.h"
 #include "Text_p.h"
 
+#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <string>
 
 namespace {
 
+/// A count of events. It wraps.
+typedef std::atomic<std::int32_t> Counter;
+
 // Totals over both types, for the debugger; nothing reads them.
-[[maybe_unused]] std::int32_t sZeroNaNandInfCount = 0;
-[[maybe_unused]] std::int32_t sZeroOutOfRangeCount = 0;
+Counter sZeroNaNandInfCount{0};
+Counter sZeroOutOfRangeCount{0};
 
 /// The counter value that announces the last message of its kind.
 constexpr std::int32_t kLogCap = 100;
@@ -47,34 +50,36 @@ void LogEvent(std::int32_t count, char const* signature, char const* what, doubl
     }
 }
 
-void CountUp(std::int32_t& counter) { counter = trammel_detail::WrappingAdd(counter, 1); }
+/// Logs and counts an event. The sink of the log may cause events of the same kind, so the event
+/// counts after its line.
+void LogAndCount(Counter& counter, char const* signature, char const* what, double value) noexcept {
+    LogEvent(counter.load(std::memory_order_relaxed), signature, what, value);
+    counter.fetch_add(1, std::memory_order_relaxed);
+}
 
 } // namespace
 
 template <class T> bool ZeroIfNaNOrInf(T& x) {
     if (std::isnan(x)) {
-        static std::int32_t sCount = 0;
-        LogEvent(sCount, Traits<T>::kZeroIfNaNOrInf, "NaN", static_cast<double>(x));
-        CountUp(sCount);
+        static Counter sCount{0};
+        LogAndCount(sCount, Traits<T>::kZeroIfNaNOrInf, "NaN", static_cast<double>(x));
     } else if (std::isinf(x)) {
-        static std::int32_t sCount = 0;
-        LogEvent(sCount, Traits<T>::kZeroIfNaNOrInf, "Inf", static_cast<double>(x));
-        CountUp(sCount);
+        static Counter sCount{0};
+        LogAndCount(sCount, Traits<T>::kZeroIfNaNOrInf, "Inf", static_cast<double>(x));
     } else {
         return false;
     }
-    CountUp(sZeroNaNandInfCount);
+    sZeroNaNandInfCount.fetch_add(1, std::memory_order_relaxed);
     x = 0;
     return true;
 }
 
 template <class T> bool ZeroIfOutOfRange(T& x) {
-    static std::int32_t sCount = 0;
+    static Counter sCount{0};
     constexpr T limit = Traits<T>::kRangeLimit;
     if (x > limit || x < -limit) {
-        LogEvent(sCount, Traits<T>::kZeroIfOutOfRange, "RangeErr", static_cast<double>(x));
-        CountUp(sCount);
-        CountUp(sZeroOutOfRangeCount);
+        LogAndCount(sCount, Traits<T>::kZeroIfOutOfRange, "RangeErr", static_cast<double>(x));
+        sZeroOutOfRangeCount.fetch_add(1, std::memory_order_relaxed);
         x = 0;
     }
     return false;

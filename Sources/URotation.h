@@ -4,7 +4,8 @@
 // second, independent one that serves to undo it. Before they are set, both are all-zero tables,
 // which map every finite point to (0, 0). For rotations that are values use CMatrix3x3.
 //
-// The tables are not synchronised: one thread at a time may set and apply them. Nothing throws.
+// Threads may apply the rotations at the same time. Set them while no other thread applies them.
+// Nothing throws.
 
 #ifndef TRAMMEL_UROTATION_H
 #define TRAMMEL_UROTATION_H

@@ -29,7 +29,9 @@ std::uint32_t crc32_crc_table[256] = {TRAMMEL_ENTRIES_64(0U), TRAMMEL_ENTRIES_64
 
 void gen_crc_table() {
     for (std::uint32_t i = 0; i < 256; ++i) {
-        crc32_crc_table[i] = Entry(i);
+        if (crc32_crc_table[i] != Entry(i)) {
+            crc32_crc_table[i] = Entry(i);
+        }
     }
 }
 

@@ -7,7 +7,8 @@
 //     crc = (crc << 8) ^ crc32_crc_table[(crc >> 24) ^ byte];
 //
 // The table is right before any client code runs, initialisers of static objects included, in
-// shared and static builds. Reading is safe in any thread; regenerating is not synchronised.
+// shared and static builds. Threads may read it at the same time. Regenerating writes only entries
+// that a client has changed, so a table that nobody has changed may be regenerated as well.
 
 #ifndef TRAMMEL_CRC32_H
 #define TRAMMEL_CRC32_H

@@ -2,16 +2,12 @@
 
 #include "Handles.h"
 
+#include "SingleThreaded_p.h"
+
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <new>
-
-#if __has_include(<sys/single_threaded.h>)
-#include <sys/single_threaded.h>
-#define TRAMMEL_SINGLE_THREADED (__libc_single_threaded != 0)
-#else
-#define TRAMMEL_SINGLE_THREADED false
-#endif
 
 using trammel_detail::BlockRecord;
 using trammel_detail::RecordOf;
@@ -27,8 +23,24 @@ namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
 
-std::atomic<long> gLiveHandles{0};
-std::atomic<long> gReallocations{0};
+/// Counts of one thread, or of a few. The totals are sums. Threads that added to one variable would
+/// wait for each other longer than it takes to make a block.
+struct alignas(128) Counts {
+    std::atomic<long> liveHandles{0};
+    std::atomic<long> reallocations{0};
+};
+
+Counts gCounts[16];
+std::atomic<unsigned> gThreads{0};
+
+/// Returns the counts that belong to this thread.
+Counts& CountsOfThread() {
+    thread_local Counts* tCounts = nullptr;
+    if (tCounts == nullptr) {
+        tCounts = &gCounts[gThreads.fetch_add(1, kRelaxed) % std::size(gCounts)];
+    }
+    return *tCounts;
+}
 
 /// The largest block: 1 TiB, or what is left of 1 GiB where Size has 32 bits. No sum or product
 /// below overflows.
@@ -75,14 +87,24 @@ void FreeBlock(BlockRecord* record) {
     }
 }
 
-/// Adds to a counter. Processors need as long for an atomic addition as for making a small block.
-/// The C library tells when there is no other thread, and then a plain addition does.
-void Count(std::atomic<long>& counter, long added) {
-    if (TRAMMEL_SINGLE_THREADED) {
-        counter.store(counter.load(kRelaxed) + added, kRelaxed);
+/// Adds to a counter. Processors need as long for an atomic addition as for making a small block,
+/// so it is made only where there are threads.
+void Count(std::atomic<long> Counts::*counter, long added) {
+    if (trammel_detail::SingleThreaded()) {
+        std::atomic<long>& count = gCounts[0].*counter;
+        count.store(count.load(kRelaxed) + added, kRelaxed);
     } else {
-        counter.fetch_add(added, kRelaxed);
+        (CountsOfThread().*counter).fetch_add(added, kRelaxed);
     }
+}
+
+/// Returns the sum over all threads.
+long Total(std::atomic<long> Counts::*counter) {
+    long total = 0;
+    for (Counts const& counts : gCounts) {
+        total += (counts.*counter).load(kRelaxed);
+    }
+    return total;
 }
 
 constexpr bool IsBlockSize(Size size) { return size >= 0 && size <= kLargestBlock; }
@@ -153,7 +175,7 @@ Handle MakeBlock(Size size, bool clear) {
     }
     record->size = size;
     record->capacity = MemoryFor(RoomFor(size));
-    Count(gLiveHandles, 1);
+    Count(&Counts::liveHandles, 1);
     return &record->block;
 }
 
@@ -185,7 +207,7 @@ bool Reallocate(BlockRecord* record, Size capacity) {
     }
     StoreBlock(record, static_cast<Ptr>(block));
     record->capacity = capacity;
-    Count(gReallocations, 1);
+    Count(&Counts::reallocations, 1);
     return true;
 }
 
@@ -227,9 +249,9 @@ bool TakeInjectedFailure() noexcept {
     return false;
 }
 
-long LiveHandleCount() noexcept { return gLiveHandles.load(kRelaxed); }
+long LiveHandleCount() noexcept { return Total(&Counts::liveHandles); }
 
-long BlockReallocationCount() noexcept { return gReallocations.load(kRelaxed); }
+long BlockReallocationCount() noexcept { return Total(&Counts::reallocations); }
 
 OSErr AppendToBlock(void const* source, Handle h, Size count) noexcept {
     if (h == nullptr) {
@@ -314,7 +336,7 @@ void DisposeHandle(Handle h) noexcept {
     SmallHandle* const small = SmallHandleOf(record);
     // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): as above
     std::free(small != nullptr ? static_cast<void*>(small) : record);
-    Count(gLiveHandles, -1);
+    Count(&Counts::liveHandles, -1);
 }
 
 OSErr HandToHand(Handle* h) noexcept {

@@ -22,8 +22,9 @@
 // divisible by 16, in WebAssembly by 8. Spare bytes make repeated appending cheap. They are never
 // visible: sizes count the bytes in use, and bytes that come into use by growing are zero.
 //
-// No function here throws. Functions that take a handle accept a null one. Different threads may
-// use different handles at the same time; one handle is for one thread at a time.
+// No function here throws. Functions that take a handle accept a null one. Threads may use
+// different handles at the same time. They may also read one handle and its block, while none
+// changes either.
 
 /// Address of a block.
 typedef char* Ptr;

@@ -23,13 +23,8 @@
 // The answers agree as long as the depth of subdivision (CBezier::mRecursionLimit) is the one that
 // was set when the PathMeasure was made.
 //
-// Three things flatten curves and are for one thread at a time, as measuring a path is:
-//
-// - making a PathMeasure;
-// - FindTValue and FindNearest;
-// - every question that ends on a curve of more than 1024 points.
-//
-// All else is safe from any thread. Memory exhaustion is std::bad_alloc.
+// Threads may ask one PathMeasure, and copies of it, at the same time. Memory exhaustion is
+// std::bad_alloc.
 
 #ifndef TRAMMEL_PATHMEASURE_H
 #define TRAMMEL_PATHMEASURE_H

@@ -14,6 +14,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <thread>
 #include <type_traits>
 
 namespace {
@@ -266,6 +267,25 @@ TEST_F(Bezier, CountersWrap) {
     EXPECT_EQ(CBezier::mCount, std::numeric_limits<std::int32_t>::min());
     EXPECT_EQ(gCount, std::numeric_limits<std::int32_t>::min() + 2);
     EXPECT_EQ(maxCount, 5);
+    // The same where nobody looks at the points.
+    gCount = std::numeric_limits<std::int32_t>::max();
+    EXPECT_TRUE(kArch.HitTest(kArch.P0, 1.0));
+    EXPECT_LT(gCount, 0);
+    EXPECT_EQ(maxCount, 5);
+}
+
+TEST_F(Bezier, CountersCountEveryCallWhenThreadsWorkOneAfterTheOther) {
+    gCount = 0;
+    maxCount = 0;
+    CBezier::mCount = 0;
+    CBezier::mMaxError = -1.0;
+    for (int i = 1; i <= 12; ++i) {
+        std::thread([] { EXPECT_EQ(Generated(kArch, false, 3).size(), 3U); }).join();
+        EXPECT_EQ(Generated(kArch, false, 3).size(), 3U);
+        EXPECT_EQ(CBezier::mCount, 6 * i);
+        EXPECT_EQ(gCount, 14 * i);
+        EXPECT_EQ(maxCount, 14 * i);
+    }
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+
+// The counters of curves, for all threads. Not installed.
+//
+// With one thread, the counters stand after each call as the class headers say. With several, only
+// one thread writes them at a time, and what the others do stays uncounted. So they need not wait
+// for each other's caches, which would take longer than flattening a short curve. All reads and
+// writes are atomic, as the turn may change while the former thread still writes.
+
+#ifndef TRAMMEL_CURVECOUNTERS_P_H
+#define TRAMMEL_CURVECOUNTERS_P_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace trammel_detail {
+
+/// The counters begin lines of the processors' caches, so that other variables are not in the lines
+/// that they dirty.
+inline constexpr std::size_t kCounterLine = 64;
+
+/// True when it is this thread's turn to count. To be asked once for each call of the library that
+/// generates points.
+///
+/// A thread keeps its turn until another one takes it. Each may take it again after 64 calls of its
+/// own, and a thread that has not lost its turn for long, up to 16 times before. So every call
+/// counts when the threads work one after the other.
+bool TakesTurnToCount() noexcept;
+
+/// The counter, read and written as one piece. A plain variable in the public header, it cannot be
+/// of the standard library's atomic type.
+class SharedCounter {
+public:
+    explicit SharedCounter(std::int32_t& counter) : mCounter(counter) {}
+
+    std::int32_t Value() const { return __atomic_load_n(&mCounter, __ATOMIC_RELAXED); }
+    void Set(std::int32_t value) const { __atomic_store_n(&mCounter, value, __ATOMIC_RELAXED); }
+    /// Adds, and wraps.
+    void Add(std::int64_t count) const {
+        Set(static_cast<std::int32_t>(static_cast<std::uint32_t>(Value() + count)));
+    }
+
+private:
+    std::int32_t& mCounter;
+};
+
+} // namespace trammel_detail
+
+#endif
