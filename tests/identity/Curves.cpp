@@ -108,7 +108,7 @@ void FlattenDeep(Part& part) {
     }
 }
 
-Digest* gSink = nullptr; // the callback without data knows no other place
+thread_local Digest* tSink = nullptr; // the callback without data knows no other place
 
 void AddGenerated(CBezier const& c, bool force, int depth, bool withData, Digest& digest) {
     auto const levels = static_cast<short>(depth);
@@ -116,8 +116,8 @@ void AddGenerated(CBezier const& c, bool force, int depth, bool withData, Digest
         c.GenerateSegment([](Pt const& p, void* data) { static_cast<Digest*>(data)->Add(p); },
                           &digest, force, levels);
     } else {
-        gSink = &digest;
-        c.GenerateSegment([](Pt const& p) { gSink->Add(p); }, force, levels);
+        tSink = &digest;
+        c.GenerateSegment([](Pt const& p) { tSink->Add(p); }, force, levels);
     }
 }
 
@@ -177,7 +177,7 @@ void Callbacks(Part& part) {
                         if (m.what == Meddler::kThrow) {
                             throw Stop();
                         }
-                        if (m.what == Meddler::kChange) {
+                        if (m.what == Meddler::kChange && !gShared) {
                             CBezier::mMaxError = m.error;
                         } else {
                             m.digest.Add(m.other.Length());
@@ -398,10 +398,12 @@ void Splines(Part& part) {
             random.OneIn(2) ? 1.0
                             : (random.OneIn(8) ? random.Special() : std::abs(random.Binary(-8, 3)));
         bool const flattens = random.OneIn(2);
-        CBSpline::mMaxError = plain::splineState.maxError = error;
-        CBSpline::mRecursionLimit = plain::splineState.recursionLimit =
-            static_cast<std::int16_t>(depth);
-        CBSpline::mCount = plain::splineState.mCount = random.Int(0, 100);
+        if (!gShared) {
+            CBSpline::mMaxError = plain::splineState.maxError = error;
+            CBSpline::mRecursionLimit = plain::splineState.recursionLimit =
+                static_cast<std::int16_t>(depth);
+            CBSpline::mCount = plain::splineState.mCount = random.Int(0, 100);
+        }
         plain::SplineState const start = plain::splineState;
         CBSpline left;
         CBSpline right;
@@ -412,7 +414,9 @@ void Splines(Part& part) {
         digest.Add(curve.Flat(error));
         digest.Add(curve.Extents());
         if (flattens) {
-            CBSpline::mMaxError = plain::splineState.maxError = 2.0;
+            if (!gShared) {
+                CBSpline::mMaxError = plain::splineState.maxError = 2.0;
+            }
             TPolygon<double> polygon;
             curve.AddSegmentToPoly(polygon, error);
             digest.Add(polygon);
@@ -421,8 +425,10 @@ void Splines(Part& part) {
                 [](Pt const& p, void* data) { static_cast<Digest*>(data)->Add(p); }, &digest,
                 static_cast<short>(depth));
         }
-        digest.Add(CBSpline::mCount);
-        digest.Add(CBSpline::mMaxError);
+        if (!gShared) {
+            digest.Add(CBSpline::mCount);
+            digest.Add(CBSpline::mMaxError);
+        }
         part.Take(digest, [&] {
             plain::splineState = start;
             plain::Spline const c{curve.P0, curve.P1, curve.P2};

@@ -167,6 +167,10 @@ Pt PointAbout(Random& random, Box const& bounds);
 /// A fraction: mostly in [0, 1], now and then outside, at the edges or wild.
 double Fraction(Random& random);
 
+/// True when several threads run parts at the same time. The settings of the process then stay as
+/// they are, and the counters are not looked at.
+extern bool gShared;
+
 /// Sets the settings and counters of the cubic to the same in the library and the plain form.
 void SetUp(Random& random, double maxError, int depth);
 /// Adds the library's counters and its flatness setting.

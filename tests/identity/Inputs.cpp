@@ -297,7 +297,12 @@ double Fraction(Random& random) {
     }
 }
 
+bool gShared = false;
+
 void SetUp(Random& random, double maxError, int depth) {
+    if (gShared) {
+        return;
+    }
     CBezier::mMaxError = plain::state.maxError = maxError;
     CBezier::mRecursionLimit = plain::state.recursionLimit = static_cast<std::int16_t>(depth);
     CBezier::mCount = plain::state.mCount = random.Int(0, 1000);
@@ -306,6 +311,9 @@ void SetUp(Random& random, double maxError, int depth) {
 }
 
 void AddState(Digest& digest) {
+    if (gShared) {
+        return;
+    }
     digest.Add(CBezier::mCount);
     digest.Add(gCount);
     digest.Add(maxCount);

@@ -503,7 +503,9 @@ void Turned(Part& part) {
         RotateFPoly(turned, angle, centre);
         CMatrix3x3 m;
         m.Rotate(angle).Rotate(angle, centre);
-        SetRotate(angle);
+        if (!gShared) {
+            SetRotate(angle);
+        }
         Pt p = in.curve.P1;
         ::Transform(p);
         Pt q = in.curve.P3;

@@ -10,9 +10,13 @@
 // the square root, so their hash is the same on every machine. Those of the group "functions" come
 // from the C library's sines and the like, too, so their hash is the same with the same C library.
 //
-//     trammel_identity [--quick] [--hashes-only] [--portable] [--expect FILE] [--part NAME]...
+//     trammel_identity [--quick] [--hashes-only] [--portable] [--threads N] [--expect FILE] [--part
+//     NAME]...
 //
 // --quick        makes a small part of the inputs, for builds that are slow, with other hashes
+// --threads      runs the parts in N threads at the same time, and leaves the plain forms out. The
+//                settings of the process are fixed, and the counters are left out, so there is a
+//                third kind of hashes, the same for each N.
 // --hashes-only  leaves the plain forms out
 // --portable     runs the forms for every processor, also where this one has more
 // --expect       compares with the hashes in FILE, which are what the program prints
@@ -24,22 +28,26 @@
 //     1   when something differs from FILE or from a plain form
 //     2   for wrong arguments
 //     77  when the group "arithmetic" is the same, and "functions" is not, because the C library's
-//     own
-//         functions give other bits here than where FILE was made
+//         own functions give other bits here than where FILE was made
 //
 // The plain forms call the C library's hypot. On processors with fused operations it has other bits
 // than the library's own, so --hashes-only belongs there.
 
+#include "CBSpline.h"
+#include "CBezier.h"
 #include "Dispatch_p.h"
 #include "Identity.h"
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <future>
 #include <map>
 #include <sstream>
 
@@ -88,9 +96,12 @@ bool ReadHashes(char const* file, Hashes& hashes) {
 struct Options {
     bool quick = false;
     bool compares = true;
+    int threads = 0; ///< 0: one thread, which changes the settings
     char const* expect = nullptr;
     std::vector<std::string> parts;
 
+    char const* Size() const { return threads > 0 ? "fixed" : quick ? "quick" : "full"; }
+    int Thinning() const { return threads > 0 ? 10 : quick ? 40 : 1; }
     bool Selects(std::string const& name) const {
         bool selected = parts.empty();
         for (std::string const& begin : parts) {
@@ -99,6 +110,49 @@ struct Options {
         return selected;
     }
 };
+
+/// A part that has run.
+struct Outcome {
+    Entry entry;
+    Part part;
+    double seconds;
+};
+
+Outcome Run(Entry const& entry, Options const& options) {
+    auto const start = std::chrono::steady_clock::now();
+    Part part(entry.name, options.Thinning(), options.compares);
+    entry.run(part);
+    std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
+    return {entry, part, time.count()};
+}
+
+/// Runs the parts in threads. Each thread takes the next part as soon as it is free.
+std::vector<Outcome> RunInThreads(std::vector<Entry> const& entries, Options const& options) {
+    // Wild curves are subdivided to the end, so the depth is small.
+    gShared = true;
+    CBezier::mMaxError = CBSpline::mMaxError = 0.5;
+    CBezier::mRecursionLimit = CBSpline::mRecursionLimit = 7;
+    std::vector<std::future<Outcome>> runs;
+    std::vector<std::packaged_task<Outcome()>> tasks;
+    for (Entry const& entry : entries) {
+        tasks.emplace_back([&entry, &options] { return Run(entry, options); });
+        runs.push_back(tasks.back().get_future());
+    }
+    std::atomic<std::size_t> next{0};
+    std::vector<std::future<void>> workers;
+    for (int i = 0; i < options.threads; ++i) {
+        workers.push_back(std::async(std::launch::async, [&] {
+            for (std::size_t k = next++; k < tasks.size(); k = next++) {
+                tasks[k]();
+            }
+        }));
+    }
+    std::vector<Outcome> outcomes;
+    for (std::future<Outcome>& run : runs) {
+        outcomes.push_back(run.get());
+    }
+    return outcomes;
+}
 
 int Run(Options const& options) {
     Hashes expected;
@@ -110,8 +164,11 @@ int Run(Options const& options) {
     for (std::vector<Entry> const& some : {CurveParts(), PathParts(), PolygonParts()}) {
         entries.insert(entries.end(), some.begin(), some.end());
     }
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [&](Entry const& e) { return !options.Selects(e.name); }),
+                  entries.end());
 
-    std::string const size = options.quick ? "quick" : "full";
+    std::string const size = options.Size();
     Digest all;
     Digest groups[2];
     long inputs = 0;
@@ -133,26 +190,29 @@ int Run(Options const& options) {
         return same;
     };
 
-    for (Entry const& entry : entries) {
-        if (!options.Selects(entry.name)) {
-            continue;
-        }
-        auto const start = std::chrono::steady_clock::now();
-        Part part(entry.name, options.quick ? 40 : 1, options.compares);
-        entry.run(part);
-        std::chrono::duration<double> const time = std::chrono::steady_clock::now() - start;
-        bool const same = report(entry.name, part.Value(), part.Inputs(), time.count());
-        if (entry.name == kCLibrary) {
+    auto const take = [&](Outcome const& run) {
+        Part const& part = run.part;
+        bool const same = report(run.entry.name, part.Value(), part.Inputs(), run.seconds);
+        if (run.entry.name == kCLibrary) {
             otherLibrary = !same;
-            continue; // its hash tells about other people's code
+            return; // its hash tells about other people's code
         }
-        (entry.group == Group::kArithmetic ? otherArithmetic : otherFunctions) |= !same;
+        (run.entry.group == Group::kArithmetic ? otherArithmetic : otherFunctions) |= !same;
         all.Add(part.Value());
         inputs += part.Inputs();
-        groups[static_cast<int>(entry.group)].Add(part.Value());
-        groupInputs[static_cast<int>(entry.group)] += part.Inputs();
+        groups[static_cast<int>(run.entry.group)].Add(part.Value());
+        groupInputs[static_cast<int>(run.entry.group)] += part.Inputs();
         compared += part.Compared();
         differences += part.Differences();
+    };
+    if (options.threads > 0) {
+        for (Outcome const& run : RunInThreads(entries, options)) {
+            take(run);
+        }
+    } else {
+        for (Entry const& entry : entries) {
+            take(Run(entry, options));
+        }
     }
     if (options.parts.empty()) {
         otherArithmetic |= !report("arithmetic", groups[0].Value(), groupInputs[0], 0.0);
@@ -185,14 +245,17 @@ int Main(int count, char** arguments) {
             if (!trammel_detail::UsePortableForms(true)) {
                 std::puts("This processor has the portable forms only.");
             }
+        } else if (argument == "--threads" && i + 1 < count) {
+            options.threads = std::clamp(std::atoi(arguments[++i]), 1, 64);
+            options.compares = false;
         } else if (argument == "--expect" && i + 1 < count) {
             options.expect = arguments[++i];
         } else if (argument == "--part" && i + 1 < count) {
             options.parts.emplace_back(arguments[++i]);
         } else {
             std::fprintf(stderr,
-                         "trammel_identity [--quick] [--hashes-only] [--portable] [--expect FILE] "
-                         "[--part NAME]...: not %s\n",
+                         "trammel_identity [--quick] [--hashes-only] [--portable] [--threads N] "
+                         "[--expect FILE] [--part NAME]...: not %s\n",
                          argument.c_str());
             return 2;
         }
