@@ -623,7 +623,8 @@ std::vector<Call> PathCalls() {
         {"CPath::GetTRange", kThrows, [](A& a) { a.path.GetTRange(0.2, 0.7, a.out); }},
         {"CPath::RemoveTRange", kThrows,
          [](A& a) { a.path.RemoveTRange(0.2, 0.7, a.out, a.second); }},
-        {"CPath::CPath CPath::Bounds CPath::FindTValue CPath::GetFraction CPath::Length CPath::TPt "
+        {"CPath::CPath CPath::Bounds CPath::CachedBounds CPath::FindTValue CPath::GetFraction "
+         "CPath::Length CPath::TPt "
          "CPath::TestContents CPath::Transform CPath::clear CPath::size",
          kUnchanged,
          [](A& a) {
