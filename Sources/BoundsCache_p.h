@@ -25,11 +25,11 @@ struct alignas(128) BoundsGuard {
     static BoundsGuard& Of(void const* bounds);
 };
 
-/// Bounds that are stored once, and then stay until a member that is not const drops them. A flag
-/// tells whether they are there.
+/// Bounds that are stored once, and then stay until a member that is not const drops them, or
+/// TPolygon::CalcBounds finds other ones. A flag tells whether they are there.
 ///
 /// Reading is as fast as without threads: the flag is set last, and the bounds are not written
-/// while it is set.
+/// while it is set and threads share the object.
 class OnceBounds {
 public:
     OnceBounds(TRect<double>& bounds, std::int16_t& valid) : mBounds(bounds), mValid(valid) {}

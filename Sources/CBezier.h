@@ -9,8 +9,8 @@
 // Threads: const members of one curve, and all members of different curves, may run at the same
 // time. The whole process shares the class-wide settings (mMaxError, mRecursionLimit): change them
 // only while no other thread generates points. It shares the counters (mCount, gCount, maxCount),
-// too. They are exact as long as no two threads generate points at the same time; else they count
-// what some of the threads do. Read or set them only while no other thread generates points.
+// too. They are exact where one thread generates points. Where several do, also one after the
+// other, they count a part. Read or set them only while no other thread generates points.
 //
 // Nothing is reported: NaN and infinities propagate. A NaN deviation is never flat, so the
 // subdivision of a curve with a NaN goes to the full depth nearly everywhere, up to
@@ -179,8 +179,8 @@ public:
     /// or P3.
     ///
     /// A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat by
-    /// mMaxError. This setting is read anew for each curve, and the counters stand at each point,
-    /// so `proc` may look at them and change them. `force` halves the first level in any case. At
+    /// mMaxError. This setting is read anew for each curve, and the counters are up to date at each
+    /// point. So `proc` may look at them and, while no other thread generates points, change them. `force` halves the first level in any case. At
     /// most 2^(depth-1) - 1 points; a depth of 1 or less gives none, or one when forced. No
     /// allocation. What `proc` throws passes through. By recursive midpoint subdivision (de
     /// Casteljau).

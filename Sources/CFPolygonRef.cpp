@@ -55,8 +55,8 @@ void ReleaseCachedPath(OpaqueCFPolygon** ref) {
     }
 }
 
-/// Returns the bounds in a block with a header. Blocks begin at multiples of 16, so the bounds are
-/// aligned although the record is packed.
+/// Returns the bounds in a block with a header. Blocks begin at multiples of 8 at least, so the
+/// bounds are aligned although the record is packed.
 KeptBounds BoundsIn(OpaqueCFPolygon** ref) {
     static_assert(offsetof(FPolygon, polyBBox) % alignof(TRect<double>) == 0);
     char* const bytes = Bytes(ref);

@@ -15,16 +15,15 @@
 
 namespace trammel_detail {
 
-/// The counters begin lines of the processors' caches, so that other variables are not in the lines
-/// that they dirty.
+/// Each counter begins a line of the processors' caches, so no two of them are in one line.
 inline constexpr std::size_t kCounterLine = 64;
 
 /// True when it is this thread's turn to count. To be asked once for each call of the library that
 /// generates points.
 ///
-/// A thread keeps its turn until another one takes it. Each may take it again after 64 calls of its
-/// own, and a thread that has not lost its turn for long, up to 16 times before. So every call
-/// counts when the threads work one after the other.
+/// A thread keeps its turn until another one takes it. Taking it costs what 64 calls
+/// earn, and a thread begins with what 16 turns cost. So threads that work one after the other count
+/// every call as long as they change turns seldom.
 bool TakesTurnToCount() noexcept;
 
 /// The counter, read and written as one piece. A plain variable in the public header, it cannot be

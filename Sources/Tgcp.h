@@ -9,8 +9,9 @@
 // of inputs do not matter. The bundled clipper leaves out contours with NaN or infinite
 // coordinates, and clips the rest.
 //
-// These are values without shared state: different threads may use different objects. Members that
-// copy or grow contours throw std::bad_alloc when memory is short.
+// These are values without shared state. Const members of one object, and all members of different
+// objects, may run at the same time. Members that copy or grow contours throw std::bad_alloc when
+// memory is short.
 
 #ifndef TRAMMEL_TGCP_H
 #define TRAMMEL_TGCP_H

@@ -2,7 +2,7 @@
 
 // Block helpers: the operations on relocatable memory blocks (Handles.h) that both polygon kinds
 // share. Memory errors are not reported: a block that cannot grow stays as it is. Nothing throws.
-// Different threads may use different blocks.
+// Threads may use different blocks at the same time, and read one that none changes.
 
 #ifndef TRAMMEL_UHANDLE_H
 #define TRAMMEL_UHANDLE_H

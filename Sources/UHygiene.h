@@ -7,7 +7,8 @@
 // counter. Its first 100 events are logged with the numbers 0 to 99. The next one is announced as
 // the last, and later ones are zeroed in silence. The counters live as long as the process, one set
 // for all its modules. These functions may run in several threads, on different values. Events at
-// the same time may then have the same number, and a few more than 100 lines may come.
+// the same time may then have the same number, and a few more than 100 lines may come. The
+// announcement of the last one may be missing, or come twice.
 //
 // None of these functions throws. An event whose line finds no memory is still zeroed and counted;
 // its line is dropped.

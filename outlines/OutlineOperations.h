@@ -18,9 +18,8 @@
 // - Every point farther than d from all outlines of the operands is inside the result exactly when
 //   the operands' fill rules and the operation say so.
 // - Contours are closed to the last bit and bound the region by either fill rule. They cross
-// neither
-//   themselves nor each other, and meet in single points at most. Where outlines run beside each
-//   other nearer than d, parts of them whose ends were moved may cross by less than d.
+//   neither themselves nor each other, and meet in single points at most. Where outlines run beside
+//   each other nearer than d, parts of them whose ends were moved may cross by less than d.
 // - Every element is one of an operand bit for bit, or a part of one with ends moved by no more
 //   than d, or a line within d of a contact. In a contact, outlines come nearer to each other than
 //   d without crossing at an angle.
@@ -30,8 +29,7 @@
 // Exact topology is not promised: details smaller than d may vanish.
 //
 // Cost: in practice O(n log n + k) for n elements and k places where they meet. Union() leaves out
-// most places that lie inside of many outlines. Outlines that are
-// nearly the same take more, up to a bound of 2^17 tests and 64 for each pair of arcs that may
+// most places that lie inside of many outlines. Outlines that are nearly the same take more, up to a bound of 2^17 tests and 64 for each pair of arcs that may
 // meet. Where that does not suffice the work is begun anew with a distance that is 4 times as
 // large. All calls end, and throw nothing but std::bad_alloc. The path that gets the result may be
 // an operand. Calls share no state, so all are safe from any thread.
@@ -64,8 +62,8 @@ TRAMMEL_API double Boolean(TPolyOp op, CPath const& a, FillRule ruleA, CPath con
 /// Sets `out` to the region of all outlines together. Each one holds the points that it alone holds
 /// by `rule`, so their directions do not matter. Returns the distance that is kept.
 ///
-/// Where many outlines overlap much, near ones are united in groups, and the results again. Then
-/// the distance is the sum over these stages, of which there are about log8(n) for n outlines.
+/// Where many outlines overlap much, near ones are united in groups, and the results again. There
+/// are about log8(n) such stages for n outlines. The distances that the stages keep add up.
 /// \param sources  as above, with the index of the outline as operand
 TRAMMEL_API double Union(std::vector<CPath> const& outlines, FillRule rule, double tolerance,
                          CPath& out, std::vector<ElementSource>* sources = nullptr);

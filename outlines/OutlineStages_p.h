@@ -21,7 +21,8 @@ namespace trammel_detail {
 ///
 /// False where that does not pay, such as for few outlines or where they overlap little. Nothing is
 /// changed then. `arcs` has the outlines of operands 0 to count - 1, and is not taken apart.
-/// \param kept  the tolerance, which becomes the distance that is kept: the sum over the stages
+/// \param kept  the tolerance, which becomes the distance that is kept: the sum over
+///              the stages if that is more
 /// \param sources  as LiftResult() has it
 bool UniteInStages(OutlineArcs const& arcs, std::uint32_t count, bool evenOdd, double& kept,
                    CPath& path, std::vector<trammel::ElementSource>* sources);

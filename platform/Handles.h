@@ -103,7 +103,7 @@ TRAMMEL_API void FailNextAllocations(long count) noexcept;
 TRAMMEL_API bool TakeInjectedFailure() noexcept;
 
 /// Returns the number of handles that were made and not yet disposed, for tests that look for
-/// leaks.
+/// leaks. It is exact while no other thread makes or disposes handles.
 TRAMMEL_API long LiveHandleCount() noexcept;
 
 /// Returns how often a block was given other room since the program's start, for tests of the

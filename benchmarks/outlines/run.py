@@ -15,7 +15,7 @@ Each participant is a process of its own. It reads a case a line, as JSON:
 
 and answers with one line, as JSON: us (processor time in microseconds), f and d (a list of segments, or path text), or
 error, or skip where it has no such operation. One that gives no answer in time is stopped and begun anew.
-The judge (tests/judge/OutlineResults.cpp) reads the cases with their answers and says which are right.
+The judge (Judge.cpp beside this file) reads the cases with their answers and says which are right.
 """
 
 import argparse

@@ -274,7 +274,7 @@ TEST_F(Bezier, CountersWrap) {
     EXPECT_EQ(maxCount, 5);
 }
 
-TEST_F(Bezier, CountersCountEveryCallWhenThreadsWorkOneAfterTheOther) {
+TEST_F(Bezier, CountersCountEveryCallOfThreadsThatChangeTurnsAFewTimes) {
     gCount = 0;
     maxCount = 0;
     CBezier::mCount = 0;
