@@ -83,8 +83,8 @@ public:
     /// Delivers the split points of a recursive halving, in order of increasing parameter, never P0
     /// or P2. A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat
     /// by mMaxError: at most 2^(depth-1) - 1 points. This setting is read anew for each curve, so
-    /// `proc` may change it while no other thread generates points. No allocation. What `proc` throws passes through. By recursive
-    /// midpoint subdivision (de Casteljau).
+    /// `proc` may change it while no other thread generates points. No allocation. What `proc`
+    /// throws passes through. By recursive midpoint subdivision (de Casteljau).
     void GenerateSegment(PointDataProc proc, void* data, short depth) const;
     /// Appends P0, the generated points (none when all three points are equal) and P2 to `poly`,
     /// leaving out points equal to their predecessor in it.

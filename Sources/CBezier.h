@@ -180,10 +180,10 @@ public:
     ///
     /// A curve is halved while `depth`, less 1 for each level, is above 0 and it is not flat by
     /// mMaxError. This setting is read anew for each curve, and the counters are up to date at each
-    /// point. So `proc` may look at them and, while no other thread generates points, change them. `force` halves the first level in any case. At
-    /// most 2^(depth-1) - 1 points; a depth of 1 or less gives none, or one when forced. No
-    /// allocation. What `proc` throws passes through. By recursive midpoint subdivision (de
-    /// Casteljau).
+    /// point. So `proc` may look at them and, while no other thread generates points, change them.
+    /// `force` halves the first level in any case. At most 2^(depth-1) - 1 points; a depth of 1 or
+    /// less gives none, or one when forced. No allocation. What `proc` throws passes through. By
+    /// recursive midpoint subdivision (de Casteljau).
     void GenerateSegment(PointDataProc proc, void* data, bool force, short depth) const;
     /// The same for a callback without data.
     void GenerateSegment(PointProc proc, bool force, short depth) const;

@@ -22,8 +22,8 @@ inline constexpr std::size_t kCounterLine = 64;
 /// generates points.
 ///
 /// A thread keeps its turn until another one takes it. Taking it costs what 64 calls
-/// earn, and a thread begins with what 16 turns cost. So threads that work one after the other count
-/// every call as long as they change turns seldom.
+/// earn, and a thread begins with what 16 turns cost. So threads that work one after the other
+/// count every call as long as they change turns seldom.
 bool TakesTurnToCount() noexcept;
 
 /// The counter, read and written as one piece. A plain variable in the public header, it cannot be

@@ -29,10 +29,11 @@
 // Exact topology is not promised: details smaller than d may vanish.
 //
 // Cost: in practice O(n log n + k) for n elements and k places where they meet. Union() leaves out
-// most places that lie inside of many outlines. Outlines that are nearly the same take more, up to a bound of 2^17 tests and 64 for each pair of arcs that may
-// meet. Where that does not suffice the work is begun anew with a distance that is 4 times as
-// large. All calls end, and throw nothing but std::bad_alloc. The path that gets the result may be
-// an operand. Calls share no state, so all are safe from any thread.
+// most places that lie inside of many outlines. Outlines that are nearly the same take more, up to
+// a bound of 2^17 tests and 64 for each pair of arcs that may meet. Where that does not suffice the
+// work is begun anew with a distance that is 4 times as large. All calls end, and throw nothing but
+// std::bad_alloc. The path that gets the result may be an operand. Calls share no state, so all are
+// safe from any thread.
 //
 // Source: docs/outlines.md describes the method.
 

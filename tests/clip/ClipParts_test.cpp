@@ -306,7 +306,9 @@ TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
     Dice dice(5);
     GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
     for (int const vertices : {3, 20, 24, 25, 60}) {
-        Drawing const drawing({RandomDoubles(dice, vertices)}, {RandomDoubles(dice, vertices)});
+        Contour const b = RandomDoubles(dice, vertices);
+        Contour const a = RandomDoubles(dice, vertices);
+        Drawing const drawing({a}, {b});
         GridLines cut = drawing.lines;
         trammel_detail::ScratchVector<Incidence> incidences;
         std::optional<EdgeTree> tree;

@@ -79,7 +79,9 @@ Edges DrawingOf(std::string const& kind, int count) {
         AddRing(ring, edges);
     } else {
         for (int i = 0; i < count; ++i) {
-            ring.push_back(At(dice.Unit() * 2 - 1, dice.Unit() * 2 - 1));
+            double const y = dice.Unit() * 2 - 1;
+            double const x = dice.Unit() * 2 - 1;
+            ring.push_back(At(x, y));
         }
         AddRing(ring, edges);
     }

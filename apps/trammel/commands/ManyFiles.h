@@ -5,8 +5,8 @@
 //
 // A file that cannot be read costs one line on standard error. The run goes on, and ends with the
 // status of a failure. JSON for a single file is the object of that file. For several files, and
-// where --files-from names them, it is {"files": [OBJECT...]}. Files that could not be read are then
-// listed as "errors".
+// where --files-from names them, it is {"files": [OBJECT...]}. Files that could not be read are
+// then listed as "errors".
 
 #ifndef TRAMMEL_APP_MANYFILES_H
 #define TRAMMEL_APP_MANYFILES_H
