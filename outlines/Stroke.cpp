@@ -88,8 +88,8 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         return std::max(asked, kept);
     }
     CPath grown;
-    kept += trammel_detail::AppendGrown(plain, distance, join, miterLimit, kContourShare * asked,
-                                        grown);
+    kept += trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
+                                        kContourShare * asked, grown);
     if (distance > 0.0) {
         kept += Unite(grown, share, out);
         return std::max(asked, kept);

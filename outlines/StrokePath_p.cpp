@@ -39,6 +39,8 @@ constexpr double kFinest = 0x1p-36;
 constexpr int kFarthestStep = -20;
 constexpr int kNearestStep = -44;
 constexpr int kNextStep = 6;
+/// About so many segments of a contour tell on which side the region lies.
+constexpr std::size_t kVotes = 64;
 /// Drawings of a size beyond this power of two, or below its inverse, are scaled.
 constexpr int kPlainExponent = 200;
 
@@ -183,8 +185,49 @@ RegionSide RegionBeside(PathSegment const& s, PreparedOutline const& region, dou
                          : RegionSide::kAgainstNormal;
 }
 
+/// Returns half of how far the points of a segment are from its start, in one coordinate and as a
+/// share of `size`. Halves do not overflow.
+double ReachOf(PathSegment const& s, double size) {
+    double reach = 0.0;
+    for (Pt const& p : {s.control1, s.control2, s.end}) {
+        reach = std::max(
+            {reach, std::abs(0.5 * p.h - 0.5 * s.start.h), std::abs(0.5 * p.v - 0.5 * s.start.v)});
+    }
+    return reach / size;
+}
+
 /// Returns the side of a contour on which the region lies that all contours bound.
-RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, double size) {
+/// \param blur  how far the contours may cross each other
+RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, double size,
+                        double blur) {
+    // Where contours run beside each other, points nearer than the blur may be on the wrong side,
+    // and farther ones may be beyond the other contour. So segments vote, long ones with more
+    // weight.
+    std::size_t const count = contour.EndElement() - contour.FirstElement();
+    double lead = 0.0;
+    for (double const step : {blur, 4.0 * blur, 64.0 * blur}) {
+        double weight = 0.0;
+        double balance = 0.0;
+        std::size_t number = 0;
+        for (PathSegment const& s : contour) {
+            if (number++ % (count / kVotes + 1) != 0) {
+                continue;
+            }
+            RegionSide const side = RegionBeside(s, region, step);
+            double const reach = ReachOf(s, size);
+            weight += reach;
+            balance += side == RegionSide::kAtNormal        ? reach
+                       : side == RegionSide::kAgainstNormal ? -reach
+                                                            : 0.0;
+        }
+        lead += balance;
+        if (std::abs(balance) > 0.5 * weight) {
+            break;
+        }
+    }
+    if (lead != 0.0) {
+        return lead > 0.0 ? RegionSide::kAtNormal : RegionSide::kAgainstNormal;
+    }
     // The least step first: a greater one may reach another contour.
     for (int exponent = kNearestStep; exponent <= kFarthestStep; exponent += kNextStep) {
         double const step = std::scalbn(size, exponent);
@@ -249,8 +292,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     return kept;
 }
 
-double AppendGrown(CPath const& region, double distance, StrokeJoin join, double miterLimit,
-                   double tolerance, CPath& out) {
+double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin join,
+                   double miterLimit, double tolerance, CPath& out) {
     double const size = std::max(SizeOf(region), std::abs(distance));
     double const scale = ScaleFor(size);
     double const kept = std::max(kFinest * size, tolerance);
@@ -264,7 +307,7 @@ double AppendGrown(CPath const& region, double distance, StrokeJoin join, double
     StrokeContours sides(pen, list);
     PreparedOutline const prepared(region);
     for (Subpath const& contour : Subpaths(region)) {
-        RegionSide const side = RegionBeside(contour, prepared, size);
+        RegionSide const side = RegionBeside(contour, prepared, size, blur);
         CPath one = PathOf(contour);
         if ((side == RegionSide::kAgainstNormal) != (distance < 0.0)) {
             one = trammel::Reversed(one);

@@ -22,7 +22,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
 /// With a negative distance the outside of the region grows. The caller has to add a frame around
 /// it, which makes the outside a region.
 /// \param region contours without overlaps, which run in any direction.
-double AppendGrown(CPath const& region, double distance, trammel::StrokeJoin join,
+/// \param blur how far these may cross each other where they run beside each other
+double AppendGrown(CPath const& region, double blur, double distance, trammel::StrokeJoin join,
                    double miterLimit, double tolerance, CPath& out);
 
 } // namespace trammel_detail
