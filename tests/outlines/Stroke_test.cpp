@@ -409,6 +409,20 @@ TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
     }
 }
 
+TEST(Offset, GrowsContoursThatTouchAndAreHardlyWiderThanARounding) {
+    // The curve runs along the closing line. The region has two contours, 1e-9 wide, that touch.
+    CPath const region = Path("M-.78939693782564.2614622562853621"
+                              "C.1891308163879639.41123322598521844 -1.1249221644335692"
+                              ".21010760492293953 -.33132792202041805.3315731491409187Z");
+    CPath out;
+    for (double const tolerance : {1e-3, 1e-4, 1e-6}) {
+        Offset(region, FillRule::kEvenOdd, 0.8885, StrokeJoin::kRound, 4.0, tolerance, out);
+        // From the left end of the contours they are 0.8868 and 0.8977 away.
+        EXPECT_EQ(WindingNumber(out, Pt(-1.62344, 0.55252)), 1) << tolerance;
+        EXPECT_EQ(WindingNumber(out, Pt(-1.632, 0.561)), 0) << tolerance;
+    }
+}
+
 TEST(Offset, JoinsTheCornersOfASquare) {
     CPath const square = Path("M0 0 L0 10 L10 10 L10 0 Z"); // in either direction
     for (CPath const& path : {square, trammel::Reversed(square)}) {
