@@ -202,10 +202,10 @@ RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, d
                         double blur) {
     // Where contours run beside each other, points nearer than the blur may be on the wrong side,
     // and farther ones may be beyond the other contour. So segments vote, long ones with more
-    // weight.
+    // weight. Contours that are thinner need nearer points.
     std::size_t const count = contour.EndElement() - contour.FirstElement();
-    double lead = 0.0;
-    for (double const step : {blur, 4.0 * blur, 64.0 * blur}) {
+    double clearest = 0.0;
+    for (double const factor : {1.0, 0x1p2, 0x1p6, 0x1p-3, 0x1p-6, 0x1p-9, 0x1p-12}) {
         double weight = 0.0;
         double balance = 0.0;
         std::size_t number = 0;
@@ -213,20 +213,21 @@ RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, d
             if (number++ % (count / kVotes + 1) != 0) {
                 continue;
             }
-            RegionSide const side = RegionBeside(s, region, step);
+            RegionSide const side = RegionBeside(s, region, factor * blur);
             double const reach = ReachOf(s, size);
             weight += reach;
             balance += side == RegionSide::kAtNormal        ? reach
                        : side == RegionSide::kAgainstNormal ? -reach
                                                             : 0.0;
         }
-        lead += balance;
-        if (std::abs(balance) > 0.5 * weight) {
+        double const clear = weight > 0.0 ? balance / weight : 0.0;
+        clearest = std::abs(clear) > std::abs(clearest) ? clear : clearest;
+        if (std::abs(clearest) > 0.5) {
             break;
         }
     }
-    if (lead != 0.0) {
-        return lead > 0.0 ? RegionSide::kAtNormal : RegionSide::kAgainstNormal;
+    if (clearest != 0.0) {
+        return clearest > 0.0 ? RegionSide::kAtNormal : RegionSide::kAgainstNormal;
     }
     // The least step first: a greater one may reach another contour.
     for (int exponent = kNearestStep; exponent <= kFarthestStep; exponent += kNextStep) {
