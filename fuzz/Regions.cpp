@@ -28,7 +28,7 @@ constexpr double kFinest = 1e-8;
 
 FillRule AnyRule(Input& in) { return in.Flag() ? FillRule::kEvenOdd : FillRule::kNonZero; }
 
-/// Outlines, and what is known of them.
+/// Outlines, each with the judge of its region.
 struct Operands {
     std::vector<CPath> paths;
     std::vector<OutlineJudge> judges;

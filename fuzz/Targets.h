@@ -27,7 +27,7 @@ void Fits(Input& in);
 /// Boolean operations on outlines, and overlaps removed: the points that winding numbers tell, and
 /// the source of each element.
 void Booleans(Input& in);
-/// Unions of outlines, open lines clipped, and arrangements with what is merged of them: the same.
+/// The same of unions of outlines, of clipped open lines, and of faces that an arrangement merges.
 void Unions(Input& in);
 /// Strokes: what sweep, joins and caps cover.
 void Strokes(Input& in);

@@ -196,32 +196,40 @@ double ReachOf(PathSegment const& s, double size) {
     return reach / size;
 }
 
+/// Returns how much of a contour's length has the region beside it at a distance of `step`. It is
+/// 1 where all has it at the normal, and -1 where all has it on the other side. About kVotes
+/// segments tell it, and long ones weigh more.
+double BalanceBeside(Subpath const& contour, PreparedOutline const& region, double size,
+                     double step) {
+    std::size_t const count = contour.EndElement() - contour.FirstElement();
+    double weight = 0.0;
+    double balance = 0.0;
+    std::size_t number = 0;
+    for (PathSegment const& s : contour) {
+        if (number++ % (count / kVotes + 1) != 0) {
+            continue;
+        }
+        RegionSide const side = RegionBeside(s, region, step);
+        double const reach = ReachOf(s, size);
+        weight += reach;
+        balance += side == RegionSide::kAtNormal        ? reach
+                   : side == RegionSide::kAgainstNormal ? -reach
+                                                        : 0.0;
+    }
+    return weight > 0.0 ? balance / weight : 0.0;
+}
+
 /// Returns the side of a contour on which the region lies that all contours bound.
 /// \param blur  how far the contours may cross each other
 RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, double size,
                         double blur) {
     // Where contours run beside each other, points nearer than the blur may be on the wrong side,
-    // and farther ones may be beyond the other contour. So segments vote, long ones with more
-    // weight. Contours that are thinner need nearer points.
-    std::size_t const count = contour.EndElement() - contour.FirstElement();
+    // and farther ones may be beyond the other contour. So most of the length decides. Contours
+    // that are thinner need nearer points.
     double clearest = 0.0;
     for (double const factor : {1.0, 0x1p2, 0x1p6, 0x1p-3, 0x1p-6, 0x1p-9, 0x1p-12}) {
-        double weight = 0.0;
-        double balance = 0.0;
-        std::size_t number = 0;
-        for (PathSegment const& s : contour) {
-            if (number++ % (count / kVotes + 1) != 0) {
-                continue;
-            }
-            RegionSide const side = RegionBeside(s, region, factor * blur);
-            double const reach = ReachOf(s, size);
-            weight += reach;
-            balance += side == RegionSide::kAtNormal        ? reach
-                       : side == RegionSide::kAgainstNormal ? -reach
-                                                            : 0.0;
-        }
-        double const clear = weight > 0.0 ? balance / weight : 0.0;
-        clearest = std::abs(clear) > std::abs(clearest) ? clear : clearest;
+        double const balance = BalanceBeside(contour, region, size, factor * blur);
+        clearest = std::abs(balance) > std::abs(clearest) ? balance : clearest;
         if (std::abs(clearest) > 0.5) {
             break;
         }

@@ -42,8 +42,8 @@ Counts& CountsOfThread() {
     return *tCounts;
 }
 
-/// The largest block: 1 TiB, or what is left of 1 GiB where Size has 32 bits. No sum or product
-/// below overflows.
+/// The largest block has 1 TiB, or 16 bytes less than 1 GiB where Size has 32 bits. No sum or
+/// product below overflows.
 constexpr Size kLargestBlock =
     (Size{1} << (sizeof(Size) == 8 ? 40 : 30)) - (sizeof(Size) == 8 ? 0 : 16);
 

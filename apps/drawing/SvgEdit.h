@@ -55,7 +55,8 @@ public:
     /// Inserts a copy of the element beside it, with the changes that it has by now and its style,
     /// but without its content. If the element has an id, the copy gets a free one.
     /// \param id  what the new id begins with
-    /// \param path  the copy's outline, as of SetPath; empty: that of the element
+    /// \param path  what SetPath makes of the copy; if it is empty, the copy keeps the element's
+    /// outline
     void InsertCopy(std::size_t element, Side side, std::string const& id,
                     std::optional<CPath> const& path, std::vector<Setting> const& settings = {});
 

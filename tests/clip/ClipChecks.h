@@ -14,10 +14,6 @@
 // The address sanitizer keeps memory back, so that tests cannot measure or limit it.
 #if defined(__SANITIZE_ADDRESS__)
 #define TRAMMEL_CLIP_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define TRAMMEL_CLIP_SANITIZED 1
-#endif
 #endif
 
 namespace clip_test {

@@ -167,8 +167,8 @@ Pt PointAbout(Random& random, Box const& bounds);
 /// A fraction: mostly in [0, 1], now and then outside, at the edges or wild.
 double Fraction(Random& random);
 
-/// True when several threads run parts at the same time. The settings of the process then stay as
-/// they are, and the counters are not looked at.
+/// True when several threads run parts at the same time. The parts then leave the settings of
+/// the process alone, and do not look at the counters.
 extern bool gShared;
 
 /// Sets the settings and counters of the cubic to the same in the library and the plain form.
