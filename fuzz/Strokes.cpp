@@ -133,7 +133,8 @@ void Offsets(Input& in) {
     double const most = std::max(distance, 0.0) * reach;
     for (Pt const& p : PointsOf(in, finite, border, std::abs(distance), kept)) {
         double const away = measure.Distance(p);
-        if (std::isfinite(away) && away > slack) {
+        // A contour without area is in no plain outline, but the rounding of windings is beside it.
+        if (std::isfinite(away) && away > slack && !inside.IsNear(p, slack)) {
             double const height = inside.Holds(p, rule) ? -away : away;
             int const winding = border.Winding(p);
             Require(winding == 0 || winding == 1, "an offset region winds once");

@@ -709,10 +709,7 @@ void OutlineArcs::CutAtVertices(std::vector<Piece>& pieces, std::vector<std::siz
 /// True when two curves with the same ends are within some reaches of each other. All of their
 /// parts are, then, or both are straight as far as the reach tells.
 bool OutlineArcs::Coincide(Cubic const& a, Cubic const& b, int depth) const {
-    auto const near = [&](Pt const& p, Pt const& q) {
-        return std::abs(p.h - q.h) <= mReach && std::abs(p.v - q.v) <= mReach;
-    };
-    if (near(a[1], b[1]) && near(a[2], b[2])) {
+    if (Near(a[1], b[1]) && Near(a[2], b[2])) {
         return true;
     }
     if (HeightBesideChord(a) <= mReach && HeightBesideChord(b) <= mReach) {
@@ -771,15 +768,22 @@ void OutlineArcs::TakePieces(std::vector<Piece> const& pieces,
                     break;
                 }
             }
+            bool paced = true;
             if (arc == kNoIndex) {
                 arc = static_cast<Index>(arcs.size());
                 reversed = false;
                 arcs.push_back({piece.c, piece.v0, piece.v1, piece.straight});
                 next.push_back(slot);
                 slot = arc;
+            } else {
+                // A line may be run through at any pace.
+                OutlineArc& a = arcs[arc];
+                a.straight = a.straight && piece.straight;
+                paced = Near(a.c[1], piece.c[reversed ? 2 : 1]) &&
+                        Near(a.c[2], piece.c[reversed ? 1 : 2]);
             }
             same = same && arc == i;
-            uses.push_back({arc, piece.element, piece.from, piece.to, reversed});
+            uses.push_back({arc, piece.element, piece.from, piece.to, reversed, paced});
         }
         contours.push_back(mContours[contour]);
         contours.back().end = uses.size();

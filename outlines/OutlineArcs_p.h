@@ -13,6 +13,7 @@
 #include "TPoint.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -133,7 +134,7 @@ struct OutlineArc {
     Cubic c; ///< of a line the control points are thirds
     Index v0;
     Index v1;
-    bool straight; ///< whether it is a line
+    bool straight; ///< whether it is a line in all of its uses
 };
 
 /// An arc as a part of an element, in the direction of the element.
@@ -143,6 +144,7 @@ struct ArcUse {
     double from; ///< parameters on the element; from < to
     double to;
     bool reversed; ///< whether the arc runs the other way
+    bool paced;    ///< whether equal shares of both parameters are the same place
 };
 
 /// A contour of an operand.
@@ -216,6 +218,9 @@ private:
     std::vector<Cut> CutsWherePiecesPart(std::vector<Piece> const& pieces);
     void Apply(std::vector<Cut>& cuts, std::vector<Piece>& pieces,
                std::vector<std::size_t>& ends) const;
+    bool Near(TPoint<double> const& p, TPoint<double> const& q) const {
+        return std::abs(p.h - q.h) <= mReach && std::abs(p.v - q.v) <= mReach;
+    }
     bool Coincide(Cubic const& a, Cubic const& b, int depth) const;
     void CutAtVertices(std::vector<Piece>& pieces, std::vector<std::size_t>& ends);
     void TakePieces(std::vector<Piece> const& pieces, std::vector<std::size_t> const& ends);

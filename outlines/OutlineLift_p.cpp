@@ -21,6 +21,24 @@ double const kRoundings = 0x1p-40;
 /// Points become one, curves become one, and ends move with them: each by some reach.
 double const kReaches = 4.0;
 
+/// Returns the share of a use's parameters at a point of its arc, which the use may run through at
+/// another pace.
+double PaceAt(OutlineArcs const& arcs, ArcUse const& use, Pt const& p, double otherwise) {
+    OutlineElement const& element = arcs.elements[use.element];
+    WorkFrame const& frame = arcs.Frame();
+    Cubic const c = {frame.ToWork(element.c[0]), frame.ToWork(element.c[1]),
+                     frame.ToWork(element.c[2]), frame.ToWork(element.c[3])};
+    double t = otherwise;
+    if (element.curve) {
+        FindOnMonotone(PartOf(c, use.from, use.to), false, p, kReaches * arcs.Reach(), t);
+    } else {
+        Pt const chord = c[3] - c[0];
+        double const along = Dot(p - c[0], chord) / Square(chord);
+        t = (along - use.from) / (use.to - use.from);
+    }
+    return std::min(std::max(t, 0.0), 1.0);
+}
+
 } // namespace
 
 double WorkDistanceOfLines(WorkFrame const& frame) { return kRoundings + 4.0 * frame.Spacing(); }
@@ -66,7 +84,11 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
             std::size_t const end = parts->End(use.arc);
             auto const parameter = [&](std::size_t k) {
                 double const t = parts->ParameterAt(use.arc, k);
-                double const along = use.reversed ? 1.0 - t : t;
+                double along = use.reversed ? 1.0 - t : t;
+                if (!use.paced && k != begin && k != end) {
+                    Pt const& place = from.vertices.WorkPlace(parts->VertexAt(use.arc, k));
+                    along = PaceAt(from, use, place, along);
+                }
                 return along == 1.0 ? use.to : use.from + (use.to - use.from) * along;
             };
             for (std::size_t n = 0; n < end - begin; ++n) {

@@ -161,6 +161,39 @@ bool FindCrossing(Cubic const& a, Cubic const& b, double& s, double& t) {
     return false;
 }
 
+/// Finds the same for two curves that are nearly straight, where Newton's method fails because one
+/// of them stands still at an end.
+bool FindSlowCrossing(Cubic const& a, Cubic const& b, double& s, double& t) {
+    Pt const chord = b[3] - b[0];
+    // The place of b beside a(s), by how far along its chord both are. Beyond its ends b goes on
+    // along its chord.
+    auto const besideAt = [&](double place) {
+        Pt const p = PlaceAt(a, place).point;
+        if (Dot(p - b[0], chord) <= 0.0 || Dot(p - b[3], chord) >= 0.0) {
+            t = Dot(p - b[0], chord) <= 0.0 ? -1.0 : 2.0;
+            return Cross(chord, p - b[0]);
+        }
+        double low = 0.0;
+        double high = 1.0;
+        for (int i = 0; i < 54; ++i) {
+            t = 0.5 * (low + high);
+            (Dot(PlaceAt(b, t).point - p, chord) < 0.0 ? low : high) = t;
+        }
+        return Cross(chord, p - PlaceAt(b, t).point);
+    };
+    bool const positive = besideAt(0.0) > 0.0;
+    if (positive == (besideAt(1.0) > 0.0)) {
+        return false;
+    }
+    double low = 0.0;
+    double high = 1.0;
+    for (int i = 0; i < 54; ++i) {
+        s = 0.5 * (low + high);
+        ((besideAt(s) > 0.0) == positive ? low : high) = s;
+    }
+    return t >= 0.0 && t <= 1.0;
+}
+
 } // namespace
 
 /// The tests of pairs.
@@ -289,7 +322,14 @@ void CertifiedParts::Work::Test(Pair pair) {
     double const heightA = Height(pair.a);
     double const heightB = Height(pair.b);
     if (heightA <= mFinest && heightB <= mFinest) {
-        AddContact(pair);
+        double s = 0.0;
+        double t = 0.0;
+        if (!startShared && !endShared && TurnOf(Steps(a.c), Steps(b.c), mMargin) != 0 &&
+            FindSlowCrossing(a.c, b.c, s, t)) {
+            AddCrossing(a, b, s, t);
+        } else {
+            AddContact(pair);
+        }
     } else if (heightA >= heightB) {
         HalveFirst(pair);
     } else {

@@ -5,9 +5,10 @@
 //
 //   trammel_outline_cases FILE...
 //
-// A file has a case on each line, as JSON: "name", "op" (union, intersection, difference, xor), and
-// the operands "a" and "b", each with "f" (nonzero, evenodd) and "d" (segments M L Q C Z). Without
-// "b" overlaps are removed. Cases with inverse rules ("inv...") or conics (K) are left out.
+// A file has a case on each line, as JSON: "name", "op" (union, intersection, difference, xor, or
+// reverse for b without a), and the operands "a" and "b", each with "f" (nonzero, evenodd) and "d"
+// (segments M L Q C Z). Without "b" overlaps are removed. Cases with inverse rules ("inv..."),
+// conics (K) or other operations are left out.
 //
 // A result is right when each point of a sample is inside exactly as winding numbers, rules and
 // operation say. Points nearer to the operands' outlines than 1e-6 of the size do not count.
@@ -28,7 +29,9 @@
 #include <cmath>
 #include <cstdio>
 #include <fstream>
+#include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -119,14 +122,25 @@ bool Read(Json const& operand, Operand& out) {
 }
 
 bool Read(Json const& json, Case& out) {
-    std::string const op = json.at("op");
+    static std::map<std::string, TPolyOp> const kOps = {{"union", kPolyUnion},
+                                                        {"intersection", kPolyIntersection},
+                                                        {"xor", kPolyXor},
+                                                        {"difference", kPolyDifference},
+                                                        {"reverse", kPolyDifference}};
+    auto const op = kOps.find(json.at("op"));
+    if (op == kOps.end()) {
+        return false;
+    }
     out.name = json.at("name");
-    out.op = op == "union"          ? kPolyUnion
-             : op == "intersection" ? kPolyIntersection
-             : op == "xor"          ? kPolyXor
-                                    : kPolyDifference;
+    out.op = op->second;
     out.removesOverlap = !json.contains("b") || json.at("b").is_null();
-    return Read(json.at("a"), out.a) && (out.removesOverlap || Read(json.at("b"), out.b));
+    if (!Read(json.at("a"), out.a) || (!out.removesOverlap && !Read(json.at("b"), out.b))) {
+        return false;
+    }
+    if (op->first == "reverse") {
+        std::swap(out.a, out.b);
+    }
+    return true;
 }
 
 double SizeOf(Case const& c) {

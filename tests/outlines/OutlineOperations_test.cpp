@@ -434,6 +434,43 @@ TEST(OutlineOperations, ClipLinesToTheStretchesInsideOrOutside) {
     EXPECT_EQ("", Text(out));
 }
 
+TEST(OutlineOperations, NameTheParametersOfLinesRunThroughAtAnyPace) {
+    // The curve along the axis lies on the line, and is nearly three times as fast at its middle.
+    CPath const uneven = Path("M0 0C1 0 1 0 10 0L10 5L0 5Z");
+    CPath const even = Path("M-2 0L12 0L12 3L5 3L5 -3L-2 -3Z");
+    for (TPolyOp const op : {kPolyUnion, kPolyIntersection, kPolyDifference, kPolyXor}) {
+        for (bool const swapped : {false, true}) {
+            CPath const& a = swapped ? even : uneven;
+            CPath const& b = swapped ? uneven : even;
+            CPath out;
+            std::vector<ElementSource> sources;
+            double const kept = Boolean(op, a, kNonZero, b, kNonZero, 0.0, out, &sources);
+            ExpectSources(out, sources, {a, b}, kept, Text(out));
+            for (std::size_t i = 0; i < sources.size(); ++i) {
+                EXPECT_EQ(out.mCtls[i] == kPathMove, sources[i].operand == ElementSource::kNoSource)
+                    << Text(out) << ' ' << i;
+            }
+        }
+    }
+    // This one runs back along itself.
+    CPath const back = Path("M0 0C0 0 -85 0 0 0");
+    CPath const region = Path("M-9 -1L5 -1L5 1L-9 1Z");
+    CPath out;
+    std::vector<ElementSource> sources;
+    double const kept = trammel::ClipOpen(back, region, kNonZero, true, 0.0, out, &sources);
+    ExpectSources(out, sources, {back}, kept, Text(out));
+    EXPECT_EQ(2, std::count(out.mCtls.begin(), out.mCtls.end(), kPathCurve));
+}
+
+TEST(OutlineOperations, FindWhereACurveIsCrossedBesideAnEndAtWhichItStandsStill) {
+    CPath const lines = Path("M-15 -5C-5 -5 12 1 6 15C20 -7 19 -17 20 -12C-20 -20 -20 -20 -20 -20");
+    for (double const tolerance : {0.4, 0.01, 1e-6, 0.0}) {
+        CPath out;
+        trammel::ClipOpen(lines, CPath(), kNonZero, false, tolerance, out);
+        EXPECT_EQ(Text(lines), Text(out)) << tolerance;
+    }
+}
+
 TEST(OutlineArrangement, DividesThePlaneIntoFacesWithWindingNumbers) {
     std::vector<CPath> const operands = {Path("M0 0C8 1 9 7 3 9C-2 8 -1 3 0 0Z"),
                                          Path("M5 2C11 3 11 9 6 10C1 9 2 4 5 2Z"),
