@@ -39,6 +39,26 @@ double CosineOfCorner(double angle) {
     return angle <= kPi ? std::cos(angle) : -2.0;
 }
 
+/// Returns the points that are finite and differ from the one before: all of them, or a copy.
+std::vector<Pt> const& Distinct(std::vector<Pt> const& points, std::vector<Pt>& copy) {
+    std::size_t first = 0; // that is left out
+    while (first < points.size() && trammel_detail::IsFinite(points[first]) &&
+           (first == 0 || points[first] != points[first - 1])) {
+        ++first;
+    }
+    if (first == points.size()) {
+        return points;
+    }
+    copy.reserve(points.size());
+    copy.assign(points.begin(), points.begin() + static_cast<std::ptrdiff_t>(first));
+    for (std::size_t i = first + 1; i < points.size(); ++i) {
+        if (trammel_detail::IsFinite(points[i]) && (copy.empty() || points[i] != copy.back())) {
+            copy.push_back(points[i]);
+        }
+    }
+    return copy;
+}
+
 /// The pieces for a list of points that are finite and distinct from their predecessors.
 class Fit {
 public:
@@ -46,11 +66,13 @@ public:
         StrokeStart const& start)
         : mScale(trammel_detail::RangeScale(points)) {
         StrokePoints stroke;
-        stroke.at.reserve(points.size());
-        stroke.length.reserve(points.size());
-        for (Pt const& p : points) {
-            stroke.Add(p * mScale);
+        stroke.at = points;
+        if (mScale != 1.0) {
+            for (Pt& p : stroke.at) {
+                p *= mScale;
+            }
         }
+        stroke.Measure();
         StrokeStart const scaled = {start.goesOn, start.point * mScale, start.direction};
         FitStroke(
             stroke,
@@ -79,7 +101,10 @@ public:
         }
         for (std::size_t i = 0; i < count; ++i) {
             FittedPiece const& piece = mPieces[i];
-            if (piece.isLine) {
+            bool const isClose = closes && i + 1 == count;
+            if (piece.isLine && isClose) {
+                // the close draws it
+            } else if (piece.isLine) {
                 to.Line(piece.points[3]);
             } else {
                 to.Curve(piece.points[1], piece.points[2], piece.points[3]);
@@ -100,13 +125,8 @@ private:
 } // namespace
 
 double FitCurves(std::vector<Pt> const& points, double tolerance, double cornerAngle, CPath& out) {
-    std::vector<Pt> kept;
-    kept.reserve(points.size());
-    for (Pt const& p : points) {
-        if (trammel_detail::IsFinite(p) && (kept.empty() || p != kept.back())) {
-            kept.push_back(p);
-        }
-    }
+    std::vector<Pt> copy;
+    std::vector<Pt> const& kept = Distinct(points, copy);
     if (kept.empty()) {
         return 0.0;
     }

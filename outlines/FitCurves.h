@@ -11,7 +11,7 @@
 //   proven by itself with bounds on its second derivative; nothing is sampled. d is at most the
 //   tolerance, whatever the points are, and the functions return it.
 // - It begins at the first point and ends at the last one, bit for bit. If both are equal, the
-//   subpath is closed.
+//   subpath is closed, and a line at its end is the one that the close draws.
 // - Corners stay: the fit passes through them bit for bit. A corner is a point where the stroke
 //   turns by the corner angle or more, between the directions to the points before and behind it
 //   that are six tolerances away. Of corners closer together than that, the sharpest one counts. Of
@@ -30,7 +30,7 @@
 // power of two, with its tolerance, has the same fit scaled, as long as no number leaves the range
 // of normal doubles.
 //
-// Cost: O(n), about 0.1 µs a point for handwriting. Memory: some 70 bytes a point, and the fit.
+// Cost: O(n), less than 0.1 µs a point for handwriting. Memory: some 70 bytes a point, and the fit.
 // Without memory the functions throw std::bad_alloc. They share no state: all are safe from any
 // thread, each on its own objects.
 //

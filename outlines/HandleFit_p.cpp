@@ -17,8 +17,10 @@ constexpr double kEven = 1.0 / 3.0;
 constexpr double kLongest = 4.0;
 /// Flat arcs with handles of a third are double roots, to which each step goes half of the way.
 constexpr int kMostSteps = 24;
+/// After these, two steps shorten a step to its half, or there is no solution near by.
+constexpr int kFreeSteps = 6;
 /// Newton's method has arrived: the lengths are right beyond what a fit can tell.
-constexpr double kArrived = 1e-7;
+constexpr double kArrived = 1e-5;
 /// A step is at most so long, so that a first step from far off does not leave the range.
 constexpr double kLongestStep = 0.5;
 
@@ -110,6 +112,8 @@ bool HandleFit::Next(HandleLengths& lengths) {
 bool HandleFit::Solve(HandleLengths start, HandleLengths& lengths) const {
     double x = start.start;
     double y = start.end;
+    double earlier = HUGE_VAL; // the steps before
+    double before = HUGE_VAL;
     for (int i = 0; i < kMostSteps; ++i) {
         // The integrals of the cubic, as polynomials of both lengths, and their derivatives
         double const k = 9.0 / 280.0 * mCross;
@@ -131,6 +135,11 @@ bool HandleFit::Solve(HandleLengths start, HandleLengths& lengths) const {
         if (!std::isfinite(longest)) {
             return false;
         }
+        if (i >= kFreeSteps && longest > 0.5 * earlier) {
+            return false;
+        }
+        earlier = before;
+        before = longest;
         if (longest > kLongestStep) {
             stepX *= kLongestStep / longest;
             stepY *= kLongestStep / longest;

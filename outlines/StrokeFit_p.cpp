@@ -16,12 +16,18 @@ typedef TPoint<double> Pt;
 
 /// The first guess of a run's length in points.
 constexpr std::size_t kFirstGuess = 64;
+/// The second guess differs from the first one by one part of so many.
+constexpr std::size_t kFirstStep = 4;
 /// A run may grow by so much on the word of a few points.
 constexpr std::size_t kUnproven = 4;
 /// Runs are as long as they can be within a part of so many.
 constexpr std::size_t kFineness = 8;
+/// A run of so many points is a long one.
+constexpr std::size_t kLong = 1024;
 /// A joint is smoothed over that part of the run before it, to both sides.
 constexpr std::size_t kSmoothing = 4;
+/// After so many failing proofs the place of the failure tells how much shorter a run has to be.
+constexpr int kMostNearFailures = 3;
 /// A piece is made again so many times where the next one finds no curve.
 constexpr int kMostRetries = 4;
 /// A joint may be so many tolerances away from its point.
@@ -64,7 +70,7 @@ public:
             bool const again = most < mTo;
             most = mTo;
             retries = again ? retries : 0;
-            mGuess = std::max<std::size_t>(piece.to - joint.at, 4);
+            mGuess = std::max<std::size_t>({piece.to - joint.at, mGuess / 2, 4});
             before = joint;
             joint = {piece.to, piece.points[3], piece.direction};
             mOut.push_back(piece);
@@ -146,7 +152,11 @@ private:
         if (IsFree(start)) {
             std::size_t const reach = std::max<std::size_t>(length / kSmoothing, 3) * 2;
             std::size_t const high = std::min(mAt + reach, mTo);
-            start = CourseAt(mStroke, mAt, Signed(mAt), Signed(high), true).direction;
+            if (high != mFreeUpTo) {
+                mFreeUpTo = high;
+                mFree = CourseAt(mStroke, mAt, Signed(mAt), Signed(high), true).direction;
+            }
+            start = mFree;
         }
         Pt const chord = end.point - mPoint;
         if (IsFree(start) || IsFree(end.direction) || chord.Null()) {
@@ -175,8 +185,14 @@ private:
         return match.fits;
     }
 
+    /// By so much the longest run may be longer than the one found. Another attempt costs less than
+    /// the points of a long run.
+    static std::size_t Uncertain(std::size_t length) {
+        std::size_t const part = length < kLong ? kFineness : kFineness * kFineness;
+        return std::max<std::size_t>(length / part, 1);
+    }
     static std::size_t Shorter(std::size_t length) {
-        return length - std::max<std::size_t>(length / 4, 1);
+        return length - std::max<std::size_t>(length / kFineness, 1);
     }
 
     /// The piece that begins at the joint and ends at `last` at the latest.
@@ -184,6 +200,7 @@ private:
         mAt = joint.at;
         mPoint = joint.point;
         mDirection = joint.direction;
+        mFreeUpTo = 0;
         mFans.assign(1, FanMoments());
         std::size_t const most = last - mAt;
         std::size_t length = std::min(mGuess, most);
@@ -193,9 +210,11 @@ private:
         std::size_t reached = 0;
         FittedPiece piece;
         FittedPiece found;
-        // This tries longer runs as long as they match, up to a few times the proven length. Then
-        // it tries shorter ones.
-        while (length > 1 && below + std::max<std::size_t>(below / kFineness, 1) < above) {
+        // Runs are about as long as the one before, so the first steps are small. This tries longer
+        // runs as long as they match, up to a few times the proven length. Then it tries shorter
+        // ones.
+        std::size_t step = std::max<std::size_t>(length / kFirstStep, 1);
+        while (length > 1 && below + Uncertain(below) < above) {
             if (Seek(length, piece)) {
                 if (length > kUnproven * proven) {
                     if (!Prove(piece, reached)) {
@@ -209,25 +228,32 @@ private:
                 above = length;
             }
             if (above > most) {
-                length = std::min(2 * length, most);
-                if (length == below) {
+                if (length == most) {
                     break;
                 }
+                length = std::min(length + step, most);
+            } else if (below == 0) {
+                length = length > step ? length - step : length / 2;
             } else {
-                length = below == 0 ? above / 2 : (below + above) / 2;
+                length = (below + above) / 2;
             }
+            step = std::min(2 * step, length);
         }
         if (below > 0 && Prove(found, reached)) {
             return found;
         }
         // A point between those tried is too far away. Shorter runs now prove themselves.
-        length = below == 0 ? 0 : std::min(Shorter(below), 2 * reached);
-        while (length > 1) {
-            bool const seems = Seek(length, piece);
-            if (seems && Prove(piece, reached)) {
+        length = below == 0 ? 0 : Shorter(below);
+        for (int failures = 1; length > 1; length = Shorter(length)) {
+            if (!Seek(length, piece)) {
+                continue;
+            }
+            if (Prove(piece, reached)) {
                 return piece;
             }
-            length = seems ? std::min(Shorter(length), 2 * reached) : Shorter(length);
+            if (++failures > kMostNearFailures) {
+                length = std::min(length, 2 * reached);
+            }
         }
         // A line, be it one of the stroke itself, which always fits
         FittedPiece line;
@@ -255,6 +281,8 @@ private:
     std::size_t mAt = 0; ///< the joint where the piece begins
     Pt mPoint;
     Pt mDirection;
+    std::size_t mFreeUpTo = 0; ///< the points up to this one gave...
+    Pt mFree;                  ///< ... the direction at the joint, where it is free
 };
 
 } // namespace

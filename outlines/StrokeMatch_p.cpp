@@ -2,6 +2,8 @@
 
 #include "StrokeMatch_p.h"
 
+#include <array>
+
 namespace trammel_detail {
 
 namespace {
@@ -91,13 +93,16 @@ RunMatch MatchRun(StrokePoints const& stroke, std::size_t from, std::size_t to, 
 
 bool SeemsToMatch(StrokePoints const& stroke, std::size_t from, std::size_t to, Cubic const& cubic,
                   double tolerance) {
-    constexpr std::size_t kSamples = 8;
+    // The distance is greatest near the ends, or between them and the middle.
+    constexpr std::size_t kSamples = 16;
+    constexpr std::array<unsigned char, 8> kOrder = {15, 1, 5, 11, 8, 3, 13, 7};
     Pt const anchor = stroke.at[from];
     PowerCubic const c(cubic, anchor);
     double const begin = stroke.length[from];
     double const scale = 1.0 / (stroke.length[to] - begin);
     double const limit = tolerance * tolerance;
-    for (std::size_t k = 1; k < kSamples; ++k) {
+    double const enough = tolerance * 0.25;
+    for (std::size_t const k : kOrder) {
         std::size_t const i = from + (to - from) * k / kSamples;
         Pt const q = stroke.at[i] - anchor;
         double t = (stroke.length[i] - begin) * scale;
@@ -108,6 +113,9 @@ bool SeemsToMatch(StrokePoints const& stroke, std::size_t from, std::size_t to, 
             double const moved = Dot(off, first) / Square(first);
             t = std::min(std::max(t + moved, 0.0), 1.0);
             square = Square(off - first * moved);
+            if (c.bend * moved * moved < enough) {
+                break;
+            }
         }
         if (!(square <= limit)) {
             return false;

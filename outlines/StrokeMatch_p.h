@@ -21,6 +21,13 @@ struct StrokePoints {
     std::vector<TPoint<double>> at;
     std::vector<double> length;
 
+    /// Finds the lengths for the points.
+    void Measure() {
+        length.resize(at.size());
+        for (std::size_t i = 1; i < at.size(); ++i) {
+            length[i] = length[i - 1] + std::sqrt(Square(at[i] - at[i - 1]));
+        }
+    }
     void Add(TPoint<double> const& p) {
         length.push_back(at.empty() ? 0.0 : length.back() + std::sqrt(Square(p - at.back())));
         at.push_back(p);

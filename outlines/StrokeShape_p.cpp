@@ -31,15 +31,24 @@ class ReducedStroke {
 public:
     ReducedStroke(StrokePoints const& stroke, double step, double reach, bool closed)
         : mStroke(stroke), mReach(reach), mClosed(closed) {
-        mKept.push_back(0);
-        for (std::size_t i = 1; i < stroke.at.size(); ++i) {
-            if (Square(stroke.at[i] - stroke.at[mKept.back()]) >= step * step) {
-                mKept.push_back(i);
+        std::size_t const count = stroke.at.size();
+        mKept.resize(count);
+        mKept[0] = 0;
+        std::size_t kept = 1;
+        Pt last = stroke.at[0];
+        for (std::size_t i = 1; i < count; ++i) {
+            if (Square(stroke.at[i] - last) >= step * step) {
+                mKept[kept++] = i;
+                last = stroke.at[i];
             }
         }
-        if (closed && mKept.size() > 2 && mKept.back() != stroke.at.size() - 1) {
-            mKept.back() = stroke.at.size() - 1;
+        mKept.resize(kept);
+        if (closed && kept > 2) {
+            mKept.back() = count - 1;
         }
+        // The lengths are sums, each term of which may be off by its rounding.
+        mWithin =
+            reach * (1.0 - 0x1p-20) - stroke.length.back() * static_cast<double>(count) * 0x1p-51;
     }
     std::size_t Count() const { return mKept.size(); }
     std::size_t Original(std::size_t k) const { return mKept[k]; }
@@ -48,10 +57,39 @@ public:
     /// The direction from the point toward the first point behind it that is out of reach, or
     /// before it; as long as their distance.
     Pt Away(std::size_t k, bool forward) const {
+        std::size_t none = k;
+        return forward ? Ahead(k, none) : Behind(k, none);
+    }
+    /// The same for points k that only grow: `last` remembers up to where points are within reach,
+    /// because the stroke up to them is shorter.
+    Pt Ahead(std::size_t k, std::size_t& last) const {
+        last = std::max(last, k);
+        double const most = LengthAt(k) + mWithin;
+        std::size_t const highest = std::min(k + kMostCornerSteps, mKept.size() - 1);
+        while (last < highest && LengthAt(last + 1) < most) {
+            ++last;
+        }
+        return Search(k, last, last - k, true);
+    }
+    Pt Behind(std::size_t k, std::size_t& first) const {
+        double const least = LengthAt(k) - mWithin;
+        std::size_t const lowest = k > kMostCornerSteps ? k - kMostCornerSteps : 0;
+        first = std::max(first, lowest);
+        while (first < k && LengthAt(first) <= least) {
+            ++first;
+        }
+        return Search(k, first, k - first, false);
+    }
+
+private:
+    /// The length of the stroke up to the point.
+    double LengthAt(std::size_t k) const { return mStroke.length[mKept[k]]; }
+
+    /// Looks for the first point out of reach from `j` on, which is `steps` away from `k`.
+    Pt Search(std::size_t k, std::size_t j, std::size_t steps, bool forward) const {
         Pt const p = At(k);
-        std::size_t j = k;
-        Pt away;
-        for (std::size_t n = 0; n < kMostCornerSteps; ++n) {
+        Pt away = At(j) - p;
+        for (; steps < kMostCornerSteps; ++steps) {
             if (j == (forward ? mKept.size() - 1 : 0)) {
                 if (!mClosed) {
                     break;
@@ -67,9 +105,9 @@ public:
         return away;
     }
 
-private:
     StrokePoints const& mStroke;
     double mReach;
+    double mWithin; ///< a stroke of less length than that stays within reach
     bool mClosed;
     std::vector<std::size_t> mKept;
 };
@@ -121,9 +159,11 @@ std::vector<std::size_t> FindCorners(StrokePoints const& stroke, double toleranc
     double const limit = cosine * std::abs(cosine) + 0x1p-50;
     turnsAtStart =
         closed && SquareOfCosine(-reduced.Away(0, false), reduced.Away(0, true)) <= limit;
+    std::size_t first = 0;
+    std::size_t end = 0;
     for (std::size_t k = 1; k + 1 < reduced.Count(); ++k) {
-        Pt const in = -reduced.Away(k, false);
-        Pt const out = reduced.Away(k, true);
+        Pt const in = -reduced.Behind(k, first);
+        Pt const out = reduced.Ahead(k, end);
         double const turn = SquareOfCosine(in, out);
         if (!(turn <= limit)) {
             continue;
@@ -225,56 +265,53 @@ Course CourseAt(StrokePoints const& stroke, std::size_t i, std::ptrdiff_t low, s
     Pt const p = stroke.at[i];
     double const total = stroke.length.back();
     double const at = stroke.length[i];
-    auto const place = [&](std::ptrdiff_t k, double& length) {
-        double shift = 0.0;
-        if (k < 0) {
-            k += count - 1;
-            shift = -total;
-        } else if (k >= count) {
-            k -= count - 1;
-            shift = total;
-        }
-        auto const number = static_cast<std::size_t>(k);
-        length = stroke.length[number] + shift - at;
-        return stroke.at[number] - p;
+    auto const lengthTo = [&](std::ptrdiff_t k) {
+        double const shift = k < 0 ? -total : k >= count ? total : 0.0;
+        std::ptrdiff_t const number = k < 0 ? k + count - 1 : k >= count ? k - count + 1 : k;
+        return stroke.length[static_cast<std::size_t>(number)] + shift - at;
     };
-    double lowLength = 0.0;
-    double highLength = 0.0;
-    place(low, lowLength);
-    place(high, highLength);
-    double const unit = std::max(-lowLength, highLength);
-    double const scale = 1.0 / unit;
+    double const scale = 1.0 / std::max(-lengthTo(low), lengthTo(high));
 
-    std::array<double, 7> power{};
+    Pt lowPowers;
+    Pt middlePowers;
+    Pt highPowers;
     std::array<Pt, kSize> sum{};
-    int points = 0;
-    auto const add = [&](std::ptrdiff_t k) {
-        double s = 0.0;
-        Pt const q = place(k, s);
-        s *= scale;
-        double const s2 = s * s;
-        double const s3 = s2 * s;
-        power[1] += s;
-        power[2] += s2;
-        power[3] += s3;
-        power[4] += s2 * s2;
-        power[5] += s2 * s3;
-        power[6] += s3 * s3;
-        sum[0] += q;
-        sum[1] += q * s;
-        sum[2] += q * s2;
-        sum[3] += q * s3;
-        ++points;
-    };
-    add(here);
+    int points = 1; // the one here adds nothing else
     for (int side = 0; side < 2; ++side) {
         std::ptrdiff_t const far = (side == 0 ? low : high) - here;
         std::ptrdiff_t const many = std::min(far < 0 ? -far : far, kSide);
         for (std::ptrdiff_t k = 1; k <= many; ++k) {
-            add(here + far * k / many);
+            std::ptrdiff_t number = here + (many == kSide ? far * k / kSide : far < 0 ? -k : k);
+            double shift = -at;
+            if (number < 0) {
+                number += count - 1;
+                shift = -total - at;
+            } else if (number >= count) {
+                number -= count - 1;
+                shift = total - at;
+            }
+            Pt const q = stroke.at[static_cast<std::size_t>(number)] - p;
+            double const s = (stroke.length[static_cast<std::size_t>(number)] + shift) * scale;
+            double const s2 = s * s;
+            Pt const odd(s, s2); // powers in pairs, which processors take at once
+            Pt const middle = odd * s2;
+            lowPowers += odd;
+            middlePowers += middle;
+            highPowers += middle * s2;
+            sum[0] += q;
+            sum[1] += q * s;
+            sum[2] += q * s2;
+            sum[3] += q * middle.h;
         }
+        points += static_cast<int>(many);
     }
-    power[0] = points;
+    std::array<double, 7> const power = {static_cast<double>(points),
+                                         lowPowers.h,
+                                         lowPowers.v,
+                                         middlePowers.h,
+                                         middlePowers.v,
+                                         highPowers.h,
+                                         highPowers.v};
     std::size_t const lowest = through ? 1 : 0;
     std::size_t const highest = points >= 7 ? 3 : points >= 5 ? 2 : 1;
     std::size_t const size = highest - lowest + 1;

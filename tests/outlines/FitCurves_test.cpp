@@ -227,7 +227,7 @@ TEST(FitCurves, MakesStraightRunsLines) {
     Pts const square = {Pt(0, 0), Pt(100, 0), Pt(100, 100), Pt(0, 100), Pt(0, 0)};
     CPath fit;
     FitCurves(Sides(square, 500), 0.5, 1.0, fit);
-    EXPECT_EQ(fit.mPts, square);
+    EXPECT_EQ(fit.mPts, Pts(square.begin(), square.end() - 1)); // the close draws the last side
     EXPECT_EQ(fit.mCtls.back(), kPathClose);
     // Two sides with half circles between them
     Pts const stadium = Sampled(5000, [](double t) {
