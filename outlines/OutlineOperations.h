@@ -25,8 +25,14 @@
 //   d without crossing at an angle.
 // - Where a contour of an operand survives it keeps its start, and contours keep the order of the
 //   operands. An outer contour with its holes runs in the direction of most of its sources.
+// - Where outlines come no closer to each other than d, except by crossing at an angle, the
+//   contours are the true ones.
+// - A drawing that is moved or turned has the same result, moved or turned, to the rounding of its
+//   coordinates. Outlines that run beside each other nearer than d are an exception.
+// - The bits are the same on every machine.
 //
-// Exact topology is not promised: details smaller than d may vanish.
+// docs/outlines.md names the test of each sentence. Exact topology is not promised: details smaller
+// than d may vanish.
 //
 // Cost: in practice O(n log n + k) for n elements and k places where they meet. Union() leaves out
 // most places that lie inside of many outlines. Outlines that are nearly the same take more, up to

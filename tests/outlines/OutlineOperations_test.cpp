@@ -6,19 +6,19 @@
 #include "CMatrix3x3.h"
 #include "Intersections.h"
 #include "Moments.h"
+#include "OutlineCases.h"
 #include "OutlineJudge.h"
 #include "OutlineLaws.h"
 #include "PathStructure.h"
+#include "SourceJudge.h"
 #include "SvgPath.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
 #include <limits>
 #include <random>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -29,9 +29,12 @@ using trammel::ElementSource;
 using trammel::FillRule;
 using trammel::RemoveOverlap;
 using trammel_test::OutlineJudge;
+using trammel_test::PointAt;
+using trammel_test::SizeOf;
 using trammel_test::Wants;
 
 typedef TPoint<double> Pt;
+typedef trammel_test::OutlineCase Case;
 
 FillRule const kNonZero = FillRule::kNonZero;
 FillRule const kEvenOdd = FillRule::kEvenOdd;
@@ -43,58 +46,6 @@ CPath Path(std::string const& text) {
 }
 
 std::string Text(CPath const& path) { return trammel::WriteSvgPath(path); }
-
-/// A case of the file: two operands and an operation.
-struct Case {
-    std::string name;
-    TPolyOp op = kPolyUnion;
-    CPath a;
-    CPath b;
-    FillRule ruleA = kNonZero;
-    FillRule ruleB = kNonZero;
-};
-
-std::vector<Case> ReadCases() {
-    std::ifstream file(TRAMMEL_TEST_DATA_DIR "/outline_cases.txt");
-    std::vector<Case> cases;
-    std::string line;
-    std::getline(file, line); // the comment
-    while (std::getline(file, line)) {
-        Case c;
-        std::istringstream head(line);
-        std::string op;
-        head >> c.name >> op;
-        c.op = op == "union"          ? kPolyUnion
-               : op == "intersection" ? kPolyIntersection
-               : op == "xor"          ? kPolyXor
-                                      : kPolyDifference;
-        std::getline(file, line);
-        c.ruleA = line.substr(0, line.find(' ')) == "evenodd" ? kEvenOdd : kNonZero;
-        c.ruleB = line.substr(line.find(' ') + 1) == "evenodd" ? kEvenOdd : kNonZero;
-        std::getline(file, line);
-        c.a = Path(line);
-        std::getline(file, line);
-        c.b = Path(line);
-        cases.push_back(c);
-    }
-    return cases;
-}
-
-double SizeOf(CPath const& a, CPath const& b) {
-    CPath both = a;
-    for (Pt const& p : b.mPts) {
-        both.AddPt(p);
-    }
-    double low[2] = {both.mPts[0].h, both.mPts[0].v};
-    double high[2] = {low[0], low[1]};
-    for (Pt const& p : both.mPts) {
-        low[0] = std::min(low[0], p.h);
-        high[0] = std::max(high[0], p.h);
-        low[1] = std::min(low[1], p.v);
-        high[1] = std::max(high[1], p.v);
-    }
-    return std::max(high[0] - low[0], high[1] - low[1]);
-}
 
 /// Expects that the region of a case is right at points farther than 1e-6 of the size, and than the
 /// distance kept, from the operands.
@@ -112,7 +63,7 @@ void ExpectRight(Case const& c, double tolerance = 0.0) {
 }
 
 TEST(OutlineOperations, KeepThePointsThatWindingNumbersRulesAndOperationTell) {
-    std::vector<Case> const cases = ReadCases();
+    std::vector<Case> const cases = trammel_test::ReadOutlineCases();
     ASSERT_EQ(230u, cases.size());
     for (Case const& c : cases) {
         ExpectRight(c);
@@ -123,7 +74,7 @@ TEST(OutlineOperations, KeepThePointsThatWindingNumbersRulesAndOperationTell) {
 std::size_t const kStep = 6;
 
 TEST(OutlineOperations, KeepThePointsOfTurnedAndMovedOutlines) {
-    std::vector<Case> cases = ReadCases();
+    std::vector<Case> cases = trammel_test::ReadOutlineCases();
     for (std::size_t i = 0; i < cases.size(); i += kStep) {
         Case c = cases[i];
         double const angle = 0.3 + static_cast<double>(i);
@@ -131,10 +82,9 @@ TEST(OutlineOperations, KeepThePointsOfTurnedAndMovedOutlines) {
         double const scale = i % 4 == 2 ? 1e-280 : i % 4 == 3 ? 1e280 : 1.0;
         for (CPath* const path : {&c.a, &c.b}) {
             for (Pt& p : path->mPts) {
-                p = Pt((p.h * std::cos(angle) - p.v * std::sin(angle)) * scale + move,
-                       (p.h * std::sin(angle) + p.v * std::cos(angle)) * scale - move);
+                p *= scale;
             }
-            path->InvalBounds();
+            trammel_test::TurnAndMove(*path, angle, Pt(move, -move));
         }
         ExpectRight(c);
         std::swap(c.a, c.b);
@@ -143,78 +93,11 @@ TEST(OutlineOperations, KeepThePointsOfTurnedAndMovedOutlines) {
     }
 }
 
-TEST(OutlineOperations, MakeContoursThatCloseToTheLastBitAndDoNotCross) {
-    std::vector<Case> const cases = ReadCases();
-    for (std::size_t i = 1; i < cases.size(); i += kStep) {
-        Case const& c = cases[i];
-        CPath out;
-        Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out);
-        for (trammel::Subpath const& subpath : trammel::Subpaths(out)) {
-            EXPECT_TRUE(subpath.Closed()) << c.name;
-            Pt last = subpath.Start();
-            for (trammel::PathSegment const& s : subpath) {
-                EXPECT_TRUE(s.start == last) << c.name;
-                last = s.end;
-            }
-            EXPECT_TRUE(last == subpath.Start()) << c.name;
-        }
-        double const size = SizeOf(c.a, c.b);
-        for (trammel::Intersection const& x : trammel::SelfIntersections(out, 1e-11 * size)) {
-            EXPECT_FALSE(x.kind == trammel::IntersectionKind::kCrossing && x.crosses) << c.name;
-        }
-    }
-}
-
-/// Returns the point of a segment.
-Pt At(trammel::PathSegment const& s, double t) {
-    double const u = 1.0 - t;
-    return s.IsCurve() ? s.start * (u * u * u) + s.control1 * (3.0 * u * u * t) +
-                             s.control2 * (3.0 * u * t * t) + s.end * (t * t * t)
-                       : s.start + (s.end - s.start) * t;
-}
-
 /// Expects that the elements of a result are their sources, or parts of them whose ends are moved
 /// by no more than `kept`, or lines.
 void ExpectSources(CPath const& out, std::vector<ElementSource> const& sources,
                    std::vector<CPath> const& operands, double kept, std::string const& name) {
-    ASSERT_EQ(out.mCtls.size(), sources.size());
-    std::vector<std::vector<trammel::PathSegment>> segments;
-    for (CPath const& operand : operands) {
-        segments.emplace_back();
-        for (trammel::PathSegment const& s : trammel::Segments(operand)) {
-            segments.back().push_back(s);
-        }
-    }
-    for (trammel::PathSegment const& s : trammel::Segments(out)) {
-        ElementSource const& source = sources[s.element];
-        if (source.operand == ElementSource::kNoSource) {
-            EXPECT_FALSE(s.IsCurve()) << name;
-            continue;
-        }
-        ASSERT_LT(source.operand, segments.size());
-        ASSERT_LT(source.element, segments[source.operand].size());
-        trammel::PathSegment const& whole = segments[source.operand][source.element];
-        EXPECT_EQ(whole.IsCurve(), s.IsCurve());
-        if (source.from == 0.0 && source.to == 1.0 && s.start == whole.start &&
-            s.end == whole.end) {
-            EXPECT_TRUE(s.control1 == whole.control1 && s.control2 == whole.control2);
-        }
-        for (double const t : {0.0, 0.25, 0.5, 1.0}) {
-            Pt const off = At(s, t) - At(whole, source.from + (source.to - source.from) * t);
-            EXPECT_LE(off.Length(), kept) << name;
-        }
-    }
-}
-
-TEST(OutlineOperations, TakeElementsFromOperandsOrPutLinesWhereOutlinesTouch) {
-    std::vector<Case> const cases = ReadCases();
-    for (std::size_t i = 2; i < cases.size(); i += kStep) {
-        Case const& c = cases[i];
-        CPath out;
-        std::vector<ElementSource> sources;
-        double const kept = Boolean(c.op, c.a, c.ruleA, c.b, c.ruleB, 0.0, out, &sources);
-        ExpectSources(out, sources, {c.a, c.b}, kept, c.name);
-    }
+    EXPECT_EQ("", trammel_test::SourceJudge(operands).Wrong(out, sources, kept)) << name;
 }
 
 /// Returns a drawing of overlapping outlines, some of which have loops, and copies of them. Those
@@ -289,7 +172,7 @@ TEST(OutlineOperations, UniteManyOverlappingOutlinesByEitherRule) {
 }
 
 TEST(OutlineOperations, ObeyTheLawsOfSetsWithinTheSumOfTheDistances) {
-    std::vector<Case> const cases = ReadCases();
+    std::vector<Case> const cases = trammel_test::ReadOutlineCases();
     for (std::size_t i = 3; i < cases.size(); i += 4 * kStep) {
         Case const& c = cases[i];
         double const size = SizeOf(c.a, c.b);
@@ -411,14 +294,14 @@ TEST(OutlineOperations, ClipLinesToTheStretchesInsideOrOutside) {
         for (trammel::PathSegment const& s : trammel::Segments(lines)) {
             for (int i = 0; i < 200 && s.start != s.end; ++i) {
                 double const t = (i + 0.5) / 200;
-                if (judge.IsNear(At(s, t), 1e-3)) {
+                if (judge.IsNear(PointAt(s, t), 1e-3)) {
                     continue;
                 }
                 int const holders = static_cast<int>(
                     std::count_if(sources.begin(), sources.end(), [&](ElementSource const& e) {
                         return e.operand == 0 && e.element == number && e.from <= t && t <= e.to;
                     }));
-                EXPECT_EQ(judge.Holds(At(s, t), kNonZero) == inside ? 1 : 0, holders)
+                EXPECT_EQ(judge.Holds(PointAt(s, t), kNonZero) == inside ? 1 : 0, holders)
                     << number << ' ' << t;
             }
             ++number;
