@@ -3,9 +3,9 @@
 #include "GeometryText.h"
 
 #include "PathCursor.h"
+#include "Text_p.h"
 
 #include <array>
-#include <charconv>
 #include <cstddef>
 #include <initializer_list>
 
@@ -13,15 +13,12 @@ namespace trammel {
 
 namespace {
 
-/// More than the shortest text of a double: sign, 17 digits, point and exponent.
-constexpr std::size_t kLongestNumber = 32;
-
-template <class Number> void Append(std::string& text, Number number) {
-    std::array<char, kLongestNumber> digits;
-    std::to_chars_result const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number);
-    text.append(digits.data(), end.ptr);
+void Append(std::string& text, double number) {
+    std::array<char, trammel_detail::kNumeralRoom> digits;
+    text.append(digits.data(), trammel_detail::WriteShortest(digits.data(), number));
 }
+
+void Append(std::string& text, short number) { text += std::to_string(number); }
 
 template <class T> void Append(std::string& text, TPoint<T> const& p) {
     text += '(';

@@ -4,6 +4,7 @@
 
 #include "Int128_p.h"
 #include "SvgPathGrammar_p.h"
+#include "Text_p.h"
 
 #include <algorithm>
 #include <array>
@@ -88,10 +89,8 @@ SvgNumeral Respelled(std::string_view scientific) {
 /// Writes "-d.ddde-xx" into `buffer`: with the fewest digits that read as `value`, or with the
 /// given number of digits after the point.
 template <class... Digits>
-std::string_view Scientific(char (&buffer)[40], double value, Digits... digits) {
-    char* const end = std::to_chars(buffer, buffer + sizeof buffer, value,
-                                    std::chars_format::scientific, digits...)
-                          .ptr;
+std::string_view Scientific(char (&buffer)[kNumeralRoom], double value, Digits... digits) {
+    char* const end = WriteScientific(buffer, value, digits...);
     return std::string_view(buffer, static_cast<std::size_t>(end - buffer));
 }
 
@@ -101,18 +100,16 @@ std::string_view Scientific(char (&buffer)[40], double value, Digits... digits) 
 /// of `to`. With each further digit the nearest decimal comes no farther from the interval's
 /// middle, so halving finds the least number of digits.
 SvgNumeral RelativeByHalving(double from, double to, double difference) {
-    char text[40];
+    char text[kNumeralRoom];
     std::string_view best = Scientific(text, difference);
     int lowest = 1;
     int highest =
         static_cast<int>(std::count_if(best.begin(), best.begin() + best.find('e'), IsDigit));
-    char trial[40];
+    char trial[kNumeralRoom];
     while (lowest < highest) {
         int const middle = (lowest + highest) / 2;
         std::string_view const rounded = Scientific(trial, difference, middle - 1);
-        double read = 0.0;
-        std::from_chars(rounded.data(), rounded.data() + rounded.size(), read);
-        if (Same(from + read, to)) {
+        if (Same(from + ReadNumeral(rounded), to)) {
             highest = middle;
             best = std::string_view(text, rounded.copy(text, sizeof text));
         } else {
@@ -501,7 +498,7 @@ SvgNumeral AbsoluteNumeral(double value, int& guess) {
     if (FindFewestDigits(0.0, value, value, guess, numeral)) {
         return numeral;
     }
-    char buffer[40];
+    char buffer[kNumeralRoom];
     return Respelled(Scientific(buffer, value));
 }
 

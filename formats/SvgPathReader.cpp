@@ -7,19 +7,17 @@
 #include "PointMath_p.h"
 #include "SvgPathError_p.h"
 #include "SvgPathGrammar_p.h"
+#include "Text_p.h"
 #include "UTrigonometry.h"
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <utility>
 
 namespace trammel {
@@ -71,35 +69,6 @@ int ArgumentCount(char command) {
     default:
         return -1;
     }
-}
-
-/// True when a number without sign that is too great or too small for a double is too small.
-bool IsTiny(std::string_view number) {
-    std::size_t const mantissa = std::min(number.find_first_of("eE"), number.size());
-    std::size_t const point = std::min(number.substr(0, mantissa).find('.'), mantissa);
-    std::size_t const first = number.find_first_of("123456789");
-    if (first >= mantissa) {
-        return true;
-    }
-    // The decimal exponent of the first digit, without the written exponent.
-    std::int64_t exponent =
-        static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first) - (first < point);
-    if (mantissa < number.size()) {
-        std::string_view written = number.substr(mantissa + 1);
-        bool const negative = written[0] == '-';
-        if (!IsDigit(written[0])) {
-            written.remove_prefix(1);
-        }
-        std::int64_t value = 0;
-        if (std::from_chars(written.data(), written.data() + written.size(), value).ec !=
-            std::errc()) {
-            return negative;
-        }
-        // The sum stays within 64 bits: no text is that long, and the value is cut.
-        value = std::min<std::int64_t>(value, std::numeric_limits<std::int64_t>::max() / 2);
-        exponent += negative ? -value : value;
-    }
-    return exponent < 0;
 }
 
 /// Reads one text into a path, from left to right.
@@ -188,12 +157,8 @@ private:
             }
         }
         std::string_view const token = mText.substr(unsignedBegin, mPos - unsignedBegin);
-        number = 0.0;
-        std::errc const code =
-            std::from_chars(token.data(), token.data() + token.size(), number).ec;
-        if (code == std::errc::result_out_of_range && IsTiny(token)) {
-            number = 0.0;
-        } else if (code != std::errc() || !std::isfinite(number)) {
+        number = trammel_detail::ReadNumeral(token);
+        if (!std::isfinite(number)) {
             return FailRange(begin, "a number in the range of double");
         }
         if (mText[begin] == '-') {

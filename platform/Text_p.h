@@ -7,8 +7,10 @@
 
 #include "TrammelExport.h"
 
+#include <cstddef>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 
 namespace trammel_detail {
 
@@ -26,6 +28,22 @@ TRAMMEL_API std::string FormatFixed6List(std::initializer_list<double> values);
 
 /// Returns the values in decimal, in braces: "{1, -2}"; "{}" for none.
 TRAMMEL_API std::string FormatIntegerList(std::initializer_list<int> values);
+
+/// Room for a numeral of the functions below.
+inline constexpr std::size_t kNumeralRoom = 40;
+
+/// Writes a finite value as "-d.ddde-xx" with that many decimals (0 to 17), or with the fewest
+/// digits that read as the value. Returns the end.
+char* WriteScientific(char* to, double value, int decimals);
+char* WriteScientific(char* to, double value);
+
+/// Writes the value with the fewest digits that read as it, plain or scientific, whichever is
+/// shorter. Returns the end.
+char* WriteShortest(char* to, double value);
+
+/// Returns the double nearest to a numeral of digits with or without sign '-', point and exponent:
+/// infinity where it is too great, and 0 where it is too small. May throw std::bad_alloc.
+double ReadNumeral(std::string_view numeral);
 
 } // namespace trammel_detail
 
