@@ -9,8 +9,9 @@ namespace trammel_detail {
 
 namespace {
 
-/// What taking the turn costs. A thread earns 1 with each call.
-constexpr int kPrice = 64;
+/// What taking the turn costs. A thread earns 1 with each call. The lines of the turn and of the
+/// counters then move to another processor's cache, which takes the time of some 20 short calls.
+constexpr int kPrice = 512;
 constexpr int kMostSavings = 16 * kPrice;
 
 /// The thread whose turn it is, by the address of its savings. It is alone in its cache line, as

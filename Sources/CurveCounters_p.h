@@ -21,7 +21,7 @@ inline constexpr std::size_t kCounterLine = 64;
 /// True when it is this thread's turn to count. To be asked once for each call of the library that
 /// generates points.
 ///
-/// A thread keeps its turn until another one takes it. Taking it costs what 64 calls
+/// A thread keeps its turn until another one takes it. Taking it costs what 512 calls
 /// earn, and a thread begins with what 16 turns cost. So threads that work one after the other
 /// count every call as long as they change turns seldom.
 bool TakesTurnToCount() noexcept;

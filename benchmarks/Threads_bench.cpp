@@ -2,7 +2,8 @@
 
 // How much more work do two threads do than one? Each thread goes through all inputs, and
 // `items_per_second` counts those of all threads. Two threads on two cores that do nothing else do
-// twice the work where nothing is shared.
+// twice the work where nothing is shared. How far the machine lets them, ThreadsArithmetic tells:
+// its threads share nothing, and neither allocate nor read memory.
 //
 // Run by hand: trammel_bench --benchmark_filter=Threads --benchmark_enable_random_interleaving
 // --benchmark_repetitions=9
@@ -16,6 +17,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -51,6 +53,17 @@ void AskAll(benchmark::State& state, Items const& items, Ask const& ask) {
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(items.size()));
 }
 
+void ThreadsArithmetic(benchmark::State& state) {
+    std::array<double, 64> const items{};
+    AskAll(state, items, [](double item) {
+        for (int i = 0; i < 16; ++i) {
+            item = std::sqrt(item * item + 2.0);
+        }
+        return item;
+    });
+}
+BENCHMARK(ThreadsArithmetic)->ThreadRange(1, 2)->UseRealTime();
+
 void ThreadsLength(benchmark::State& state, inputs::Set set) {
     AskAll(state, inputs::Curves(set), [](CBezier const& curve) { return curve.Length(); });
 }
@@ -70,6 +83,13 @@ BENCHMARK_CAPTURE(ThreadsFlatten, random, inputs::Set::kRandom)->ThreadRange(1, 
 BENCHMARK_CAPTURE(ThreadsFlatten, truetype, inputs::Set::kTrueType)
     ->ThreadRange(1, 2)
     ->UseRealTime();
+
+/// Curves of few points, each of which asks whose turn it is to count.
+void ThreadsHitTest(benchmark::State& state) {
+    AskAll(state, inputs::Curves(inputs::Set::kTrueType),
+           [](CBezier const& curve) { return curve.HitTest(curve.P3, 1.0); });
+}
+BENCHMARK(ThreadsHitTest)->ThreadRange(1, 2)->UseRealTime();
 
 void ThreadsPathLength(benchmark::State& state) {
     AskAll(state, inputs::Outlines(inputs::Set::kTrueType),
