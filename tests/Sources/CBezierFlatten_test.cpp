@@ -301,7 +301,7 @@ TEST_F(Bezier, ExceptionOfACallbackPassesThroughAndIsNotCounted) {
     EXPECT_EQ(Generated(kArch, false, 4).size(), 7U); // nothing stays behind
 }
 
-TEST_F(Bezier, LargestDepthDoesNotExhaustTheStack) {
+TEST_F(Bezier, LargestDepthIsReachedAndCounted) {
     CBezier::mMaxError = -1.0; // never flat: the first point is 32,766 levels down
     for (int left : {1, 2, 40, 100000}) {
         gCount = 0;
@@ -312,6 +312,45 @@ TEST_F(Bezier, LargestDepthDoesNotExhaustTheStack) {
         // point is preceded by at least one more.
         EXPECT_GE(gCount, 32767 + left - 1);
     }
+}
+
+/// Generates with a negative tolerance up to the first point and after the chosen ones, and with an
+/// infinite one else.
+struct SomeChains {
+    Points points;
+    std::vector<std::size_t> chosen; ///< numbers of points, from 1 on
+    double* error;
+    static void Deliver(Pt const& p, void* self) {
+        SomeChains& chains = *static_cast<SomeChains*>(self);
+        chains.points.push_back(p);
+        bool const deep =
+            std::count(chains.chosen.begin(), chains.chosen.end(), chains.points.size()) > 0;
+        *chains.error = deep ? -1.0 : kInf;
+    }
+};
+
+TEST_F(Bezier, WalkThatIsDeepAgainAndAgainComesBackInOrder) {
+    Random random(31);
+    for (int const depth : {32, 33, 34, 48, 49, 50, 80, 500, 5000}) {
+        for (int round = 0; round < 20; ++round) {
+            auto const far = [&] { return random.Uniform(-1e300, 1e300); };
+            CBezier const c(Pt(far(), far()), Pt(far(), far()), Pt(far(), far()), Pt(0, 0));
+            SomeChains ours = {{}, {}, &CBezier::mMaxError};
+            for (int i = 0; i < round; ++i) {
+                ours.chosen.push_back(static_cast<std::size_t>(random.Uniform(1.0, 3.0 * depth)));
+            }
+            CBezier::mMaxError = -1.0;
+            c.GenerateSegment(SomeChains::Deliver, &ours, round % 2 == 0,
+                              static_cast<short>(depth));
+            plain::state.maxError = -1.0;
+            SomeChains plainly = {{}, ours.chosen, &plain::state.maxError};
+            Plain(c).GenerateSegment([&](Pt const& p) { SomeChains::Deliver(p, &plainly); },
+                                     round % 2 == 0, depth);
+            ASSERT_PRED_FORMAT2(SamePoints, ours.points, plainly.points) << depth << ' ' << round;
+            ASSERT_GE(ours.points.size(), static_cast<std::size_t>(depth - 1));
+        }
+    }
+    plain::state.maxError = 1.0;
 }
 
 /// A curve whose left half is the curve itself, bit for bit, and whose right half is a point. Its

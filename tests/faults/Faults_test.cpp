@@ -374,6 +374,33 @@ TEST_F(Faults, EveryFunctionFitsIntoAStackOf64KB) {
     }
 }
 
+TEST_F(Faults, WalkToTheGreatestDepthFitsIntoAStackOf64KB) {
+    // Never flat up to the first point, which is 32,766 levels down, and flat from there on.
+    auto const walk = [](Arguments& a) {
+        auto const count = [](TPoint<double> const&, void* data) {
+            ++*static_cast<int*>(data);
+            CBezier::mMaxError = 1e300;
+            CBSpline::mMaxError = 1e300;
+        };
+        int points = 0;
+        CBezier::mMaxError = -1.0;
+        a.curve.GenerateSegment(count, &points, false, 32767);
+        int ofSpline = 0;
+        CBSpline::mMaxError = -1.0;
+        CBSpline(a.curve.P0, a.curve.P1, a.curve.P3).GenerateSegment(count, &ofSpline, 32767);
+        a.Returned(points, ofSpline);
+    };
+    double const before = CBezier::mMaxError;
+    double const beforeOfSpline = CBSpline::mMaxError;
+    Arguments first(ArgumentKind::kSmall);
+    walk(first);
+    Arguments second(ArgumentKind::kSmall);
+    EXPECT_LE(StackOf(walk, second), std::size_t{64} << 10U);
+    EXPECT_EQ(second.returned.Value(), first.returned.Value());
+    CBezier::mMaxError = before;
+    CBSpline::mMaxError = beforeOfSpline;
+}
+
 #endif
 
 } // namespace
