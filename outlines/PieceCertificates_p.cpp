@@ -390,7 +390,7 @@ bool CertifiedParts::Work::AnyWithSameEnds() const {
             Index const end = mParts.VertexAt(i, k + 1);
             std::uint64_t const ends =
                 std::uint64_t{std::min(start, end)} << 32U | std::max(start, end);
-            std::size_t slot = ends * 0x9E3779B97F4A7C15U >> 24U & (size - 1);
+            auto slot = static_cast<std::size_t>(ends * 0x9E3779B97F4A7C15U >> 24U) & (size - 1);
             for (; slots[slot] != none; slot = (slot + 1) & (size - 1)) {
                 if (slots[slot] == ends) {
                     return true;
