@@ -18,10 +18,14 @@
 
 namespace trammel_test {
 
-/// All contours of all countries of a map in TopoJSON, which lies in the folder that the
-/// environment variable TRAMMEL_MAP_DATA names, or else where script/setup puts maps. None if the
-/// map is missing.
-inline std::vector<std::vector<TPoint<double>>> CountriesOf(std::string const& name) {
+struct Country {
+    std::string id; ///< three digits, ISO 3166-1; empty where there is none
+    std::vector<std::vector<TPoint<double>>> contours;
+};
+
+/// All countries of a map in TopoJSON, which lies in the folder that the environment variable
+/// TRAMMEL_MAP_DATA names, or else where script/setup puts maps. None if the map is missing.
+inline std::vector<Country> EachCountryOf(std::string const& name) {
     typedef std::vector<TPoint<double>> Ring;
     char const* const variable = std::getenv("TRAMMEL_MAP_DATA");
     std::ifstream file((variable != nullptr ? variable : TRAMMEL_TEST_MAPS) + ("/" + name));
@@ -43,8 +47,9 @@ inline std::vector<std::vector<TPoint<double>>> CountriesOf(std::string const& n
                                      v * scale.at(1).get<double>() + origin.at(1).get<double>());
         }
     }
-    std::vector<Ring> contours;
+    std::vector<Country> countries;
     auto const add = [&](nlohmann::json const& ring) {
+        std::vector<Ring>& contours = countries.back().contours;
         contours.emplace_back();
         for (auto const& number : ring) {
             int const i = number.get<int>(); // ~i is arc i backward
@@ -57,6 +62,7 @@ inline std::vector<std::vector<TPoint<double>>> CountriesOf(std::string const& n
     };
     for (auto const& country : map.at("objects").at("countries").at("geometries")) {
         std::string const type = country.value("type", "");
+        countries.push_back({country.value("id", ""), {}});
         for (auto const& part : country.value("arcs", nlohmann::json::array())) {
             if (type == "Polygon") {
                 add(part);
@@ -64,6 +70,15 @@ inline std::vector<std::vector<TPoint<double>>> CountriesOf(std::string const& n
                 std::for_each(part.begin(), part.end(), add);
             }
         }
+    }
+    return countries;
+}
+
+/// All contours of all countries.
+inline std::vector<std::vector<TPoint<double>>> CountriesOf(std::string const& name) {
+    std::vector<std::vector<TPoint<double>>> contours;
+    for (Country const& country : EachCountryOf(name)) {
+        contours.insert(contours.end(), country.contours.begin(), country.contours.end());
     }
     return contours;
 }

@@ -8,7 +8,8 @@
 // - Fonts: each glyph united, cut and subtracted with the next one, which lies half over it, and
 //   with itself embolded by Offset().
 // - Icons: the paths of each icon without overlaps, and all of them united.
-// - Maps: all countries united, and a letter of curves cut out of each.
+// - Maps: all countries united, and those of each continent. A word in the letters of the first
+//   font is cut out of every eighth ring, or else a letter of curves.
 //
 // A region is right when the points of a sample are inside exactly as winding numbers tell
 // (OutlineJudge.h). Areas by Green's theorem have to obey |A or B| + |A and B| = |A| + |B| within
@@ -39,6 +40,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <regex>
 #include <string>
 #include <vector>
@@ -269,56 +271,169 @@ void JudgeIcons(std::string const& folder, std::vector<Tally>& tallies) {
     tallies.push_back(all);
 }
 
-void JudgeMap(std::string const& name, std::vector<Tally>& tallies) {
-    Tally united{name + ", all countries"};
-    Tally cut{name + ", a letter cut out"};
-    std::vector<CPath> countries;
+/// A word as the contours of its letters, from 0 on, or an O where there is no font.
+CPath Word(FT_Face face, std::string const& text) {
+    CPath word;
+    double along = 0.0;
+    for (char const letter : face != nullptr ? text : std::string()) {
+        FT_UInt const index = FT_Get_Char_Index(face, static_cast<FT_ULong>(letter));
+        trammel::AppendSubpaths(word, Glyph(face, index, along).path);
+        along += static_cast<double>(face->glyph->metrics.horiAdvance);
+    }
+    for (double const r : {face == nullptr ? 5.0 : 0.0, 3.0}) {
+        double const k = 0.55 * r;
+        if (face == nullptr) {
+            word.MoveTo(Pt(r, 0)).CurveTo(Pt(r, k), Pt(k, r), Pt(0, r));
+            word.CurveTo(Pt(-k, r), Pt(-r, k), Pt(-r, 0))
+                .CurveTo(Pt(-r, -k), Pt(-k, -r), Pt(0, -r));
+            word.CurveTo(Pt(k, -r), Pt(r, -k), Pt(r, 0)).ClosePath();
+        }
+    }
+    return word;
+}
+
+/// Moves and scales a path to the middle of another one, half as wide.
+CPath Fitted(CPath path, CPath const& into) {
+    auto const middle = [](CPath const& of) {
+        return Pt(of.Bounds().left + of.Bounds().right, of.Bounds().top + of.Bounds().bottom) * 0.5;
+    };
+    double const scale = 0.5 * SizeOf(into, CPath()) / SizeOf(path, CPath());
+    Pt const from = middle(path);
+    Pt const to = middle(into);
+    for (Pt& p : path.mPts) {
+        p = to + (p - from) * scale;
+    }
+    path.InvalBounds();
+    return path;
+}
+
+/// Returns the continent of a country by its number, as the United Nations divide them. The last
+/// one has what is on none of the others.
+std::size_t ContinentOf(std::string const& id) {
+    static char const* const kContinents[] = {
+        // Africa
+        "012 024 072 108 120 132 140 148 174 178 180 204 226 231 232 262 266 270 288 324 384 404 "
+        "426 430 434 450 454 466 478 480 504 508 516 562 566 624 646 654 678 686 690 694 706 710 "
+        "716 728 729 732 748 768 788 800 818 834 854 894",
+        // the Americas
+        "028 032 044 052 060 068 076 084 092 124 136 152 170 188 192 212 214 218 222 238 304 308 "
+        "320 328 332 340 388 484 500 531 533 534 558 591 600 604 630 652 659 660 662 663 666 670 "
+        "740 780 796 840 850 858 862",
+        // Asia
+        "004 031 048 050 051 064 096 104 116 144 156 158 196 268 275 344 356 360 364 368 376 392 "
+        "398 400 408 410 414 417 418 422 446 458 462 496 512 524 586 608 626 634 682 702 704 760 "
+        "762 764 784 792 795 860 887",
+        // Europe
+        "008 020 040 056 070 100 112 191 203 208 233 234 246 248 250 276 300 336 348 352 372 380 "
+        "428 438 440 442 470 492 498 499 528 578 616 620 642 643 674 688 703 705 724 752 756 804 "
+        "807 826 831 832 833"};
+    std::size_t i = 0;
+    while (i < std::size(kContinents) &&
+           (id.empty() || std::string(kContinents[i]).find(id) == std::string::npos)) {
+        ++i;
+    }
+    return i;
+}
+
+/// Unites outlines, and judges the points beside some of them. The area must be that of all, less
+/// what they have in common. Returns the number of contours.
+std::size_t JudgeUnion(std::vector<CPath> const& outlines, Tally& tally) {
     std::vector<OutlineJudge> judges;
     CPath together;
     double sum = 0.0;
-    for (std::vector<Pt> const& ring : trammel_test::CountriesOf(name)) {
-        CPath country;
-        for (Pt const& p : ring) {
-            country.mPts.empty() ? country.MoveTo(p) : country.LineTo(p);
-        }
-        country.ClosePath();
-        countries.push_back(country);
-        judges.emplace_back(country);
-        sum += AreaOf(country);
-        trammel::AppendSubpaths(together, country);
-        // An O over the middle of each, half as wide.
-        double const r = 0.25 * SizeOf(country, CPath());
-        Pt const c = Pt(country.Bounds().left + country.Bounds().right,
-                        country.Bounds().top + country.Bounds().bottom) *
-                     0.5;
-        CPath letter;
-        for (double const s : {r, 0.6 * r}) {
-            double const k = 0.55 * s;
-            letter.MoveTo(c + Pt(s, 0)).CurveTo(c + Pt(s, k), c + Pt(k, s), c + Pt(0, s));
-            letter.CurveTo(c + Pt(-k, s), c + Pt(-s, k), c + Pt(-s, 0));
-            letter.CurveTo(c + Pt(-s, -k), c + Pt(-k, -s), c + Pt(0, -s));
-            letter.CurveTo(c + Pt(k, -s), c + Pt(s, -k), c + Pt(s, 0)).ClosePath();
-        }
-        Combine(country, letter, "ring " + std::to_string(countries.size()), cut);
-    }
-    if (countries.empty()) {
-        std::printf("%s: left out, as it is missing\n", name.c_str());
-        return;
+    for (CPath const& outline : outlines) {
+        judges.emplace_back(outline);
+        sum += AreaOf(outline);
+        trammel::AppendSubpaths(together, outline);
     }
     CPath out;
     double kept = 0.0;
     {
-        Clock const clock(united);
-        kept = trammel::Union(countries, kNonZero, 0.0, out);
+        Clock const clock(tally);
+        kept = trammel::Union(outlines, FillRule::kEvenOdd, 0.0, out);
     }
     double const size = SizeOf(together, CPath());
-    Judge({OutlineJudge(together)}, out, kept, size, "", united, [&](Pt const& p) {
-        return std::any_of(judges.begin(), judges.end(),
-                           [&](OutlineJudge const& j) { return j.Holds(p, kNonZero); });
-    });
-    std::printf("%s: %zu rings with an area of %.6f in all become %zu contours with %.6f\n",
-                name.c_str(), countries.size(), sum, trammel::SplitSubpaths(out).size(),
-                AreaOf(out));
+    OutlineJudge const all(together);
+    OutlineJudge const result(out);
+    ++tally.asked;
+    tally.worst = std::max(tally.worst, kept / size);
+    std::mt19937 random(1);
+    int wrong = 0;
+    for (std::size_t i = 0; i < judges.size(); i += judges.size() / 100 + 1) {
+        int number = 0;
+        judges[i].ForBeside(random, 1, 1e-5 * size, [&](Pt const& p) {
+            if (++number % 8 != 0 || all.IsNear(p, std::max(kept, kDelta * size))) {
+                return;
+            }
+            bool const in = std::any_of(judges.begin(), judges.end(), [&](OutlineJudge const& j) {
+                return j.Holds(p, FillRule::kEvenOdd);
+            });
+            wrong += in != result.Holds(p, kNonZero) || in != result.Holds(p, FillRule::kEvenOdd);
+        });
+    }
+    if (wrong != 0) {
+        ++tally.wrong;
+        std::printf("wrong: %s at %d points\n", tally.name.c_str(), wrong);
+    }
+    // Countries of a map overlap by slivers, and where they lie across the date line.
+    double common = 0.0;
+    for (std::size_t i = 0; i < outlines.size(); ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            auto const a = outlines[i].Bounds();
+            auto const b = outlines[k].Bounds();
+            if (a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom) {
+                CPath in;
+                trammel::Boolean(kPolyIntersection, outlines[i], FillRule::kEvenOdd, outlines[k],
+                                 FillRule::kEvenOdd, 0.0, in);
+                common += AreaOf(in);
+            }
+        }
+    }
+    double const area = AreaOf(out);
+    double const slack = (4.0 * kept + 1e-9 * size) * trammel::ArcLength(together, size);
+    if (!(area <= sum + slack) || !(area >= sum - common - slack)) {
+        ++tally.wrongAreas;
+        std::printf("areas: %s %.9f, not from %.9f to %.9f\n", tally.name.c_str(), area,
+                    sum - common, sum);
+    }
+    return trammel::SplitSubpaths(out).size();
+}
+
+void JudgeMap(std::string const& name, FT_Face face, std::vector<Tally>& tallies) {
+    Tally continents{name + ", continents"};
+    Tally united{name + ", all countries"};
+    Tally cut{name + ", a word cut out"};
+    CPath const word = Word(face, "Trammel");
+    std::vector<CPath> all;
+    std::vector<std::vector<CPath>> byContinent(5);
+    std::size_t rings = 0;
+    for (trammel_test::Country const& country : trammel_test::EachCountryOf(name)) {
+        CPath outline;
+        for (std::vector<Pt> const& contour : country.contours) {
+            CPath ring;
+            for (Pt const& p : contour) {
+                ring.mPts.empty() ? ring.MoveTo(p) : ring.LineTo(p);
+            }
+            ring.ClosePath();
+            trammel::AppendSubpaths(outline, ring);
+            if (++rings % 8 == 1) { // the judge takes long
+                Combine(ring, Fitted(word, ring), "ring " + std::to_string(rings), cut);
+            }
+        }
+        all.push_back(outline);
+        byContinent[ContinentOf(country.id)].push_back(outline);
+    }
+    if (all.empty()) {
+        std::printf("%s: left out, as it is missing\n", name.c_str());
+        return;
+    }
+    std::size_t contours = 0;
+    for (std::vector<CPath> const& countries : byContinent) {
+        contours += JudgeUnion(countries, continents);
+    }
+    std::printf("%s: %zu rings become continents with %zu contours, and %zu when all are united\n",
+                name.c_str(), rings, contours, JudgeUnion(all, united));
+    tallies.push_back(continents);
     tallies.push_back(united);
     tallies.push_back(cut);
 }
@@ -331,6 +446,7 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::vector<Tally> tallies;
+    FT_Face face = nullptr; // for letters on maps
     std::string kind;
     int glyphs = 1 << 20; // of each font
     for (int i = 1; i < argc; ++i) {
@@ -339,12 +455,15 @@ int main(int argc, char** argv) {
             kind = argument;
         } else if (kind == "--fonts") {
             JudgeFont(library, argument, glyphs, tallies);
+            if (face == nullptr) {
+                FT_New_Face(library, argument.c_str(), 0, &face);
+            }
         } else if (kind == "--glyphs") {
             glyphs = std::max(std::atoi(argv[i]), 1);
         } else if (kind == "--icons") {
             JudgeIcons(argument, tallies);
         } else if (kind == "--maps") {
-            JudgeMap(argument, tallies);
+            JudgeMap(argument, face, tallies);
         } else {
             std::fprintf(stderr, "%s: of what kind?\n", argv[i]);
             return 2;
