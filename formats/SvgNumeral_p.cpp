@@ -21,10 +21,23 @@ namespace trammel_detail {
 
 namespace {
 
+/// Copies at most 24 characters, eight at a time: up to eight behind the last one are read and
+/// written, too. Returns the end of the copy.
+char* CopyEights(char const* from, int count, char* to) {
+    std::memcpy(to, from, 8);
+    if (count > 8) {
+        std::memcpy(to + 8, from + 8, 8);
+        if (count > 16) {
+            std::memcpy(to + 16, from + 16, 8);
+        }
+    }
+    return to + count;
+}
+
 /// Spells the number of `count` digits, the last of which counts 10^exponent, without superfluous
-/// zeros, point, sign or exponent.
-SvgNumeral Spelled(bool negative, char const* digits, int count, int exponent) {
-    SvgNumeral out;
+/// zeros, point, sign or exponent. There are at most 17 digits, and eight more characters may be
+/// read behind them.
+void Spell(bool negative, char const* digits, int count, int exponent, SvgNumeral& out) {
     char* end = out.text;
     if (negative) {
         *end++ = '-';
@@ -44,29 +57,31 @@ SvgNumeral Spelled(bool negative, char const* digits, int count, int exponent) {
     if (plainLength <= count + 1 + exponentLength) {
         // From the first digit, or the point in front of it, to the last digit or the unit.
         int const whole = std::min(std::max(point, 0), count);
-        end = std::copy_n(digits, whole, end);
-        end = std::fill_n(end, std::max(exponent, 0), '0');
+        end = CopyEights(digits, whole, end);
         out.fraction = exponent < 0;
         if (out.fraction) {
             *end++ = '.';
-            end = std::fill_n(end, std::max(-point, 0), '0');
-            end = std::copy_n(digits + whole, count - whole, end);
+            if (point < 0) {
+                end = std::fill_n(end, -point, '0');
+            }
+            end = CopyEights(digits + whole, count - whole, end);
+        } else if (exponent > 0) {
+            end = std::fill_n(end, exponent, '0');
         }
     } else {
-        end = std::copy_n(digits, count, end);
+        end = CopyEights(digits, count, end);
         *end++ = 'e';
         end = std::to_chars(end, out.text + sizeof out.text, exponent).ptr;
         out.fraction = true;
     }
     out.length = static_cast<std::size_t>(end - out.text);
-    return out;
 }
 
 // ------------------------------------------------------------------------------------------------
 // Any number, by the standard library
 
 /// Spells "-d.ddde-xx".
-SvgNumeral Respelled(std::string_view scientific) {
+void Respell(std::string_view scientific, SvgNumeral& out) {
     bool const negative = scientific[0] == '-';
     if (negative) {
         scientific.remove_prefix(1);
@@ -76,14 +91,14 @@ SvgNumeral Respelled(std::string_view scientific) {
     std::size_t const exponentBegin = e + (scientific[e + 1] == '+' ? 2 : 1);
     std::from_chars(scientific.data() + exponentBegin, scientific.data() + scientific.size(),
                     exponent);
-    char digits[24];
+    char digits[32] = {};
     int count = 0;
     for (char const c : scientific.substr(0, e)) {
         if (c != '.') {
             digits[count++] = c;
         }
     }
-    return Spelled(negative, digits, count, exponent - (count - 1));
+    Spell(negative, digits, count, exponent - (count - 1), out);
 }
 
 /// Writes "-d.ddde-xx" into `buffer`: with the fewest digits that read as `value`, or with the
@@ -94,12 +109,12 @@ std::string_view Scientific(char (&buffer)[kNumeralRoom], double value, Digits..
     return std::string_view(buffer, static_cast<std::size_t>(end - buffer));
 }
 
-/// Returns the numeral that FindRelativeNumeral asks for.
+/// Finds the numeral that FindRelativeNumeral asks for.
 ///
 /// The numbers that give `to` fill an interval around the difference; it is as wide as the rounding
 /// of `to`. With each further digit the nearest decimal comes no farther from the interval's
 /// middle, so halving finds the least number of digits.
-SvgNumeral RelativeByHalving(double from, double to, double difference) {
+void RelativeByHalving(double from, double to, double difference, SvgNumeral& numeral) {
     char text[kNumeralRoom];
     std::string_view best = Scientific(text, difference);
     int lowest = 1;
@@ -116,7 +131,7 @@ SvgNumeral RelativeByHalving(double from, double to, double difference) {
             lowest = middle + 1;
         }
     }
-    return Respelled(best);
+    Respell(best, numeral);
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -178,19 +193,24 @@ public:
         std::uint64_t const five = kPowersOfFive[static_cast<std::size_t>(decimals)];
         int const shift = mShift - decimals; // from 1 to 81
         Wide const product = Wide{mSignificand} * five;
-        Wide const whole = product >> shift;
+        // 64 bits in front of the point, and as many behind it.
+        Wide const fixed = shift <= 64 ? product << (64 - shift) : product >> (shift - 64);
+        auto const whole = static_cast<std::uint64_t>(fixed >> 64);
+        auto const rest = static_cast<std::uint64_t>(fixed);
         if (whole == 0) {
             return false;
         }
-        Wide const one = Wide{1} << shift;
-        Wide const rest = product & (one - 1);
-        bool const up = rest + rest > one || (rest + rest == one && (whole & 1) != 0);
-        mDigits = static_cast<std::uint64_t>(whole) + (up ? 1 : 0);
-        // 62 bits of the rest suffice.
-        int const drop = std::max(shift - 62, 0);
-        auto const part = static_cast<std::int64_t>((up ? one - rest : rest) >> drop);
-        mOff = static_cast<double>(part) * PowerOfTwo(drop) / static_cast<double>(five);
-        mOff = up ? mOff : -mOff;
+        constexpr std::uint64_t half = std::uint64_t{1} << 63;
+        bool up = rest >= half;
+        // As a number with a sign it is what rounding took away.
+        auto part = static_cast<double>(static_cast<std::int64_t>(rest));
+        if (rest == half) {
+            bool const more = shift > 64 && (product & ((Wide{1} << (shift - 64)) - 1)) != 0;
+            up = more || (whole & 1) != 0;
+            part = up ? -0x1p63 : 0x1p63;
+        }
+        mDigits = whole + (up ? 1 : 0);
+        mOff = -part * PowerOfTwo(shift - 64) / static_cast<double>(five);
         return true;
     }
     /// Returns the digits of the rounded number, without the point.
@@ -278,7 +298,7 @@ void DropZeros(std::uint64_t& digits, int& decimals) {
         int zeros;
         std::uint64_t power;
     };
-    constexpr std::array<Step, 4> kSteps = {Step{8, 100000000}, Step{4, 10000}, Step{2, 100},
+    static constexpr std::array<Step, 4> kSteps = {Step{8, 100000000}, Step{4, 10000}, Step{2, 100},
                                             Step{1, 10}};
     if (digits % 10 != 0) {
         return;
@@ -331,7 +351,13 @@ std::optional<Decimal> FindShort(double from, double to, double difference, int 
         return std::nullopt;
     }
     double const power = kTens[static_cast<std::size_t>(decimals)];
-    double const digits = (std::abs(difference) * power + 0x1p52) - 0x1p52; // the nearest integer
+    double const product = std::abs(difference) * power;
+    double const digits = (product + 0x1p52) - 0x1p52; // the nearest integer
+    // A decimal that gives `to` is at most a unit in the last place of `to` away. With the rounding
+    // of quotient and product that makes an eighth.
+    if (!(std::abs(product - digits) <= 0.125)) {
+        return std::nullopt;
+    }
     // Both are integers below 2^53 or powers of ten, so the quotient is the double that is read.
     double const read = std::copysign(digits / power, difference);
     if (!Same(from + read, to)) {
@@ -479,27 +505,30 @@ bool FindFewestDigits(double from, double to, double difference, int& guess, Svg
             guess = best->decimals;
         }
     }
-    char text[24];
-    char* const end = text + sizeof text;
+    char text[32];
+    char* const end = text + 24;
+    std::memset(end, 0, 8);
     char const* const begin = DigitsBefore(end, best->digits);
-    numeral = Spelled(difference < 0.0, begin, static_cast<int>(end - begin), -best->decimals);
+    Spell(difference < 0.0, begin, static_cast<int>(end - begin), -best->decimals, numeral);
     return true;
 }
 
-SvgNumeral Zero(bool negative) { return Spelled(negative, "0", 1, 0); }
+void SpellZero(bool negative, SvgNumeral& numeral) {
+    constexpr char digits[16] = {'0'};
+    Spell(negative, digits, 1, 0, numeral);
+}
 
 } // namespace
 
 SvgNumeral AbsoluteNumeral(double value, int& guess) {
     SvgNumeral numeral;
     if (value == 0.0) {
-        return Zero(std::signbit(value));
+        SpellZero(std::signbit(value), numeral);
+    } else if (!FindFewestDigits(0.0, value, value, guess, numeral)) {
+        char buffer[kNumeralRoom];
+        Respell(Scientific(buffer, value), numeral);
     }
-    if (FindFewestDigits(0.0, value, value, guess, numeral)) {
-        return numeral;
-    }
-    char buffer[kNumeralRoom];
-    return Respelled(Scientific(buffer, value));
+    return numeral;
 }
 
 bool FindRelativeNumeral(double from, double to, int& guess, SvgNumeral& numeral) {
@@ -508,9 +537,9 @@ bool FindRelativeNumeral(double from, double to, int& guess, SvgNumeral& numeral
         return false;
     }
     if (difference == 0.0) {
-        numeral = Zero(std::signbit(difference));
+        SpellZero(std::signbit(difference), numeral);
     } else if (!FindFewestDigits(from, to, difference, guess, numeral)) {
-        numeral = RelativeByHalving(from, to, difference);
+        RelativeByHalving(from, to, difference, numeral);
     }
     return true;
 }
