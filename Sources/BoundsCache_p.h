@@ -68,7 +68,7 @@ public:
         bool const whole = before % 2 == 0 && changes.load(std::memory_order_relaxed) == before;
         return whole ? state : LoadLocked(mBounds, mValid);
     }
-    /// Stores the state, unless it is there already.
+    /// Stores the state, unless it is there already. Of the bounds, the right side comes last.
     void Store(State const& state) const;
 
 private:

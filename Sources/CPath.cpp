@@ -246,7 +246,11 @@ TRect<double> CPath::Bounds() const {
 }
 
 TRect<double> CPath::CachedBounds() const {
-    return trammel_detail::KeptBounds(mBounds, nullptr).Load().bounds;
+    // Const members only store bounds that were null, and the right side last. Where that side is
+    // not 0, the bounds are whole, and no thread writes them any more.
+    double right;
+    __atomic_load(&mBounds.right, &right, __ATOMIC_ACQUIRE);
+    return right != 0.0 ? mBounds : trammel_detail::KeptBounds(mBounds, nullptr).Load().bounds;
 }
 
 bool CPath::TestContents(ContentAttributes attribute) const {
