@@ -102,6 +102,19 @@ TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text);
 ///     the radius, 8 at 4.3e-6, 28 at 2.4e-9, and 414 at most.
 TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance);
 
+/// What ReadSvgPath may do otherwise.
+struct SvgPathOptions {
+    /// As the function above takes it; empty: an eighth of a turn a curve.
+    std::optional<double> arcTolerance;
+    /// A subpath that has segments, but none of any length, keeps a line without length: `M60 30h0`
+    /// is a move and that line, as `M60 30z` is a move and a close. Strokes with round and square
+    /// caps paint a dot there, see Stroke(). A move that no segment follows stays a mere move.
+    bool keepDots = false;
+};
+
+/// Does the same, as the options say. Without `keepDots` it reads what the functions above read.
+TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text, SvgPathOptions const& options);
+
 /// Writes a path as the shortest text that ReadSvgPath reads back to the same elements and, bit by
 /// bit, the same points.
 ///
@@ -119,8 +132,8 @@ TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance
 /// - Not written are a close without an open subpath, unknown codes, codes with too few points, and
 ///   moves in a row except the last.
 ///
-/// Lines without length, and curves that end where they start, can come from a transform. They are
-/// written, and read back as ReadSvgPath says.
+/// Lines without length, and curves that end where they start, can come from a transform, and such
+/// lines from SvgPathOptions::keepDots. They are written, and read back as ReadSvgPath says.
 ///
 /// Throws std::invalid_argument naming the element when a point of an element is NaN or infinite,
 /// because there is no text for it. Cost: O(n).

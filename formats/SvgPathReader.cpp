@@ -15,7 +15,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -74,9 +73,7 @@ int ArgumentCount(char command) {
 /// Reads one text into a path, from left to right.
 class Reader {
 public:
-    /// \param arcTolerance empty: arcs are cut into eighths of a turn
-    Reader(std::string_view text, std::optional<double> arcTolerance)
-        : mText(text), mArcTolerance(arcTolerance) {}
+    Reader(std::string_view text, SvgPathOptions const& options) : mText(text), mOptions(options) {}
 
     SvgPathResult Read() {
         SkipSpace();
@@ -86,6 +83,7 @@ public:
         }
         while (!AtEnd() && ReadCommand()) {
         }
+        AddDot();
         return std::move(mResult);
     }
 
@@ -261,6 +259,7 @@ private:
         if (!IsFinite(p)) {
             return false;
         }
+        AddDot();
         mResult.path.MoveTo(p);
         mStart = p;
         Arrive(p);
@@ -274,6 +273,8 @@ private:
         if (p != mCurrent) {
             Open();
             mResult.path.LineTo(p);
+        } else {
+            DrawNothing();
         }
         Arrive(p);
         return true;
@@ -312,9 +313,9 @@ private:
         ArcCurves arc =
             ArcCurves::BetweenPoints(mCurrent, e, rx, ry, DegToRad(turn), a[3] != 0.0, a[4] != 0.0);
         std::size_t const count =
-            mArcTolerance
-                ? trammel_detail::ArcCurveCount(arc.Sweep(), arc.GreaterRadius(), *mArcTolerance)
-                : Eighths(arc.Sweep());
+            mOptions.arcTolerance ? trammel_detail::ArcCurveCount(arc.Sweep(), arc.GreaterRadius(),
+                                                                  *mOptions.arcTolerance)
+                                  : Eighths(arc.Sweep());
         std::array<Pt, 3> curve;
         for (arc.Cut(count); arc.Next(curve);) {
             if (!std::all_of(curve.begin(), curve.end(), IsFinite)) {
@@ -330,6 +331,7 @@ private:
     }
 
     void Close() {
+        AddDot();
         mResult.path.ClosePath();
         Arrive(mStart);
     }
@@ -337,6 +339,9 @@ private:
     /// Adds a curve from the current point. It cuts a curve in two that the path would drop as one.
     void AddCurve(Pt const& c1, Pt const& c2, Pt const& e) {
         RecordedCurves const curves(mCurrent, c1, c2, e);
+        if (curves.count == 0) {
+            DrawNothing();
+        }
         for (std::size_t i = 0; i < curves.count; ++i) {
             Open();
             mResult.path.CurveTo(curves.points[i][0], curves.points[i][1], curves.points[i][2]);
@@ -345,8 +350,22 @@ private:
 
     /// Begins a subpath at the start of the last one where that is closed.
     void Open() {
+        mDot = false;
         if (!mResult.path.mOpen) {
             mResult.path.MoveTo(mStart);
+        }
+    }
+
+    /// Notes a segment without length. It makes a dot where nothing else of the subpath is drawn.
+    void DrawNothing() {
+        CPath const& path = mResult.path;
+        mDot = mOptions.keepDots && (!path.mOpen || path.mCtls.back() == kPathMove);
+    }
+    /// Adds the dot of a subpath that ends. The path's own operations would drop it.
+    void AddDot() {
+        if (mDot) {
+            Open();
+            mResult.path.AddCtl(kPathLine).AddPt(mStart);
         }
     }
 
@@ -364,9 +383,10 @@ private:
     Pt Smooth(Kind kind) const { return mKind == kind ? Reflected(mControl, mCurrent) : mCurrent; }
 
     std::string_view mText;
-    std::optional<double> mArcTolerance;
+    SvgPathOptions mOptions;
     std::size_t mPos = 0;
     bool mMayRepeat = false; ///< the command read last takes arguments
+    bool mDot = false;       ///< the subpath has segments, but none of any length, and keeps that
     Pt mStart;               ///< the start of the subpath
     Pt mCurrent;
     Kind mKind = kOther; ///< the kind of the last segment
@@ -380,10 +400,16 @@ std::string SvgPathError::Message() const {
     return "at byte " + std::to_string(position) + ": expected " + expected + ", found " + found;
 }
 
-SvgPathResult ReadSvgPath(std::string_view text) { return Reader(text, std::nullopt).Read(); }
+SvgPathResult ReadSvgPath(std::string_view text) { return ReadSvgPath(text, SvgPathOptions()); }
 
 SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance) {
-    return Reader(text, arcTolerance).Read();
+    SvgPathOptions options;
+    options.arcTolerance = arcTolerance;
+    return ReadSvgPath(text, options);
+}
+
+SvgPathResult ReadSvgPath(std::string_view text, SvgPathOptions const& options) {
+    return Reader(text, options).Read();
 }
 
 } // namespace trammel

@@ -462,7 +462,9 @@ Reader::Form Reader::PathElement(pugi::xml_node element, Context const& context)
     } else {
         data = element.attribute("d").value();
     }
-    trammel::SvgPathResult result = trammel::ReadSvgPath(data);
+    trammel::SvgPathOptions options;
+    options.keepDots = true; // strokes paint them
+    trammel::SvgPathResult result = trammel::ReadSvgPath(data, options);
     if (result.error) {
         Skip(element, "d", result.error->position,
              "found " + result.error->found + ", expected " + result.error->expected);
@@ -473,7 +475,8 @@ Reader::Form Reader::PathElement(pugi::xml_node element, Context const& context)
         form.tolerance = PictureTolerance(result.path);
     } else if (result.arcs > 0) {
         form.tolerance = ToleranceOf(ChordLength(result.path), result.arcs, 0.0, context);
-        result = trammel::ReadSvgPath(data, form.tolerance);
+        options.arcTolerance = form.tolerance;
+        result = trammel::ReadSvgPath(data, options);
     }
     form.path = std::move(result.path);
     return form;

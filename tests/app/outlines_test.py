@@ -189,6 +189,25 @@ class Outlines(AppTest):
             self.run_text(command, file, "-o", self.out)
             self.assertIn(body[: body.index('<path id="p"')], self.read("out.svg").decode())
 
+    def test_stroke_paints_dots_where_browsers_do(self):
+        forms = {"line": "M60 30h0", "close": "M60 30z", "curve": "M60 30c0 0 0 0 0 0",
+                 "both": "M60 30h0z", "beside": "M0 0h20M60 30h0", "move": "M0 0h20M60 30"}
+        body = "".join(f'<path id="{name}" fill="none" stroke="red" stroke-width="10" d="{data}"/>'
+                       for name, data in forms.items())
+        file = self.write("in.svg", svg(body))
+        for cap, dot, line in (("round", math.pi * 25, 200 + math.pi * 25),
+                               ("square", 100, 300), ("butt", 0, 200)):
+            with self.subTest(cap):
+                self.run_text("stroke", file, "--cap", cap, "--tolerance", "1e-5", "-o", self.out)
+                areas = {name: area[0] for name, area in self.areas().items()}
+                for name in ("line", "close", "curve", "both"):
+                    self.assertAlmostEqual(areas.get(name, 0), dot, delta=1e-2)
+                self.assertAlmostEqual(areas["beside"], line + dot, delta=1e-2)
+                self.assertAlmostEqual(areas["move"], line, delta=1e-2)
+        # A drawing keeps its dots.
+        self.run_text("reverse", file, "--id", "curve", "-o", self.out)
+        self.assertIn('d="M60 30h0"', self.read("out.svg").decode().split('id="curve"')[1])
+
     def test_stroke_keeps_the_fill_below(self):
         body = ('<rect id="r" class="k" fill="red" stroke="blue" stroke-opacity=".5" '
                 'stroke-width="2" width="10" height="10"/>\n'

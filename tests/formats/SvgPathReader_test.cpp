@@ -150,6 +150,28 @@ TEST(ReadSvgPath, BoundsAndCurrentPointAreThoseOfThePoints) {
     EXPECT_FALSE(Read("M1 1L5 3Z").mOpen);
 }
 
+TEST(ReadSvgPath, KeepsDotsWhereAsked) {
+    trammel::SvgPathOptions options;
+    options.keepDots = true;
+    auto const read = [&](char const* text) {
+        return trammel::WriteSvgPath(trammel::ReadSvgPath(text, options).path);
+    };
+    EXPECT_EQ(read("M60 30h0"), "M60 30h0");
+    EXPECT_EQ(read("M60 30L60 30l0 0M1 1v5"), "M60 30h0M1 1V6");
+    EXPECT_EQ(read("M60 30c0 0 0 0 0 0"), "M60 30h0");
+    EXPECT_EQ(read("M60 30a5 5 0 0 1 0 0"), "M60 30h0");
+    EXPECT_EQ(read("M60 30h0z"), "M60 30h0Z");
+    EXPECT_EQ(read("M1 1h9zh0"), "M1 1h9ZM1 1H1");
+    EXPECT_EQ(read("M1 1h0 x"), "M1 1H1");
+    // A length makes the lines without one superfluous, wherever they stand.
+    EXPECT_EQ(read("M1 1h0h9h0"), "M1 1h9");
+    EXPECT_EQ(read("M1 1h9h0z"), "M1 1h9Z");
+    // Nothing is drawn here, or a close stands for the dot.
+    EXPECT_EQ(read("M60 30"), "M60 30");
+    EXPECT_EQ(read("M60 30z"), "M60 30Z");
+    EXPECT_EQ(read("M60 30h0M1 1"), "M60 30h0M1 1");
+}
+
 TEST(ReadSvgPath, RaisesQuadraticCurvesExactly) {
     std::mt19937_64 random(20240607);
     std::uniform_int_distribution<std::int64_t> coordinate(-1000000000000, 1000000000000);

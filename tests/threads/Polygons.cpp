@@ -214,6 +214,7 @@ void Text(Objects const& shared, Digest& digest) {
     digest.Add(svg);
     digest.Add(trammel::ReadSvgPath(svg).path);
     digest.Add(trammel::ReadSvgPath("M1 1 A 5 4 0 1 1 9 9", 0.01).path);
+    digest.Add(trammel::ReadSvgPath("M1 1h0", trammel::SvgPathOptions()).path);
     digest.Add(trammel::ReadSvgPath("M1 x").error->Message());
     digest.Add(trammel::ToString(shared.curve) + trammel::ToString(shared.spline));
     digest.Add(trammel::ToString(shared.line) + trammel::ToString(shared.path));
