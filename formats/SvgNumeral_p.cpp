@@ -299,7 +299,7 @@ void DropZeros(std::uint64_t& digits, int& decimals) {
         std::uint64_t power;
     };
     static constexpr std::array<Step, 4> kSteps = {Step{8, 100000000}, Step{4, 10000}, Step{2, 100},
-                                            Step{1, 10}};
+                                                   Step{1, 10}};
     if (digits % 10 != 0) {
         return;
     }

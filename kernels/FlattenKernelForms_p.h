@@ -547,6 +547,27 @@ inline constexpr double kSomeMiddles[kSomePanels] = {
 inline constexpr double kSomeIndices[kSomePanels] = {0, 1, 2,  3,  4,  5,  6,  7,
                                                      8, 9, 10, 11, 12, 13, 14, 15};
 
+/// The number of each panel, as often as there are chords.
+struct PanelNumbers {
+    std::uint8_t rows[kSomePanels][kSomeChords];
+};
+constexpr PanelNumbers NumbersOfPanels() {
+    PanelNumbers numbers{};
+    for (int i = 0; i < kSomePanels; ++i) {
+        for (std::uint8_t& number : numbers.rows[i]) {
+            number = static_cast<std::uint8_t>(i);
+        }
+    }
+    return numbers;
+}
+inline constexpr PanelNumbers kPanelNumbers = NumbersOfPanels();
+
+/// Stores a panel's number for all chords.
+template <class Vector> [[gnu::always_inline]] inline void StorePanel(int panel, std::uint8_t* to) {
+    static_assert(kSomeChords == sizeof(Vector), "one vector has all the numbers");
+    Vector::Load(kPanelNumbers.rows[panel]).Store(to);
+}
+
 template <class Vector>
 [[gnu::noinline]] int SomeChords(double const* points, double tolerance, double* out,
                                  FlatChords& chords) {
@@ -593,10 +614,10 @@ template <class Vector>
     }
     // The panel of each chord's end. A panel overwrites what the one before it stored for its ends.
     std::uint8_t panels[2 * kSomeChords];
-    __builtin_memset(panels, 0, kSomeChords);
+    StorePanel<Vector>(0, panels);
 #pragma GCC unroll 16
     for (int i = 1; i < kSomePanels; ++i) {
-        __builtin_memset(panels + static_cast<int>(sums[i - 1] * perChord), i, kSomeChords);
+        StorePanel<Vector>(i, panels + static_cast<std::ptrdiff_t>(sums[i - 1] * perChord));
     }
     ChordCubic<Vector> const cubic = ChordsOf(c, Vector(Lane<1>(p.p0)), Vector(Lane<0>(p.p0)));
     Vector const limit = Vector(tolerance * tolerance);

@@ -702,6 +702,16 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
 
 Flattened FlattenInto(CBezier const& curve, double tolerance, TPoint<double>* points,
                       std::size_t capacity) {
+    if (capacity >= std::size_t{kChordRoom} + 1) {
+        // The last chord's end lies in the room, too, and P3 takes its place.
+        FlatChords chords;
+        int const count = DivideIntoChords(&curve.P0.v, tolerance, &points[1].v, chords);
+        if (count > 0 && chords.failing == 0) {
+            points[0] = curve.P0;
+            points[count] = curve.P3;
+            return {static_cast<std::size_t>(count) + 1, tolerance};
+        }
+    }
     Storing stored(points, capacity);
     double const kept = FlattenAll(curve, tolerance, stored);
     return {stored.Count(), kept};
