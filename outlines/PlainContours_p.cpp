@@ -2,6 +2,7 @@
 
 #include "PlainContours_p.h"
 
+#include "ApartPieces_p.h"
 #include "BoxTree_p.h"
 #include "Box_p.h"
 #include "Cubic_p.h"
@@ -24,8 +25,6 @@ typedef TPoint<double> Pt;
 
 /// Hulls that are nearer to each other, in shares of the coordinates, count as meeting.
 constexpr double kMargin = 0x1p-44;
-/// Directions from a common point count as apart if the scalar product exceeds this share.
-constexpr double kApart = 0x1p-20;
 /// Winding numbers are asked for so far beside a contour, in shares of the coordinates.
 constexpr double kBeside = 0x1p-40;
 /// Winding numbers are counted directly for no more contours.
@@ -34,57 +33,7 @@ constexpr std::size_t kFewContours = 8;
 struct Element {
     Cubic c;
     std::size_t next; ///< the element behind it in its contour
-
-    Box<double> Bounds() const {
-        Box<double> box;
-        for (Pt const& p : c) {
-            box.Include(p.h, p.v);
-        }
-        return box;
-    }
-    /// True when the element goes forward along its chord all the time.
-    bool IsSimple() const {
-        Pt const chord = c[3] - c[0];
-        return Square(chord) > 0.0 && Dot(c[1] - c[0], chord) >= 0.0 &&
-               Dot(c[2] - c[1], chord) >= 0.0 && Dot(c[3] - c[2], chord) >= 0.0;
-    }
 };
-
-/// True when a line along the chord of `a` has both on its two sides.
-bool IsSeparatedByChord(Element const& a, Element const& b, double margin) {
-    Pt const chord = a.c[3] - a.c[0];
-    double lowA = 0.0;
-    double highA = 0.0;
-    double lowB = Cross(chord, b.c[0] - a.c[0]);
-    double highB = lowB;
-    for (std::size_t i = 1; i < 4; ++i) {
-        double const atA = Cross(chord, a.c[i] - a.c[0]);
-        double const atB = Cross(chord, b.c[i] - a.c[0]);
-        lowA = std::min(lowA, atA);
-        highA = std::max(highA, atA);
-        lowB = std::min(lowB, atB);
-        highB = std::max(highB, atB);
-    }
-    double const room = margin * Taxicab(chord);
-    return lowB > highA + room || highB < lowA - room;
-}
-
-/// True when an element, and the one that begins at its end, have no other point in common.
-bool MeetAtJointOnly(Element const& before, Element const& behind) {
-    Pt const joint = before.c[3];
-    Pt const back = trammel::Normalize(before.c[0] - joint);
-    Pt const ahead = trammel::Normalize(behind.c[3] - joint);
-    Pt const axis = ahead - back;
-    for (std::size_t i = 0; i < 3; ++i) {
-        Pt const a = before.c[i] - joint;
-        Pt const b = behind.c[i + 1] - joint;
-        if ((!a.Null() && !(Dot(a, axis) < -kApart * Taxicab(a))) ||
-            (!b.Null() && !(Dot(b, axis) > kApart * Taxicab(b)))) {
-            return false;
-        }
-    }
-    return true;
-}
 
 } // namespace
 
@@ -99,7 +48,7 @@ bool AreContoursPlain(CPath const& contours) {
                 elements.push_back(
                     {{{s.start, s.control1, s.control2, s.end}}, elements.size() + 1});
                 size = std::max({size, std::abs(s.end.h), std::abs(s.end.v)});
-                if (!elements.back().IsSimple()) {
+                if (!GoesForward(elements.back().c)) {
                     return false;
                 }
             }
@@ -113,7 +62,7 @@ bool AreContoursPlain(CPath const& contours) {
     std::vector<Box<double>> boxes;
     boxes.reserve(elements.size());
     for (Element const& element : elements) {
-        boxes.push_back(element.Bounds());
+        boxes.push_back(HullBox(element.c));
     }
     bool isPlain = std::isfinite(size);
     double const margin = kMargin * size;
@@ -123,10 +72,10 @@ bool AreContoursPlain(CPath const& contours) {
         }
         Element const& a = elements[i];
         Element const& b = elements[k];
-        isPlain = a.next == k ? MeetAtJointOnly(a, b)
+        isPlain = a.next == k ? MeetAtJointOnly(a.c, b.c)
                   : b.next == i
-                      ? MeetAtJointOnly(b, a)
-                      : IsSeparatedByChord(a, b, margin) || IsSeparatedByChord(b, a, margin);
+                      ? MeetAtJointOnly(b.c, a.c)
+                      : ChordSeparates(a.c, b.c, margin) || ChordSeparates(b.c, a.c, margin);
     });
     if (!isPlain) {
         return false;

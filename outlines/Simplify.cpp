@@ -2,8 +2,11 @@
 
 #include "Simplify.h"
 
+#include "ApartPieces_p.h"
+#include "BoxTree_p.h"
 #include "CurveRun_p.h"
 #include "ElementAppender_p.h"
+#include "OutlineNodes_p.h"
 #include "PathSegments.h"
 #include "PointMath_p.h"
 #include "RangeScale_p.h"
@@ -12,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <map>
 #include <utility>
 #include <vector>
 
@@ -26,6 +30,7 @@ using trammel_detail::RunMatch;
 using trammel_detail::StartDirection;
 using trammel_detail::StrokePoints;
 
+typedef trammel_detail::Box<double> Box;
 typedef TPoint<double> Pt;
 
 /// Curves meet smoothly where the tangent of the angle is at most that. Outlines on the grid of a
@@ -33,6 +38,13 @@ typedef TPoint<double> Pt;
 constexpr double kSmooth = 0x1p-4;
 /// Lines continue each other where it is at most that.
 constexpr double kStraight = 0x1p-10;
+
+/// Hulls that are nearer to each other, in shares of the coordinates, count as meeting.
+constexpr double kMargin = 0x1p-44;
+/// Rounds in which pieces that may meet others are halved, before they become elements again.
+constexpr int kHalvingRounds = 12;
+/// The last round keeps all elements.
+constexpr int kMostRounds = 24;
 
 bool Continues(Pt const& in, Pt const& out, double most) {
     double const dot = Dot(in, out);
@@ -51,92 +63,253 @@ template <class Fits> std::size_t LongestRun(std::size_t most, Fits&& fits) {
     return below;
 }
 
+/// What stands in place of some elements of a run: one of them, or a line or curve for all.
+struct Piece {
+    std::size_t from; ///< of the run's elements
+    std::size_t to;   ///< behind the last one
+    Cubic c;
+    double distance;
+    bool isNew; ///< has not been compared with others
+
+    bool IsElement() const { return to - from == 1; }
+};
+
+/// Elements of one kind that continue each other, scaled.
+struct Run {
+    std::vector<Cubic> curves;
+    bool isLine;
+    bool isFinite;
+    std::vector<Piece> pieces;
+
+    Pt const& Start() const { return curves.front()[0]; }
+    Pt const& End() const { return curves.back()[3]; }
+    double Distance() const {
+        double distance = 0.0;
+        for (Piece const& piece : pieces) {
+            distance = std::max(distance, piece.distance);
+        }
+        return distance;
+    }
+};
+
+/// The order of runs by their elements.
+struct RunOrder {
+    std::vector<Run> const* runs;
+
+    bool operator()(std::size_t i, std::size_t j) const {
+        Run const& a = (*runs)[i];
+        Run const& b = (*runs)[j];
+        if (a.isLine != b.isLine || a.curves.size() != b.curves.size()) {
+            return a.isLine != b.isLine ? a.isLine : a.curves.size() < b.curves.size();
+        }
+        for (std::size_t k = 0; k < a.curves.size(); ++k) {
+            int const order = trammel_detail::CompareCurves(a.curves[k], b.curves[k]);
+            if (order != 0) {
+                return order < 0;
+            }
+        }
+        return false;
+    }
+};
+
+bool IsFiniteCurve(Cubic const& c) {
+    return std::all_of(c.begin(), c.end(), [](Pt const& p) { return trammel_detail::IsFinite(p); });
+}
+
+/// Simplifies outlines, each for itself or all together. Together they have nodes, and the runs
+/// between nodes are simplified once for all outlines that have them, in either direction.
 class OutlineSimplifier {
 public:
-    OutlineSimplifier(CPath const& outline, double tolerance)
-        : mScale(trammel_detail::RangeScale(outline.mPts)), mTolerance(tolerance * mScale),
-          mOut(mResult, outline.mCtls.size() + 2, outline.mPts.size() + 2) {}
-
-    void Add(Subpath const& subpath) {
-        mSegments.assign(subpath.begin(), subpath.end());
-        mCurves.clear();
-        for (PathSegment const& s : mSegments) {
-            mCurves.push_back(
-                {s.start * mScale, s.control1 * mScale, s.control2 * mScale, s.end * mScale});
+    OutlineSimplifier(std::vector<CPath const*> const& outlines, double tolerance, bool together)
+        : mTogether(together) {
+        std::vector<Pt> greatest; // of each outline
+        for (CPath const* const outline : outlines) {
+            mOutlines.emplace_back();
+            for (Subpath const& subpath : Subpaths(*outline)) {
+                mOutlines.back().push_back(mSubpaths.size());
+                mSubpaths.push_back({subpath.Start(), subpath.BeginsWithMove(), {}, {}});
+                mSubpaths.back().segments.assign(subpath.begin(), subpath.end());
+            }
+            Pt most;
+            for (Pt const& p : outline->mPts) {
+                if (trammel_detail::IsFinite(p)) {
+                    most = Pt(std::max(most.h, std::abs(p.h)), std::max(most.v, std::abs(p.v)));
+                }
+            }
+            greatest.push_back(most);
         }
-        mOut.Move(subpath.Start());
-        mCloses = subpath.BeginsWithMove();
-        for (std::size_t i = 0; i < mSegments.size();) {
-            for (std::size_t const end = EndOfRun(i); i < end;) {
-                i = IsLine(i) ? AddLines(i, end) : AddCurves(i, end);
+        mScale = trammel_detail::RangeScale(greatest);
+        mTolerance = tolerance * mScale;
+        for (Pt const& p : greatest) {
+            mMargin = std::max(mMargin, std::max(p.h, p.v) * mScale * kMargin);
+        }
+        FindRuns();
+        for (Run& run : mRuns) {
+            AddPieces(run, 0, run.curves.size(), run.pieces);
+        }
+    }
+
+    /// Gives elements back to pieces until none is left that may meet another one.
+    void AvoidCrossings() {
+        int round = 0;
+        while (round < kMostRounds && Mark(round + 1 == kMostRounds)) {
+            ++round;
+            for (std::size_t r = 0; r < mRuns.size(); ++r) {
+                Refine(mRuns[r], mMarks[r], round > kHalvingRounds);
             }
         }
     }
+
     /// The greatest distance of all runs.
-    double Distance() const { return mDistance / mScale; }
-    CPath& Result() { return mResult; }
+    double Distance() const {
+        double distance = 0.0;
+        for (Run const& run : mRuns) {
+            distance = std::max(distance, run.Distance());
+        }
+        return distance / mScale;
+    }
+    /// Returns the outline with the pieces for its runs.
+    CPath Result(std::size_t outline) const {
+        CPath path;
+        std::size_t elements = 0;
+        for (std::size_t const s : mOutlines[outline]) {
+            elements += mSubpaths[s].segments.size() + 2;
+        }
+        trammel_detail::ElementAppender out(path, elements, 3 * elements);
+        for (std::size_t const s : mOutlines[outline]) {
+            AddSubpath(mSubpaths[s], out);
+        }
+        return path;
+    }
 
 private:
-    bool IsLine(std::size_t i) const { return !mSegments[i].IsCurve(); }
-    bool IsFinite(std::size_t i) const {
-        return std::all_of(mCurves[i].begin(), mCurves[i].end(),
-                           [](Pt const& p) { return trammel_detail::IsFinite(p); });
+    /// A run in a subpath.
+    struct Use {
+        std::size_t run;
+        std::size_t first; ///< segment
+        bool isReversed;
+    };
+    struct Part {
+        Pt start;
+        bool closes; ///< its close leads to its start
+        std::vector<PathSegment> segments;
+        std::vector<Use> uses;
+    };
+
+    void FindRuns() {
+        std::vector<std::vector<Cubic>> curves(mSubpaths.size());
+        for (std::size_t s = 0; s < mSubpaths.size(); ++s) {
+            curves[s].reserve(mSubpaths[s].segments.size());
+            for (PathSegment const& p : mSubpaths[s].segments) {
+                curves[s].push_back(
+                    {p.start * mScale, p.control1 * mScale, p.control2 * mScale, p.end * mScale});
+            }
+        }
+        std::vector<std::vector<char>> const nodes =
+            mTogether ? trammel_detail::FindNodes(curves) : std::vector<std::vector<char>>();
+        std::map<std::size_t, std::size_t, RunOrder> known(RunOrder{&mRuns});
+        for (std::size_t s = 0; s < mSubpaths.size(); ++s) {
+            std::vector<PathSegment> const& segments = mSubpaths[s].segments;
+            for (std::size_t i = 0; i < segments.size();) {
+                std::size_t end = EndOfRun(segments, curves[s], i);
+                for (std::size_t k = i + 1; mTogether && k < end; ++k) {
+                    end = nodes[s][k] != 0 ? k : end;
+                }
+                auto const from = curves[s].begin() + static_cast<std::ptrdiff_t>(i);
+                auto const to = curves[s].begin() + static_cast<std::ptrdiff_t>(end);
+                Run run = {{from, to}, !segments[i].IsCurve(), IsFiniteCurve(*from), {}};
+                bool const turns = mTogether && run.isFinite && Turn(run);
+                std::size_t number = mRuns.size();
+                mRuns.push_back(std::move(run));
+                if (mTogether && mRuns.back().isFinite) {
+                    auto const found = known.insert({number, number});
+                    if (!found.second) {
+                        mRuns.pop_back();
+                        number = found.first->second;
+                    }
+                }
+                mSubpaths[s].uses.push_back({number, i, turns});
+                i = end;
+            }
+        }
     }
     /// The end of the elements that continue element `i`, one after the other.
-    std::size_t EndOfRun(std::size_t i) const {
+    static std::size_t EndOfRun(std::vector<PathSegment> const& segments,
+                                std::vector<Cubic> const& curves, std::size_t i) {
         std::size_t end = i + 1;
-        if (!IsFinite(i)) {
+        if (!IsFiniteCurve(curves[i])) {
             return end;
         }
-        double const most = IsLine(i) ? kStraight : kSmooth;
-        while (end < mSegments.size() && IsLine(end) == IsLine(i) && IsFinite(end) &&
-               mSegments[end].start == mSegments[end - 1].end &&
-               Continues(-StartDirection(trammel_detail::Reversed(mCurves[end - 1])),
-                         StartDirection(mCurves[end]), most)) {
+        bool const isCurve = segments[i].IsCurve();
+        double const most = isCurve ? kSmooth : kStraight;
+        while (end < segments.size() && segments[end].IsCurve() == isCurve &&
+               IsFiniteCurve(curves[end]) && segments[end].start == segments[end - 1].end &&
+               Continues(-StartDirection(trammel_detail::Reversed(curves[end - 1])),
+                         StartDirection(curves[end]), most)) {
             ++end;
         }
         return end;
     }
-
-    /// Adds the longest run from `first` on that becomes one curve, and returns where it ends.
-    std::size_t AddCurves(std::size_t first, std::size_t end) {
-        CurveRun run(mCurves, first, mTolerance);
-        Cubic best;
-        double kept = 0.0;
-        std::size_t const count = LongestRun(end - first, [&](std::size_t n) {
-            Cubic fit;
-            double distance = 0.0;
-            bool const fits = run.FitUpTo(first + n - 1, fit, distance) &&
-                              trammel_detail::IsFinite(fit[1] * (1.0 / mScale)) &&
-                              trammel_detail::IsFinite(fit[2] * (1.0 / mScale));
-            if (fits) {
-                best = fit;
-                kept = distance;
-            }
-            return fits;
-        });
-        PathSegment const& last = mSegments[first + count - 1];
-        if (count == 1) {
-            mOut.Curve(last.control1, last.control2, last.end);
-        } else {
-            mOut.Curve(best[1] * (1.0 / mScale), best[2] * (1.0 / mScale), last.end);
-            mDistance = std::max(mDistance, kept);
+    /// Turns a run round if it is the lesser one then. Returns true if so.
+    static bool Turn(Run& run) {
+        std::vector<Cubic> turned;
+        turned.reserve(run.curves.size());
+        for (std::size_t k = run.curves.size(); k-- > 0;) {
+            turned.push_back(trammel_detail::Reversed(run.curves[k]));
         }
-        return first + count;
+        for (std::size_t k = 0; k < turned.size(); ++k) {
+            int const order = trammel_detail::CompareCurves(turned[k], run.curves[k]);
+            if (order != 0) {
+                if (order < 0) {
+                    run.curves = std::move(turned);
+                }
+                return order < 0;
+            }
+        }
+        return false;
     }
 
-    /// Adds the longest run of lines from `first` on that becomes one line, and returns where it
-    /// ends.
-    std::size_t AddLines(std::size_t first, std::size_t end) {
+    /// Adds pieces for the elements from `first` to `end`, each as long as possible.
+    void AddPieces(Run const& run, std::size_t first, std::size_t end,
+                   std::vector<Piece>& pieces) const {
+        while (first < end) {
+            Piece piece = {first, first + 1, run.curves[first], 0.0, true};
+            if (run.isFinite && end - first > 1) {
+                run.isLine ? FindLine(run, end, piece) : FindCurve(run, end, piece);
+            }
+            pieces.push_back(piece);
+            first = piece.to;
+        }
+    }
+    /// Looks for the longest run from the piece's start on that becomes one curve.
+    void FindCurve(Run const& run, std::size_t end, Piece& piece) const {
+        std::size_t const first = piece.from;
+        CurveRun fits(run.curves, first, mTolerance);
+        LongestRun(end - first, [&](std::size_t n) {
+            Cubic fit;
+            double distance = 0.0;
+            bool const isFit = fits.FitUpTo(first + n - 1, fit, distance) &&
+                               trammel_detail::IsFinite(fit[1] * (1.0 / mScale)) &&
+                               trammel_detail::IsFinite(fit[2] * (1.0 / mScale));
+            if (isFit) {
+                piece.to = first + n;
+                piece.c = fit;
+                piece.distance = distance;
+            }
+            return isFit;
+        });
+    }
+    /// Looks for the longest run from the piece's start on that becomes one line.
+    void FindLine(Run const& run, std::size_t end, Piece& piece) const {
+        std::size_t const first = piece.from;
         StrokePoints stroke;
-        stroke.Add(mCurves[first][0]);
+        stroke.Add(run.curves[first][0]);
         std::size_t horizontal = end; // the first one that is
         std::size_t vertical = end;
-        double kept = 0.0;
-        std::size_t const count = LongestRun(end - first, [&](std::size_t n) {
+        LongestRun(end - first, [&](std::size_t n) {
             while (stroke.at.size() <= n) {
                 std::size_t const i = first + stroke.at.size() - 1;
-                Cubic const& c = mCurves[i];
+                Cubic const& c = run.curves[i];
                 stroke.Add(c[3]);
                 horizontal = horizontal == end && c[0].v == c[3].v ? i : horizontal;
                 vertical = vertical == end && c[0].h == c[3].h ? i : vertical;
@@ -148,39 +321,186 @@ private:
             }
             Pt const third = (b - a) * (1.0 / 3.0);
             RunMatch const match = MatchRun(stroke, 0, n, {a, a + third, b - third, b}, mTolerance);
-            kept = match.fits ? match.distance : kept;
+            if (match.fits) {
+                piece.to = first + n;
+                piece.c = {a, a, b, b};
+                piece.distance = match.distance;
+            }
             return match.fits;
         });
-        mDistance = std::max(mDistance, kept);
-        PathSegment const& last = mSegments[first + count - 1];
-        if (last.kind == kPathClose && mCloses) {
-            mOut.Close();
-        } else {
-            mOut.Line(last.end);
-        }
-        return first + count;
     }
 
-    double mScale;
-    double mTolerance;
-    double mDistance = 0.0;
-    bool mCloses = false; ///< the subpath's close leads to its start
-    CPath mResult;
-    trammel_detail::ElementAppender mOut;
-    std::vector<PathSegment> mSegments; ///< of a subpath
-    std::vector<Cubic> mCurves;         ///< the same, scaled
+    /// Halves the marked pieces of a run, or gives their elements back.
+    void Refine(Run& run, std::vector<char> const& marks, bool wholly) const {
+        if (std::find(marks.begin(), marks.end(), char{1}) == marks.end()) {
+            return;
+        }
+        std::vector<Piece> const old = std::move(run.pieces);
+        run.pieces.clear();
+        for (std::size_t k = 0; k < old.size(); ++k) {
+            Piece const& piece = old[k];
+            if (marks[k] == 0) {
+                run.pieces.push_back(piece);
+            } else if (wholly) {
+                for (std::size_t i = piece.from; i < piece.to; ++i) {
+                    run.pieces.push_back({i, i + 1, run.curves[i], 0.0, true});
+                }
+            } else {
+                std::size_t const middle = piece.from + (piece.to - piece.from) / 2;
+                AddPieces(run, piece.from, middle, run.pieces);
+                AddPieces(run, middle, piece.to, run.pieces);
+            }
+        }
+    }
+
+    /// Marks the pieces for several elements that may meet others or themselves, or may have
+    /// passed another run. Returns false where there are none. With `all`, every piece is marked
+    /// if one is.
+    bool Mark(bool all) {
+        struct Place {
+            std::size_t run;
+            std::size_t piece;
+        };
+        std::vector<Place> places;
+        std::vector<Box> boxes;
+        std::vector<Box> wide; // of what may have passed the piece, or the piece
+        std::vector<Pt> marksOfRuns;
+        std::vector<double> distances; // of runs
+        std::vector<Box> points;
+        bool found = false;
+        mMarks.assign(mRuns.size(), {});
+        for (std::size_t r = 0; r < mRuns.size(); ++r) {
+            Run& run = mRuns[r];
+            mMarks[r].assign(run.pieces.size(), 0);
+            Pt const p = trammel_detail::PlaceAt(run.curves[run.curves.size() / 2], 0.5).point;
+            marksOfRuns.push_back(p);
+            distances.push_back(run.Distance());
+            points.push_back(run.isFinite ? Box::Of(p.h, p.v, p.h, p.v) : Box::Of(0, 0, 0, 0));
+            for (std::size_t k = 0; run.isFinite && k < run.pieces.size(); ++k) {
+                Piece& piece = run.pieces[k];
+                Box const box = trammel_detail::HullBox(piece.c);
+                places.push_back({r, k});
+                boxes.push_back(box.Widened(mMargin, mMargin));
+                double const reach = piece.IsElement() ? 0.0 : 2.0 * mTolerance + mMargin;
+                wide.push_back(box.Widened(reach, reach));
+                if (!piece.IsElement() && piece.isNew &&
+                    !trammel_detail::IsFreeOfLoops(piece.c, mMargin)) {
+                    mMarks[r][k] = 1;
+                    found = true;
+                }
+            }
+        }
+        trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
+            Place const& p = places[i];
+            Place const& q = places[j];
+            Piece const& a = mRuns[p.run].pieces[p.piece];
+            Piece const& b = mRuns[q.run].pieces[q.piece];
+            if ((a.IsElement() && b.IsElement()) || (!a.isNew && !b.isNew) ||
+                trammel_detail::AreApart(a.c, b.c, mMargin)) {
+                return;
+            }
+            mMarks[p.run][p.piece] = a.IsElement() ? mMarks[p.run][p.piece] : char{1};
+            mMarks[q.run][q.piece] = b.IsElement() ? mMarks[q.run][q.piece] : char{1};
+            found = true;
+        });
+        trammel_detail::BoxTree const tree(wide);
+        tree.ForMeeting(trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t r) {
+            Place const& p = places[i];
+            Run const& run = mRuns[p.run];
+            Run const& other = mRuns[r];
+            Piece const& piece = run.pieces[p.piece];
+            if (piece.IsElement() || !piece.isNew || r == p.run || !other.isFinite ||
+                other.Start() == run.Start() || other.Start() == run.End() ||
+                other.End() == run.Start() || other.End() == run.End()) {
+                return;
+            }
+            double const reach = piece.distance + distances[r] + mMargin;
+            if (!trammel_detail::KeepsAway(piece.c, marksOfRuns[r], reach)) {
+                mMarks[p.run][p.piece] = 1;
+                found = true;
+            }
+        });
+        for (std::size_t r = 0; r < mRuns.size(); ++r) {
+            for (std::size_t k = 0; k < mRuns[r].pieces.size(); ++k) {
+                Piece& piece = mRuns[r].pieces[k];
+                piece.isNew = false;
+                if (found && all && !piece.IsElement()) {
+                    mMarks[r][k] = 1;
+                }
+            }
+        }
+        return found;
+    }
+
+    void AddSubpath(Part const& part, trammel_detail::ElementAppender& out) const {
+        out.Move(part.start);
+        for (Use const& use : part.uses) {
+            Run const& run = mRuns[use.run];
+            std::size_t const count = run.curves.size();
+            for (std::size_t i = 0; i < run.pieces.size(); ++i) {
+                Piece const& piece = run.pieces[use.isReversed ? run.pieces.size() - 1 - i : i];
+                std::size_t const end = use.isReversed ? count - piece.from : piece.to;
+                PathSegment const& last = part.segments[use.first + end - 1];
+                if (last.kind == kPathClose && part.closes) {
+                    out.Close();
+                } else if (run.isLine) {
+                    out.Line(last.end);
+                } else if (piece.IsElement()) {
+                    out.Curve(last.control1, last.control2, last.end);
+                } else {
+                    Pt const one = piece.c[use.isReversed ? 2 : 1] * (1.0 / mScale);
+                    Pt const two = piece.c[use.isReversed ? 1 : 2] * (1.0 / mScale);
+                    out.Curve(one, two, last.end);
+                }
+            }
+        }
+    }
+
+    bool mTogether;
+    double mScale = 1.0;
+    double mTolerance = 0.0;
+    double mMargin = 0.0;
+    std::vector<std::vector<std::size_t>> mOutlines; ///< their subpaths
+    std::vector<Part> mSubpaths;
+    std::vector<Run> mRuns;
+    std::vector<std::vector<char>> mMarks; ///< of each run's pieces
 };
+
+double Usable(double tolerance) { return tolerance > 0.0 ? tolerance : 0.0; }
 
 } // namespace
 
 double Simplify(CPath const& outline, double tolerance, CPath& out) {
-    double const usable = tolerance > 0.0 ? tolerance : 0.0;
-    OutlineSimplifier simplifier(outline, usable);
-    for (Subpath const& subpath : Subpaths(outline)) {
-        simplifier.Add(subpath);
+    OutlineSimplifier const simplifier({&outline}, Usable(tolerance), false);
+    out = simplifier.Result(0);
+    return std::min(simplifier.Distance(), Usable(tolerance));
+}
+
+double Simplify(CPath const& outline, double tolerance, NewCrossings crossings, CPath& out) {
+    OutlineSimplifier simplifier({&outline}, Usable(tolerance), true);
+    if (crossings == NewCrossings::kAvoid) {
+        simplifier.AvoidCrossings();
     }
-    out = std::move(simplifier.Result());
-    return std::min(simplifier.Distance(), usable);
+    out = simplifier.Result(0);
+    return std::min(simplifier.Distance(), Usable(tolerance));
+}
+
+double SimplifyOutlines(std::vector<CPath> const& outlines, double tolerance,
+                        NewCrossings crossings, std::vector<CPath>& out) {
+    std::vector<CPath const*> each;
+    for (CPath const& outline : outlines) {
+        each.push_back(&outline);
+    }
+    OutlineSimplifier simplifier(each, Usable(tolerance), true);
+    if (crossings == NewCrossings::kAvoid) {
+        simplifier.AvoidCrossings();
+    }
+    std::vector<CPath> result;
+    for (std::size_t i = 0; i < outlines.size(); ++i) {
+        result.push_back(simplifier.Result(i));
+    }
+    out = std::move(result);
+    return std::min(simplifier.Distance(), Usable(tolerance));
 }
 
 } // namespace trammel

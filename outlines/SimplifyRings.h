@@ -34,18 +34,13 @@
 #ifndef TRAMMEL_SIMPLIFYRINGS_H
 #define TRAMMEL_SIMPLIFYRINGS_H
 
+#include "NewCrossings.h"
 #include "PolygonWithHoles.h"
 #include "TrammelExport.h"
 
 #include <vector>
 
 namespace trammel {
-
-/// Tells whether simplified rings may cross or touch where they did not before.
-enum class NewCrossings {
-    kAllow, ///< they may
-    kAvoid, ///< they may not, and keep more vertices where they would
-};
 
 /// Replaces `out` by the rings with fewer vertices, and returns the distance that is kept. `out`
 /// may be `rings` itself.

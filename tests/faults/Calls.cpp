@@ -883,6 +883,15 @@ std::vector<Call> OutlineCalls() {
          }},
         {"trammel::Simplify", kThrows,
          [](A& a) { a.Returned(Simplify(a.path, a.tolerance, a.out)); }},
+        {"trammel::Simplify", kThrows,
+         [](A& a) { a.Returned(Simplify(a.path, a.tolerance, NewCrossings::kAvoid, a.out)); }},
+        {"trammel::SimplifyOutlines", kThrows,
+         [](A& a) {
+             std::vector<CPath> simple;
+             a.Returned(
+                 SimplifyOutlines({a.path, a.path}, a.tolerance, NewCrossings::kAvoid, simple));
+             a.out = std::move(simple[0]);
+         }},
         {"trammel::SimplifyRings", kThrows,
          [](A& a) {
              a.Returned(SimplifyRings(a.rings, a.tolerance, NewCrossings::kAvoid, a.ringsOut));

@@ -8,10 +8,16 @@
 #include "Shapes.h"
 #include "ShortMemory.h"
 #include "SvgPath.h"
+#include "Winding.h"
+#ifdef TRAMMEL_TEST_MAPS
+#include "CountryOutlines.h"
+#endif
 
 #include <ft2build.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <limits>
@@ -27,7 +33,9 @@ namespace {
 
 using hausdorff::ElementsOf;
 using hausdorff::Keeps;
+using trammel::NewCrossings;
 using trammel::Simplify;
+using trammel::SimplifyOutlines;
 
 typedef TPoint<double> Pt;
 
@@ -338,5 +346,284 @@ TEST(Simplify, MakesTheQuadraticCurvesOfAFontFewerCubics) {
     EXPECT_GT(before, 700U);
     EXPECT_LT(after, before * 3 / 4);
 }
+
+/// True when two elements have a common point that is no common end. Decided by boxes of halves
+/// down to 1e-9 of the size, with nothing from the library.
+bool MeetBesideEnds(hausdorff::Element const& a, hausdorff::Element const& b, double size) {
+    typedef std::array<Pt, 4> Points;
+    auto const halves = [](Points const& p) {
+        Pt const m = (p[1] + p[2]) * 0.5;
+        Pt const ab = (p[0] + p[1]) * 0.5;
+        Pt const cd = (p[2] + p[3]) * 0.5;
+        Pt const middle = ((ab + m) * 0.5 + (m + cd) * 0.5) * 0.5;
+        return std::array<Points, 2>{
+            {{p[0], ab, (ab + m) * 0.5, middle}, {middle, (m + cd) * 0.5, cd, p[3]}}};
+    };
+    auto const box = [](Points const& p) {
+        return std::array<double, 4>{
+            std::min({p[0].h, p[1].h, p[2].h, p[3].h}), std::max({p[0].h, p[1].h, p[2].h, p[3].h}),
+            std::min({p[0].v, p[1].v, p[2].v, p[3].v}), std::max({p[0].v, p[1].v, p[2].v, p[3].v})};
+    };
+    std::vector<std::array<Points, 2>> open = {{a.p, b.p}};
+    while (!open.empty()) {
+        auto const [p, q] = open.back();
+        open.pop_back();
+        auto const x = box(p);
+        auto const y = box(q);
+        if (x[0] > y[1] || y[0] > x[1] || x[2] > y[3] || y[2] > x[3]) {
+            continue;
+        }
+        double const extentOfP = std::max(x[1] - x[0], x[3] - x[2]);
+        double const extentOfQ = std::max(y[1] - y[0], y[3] - y[2]);
+        if (std::max(extentOfP, extentOfQ) < 1e-9 * size) {
+            bool atEnd = false;
+            for (Pt const& end : {a.p[0], a.p[3]}) {
+                bool const isCommon = end == b.p[0] || end == b.p[3];
+                atEnd = atEnd || (isCommon && hausdorff::Apart(end, p[0]) < 1e-5 * size);
+            }
+            if (!atEnd) {
+                return true;
+            }
+            continue;
+        }
+        for (Points const& half : halves(extentOfP > extentOfQ ? p : q)) {
+            open.push_back(extentOfP > extentOfQ ? std::array<Points, 2>{{half, q}}
+                                                 : std::array<Points, 2>{{p, half}});
+        }
+    }
+    return false;
+}
+
+/// How many pairs of elements meet of which at least one is new.
+long NewMeetings(std::vector<CPath> const& before, std::vector<CPath> const& after) {
+    std::vector<std::array<Pt, 4>> old;
+    auto const less = [](std::array<Pt, 4> const& a, std::array<Pt, 4> const& b) {
+        return std::lexicographical_compare(
+            a.begin(), a.end(), b.begin(), b.end(),
+            [](Pt const& p, Pt const& q) { return p.h != q.h ? p.h < q.h : p.v < q.v; });
+    };
+    double size = 0.0;
+    for (CPath const& path : before) {
+        for (hausdorff::Element const& e : ElementsOf(path)) {
+            old.push_back(e.p);
+        }
+    }
+    std::sort(old.begin(), old.end(), less);
+    struct Known {
+        hausdorff::Element element;
+        bool isNew;
+    };
+    std::vector<Known> all;
+    for (CPath const& path : after) {
+        for (hausdorff::Element const& e : ElementsOf(path)) {
+            if (e.isLine && e.p[0] == e.p[3]) {
+                continue; // a close that has nothing to draw
+            }
+            bool const isKnown = std::any_of(all.begin(), all.end(), [&](Known const& k) {
+                std::array<Pt, 4> const& p = k.element.p;
+                return p == e.p || p == std::array<Pt, 4>{e.p[3], e.p[2], e.p[1], e.p[0]};
+            });
+            if (!isKnown) { // a common border counts once
+                size = std::max({size, std::abs(e.p[0].h), std::abs(e.p[0].v)});
+                all.push_back({e, !std::binary_search(old.begin(), old.end(), e.p, less)});
+            }
+        }
+    }
+    long meetings = 0;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            if (all[i].isNew || all[k].isNew) {
+                meetings += MeetBesideEnds(all[i].element, all[k].element, size) ? 1 : 0;
+            }
+        }
+    }
+    return meetings;
+}
+
+/// A closed curve through points, smooth at each of them.
+CPath Smooth(std::vector<Pt> const& ring) {
+    CPath path;
+    std::size_t const n = ring.size();
+    path.MoveTo(ring[0]);
+    for (std::size_t i = 0; i < n; ++i) {
+        Pt const a = ring[i];
+        Pt const b = ring[(i + 1) % n];
+        path.CurveTo(a + (b - ring[(i + n - 1) % n]) * (1.0 / 6.0),
+                     b - (ring[(i + 2) % n] - a) * (1.0 / 6.0), b);
+    }
+    return path.ClosePath();
+}
+/// A wavy ring about a centre.
+CPath WavyRing(Pt const& centre, double radius, double wave, int waves, double phase) {
+    std::vector<Pt> ring;
+    for (int i = 0; i < 96; ++i) {
+        double const a = 6.283185307179586 * i / 96;
+        double const r = radius + wave * std::sin(waves * a + phase);
+        ring.push_back(centre + Pt(r * std::cos(a), r * std::sin(a)));
+    }
+    return Smooth(ring);
+}
+
+TEST(Simplify, LetsNothingCrossOrTouchAnew) {
+    std::mt19937_64 random(7);
+    std::uniform_real_distribution<double> unit(0, 1);
+    long allowed = 0;
+    std::size_t before = 0;
+    std::size_t after = 0;
+    for (int i = 0; i < 12; ++i) {
+        // Wavy rings one in the other, so near that they touch when they are simplified freely
+        std::vector<CPath> rings;
+        for (int k = 0; k < 5; ++k) {
+            rings.push_back(WavyRing(Pt(3, 4), 50 + 0.3 * k, 0.5, 5 + i, 0.2 * unit(random)));
+            before += rings.back().mCtls.size();
+        }
+        std::vector<CPath> simple;
+        SimplifyOutlines(rings, 0.8, NewCrossings::kAllow, simple);
+        allowed += NewMeetings(rings, simple);
+        double const kept = SimplifyOutlines(rings, 0.8, NewCrossings::kAvoid, simple);
+        EXPECT_LE(kept, 0.8);
+        EXPECT_EQ(NewMeetings(rings, simple), 0) << i;
+        for (std::size_t k = 0; k < rings.size(); ++k) {
+            EXPECT_TRUE(Keeps(ElementsOf(rings[k]), ElementsOf(simple[k]), kept));
+            after += simple[k].mCtls.size();
+        }
+    }
+    EXPECT_GT(allowed, 0);
+    EXPECT_LT(after, before * 2 / 3);
+}
+
+TEST(Simplify, LetsNoIslandComeToTheOtherSide) {
+    std::mt19937_64 random(11);
+    std::uniform_real_distribution<double> unit(-1, 1);
+    int moved = 0;
+    for (int i = 0; i < 60; ++i) {
+        CPath const ring = WavyRing(Pt(), 50, 0.4, 12, 0);
+        double const a = 3.2 * unit(random);
+        double const r = 50 + 0.8 * unit(random);
+        Pt const centre(r * std::cos(a), r * std::sin(a));
+        CPath const island = WavyRing(centre, 0.05, 0, 1, 0);
+        bool const crosses = NewMeetings({}, {ring, island}) != 0;
+        std::vector<CPath> simple;
+        SimplifyOutlines({ring, island}, 1.0, NewCrossings::kAllow, simple);
+        int const inside = trammel::WindingNumber(ring, centre);
+        moved += trammel::WindingNumber(simple[0], centre) != inside ? 1 : 0;
+        SimplifyOutlines({ring, island}, 1.0, NewCrossings::kAvoid, simple);
+        if (!crosses) {
+            EXPECT_EQ(trammel::WindingNumber(simple[0], centre), inside) << i;
+        }
+        EXPECT_EQ(NewMeetings({ring, island}, simple), 0) << i;
+    }
+    EXPECT_GT(moved, 0);
+}
+
+TEST(Simplify, KeepsTheCommonBorderOfOutlinesBitForBit) {
+    // Two halves of a disc with a wavy border, which they run through in opposite directions
+    std::vector<Pt> border;
+    for (int i = 0; i <= 60; ++i) {
+        border.push_back(Pt(i, 2 * std::sin(0.21 * i)));
+    }
+    CPath lower;
+    CPath upper;
+    lower.MoveTo(border[0]);
+    upper.MoveTo(border.back());
+    auto const curve = [&](std::size_t i, std::size_t k) { // from point i to its neighbour k
+        std::size_t const before = std::min<std::size_t>(2 * i - k, 60);
+        std::size_t const behind = std::min<std::size_t>(2 * k - i, 60);
+        (k > i ? lower : upper)
+            .CurveTo(border[i] + (border[k] - border[before]) * (1.0 / 6.0),
+                     border[k] - (border[behind] - border[i]) * (1.0 / 6.0), border[k]);
+    };
+    for (std::size_t i = 1; i < 59; ++i) {
+        if (i == 1) {
+            lower.LineTo(border[1]);
+            upper.LineTo(border[59]);
+        }
+        curve(i, i + 1);
+        curve(60 - i, 59 - i);
+    }
+    lower.CurveTo(Pt(60, -40), Pt(0, -40), border[1]).ClosePath();
+    upper.CurveTo(Pt(0, 40), Pt(60, 40), border[59]).ClosePath();
+    for (NewCrossings const crossings : {NewCrossings::kAllow, NewCrossings::kAvoid}) {
+        std::vector<CPath> simple;
+        double const kept = SimplifyOutlines({lower, upper}, 0.2, crossings, simple);
+        EXPECT_TRUE(Keeps(ElementsOf(lower), ElementsOf(simple[0]), kept));
+        hausdorff::Elements const one = ElementsOf(simple[0]);
+        long common = 0;
+        for (hausdorff::Element const& e : ElementsOf(simple[1])) {
+            common += std::any_of(one.begin(), one.end(), [&](hausdorff::Element const& o) {
+                return o.p == std::array<Pt, 4>{e.p[3], e.p[2], e.p[1], e.p[0]};
+            });
+        }
+        EXPECT_GT(common, 2);
+        EXPECT_EQ(NewMeetings({lower, upper}, simple), 0);
+        EXPECT_LT(simple[0].mCtls.size(), 30U);
+    }
+}
+
+TEST(Simplify, TakesElementsBackThatCrossOthers) {
+    // A loop that crosses itself keeps the elements at the crossing, and the others become fewer.
+    CPath const loop = CutIntoParts(Path("M0 0 C150 100 -50 100 100 0"), 40);
+    CPath simple;
+    EXPECT_LE(Simplify(loop, 0.5, NewCrossings::kAvoid, simple), 0.5);
+    EXPECT_EQ(NewMeetings({loop}, {simple}), 0);
+    EXPECT_LT(simple.mCtls.size(), 20U);
+    CPath rest;
+    Simplify(loop, 0.5, NewCrossings::kAllow, rest);
+    EXPECT_EQ(Count(rest, kPathCurve), 1);
+    EXPECT_EQ(Simplify(loop, kNaN, NewCrossings::kAvoid, rest), 0.0);
+    EXPECT_EQ(rest.mPts, loop.mPts);
+}
+
+TEST(Simplify, LetsNothingCrossAnewInAFont) {
+    constexpr char const* kFont = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
+    if (!std::ifstream(kFont)) {
+        GTEST_SKIP() << "there is no " << kFont << "; script/setup demo installs it";
+    }
+    std::size_t before = 0;
+    std::size_t after = 0;
+    for (CPath const& glyph : Glyphs(kFont, 33, 127)) {
+        for (double const tolerance : {2.0, 20.0}) { // of 1,000 units an em
+            std::vector<CPath> simple;
+            double const kept = SimplifyOutlines({glyph}, tolerance, NewCrossings::kAvoid, simple);
+            EXPECT_TRUE(Keeps(ElementsOf(glyph), ElementsOf(simple[0]), kept));
+            EXPECT_EQ(NewMeetings({glyph}, simple), 0);
+            before += glyph.mCtls.size();
+            after += simple[0].mCtls.size();
+        }
+    }
+    EXPECT_LT(after, before);
+}
+
+#ifdef TRAMMEL_TEST_MAPS
+
+TEST(Simplify, LetsNothingCrossAnewInAMapOfCurves) {
+    std::vector<CPath> map;
+    for (auto const& contour : trammel_test::CountriesOf("countries-110m.json")) {
+        std::vector<Pt> ring;
+        for (Pt const& p : contour) { // neighbours have the same vertices
+            Pt const vertex(std::round(p.h * 0x1p20) / 0x1p20, std::round(p.v * 0x1p20) / 0x1p20);
+            if (ring.empty() || (vertex != ring.back() && vertex != ring.front())) {
+                ring.push_back(vertex);
+            }
+        }
+        map.push_back(Smooth(ring));
+    }
+    if (map.empty()) {
+        GTEST_SKIP() << "no countries-110m.json (script/setup maps fetches it)";
+    }
+    std::vector<CPath> simple;
+    double const kept = SimplifyOutlines(map, 0.3, NewCrossings::kAvoid, simple);
+    EXPECT_LE(kept, 0.3);
+    EXPECT_EQ(NewMeetings(map, simple), 0);
+    std::size_t before = 0;
+    std::size_t after = 0;
+    for (std::size_t i = 0; i < map.size(); ++i) {
+        before += map[i].mCtls.size();
+        after += simple[i].mCtls.size();
+    }
+    EXPECT_LT(after, before);
+}
+
+#endif
 
 } // namespace

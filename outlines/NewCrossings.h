@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+
+// NewCrossings: whether what is simplified may cross or touch where it did not before.
+
+#ifndef TRAMMEL_NEWCROSSINGS_H
+#define TRAMMEL_NEWCROSSINGS_H
+
+namespace trammel {
+
+/// Tells whether simplified rings and outlines may cross or touch where they did not before.
+enum class NewCrossings {
+    kAllow, ///< they may
+    kAvoid, ///< they may not, and keep more vertices or elements where they would
+};
+
+} // namespace trammel
+
+#endif
