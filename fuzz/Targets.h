@@ -13,6 +13,8 @@
 
 namespace fuzz {
 
+/// Matrices, lines, vectors and rectangles against their plain forms.
+void Points(Input& in);
 /// Cubics and quadratics against their plain forms, and the accurate queries.
 void Curves(Input& in);
 /// Paths against their plain form, PathMeasure against the path, and the functions that read and
@@ -47,7 +49,8 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 13> kTargets = {{{"curves", Curves},
+inline constexpr std::array<Target, 14> kTargets = {{{"points", Points},
+                                                     {"curves", Curves},
                                                      {"paths", Paths},
                                                      {"outlines", Outlines},
                                                      {"intersections", Intersections},

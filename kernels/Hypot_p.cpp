@@ -37,11 +37,15 @@ double RareHypot(double h, double v) {
     double const absV = std::abs(v);
     double const longer = absH < absV ? absV : absH;
     double const shorter = absH < absV ? absH : absV;
-    if (shorter <= longer * kHypotNegligible) {
-        return longer + shorter;
+    // In each branch the product neither overflows nor underflows where the answer matters.
+    if (longer > kHypotLargest) {
+        return shorter <= longer * kHypotNegligible
+                   ? longer + shorter
+                   : CorrectedHypot(longer * kDown, shorter * kDown) * kUp;
     }
-    return longer > kHypotLargest ? CorrectedHypot(longer * kDown, shorter * kDown) * kUp
-                                  : CorrectedHypot(longer * kUp, shorter * kUp) * kDown;
+    return longer >= shorter * (1.0 / kHypotNegligible)
+               ? longer + shorter
+               : CorrectedHypot(longer * kUp, shorter * kUp) * kDown;
 }
 
 } // namespace trammel_detail

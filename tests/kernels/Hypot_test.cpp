@@ -70,6 +70,12 @@ TEST(Hypot, HasTheBitsOfTheCLibraryOnX86) {
 }
 #endif
 
+TEST(Hypot, RoundsRightBesideTheSmallestLeg) {
+    // Half a unit of the longer leg is not to be taken for the shorter one.
+    EXPECT_EQ(Hypot(0x1p-1074, 0x1.1ff252121ff25p-1021), 0x1.1ff252121ff25p-1021);
+    EXPECT_EQ(Hypot(0x1.1ff252121ff27p-1021, -0x1p-1074), 0x1.1ff252121ff27p-1021);
+}
+
 TEST(Hypot, TakesAnInfinityBeforeANaN) {
     EXPECT_EQ(Hypot(kNaN, -kInf), kInf);
     EXPECT_EQ(Hypot(kInf, kNaN), kInf);
