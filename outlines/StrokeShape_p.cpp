@@ -55,7 +55,7 @@ public:
     Pt const& At(std::size_t k) const { return mStroke.at[mKept[k]]; }
 
     /// The direction from the point toward the first point behind it that is out of reach, or
-    /// before it; as long as their distance.
+    /// before it; as long as their distance. It is null where there is no other point.
     Pt Away(std::size_t k, bool forward) const {
         std::size_t none = k;
         return forward ? Ahead(k, none) : Behind(k, none);
@@ -91,7 +91,7 @@ private:
         Pt away = At(j) - p;
         for (; steps < kMostCornerSteps; ++steps) {
             if (j == (forward ? mKept.size() - 1 : 0)) {
-                if (!mClosed) {
+                if (!mClosed || mKept.size() == 1) {
                     break;
                 }
                 j = forward ? 0 : mKept.size() - 1; // the same place

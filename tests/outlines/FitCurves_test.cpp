@@ -300,6 +300,18 @@ TEST(FitCurves, TakesAnyCoordinatesAndTolerances) {
     EXPECT_EQ(fit.mPts.size(), 2U);
 }
 
+// All points lie within a step of the search for corners.
+TEST(FitCurves, FitsALoopThatIsSmallBesideTheTolerance) {
+    for (double const tolerance : {1.0, 3.0, 100.0, 1e6, 1e300}) {
+        CPath path;
+        EXPECT_LE(FitCurves({Pt(0, 0), Pt(1, 0), Pt(1, 1), Pt(0, 0)}, tolerance, 0.5, path),
+                  tolerance);
+        ASSERT_FALSE(path.mPts.empty());
+        EXPECT_EQ(path.mPts.front(), Pt(0, 0));
+        EXPECT_EQ(path.mPts.back(), Pt(0, 0));
+    }
+}
+
 TEST(FitCurves, GivesAStrokeScaledByAPowerOfTwoTheSameFitScaled) {
     Pts const stroke = Sampled(400, Handwriting);
     CPath fit;
