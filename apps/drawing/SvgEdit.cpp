@@ -2,6 +2,7 @@
 
 #include "SvgEdit.h"
 
+#include "CssTokens.h"
 #include "Markup.h"
 #include "Numbers.h"
 #include "SvgAttributes.h"
@@ -133,6 +134,36 @@ std::string Quoted(std::string const& value, char quote) {
     return out;
 }
 
+/// Returns the declarations with an end to what they leave open: a string, an address, a comment or
+/// brackets. What follows is a declaration of its own then.
+std::string Ended(std::string text) {
+    std::size_t const last = text.find_last_not_of('\\');
+    if ((text.size() - (last == std::string::npos ? 0 : last + 1)) % 2 == 1) {
+        text.pop_back();
+    }
+    // Behind the right sign, a semicolon is a token.
+    for (std::string const sign : {"", "\"", "'", ")", "*/"}) {
+        std::vector<CssToken> const tokens = CssTokens(text + sign + ";");
+        std::size_t const behind = text.size() + sign.size();
+        if (tokens.size() > 1 && tokens[tokens.size() - 2].Is(';') &&
+            tokens[tokens.size() - 2].begin == behind) {
+            text += sign;
+            break;
+        }
+    }
+    std::string open;
+    for (CssToken const& token : CssTokens(text)) {
+        if (token.kind == CssToken::Kind::kFunction || token.Is('(')) {
+            open += ')';
+        } else if (token.Is('[') || token.Is('{')) {
+            open += token.Is('[') ? ']' : '}';
+        } else if (!open.empty() && token.Is(open.back())) {
+            open.pop_back();
+        }
+    }
+    return text.append(open.rbegin(), open.rend());
+}
+
 } // namespace
 
 std::string MatrixText(CMatrix3x3 const& m) {
@@ -165,7 +196,7 @@ std::string SvgEdit::PathText(CPath const& path) const {
 
 void SvgEdit::AddStyle(std::size_t element, std::string const& property, std::string const& value) {
     std::optional<std::string>& style = mTags[element].attributes["style"];
-    std::string text = style ? *style : NodeAt(element).attribute("style").value();
+    std::string text = Ended(style ? *style : NodeAt(element).attribute("style").value());
     std::size_t const last = text.find_last_not_of(kSpace);
     text.resize(last == std::string::npos ? 0 : last + 1);
     if (!text.empty() && text.back() != ';') {
@@ -231,7 +262,7 @@ void SvgEdit::KeepStyleOfType(std::size_t element, std::string const& type) {
                                                           : "unset";
         AddStyle(element, property, kept + (important ? " !important" : ""));
     }
-    if (after.count("d") != 0) {
+    if (after.count("d") != 0 || own.count("d") != 0) {
         AddStyle(element, "d", "path(\"" + *mTags[element].attributes["d"] + "\") !important");
     }
     // Paths show markers that these shapes do not have.

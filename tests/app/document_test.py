@@ -90,6 +90,15 @@ class Documents(AppTest):
                              'style="fill:blue;stroke:#0f0;stroke-width:unset"/>')])
         self.assertBox(self.outlines(self.out)["box"]["bounds"], [12, 7, 20, 13])
 
+    def test_a_shape_gets_its_outline_whatever_its_style_says(self):
+        # A line has no use for "d", and a style attribute may end within a string, an address, a
+        # comment or brackets.
+        for style in ("d:path('M0 0H9') !important", "color:{[", "color:rgb(1", "--a:'x", "--a:url(x",
+                      "/* x", "color:a\\", "d:path('M0 0') !important;color:({x)"):
+            file = self.write("in.svg", svg(f'<line id="l" x2="5" y2="5" style="{style}"/>'))
+            self.quiet("cut", file, "--id", "l", "--from", "0.2", "--to", "1", "-o", self.out)
+            self.assertBox(self.outlines(self.out)["l"]["bounds"], [1, 1, 5, 5])
+
     def test_cut_writes_two_documents(self):
         self.quiet("cut", self.file, "--id", "l", "--from", "0.2", "--to", "1", "-o", self.out,
                    "--rest", self.path("rest.svg"))
