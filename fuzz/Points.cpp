@@ -126,7 +126,8 @@ void Matrices(Input& in) {
     // The rounding of the determinant is the greatest part of the error.
     double const size = GreatestOf(m);
     double const determinant = std::abs(m.Determinant());
-    if (!thrown && size < 1e30 && determinant > 1e-30 && std::abs(p.h) < 1e60 && std::abs(p.v) < 1e60) {
+    if (!thrown && size < 1e30 && determinant > 1e-30 && std::abs(p.h) < 1e60 &&
+        std::abs(p.v) < 1e60) {
         double const products = std::abs(m.a * m.d) + std::abs(m.b * m.c);
         double const share = products / determinant * 0x1p-48;
         double const reach = (GreatestOf(inverse) + 1.0) * (size + 1.0) * 8.0;

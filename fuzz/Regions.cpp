@@ -71,8 +71,10 @@ Pt At(PathSegment const& s, double t) {
 void CheckDistance(Operands const& operands, double kept) {
     Require(kept >= 0.0 && kept >= operands.tolerance * (operands.size > 0.0 ? 1.0 : 0.0),
             "the distance is the tolerance or more");
-    Require(!operands.CanBeJudged() || kept <= std::max(operands.tolerance, operands.size * 0x1p-6),
-            "the distance is small beside the size");
+    // Far from the origin, coordinates are rounded more coarsely.
+    double const most =
+        std::max(operands.tolerance, operands.size * 0x1p-6) + operands.greatest * 0x1p-40;
+    Require(!operands.CanBeJudged() || kept <= most, "the distance is small beside the size");
 }
 
 /// Contours close, and each element comes from its source.

@@ -43,13 +43,20 @@ void Handles(Input& in);
 void Clip(Input& in);
 /// SVG path text.
 void Text(Input& in);
+/// The command-line tool's reader of SVG drawings: what it reads can be written, edited and read
+/// again.
+void Svg(Input& in);
+/// Its reader of fonts against plain glyphs.
+void Fonts(Input& in);
+/// Its readers of maps against the outlines that the maps were made from.
+void Maps(Input& in);
 
 struct Target {
     char const* name;
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 14> kTargets = {{{"points", Points},
+inline constexpr std::array<Target, 17> kTargets = {{{"points", Points},
                                                      {"curves", Curves},
                                                      {"paths", Paths},
                                                      {"outlines", Outlines},
@@ -62,7 +69,10 @@ inline constexpr std::array<Target, 14> kTargets = {{{"points", Points},
                                                      {"polygons", Polygons},
                                                      {"handles", Handles},
                                                      {"clip", Clip},
-                                                     {"text", Text}}};
+                                                     {"text", Text},
+                                                     {"svg", Svg},
+                                                     {"fonts", Fonts},
+                                                     {"maps", Maps}}};
 
 /// The target of that name, null for none.
 Target const* FindTarget(std::string_view name);
