@@ -273,8 +273,7 @@ private:
         double const sOn = std::min(std::max(s, 0.0), 1.0);
         double const tOn = std::min(std::max(t, 0.0), 1.0);
         if (sOn == s && tOn == t) {
-            AddCrossing(a, b, alongA, alongB, s, t);
-            return true;
+            return AddEvent(a, b, alongA, alongB, s, t, s, t);
         }
         // Pieces that bend by less than a right angle lead away from the crossing of their
         // extensions. So they are as far from each other as the sine times the way to it. As no
@@ -290,11 +289,6 @@ private:
         return true;
     }
 
-    /// Adds the event of a crossing of two pieces.
-    void AddCrossing(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
-                     double s, double t) {
-        AddEvent(a, b, alongA, alongB, s, t, s, t);
-    }
     /// Adds an event where the pieces' extensions cross at (s, t), if the pieces are near each
     /// other at their ends.
     void AddNearEnd(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
@@ -311,12 +305,17 @@ private:
             AddEvent(a, b, alongA, alongB, ofA ? sOn : footOnA, ofA ? footOnB : tOn, s, t);
         }
     }
-    /// Adds an event at (sOn, tOn) of pieces whose extensions cross at (s, t).
-    void AddEvent(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
+    /// Adds an event at (sOn, tOn) of pieces whose extensions cross at (s, t). Returns false where
+    /// that is no crossing, as the points are apart: Newton's method also stops where one of the
+    /// derivatives vanishes.
+    bool AddEvent(Piece const& a, Piece const& b, Arms const& alongA, Arms const& alongB,
                   double sOn, double tOn, double s, double t) {
         bool const inside = sOn == s && tOn == t;
         CubicPlace const p = PlaceAt(a.c, sOn);
         CubicPlace const q = PlaceAt(b.c, tOn);
+        if (inside && !(Square(p.point - q.point) <= mMargin * mMargin)) {
+            return false;
+        }
         Pt const first = p.first.Null() ? (sOn < 0.5 ? alongA[0] : alongA[2]) : p.first;
         Pt const second = q.first.Null() ? (tOn < 0.5 ? alongB[0] : alongB[2]) : q.first;
         double const cross = Cross(second, first);
@@ -337,6 +336,7 @@ private:
         mEvents.push_back({a.At(from), a.At(to), b.At(against ? onB.high : onB.low),
                            b.At(against ? onB.low : onB.high), a.At(sOn), b.At(tOn),
                            lacksBefore ? 0.0 : -side, lacksAfter ? 0.0 : side, inside, true});
+        return true;
     }
 
     struct Stretch {
@@ -458,8 +458,7 @@ private:
                 double s = y[0] / (y[0] - y[3]);
                 double t = s;
                 if (Solve(a.c, b.c, alongA, alongB, s, t) && s >= 0.0 && s <= 1.0 && t >= 0.0 &&
-                    t <= 1.0) {
-                    AddCrossing(a, b, alongA, alongB, s, t);
+                    t <= 1.0 && AddEvent(a, b, alongA, alongB, s, t, s, t)) {
                     return Outcome::kDone;
                 }
             } else {

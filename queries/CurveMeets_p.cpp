@@ -263,6 +263,7 @@ void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double acc
 double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
     mMeets.clear();
     mEvents.clear();
+    accuracy = accuracy >= 0.0 ? accuracy : 0.0; // also for a NaN
     // Differences from one point of the pair keep all bits that matter, wherever the drawing lies.
     // They are brought to a magnitude at which no product of four overflows or underflows.
     std::array<Pt, 8> points;
@@ -311,7 +312,7 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
     double const asked = exponent == 0 ? accuracy : std::scalbn(accuracy, -exponent);
     // At the coarsest accuracy all points are near each other.
     constexpr double kCoarsest = 16.0;
-    double kept = asked >= finest ? std::min(asked, kCoarsest * extent) : finest; // also for a NaN
+    double kept = asked >= finest ? std::min(asked, kCoarsest * extent) : finest;
     std::copy(points.begin(), points.begin() + 4, mA.begin());
     std::copy(points.begin() + 4, points.end(), mB.begin());
     while (!FindCurveEvents(mA, mB, kept, mEvents)) {
@@ -323,7 +324,7 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
     if (!mEvents.empty()) {
         Join();
     }
-    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent) : accuracy;
+    return kept > asked ? std::scalbn(kept, exponent) : accuracy;
 }
 
 /// Joins events to groups, and makes each group a meet.

@@ -399,6 +399,22 @@ TEST(Intersections, LieWithinTheAccuracyOfBoth) {
     }
 }
 
+// The curve and the straight one that backs up by a rounding stand still at their common end, in
+// one direction. Newton's method stops there with points that are far apart.
+TEST(Intersections, LieWithinTheAccuracyWhereBothCurvesStandStill) {
+    double const k = 1461.7099199295053;
+    CBezier const straight(Pt(-k, -k - 0x1p-42), Pt(-k - 0x1p-41, -k - 3 * 0x1p-42), Pt(0, 0),
+                           Pt(0, 0));
+    CBezier const curve(Pt(0, -12), Pt(-12, 19), Pt(-k + 0x1p-40, -k + 3 * 0x1p-42),
+                        Pt(-k + 0x1p-41, -k + 0x1p-42));
+    Places places;
+    double const kept = AppendIntersections(straight, curve, 0.0, places);
+    EXPECT_EQ(Kinds(places), "EX");
+    for (Intersection const& p : places) {
+        EXPECT_LE(Distance(straight.TPt(p.a.t), curve.TPt(p.b.t)), kept);
+    }
+}
+
 TEST(Intersections, TellWhereCurvesComeWithinAQuarterOfTheAccuracy) {
     Random random(8);
     for (int i = 0; i < 6000; ++i) {
@@ -558,6 +574,10 @@ TEST(Intersections, OfPointsAreEnds) {
     EXPECT_EQ(Kinds(Intersections(point, point, kFine)), "E");
     EXPECT_EQ(Kinds(Intersections(point, point + Pt(1, 0), kFine)), "");
     EXPECT_EQ(Kinds(Intersections(CBezier(), CBezier(), kFine)), "E");
+    Places none;
+    for (double const accuracy : {-1.0, trammel_test::kNaN}) {
+        EXPECT_EQ(AppendIntersections(CBezier(), CBezier(), accuracy, none), 0.0);
+    }
 }
 
 TEST(Intersections, OfCurvesThatAreNotFiniteAreNone) {
