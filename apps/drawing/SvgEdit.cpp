@@ -135,7 +135,7 @@ std::string Quoted(std::string const& value, char quote) {
 }
 
 /// Returns the declarations with an end to what they leave open: a string, an address, a comment or
-/// brackets. What follows is a declaration of its own then.
+/// brackets. Another declaration behind them is one of its own then.
 std::string Ended(std::string text) {
     std::size_t const last = text.find_last_not_of('\\');
     if ((text.size() - (last == std::string::npos ? 0 : last + 1)) % 2 == 1) {
