@@ -42,7 +42,8 @@ bool IsNear(Pts const& points, CPath const& path, double distance) {
             double const here = trammel::NearestPoint(s.Curve(), p, slack).distance;
             nearest = std::min(nearest, here);
         }
-        return nearest <= distance * (1.0 + 1e-9) + 4.0 * slack;
+        // The last term: the points are rounded, to subnormal numbers as well.
+        return nearest <= distance * (1.0 + 1e-9) + 4.0 * slack + 0x1p-1070;
     });
 }
 

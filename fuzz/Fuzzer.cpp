@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
-// The targets behind libFuzzer: trammel_fuzz --target=NAME [OPTION...] [FOLDER...].
+// The targets behind libFuzzer: trammel_fuzz --target=NAME [OPTION...] [FOLDER...]. AFL++ has
+// arguments of its own, so there the environment's TRAMMEL_FUZZ_TARGET names the target.
 
 #include "Targets.h"
 
@@ -16,6 +17,9 @@ fuzz::Target const* gTarget = nullptr;
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
     std::string_view const option = "--target=";
+    if (char const* const name = std::getenv("TRAMMEL_FUZZ_TARGET")) {
+        gTarget = fuzz::FindTarget(name);
+    }
     for (int i = 1; i < *argc; ++i) {
         std::string_view const argument = (*argv)[i];
         if (argument.substr(0, option.size()) == option) {
@@ -23,7 +27,7 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
         }
     }
     if (gTarget == nullptr) {
-        std::fputs("trammel_fuzz: --target=NAME is missing or none of:", stderr);
+        std::fputs("trammel_fuzz: no target; --target=NAME is one of:", stderr);
         for (fuzz::Target const& target : fuzz::kTargets) {
             std::fprintf(stderr, " %s", target.name);
         }
