@@ -27,10 +27,9 @@ constexpr std::size_t PointCount(CGPathElementType type) {
     case kCGPathElementMoveToPoint:
     case kCGPathElementAddLineToPoint:
         return 1;
-    case kCGPathElementAddQuadCurveToPoint:
-        return 2;
     case kCGPathElementAddCurveToPoint:
         return 3;
+    case kCGPathElementAddQuadCurveToPoint: // no call adds one
     case kCGPathElementCloseSubpath:
         break;
     }

@@ -713,4 +713,33 @@ TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
     }
 }
 
+TEST(FlattenInto, PathThatBeginsWithACurveBeginsAtTheOrigin) {
+    CPath path;
+    CPath begun;
+    begun.MoveTo(Pt(0, 0));
+    for (int i = 0; i < 9; ++i) {
+        Pt const at(10.0 * i, 0);
+        begun.CurveTo(at + Pt(2, 8), at + Pt(8, -8), at + Pt(10, 0));
+    }
+    path.mCtls.assign(begun.mCtls.begin() + 1, begun.mCtls.end());
+    path.mPts.assign(begun.mPts.begin() + 1, begun.mPts.end());
+    trammel::FlatContours flat;
+    trammel::FlatContours expected;
+    FlattenInto(path, 0.01, flat);
+    FlattenInto(begun, 0.01, expected);
+    EXPECT_EQ(TextOf(flat), TextOf(expected));
+}
+
+TEST(FlattenInto, PathEndsWhereItsPointsDo) {
+    CPath path;
+    path.MoveTo(Pt(0, 0)).LineTo(Pt(5, 5));
+    path.mCtls.insert(path.mCtls.end(), {kPathCurve, kPathLine});
+    path.mPts.insert(path.mPts.end(), {Pt(6, 6), Pt(7, 7)}); // a curve takes three
+    trammel::FlatContours flat;
+    FlattenInto(path, 0.1, flat);
+    trammel::FlatContours expected;
+    FlattenInto(CPath().MoveTo(Pt(0, 0)).LineTo(Pt(5, 5)), 0.1, expected);
+    EXPECT_EQ(TextOf(flat), TextOf(expected));
+}
+
 } // namespace

@@ -456,6 +456,14 @@ TEST(OutlineMeasure, NearestPlaceOfAnOutlineFarFromTheOrigin) {
     EXPECT_NEAR(measure.FindNearest(far + Pt(30, 5)).parameter, 0.5, 1e-9);
 }
 
+TEST(OutlineMeasure, PlaceOnALineWhoseCoordinatesAddUpToInfinityIsOnIt) {
+    CPath path;
+    path.MoveTo(Pt(0, 0)).LineTo(Pt(1e308, 1e308));
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.At(0.5).point, Pt(5e307, 5e307));
+    EXPECT_EQ(measure.At(1.0).point, Pt(1e308, 1e308));
+}
+
 TEST(OutlineMeasure, NearestPlaceScalesWithTheOutline) {
     Random random(14);
     CPath const path = AnyPath(random, 10);
