@@ -74,6 +74,17 @@ mode_t Permissions(bool exists, struct stat const& status) {
     return 0666 & ~mask;
 }
 
+/// Exchanges two files. Returns false where one is missing, or where the system cannot do that.
+bool Exchange(std::string const& a, std::string const& b) {
+#ifdef RENAME_EXCHANGE
+    return renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
+#else
+    static_cast<void>(a);
+    static_cast<void>(b);
+    return false;
+#endif
+}
+
 [[noreturn]] void FailToWrite(std::string const& file, int errorNumber) {
     throw Error(file, "", "cannot be written: " + SystemMessage(errorNumber));
 }
@@ -142,14 +153,43 @@ void OutputFiles::Commit() {
         }
     }
     for (Entry& entry : mEntries) {
-        if (!entry.temporary.empty()) {
-            if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0) {
-                FailToWrite(entry.name, errno);
-            }
-            entry.temporary.clear();
+        if (!entry.temporary.empty() && !Move(entry, mEntries.size() > 1)) {
+            int const reason = errno;
+            Undo();
+            FailToWrite(entry.name, reason);
+        }
+    }
+    for (Entry const& entry : mEntries) {
+        if (entry.place == Place::kExchanged) {
+            unlink(entry.temporary.c_str());
         }
     }
     mEntries.clear();
+}
+
+bool OutputFiles::Move(Entry& entry, bool mayExchange) {
+    if (mayExchange && Exchange(entry.temporary, entry.target)) {
+        entry.place = Place::kExchanged;
+        return true;
+    }
+    bool const isNew = access(entry.target.c_str(), F_OK) != 0;
+    if (std::rename(entry.temporary.c_str(), entry.target.c_str()) != 0) {
+        return false;
+    }
+    entry.place = isNew ? Place::kNew : Place::kApart;
+    entry.temporary.clear();
+    return true;
+}
+
+void OutputFiles::Undo() {
+    for (Entry& entry : mEntries) {
+        if (entry.place == Place::kExchanged) {
+            Exchange(entry.temporary, entry.target);
+        } else if (entry.place == Place::kNew) {
+            unlink(entry.target.c_str());
+        }
+        entry.place = Place::kApart;
+    }
 }
 
 void WriteFile(std::string const& file, std::string const& content) {

@@ -23,16 +23,29 @@ public:
     /// output ("-") directly.
     /// Throws Error when the file cannot be written, or was added before.
     void Add(std::string const& file, std::string const& content);
-    /// Moves the files to their places. Throws Error.
+    /// Moves the files to their places. Throws Error, and then all files are as they were; where
+    /// the system cannot exchange files, some may be new.
     void Commit();
 
 private:
+    /// Where the content of the file is.
+    enum class Place {
+        kApart,     ///< in `temporary`, or in `content`
+        kExchanged, ///< in its place, and `temporary` is the old file
+        kNew        ///< in its place, where no file was
+    };
     struct Entry {
         std::string name;      ///< as the user gave it
         std::string target;    ///< links followed
         std::string temporary; ///< empty: write `content` to the target itself
         std::string content;
+        Place place = Place::kApart;
     };
+    /// Moves one file to its place. Returns false, with errno set, when that fails.
+    static bool Move(Entry& entry, bool mayExchange);
+    /// Brings the old files back.
+    void Undo();
+
     std::vector<Entry> mEntries;
 };
 

@@ -120,6 +120,38 @@ class Faults(AppTest):
                        stdout=full)
             self.check("polygons", self.file, "--describe", "-o", self.out, stdout=full)
 
+    def test_of_two_outputs_neither_changes_when_the_second_cannot_be_moved(self):
+        # In a sticky folder a file of another user can be written, but not replaced.
+        def leave():
+            if os.geteuid() == 0:
+                os.setuid(NOBODY)
+        if os.geteuid() != 0:
+            self.skipTest("files of another user take root")
+        os.chmod(self.folder, 0o777)
+        sticky = self.path("sticky")
+        os.mkdir(sticky)
+        rest = os.path.join(sticky, "rest.svg")
+        with open(rest, "wb") as file:
+            file.write(b"mine")
+        os.chmod(rest, 0o666)
+        os.chmod(sticky, 0o1777)
+        try:
+            subprocess.run([PROGRAM, "measure", self.file], stdout=subprocess.DEVNULL, check=True,
+                           cwd=self.folder, preexec_fn=leave)
+        except (OSError, subprocess.SubprocessError):
+            self.skipTest("nobody may run the program")
+        cut = ["cut", self.file, "--from", "0", "--to", "0.5", "-o", self.out, "--rest", rest]
+        for old in (b"precious", None):
+            if old:
+                self.write("out.svg", old)
+                os.chmod(self.out, 0o666)
+            elif os.path.exists(self.out):
+                os.remove(self.out)
+            self.assertIn("rest.svg", self.check(*cut, preexec_fn=leave))
+            self.assertEqual(os.listdir(sticky), ["rest.svg"])
+            with open(rest, "rb") as file:
+                self.assertEqual(file.read(), b"mine")
+
     def test_standard_output_may_be_full_or_closed(self):
         commands = [[name, *arguments, "-q", "-o", "-"] for name, arguments in self.writers.items()
                     if name != "polygons"]
