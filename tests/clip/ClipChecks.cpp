@@ -2,6 +2,8 @@
 
 #include "ClipChecks.h"
 
+#include "Int128_p.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -62,7 +64,7 @@ void ExpectDirections(Region const& region) {
 
 namespace {
 
-__extension__ typedef __int128 Int128;
+using trammel_detail::Int128;
 
 /// A vertex in units of 2^-42, in which crossings can be tested exactly.
 struct IntegerPoint {
