@@ -594,11 +594,18 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
             return FindOnMonotone(b.c, b.straight, PlaceAt(a.c, first.end ? 1.0 - s : s).point,
                                   0.5 * mReach, t);
         };
-        if (onB(1.0)) {
-            return; // its end is a vertex
-        }
+        // Both may come together again at the end, which is a vertex then.
         double together = 0.0;
         double apart = 1.0;
+        for (double const s : {0.5, 0.25, 0.75}) {
+            if (!onB(apart)) {
+                break;
+            }
+            apart = s;
+        }
+        if (onB(apart)) {
+            return;
+        }
         for (int i = 0; i < 40; ++i) {
             double const middle = 0.5 * (together + apart);
             (onB(middle) ? together : apart) = middle;

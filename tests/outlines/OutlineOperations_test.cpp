@@ -345,6 +345,20 @@ TEST(OutlineOperations, NameTheParametersOfLinesRunThroughAtAnyPace) {
     EXPECT_EQ(2, std::count(out.mCtls.begin(), out.mCtls.end(), kPathCurve));
 }
 
+TEST(OutlineOperations, MakeFewElementsOfCurvesWithBothEndsInCommonThatAreTangentThere) {
+    CPath const a = Path("M0 0C0 0.552 0.448 1 1 1L1 0Z");
+    CPath const b = Path("M0 0C0 0.55201 0.448 1 1 1L1 0Z");
+    for (TPolyOp const op : {kPolyUnion, kPolyIntersection, kPolyDifference, kPolyXor}) {
+        CPath out;
+        std::vector<ElementSource> sources;
+        double const kept = Boolean(op, b, kNonZero, a, kNonZero, 0.0, out, &sources);
+        ExpectSources(out, sources, {b, a}, kept, Text(out));
+        // The thin lens between them begins where they part.
+        EXPECT_LE(out.mCtls.size(), 8U) << Text(out);
+        ExpectRight({"lens", op, b, a, kNonZero, kNonZero});
+    }
+}
+
 TEST(OutlineOperations, FindWhereACurveIsCrossedBesideAnEndAtWhichItStandsStill) {
     CPath const lines = Path("M-15 -5C-5 -5 12 1 6 15C20 -7 19 -17 20 -12C-20 -20 -20 -20 -20 -20");
     for (double const tolerance : {0.4, 0.01, 1e-6, 0.0}) {
