@@ -72,7 +72,11 @@ void Fit(Pts const& points, double tolerance, double angle) {
     }
     for (CPath const* path : {static_cast<CPath const*>(&fit), &drawn}) {
         Require(path->mPts.front() == finite.front(), "it begins at the first point");
-        Require(path->mPts.back() == finite.back(), "it ends at the last point");
+        // The line that closes a stroke has no point of its own.
+        bool const closes = path->mCtls.back() == kPathClose;
+        Require(path->mPts.back() == finite.back() ||
+                    (closes && path->mPts.front() == finite.back()),
+                "it ends at the last point");
         Require(std::all_of(path->mPts.begin(), path->mPts.end(), IsFinite), "it is finite");
     }
     if (CanBeJudged(SizeOf(finite)) && fit.mCtls.size() > 1) {

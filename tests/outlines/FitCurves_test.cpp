@@ -308,7 +308,7 @@ TEST(FitCurves, FitsALoopThatIsSmallBesideTheTolerance) {
                   tolerance);
         ASSERT_FALSE(path.mPts.empty());
         EXPECT_EQ(path.mPts.front(), Pt(0, 0));
-        EXPECT_EQ(path.mPts.back(), Pt(0, 0));
+        EXPECT_EQ(path.mCtls.back(), kPathClose);
     }
 }
 
