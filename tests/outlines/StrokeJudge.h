@@ -19,14 +19,18 @@
 
 namespace trammel_test {
 
+/// The sides of a line on which the pen paints; left is where a turn by a positive angle leads.
+enum class PenSides { kBoth, kLeft, kRight };
+
 /// The shape that a pen covers along a path, which is drawn solid.
 class StrokeJudge {
 public:
     typedef long double Wide;
     typedef TPoint<double> Pt;
 
-    StrokeJudge(CPath const& path, trammel::StrokeStyle const& style)
-        : mStyle(style), mRadius(0.5L * style.width), mLimit(1) {
+    StrokeJudge(CPath const& path, trammel::StrokeStyle const& style,
+                PenSides sides = PenSides::kBoth)
+        : mStyle(style), mSides(sides), mRadius(0.5L * style.width), mLimit(1) {
         if (style.miterLimit >= 1.0) {
             mLimit = style.miterLimit;
         }
@@ -150,8 +154,12 @@ private:
         Wide const cosine = std::sqrt(std::fmax(0, 0.5L + 0.5L * before.Dot(behind)));
         Wide const sine = std::sqrt(std::fmax(0, 0.5L - 0.5L * before.Dot(behind)));
         Wide const outer = turn > 0 ? -1 : 1; // the side of the normals on which the corner opens
+        bool const isReversal = turn == 0 && before.Dot(behind) < 0; // whichever side it is
+        if (!isReversal && !Paints(outer)) {
+            return;
+        }
         Vec const a = before.Turned() * outer;
-        Vec const b = turn == 0 && before.Dot(behind) < 0 ? a * -1 : behind.Turned() * outer;
+        Vec const b = isReversal ? a * -1 : behind.Turned() * outer;
         Vec const pa = p + a * mRadius;
         Vec const pb = p + b * mRadius;
         if (mStyle.join == trammel::StrokeJoin::kRound) {
@@ -199,10 +207,15 @@ private:
         }
         return false;
     }
+    /// Tells whether the pen paints on the side that the sign tells.
+    bool Paints(Wide left) const {
+        return mSides == PenSides::kBoth || (mSides == PenSides::kLeft ? left >= 0 : left <= 0);
+    }
     bool LineCovers(Piece const& piece, Vec const& q) const {
         Wide const along = (q - piece.p[0]).Dot(piece.from);
+        Wide const left = piece.from.Cross(q - piece.p[0]);
         return along >= 0 && along <= (piece.p[3] - piece.p[0]).Length() &&
-               std::fabs((q - piece.p[0]).Cross(piece.from)) <= mRadius;
+               std::fabs(left) <= mRadius && Paints(left);
     }
     /// Tells whether a normal of the curve reaches the point. The product of the derivative with
     /// the way to the point is 0 there: a polynomial of degree 5, here in Bernstein form.
@@ -251,7 +264,9 @@ private:
                 Vec const place = p[0] * (u * u * u) + p[1] * (3 * u * u * middle) +
                                   p[2] * (3 * u * middle * middle) +
                                   p[3] * (middle * middle * middle);
-                if ((place - q).Length() <= mRadius) {
+                Vec const along = (p[1] - p[0]) * (u * u) + (p[2] - p[1]) * (2 * u * middle) +
+                                  (p[3] - p[2]) * (middle * middle);
+                if ((place - q).Length() <= mRadius && Paints(along.Cross(q - place))) {
                     return true;
                 }
                 continue;
@@ -270,6 +285,7 @@ private:
     }
 
     trammel::StrokeStyle mStyle;
+    PenSides mSides;
     Wide mRadius;
     Wide mLimit;
     std::vector<Piece> mPieces;

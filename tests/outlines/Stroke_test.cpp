@@ -382,6 +382,50 @@ TEST(StrokeDashes, HoldThePointsWithinHalfTheWidth) {
     }
 }
 
+TEST(StrokeDashes, HaveTheJoinsAndCapsOfTheirStretches) {
+    Dice dice(9);
+    for (int i = 0; i < 70; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        StrokeStyle style = Style(hard.width, static_cast<StrokeJoin>(dice.Below(4)),
+                                  static_cast<StrokeCap>(dice.Below(3)));
+        style.endCap = static_cast<StrokeCap>(dice.Below(3));
+        StrokeStyle const solid = style;
+        OutlineMeasure const whole(hard.path);
+        double const step = dice.Between(0.04, 0.3) * whole.Length();
+        double const part = dice.Between(0.2, 0.8);
+        style.dashes = {part * step, (1.0 - part) * step};
+        style.dashOffset = dice.Unit() * part * step;
+        CPath out;
+        double const kept = Stroke(hard.path, style, 1e-6 * hard.width, out);
+        CPath dashes; // by lengths along each subpath
+        for (CPath const& subpath : trammel::SplitSubpaths(hard.path)) {
+            OutlineMeasure const measure(subpath);
+            for (double from = -style.dashOffset; from < measure.Length(); from += step) {
+                measure.GetLengthRange(std::max(from, 0.0), from + part * step, dashes);
+            }
+        }
+        trammel_test::StrokeJudge const ideal(dashes, solid);
+        trammel_test::OutlineJudge const judge(out);
+        OutlineMeasure const drawn(dashes);
+        // The dashes' ends are as exact as lengths, and directions turn fast near cusps.
+        double const slack = 1.01 * kept + 1e-6 * hard.width;
+        std::vector<Pt> points;
+        for (int k = 0; k < 10; ++k) {
+            points.push_back(NearBorder(drawn, 0.5 * hard.width, dice));
+            points.push_back(dashes.mPts[static_cast<std::size_t>(
+                                 dice.Below(static_cast<int>(dashes.mPts.size())))] +
+                             dice.Point() * hard.width);
+        }
+        for (Pt const& p : points) {
+            int const winding = judge.Winding(p);
+            ASSERT_TRUE(winding == (ideal.Covers(p) ? 1 : 0) || ideal.IsAtBorder(p, slack))
+                << "path " << i << ": " << trammel::WriteSvgPath(hard.path) << " at " << p.h << ' '
+                << p.v << ", winding number " << winding << ", width " << hard.width << ", step "
+                << step;
+        }
+    }
+}
+
 // ---- offsets
 
 TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
@@ -407,6 +451,98 @@ TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
             }
         }
     }
+}
+
+/// The contours of a border, each run through so that the region is on its left. Empty where it
+/// is not plain on which side the region is, as beside slivers.
+CPath WithRegionOnLeft(CPath const& border) {
+    CPath out;
+    double const off = 1e-7 * (border.Bounds().Width() + border.Bounds().Height());
+    for (CPath const& contour : trammel::SplitSubpaths(border)) {
+        int left = 0;
+        int right = 0;
+        for (trammel::PathSegment const& s : trammel::Segments(contour)) {
+            CBezier const curve = s.Curve();
+            Pt const middle = (curve.P0 + curve.P3 + (curve.P1 + curve.P2) * 3.0) * 0.125;
+            Pt const along = curve.P3 + curve.P2 - curve.P1 - curve.P0;
+            double const length = std::hypot(along.h, along.v);
+            if (length == 0.0) {
+                continue; // a close that has nothing to draw
+            }
+            Pt const side = Pt(-along.v, along.h) * (off / length);
+            bool const isLeft = WindingNumber(border, middle + side) != 0;
+            bool const isRight = WindingNumber(border, middle - side) != 0;
+            left += isLeft && !isRight ? 1 : 0;
+            right += isRight && !isLeft ? 1 : 0;
+            if (isLeft == isRight || length < 1e-3 * off * 1e7) {
+                return CPath();
+            }
+        }
+        if (left > 0 && right > 0) {
+            return CPath();
+        }
+        trammel::AppendSubpaths(out, left > 0 ? contour : trammel::Reversed(contour));
+    }
+    return out;
+}
+
+TEST(Offset, HoldsWhatTheOuterSideOfTheBorderCoversByEveryJoin) {
+    Dice dice(7);
+    int judged = 0;
+    for (int i = 0; i < 70; ++i) {
+        HardPath const hard(i % kHardKinds, dice);
+        CPath region = trammel::WithSubpathsClosed(hard.path);
+        if (dice.Below(3) == 0) { // a polygon with the same ends
+            region = CPath();
+            for (std::size_t k = 0; k < hard.path.mPts.size(); ++k) {
+                k == 0 ? region.MoveTo(hard.path.mPts[k]) : region.LineTo(hard.path.mPts[k]);
+            }
+            region.ClosePath();
+        }
+        FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
+        bool const grows = dice.Coin();
+        double const distance = hard.width * (grows ? 1.0 : -0.3);
+        StrokeStyle style = Style(2.0 * std::abs(distance), static_cast<StrokeJoin>(dice.Below(4)),
+                                  StrokeCap::kButt);
+        style.miterLimit = dice.Between(1.0, 6.0);
+        CPath out;
+        double const kept = Offset(region, rule, distance, style.join, style.miterLimit,
+                                   hard.width * (dice.Coin() ? 1e-3 : 1e-6), out);
+        CPath plain; // the region's border
+        double const slack = 1.01 * (kept + RemoveOverlap(region, rule, 0.0, plain));
+        CPath const turned = WithRegionOnLeft(plain);
+        if (turned.mCtls.empty()) {
+            continue;
+        }
+        trammel_test::StrokeJudge const ideal(
+            turned, style, grows ? trammel_test::PenSides::kRight : trammel_test::PenSides::kLeft);
+        trammel_test::OutlineJudge const judge(out);
+        trammel_test::OutlineJudge const before(plain);
+        OutlineMeasure const border(plain);
+        std::vector<Pt> points;
+        for (int k = 0; k < 15; ++k) {
+            points.push_back(k % 3 == 0 ? region.mPts[static_cast<std::size_t>(
+                                              dice.Below(static_cast<int>(region.mPts.size())))] +
+                                              dice.Point() * (2.0 * hard.width)
+                                        : NearBorder(border, std::abs(distance), dice));
+        }
+        std::mt19937 random(static_cast<unsigned>(i));
+        judge.ForBeside(random, 1, 1.5 * kept, [&](Pt const& p) { points.push_back(p); });
+        for (Pt const& p : points) {
+            if (!(border.Distance(p) > slack)) {
+                continue;
+            }
+            bool const inside = before.Winding(p) != 0;
+            bool const isIn = grows ? inside || ideal.Covers(p) : inside && !ideal.Covers(p);
+            int const winding = judge.Winding(p);
+            ++judged;
+            ASSERT_TRUE(winding == (isIn ? 1 : 0) || ideal.IsAtBorder(p, slack))
+                << "region " << i << ": " << trammel::WriteSvgPath(region) << " at " << p.h << ' '
+                << p.v << ", winding number " << winding << ", distance " << distance << ", join "
+                << static_cast<int>(style.join) << ", limit " << style.miterLimit;
+        }
+    }
+    EXPECT_GT(judged, 300);
 }
 
 TEST(Offset, GrowsContoursThatTouchAndAreHardlyWiderThanARounding) {
