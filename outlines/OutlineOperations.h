@@ -54,6 +54,7 @@
 #include "TrammelExport.h"
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace trammel {
@@ -115,7 +116,10 @@ public:
 
     /// Returns the bounded faces, in the order of the first elements on their outer contours. Faces
     /// that no operand winds around are there, too, such as a yard between several operands.
-    std::vector<OutlineFace> const& Faces() const noexcept { return mFaces; }
+    std::vector<OutlineFace> const& Faces() const& noexcept { return mFaces; }
+    /// Returns the same for an arrangement that ends here. A loop over these faces may outlive it.
+    std::vector<OutlineFace> Faces() && noexcept { return std::move(mFaces); }
+
     /// Returns the distance that is kept: each point farther from all outlines lies in one face
     /// with its winding numbers, or in none.
     double Distance() const noexcept { return mDistance; }

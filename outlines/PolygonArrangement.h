@@ -22,6 +22,7 @@
 #include "TrammelExport.h"
 
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace trammel {
@@ -62,7 +63,10 @@ public:
 
     /// Returns the bounded faces, in the order of the first vertices of their outer rings. Faces
     /// that no operand winds around are there, too, such as a yard between several operands.
-    std::vector<ArrangementFace> const& Faces() const noexcept { return mFaces; }
+    std::vector<ArrangementFace> const& Faces() const& noexcept { return mFaces; }
+    /// Returns the same for an arrangement that ends here, such as PolygonArrangement(operands). A
+    /// loop over these faces may outlive it.
+    std::vector<ArrangementFace> Faces() && noexcept { return std::move(mFaces); }
 
     /// Returns the region of some faces together, as ToPolygons() does. `faces` are indices into
     /// Faces(), in any order. One that is there twice counts once, and one beyond the last counts

@@ -131,6 +131,15 @@ TEST(PolygonArrangement, HasNoFacesWithoutOperandsThatEncloseSomething) {
     EXPECT_TRUE(none.Merged({0, 1, 2}).empty());
 }
 
+TEST(PolygonArrangement, GivesItsFacesToALoopThatOutlivesIt) {
+    std::size_t windings = 0;
+    for (ArrangementFace const& face :
+         PolygonArrangement({{Square(0, 0, 2)}, {Square(1, 1, 2)}}).Faces()) {
+        windings += face.windings.size();
+    }
+    EXPECT_EQ(windings, 4U); // one, both, the other
+}
+
 TEST(PolygonArrangement, MergesFacesOnceAndNoneBeyondTheLast) {
     PolygonArrangement const arrangement({{Square(0, 0, 2)}, {Square(1, 1, 2)}});
     std::vector<PolygonWithHoles> const merged = arrangement.Merged({2, 1, 1, 7});
