@@ -61,7 +61,7 @@ public:
             double at = 0;
             if (!HasActive(begin)) {
                 mItems.resize(begin);
-            } else if (size > kFew && ChooseSplit(begin, direction, at)) {
+            } else if (FindSplit(begin, direction, at)) {
                 if (!Spend(size + kSamples)) {
                     return false;
                 }
@@ -113,8 +113,24 @@ private:
                           std::abs(direction.v) * static_cast<double>(mMargin.y) + 0x1p13;
         return direction;
     }
-    /// Chooses a line that leaves few edges on both sides. False if there is none.
-    bool ChooseSplit(std::size_t begin, Direction& best, double& at);
+    /// Looks for a line that leaves few edges on both sides. False if there seems to be none.
+    bool FindSplit(std::size_t begin, Direction& best, double& at) {
+        std::size_t const size = mItems.size() - begin;
+        if (size > kFew && ChooseSplit(begin, kSamples * 7 / 8, best, at)) {
+            return true;
+        }
+        // A sample can miss a good line, and to hold the edges against each other costs the square
+        // of their number. So many of them are worth more samples.
+        for (std::size_t rest = size / 64; rest > kFew; rest /= 4) {
+            if (ChooseSplit(begin, kSamples * 5 / 8, best, at)) {
+                return true;
+            }
+        }
+        return false;
+    }
+    /// Chooses the best line for one sample of the edges. False if it leaves more than `most` of
+    /// the sample on one side.
+    bool ChooseSplit(std::size_t begin, std::size_t most, Direction& best, double& at);
     /// Replaces the last items by those of two parts.
     void Split(std::size_t begin, Direction const& direction, double at);
     void PairAll(std::size_t begin);
@@ -130,7 +146,7 @@ private:
     std::uint32_t mRandom = 1;
 };
 
-bool Splitter::ChooseSplit(std::size_t begin, Direction& best, double& at) {
+bool Splitter::ChooseSplit(std::size_t begin, std::size_t most, Direction& best, double& at) {
     // A linear congruential generator draws the sample.
     std::array<GridEdge, kSamples> sample;
     std::size_t const size = mItems.size() - begin;
@@ -179,7 +195,7 @@ bool Splitter::ChooseSplit(std::size_t begin, Direction& best, double& at) {
             }
         }
     }
-    return greater * 8 <= kSamples * 7;
+    return greater <= most;
 }
 
 void Splitter::Split(std::size_t begin, Direction const& direction, double at) {
