@@ -5,6 +5,7 @@
 #include "Clearances_p.h"
 #include "Cuts_p.h"
 #include "EdgeCopies_p.h"
+#include "PartPairs_p.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -61,16 +62,20 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
     }
     tree.emplace(lines, std::move(active), GridPoint{clearances.Reach(), clearances.Reach()},
                  EdgeTree::Order::kLines);
+    // The pairs of parts for the second round, where these are found without a tree.
+    ScratchVector<EdgePair> pairs(incidences.get_allocator());
+    bool hasPairs = false;
     for (std::size_t round = 0;; ++round) {
         bool const known = round == 0 && clearances.Usable() && recheck == Recheck::kWhereNeeded;
-        ScratchVector<Cut> cuts =
-            FindCuts(*tree, grid, round < kExactRounds ? Test::kExact : Test::kHotPixels,
-                     known ? &clearances : nullptr, incidences);
+        FoundCuts found =
+            hasPairs ? FindCuts(*tree, pairs, grid, incidences)
+                     : FindCuts(*tree, grid, round < kExactRounds ? Test::kExact : Test::kHotPixels,
+                                known ? &clearances : nullptr, incidences);
         if (copies) {
-            copies->CutCopies(cuts);
+            copies->CutCopies(found.cuts);
             copies->ShareEnds(incidences);
         }
-        bool const any = std::any_of(cuts.begin(), cuts.end(),
+        bool const any = std::any_of(found.cuts.begin(), found.cuts.end(),
                                      [](Cut const& cut) { return cut.incidence != kSingle; });
         if (!any) {
             if (!tree->IsInOrderOfLines() || !tree->HasBoxes() || !tree->IsWhole() || copies) {
@@ -78,17 +83,33 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
             }
             return;
         }
-        SortedCuts sorted(cuts, *tree);
-        if (round >= kMonotoneFrom) {
-            sorted.KeepMonotone();
-        }
         active = ScratchVector<char>(incidences.get_allocator());
         std::size_t const count = tree->Count();
-        std::size_t const unsettledCount =
-            ApplyCuts(sorted, *tree, known ? &clearances : nullptr, lines, incidences, active);
+        std::size_t unsettledCount = 0;
+        hasPairs = false;
+        if (known) {
+            SortedCuts sorted(found, *tree);
+            found.cuts = ScratchVector<Cut>(incidences.get_allocator());
+            PartsOfEdges parts(incidences.get_allocator().GetScratch());
+            unsettledCount = ApplyCuts(sorted, *tree, clearances, lines, incidences, active, parts);
+            if (unsettledCount != 0 && !copies) {
+                tree.emplace(lines, std::move(active));
+                hasPairs = FindPartPairs(sorted, parts, *tree, lines, pairs);
+                if (!hasPairs) {
+                    active = tree->TakeActive();
+                }
+            }
+        } else {
+            unsettledCount = InsertCuts(std::move(found.cuts),
+                                        round < kMonotoneFrom ? Keep::kAll : Keep::kMonotone, *tree,
+                                        lines, incidences, active);
+        }
         if (unsettledCount == 0) {
             tree.reset();
             return;
+        }
+        if (hasPairs) {
+            continue;
         }
         bool const pixels = round + 1 >= kExactRounds;
         if (copies) {

@@ -29,8 +29,7 @@ void SortAlong(Cut* begin, Cut* end) {
 /// Finds the parts of cut edges that may meet others, see Clearances.
 class UnsettledParts {
 public:
-    /// Without clearances, all parts may meet others.
-    UnsettledParts(EdgeTree const& tree, SortedCuts& sorted, Clearances const* clearances,
+    UnsettledParts(EdgeTree const& tree, SortedCuts& sorted, Clearances const& clearances,
                    Scratch* scratch)
         : mTree(tree), mSorted(sorted), mClearances(clearances), mPoints(scratch), mParts(scratch) {
     }
@@ -38,13 +37,13 @@ public:
     /// True when no part of a cut edge may meet others. `before` and `after` are the edges that the
     /// edge follows and that follow it.
     bool IsClear(std::size_t edge, std::size_t before, std::size_t after) const {
-        if (mClearances == nullptr || mSorted.HasNearMiss(edge)) {
+        if (mSorted.HasNearMiss(edge)) {
             return false;
         }
-        GridEdge const& e = mTree.At(edge);
+        GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
-        std::int64_t clearance = mClearances->ForCorner(mTree.At(before), e);
-        std::int64_t const endClearance = mClearances->ForCorner(e, mTree.At(after));
+        std::int64_t clearance = mClearances.ForCorner(mTree.At(before), e);
+        std::int64_t const endClearance = mClearances.ForCorner(e, mTree.At(after));
         bool clear = !IsShort(before, clearance) && !IsShort(after, endClearance);
         std::int64_t at = axis.Along(e.a);
         for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
@@ -60,11 +59,6 @@ public:
     /// lack their clearance get kShared.
     ScratchVector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
         Collect(edge, before, after);
-        mParts.assign(1, 1);
-        if (mClearances == nullptr) {
-            mParts.resize(mPoints.size() - 1, 1);
-            return mParts;
-        }
         FindLacks(edge);
         // A point that lacks its clearance affects the parts within that distance, forwards and
         // then backwards.
@@ -104,26 +98,25 @@ private:
 
     /// Sets the points: the edge's ends, and between them its cuts and near misses.
     void Collect(std::size_t edge, std::size_t before, std::size_t after) {
-        GridEdge const& e = mTree.At(edge);
+        GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
-        bool const known = mClearances != nullptr;
         mPoints.clear();
-        mPoints.push_back({axis.Along(e.a), known ? mClearances->ForCorner(mTree.At(before), e) : 0,
-                           true, false});
+        mPoints.push_back(
+            {axis.Along(e.a), mClearances.ForCorner(mTree.At(before), e), true, false});
         for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
             Cut const& cut = mSorted.At(i);
             bool const isVertex = cut.incidence != kSingle;
             mPoints.push_back({cut.along, cut.clearance, isVertex, !isVertex});
         }
         mPoints.push_back(
-            {axis.Along(e.b), known ? mClearances->ForCorner(e, mTree.At(after)) : 0, true, false});
+            {axis.Along(e.b), mClearances.ForCorner(e, mTree.At(after)), true, false});
         // The clearance at a corner holds for the neighbour, too. A neighbour that is cut checks it
         // in its turn.
-        mPoints.front().lacks = known && IsShort(before, mPoints.front().clearance);
-        mPoints.back().lacks = known && IsShort(after, mPoints.back().clearance);
+        mPoints.front().lacks = IsShort(before, mPoints.front().clearance);
+        mPoints.back().lacks = IsShort(after, mPoints.back().clearance);
     }
     bool IsShort(std::size_t edge, std::int64_t clearance) const {
-        GridEdge const& e = mTree.At(edge);
+        GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
         return axis.Along(e.b) - axis.Along(e.a) < clearance && !mSorted.Has(edge);
     }
@@ -147,17 +140,18 @@ private:
 
     EdgeTree const& mTree;
     SortedCuts& mSorted;
-    Clearances const* mClearances;
+    Clearances const& mClearances;
     ScratchVector<Point> mPoints;
     ScratchVector<char> mParts;
 };
 
 } // namespace
 
-SortedCuts::SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree)
-    : mCuts(unsorted.size(), unsorted.get_allocator()),
-      mEnds(tree.Count(), 0, unsorted.get_allocator()),
-      mHas(tree.Count(), 0, unsorted.get_allocator()) {
+SortedCuts::SortedCuts(FoundCuts const& found, EdgeTree const& tree)
+    : mCuts(found.cuts.size(), found.cuts.get_allocator()),
+      mEnds(tree.Count(), 0, found.cuts.get_allocator()),
+      mHas(tree.Count(), 0, found.cuts.get_allocator()) {
+    ScratchVector<Cut> const& unsorted = found.cuts;
     // The caller treats this like a lack of memory.
     if (unsorted.size() > std::numeric_limits<std::uint32_t>::max()) {
         throw std::length_error("SortedCuts");
@@ -171,8 +165,10 @@ SortedCuts::SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree)
     for (std::uint32_t& end : mEnds) {
         sum += std::exchange(end, sum);
     }
-    for (Cut const& cut : unsorted) {
-        mCuts[mEnds[cut.edge]++] = cut;
+    for (std::size_t i = 0; i < unsorted.size(); ++i) {
+        Cut& cut = mCuts[mEnds[unsorted[i].edge]++];
+        cut = unsorted[i];
+        cut.edge = i < found.paired ? unsorted[i ^ 1].edge : kNoOther;
     }
     for (std::size_t edge = 0; edge < mEnds.size(); ++edge) {
         if (mEnds[edge] - Begin(edge) > 1) {
@@ -181,32 +177,23 @@ SortedCuts::SortedCuts(ScratchVector<Cut> const& unsorted, EdgeTree const& tree)
     }
 }
 
-void SortedCuts::KeepMonotone() {
-    std::size_t begin = 0;
-    std::size_t size = 0;
-    for (std::uint32_t& end : mEnds) {
-        std::size_t const first = size;
-        for (std::size_t k = begin; k < end; ++k) {
-            if (size == first || mCuts[k].across >= mCuts[size - 1].across) {
-                mCuts[size++] = mCuts[k];
-            }
-        }
-        begin = std::exchange(end, static_cast<std::uint32_t>(size));
-    }
-    mCuts.resize(size);
+namespace {
+
+/// Forgets what crossing a vertex is. Its number tells the edges' directions there, and a cut can
+/// change the directions at its edge's ends.
+void Forget(ScratchVector<Incidence>& incidences, std::size_t vertex) {
+    incidences[vertex] = std::min(incidences[vertex], kShared);
 }
-std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const* clearances,
+
+} // namespace
+
+std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const& clearances,
                       GridLines& lines, ScratchVector<Incidence>& incidences,
-                      ScratchVector<char>& active) {
-    // A crossing's number tells the edges' directions there. A cut can change the directions at its
-    // edge's ends.
-    auto const forget = [&](std::size_t vertex) {
-        incidences[vertex] = std::min(incidences[vertex], kShared);
-    };
+                      ScratchVector<char>& active, PartsOfEdges& parts) {
     for (std::size_t i = 0; i < tree.Count(); ++i) {
         if (sorted.Has(i)) {
-            forget(i);
-            forget(tree.SecondOf(i));
+            Forget(incidences, i);
+            Forget(incidences, tree.SecondOf(i));
         }
     }
     std::size_t const most = lines.points.size() + sorted.Count();
@@ -226,12 +213,14 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     std::size_t size = 0;
     std::size_t unsettledCount = 0;
     std::size_t begin = 0;
+    parts.Reserve(tree.Count());
     for (std::size_t& lineEnd : lines.ends) {
         std::size_t const end = lineEnd;
         for (std::size_t i = begin; i < end; ++i) {
             allPoints[size] = lines.points[i];
             allIncidences[size] = incidences[i];
             std::size_t const first = size++;
+            parts.Push(first);
             if (!sorted.Has(i)) {
                 originate(first, size, i);
                 continue;
@@ -272,6 +261,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
         lineEnd = size;
         begin = end;
     }
+    parts.Push(size);
     allPoints.resize(size);
     allIncidences.resize(size);
     active.resize(size);
@@ -282,6 +272,91 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     }
     incidences = std::move(allIncidences);
     return unsettledCount;
+}
+
+namespace {
+
+/// Puts cuts into the order of their edges, and those of each edge into their order along it.
+void SortByEdge(ScratchVector<Cut>& cuts) {
+    std::sort(cuts.begin(), cuts.end(), [](Cut const& c, Cut const& d) {
+        return c.edge != d.edge     ? c.edge < d.edge
+               : c.along != d.along ? c.along < d.along
+                                    : c.across < d.across;
+    });
+}
+
+/// A vertex that comes after another one.
+struct NewVertex {
+    std::size_t after;
+    GridPoint at;
+};
+
+/// Moves the last values up and puts a value after each place of a new vertex, in place.
+template <class Values, class Value>
+void Spread(Values& values, ScratchVector<NewVertex> const& vertices, Value&& value) {
+    std::size_t from = values.size();
+    std::size_t to = from + vertices.size();
+    if (to > values.capacity()) {
+        values.reserve(to + to / 16);
+    }
+    values.resize(to);
+    for (std::size_t i = vertices.size(); i-- > 0;) {
+        std::size_t const next = vertices[i].after + 1;
+        auto const at = [&](std::size_t k) {
+            return values.begin() + static_cast<std::ptrdiff_t>(k);
+        };
+        std::move_backward(at(next), at(from), at(to));
+        to -= from - next + 1;
+        from = next;
+        values[to] = value(vertices[i]);
+    }
+}
+
+} // namespace
+
+std::size_t InsertCuts(ScratchVector<Cut> cuts, Keep keep, EdgeTree const& tree, GridLines& lines,
+                       ScratchVector<Incidence>& incidences, ScratchVector<char>& active) {
+    SortByEdge(cuts);
+    ScratchVector<NewVertex> vertices(cuts.get_allocator());
+    vertices.reserve(cuts.size());
+    active.assign(tree.Count() + cuts.size(), 0);
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < cuts.size();) {
+        std::size_t const edge = cuts[i].edge;
+        MajorAxis const axis(tree.At(edge));
+        Forget(incidences, edge);
+        Forget(incidences, tree.SecondOf(edge));
+        std::size_t const first = vertices.size();
+        std::int64_t across = cuts[i].across;
+        for (; i < cuts.size() && cuts[i].edge == edge; ++i) {
+            if (keep == Keep::kMonotone && cuts[i].across < across) {
+                continue;
+            }
+            across = cuts[i].across;
+            GridPoint const p = axis.Point(cuts[i].along, across);
+            if (vertices.size() == first || p != vertices.back().at) {
+                vertices.push_back({edge, p});
+            }
+        }
+        std::size_t const parts = vertices.size() - first + 1;
+        std::fill_n(active.begin() + static_cast<std::ptrdiff_t>(edge + first), parts, 1);
+        count += parts;
+    }
+    // The lines change from here on, and the tree may read them.
+    std::size_t before = 0;
+    for (std::size_t& end : lines.ends) {
+        while (before < vertices.size() && vertices[before].after < end) {
+            ++before;
+        }
+        end += before;
+    }
+    Spread(lines.points, vertices, [](NewVertex const& v) { return v.at; });
+    Spread(incidences, vertices, [](NewVertex const&) { return kShared; });
+    if (!lines.origins.empty()) {
+        Spread(lines.origins, vertices, [&](NewVertex const& v) { return lines.origins[v.after]; });
+    }
+    active.resize(lines.points.size());
+    return count;
 }
 
 } // namespace trammel_detail

@@ -42,79 +42,47 @@ private:
     std::array<std::uint64_t, 64> mRows{}; // a bit a cell
 };
 
-EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin,
-                   Order order)
-    : mLines(lines), mActiveEdges(std::move(active)), mMargin(margin), mOrder(order),
+EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active)
+    : mLines(lines), mActiveEdges(std::move(active)), mMargin{0, 0}, mOrder(Order::kLines),
       mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
       mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
       mSpans(lines.points.get_allocator()), mPairs(lines.points.get_allocator()),
       mChainOf(lines.points.get_allocator()) {
-    if (lines.points.size() > kMostEdges) {
+    if (Count() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
-    mEdges.resize(lines.points.size());
-    mFirst.assign(lines.points.size(), 0);
-    for (std::size_t line = 0; line < lines.Count(); ++line) {
-        std::size_t const begin = lines.Begin(line);
-        std::size_t const end = lines.End(line);
-        mFirst[begin] = 1;
-        for (std::size_t i = begin; i + 1 < end; ++i) {
-            mEdges[i] = {lines.points[i], lines.points[i + 1]};
-        }
-        mEdges[end - 1] = {lines.points[end - 1], lines.points[begin]};
+    mIsSparse = true;
+    mFirst.assign(Count(), 0);
+    for (std::size_t line = 0; line < mLines.Count(); ++line) {
+        mFirst[mLines.Begin(line)] = 1;
     }
+}
+
+EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin,
+                   Order order)
+    : EdgeTree(lines, std::move(active)) {
+    mMargin = margin;
+    mOrder = order;
+    mIsSparse = false;
     bool const allActive = mActiveEdges.empty();
-    bool const few = mEdges.size() <= kFewEdges;
-    std::size_t countActive = mEdges.size();
+    bool const few = Count() <= kFewEdges;
+    std::size_t countActive = Count();
     if (!allActive) {
         countActive =
             static_cast<std::size_t>(std::count(mActiveEdges.begin(), mActiveEdges.end(), 1));
-        mIsSparse = countActive <= mEdges.size() / 8;
+        mIsSparse = countActive <= Count() / 8;
         if (few || countActive <= kFewActive) {
             return;
         }
     }
-    if (mEdges.empty()) {
+    if (Count() == 0) {
         return;
     }
-    ActiveCells cells;
-    for (std::size_t i = 0; i < mEdges.size() && mIsSparse; ++i) {
-        if (IsActive(i)) {
-            cells.Mark(Widened(Widened(BoxOf(mEdges[i]))));
-        }
-    }
-    auto const isLeftOut = [&](std::size_t i) {
-        return IsCopy(i) || (mIsSparse && !cells.Meets(BoxOf(mEdges[i])));
-    };
-    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
-    mChains.reserve(mIsSparse ? 0 : lines.points.size() / 2);
-    mNodes.reserve(few || mIsSparse ? 0 : lines.points.size());
-    for (std::size_t line = 0; line < lines.Count(); ++line) {
-        std::size_t const end = lines.End(line);
-        for (std::size_t i = lines.Begin(line); i < end;) {
-            if (isLeftOut(i)) {
-                ++i;
-                continue;
-            }
-            std::size_t const chain = i;
-            // Where the chain has gone so far, as bits: 1 east, 2 west, 4 up, 8 down.
-            unsigned directions = 0;
-            bool isActive = false;
-            for (; i < end && i - chain < longest; ++i) {
-                auto const [a, b] = mEdges[i];
-                unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
-                                     (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
-                if ((all & (all >> 1) & 5U) != 0 || (i > chain && isLeftOut(i))) {
-                    break;
-                }
-                directions = all;
-                isActive = isActive || IsActive(i);
-            }
-            mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
-            if (!few) {
-                mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isActive});
-            }
-        }
+    if (mIsSparse) {
+        AddSparseChains();
+    } else {
+        FillEdges();
+        AddChains(order, !few);
     }
     if (few) {
         return;
@@ -122,8 +90,10 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     Slant slant;
     Sample const sample = mNodes.size() > kFewEdges ? ChooseSlant(slant) : Sample();
     SplitWhereWorthwhile(sample, countActive);
-    bool const entangled = sample.meeting > sample.drawn / 8 && mChainOf.empty();
-    if (entangled && allActive && mEdges.size() <= kMostEntangled) {
+    bool const entangled = mNodes.size() > kFewEdges
+                               ? sample.meeting > sample.drawn / 8 && mChainOf.empty()
+                               : AreFewEntangled();
+    if (entangled && allActive && Count() <= kMostEntangled) {
         mNodes.clear();
         return;
     }
@@ -137,6 +107,67 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
         }
     }
     AddLevels();
+}
+
+void EdgeTree::FillEdges() {
+    mEdges.resize(Count());
+    for (std::size_t line = 0; line < mLines.Count(); ++line) {
+        std::size_t const begin = mLines.Begin(line);
+        std::size_t const end = mLines.End(line);
+        for (std::size_t i = begin; i + 1 < end; ++i) {
+            mEdges[i] = {mLines.points[i], mLines.points[i + 1]};
+        }
+        mEdges[end - 1] = {mLines.points[end - 1], mLines.points[begin]};
+    }
+}
+
+void EdgeTree::AddChains(Order order, bool withBoxes) {
+    std::size_t const longest = order == Order::kLines ? kLongestChain : kLongestSortedChain;
+    mChains.reserve(Count() / 2);
+    mNodes.reserve(withBoxes ? Count() : 0);
+    for (std::size_t line = 0; line < mLines.Count(); ++line) {
+        std::size_t const end = mLines.End(line);
+        for (std::size_t i = mLines.Begin(line); i < end;) {
+            if (IsCopy(i)) {
+                ++i;
+                continue;
+            }
+            std::size_t const chain = i;
+            // Where the chain has gone so far, as bits: 1 east, 2 west, 4 up, 8 down.
+            unsigned directions = 0;
+            bool isActive = false;
+            for (; i < end && i - chain < longest; ++i) {
+                auto const [a, b] = mEdges[i];
+                unsigned const all = directions | (b.x > a.x ? 1U : 0U) | (b.x < a.x ? 2U : 0U) |
+                                     (b.y > a.y ? 4U : 0U) | (b.y < a.y ? 8U : 0U);
+                if ((all & (all >> 1) & 5U) != 0 || (i > chain && IsCopy(i))) {
+                    break;
+                }
+                directions = all;
+                isActive = isActive || IsActive(i);
+            }
+            mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
+            if (withBoxes) {
+                mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isActive});
+            }
+        }
+    }
+}
+
+/// Adds a chain for each run of edges that active ones may come near.
+void EdgeTree::AddSparseChains() {
+    ActiveCells cells;
+    for (std::size_t i = NextActive(0); i < Count(); i = NextActive(i + 1)) {
+        cells.Mark(Widened(Widened(BoxOf(At(i)))));
+    }
+    ForRuns([&](std::size_t begin, std::size_t end, GridPoint, GridBox const& box) {
+        if (cells.Meets(box)) {
+            mChains.push_back({static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)});
+            bool const isActive =
+                std::memchr(mActiveEdges.data() + begin, 1, end - begin) != nullptr;
+            mNodes.push_back({Widened(box), isActive});
+        }
+    });
 }
 
 EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
@@ -153,10 +184,10 @@ EdgeTree::Slant EdgeTree::SlantAcross(GridEdge const& e) const {
 }
 
 EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
-    std::int64_t const first = slant.Of(mEdges[mChains[chain].begin].a);
+    std::int64_t const first = slant.Of(At(mChains[chain].begin).a);
     Span span = {first, first};
     for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
-        std::int64_t const at = slant.Of(mEdges[i].b);
+        std::int64_t const at = slant.Of(At(i).b);
         span.Include({at, at});
     }
     return {span.low - slant.reach, span.high + slant.reach};
@@ -165,9 +196,11 @@ EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
 /// True when edges of two chains may come near each other.
 bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
     for (std::size_t i = mChains[k].begin; i < mChains[k].end; ++i) {
-        GridBox const box = Widened(Widened(BoxOf(mEdges[i])));
+        GridEdge const e = At(i);
+        GridBox const box = Widened(Widened(BoxOf(e)));
         for (std::size_t j = mChains[l].begin; j < mChains[l].end; ++j) {
-            if (box.Meets(BoxOf(mEdges[j])) && MayBeNear(mEdges[i], mEdges[j], mMargin)) {
+            GridEdge const f = At(j);
+            if (box.Meets(BoxOf(f)) && MayBeNear(e, f, mMargin)) {
                 return true;
             }
         }
@@ -175,21 +208,69 @@ bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
     return false;
 }
 
+/// Estimates the steps that a walk takes above the chains, for each chain, in chains that one can
+/// be held against instead. In spirals and nested squares, boxes of a few chains all meet.
+double EdgeTree::OthersAbove() const {
+    constexpr std::size_t kSamples = 64;
+    constexpr std::size_t kMostSamples = 2048;
+    constexpr std::size_t kWorthwhile = 4;
+    // A look at one child costs so much less.
+    constexpr double kLook = 0.1;
+    double others = 0;
+    std::uint32_t random = 1;
+    for (std::size_t const size : {kFan, kFan * kFan}) {
+        std::size_t const groups = mNodes.size() / size;
+        if (groups < 2 * kFewEdges) {
+            break;
+        }
+        auto const any = [&] {
+            random = random * 1664525U + 1013904223U;
+            return (random >> 16) * groups >> 16;
+        };
+        auto const boxOf = [&](std::size_t group) {
+            GridBox box;
+            for (std::size_t i = 0; i < size; ++i) {
+                box.Include(mNodes[group * size + i].box);
+            }
+            return box;
+        };
+        std::size_t const samples = std::clamp(groups / 16, kSamples, kMostSamples);
+        std::size_t meeting = 0;
+        for (std::size_t i = 0; i < samples; ++i) {
+            std::size_t const k = any();
+            std::size_t const l = any();
+            meeting += (k + 1 < l || l + 1 < k) && boxOf(k).Meets(boxOf(l)) ? 1 : 0;
+        }
+        if (meeting < kWorthwhile) {
+            break;
+        }
+        // Each of these pairs leads to looks at the pairs of their children.
+        double const pairs = static_cast<double>(groups) / 2 * static_cast<double>(meeting) /
+                             static_cast<double>(samples);
+        others += kLook * kFan * kFan * pairs / static_cast<double>(size);
+    }
+    return others;
+}
+
 /// Lists the near pairs if most pairs of chains that the tree cannot tell apart are not near.
 void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCount) {
     // So many chains that each one is held against in vain cost more than the splits.
     double const kMany = 48;
-    if (sample.apart == 0 || mEdges.size() < kFewToSplit) {
-        return;
+    if (sample.apart * 4 < sample.meeting * 3 || sample.apart == 0 || Count() < kFewToSplit) {
+        return; // where many pairs are near indeed, it is they that cost most
     }
     double const others = static_cast<double>(mNodes.size()) * static_cast<double>(sample.apart) /
-                          static_cast<double>(sample.drawn);
+                              static_cast<double>(sample.drawn) +
+                          OthersAbove();
     if (others < kMany) {
         return;
     }
     double const pairs = others * static_cast<double>(activeCount) / 2;
+    if (mEdges.empty()) {
+        FillEdges();
+    }
     if (FindNearPairs(mEdges, mActiveEdges, mMargin, static_cast<std::size_t>(pairs), mPairs)) {
-        mChainOf.resize(mEdges.size());
+        mChainOf.resize(Count());
         for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
             for (std::size_t i = mChains[chain].begin; i < mChains[chain].end; ++i) {
                 mChainOf[i] = static_cast<std::uint32_t>(chain);
@@ -198,6 +279,20 @@ void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCoun
     } else {
         mPairs.clear();
     }
+}
+
+/// True when a quarter of a sample of pairs of chains meet.
+bool EdgeTree::AreFewEntangled() const {
+    std::size_t const count = mNodes.size();
+    std::size_t drawn = 0;
+    std::size_t meeting = 0;
+    for (std::size_t step : {2, 5, 11}) {
+        for (std::size_t i = 0; i + step < count; i += 3) {
+            ++drawn;
+            meeting += mNodes[i].box.Meets(mNodes[i + step].box) ? 1 : 0;
+        }
+    }
+    return meeting > drawn / 4;
 }
 
 /// Looks for a slant that tells chains apart although their boxes meet, and sets it if there is
@@ -215,7 +310,7 @@ EdgeTree::Sample EdgeTree::ChooseSlant(Slant& best) const {
     };
     std::array<std::pair<std::size_t, std::size_t>, kSamples> meeting;
     std::size_t count = 0;
-    std::size_t const samples = std::clamp(mNodes.size() / 64, kSamples, kMostSamples);
+    std::size_t const samples = std::clamp(mNodes.size() / 16, kSamples, kMostSamples);
     std::size_t drawn = 0;
     for (; drawn < samples && count < meeting.size(); ++drawn) {
         std::size_t const i = any();
@@ -232,7 +327,7 @@ EdgeTree::Sample EdgeTree::ChooseSlant(Slant& best) const {
     // Of the directions across some of the edges, the one that tells most pairs apart is best.
     std::size_t least = count;
     for (std::size_t k = 0; k < count; k += (count + 7) / 8) {
-        GridEdge const& e = mEdges[mChains[meeting[k].first].begin];
+        GridEdge const e = At(mChains[meeting[k].first].begin);
         if (e.a.x == e.b.x || e.a.y == e.b.y) {
             continue; // the boxes are as good across these
         }

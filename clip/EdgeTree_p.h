@@ -13,6 +13,8 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <utility>
 
 namespace trammel_detail {
 
@@ -42,6 +44,8 @@ public:
     /// pair, and a tree with such edges casts no rays. Throws std::length_error for more than
     /// kMostEdges.
     EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint margin, Order order);
+    /// No tree, for somebody who finds pairs of edges without one.
+    EdgeTree(GridLines const& lines, ScratchVector<char> active);
 
     bool IsInOrderOfLines() const { return mOrder == Order::kLines; }
     /// False where the tree has no boxes, because it costs less to hold edges against all others.
@@ -49,12 +53,41 @@ public:
     /// False where the tree leaves edges out that are far from all active ones. Such a tree casts
     /// no rays, nor does one with copies.
     bool IsWhole() const { return !mIsSparse; }
-    std::size_t Count() const { return mEdges.size(); }
-    GridEdge const& At(std::size_t i) const { return mEdges[i]; }
+    std::size_t Count() const { return mLines.points.size(); }
+    GridEdge At(std::size_t i) const {
+        return mEdges.empty() ? GridEdge{mLines.points[i], mLines.points[SecondOf(i)]} : mEdges[i];
+    }
     /// Returns the number of the edge's second vertex.
     std::size_t SecondOf(std::size_t edge) const {
         return edge + 1 < Count() && mFirst[edge + 1] == 0 ? edge + 1 : StartOfLine(edge);
     }
+    /// Returns the number of the edge that the edge follows.
+    std::size_t BeforeOf(std::size_t edge) const {
+        return mFirst[edge] == 0 ? edge - 1 : mLines.End(LineOf(edge)) - 1;
+    }
+    /// True when edges i < j follow each other.
+    bool Follow(std::size_t i, std::size_t j) const {
+        if (j == i + 1) {
+            return mFirst[j] == 0;
+        }
+        // They do so, too, as the first edge of a line and its last.
+        return mFirst[i] != 0 && (j + 1 == Count() || mFirst[j + 1] != 0) &&
+               mLines.End(LineOf(i)) == j + 1;
+    }
+    /// Returns the first active edge from `edge` on, or Count() for none. Not for trees in which
+    /// all edges are active.
+    std::size_t NextActive(std::size_t edge) const {
+        if (edge == Count()) {
+            return edge;
+        }
+        char const* const begin = mActiveEdges.data();
+        void const* const found = std::memchr(begin + edge, 1, Count() - edge);
+        return found != nullptr ? static_cast<std::size_t>(static_cast<char const*>(found) - begin)
+                                : Count();
+    }
+
+    /// Returns the marks of active edges, which are lost.
+    ScratchVector<char> TakeActive() { return std::move(mActiveEdges); }
 
     /// Calls visit(i, j, follow) with i < j for pairs of edges, where `follow` tells whether they
     /// follow each other on a line. All pairs are visited, once each, that fulfil these conditions:
@@ -82,13 +115,13 @@ private:
     static constexpr std::size_t kMostLevels = 17;        // enough for kMostEdges
     static constexpr std::size_t kLongestChain = 8;       // edges of a leaf
     static constexpr std::size_t kLongestSortedChain = 2; // the same along Morton's curve
-    static constexpr std::size_t kFewActive = 8;          // so few active edges need no boxes
+    static constexpr std::size_t kFewActive = 16;         // so few active edges need no boxes
     static constexpr std::size_t kFewEdges = 48;          // nor do so few edges
     static constexpr std::size_t kFewToSplit = 256;       // so few edges are not worth splits
     // Where chains mostly meet, a tree keeps nothing apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;
 
-    /// The edges of a leaf.
+    /// The edges of a leaf. Where few edges are active, they need not be monotone.
     struct Chain {
         std::uint32_t begin;
         std::uint32_t end;
@@ -169,6 +202,9 @@ private:
     }
     std::size_t SizeOf(std::size_t level) const { return mLevels[level + 1] - mLevels[level]; }
     Node const* NodesOf(std::size_t level) const { return mNodes.data() + mLevels[level]; }
+    void FillEdges();
+    void AddChains(Order order, bool withBoxes);
+    void AddSparseChains();
     void AddLevels();
     void SortChains();
     class ActiveCells;
@@ -178,6 +214,8 @@ private:
         std::size_t meeting = 0; ///< pairs whose boxes meet, and that the slant does not tell apart
         std::size_t apart = 0;   ///< of these, pairs without edges that come near each other
     };
+    bool AreFewEntangled() const;
+    double OthersAbove() const;
     Sample ChooseSlant(Slant& slant) const;
     bool AreNear(std::size_t k, std::size_t l) const;
     void SplitWhereWorthwhile(Sample const& sample, std::size_t activeCount);
@@ -190,18 +228,10 @@ private:
                (mSpans.empty() || mSpans[mLevels[level] + k].Meets(mSpans[mLevels[level] + l]));
     }
     template <class Visit> void ForMeetingActive(Visit&& visit) const;
-    template <class Visit> void ForMeetingSparseActive(bool withinChains, Visit&& visit) const;
+    template <class Visit> void ForRuns(Visit&& visit) const;
+    template <class Visit> void ForMeetingSparseActive(Visit&& visit) const;
     template <class Visit> void ForMeetingAllPairs(bool withinChains, Visit&& visit) const;
     template <class Visit> void ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) const;
-    /// True when edges i < j follow each other.
-    bool Follow(std::size_t i, std::size_t j) const {
-        if (j == i + 1) {
-            return mFirst[j] == 0;
-        }
-        // They do so, too, as the first edge of a line and its last.
-        return mFirst[i] != 0 && (j + 1 == mEdges.size() || mFirst[j + 1] != 0) &&
-               mLines.End(LineOf(i)) == j + 1;
-    }
     template <class Cross> std::size_t CastWest(std::size_t edge, Cross&& cross) const;
     GridBox Widened(GridBox const& b) const { return b.Widened(mMargin.x, mMargin.y); }
     std::size_t LineOf(std::size_t edge) const {
@@ -220,8 +250,8 @@ private:
     ScratchVector<char> mActiveEdges;
     GridPoint mMargin;
     Order mOrder;
-    ScratchVector<GridEdge> mEdges;
-    ScratchVector<char> mFirst; // one an edge: 1 for the first of its line
+    ScratchVector<GridEdge> mEdges; // empty where few edges are active, so that few are looked at
+    ScratchVector<char> mFirst;     // one an edge: 1 for the first of its line
     ScratchVector<Chain> mChains;
     ScratchVector<Node> mNodes;                         // level by level: chains first
     ScratchVector<Span> mSpans;                         // the same, or empty without a slant
@@ -236,7 +266,7 @@ private:
 template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&& visit) const {
     if (!mChainOf.empty()) {
         for (auto const [i, j] : mPairs) {
-            if (withinChains || mChainOf[i] != mChainOf[j]) {
+            if (withinChains || mIsSparse || mChainOf[i] != mChainOf[j]) {
                 visit(i, j, Follow(i, j));
             }
         }
@@ -251,7 +281,7 @@ template <class Visit> void EdgeTree::ForMeetingPairs(bool withinChains, Visit&&
         return;
     }
     if (mIsSparse) {
-        ForMeetingSparseActive(withinChains, visit);
+        ForMeetingSparseActive(visit);
         return;
     }
     Stack open;
@@ -331,29 +361,53 @@ template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
     std::array<GridBox, kFewEdges> boxes;
     std::array<std::size_t, kFewEdges> edges;
     std::size_t count = 0;
-    for (std::size_t i = 0; i < Count(); ++i) {
-        if (IsActive(i)) {
-            boxes[count] = Widened(Widened(BoxOf(mEdges[i])));
-            edges[count++] = i;
-        }
+    GridBox all;
+    for (std::size_t i = NextActive(0); i < Count(); i = NextActive(i + 1)) {
+        boxes[count] = Widened(Widened(BoxOf(At(i))));
+        all.Include(boxes[count]);
+        edges[count++] = i;
     }
-    for (std::size_t j = 0; j < Count() && count > 0; ++j) {
-        if (IsCopy(j)) {
-            continue;
+    ForRuns([&](std::size_t begin, std::size_t end, GridPoint after, GridBox const& run) {
+        if (!run.Meets(all)) {
+            return;
         }
-        GridBox const box = BoxOf(mEdges[j]);
         for (std::size_t k = 0; k < count; ++k) {
-            std::size_t const i = edges[k];
-            if (box.Meets(boxes[k]) && (j > i || (j < i && !IsActive(j)))) {
-                visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
+            if (!run.Meets(boxes[k])) {
+                continue;
             }
+            std::size_t const i = edges[k];
+            for (std::size_t j = begin; j < end; ++j) {
+                GridPoint const next = j + 1 < end ? mLines.points[j + 1] : after;
+                if (boxes[k].Meets(BoxOf(mLines.points[j], next)) && !IsCopy(j) &&
+                    (j > i || (j < i && !IsActive(j)))) {
+                    visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
+                }
+            }
+        }
+    });
+}
+
+/// Calls visit(begin, end, after, box) for runs of edges of one line, which make up all edges.
+/// `after` is the last end of a run.
+template <class Visit> void EdgeTree::ForRuns(Visit&& visit) const {
+    for (std::size_t line = 0; line < mLines.Count(); ++line) {
+        std::size_t const first = mLines.Begin(line);
+        std::size_t const last = mLines.End(line);
+        for (std::size_t begin = first; begin < last; begin += kLongestChain) {
+            std::size_t const end = std::min(begin + kLongestChain, last);
+            GridPoint const after = mLines.points[end < last ? end : first];
+            GridBox box = BoxOf(mLines.points[begin], after);
+            for (std::size_t i = begin + 1; i < end; ++i) {
+                box.Include(mLines.points[i].x, mLines.points[i].y);
+            }
+            visit(begin, end, after, box);
         }
     }
 }
 
-/// Visits all pairs where few edges are active, by looking up each of these in the tree.
-template <class Visit>
-void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
+/// Visits all pairs where few edges are active, by looking up each of these in the tree. Includes
+/// pairs of one chain.
+template <class Visit> void EdgeTree::ForMeetingSparseActive(Visit&& visit) const {
     Stack open;
     for (std::size_t chain = 0; chain < mChains.size(); ++chain) {
         for (std::size_t i = mChains[chain].begin; i < mChains[chain].end && mNodes[chain].active;
@@ -361,7 +415,7 @@ void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
             if (!IsActive(i)) {
                 continue;
             }
-            GridBox const box = Widened(BoxOf(mEdges[i]));
+            GridBox const box = Widened(BoxOf(At(i)));
             for (std::size_t top = 0; top < SizeOf(mTop); ++top) {
                 open.Push(mTop, top, 0);
                 while (!open.Empty()) {
@@ -377,11 +431,11 @@ void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
                         }
                         continue;
                     }
-                    if (node == chain && !withinChains) {
-                        continue;
-                    }
-                    for (std::size_t j = mChains[node].begin; j < mChains[node].end; ++j) {
-                        if (box.Meets(Widened(BoxOf(mEdges[j]))) &&
+                    std::size_t const end = mChains[node].end;
+                    GridPoint const after = At(end - 1).b;
+                    for (std::size_t j = mChains[node].begin; j < end; ++j) {
+                        GridPoint const next = j + 1 < end ? mLines.points[j + 1] : after;
+                        if (box.Meets(Widened(BoxOf(mLines.points[j], next))) && !IsCopy(j) &&
                             (j > i || (j < i && !IsActive(j)))) {
                             visit(std::min(i, j), std::max(i, j),
                                   Follow(std::min(i, j), std::max(i, j)));
@@ -396,15 +450,25 @@ void EdgeTree::ForMeetingSparseActive(bool withinChains, Visit&& visit) const {
 /// Visits all pairs where all edges are active.
 template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
     ScratchVector<GridBox> boxes(Count(), mEdges.get_allocator());
+    ScratchVector<std::uint32_t> meeting(Count(), mEdges.get_allocator());
     for (std::size_t i = 0; i < Count(); ++i) {
         boxes[i] = Widened(BoxOf(mEdges[i]));
     }
     for (Chain const& chain : mChains) {
         for (std::size_t i = chain.begin; i < chain.end; ++i) {
+            GridBox const box = boxes[i];
+            std::size_t count = 0;
             for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
-                if (boxes[i].Meets(boxes[j])) {
-                    visit(i, j, Follow(i, j));
-                }
+                // No branches: whether boxes meet is mostly as good as random.
+                GridBox const& other = boxes[j];
+                meeting[count] = static_cast<std::uint32_t>(j);
+                count += static_cast<std::size_t>(static_cast<int>(box.lowX <= other.highX) &
+                                                  static_cast<int>(other.lowX <= box.highX) &
+                                                  static_cast<int>(box.lowY <= other.highY) &
+                                                  static_cast<int>(other.lowY <= box.highY));
+            }
+            for (std::size_t k = 0; k < count; ++k) {
+                visit(i, meeting[k], Follow(i, meeting[k]));
             }
         }
     }

@@ -58,9 +58,10 @@ GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
     int const surplus = std::max(BitsOf(den) - 63, 0);
     den >>= surplus;
     num >>= surplus;
-    Int128 const ratio = static_cast<Int128>((num << 62) / den); // of 2^62
+    auto const ratio = static_cast<std::int64_t>((num << 62) / den); // of 2^62
     auto const part = [ratio](std::int64_t d) {
-        return static_cast<std::int64_t>((ratio * d + (static_cast<Int128>(1) << 61)) >> 62);
+        Int128 const product = static_cast<Int128>(ratio) * d;
+        return static_cast<std::int64_t>((product + (static_cast<Int128>(1) << 61)) >> 62);
     };
     GridBox const box = BoxOf(e);
     return {std::clamp(f.a.x + part(f.b.x - f.a.x), box.lowX, box.highX),
@@ -74,9 +75,9 @@ public:
               ScratchVector<Incidence>& incidences)
         : mTree(tree), mGrid(grid), mPixels(test == Test::kHotPixels), mClearances(clearances),
           mIncidences(incidences), mLargestSpacing(grid.LargestSpacing()),
-          mCuts(incidences.get_allocator()) {}
+          mCuts(incidences.get_allocator()), mSingles(incidences.get_allocator()) {}
 
-    ScratchVector<Cut> Find() {
+    FoundCuts Find() {
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
@@ -89,50 +90,74 @@ public:
                 InPixels(i, j);
             }
         });
-        return std::move(mCuts);
+        return Found();
+    }
+    FoundCuts FindIn(ScratchVector<EdgePair> const& pairs) {
+        for (auto const [i, j] : pairs) {
+            if (mTree.Follow(i, j)) {
+                Following(i, j);
+            } else {
+                Exactly(i, j);
+            }
+        }
+        return Found();
     }
 
 private:
+    FoundCuts Found() {
+        std::size_t const paired = mCuts.size();
+        if (paired == 0) {
+            return {std::move(mSingles), 0};
+        }
+        mCuts.insert(mCuts.end(), mSingles.begin(), mSingles.end());
+        return {std::move(mCuts), paired};
+    }
+    static bool IsEnd(GridEdge const& e, GridPoint p) { return p == e.a || p == e.b; }
     void CutAt(std::size_t edge, GridPoint p) {
-        if (p != mTree.At(edge).a && p != mTree.At(edge).b) {
-            Push(edge, p, kShared, 0);
+        GridEdge const e = mTree.At(edge);
+        if (!IsEnd(e, p)) {
+            Push(mSingles, edge, e, p, kShared, 0);
         }
     }
-    void Push(std::size_t edge, GridPoint p, Incidence incidence, std::int64_t clearance) {
-        MajorAxis const axis(mTree.At(edge));
-        mCuts.push_back({axis.Along(p), axis.Across(p), clearance, static_cast<std::uint32_t>(edge),
-                         incidence});
+    static void Push(ScratchVector<Cut>& cuts, std::size_t edge, GridEdge const& e, GridPoint p,
+                     Incidence incidence, std::int64_t clearance) {
+        MajorAxis const axis(e);
+        cuts.push_back({axis.Along(p), axis.Across(p), clearance, static_cast<std::uint32_t>(edge),
+                        incidence});
     }
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j, Crosses const& crosses) {
-        Int128 const product = crosses.fa - crosses.fb;
-        GridPoint const p = mGrid.Snapped(Crossing(mTree.At(i), mTree.At(j), crosses));
-        std::size_t const before = mCuts.size();
-        CutAt(i, p);
-        CutAt(j, p);
+    void CutBothWhereTheyCross(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
+                               Crosses const& crosses) {
+        GridPoint const p = mGrid.Snapped(Crossing(e, f, crosses));
         if (mClearances == nullptr) {
+            CutAt(i, p);
+            CutAt(j, p);
             return;
         }
-        if (mCuts.size() < before + 2 || mNext < kFirstCrossing) {
+        Int128 const product = crosses.fa - crosses.fb;
+        if (IsEnd(e, p) || IsEnd(f, p) || mNext < kFirstCrossing) {
+            CutAt(i, p);
+            CutAt(j, p);
             AddNearMiss(i, j, p, product);
             return;
         }
-        std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
-        for (std::size_t k = before; k < mCuts.size(); ++k) {
-            mCuts[k].clearance = clearance;
-            mCuts[k].incidence = mNext + (crosses.fb > 0 ? 1 : 0);
-        }
+        std::int64_t const clearance = mClearances->For(e, f, product);
+        Incidence const incidence = mNext + (crosses.fb > 0 ? 1 : 0);
+        Push(mCuts, i, e, p, incidence, clearance);
+        Push(mCuts, j, f, p, incidence, clearance);
         mNext += 2;
     }
     void AddNearMiss(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
-            std::int64_t const clearance = mClearances->For(mTree.At(i), mTree.At(j), product);
-            Push(i, p, kSingle, clearance);
-            Push(j, p, kSingle, clearance);
+            GridEdge const e = mTree.At(i);
+            GridEdge const f = mTree.At(j);
+            std::int64_t const clearance = mClearances->For(e, f, product);
+            Push(mCuts, i, e, p, kSingle, clearance);
+            Push(mCuts, j, f, p, kSingle, clearance);
         }
     }
     void Share(std::size_t i, std::size_t j) {
-        GridEdge const& e = mTree.At(i);
-        GridEdge const& f = mTree.At(j);
+        GridEdge const e = mTree.At(i);
+        GridEdge const f = mTree.At(j);
         if (e.a == f.a || e.a == f.b) {
             mIncidences[i] = kShared;
             mIncidences[e.a == f.a ? j : mTree.SecondOf(j)] = kShared;
@@ -144,8 +169,8 @@ private:
     }
     /// Cuts edges that follow each other. They overlap if the second runs back over the first.
     void Following(std::size_t i, std::size_t j) {
-        GridEdge const& e = mTree.At(i);
-        GridEdge const& f = mTree.At(j);
+        GridEdge const e = mTree.At(i);
+        GridEdge const f = mTree.At(j);
         bool const inOrder = j == i + 1;
         GridPoint const turn = inOrder ? e.b : e.a;
         GridPoint const p = inOrder ? e.a : e.b;
@@ -157,8 +182,8 @@ private:
         }
     }
     void Exactly(std::size_t i, std::size_t j) {
-        GridEdge const& e = mTree.At(i);
-        GridEdge const& f = mTree.At(j);
+        GridEdge const e = mTree.At(i);
+        GridEdge const f = mTree.At(j);
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         if ((fa > 0 && fb > 0) || (fa < 0 && fb < 0)) {
@@ -180,7 +205,7 @@ private:
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
+            CutBothWhereTheyCross(i, j, e, f, {ea, eb, fa, fb});
             return;
         }
         // A cross product is zero, as it is where the edges share an end.
@@ -205,13 +230,13 @@ private:
         return (fa < 0 ? -fa : fa) <= (fb < 0 ? -fb : fb) ? f.a : f.b;
     }
     void InPixels(std::size_t i, std::size_t j) {
-        GridEdge const& e = mTree.At(i);
-        GridEdge const& f = mTree.At(j);
+        GridEdge const e = mTree.At(i);
+        GridEdge const f = mTree.At(j);
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         Int128 const ea = Cross(f.a, f.b, e.a);
         Int128 const eb = Cross(f.a, f.b, e.b);
-        std::size_t const before = mCuts.size();
+        std::size_t const before = mSingles.size();
         if (Passes(e, f.a, fa)) {
             CutAt(i, f.a);
         }
@@ -224,8 +249,8 @@ private:
         if (Passes(f, e.b, eb)) {
             CutAt(j, e.b);
         }
-        if (mCuts.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
-            CutBothWhereTheyCross(i, j, {ea, eb, fa, fb});
+        if (mSingles.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
+            CutBothWhereTheyCross(i, j, e, f, {ea, eb, fa, fb});
         }
     }
     /// True when edge e passes through the hot pixel of p, where `cross` is Cross(e.a, e.b, p).
@@ -251,15 +276,21 @@ private:
     Clearances const* mClearances;
     ScratchVector<Incidence>& mIncidences;
     GridPoint mLargestSpacing;
-    ScratchVector<Cut> mCuts;
+    ScratchVector<Cut> mCuts;    // with partners, which only clearances need
+    ScratchVector<Cut> mSingles; // all others
     Incidence mNext = kFirstCrossing;
 };
 
 } // namespace
 
-ScratchVector<Cut> FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
-                            Clearances const* clearances, ScratchVector<Incidence>& incidences) {
+FoundCuts FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
+                   Clearances const* clearances, ScratchVector<Incidence>& incidences) {
     return CutFinder(tree, grid, test, clearances, incidences).Find();
+}
+
+FoundCuts FindCuts(EdgeTree const& tree, ScratchVector<EdgePair> const& pairs, ClipGrid const& grid,
+                   ScratchVector<Incidence>& incidences) {
+    return CutFinder(tree, grid, Test::kExact, nullptr, incidences).FindIn(pairs);
 }
 
 } // namespace trammel_detail

@@ -66,7 +66,15 @@ enum class Test {
     kHotPixels, ///< cut also at vertices whose hot pixels an edge passes through
 };
 
-/// Returns the cuts of all pairs of edges that the tree finds, in no particular order.
+/// Cuts, of which some have a partner: cut 2 i and cut 2 i + 1 are where two edges cross or nearly
+/// do so. Otherwise they are in no particular order.
+struct FoundCuts {
+    ScratchVector<Cut> cuts;
+    std::size_t paired; ///< how many have a partner, which come first
+};
+
+/// Returns the cuts of all pairs of edges that the tree finds. Without clearances they have no
+/// partners.
 ///
 /// The hot pixel of a vertex reaches half of the doubles' spacing to each side. Edges that are bent
 /// at all vertices whose hot pixels they pass through meet at vertices only. (J. D. Hobby,
@@ -77,8 +85,11 @@ enum class Test {
 /// misses, and all cuts have clearance 0 and incidence kShared. For hot pixels the tree's margin is
 /// the largest spacing. Sets kShared in `incidences` for vertices that edges share, except edges
 /// that only follow each other.
-ScratchVector<Cut> FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
-                            Clearances const* clearances, ScratchVector<Incidence>& incidences);
+FoundCuts FindCuts(EdgeTree const& tree, ClipGrid const& grid, Test test,
+                   Clearances const* clearances, ScratchVector<Incidence>& incidences);
+/// Returns the cuts of some pairs of edges of the tree, by exact tests without clearances.
+FoundCuts FindCuts(EdgeTree const& tree, ScratchVector<EdgePair> const& pairs, ClipGrid const& grid,
+                   ScratchVector<Incidence>& incidences);
 
 } // namespace trammel_detail
 

@@ -98,6 +98,10 @@ private:
 
 GridPoint* RingWalk::AppendBackwards(HalfEdge entry, GridPoint* out) const {
     Chain const& chain = mGraph.chains[entry / 2];
+    if (chain.count == 1) {
+        *out++ = mGraph.PointOf(chain, entry % 2);
+        return out;
+    }
     std::size_t const begin = mGraph.lines.Begin(chain.line);
     std::size_t const end = mGraph.lines.End(chain.line);
     if (entry % 2 == 0) {
