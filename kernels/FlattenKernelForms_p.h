@@ -300,6 +300,14 @@ template <class Vector> struct ChordCubic {
 /// Parameters, and points relative to the start.
 template <class Vector> struct ChordEnds { Vector t, h, v; };
 
+/// Returns the points at four parameters.
+template <class Vector>
+[[gnu::always_inline]] inline ChordEnds<Vector> EndsAt(ChordCubic<Vector> const& c,
+                                                       Vector const& t) {
+    return {t, (c.threeAH + (c.threeBH + c.cH * t) * t) * t,
+            (c.threeAV + (c.threeBV + c.cV * t) * t) * t};
+}
+
 /// Stores the points at four parameters: v and h in turn, as sums of the origin and the point.
 /// Returns the mask of the chords to them that are known to keep the tolerance, whose square is
 /// `limit`. `before` holds the ends of the chords before, and gets these.
@@ -319,14 +327,13 @@ template <bool kOnward, class Vector>
 [[gnu::always_inline]] inline unsigned StoreChords(ChordCubic<Vector> const& c, Vector const& limit,
                                                    Vector const& t, ChordEnds<Vector>& before,
                                                    double* out) {
-    Vector const h = (c.threeAH + (c.threeBH + c.cH * t) * t) * t;
-    Vector const v = (c.threeAV + (c.threeBV + c.cV * t) * t) * t;
+    ChordEnds<Vector> const ends = EndsAt(c, t);
     double* const to[4] = {out, out + 2, out + 4, out + 6};
-    StorePairs(c.originV + v, c.originH + h, to);
+    StorePairs(c.originV + ends.v, c.originH + ends.h, to);
     Vector const width = t - Preceding(before.t, t);
-    Vector const dh = h - Preceding(before.h, h);
-    Vector const dv = v - Preceding(before.v, v);
-    before = {t, h, v};
+    Vector const dh = ends.h - Preceding(before.h, ends.h);
+    Vector const dv = ends.v - Preceding(before.v, ends.v);
+    before = ends;
     Vector const middle = t - Vector(0.5) * width;
     Vector const wh = c.bH + c.cH * middle;
     Vector const wv = c.bV + c.cV * middle;
@@ -388,6 +395,8 @@ IsNearWhole(Number const& endH, Number const& endV, Number const& limit, Number 
                            Number(0.6003) * mean + Number(0.048113) * change);
     return off * off <= limit * square;
 }
+/// The scalar's root, beside those of the vectors.
+[[gnu::always_inline]] inline double Sqrt(double x) { return __builtin_sqrt(x); }
 /// Returns whether both hold.
 [[gnu::always_inline]] inline bool Both(bool a, bool b) { return a && b; }
 template <class Mask> [[gnu::always_inline]] inline Mask Both(Mask const& a, Mask const& b) {
@@ -417,6 +426,8 @@ KeepsWhole(Number const& endH, Number const& endV, Number const& limit, Number c
 /// plan is off by some per cent.
 inline constexpr double kOneBend = kMostBend * kMostBend;
 inline constexpr double kFourBend = kOneBend * Biquadrate(3.9);
+inline constexpr double kEvenFour = kOneBend * Biquadrate(4);
+inline constexpr double kEvenBend = kOneBend * Biquadrate(kFewChords);
 inline constexpr double kFewBend = kOneBend * Biquadrate(kFewSteps);
 inline constexpr double kSomeBend = kOneBend * Biquadrate(kSomeSteps);
 /// The finest tolerance for these, as a part of the sum of the coordinates' magnitudes. Coarser
@@ -474,6 +485,55 @@ ChordsOf(BendCubic<Vector> const& c, Vector const& originH, Vector const& origin
 [[gnu::always_inline]] inline int Ceiling(double x) {
     int const whole = static_cast<int>(x);
     return whole + (whole < x ? 1 : 0);
+}
+
+/// The number of equal steps of the parameter with which a curve keeps the tolerance, two at least
+/// and kFewChords at most, and the number's inverse.
+template <class Vector> struct EvenCount {
+    Vector count = Vector(2.0);
+    Vector inverse = Vector(0.5);
+
+    [[gnu::always_inline]] inline EvenCount(Vector const& bend, Vector const& limit) {
+        for (int i = 2; i < kFewChords; ++i) {
+            auto const more = limit * Vector(kOneBend * Biquadrate(i)) < bend;
+            count = Select(more, Vector(i + 1), count);
+            inverse = Select(more, Vector(1.0 / (i + 1)), inverse);
+        }
+    }
+};
+/// Tells whether a curve is nearly quadratic. The arguments are the squared lengths of the longer
+/// second difference of the control points and of the third one.
+template <class Number>
+[[gnu::always_inline]] inline auto IsQuadratic(Number const& bend, Number const& third) {
+    return Number(0x1p40) * third <= bend;
+}
+/// Tells of such a curve whether `count` equal steps are as few as steps of equal bend. The
+/// arguments are the squared lengths of the control points' differences, and the product of the
+/// first one and the first second one.
+///
+/// The density is the root of |a x b| / |v|, where v is a third of the derivative. It is a convex
+/// function of |v|, and |v| one of the parameter. So the mean of the lengths, with the middle one
+/// counted twice, bounds the integral from below.
+template <class Number>
+[[gnu::always_inline]] inline auto IsEven(Number const& first, Number const& middle,
+                                          Number const& last, Number const& product,
+                                          Number const& count, Number const& tolerance) {
+    Number const speed = Sqrt(first) + Number(2.0) * Sqrt(middle) + Sqrt(last);
+    Number const before = count - Number(1.0);
+    return before * before * tolerance * speed < Number(3.0) * Abs(product);
+}
+
+/// Stores the points at the ends of equal steps. `inverse` is that of their number.
+template <class Vector>
+[[gnu::always_inline]] inline void StoreEven(ChordCubic<Vector> const& c, Vector const& inverse,
+                                             bool few, double* out) {
+    for (int i = 0; i < (few ? 4 : kFewChords); i += 4) {
+        Vector const t = Vector::Load(kNumbers + i) * inverse;
+        ChordEnds<Vector> const ends = EndsAt(c, t);
+        double* const at = out + std::ptrdiff_t{2} * i;
+        double* const to[4] = {at, at + 2, at + 4, at + 6};
+        StorePairs(c.originV + ends.v, c.originH + ends.h, to);
+    }
 }
 
 /// The most chords that MendChords divides.
@@ -718,6 +778,29 @@ template <int kMost, class Vector>
     return chords.failing == 0 ? mended : 0;
 }
 
+/// Equal steps of the parameter. Returns 0 where they are not known to be few.
+template <class Vector>
+[[gnu::always_inline]] inline int EvenChords(ChordPoints const& p, double tolerance, double limit,
+                                             double* out) {
+    auto const square = [](Double2 const& d) __attribute__((always_inline)) {
+        Double2 const squares = d * d;
+        return Lane<0>(squares) + Lane<1>(squares);
+    };
+    if (!IsQuadratic(p.bend, square(p.b2 - p.b)) || p.bend > limit * kEvenBend) {
+        return 0;
+    }
+    EvenCount<Vector> const even(Vector(p.bend), Vector(limit));
+    double const product = Lane<1>(p.a) * Lane<0>(p.b) - Lane<0>(p.a) * Lane<1>(p.b);
+    if (!IsEven(square(p.a), square(p.a + p.b), square(p.last), product, Lane<0>(even.count),
+                tolerance)) {
+        return 0;
+    }
+    ChordCubic<Vector> const cubic =
+        ChordsOf(BendOf<Vector>(p), Vector(Lane<1>(p.p0)), Vector(Lane<0>(p.p0)));
+    StoreEven(cubic, even.inverse, p.bend <= limit * kEvenFour, out);
+    return static_cast<int>(Lane<0>(even.count));
+}
+
 template <class Vector>
 [[gnu::always_inline]] inline int DivideIntoChordsForm(double const* points, double tolerance,
                                                        double* out, FlatChords& chords) {
@@ -732,6 +815,10 @@ template <class Vector>
     }
     if (p.bend > limit * kFewBend) {
         return p.bend <= limit * kSomeBend ? SomeChords<Vector>(points, tolerance, out, chords) : 0;
+    }
+    int const even = EvenChords<Vector>(p, tolerance, limit, out);
+    if (even != 0) {
+        return even;
     }
     // Whether one chord does is found out before the plan: the processor then guesses wrong less.
     Double2 const end = Double2::Load(points + 6) - p.p0;
@@ -811,6 +898,24 @@ template <class Vector>
     for (int i = 0; i < kPackNumbers; ++i) {
         numbers[i].Store(pack.numbers[i]);
     }
+    auto const quadratic = tried & IsQuadratic(bend, c.cV * c.cV + c.cH * c.cH) &
+                           (bend <= limit * Vector(kEvenBend)) & (bend > limit * Vector(kOneBend));
+    pack.even = 0;
+    double evenChords[kPack];
+    if (quadratic.Bits() != 0) {
+        EvenCount<Vector> const even(bend, limit);
+        Vector const product = c.aH * c.bV - c.aV * c.bH;
+        pack.even = (quadratic &
+                     IsEven(c.aV * c.aV + c.aH * c.aH, middleV * middleV + middleH * middleH,
+                            lastV * lastV + lastH * lastH, product, even.count, Vector(tolerance)))
+                        .Bits();
+        even.inverse.Store(pack.inverse);
+        even.count.Store(evenChords);
+        if ((tried.Bits() & ~pack.even) == 0) {
+            Select(tried, even.count, Vector(0.0)).Store(pack.chords);
+            return;
+        }
+    }
     FewPanels<Vector> panels;
     Density<Vector> densities[kFewPanels];
     for (int i = 0; i < kFewPanels; ++i) {
@@ -843,6 +948,10 @@ template <class Vector>
     FewCount<kFewChords, Vector> const several(total);
     Vector const count = Select(one, Vector(1.0), several.count);
     Select(tried & (one | few), count, Vector(0.0)).Store(pack.chords);
+    for (unsigned even = pack.even; even != 0; even &= even - 1) {
+        int const curve = __builtin_ctz(even);
+        pack.chords[curve] = evenChords[curve];
+    }
     Vector const step = total * several.inverse;
     Vector const four = Vector(4.0);
     for (auto& ends : pack.t) {
@@ -862,17 +971,21 @@ template <class Vector>
     }
 }
 
-/// Returns the chords of a curve of a pack that are not known to keep the tolerance.
-template <bool kOnward, class Vector>
-[[gnu::always_inline]] inline unsigned StorePacked(FlatPack const& pack, int curve, int count,
-                                                   double* out) {
+template <class Vector>
+[[gnu::always_inline]] inline ChordCubic<Vector> CubicOfPack(FlatPack const& pack, int curve) {
     double const* const n = pack.numbers[0] + curve;
     auto const number = [n](int i) __attribute__((always_inline)) {
         return Vector(n[std::ptrdiff_t{kPack} * i]);
     };
-    ChordCubic<Vector> const cubic = {number(0), number(1), number(2), number(3),
-                                      number(4), number(5), number(6), number(7),
-                                      number(8), number(9), number(10)};
+    return {number(0), number(1), number(2), number(3), number(4), number(5),
+            number(6), number(7), number(8), number(9), number(10)};
+}
+
+/// Returns the chords of a curve of a pack that are not known to keep the tolerance.
+template <bool kOnward, class Vector>
+[[gnu::always_inline]] inline unsigned StorePacked(FlatPack const& pack, int curve, int count,
+                                                   double* out) {
+    ChordCubic<Vector> const cubic = CubicOfPack<Vector>(pack, curve);
     Vector const zero = Vector(0.0);
     Vector const limit = Vector(pack.limit);
     ChordEnds<Vector> ends = {zero, zero, zero};
@@ -888,6 +1001,10 @@ template <bool kOnward, class Vector>
 template <class Vector>
 [[gnu::always_inline]] inline int DividePackedForm(FlatPack const& pack, int curve, int count,
                                                    double* out) {
+    if ((pack.even >> static_cast<unsigned>(curve) & 1U) != 0) {
+        StoreEven(CubicOfPack<Vector>(pack, curve), Vector(pack.inverse[curve]), count <= 4, out);
+        return count;
+    }
     bool const onward = (pack.onward >> static_cast<unsigned>(curve) & 1U) != 0;
     unsigned const failing = onward ? StorePacked<true, Vector>(pack, curve, count, out)
                                     : StorePacked<false, Vector>(pack, curve, count, out);

@@ -193,6 +193,8 @@ struct FlatPack {
     double tolerance;
     double limit;                        ///< its square
     unsigned onward;                     ///< bit i: no chord of curve i can be left at an end
+    unsigned even;                       ///< bit i: curve i takes equal steps of the parameter
+    double inverse[kPack];               ///< of the number of equal steps
     double numbers[kPackNumbers][kPack]; ///< of each curve, see ChordCubic
     double chords[kPack];                ///< the numbers of chords, 1 to kFewChords; else 0
     double t[2][kPack][4]; ///< the parameters at the ends of chords 0 to 3 and 4 to 7 of each

@@ -30,6 +30,10 @@
 // fail are divided in their middles if that suffices, all in one vector. Only the chords that fail
 // even then are divided piece by piece. A rough plan only decides about the number of points.
 //
+// Quadratic curves, raised to cubic ones. Equal steps of the parameter keep the tolerance where the
+// second differences of the control points are short enough, without a test of each chord. They
+// are taken where a bound says that no plan has fewer chords.
+//
 // Paths. Of four curves that follow each other, a vector has one in each lane, and they are planned
 // together. Each lane computes what the single curve does, so the points are the same.
 

@@ -384,7 +384,7 @@ TEST(FlattenWithin, IsTheSameOnEveryProcessor) {
         Random random(36);
         std::vector<double> results;
         for (int i = 0; i < 1000; ++i) {
-            CBezier const curve = AnyCurve(random);
+            CBezier const curve = i % 2 == 0 ? AnyCurve(random) : AnyRaised(random);
             for (double const tolerance : {10.0, 0.1, 1e-3, 1e-5}) {
                 TPolygon<double> polygon;
                 results.push_back(FlattenWithin(curve, tolerance, polygon));
@@ -400,7 +400,8 @@ TEST(FlattenWithin, IsTheSameOnEveryProcessor) {
         Random random(43);
         CPath path;
         for (int i = 0; i < 2000; ++i) {
-            CBezier const curve = AnyCurve(random) * random.Uniform(0.01, 1);
+            double const scale = random.Uniform(0.01, 1);
+            CBezier const curve = (i % 7 < 4 ? AnyRaised(random) : AnyCurve(random)) * scale;
             path.MoveTo(curve.P0).CurveTo(curve.P1, curve.P2, curve.P3);
         }
         trammel::FlatContours flat;
@@ -684,6 +685,9 @@ TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
             for (int k = 0; k < segments; ++k) {
                 CBezier curve = AnyCurve(random);
                 curve = CBezier(at, curve.P1, curve.P2, curve.P3);
+                if (i % 3 == 2 || k % 3 == 1) {
+                    curve = trammel_detail::Raised(CBSpline(at, curve.P1, curve.P3));
+                }
                 if (curve.P3 == at) {
                     continue; // a path absorbs it
                 }
