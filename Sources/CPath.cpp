@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <limits>
+#include <new>
 #include <vector>
 
 namespace {
@@ -28,11 +29,16 @@ TPoint<double> UnitPoint(double angle) {
 /// five.
 constexpr std::size_t kLeastRoom = 16;
 
-/// Makes room for `more` items without giving up geometric growth.
+/// Makes room for `more` items without giving up geometric growth. Throws std::bad_alloc, also for
+/// more items than a vector takes.
 template <class Item> void Reserve(std::vector<Item>& items, std::size_t more) {
     std::size_t const needed = items.size() + more;
+    if (needed > items.max_size()) {
+        throw std::bad_alloc();
+    }
     if (needed > items.capacity()) {
-        items.reserve(std::max(needed, std::max(kLeastRoom, 2 * items.capacity())));
+        std::size_t const grown = std::min(2 * items.capacity(), items.max_size());
+        items.reserve(std::max({needed, kLeastRoom, grown}));
     }
 }
 

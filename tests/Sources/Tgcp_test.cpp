@@ -420,6 +420,9 @@ private:
 };
 
 TEST_F(Tgcp, CountsThatDoNotFitTheRecordsAreTheStandardExceptionAndLeaveTheResult) {
+    if (sizeof(std::size_t) < 8) {
+        GTEST_SKIP() << "no vector has so many items here";
+    }
     Tgpc_polygon const b(Box(5, 5, 15, 15));
     Tgpc_polygon const before(Box(1, 2, 3, 4));
     for (std::size_t const count : {std::size_t{1} << 31U, (std::size_t{1} << 31U) + 4,

@@ -96,8 +96,10 @@ TEST_F(FPoly, CreatesThatManyPointsAtTheOrigin) {
     EXPECT_FALSE(ref.Closed());
     EXPECT_FALSE(ref.BoundsValid());
     EXPECT_EQ(Keep(CreatePoly(0)).DataSize(), 44);
-    for (long const n : {-1L, LONG_MIN, LONG_MAX, 1L << 60, 1L << 40}) {
-        EXPECT_FALSE(CreatePoly(n)) << n;
+    for (std::int64_t const n : {std::int64_t{-1}, std::int64_t{LONG_MIN}, std::int64_t{LONG_MAX},
+                                 std::int64_t{1} << 60, std::int64_t{1} << 40}) {
+        auto const count = static_cast<long>(n);
+        EXPECT_FALSE(count == n && CreatePoly(count)) << n;
     }
 }
 
@@ -501,7 +503,12 @@ TEST_F(FPoly, InsertPtsAbsorbsNullReferences) {
 
 TEST_F(FPoly, InsertPtsDoesNotBeginARunThatNoPolygonCanHold) {
     for (short const mode : {short{1}, short{2}}) {
-        for (long const count : {1L << 36, (1L << 36) + 1, 1L << 62, LONG_MAX}) {
+        for (std::int64_t const wide : {std::int64_t{1} << 36, (std::int64_t{1} << 36) + 1,
+                                        std::int64_t{1} << 62, std::int64_t{LONG_MAX}}) {
+            auto const count = static_cast<long>(wide);
+            if (count != wide) {
+                continue; // a long of 32 bits
+            }
             CFPolygonRef const src = Polygon({{10, 1}, {11, 1}});
             CFPolygonRef const dst = Polygon({{1, 1}});
             InsertPolyPts(dst, src, count, mode);

@@ -4,6 +4,7 @@
 
 #include "TestSupport.h"
 #include "UTrigonometry.h"
+#include "plain/PlainLine.h"
 
 #include <gtest/gtest.h>
 
@@ -60,7 +61,7 @@ TEST(RadiusCircle, IsThePlainFormula) {
     for (int i = 0; i < 1000; ++i) {
         DPoint const c = random.Point(100.0);
         DPoint const p = random.Point(100.0);
-        double const r = std::hypot(p.h - c.h, p.v - c.v);
+        double const r = plain::Hypot(p.h - c.h, p.v - c.v);
         ASSERT_EQ(Radius(c, p), DRect(c.h - r, c.v - r, c.h + r, c.v + r));
     }
 }
@@ -77,7 +78,7 @@ TEST(DiameterCircle, IsThePlainFormula) {
         DPoint const a = random.Point(100.0);
         DPoint const b = random.Point(100.0);
         DPoint const c(a.h + (b.h - a.h) * 0.5, a.v + (b.v - a.v) * 0.5);
-        double const r = std::hypot(b.h - a.h, b.v - a.v) / 2.0;
+        double const r = plain::Hypot(b.h - a.h, b.v - a.v) / 2.0;
         ASSERT_EQ(Diameter(a, b), DRect(c.h - r, c.v - r, c.h + r, c.v + r));
     }
 }

@@ -19,9 +19,19 @@ namespace plain {
 // ---------------------------------------------------------------------------------------------
 // Lines, given by their two points
 
+/// The root of h² + v². glibc's function for x86-64 has the bits that the library gives everywhere.
+/// Other C libraries and processors have other last bits.
+inline double Hypot(double h, double v) {
+#if defined(__x86_64__) && defined(__GLIBC__)
+    return std::hypot(h, v);
+#else
+    return Pt(h, v).Hypotenuse();
+#endif
+}
+
 inline double LineLength(Pt const& a, Pt const& b) {
     Pt const d = b - a;
-    return std::hypot(d.h, d.v);
+    return Hypot(d.h, d.v);
 }
 
 inline Pt LinePt(Pt const& a, Pt const& b, double t) { return a + (b - a) * t; }

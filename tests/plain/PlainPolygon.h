@@ -13,6 +13,7 @@
 #include "TLine.h"
 #include "TPoint.h"
 #include "TRect.h"
+#include "plain/PlainLine.h"
 
 #include <algorithm>
 #include <cmath>
@@ -181,7 +182,7 @@ struct PointList {
         return closed || points.empty() ? points.size() : points.size() - 1;
     }
     static double EdgeLength(TLine<double> const& edge) {
-        return std::hypot(edge.mEnd.h - edge.mStart.h, edge.mEnd.v - edge.mStart.v);
+        return Hypot(edge.mEnd.h - edge.mStart.h, edge.mEnd.v - edge.mStart.v);
     }
     double Length() const {
         double sum = 0;
