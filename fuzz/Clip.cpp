@@ -56,7 +56,8 @@ void CheckRecords(plain::Region const& records, Tgpc_polygon const& result) {
     plain::Polygon const ours = PlainOf(result);
     Require(records.contours == ours, "records hold the same result");
     for (std::size_t i = 0; i < ours.size(); ++i) {
-        Require((records.holes[i] != 0) == result.mContours[i].mHole, "records have the same holes");
+        Require((records.holes[i] != 0) == result.mContours[i].mHole,
+                "records have the same holes");
     }
 }
 
@@ -67,11 +68,10 @@ void CheckAreas(plain::Polygon a, plain::Polygon b) {
     for (plain::Polygon* const polygon : {&a, &b}) {
         polygon->erase(std::remove_if(polygon->begin(), polygon->end(),
                                       [](plain::Contour const& contour) {
-                                          return !std::all_of(contour.begin(), contour.end(),
-                                                              [](plain::Vertex v) {
-                                                                  return std::isfinite(v.x) &&
-                                                                         std::isfinite(v.y);
-                                                              });
+                                          return !std::all_of(
+                                              contour.begin(), contour.end(), [](plain::Vertex v) {
+                                                  return std::isfinite(v.x) && std::isfinite(v.y);
+                                              });
                                       }),
                        polygon->end());
         box.Include(*polygon);

@@ -40,8 +40,8 @@ using trammel_detail::BitsOfTwo;
 using trammel_detail::CoordinatesAt;
 using trammel_detail::CountOfBits;
 using trammel_detail::Double2;
+using trammel_detail::GridSegment;
 using trammel_detail::Lane;
-using trammel_detail::OutlineSegment;
 using trammel_detail::PointAt;
 using trammel_detail::Short8;
 using trammel_detail::WindingGrid;
@@ -424,9 +424,9 @@ private:
         return area / (Lattice::kPlaces * Lattice::kPlaces);
     }
 
-    static std::vector<OutlineSegment> SegmentsOf(std::vector<Contour> const& contours,
-                                                  std::vector<bool> const& isCurve) {
-        std::vector<OutlineSegment> segments;
+    static std::vector<GridSegment> SegmentsOf(std::vector<Contour> const& contours,
+                                               std::vector<bool> const& isCurve) {
+        std::vector<GridSegment> segments;
         for (Contour const& contour : contours) {
             Id point = contour.point;
             for (Id i = 0; i < contour.segments; ++i) {

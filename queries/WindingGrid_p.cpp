@@ -120,7 +120,7 @@ std::size_t WindingGrid::Bytes() const {
 class WindingGrid::Builder {
 public:
     Builder(WindingGrid& grid, std::vector<Pt> const& points,
-            std::vector<OutlineSegment> const& segments)
+            std::vector<GridSegment> const& segments)
         : mGrid(grid), mPoints(points), mSegments(segments), mTouches(grid.CellAt(grid.mRows, 0)) {}
 
     void Build() {
@@ -157,7 +157,7 @@ private:
 
     /// Cuts a segment in pieces of up to half a cell, and notes the cells that they may meet.
     void Walk(Id segment) {
-        OutlineSegment const& s = mSegments[segment];
+        GridSegment const& s = mSegments[segment];
         Pt const p0 = PlaceOf(mPoints[s.point]);
         Pt const p3 = PlaceOf(mPoints[s.point + (s.isCurve ? 3 : 1)]);
         Pt const p1 = s.isCurve ? PlaceOf(mPoints[s.point + 1]) : p0 + (p3 - p0) / 3.0;
@@ -290,7 +290,7 @@ private:
     }
 
     /// Finds the summand right of the strip. False if no corner is certainly outside of the strip.
-    bool TellSummand(OutlineSegment const& segment, Entry& entry) {
+    bool TellSummand(GridSegment const& segment, Entry& entry) {
         Id const row = entry.cell / mGrid.mColumns;
         Id const column = entry.cell % mGrid.mColumns;
         Id const name = NameOf(segment, 0);
@@ -369,7 +369,7 @@ private:
 
     WindingGrid& mGrid;
     std::vector<Pt> const& mPoints;
-    std::vector<OutlineSegment> const& mSegments;
+    std::vector<GridSegment> const& mSegments;
     std::vector<Touch> mTouches; ///< of each cell
     std::vector<Entry> mEntries;
     // Of the segment at hand:
@@ -378,7 +378,7 @@ private:
     std::vector<Id> mTouched;
 };
 
-WindingGrid::WindingGrid(std::vector<Pt> const& points, std::vector<OutlineSegment> const& segments,
+WindingGrid::WindingGrid(std::vector<Pt> const& points, std::vector<GridSegment> const& segments,
                          Double2 const& low, Double2 const& high)
     : mLow(low) {
     Double2 const size = high - low;
@@ -393,7 +393,7 @@ WindingGrid::WindingGrid(std::vector<Pt> const& points, std::vector<OutlineSegme
     }
     // A segment meets one cell, and one more for each line between cells that it crosses.
     Double2 length = 0.0;
-    for (OutlineSegment const& s : segments) {
+    for (GridSegment const& s : segments) {
         for (std::size_t i = s.point; i < s.point + (s.isCurve ? 3U : 1U); ++i) {
             length = length + Abs(CoordinatesAt(&points[i + 1]) - CoordinatesAt(&points[i])) / size;
         }

@@ -32,8 +32,8 @@
 
 namespace trammel_detail {
 
-/// A segment of an outline.
-struct OutlineSegment {
+/// A segment of an outline, as the grid and what it is made from know it.
+struct GridSegment {
     std::uint32_t point; ///< where its two or four points begin in the outline's list
     bool isCurve;
 };
@@ -44,9 +44,8 @@ public:
     /// Makes the grid of closed contours of finite points. `low` and `high` are the corners of
     /// their box, v in lane 0 and h in lane 1. Makes no cells where the box is very narrow, or
     /// where coordinates or their number are too large or too small for it. O(n) time and memory.
-    WindingGrid(std::vector<TPoint<double>> const& points,
-                std::vector<OutlineSegment> const& segments, Double2 const& low,
-                Double2 const& high);
+    WindingGrid(std::vector<TPoint<double>> const& points, std::vector<GridSegment> const& segments,
+                Double2 const& low, Double2 const& high);
 
     bool IsEmpty() const { return mCells.empty(); }
     /// Returns the winding number of the contours around a point in their box.
@@ -76,7 +75,7 @@ private:
     };
 
     /// A segment in 32 bits: its point, the summand right of its strip, and its kind.
-    static Id NameOf(OutlineSegment const& segment, int summand) {
+    static Id NameOf(GridSegment const& segment, int summand) {
         return segment.point << 4U | static_cast<Id>(summand + 4) << 1U |
                static_cast<Id>(segment.isCurve);
     }
