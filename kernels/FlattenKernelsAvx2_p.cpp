@@ -4,6 +4,7 @@
 // contain.
 
 #include "FlattenKernelForms_p.h"
+#include "FlattenPackForms_p.h"
 
 namespace trammel_detail {
 

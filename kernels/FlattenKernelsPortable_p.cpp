@@ -3,6 +3,7 @@
 // The arithmetic of flattening for every processor.
 
 #include "FlattenKernelForms_p.h"
+#include "FlattenPackForms_p.h"
 
 namespace trammel_detail {
 
