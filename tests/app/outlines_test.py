@@ -5,6 +5,7 @@
 `fit`."""
 
 import math
+import re
 import unittest
 
 from support import AppTest, font_bytes, svg
@@ -129,6 +130,14 @@ class Outlines(AppTest):
         self.assertIn("<defs>", text)
         areas = self.areas()
         self.assertEqual({id: a[0] for id, a in areas.items()}, {"u-s": 100, "v-s": 400})
+        look = ('<defs><path id="s" opacity=".5" d="M0 0H10V10H0Z"/></defs><use id="u" href="#s" class="k" '
+                'opacity=".5" fill-opacity=".3" stroke="red" stroke-dasharray="2 1" stroke-linejoin="round" '
+                'transform="scale(2)"/>')
+        self.run_text("divide", self.write("look.svg", svg(look)), "-o", self.out)
+        path = re.search(r'<path id="u-s"[^>]*>', self.read("out.svg").decode()).group()
+        for part in ('class="k"', 'opacity="0.25"', "fill-opacity:.3", "stroke-dasharray:4,2", "stroke-linejoin:round",
+                     "stroke-width:2"):
+            self.assertIn(part, path)
         self.run_text("divide", self.path("in.svg"), "--id", "u/s", "-o", self.out)
         self.assertEqual(self.read("out.svg").decode().count("<use"), 1)
 
@@ -272,7 +281,7 @@ class Outlines(AppTest):
         self.assertLess(circle["elements"], 20)
         self.assertBox(circle["bounds"], [10, 10, 90, 90], 0.1)
         data = self.path_data("out.svg")
-        self.assertEqual((data["k"], data["r"]), ("M0 0C1 2 3 4 5 0", "M0 0H10V10H0V0Z"))
+        self.assertEqual((data["k"], data["r"]), ("M0 0C1 2 3 4 5 0", "M0 0H10V10H0Z"))
 
     def test_fonts_become_new_drawings(self):
         font = self.write("font.ttf", font_bytes())

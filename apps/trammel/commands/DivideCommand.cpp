@@ -9,6 +9,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
+#include "SvgDocument.h"
 
 #include <algorithm>
 #include <map>
@@ -145,6 +146,40 @@ private:
         edit.SetPath(element, Moved(mParts[i].front(), own));
     }
 
+    /// Returns the declarations of the outline's line, whose lengths are multiplied by `scale`.
+    static std::string PenStyle(Outline const& outline, double scale) {
+        Pen const& pen = *outline.pen;
+        static constexpr char const* kJoins[] = {"miter", "miter-clip", "round", "bevel"};
+        static constexpr char const* kCaps[] = {"butt", "square", "round"};
+        std::string text = ";stroke-width:" + Exact(pen.style.width * scale);
+        text += std::string(";stroke-linejoin:") + kJoins[static_cast<int>(pen.style.join)];
+        text += ";stroke-miterlimit:" + Exact(pen.style.miterLimit);
+        text += std::string(";stroke-linecap:") + kCaps[static_cast<int>(pen.style.startCap)];
+        if (pen.opacity != "1") {
+            text += ";stroke-opacity:" + pen.opacity;
+        }
+        if (!pen.style.dashes.empty() && outline.pathLength == 0.0) {
+            text += ";stroke-dasharray:";
+            for (std::size_t k = 0; k < pen.style.dashes.size(); ++k) {
+                text += (k == 0 ? "" : ",") + Exact(pen.style.dashes[k] * scale);
+            }
+            text += ";stroke-dashoffset:" + Exact(pen.style.dashOffset * scale);
+        }
+        return text;
+    }
+    /// Returns the class of the `use` that showed the outline, and the opacity of both elements.
+    std::string AttributesOfUse(Outline const& outline) const {
+        pugi::xml_node const use = mDrawing.document->ElementAt(outline.source.placed);
+        pugi::xml_node const shown = mDrawing.document->ElementAt(outline.source.element);
+        std::string text;
+        if (use.attribute("class")) {
+            text += "class=\"" + Escaped(use.attribute("class").value()) + "\" ";
+        }
+        double const opacity =
+            use.attribute("opacity").as_double(1.0) * shown.attribute("opacity").as_double(1.0);
+        return opacity != 1.0 ? text + "opacity=\"" + Exact(opacity) + "\" " : text;
+    }
+
     /// The parts become paths beside the `use` that showed the outline.
     void Insert(SvgEdit& edit, std::size_t i) const {
         Outline const& outline = mDrawing.outlines[i];
@@ -152,17 +187,20 @@ private:
         bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
         std::string style = "fill:" + outline.fill + ";stroke:" + outline.stroke +
                             (evenOdd ? ";fill-rule:evenodd" : "");
-        if (outline.stroke != "none" && outline.pen) {
-            double const width =
-                outline.pen->style.width * Stretch(outline.source.toDrawing) * Stretch(beside);
-            style += ";stroke-width:" + Exact(width);
+        if (outline.pen && outline.pen->fillOpacity != "1") {
+            style += ";fill-opacity:" + outline.pen->fillOpacity;
         }
+        if (outline.stroke != "none" && outline.pen) {
+            style += PenStyle(outline, Stretch(outline.source.toDrawing) * Stretch(beside));
+        }
+        std::string const attributes =
+            AttributesOfUse(outline) + "style=\"" + Escaped(style) + "\"";
         std::string id = outline.id;
         std::replace(id.begin(), id.end(), '/', '-');
         std::replace(id.begin(), id.end(), '#', '-');
         for (CPath const& part : PartsOf(i)) {
-            edit.InsertPath(outline.source.placed, edit.FreeId(id),
-                            "style=\"" + Escaped(style) + "\"", Moved(part, beside));
+            edit.InsertPath(outline.source.placed, edit.FreeId(id), attributes,
+                            Moved(part, beside));
         }
     }
 
