@@ -13,14 +13,18 @@
 // A result is right when each point of a sample is inside exactly as winding numbers, rules and
 // operation say. Points nearer to the operands' outlines than 1e-6 of the size do not count.
 // The laws of OutlineLaws.h are tried on each two operands, with chains of 12 operations.
-// OutlineJudge.h finds winding numbers by solving, and knows nothing of the library.
+// OutlineJudge.h finds winding numbers by solving, and knows nothing of the library. Each element
+// of a result must be a part of its source (SourceJudge.h), and contours must not cross by the
+// distance that is kept (CrossingJudge.h).
 //
 // Prints a line for each wrong result and a table. The status is 1 if there is a wrong result.
 
 #include "CPath.h"
 #include "OutlineOperations.h"
+#include "outlines/CrossingJudge.h"
 #include "outlines/OutlineJudge.h"
 #include "outlines/OutlineLaws.h"
+#include "outlines/SourceJudge.h"
 
 #include <nlohmann/json.hpp>
 
@@ -157,9 +161,10 @@ double SizeOf(Case const& c) {
     return std::max({high[0] - low[0], high[1] - low[1], 1e-300});
 }
 
-double Run(Case const& c, CPath& out) {
-    return c.removesOverlap ? RemoveOverlap(c.a.path, c.a.rule, 0.0, out)
-                            : Boolean(c.op, c.a.path, c.a.rule, c.b.path, c.b.rule, 0.0, out);
+double Run(Case const& c, CPath& out, std::vector<trammel::ElementSource>* sources) {
+    return c.removesOverlap
+               ? RemoveOverlap(c.a.path, c.a.rule, 0.0, out, sources)
+               : Boolean(c.op, c.a.path, c.a.rule, c.b.path, c.b.rule, 0.0, out, sources);
 }
 
 /// Does the work of a case, and adds what came of it to the tally.
@@ -167,7 +172,7 @@ void Judge(Case const& c, std::string const& kind, Tally& tally) {
     CPath out;
     double const size = SizeOf(c);
     auto const begin = std::chrono::steady_clock::now();
-    double const kept = Run(c, out);
+    double const kept = Run(c, out, nullptr);
     auto const end = std::chrono::steady_clock::now();
     tally.microseconds.push_back(std::chrono::duration<double, std::micro>(end - begin).count());
     ++tally.cases;
@@ -195,9 +200,15 @@ void Judge(Case const& c, std::string const& kind, Tally& tally) {
     } else if (!again.mCtls.empty()) {
         ++wrong;
     }
-    if (wrong != 0) {
+    std::vector<trammel::ElementSource> sources;
+    Run(c, out, &sources);
+    std::string const source =
+        trammel_test::SourceJudge({c.a.path, c.b.path}).Wrong(out, sources, kept);
+    int const deep = trammel_test::CrossingsOf(out, 1e-12 * size, kept).deep;
+    if (wrong != 0 || deep != 0 || !source.empty()) {
         ++tally.wrong;
-        std::printf("%s: %s: wrong at %d points\n", c.name.c_str(), kind.c_str(), wrong);
+        std::printf("%s: %s: wrong at %d points, %d crossings; %s\n", c.name.c_str(), kind.c_str(),
+                    wrong, deep, source.c_str());
     }
 }
 

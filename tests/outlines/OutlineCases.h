@@ -8,7 +8,6 @@
 
 #include "CPath.h"
 #include "FillRule.h"
-#include "PathSegments.h"
 #include "SvgPath.h"
 #include "TPoint.h"
 #include "Tgcp.h"
@@ -81,14 +80,6 @@ inline void TurnAndMove(CPath& path, double angle, TPoint<double> const& by) {
         p = TPoint<double>(p.h * cosine - p.v * sine + by.h, p.h * sine + p.v * cosine + by.v);
     }
     path.InvalBounds();
-}
-
-/// Returns the point of a segment.
-inline TPoint<double> PointAt(trammel::PathSegment const& s, double t) {
-    double const u = 1.0 - t;
-    return s.IsCurve() ? s.start * (u * u * u) + s.control1 * (3.0 * u * u * t) +
-                             s.control2 * (3.0 * u * t * t) + s.end * (t * t * t)
-                       : s.start + (s.end - s.start) * t;
 }
 
 } // namespace trammel_test

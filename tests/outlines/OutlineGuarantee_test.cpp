@@ -3,6 +3,7 @@
 // A test for each sentence that OutlineOperations.h promises of every result. docs/outlines.md has
 // the table of sentences and tests.
 
+#include "CrossingJudge.h"
 #include "Intersections.h"
 #include "OutlineCases.h"
 #include "OutlineJudge.h"
@@ -114,52 +115,16 @@ TEST(OutlineGuarantee, ClosesContoursBitForBit) {
     }
 }
 
-/// Returns the segments of a path by their elements.
-std::map<std::size_t, trammel::PathSegment> ByElement(CPath const& path) {
-    std::map<std::size_t, trammel::PathSegment> segments;
-    for (trammel::PathSegment const& s : trammel::Segments(path)) {
-        segments.emplace(s.element, s);
-    }
-    return segments;
-}
-
-OutlineJudge JudgeOf(trammel::PathSegment const& s) {
-    CPath one;
-    one.AddCtl(kPathMove).AddPt(s.start);
-    if (s.IsCurve()) {
-        one.AddCtl(kPathCurve).AddPt(s.control1).AddPt(s.control2).AddPt(s.end);
-    } else {
-        one.AddCtl(kPathLine).AddPt(s.end);
-    }
-    return OutlineJudge(one);
-}
-
 TEST(OutlineGuarantee, LetsNoContoursCrossByTheDistanceOrMore) {
     for (Result const& r : Results(0, 1)) {
-        auto const segments = ByElement(r.out);
         for (double const accuracy : {1e-11, 1e-13}) {
-            for (trammel::Intersection const& x :
-                 trammel::SelfIntersections(r.out, accuracy * r.size)) {
-                if (x.kind != trammel::IntersectionKind::kCrossing || !x.crosses) {
-                    continue;
-                }
-                // From there on, one way leads beside the other element to a place where they meet
-                // again, or to an end.
-                trammel::PathSegment const& a = segments.at(x.a.element);
-                OutlineJudge const b = JudgeOf(segments.at(x.b.element));
-                auto const staysNear = [&](double end) {
-                    for (int i = 1; i <= 16; ++i) {
-                        Pt const p = trammel_test::PointAt(a, x.a.t + (end - x.a.t) * i / 16);
-                        if (!b.IsNear(p, r.kept)) {
-                            return false;
-                        }
-                    }
-                    return true;
-                };
-                EXPECT_TRUE(staysNear(0.0) || staysNear(1.0)) << r.c.name;
-                // Only near contacts are there such crossings at all.
-                trammel_test::SourceJudge const judge({r.c.a, r.c.b});
-                EXPECT_TRUE(judge.IsInContact(x.point, r.kept)) << r.c.name;
+            trammel_test::Crossings const found =
+                trammel_test::CrossingsOf(r.out, accuracy * r.size, r.kept);
+            EXPECT_EQ(0, found.deep) << r.c.name;
+            // Only near contacts are there such crossings at all.
+            trammel_test::SourceJudge const judge({r.c.a, r.c.b});
+            for (Pt const& p : found.places) {
+                EXPECT_TRUE(judge.IsInContact(p, r.kept)) << r.c.name;
             }
         }
     }

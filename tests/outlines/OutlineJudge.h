@@ -165,6 +165,14 @@ private:
     }
 };
 
+/// Returns the point of a segment.
+inline TPoint<double> PointAt(trammel::PathSegment const& s, double t) {
+    double const u = 1.0 - t;
+    return s.IsCurve() ? s.start * (u * u * u) + s.control1 * (3.0 * u * u * t) +
+                             s.control2 * (3.0 * u * t * t) + s.end * (t * t * t)
+                       : s.start + (s.end - s.start) * t;
+}
+
 /// True when the operation of two regions has a point that is in them or not.
 inline bool Wants(TPolyOp op, bool inA, bool inB) {
     switch (op) {

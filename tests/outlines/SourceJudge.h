@@ -48,7 +48,8 @@ public:
 
     /// Returns what is wrong with the elements of a result, or an empty text. An element must be
     /// its source bit for bit, or a part of it with ends moved by no more than `kept`. The control
-    /// point beside an end moves as the end does. An element without a source must be a line.
+    /// point beside an end moves as the end does. An element without a source must be a line, and
+    /// so must one of a line that closes an open subpath.
     std::string Wrong(CPath const& out, std::vector<trammel::ElementSource> const& sources,
                       double kept) const {
         if (sources.size() != out.mCtls.size()) {
@@ -91,6 +92,10 @@ private:
                              double kept) const {
         if (source.operand == trammel::ElementSource::kNoSource) {
             return s.IsCurve() ? "a curve has no source" : "";
+        }
+        if (source.operand < mSegments.size() &&
+            source.element == trammel::ElementSource::kNoSource) {
+            return s.IsCurve() ? "the line that closes a subpath is a curve" : "";
         }
         if (source.operand >= mSegments.size() ||
             source.element >= mSegments[source.operand].size()) {
