@@ -914,6 +914,13 @@ std::vector<Call> OutlineCalls() {
              SvgPathResult const read = ReadSvgPath(a.text + " oh", 0.01);
              a.Returned(read.path, read.error.has_value() ? read.error->Message() : std::string());
          }},
+        {"trammel::ReadSvgPath", kThrows,
+         [](A& a) {
+             SvgPathOptions options;
+             options.keepDots = true;
+             SvgPathResult const read = ReadSvgPath(a.text + "M1 2h0", options);
+             a.Returned(read.path, read.error.has_value(), read.arcs);
+         }},
         {"trammel::WriteSvgPath", kThrows,
          [](A& a) {
              try {
