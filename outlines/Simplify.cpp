@@ -488,6 +488,7 @@ double Simplify(CPath const& outline, double tolerance, NewCrossings crossings, 
 double SimplifyOutlines(std::vector<CPath> const& outlines, double tolerance,
                         NewCrossings crossings, std::vector<CPath>& out) {
     std::vector<CPath const*> each;
+    each.reserve(outlines.size());
     for (CPath const& outline : outlines) {
         each.push_back(&outline);
     }
@@ -496,6 +497,7 @@ double SimplifyOutlines(std::vector<CPath> const& outlines, double tolerance,
         simplifier.AvoidCrossings();
     }
     std::vector<CPath> result;
+    result.reserve(outlines.size());
     for (std::size_t i = 0; i < outlines.size(); ++i) {
         result.push_back(simplifier.Result(i));
     }
