@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <new>
 
 namespace trammel_detail {
@@ -21,6 +22,18 @@ double const kRoundings = 0x1p-40;
 /// Points become one, curves become one, and ends move with them: each by some reach.
 double const kReaches = 4.0;
 
+/// Returns which share of a line leads to a point, from its start. A line that is so small beside
+/// the drawing that squares underflow has a share along its longer side.
+double ShareOf(Pt const& way, Pt const& line) {
+    double const square = Square(line);
+    if (square >= std::numeric_limits<double>::min()) {
+        return Dot(way, line) / square;
+    }
+    bool const level = std::abs(line.h) >= std::abs(line.v);
+    double const whole = level ? line.h : line.v;
+    return whole != 0.0 ? (level ? way.h : way.v) / whole : 0.0;
+}
+
 /// Returns the share of a use's parameters at a point of its arc, which the use may run through at
 /// another pace.
 double PaceAt(OutlineArcs const& arcs, ArcUse const& use, Pt const& p, double otherwise) {
@@ -32,9 +45,7 @@ double PaceAt(OutlineArcs const& arcs, ArcUse const& use, Pt const& p, double ot
     if (element.curve) {
         FindOnMonotone(PartOf(c, use.from, use.to), false, p, kReaches * arcs.Reach(), t);
     } else {
-        Pt const chord = c[3] - c[0];
-        double const along = Dot(p - c[0], chord) / Square(chord);
-        t = (along - use.from) / (use.to - use.from);
+        t = (ShareOf(p - c[0], c[3] - c[0]) - use.from) / (use.to - use.from);
     }
     return std::min(std::max(t, 0.0), 1.0);
 }
@@ -360,8 +371,7 @@ double Lift::ParameterOnLine(FlatEdge const& edge, Pt const& p) const {
     Cubic const& c = mFlat.arcs.elements[edge.element].c;
     WorkFrame const& frame = mFlat.arcs.Frame();
     Pt const start = frame.ToWork(c[0]);
-    Pt const chord = frame.ToWork(c[3]) - start;
-    double const t = Dot(frame.ToWork(p) - start, chord) / Square(chord);
+    double const t = ShareOf(frame.ToWork(p) - start, frame.ToWork(c[3]) - start);
     return std::min(std::max(t, 0.0), 1.0);
 }
 

@@ -359,6 +359,20 @@ TEST(OutlineOperations, MakeFewElementsOfCurvesWithBothEndsInCommonThatAreTangen
     }
 }
 
+TEST(OutlineOperations, NameTheParametersOfLinesWhoseSquaresUnderflow) {
+    CPath const outline = Path("M0 0L0 1.766927415561677e-284 1.766927415561677e-284 "
+                               "1.766927415561677e-284 0.00390625 0");
+    CPath out;
+    std::vector<ElementSource> sources;
+    double const kept = RemoveOverlap(outline, kEvenOdd, 3.9e-5, out, &sources);
+    EXPECT_GE(kept, 3.9e-5);
+    ASSERT_EQ(out.mCtls.size(), sources.size());
+    for (ElementSource const& source : sources) {
+        EXPECT_TRUE(source.from >= 0.0 && source.from <= 1.0) << source.from;
+        EXPECT_TRUE(source.to >= 0.0 && source.to <= 1.0) << source.to;
+    }
+}
+
 TEST(OutlineOperations, FindWhereACurveIsCrossedBesideAnEndAtWhichItStandsStill) {
     CPath const lines = Path("M-15 -5C-5 -5 12 1 6 15C20 -7 19 -17 20 -12C-20 -20 -20 -20 -20 -20");
     for (double const tolerance : {0.4, 0.01, 1e-6, 0.0}) {
