@@ -95,9 +95,8 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
             if (unsettledCount != 0 && !copies) {
                 tree.emplace(lines, std::move(active));
                 hasPairs = FindPartPairs(sorted, parts, *tree, lines, pairs);
-                if (!hasPairs) {
-                    active = tree->TakeActive();
-                }
+                active =
+                    hasPairs ? ScratchVector<char>(incidences.get_allocator()) : tree->TakeActive();
             }
         } else {
             unsettledCount = InsertCuts(std::move(found.cuts),

@@ -57,6 +57,26 @@ Ring Star(Count n) {
     return ring;
 }
 
+/// Returns a ring turned by an angle whose sine is 3/5.
+Ring Turned(Ring ring) {
+    for (Pt& p : ring) {
+        p = Pt(0.8 * p.h - 0.6 * p.v, 0.6 * p.h + 0.8 * p.v);
+    }
+    return ring;
+}
+
+/// A star of random radii that does not cross itself.
+Ring Ragged(Count n) {
+    std::mt19937_64 random(5);
+    Ring ring;
+    for (Count i = 0; i < n; ++i) {
+        double const angle = 2 * pi * Real(i) / Real(n);
+        double const radius = 100 + Real(random() % 1000000) * 0.001;
+        ring.emplace_back(radius * std::cos(angle), radius * std::sin(angle));
+    }
+    return ring;
+}
+
 /// A star of spikes that do not cross.
 Ring Spikes(Count n) {
     Ring ring;
@@ -301,6 +321,7 @@ std::vector<Case> Cases() {
     auto const upright = [](Count n) { return Comb(n, 0, true); };
     auto const shifted = [](Count n) { return Comb(n, 1, true); };
     auto const lying = [](Count n) { return Comb(n, 0.5, false); };
+    auto const turned = [](auto make) { return [make](Count n) { return Turned(make(n)); }; };
     auto const lines = [](auto make) { return [make](Count n) { return Lines({make(n)}); }; };
     auto const curves = [](auto make) { return [make](Count n) { return Curved(make(n)); }; };
     auto const plain = [](Count) { return StrokeStyle(); };
@@ -312,8 +333,11 @@ std::vector<Case> Cases() {
     return {
         Combination("combs beside each other", 100000, upright, shifted),
         Combination("combs across each other", 3000, upright, lying),
+        Combination("slanted combs beside each other", 1000000, turned(upright), turned(shifted)),
+        Combination("slanted combs across each other", 3000, turned(upright), turned(lying)),
         Combination("stars through one point", 1000, Star, Star, true),
-        Combination("spikes", 100000, Spikes, [](Count n) { return Circle(n, 500); }),
+        Combination("the same ragged star twice", 1000000, Ragged, Ragged),
+        Combination("spikes", 1000000, Spikes, [](Count n) { return Circle(n, 500); }),
         Combination("nearly parallel edges", 1000000, Needles, Needles),
         Combination("spirals", 1000000, Spiral, Spiral),
         {"`Union` of polygons", "squares in squares", 1000000,
