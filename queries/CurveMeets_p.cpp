@@ -188,7 +188,13 @@ void FindNearest(Cubic const& a, Cubic const& b, Gap const& gap, CurveMeet& m) {
             return;
         }
     }
-    if (gap.Distance(s, t) <= least * 1.0625 + 0x1p-46) {
+    double extent = 0.0;
+    for (Cubic const* const c : {&a, &b}) {
+        for (Pt const& p : *c) {
+            extent = std::max(extent, std::max(std::abs(p.h), std::abs(p.v)));
+        }
+    }
+    if (gap.Distance(s, t) <= least * 1.0625 + 0x1p-46 * extent) {
         m.s = s;
         m.t = t;
     }

@@ -415,6 +415,19 @@ TEST(Intersections, LieWithinTheAccuracyWhereBothCurvesStandStill) {
     }
 }
 
+// Rounding is as small as the drawing.
+TEST(Intersections, OfASmallDrawingLieWithinTheAccuracyOfBoth) {
+    double const k = 0x1p-35;
+    CBezier const halting(Pt(0, 0), Pt(k, k), Pt(k, k), Pt(k, k));
+    CBezier const bent(Pt(k, k), Pt(k * 0x1p-16, k * 0x1p-16), Pt(k * 0x1p-16, 0), Pt(0, 0));
+    Places places;
+    double const kept = AppendIntersections(halting, bent, 0.0, places);
+    ASSERT_FALSE(places.empty());
+    for (Intersection const& p : places) {
+        EXPECT_LE(Distance(halting.TPt(p.a.t), bent.TPt(p.b.t)), kept);
+    }
+}
+
 TEST(Intersections, TellWhereCurvesComeWithinAQuarterOfTheAccuracy) {
     Random random(8);
     for (int i = 0; i < 6000; ++i) {
