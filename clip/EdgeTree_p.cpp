@@ -286,7 +286,7 @@ bool EdgeTree::AreFewEntangled() const {
     std::size_t const count = mNodes.size();
     std::size_t drawn = 0;
     std::size_t meeting = 0;
-    for (std::size_t step : {2, 5, 11}) {
+    for (std::size_t const step : {std::size_t{2}, std::size_t{5}, std::size_t{11}}) {
         for (std::size_t i = 0; i + step < count; i += 3) {
             ++drawn;
             meeting += mNodes[i].box.Meets(mNodes[i + step].box) ? 1 : 0;
