@@ -214,8 +214,10 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     std::size_t unsettledCount = 0;
     std::size_t begin = 0;
     parts.Reserve(tree.Count());
-    for (std::size_t& lineEnd : lines.ends) {
-        std::size_t const end = lineEnd;
+    // The lines stay as they are until the end, because the tree may read them.
+    ScratchVector<std::size_t> allEnds(incidences.get_allocator());
+    allEnds.reserve(lines.ends.size());
+    for (std::size_t const end : lines.ends) {
         for (std::size_t i = begin; i < end; ++i) {
             allPoints[size] = lines.points[i];
             allIncidences[size] = incidences[i];
@@ -258,7 +260,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                 std::count(active.begin() + static_cast<std::ptrdiff_t>(first),
                            active.begin() + static_cast<std::ptrdiff_t>(size), 1));
         }
-        lineEnd = size;
+        allEnds.push_back(size);
         begin = end;
     }
     parts.Push(size);
@@ -266,6 +268,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     allIncidences.resize(size);
     active.resize(size);
     lines.points = std::move(allPoints);
+    lines.ends = std::move(allEnds);
     if (hasOrigins) {
         allOrigins.resize(size);
         lines.origins = std::move(allOrigins);
