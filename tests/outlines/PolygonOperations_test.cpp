@@ -547,6 +547,21 @@ TEST(PolygonOperations, UniteHundredsOfCoincidentAndReversedCopies) {
               Text(RemoveOverlap({Pentagram()}, FillRule::kNonZero)));
 }
 
+TEST(PolygonOperations, CutTheLastEdgesOfCopiesToo) {
+    // The last edges of both squares cross others, and cuts change how many edges a square has.
+    Rings squares;
+    for (int i = 0; i < 400; ++i) {
+        squares.push_back(Square(0, 0, 2));
+    }
+    for (int i = 0; i < 400; ++i) {
+        squares.push_back(Square(-1, -1, 2));
+    }
+    Rings const two = {Square(0, 0, 2), Square(-1, -1, 2)};
+    EXPECT_EQ(Text(RemoveOverlap(two, FillRule::kNonZero)),
+              Text(RemoveOverlap(squares, FillRule::kNonZero)));
+    EXPECT_EQ("", Text(RemoveOverlap(squares, FillRule::kEvenOdd)));
+}
+
 TEST(PolygonOperations, TakeTimeInProportionToTheNumberOfCopies) {
     // With the square of it, this test would take a quarter of an hour.
     Rings copies;
