@@ -58,10 +58,17 @@ std::vector<std::vector<char>> FindNodes(std::vector<std::vector<Cubic>> const& 
         std::vector<Cubic> const& curves = subpaths[s];
         nodes[s].assign(curves.size(), 1);
         for (std::size_t i = 0; i < curves.size(); ++i) {
-            bool const isFirst = i == 0;
-            Cubic const& before = isFirst ? curves.back() : curves[i - 1];
-            if (IsFinite(before) && IsFinite(curves[i]) && (isFirst || before[3] == curves[i][0])) {
-                add(s, i, isFirst ? Reversed(curves[i]) : before, curves[i], isFirst);
+            bool const isFinite = IsFinite(curves[i]);
+            bool const follows = i > 0 && IsFinite(curves[i - 1]);
+            if (isFinite && follows && curves[i - 1][3] == curves[i][0]) {
+                add(s, i, curves[i - 1], curves[i], false);
+                continue;
+            }
+            if (isFinite) {
+                add(s, i, Reversed(curves[i]), curves[i], true);
+            }
+            if (follows) {
+                add(s, curves.size(), curves[i - 1], Reversed(curves[i - 1]), true);
             }
         }
         if (!curves.empty() && IsFinite(curves.back())) { // its end, which no element owns

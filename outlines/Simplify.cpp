@@ -369,6 +369,7 @@ private:
         std::vector<Box> points;
         bool found = false;
         mMarks.assign(mRuns.size(), {});
+        mTested.resize(mRuns.size(), 0.0);
         for (std::size_t r = 0; r < mRuns.size(); ++r) {
             Run& run = mRuns[r];
             mMarks[r].assign(run.pieces.size(), 0);
@@ -409,7 +410,8 @@ private:
             Run const& run = mRuns[p.run];
             Run const& other = mRuns[r];
             Piece const& piece = run.pieces[p.piece];
-            if (piece.IsElement() || !piece.isNew || r == p.run || !other.isFinite ||
+            bool const isTested = !piece.isNew && distances[r] <= mTested[r];
+            if (piece.IsElement() || isTested || r == p.run || !other.isFinite ||
                 other.Start() == run.Start() || other.Start() == run.End() ||
                 other.End() == run.Start() || other.End() == run.End()) {
                 return;
@@ -420,6 +422,7 @@ private:
                 found = true;
             }
         });
+        mTested = std::move(distances);
         for (std::size_t r = 0; r < mRuns.size(); ++r) {
             for (std::size_t k = 0; k < mRuns[r].pieces.size(); ++k) {
                 Piece& piece = mRuns[r].pieces[k];
@@ -464,6 +467,9 @@ private:
     std::vector<Part> mSubpaths;
     std::vector<Run> mRuns;
     std::vector<std::vector<char>> mMarks; ///< of each run's pieces
+    /// The runs' distances when Mark() tested the pieces. A run that is halved may have a greater
+    /// one, and then all pieces are tested against it again.
+    std::vector<double> mTested;
 };
 
 double Usable(double tolerance) { return tolerance > 0.0 ? tolerance : 0.0; }
