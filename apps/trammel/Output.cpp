@@ -155,8 +155,8 @@ void OutputFiles::Commit() {
     for (Entry& entry : mEntries) {
         if (!entry.temporary.empty() && !Move(entry, mEntries.size() > 1)) {
             int const reason = errno;
-            Undo();
-            FailToWrite(entry.name, reason);
+            std::string const name = entry.name + Undo();
+            FailToWrite(name, reason);
         }
     }
     for (Entry const& entry : mEntries) {
@@ -181,15 +181,20 @@ bool OutputFiles::Move(Entry& entry, bool mayExchange) {
     return true;
 }
 
-void OutputFiles::Undo() {
+std::string OutputFiles::Undo() {
+    std::string kept;
     for (Entry& entry : mEntries) {
         if (entry.place == Place::kExchanged) {
-            Exchange(entry.temporary, entry.target);
+            if (!Exchange(entry.temporary, entry.target)) {
+                kept += " (the old " + entry.name + " is " + entry.temporary + ")";
+                entry.temporary.clear(); // it is the user's file now
+            }
         } else if (entry.place == Place::kNew) {
             unlink(entry.target.c_str());
         }
         entry.place = Place::kApart;
     }
+    return kept;
 }
 
 void WriteFile(std::string const& file, std::string const& content) {

@@ -23,8 +23,9 @@ public:
     /// output ("-") directly.
     /// Throws Error when the file cannot be written, or was added before.
     void Add(std::string const& file, std::string const& content);
-    /// Moves the files to their places. Throws Error, and then all files are as they were; where
-    /// the system cannot exchange files, some may be new.
+    /// Moves the files to their places. Throws Error, and then all files are as they were. Where
+    /// the system cannot exchange files, some may be new. Devices, pipes and standard output have
+    /// been written by then.
     void Commit();
 
 private:
@@ -43,8 +44,8 @@ private:
     };
     /// Moves one file to its place. Returns false, with errno set, when that fails.
     static bool Move(Entry& entry, bool mayExchange);
-    /// Brings the old files back.
-    void Undo();
+    /// Brings the old files back. Returns what to say of those that stay elsewhere.
+    std::string Undo();
 
     std::vector<Entry> mEntries;
 };

@@ -130,7 +130,7 @@ class Outlines(AppTest):
         self.assertIn("<defs>", text)
         areas = self.areas()
         self.assertEqual({id: a[0] for id, a in areas.items()}, {"u-s": 100, "v-s": 400})
-        look = ('<defs><path id="s" opacity=".5" d="M0 0H10V10H0Z"/></defs><use id="u" href="#s" class="k" '
+        look = ('<defs><path id="s" opacity="50%" d="M0 0H10V10H0Z"/></defs><use id="u" href="#s" class="k" '
                 'opacity=".5" fill-opacity=".3" stroke="red" stroke-dasharray="2 1" stroke-linejoin="round" '
                 'transform="scale(2)"/>')
         self.run_text("divide", self.write("look.svg", svg(look)), "-o", self.out)

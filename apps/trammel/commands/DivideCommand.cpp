@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <map>
 #include <set>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace tool {
@@ -175,8 +177,12 @@ private:
         if (use.attribute("class")) {
             text += "class=\"" + Escaped(use.attribute("class").value()) + "\" ";
         }
-        double const opacity =
-            use.attribute("opacity").as_double(1.0) * shown.attribute("opacity").as_double(1.0);
+        auto const opacityOf = [](pugi::xml_node element) {
+            std::string_view const value = element.attribute("opacity").as_string("1");
+            double const number = element.attribute("opacity").as_double(1.0);
+            return !value.empty() && value.back() == '%' ? number / 100.0 : number;
+        };
+        double const opacity = opacityOf(use) * opacityOf(shown);
         return opacity != 1.0 ? text + "opacity=\"" + Exact(opacity) + "\" " : text;
     }
 
