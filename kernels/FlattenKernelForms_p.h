@@ -436,7 +436,7 @@ inline constexpr double kFineBeside = 0x1p-38;
 
 /// The control points' differences, v in lane 0 and h in lane 1.
 struct ChordPoints {
-    Double2 p0, a, last, b, b2;
+    Double2 p0, a, middle, last, b, b2;
     double sum;  ///< of the coordinates' magnitudes
     double bend; ///< the square of the longer second difference
 
@@ -447,7 +447,7 @@ struct ChordPoints {
         Double2 const p3 = Double2::Load(points + 6);
         a = p1 - p0;
         last = p3 - p2;
-        Double2 const middle = p2 - p1;
+        middle = p2 - p1;
         b = middle - a;
         b2 = last - middle;
         Double2 const sums = (Abs(p0) + Abs(p1)) + (Abs(p2) + Abs(p3));
@@ -791,7 +791,7 @@ template <class Vector>
     }
     EvenCount<Vector> const even(Vector(p.bend), Vector(limit));
     double const product = Lane<1>(p.a) * Lane<0>(p.b) - Lane<0>(p.a) * Lane<1>(p.b);
-    if (!IsEven(square(p.a), square(p.a + p.b), square(p.last), product, Lane<0>(even.count),
+    if (!IsEven(square(p.a), square(p.middle), square(p.last), product, Lane<0>(even.count),
                 tolerance)) {
         return 0;
     }
