@@ -23,9 +23,9 @@ public:
     /// Stands for no edge.
     static constexpr std::uint32_t kNoOther = 0xFFFFFFFF;
 
-    /// Sorts cuts of the edges of `tree`. In each one, Cut::edge becomes the other edge of the pair
-    /// that was found to cross or nearly to do so, or kNoOther for those without a partner. Throws
-    /// std::length_error for more than 32 bits can count.
+    /// Sorts cuts of the edges of `tree`. In each one, Cut::edge becomes the other edge of its
+    /// pair, which crosses it or nearly does so. It becomes kNoOther for cuts without a partner.
+    /// Throws std::length_error for more than 32 bits can count.
     SortedCuts(FoundCuts const& found, EdgeTree const& tree);
 
     /// The cuts of an edge are those from Begin() to End().

@@ -106,6 +106,7 @@ void PartPairs::PairWithPartsOf(std::size_t edge, std::size_t part) {
         low, [&](GridPoint p, std::int64_t at) { return axis.Along(p) < at; });
     for (auto j = static_cast<std::size_t>(after - points) - 1;
          j < end && axis.Along(mLines.points[j]) <= high; ++j) {
+        ++mSteps;
         GridPoint const next = j + 1 < end ? mLines.points[j + 1] : last;
         if (j != part && BoxOf(mLines.points[j], next).Meets(box)) {
             mPairs.push_back({static_cast<std::uint32_t>(std::min(part, j)),
