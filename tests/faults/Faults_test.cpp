@@ -388,6 +388,8 @@ TEST_F(Faults, WalkToTheGreatestDepthFitsIntoAStackOf64KB) {
         int ofSpline = 0;
         CBSpline::mMaxError = -1.0;
         CBSpline(a.curve.P0, a.curve.P1, a.curve.P3).GenerateSegment(count, &ofSpline, 32767);
+        EXPECT_EQ(32766, points);
+        EXPECT_EQ(1081, ofSpline); // deeper halves are points, which are flat
         a.Returned(points, ofSpline);
     };
     double const before = CBezier::mMaxError;

@@ -60,6 +60,7 @@ std::vector<Result> Results(std::size_t first, std::size_t step) {
     constexpr double kTolerances[] = {0.0, 1e-8, 0.0, 1e-5, 0.0, 1e-3, 1e-2};
     std::vector<Result> results;
     std::vector<OutlineCase> const cases = trammel_test::ReadOutlineCases();
+    EXPECT_EQ(230U, cases.size());
     for (std::size_t i = first; i < cases.size(); i += step) {
         Result r{cases[i], 0.0, 0.0, {}, {}, 0.0};
         if (i % 3 == 2) {

@@ -138,11 +138,15 @@ void Outlines(Objects const& shared, Digest& digest) {
                                0.1, out));
     digest.Add(out);
     digest.Add(trammel::Simplify(shared.path, 1, out));
+    digest.Add(out);
     digest.Add(trammel::Simplify(shared.path, 1, trammel::NewCrossings::kAvoid, out));
+    digest.Add(out);
     std::vector<CPath> simple;
     digest.Add(trammel::SimplifyOutlines({shared.path, shared.path}, 1,
                                          trammel::NewCrossings::kAvoid, simple));
-    digest.Add(out);
+    for (CPath const& path : simple) {
+        digest.Add(path);
+    }
 }
 
 void PolygonOperations(Objects const& shared, Digest& digest) {
