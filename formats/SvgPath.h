@@ -75,7 +75,7 @@ struct TRAMMEL_API SvgPathResult {
 ///
 /// Elliptical arcs become cubic curves of equal sweep, at most an eighth turn each. They run along
 /// the outside of the ellipse and leave it by at most 4.3e-6 of the greater radius, rounding aside.
-/// The last one ends in the given point exactly. The other function of this name takes another
+/// The last one ends in the given point exactly. Other functions of this name take another
 /// distance.
 /// - Radii are taken without their sign, and grow in proportion where they are too small to reach
 ///   the ends.

@@ -30,7 +30,7 @@
 // power of two, with its tolerance, has the same fit scaled, as long as no number leaves the range
 // of normal doubles.
 //
-// Cost: O(n), less than 0.1 µs a point for handwriting. Memory: some 70 bytes a point, and the fit.
+// Cost: O(n), about 0.1 µs a point for handwriting. Memory: some 70 bytes a point, and the fit.
 // Without memory the functions throw std::bad_alloc. They share no state: all are safe from any
 // thread, each on its own objects.
 //

@@ -112,10 +112,11 @@ inline constexpr long kMostFlatPoints = 65536;
 /// Points lie as densely as the bend demands, within about a twentieth of the fewest possible for
 /// points on the curve. With a NaN or infinite coordinate P0 and P3 are appended, and NaN is
 /// returned.
-/// Cost: 4 to 65 samples of the bend, and one or two evaluations a point; each chord is verified.
-/// Points are worked on four at a time, and appended many at a time.
-/// Source: equal steps of the integral of the square root of the bend [Levien, Flattening quadratic
-/// Béziers, 2019]. The distance of a cubic from its chord is taken by its control points.
+/// Cost: 4 to 65 samples of the bend, and one or two evaluations a point. Each chord is verified,
+/// except for quadratic curves in equal steps, whose second differences bound the distance. Points
+/// are worked on four at a time, and appended many at a time. Source: equal steps of the integral
+/// of the square root of the bend [Levien, Flattening quadratic Béziers, 2019]. The distance of a
+/// cubic from its chord is taken by its control points.
 TRAMMEL_API double FlattenWithin(CBezier const& curve, double tolerance, TPolygon<double>& poly);
 /// The same for a quadratic curve.
 TRAMMEL_API double FlattenWithin(CBSpline const& curve, double tolerance, TPolygon<double>& poly);

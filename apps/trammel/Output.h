@@ -44,7 +44,7 @@ private:
     };
     /// Moves one file to its place. Returns false, with errno set, when that fails.
     static bool Move(Entry& entry, bool mayExchange);
-    /// Brings the old files back. Returns what to say of those that stay elsewhere.
+    /// Brings the old files back. Returns a text that names the files which stay elsewhere.
     std::string Undo();
 
     std::vector<Entry> mEntries;
