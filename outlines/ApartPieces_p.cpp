@@ -21,7 +21,7 @@ constexpr double kApart = 0x1p-20;
 constexpr int kMostSteps = 400;
 /// Pairs and parts that wait. Each step takes one and adds two.
 constexpr std::size_t kMostOpen = 64;
-/// A curve that is looked at for loops has so many parts.
+/// The search for loops cuts a curve into this number of parts.
 constexpr std::size_t kLoopParts = 8;
 
 /// A part of a curve, which knows whether its ends are the curve's own.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// NewCrossings: whether what is simplified may cross or touch where it did not before.
+// NewCrossings: the choice whether simplified outlines may cross or touch anew.
 
 #ifndef TRAMMEL_NEWCROSSINGS_H
 #define TRAMMEL_NEWCROSSINGS_H

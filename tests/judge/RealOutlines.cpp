@@ -308,7 +308,7 @@ CPath Fitted(CPath path, CPath const& into) {
 }
 
 /// Returns the continent of a country by its number, as the United Nations divide them. The last
-/// one has what is on none of the others.
+/// continent takes all other countries.
 std::size_t ContinentOf(std::string const& id) {
     static char const* const kContinents[] = {
         // Africa

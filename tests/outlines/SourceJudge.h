@@ -46,10 +46,10 @@ public:
         }
     }
 
-    /// Returns what is wrong with the elements of a result, or an empty text. An element must be
-    /// its source bit for bit, or a part of it with ends moved by no more than `kept`. The control
-    /// point beside an end moves as the end does. An element without a source must be a line, and
-    /// so must one of a line that closes an open subpath.
+    /// Returns a text about the first wrong element of a result, or an empty text. An element must
+    /// be its source bit for bit, or a part of it with ends moved by no more than `kept`. The
+    /// control point beside an end moves as the end does. An element without a source must be a
+    /// line. An element whose source closes an open subpath must be a line, too.
     std::string Wrong(CPath const& out, std::vector<trammel::ElementSource> const& sources,
                       double kept) const {
         if (sources.size() != out.mCtls.size()) {
