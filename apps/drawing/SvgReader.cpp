@@ -527,11 +527,10 @@ Reader::Form Reader::Ellipse(pugi::xml_node element, Context const& context, cha
 
 Reader::Form Reader::Line(pugi::xml_node element, Context const& context) {
     Form form;
-    form.path = PolylinePath({Pt(LengthOr0(element, "x1", context, Axis::kHorizontal),
-                                 LengthOr0(element, "y1", context, Axis::kVertical)),
-                              Pt(LengthOr0(element, "x2", context, Axis::kHorizontal),
-                                 LengthOr0(element, "y2", context, Axis::kVertical))},
-                             false);
+    form.path = DrawnLines({Pt(LengthOr0(element, "x1", context, Axis::kHorizontal),
+                               LengthOr0(element, "y1", context, Axis::kVertical)),
+                            Pt(LengthOr0(element, "x2", context, Axis::kHorizontal),
+                               LengthOr0(element, "y2", context, Axis::kVertical))});
     return form;
 }
 
@@ -543,7 +542,7 @@ Reader::Form Reader::Polyline(pugi::xml_node element, bool closed) {
         Skip(element, "points", e.Position(), e.what()); // the points before a mistake are drawn
     }
     Form form;
-    form.path = PolylinePath(points, closed);
+    form.path = closed ? PolylinePath(points, true) : DrawnLines(points);
     return form;
 }
 

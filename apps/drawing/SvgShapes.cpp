@@ -30,4 +30,12 @@ CPath PolylinePath(std::vector<Pt> const& points, bool closed) {
     return path;
 }
 
+CPath DrawnLines(std::vector<Pt> const& points) {
+    CPath path = PolylinePath(points, false);
+    if (points.size() > 1 && path.mCtls.size() == 1) {
+        path.AddCtl(kPathLine).AddPt(points.front()); // LineTo drops it
+    }
+    return path;
+}
+
 } // namespace tool

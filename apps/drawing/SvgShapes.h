@@ -20,6 +20,10 @@ CPath RectanglePath(TRect<double> const& r, double hRadius, double vRadius, doub
 /// Returns straight lines from point to point.
 CPath PolylinePath(std::vector<TPoint<double>> const& points, bool closed);
 
+/// Returns the open lines of a `line` or `polyline`. Where all points are one, a line without
+/// length stays, as the path `M5 5h0` has it: round and square caps paint a dot there.
+CPath DrawnLines(std::vector<TPoint<double>> const& points);
+
 } // namespace tool
 
 #endif

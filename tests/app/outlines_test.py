@@ -213,6 +213,22 @@ class Outlines(AppTest):
                     self.assertAlmostEqual(areas.get(name, 0), dot, delta=1e-2)
                 self.assertAlmostEqual(areas["beside"], line + dot, delta=1e-2)
                 self.assertAlmostEqual(areas["move"], line, delta=1e-2)
+        # The other shapes that lines paint.
+        forms = {"line": '<line x1="60" y1="30" x2="60" y2="30"',
+                 "lines": '<polyline points="60,30 60,30 60,30"',
+                 "polygon": '<polygon points="60,30 60,30"', "corner": '<polygon points="60,30"',
+                 "point": '<polyline points="60,30"', "flat": '<rect width="9" height="0"',
+                 "circle": '<circle cx="60" cy="30" r="0"'}
+        shapes = self.write("shapes.svg", svg("".join(
+            f'{form} id="{name}" fill="none" stroke="red" stroke-width="10"/>'
+            for name, form in forms.items()) + '<path id="square" d="M0 0H9V9H0"/>'))
+        for cap, dot in (("round", math.pi * 25), ("square", 100), ("butt", 0)):
+            with self.subTest(cap):
+                self.run_text("stroke", shapes, "--cap", cap, "-o", self.out)
+                areas = {name: area[0] for name, area in self.areas().items()}
+                for name in forms:
+                    painted = name in ("line", "lines", "polygon", "corner")
+                    self.assertAlmostEqual(areas.get(name, 0), dot if painted else 0, delta=1e-2)
         # A drawing keeps its dots.
         self.run_text("reverse", file, "--id", "curve", "-o", self.out)
         self.assertIn('d="M60 30h0"', self.read("out.svg").decode().split('id="curve"')[1])
