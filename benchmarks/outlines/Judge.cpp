@@ -2,9 +2,9 @@
 
 // Judges what the library and others made of outlines. run.py beside this file calls it.
 //
-//   trammel_outline_judge --cases strokes|pen|glyphs|rings    prints such cases, a line each
-//   trammel_outline_judge                                     reads cases with results, and prints
-//   a verdict for each
+//   trammel_outline_judge --cases KIND    prints cases, a line each: strokes, pen, glyphs, rings,
+//                                         grown, shrunk, handwriting, joints
+//   trammel_outline_judge                 reads cases with results, and prints a verdict for each
 //
 // A line has "case" and "result" as run.py describes them. A verdict has "right", whether the
 // result is right at two distances, and "elements", of which it consists. A conic counts as one.
@@ -13,16 +13,27 @@
 // operands, their rules and the operation say. Points nearer to the operands' outlines than 1e-3 or
 // 1e-6 of the size do not count. A stroke with round joins and caps is right when each point of a
 // sample is inside exactly when it is within half the width of the path. Points nearer to that
-// distance than 1e-2 or 1e-3 of the width do not count.
+// distance than 1e-2 or 1e-3 of the width do not count. The same goes for a region that is grown or
+// shrunk by half the width.
+//
+// A fit or a simplified outline is right when its Hausdorff distance from what it replaces is at
+// most the tolerance, or twice that. The judge halves pieces until each one is near one chord, so
+// it overlooks nothing. A simplified map is right when it keeps the tolerance; the second verdict
+// says that it also has no more crossings of lines than before.
 
 #include "../OutlineInputs.h"
 #include "outlines/HardPaths.h"
+#include "outlines/HausdorffJudge.h"
 #include "outlines/OutlineJudge.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/CPath.h>
 #include <trammel/CPathActions.h>
+#include <trammel/Moments.h>
 #include <trammel/OutlineMeasure.h>
 #include <trammel/PathBuilding.h>
+#include <trammel/PathSegments.h>
+#include <trammel/PathStructure.h>
 #include <trammel/SvgPath.h>
 
 #include <nlohmann/json.hpp>
@@ -163,29 +174,77 @@ bool IsRegionRight(Json const& c, CPath const& result, FillRule rule, double del
     return true;
 }
 
-bool IsStrokeRight(Json const& c, CPath const& result, FillRule rule, double delta) {
+/// The distance from the path at which the result's border lies.
+double ReachOf(Json const& c) {
+    return c.at("op") == "stroke" ? 0.5 * c.at("width").get<double>()
+                                  : std::abs(c.at("distance").get<double>());
+}
+
+/// Judges a stroke, and a region that is grown or shrunk.
+bool IsReachRight(Json const& c, CPath const& result, FillRule rule, double delta) {
     CPath const path = PathOf(c.at("a").at("d"));
-    double const width = c.at("width");
+    double const reach = ReachOf(c);
+    bool const isStroke = c.at("op") == "stroke";
+    bool const grows = isStroke || c.at("distance").get<double>() > 0.0;
     trammel::OutlineMeasure const measure(path);
     OutlineJudge const judge(result);
+    OutlineJudge const region(path);
+    auto const inside = [&](Pt const& p) {
+        return !isStroke && region.Holds(p, RuleOf(c.at("a")));
+    };
     Dice dice(20261122);
     std::vector<Pt> points;
     for (int i = 0; i < 200; ++i) {
         double const angle = dice.Between(0.0, 6.283185307179586);
-        Pt const away = Pt(std::cos(angle), std::sin(angle)) * (0.5 * width);
+        Pt const away = Pt(std::cos(angle), std::sin(angle)) * reach;
         Pt const p = measure.TPt(dice.Unit()) + away * dice.Between(0.0, 1.5);
         points.push_back(p);
         trammel::OutlineMeasure::Nearest const nearest = measure.FindNearest(p);
         if (nearest.distance > 0.0) {
             double const off = dice.Coin() ? 1.0 + 3.0 * delta : 1.0 - 3.0 * delta;
             points.push_back(nearest.point +
-                             (p - nearest.point) * (0.5 * width / nearest.distance * off));
+                             (p - nearest.point) * (reach / nearest.distance * off));
         }
     }
     return std::all_of(points.begin(), points.end(), [&](Pt const& p) {
-        double const off = measure.Distance(p) - 0.5 * width;
-        return std::abs(off) <= delta * width || judge.Holds(p, rule) == (off < 0.0);
+        double const off = measure.Distance(p) - reach;
+        bool const want = grows ? off < 0.0 || inside(p) : off > 0.0 && inside(p);
+        return std::abs(off) <= delta * 2.0 * reach || judge.Holds(p, rule) == want;
     });
+}
+
+bool KeepsDistance(Json const& c, CPath const& result, double share) {
+    return hausdorff::Keeps(hausdorff::ElementsOf(PathOf(c.at("a").at("d"))),
+                            hausdorff::ElementsOf(result), c.at("tolerance").get<double>() * share);
+}
+
+/// The number of pairs of lines that cross inside both.
+std::size_t CrossingLines(CPath const& path) {
+    std::vector<hausdorff::Chord> lines;
+    for (hausdorff::Element const& e : hausdorff::ElementsOf(path)) {
+        lines.push_back({e.p[0], e.p[3]});
+    }
+    auto const left = [](hausdorff::Chord const& c) { return std::min(c.a.h, c.b.h); };
+    std::sort(lines.begin(), lines.end(),
+              [&](auto const& a, auto const& b) { return left(a) < left(b); });
+    auto const side = [](hausdorff::Chord const& c, Pt const& p) {
+        // Products of floats' differences are exact enough in long double for a map in degrees.
+        long double const x = static_cast<long double>(c.b.h) - c.a.h;
+        long double const y = static_cast<long double>(c.b.v) - c.a.v;
+        long double const d = x * (static_cast<long double>(p.v) - c.a.v) -
+                              y * (static_cast<long double>(p.h) - c.a.h);
+        return d > 1e-15L ? 1 : d < -1e-15L ? -1 : 0;
+    };
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        double const right = std::max(lines[i].a.h, lines[i].b.h);
+        for (std::size_t k = i + 1; k < lines.size() && left(lines[k]) < right; ++k) {
+            bool const crosses = side(lines[i], lines[k].a) * side(lines[i], lines[k].b) < 0 &&
+                                 side(lines[k], lines[i].a) * side(lines[k], lines[i].b) < 0;
+            count += crosses ? 1 : 0;
+        }
+    }
+    return count;
 }
 
 Json Judge(Json const& line) {
@@ -195,11 +254,23 @@ Json Judge(Json const& line) {
         return {{"right", {false, false}}, {"elements", 0}};
     }
     Result const result = Read(answer.at("d"));
-    bool const isStroke = c.at("op") == "stroke";
+    std::string const op = c.at("op");
     Json verdict = {{"elements", result.elements}, {"right", Json::array()}};
-    for (double const delta : {isStroke ? 1e-2 : 1e-3, isStroke ? 1e-3 : 1e-6}) {
-        verdict["right"].push_back(
-            (isStroke ? IsStrokeRight : IsRegionRight)(c, result.path, RuleOf(answer), delta));
+    Json& right = verdict["right"];
+    if (op == "fit" || op == "simplify") {
+        right.push_back(KeepsDistance(c, result.path, 1.0));
+        right.push_back(KeepsDistance(c, result.path, 2.0));
+    } else if (op == "map") {
+        bool const keeps = KeepsDistance(c, result.path, 1.0);
+        right.push_back(keeps);
+        right.push_back(keeps &&
+                        CrossingLines(result.path) <= CrossingLines(PathOf(c.at("a").at("d"))));
+    } else {
+        bool const hasReach = op == "stroke" || op == "offset";
+        for (double const delta : {hasReach ? 1e-2 : 1e-3, hasReach ? 1e-3 : 1e-6}) {
+            right.push_back(
+                (hasReach ? IsReachRight : IsRegionRight)(c, result.path, RuleOf(answer), delta));
+        }
     }
     return verdict;
 }
@@ -250,6 +321,80 @@ void PrintUnions(std::vector<inputs::OutlinePair> const& pairs) {
     }
 }
 
+/// Prints a case of another work on one outline, with its numbers.
+void PrintWork(std::string const& name, char const* op, CPath const& path, Json numbers) {
+    numbers.update({{"name", name},
+                    {"op", op},
+                    {"a", {{"f", "nonzero"}, {"d", trammel::WriteSvgPath(path)}}},
+                    {"b", nullptr}});
+    std::cout << numbers.dump() << '\n';
+}
+
+/// Prints glyphs to grow or to shrink. Their outer contours run counter-clockwise on the screen, as
+/// Inkscape needs it.
+void PrintOffsets(double distance) {
+    std::vector<CPath> const& glyphs = inputs::Outlines(inputs::Set::kCff);
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        CPath const turned =
+            trammel::SignedArea(glyphs[i]) > 0.0 ? trammel::Reversed(glyphs[i]) : glyphs[i];
+        PrintWork("glyph" + std::to_string(i), "offset", turned,
+                  {{"distance", distance}, {"tolerance", 2e-3 * std::abs(distance)}});
+    }
+}
+
+/// Prints strokes of a pen, 250 points each.
+void PrintHandwriting() {
+    constexpr std::size_t kStrokes = 40;
+    constexpr std::size_t kPoints = 250;
+    std::vector<Pt> const all = inputs::Handwriting(kStrokes * kPoints);
+    for (std::size_t i = 0; i < kStrokes; ++i) {
+        CPath path;
+        for (std::size_t k = i * kPoints; k < (i + 1) * kPoints; ++k) {
+            path.LineTo(all[k]);
+        }
+        PrintWork("stroke" + std::to_string(i), "fit", path, {{"tolerance", 0.5}});
+    }
+}
+
+/// Adds a curve as 2^`rounds` parts of equal parameters.
+void AddParts(CPath& path, Pt const& a, Pt const& b, Pt const& c, Pt const& d, int rounds) {
+    if (rounds == 0) {
+        trammel::AddCurve(path, b, c, d);
+        return;
+    }
+    Pt const ab = (a + b) * 0.5;
+    Pt const bc = (b + c) * 0.5;
+    Pt const cd = (c + d) * 0.5;
+    Pt const abc = (ab + bc) * 0.5;
+    Pt const bcd = (bc + cd) * 0.5;
+    Pt const middle = (abc + bcd) * 0.5;
+    AddParts(path, a, ab, abc, middle, rounds - 1);
+    AddParts(path, middle, bcd, cd, d, rounds - 1);
+}
+
+/// Prints glyphs whose curves are all cut into four, with the tolerance that Inkscape takes: 0.002
+/// of the diagonal of the bounds.
+void PrintJoints() {
+    std::vector<CPath> const& glyphs = inputs::Outlines(inputs::Set::kCff);
+    for (std::size_t i = 0; i < glyphs.size(); ++i) {
+        CPath cut;
+        for (trammel::Subpath const& subpath : trammel::Subpaths(glyphs[i])) {
+            cut.MoveTo(subpath.Start());
+            for (trammel::PathSegment const& s : subpath) {
+                if (s.IsCurve()) {
+                    AddParts(cut, s.start, s.control1, s.control2, s.end, 2);
+                } else {
+                    cut.LineTo(s.end);
+                }
+            }
+            cut.ClosePath();
+        }
+        TRect<double> const box = trammel::TightBounds(glyphs[i]);
+        PrintWork("glyph" + std::to_string(i), "simplify", cut,
+                  {{"tolerance", 0.002 * std::hypot(box.Width(), box.Height())}});
+    }
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -263,6 +408,12 @@ int main(int argc, char** argv) {
             PrintUnions(inputs::GlyphPairs(inputs::Set::kCff));
         } else if (kind == "rings") {
             PrintUnions({inputs::CrossingRings(1000)});
+        } else if (kind == "grown" || kind == "shrunk") {
+            PrintOffsets(kind == "grown" ? 2.0 : -2.0);
+        } else if (kind == "handwriting") {
+            PrintHandwriting();
+        } else if (kind == "joints") {
+            PrintJoints();
         }
         return 0;
     }

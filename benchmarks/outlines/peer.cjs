@@ -6,6 +6,7 @@
 //   node peer.cjs canvaskit | skia | paper FOLDER_OF_NODE_MODULES
 
 'use strict';
+const Module = require('module');
 const path = require('path');
 const readline = require('readline');
 const [who, modules] = process.argv.slice(2);
@@ -70,15 +71,22 @@ const makers = {
             const a = read(c.a);
             const b = c.b ? read(c.b) : null;
             let work = () => (b ? kit.Path.MakeFromOp(a, b, kit.PathOp[ops[c.op]]) : (a.makeSimplified || a._makeSimplified).call(a));
-            if (c.op === 'stroke') {
+            if (['fit', 'simplify', 'map'].includes(c.op)) {
+                return {skip: 'has no such operation'};
+            }
+            if (c.op === 'stroke' || c.op === 'offset') {
                 const options = {
-                    width: c.width,
-                    join: kit.StrokeJoin[{miter: 'Miter', round: 'Round', bevel: 'Bevel'}[c.join]],
-                    cap: kit.StrokeCap[{butt: 'Butt', round: 'Round', square: 'Square'}[c.cap]],
+                    width: c.width || 2 * Math.abs(c.distance),
+                    join: kit.StrokeJoin[{miter: 'Miter', round: 'Round', bevel: 'Bevel'}[c.join || 'round']],
+                    cap: kit.StrokeCap[{butt: 'Butt', round: 'Round', square: 'Square'}[c.cap || 'round']],
                     miter_limit: 4,
                     precision: 0.25 / c.tolerance, // its curves are within a quarter of a device's unit
                 };
                 work = () => a.makeStroked(options);
+                if (c.op === 'offset') {
+                    const op = kit.PathOp[c.distance > 0 ? 'Union' : 'Difference'];
+                    work = () => kit.Path.MakeFromOp(a, a.makeStroked(options), op);
+                }
             }
             const [us, result] = timed(() => [], work);
             const commands = result.toCmds();
@@ -101,8 +109,8 @@ const makers = {
             return made;
         };
         return (c) => {
-            if (c.op === 'stroke') {
-                return {skip: 'takes no tolerance'};
+            if (!ops[c.op]) {
+                return {skip: 'takes no tolerance, or has no such operation'};
             }
             const a = read(c.a);
             const b = c.b ? read(c.b) : null;
@@ -115,6 +123,11 @@ const makers = {
     },
     async paper() {
         const paper = load('paper/dist/paper-core.js');
+        // The package paperjs-offset asks for all of paper.js, which would need a canvas.
+        const resolve = Module._resolveFilename;
+        Module._resolveFilename = (name, ...rest) =>
+            resolve.call(Module, name === 'paper' ? path.join(modules, 'paper/dist/paper-core.js') : name, ...rest);
+        const {PaperOffset} = load('paperjs-offset');
         paper.setup([1000, 1000]);
         paper.settings.insertItems = false;
         const read = (operand) => {
@@ -124,13 +137,23 @@ const makers = {
         };
         const ops = {union: 'unite', intersection: 'intersect', difference: 'subtract', xor: 'exclude'};
         return (c) => {
-            if (c.op === 'stroke') {
-                return {skip: 'has no strokes'};
+            if (c.op === 'stroke' || c.op === 'map') {
+                return {skip: 'has no such operation'};
             }
             const options = {insert: false};
             const prepare = () => [read(c.a), c.b ? read(c.b) : null];
-            const [us, result] = timed(prepare, (a, b) =>
-                b ? a[ops[c.op]](b, options) : a.unite(undefined, options));
+            let work = (a, b) => (b ? a[ops[c.op]](b, options) : a.unite(undefined, options));
+            if (c.op === 'offset') {
+                work = (a) => PaperOffset.offset(a, c.distance, {join: 'round', insert: false});
+            }
+            if (c.op === 'fit' || c.op === 'simplify') {
+                // It compares squares of distances with the number that it gets.
+                work = (a) => {
+                    (a.children || [a]).forEach((part) => part.simplify(c.tolerance * c.tolerance));
+                    return a;
+                };
+            }
+            const [us, result] = timed(prepare, work);
             const d = [];
             for (const part of result.children || [result]) {
                 if (part.segments.length === 0) {
@@ -143,7 +166,9 @@ const makers = {
                         : [curve.point1.add(curve.handle1), curve.point2.add(curve.handle2), curve.point2];
                     d.push([points.length === 1 ? 'L' : 'C', ...points.flatMap((p) => [p.x, p.y])]);
                 }
-                d.push(['Z']);
+                if (part.closed) {
+                    d.push(['Z']);
+                }
             }
             return {us, f: result.fillRule === 'evenodd' ? 'evenodd' : 'nonzero', d};
         };

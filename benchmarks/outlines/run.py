@@ -10,7 +10,8 @@ those of each FILE (tests/judge/OutlineCases.cpp says how they are written).
 
 Each participant is a process of its own. It reads a case a line, as JSON:
 
-    name, op    union, intersection, difference, xor, or stroke with width, join, cap and tolerance
+    name, op    union, intersection, difference, xor; stroke with width, join, cap and tolerance; offset with
+                distance and tolerance; fit (of curves to points), simplify and map with tolerance
     a, b        operands with f (nonzero, evenodd) and d (SVG path text); without b overlaps are removed
 
 and answers with one line, as JSON: us (processor time in microseconds), f and d (a list of segments, or path text), or
@@ -39,6 +40,11 @@ TITLES = {
     "rings": "union of two rings of 1,000 curves",
     "strokes": "hard strokes",
     "pen": "outlines of glyphs as lines of a pen, every fourth",
+    "grown": "glyphs grown by a 50th of the em, every fourth",
+    "shrunk": "glyphs shrunk by a 50th of the em, every fourth",
+    "handwriting": "fit to 250 points of handwriting",
+    "joints": "simplify glyphs with four times their curves, every fourth",
+    "map": "simplify all countries together, at six tolerances",
     "skia_op": "Skia's path operations",
     "skia_simplify": "Skia's simplification",
     "paper": "paper.js' boolean operations",
@@ -96,7 +102,8 @@ class Inkscape(Process):
     """Inkscape's shell. Its time is the time of the whole, less the time to open and write the same file."""
 
     OPS = {"union": "path-union", "intersection": "path-intersection", "difference": "path-difference",
-           "xor": "path-exclusion", "stroke": "object-stroke-to-path"}
+           "xor": "path-exclusion", "stroke": "object-stroke-to-path", "offset": "object-to-path",
+           "simplify": "path-simplify"}
     PROMPT = b"> "
 
     def __init__(self, work):
@@ -112,12 +119,12 @@ class Inkscape(Process):
         self.process.stdin.flush()
         return self.line(self.PROMPT)
 
-    def pass_through(self, actions):
+    def pass_through(self, actions, file="in.svg"):
         """Opens the file, works on it and writes it. The shell may prompt before, so the file tells the end."""
         out = self.work / f"out{len(actions)}.svg"
         out.unlink(missing_ok=True)
         begin = self.used()
-        said = self.tell([f"file-open:{self.work / 'in.svg'}", "select-all", *actions, f"export-filename:{out}",
+        said = self.tell([f"file-open:{self.work / file}", "select-all", *actions, f"export-filename:{out}",
                           "export-overwrite", "export-plain-svg", "export-do", "file-close"])
         stop = time.monotonic() + 1.0
         while said and time.monotonic() < stop:
@@ -126,8 +133,18 @@ class Inkscape(Process):
             time.sleep(0.002)
         return said, self.used() - begin if said else 0.0, out
 
+    def write(self, name, body):
+        (self.work / name).write_text(
+            '<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100" width="100" height="100" '
+            'xmlns:sodipodi="http://sodipodi.sourceforge.net/DTD/sodipodi-0.dtd" '
+            'xmlns:inkscape="http://www.inkscape.org/namespaces/inkscape">'
+            f"{body}</svg>", encoding="utf-8"
+        )
+
     def answer(self, case):
-        op = case["op"] if case["b"] or case["op"] == "stroke" else "union"
+        op = case["op"] if case["b"] or case["op"] in ("stroke", "offset", "simplify", "fit", "map") else "union"
+        if op not in self.OPS:
+            return {"skip": "has no such operation"}
         style = "stroke:none"
         if case["op"] == "stroke":
             style = (f"fill:none;stroke:#000;stroke-width:{case['width']!r};stroke-miterlimit:4;"
@@ -136,16 +153,18 @@ class Inkscape(Process):
             f'<path style="fill-rule:{o.get("f", "nonzero")};{style}" d="{o["d"]}"/>'
             for o in (case["a"], case["b"]) if o
         )
-        (self.work / "in.svg").write_text(
-            '<svg xmlns="http://www.w3.org/2000/svg" viewBox="0 0 100 100" width="100" height="100">'
-            f"{paths}</svg>", encoding="utf-8"
-        )
+        self.write("in.svg", paths)
+        work = "in.svg"
+        if op == "offset":  # an offset is made as the file is read
+            work = "work.svg"
+            self.write(work, f'<path style="{style}" sodipodi:type="inkscape:offset" '
+                       f'inkscape:radius="{case["distance"]!r}" inkscape:original="{case["a"]["d"]}"/>')
         try:
             if self.process is None:
                 self.begin()
                 self.line(self.PROMPT)
             _, idle, _ = self.pass_through([])
-            said, whole, out = self.pass_through([self.OPS[op]])
+            said, whole, out = self.pass_through([self.OPS[op]], work)
         except BrokenPipeError:
             said = ""
         if not said:
@@ -186,6 +205,33 @@ def of_file(name):
             made.reverse()
             case["op"] = "difference"
         yield {"name": case["name"], "op": case["op"], "a": made[0], "b": made[1] if len(made) > 1 else None}
+
+
+def map_cases(file):
+    """The borders of all countries in one TopoJSON file, as rings of one path."""
+    if not file.is_file():
+        return
+    topology = json.loads(file.read_text("utf-8"))
+    scale, move = (topology["transform"][key] for key in ("scale", "translate"))
+    arcs = []
+    for arc in topology["arcs"]:
+        h = v = 0
+        arcs.append([])
+        for dh, dv in arc:
+            h, v = h + dh, v + dv
+            arcs[-1].append((h * scale[0] + move[0], v * scale[1] + move[1]))
+    rings = []
+    for geometry in topology["objects"]["countries"]["geometries"]:
+        polygons = geometry.get("arcs", [])
+        for polygon in polygons if geometry["type"] == "MultiPolygon" else [polygons]:
+            for ring in polygon:
+                parts = [arcs[i] if i >= 0 else arcs[~i][::-1] for i in ring]
+                rings.append([p for part in parts for p in part[:-1]])
+    rings = [ring for ring in rings if len(set(ring)) > 2]
+    d = " ".join("M" + " L".join(f"{h!r} {v!r}" for h, v in ring) + "Z" for ring in rings)
+    for tolerance in (0.05, 0.1, 0.2, 0.5, 1.0, 2.0):
+        yield {"name": f"within{tolerance}", "op": "map", "tolerance": tolerance,
+               "a": {"f": "nonzero", "d": d}, "b": None}
 
 
 def measure(people, sets, judge):
@@ -232,11 +278,12 @@ def table(rows, chosen, names, units):
             us = [v["us"] for v in verdicts if v["us"] is not None]
             both = [(v, ours[v["index"]]) for v in verdicts if v["right"][0] and v["us"]]
             share = sum(v["elements"] for v, _ in both) / max(1, sum(o["elements"] for _, o in both))
-            times = statistics.median(v["us"] / ours[v["index"]]["us"] for v in verdicts if v["us"])
+            times = [v["us"] / ours[v["index"]]["us"] for v in verdicts if v["us"]]
             cells = [
                 title, str(len(verdicts)), *(str(sum(v["right"][i] for v in verdicts)) for i in (0, 1)),
                 str(sum(v["error"] is not None for v in verdicts)), str(sum(v["hung"] for v in verdicts)),
-                f"{share:.2f}", number(statistics.median(us)), number(times),
+                f"{share:.2f}" if both else "–",
+                *(number(statistics.median(values)) if values else "–" for values in (us, times)),
             ]
             yield "| " + " | ".join(cells) + " |"
         yield ""
@@ -266,6 +313,8 @@ def main():
     parser.add_argument("--modules", required=True)
     parser.add_argument("--into", default="docs/outlines.md")
     parser.add_argument("--work", default="build/bench/outlines")
+    maps = os.environ.get("TRAMMEL_MAP_DATA", "build/data/world-atlas")
+    parser.add_argument("--map", default=f"{maps}/countries-110m.json")
     parser.add_argument("--without", nargs="*", default=[], metavar="SET")
     parser.add_argument("files", nargs="*")
     wanted = parser.parse_args()
@@ -288,9 +337,10 @@ def main():
     if shutil.which("inkscape"):
         names["inkscape"] = "Inkscape " + version(["inkscape", "--version"], r"Inkscape (\S+)")
         people["inkscape"] = Inkscape(work)
-    for who, title in (("qt", "Qt"), ("2geom", "2geom")):
+    packages = {"qt": ("Qt", "qt6-base-dev"), "2geom": ("2geom", "lib2geom-dev"), "geos": ("GEOS", "libgeos-dev"),
+                "polyclipping": ("Clipper (polyclipping)", "libpolyclipping-dev")}
+    for who, (title, package) in packages.items():
         if subprocess.run([wanted.native, who], stdin=subprocess.DEVNULL, check=False).returncode == 0:
-            package = {"qt": "qt6-base-dev", "2geom": "lib2geom-dev"}[who]
             names[who] = f"{title} " + version(["dpkg-query", "-W", "-f", "${Version}", package], r"^([\d.]+)")
             people[who] = Process([wanted.native, who])
 
@@ -298,20 +348,27 @@ def main():
     for name in wanted.files:
         if pathlib.Path(name).stem != "gen":  # the project's own families again
             sets[pathlib.Path(name).stem] = list(of_file(name))
-    for name in ("glyphs", "rings", "strokes", "pen"):
+    for name in ("glyphs", "rings", "strokes", "pen", "grown", "shrunk", "handwriting", "joints"):
         made = subprocess.run([wanted.judge, "--cases", name], capture_output=True, text=True, check=True)
         lines = made.stdout.splitlines()
-        if name in ("glyphs", "pen"):
+        if name not in ("rings", "strokes", "handwriting"):
             lines = lines[::4]
         sets[name] = [json.loads(line) for line in lines]
+    sets["map"] = list(map_cases(pathlib.Path(wanted.map)))
     sets = {name: cases for name, cases in sets.items() if cases and name not in wanted.without}
 
     rows = measure(people, sets, wanted.judge)
     (work / "rows.json").write_text(json.dumps([[*key, value] for key, value in rows.items()]), "utf-8")
-    strokes = [name for name in sets if name in ("strokes", "pen")]
-    regions = [name for name in sets if name not in strokes]
-    into(wanted.into, "regions", table(rows, regions, names, ("1e-3", "1e-6")))
-    into(wanted.into, "strokes", table(rows, strokes, names, ("1e-2", "1e-3")))
+    tables = {
+        "strokes": (("strokes", "pen"), ("1e-2", "1e-3")),
+        "offsets": (("grown", "shrunk"), ("1e-2", "1e-3")),
+        "fits": (("handwriting", "joints"), ("the tolerance", "twice")),
+        "maps": (("map",), ("the tolerance", "and no new crossing")),
+    }
+    others = {name for chosen, _ in tables.values() for name in chosen}
+    tables["regions"] = ([name for name in sets if name not in others], ("1e-3", "1e-6"))
+    for title, (chosen, units) in tables.items():
+        into(wanted.into, title, table(rows, [name for name in chosen if name in sets], names, units))
 
 
 main()
