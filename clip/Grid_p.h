@@ -27,6 +27,20 @@ inline bool operator!=(GridPoint a, GridPoint b) { return !(a == b); }
 /// Orders by y, then by x, as a sweep upwards meets the points.
 inline bool operator<(GridPoint a, GridPoint b) { return a.y != b.y ? a.y < b.y : a.x < b.x; }
 
+/// Returns the double nearest to an integer.
+///
+/// GCC for 32-bit x86 leaves the cast's rounding out where the double becomes an integer again. It
+/// takes the integer through the old floating-point unit, whose registers hold all 64 bits. SSE2
+/// adds two halves, and rounds the sum.
+inline double NearestDouble(std::int64_t n) {
+#ifdef __i386__
+    return static_cast<double>(static_cast<std::int32_t>(n >> 32)) * 0x1p32 +
+           static_cast<double>(static_cast<std::uint32_t>(n));
+#else
+    return static_cast<double>(n);
+#endif
+}
+
 /// One axis of the grid over the range of the coordinates. The range has 2^60 to 2^61 steps, or
 /// fewer where such a step would be finer than all doubles. The step is a power of two.
 ///
@@ -92,12 +106,12 @@ inline std::int64_t GridAxis::ToGrid(double v) const {
 inline double GridAxis::FromGrid(std::int64_t& g) const {
     if (mIsNearZero) {
         // The conversion rounds to the nearest double, as the code below does.
-        double const v = static_cast<double>(g + mFromZero);
+        double const v = NearestDouble(g + mFromZero);
         g = static_cast<std::int64_t>(v) - mFromZero;
         return v * mStep * mDown1 * mDown2;
     }
     std::int64_t const steps = g + mHalf;
-    double const high = static_cast<double>(steps);
+    double const high = NearestDouble(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
     TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
     TwoSumResult const rest = TwoSum(sum.error, low * mStep);
@@ -112,7 +126,7 @@ inline double GridAxis::OfDouble(std::int64_t g) const {
         return static_cast<double>(g + mFromZero) * mStep * mDown1 * mDown2;
     }
     std::int64_t const steps = g + mHalf;
-    double const high = static_cast<double>(steps);
+    double const high = NearestDouble(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
     TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
     // The sum is exact, as each of its terms is the difference of two doubles that are near.
