@@ -35,7 +35,14 @@ private:
 
 std::string Zeros(std::size_t count) { return std::string(count, '\0'); }
 
-bool IsAligned(Handle h) { return reinterpret_cast<std::uintptr_t>(*h) % 16 == 0; }
+bool IsAligned(Handle h) {
+#ifdef __EMSCRIPTEN__
+    std::uintptr_t const divisor = 8; // as for all memory there
+#else
+    std::uintptr_t const divisor = 16;
+#endif
+    return reinterpret_cast<std::uintptr_t>(*h) % divisor == 0;
+}
 
 Size const kImpossibleSizes[] = {-1,
                                  -16,
