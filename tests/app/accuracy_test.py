@@ -7,6 +7,8 @@ up to a limit goes wrong."""
 
 import json
 import math
+import os
+import re
 import unittest
 
 from support import AppTest, svg
@@ -18,6 +20,10 @@ CUSP = ((0, 0), (100, 100), (0, 100), (100, 0))
 # The middle of one half lies on that half's chord, which halving takes for the whole half.
 BEND = ((0, 0), (-300, 420), (60, -380), (614, 0))
 CURVES = {"s": S, "bend": BEND, "loop": LOOP, "cusp": CUSP}
+
+BREEZE = "/usr/share/icons/breeze/"
+# Icons with outlines whose classic length is off by 5 %, or whose control points lie far outside.
+HARD_ICONS = ("emotes/22/face-in-love.svg", "apps/48/kteatime.svg", "apps/48/claws-mail.svg")
 
 
 def at(curve, t):
@@ -71,6 +77,28 @@ def path_text(curve):
     return "M{0} {1}C{2} {3} {4} {5} {6} {7}".format(*(x for p in curve for x in p))
 
 
+def curves_of(text):
+    """The segments of a path text of moves, lines, curves and closes, each as a cubic curve."""
+    curves = []
+    here = start = (0.0, 0.0)
+    for command, rest in re.findall(r"([mMlLcCzZ])([^mMlLcCzZ]*)", text):
+        numbers = [float(x) for x in re.findall(r"[-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?", rest)]
+        points = list(zip(numbers[::2], numbers[1::2]))
+        if command in "zZ":
+            curves.append((here, here, start, start))
+            here = start
+        size = 3 if command in "cC" else 1
+        for i in range(0, len(points), size):
+            origin = here if command.islower() else (0.0, 0.0)
+            part = [(origin[0] + p[0], origin[1] + p[1]) for p in points[i : i + size]]
+            if command in "mM" and i == 0:
+                start = part[0]
+            else:
+                curves.append((here, *part) if size == 3 else (here, here, part[0], part[0]))
+            here = part[-1]
+    return curves
+
+
 class Accuracy(AppTest):
     def setUp(self):
         super().setUp()
@@ -88,6 +116,33 @@ class Accuracy(AppTest):
                 self.assertBox(outline["bounds"], bounds(curve), outline["accuracy"])
         text = self.run_text("measure", self.file, "--id", "s")
         self.assertIn("length " + f"{length(S, steps=200000):.8g},", text)
+
+    @unittest.skipUnless(os.path.isdir(BREEZE + "emotes"), "no icons: apt-get install breeze-icon-theme")
+    def test_hard_outlines_of_real_icons_are_right_to_the_digits_printed(self):
+        texts = {}
+        for name in HARD_ICONS:
+            with open(BREEZE + name, encoding="utf-8") as file:
+                for text in re.findall(r'\sd="([^"]+)"', file.read()):
+                    if not re.search("[^mMlLcCzZeE0-9.,+\\s-]", text):
+                        texts[f"p{len(texts)}"] = text
+        file = self.write("real.svg", svg("".join(
+            f'<path id="{name}" d="{text}"/>' for name, text in texts.items())))
+        exact, classic = ({o["id"]: o for o in self.run_json("measure", file, *more)["files"][0]["outlines"]}
+                          for more in ([], ["--classic"]))
+        worst = [0.0, 0.0]
+        for name, outline in exact.items():
+            curves = curves_of(texts[name])
+            boxes = [bounds(curve) for curve in curves]
+            right = [least(side) for least, side in zip((min, min, max, max), zip(*boxes))]
+            size = max(right[2] - right[0], right[3] - right[1])
+            total = math.fsum(length(curve, steps=400) for curve in curves)
+            with self.subTest(texts[name]):
+                self.assertLess(abs(outline["length"] - total), 1e-5 * total)
+                self.assertBox(outline["bounds"], right, outline["accuracy"])
+            worst[0] = max(worst[0], abs(classic[name]["length"] / total - 1))
+            worst[1] = max(worst[1], *(abs(a - b) / size for a, b in zip(classic[name]["bounds"], right)))
+        self.assertGreater(worst[0], 0.01)
+        self.assertGreater(worst[1], 0.15)
 
     def test_an_accuracy_can_be_asked_for(self):
         data = self.run_json("measure", self.file, "--id", "s", "--accuracy", "0.01")
@@ -290,12 +345,15 @@ class Accuracy(AppTest):
         self.fails("hit", file, "--at", "1,1", "--rule", "nonzero", "--classic", names=["--rule"])
 
     def test_help_and_json_tell_the_accuracy(self):
-        for command in ("measure", "point", "nearest"):
-            text = self.run_text(command, "--help")
-            self.assertIn("right to the digits printed", text)
-            self.assertIn("--accuracy", text)
-            self.assertIn("--classic", text)
-        self.assertIn("accuracy", json.dumps(self.run_json("nearest", self.file, "--to", "1,2")))
+        told = {"measure": [], "point": ["--at", "0.5"], "nearest": ["--to", "1,2"],
+                "hit": ["--at", "307,0"], "area": [], "intersect": []}
+        for command, options in told.items():
+            with self.subTest(command):
+                text = self.run_text(command, "--help")
+                self.assertIn("right to the digits printed", text)
+                self.assertIn("--accuracy", text)
+                self.assertEqual("--classic" in text, command not in ("area", "intersect"))
+                self.assertIn('"accuracy"', json.dumps(self.run_json(command, self.file, *options)))
 
 
 if __name__ == "__main__":

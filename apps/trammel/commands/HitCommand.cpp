@@ -11,6 +11,7 @@
 #include <trammel/OutlineMeasure.h>
 #include <trammel/Winding.h>
 
+#include <string>
 #include <utility>
 
 namespace tool {
@@ -146,9 +147,11 @@ void AddHit(Command const& app) {
     command.AddFlag("--classic", options->figures.classic,
                     "The approximate answers of TPolygon::Contains and CBezier::HitTest, by the "
                     "even-odd rule");
-    command.SetFooter("Every subpath counts as closed. Curves are taken as they are: only a point "
-                      "that rounding cannot tell from\nthe outline may be on either side.\n"
-                      "Example: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
+    command.SetFooter(
+        std::string("Every subpath counts as closed. Curves are taken as they are: only "
+                    "a point that rounding cannot tell from\nthe outline may be on "
+                    "either side.\n") +
+        kAccuracyHelp + "\nExample: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
     command.SetAction([options] { Run(*options); });
 }
 
