@@ -93,22 +93,28 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
             ArcUse const& use = from.uses[i];
             std::size_t const begin = parts->Begin(use.arc);
             std::size_t const end = parts->End(use.arc);
+            double last = 0.0;
             auto const parameter = [&](std::size_t k) {
                 double const t = parts->ParameterAt(use.arc, k);
                 double along = use.reversed ? 1.0 - t : t;
                 if (!use.paced && k != begin && k != end) {
                     Pt const& place = from.vertices.WorkPlace(parts->VertexAt(use.arc, k));
                     along = PaceAt(from, use, place, along);
+                    // Parameters stay in order, even if a search ends beside another place.
+                    along = along > last && along < 1.0 ? along : 0.5 * (last + 1.0);
                 }
+                last = along;
                 return along == 1.0 ? use.to : use.from + (use.to - use.from) * along;
             };
+            double start = parameter(use.reversed ? end : begin);
             for (std::size_t n = 0; n < end - begin; ++n) {
                 std::size_t const part = use.reversed ? end - 1 - n : begin + n;
                 std::size_t const before = use.reversed ? part + 1 : part;
                 points.push_back(from.vertices.Place(parts->VertexAt(use.arc, before)));
+                double const stop = parameter(use.reversed ? part : part + 1);
                 edges.push_back({use.element, use.arc, static_cast<Index>(part),
-                                 static_cast<Index>(points.size()), parameter(before),
-                                 parameter(use.reversed ? part : part + 1)});
+                                 static_cast<Index>(points.size()), start, stop});
+                start = stop;
             }
         }
         if (edges.size() == first) {

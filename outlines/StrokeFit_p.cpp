@@ -192,7 +192,7 @@ private:
         return std::max<std::size_t>(length / part, 1);
     }
     static std::size_t Shorter(std::size_t length) {
-        return length - std::max<std::size_t>(length / kFineness, 1);
+        return length - std::min(std::max<std::size_t>(length / kFineness, 1), length);
     }
 
     /// The piece that begins at the joint and ends at `last` at the latest.
