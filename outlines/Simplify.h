@@ -14,8 +14,7 @@
 //   less than 2^-10 radians then. A run with a horizontal or a vertical line only becomes another
 //   such line.
 // - All other elements stay, bit for bit. So do corners: joints at which the directions differ by
-// more
-//   than 2^-4 radians. Smooth joints are gone or stay as smooth as they were.
+//   more than 2^-4 radians. Smooth joints are gone or stay as smooth as they were.
 // - Subpaths stay in order, open or closed, with their start points.
 //
 // Asked about crossings, the functions also keep what outlines have in common, as SimplifyRings.h
