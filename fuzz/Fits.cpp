@@ -35,7 +35,8 @@ bool CanBeJudged(double size) { return size > 1e-100 && size < 1e100; }
 
 /// Each of the points is within the distance of the path.
 bool IsNear(Pts const& points, CPath const& path, double distance) {
-    double const slack = SizeOf(points) * 0x1p-40;
+    // Points of the path are rounded as its own coordinates are, which may be greater.
+    double const slack = std::max(SizeOf(points), SizeOf(path.mPts)) * 0x1p-40;
     return std::all_of(points.begin(), points.end(), [&](Pt const& p) {
         double nearest = HUGE_VAL;
         for (trammel::PathSegment const& s : trammel::Segments(path)) {

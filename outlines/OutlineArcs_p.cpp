@@ -88,6 +88,9 @@ WorkFrame::WorkFrame(Box<double> const& bounds)
         std::max(bounds.highX / 2.0 - bounds.lowX / 2.0, bounds.highY / 2.0 - bounds.lowY / 2.0);
     int exponent = 0;
     std::frexp(half, &exponent); // half < 2^exponent
+    if (half == 0.0) {
+        exponent = -1074; // half of the smallest number is rounded to 0
+    }
     // The extent becomes 1 to 2. Subnormal numbers keep what they have.
     int const up = -exponent;
     int const first = up / 2;

@@ -35,8 +35,9 @@ LinesMeet MeetOfLines(Cubic const& a, Cubic const& b, double accuracy, CurveMeet
           std::min(std::abs(a0), std::abs(a1)) > farB)) {
         return LinesMeet::kUnclear;
     }
+    // At a small angle, rounding moves a parameter by much. The foot on B is near the place on A.
     double const s = a0 / (a0 - a1);
-    double const t = b0 / (b0 - b1);
+    double const t = Dot(d * s - (b[0] - a[0]), e) / Square(e);
     int const side = a1 > 0.0 ? 1 : -1;
     meet = {s, s, t, t, s, t, -side, side, false};
     return LinesMeet::kMeet;

@@ -489,6 +489,18 @@ TEST(OutlineOperations, GiveNothingForNothingAndForCoordinatesThatAreNotFinite) 
     EXPECT_TRUE(out.mCtls.empty());
 }
 
+// Found by the fuzz target booleans.
+TEST(OutlineOperations, KeepASmallDistanceBesideTheSmallestNumber) {
+    double const least = std::numeric_limits<double>::denorm_min();
+    for (double const low : {0.0, -least}) {
+        CPath line;
+        line.MoveTo(Pt(low, low)).LineTo(Pt(low + least, low + least)).ClosePath();
+        CPath out;
+        EXPECT_EQ(4 * least, RemoveOverlap(line, kNonZero, 0.0, out)) << low;
+        EXPECT_EQ(4 * least, Boolean(kPolyUnion, line, kNonZero, line, kNonZero, 0.0, out)) << low;
+    }
+}
+
 TEST(OutlineOperations, KeepWhatLiesBetweenACurveAndALineThatCrossesItNearAHalving) {
     // The line ends in the curve's end and crosses it beside a parameter of n/8. There the curve
     // is cut in halves, so both may become one vertex. The lens between them has no chord then.

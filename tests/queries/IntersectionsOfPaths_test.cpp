@@ -285,6 +285,20 @@ TEST(IntersectionsOfPaths, KeepAnAccuracyThatIsTooSmallBesideTheirSize) {
     EXPECT_TRUE(places.empty());
 }
 
+// Found by the fuzz target intersections.
+TEST(IntersectionsOfPaths, LieOnBothLinesOfASmallAngle) {
+    CPath const lines = Path("M0 1e11L1e11 16M16 1e11L1e11 0");
+    Places places;
+    EXPECT_EQ(trammel::AppendSelfIntersections(lines, 0.0, places), 0.0);
+    EXPECT_EQ(Text(places), "X+ 1:0.5 3:0.5");
+    ASSERT_EQ(places.size(), 1U);
+    // Rounding moves the place along the lines, but not off them.
+    double const s = places[0].a.t;
+    double const t = places[0].b.t;
+    EXPECT_NEAR(1e11 * s, 16.0 + (1e11 - 16.0) * t, 1e-4);
+    EXPECT_NEAR(1e11 - (1e11 - 16.0) * s, 1e11 - 1e11 * t, 1e-4);
+}
+
 TEST(IntersectionsOfPaths, EndForValuesFromTheEdgesOfWhatDoublesHold) {
     // Elements of 1e-300 beside such of 1e300 once kept the walk along a branch from ending.
     double const values[] = {0,       1,        -1,     1e-300,
