@@ -8,6 +8,7 @@
 #include "ElementAppender_p.h"
 #include "OutlineNodes_p.h"
 #include "PathSegments.h"
+#include "PieceMarks_p.h"
 #include "PointMath_p.h"
 #include "RangeScale_p.h"
 #include "StrokeMatch_p.h"
@@ -26,6 +27,8 @@ namespace {
 using trammel_detail::Cubic;
 using trammel_detail::CurveRun;
 using trammel_detail::MatchRun;
+using trammel_detail::PieceMarks;
+using trammel_detail::PiecePlace;
 using trammel_detail::RunMatch;
 using trammel_detail::StartDirection;
 using trammel_detail::StrokePoints;
@@ -41,10 +44,6 @@ constexpr double kStraight = 0x1p-10;
 
 /// Hulls that are nearer to each other, in shares of the coordinates, count as meeting.
 constexpr double kMargin = 0x1p-44;
-/// Rounds in which pieces that may meet others are halved, before they become elements again.
-constexpr int kHalvingRounds = 12;
-/// The last round keeps all elements.
-constexpr int kMostRounds = 24;
 
 bool Continues(Pt const& in, Pt const& out, double most) {
     double const dot = Dot(in, out);
@@ -151,13 +150,9 @@ public:
 
     /// Gives elements back to pieces until none is left that may meet another one.
     void AvoidCrossings() {
-        int round = 0;
-        while (round < kMostRounds && Mark(round + 1 == kMostRounds)) {
-            ++round;
-            for (std::size_t r = 0; r < mRuns.size(); ++r) {
-                Refine(mRuns[r], mMarks[r], round > kHalvingRounds);
-            }
-        }
+        trammel_detail::DivideWhileMarked([this](PieceMarks& marks) { Mark(marks); },
+                                          [this](std::size_t r, std::vector<char> const& marks,
+                                                 bool wholly) { Refine(mRuns[r], marks, wholly); });
     }
 
     /// The greatest distance of all runs.
@@ -354,25 +349,18 @@ private:
     }
 
     /// Marks the pieces for several elements that may meet others or themselves, or may have
-    /// passed another run. Returns false where there are none. With `all`, every piece is marked
-    /// if one is.
-    bool Mark(bool all) {
-        struct Place {
-            std::size_t run;
-            std::size_t piece;
-        };
-        std::vector<Place> places;
+    /// passed another run.
+    void Mark(PieceMarks& marks) {
+        std::vector<PiecePlace> places;
         std::vector<Box> boxes;
         std::vector<Box> wide; // of what may have passed the piece, or the piece
         std::vector<Pt> marksOfRuns;
         std::vector<double> distances; // of runs
         std::vector<Box> points;
-        bool found = false;
-        mMarks.assign(mRuns.size(), {});
         mTested.resize(mRuns.size(), 0.0);
         for (std::size_t r = 0; r < mRuns.size(); ++r) {
             Run& run = mRuns[r];
-            mMarks[r].assign(run.pieces.size(), 0);
+            marks.AddChain(run.pieces.size());
             Pt const p = trammel_detail::PlaceAt(run.curves[run.curves.size() / 2], 0.5).point;
             marksOfRuns.push_back(p);
             distances.push_back(run.Distance());
@@ -386,53 +374,49 @@ private:
                 wide.push_back(box.Widened(reach, reach));
                 if (!piece.IsElement() && piece.isNew &&
                     !trammel_detail::IsFreeOfLoops(piece.c, mMargin)) {
-                    mMarks[r][k] = 1;
-                    found = true;
+                    marks.Mark({r, k});
                 }
             }
         }
         trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
-            Place const& p = places[i];
-            Place const& q = places[j];
-            Piece const& a = mRuns[p.run].pieces[p.piece];
-            Piece const& b = mRuns[q.run].pieces[q.piece];
+            PiecePlace const& p = places[i];
+            PiecePlace const& q = places[j];
+            Piece const& a = mRuns[p.chain].pieces[p.piece];
+            Piece const& b = mRuns[q.chain].pieces[q.piece];
             if ((a.IsElement() && b.IsElement()) || (!a.isNew && !b.isNew) ||
                 trammel_detail::AreApart(a.c, b.c, mMargin)) {
                 return;
             }
-            mMarks[p.run][p.piece] = a.IsElement() ? mMarks[p.run][p.piece] : char{1};
-            mMarks[q.run][q.piece] = b.IsElement() ? mMarks[q.run][q.piece] : char{1};
-            found = true;
+            if (!a.IsElement()) {
+                marks.Mark(p);
+            }
+            if (!b.IsElement()) {
+                marks.Mark(q);
+            }
         });
         trammel_detail::BoxTree const tree(wide);
         tree.ForMeeting(trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t r) {
-            Place const& p = places[i];
-            Run const& run = mRuns[p.run];
+            PiecePlace const& p = places[i];
+            Run const& run = mRuns[p.chain];
             Run const& other = mRuns[r];
             Piece const& piece = run.pieces[p.piece];
             bool const isTested = !piece.isNew && distances[r] <= mTested[r];
-            if (piece.IsElement() || isTested || r == p.run || !other.isFinite ||
+            if (piece.IsElement() || isTested || r == p.chain || !other.isFinite ||
                 other.Start() == run.Start() || other.Start() == run.End() ||
                 other.End() == run.Start() || other.End() == run.End()) {
                 return;
             }
             double const reach = piece.distance + distances[r] + mMargin;
             if (!trammel_detail::KeepsAway(piece.c, marksOfRuns[r], reach)) {
-                mMarks[p.run][p.piece] = 1;
-                found = true;
+                marks.Mark(p);
             }
         });
         mTested = std::move(distances);
-        for (std::size_t r = 0; r < mRuns.size(); ++r) {
-            for (std::size_t k = 0; k < mRuns[r].pieces.size(); ++k) {
-                Piece& piece = mRuns[r].pieces[k];
+        for (Run& run : mRuns) {
+            for (Piece& piece : run.pieces) {
                 piece.isNew = false;
-                if (found && all && !piece.IsElement()) {
-                    mMarks[r][k] = 1;
-                }
             }
         }
-        return found;
     }
 
     void AddSubpath(Part const& part, trammel_detail::ElementAppender& out) const {
@@ -466,7 +450,6 @@ private:
     std::vector<std::vector<std::size_t>> mOutlines; ///< their subpaths
     std::vector<Part> mSubpaths;
     std::vector<Run> mRuns;
-    std::vector<std::vector<char>> mMarks; ///< of each run's pieces
     /// The runs' distances when Mark() tested the pieces. A run that is halved may have a greater
     /// one, and then all pieces are tested against it again.
     std::vector<double> mTested;

@@ -5,6 +5,7 @@
 #include "ArcChain_p.h"
 #include "BoxTree_p.h"
 #include "ExactSide_p.h"
+#include "PieceMarks_p.h"
 #include "PointMath_p.h"
 #include "RangeScale_p.h"
 #include "RingArcs_p.h"
@@ -21,19 +22,19 @@ namespace {
 using trammel_detail::ArcChain;
 using trammel_detail::ArcChord;
 using trammel_detail::ExactSide;
+using trammel_detail::PieceMarks;
+using trammel_detail::PiecePlace;
 using trammel_detail::RingArcs;
 
 typedef TPoint<double> Pt;
 typedef trammel_detail::Box<double> Box;
 
-/// Rounds in which chords that meet anew are split at their farthest vertex, before they are
-/// replaced by their pieces.
-constexpr int kSplittingRounds = 12;
-/// The last round keeps all vertices.
-constexpr int kMostRounds = 24;
 /// Pieces of so many pairs of edges are compared. Larger ones count as apart, and get more
 /// vertices.
 constexpr std::size_t kMostEdgePairs = 4096;
+/// To find out what a chord has passed, so many edges are looked at, or a few times its piece's.
+/// A chord that takes more gets more vertices.
+constexpr std::size_t kMostSideEdges = 65536;
 
 /// A straight line between two vertices, by number.
 struct Line {
@@ -71,6 +72,14 @@ public:
         // Lines on one line meet, as their boxes do.
         return s1 * s2 <= 0 && s3 * s4 <= 0;
     }
+    /// How often vertices, and the line from the last one back to the first, wind around another.
+    int WindingAround(std::size_t center, std::size_t const* first, std::size_t const* last) const {
+        int winding = Step(center, *last, *first);
+        for (; first != last; ++first) {
+            winding += Step(center, first[0], first[1]);
+        }
+        return winding;
+    }
     Box BoxOf(Line const& line) const {
         Pt const& a = mVertices[line.a];
         Pt const& b = mVertices[line.b];
@@ -78,6 +87,16 @@ public:
     }
 
 private:
+    /// What an edge adds to the winding number: it counts where it passes to the right of the
+    /// center.
+    int Step(std::size_t center, std::size_t a, std::size_t b) const {
+        bool const isBelow = mVertices[a].v <= mVertices[center].v;
+        if (isBelow == (mVertices[b].v <= mVertices[center].v)) {
+            return 0;
+        }
+        int const side = Side(a, b, center);
+        return isBelow ? (side > 0 ? 1 : 0) : (side < 0 ? -1 : 0);
+    }
     int Side(std::size_t a, std::size_t b, std::size_t c) const {
         return ExactSide(mVertices[a], mVertices[b], mVertices[c]);
     }
@@ -110,13 +129,11 @@ public:
             KeepThreeVertices(ring);
         }
         if (crossings == NewCrossings::kAvoid) {
-            int round = 0;
-            while (round < kMostRounds && Mark(round + 1 == kMostRounds)) {
-                ++round;
-                for (std::size_t i = 0; i < mChains.size(); ++i) {
-                    mChains[i].Refine(mMarks[i], round > kSplittingRounds);
-                }
-            }
+            trammel_detail::DivideWhileMarked(
+                [this](PieceMarks& marks) { Mark(marks); },
+                [this](std::size_t i, std::vector<char> const& marks, bool whole) {
+                    mChains[i].Refine(marks, whole);
+                });
         }
     }
 
@@ -174,44 +191,85 @@ private:
         }
     }
 
-    /// Marks the chords that meet others where their pieces do not. Returns false where there are
-    /// none. With `all`, every chord is marked if one is.
-    bool Mark(bool all) {
-        struct Place {
-            std::size_t arc;
-            std::size_t chord;
-        };
-        std::vector<Place> places;
+    ArcChord const& ChordAt(PiecePlace const& place) const {
+        return mChains[place.chain].Chords()[place.piece];
+    }
+
+    /// Marks the chords that meet others where their pieces do not, and chords that have passed a
+    /// vertex.
+    void Mark(PieceMarks& marks) const {
+        std::vector<PiecePlace> places;
         std::vector<Box> boxes;
-        mMarks.assign(mChains.size(), {});
         for (std::size_t i = 0; i < mChains.size(); ++i) {
             std::vector<ArcChord> const& chords = mChains[i].Chords();
-            mMarks[i].assign(chords.size(), 0);
+            marks.AddChain(chords.size());
             for (std::size_t k = 0; k < chords.size(); ++k) {
                 places.push_back({i, k});
                 boxes.push_back(mMeetings.BoxOf(LineOf(i, chords[k])));
             }
         }
-        bool found = false;
         trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
-            Place const& p = places[i];
-            Place const& q = places[j];
-            ArcChord const& a = mChains[p.arc].Chords()[p.chord];
-            ArcChord const& b = mChains[q.arc].Chords()[q.chord];
+            PiecePlace const& p = places[i];
+            PiecePlace const& q = places[j];
+            ArcChord const& a = ChordAt(p);
+            ArcChord const& b = ChordAt(q);
             bool const isOwn = a.IsEdge() && b.IsEdge();
-            if (!isOwn && mMeetings.Meet(LineOf(p.arc, a), LineOf(q.arc, b)) &&
-                !PiecesMeet(p.arc, a, q.arc, b)) {
-                mMarks[p.arc][p.chord] = 1;
-                mMarks[q.arc][q.chord] = 1;
-                found = true;
+            if (!isOwn && mMeetings.Meet(LineOf(p.chain, a), LineOf(q.chain, b)) &&
+                !PiecesMeet(p.chain, a, q.chain, b)) {
+                marks.Mark(p);
+                marks.Mark(q);
             }
         });
-        if (found && all) {
-            for (std::vector<char>& marks : mMarks) {
-                std::fill(marks.begin(), marks.end(), char{1});
+        MarkPassing(places, boxes, marks);
+    }
+    /// Marks the chords that lie on another side of a vertex than their pieces. Nothing crosses
+    /// where the rounds end, so one vertex tells where all lines lie that are joined to it. The
+    /// ends of each arc are tested, and one vertex between that it keeps.
+    /// \param boxes  of the chords, by place
+    void MarkPassing(std::vector<PiecePlace> const& places, std::vector<Box> const& boxes,
+                     PieceMarks& marks) const {
+        std::vector<std::size_t> tested;
+        for (std::size_t i = 0; i < mChains.size(); ++i) {
+            std::vector<std::size_t> const& ids = mMap.arcs[i];
+            std::vector<ArcChord> const& chords = mChains[i].Chords();
+            tested.insert(tested.end(),
+                          {ids.front(), ids.back(), ids[chords[chords.size() / 2].from]});
+        }
+        std::sort(tested.begin(), tested.end());
+        tested.erase(std::unique(tested.begin(), tested.end()), tested.end());
+        std::vector<Box> points;
+        points.reserve(tested.size());
+        for (std::size_t const id : tested) {
+            points.push_back(mMeetings.BoxOf({id, id}));
+        }
+        // A chord and its piece lie within the chord's distance, and so does all that they enclose.
+        std::vector<PiecePlace> passing;
+        std::vector<Box> wide;
+        for (std::size_t i = 0; i < places.size(); ++i) {
+            ArcChord const& chord = ChordAt(places[i]);
+            if (!chord.IsEdge()) {
+                double const reach = chord.distance * mScale;
+                passing.push_back(places[i]);
+                wide.push_back(boxes[i].Widened(reach, reach));
             }
         }
-        return found;
+        std::vector<std::size_t> edges(passing.size(), 0); // looked at
+        trammel_detail::BoxTree(wide).ForMeeting(
+            trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t k) {
+                std::vector<std::size_t> const& ids = mMap.arcs[passing[i].chain];
+                ArcChord const& chord = ChordAt(passing[i]);
+                std::size_t const id = tested[k];
+                bool const isEnd = id == ids[chord.from] || id == ids[chord.to];
+                if (isEnd || marks.Of(passing[i].chain)[passing[i].piece] != 0) {
+                    return;
+                }
+                std::size_t const count = chord.to - chord.from;
+                edges[i] += count;
+                if (edges[i] > kMostSideEdges + 4 * count ||
+                    mMeetings.WindingAround(id, &ids[chord.from], &ids[chord.to]) != 0) {
+                    marks.Mark(passing[i]);
+                }
+            });
     }
     /// True when the pieces that two chords replace meet.
     bool PiecesMeet(std::size_t arcA, ArcChord const& a, std::size_t arcB,
@@ -238,7 +296,6 @@ private:
     std::vector<Pt> mVertices; ///< multiplied by it, for the meetings
     Meetings mMeetings;
     std::vector<ArcChain> mChains;
-    std::vector<std::vector<char>> mMarks; ///< of each chain's chords
 };
 
 /// The vertices of a ring that are finite and differ from the one before, and the last one from the

@@ -17,6 +17,10 @@
 // Whether lines meet is decided exactly, as long as no product of coordinates leaves the range of
 // normal doubles.
 //
+// Nothing comes to the other side then, either: a ring winds around all points of another as often
+// as before, where the two have no point in common. So an island stays in the sea and a lake on the
+// land, however small they are. A line that has passed a vertex gets more vertices of its piece.
+//
 // - Rings stay in order, run the same way round, and have their first vertex repeated at the end if
 //   they had it. A ring may begin at another of its vertices.
 // - A ring of three vertices or more keeps three at least, however small it is.
@@ -29,7 +33,7 @@
 //
 // Source: D. Douglas, T. Peucker, 1973. Where its splits are lopsided many times, a piece is split
 // in the middle, so that the cost is O(n log n) for every input. BoxTree finds the pairs of lines
-// that may meet.
+// that may meet. That a line must not pass a vertex is the test of A. Saalfeld, 1999.
 
 #ifndef TRAMMEL_SIMPLIFYRINGS_H
 #define TRAMMEL_SIMPLIFYRINGS_H
@@ -46,7 +50,8 @@ namespace trammel {
 /// may be `rings` itself.
 ///
 /// Cost: O(n log n); with kAvoid also O(k) for k pairs of lines whose boxes meet, in at most 24
-/// rounds, mostly two or three.
+/// rounds, mostly two or three. A line also looks at the edges of its piece for each node and start
+/// of a ring in its box: 65,536 times at most, or four times at each edge.
 /// \param tolerance in coordinate units, inclusive.
 TRAMMEL_API double SimplifyRings(std::vector<Ring> const& rings, double tolerance,
                                  NewCrossings crossings, std::vector<Ring>& out);

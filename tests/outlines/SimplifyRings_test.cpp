@@ -249,6 +249,74 @@ TEST(SimplifyRings, LetsNothingCrossOrTouchAnew) {
     }
 }
 
+/// How often a ring of whole coordinates winds around a point that is not on it.
+int WindingOf(Ring const& ring, Pt const& p) {
+    int winding = 0;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        Pt const a = ring[i] - p;
+        Pt const b = ring[(i + 1) % ring.size()] - p;
+        double const cross = a.h * b.v - a.v * b.h; // exact
+        winding += a.v <= 0 && b.v > 0 && cross > 0 ? 1 : 0;
+        winding -= a.v > 0 && b.v <= 0 && cross < 0 ? 1 : 0;
+    }
+    return winding;
+}
+
+/// Twice the signed area of a ring.
+[[maybe_unused]] double AreaOf(Ring const& ring) {
+    double area = 0.0;
+    for (std::size_t i = 0; i < ring.size(); ++i) {
+        Pt const a = ring[i] - ring[0];
+        Pt const b = ring[(i + 1) % ring.size()] - ring[0];
+        area += a.h * b.v - a.v * b.h;
+    }
+    return area;
+}
+
+TEST(SimplifyRings, LetsNoRingComeToTheOtherSide) {
+    std::mt19937_64 random(12);
+    std::uniform_real_distribution<double> unit(0, 1);
+    int moved = 0;
+    int apart = 0;
+    for (int i = 0; i < 40; ++i) {
+        Ring const coast = Coast(random, 300, 3000, Pt(0, 0));
+        Rings rings = {coast};
+        for (int k = 0; k < 40; ++k) {
+            double const a = 6.283 * unit(random);
+            double const r = 2000 + 1100 * unit(random);
+            Ring const island =
+                Coast(random, 5, 6, Pt(std::round(r * std::cos(a)), std::round(r * std::sin(a))));
+            if (MeetingsOf(EdgesOf({coast, island})) == 0) {
+                rings.push_back(island);
+            }
+        }
+        // The same coast once more with another border to share, so that it is no longer one arc
+        rings.push_back({coast[10], coast[11], coast[12], coast[13], Pt(5000, 5000)});
+        double const tolerance = 20.0 * (i + 1);
+        Rings loose;
+        Rings tight;
+        SimplifyRings(rings, tolerance, NewCrossings::kAllow, loose);
+        SimplifyRings(rings, tolerance, NewCrossings::kAvoid, tight);
+        for (std::size_t k = 1; k + 1 < rings.size(); ++k) {
+            int const before = WindingOf(coast, rings[k][0]);
+            for (Pt const& p : tight[k]) {
+                EXPECT_EQ(WindingOf(tight[0], p), before) << i << ", " << k;
+            }
+            moved += WindingOf(loose[0], loose[k][0]) != before ? 1 : 0;
+            ++apart;
+        }
+    }
+    EXPECT_GT(moved, 100);
+    EXPECT_GT(apart, 1000);
+    // A cape that turns back around a bay with an island, all of it within the tolerance
+    Ring const cape = {Pt(0, 0),   Pt(100, 0),  Pt(100, -40), Pt(46, -40), Pt(46, -4),
+                       Pt(50, -4), Pt(50, -36), Pt(90, -36),  Pt(90, -80), Pt(0, -80)};
+    Ring const island = {Pt(47, -6), Pt(49, -6), Pt(48, -8)};
+    Rings simple;
+    SimplifyRings({cape, island}, 50, NewCrossings::kAvoid, simple);
+    EXPECT_EQ(WindingOf(simple[0], Pt(47, -6)), WindingOf(cape, Pt(47, -6)));
+}
+
 TEST(SimplifyRings, KeepsThreeVerticesOfEachRingAndItsRepeatedFirstOne) {
     std::mt19937_64 random(6);
     Ring ring = Coast(random, 50, 10, Pt(0, 0));
@@ -372,6 +440,10 @@ TEST(SimplifyMap, KeepsTheBordersOfAllCountriesAndLetsNothingCrossAnew) {
                     EXPECT_TRUE(hausdorff::Keeps(ElementsOf(before[i]), ElementsOf(after[i]), kept))
                         << i;
                 }
+            }
+            // No country is turned over, however thin it is.
+            for (std::size_t i = 0; i < map.size(); ++i) {
+                EXPECT_GE(AreaOf(before[i]) * AreaOf(after[i]), 0.0) << name << " " << i;
             }
             std::vector<Edge> const edges = EdgesOf(after);
             EXPECT_LE(MeetingsOf(edges), meetingsBefore) << tolerance;
