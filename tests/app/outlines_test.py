@@ -4,6 +4,7 @@
 """Tests of the commands that give outlines new forms: `overlap`, `divide`, `stroke`, `offset`, `simplify`,
 `fit`."""
 
+import json
 import math
 import re
 import unittest
@@ -284,6 +285,34 @@ class Outlines(AppTest):
         fine, simple = (self.measure_file(name)["c"] for name in ("fine.svg", "out.svg"))
         self.assertLess(simple["elements"], fine["elements"] / 3)
         self.assertBox(simple["bounds"], [10, 10, 90, 90], 0.05)
+
+    def test_simplify_lets_nothing_cross_anew(self):
+        # Two neighbours whose border is a bay of 0.072, and an island in it.
+        heights = [0, 0.0315, 0.054, 0.0675, 0.072, 0.0675, 0.054, 0.0315, 0]
+        bay = [f"{10 * i} {50 + h}" for i, h in enumerate(heights)]
+        file = self.write("in.svg", svg(
+            f'<path id="n" d="M{"L".join(bay)}V0H0z"/><g transform="translate(0,16)">'
+            f'<path id="s" transform="translate(0,-16)" d="M{"L".join(bay[::-1])}V99H80z"/></g>'
+            '<path id="i" d="M39.99 50.03h.02v.01h-.02Z"/>'))
+        for options, north in (((), False), (("--no-new-crossings",), True)):
+            with self.subTest(options):
+                self.run_text("simplify", file, "--tolerance", "2", *options, "-o", self.out)
+                hits = self.run_json("hit", self.out, "--at", "40,50.035", "--id", "n", "--id", "s")
+                inside = {hit["id"]: hit["inside"] for hit in hits["points"][0]["hits"]}
+                self.assertEqual(inside.get("n", False), north)
+                self.assertEqual(inside.get("s", False), not north)
+        # The border is still common: what both cover makes the whole.
+        areas = self.areas()
+        self.assertAlmostEqual(areas["n"][0] + areas["s"][0], 80 * 99, delta=1e-9)
+        elements = {name: self.measure_file("out.svg")[name]["elements"] for name in "ns"}
+        self.assertEqual(elements["n"], elements["s"])
+        self.assertLess(elements["n"], 9)
+        # A map is simplified as a whole, and each glyph of a font for itself.
+        rings = [[[i, h] for i, h in enumerate(heights)] + [[8, 5], [0, 5], [0, 0]]]
+        world = self.write("map.json", json.dumps({"type": "Polygon", "coordinates": rings}))
+        for name in (world, self.write("font", font_bytes())):
+            self.run_text("simplify", name, "--no-new-crossings", "--tolerance", "1", "-o", self.out)
+            self.assertTrue(self.measure_file("out.svg"))
 
     def test_fit_puts_curves_in_place_of_lines(self):
         points = " ".join(f"{50 + 40 * math.cos(a / 50 * math.pi)},"

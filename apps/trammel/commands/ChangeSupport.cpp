@@ -12,6 +12,8 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <map>
 #include <utility>
 
 namespace tool {
@@ -49,6 +51,29 @@ CPath FormOf(Change const& change, Drawing const& drawing, Outline const& outlin
         outline.arcDistance + change.form(outline, rest * (1.0 - kRoundingPart), out);
     TellDistance(drawing.file, outline.id, distance, tolerance);
     return out;
+}
+
+/// Returns the new forms of outlines that are made together, by outline; none where each is made
+/// for itself.
+std::map<Outline const*, CPath> FormsOf(Change const& change, Drawing const& drawing,
+                                        std::vector<Outline const*> const& outlines,
+                                        double tolerance) {
+    std::map<Outline const*, CPath> forms;
+    if (!change.forms || drawing.kind == "font") { // glyphs do not lie in one place
+        return forms;
+    }
+    double arcDistance = 0.0;
+    for (Outline const* const outline : outlines) {
+        arcDistance = std::max(arcDistance, outline->arcDistance);
+    }
+    std::vector<CPath> out;
+    double const rest = std::max(tolerance - arcDistance, 0.0);
+    double const distance = change.forms(outlines, rest * (1.0 - kRoundingPart), out);
+    TellDistance(drawing.file, "", arcDistance + distance, tolerance);
+    for (std::size_t i = 0; i < outlines.size(); ++i) {
+        forms.emplace(outlines[i], std::move(out[i]));
+    }
+    return forms;
 }
 
 } // namespace
@@ -117,16 +142,33 @@ void RunChange(ChangeOptions const& options, Change const& change) {
         }
         Warn(drawing.file, "", change.nothing);
     }
+    std::vector<Outline const*> all;
+    if (keeps) {
+        all = OnePerElement(drawing);
+    } else {
+        for (Outline const& outline : drawing.outlines) {
+            all.push_back(&outline);
+        }
+    }
+    std::vector<Outline const*> changing;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(changing),
+                 [&](Outline const* outline) { return !stays(*outline); });
     Progress progress(change.progress, drawing.outlines.size());
     std::size_t done = 0;
+    std::map<Outline const*, CPath> made = FormsOf(change, drawing, changing, tolerance);
+    auto const formOf = [&](Outline const& outline) {
+        auto const found = made.find(&outline);
+        return found != made.end() ? std::move(found->second)
+                                   : FormOf(change, drawing, outline, tolerance);
+    };
     if (keeps) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
-        for (Outline const* const outline : OnePerElement(drawing)) {
+        for (Outline const* const outline : all) {
             if (!stays(*outline)) {
                 if (change.prepare) {
                     change.prepare(edit, *outline);
                 }
-                SetPath(edit, drawing, *outline, FormOf(change, drawing, *outline, tolerance));
+                SetPath(edit, drawing, *outline, formOf(*outline));
                 if (change.paint) {
                     change.paint(edit, *outline);
                 }
@@ -141,7 +183,7 @@ void RunChange(ChangeOptions const& options, Change const& change) {
     for (Outline& outline : drawing.outlines) {
         progress.Update(++done);
         if (!stays(outline)) {
-            outline.path = FormOf(change, drawing, outline, tolerance);
+            outline.path = formOf(outline);
         } else if (change.filled) {
             continue;
         }

@@ -13,6 +13,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tool {
 
@@ -37,6 +38,11 @@ struct Change {
     ToleranceShare share = kFineShare;
     /// Sets `out` to the outline's new form, and returns the distance that is kept.
     std::function<double(Outline const& outline, double tolerance, CPath& out)> form;
+    /// Sets `out` to the new forms of all outlines that change, in order, and returns the distance
+    /// that is kept. Empty: `form` makes one after the other.
+    std::function<double(std::vector<Outline const*> const& outlines, double tolerance,
+                         std::vector<CPath>& out)>
+        forms = {};
     /// True for a form that bounds an area. An outline without a fill then stays as it is, unless
     /// --id names it.
     bool area = false;

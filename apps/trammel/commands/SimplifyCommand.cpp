@@ -2,8 +2,13 @@
 
 #include "ChangeSupport.h"
 #include "Commands.h"
+#include "Drawing.h"
 
+#include <trammel/CPath.h>
 #include <trammel/Simplify.h>
+
+#include <memory>
+#include <vector>
 
 namespace tool {
 
@@ -12,26 +17,57 @@ namespace {
 /// A tenth of a pixel of the PNG that this command writes.
 constexpr ToleranceShare kShare{1e-4, "a 10000th"};
 
-void Run(ChangeOptions const& options) {
+struct Options {
+    ChangeOptions change;
+    bool noNewCrossings = false;
+};
+
+/// Simplifies outlines that lie in one drawing or on one map, so that they do not cross anew.
+double SimplifyTogether(std::vector<Outline const*> const& outlines, double tolerance,
+                        std::vector<CPath>& out) {
+    std::vector<CPath> paths;
+    paths.reserve(outlines.size());
+    for (Outline const* const outline : outlines) {
+        paths.push_back(outline->path);
+    }
+    return trammel::SimplifyOutlines(paths, tolerance, trammel::NewCrossings::kAvoid, out);
+}
+
+void Run(Options const& options) {
     Change change;
     change.progress = "simplifying outlines";
     change.share = kShare;
     change.form = [](Outline const& outline, double tolerance, CPath& out) {
         return trammel::Simplify(outline.path, tolerance, out);
     };
-    RunChange(options, change);
+    if (options.noNewCrossings) {
+        change.form = [](Outline const& outline, double tolerance, CPath& out) {
+            return trammel::Simplify(outline.path, tolerance, trammel::NewCrossings::kAvoid, out);
+        };
+        change.forms = SimplifyTogether;
+    }
+    RunChange(options.change, change);
 }
 
 } // namespace
 
 void AddSimplify(Command const& app) {
-    AddChangeCommand(
-        app, "simplify", "Writes the outlines with fewer curves and lines", kShare,
+    auto const options = std::make_shared<Options>();
+    Command const command =
+        app.AddCommand("simplify", "Writes the outlines with fewer curves and lines");
+    AddChangeOptions(command, options->change, kShare);
+    command.AddFlag("--no-new-crossings", options->noNewCrossings,
+                    "Let nothing cross, touch or change sides that does not yet, in the whole "
+                    "drawing; outlines keep their common borders");
+    AddChangeOutput(command, options->change);
+    command.SetFooter(
         "Curves that meet smoothly become one curve, and lines that continue each other one line. "
         "Corners stay.\nNo point of either outline is farther than the tolerance from the other.\n"
+        "With --no-new-crossings, the chosen outlines are simplified together, each glyph of a "
+        "font for itself.\n"
         "An SVG drawing is kept: only the forms of the elements change.\n"
-        "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg",
-        Run);
+        "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg");
+    command.SetAction([options] { Run(*options); });
 }
 
 } // namespace tool
