@@ -15,22 +15,6 @@
 
 namespace trammel_detail {
 
-/// Returns the curve with v and h of its points in turn.
-[[gnu::always_inline]] inline FlatCubic CubicOf(double const* points) {
-    Double2 const p0 = Double2::Load(points);
-    Double2 const p1 = Double2::Load(points + 2);
-    Double2 const p2 = Double2::Load(points + 4);
-    Double2 const p3 = Double2::Load(points + 6);
-    Double2 const a = p1 - p0;
-    Double2 const middle = p2 - p1;
-    Double2 const b = middle - a;
-    Double2 const last = p3 - p2;
-    Double2 const c = (last - middle) - b;
-    Double2 const end = p3 - p0;
-    return {Lane<1>(a), Lane<0>(a),   Lane<1>(b),   Lane<0>(b),    Lane<1>(c),
-            Lane<0>(c), Lane<1>(end), Lane<0>(end), Lane<1>(last), Lane<0>(last)};
-}
-
 /// Four places on a curve: parameters, points relative to the start, thirds of the derivatives.
 template <class Vector> struct PlaceLanes { Vector t, h, v, dh, dv; };
 
@@ -226,17 +210,18 @@ template <class Vector> struct BendCubic { Vector aH, aV, bH, bV, cH, cV; };
 /// Chords per unit of the parameter, and nearly the inverse.
 template <class Vector> struct Density { Vector chords, inverse; };
 
-/// The width of a panel as it counts for the density in its middle.
+/// The width of a panel as it counts for the density in its middle. The means over the panel would
+/// be 4 and 1 times the mean of x². With the numbers below fewer chords fail.
 struct PanelShape {
-    double speed; ///< the mean of (2x)² over the panel; half of it does better in trials
-    double bend;  ///< the mean of x² over the panel
+    double speed; ///< times the square of the speed's change
+    double bend;  ///< times the square of the bend's change
 };
-constexpr PanelShape ShapeOf(int panels) {
+constexpr PanelShape ShapeOf(int panels, double speed, double bend) {
     double const square = 1.0 / (12.0 * panels * panels);
-    return {2.0 * square, square};
+    return {speed * square, bend * square};
 }
-inline constexpr PanelShape kFewShape = ShapeOf(kFewPanels);
-inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels);
+inline constexpr PanelShape kFewShape = ShapeOf(kFewPanels, 2.0, 1.0);
+inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels, 1.0, 2.5);
 
 /// Returns the density of panels from the derivatives in their middles, at `t`.
 ///
@@ -291,9 +276,13 @@ template <class Vector> struct PanelLine {
 };
 
 /// The vectors of a cubic that its points and chords take, as they stand in a FlatPack.
+///
+/// w is an eighth of the second derivative, which is linear. `startH` and `startV` are w at 0, and
+/// `riseH` and `riseV` half of its change from 0 to 1.
 template <class Vector> struct ChordCubic {
-    Vector bH, bV, cH, cV, threeAH, threeAV, threeBH, threeBV;
-    Vector quarter; ///< of the square of c
+    Vector startH, startV, riseH, riseV;
+    Vector steep; ///< the square of the change of w from 0 to 1
+    Vector threeAH, threeAV, threeBH, threeBV, cH, cV;
     Vector originH, originV;
 };
 
@@ -308,49 +297,74 @@ template <class Vector>
             (c.threeAV + (c.threeBV + c.cV * t) * t) * t};
 }
 
-/// Stores the points at four parameters: v and h in turn, as sums of the origin and the point.
-/// Returns the mask of the chords to them that are known to keep the tolerance, whose square is
-/// `limit`. `before` holds the ends of the chords before, and gets these.
+/// Stores four points: v and h in turn, as sums of the origin and the point.
+template <class Vector>
+[[gnu::always_inline]] inline void StoreEnds(ChordCubic<Vector> const& c,
+                                             ChordEnds<Vector> const& ends, double* out) {
+    double* const to[4] = {out, out + 2, out + 4, out + 6};
+    StorePairs(c.originV + ends.v, c.originH + ends.h, to);
+}
+
+/// Returns the mask of the chords between places that are known to keep the tolerance, whose square
+/// is `limit`.
 ///
-/// Let w be a sixth of the second derivative in the middle of a chord d of width h. The curve's
-/// distance from the chord's line is
+/// Let w be the vector in the middle of a chord d of width h, and r half of its change over the
+/// unit of the parameter. The curve's distance from the chord's line is
 ///
-///     3h²·s(1 - s)·|d x w + (s - 1/2)·h/3·(d x c)| / |d|,   0 <= s <= 1
+///     4h²·s(1 - s)·|d x w + (s - 1/2)·2h/3·(d x r)| / |d|,   0 <= s <= 1
 ///
 /// Its maximum is a convex function of the two products. So linear interpolation bounds it, between
-/// quotients of 0, 3/2 and infinity. The curve does not leave the chord at an end where no second
-/// derivative on it is longer than 2·|d|/h².
+/// quotients of 0, 3/4 and infinity. The curve does not leave the chord at an end where no w on it
+/// is longer than |d|/(4h²). The square of none is greater than 5/4·(w² + (2hr)²).
 ///
 /// A curve runs onward if no two of its derivatives point more than a right angle apart. Then it
 /// does not leave any chord at an end, and its chords are as long as they have to be.
+template <bool kOnward, class Vector>
+[[gnu::always_inline]] inline unsigned KeepChords(ChordCubic<Vector> const& c, Vector const& limit,
+                                                  ChordEnds<Vector> const& from,
+                                                  ChordEnds<Vector> const& to) {
+    Vector const width = to.t - from.t;
+    Vector const twice = to.t + from.t;
+    Vector const dh = to.h - from.h;
+    Vector const dv = to.v - from.v;
+    Vector const wh = c.startH + c.riseH * twice;
+    Vector const wv = c.startV + c.riseV * twice;
+    Vector const square = dh * dh + dv * dv;
+    Vector const width2 = width * width;
+    Vector const mean = Abs(dh * wv - dv * wh);
+    Vector const change = width * Abs(dh * c.riseV - dv * c.riseH);
+    Vector const off = width2 * Max(mean + Vector(0.02024) * change,
+                                    Vector(0.91895) * mean + Vector(0.1283014) * change);
+    auto const near = off * off <= limit * square;
+    if constexpr (kOnward) {
+        return near.Bits();
+    } else {
+        Vector const second = (wh * wh + wv * wv) + width2 * c.steep;
+        auto const within = (width2 * width2) * second <= Vector(0.05) * square;
+        return (near & within & IsChord(square, limit)).Bits();
+    }
+}
+
+/// Returns for each place of `to` the one before it. The one before the first is the last of
+/// `before`, which then gets these.
+template <class Vector>
+[[gnu::always_inline]] inline ChordEnds<Vector> Before(ChordEnds<Vector>& before,
+                                                       ChordEnds<Vector> const& to) {
+    ChordEnds<Vector> const from = {Preceding(before.t, to.t), Preceding(before.h, to.h),
+                                    Preceding(before.v, to.v)};
+    before = to;
+    return from;
+}
+
+/// Stores the points at four parameters, and returns the chords to them that KeepChords tells.
+/// `before` holds the ends of the chords before, and gets these.
 template <bool kOnward, class Vector>
 [[gnu::always_inline]] inline unsigned StoreChords(ChordCubic<Vector> const& c, Vector const& limit,
                                                    Vector const& t, ChordEnds<Vector>& before,
                                                    double* out) {
     ChordEnds<Vector> const ends = EndsAt(c, t);
-    double* const to[4] = {out, out + 2, out + 4, out + 6};
-    StorePairs(c.originV + ends.v, c.originH + ends.h, to);
-    Vector const width = t - Preceding(before.t, t);
-    Vector const dh = ends.h - Preceding(before.h, ends.h);
-    Vector const dv = ends.v - Preceding(before.v, ends.v);
-    before = ends;
-    Vector const middle = t - Vector(0.5) * width;
-    Vector const wh = c.bH + c.cH * middle;
-    Vector const wv = c.bV + c.cV * middle;
-    Vector const square = dh * dh + dv * dv;
-    Vector const width2 = width * width;
-    Vector const mean = Abs(dh * wv - dv * wh);
-    Vector const change = width * Abs(dh * c.cV - dv * c.cH);
-    Vector const off = width2 * Max(Vector(0.75) * mean + Vector(0.00759) * change,
-                                    Vector(0.68921) * mean + Vector(0.048113) * change);
-    auto const near = off * off <= limit * square;
-    if constexpr (kOnward) {
-        return near.Bits();
-    } else {
-        Vector const second = (wh * wh + wv * wv) + width2 * c.quarter;
-        auto const within = (width2 * width2) * second <= Vector(1.0 / 18.0) * square;
-        return (near & within & IsChord(square, limit)).Bits();
-    }
+    StoreEnds(c, ends, out);
+    return KeepChords<kOnward>(c, limit, Before(before, ends), ends);
 }
 
 inline constexpr double kFewMiddles[kFewPanels] = {0.125, 0.375, 0.625, 0.875};
@@ -379,8 +393,8 @@ template <class Vector> struct FewPanels {
     }
 };
 
-/// Tells whether the chord from end to end is near enough to the curve's line. StoreChords says
-/// how. Between quotients of 3/2 and infinity there is one of 6 more.
+/// Tells whether the chord from end to end is near enough to the curve's line. KeepChords says how;
+/// here w is a sixth of the second derivative. The quotients are 0, 3/2, 6 and infinity.
 template <class Number>
 [[gnu::always_inline]] inline auto
 IsNearWhole(Number const& endH, Number const& endV, Number const& limit, Number const& bH,
@@ -470,10 +484,21 @@ template <class Vector>
 [[gnu::always_inline]] inline ChordCubic<Vector>
 ChordsOf(BendCubic<Vector> const& c, Vector const& originH, Vector const& originV) {
     Vector const three = Vector(3.0);
-    return {c.bH,         c.bV,         c.cH,
-            c.cV,         three * c.aH, three * c.aV,
-            three * c.bH, three * c.bV, Vector(0.25) * (c.cH * c.cH + c.cV * c.cV),
-            originH,      originV};
+    Vector const part = Vector(0.75);
+    Vector const half = Vector(0.375);
+    return {part * c.bH,
+            part * c.bV,
+            half * c.cH,
+            half * c.cV,
+            Vector(0.5625) * (c.cH * c.cH + c.cV * c.cV),
+            three * c.aH,
+            three * c.aV,
+            three * c.bH,
+            three * c.bV,
+            c.cH,
+            c.cV,
+            originH,
+            originV};
 }
 
 /// Returns a mask of that many ones.
@@ -529,181 +554,235 @@ template <class Vector>
                                              bool few, double* out) {
     for (int i = 0; i < (few ? 4 : kFewChords); i += 4) {
         Vector const t = Vector::Load(kNumbers + i) * inverse;
-        ChordEnds<Vector> const ends = EndsAt(c, t);
-        double* const at = out + std::ptrdiff_t{2} * i;
-        double* const to[4] = {at, at + 2, at + 4, at + 6};
-        StorePairs(c.originV + ends.v, c.originH + ends.h, to);
+        StoreEnds(c, EndsAt(c, t), out + std::ptrdiff_t{2} * i);
     }
 }
 
-/// The most chords that MendChords divides.
-inline constexpr int kMended = 4;
+/// Places on a curve with the derivatives there.
+template <class Vector> struct ChordPlaces {
+    ChordEnds<Vector> ends;
+    Vector slopeH, slopeV;
 
-/// Verifies the chords that fail again, by the longer test that decides. If no more than `most`
-/// fail then, divides them in the middle, where that suffices. Returns the number of chords.
+    [[gnu::always_inline]] inline ChordPlaces(ChordCubic<Vector> const& c, Vector const& t)
+        : ends(EndsAt(c, t)) {
+        Vector const riseH = c.cH * t;
+        Vector const riseV = c.cV * t;
+        Vector const two = Vector(2.0);
+        Vector const three = Vector(3.0);
+        slopeH = c.threeAH + (two * c.threeBH + three * riseH) * t;
+        slopeV = c.threeAV + (two * c.threeBV + three * riseV) * t;
+    }
+};
+/// Returns the mask of the chords between places that keep the tolerance by the test that decides.
 template <class Vector>
-[[gnu::noinline]] int MendChords(double const* points, double tolerance, int most, double* out,
-                                 int count, FlatChords& chords) {
+[[gnu::always_inline]] inline unsigned Keep(ChordPlaces<Vector> const& from,
+                                            ChordPlaces<Vector> const& to, Vector const& limit) {
+    Vector const h = to.ends.h - from.ends.h;
+    Vector const v = to.ends.v - from.ends.v;
+    Vector const square = h * h + v * v;
+    Vector const third = Vector(1.0 / 3.0) * (to.ends.t - from.ends.t);
+    ChordDeviation<Vector> const off =
+        DeviationOf(third, h, v, square, from.slopeH, from.slopeV, to.slopeH, to.slopeV);
+    return ((off.Square() <= limit * square) & IsChord(square, limit)).Bits();
+}
+
+/// The most chords that MendChords divides at a time, and the most that it adds to some chords.
+inline constexpr int kMended = 4;
+inline constexpr int kAdded = 8;
+
+/// Verifies failing chords again, by the longer test that decides. Divides chords in the middle
+/// where they fail again, and their halves, too. Adds no more than `most` chords. Returns the
+/// number of chords, and sets which of them fail still.
+template <class Vector>
+[[gnu::noinline]] int MendChords(ChordCubic<Vector> const& cubic, double tolerance, int most,
+                                 double* out, int count, FlatChords& chords) {
     chords.t[0] = 0.0;
-    CubicLanes<Vector> const cubic(CubicOf(points));
+    double* const t = chords.t;
     Vector const limit = Vector(tolerance * tolerance);
-    for (std::uint64_t left = chords.failing; left != 0;) {
-        auto const i = static_cast<unsigned>(__builtin_ctzll(left)) & ~3U;
-        unsigned const keeping = Keep(cubic.At(Vector::Load(chords.t + i)),
-                                      cubic.At(Vector::Load(chords.t + 1 + i)), limit)
-                                     .Bits();
-        chords.failing &= ~(std::uint64_t{keeping} << i);
-        left &= ~(std::uint64_t{15} << i);
-    }
-    if (chords.failing == 0) {
-        return count;
-    }
-    int failing[kMended] = {};
-    int added = 0;
-    for (std::uint64_t left = chords.failing; left != 0; left &= left - 1) {
-        if (added == most) {
+    int const room = count + most < kChordRoom ? count + most : kChordRoom;
+    while (chords.failing != 0) {
+        int failing[kMended];
+        int fail = 0;
+        std::uint64_t left = chords.failing;
+        for (int& chord : failing) { // one of them again where there are fewer
+            chord = __builtin_ctzll(left != 0 ? left : chords.failing);
+            fail += left != 0 ? 1 : 0;
+            left &= left - 1;
+        }
+        if (left != 0) {
             return count;
         }
-        failing[added++] = __builtin_ctzll(left);
-    }
-    if (count + added > kChordRoom) {
-        return count;
-    }
-    double from[kMended];
-    double to[kMended];
-    for (int i = 0; i < kMended; ++i) {
-        int const chord = failing[i < added ? i : 0];
-        from[i] = chords.t[chord];
-        to[i] = chords.t[chord + 1];
-    }
-    Vector const t0 = Vector::Load(from);
-    Vector const t1 = Vector::Load(to);
-    PlaceLanes<Vector> const middle = cubic.At(t0 + Vector(0.5) * (t1 - t0));
-    auto const keeps = Keep(cubic.At(t0), middle, limit) & Keep(middle, cubic.At(t1), limit);
-    if (keeps.Bits() != 15U) {
-        return count;
-    }
-    double h[kMended];
-    double v[kMended];
-    middle.h.Store(h);
-    middle.v.Store(v);
-    int last = count - 1;
-    for (int i = added - 1; i >= 0; --i) {
-        for (; last >= failing[i]; --last) {
-            Double2::Load(out + std::ptrdiff_t{2} * last)
-                .Store(out + std::ptrdiff_t{2} * (last + i + 1));
+        Vector const from = Vector::Of(t[failing[0]], t[failing[1]], t[failing[2]], t[failing[3]]);
+        Vector const to =
+            Vector::Of(t[failing[0] + 1], t[failing[1] + 1], t[failing[2] + 1], t[failing[3] + 1]);
+        ChordPlaces<Vector> const begin(cubic, from);
+        ChordPlaces<Vector> const middle(cubic, Vector(0.5) * (from + to));
+        ChordPlaces<Vector> const end(cubic, to);
+        unsigned const divided = ~Keep(begin, end, limit) & static_cast<unsigned>(Ones(fail));
+        int const added = __builtin_popcount(divided);
+        if (count + added > room) {
+            return count;
         }
-        double* const point = out + std::ptrdiff_t{2} * (failing[i] + i);
-        point[0] = points[0] + v[i];
-        point[1] = points[1] + h[i];
+        unsigned const first = divided & ~Keep(begin, middle, limit);
+        unsigned const second = divided & ~Keep(middle, end, limit);
+        double points[2 * kMended];
+        double middles[kMended];
+        StoreEnds(cubic, middle.ends, points);
+        middle.ends.t.Store(middles);
+        chords.failing = 0;
+        int last = count - 1;
+        count += added;
+        int shift = added;
+        for (unsigned rest = divided; rest != 0; --shift) {
+            int const i = 31 - __builtin_clz(rest);
+            rest ^= 1U << static_cast<unsigned>(i);
+            int const chord = failing[i];
+            for (; last >= chord; --last) {
+                t[last + 1 + shift] = t[last + 1];
+                Double2::Load(out + std::ptrdiff_t{2} * last)
+                    .Store(out + std::ptrdiff_t{2} * (last + shift));
+            }
+            int const half = chord + shift - 1;
+            t[half + 1] = middles[i];
+            Double2::Load(points + std::ptrdiff_t{2} * i).Store(out + std::ptrdiff_t{2} * half);
+            std::uint64_t const fails = (first >> static_cast<unsigned>(i) & 1U) |
+                                        (second >> static_cast<unsigned>(i) & 1U) << 1U;
+            chords.failing |= fails << static_cast<unsigned>(half);
+        }
     }
-    chords.failing = 0;
-    return count + added;
+    return count;
 }
 
-inline constexpr double kSomeMiddles[kSomePanels] = {
-    1.0 / 32,  3.0 / 32,  5.0 / 32,  7.0 / 32,  9.0 / 32,  11.0 / 32, 13.0 / 32, 15.0 / 32,
-    17.0 / 32, 19.0 / 32, 21.0 / 32, 23.0 / 32, 25.0 / 32, 27.0 / 32, 29.0 / 32, 31.0 / 32};
-inline constexpr double kSomeIndices[kSomePanels] = {0, 1, 2,  3,  4,  5,  6,  7,
-                                                     8, 9, 10, 11, 12, 13, 14, 15};
+/// The vectors that hold the panels of a plan for some chords. Lane j of vector i is panel
+/// kSomeVectors·j + i. So most panels have their neighbours in the same lane.
+inline constexpr int kSomeVectors = kSomePanels / 4;
+constexpr int PanelAt(int place) { return kSomeVectors * (place % 4) + place / 4; }
+constexpr int PlaceOfPanel(int panel) { return 4 * (panel % kSomeVectors) + panel / kSomeVectors; }
 
-/// The number of each panel, as often as there are chords.
-struct PanelNumbers {
-    std::uint8_t rows[kSomePanels][kSomeChords];
+/// The panels' middles and numbers in that order. The place of each panel, as often as there are
+/// chords.
+struct SomePanels {
+    double middles[kSomePanels];
+    double numbers[kSomePanels];
+    std::uint8_t places[kSomePanels][kSomeChords];
 };
-constexpr PanelNumbers NumbersOfPanels() {
-    PanelNumbers numbers{};
+constexpr SomePanels PlacedPanels() {
+    SomePanels panels{};
     for (int i = 0; i < kSomePanels; ++i) {
-        for (std::uint8_t& number : numbers.rows[i]) {
-            number = static_cast<std::uint8_t>(i);
+        panels.numbers[i] = PanelAt(i);
+        panels.middles[i] = (PanelAt(i) + 0.5) / kSomePanels;
+        for (std::uint8_t& place : panels.places[i]) {
+            place = static_cast<std::uint8_t>(PlaceOfPanel(i));
         }
     }
-    return numbers;
+    return panels;
 }
-inline constexpr PanelNumbers kPanelNumbers = NumbersOfPanels();
+inline constexpr SomePanels kSomePlaced = PlacedPanels();
 
-/// Stores a panel's number for all chords.
-template <class Vector> [[gnu::always_inline]] inline void StorePanel(int panel, std::uint8_t* to) {
-    static_assert(kSomeChords == sizeof(Vector), "one vector has all the numbers");
-    Vector::Load(kPanelNumbers.rows[panel]).Store(to);
+/// Stores a panel's place for all chords.
+template <class Vector> [[gnu::always_inline]] inline void StorePlace(int panel, std::uint8_t* to) {
+    static_assert(kSomeChords == sizeof(Vector), "one vector has all the places");
+    Vector::Load(kSomePlaced.places[panel]).Store(to);
 }
 
+/// Where this is added to a number below 2^51, the nearest whole number is in the sum's last bits.
+inline constexpr double kWhole = 0x1.8p52;
+
+/// Up to kSomeChords chords. Returns 0 for more.
+///
+/// The chords' parameters, points and tests have a loop each. In one loop for all, a processor
+/// would not look far enough ahead to begin with the next vector while one waits.
 template <class Vector>
-[[gnu::noinline]] int SomeChords(double const* points, double tolerance, double* out,
+[[gnu::noinline]] int SomeChords(ChordPoints const& p, double tolerance, double* out,
                                  FlatChords& chords) {
-    ChordPoints const p(points);
     BendCubic<Vector> const c = BendOf<Vector>(p);
-    double densities[kSomePanels];
-    double inverses[kSomePanels + 2]; // with one more at either end
-    double sums[kSomePanels];         // up to the panels' ends, in panels' widths
-    Vector sum = Vector(0.0);
     Vector const scale = Vector(SomeScale(tolerance));
-    for (int i = 0; i < kSomePanels; i += 4) {
-        Density<Vector> const density =
-            DensityOf(c, Vector::Load(kSomeMiddles + i), scale, kSomeShape);
-        density.chords.Store(densities + i);
-        density.inverse.Store(inverses + 1 + i);
-        sum = sum + RunningSums(density.chords);
-        sum.Store(sums + i);
-        sum = Vector(Lane<3>(sum));
+    Density<Vector> densities[kSomeVectors];
+    Vector starts[kSomeVectors]; // integrals up to the panels, in panels' widths
+    Vector sum = Vector(0.0);
+    for (int i = 0; i < kSomeVectors; ++i) {
+        densities[i] = DensityOf(c, Vector::Load(kSomePlaced.middles + std::ptrdiff_t{4} * i),
+                                 scale, kSomeShape);
+        starts[i] = sum;
+        sum = sum + densities[i].chords;
     }
-    inverses[0] = inverses[1];
-    inverses[kSomePanels + 1] = inverses[kSomePanels];
-    double const total = Lane<0>(sum);
+    Vector const ends = RunningSums(sum);
+    Vector const lanes = Preceding(Vector(0.0), ends);
+    for (Vector& start : starts) {
+        start = lanes + start;
+    }
+    double const total = Lane<3>(ends);
     double const planned = total * (1.0 / kSomePanels);
     if (!(planned <= kSomeChords)) {
         return 0;
     }
     int const count = Ceiling(planned);
     double const step = total / count;
-    double const perChord = count / total;
+    Vector const perChord = Vector(count * (1.0 / total));
+    double firsts[kSomePanels]; // the first chord that ends in each panel, in the last bits
+    for (int i = 0; i < kSomeVectors; ++i) {
+        ((starts[i] * perChord - Vector(0.5)) + Vector(kWhole))
+            .Store(firsts + std::ptrdiff_t{4} * i);
+    }
+    // The place of each chord's panel. A panel overwrites what the one before it stored for its
+    // ends.
+    std::uint8_t places[2 * kSomeChords];
+    StorePlace<Vector>(0, places);
+#pragma GCC unroll 16
+    for (int i = 1; i < kSomePanels; ++i) {
+        std::uint64_t bits;
+        __builtin_memcpy(&bits, firsts + PlaceOfPanel(i), sizeof bits);
+        StorePlace<Vector>(i, places + static_cast<std::uint32_t>(bits));
+    }
     double first[kSomePanels];
     double each[kSomePanels];
     double more[kSomePanels];
-    Vector before = Vector(0.0);
-    for (int i = 0; i < kSomePanels; i += 4) {
-        Vector const sumsHere = Vector::Load(sums + i);
-        PanelLine<Vector> const line(1.0 / kSomePanels, Vector::Load(kSomeIndices + i),
-                                     Preceding(before, sumsHere),
-                                     {Vector::Load(densities + i), Vector::Load(inverses + 1 + i)},
-                                     Vector::Load(inverses + i), Vector::Load(inverses + 2 + i));
-        before = sumsHere;
-        line.first.Store(first + i);
-        line.each.Store(each + i);
-        line.more.Store(more + i);
-    }
-    // The panel of each chord's end. A panel overwrites what the one before it stored for its ends.
-    std::uint8_t panels[2 * kSomeChords];
-    StorePanel<Vector>(0, panels);
-#pragma GCC unroll 16
-    for (int i = 1; i < kSomePanels; ++i) {
-        StorePanel<Vector>(i, panels + static_cast<std::ptrdiff_t>(sums[i - 1] * perChord));
+    for (int i = 0; i < kSomeVectors; ++i) {
+        Vector const own = densities[i].inverse;
+        Vector const before =
+            i > 0 ? densities[i > 0 ? i - 1 : 0].inverse
+                  : Preceding(Vector(Lane<0>(own)), densities[kSomeVectors - 1].inverse);
+        Vector const behind = i + 1 < kSomeVectors
+                                  ? densities[i + 1 < kSomeVectors ? i + 1 : i].inverse
+                                  : Following(densities[0].inverse, Vector(Lane<3>(own)));
+        PanelLine<Vector> const line(1.0 / kSomePanels,
+                                     Vector::Load(kSomePlaced.numbers + std::ptrdiff_t{4} * i),
+                                     starts[i], densities[i], before, behind);
+        line.first.Store(first + std::ptrdiff_t{4} * i);
+        line.each.Store(each + std::ptrdiff_t{4} * i);
+        line.more.Store(more + std::ptrdiff_t{4} * i);
     }
     ChordCubic<Vector> const cubic = ChordsOf(c, Vector(Lane<1>(p.p0)), Vector(Lane<0>(p.p0)));
-    Vector const limit = Vector(tolerance * tolerance);
-    Vector const zero = Vector(0.0);
     Vector const last = Vector(count);
-    ChordEnds<Vector> ends = {zero, zero, zero};
-    std::uint64_t keeping = 0;
+    double h[kSomeChords];
+    double v[kSomeChords];
     for (int i = 0; i < count; i += 4) {
         Vector const number = Vector::Load(kNumbers + i);
         Vector const y = number * Vector(step);
-        int const j0 = panels[i];
-        int const j1 = panels[i + 1];
-        int const j2 = panels[i + 2];
-        int const j3 = panels[i + 3];
+        int const j0 = places[i];
+        int const j1 = places[i + 1];
+        int const j2 = places[i + 2];
+        int const j3 = places[i + 3];
         Vector const inside = Vector::Of(first[j0], first[j1], first[j2], first[j3]) +
                               y * (Vector::Of(each[j0], each[j1], each[j2], each[j3]) +
                                    y * Vector::Of(more[j0], more[j1], more[j2], more[j3]));
-        Vector const t = Select(number < last, inside, Vector(1.0));
-        t.Store(chords.t + 1 + i);
-        keeping |=
-            std::uint64_t{StoreChords<false>(cubic, limit, t, ends, out + std::ptrdiff_t{2} * i)}
-            << static_cast<unsigned>(i);
+        ChordEnds<Vector> const at = EndsAt(cubic, Select(number < last, inside, Vector(1.0)));
+        at.t.Store(chords.t + 1 + i);
+        at.h.Store(h + i);
+        at.v.Store(v + i);
+        StoreEnds(cubic, at, out + std::ptrdiff_t{2} * i);
+    }
+    Vector const limit = Vector(tolerance * tolerance);
+    ChordEnds<Vector> before = {Vector(0.0), Vector(0.0), Vector(0.0)};
+    std::uint64_t keeping = 0;
+    for (int i = 0; i < count; i += 4) {
+        ChordEnds<Vector> const at = {Vector::Load(chords.t + 1 + i), Vector::Load(h + i),
+                                      Vector::Load(v + i)};
+        unsigned const keep = KeepChords<false>(cubic, limit, Before(before, at), at);
+        keeping |= std::uint64_t{keep} << static_cast<unsigned>(i);
     }
     chords.failing = ~keeping & Ones(count);
-    return chords.failing == 0 ? count
-                               : MendChords<Vector>(points, tolerance, kMended, out, count, chords);
+    return chords.failing == 0 ? count : MendChords(cubic, tolerance, kAdded, out, count, chords);
 }
 
 /// Returns the parameters at which few chords end.
@@ -732,8 +811,8 @@ template <int kMost, class Vector> struct FewCount {
 /// Two to four chords, or two to kFewChords. Returns 0 for more, and where they do not keep the
 /// tolerance.
 template <int kMost, class Vector>
-[[gnu::always_inline]] inline int FewChords(double const* points, ChordPoints const& p,
-                                            double tolerance, double* out, FlatChords& chords) {
+[[gnu::always_inline]] inline int FewChords(ChordPoints const& p, double tolerance, double* out,
+                                            FlatChords& chords) {
     BendCubic<Vector> const c = BendOf<Vector>(p);
     Density<Vector> const density =
         DensityOf(c, Vector::Load(kFewMiddles), Vector(FewScale(tolerance)), kFewShape);
@@ -774,7 +853,7 @@ template <int kMost, class Vector>
         return count;
     }
     // Where more than one fails, the longer plan takes fewer chords.
-    int const mended = MendChords<Vector>(points, tolerance, 1, out, count, chords);
+    int const mended = MendChords(cubic, tolerance, 1, out, count, chords);
     return chords.failing == 0 ? mended : 0;
 }
 
@@ -814,7 +893,7 @@ template <class Vector>
         return 1;
     }
     if (p.bend > limit * kFewBend) {
-        return p.bend <= limit * kSomeBend ? SomeChords<Vector>(points, tolerance, out, chords) : 0;
+        return p.bend <= limit * kSomeBend ? SomeChords<Vector>(p, tolerance, out, chords) : 0;
     }
     int const even = EvenChords<Vector>(p, tolerance, limit, out);
     if (even != 0) {
@@ -838,9 +917,9 @@ template <class Vector>
         return 1;
     }
     int const count = p.bend <= limit * kFourBend
-                          ? FewChords<4, Vector>(points, p, tolerance, out, chords)
-                          : FewChords<kFewChords, Vector>(points, p, tolerance, out, chords);
-    return count != 0 ? count : SomeChords<Vector>(points, tolerance, out, chords);
+                          ? FewChords<4, Vector>(p, tolerance, out, chords)
+                          : FewChords<kFewChords, Vector>(p, tolerance, out, chords);
+    return count != 0 ? count : SomeChords<Vector>(p, tolerance, out, chords);
 }
 
 } // namespace trammel_detail

@@ -185,7 +185,7 @@ int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, Fl
 /// The curves of a FlatPack.
 inline constexpr int kPack = 4;
 /// The numbers of a curve that computing its points takes.
-inline constexpr int kPackNumbers = 11;
+inline constexpr int kPackNumbers = 13;
 
 /// Four curves that are planned together.
 struct FlatPack {

@@ -63,8 +63,9 @@ template <class Vector>
     }
     ChordCubic<Vector> const cubic = ChordsOf(c, h0, v0);
     Vector const numbers[kPackNumbers] = {
-        cubic.bH,      cubic.bV,      cubic.cH,      cubic.cV,      cubic.threeAH, cubic.threeAV,
-        cubic.threeBH, cubic.threeBV, cubic.quarter, cubic.originH, cubic.originV};
+        cubic.startH,  cubic.startV,  cubic.riseH,   cubic.riseV,   cubic.steep,
+        cubic.threeAH, cubic.threeAV, cubic.threeBH, cubic.threeBV, cubic.cH,
+        cubic.cV,      cubic.originH, cubic.originV};
     for (int i = 0; i < kPackNumbers; ++i) {
         numbers[i].Store(pack.numbers[i]);
     }
@@ -147,8 +148,8 @@ template <class Vector>
     auto const number = [n](int i) __attribute__((always_inline)) {
         return Vector(n[std::ptrdiff_t{kPack} * i]);
     };
-    return {number(0), number(1), number(2), number(3), number(4), number(5),
-            number(6), number(7), number(8), number(9), number(10)};
+    return {number(0), number(1), number(2), number(3),  number(4),  number(5), number(6),
+            number(7), number(8), number(9), number(10), number(11), number(12)};
 }
 
 /// Returns the chords of a curve of a pack that are not known to keep the tolerance.
@@ -186,7 +187,7 @@ template <class Vector>
     Vector::Load(pack.t[0][curve]).Store(chords.t + 1);
     Vector::Load(pack.t[1][curve]).Store(chords.t + 5); // means nothing for up to four chords
     int const mended =
-        MendChords<Vector>(pack.curves[curve], pack.tolerance, 1, out, count, chords);
+        MendChords(CubicOfPack<Vector>(pack, curve), pack.tolerance, 1, out, count, chords);
     return chords.failing == 0 ? mended : 0;
 }
 

@@ -26,9 +26,10 @@
 // the curve. A chord that fails the test is divided.
 //
 // Four points are computed and verified at a time. Up to 32 chords first get a shorter test, which
-// asks more of them (StoreChords). A chord that fails it gets the test above. Chords that still
-// fail are divided in their middles if that suffices, all in one vector. Only the chords that fail
-// even then are divided piece by piece. A rough plan only decides about the number of points.
+// asks more of them (KeepChords). A chord that fails it gets the test above. Chords that still fail
+// are divided in their middles, all in one vector, and so are halves that fail. Only where that
+// would take too many chords, each that fails is divided piece by piece. A rough plan only decides
+// about the number of points.
 //
 // Quadratic curves, raised to cubic ones. Equal steps of the parameter keep the tolerance where the
 // second differences of the control points are short enough, without a test of each chord. They
