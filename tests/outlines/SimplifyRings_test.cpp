@@ -80,9 +80,8 @@ std::vector<Edge> EdgesOf(Rings const& rings) {
 }
 
 /// How many pairs of edges meet, other than in a common end; for coordinates that are multiples of
-/// 2^-20 below 2^10. Exact, in 128-bit integers.
+/// 2^-20 below 2^10. Exact, as the products of whole numbers below have 62 bits.
 long MeetingsOf(std::vector<Edge> const& edges) {
-    __extension__ typedef __int128 Wide;
     struct Whole {
         std::int64_t h;
         std::int64_t v;
@@ -93,8 +92,7 @@ long MeetingsOf(std::vector<Edge> const& edges) {
                      static_cast<std::int64_t>(p.v * 0x1p20)};
     };
     auto const side = [](Whole const& a, Whole const& b, Whole const& c) {
-        Wide const cross =
-            static_cast<Wide>(b.h - a.h) * (c.v - a.v) - static_cast<Wide>(b.v - a.v) * (c.h - a.h);
+        std::int64_t const cross = (b.h - a.h) * (c.v - a.v) - (b.v - a.v) * (c.h - a.h);
         return (cross > 0) - (cross < 0);
     };
     auto const within = [](Whole const& a, Whole const& b, Whole const& p) {

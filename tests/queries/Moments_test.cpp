@@ -280,6 +280,7 @@ TEST(SignedArea, OfASliverWhoseProductsOverflowIsRight) {
     EXPECT_EQ(MomentsOf(small).centroid.h, 0x1p600);
 }
 
+#ifdef __SIZEOF_INT128__ // compilers for 32-bit x86 have none
 __extension__ typedef __int128 Int128;
 
 /// Exact areas of paths whose coordinates are integers: twenty times the area is an integer.
@@ -324,6 +325,7 @@ TEST(SignedArea, KeepsTheStatedBoundAgainstExactArithmetic) {
     }
     RecordProperty("worst", std::to_string(worst));
 }
+#endif
 
 TEST(SignedArea, KeepsTheStatedBoundForManyShortLinesFarFromTheFirstPoint) {
     // Each round of the triangle has the same rounding errors, and an area of 5e-30.
