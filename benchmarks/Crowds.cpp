@@ -2,10 +2,14 @@
 
 #include "Crowds.h"
 
+#include "Inputs.h"
+
 #include <trammel/Moments.h>
 #include <trammel/PolygonOperations.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <random>
@@ -71,12 +75,25 @@ Figure const kTurned = [](double size, double turn) {
     return Placed(Square(size), kTurn * turn, 0.0, 0.0);
 };
 Figure const kCircle = [](double size, double) { return Circle(size); };
+/// One of a few dozen countries, of some 10 to 100 vertices, as large as the square.
+Figure const kCountry = [](double size, double turn) {
+    operands::Ring ring = inputs::Country(10 + static_cast<std::size_t>(90.0 * turn * turn));
+    double const area = trammel::SignedArea(ring);
+    if (area < 0.0) {
+        std::reverse(ring.begin(), ring.end());
+    }
+    TPoint<double> const middle = ring.empty() ? TPoint<double>() : ring.front();
+    for (TPoint<double>& p : ring) {
+        p = (p - middle) * (size / std::sqrt(std::abs(area)));
+    }
+    return Placed(ring, kTurn * turn * 17.0, 0.0, 0.0);
+};
 
 Kind const kKinds[] = {
     {"squares", 1.0, kSquare},          {"dense_squares", 4.0, kSquare},
     {"turned", 1.0, kTurned},           {"dense_turned", 4.0, kTurned},
     {"buildings", 1.0, TurnedBuilding}, {"dense_buildings", 4.0, TurnedBuilding},
-    {"circles", 1.0, kCircle},
+    {"circles", 1.0, kCircle},          {"countries", 1.0, kCountry},
 };
 
 Crowd Make(double cover, Figure figure) {
@@ -87,7 +104,11 @@ Crowd Make(double cover, Figure figure) {
         double const size = std::sqrt(cover / kCount) * (0.5 + random.Unit());
         double const h = random.Unit();
         double const v = random.Unit();
-        crowd.rings.push_back(Placed(figure(size, random.Unit()), 0.0, h, v));
+        operands::Ring const ring = Placed(figure(size, random.Unit()), 0.0, h, v);
+        if (ring.empty()) {
+            return Crowd();
+        }
+        crowd.rings.push_back(ring);
         TPolygon<double> polygon;
         for (TPoint<double> const& p : crowd.rings.back()) {
             polygon.Append(p, true);

@@ -19,11 +19,12 @@ struct Crowd {
     double area = 0.0; ///< of the union, by Trammel
 };
 
-/// Returns the names of the crowds: squares, turned squares and buildings with a cover of 1, the
-/// same with a cover of 4, and circles of 64 vertices with a cover of 1.
+/// Returns the names of the crowds. Squares, turned squares and buildings have a cover of 1, and of
+/// 4 where the name says dense. Circles of 64 vertices and outlines of countries have a cover of 1.
 std::vector<std::string> Names();
 
-/// Returns the crowd of a name. Made at the first call.
+/// Returns the crowd of a name. Made at the first call. Without map data the countries have no
+/// rings.
 Crowd const& Get(std::string const& name);
 
 } // namespace crowds

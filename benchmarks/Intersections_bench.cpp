@@ -2,13 +2,15 @@
 
 // What do intersections cost? An item is a pair of curves, or an element of a pair of outlines.
 //
-//     curve_intersections     curves that follow each other in the set, and copies of curves moved
-//     by 2e-5 outline_intersections   two ragged rings of as many elements, which cross often
+//     line_intersections      a line through the middle of each curve's chord, and the curve
+//     curve_intersections     curves that follow each other in the set, and copies moved by 2e-5
+//     outline_intersections   two ragged rings of as many elements, which cross often
 //
 // Run by hand: trammel_bench --benchmark_filter='^compare/.*_intersections/'
 
 #include "Compare.h"
 #include "Inputs.h"
+#include "peers/Works.h"
 
 #include <trammel/Intersections.h>
 
@@ -50,6 +52,15 @@ bool RegisterAll() {
     RegisterPairs("drawing", drawing, TPoint<double>());
     RegisterPairs("glyphs_cff", glyphs, TPoint<double>());
     RegisterPairs("moved", drawing, TPoint<double>(1e-5, 2e-5));
+    peers::CurveWorks<CBezier> lines;
+    lines.convert = [](CBezier const& curve) { return curve; };
+    lines.intersectLine = [places = std::vector<trammel::Intersection>()](
+                              TLine<double> const& line, CBezier const& curve) mutable {
+        places.clear();
+        trammel::AppendIntersections(line, curve, kAccuracy, places);
+        return static_cast<double>(places.size());
+    };
+    peers::RegisterCurves("trammel", lines);
     for (std::size_t const count : {100U, 1000U, 10000U, 100000U}) {
         compare::RegisterAlone("outline_intersections", std::to_string(count), "trammel", [count] {
             auto const a = inputs::Ragged(inputs::Segments::kMixed, count, 1);

@@ -147,4 +147,27 @@ std::vector<TPoint<double>> Spiral(std::size_t count) {
     return vertices;
 }
 
+std::vector<Shape> Shapes() {
+    return {{"ripples", [](std::size_t count) { return Ripples(count, 0.0); }},
+            {"star", Star},
+            {"comb", [](std::size_t count) { return Comb(count, 0.0, false); }},
+            {"leaning_comb", [](std::size_t count) { return Comb(count, 500.0, false); }},
+            {"spiral", Spiral},
+            {"tangle", [](std::size_t count) { return Points(count, 1000.0); }}};
+}
+
+CPath CurvesThrough(std::vector<Pt> const& vertices) {
+    // Each curve leaves and arrives in the direction from the vertex before to the one behind.
+    std::size_t const count = vertices.size();
+    CPath path;
+    path.MoveTo(vertices[0]);
+    for (std::size_t i = 0; i < count; ++i) {
+        Pt const a = vertices[i];
+        Pt const b = vertices[(i + 1) % count];
+        path.CurveTo(a + (b - vertices[(i + count - 1) % count]) / 6.0,
+                     b - (vertices[(i + 2) % count] - a) / 6.0, b);
+    }
+    return path.ClosePath();
+}
+
 } // namespace inputs

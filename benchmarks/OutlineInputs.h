@@ -54,6 +54,13 @@ std::vector<TPoint<double>> Comb(std::size_t count, double lean, bool isRagged);
 /// Returns the vertices of twenty turns out, and back along them.
 std::vector<TPoint<double>> Spiral(std::size_t count);
 
+/// Returns an outline with ripples, a ragged star, combs upright and leaning, a spiral, and a
+/// tangle of segments as large as the outline. Each is within 0 and 1000.
+std::vector<Shape> Shapes();
+
+/// Returns the closed outline of curves through these vertices, smooth at each.
+CPath CurvesThrough(std::vector<TPoint<double>> const& vertices);
+
 } // namespace inputs
 
 #endif

@@ -36,30 +36,6 @@ using trammel::FillRule;
 typedef TPoint<double> Pt;
 typedef std::vector<Pt> Points;
 
-Points Ripples(std::size_t count) { return inputs::Ripples(count, 0.0); }
-Points UprightComb(std::size_t count) { return inputs::Comb(count, 0.0, false); }
-Points LeaningComb(std::size_t count) { return inputs::Comb(count, 500.0, false); }
-Points Tangle(std::size_t count) { return inputs::Points(count, 1000.0); }
-
-/// The closed outline of curves through these vertices, each in the direction from the vertex
-/// before to the one behind.
-CPath CurvesThrough(Points const& vertices) {
-    std::size_t const count = vertices.size();
-    CPath path;
-    path.MoveTo(vertices[0]);
-    for (std::size_t i = 0; i < count; ++i) {
-        Pt const a = vertices[i];
-        Pt const b = vertices[(i + 1) % count];
-        path.CurveTo(a + (b - vertices[(i + count - 1) % count]) / 6.0,
-                     b - (vertices[(i + 2) % count] - a) / 6.0, b);
-    }
-    return path.ClosePath();
-}
-
-constexpr inputs::Shape kShapes[] = {{"ripples", Ripples},       {"star", inputs::Star},
-                                     {"comb", UprightComb},      {"leaning_comb", LeaningComb},
-                                     {"spiral", inputs::Spiral}, {"tangle", Tangle}};
-
 /// A job of asking for points, with the number of those inside that WindingNumber counts.
 template <class Ask>
 compare::Job AskingJob(CPath const& path, Points const& points, bool isOutline, Ask const& ask) {
@@ -80,7 +56,7 @@ void RegisterShape(inputs::Shape const& shape, std::size_t count) {
                          auto prepare) {
         compare::RegisterAlone(work, input, who, [=] {
             Points const vertices = shape.vertices(count);
-            auto const path = std::make_shared<CPath const>(CurvesThrough(vertices));
+            auto const path = std::make_shared<CPath const>(inputs::CurvesThrough(vertices));
             return AskingJob(*path, inputs::Points(asked, 1000.0),
                              who != "trammel-prepared polygon", prepare(path, vertices));
         });
@@ -110,7 +86,7 @@ void RegisterShape(inputs::Shape const& shape, std::size_t count) {
 }
 
 bool RegisterAll() {
-    for (inputs::Shape const& shape : kShapes) {
+    for (inputs::Shape const& shape : inputs::Shapes()) {
         for (std::size_t const count : {10U, 1000U, 100000U}) {
             RegisterShape(shape, count);
         }

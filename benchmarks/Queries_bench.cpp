@@ -22,10 +22,14 @@
 #include "peers/Works.h"
 
 #include <trammel/AccurateCurve.h>
+#include <trammel/Moments.h>
 #include <trammel/OutlineMeasure.h>
 #include <trammel/PathMeasure.h>
+#include <trammel/PathStructure.h>
+#include <trammel/PreparedOutline.h>
 #include <trammel/PreparedPolygon.h>
 #include <trammel/SvgPath.h>
+#include <trammel/Winding.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -128,6 +132,37 @@ void RegisterInto() {
     OnPathSets("path_text", "trammel", [](Paths const& paths, Points const&) {
         return peers::JobOf(paths.size(), [&paths](std::size_t i) {
             return static_cast<double>(trammel::WriteSvgPath(paths[i]).size());
+        });
+    });
+}
+
+// ------------------------------------------------------------------------------------------------
+// Regions of paths
+
+void RegisterRegions() {
+    peers::PathWorks<CPath> paths;
+    paths.convert = [](CPath const& path) { return path; };
+    paths.contains = [](CPath const& path, Pt const& p) {
+        return trammel::Contains(path, p, trammel::FillRule::kEvenOdd);
+    };
+    paths.area = [](CPath const& path) { return trammel::SignedArea(path); };
+    paths.bounds = [](CPath const& path) {
+        TRect<double> const box = trammel::TightBounds(path);
+        return box.left + box.top + box.right + box.bottom;
+    };
+    peers::RegisterRegions("trammel", paths);
+
+    peers::PathWorks<trammel::PreparedOutline> prepared;
+    prepared.convert = [](CPath const& path) { return trammel::PreparedOutline(path); };
+    prepared.contains = [](trammel::PreparedOutline const& outline, Pt const& p) {
+        return outline.Contains(p, trammel::FillRule::kEvenOdd);
+    };
+    peers::RegisterRegions("trammel-prepared", prepared);
+
+    OnPathSets("path_moments", "trammel", [](Paths const& list, Points const&) {
+        return peers::JobOf(list.size(), [&list](std::size_t i) {
+            trammel::AreaMoments const moments = trammel::MomentsOf(list[i]);
+            return moments.area == 0.0 ? 0.0 : moments.hh + moments.vv;
         });
     });
 }
@@ -301,6 +336,7 @@ void RegisterPrepared() {
 bool RegisterAll() {
     RegisterAccurate();
     RegisterInto();
+    RegisterRegions();
     RegisterMeasured();
     RegisterOutlines();
     RegisterPrepared();
@@ -310,3 +346,43 @@ bool RegisterAll() {
 [[maybe_unused]] bool const kRegistered = RegisterAll();
 
 } // namespace
+
+namespace peers {
+
+std::vector<CPath> Closed(std::vector<CPath> const& paths) {
+    std::vector<CPath> closed;
+    closed.reserve(paths.size());
+    for (CPath const& path : paths) {
+        closed.push_back(trammel::WithSubpathsClosed(path));
+    }
+    return closed;
+}
+
+std::vector<bool> WhichWithin(std::vector<CPath> const& paths,
+                              std::vector<TPoint<double>> const& points) {
+    std::vector<bool> within;
+    within.reserve(paths.size());
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        within.push_back(trammel::Contains(paths[i], points[i], trammel::FillRule::kEvenOdd));
+    }
+    return within;
+}
+
+double SumOfAreas(std::vector<CPath> const& paths) {
+    double sum = 0.0;
+    for (CPath const& path : paths) {
+        sum += trammel::SignedArea(path);
+    }
+    return sum;
+}
+
+double SumOfBounds(std::vector<CPath> const& paths) {
+    double sum = 0.0;
+    for (CPath const& path : paths) {
+        TRect<double> const box = trammel::TightBounds(path);
+        sum += box.left + box.top + box.right + box.bottom;
+    }
+    return sum;
+}
+
+} // namespace peers

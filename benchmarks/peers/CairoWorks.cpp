@@ -2,6 +2,8 @@
 
 #include "Works.h"
 
+#include <trammel/CPathActions.h>
+
 #include <cairo.h>
 
 #include <cmath>
@@ -23,12 +25,29 @@ public:
     Context& operator=(Context const&) = delete;
     ~Context() { cairo_destroy(mContext); }
 
+    cairo_t* Get() const { return mContext; }
     cairo_t* With(CBezier const& c) const {
         cairo_new_path(mContext);
         cairo_move_to(mContext, c.P0.h, c.P0.v);
         cairo_curve_to(mContext, c.P1.h, c.P1.v, c.P2.h, c.P2.v, c.P3.h, c.P3.v);
         return mContext;
     }
+
+private:
+    cairo_t* mContext;
+};
+
+/// Makes cairo's path of ours.
+class PathBuilder : public CPathActions {
+public:
+    explicit PathBuilder(cairo_t* context) : mContext(context) {}
+    void MoveTo(TPoint<double> const& p) override { cairo_move_to(mContext, p.h, p.v); }
+    void LineTo(TPoint<double> const& p) override { cairo_line_to(mContext, p.h, p.v); }
+    void CurveTo(TPoint<double> const& c1, TPoint<double> const& c2,
+                 TPoint<double> const& e) override {
+        cairo_curve_to(mContext, c1.h, c1.v, c2.h, c2.v, e.h, e.v);
+    }
+    void ClosePath() override { cairo_close_path(mContext); }
 
 private:
     cairo_t* mContext;
@@ -74,6 +93,22 @@ void RegisterCairoWorks() {
         return cairo_in_stroke(cairo, p.h, p.v) != 0;
     };
     RegisterCurves("cairo", curves);
+
+    // Each path stays in a context of its own.
+    typedef std::shared_ptr<Context> Path;
+    PathWorks<Path> paths;
+    paths.convert = [](CPath const& path) {
+        auto made = std::make_shared<Context>();
+        PathBuilder builder(made->Get());
+        path.ForAll(builder);
+        cairo_set_fill_rule(made->Get(), CAIRO_FILL_RULE_EVEN_ODD);
+        return made;
+    };
+    paths.contains = [](Path const& path, TPoint<double> const& p) {
+        return cairo_in_fill(path->Get(), p.h, p.v) != 0;
+    };
+    RegisterRegions("cairo", paths);
+    RegisterShapes("cairo", paths);
 
     PolygonWorks<truth::Chain> polygons;
     polygons.convert = [](truth::Chain const& ring) {

@@ -26,6 +26,11 @@ void kurbo_path_line(KurboPath& path, double x, double y);
 void kurbo_path_curve(KurboPath& path, KurboCurve const& curve);
 void kurbo_path_close(KurboPath& path);
 double kurbo_path_length(KurboPath const& path, double accuracy);
+double kurbo_path_nearest(KurboPath const& path, double x, double y, double accuracy);
+int kurbo_path_winding(KurboPath const& path, double x, double y);
+double kurbo_path_area(KurboPath const& path);
+double kurbo_path_bounds(KurboPath const& path);
+double kurbo_line_meets(std::array<double, 4> const& line, KurboCurve const& curve);
 void kurbo_path_point(KurboPath const& path, double fraction, double accuracy, double& x,
                       double& y);
 }
@@ -79,6 +84,9 @@ void RegisterKurboWorks() {
         kurbo_nearest(curve, p.h, p.v, kAccuracy, square);
         return std::sqrt(square) <= tolerance;
     };
+    curves.intersectLine = [](TLine<double> const& line, KurboCurve const& curve) {
+        return kurbo_line_meets({line.mStart.h, line.mStart.v, line.mEnd.h, line.mEnd.v}, curve);
+    };
     RegisterCurves("kurbo", curves);
 
     typedef std::shared_ptr<KurboPath> Path;
@@ -94,7 +102,17 @@ void RegisterKurboWorks() {
         kurbo_path_point(*path, fraction, kAccuracy, p.h, p.v);
         return p;
     };
+    paths.nearest = [](Path const& path, TPoint<double> const& p) {
+        return kurbo_path_nearest(*path, p.h, p.v, kAccuracy);
+    };
+    paths.contains = [](Path const& path, TPoint<double> const& p) {
+        return kurbo_path_winding(*path, p.h, p.v) % 2 != 0;
+    };
+    paths.area = [](Path const& path) { return kurbo_path_area(*path); };
+    paths.bounds = [](Path const& path) { return kurbo_path_bounds(*path); };
     RegisterPaths("kurbo", paths);
+    RegisterRegions("kurbo", paths);
+    RegisterShapes("kurbo", paths);
 }
 
 } // namespace peers

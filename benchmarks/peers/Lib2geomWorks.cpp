@@ -4,8 +4,11 @@
 #include "Works.h"
 
 #include <2geom/affine.h>
+#include <2geom/sbasis-geometric.h>
 #include <2geom/transforms.h>
 
+#include <algorithm>
+#include <limits>
 #include <memory>
 
 namespace peers {
@@ -38,6 +41,10 @@ void RegisterLib2geomWorks() {
     curves.intersect = [](Curve const& a, Curve const& b) {
         return static_cast<double>(a->intersect(*b).size());
     };
+    curves.intersectLine = [](TLine<double> const& line, Curve const& curve) {
+        Geom::LineSegment const segment(To2geom(line.mStart), To2geom(line.mEnd));
+        return static_cast<double>(segment.intersect(*curve).size());
+    };
     RegisterCurves("2geom", curves);
 
     PathWorks<Paths> paths;
@@ -64,7 +71,42 @@ void RegisterLib2geomWorks() {
         }
         return places;
     };
+    paths.nearest = [](Paths const& list, TPoint<double> const& p) {
+        double least = std::numeric_limits<double>::infinity();
+        for (Geom::Path const& path : *list) {
+            double distance = 0.0;
+            path.nearestTime(To2geom(p), &distance);
+            least = std::min(least, distance);
+        }
+        return least;
+    };
+    paths.contains = [](Paths const& list, TPoint<double> const& p) {
+        int winding = 0;
+        for (Geom::Path const& path : *list) {
+            winding += path.winding(To2geom(p));
+        }
+        return winding % 2 != 0;
+    };
+    paths.bounds = [](Paths const& list) {
+        Geom::OptRect box;
+        for (Geom::Path const& path : *list) {
+            box.unionWith(path.boundsExact());
+        }
+        return box ? box->left() + box->top() + box->right() + box->bottom() : 0.0;
+    };
+    paths.area = [](Paths const& list) {
+        double sum = 0.0;
+        for (Geom::Path const& path : *list) {
+            Geom::Point centroid;
+            double area = 0.0;
+            Geom::centroid(path.toPwSb(), centroid, area);
+            sum -= area; // 2geom counts turns the other way round
+        }
+        return sum;
+    };
     RegisterPaths("2geom", paths);
+    RegisterRegions("2geom", paths);
+    RegisterShapes("2geom", paths);
 
     typedef std::vector<Geom::Point> Points;
     PolygonWorks<Points> polygons;

@@ -7,6 +7,8 @@
 #include <QPolygonF>
 #include <QTransform>
 
+#include <memory>
+
 namespace peers {
 namespace {
 
@@ -61,7 +63,25 @@ void RegisterQtWorks() {
         QPointF const p = path.pointAtPercent(path.percentAtLength(fraction * path.length()));
         return TPoint<double>(p.x(), p.y());
     };
+    paths.contains = [](QPainterPath const& path, TPoint<double> const& p) {
+        return path.contains(ToQt(p));
+    };
     RegisterPaths("qt", paths);
+    RegisterRegions("qt", paths);
+    RegisterShapes("qt", paths);
+
+    typedef std::shared_ptr<QPainterPath> Changing;
+    PathWorks<Changing> bounds;
+    bounds.convert = [paths](CPath const& path) {
+        return std::make_shared<QPainterPath>(paths.convert(path));
+    };
+    bounds.bounds = [](Changing const& path) {
+        QPointF const first = path->elementAt(0);
+        path->setElementPositionAt(0, first.x(), first.y()); // forgets the bounds that it keeps
+        QRectF const r = path->boundingRect();
+        return r.left() + r.top() + r.right() + r.bottom();
+    };
+    RegisterRegions("qt", bounds);
 
     PolygonWorks<QPolygonF> polygons;
     polygons.convert = [](truth::Chain const& ring) {

@@ -9,6 +9,7 @@
 
 #include "../Compare.h"
 #include "../Inputs.h"
+#include "../OutlineInputs.h"
 #include "../Truth.h"
 
 #include <algorithm>
@@ -49,6 +50,8 @@ template <class Native> struct CurveWorks {
     std::function<bool(Native const&, TPoint<double> const&, double)> hit;
     /// The number of places where two curves meet.
     std::function<double(Native const&, Native const&)> intersect;
+    /// The number of places where a line and a curve meet.
+    std::function<double(TLine<double> const&, Native const&)> intersectLine;
 };
 
 /// The sets of curves by the names that they have in the table.
@@ -173,6 +176,21 @@ void RegisterCurves(std::string const& who, CurveWorks<Native> const& works) {
                 return job;
             });
         }
+        if (works.intersectLine && (input == "drawing" || input == "glyphs_cff")) {
+            compare::RegisterAlone("line_intersections", input, who, [=] {
+                auto const& curves = inputs::Curves(set);
+                auto const natives = ConvertAll<Native>(curves, works.convert);
+                auto const starts = inputs::PointsInBoxes(curves);
+                auto const call = [=, &curves](std::size_t i) {
+                    // Through the middle of the chord.
+                    TPoint<double> const end = curves[i].P0 + curves[i].P3 - starts[i];
+                    return works.intersectLine(TLine<double>(starts[i], end), (*natives)[i]);
+                };
+                auto job = JobOf(natives->size(), call);
+                job.counters["places"] = job.trammel();
+                return job;
+            });
+        }
         if (works.intersect && (input == "drawing" || input == "glyphs_cff")) {
             compare::RegisterAlone("curve_intersections", input, who, [=] {
                 auto const natives = ConvertAll<Native>(inputs::Curves(set), works.convert);
@@ -190,9 +208,107 @@ template <class Native> struct PathWorks {
     std::function<double(Native const&)> length;
     /// The point at a fraction of the length.
     std::function<TPoint<double>(Native const&, double)> point;
+    /// What tells the place nearest to a point, in the library's own form.
+    std::function<double(Native const&, TPoint<double> const&)> nearest;
+    /// True when a point is inside by the even-odd rule.
+    std::function<bool(Native const&, TPoint<double> const&)> contains;
+    /// The signed area, positive or negative.
+    std::function<double(Native const&)> area;
+    /// The sum of left, top, right and bottom of the curves themselves.
+    std::function<double(Native const&)> bounds;
     /// The number of places where two paths meet.
     std::function<double(Native const&, Native const&)> intersect;
 };
+
+/// A point in the middle part of the bounds of each path.
+inline std::vector<TPoint<double>> PointsWithin(std::vector<CPath> const& paths) {
+    auto points = inputs::Points(paths.size(), 1.0);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        TRect<double> const box = paths[i].Bounds();
+        points[i].Set(box.left + points[i].h * (box.right - box.left),
+                      box.top + points[i].v * (box.bottom - box.top));
+    }
+    return points;
+}
+
+/// The paths with every subpath closed, as some libraries ask for.
+std::vector<CPath> Closed(std::vector<CPath> const& paths);
+/// Which of the points, one for each path, the library finds inside by the even-odd rule.
+std::vector<bool> WhichWithin(std::vector<CPath> const& paths,
+                              std::vector<TPoint<double>> const& points);
+/// The sum of what PathWorks::area and bounds are to return.
+double SumOfAreas(std::vector<CPath> const& paths);
+double SumOfBounds(std::vector<CPath> const& paths);
+
+/// A job of containment, whose counter `wrong` tells the share of answers that the library does not
+/// give.
+template <class Contains>
+compare::Job ContainmentJob(std::vector<CPath> const& paths,
+                            std::vector<TPoint<double>> const& points, Contains contains) {
+    auto job = JobOf(points.size(), [=](std::size_t i) { return contains(i) ? 1.0 : 0.0; });
+    std::vector<bool> const right = WhichWithin(paths, points);
+    double wrong = 0.0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        wrong += contains(i) != right[i] ? 1.0 : 0.0;
+    }
+    job.counters["wrong"] = wrong / static_cast<double>(std::max<std::size_t>(points.size(), 1));
+    return job;
+}
+
+/// The questions about the region of an outline.
+template <class Native>
+void RegisterRegions(std::string const& who, PathWorks<Native> const& works) {
+    for (auto const& [input, which] : PathSets()) {
+        inputs::Set const set = which;
+        // A job of `call` for each path, whose sum is to be what `sum` tells.
+        auto const add = [&, input = input](std::string const& work, double slack, auto call,
+                                            auto sum) {
+            compare::RegisterAlone(work, input, who, [=] {
+                auto const paths = Closed(inputs::Outlines(set));
+                auto const natives = ConvertAll<Native>(paths, works.convert);
+                auto job =
+                    JobOf(natives->size(), [=](std::size_t i) { return call((*natives)[i]); });
+                job.slack = slack;
+                job.expected = sum(paths);
+                return job;
+            });
+        };
+        if (works.contains) {
+            compare::RegisterAlone("path_contains", input, who, [=] {
+                auto const paths = Closed(inputs::Outlines(set));
+                auto const natives = ConvertAll<Native>(paths, works.convert);
+                auto const points = PointsWithin(paths);
+                return ContainmentJob(paths, points, [=](std::size_t i) {
+                    return works.contains((*natives)[i], points[i]);
+                });
+            });
+        }
+        if (works.area) {
+            add("path_area", 1e-6, works.area, SumOfAreas);
+        }
+        if (works.bounds) {
+            add("path_bounds", 0.01, works.bounds, SumOfBounds);
+        }
+    }
+}
+
+/// Containment in the outlines of inputs::Shapes(), by a library that prepares nothing.
+template <class Native>
+void RegisterShapes(std::string const& who, PathWorks<Native> const& works) {
+    for (inputs::Shape const& shape : inputs::Shapes()) {
+        for (std::size_t const count : {10U, 1000U}) {
+            std::string const input = std::string(shape.name) + "_" + std::to_string(count);
+            compare::RegisterAlone("outline_contains", input, who, [=] {
+                CPath const path = inputs::CurvesThrough(shape.vertices(count));
+                auto const native = works.convert(path);
+                auto const points = inputs::Points(99, 1000.0);
+                return ContainmentJob(
+                    std::vector<CPath>(points.size(), path), points,
+                    [=](std::size_t i) { return works.contains(native, points[i]); });
+            });
+        }
+    }
+}
 
 template <class Native> void RegisterPaths(std::string const& who, PathWorks<Native> const& works) {
     for (std::size_t const count : {100U, 1000U}) {
@@ -221,6 +337,16 @@ template <class Native> void RegisterPaths(std::string const& who, PathWorks<Nat
                     job.expected += path.Length();
                 }
                 return job;
+            });
+        }
+        if (works.nearest) {
+            compare::RegisterAlone("path_nearest", input, who, [=] {
+                auto const& paths = inputs::Outlines(set);
+                auto const natives = ConvertAll<Native>(paths, works.convert);
+                auto const points = inputs::Points(paths.size(), inputs::Side(set));
+                return JobOf(natives->size(), [=](std::size_t i) {
+                    return works.nearest((*natives)[i], points[i]);
+                });
             });
         }
         if (works.point) {

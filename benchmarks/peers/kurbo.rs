@@ -5,7 +5,10 @@
 
 #![allow(clippy::missing_safety_doc)]
 
-use kurbo::{BezPath, CubicBez, ParamCurve, ParamCurveArclen, ParamCurveNearest, PathEl, Point};
+use kurbo::{
+    BezPath, CubicBez, Line, ParamCurve, ParamCurveArclen, ParamCurveNearest, PathEl, PathSeg, Point,
+    Shape,
+};
 
 fn cubic(c: &[f64; 8]) -> CubicBez {
     CubicBez::new((c[0], c[1]), (c[2], c[3]), (c[4], c[5]), (c[6], c[7]))
@@ -128,4 +131,37 @@ pub unsafe extern "C" fn kurbo_path_point(
     }
     *x = end.x;
     *y = end.y;
+}
+
+/// The squared distance from the path to a point.
+#[no_mangle]
+pub unsafe extern "C" fn kurbo_path_nearest(path: &BezPath, x: f64, y: f64, accuracy: f64) -> f64 {
+    let p = Point::new(x, y);
+    path.segments()
+        .map(|s| s.nearest(p, accuracy).1)
+        .fold(f64::INFINITY, f64::min)
+}
+
+#[no_mangle]
+pub unsafe extern "C" fn kurbo_path_winding(path: &BezPath, x: f64, y: f64) -> i32 {
+    path.winding(Point::new(x, y))
+}
+
+#[no_mangle]
+pub unsafe extern "C" fn kurbo_path_area(path: &BezPath) -> f64 {
+    path.area()
+}
+
+/// The sum of the four sides.
+#[no_mangle]
+pub unsafe extern "C" fn kurbo_path_bounds(path: &BezPath) -> f64 {
+    let box_ = path.bounding_box();
+    box_.x0 + box_.y0 + box_.x1 + box_.y1
+}
+
+/// The number of places where a line and a curve meet.
+#[no_mangle]
+pub unsafe extern "C" fn kurbo_line_meets(l: &[f64; 4], c: &[f64; 8]) -> f64 {
+    let line = Line::new((l[0], l[1]), (l[2], l[3]));
+    PathSeg::Cubic(cubic(c)).intersect_line(line).len() as f64
 }
