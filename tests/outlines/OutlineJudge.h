@@ -56,7 +56,10 @@ public:
                 if (before == after) {
                     continue;
                 }
-                for (int k = 0; k < 64; ++k) {
+                if (!s.curve) {
+                    low = (p.v - s.v[0]) / (s.v[3] - s.v[0]);
+                }
+                for (int k = 0; k < 64 && s.curve; ++k) {
                     Wide const middle = (low + high) / 2;
                     ((s.At(s.v, middle) > p.v) == before ? low : high) = middle;
                 }
