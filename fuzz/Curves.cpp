@@ -154,6 +154,54 @@ void Quadratic(CBSpline const& curve, double error, int depth) {
     Require(ours == plainly, "a quadratic's flattening is the plain form's");
 }
 
+void AccurateQuadratic(CBSpline const& curve, Pt const& pt, double accuracy) {
+    double const length = trammel::ArcLength(curve, accuracy);
+    trammel::CurvePoint const nearest = trammel::NearestPoint(curve, pt, accuracy);
+    Box const tight = trammel::TightBounds(curve);
+    TPolygon<double> polygon;
+    trammel::FlattenWithin(curve, accuracy, polygon);
+    double greatest = 0.0;
+    for (Pt const& p : {curve.P0, curve.P1, curve.P2, pt}) {
+        for (double const x : {p.h, p.v}) {
+            greatest = std::abs(x) < 1e150 ? std::max(greatest, std::abs(x)) : HUGE_VAL;
+        }
+    }
+    if (!std::isfinite(greatest)) {
+        return;
+    }
+    Require(length >= 0.0, "a quadratic's length is not negative");
+    Require(nearest.t >= 0.0 && nearest.t <= 1.0, "a place on a quadratic is from 0 to 1");
+    auto const [left, right] = std::minmax({curve.P0.h, curve.P1.h, curve.P2.h});
+    auto const [top, bottom] = std::minmax({curve.P0.v, curve.P1.v, curve.P2.v});
+    Require(tight.left >= left && tight.right <= right && tight.top >= top &&
+                tight.bottom <= bottom,
+            "a quadratic's bounds are within its control points'");
+    Require(!polygon.Empty() && polygon.GetPt(0) == curve.P0 &&
+                polygon.GetPt(polygon.LastIndex()) == curve.P2,
+            "a quadratic's polyline runs from end to end");
+}
+
+/// Parts of a curve begin and end where they should.
+void Divided(CBezier const& curve, double t0, double t1, double accuracy) {
+    CBezier left;
+    CBezier right;
+    Pt const p = curve.Divide(left, right, t0);
+    Digest ours;
+    Digest expected;
+    for (Pt const& end : {left.P0, left.P3, right.P0, right.P3}) {
+        ours.Add(end);
+    }
+    for (Pt const& end : {curve.P0, p, p, curve.P3}) {
+        expected.Add(end);
+    }
+    Require(ours == expected, "a curve is divided at a point");
+    CBezier part;
+    curve.GetTRange(t0, t1, part);
+    double const length = trammel::ArcLength(curve, t0, t1, accuracy);
+    double const at = trammel::ParameterAtLength(curve, length, accuracy);
+    Require(std::isnan(at) || (at >= 0.0 && at <= 1.0), "a parameter at a length is from 0 to 1");
+}
+
 } // namespace
 
 void Curves(Input& in) {
@@ -177,6 +225,9 @@ void Curves(Input& in) {
     Box const hull = curve.Extents();
     Accurate(curve, pt, t0, in.Tolerance(hull.Width() + hull.Height()));
     Quadratic(CBSpline(p0, p1, p2), error, in.Int(-1, 9));
+    double const accuracy = in.Tolerance(hull.Width() + hull.Height());
+    AccurateQuadratic(CBSpline(p0, p1, p2), pt, accuracy);
+    Divided(curve, t0, t1, accuracy);
 }
 
 } // namespace fuzz

@@ -124,6 +124,17 @@ void SimplifyOutline(Input& in, double tolerance) {
     if (finite) {
         Require(IsNear(ends, simple, kept), "every joint and middle is near the result");
     }
+    for (auto const crossings : {trammel::NewCrossings::kAllow, trammel::NewCrossings::kAvoid}) {
+        double const own = trammel::Simplify(path, tolerance, crossings, simple);
+        Require(own >= 0.0 && (own <= tolerance || own == 0.0), "nodes keep the tolerance");
+        if (finite) {
+            Require(IsNear(ends, simple, own), "every joint is near the result with nodes");
+        }
+        std::vector<CPath> several;
+        trammel::SimplifyOutlines({path, path}, tolerance, crossings, several);
+        Require(several.size() == 2 && several[0].mCtls == several[1].mCtls,
+                "equal outlines stay equal");
+    }
 }
 
 void SimplifyPolygons(Input& in, double tolerance) {

@@ -3,10 +3,16 @@
 #include "Targets.h"
 
 #include "CFPolygonRef.h"
+#include "CGPathBuilder.h"
+#include "Moments.h"
+#include "PathStructure.h"
+#include "PreparedOutline.h"
 #include "PreparedPolygon.h"
 #include "UFPoly.h"
+#include "Winding.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <string>
 
@@ -109,6 +115,45 @@ void Ask(CFPolygonRef const& polygon, Input& in) {
             "a list has as many points as its handle");
 }
 
+void CountElement(void* count, CGPathElement const*) { ++*static_cast<long*>(count); }
+
+/// Copies, what is made of a handle, and what answers about its outline.
+void Copy(CFPolygonRef& polygon, Input& in) {
+    Pt const p = in.Point();
+    Box const from = in.Rect();
+    Box const to = in.Rect();
+    CFPolygonRef clone = CloneFPoly(polygon);
+    Require(clone.LastIndex() == polygon.LastIndex(), "a clone has as many points");
+    MapFPoly(clone, from, to);
+    OffsetFPoly(clone, p);
+    ScaleFPoly(clone, p.h);
+    RotateFPoly(clone, p.v, p);
+    clone.Dispose();
+    for (CFPolygonRef shape : {FRectToFPoly(from), RotRectToPoly(to, p.h)}) {
+        Require(shape.LastIndex() >= 3, "a rectangle has four points");
+        shape.Dispose();
+    }
+    TPolygon<double> const list(polygon);
+    Require(trammel::PreparedOutline(polygon).WindingNumber(p) ==
+                trammel::WindingNumber(polygon, p),
+            "a prepared outline winds as the handle");
+    trammel::SignedArea(polygon);
+    trammel::MomentsOf(polygon);
+    CPath const path = trammel::PathOf(polygon);
+    Require(path.mCtls.size() <= static_cast<std::size_t>(list.LastIndex() + 2),
+            "a path has an element for each point, and a close");
+    // The drawing path is built once, and again where points have changed.
+    CFPolygonRef::SetBuilPathProc(trammel::BuildPath);
+    CGPath* const drawn = polygon.GetPath();
+    Require(drawn == polygon.GetPath(), "a drawing path is kept");
+    long elements = 0;
+    CGPathApply(drawn, &elements, CountElement);
+    Require(elements <= 2 * (list.LastIndex() + 2), "a drawing path has few elements");
+    polygon.Offset(p);
+    polygon.GetPath();
+    CFPolygonRef::SetBuilPathProc(nullptr);
+}
+
 } // namespace
 
 void Handles(Input& in) {
@@ -120,6 +165,7 @@ void Handles(Input& in) {
         }
     }
     Ask(polygon, in);
+    Copy(polygon, in);
     polygon.Dispose();
 }
 

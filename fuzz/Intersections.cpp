@@ -52,6 +52,10 @@ CBezier Reversed(CBezier const& c) { return CBezier(c.P3, c.P2, c.P1, c.P0); }
 class Elements {
 public:
     explicit Elements(CBezier const& curve) : mCurves{curve} {}
+    explicit Elements(TLine<double> const& line) {
+        Pt const third = (line.mEnd - line.mStart) / 3.0;
+        mCurves = {CBezier(line.mStart, line.mStart + third, line.mEnd - third, line.mEnd)};
+    }
     explicit Elements(CPath const& path) : mCurves(path.mCtls.size()) {
         for (trammel::PathSegment const& s : trammel::Segments(path)) {
             Pt const third = (s.end - s.start) / 3.0;
@@ -168,6 +172,24 @@ void Intersections(Input& in) {
     for (Intersection const& p : own.places) {
         Require(p.a.element <= p.b.element, "the first part of an outline comes first");
     }
+
+    // Outlines of all kinds with each other.
+    TLine<double> const line(points[0], points[7]);
+    TLine<double> const otherLine(points[4], points[3]);
+    double const greatest = std::max(size, pathSize);
+    auto const check = [&](auto const& one, auto const& another) {
+        Check(Find(one, another, accuracy), accuracy, Elements(one), Elements(another), greatest);
+    };
+    check(line, otherLine);
+    check(line, b);
+    check(a, otherLine);
+    check(path, line);
+    check(otherLine, path);
+    check(path, a);
+    check(b, other);
+    Found ofCurve;
+    ofCurve.kept = trammel::AppendSelfIntersections(a, accuracy, ofCurve.places);
+    Check(ofCurve, accuracy, Elements(a), Elements(a), size);
 }
 
 } // namespace fuzz

@@ -7,6 +7,7 @@
 #include "OutlineMeasure.h"
 #include "PreparedOutline.h"
 #include "RegionArea.h"
+#include "TPoly.h"
 #include "Winding.h"
 #include "identity/Identity.h"
 
@@ -14,6 +15,7 @@
 #include <cmath>
 #include <cstddef>
 #include <iterator>
+#include <vector>
 
 namespace fuzz {
 
@@ -48,6 +50,7 @@ struct Size {
 void Windings(CPath const& path, Input& in) {
     PreparedOutline const prepared(path);
     PreparedOutline const ring(path.mPts);
+    std::vector<Pt> points;
     for (int i = in.Int(0, 30); i >= 0; --i) {
         // Often at the height of a point, at one, or between two.
         Pt p = in.Point();
@@ -60,6 +63,22 @@ void Windings(CPath const& path, Input& in) {
                 "a prepared outline winds as the path");
         Require(ring.WindingNumber(p) == trammel::WindingNumber(path.mPts, p),
                 "a prepared ring winds as the ring");
+        points.push_back(p);
+    }
+    // Many at a time, and the ring as a polygon.
+    TPolygon<double> const polygon(path.mPts);
+    PreparedOutline const same(polygon);
+    std::vector<int> windings(points.size());
+    bool inside[31];
+    prepared.WindingNumbers(points.data(), points.size(), windings.data());
+    prepared.Contains(points.data(), points.size(), FillRule::kEvenOdd, inside);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        Require(windings[i] == prepared.WindingNumber(points[i]), "many points wind as each one");
+        Require(inside[i] == prepared.Contains(points[i], FillRule::kEvenOdd),
+                "many points are inside as each one is");
+        Require(same.WindingNumber(points[i]) == ring.WindingNumber(points[i]) &&
+                    trammel::WindingNumber(polygon, points[i]) == ring.WindingNumber(points[i]),
+                "a polygon winds as its ring");
     }
 }
 
@@ -95,6 +114,25 @@ void Places(CPath const& path, Input& in, Size const& size) {
                     "no place is nearer than the nearest one");
         }
     }
+    OutlineMeasure::Place places[std::size(t)];
+    OutlineMeasure::Place atLengths[std::size(t)];
+    OutlineMeasure::Nearest nearests[std::size(t)];
+    measure.Places(t, std::size(t), places);
+    measure.PlacesAtLengths(t, std::size(t), atLengths);
+    measure.FindNearest(points, std::size(t), nearests, accuracy);
+    for (std::size_t i = 0; i < std::size(t); ++i) {
+        Digest many;
+        Digest one;
+        many.Add(places[i].point);
+        many.Add(atLengths[i].point);
+        many.Add(atLengths[i].parameter);
+        many.Add(nearests[i].distance);
+        one.Add(measure.At(t[i]).point);
+        one.Add(measure.AtLength(t[i]).point);
+        one.Add(measure.AtLength(t[i]).parameter);
+        one.Add(measure.FindNearest(points[i], accuracy).distance);
+        Require(many == one, "many places are those of each one");
+    }
     Digest distance;
     Digest same;
     distance.Add(measure.Distance(p, accuracy));
@@ -109,6 +147,13 @@ void Areas(CPath const& path, Input& in, Size const& size) {
     double const area = trammel::SignedArea(path);
     double const ofMoments = trammel::MomentsOf(path).area;
     std::vector<double> const contours = trammel::ContourAreas(path);
+    Digest ring;
+    Digest polygon;
+    ring.Add(trammel::SignedArea(path.mPts));
+    ring.Add(trammel::MomentsOf(path.mPts).area);
+    polygon.Add(trammel::SignedArea(TPolygon<double>(path.mPts)));
+    polygon.Add(trammel::MomentsOf(TPolygon<double>(path.mPts)).area);
+    Require(ring == polygon, "a polygon has the area of its ring");
     double sum = 0.0;
     for (double const contour : contours) {
         sum += contour;

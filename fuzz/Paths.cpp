@@ -113,7 +113,31 @@ void Paths(Input& in) {
     trammel::ArcLength(path, accuracy);
     trammel::TightBounds(path);
     measure.FindNearest(pt);
-    measure.AtLength(t1);
+    double const lengths[] = {t0, t1, measure.Length() * 0.5};
+    Pt points[3];
+    trammel::PathMeasure::Place places[3];
+    trammel::PathMeasure::Place placesAtLengths[3];
+    measure.PtsAtLengths(lengths, 3, points);
+    measure.Places(lengths, 3, places);
+    measure.PlacesAtLengths(lengths, 3, placesAtLengths);
+    Digest one;
+    Digest many;
+    for (std::size_t i = 0; i < 3; ++i) {
+        one.Add(measure.PtAtLength(lengths[i]));
+        one.Add(measure.At(lengths[i]).point);
+        one.Add(measure.AtLength(lengths[i]).point);
+        many.Add(points[i]);
+        many.Add(places[i].point);
+        many.Add(placesAtLengths[i].point);
+    }
+    Require(one == many, "many places are those of each one");
+    CPath piece;
+    measure.GetLengthRange(t0, t1, piece);
+    CPath rest;
+    path.RemoveTRange(t0, t1, piece, rest);
+    trammel::FlatContours flat;
+    double const kept = trammel::FlattenInto(path, accuracy, flat);
+    Require(std::isnan(kept) || kept >= 0.0, "the distance kept is not negative");
     try {
         std::string const text = trammel::WriteSvgPath(path);
         Require(!trammel::ReadSvgPath(text).error, "what is written can be read");

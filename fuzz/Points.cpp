@@ -4,8 +4,11 @@
 
 #include "CFRect.h"
 #include "CMatrix3x3.h"
+#include "Log.h"
 #include "PointAlgebra.h"
 #include "TLine.h"
+#include "UGeometry.h"
+#include "UHygiene.h"
 #include "UScalar.h"
 #include "identity/Identity.h"
 #include "plain/PlainPath.h"
@@ -14,6 +17,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <sstream>
+#include <string>
 
 namespace fuzz {
 
@@ -227,12 +232,69 @@ void Rectangles(Input& in) {
     }
 }
 
+/// Circles through points, by their bounding squares.
+void Circles(Input& in) {
+    Pt const a = in.Point();
+    Pt const b = in.Point();
+    Pt const c = in.Point();
+    Box round;
+    Pt3Circle(a, b, c, round);
+    DiameterCircle(a, b, round);
+    Box around;
+    RadiusCircle(a, b, around);
+    double size = 0.0;
+    for (double const x : {a.h, a.v, b.h, b.v}) {
+        size = std::abs(x) < 1e150 ? std::max(size, std::abs(x)) : HUGE_VAL;
+    }
+    if (std::isfinite(size)) {
+        double const off = size * 0x1p-40 + 1e-150;
+        Require(std::abs(round.Width() - (a - b).Hypotenuse()) <= off,
+                "a circle is as wide as its diameter");
+        Require(std::abs(around.Width() - 2.0 * (a - b).Hypotenuse()) <= off,
+                "a circle is as wide as twice its radius");
+    }
+    // A point is made finite. Each one that was not is logged.
+    Pt p = a;
+    SetNSLogSink([](std::string const&) {});
+    bool const wrong = ValidatePoint(p);
+    SetNSLogSink(nullptr);
+    Require(wrong == !IsFinite(a), "a point that is not finite is found");
+    Require(wrong || IsFinite(p), "a point that is found right is finite");
+}
+
+/// Reads a matrix from any bytes, and one that was written with spaces.
+void Streamed(Input& in) {
+    CMatrix3x3 const m{in.Number(), in.Number(), in.Number(), in.Number(),
+                       in.Number(), in.Number(), in.Byte()};
+    std::ostringstream glued;
+    glued << m;
+    std::stringstream text;
+    text.precision(17);
+    for (double const x : {m.a, m.b, m.c, m.d, m.tx, m.ty}) {
+        text << x << ' ';
+    }
+    text << m.mKind;
+    CMatrix3x3 back;
+    text >> back;
+    double const size = GreatestOf(m);
+    Require(!std::isfinite(size) || (size > 0.0 && size < 1e-300) || text.fail() ||
+                DigestOf(back) == DigestOf(m),
+            "a matrix comes back from its text");
+    std::istringstream any{std::string(in.Rest())};
+    CMatrix3x3 const read(any);
+    std::ostringstream again;
+    read.operator<<(again);
+    Require(!again.str().empty(), "a matrix has a text");
+}
+
 } // namespace
 
 void Points(Input& in) {
     Matrices(in);
     Lines(in);
     Rectangles(in);
+    Circles(in);
+    Streamed(in);
 }
 
 } // namespace fuzz

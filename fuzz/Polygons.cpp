@@ -9,6 +9,8 @@
 #include "plain/PlainPolygon.h"
 
 #include <cmath>
+#include <cstddef>
+#include <vector>
 
 namespace fuzz {
 
@@ -24,6 +26,7 @@ void Contained(TPolygon<double> const& list, CFPolygonRef const& handle,
     trammel::PreparedPolygon const preparedHandle(handle);
     plain::PointList const plainList{points, false};
     plain::HandlePoints const plainHandle{points};
+    std::vector<Pt> asked;
     for (int i = in.Int(0, 6); i >= 0; --i) {
         // Mostly at the height of a vertex, or at one.
         Pt p = in.Point();
@@ -38,6 +41,12 @@ void Contained(TPolygon<double> const& list, CFPolygonRef const& handle,
         Require(inHandle == plainHandle.Contains(p), "a handle contains what its plain form does");
         Require(inList == preparedList.Contains(p), "a prepared list answers as the list");
         Require(inHandle == preparedHandle.Contains(p), "a prepared handle answers as the handle");
+        asked.push_back(p);
+    }
+    bool inside[7];
+    preparedList.Contains(asked.data(), asked.size(), inside);
+    for (std::size_t i = 0; i < asked.size(); ++i) {
+        Require(inside[i] == list.Contains(asked[i]), "many points are inside as each one is");
     }
 }
 

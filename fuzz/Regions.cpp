@@ -3,7 +3,11 @@
 #include "Targets.h"
 
 #include "AnyOutline.h"
+#include "Moments.h"
 #include "OutlineOperations.h"
+#include "PolygonArrangement.h"
+#include "PolygonOperations.h"
+#include "SimplifyRings.h"
 #include "outlines/OutlineJudge.h"
 
 #include <algorithm>
@@ -67,6 +71,8 @@ Pt At(PathSegment const& s, double t) {
                              s.control2 * (3.0 * u * t * t) + s.end * (t * t * t)
                        : s.start * u + s.end * t;
 }
+
+double Apart(Pt const& p, Pt const& q) { return std::hypot(p.h - q.h, p.v - q.v); }
 
 void CheckDistance(Operands const& operands, double kept) {
     Require(kept >= 0.0 && kept >= operands.tolerance * (operands.size > 0.0 ? 1.0 : 0.0),
@@ -215,14 +221,49 @@ void ClipLines(Input& in) {
             if (region.IsNear(p, operands.Unsure(kept))) {
                 continue;
             }
-            auto const holders =
-                std::count_if(sources.begin(), sources.end(), [&](ElementSource const& e) {
-                    return e.operand == 0 && e.element == number && e.from <= t && t <= e.to;
-                });
-            Require(holders == (region.Holds(p, rule) == inside ? 1 : 0),
+            // What is smaller than the distance may vanish: its points move to where it was.
+            bool moved = Apart(p, s.start) <= 1.001 * kept;
+            std::ptrdiff_t holders = 0;
+            for (ElementSource const& e : sources) {
+                if (e.operand == 0 && e.element == number) {
+                    holders += e.from <= t && t <= e.to ? 1 : 0;
+                    Pt const nearest = At(s, std::min(std::max(t, e.from), e.to));
+                    moved = moved || Apart(p, nearest) <= 1.001 * kept;
+                }
+            }
+            bool const wanted = region.Holds(p, rule) == inside;
+            Require(holders == (wanted ? 1 : 0) || (wanted && holders == 0 && moved),
                     "a point of a line is there exactly if it is asked for");
         }
         ++number;
+    }
+}
+
+/// Each point that an operand winds around is in one face, which tells how often each of them does.
+template <class Faces>
+void CheckFaces(Operands const& operands, Faces const& faces,
+                std::vector<OutlineJudge> const& judges, double unsure) {
+    for (Pt const& p : trammel_test::SamplePoints(operands.judges, OutlineJudge(CPath()), unsure,
+                                                  operands.size)) {
+        std::vector<int> windings;
+        for (OutlineJudge const& outline : operands.judges) {
+            windings.push_back(outline.Winding(p));
+        }
+        bool right = true;
+        int holders = 0;
+        for (std::size_t k = 0; k < judges.size(); ++k) {
+            if (judges[k].Holds(p, FillRule::kNonZero)) {
+                ++holders;
+                std::vector<int> told(windings.size(), 0);
+                for (trammel::OperandWinding const& w : faces[k].windings) {
+                    told[w.operand] = w.winding;
+                }
+                right = right && told == windings;
+            }
+        }
+        bool const wound = windings != std::vector<int>(windings.size(), 0);
+        right = right && (wound ? holders == 1 : holders <= 1);
+        Require(right || operands.IsNear(p, unsure), "a point is in one face, with its windings");
     }
 }
 
@@ -239,29 +280,7 @@ void Arrange(Input& in) {
     if (!operands.CanBeJudged()) {
         return;
     }
-    double const unsure = operands.Unsure(kept);
-    for (Pt const& p : trammel_test::SamplePoints(operands.judges, OutlineJudge(CPath()), unsure,
-                                                  operands.size)) {
-        std::vector<int> windings;
-        for (OutlineJudge const& outline : operands.judges) {
-            windings.push_back(outline.Winding(p));
-        }
-        bool right = true;
-        int holders = 0;
-        for (std::size_t k = 0; k < faces.size(); ++k) {
-            if (faces[k].Holds(p, FillRule::kNonZero)) {
-                ++holders;
-                std::vector<int> told(windings.size(), 0);
-                for (trammel::OperandWinding const& w : arrangement.Faces()[k].windings) {
-                    told[w.operand] = w.winding;
-                }
-                right = right && told == windings;
-            }
-        }
-        bool const wound = windings != std::vector<int>(windings.size(), 0);
-        right = right && (wound ? holders == 1 : holders <= 1);
-        Require(right || operands.IsNear(p, unsure), "a point is in one face, with its windings");
-    }
+    CheckFaces(operands, arrangement.Faces(), faces, operands.Unsure(kept));
     std::vector<std::size_t> chosen;
     for (std::size_t k = 0; k < faces.size(); ++k) {
         if (in.Flag()) {
@@ -276,7 +295,173 @@ void Arrange(Input& in) {
     });
 }
 
+typedef std::vector<TPolygon<double>> RingList;
+typedef std::vector<trammel::PolygonWithHoles> Regions;
+
+RingList SomeRings(Input& in) {
+    RingList rings;
+    for (int i = in.Int(0, 4); i > 0; --i) {
+        CPath const outline = DrawnOutline(in, 9);
+        rings.emplace_back(outline.mPts);
+        if (in.Flag()) {
+            rings.back().Close();
+        }
+    }
+    return rings;
+}
+
+CPath PathOf(Regions const& regions) {
+    CPath path;
+    for (trammel::PolygonWithHoles const& region : regions) {
+        trammel::AppendSubpaths(path, trammel::PathOf(region));
+    }
+    return path;
+}
+
+/// Rings of a result are closed, and begin at their first vertices.
+void CheckRings(RingList const& rings, double size) {
+    for (TPolygon<double> const& ring : rings) {
+        std::vector<Pt> const vertices(ring.begin(), ring.end());
+        Require(ring.Closed() && vertices.size() >= 3, "a ring is closed");
+        for (Pt const& p : vertices) {
+            Require(std::isfinite(p.h) && std::isfinite(p.v), "a vertex is finite");
+            Pt const& first = vertices.front();
+            // Where differences are smaller than a step of the grid, they tell nothing.
+            Require(first.v <= p.v + size * 0x1p-50, "a ring begins at its least vertex");
+        }
+    }
+}
+
+/// RingList with holes, and the rings that they were made of, have the same area.
+void CheckAreas(Operands const& operands, RingList const& rings, Regions const& regions) {
+    double ofRings = 0.0;
+    double ofRegions = 0.0;
+    for (TPolygon<double> const& ring : rings) {
+        ofRings += trammel::SignedArea(ring);
+    }
+    for (trammel::PolygonWithHoles const& region : regions) {
+        double const area = trammel::Area(region);
+        Require(!(area < 0.0), "a polygon has no negative area");
+        ofRegions += area;
+        trammel::PolygonWithHoles turned = region;
+        trammel::OrientRings(turned);
+        Require(turned.outer == region.outer && turned.holes == region.holes,
+                "rings run as their directions tell");
+        Box const bounds = trammel::Bounds(region);
+        for (trammel::Ring const& hole : region.holes) {
+            for (Pt const& p : hole) {
+                Require(p.h >= bounds.left && p.h <= bounds.right && p.v >= bounds.top &&
+                            p.v <= bounds.bottom,
+                        "a hole lies within the bounds");
+            }
+        }
+    }
+    double const most = (operands.size + operands.greatest * 0x1p-30) * operands.size * 1e-6;
+    Require(!operands.CanBeJudged() || !(operands.size > 1e-100 && operands.size < 1e100) ||
+                std::abs(ofRings - ofRegions) <= most,
+            "polygons have the area of their rings");
+}
+
+void CombineRings(Input& in, RingList const& a, RingList const& b) {
+    FillRule const ruleA = AnyRule(in);
+    FillRule const ruleB = AnyRule(in);
+    auto const op = static_cast<TPolyOp>(in.Int(0, 3));
+    Operands const operands(in, {trammel::PathOf(a), trammel::PathOf(b)});
+    auto const wanted = [&](Pt const& p) {
+        return trammel_test::Wants(op, operands.judges[0].Holds(p, ruleA),
+                                   operands.judges[1].Holds(p, ruleB));
+    };
+    RingList const rings = trammel::Boolean(op, a, ruleA, b, ruleB);
+    CheckRings(rings, operands.size);
+    CheckRegion(operands, trammel::PathOf(rings), 0.0, wanted);
+    // The same by way of polygons with holes.
+    Regions const regions =
+        trammel::Boolean(op, trammel::ToPolygons(a, ruleA), trammel::ToPolygons(b, ruleB));
+    CheckRegion(operands, PathOf(regions), 0.0, wanted);
+    CheckAreas(operands, rings, regions);
+}
+
+void UniteRings(Input& in, RingList const& rings) {
+    FillRule const rule = AnyRule(in);
+    std::vector<CPath> paths;
+    std::vector<RingList> each;
+    Regions regions;
+    for (TPolygon<double> const& ring : rings) {
+        paths.push_back(trammel::PathOf(ring));
+        each.push_back({ring});
+        Regions const more = trammel::ToPolygons(each.back(), rule);
+        regions.insert(regions.end(), more.begin(), more.end());
+    }
+    Operands const operands(in, paths);
+    RingList const united = trammel::Union(rings, rule);
+    RingList const same = trammel::Union(each, rule);
+    CheckRings(united, operands.size);
+    Require(std::equal(united.begin(), united.end(), same.begin(), same.end(),
+                       [](auto const& p, auto const& q) { return trammel::Equal(p, q); }),
+            "a ring is a polygon of one ring");
+    for (CPath const& path : {trammel::PathOf(united), PathOf(trammel::Union(regions))}) {
+        CheckRegion(operands, path, 0.0, [&](Pt const& p) {
+            return std::any_of(operands.judges.begin(), operands.judges.end(),
+                               [&](OutlineJudge const& o) { return o.Holds(p, rule); });
+        });
+    }
+    Operands const together(in, {trammel::PathOf(rings)});
+    RingList const cleaned = trammel::RemoveOverlap(rings, rule);
+    CheckRings(cleaned, together.size);
+    CheckRegion(together, trammel::PathOf(cleaned), 0.0,
+                [&](Pt const& p) { return together.judges[0].Holds(p, rule); });
+    CheckAreas(together, cleaned, trammel::ToPolygons(rings, rule));
+}
+
+void ArrangeRings(Input& in, RingList const& a, RingList const& b) {
+    Operands const operands(in, {trammel::PathOf(a), trammel::PathOf(b)});
+    trammel::PolygonArrangement const arrangement({a, b});
+    std::vector<OutlineJudge> faces;
+    std::vector<std::size_t> chosen;
+    Regions map;
+    for (trammel::ArrangementFace const& face : arrangement.Faces()) {
+        if (in.Flag()) {
+            chosen.push_back(faces.size());
+        }
+        faces.emplace_back(trammel::PathOf(face.polygon));
+        map.push_back(face.polygon);
+        for (trammel::OperandWinding const& w : face.windings) {
+            Require(w.winding != 0 && w.winding == trammel::WindingNumberOf(face, w.operand),
+                    "a winding number is found by its operand");
+        }
+    }
+    double const tolerance = in.Tolerance(operands.size);
+    Regions simple;
+    trammel::SimplifyMap(map, tolerance, trammel::NewCrossings::kAvoid, simple);
+    Require(simple.size() == map.size(), "a simplified map has as many polygons");
+    if (!operands.CanBeJudged()) {
+        return;
+    }
+    CheckFaces(operands, arrangement.Faces(), faces, operands.Unsure(0.0));
+    CheckRegion(operands, PathOf(arrangement.Merged(chosen)), 0.0, [&](Pt const& p) {
+        return std::any_of(chosen.begin(), chosen.end(),
+                           [&](std::size_t k) { return faces[k].Holds(p, FillRule::kNonZero); });
+    });
+}
+
 } // namespace
+
+void Rings(Input& in) {
+    int const kind = in.Int(0, 2);
+    RingList const a = SomeRings(in);
+    RingList const b = SomeRings(in);
+    switch (kind) {
+    case 0:
+        CombineRings(in, a, b);
+        break;
+    case 1:
+        UniteRings(in, a);
+        break;
+    default:
+        ArrangeRings(in, a, b);
+        break;
+    }
+}
 
 void Booleans(Input& in) { in.Flag() ? Combine(in) : CleanUp(in); }
 

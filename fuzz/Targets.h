@@ -20,6 +20,8 @@ void Curves(Input& in);
 /// Paths against their plain form, PathMeasure against the path, and the functions that read and
 /// make paths.
 void Paths(Input& in);
+/// Paths put together and taken apart: building, shapes, arcs, and the structure of subpaths.
+void Building(Input& in);
 /// PreparedOutline against WindingNumber, places of OutlineMeasure, areas and moments.
 void Outlines(Input& in);
 /// Where curves and paths meet: what holds for all places, and finer searches against coarser ones.
@@ -31,6 +33,8 @@ void Fits(Input& in);
 void Booleans(Input& in);
 /// The same of unions of outlines, of clipped open lines, and of faces that an arrangement merges.
 void Unions(Input& in);
+/// Boolean operations on rings and on polygons with holes, and the faces of an arrangement of them.
+void Rings(Input& in);
 /// Strokes: what sweep, joins and caps cover.
 void Strokes(Input& in);
 /// Offset regions: the distance from the region.
@@ -56,14 +60,16 @@ struct Target {
     void (*run)(Input& in);
 };
 
-inline constexpr std::array<Target, 17> kTargets = {{{"points", Points},
+inline constexpr std::array<Target, 19> kTargets = {{{"points", Points},
                                                      {"curves", Curves},
                                                      {"paths", Paths},
+                                                     {"building", Building},
                                                      {"outlines", Outlines},
                                                      {"intersections", Intersections},
                                                      {"fits", Fits},
                                                      {"booleans", Booleans},
                                                      {"unions", Unions},
+                                                     {"rings", Rings},
                                                      {"strokes", Strokes},
                                                      {"offsets", Offsets},
                                                      {"polygons", Polygons},
