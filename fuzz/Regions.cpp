@@ -221,7 +221,7 @@ void ClipLines(Input& in) {
             if (region.IsNear(p, operands.Unsure(kept))) {
                 continue;
             }
-            // What is smaller than the distance may vanish: its points move to where it was.
+            // A stretch smaller than the distance may vanish. Its points move to where it was.
             bool moved = Apart(p, s.start) <= 1.001 * kept;
             std::ptrdiff_t holders = 0;
             for (ElementSource const& e : sources) {

@@ -13,7 +13,7 @@
 
 namespace fuzz {
 
-/// Matrices, lines, vectors and rectangles against their plain forms.
+/// Matrices, lines, vectors and rectangles against their plain forms, and circles through points.
 void Points(Input& in);
 /// Cubics and quadratics against their plain forms, and the accurate queries.
 void Curves(Input& in);
@@ -24,7 +24,8 @@ void Paths(Input& in);
 void Building(Input& in);
 /// PreparedOutline against WindingNumber, places of OutlineMeasure, areas and moments.
 void Outlines(Input& in);
-/// Where curves and paths meet: what holds for all places, and finer searches against coarser ones.
+/// Where lines, curves and paths meet: what holds for all places, and finer searches against
+/// coarser ones.
 void Intersections(Input& in);
 /// Fitted strokes, simplified outlines and rings: the tolerance, and every point near the result.
 void Fits(Input& in);
@@ -41,7 +42,7 @@ void Strokes(Input& in);
 void Offsets(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
-/// Handle polygons of foreign bytes, changed at random.
+/// Handle polygons of foreign bytes, changed at random, and what is made of them.
 void Handles(Input& in);
 /// Boolean operations.
 void Clip(Input& in);
