@@ -65,20 +65,19 @@ void ChainGraph::SortByOrigin(ScratchVector<DirectedEdge>& edges) {
     while (edges.size() >> bits > 4 && bits < kMortonBits) {
         ++bits;
     }
-    auto const bucketOf = [bits](DirectedEdge const& s) {
-        return static_cast<std::size_t>(MortonCode(s.origin) >> (kMortonBits - bits));
-    };
     ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, edges.get_allocator());
-    for (DirectedEdge const& s : edges) {
-        ++ends[bucketOf(s)];
+    ScratchVector<Number> buckets(edges.size(), edges.get_allocator());
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        buckets[i] = static_cast<Number>(MortonCode(edges[i].origin) >> (kMortonBits - bits));
+        ++ends[buckets[i]];
     }
     std::size_t sum = 0;
     for (std::size_t& end : ends) {
         sum += std::exchange(end, sum);
     }
     ScratchVector<DirectedEdge> sorted(edges.size(), edges.get_allocator());
-    for (DirectedEdge const& s : edges) {
-        sorted[ends[bucketOf(s)]++] = s;
+    for (std::size_t i = 0; i < edges.size(); ++i) {
+        sorted[ends[buckets[i]]++] = edges[i];
     }
     auto begin = sorted.begin();
     for (std::size_t const size : ends) {

@@ -41,6 +41,9 @@ inline std::int64_t LengthBound(GridEdge const& e) {
 /// 4. Let e and f not meet, and an end of one lie within 2 R of the other's line. Points within R
 /// of both lie within 4 R / sin t of that end.
 ///
+/// 5. All points within R of f lie in f's box, widened by R. So those of e lie no farther along e
+/// than that box, whatever the angle is.
+///
 /// Distances between rounded vertices are up to 2 R less than those above, and sin t <= 1. So
 /// 11 R / sin t is enough, and 12 leaves room for the rounding of doubles. A part is checked again
 /// if it lies within that distance of such a point and the next vertices do not keep it.
@@ -75,6 +78,16 @@ public:
             12.0 * static_cast<double>(mReach) * static_cast<double>(LengthBound(e)) *
             (static_cast<double>(LengthBound(f)) * 0x1p-64) / static_cast<double>(high);
         return clearance < 0x1p62 ? static_cast<std::int64_t>(clearance) + 1 : kUnreachable;
+    }
+
+    /// Returns the distance from p along edge e within which parts of e can meet parts of edge f.
+    /// It is `clearance` or less.
+    std::int64_t Within(std::int64_t clearance, GridPoint p, GridEdge const& e,
+                        GridEdge const& f) const {
+        MajorAxis const axis(e);
+        std::int64_t const a = axis.Along(f.a) - axis.Along(p);
+        std::int64_t const b = axis.Along(f.b) - axis.Along(p);
+        return std::min(clearance, std::max({a, -a, b, -b}) + 2 * mReach);
     }
 
     /// Returns the same for edges that follow each other, e before f.

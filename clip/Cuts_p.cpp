@@ -21,8 +21,24 @@ void SortAlong(Cut* begin, Cut* end) {
     if (before(end[-1], *begin)) {
         std::reverse(begin, end);
     }
-    if (!std::is_sorted(begin, end, before)) {
-        std::sort(begin, end, before);
+    // Mostly few of them are out of place. No more than kFew are inserted one by one.
+    constexpr std::ptrdiff_t kFew = 32;
+    if (end - begin > kFew) {
+        if (!std::is_sorted(begin, end, before)) {
+            std::sort(begin, end, before);
+        }
+        return;
+    }
+    for (Cut* i = begin + 1; i < end; ++i) {
+        if (before(*i, i[-1])) {
+            Cut const cut = *i;
+            Cut* to = i;
+            do {
+                *to = to[-1];
+                --to;
+            } while (to > begin && before(cut, to[-1]));
+            *to = cut;
+        }
     }
 }
 
@@ -31,8 +47,7 @@ class UnsettledParts {
 public:
     UnsettledParts(EdgeTree const& tree, SortedCuts& sorted, Clearances const& clearances,
                    Scratch* scratch)
-        : mTree(tree), mSorted(sorted), mClearances(clearances), mPoints(scratch), mParts(scratch) {
-    }
+        : mTree(tree), mSorted(sorted), mClearances(clearances), mParts(scratch) {}
 
     /// True when no part of a cut edge may meet others. `before` and `after` are the edges that the
     /// edge follows and that follow it.
@@ -55,93 +70,78 @@ public:
         return clear && axis.Along(e.b) - at >= std::max(clearance, endClearance);
     }
 
-    /// Returns an element for each part of a cut edge: 1 if the part may meet others. Cuts that
-    /// lack their clearance get kShared.
-    ScratchVector<char> const& Of(std::size_t edge, std::size_t before, std::size_t after) {
-        Collect(edge, before, after);
-        FindLacks(edge);
+    /// Returns an element for each part of a cut edge until the next call: 1 if it may meet others.
+    /// Cuts that lack their clearance get kShared.
+    char const* Of(std::size_t edge, std::size_t before, std::size_t after) {
+        GridEdge const e = mTree.At(edge);
+        MajorAxis const axis(e);
+        std::size_t const firstCut = mSorted.Begin(edge);
+        std::size_t const endCut = mSorted.End(edge);
+        mParts.resize(std::max(mParts.size(), endCut - firstCut + 1));
+        char* part = mParts.data();
         // A point that lacks its clearance affects the parts within that distance, forwards and
-        // then backwards.
-        mParts.clear();
+        // then backwards. The clearance at a corner holds for the neighbour, too. A neighbour that
+        // is cut checks it in its turn.
         std::int64_t reach = std::numeric_limits<std::int64_t>::min();
-        std::int64_t last = 0;
-        for (Point const& p : mPoints) {
-            if (p.isVertex && &p != &mPoints.front()) {
-                mParts.push_back(reach > last ? 1 : 0);
+        Vertex last = {axis.Along(e.a), mClearances.ForCorner(mTree.At(before), e), false};
+        last.lacks = IsShort(before, last.clearance);
+        Cut* lastCut = nullptr;
+        auto const finishPart = [&](std::int64_t along, std::int64_t clearance) {
+            std::int64_t const gap = along - last.along;
+            if (last.lacks || gap < last.clearance) {
+                reach = std::max(reach, last.along + last.clearance);
+                if (lastCut != nullptr) {
+                    lastCut->incidence = kShared;
+                }
             }
-            last = p.isVertex ? p.along : last;
-            reach = p.lacks ? std::max(reach, p.along + p.clearance) : reach;
+            *part++ = reach > last.along ? 1 : 0;
+            last = {along, clearance, gap < clearance};
+        };
+        for (std::size_t i = firstCut; i < endCut; ++i) {
+            Cut& cut = mSorted.At(i);
+            if (cut.incidence == kSingle) {
+                reach = std::max(reach, cut.along + cut.clearance);
+            } else {
+                finishPart(cut.along, cut.clearance);
+                lastCut = &cut;
+            }
         }
-        reach = std::numeric_limits<std::int64_t>::max();
-        std::size_t part = mParts.size();
-        for (std::size_t i = mPoints.size(); i-- > 0;) {
-            Point const& p = mPoints[i];
-            if (p.isVertex && i + 1 < mPoints.size() && reach < last) {
-                mParts[part - 1] = 1;
+        std::int64_t const endClearance = mClearances.ForCorner(e, mTree.At(after));
+        finishPart(axis.Along(e.b), endClearance);
+        last.lacks |= IsShort(after, endClearance);
+        reach = last.lacks ? last.along - endClearance : std::numeric_limits<std::int64_t>::max();
+        for (std::size_t i = endCut; i-- > firstCut;) {
+            Cut const& cut = mSorted.At(i);
+            if (cut.incidence != kSingle) {
+                *--part |= reach < last.along ? 1 : 0;
+                last.along = cut.along;
             }
-            if (p.isVertex) {
-                part -= i + 1 < mPoints.size() ? 1 : 0;
-                last = p.along;
+            // Other shared cuts need no clearance.
+            if (cut.incidence <= kShared) {
+                reach = std::min(reach, cut.along - cut.clearance);
             }
-            reach = p.lacks ? std::min(reach, p.along - p.clearance) : reach;
         }
-        return mParts;
+        *--part |= reach < last.along ? 1 : 0;
+        return part;
     }
 
 private:
-    struct Point {
+    /// The vertex at which a part begins.
+    struct Vertex {
         std::int64_t along;
         std::int64_t clearance;
-        bool isVertex;
         bool lacks;
     };
 
-    /// Sets the points: the edge's ends, and between them its cuts and near misses.
-    void Collect(std::size_t edge, std::size_t before, std::size_t after) {
-        GridEdge const e = mTree.At(edge);
-        MajorAxis const axis(e);
-        mPoints.clear();
-        mPoints.push_back(
-            {axis.Along(e.a), mClearances.ForCorner(mTree.At(before), e), true, false});
-        for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
-            Cut const& cut = mSorted.At(i);
-            bool const isVertex = cut.incidence != kSingle;
-            mPoints.push_back({cut.along, cut.clearance, isVertex, !isVertex});
-        }
-        mPoints.push_back(
-            {axis.Along(e.b), mClearances.ForCorner(e, mTree.At(after)), true, false});
-        // The clearance at a corner holds for the neighbour, too. A neighbour that is cut checks it
-        // in its turn.
-        mPoints.front().lacks = IsShort(before, mPoints.front().clearance);
-        mPoints.back().lacks = IsShort(after, mPoints.back().clearance);
-    }
     bool IsShort(std::size_t edge, std::int64_t clearance) const {
         GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
         return axis.Along(e.b) - axis.Along(e.a) < clearance && !mSorted.Has(edge);
     }
-    void FindLacks(std::size_t edge) {
-        std::size_t last = 0;
-        for (std::size_t i = 1; i < mPoints.size(); ++i) {
-            if (mPoints[i].isVertex) {
-                std::int64_t const gap = mPoints[i].along - mPoints[last].along;
-                mPoints[last].lacks |= gap < mPoints[last].clearance;
-                mPoints[i].lacks |= gap < mPoints[i].clearance;
-                last = i;
-            }
-        }
-        for (std::size_t i = 1; i + 1 < mPoints.size(); ++i) {
-            Cut& cut = mSorted.At(mSorted.Begin(edge) + i - 1);
-            if (mPoints[i].isVertex && mPoints[i].lacks) {
-                cut.incidence = kShared;
-            }
-        }
-    }
 
     EdgeTree const& mTree;
     SortedCuts& mSorted;
     Clearances const& mClearances;
-    ScratchVector<Point> mPoints;
     ScratchVector<char> mParts;
 };
 
@@ -240,7 +240,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                 originate(first, size, i);
                 continue;
             }
-            char const* part = unsettled.Of(i, before, after).data();
+            char const* part = unsettled.Of(i, before, after);
             active[first] = *part++;
             for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
                 Cut const& cut = sorted.At(k);

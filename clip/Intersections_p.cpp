@@ -31,7 +31,7 @@ struct Crosses {
 /// Returns the point where two edges cross that have no end in common, to within a step of the
 /// grid. The point lies in both edges' boxes. It does not depend on the order of the edges or on
 /// their directions, so that lines that coincide are cut alike.
-GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
+GridPoint Crossing(GridEdge const& e, GridEdge const& f, Crosses const& crosses) {
     auto const distance = [](Int128 cross) {
         return static_cast<UInt128>(cross < 0 ? -cross : cross);
     };
@@ -39,21 +39,16 @@ GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
     GridPoint const lowF = f.b < f.a ? f.b : f.a;
     bool const exchange =
         lowF != lowE ? lowF < lowE : (f.b < f.a ? f.a : f.b) < (e.b < e.a ? e.a : e.b);
-    // The point is num / den of the way along f, from its nearer end, where the rounding is least.
+    GridEdge const& edge = exchange ? e : f;
+    // The point is num / den of the way along that edge, from its nearer end, where the rounding is
+    // least. The two triangles on either edge make up the same quadrangle.
+    UInt128 den = distance(crosses.fa - crosses.fb);
     UInt128 num = distance(exchange ? crosses.ea : crosses.fa);
-    UInt128 other = distance(exchange ? crosses.eb : crosses.fb);
-    if (exchange) {
-        std::swap(e, f);
-    }
-    if (f.b < f.a) {
-        std::swap(f.a, f.b);
-        std::swap(num, other);
-    }
-    UInt128 den = num + other;
-    if (other < num) {
-        num = other;
-        std::swap(f.a, f.b);
-    }
+    UInt128 const other = den - num;
+    bool const fromB = other < num || (other == num && edge.b < edge.a);
+    GridPoint const from = fromB ? edge.b : edge.a;
+    GridPoint const to = fromB ? edge.a : edge.b;
+    num = fromB ? other : num;
     // 63 leading bits of the denominator leave room for a quotient of 63 bits.
     int const surplus = std::max(BitsOf(den) - 63, 0);
     den >>= surplus;
@@ -63,9 +58,9 @@ GridPoint Crossing(GridEdge e, GridEdge f, Crosses const& crosses) {
         Int128 const product = static_cast<Int128>(ratio) * d;
         return static_cast<std::int64_t>((product + (static_cast<Int128>(1) << 61)) >> 62);
     };
-    GridBox const box = BoxOf(e);
-    return {std::clamp(f.a.x + part(f.b.x - f.a.x), box.lowX, box.highX),
-            std::clamp(f.a.y + part(f.b.y - f.a.y), box.lowY, box.highY)};
+    GridBox const box = BoxOf(exchange ? f : e);
+    return {std::clamp(from.x + part(to.x - from.x), box.lowX, box.highX),
+            std::clamp(from.y + part(to.y - from.y), box.lowY, box.highY)};
 }
 
 /// The work of FindCuts().
@@ -151,8 +146,8 @@ private:
             GridEdge const e = mTree.At(i);
             GridEdge const f = mTree.At(j);
             std::int64_t const clearance = mClearances->For(e, f, product);
-            Push(mCuts, i, e, p, kSingle, clearance);
-            Push(mCuts, j, f, p, kSingle, clearance);
+            Push(mCuts, i, e, p, kSingle, mClearances->Within(clearance, p, e, f));
+            Push(mCuts, j, f, p, kSingle, mClearances->Within(clearance, p, f, e));
         }
     }
     void Share(std::size_t i, std::size_t j) {
@@ -181,12 +176,14 @@ private:
             CutAt(Contains(BoxOf(e), q) ? i : j, Contains(BoxOf(e), q) ? q : p);
         }
     }
+    /// True when two points are on the same side of an edge, given Cross() of that edge and each.
+    static bool AreBeside(Int128 a, Int128 b) { return (a < 0) == (b < 0) && a != 0 && b != 0; }
     void Exactly(std::size_t i, std::size_t j) {
         GridEdge const e = mTree.At(i);
         GridEdge const f = mTree.At(j);
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
-        if ((fa > 0 && fb > 0) || (fa < 0 && fb < 0)) {
+        if (AreBeside(fa, fb)) {
             if (mClearances != nullptr && !mClearances->Apart(e, fa, fb)) {
                 Int128 const ea = Cross(f.a, f.b, e.a);
                 if (!mClearances->Apart(f, ea, ea + fa - fb)) {
@@ -198,7 +195,7 @@ private:
         Int128 const ea = Cross(f.a, f.b, e.a);
         // The two triangles on e and the two on f make up the same quadrangle.
         Int128 const eb = ea + fa - fb;
-        if ((ea > 0 && eb > 0) || (ea < 0 && eb < 0)) {
+        if (AreBeside(ea, eb)) {
             if (mClearances != nullptr && !mClearances->Apart(f, ea, eb)) {
                 AddNearMiss(i, j, Nearer(e, ea, eb), fa - fb);
             }
@@ -211,6 +208,10 @@ private:
         // A cross product is zero, as it is where the edges share an end.
         Share(i, j);
         AddNearMiss(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
+        // Edges of different directions that share an end have nothing else in common.
+        if (fa - fb != 0 && ((fa == 0 && IsEnd(e, f.a)) || (fb == 0 && IsEnd(e, f.b)))) {
+            return;
+        }
         if (fa == 0 && Contains(BoxOf(e), f.a)) {
             CutAt(i, f.a);
         }

@@ -28,28 +28,6 @@ inline constexpr Incidence kSingle = 0;
 inline constexpr Incidence kShared = 1;
 inline constexpr Incidence kFirstCrossing = 2;
 
-/// Measures where points are along an edge, in the coordinate in which the edge is longer.
-class MajorAxis {
-public:
-    explicit MajorAxis(GridEdge const& e)
-        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
-          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
-
-    /// Returns the longer coordinate, which grows from the edge's first end to its second.
-    std::int64_t Along(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
-    /// Returns the other coordinate, which does not fall from the first end to the second.
-    std::int64_t Across(GridPoint p) const { return mWide ? p.y * mY : p.x * mX; }
-    /// Returns the point that has these two coordinates.
-    GridPoint Point(std::int64_t along, std::int64_t across) const {
-        return mWide ? GridPoint{along * mX, across * mY} : GridPoint{across * mX, along * mY};
-    }
-
-private:
-    std::int64_t mX;
-    std::int64_t mY;
-    bool mWide;
-};
-
 /// A point at which an edge is to be cut. Where `incidence` is kSingle, it is a near miss instead:
 /// the edge is not cut there, but its parts may meet something if it is cut elsewhere.
 struct Cut {

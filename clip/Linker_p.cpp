@@ -24,7 +24,6 @@ public:
           mGraph(lines, incidences, EqualChains::kCancel), mChains(mGraph.chains), mDone(mScratch),
           mOpen(mScratch) {
         LabelByParity();
-        FindBoundary();
     }
     /// Labels them with 1 where the points to their left belong to the region, else with 0.
     Linker(GridLines const& lines, std::optional<EdgeTree> const& tree,
@@ -34,15 +33,17 @@ public:
           mGraph(lines, incidences, EqualChains::kList), mChains(mGraph.chains), mDone(mScratch),
           mOpen(mScratch) {
         LabelByWinding(mGraph, mRays, region);
-        FindBoundary();
     }
 
     RegionContours Contours() {
         ScratchVector<char> open(2 * mChains.size(), 0, mScratch);
-        for (Number i = 0; i < mChains.size(); ++i) {
+        for (std::size_t i = 0; i < mChains.size(); ++i) {
+            Chain& chain = mChains[i];
+            bool const left = mRegion[chain.left];
+            bool const right = mRegion[chain.left ^ chain.operands];
+            chain.bounds = chain.labelled && left != right;
             // The half-edge that has the region to the left.
-            HalfEdge const entry = 2 * i + (mRegion[mChains[i].left] ? 0 : 1);
-            open[entry] = mChains[i].bounds ? 1 : 0;
+            open[2 * i + (left ? 0 : 1)] = chain.bounds ? 1 : 0;
         }
         return WalkRings(mGraph, std::move(open), nullptr);
     }
@@ -51,8 +52,6 @@ private:
     void LabelByParity();
     /// Labels the chains that have no label yet, by a sweep instead of rays.
     void LabelBySweep();
-    /// Finds the chains on the boundary.
-    void FindBoundary();
     /// Labels all chains that are connected with a labelled one.
     void LabelConnected(Number first);
     void LabelAlong(Number chain);
@@ -199,13 +198,6 @@ void Linker::LabelBySweep() {
             LabelConnected(number);
         }
     });
-}
-
-void Linker::FindBoundary() {
-    for (Chain& chain : mChains) {
-        chain.bounds =
-            chain.labelled && mRegion[chain.left] != mRegion[chain.left ^ chain.operands];
-    }
 }
 
 } // namespace

@@ -39,6 +39,10 @@ public:
 private:
     void PairPartsOf(std::size_t edge);
     void PairWithPartsOf(std::size_t edge, std::size_t part);
+    void AddPair(std::size_t i, std::size_t j) {
+        mPairs.push_back({static_cast<std::uint32_t>(std::min(i, j)),
+                          static_cast<std::uint32_t>(std::max(i, j))});
+    }
 
     SortedCuts const& mSorted;
     PartsOfEdges const& mParts;
@@ -95,6 +99,13 @@ void PartPairs::PairWithPartsOf(std::size_t edge, std::size_t part) {
     if (!box.Meets(BoxOf(mLines.points[begin], last))) {
         return;
     }
+    if (begin + 1 == end) {
+        ++mSteps;
+        if (begin != part) {
+            AddPair(part, begin);
+        }
+        return;
+    }
     MajorAxis const axis({mLines.points[begin], last});
     std::int64_t const low = std::min(axis.Along(e.a), axis.Along(e.b));
     std::int64_t const high = std::max(axis.Along(e.a), axis.Along(e.b));
@@ -109,8 +120,7 @@ void PartPairs::PairWithPartsOf(std::size_t edge, std::size_t part) {
         ++mSteps;
         GridPoint const next = j + 1 < end ? mLines.points[j + 1] : last;
         if (j != part && BoxOf(mLines.points[j], next).Meets(box)) {
-            mPairs.push_back({static_cast<std::uint32_t>(std::min(part, j)),
-                              static_cast<std::uint32_t>(std::max(part, j))});
+            AddPair(part, j);
         }
     }
 }

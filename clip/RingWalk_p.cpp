@@ -39,9 +39,12 @@ public:
         : mGraph(graph), mMarks(std::move(marks)), mEntries(entries), mRings(result.contours),
           mHasOrigins(!graph.lines.origins.empty()), mWalk(graph.chains.get_allocator()),
           mPlace(graph.nodeCount, kNone, graph.chains.get_allocator()) {
-        for (std::size_t half = 0; half < mMarks.size(); ++half) {
-            mMarks[half] =
-                static_cast<char>(mMarks[half] | (graph.chains[half / 2].bounds ? kBounds : 0));
+        char* mark = mMarks.data();
+        for (Chain const& chain : graph.chains) {
+            char const bounds = chain.bounds ? kBounds : 0;
+            mark[0] |= bounds;
+            mark[1] |= bounds;
+            mark += 2;
         }
     }
 
@@ -52,7 +55,8 @@ public:
     }
     /// Makes the rings of all half-edges.
     void WalkAll() {
-        for (HalfEdge half = 0; half < mMarks.size(); ++half) {
+        auto const count = static_cast<HalfEdge>(mMarks.size());
+        for (HalfEdge half = 0; half < count; ++half) {
             if (IsOpen(half)) {
                 WalkFrom(half);
             }
