@@ -4,6 +4,7 @@
 
 #include "CssTokens.h"
 #include "Numbers.h"
+#include "PenNames.h"
 #include "SvgAttributes.h"
 
 #include <algorithm>
@@ -48,6 +49,7 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"stroke-dashoffset", Syntax::kOffset},
                                                  {"stroke-opacity", Syntax::kAny},
                                                  {"fill-opacity", Syntax::kAny},
+                                                 {"opacity", Syntax::kAny},
                                                  {"paint-order", Syntax::kAny},
                                                  {"vector-effect", Syntax::kAny},
                                                  {"color", Syntax::kAny},
@@ -185,9 +187,9 @@ bool IsValid(Property property, std::string const& value, bool css) {
     case Syntax::kOffset:
         return IsPenLength(word, syntax == Syntax::kOffset);
     case Syntax::kJoin:
-        return IsOneOf(word, {"miter", "miter-clip", "round", "bevel"});
+        return JoinNamed(word).has_value();
     case Syntax::kCap:
-        return IsOneOf(word, {"butt", "square", "round"});
+        return CapNamed(word).has_value();
     case Syntax::kNumber:
         return IsNumber(word);
     case Syntax::kDashes:

@@ -39,6 +39,7 @@ enum class Property {
     kStrokeDashoffset,
     kStrokeOpacity,
     kFillOpacity,
+    kOpacity,
     kPaintOrder,
     kVectorEffect,
     kColor,

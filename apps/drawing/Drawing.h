@@ -58,6 +58,8 @@ struct Outline {
     std::string fill = "black";          ///< the paint of its area, as the drawing says; or "none"
     std::string stroke = "none";         ///< the paint of its line
     std::shared_ptr<Pen const> pen = {}; ///< empty for fonts and maps
+    /// The opacity of the element, multiplied by those around it up to `source.placed`.
+    double opacity = 1.0;
     /// The length that dashes take the whole line to have; 0: that which it has.
     double pathLength = 0.0;
     /// How far its curves may be from the circles and arcs that they stand for.

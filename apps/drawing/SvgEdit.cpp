@@ -6,6 +6,7 @@
 #include "Markup.h"
 #include "Numbers.h"
 #include "SvgAttributes.h"
+#include "Warning.h"
 
 #include <trammel/SvgPath.h>
 
@@ -65,6 +66,81 @@ TagSpan TagAt(std::string_view text, std::size_t at) {
     tag.empty = i < text.size() && text[i] == '/';
     tag.end = std::min(text.find('>', i), text.size() - 1) + 1;
     return tag;
+}
+
+/// A gradient or pattern, and the others that its href leads to. Attributes that it lacks come
+/// from them.
+class PaintServer {
+public:
+    PaintServer(SvgDocument const& document, std::string const& id) {
+        constexpr std::size_t kMostLinks = 16;
+        std::string next = id;
+        while (mChain.size() < kMostLinks && !next.empty()) {
+            pugi::xml_node const node = document.Find(next);
+            if (!node) {
+                break;
+            }
+            mChain.push_back(node);
+            mKinds.emplace_back(document.LocalName(node));
+            pugi::xml_attribute const href =
+                node.attribute("href") ? node.attribute("href") : node.attribute("xlink:href");
+            std::string const link = href.value();
+            next = link.empty() || link[0] != '#' ? "" : link.substr(1);
+        }
+    }
+
+    /// "linearGradient", "radialGradient", "pattern" or another name; empty without an element.
+    std::string Kind() const { return mKinds.empty() ? "" : mKinds.front(); }
+    pugi::xml_node Node() const { return mChain.front(); }
+    /// Returns the value of an attribute; empty where none of them has it. \param kind  empty: any
+    std::string Value(char const* name, std::string const& kind = "") const {
+        for (std::size_t i = 0; i < mChain.size(); ++i) {
+            if (mChain[i].attribute(name) && (kind.empty() || kind == mKinds[i])) {
+                return mChain[i].attribute(name).value();
+            }
+        }
+        return "";
+    }
+
+private:
+    std::vector<pugi::xml_node> mChain;
+    std::vector<std::string> mKinds;
+};
+
+/// Returns a share of a box, a number or a percentage.
+double ShareOf(std::string const& text, double otherwise) {
+    try {
+        Length const share = ParseLength(text);
+        return share.unit == "%" ? share.number / 100.0 : share.number;
+    } catch (TextError const&) {
+        return otherwise;
+    }
+}
+
+/// Returns the coordinates of a gradient in shares of its box, as attributes.
+std::string SharesOf(PaintServer const& gradient) {
+    std::string const kind = gradient.Kind();
+    std::string text;
+    auto const add = [&](char const* name, double otherwise) {
+        text += std::string(" ") + name + "=\"" +
+                Exact(ShareOf(gradient.Value(name, kind), otherwise)) + "\"";
+    };
+    if (kind == "linearGradient") {
+        add("x1", 0.0);
+        add("y1", 0.0);
+        add("x2", 1.0);
+        add("y2", 0.0);
+        return text;
+    }
+    for (char const* name : {"cx", "cy", "r"}) {
+        add(name, 0.5);
+    }
+    for (char const* name : {"fx", "fy", "fr"}) {
+        if (!gradient.Value(name, kind).empty()) {
+            add(name, 0.5);
+        }
+    }
+    return text;
 }
 
 /// Returns the offset of the element's end tag; for an empty element, the offset behind it.
@@ -225,6 +301,61 @@ void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
     } catch (TextError const&) { // the reader has warned of it
     }
     SetProperty(element, Property::kTransform, MatrixText(own));
+}
+
+void SvgEdit::RemoveAttribute(std::size_t element, std::string const& name) {
+    mTags[element].attributes[name] = std::nullopt;
+}
+
+std::string SvgEdit::KeptPaint(std::size_t element, std::string const& paint,
+                               TRect<double> const& bounds, CMatrix3x3 const& toNew) {
+    std::string const id = UrlFragment(paint);
+    PaintServer const server(*mDocument, id);
+    std::string const kind = server.Kind();
+    bool const stays = MatrixText(toNew) == MatrixText(CMatrix3x3());
+    if (kind == "pattern") {
+        bool const byBounds = server.Value("patternUnits") != "userSpaceOnUse" ||
+                              server.Value("patternContentUnits") == "objectBoundingBox";
+        if (byBounds || !stays) {
+            Warn(mDocument->File(), mDocument->Place(NodeAt(element)),
+                 "its pattern '#" + id + "' is placed anew by its new outline");
+        }
+        return paint;
+    }
+    bool const byBounds = server.Value("gradientUnits") != "userSpaceOnUse";
+    if ((kind != "linearGradient" && kind != "radialGradient") || (!byBounds && stays)) {
+        return paint;
+    }
+    std::size_t const bracket = std::min(paint.find(')'), paint.size() - 1);
+    std::string const behind = paint.substr(bracket + 1);
+    if (byBounds && (bounds.Width() == 0.0 || bounds.Height() == 0.0)) {
+        return behind.find_first_not_of(kSpace) == std::string::npos
+                   ? "none" // it paints nothing
+                   : behind.substr(behind.find_first_not_of(kSpace));
+    }
+    CMatrix3x3 m;
+    try {
+        m = ParseTransform(server.Value("gradientTransform"));
+    } catch (TextError const&) { // as if it were not there
+    }
+    if (byBounds) {
+        m = m * CMatrix3x3().Scale(bounds.Width(), bounds.Height()).Translate(bounds.TopLeft());
+    }
+    std::string const place = MatrixText(m * toNew);
+    std::string& copy = mGradients[id + " " + place];
+    if (copy.empty()) {
+        copy = FreeId(id + "-kept");
+        bool const old = mDocument->Root().attribute("xmlns:xlink");
+        std::string const text = std::string("<") + server.Node().name() + " id=\"" +
+                                 Escaped(copy) + "\" " + (old ? "xlink:" : "") + "href=\"#" +
+                                 Escaped(id) +
+                                 "\" gradientUnits=\"userSpaceOnUse\" gradientTransform=\"" +
+                                 place + "\"" + (byBounds ? SharesOf(server) : "") + "/>";
+        std::size_t const gradient = mDocument->Offset(server.Node());
+        std::size_t const end = EndOf(mDocument->Text(), gradient);
+        mReplacements.push_back({end, end, SpaceBefore(gradient) + text});
+    }
+    return "url(#" + copy + ")" + behind;
 }
 
 /// Style sheets may have rules for the old type, or for paths. The style attribute keeps the

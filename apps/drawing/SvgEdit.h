@@ -13,6 +13,7 @@
 
 #include <trammel/CMatrix3x3.h>
 #include <trammel/CPath.h>
+#include <trammel/TRect.h>
 
 #include <cstddef>
 #include <map>
@@ -33,6 +34,17 @@ public:
     /// Sets a property, in the place where its winning declaration stands: the style attribute if
     /// style sheets or this attribute declare it, otherwise the attribute of its name.
     void SetProperty(std::size_t element, Property property, std::string const& value);
+
+    /// Removes an attribute.
+    void RemoveAttribute(std::size_t element, std::string const& name);
+
+    /// Returns a paint that looks on another form as `paint` does on this one. A gradient that is
+    /// measured by the bounds of what it paints, or that moves, is copied with other coordinates.
+    /// Warns of a pattern for which that cannot be.
+    /// \param bounds  of the form that had the paint, in its element's coordinates
+    /// \param toNew  from these to the coordinates of the element that gets it
+    std::string KeptPaint(std::size_t element, std::string const& paint,
+                          TRect<double> const& bounds, CMatrix3x3 const& toNew);
 
     /// Sets the transform that the element has by itself.
     void SetTransform(std::size_t element, CMatrix3x3 const& m);
@@ -107,7 +119,8 @@ private:
     Cascade mCascade;
     std::map<std::size_t, Tag> mTags;
     std::vector<Replacement> mReplacements;
-    std::set<std::string> mIds; ///< those given by FreeId
+    std::set<std::string> mIds;                    ///< those given by FreeId
+    std::map<std::string, std::string> mGradients; ///< the ids of copies, by gradient and place
 };
 
 /// Returns a matrix as the value of a transform: "matrix(a,b,c,d,e,f)".

@@ -136,11 +136,68 @@ class Outlines(AppTest):
                 'transform="scale(2)"/>')
         self.run_text("divide", self.write("look.svg", svg(look)), "-o", self.out)
         path = re.search(r'<path id="u-s"[^>]*>', self.read("out.svg").decode()).group()
-        for part in ('class="k"', 'opacity="0.25"', "fill-opacity:.3", "stroke-dasharray:4,2", "stroke-linejoin:round",
+        for part in ('class="k"', "opacity:0.25", "fill-opacity:.3", "stroke-dasharray:4,2", "stroke-linejoin:round",
                      "stroke-width:2"):
             self.assertIn(part, path)
         self.run_text("divide", self.path("in.svg"), "--id", "u/s", "-o", self.out)
         self.assertEqual(self.read("out.svg").decode().count("<use"), 1)
+
+    GRADIENTS = ('<defs><linearGradient id="g"><stop offset="0" stop-color="red"/><stop offset="1"/></linearGradient>'
+                 '<radialGradient id="r" href="#g" fx="20%" gradientTransform="scale(2)"/>'
+                 '<linearGradient id="u" href="#g" gradientUnits="userSpaceOnUse" x2="10"/>'
+                 '<pattern id="p" width=".5" height=".5"><rect width="1" height="1"/></pattern></defs>')
+
+    def test_stroke_keeps_gradients_in_their_places(self):
+        body = (self.GRADIENTS + '<rect id="a" x="5" width="40" height="20" fill="none" stroke="url(#g) red"/>'
+                '<path id="flat" d="M0 50H40" fill="none" stroke="url(#g) lime"/>'
+                '<path id="none" d="M0 60H40" fill="none" stroke="url(#g)"/>'
+                '<rect id="own" y="70" width="40" height="20" fill="none" stroke="url(#u)"/>')
+        self.run_text("stroke", self.write("in.svg", svg(body)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        # The gradient runs over the rectangle, which is narrower than its line.
+        self.assertIn('<linearGradient id="g-kept" xlink:href="#g" gradientUnits="userSpaceOnUse" '
+                      'gradientTransform="matrix(40,0,0,20,5,0)" x1="0" y1="0" x2="1" y2="0"/>', text)
+        for name, fill in (("a", "url(#g-kept) red"), ("flat", "lime"), ("none", "none"), ("own", "url(#u)")):
+            self.assertIn(f'fill="{fill}"', re.search(f'<path id="{name}"[^>]*>', text).group())
+
+    def test_divide_keeps_paints_and_dashes_of_the_whole(self):
+        body = (self.GRADIENTS +
+                '<rect id="a" width="40" height="20" fill="url(#r)" stroke="url(#u)" stroke-dasharray="2 1" '
+                'pathLength="60"/><rect id="b" x="10" y="-5" width="10" height="30"/>')
+        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        self.assertIn('gradientTransform="matrix(80,0,0,40,0,0)" cx="0.5" cy="0.5" r="0.5" fx="0.2"/>', text)
+        for name in ("a", "a-2"):
+            part = re.search(f'<path id="{name}"[^>]*>', text).group()
+            for kept in ('fill="url(#r-kept)"', 'stroke="url(#u)"', 'stroke-dasharray="4,2"'):
+                self.assertIn(kept, part)
+            self.assertNotIn("pathLength", part)
+        file = self.write("pattern.svg", svg(body.replace("#r", "#p")))
+        warned = self.execute("divide", file, "-o", self.out).stderr.decode()
+        self.assertIn("line 2, column", warned)
+        self.assertIn('<rect id="a">: its pattern \'#p\' is placed anew', warned)
+        self.assertEqual(warned.count("\n"), 1)
+
+    def test_divided_copies_keep_the_look_of_sheets_gradients_and_dashes(self):
+        body = ('<style>.half{opacity:50%} #v{opacity:.5}</style>' + self.GRADIENTS +
+                '<defs><g id="s" opacity=".5"><path id="q" class="half" d="M0 0H10V10H0Z" fill="url(#g)"/></g></defs>'
+                '<use id="v" href="#s" transform="translate(5,0) scale(2)" stroke="url(#u)" '
+                'style="stroke-dasharray:1;paint-order:stroke"/>'
+                '<rect id="over" x="10" y="5" width="5" height="50"/>')
+        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        text = self.read("out.svg").decode()
+        part = re.search('<path id="v-q"[^>]*>', text).group()
+        for kept in ("fill:url(#g-kept)", "stroke:url(#u-kept)", "opacity:0.125", "stroke-width:2",
+                     "stroke-dasharray:2", "paint-order:stroke"):
+            self.assertIn(kept, part)
+        self.assertIn('id="g-kept" xlink:href="#g" gradientUnits="userSpaceOnUse" '
+                      'gradientTransform="matrix(20,0,0,20,5,0)"', text)
+        self.assertIn('id="u-kept" xlink:href="#u" gradientUnits="userSpaceOnUse" '
+                      'gradientTransform="matrix(2,0,0,2,5,0)"/>', text)
+        # A transform that is not even cannot be kept in a line, and is named.
+        uneven = self.write("uneven.svg", svg(body.replace("scale(2)", "scale(2,1)")))
+        warned = self.execute("divide", uneven, "-o", self.out).stderr.decode()
+        self.assertRegex(warned, 'line 2, column [0-9]+, <use id="v">: its line is drawn with an even pen')
 
     def test_divide_shows_what_clips_show(self):
         body = ('<clipPath id="p"><rect width="5" height="10"/></clipPath>'

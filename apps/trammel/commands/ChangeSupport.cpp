@@ -7,6 +7,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
+#include "PenNames.h"
 #include "Progress.h"
 #include "Warning.h"
 
@@ -14,6 +15,7 @@
 #include <cstddef>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace tool {
@@ -209,19 +211,17 @@ void RunChange(ChangeOptions const& options, Change const& change) {
 }
 
 trammel::StrokeJoin JoinOf(std::string const& name) {
-    if (name == "miter") {
-        return trammel::StrokeJoin::kMiter;
-    }
-    if (name == "miter-clip") {
-        return trammel::StrokeJoin::kMiterClip;
-    }
-    if (name == "round") {
-        return trammel::StrokeJoin::kRound;
-    }
-    if (name == "bevel") {
-        return trammel::StrokeJoin::kBevel;
+    if (std::optional<trammel::StrokeJoin> const join = JoinNamed(name)) {
+        return *join;
     }
     throw Error("--join", "'" + name + "'", "must be miter, miter-clip, round or bevel");
+}
+
+trammel::StrokeCap CapOf(std::string const& name) {
+    if (std::optional<trammel::StrokeCap> const cap = CapNamed(name)) {
+        return *cap;
+    }
+    throw Error("--cap", "'" + name + "'", "must be butt, square or round");
 }
 
 double MiterLimitOf(std::string const& text) {

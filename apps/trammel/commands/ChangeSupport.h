@@ -86,6 +86,8 @@ void RunChange(ChangeOptions const& options, Change const& change);
 
 /// Returns the join of the name that --join has. Throws Error.
 trammel::StrokeJoin JoinOf(std::string const& name);
+/// Returns the cap of the name that --cap has. Throws Error.
+trammel::StrokeCap CapOf(std::string const& name);
 /// Returns the number of --miter-limit, which is at least 1. Throws Error.
 double MiterLimitOf(std::string const& text);
 

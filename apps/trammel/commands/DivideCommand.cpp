@@ -3,15 +3,21 @@
 #include "ChangeSupport.h"
 #include "Clip.h"
 #include "Commands.h"
+#include "Css.h"
 #include "Divide.h"
 #include "Error.h"
 #include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
+#include "PenNames.h"
 #include "SvgDocument.h"
+#include "Warning.h"
+
+#include <trammel/AccurateCurve.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 #include <set>
 #include <string>
@@ -21,6 +27,9 @@
 namespace tool {
 
 namespace {
+
+/// The share by which a transform may stretch a line more in one direction than in another.
+constexpr double kUneven = 1e-6;
 
 /// The outlines of a drawing, and what becomes of them.
 class Work {
@@ -32,6 +41,7 @@ public:
             if (!outline.clips.empty()) {
                 mClipped.insert(outline.source.element);
             }
+            mWhole.push_back(WholeOf(outline));
         }
         ApplyClips(drawing);
         for (Outline const& outline : drawing.outlines) {
@@ -92,6 +102,31 @@ public:
     }
 
 private:
+    /// What an outline was in its element's coordinates before it was clipped and divided.
+    struct Whole {
+        TRect<double> bounds;
+        double dashScale = 1.0; ///< from the lengths of its dashes to those of its coordinates
+    };
+    /// Returns that; only for what depends on it.
+    static Whole WholeOf(Outline const& outline) {
+        Whole whole;
+        bool const isDashed = outline.pathLength > 0.0 && outline.pen && outline.stroke != "none" &&
+                              !outline.pen->style.dashes.empty();
+        bool const hasServer =
+            !UrlFragment(outline.fill).empty() || !UrlFragment(outline.stroke).empty();
+        CMatrix3x3 own;
+        if ((!isDashed && !hasServer) || outline.source.toDrawing.IsSingular() ||
+            !outline.source.toDrawing.Inverse(own)) {
+            return whole;
+        }
+        CPath const path = Moved(outline.path, own);
+        whole.bounds = DrawnBounds(path);
+        if (isDashed) {
+            whole.dashScale = trammel::ArcLength(path, 0.0) / outline.pathLength;
+        }
+        return whole;
+    }
+
     bool IsDivided(std::size_t i) const {
         return std::binary_search(mPlaces.begin(), mPlaces.end(), i);
     }
@@ -142,48 +177,90 @@ private:
             edit.SetProperty(element, Property::kClipPath, "none"); // the parts are what it shows
         }
         CMatrix3x3 const own = Undone(outline.source.toDrawing, mDrawing, outline);
+        KeepLook(edit, i);
         for (std::size_t k = 1; k < mParts[i].size(); ++k) {
             edit.InsertCopy(element, SvgEdit::Side::kAfter, outline.id, Moved(mParts[i][k], own));
         }
         edit.SetPath(element, Moved(mParts[i].front(), own));
     }
 
-    /// Returns the declarations of the outline's line, whose lengths are multiplied by `scale`.
-    static std::string PenStyle(Outline const& outline, double scale) {
-        Pen const& pen = *outline.pen;
-        static constexpr char const* kJoins[] = {"miter", "miter-clip", "round", "bevel"};
-        static constexpr char const* kCaps[] = {"butt", "square", "round"};
-        std::string text = ";stroke-width:" + Exact(pen.style.width * scale);
-        text += std::string(";stroke-linejoin:") + kJoins[static_cast<int>(pen.style.join)];
-        text += ";stroke-miterlimit:" + Exact(pen.style.miterLimit);
-        text += std::string(";stroke-linecap:") + kCaps[static_cast<int>(pen.style.startCap)];
-        if (pen.opacity != "1") {
-            text += ";stroke-opacity:" + pen.opacity;
-        }
-        if (!pen.style.dashes.empty() && outline.pathLength == 0.0) {
-            text += ";stroke-dasharray:";
-            for (std::size_t k = 0; k < pen.style.dashes.size(); ++k) {
-                text += (k == 0 ? "" : ",") + Exact(pen.style.dashes[k] * scale);
+    /// Parts have other bounds and lengths than the whole, on which paints and dashes may depend.
+    void KeepLook(SvgEdit& edit, std::size_t i) const {
+        Outline const& outline = mDrawing.outlines[i];
+        std::size_t const element = outline.source.element;
+        for (auto const& [property, paint] : {std::pair(Property::kFill, outline.fill),
+                                              std::pair(Property::kStroke, outline.stroke)}) {
+            std::string const kept = edit.KeptPaint(element, paint, mWhole[i].bounds, CMatrix3x3());
+            if (kept != paint) {
+                edit.SetProperty(element, property, kept);
             }
-            text += ";stroke-dashoffset:" + Exact(pen.style.dashOffset * scale);
+        }
+        if (outline.pathLength > 0.0 && outline.pen && !outline.pen->style.dashes.empty()) {
+            double const scale = mWhole[i].dashScale;
+            edit.RemoveAttribute(element, "pathLength");
+            edit.SetProperty(element, Property::kStrokeDasharray,
+                             DashesOf(outline.pen->style, scale));
+            edit.SetProperty(element, Property::kStrokeDashoffset,
+                             Exact(outline.pen->style.dashOffset * scale));
+        }
+    }
+
+    static std::string DashesOf(trammel::StrokeStyle const& style, double scale) {
+        std::string text;
+        for (double const dash : style.dashes) {
+            text += (text.empty() ? "" : ",") + Exact(dash * scale);
         }
         return text;
     }
-    /// Returns the class of the `use` that showed the outline, and the opacity of both elements.
+
+    /// Returns the declarations of the outline's line, in coordinates that the element's become by
+    /// a matrix. Warns of one that deforms the line.
+    std::string PenStyle(std::size_t i, CMatrix3x3 const& toNew) const {
+        Outline const& outline = mDrawing.outlines[i];
+        Pen const& pen = *outline.pen;
+        bool const isFixed = pen.pixel > 0.0; // its width depends on no transform
+        double const scale = isFixed ? 1.0 : Stretch(toNew);
+        double const uneven =
+            std::max(std::abs(toNew.a * toNew.c + toNew.b * toNew.d) / scale,
+                     std::abs(std::hypot(toNew.a, toNew.b) - std::hypot(toNew.c, toNew.d)));
+        if (!isFixed && uneven > scale * kUneven) {
+            Warn(mDrawing.file,
+                 mDrawing.document->Place(mDrawing.document->ElementAt(outline.source.placed)),
+                 "its line is drawn with an even pen, which a transform stretched");
+        }
+        std::string text = ";stroke-width:" + Exact(pen.style.width * scale);
+        text += std::string(";stroke-linejoin:") + NameOf(pen.style.join);
+        text += ";stroke-miterlimit:" + Exact(pen.style.miterLimit);
+        text += std::string(";stroke-linecap:") + NameOf(pen.style.startCap);
+        if (isFixed) {
+            text += ";vector-effect:non-scaling-stroke";
+        }
+        if (pen.paintsFirst) {
+            text += ";paint-order:stroke";
+        }
+        if (pen.opacity != "1") {
+            text += ";stroke-opacity:" + pen.opacity;
+        }
+        if (!pen.style.dashes.empty()) {
+            double const dashScale = scale * mWhole[i].dashScale;
+            text += ";stroke-dasharray:" + DashesOf(pen.style, dashScale);
+            text += ";stroke-dashoffset:" + Exact(pen.style.dashOffset * dashScale);
+        }
+        return text;
+    }
+    /// Returns the class of the `use` that showed the outline, as an attribute. Warns of what the
+    /// `use` has that paths beside it do not get.
     std::string AttributesOfUse(Outline const& outline) const {
         pugi::xml_node const use = mDrawing.document->ElementAt(outline.source.placed);
-        pugi::xml_node const shown = mDrawing.document->ElementAt(outline.source.element);
-        std::string text;
-        if (use.attribute("class")) {
-            text += "class=\"" + Escaped(use.attribute("class").value()) + "\" ";
+        for (char const* name : {"filter", "mask"}) {
+            std::string_view const value = use.attribute(name).value();
+            if (!value.empty() && value != "none") {
+                Warn(mDrawing.file, mDrawing.document->Place(use),
+                     std::string("its ") + name + " is left out, as it is divided");
+            }
         }
-        auto const opacityOf = [](pugi::xml_node element) {
-            std::string_view const value = element.attribute("opacity").as_string("1");
-            double const number = element.attribute("opacity").as_double(1.0);
-            return !value.empty() && value.back() == '%' ? number / 100.0 : number;
-        };
-        double const opacity = opacityOf(use) * opacityOf(shown);
-        return opacity != 1.0 ? text + "opacity=\"" + Exact(opacity) + "\" " : text;
+        return use.attribute("class") ? "class=\"" + Escaped(use.attribute("class").value()) + "\" "
+                                      : "";
     }
 
     /// The parts become paths beside the `use` that showed the outline.
@@ -191,13 +268,20 @@ private:
         Outline const& outline = mDrawing.outlines[i];
         CMatrix3x3 const beside = Undone(outline.source.beside, mDrawing, outline);
         bool const evenOdd = outline.rule == trammel::FillRule::kEvenOdd;
-        std::string style = "fill:" + outline.fill + ";stroke:" + outline.stroke +
+        CMatrix3x3 const toNew = outline.source.toDrawing * beside;
+        auto const kept = [&](std::string const& paint) {
+            return edit.KeptPaint(outline.source.placed, paint, mWhole[i].bounds, toNew);
+        };
+        std::string style = "fill:" + kept(outline.fill) + ";stroke:" + kept(outline.stroke) +
                             (evenOdd ? ";fill-rule:evenodd" : "");
+        if (outline.opacity != 1.0) {
+            style += ";opacity:" + Exact(outline.opacity);
+        }
         if (outline.pen && outline.pen->fillOpacity != "1") {
             style += ";fill-opacity:" + outline.pen->fillOpacity;
         }
         if (outline.stroke != "none" && outline.pen) {
-            style += PenStyle(outline, Stretch(outline.source.toDrawing) * Stretch(beside));
+            style += PenStyle(i, toNew);
         }
         std::string const attributes =
             AttributesOfUse(outline) + "style=\"" + Escaped(style) + "\"";
@@ -216,6 +300,7 @@ private:
     std::set<std::size_t> mClipped;             ///< elements of which a clip hides something
     std::vector<std::size_t> mPlaces;           ///< the outlines to divide, by index
     std::vector<std::vector<CPath>> mParts;     ///< by index
+    std::vector<Whole> mWhole;                  ///< by index
 };
 
 void Run(ChangeOptions const& options) {

@@ -2,6 +2,7 @@
 
 #include "ChangeSupport.h"
 #include "Commands.h"
+#include "Css.h"
 #include "Error.h"
 #include "Numbers.h"
 #include "Outlines.h"
@@ -26,19 +27,6 @@ struct Options {
     std::string dash;
     std::string dashOffset;
 };
-
-trammel::StrokeCap CapOf(std::string const& name) {
-    if (name == "butt") {
-        return trammel::StrokeCap::kButt;
-    }
-    if (name == "square") {
-        return trammel::StrokeCap::kSquare;
-    }
-    if (name == "round") {
-        return trammel::StrokeCap::kRound;
-    }
-    throw Error("--cap", "'" + name + "'", "must be butt, square or round");
-}
 
 /// Returns the style with what the options say of it.
 trammel::StrokeStyle StyleOf(Options const& options, trammel::StrokeStyle style) {
@@ -110,7 +98,13 @@ void Paint(SvgEdit& edit, Outline const& outline) {
         return;
     }
     std::size_t const element = outline.source.element;
-    edit.SetProperty(element, Property::kFill, outline.stroke);
+    std::string paint = outline.stroke;
+    CMatrix3x3 own;
+    if (!UrlFragment(paint).empty() && !outline.source.toDrawing.IsSingular() &&
+        outline.source.toDrawing.Inverse(own)) {
+        paint = edit.KeptPaint(element, paint, DrawnBounds(Moved(outline.path, own)), CMatrix3x3());
+    }
+    edit.SetProperty(element, Property::kFill, paint);
     edit.SetProperty(element, Property::kStroke, "none");
     if (outline.pen && outline.pen->opacity != outline.pen->fillOpacity) {
         edit.SetProperty(element, Property::kFillOpacity, outline.pen->opacity);
