@@ -275,7 +275,7 @@ template <class Vector> struct PanelLine {
     }
 };
 
-/// The vectors of a cubic that its points and chords take, as they stand in a FlatPack.
+/// The vectors of a cubic that its points and chords take.
 ///
 /// w is an eighth of the second derivative, which is linear. `startH` and `startV` are w at 0, and
 /// `riseH` and `riseV` half of its change from 0 to 1.
@@ -316,10 +316,7 @@ template <class Vector>
 /// Its maximum is a convex function of the two products. So linear interpolation bounds it, between
 /// quotients of 0, 3/4 and infinity. The curve does not leave the chord at an end where no w on it
 /// is longer than |d|/(4h²). The square of none is greater than 5/4·(w² + (2hr)²).
-///
-/// A curve runs onward if no two of its derivatives point more than a right angle apart. Then it
-/// does not leave any chord at an end, and its chords are as long as they have to be.
-template <bool kOnward, class Vector>
+template <class Vector>
 [[gnu::always_inline]] inline unsigned KeepChords(ChordCubic<Vector> const& c, Vector const& limit,
                                                   ChordEnds<Vector> const& from,
                                                   ChordEnds<Vector> const& to) {
@@ -336,13 +333,9 @@ template <bool kOnward, class Vector>
     Vector const off = width2 * Max(mean + Vector(0.02024) * change,
                                     Vector(0.91895) * mean + Vector(0.1283014) * change);
     auto const near = off * off <= limit * square;
-    if constexpr (kOnward) {
-        return near.Bits();
-    } else {
-        Vector const second = (wh * wh + wv * wv) + width2 * c.steep;
-        auto const within = (width2 * width2) * second <= Vector(0.05) * square;
-        return (near & within & IsChord(square, limit)).Bits();
-    }
+    Vector const second = (wh * wh + wv * wv) + width2 * c.steep;
+    auto const within = (width2 * width2) * second <= Vector(0.05) * square;
+    return (near & within & IsChord(square, limit)).Bits();
 }
 
 /// Returns for each place of `to` the one before it. The one before the first is the last of
@@ -358,13 +351,13 @@ template <class Vector>
 
 /// Stores the points at four parameters, and returns the chords to them that KeepChords tells.
 /// `before` holds the ends of the chords before, and gets these.
-template <bool kOnward, class Vector>
+template <class Vector>
 [[gnu::always_inline]] inline unsigned StoreChords(ChordCubic<Vector> const& c, Vector const& limit,
                                                    Vector const& t, ChordEnds<Vector>& before,
                                                    double* out) {
     ChordEnds<Vector> const ends = EndsAt(c, t);
     StoreEnds(c, ends, out);
-    return KeepChords<kOnward>(c, limit, Before(before, ends), ends);
+    return KeepChords(c, limit, Before(before, ends), ends);
 }
 
 inline constexpr double kFewMiddles[kFewPanels] = {0.125, 0.375, 0.625, 0.875};
@@ -778,7 +771,7 @@ template <class Vector>
     for (int i = 0; i < count; i += 4) {
         ChordEnds<Vector> const at = {Vector::Load(chords.t + 1 + i), Vector::Load(h + i),
                                       Vector::Load(v + i)};
-        unsigned const keep = KeepChords<false>(cubic, limit, Before(before, at), at);
+        unsigned const keep = KeepChords(cubic, limit, Before(before, at), at);
         keeping |= std::uint64_t{keep} << static_cast<unsigned>(i);
     }
     chords.failing = ~keeping & Ones(count);
@@ -845,7 +838,7 @@ template <int kMost, class Vector>
     for (int i = 0; i < kMost; i += 4) { // the points beyond the last one, too: no branch
         Vector const t = FewEnds(panels, Vector::Load(kNumbers + i), step, last);
         t.Store(chords.t + 1 + i);
-        keeping |= StoreChords<false>(cubic, limit, t, ends, out + std::ptrdiff_t{2} * i)
+        keeping |= StoreChords(cubic, limit, t, ends, out + std::ptrdiff_t{2} * i)
                    << static_cast<unsigned>(i);
     }
     chords.failing = ~std::uint64_t{keeping} & Ones(count);

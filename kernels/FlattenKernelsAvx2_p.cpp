@@ -20,12 +20,8 @@ int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, Fl
     return DivideIntoChordsForm<WideDouble4>(points, tolerance, out, chords);
 }
 
-void PlanPackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
-    PlanPackForm<WideDouble4>(curves, tolerance, pack);
-}
-
-int DividePackedAvx2(FlatPack const& pack, int curve, int count, double* out) {
-    return DividePackedForm<WideDouble4>(pack, curve, count, out);
+void DividePackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
+    DividePackForm<WideDouble4>(curves, tolerance, pack);
 }
 
 } // namespace trammel_detail

@@ -20,12 +20,8 @@ int DivideIntoChordsPortable(double const* points, double tolerance, double* out
     return DivideIntoChordsForm<Double4>(points, tolerance, out, chords);
 }
 
-void PlanPackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
-    PlanPackForm<Double4>(curves, tolerance, pack);
-}
-
-int DividePackedPortable(FlatPack const& pack, int curve, int count, double* out) {
-    return DividePackedForm<Double4>(pack, curve, count, out);
+void DividePackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack) {
+    DividePackForm<Double4>(curves, tolerance, pack);
 }
 
 } // namespace trammel_detail

@@ -5,7 +5,7 @@
 //
 // A caller tries DivideIntoChords first. For more chords it calls PlanFlattening, sets the number
 // of chords in the plan, and calls NextFlatRun until a run has no points. The curves of a path go
-// four at a time through PlanPack, and those of few chords one by one through DividePacked.
+// four at a time through DividePack.
 
 #ifndef TRAMMEL_FLATTENKERNELS_P_H
 #define TRAMMEL_FLATTENKERNELS_P_H
@@ -184,40 +184,23 @@ int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, Fl
 
 /// The curves of a FlatPack.
 inline constexpr int kPack = 4;
-/// The numbers of a curve that computing its points takes.
-inline constexpr int kPackNumbers = 13;
 
-/// Four curves that are planned together.
+/// Four curves that are divided together.
 struct FlatPack {
-    double const* curves[kPack]; ///< v and h of the curves' points
-    double tolerance;
-    double limit;                        ///< its square
-    unsigned onward;                     ///< bit i: no chord of curve i can be left at an end
-    unsigned even;                       ///< bit i: curve i takes equal steps of the parameter
-    double inverse[kPack];               ///< of the number of equal steps
-    double numbers[kPackNumbers][kPack]; ///< of each curve, see ChordCubic
-    double chords[kPack];                ///< the numbers of chords, 1 to kFewChords; else 0
-    double t[2][kPack][4]; ///< the parameters at the ends of chords 0 to 3 and 4 to 7 of each
+    double chords[kPack]; ///< the numbers of chords, up to kFewChords and one more; else 0
+    /// v and h of the chords' ends. The last chord's is not known exactly.
+    double points[kPack][2 * (kFewChords + 1)];
 };
 
-void PlanPackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
-void PlanPackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
+void DividePackPortable(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
+void DividePackAvx2(double const* const (&curves)[kPack], double tolerance, FlatPack& pack);
 
-/// Plans the chords of four curves, of which each is given by v and h of its four points in turn.
-/// They are those of DivideIntoChords. The number is 0 for a curve on which that has to be called.
-[[gnu::always_inline]] inline void PlanPack(double const* const (&curves)[kPack], double tolerance,
-                                            FlatPack& pack) {
-    Dispatch<PlanPackPortable, PlanPackAvx2>(curves, tolerance, pack);
-}
-
-int DividePackedPortable(FlatPack const& pack, int curve, int count, double* out);
-int DividePackedAvx2(FlatPack const& pack, int curve, int count, double* out);
-
-/// Computes the points at the ends of the planned chords, more than one, as DivideIntoChords does.
-/// Returns the number of chords, or 0 where some are not known to keep the tolerance.
-[[gnu::always_inline]] inline int DividePacked(FlatPack const& pack, int curve, int count,
-                                               double* out) {
-    return Dispatch<DividePackedPortable, DividePackedAvx2>(pack, curve, count, out);
+/// Divides four curves into few chords, of which each is given by v and h of its four points in
+/// turn. The chords are those of DivideIntoChords. The number is 0 for a curve on which that has to
+/// be called. What lies in the pack behind a curve's points means nothing.
+[[gnu::always_inline]] inline void DividePack(double const* const (&curves)[kPack],
+                                              double tolerance, FlatPack& pack) {
+    Dispatch<DividePackPortable, DividePackAvx2>(curves, tolerance, pack);
 }
 
 } // namespace trammel_detail

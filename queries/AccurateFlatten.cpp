@@ -35,8 +35,9 @@
 // second differences of the control points are short enough, without a test of each chord. They
 // are taken where a bound says that no plan has fewer chords.
 //
-// Paths. Of four curves that follow each other, a vector has one in each lane, and they are planned
-// together. Each lane computes what the single curve does, so the points are the same.
+// Paths. Of four curves that follow each other, a vector has one in each lane, and they are divided
+// together where they take few chords. Each lane computes what the single curve does, so the points
+// are the same.
 
 #include "AccurateCurve.h"
 #include "AccurateCurve_p.h"
@@ -58,6 +59,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <type_traits>
 #include <utility>
@@ -438,7 +440,7 @@ void StoreRun(Pt const& origin, double const* h, double const* v, long count, do
 template <class Use> class Collecting {
 public:
     explicit Collecting(Use const& use) : mUse(use) {}
-    double* Room() { return mBuffer.RoomForBlock(); }
+    double* Room(int = kChordRoom) { return mBuffer.RoomForBlock(); }
     void Added(int count) { mBuffer.AddStored(count); }
     void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) { mBuffer.Add(p); }
@@ -511,37 +513,109 @@ private:
     Pt mOrigin;
 };
 
-/// Some elements of a path, whose curves are planned together.
+/// Stores a path's points in FlatContours. Until this is destroyed, more points may lie there than
+/// it has stored. They are points of the path before, and origins.
+class StoringContours {
+public:
+    explicit StoringContours(FlatContours& out)
+        : mOut(out), mPoints(out.points.data()), mRoom(out.points.size()) {}
+    StoringContours(StoringContours const&) = delete;
+    StoringContours& operator=(StoringContours const&) = delete;
+    ~StoringContours() { mOut.points.resize(mCount); }
+
+    double* Room(int count = kChordRoom) {
+        Reserve(static_cast<std::size_t>(count));
+        return &mPoints[mCount].v;
+    }
+    void Added(int count) { mCount += static_cast<std::size_t>(count); }
+    void SetOrigin(Pt const& origin) { mOrigin = origin; }
+    void Place(Pt const& p) {
+        Reserve(1);
+        mPoints[mCount++] = p;
+    }
+    void Point(Pt const& relative) { Place(mOrigin + relative); }
+    void Run(double const* h, double const* v, int count) {
+        Reserve(static_cast<std::size_t>(count));
+        StoreRun(mOrigin, h, v, count, &mPoints[mCount].v);
+        Added(count);
+    }
+    void Begin(Pt const& p) { Place(p); }
+    void End(bool closed) {
+        mOut.contours.push_back({mBegin, mCount, closed});
+        mBegin = mCount;
+    }
+
+private:
+    void Reserve(std::size_t count) {
+        if (mRoom - mCount < count) {
+            Grow();
+        }
+    }
+    /// Makes room for FlatRun::kRoom points more.
+    [[gnu::noinline]] void Grow() {
+        mRoom += FlatRun::kRoom;
+        mOut.points.resize(mRoom);
+        mPoints = mOut.points.data();
+    }
+
+    FlatContours& mOut;
+    Pt* mPoints;
+    std::size_t mRoom;      ///< the number of points in `mOut`
+    std::size_t mCount = 0; ///< the number of points that are stored
+    std::size_t mBegin = 0; ///< the contour's first point
+    Pt mOrigin;
+};
+
+/// The numbers of points that the codes of a path take.
+struct PointsTaken {
+    std::uint8_t points[256];
+};
+constexpr PointsTaken PointsTakenByCodes() {
+    PointsTaken taken{};
+    taken.points[kPathMove] = 1;
+    taken.points[kPathLine] = 1;
+    taken.points[kPathCurve] = 3;
+    return taken;
+}
+constexpr PointsTaken kTaken = PointsTakenByCodes();
+
+/// Some elements of a path, whose curves are divided together.
 class PathBlock {
+    static constexpr int kCodes = 64; ///< the most elements
+
 public:
     PathBlock(CPath const& path, double tolerance)
         : mTolerance(tolerance), mCode(path.mCtls.data()), mCodes(mCode + path.mCtls.size()),
           mPoint(path.mPts.data()), mPoints(mPoint + path.mPts.size()) {}
 
-    /// Steps over the next elements: those with the next kPack curves, or all that are left.
-    /// Returns false when there are none, or where the points do not suffice.
+    /// Steps over the next elements, and divides their curves. Returns false when there are none,
+    /// or where the points do not suffice.
     bool Next() {
         mBegin = mCode;
         mAt = mPoint;
         char const* code = mCode;
-        Pt const* point = mPoint;
+        char const* const end = code + std::min(mCodes - code, std::ptrdiff_t{kCodes});
+        std::size_t left = static_cast<std::size_t>(mPoints - mPoint);
+        std::size_t at[kCodes + 1]; // the points that are left where the curves begin
         int count = 0;
-        for (; code != mCodes && count < kPack; ++code) {
-            auto const taken = static_cast<std::ptrdiff_t>(trammel_detail::PointCount(*code));
-            if (mPoints - point < taken) {
+        for (; code != end; ++code) {
+            std::size_t const taken = kTaken.points[static_cast<unsigned char>(*code)];
+            if (left < taken) {
                 mCodes = code;
                 break;
             }
-            if (*code == kPathCurve) {
-                mCurves[count++] = StartOf(point);
-            }
-            point += taken;
+            at[count] = left; // no branch: the next one may overwrite it
+            count += *code == kPathCurve ? 1 : 0;
+            left -= taken;
         }
         mCode = code;
-        mPoint = point;
-        if (count > 0) {
-            std::fill(mCurves + count, mCurves + kPack, mCurves[0]);
-            PlanPack(mCurves, mTolerance, mPack);
+        mPoint = mPoints - left;
+        for (int i = 0; i < count; i += kPack) {
+            double const* curves[kPack];
+            for (int k = 0; k < kPack; ++k) { // the last one again where there are fewer
+                curves[k] = StartOf(mPoints - at[std::min(i + k, count - 1)]);
+            }
+            DividePack(curves, mTolerance, mPacks[i / kPack]);
         }
         return mCode != mBegin;
     }
@@ -551,6 +625,7 @@ public:
         Pt const* at = mAt;
         int curve = 0;
         bool begun = open;
+        bool divided = false;
         for (char const* code = mBegin; code != mCode; ++code) {
             switch (*code) {
             case kPathLine:
@@ -560,11 +635,14 @@ public:
                 break;
             case kPathCurve: {
                 Begin(sink, begun, at);
-                double const distance = Curve(sink, curve++, at);
+                if (Divided(sink, curve++)) {
+                    divided = true;
+                } else {
+                    CBezier const whole(Start(at), at[0], at[1], at[2]);
+                    kept = Greater(kept, FlattenBetween(whole, mTolerance, sink));
+                }
                 sink.Place(at[2]);
                 at += 3;
-                // A NaN stays: it says that the path has a curve that no lines are near.
-                kept = kept != kept || distance <= kept ? kept : distance;
                 break;
             }
             case kPathMove:
@@ -580,7 +658,7 @@ public:
             }
         }
         open = begun;
-        return kept;
+        return divided ? Greater(kept, mTolerance) : kept;
     }
 
 private:
@@ -601,17 +679,29 @@ private:
             open = true;
         }
     }
-    template <class Sink> double Curve(Sink& sink, int curve, Pt const* points) const {
-        int chords = static_cast<int>(mPack.chords[curve]);
-        if (chords > 1) {
-            chords = DividePacked(mPack, curve, chords, sink.Room());
-        }
+    /// Returns the greater distance. A NaN stays in `kept`: it says that the path has a curve that
+    /// no lines are near.
+    static double Greater(double kept, double distance) {
+        return kept != kept || distance <= kept ? kept : distance;
+    }
+    /// Hands on the points between the ends of a curve, by its number. False where it has none.
+    template <class Sink> bool Divided(Sink& sink, int curve) const {
+        FlatPack const& pack = mPacks[curve / kPack];
+        int const lane = curve % kPack;
+        auto const chords = static_cast<int>(pack.chords[lane]);
         if (chords == 0) {
-            CBezier const whole(Start(points), points[0], points[1], points[2]);
-            return FlattenBetween(whole, mTolerance, sink);
+            return false;
+        }
+        double* const room = sink.Room(trammel_detail::kFewChords);
+        double const* const ends = pack.points[lane];
+        constexpr int half = trammel_detail::kFewChords / 2;
+        constexpr std::size_t size = half * sizeof(Pt);
+        std::memcpy(room, ends, size); // no branch for fewer points
+        if (chords > half + 1) {
+            std::memcpy(room + std::ptrdiff_t{2} * half, ends + std::ptrdiff_t{2} * half, size);
         }
         sink.Added(chords - 1);
-        return mTolerance;
+        return true;
     }
 
     double mTolerance;
@@ -622,9 +712,8 @@ private:
     char const* mBegin = mCode; ///< the first element of the block
     Pt const* mAt = mPoint;     ///< its first point
     Pt const* mFirstPoint = mPoint;
-    double const* mCurves[kPack] = {};
     std::array<Pt, 4> mFirst; ///< a curve at the path's beginning, which starts at the origin
-    FlatPack mPack;
+    FlatPack mPacks[kCodes / kPack];
 };
 
 /// Flattens a path. `sink` takes points as FlattenBetween hands them on, and always has room. It
@@ -723,26 +812,8 @@ Flattened FlattenInto(CBezier const& curve, double tolerance, TPoint<double>* po
 }
 
 double FlattenInto(CPath const& path, double tolerance, FlatContours& out) {
-    out.points.clear();
     out.contours.clear();
-    auto const append = [&out](Pt const* points, int count) {
-        out.points.insert(out.points.end(), points, points + count);
-    };
-    class Contours : public Collecting<decltype(append)> {
-    public:
-        Contours(decltype(append) const& use, FlatContours& out) : Collecting(use), mOut(out) {}
-        void Begin(Pt const& p) { Place(p); }
-        void End(bool closed) {
-            Finish();
-            mOut.contours.push_back({mBegin, mOut.points.size(), closed});
-            mBegin = mOut.points.size();
-        }
-
-    private:
-        FlatContours& mOut;
-        std::size_t mBegin = 0;
-    };
-    Contours contours(append, out);
+    StoringContours contours(out);
     return FlattenPath(path, tolerance, contours);
 }
 

@@ -674,6 +674,7 @@ TEST(FlattenInto, OfAPathTellsContoursAndWhetherTheyAreClosed) {
 
 TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
     Random random(42);
+    trammel::FlatContours flat; // keeps its memory, for shorter paths and longer ones
     for (int i = 0; i < 50; ++i) {
         CPath path;
         ContourText expected;
@@ -708,7 +709,6 @@ TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
             }
             expected.End(contour % 2 == 0);
         }
-        trammel::FlatContours flat;
         EXPECT_EQ(FlattenInto(path, 0.3, flat), 0.3);
         ASSERT_TRUE(TextOf(flat) == expected.text) << i;
         ContourText handed;
