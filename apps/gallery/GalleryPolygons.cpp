@@ -11,6 +11,7 @@
 #include "OwnedPolygon.h"
 #include "SvgShapes.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/CBSpline.h>
 #include <trammel/CBezier.h>
 #include <trammel/CGPathBuilder.h>
@@ -171,13 +172,13 @@ Plate DrawQuadratics(GalleryInput const& input) {
         CBezier const raised(curve.P0, TPt(curve.P0, curve.P1, 2.0 / 3.0),
                              TPt(curve.P2, curve.P1, 2.0 / 3.0), curve.P2);
         TPolygon<double> rawPolygon;
-        curve.AddSegmentToPoly(rawPolygon, kError);
+        trammel::FlattenWithin(curve, kError, rawPolygon);
         TPolygon<double> raisedPolygon;
-        raised.Flatten(raisedPolygon, kError);
+        trammel::FlattenWithin(raised, kError, raisedPolygon);
         rawPoints += static_cast<std::size_t>(rawPolygon.LastIndex());
         raisedPoints += static_cast<std::size_t>(raisedPolygon.LastIndex());
         rawLength += rawPolygon.Length();
-        raisedLength += raised.Length();
+        raisedLength += trammel::ArcLength(raised, 0.0);
     }
     canvas.Fill(leftPath, palette::sky, 0.2);
     canvas.Stroke(leftPath, palette::blue, 2.5);
@@ -197,7 +198,7 @@ Plate DrawQuadratics(GalleryInput const& input) {
         controls.push_back(curve.P1);
         controls.push_back(curve.P2);
         TPolygon<double> polygon;
-        curve.Flatten(polygon, kError);
+        trammel::FlattenWithin(curve, kError, polygon);
         cubicPoints += static_cast<std::size_t>(polygon.LastIndex());
     }
     canvas.Fill(rightPath, palette::sky, 0.2);

@@ -9,6 +9,8 @@
 #include "Picture.h"
 #include "Progress.h"
 
+#include <trammel/AccurateCurve.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -93,7 +95,7 @@ private:
 Drawing LoadDrawing(std::string const& file) {
     Drawing drawing = ReadDrawing(file, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     auto const hasNoLength = [](Outline const& outline) {
-        double const length = outline.path.Length();
+        double const length = trammel::ArcLength(outline.path, 0.0);
         return !(length > 0.0 && std::isfinite(length));
     };
     drawing.outlines.erase(
