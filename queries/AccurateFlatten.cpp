@@ -531,7 +531,7 @@ public:
     void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) {
         Reserve(1);
-        mPoints[mCount++] = p;
+        mOut.points[mCount++] = p;
     }
     void Point(Pt const& relative) { Place(mOrigin + relative); }
     void Run(double const* h, double const* v, int count) {
