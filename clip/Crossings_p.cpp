@@ -49,7 +49,7 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
     // Two edges that cross have no end in common, so the point is no end of one of them, and that
     // one is cut.
     std::size_t const kExactRounds = 2;
-    std::size_t const kMonotoneFrom = 50;
+    std::size_t const kMonotoneFrom = 24;
     Clearances const clearances(grid);
     incidences.assign(lines.points.size(), kSingle);
     ScratchVector<char> active(incidences.get_allocator());

@@ -579,7 +579,7 @@ void ExpectNoCrossings(GridLines const& lines) {
 TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
     // The vertices lie a few doubles around a power of two, in a drawing much larger than that. The
     // doubles just below the power count as twice as far apart as they are. The first of these
-    // drawings takes more than 50 rounds, in which the diagonals of a square come back again and
+    // drawings takes more than 24 rounds, in which the diagonals of a square come back again and
     // again. So do some of the random ones.
     std::vector<std::vector<std::pair<int, int>>> drawings = {{{-7, -8},
                                                                {-7, -7},
