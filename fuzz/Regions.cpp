@@ -341,11 +341,20 @@ void CheckAreas(Operands const& operands, RingList const& rings, Regions const& 
     }
     for (trammel::PolygonWithHoles const& region : regions) {
         double const area = trammel::Area(region);
-        Require(!(area < 0.0), "a polygon has no negative area");
+        std::size_t vertices = region.outer.size();
+        double least = std::abs(trammel::SignedArea(region.outer)); // of all rings
+        for (trammel::Ring const& hole : region.holes) {
+            vertices += hole.size();
+            least = std::min(least, std::abs(trammel::SignedArea(hole)));
+        }
+        // The bound of Moments.h, with the length of the rings that the vertices allow
+        double const off =
+            0x1p-46 * 2.0 * static_cast<double>(vertices) * operands.size * operands.size;
+        Require(!(area < -off), "a polygon has no negative area");
         ofRegions += area;
         trammel::PolygonWithHoles turned = region;
         trammel::OrientRings(turned);
-        Require(turned.outer == region.outer && turned.holes == region.holes,
+        Require(!(least > off) || (turned.outer == region.outer && turned.holes == region.holes),
                 "rings run as their directions tell");
         Box const bounds = trammel::Bounds(region);
         for (trammel::Ring const& hole : region.holes) {
