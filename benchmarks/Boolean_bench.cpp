@@ -107,7 +107,8 @@ void Boolean(benchmark::State& state, Kind kind, std::size_t size, TPolyOp op,
         state.SkipWithError("asks for valid polygons, and has nothing that makes them so");
         return;
     }
-    if (peer.recursesByFaces && kind == Kind::kCombs && size > 300) {
+    bool const isDeep = (kind == Kind::kCombs && size > 300) || (kind == Kind::kGrid && size > 200);
+    if (peer.recursesByFaces && isDeep) {
         state.SkipWithError("recurses too deep for the stack");
         return;
     }
@@ -168,7 +169,7 @@ bool Register() {
         {"combs", Kind::kCombs, {10, 100, 300, 1000}},
         {"saws", Kind::kSaws, {10, 100, 1000, 10000}},
         {"hatch", Kind::kHatch, {100, 1000, 3000}},
-        {"grid", Kind::kGrid, {40, 400}},
+        {"grid", Kind::kGrid, {40, 200, 400}},
         {"star", Kind::kStar, {101, 401}},
         {"strips", Kind::kStrips, {400, 4000}},
         {"nested", Kind::kNested, {400, 4000}},
