@@ -585,7 +585,8 @@ inline constexpr int kAdded = 8;
 
 /// Verifies failing chords again, by the longer test that decides. Divides chords in the middle
 /// where they fail again, and their halves, too. Adds no more than `most` chords. Returns the
-/// number of chords, and sets which of them fail still.
+/// number of chords, and sets which of them fail still. Where more than four fail, they stay as
+/// they are.
 template <class Vector>
 [[gnu::noinline]] int MendChords(ChordCubic<Vector> const& cubic, double tolerance, int most,
                                  double* out, int count, FlatChords& chords) {
@@ -714,7 +715,8 @@ template <class Vector>
     Vector const perChord = Vector(count * (1.0 / total));
     double firsts[kSomePanels]; // the first chord that ends in each panel, in the last bits
     for (int i = 0; i < kSomeVectors; ++i) {
-        ((starts[i] * perChord - Vector(0.5)) + Vector(kWhole))
+        // A sum below kWhole would have other last bits, where the processor rounds downwards.
+        (Max(starts[i] * perChord - Vector(0.5), Vector(0.0)) + Vector(kWhole))
             .Store(firsts + std::ptrdiff_t{4} * i);
     }
     // The place of each chord's panel. A panel overwrites what the one before it stored for its

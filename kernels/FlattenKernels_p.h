@@ -169,14 +169,14 @@ int DivideIntoChordsPortable(double const* points, double tolerance, double* out
 int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, FlatChords& chords);
 
 /// Divides a curve into one to kSomeChords chords, and verifies them. `points` has v and h of its
-/// four points in turn. Returns the number of chords. The result is 0 for a curve that takes more
-/// of them, and where the tolerance is not above kFinest of the size.
+/// four points in turn. Returns the number of chords, or
+/// - 0 for a curve that takes more of them,
+/// - -1 where the tolerance is not above kFinest of the size, or products might overflow or
+///   underflow.
 ///
 /// `out` has room for kChordRoom points and gets v and h of the points at the chords' ends. The
 /// last point, and what lies behind it, mean nothing. Where a chord fails, it was divided in the
-/// middle, or the parameters are set. The
-/// result is -1 where products might overflow or underflow, and for a curve so small beside its
-/// coordinates that only rounding is left of it.
+/// middle, or the parameters are set.
 [[gnu::always_inline]] inline int DivideIntoChords(double const* points, double tolerance,
                                                    double* out, FlatChords& chords) {
     return Dispatch<DivideIntoChordsPortable, DivideIntoChordsAvx2>(points, tolerance, out, chords);

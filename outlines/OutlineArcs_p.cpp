@@ -86,9 +86,13 @@ WorkFrame::WorkFrame(Box<double> const& bounds)
     // Halves, as the differences may overflow.
     double const half =
         std::max(bounds.highX / 2.0 - bounds.lowX / 2.0, bounds.highY / 2.0 - bounds.lowY / 2.0);
+    double const farthest = std::max(std::max(std::abs(bounds.lowX), std::abs(bounds.highX)),
+                                     std::max(std::abs(bounds.lowY), std::abs(bounds.highY)));
+    // An extent that is smaller than the rounding of a coordinate counts as that rounding.
+    double const least = std::max(half, farthest * 0x1p-53);
     int exponent = 0;
-    std::frexp(half, &exponent); // half < 2^exponent
-    if (half == 0.0) {
+    std::frexp(least, &exponent); // least < 2^exponent
+    if (least == 0.0) {
         exponent = -1074; // half of the smallest number is rounded to 0
     }
     // The extent becomes 1 to 2. Subnormal numbers keep what they have.
@@ -98,8 +102,6 @@ WorkFrame::WorkFrame(Box<double> const& bounds)
     mUpAgain = std::ldexp(1.0, up - first);
     mDown = std::ldexp(1.0, -first);
     mDownAgain = std::ldexp(1.0, first - up);
-    double const farthest = std::max(std::max(std::abs(bounds.lowX), std::abs(bounds.highX)),
-                                     std::max(std::abs(bounds.lowY), std::abs(bounds.highY)));
     mSpacing = std::max(LengthToWork(farthest * 0x1p-52), LengthToWork(0x1p-1074));
 }
 

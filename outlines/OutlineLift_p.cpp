@@ -100,7 +100,7 @@ FlatOutlines::FlatOutlines(OutlineArcs& from) : arcs(from) {
                 if (!use.paced && k != begin && k != end) {
                     Pt const& place = from.vertices.WorkPlace(parts->VertexAt(use.arc, k));
                     along = PaceAt(from, use, place, along);
-                    // Parameters stay in order, even if a search ends beside another place.
+                    // Parameters do not decrease, even if a search ends beside another place.
                     along = along > last && along < 1.0 ? along : 0.5 * (last + 1.0);
                 }
                 last = along;

@@ -25,11 +25,11 @@
 // bound holds for the distance of the curve from the chord and for the distance of the chord from
 // the curve. A chord that fails the test is divided.
 //
-// Four points are computed and verified at a time. Up to 32 chords first get a shorter test, which
-// asks more of them (KeepChords). A chord that fails it gets the test above. Chords that still fail
-// are divided in their middles, all in one vector, and so are halves that fail. Only where that
-// would take too many chords, each that fails is divided piece by piece. A rough plan only decides
-// about the number of points.
+// Four points are computed and verified at a time. Up to 32 chords first get a shorter test
+// (KeepChords). A chord that fails it gets the test above. Chords that still fail
+// are divided in their middles, all in one vector, and so are halves that fail. Where many
+// fail, or that would take too many chords, each that fails is tested and divided piece by piece. A
+// rough plan only decides about the number of points.
 //
 // Quadratic curves, raised to cubic ones. Equal steps of the parameter keep the tolerance where the
 // second differences of the control points are short enough, without a test of each chord. They

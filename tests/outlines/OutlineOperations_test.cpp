@@ -501,6 +501,20 @@ TEST(OutlineOperations, KeepASmallDistanceBesideTheSmallestNumber) {
     }
 }
 
+TEST(OutlineOperations, KeepASmallDistanceWhereAnExtentIsBelowTheRoundingOfCoordinates) {
+    for (double const extent : {std::numeric_limits<double>::denorm_min(), 1e-320, 1e-300, 1e-16}) {
+        CPath line;
+        line.MoveTo(Pt(100, 0)).LineTo(Pt(100, extent)).ClosePath();
+        CPath curve;
+        curve.MoveTo(Pt(100, 0)).CurveTo(Pt(100, 0), Pt(100, 0), Pt(100, extent)).ClosePath();
+        for (CPath const& path : {line, curve}) {
+            CPath out;
+            EXPECT_LE(RemoveOverlap(path, kNonZero, 0.0, out), 1e-11) << extent;
+            EXPECT_LE(Boolean(kPolyUnion, path, kNonZero, path, kNonZero, 0.0, out), 1e-11);
+        }
+    }
+}
+
 TEST(OutlineOperations, KeepWhatLiesBetweenACurveAndALineThatCrossesItNearAHalving) {
     // The line ends in the curve's end and crosses it beside a parameter of n/8. There the curve
     // is cut in halves, so both may become one vertex. The lens between them has no chord then.

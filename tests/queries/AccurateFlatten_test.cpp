@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cfenv>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
@@ -686,6 +687,12 @@ TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
             for (int k = 0; k < segments; ++k) {
                 CBezier curve = AnyCurve(random);
                 curve = CBezier(at, curve.P1, curve.P2, curve.P3);
+                if (k % 5 == 2) { // it goes on in one direction, at an uneven speed
+                    Pt const ahead = random.Point(1);
+                    Pt const slow = at + ahead * 0.5;
+                    Pt const fast = slow + (ahead + random.Point(0.3)) * 15.0;
+                    curve = CBezier(at, slow, fast, fast + (ahead + random.Point(0.3)) * 10.0);
+                }
                 if (i % 3 == 2 || k % 3 == 1) {
                     curve = trammel_detail::Raised(CBSpline(at, curve.P1, curve.P3));
                 }
@@ -714,6 +721,30 @@ TEST(FlattenInto, OfAPathHasThePointsOfItsCurves) {
         ContourText handed;
         FlattenTo(path, 0.3, handed);
         ASSERT_TRUE(handed.text == expected.text) << i;
+    }
+}
+
+TEST(FlattenInto, StaysWithinItsMemoryWhicheverWayNumbersAreRounded) {
+    std::vector<int> const directions = {
+        FE_TONEAREST,
+#ifdef FE_DOWNWARD
+        FE_DOWNWARD,
+#endif
+#ifdef FE_TOWARDZERO
+        FE_TOWARDZERO,
+#endif
+#ifdef FE_UPWARD
+        FE_UPWARD,
+#endif
+    };
+    CBezier const curve({0, 0}, {300, 0}, {390, 0}, {400, 100});
+    for (int const direction : directions) {
+        std::fesetround(direction);
+        std::vector<Pt> const points = Into(curve, 0.1);
+        std::fesetround(FE_TONEAREST);
+        EXPECT_GE(points.size(), 20U) << direction;
+        EXPECT_LE(points.size(), 40U) << direction;
+        EXPECT_EQ(points.back(), Pt(400, 100)) << direction;
     }
 }
 

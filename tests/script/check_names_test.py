@@ -46,6 +46,10 @@ class Clashes(unittest.TestCase):
         text = "#define OPEN {\n// struct {\nstruct A; enum B : int; auto const s = \"struct C {\"; struct D f() { return {}; }"
         self.assertEqual(self.names(text, text), [])
 
+    def test_reads_one_branch_of_a_condition(self):
+        text = "#if A\nenum E : int {\n#else\nenum E {\n#endif\n};\nstruct S {};"
+        self.assertEqual(self.names(text, "struct S { int i; };"), ["S"])
+
 
 if __name__ == "__main__":
     unittest.main()
