@@ -32,9 +32,10 @@ typedef trammel_detail::Box<double> Box;
 /// Pieces of so many pairs of edges are compared. Larger ones count as apart, and get more
 /// vertices.
 constexpr std::size_t kMostEdgePairs = 4096;
-/// To find out what a chord has passed, so many edges are looked at, or a few times its piece's.
-/// A chord that takes more gets more vertices.
+/// To find out what a chord has passed, so many edges are looked at ...
 constexpr std::size_t kMostSideEdges = 65536;
+/// ... and each edge of its piece so often again. A chord that would take more gets more vertices.
+constexpr std::size_t kMostSideLooks = 4;
 
 /// A straight line between two vertices, by number.
 struct Line {
@@ -220,14 +221,12 @@ private:
                 marks.Mark(q);
             }
         });
-        MarkPassing(places, boxes, marks);
+        MarkPassing(places, marks);
     }
     /// Marks the chords that lie on another side of a vertex than their pieces. Nothing crosses
     /// where the rounds end, so one vertex tells where all lines lie that are joined to it. The
     /// ends of each arc are tested, and one vertex between that it keeps.
-    /// \param boxes  of the chords, by place
-    void MarkPassing(std::vector<PiecePlace> const& places, std::vector<Box> const& boxes,
-                     PieceMarks& marks) const {
+    void MarkPassing(std::vector<PiecePlace> const& places, PieceMarks& marks) const {
         std::vector<std::size_t> tested;
         for (std::size_t i = 0; i < mChains.size(); ++i) {
             std::vector<std::size_t> const& ids = mMap.arcs[i];
@@ -242,19 +241,18 @@ private:
         for (std::size_t const id : tested) {
             points.push_back(mMeetings.BoxOf({id, id}));
         }
-        // A chord and its piece lie within the chord's distance, and so does all that they enclose.
+        // A chord and its piece enclose nothing outside of the box of their vertices.
         std::vector<PiecePlace> passing;
-        std::vector<Box> wide;
-        for (std::size_t i = 0; i < places.size(); ++i) {
-            ArcChord const& chord = ChordAt(places[i]);
+        std::vector<Box> pieces;
+        for (PiecePlace const& place : places) {
+            ArcChord const& chord = ChordAt(place);
             if (!chord.IsEdge()) {
-                double const reach = chord.distance * mScale;
-                passing.push_back(places[i]);
-                wide.push_back(boxes[i].Widened(reach, reach));
+                passing.push_back(place);
+                pieces.push_back(PieceBox(place.chain, chord));
             }
         }
         std::vector<std::size_t> edges(passing.size(), 0); // looked at
-        trammel_detail::BoxTree(wide).ForMeeting(
+        trammel_detail::BoxTree(pieces).ForMeeting(
             trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t k) {
                 std::vector<std::size_t> const& ids = mMap.arcs[passing[i].chain];
                 ArcChord const& chord = ChordAt(passing[i]);
@@ -264,12 +262,21 @@ private:
                     return;
                 }
                 std::size_t const count = chord.to - chord.from;
-                edges[i] += count;
-                if (edges[i] > kMostSideEdges + 4 * count ||
+                if (edges[i] + count > kMostSideEdges + kMostSideLooks * count ||
                     mMeetings.WindingAround(id, &ids[chord.from], &ids[chord.to]) != 0) {
                     marks.Mark(passing[i]);
                 }
+                edges[i] += count;
             });
+    }
+    /// The box of all vertices that a chord replaces, and of its ends. O(edges of the piece).
+    Box PieceBox(std::size_t arc, ArcChord const& chord) const {
+        std::vector<std::size_t> const& ids = mMap.arcs[arc];
+        Box box;
+        for (std::size_t i = chord.from; i <= chord.to; ++i) {
+            box.Include(mVertices[ids[i]].h, mVertices[ids[i]].v);
+        }
+        return box;
     }
     /// True when the pieces that two chords replace meet.
     bool PiecesMeet(std::size_t arcA, ArcChord const& a, std::size_t arcB,

@@ -371,6 +371,21 @@ class Outlines(AppTest):
             self.run_text("simplify", name, "--no-new-crossings", "--tolerance", "1", "-o", self.out)
             self.assertTrue(self.measure_file("out.svg"))
 
+    def test_simplify_tells_once_that_other_copies_may_cross(self):
+        file = self.write("in.svg", svg(
+            '<path id="a" d="M0 0H9V9"/><use href="#a" x="20"/><use href="#a" x="40"/>'
+            '<path id="b" d="M0 20H9V29"/><use href="#b" x="20"/><path id="c" d="M0 40H9V49"/>'))
+        told = self.execute("simplify", file, "--no-new-crossings", "-o", self.out)
+        self.assertEqual((told.returncode, told.stderr.count(b"\n")), (0, 1))
+        self.assertIn(b"a: is drawn 3 times; copies other than the largest one may cross others, "
+                      b"as may those of 1 more element\n", told.stderr)
+        self.fails("simplify", file, "--no-new-crossings", "--strict", "-o", self.out, names=["3 times"])
+        # Nothing is told where each copy is an outline of its own, or only elements without copies
+        # take part.
+        self.run_text("simplify", file, "--no-new-crossings", "-o", self.path("out.png"))
+        self.run_text("simplify", file, "--no-new-crossings", "--id", "c", "-o", self.out)
+        self.run_text("simplify", file, "-o", self.out)
+
     def test_fit_puts_curves_in_place_of_lines(self):
         points = " ".join(f"{50 + 40 * math.cos(a / 50 * math.pi)},"
                           f"{50 + 40 * math.sin(a / 50 * math.pi)}" for a in range(100))

@@ -78,6 +78,26 @@ std::map<Outline const*, CPath> FormsOf(Change const& change, Drawing const& dra
     return forms;
 }
 
+/// Warns once where outlines that are made together are drawn several times, as only one copy of
+/// each is compared with the others.
+void TellCopies(Drawing const& drawing, std::vector<Outline const*> const& outlines) {
+    Outline const* first = nullptr;
+    std::size_t others = 0;
+    for (Outline const* const outline : outlines) {
+        if (outline->source.copies > 1) {
+            others += first != nullptr ? 1 : 0;
+            first = first != nullptr ? first : outline;
+        }
+    }
+    if (first != nullptr) {
+        std::string const more = std::to_string(others) + " more element" + (others > 1 ? "s" : "");
+        Warn(drawing.file, first->id,
+             "is drawn " + std::to_string(first->source.copies) +
+                 " times; copies other than the largest one may cross others" +
+                 (others > 0 ? ", as may those of " + more : ""));
+    }
+}
+
 } // namespace
 
 void AddChangeOptions(Command const& command, ChangeOptions& options, ToleranceShare const& share) {
@@ -155,6 +175,9 @@ void RunChange(ChangeOptions const& options, Change const& change) {
     std::vector<Outline const*> changing;
     std::copy_if(all.begin(), all.end(), std::back_inserter(changing),
                  [&](Outline const* outline) { return !stays(*outline); });
+    if (keeps && change.forms) {
+        TellCopies(drawing, changing);
+    }
     Progress progress(change.progress, drawing.outlines.size());
     std::size_t done = 0;
     std::map<Outline const*, CPath> made = FormsOf(change, drawing, changing, tolerance);

@@ -57,14 +57,15 @@ void AddSimplify(Command const& app) {
         app.AddCommand("simplify", "Writes the outlines with fewer curves and lines");
     AddChangeOptions(command, options->change, kShare);
     command.AddFlag("--no-new-crossings", options->noNewCrossings,
-                    "Let nothing cross, touch or change sides that does not yet, in the whole "
-                    "drawing; outlines keep their common borders");
+                    "Let nothing cross, touch or change sides that does not yet, among the chosen "
+                    "outlines; they keep their common borders");
     AddChangeOutput(command, options->change);
     command.SetFooter(
         "Curves that meet smoothly become one curve, and lines that continue each other one line. "
         "Corners stay.\nNo point of either outline is farther than the tolerance from the other.\n"
         "With --no-new-crossings, the chosen outlines are simplified together, each glyph of a "
-        "font for itself.\n"
+        "font for itself.\nOf an element that an SVG drawing shows several times, the largest copy "
+        "takes part.\n"
         "An SVG drawing is kept: only the forms of the elements change.\n"
         "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg");
     command.SetAction([options] { Run(*options); });
