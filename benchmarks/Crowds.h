@@ -23,8 +23,8 @@ struct Crowd {
 /// 4 where the name says dense. Circles of 64 vertices and outlines of countries have a cover of 1.
 std::vector<std::string> Names();
 
-/// Returns the crowd of a name. Made at the first call. Without map data the countries have no
-/// rings.
+/// Returns the crowd of a name, which is made at the first call. Without map data the countries
+/// have no rings.
 Crowd const& Get(std::string const& name);
 
 } // namespace crowds

@@ -52,8 +52,8 @@ namespace trammel {
 /// Cost: O(n log n); with kAvoid also O(k) for k pairs of lines whose boxes meet, in at most 24
 /// rounds, mostly two or three. An arc is tested by its ends and by one vertex between that it
 /// keeps. For each of these vertices in the box of its piece, a line also looks at all edges of the
-/// piece. At most it looks at 65,536 edges, and at each one of its piece four times. A line that
-/// would need more gets more vertices, even where it has passed nothing. Long slanting needles
+/// piece. The sum of these edges is at most 65,536 plus four times the edges of the piece. A line
+/// that would need more gets more vertices, even where it has passed nothing. Long slanting needles
 /// beside each other may have all n tested vertices in each box, which takes O(n²) steps.
 /// \param tolerance in coordinate units, inclusive.
 TRAMMEL_API double SimplifyRings(std::vector<Ring> const& rings, double tolerance,
