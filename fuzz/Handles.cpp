@@ -117,7 +117,7 @@ void Ask(CFPolygonRef const& polygon, Input& in) {
 
 void CountElement(void* count, CGPathElement const*) { ++*static_cast<long*>(count); }
 
-/// Copies, what is made of a handle, and what answers about its outline.
+/// Copies a polygon, makes other objects of its handle, and asks about its outline.
 void Copy(CFPolygonRef& polygon, Input& in) {
     Pt const p = in.Point();
     Box const from = in.Rect();

@@ -42,7 +42,8 @@ void Strokes(Input& in);
 void Offsets(Input& in);
 /// Both polygons against their plain forms, PreparedPolygon against the polygon.
 void Polygons(Input& in);
-/// Handle polygons of foreign bytes, changed at random, and what is made of them.
+/// Handle polygons of foreign bytes. The target changes them at random, and makes paths and
+/// outlines of them.
 void Handles(Input& in);
 /// Boolean operations.
 void Clip(Input& in);

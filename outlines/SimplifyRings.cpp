@@ -32,9 +32,9 @@ typedef trammel_detail::Box<double> Box;
 /// Pieces of so many pairs of edges are compared. Larger ones count as apart, and get more
 /// vertices.
 constexpr std::size_t kMostEdgePairs = 4096;
-/// To find out what a chord has passed, so many edges are looked at ...
+/// The test of what a chord has passed looks at kMostSideEdges edges at most, and at each edge of
+/// its piece kMostSideLooks times more. A chord that would take more gets more vertices.
 constexpr std::size_t kMostSideEdges = 65536;
-/// ... and each edge of its piece so often again. A chord that would take more gets more vertices.
 constexpr std::size_t kMostSideLooks = 4;
 
 /// A straight line between two vertices, by number.

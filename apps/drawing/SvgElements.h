@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // SvgElements: the walk over the elements of an SVG document that ReadSvg makes. SvgReader.h says
-// what is read. SvgReader.cpp has the structure and the clips, and SvgForms.cpp the lengths, lines
-// and forms of single elements.
+// what it reads. SvgReader.cpp walks over the structure and makes the clips. SvgForms.cpp reads
+// the lengths, lines and forms of single elements.
 
 #ifndef TRAMMEL_APP_SVGELEMENTS_H
 #define TRAMMEL_APP_SVGELEMENTS_H
