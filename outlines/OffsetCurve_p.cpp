@@ -39,6 +39,8 @@ constexpr double kEnoughOff = 1.0 / 16.0;
 constexpr double kSameDirection = 0x1p-80;
 /// How far rounding may be off in sums of products of coordinates, as a share of these.
 constexpr double kTurnRounding = 0x1p-48;
+/// How far rounding may be off in the square of a curve's speed, as a share of the greatest one.
+constexpr double kSquareRounding = 0x1p-48;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
@@ -82,6 +84,7 @@ struct BendOfPart {
     std::array<Pt, 3> speed;      ///< a third of the derivative
     std::array<double, 5> square; ///< of that
     std::array<double, 3> bend;   ///< the third power of the speed times the curvature
+    double rounding = 0.0;        ///< how far `square` may be off, at any cut
     double from = 0.0;
     double to = 1.0;
     int depth = 0;
@@ -95,11 +98,13 @@ struct BendOfPart {
         square = {
             {Square(a), Dot(a, b), (2.0 * Square(b) + Dot(a, d)) / 3.0, Dot(b, d), Square(d)}};
         bend = {{Cross(a, b) / 1.5, Cross(a, d) / 3.0, Cross(b, d) / 1.5}};
+        rounding = kSquareRounding * *std::max_element(square.begin(), square.end());
     }
     void Cut(BendOfPart& left, BendOfPart& right) const {
         Halve(speed, left.speed, right.speed);
         Halve(square, left.square, right.square);
         Halve(bend, left.bend, right.bend);
+        left.rounding = right.rounding = rounding;
         left.from = from;
         right.to = to;
         left.to = right.from = 0.5 * (from + to);
@@ -124,7 +129,9 @@ struct BendOfPart {
     /// Returns the fold of the part, see CurveStretch, or kUnseenFold where that is not plain. What
     /// folds by less than `slack`, a part of the radius, does not fold.
     int FoldBeside(double radius, double slack) const {
-        double const low = std::max(*std::min_element(square.begin(), square.end()), 0.0);
+        // Where a straight curve turns back, the bend is 0, and rounding must not be the speed.
+        double const low =
+            std::max(*std::min_element(square.begin(), square.end()) - rounding, 0.0);
         double const high = *std::max_element(square.begin(), square.end());
         double const least = low * std::sqrt(low);
         double const most = high * std::sqrt(high);

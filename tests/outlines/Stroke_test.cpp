@@ -280,6 +280,24 @@ TEST(Stroke, TurnsRoundAtACuspInsideACurve) {
     EXPECT_NEAR(SignedArea(Stroked(path, Plain(2))), 15 + pi / 2, 1e-5);
 }
 
+TEST(Stroke, TurnsRoundWhereRoundingLeavesASpeedAtTheTurn) {
+    // Each turns at a binary fraction of the parameter. The square of the speed is 0 there, but its
+    // coefficients have thirds, which doubles round.
+    struct {
+        double start, control1, control2, end;
+        double length; // of what they cover
+    } const lines[] = {{1.0, 0.0, 0.0, 1.0, 0.75},
+                       {0.0, 2.0, 1.25, 0.75, 1.3125},
+                       {0.0, 1.5, 1.25, 1.25, 1.265625},
+                       {0.0, -0.75, -1.25, 0.5, 1.1875}};
+    for (auto const& line : lines) {
+        CPath path;
+        path.MoveTo(Pt(line.start, 0.0)).AddCtl(kPathCurve);
+        path.AddPt(Pt(line.control1, 0.0)).AddPt(Pt(line.control2, 0.0)).AddPt(Pt(line.end, 0.0));
+        EXPECT_NEAR(SignedArea(Stroked(path, Round(1))), line.length + pi / 4, 1e-5);
+    }
+}
+
 TEST(Stroke, LeavesOutSubpathsThatAreNotFinite) {
     CPath path = Path("M0 0 L10 0");
     path.MoveTo(Pt(0.0, 5.0)).LineTo(Pt(kNaN, 5.0));
