@@ -21,6 +21,8 @@ using trammel::ElementSource;
 double const kRoundings = 0x1p-40;
 /// Points become one, curves become one, and ends move with them: each by some reach.
 double const kReaches = 4.0;
+/// Lines in a contact are that near to the curve that replaces them, beside the reach.
+double const kMended = 0x1p-8;
 
 /// Returns which share of a line leads to a point, from its start. A line that is so small beside
 /// the drawing that squares underflow has a share along its longer side.
@@ -242,6 +244,10 @@ private:
                   [this](Contour const& a, Contour const& b) { return ComesFirst(a, b); });
     }
     void Take(Run const& run);
+    void MendContacts();
+    bool Mend(Run& before, Run const* lines, Run const* end, Run const& after) const;
+    bool IsBeside(ElementStretch const& stretch, Pt const& start, Run const* lines,
+                  Run const* end) const;
     void Write(Contour const& contour, bool backwards);
     void WriteClosed();
     void WriteOpen(Pt const& start);
@@ -561,6 +567,85 @@ void Lift::WriteOpen(Pt const& start) {
     mPath->mCurrentPt = last;
 }
 
+/// True when lines from a point on, and a stretch of an element, run beside each other within a
+/// small part of the reach.
+bool Lift::IsBeside(ElementStretch const& stretch, Pt const& start, Run const* lines,
+                    Run const* end) const {
+    WorkFrame const& frame = mFlat.arcs.Frame();
+    double const near = kMended * mFlat.arcs.Reach();
+    Cubic const& whole = mFlat.arcs.Wholes()[stretch.element].c;
+    Cubic part = PartOf({frame.ToWork(whole[0]), frame.ToWork(whole[1]), frame.ToWork(whole[2]),
+                         frame.ToWork(whole[3])},
+                        std::min(stretch.from, stretch.to), std::max(stretch.from, stretch.to));
+    if (stretch.from > stretch.to) {
+        part = Reversed(part);
+    }
+    MoveEnds(part, frame.ToWork(start), frame.ToWork(end[-1].end));
+    double last = 0.0;
+    for (; lines != end; ++lines) {
+        double t = 1.0;
+        bool const isLast = lines + 1 == end;
+        if (!isLast && !FindOnMonotone(part, false, frame.ToWork(lines->end), near, t)) {
+            return false;
+        }
+        if (t < last || HeightBesideChord(PartOf(part, last, t)) > near) {
+            return false;
+        }
+        last = t;
+    }
+    return true;
+}
+
+/// Puts a stretch of an element in place of lines between two runs, if one run goes on as the
+/// other. `before` becomes the run of all of them.
+bool Lift::Mend(Run& before, Run const* lines, Run const* end, Run const& after) const {
+    bool const isForward = before.from < before.to;
+    if (!before.curve || before.element != after.element || after.firm ||
+        isForward != (after.from < after.to) ||
+        (isForward ? before.to > after.from : before.to < after.from) ||
+        std::any_of(lines, end, [](Run const& line) { return line.firm; }) ||
+        !IsBeside({before.element, before.to, after.from}, before.end, lines, end)) {
+        return false;
+    }
+    before.to = after.to;
+    before.end = after.end;
+    return true;
+}
+
+/// Takes lines that were put in out of a closed contour where it goes on as it came.
+void Lift::MendContacts() {
+    auto const isPutIn = [](Run const& run) { return run.element == kNoIndex; };
+    auto const first = std::find_if_not(mRuns.begin(), mRuns.end(), isPutIn);
+    if (first == mRuns.end() || std::none_of(mRuns.begin(), mRuns.end(), isPutIn)) {
+        return;
+    }
+    auto const turn = first - mRuns.begin();
+    std::rotate(mRuns.begin(), first, mRuns.end());
+    std::size_t count = 1; // of runs that are kept; lines after the last element among them
+    std::size_t before = 0; // the last element
+    for (std::size_t i = 1; i < mRuns.size(); ++i) {
+        Run const run = mRuns[i];
+        if (!isPutIn(run) && count > before + 1 &&
+            Mend(mRuns[before], &mRuns[before + 1], mRuns.data() + count, run)) {
+            count = before + 1;
+            continue;
+        }
+        before = isPutIn(run) ? before : count;
+        mRuns[count++] = run;
+    }
+    mRuns.resize(count);
+    std::size_t const lines = count - 1 - before; // at the end
+    Run last = mRuns[before];
+    if (before > 0 && lines > 0 &&
+        Mend(last, &mRuns[before + 1], mRuns.data() + count, mRuns.front())) {
+        mRuns.resize(before);
+        mRuns.front() = last;
+    } else {
+        auto const back = std::min(static_cast<std::ptrdiff_t>(lines), turn);
+        std::rotate(mRuns.begin(), mRuns.end() - back, mRuns.end());
+    }
+}
+
 void Lift::Write(Contour const& contour, bool backwards) {
     std::size_t const begin = mLines.Begin(contour.index);
     std::size_t const count = mLines.End(contour.index) - begin;
@@ -575,6 +660,7 @@ void Lift::Write(Contour const& contour, bool backwards) {
             at = at + 1 < begin + count ? at + 1 : begin;
         }
     }
+    MendContacts();
     WriteClosed();
 }
 
