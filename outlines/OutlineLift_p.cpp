@@ -177,6 +177,7 @@ struct Run {
     double from;
     double to;
     Pt end;
+    ElementStretch chordOf = {kNoIndex, 0.0, 0.0}; ///< what a line in a contact stands for
 };
 
 /// The work of lifting lines of the polygon engine.
@@ -244,6 +245,7 @@ private:
                   [this](Contour const& a, Contour const& b) { return ComesFirst(a, b); });
     }
     void Take(Run const& run);
+    void RestoreChords();
     void MendContacts();
     bool Mend(Run& before, Run const* lines, Run const* end, Run const& after) const;
     bool IsBeside(ElementStretch const& stretch, Pt const& start, Run const* lines,
@@ -401,6 +403,9 @@ Run Lift::RunAt(std::size_t i, std::size_t contour, bool backwards) const {
     }
     if (element.curve) {
         if (mWhole[i] == 0 || mPresent[edge.part] == 2) {
+            if (mWhole[i] != 0 && !mFlat.parts->IsIncomplete()) {
+                run.chordOf = mFlat.arcs.OnWhole({run.element, run.from, run.to});
+            }
             run.element = kNoIndex;
             run.curve = false;
         }
@@ -612,6 +617,39 @@ bool Lift::Mend(Run& before, Run const* lines, Run const* end, Run const& after)
     return true;
 }
 
+/// Makes curves of a row of chords again if the polygon engine has cut none of them.
+void Lift::RestoreChords() {
+    auto const isPutIn = [](Run const& run) { return run.element == kNoIndex; };
+    auto const isCut = [&](Run const& run) {
+        return isPutIn(run) && run.chordOf.element == kNoIndex;
+    };
+    auto const first = std::find_if_not(mRuns.begin(), mRuns.end(), isPutIn);
+    auto const turn = first - mRuns.begin();
+    if (first == mRuns.end() || std::none_of(mRuns.begin(), mRuns.end(), isPutIn)) {
+        return;
+    }
+    std::rotate(mRuns.begin(), first, mRuns.end());
+    for (auto line = mRuns.begin(); line != mRuns.end();) {
+        line = std::find_if(line, mRuns.end(), isPutIn);
+        auto const end = std::find_if_not(line, mRuns.end(), isPutIn);
+        bool const isWhole = std::none_of(line, end, isCut);
+        for (; line != end; ++line) {
+            if (isWhole) {
+                line->element = line->chordOf.element;
+                line->from = line->chordOf.from;
+                line->to = line->chordOf.to;
+                line->curve = true;
+            }
+        }
+    }
+    std::rotate(mRuns.begin(), mRuns.end() - turn, mRuns.end());
+    std::vector<Run> runs;
+    runs.swap(mRuns);
+    for (Run const& run : runs) {
+        Take(run);
+    }
+}
+
 /// Takes lines that were put in out of a closed contour where it goes on as it came.
 void Lift::MendContacts() {
     auto const isPutIn = [](Run const& run) { return run.element == kNoIndex; };
@@ -621,7 +659,7 @@ void Lift::MendContacts() {
     }
     auto const turn = first - mRuns.begin();
     std::rotate(mRuns.begin(), first, mRuns.end());
-    std::size_t count = 1; // of runs that are kept; lines after the last element among them
+    std::size_t count = 1;  // of runs that are kept; lines after the last element among them
     std::size_t before = 0; // the last element
     for (std::size_t i = 1; i < mRuns.size(); ++i) {
         Run const run = mRuns[i];
@@ -660,6 +698,7 @@ void Lift::Write(Contour const& contour, bool backwards) {
             at = at + 1 < begin + count ? at + 1 : begin;
         }
     }
+    RestoreChords();
     MendContacts();
     WriteClosed();
 }

@@ -454,6 +454,46 @@ TEST(OutlineOperations, CutCirclesWhereTheyCross) {
               }));
 }
 
+TEST(OutlineOperations, KeepElementsBitForBitWhereOutlinesTouchAtATangency) {
+    CPath const round = Path("M2 0C2 1.1 1.1 2 0 2C-1.1 2 -2 1.1 -2 0C-2 -1.1 -1.1 -2 0 -2C1.1 -2 "
+                             "2 -1.1 2 0Z");
+    std::mt19937_64 random(5);
+    std::uniform_real_distribution<double> share(0.02, 0.98);
+    for (int i = 0; i < 100; ++i) {
+        CPath a = round;
+        trammel_test::TurnAndMove(a, 0.06 * i, Pt());
+        double const u = share(random);
+        trammel::PathSegment const curve = *trammel::Segments(a).begin();
+        Pt const place = PointAt(curve, u);
+        Pt const first = PointAt(curve, u + 1e-3) - PointAt(curve, u - 1e-3);
+        Pt const second = PointAt(curve, u + 2e-3) - PointAt(curve, u - 2e-3);
+        Pt const along = first * 8.0 - second; // of a cubic curve that is the tangent
+        Pt const tangent = along * (1.0 / along.Length());
+        CPath outer = a; // on the other side of the tangent
+        CPath inner = a;
+        double const size = i % 2 == 0 ? 1.0 : share(random);
+        for (std::size_t k = 0; k < a.mPts.size(); ++k) {
+            Pt const way = a.mPts[k] - place;
+            double const beyond = way.h * tangent.h + way.v * tangent.v;
+            outer.mPts[k] = place + (tangent * (2.0 * beyond) - way) * size;
+            inner.mPts[k] = place + way * (0.9 * size);
+        }
+        std::vector<Pt> both = a.mPts;
+        both.insert(both.end(), outer.mPts.begin(), outer.mPts.end());
+        CPath out;
+        Boolean(kPolyUnion, a, kNonZero, outer, kNonZero, 0.0, out);
+        EXPECT_EQ(both, out.mPts) << i;
+        Boolean(kPolyXor, a, kNonZero, outer, kNonZero, 0.0, out);
+        EXPECT_EQ(both, out.mPts) << i;
+        Boolean(kPolyDifference, a, kNonZero, outer, kNonZero, 0.0, out);
+        EXPECT_EQ(a.mPts, out.mPts) << i;
+        Boolean(kPolyUnion, a, kNonZero, inner, kNonZero, 0.0, out);
+        EXPECT_EQ(a.mPts, out.mPts) << i;
+        Boolean(kPolyIntersection, a, kNonZero, inner, kNonZero, 0.0, out);
+        EXPECT_EQ(inner.mPts, out.mPts) << i;
+    }
+}
+
 TEST(OutlineOperations, LeaveAnOutlineWithoutOverlapAsItIs) {
     std::string const text = "M10 0L20 0C20 5 25 10 30 10L30 30C10 30 0 20 0 10C0 5 5 0 10 0ZM12 "
                              "10C12 12 14 14 16 14C18 14 20 12 20 10Z";
