@@ -171,11 +171,11 @@ void ChainGraph::MakeSharedNodes() {
             continue;
         }
         if (chain.other == kNone) {
-            edges.push_back({PointOf(chain, 0), PointOf(chain, 1), 2 * i});
+            edges.emplace_back(PointOf(chain, 0), PointOf(chain, 1), 2 * i);
         }
         if (chains[chain.next].other == kNone) {
-            edges.push_back(
-                {PointOf(chain, chain.count), PointOf(chain, chain.count - 1), 2 * i + 1});
+            edges.emplace_back(PointOf(chain, chain.count), PointOf(chain, chain.count - 1),
+                               2 * i + 1);
         }
     }
     if (edges.empty()) {

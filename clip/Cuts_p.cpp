@@ -338,7 +338,7 @@ std::size_t InsertCuts(ScratchVector<Cut> cuts, Keep keep, EdgeTree const& tree,
             across = cuts[i].across;
             GridPoint const p = axis.Point(cuts[i].along, across);
             if (vertices.size() == first || p != vertices.back().at) {
-                vertices.push_back({edge, p});
+                vertices.emplace_back(edge, p);
             }
         }
         std::size_t const parts = vertices.size() - first + 1;

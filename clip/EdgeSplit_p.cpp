@@ -227,32 +227,13 @@ void Splitter::PairAll(std::size_t begin) {
                 continue;
             }
             if (box.Meets(BoxOf(f)) && MayBeNear(e, f, mMargin)) {
-                mPairs.push_back({std::min(mItems[i], mItems[j]), std::max(mItems[i], mItems[j])});
+                mPairs.emplace_back(std::min(mItems[i], mItems[j]), std::max(mItems[i], mItems[j]));
             }
         }
     }
 }
 
-/// True when both ends of f are certainly beyond one side of the line through e.
-bool IsBeside(GridEdge const& e, GridEdge const& f, GridPoint margin) {
-    double const dx = static_cast<double>(e.b.x - e.a.x);
-    double const dy = static_cast<double>(e.b.y - e.a.y);
-    auto const cross = [&](GridPoint p) {
-        return dx * static_cast<double>(p.y - e.a.y) - dy * static_cast<double>(p.x - e.a.x);
-    };
-    // The products are off by less than 2^-50 of lengths up to 2^62.
-    double const limit = (2 * static_cast<double>(margin.y) + 0x1p13) * std::abs(dx) +
-                         (2 * static_cast<double>(margin.x) + 0x1p13) * std::abs(dy);
-    double const a = cross(f.a);
-    double const b = cross(f.b);
-    return (a > limit && b > limit) || (a < -limit && b < -limit);
-}
-
 } // namespace
-
-bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin) {
-    return !IsBeside(e, f, margin) && !IsBeside(f, e, margin);
-}
 
 bool FindNearPairs(ScratchVector<GridEdge> const& edges, ScratchVector<char> const& active,
                    GridPoint margin, std::size_t budget, ScratchVector<EdgePair>& pairs) {

@@ -8,6 +8,8 @@
 #include "Lines_p.h"
 #include "Scratch_p.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -21,7 +23,27 @@ struct EdgePair {
 
 /// True unless two edges are certainly further apart than the margins, although their boxes may
 /// meet.
-bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin);
+inline bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin) {
+    double const eX = static_cast<double>(e.b.x - e.a.x);
+    double const eY = static_cast<double>(e.b.y - e.a.y);
+    double const fX = static_cast<double>(f.b.x - f.a.x);
+    double const fY = static_cast<double>(f.b.y - f.a.y);
+    double const toX = static_cast<double>(f.a.x - e.a.x);
+    double const toY = static_cast<double>(f.a.y - e.a.y);
+    // Twice the areas of the triangles that either edge makes with each end of the other.
+    double const both = eX * fY - eY * fX;
+    double const fa = eX * toY - eY * toX;
+    double const fb = fa + both;
+    double const ea = fY * toX - fX * toY;
+    double const eb = ea - both;
+    // The areas are off by less than 2^-50 of lengths up to 2^62.
+    double const reachX = 2 * static_cast<double>(margin.x) + 0x1p13;
+    double const reachY = 2 * static_cast<double>(margin.y) + 0x1p13;
+    double const besideE = reachY * std::abs(eX) + reachX * std::abs(eY);
+    double const besideF = reachY * std::abs(fX) + reachX * std::abs(fY);
+    return std::min(fa, fb) <= besideE && std::max(fa, fb) >= -besideE &&
+           std::min(ea, eb) <= besideF && std::max(ea, eb) >= -besideF;
+}
 
 /// Finds all pairs of edges that are no further apart than the margins, once each and in order, and
 /// perhaps some more. `active` is as for EdgeTree: pairs without an active edge are left out, and

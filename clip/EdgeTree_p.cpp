@@ -65,7 +65,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     mOrder = order;
     mIsSparse = false;
     bool const allActive = mActiveEdges.empty();
-    bool const few = Count() <= kFewEdges;
+    bool const few = Count() <= (allActive ? kFewPairs : kFewEdges);
     std::size_t countActive = Count();
     if (!allActive) {
         countActive =
@@ -89,14 +89,12 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     }
     Slant slant;
     Sample const sample = mNodes.size() > kFewEdges ? ChooseSlant(slant) : Sample();
-    SplitWhereWorthwhile(sample, countActive);
-    bool const entangled = mNodes.size() > kFewEdges
-                               ? sample.meeting > sample.drawn / 8 && mChainOf.empty()
-                               : AreFewEntangled();
-    if (entangled && allActive && Count() <= kMostEntangled) {
+    if (allActive && Count() <= kMostEntangled &&
+        (mNodes.size() > kFewEdges ? AreEntangled(sample) : AreFewEntangled())) {
         mNodes.clear();
         return;
     }
+    SplitWhereWorthwhile(sample, countActive);
     if (order == Order::kMorton) {
         SortChains();
     }
@@ -146,9 +144,9 @@ void EdgeTree::AddChains(Order order, bool withBoxes) {
                 directions = all;
                 isActive = isActive || IsActive(i);
             }
-            mChains.push_back({static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i)});
+            mChains.emplace_back(static_cast<std::uint32_t>(chain), static_cast<std::uint32_t>(i));
             if (withBoxes) {
-                mNodes.push_back({Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isActive});
+                mNodes.emplace_back(Widened(BoxOf(mEdges[chain].a, mEdges[i - 1].b)), isActive);
             }
         }
     }
@@ -162,10 +160,11 @@ void EdgeTree::AddSparseChains() {
     }
     ForRuns([&](std::size_t begin, std::size_t end, GridPoint, GridBox const& box) {
         if (cells.Meets(box)) {
-            mChains.push_back({static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)});
+            mChains.emplace_back(static_cast<std::uint32_t>(begin),
+                                 static_cast<std::uint32_t>(end));
             bool const isActive =
                 std::memchr(mActiveEdges.data() + begin, 1, end - begin) != nullptr;
-            mNodes.push_back({Widened(box), isActive});
+            mNodes.emplace_back(Widened(box), isActive);
         }
     });
 }
@@ -279,6 +278,17 @@ void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCoun
     } else {
         mPairs.clear();
     }
+}
+
+/// True when a sample tells that it takes longer to walk through the tree than to hold all pairs of
+/// boxes against each other. That takes a few instructions a pair. The tree takes some hundred for
+/// each edge, and as many for each pair that meets.
+bool EdgeTree::AreEntangled(Sample const& sample) const {
+    std::size_t const pairs = Count() * Count() / 2;
+    std::size_t const perEdge = 64;
+    std::size_t const perMeeting = 64;
+    return sample.drawn * pairs <
+           sample.drawn * perEdge * Count() + perMeeting * sample.meeting * pairs;
 }
 
 /// True when a quarter of a sample of pairs of chains meet.

@@ -18,6 +18,34 @@
 
 namespace trammel_detail {
 
+/// A box in cells so coarse that four coordinates fit in one number, and one subtraction compares
+/// all of them. Boxes that meet do so in cells, too. Boxes of drawings that do not meet are mostly
+/// apart in cells.
+class CoarseBox {
+public:
+    CoarseBox() = default;
+    /// The coordinates of the box are at most 2^61.
+    explicit CoarseBox(GridBox const& b)
+        : mBits(Cell(b.lowX) | Cell(b.lowY) << 16 | (kMost - Cell(b.highX)) << 32 |
+                (kMost - Cell(b.highY)) << 48) {}
+
+    /// Returns what MayMeet() has to be given for another box.
+    std::uint64_t Limits() const { return kGuards | (kAllMost - (mBits << 32 | mBits >> 32)); }
+    /// False when the box is apart from the one that has these limits.
+    bool MayMeet(std::uint64_t limits) const { return ((limits - mBits) & kGuards) == kGuards; }
+
+private:
+    static constexpr std::uint64_t kMost = 0x7FFF;
+    static constexpr std::uint64_t kAllMost = 0x7FFF7FFF7FFF7FFF;
+    static constexpr std::uint64_t kGuards = 0x8000800080008000; // stay where nothing is borrowed
+
+    static std::uint64_t Cell(std::int64_t v) {
+        return static_cast<std::uint64_t>((v >> 48) + (1 << 14));
+    }
+
+    std::uint64_t mBits;
+};
+
 /// A crossing of a ray with a closed line.
 struct RayCrossing {
     std::size_t line;
@@ -117,8 +145,9 @@ private:
     static constexpr std::size_t kLongestSortedChain = 2; // the same along Morton's curve
     static constexpr std::size_t kFewActive = 16;         // so few active edges need no boxes
     static constexpr std::size_t kFewEdges = 48;          // nor do so few edges
+    static constexpr std::size_t kFewPairs = 128;         // nor so few that are all active
     static constexpr std::size_t kFewToSplit = 256;       // so few edges are not worth splits
-    // Where chains mostly meet, a tree keeps nothing apart. Up to so many edges do without then.
+    // Where many chains meet, a tree keeps little apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;
 
     /// The edges of a leaf. Where few edges are active, they need not be monotone.
@@ -215,6 +244,7 @@ private:
         std::size_t apart = 0;   ///< of these, pairs without edges that come near each other
     };
     bool AreFewEntangled() const;
+    bool AreEntangled(Sample const& sample) const;
     double OthersAbove() const;
     Sample ChooseSlant(Slant& slant) const;
     bool AreNear(std::size_t k, std::size_t l) const;
@@ -358,28 +388,42 @@ void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) cons
 /// Visits all pairs with an active edge where there are few of these. Includes pairs of one chain,
 /// which have nothing in common.
 template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
-    std::array<GridBox, kFewEdges> boxes;
-    std::array<std::size_t, kFewEdges> edges;
+    struct Active {
+        std::uint64_t limits;
+        std::size_t edge;
+        GridBox box;
+    };
+    std::array<Active, kFewEdges> actives;
     std::size_t count = 0;
     GridBox all;
     for (std::size_t i = NextActive(0); i < Count(); i = NextActive(i + 1)) {
-        boxes[count] = Widened(Widened(BoxOf(At(i))));
-        all.Include(boxes[count]);
-        edges[count++] = i;
+        GridBox const box = Widened(Widened(BoxOf(At(i))));
+        all.Include(box);
+        actives[count++] = {CoarseBox(box).Limits(), i, box};
     }
     ForRuns([&](std::size_t begin, std::size_t end, GridPoint after, GridBox const& run) {
         if (!run.Meets(all)) {
             return;
         }
+        CoarseBox const coarseRun(run);
+        std::array<CoarseBox, kLongestChain> coarse;
+        bool ready = false;
         for (std::size_t k = 0; k < count; ++k) {
-            if (!run.Meets(boxes[k])) {
+            Active const& active = actives[k];
+            if (!coarseRun.MayMeet(active.limits)) {
                 continue;
             }
-            std::size_t const i = edges[k];
+            auto const boxOf = [&](std::size_t j) {
+                return BoxOf(mLines.points[j], j + 1 < end ? mLines.points[j + 1] : after);
+            };
+            for (std::size_t j = begin; j < end && !ready; ++j) {
+                coarse[j - begin] = CoarseBox(boxOf(j));
+            }
+            ready = true;
+            std::size_t const i = active.edge;
             for (std::size_t j = begin; j < end; ++j) {
-                GridPoint const next = j + 1 < end ? mLines.points[j + 1] : after;
-                if (boxes[k].Meets(BoxOf(mLines.points[j], next)) && !IsCopy(j) &&
-                    (j > i || (j < i && !IsActive(j)))) {
+                if (coarse[j - begin].MayMeet(active.limits) && active.box.Meets(boxOf(j)) &&
+                    !IsCopy(j) && (j > i || (j < i && !IsActive(j)))) {
                     visit(std::min(i, j), std::max(i, j), Follow(std::min(i, j), std::max(i, j)));
                 }
             }
@@ -449,26 +493,25 @@ template <class Visit> void EdgeTree::ForMeetingSparseActive(Visit&& visit) cons
 
 /// Visits all pairs where all edges are active.
 template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
-    ScratchVector<GridBox> boxes(Count(), mEdges.get_allocator());
+    ScratchVector<CoarseBox> boxes(Count(), mEdges.get_allocator());
     ScratchVector<std::uint32_t> meeting(Count(), mEdges.get_allocator());
     for (std::size_t i = 0; i < Count(); ++i) {
-        boxes[i] = Widened(BoxOf(mEdges[i]));
+        boxes[i] = CoarseBox(Widened(BoxOf(mEdges[i])));
     }
     for (Chain const& chain : mChains) {
         for (std::size_t i = chain.begin; i < chain.end; ++i) {
-            GridBox const box = boxes[i];
+            std::uint64_t const limits = boxes[i].Limits();
             std::size_t count = 0;
             for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
                 // No branches: whether boxes meet is mostly as good as random.
-                GridBox const& other = boxes[j];
                 meeting[count] = static_cast<std::uint32_t>(j);
-                count += static_cast<std::size_t>(static_cast<int>(box.lowX <= other.highX) &
-                                                  static_cast<int>(other.lowX <= box.highX) &
-                                                  static_cast<int>(box.lowY <= other.highY) &
-                                                  static_cast<int>(other.lowY <= box.highY));
+                count += boxes[j].MayMeet(limits) ? 1 : 0;
             }
+            GridBox const box = Widened(BoxOf(mEdges[i]));
             for (std::size_t k = 0; k < count; ++k) {
-                visit(i, meeting[k], Follow(i, meeting[k]));
+                if (box.Meets(Widened(BoxOf(mEdges[meeting[k]])))) {
+                    visit(i, meeting[k], Follow(i, meeting[k]));
+                }
             }
         }
     }

@@ -19,19 +19,11 @@ int BitsOf(UInt128 v) {
                      : 64 - __builtin_clzll(static_cast<std::uint64_t>(v));
 }
 
-/// Twice the areas of the triangles that two edges e and f make with each other's ends: fa is
-/// Cross(e.a, e.b, f.a), and so on.
-struct Crosses {
-    Int128 ea;
-    Int128 eb;
-    Int128 fa;
-    Int128 fb;
-};
-
 /// Returns the point where two edges cross that have no end in common, to within a step of the
 /// grid. The point lies in both edges' boxes. It does not depend on the order of the edges or on
-/// their directions, so that lines that coincide are cut alike.
-GridPoint Crossing(GridEdge const& e, GridEdge const& f, Crosses const& crosses) {
+/// their directions, so that lines that coincide are cut alike. `ea` is Cross(f.a, f.b, e.a), and
+/// so on, twice the areas of triangles. `product` is the cross product of the directions.
+GridPoint Crossing(GridEdge const& e, GridEdge const& f, Int128 ea, Int128 fa, Int128 product) {
     auto const distance = [](Int128 cross) {
         return static_cast<UInt128>(cross < 0 ? -cross : cross);
     };
@@ -42,8 +34,8 @@ GridPoint Crossing(GridEdge const& e, GridEdge const& f, Crosses const& crosses)
     GridEdge const& edge = exchange ? e : f;
     // The point is num / den of the way along that edge, from its nearer end, where the rounding is
     // least. The two triangles on either edge make up the same quadrangle.
-    UInt128 den = distance(crosses.fa - crosses.fb);
-    UInt128 num = distance(exchange ? crosses.ea : crosses.fa);
+    UInt128 den = distance(product);
+    UInt128 num = distance(exchange ? ea : fa);
     UInt128 const other = den - num;
     bool const fromB = other < num || (other == num && edge.b < edge.a);
     GridPoint const from = fromB ? edge.b : edge.a;
@@ -55,8 +47,8 @@ GridPoint Crossing(GridEdge const& e, GridEdge const& f, Crosses const& crosses)
     num >>= surplus;
     auto const ratio = static_cast<std::int64_t>((num << 62) / den); // of 2^62
     auto const part = [ratio](std::int64_t d) {
-        Int128 const product = static_cast<Int128>(ratio) * d;
-        return static_cast<std::int64_t>((product + (static_cast<Int128>(1) << 61)) >> 62);
+        Int128 const scaled = static_cast<Int128>(ratio) * d;
+        return static_cast<std::int64_t>((scaled + (static_cast<Int128>(1) << 61)) >> 62);
     };
     GridBox const box = BoxOf(exchange ? f : e);
     return {std::clamp(from.x + part(to.x - from.x), box.lowX, box.highX),
@@ -69,15 +61,21 @@ public:
     CutFinder(EdgeTree const& tree, ClipGrid const& grid, Test test, Clearances const* clearances,
               ScratchVector<Incidence>& incidences)
         : mTree(tree), mGrid(grid), mPixels(test == Test::kHotPixels), mClearances(clearances),
-          mIncidences(incidences), mLargestSpacing(grid.LargestSpacing()),
+          mIncidences(incidences),
+          mLargestSpacing(grid.LargestSpacing()), mReach{clearances != nullptr ? clearances->Reach()
+                                                                               : 0,
+                                                         clearances != nullptr ? clearances->Reach()
+                                                                               : 0},
           mCuts(incidences.get_allocator()), mSingles(incidences.get_allocator()) {}
 
     FoundCuts Find() {
+        std::size_t const kMostReserved = 1024;
+        mCuts.reserve(mClearances != nullptr ? std::min(2 * mTree.Count(), kMostReserved) : 0);
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
             } else if (mPixels) {
-                Share(i, j);
+                Share(i, j, mTree.At(i), mTree.At(j));
             } else {
                 Exactly(i, j);
             }
@@ -108,8 +106,7 @@ private:
         return {std::move(mCuts), paired};
     }
     static bool IsEnd(GridEdge const& e, GridPoint p) { return p == e.a || p == e.b; }
-    void CutAt(std::size_t edge, GridPoint p) {
-        GridEdge const e = mTree.At(edge);
+    void CutAt(std::size_t edge, GridEdge const& e, GridPoint p) {
         if (!IsEnd(e, p)) {
             Push(mSingles, edge, e, p, kShared, 0);
         }
@@ -117,42 +114,40 @@ private:
     static void Push(ScratchVector<Cut>& cuts, std::size_t edge, GridEdge const& e, GridPoint p,
                      Incidence incidence, std::int64_t clearance) {
         MajorAxis const axis(e);
-        cuts.push_back({axis.Along(p), axis.Across(p), clearance, static_cast<std::uint32_t>(edge),
-                        incidence});
+        // Made in place: to copy what was just written in other pieces takes long.
+        cuts.emplace_back(axis.Along(p), axis.Across(p), clearance,
+                          static_cast<std::uint32_t>(edge), incidence);
     }
+    /// For the areas see Crossing().
     void CutBothWhereTheyCross(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
-                               Crosses const& crosses) {
-        GridPoint const p = mGrid.Snapped(Crossing(e, f, crosses));
+                               Int128 ea, Int128 fa, Int128 product) {
+        GridPoint const p = mGrid.Snapped(Crossing(e, f, ea, fa, product));
         if (mClearances == nullptr) {
-            CutAt(i, p);
-            CutAt(j, p);
+            CutAt(i, e, p);
+            CutAt(j, f, p);
             return;
         }
-        Int128 const product = crosses.fa - crosses.fb;
         if (IsEnd(e, p) || IsEnd(f, p) || mNext < kFirstCrossing) {
-            CutAt(i, p);
-            CutAt(j, p);
-            AddNearMiss(i, j, p, product);
+            CutAt(i, e, p);
+            CutAt(j, f, p);
+            AddNearMiss(i, j, e, f, p, product);
             return;
         }
         std::int64_t const clearance = mClearances->For(e, f, product);
-        Incidence const incidence = mNext + (crosses.fb > 0 ? 1 : 0);
+        Incidence const incidence = mNext + (fa > product ? 1 : 0);
         Push(mCuts, i, e, p, incidence, clearance);
         Push(mCuts, j, f, p, incidence, clearance);
         mNext += 2;
     }
-    void AddNearMiss(std::size_t i, std::size_t j, GridPoint p, Int128 product) {
+    void AddNearMiss(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
+                     GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
-            GridEdge const e = mTree.At(i);
-            GridEdge const f = mTree.At(j);
             std::int64_t const clearance = mClearances->For(e, f, product);
             Push(mCuts, i, e, p, kSingle, mClearances->Within(clearance, p, e, f));
             Push(mCuts, j, f, p, kSingle, mClearances->Within(clearance, p, f, e));
         }
     }
-    void Share(std::size_t i, std::size_t j) {
-        GridEdge const e = mTree.At(i);
-        GridEdge const f = mTree.At(j);
+    void Share(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f) {
         if (e.a == f.a || e.a == f.b) {
             mIncidences[i] = kShared;
             mIncidences[e.a == f.a ? j : mTree.SecondOf(j)] = kShared;
@@ -173,7 +168,11 @@ private:
         if (Cross(turn, p, q) == 0 && SameDirection(turn, p, q)) {
             // Equal parts begin here, so that the vertex is the end of more than two edges.
             mIncidences[inOrder ? j : i] = kShared;
-            CutAt(Contains(BoxOf(e), q) ? i : j, Contains(BoxOf(e), q) ? q : p);
+            if (Contains(BoxOf(e), q)) {
+                CutAt(i, e, q);
+            } else {
+                CutAt(j, f, p);
+            }
         }
     }
     /// True when two points are on the same side of an edge, given Cross() of that edge and each.
@@ -181,13 +180,17 @@ private:
     void Exactly(std::size_t i, std::size_t j) {
         GridEdge const e = mTree.At(i);
         GridEdge const f = mTree.At(j);
+        // Most pairs that do not cross are told by doubles.
+        if (!MayBeNear(e, f, mReach)) {
+            return;
+        }
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         if (AreBeside(fa, fb)) {
             if (mClearances != nullptr && !mClearances->Apart(e, fa, fb)) {
                 Int128 const ea = Cross(f.a, f.b, e.a);
                 if (!mClearances->Apart(f, ea, ea + fa - fb)) {
-                    AddNearMiss(i, j, Nearer(f, fa, fb), fa - fb);
+                    AddNearMiss(i, j, e, f, Nearer(f, fa, fb), fa - fb);
                 }
             }
             return;
@@ -197,32 +200,33 @@ private:
         Int128 const eb = ea + fa - fb;
         if (AreBeside(ea, eb)) {
             if (mClearances != nullptr && !mClearances->Apart(f, ea, eb)) {
-                AddNearMiss(i, j, Nearer(e, ea, eb), fa - fb);
+                AddNearMiss(i, j, e, f, Nearer(e, ea, eb), fa - fb);
             }
             return;
         }
         if (fa != 0 && fb != 0 && ea != 0 && eb != 0) {
-            CutBothWhereTheyCross(i, j, e, f, {ea, eb, fa, fb});
+            CutBothWhereTheyCross(i, j, e, f, ea, fa, fa - fb);
             return;
         }
         // A cross product is zero, as it is where the edges share an end.
-        Share(i, j);
-        AddNearMiss(i, j, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb), fa - fb);
+        Share(i, j, e, f);
+        AddNearMiss(i, j, e, f, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb),
+                    fa - fb);
         // Edges of different directions that share an end have nothing else in common.
         if (fa - fb != 0 && ((fa == 0 && IsEnd(e, f.a)) || (fb == 0 && IsEnd(e, f.b)))) {
             return;
         }
         if (fa == 0 && Contains(BoxOf(e), f.a)) {
-            CutAt(i, f.a);
+            CutAt(i, e, f.a);
         }
         if (fb == 0 && Contains(BoxOf(e), f.b)) {
-            CutAt(i, f.b);
+            CutAt(i, e, f.b);
         }
         if (ea == 0 && Contains(BoxOf(f), e.a)) {
-            CutAt(j, e.a);
+            CutAt(j, f, e.a);
         }
         if (eb == 0 && Contains(BoxOf(f), e.b)) {
-            CutAt(j, e.b);
+            CutAt(j, f, e.b);
         }
     }
     /// Returns the end of edge f that is nearer to another edge, given Cross() of that edge and
@@ -239,19 +243,19 @@ private:
         Int128 const eb = Cross(f.a, f.b, e.b);
         std::size_t const before = mSingles.size();
         if (Passes(e, f.a, fa)) {
-            CutAt(i, f.a);
+            CutAt(i, e, f.a);
         }
         if (Passes(e, f.b, fb)) {
-            CutAt(i, f.b);
+            CutAt(i, e, f.b);
         }
         if (Passes(f, e.a, ea)) {
-            CutAt(j, e.a);
+            CutAt(j, f, e.a);
         }
         if (Passes(f, e.b, eb)) {
-            CutAt(j, e.b);
+            CutAt(j, f, e.b);
         }
         if (mSingles.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
-            CutBothWhereTheyCross(i, j, e, f, {ea, eb, fa, fb});
+            CutBothWhereTheyCross(i, j, e, f, ea, fa, fa - fb);
         }
     }
     /// True when edge e passes through the hot pixel of p, where `cross` is Cross(e.a, e.b, p).
@@ -277,6 +281,7 @@ private:
     Clearances const* mClearances;
     ScratchVector<Incidence>& mIncidences;
     GridPoint mLargestSpacing;
+    GridPoint mReach;            // within which edges are near misses
     ScratchVector<Cut> mCuts;    // with partners, which only clearances need
     ScratchVector<Cut> mSingles; // all others
     Incidence mNext = kFirstCrossing;

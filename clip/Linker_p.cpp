@@ -173,7 +173,7 @@ void Linker::LabelBySweep() {
             Number const edge = mGraph.VertexOf(mChains[i], k);
             chainOf[edge] = i;
             if (a.y != b.y) {
-                edges.push_back({a.y < b.y ? a : b, a.y < b.y ? b : a, edge});
+                edges.emplace_back(a.y < b.y ? a : b, a.y < b.y ? b : a, edge);
             }
         }
     }

@@ -59,9 +59,9 @@ std::vector<std::size_t> OutersBySweep(RegionContours const& region) {
             GridPoint const b =
                 contours.points[k + 1 == contours.End(i) ? contours.Begin(i) : k + 1];
             if (a.y < b.y) {
-                edges.push_back({a, b, static_cast<Number>(k) | kUpward});
+                edges.emplace_back(a, b, static_cast<Number>(k) | kUpward);
             } else if (b.y < a.y) {
-                edges.push_back({b, a, static_cast<Number>(k)});
+                edges.emplace_back(b, a, static_cast<Number>(k));
             }
         }
     }

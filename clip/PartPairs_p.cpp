@@ -19,11 +19,14 @@ public:
           mActive(pairs.get_allocator()) {}
 
     bool Find() {
+        std::size_t edge = 0;
         for (std::size_t i = mTree.NextActive(0); i < mTree.Count();) {
-            std::size_t const edge = mParts.EdgeOf(i);
+            while (mParts.End(edge) <= i) {
+                ++edge;
+            }
             mActive.clear();
             for (; i < mParts.End(edge); i = mTree.NextActive(i + 1)) {
-                mActive.push_back({i, 0, 0});
+                mActive.emplace_back(i, mTree.At(i));
             }
             mSteps += mActive.size() * (mSorted.End(edge) - mSorted.Begin(edge) + 8);
             // A tree takes some hundred instructions for each edge and some thousand for each
@@ -37,11 +40,24 @@ public:
     }
 
 private:
+    /// A part of an edge.
+    struct ActivePart {
+        std::size_t part;
+        GridEdge at;
+    };
+
     void PairPartsOf(std::size_t edge);
-    void PairWithPartsOf(std::size_t edge, std::size_t part);
+    void PairWithPartsOf(std::size_t edge, ActivePart const& part);
     void AddPair(std::size_t i, std::size_t j) {
-        mPairs.push_back({static_cast<std::uint32_t>(std::min(i, j)),
-                          static_cast<std::uint32_t>(std::max(i, j))});
+        // Made in place: to copy what was just written in two pieces takes long.
+        mPairs.emplace_back(static_cast<std::uint32_t>(std::min(i, j)),
+                            static_cast<std::uint32_t>(std::max(i, j)));
+    }
+    /// Returns the edge of a part that follows those of `edge` on its line or comes before them.
+    std::size_t EdgeOfNext(std::size_t part, std::size_t edge) const {
+        return part == mParts.End(edge)         ? edge + 1
+               : part + 1 == mParts.Begin(edge) ? edge - 1
+                                                : mParts.EdgeOf(part);
     }
 
     SortedCuts const& mSorted;
@@ -49,12 +65,6 @@ private:
     EdgeTree const& mTree;
     GridLines const& mLines;
     ScratchVector<EdgePair>& mPairs;
-    /// A part, and where it is along its edge.
-    struct ActivePart {
-        std::size_t part;
-        std::int64_t begin;
-        std::int64_t end;
-    };
     ScratchVector<ActivePart> mActive; // parts of one edge
     std::size_t mSteps = 0;
 };
@@ -62,65 +72,76 @@ private:
 void PartPairs::PairPartsOf(std::size_t edge) {
     std::size_t const first = mParts.Begin(edge);
     std::size_t const last = mParts.End(edge) - 1;
-    std::size_t const before = mParts.EdgeOf(mTree.BeforeOf(first));
-    std::size_t const after = mParts.EdgeOf(mTree.SecondOf(last));
-    GridPoint const end = mTree.At(last).b;
-    MajorAxis const axis({mLines.points[first], end});
-    for (ActivePart& part : mActive) {
-        part.begin = axis.Along(mLines.points[part.part]);
-        part.end = axis.Along(part.part < last ? mLines.points[part.part + 1] : end);
-        PairWithPartsOf(before, part.part);
-        PairWithPartsOf(after, part.part);
+    std::size_t const before = EdgeOfNext(mTree.BeforeOf(first), edge);
+    std::size_t const after = EdgeOfNext(mTree.SecondOf(last), edge);
+    MajorAxis const axis({mLines.points[first], mTree.At(last).b});
+    for (ActivePart const& part : mActive) {
+        PairWithPartsOf(before, part);
+        PairWithPartsOf(after, part);
     }
+    // Both the cuts and the parts are in their order along the edge.
+    std::size_t near = 0; // the first part that ends at the cut or behind it, or the last part
     for (std::size_t k = mSorted.Begin(edge); k < mSorted.End(edge); ++k) {
         Cut const& cut = mSorted.At(k);
+        while (near + 1 < mActive.size() && axis.Along(mActive[near].at.b) < cut.along) {
+            ++near;
+        }
         if (cut.edge == SortedCuts::kNoOther) {
             continue;
         }
         // Neither sum nor difference overflows: no clearance is beyond 2^62.
         std::int64_t const low = cut.along - cut.clearance;
         std::int64_t const high = cut.along + cut.clearance;
-        for (ActivePart const& part : mActive) {
-            if (part.end >= low && part.begin <= high) {
-                PairWithPartsOf(cut.edge, part.part);
+        for (std::size_t i = near; i < mActive.size(); ++i) {
+            if (axis.Along(mActive[i].at.a) > high) {
+                break;
             }
+            if (axis.Along(mActive[i].at.b) >= low) {
+                PairWithPartsOf(cut.edge, mActive[i]);
+            }
+        }
+        for (std::size_t i = near; i > 0 && axis.Along(mActive[i - 1].at.b) >= low; --i) {
+            PairWithPartsOf(cut.edge, mActive[i - 1]);
         }
     }
 }
 
 /// Adds the pairs of a part and those of an edge whose boxes meet its own.
-void PartPairs::PairWithPartsOf(std::size_t edge, std::size_t part) {
+void PartPairs::PairWithPartsOf(std::size_t edge, ActivePart const& part) {
     std::size_t const begin = mParts.Begin(edge);
     std::size_t const end = mParts.End(edge);
-    GridPoint const last = mTree.At(end - 1).b;
-    GridEdge const e = mTree.At(part);
+    GridEdge const& e = part.at;
     GridBox const box = BoxOf(e);
+    GridPoint const first = mLines.points[begin];
+    GridPoint const last = mLines.points[mTree.SecondOf(end - 1)];
     // Cuts lie in the box of their edge.
-    if (!box.Meets(BoxOf(mLines.points[begin], last))) {
+    if (!box.Meets(BoxOf(first, last))) {
         return;
     }
     if (begin + 1 == end) {
         ++mSteps;
-        if (begin != part) {
-            AddPair(part, begin);
+        if (begin != part.part) {
+            AddPair(part.part, begin);
         }
         return;
     }
-    MajorAxis const axis({mLines.points[begin], last});
+    MajorAxis const axis({first, last});
     std::int64_t const low = std::min(axis.Along(e.a), axis.Along(e.b));
     std::int64_t const high = std::max(axis.Along(e.a), axis.Along(e.b));
     // The parts follow each other along the edge. The first one that can meet ends at `low` or
     // beyond.
-    auto const points = mLines.points.begin();
-    auto const after = std::lower_bound(
-        points + static_cast<std::ptrdiff_t>(begin) + 1, points + static_cast<std::ptrdiff_t>(end),
-        low, [&](GridPoint p, std::int64_t at) { return axis.Along(p) < at; });
-    for (auto j = static_cast<std::size_t>(after - points) - 1;
-         j < end && axis.Along(mLines.points[j]) <= high; ++j) {
+    GridPoint const* const points = mLines.points.data();
+    std::size_t j = begin;
+    for (std::size_t rest = end - begin; rest > 1;) {
+        std::size_t const half = rest / 2;
+        j += axis.Along(points[j + half]) < low ? half : 0;
+        rest -= half;
+    }
+    for (; j < end && axis.Along(points[j]) <= high; ++j) {
         ++mSteps;
-        GridPoint const next = j + 1 < end ? mLines.points[j + 1] : last;
-        if (j != part && BoxOf(mLines.points[j], next).Meets(box)) {
-            AddPair(part, j);
+        GridPoint const next = j + 1 < end ? points[j + 1] : last;
+        if (j != part.part && BoxOf(points[j], next).Meets(box)) {
+            AddPair(part.part, j);
         }
     }
 }

@@ -25,8 +25,7 @@ public:
     /// Returns what EdgeTree::InsideWestOf() does.
     Operands InsideWestOf(std::size_t edge) {
         EdgeTree const* const tree = TreeForRay();
-        return tree != nullptr ? tree->InsideWestOf(edge, mSteps)
-                               : trammel_detail::InsideWestOf(mLines, edge);
+        return tree != nullptr ? tree->InsideWestOf(edge, mSteps) : PassFrom(edge);
     }
     /// True when the rays through the tree took much longer than a sweep over all edges does. They
     /// do so where lines lie in each other by the hundred.
@@ -37,11 +36,18 @@ public:
         if (tree != nullptr) {
             mSteps += tree->CrossingsWestOf(edge, crossings);
         } else {
+            mSteps += StepsOfPass();
             trammel_detail::CrossingsWestOf(mLines, edge, crossings);
         }
     }
 
 private:
+    /// A look at a box in the tree takes as long as a look at some edges does.
+    std::size_t StepsOfPass() const { return mLines.points.size() / 2; }
+    Operands PassFrom(std::size_t edge) {
+        mSteps += StepsOfPass();
+        return trammel_detail::InsideWestOf(mLines, edge);
+    }
     /// Returns the tree for the next ray, or null if a pass over all edges costs less.
     EdgeTree const* TreeForRay() {
         // For a few rays a pass over all edges costs less than a tree.

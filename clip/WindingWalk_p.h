@@ -190,7 +190,7 @@ template <class Place> Number WindingWalk<Place>::FindStarts() {
             if (a.y != b.y) {
                 Number const edge = mGraph.VertexOf(chain, k);
                 upward[edge] = Upward(i, k);
-                edges.push_back({a.y < b.y ? a : b, a.y < b.y ? b : a, edge});
+                edges.emplace_back(a.y < b.y ? a : b, a.y < b.y ? b : a, edge);
             }
         }
     }
