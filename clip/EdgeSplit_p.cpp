@@ -217,6 +217,7 @@ void Splitter::Split(std::size_t begin, Direction const& direction, double at) {
 }
 
 void Splitter::PairAll(std::size_t begin) {
+    NearTest const nearTest(mMargin);
     for (std::size_t i = begin; i < mItems.size(); ++i) {
         GridEdge const& e = mEdges[mItems[i]];
         bool const active = IsActive(mItems[i]);
@@ -226,7 +227,7 @@ void Splitter::PairAll(std::size_t begin) {
             if (!active && !IsActive(mItems[j])) {
                 continue;
             }
-            if (box.Meets(BoxOf(f)) && MayBeNear(e, f, mMargin)) {
+            if (box.Meets(BoxOf(f)) && nearTest.MayBeNear(e, f)) {
                 mPairs.emplace_back(std::min(mItems[i], mItems[j]), std::max(mItems[i], mItems[j]));
             }
         }

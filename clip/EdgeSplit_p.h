@@ -21,29 +21,39 @@ struct EdgePair {
     std::uint32_t second; ///< greater than `first`
 };
 
-/// True unless two edges are certainly further apart than the margins, although their boxes may
-/// meet.
-inline bool MayBeNear(GridEdge const& e, GridEdge const& f, GridPoint margin) {
-    double const eX = static_cast<double>(e.b.x - e.a.x);
-    double const eY = static_cast<double>(e.b.y - e.a.y);
-    double const fX = static_cast<double>(f.b.x - f.a.x);
-    double const fY = static_cast<double>(f.b.y - f.a.y);
-    double const toX = static_cast<double>(f.a.x - e.a.x);
-    double const toY = static_cast<double>(f.a.y - e.a.y);
-    // Twice the areas of the triangles that either edge makes with each end of the other.
-    double const both = eX * fY - eY * fX;
-    double const fa = eX * toY - eY * toX;
-    double const fb = fa + both;
-    double const ea = fY * toX - fX * toY;
-    double const eb = ea - both;
-    // The areas are off by less than 2^-50 of lengths up to 2^62.
-    double const reachX = 2 * static_cast<double>(margin.x) + 0x1p13;
-    double const reachY = 2 * static_cast<double>(margin.y) + 0x1p13;
-    double const besideE = reachY * std::abs(eX) + reachX * std::abs(eY);
-    double const besideF = reachY * std::abs(fX) + reachX * std::abs(fY);
-    return std::min(fa, fb) <= besideE && std::max(fa, fb) >= -besideE &&
-           std::min(ea, eb) <= besideF && std::max(ea, eb) >= -besideF;
-}
+/// Tells by doubles which edges are not near each other, although their boxes may meet.
+class NearTest {
+public:
+    /// Edges are near that are no further apart than twice the margins.
+    explicit NearTest(GridPoint margin)
+        : mX(2 * static_cast<double>(margin.x) + 0x1p13),
+          mY(2 * static_cast<double>(margin.y) + 0x1p13) {}
+
+    /// True unless two edges are certainly not near each other.
+    bool MayBeNear(GridEdge const& e, GridEdge const& f) const {
+        double const eX = static_cast<double>(e.b.x - e.a.x);
+        double const eY = static_cast<double>(e.b.y - e.a.y);
+        double const fX = static_cast<double>(f.b.x - f.a.x);
+        double const fY = static_cast<double>(f.b.y - f.a.y);
+        double const toX = static_cast<double>(f.a.x - e.a.x);
+        double const toY = static_cast<double>(f.a.y - e.a.y);
+        // Twice the areas of the triangles that either edge makes with each end of the other. They
+        // are off by less than 2^-50 of lengths up to 2^62, for which mX and mY have room.
+        double const both = eX * fY - eY * fX;
+        double const fa = eX * toY - eY * toX;
+        double const ea = fY * toX - fX * toY;
+        return !IsBeside(fa, fa + both, mY * std::abs(eX) + mX * std::abs(eY)) &&
+               !IsBeside(ea, ea - both, mY * std::abs(fX) + mX * std::abs(fY));
+    }
+
+private:
+    static bool IsBeside(double a, double b, double limit) {
+        return std::min(a, b) > limit || std::max(a, b) < -limit;
+    }
+
+    double mX;
+    double mY;
+};
 
 /// Finds all pairs of edges that are no further apart than the margins, once each and in order, and
 /// perhaps some more. `active` is as for EdgeTree: pairs without an active edge are left out, and

@@ -194,12 +194,13 @@ EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
 
 /// True when edges of two chains may come near each other.
 bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
+    NearTest const nearTest(mMargin);
     for (std::size_t i = mChains[k].begin; i < mChains[k].end; ++i) {
         GridEdge const e = At(i);
         GridBox const box = Widened(Widened(BoxOf(e)));
         for (std::size_t j = mChains[l].begin; j < mChains[l].end; ++j) {
             GridEdge const f = At(j);
-            if (box.Meets(BoxOf(f)) && MayBeNear(e, f, mMargin)) {
+            if (box.Meets(BoxOf(f)) && nearTest.MayBeNear(e, f)) {
                 return true;
             }
         }

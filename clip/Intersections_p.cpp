@@ -61,12 +61,9 @@ public:
     CutFinder(EdgeTree const& tree, ClipGrid const& grid, Test test, Clearances const* clearances,
               ScratchVector<Incidence>& incidences)
         : mTree(tree), mGrid(grid), mPixels(test == Test::kHotPixels), mClearances(clearances),
-          mIncidences(incidences),
-          mLargestSpacing(grid.LargestSpacing()), mReach{clearances != nullptr ? clearances->Reach()
-                                                                               : 0,
-                                                         clearances != nullptr ? clearances->Reach()
-                                                                               : 0},
-          mCuts(incidences.get_allocator()), mSingles(incidences.get_allocator()) {}
+          mIncidences(incidences), mLargestSpacing(grid.LargestSpacing()),
+          mNearTest(Reach(clearances)), mCuts(incidences.get_allocator()),
+          mSingles(incidences.get_allocator()) {}
 
     FoundCuts Find() {
         std::size_t const kMostReserved = 1024;
@@ -97,6 +94,10 @@ public:
     }
 
 private:
+    static GridPoint Reach(Clearances const* clearances) {
+        std::int64_t const reach = clearances != nullptr ? clearances->Reach() : 0;
+        return {reach, reach};
+    }
     FoundCuts Found() {
         std::size_t const paired = mCuts.size();
         if (paired == 0) {
@@ -181,7 +182,7 @@ private:
         GridEdge const e = mTree.At(i);
         GridEdge const f = mTree.At(j);
         // Most pairs that do not cross are told by doubles.
-        if (!MayBeNear(e, f, mReach)) {
+        if (!mNearTest.MayBeNear(e, f)) {
             return;
         }
         Int128 const fa = Cross(e.a, e.b, f.a);
@@ -281,7 +282,7 @@ private:
     Clearances const* mClearances;
     ScratchVector<Incidence>& mIncidences;
     GridPoint mLargestSpacing;
-    GridPoint mReach;            // within which edges are near misses
+    NearTest mNearTest;          // tells edges that do not meet and are no near misses either
     ScratchVector<Cut> mCuts;    // with partners, which only clearances need
     ScratchVector<Cut> mSingles; // all others
     Incidence mNext = kFirstCrossing;
