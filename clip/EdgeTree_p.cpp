@@ -43,11 +43,11 @@ private:
 };
 
 EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active)
-    : mLines(lines), mActiveEdges(std::move(active)), mMargin{0, 0}, mOrder(Order::kLines),
-      mEdges(lines.points.get_allocator()), mFirst(lines.points.get_allocator()),
-      mChains(lines.points.get_allocator()), mNodes(lines.points.get_allocator()),
-      mSpans(lines.points.get_allocator()), mPairs(lines.points.get_allocator()),
-      mChainOf(lines.points.get_allocator()) {
+    : mLines(lines), mActiveEdges(std::move(active)), mMargin{0, 0}, mNearTest({0, 0}),
+      mOrder(Order::kLines), mEdges(lines.points.get_allocator()),
+      mFirst(lines.points.get_allocator()), mChains(lines.points.get_allocator()),
+      mNodes(lines.points.get_allocator()), mSpans(lines.points.get_allocator()),
+      mPairs(lines.points.get_allocator()), mChainOf(lines.points.get_allocator()) {
     if (Count() > kMostEdges) {
         throw std::length_error("EdgeTree");
     }
@@ -62,6 +62,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
                    Order order)
     : EdgeTree(lines, std::move(active)) {
     mMargin = margin;
+    mNearTest = NearTest(margin);
     mOrder = order;
     mIsSparse = false;
     bool const allActive = mActiveEdges.empty();
@@ -194,13 +195,12 @@ EdgeTree::Span EdgeTree::SpanOf(std::size_t chain, Slant const& slant) const {
 
 /// True when edges of two chains may come near each other.
 bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
-    NearTest const nearTest(mMargin);
     for (std::size_t i = mChains[k].begin; i < mChains[k].end; ++i) {
         GridEdge const e = At(i);
         GridBox const box = Widened(Widened(BoxOf(e)));
         for (std::size_t j = mChains[l].begin; j < mChains[l].end; ++j) {
             GridEdge const f = At(j);
-            if (box.Meets(BoxOf(f)) && nearTest.MayBeNear(e, f)) {
+            if (box.Meets(BoxOf(f)) && mNearTest.MayBeNear(e, f)) {
                 return true;
             }
         }

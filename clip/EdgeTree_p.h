@@ -279,6 +279,7 @@ private:
     GridLines const& mLines;
     ScratchVector<char> mActiveEdges;
     GridPoint mMargin;
+    NearTest mNearTest;
     Order mOrder;
     ScratchVector<GridEdge> mEdges; // empty where few edges are active, so that few are looked at
     ScratchVector<char> mFirst;     // one an edge: 1 for the first of its line
@@ -378,7 +379,8 @@ void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) cons
         }
         for (std::size_t n = 0; n < count; ++n) {
             std::size_t const l = near[n].edge;
-            if (box.Meets(near[n].box) && (i != j || k < l) && (active || IsActive(l))) {
+            if (box.Meets(near[n].box) && (i != j || k < l) && (active || IsActive(l)) &&
+                mNearTest.MayBeNear(mEdges[k], mEdges[l])) {
                 visit(std::min(k, l), std::max(k, l), Follow(std::min(k, l), std::max(k, l)));
             }
         }
@@ -507,9 +509,11 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
                 meeting[count] = static_cast<std::uint32_t>(j);
                 count += boxes[j].MayMeet(limits) ? 1 : 0;
             }
-            GridBox const box = Widened(BoxOf(mEdges[i]));
+            GridEdge const e = mEdges[i];
+            GridBox const box = Widened(BoxOf(e));
             for (std::size_t k = 0; k < count; ++k) {
-                if (box.Meets(Widened(BoxOf(mEdges[meeting[k]])))) {
+                GridEdge const& f = mEdges[meeting[k]];
+                if (box.Meets(Widened(BoxOf(f))) && mNearTest.MayBeNear(e, f)) {
                     visit(i, meeting[k], Follow(i, meeting[k]));
                 }
             }

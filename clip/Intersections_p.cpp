@@ -62,8 +62,7 @@ public:
               ScratchVector<Incidence>& incidences)
         : mTree(tree), mGrid(grid), mPixels(test == Test::kHotPixels), mClearances(clearances),
           mIncidences(incidences), mLargestSpacing(grid.LargestSpacing()),
-          mNearTest(Reach(clearances)), mCuts(incidences.get_allocator()),
-          mSingles(incidences.get_allocator()) {}
+          mCuts(incidences.get_allocator()), mSingles(incidences.get_allocator()) {}
 
     FoundCuts Find() {
         std::size_t const kMostReserved = 1024;
@@ -94,10 +93,6 @@ public:
     }
 
 private:
-    static GridPoint Reach(Clearances const* clearances) {
-        std::int64_t const reach = clearances != nullptr ? clearances->Reach() : 0;
-        return {reach, reach};
-    }
     FoundCuts Found() {
         std::size_t const paired = mCuts.size();
         if (paired == 0) {
@@ -181,10 +176,6 @@ private:
     void Exactly(std::size_t i, std::size_t j) {
         GridEdge const e = mTree.At(i);
         GridEdge const f = mTree.At(j);
-        // Most pairs that do not cross are told by doubles.
-        if (!mNearTest.MayBeNear(e, f)) {
-            return;
-        }
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         if (AreBeside(fa, fb)) {
@@ -282,7 +273,6 @@ private:
     Clearances const* mClearances;
     ScratchVector<Incidence>& mIncidences;
     GridPoint mLargestSpacing;
-    NearTest mNearTest;          // tells edges that do not meet and are no near misses either
     ScratchVector<Cut> mCuts;    // with partners, which only clearances need
     ScratchVector<Cut> mSingles; // all others
     Incidence mNext = kFirstCrossing;
