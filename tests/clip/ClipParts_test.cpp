@@ -300,8 +300,8 @@ void ExpectNearPairs(Pairs const& found, Pairs const& boxes, GridLines const& li
 }
 
 TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
-    // A tree goes other ways for few edges (128 and fewer, or 48 if some are not active), for edges
-    // that mostly meet, where few are active (16 and fewer, or one in 8), and where all are. It may
+    // A tree goes other ways for few edges: 128 and fewer, or 48 if some are not active. So it does
+    // for edges that mostly meet, and where few are active (16 and fewer, or one in 8). It may
     // leave out pairs that do not come near each other. Where many are active, each pair comes
     // once.
     Dice dice(5);
