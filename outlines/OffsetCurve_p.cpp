@@ -78,6 +78,31 @@ void Halve(std::array<Value, N> const& whole, std::array<Value, N>& left,
     }
 }
 
+// Polynomials in scaled Bernstein form, in which coefficient k has the factor binomial(n, k):
+// products are then those of the coefficients.
+
+template <std::size_t N, std::size_t M>
+std::array<double, N + M - 1> Product(std::array<double, N> const& a,
+                                      std::array<double, M> const& b) {
+    std::array<double, N + M - 1> result = {};
+    for (std::size_t i = 0; i < N; ++i) {
+        for (std::size_t k = 0; k < M; ++k) {
+            result[i + k] += a[i] * b[k];
+        }
+    }
+    return result;
+}
+
+template <std::size_t N> constexpr std::array<double, N> Binomials() {
+    std::array<double, N> result = {};
+    double value = 1.0;
+    for (std::size_t k = 0; k < N; ++k) {
+        result[k] = value;
+        value = value * static_cast<double>(N - 1 - k) / static_cast<double>(k + 1);
+    }
+    return result;
+}
+
 /// How fast a part of a curve goes and how it bends, as polynomials in Bernstein form. They are
 /// those of the whole curve, cut. So near a cusp they keep the digits that control points lose.
 struct BendOfPart {
@@ -141,6 +166,41 @@ struct BendOfPart {
             return 0;
         }
         return leastBend > most ? 1 : mostBend < -most ? -1 : kUnseenFold;
+    }
+    /// Returns the same by a test that takes longer, and needs fewer parts where the curvature
+    /// comes close to the pen's.
+    int FoldBySquares(double radius, double slack) const {
+        constexpr std::array<double, 5> kSquareScale = Binomials<5>();
+        constexpr std::array<double, 3> kBendScale = Binomials<3>();
+        constexpr std::array<double, 13> kScale = Binomials<13>();
+        std::array<double, 5> s;
+        std::array<double, 3> b;
+        double high = 0.0;
+        double highBend = 0.0;
+        for (std::size_t k = 0; k < s.size(); ++k) {
+            s[k] = square[k] * kSquareScale[k];
+            high = std::max(high, std::abs(square[k]));
+        }
+        for (std::size_t k = 0; k < b.size(); ++k) {
+            b[k] = radius * bend[k] * kBendScale[k];
+            highBend = std::max(highBend, radius * std::abs(bend[k]));
+        }
+        std::array<double, 13> const cube = Product(Product(s, s), s);
+        std::array<double, 13> const turn = Product(Product(b, b), Binomials<9>());
+        double const allowed = (1.0 + slack) * (1.0 + slack);
+        double least = std::numeric_limits<double>::infinity();
+        double most = -least;
+        for (std::size_t k = 0; k < kScale.size(); ++k) {
+            least = std::min(least, (turn[k] - cube[k]) / kScale[k]);
+            most = std::max(most, (turn[k] - allowed * cube[k]) / kScale[k]);
+        }
+        // The bend is off by no more than the square is, as both are products of the speeds.
+        double const off = 4.0 * (rounding * (high * high + radius * highBend) +
+                                  kSquareRounding * (high * high * high + highBend * highBend));
+        if (most < -off) {
+            return 0;
+        }
+        return least > off ? (bend[0] + 2.0 * bend[1] + bend[2] > 0.0 ? 1 : -1) : kUnseenFold;
     }
     /// A vector in the direction of the middle.
     Pt Along() const { return speed[0] + speed[1] * 2.0 + speed[2]; }
@@ -213,13 +273,18 @@ struct BendLeaf {
     Pt along;     ///< the derivative in the middle, times a positive number
 };
 
-std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double tiny, double slack) {
+/// Divides a curve into parts whose fold is known, and tiny ones. `bySquares` takes the test that
+/// needs fewer parts. There are kMostLeaves of these, and few more, at most.
+std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double tiny, double slack,
+                               bool bySquares) {
     std::vector<BendLeaf> leaves;
     std::vector<BendOfPart> open = {whole};
     while (!open.empty()) {
         BendOfPart const part = open.back();
         open.pop_back();
-        int const fold = part.FoldBeside(radius, slack);
+        int const quick = part.FoldBeside(radius, slack);
+        int const fold =
+            quick == kUnseenFold && bySquares ? part.FoldBySquares(radius, slack) : quick;
         bool const isLong = part.Length() > tiny;
         bool const isShort = part.Length() <= 4.0 * tiny;
         bool const turnsLittle = part.TurnsLittle();
@@ -250,7 +315,10 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
         out.push_back({});
         return;
     }
-    std::vector<BendLeaf> leaves = LeavesOf(whole, radius, tiny, slack);
+    std::vector<BendLeaf> leaves = LeavesOf(whole, radius, tiny, slack, false);
+    if (leaves.size() > kMostLeaves) {
+        leaves = LeavesOf(whole, radius, tiny, slack, true);
+    }
     for (std::size_t i = 1; i < leaves.size(); ++i) {
         if (leaves[i - 1].isShort && leaves[i].isShort &&
             Dot(leaves[i - 1].along, leaves[i].along) < 0.0) { // a cusp where both meet
@@ -302,33 +370,8 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
 
 namespace {
 
-// Polynomials in scaled Bernstein form, in which coefficient k has the factor binomial(n, k):
-// products are then those of the coefficients.
-
-template <std::size_t N, std::size_t M>
-std::array<double, N + M - 1> Product(std::array<double, N> const& a,
-                                      std::array<double, M> const& b) {
-    std::array<double, N + M - 1> result = {};
-    for (std::size_t i = 0; i < N; ++i) {
-        for (std::size_t k = 0; k < M; ++k) {
-            result[i + k] += a[i] * b[k];
-        }
-    }
-    return result;
-}
-
 constexpr std::size_t kSquareTerms = 19;
 constexpr std::size_t kAlongTerms = 16;
-
-template <std::size_t N> constexpr std::array<double, N> Binomials() {
-    std::array<double, N> result = {};
-    double value = 1.0;
-    for (std::size_t k = 0; k < N; ++k) {
-        result[k] = value;
-        value = value * static_cast<double>(N - 1 - k) / static_cast<double>(k + 1);
-    }
-    return result;
-}
 
 /// Returns a bound on the magnitude of a polynomial in Bernstein form, found by halving it up to
 /// `depth` times. It ends early where the bound is no more than `enough`, or a value is more.

@@ -298,6 +298,22 @@ TEST(Stroke, TurnsRoundWhereRoundingLeavesASpeedAtTheTurn) {
     }
 }
 
+TEST(Stroke, FollowsCurvesWhoseCurvatureComesCloseToThePens) {
+    // Its curvature exceeds the pen's by little, three times.
+    CPath const path = Path("M0 4 C1 2 0 2 1 3");
+    CPath out;
+    double const kept = Stroke(path, Round(3), 4e-6, out);
+    OutlineMeasure const measure(path);
+    Dice dice(3);
+    for (int i = 0; i < 400; ++i) {
+        Pt const p(dice.Between(-2.0, 3.0), dice.Between(0.5, 6.0));
+        double const distance = measure.Distance(p);
+        if (std::abs(distance - 1.5) > kept) {
+            ASSERT_EQ(WindingNumber(out, p), distance < 1.5 ? 1 : 0) << p.h << ", " << p.v;
+        }
+    }
+}
+
 TEST(Stroke, LeavesOutSubpathsThatAreNotFinite) {
     CPath path = Path("M0 0 L10 0");
     path.MoveTo(Pt(0.0, 5.0)).LineTo(Pt(kNaN, 5.0));
