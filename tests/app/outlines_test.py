@@ -52,6 +52,21 @@ class Outlines(AppTest):
         self.run_text("overlap", file, "--id", "l", "-o", self.out)
         self.assertEqual(self.path_data("out.svg"), {"l": "M0 0H9V9Z"})
 
+    def test_lines_with_a_stroke_stay_though_they_have_the_default_fill(self):
+        line = '<line id="l" x2="9" y2="9" stroke="red"/>'
+        body = '<path id="s" d="M0 0H4V4H0Z"/>' + line
+        file = self.write("in.svg", svg(body))
+        for command in (("overlap",), ("offset", "--by", "1"), ("offset", "--by", "-1"), ("divide",)):
+            self.run_text(*command, file, "-o", self.out)
+            self.assertIn(line, self.read("out.svg").decode(), command)
+
+    def test_an_element_pressed_into_a_line_stays(self):
+        pressed = '<path id="p" transform="scale(0)" d="M0 0H9V9Z"/>'
+        file = self.write("in.svg", svg('<path id="s" d="M0 0H4V4H0Z"/>' + pressed))
+        for command in (("overlap",), ("reverse",), ("simplify",)):
+            self.run_text(*command, file, "-o", self.out)
+            self.assertIn(pressed, self.read("out.svg").decode(), command)
+
     def test_stroke_gives_the_area_of_the_line(self):
         body = ('<path id="p" stroke="red" d="M10 10H30"/>'
                 '<path id="q" style="fill:none;stroke:url(#g)" d="M10 50H30V70"/>')

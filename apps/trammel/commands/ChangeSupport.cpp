@@ -11,6 +11,8 @@
 #include "Progress.h"
 #include "Warning.h"
 
+#include <trammel/OutlineOperations.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
@@ -100,6 +102,12 @@ void TellCopies(Drawing const& drawing, std::vector<Outline const*> const& outli
 
 } // namespace
 
+bool EnclosesNothing(Outline const& outline) {
+    CPath region;
+    trammel::RemoveOverlap(outline.path, outline.rule, 0.0, region);
+    return region.mCtls.empty();
+}
+
 void AddChangeOptions(Command const& command, ChangeOptions& options, ToleranceShare const& share) {
     AddSource(command, options.source);
     command
@@ -186,14 +194,20 @@ void RunChange(ChangeOptions const& options, Change const& change) {
         return found != made.end() ? std::move(found->second)
                                    : FormOf(change, drawing, outline, tolerance);
     };
+    // A straight line with a stroke often has the fill that it has by default.
+    auto const remains = [&](Outline const& outline, CPath const& form) {
+        return form.mCtls.empty() && change.area && options.source.ids.empty() &&
+               outline.stroke != "none" && EnclosesNothing(outline);
+    };
     if (keeps) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
         for (Outline const* const outline : all) {
-            if (!stays(*outline)) {
+            CPath form = stays(*outline) ? CPath() : formOf(*outline);
+            if (!stays(*outline) && !remains(*outline, form)) {
                 if (change.prepare) {
                     change.prepare(edit, *outline);
                 }
-                SetPath(edit, drawing, *outline, formOf(*outline));
+                SetPath(edit, drawing, *outline, std::move(form));
                 if (change.paint) {
                     change.paint(edit, *outline);
                 }
@@ -208,7 +222,10 @@ void RunChange(ChangeOptions const& options, Change const& change) {
     for (Outline& outline : drawing.outlines) {
         progress.Update(++done);
         if (!stays(outline)) {
-            outline.path = formOf(outline);
+            CPath form = formOf(outline);
+            if (!remains(outline, form)) {
+                outline.path = std::move(form);
+            }
         } else if (change.filled) {
             continue;
         }

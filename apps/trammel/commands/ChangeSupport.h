@@ -81,6 +81,9 @@ ChangeInput LoadForChange(ChangeOptions const& options, ToleranceShare const& sh
 void TellDistance(std::string const& file, std::string const& id, double distance,
                   double tolerance);
 
+/// True for an outline whose fill has no area, such as a straight line.
+bool EnclosesNothing(Outline const& outline);
+
 /// Changes the outlines, and writes the file. Warns of an outline that does not keep the tolerance.
 void RunChange(ChangeOptions const& options, Change const& change);
 

@@ -45,7 +45,9 @@ public:
         }
         ApplyClips(drawing);
         for (Outline const& outline : drawing.outlines) {
-            if ((all || outline.fill != "none") && !outline.source.toDrawing.IsSingular()) {
+            bool const isLine = outline.stroke != "none" && EnclosesNothing(outline);
+            if ((all || (outline.fill != "none" && !isLine)) &&
+                !outline.source.toDrawing.IsSingular()) {
                 mPlaces.push_back(static_cast<std::size_t>(&outline - drawing.outlines.data()));
             }
         }

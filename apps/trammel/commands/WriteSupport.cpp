@@ -7,6 +7,8 @@
 #include "Warning.h"
 
 #include <cmath>
+#include <optional>
+#include <string>
 #include <unordered_map>
 #include <utility>
 
@@ -148,15 +150,25 @@ bool IsIdentity(CMatrix3x3 const& m) {
     return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
 }
 
-CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline) {
+namespace {
+
+/// Returns the matrix that undoes `m`, or nothing.
+std::optional<CMatrix3x3> InverseOf(CMatrix3x3 const& m) {
     CMatrix3x3 inverse;
-    if (IsIdentity(m)) {
+    if (IsIdentity(m) || (!m.IsSingular() && m.Inverse(inverse))) {
         return inverse;
     }
-    if (m.IsSingular() || !m.Inverse(inverse)) {
+    return std::nullopt;
+}
+
+} // namespace
+
+CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline) {
+    std::optional<CMatrix3x3> const inverse = InverseOf(m);
+    if (!inverse) {
         throw Error(drawing.file, outline.id, "its transform presses it into a line");
     }
-    return inverse;
+    return *inverse;
 }
 
 CPath Moved(CPath path, CMatrix3x3 const& m) {
@@ -177,6 +189,9 @@ std::vector<Outline const*> OnePerElement(Drawing const& drawing) {
     std::unordered_map<std::size_t, std::size_t> counts;
     for (Outline const& outline : drawing.outlines) {
         ++counts[outline.source.element];
+        if (!InverseOf(outline.source.toDrawing)) {
+            continue;
+        }
         auto const place = places.emplace(outline.source.element, chosen.size());
         if (place.second) {
             chosen.push_back(&outline);

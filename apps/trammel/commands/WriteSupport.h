@@ -68,7 +68,8 @@ CPath Moved(CPath path, CMatrix3x3 const& m);
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path);
 
 /// Returns one outline for each element, the largest of several copies. Warns when copies change
-/// that were not chosen.
+/// that were not chosen. Leaves out outlines that their transform presses into a line: nobody sees
+/// them.
 std::vector<Outline const*> OnePerElement(Drawing const& drawing);
 
 } // namespace tool
