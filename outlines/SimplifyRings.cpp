@@ -2,6 +2,7 @@
 
 #include "SimplifyRings.h"
 
+#include "ArcBoxes_p.h"
 #include "ArcChain_p.h"
 #include "BoxTree_p.h"
 #include "ExactSide_p.h"
@@ -9,6 +10,7 @@
 #include "PointMath_p.h"
 #include "RangeScale_p.h"
 #include "RingArcs_p.h"
+#include "SlantTree_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -21,16 +23,20 @@ namespace {
 
 using trammel_detail::ArcChain;
 using trammel_detail::ArcChord;
+using trammel_detail::BoxTree;
 using trammel_detail::ExactSide;
 using trammel_detail::PieceMarks;
 using trammel_detail::PiecePlace;
 using trammel_detail::RingArcs;
+using trammel_detail::SlantBox;
 
 typedef TPoint<double> Pt;
 typedef trammel_detail::Box<double> Box;
 
-/// Pieces of so many pairs of edges are compared. Larger ones count as apart, and get more
-/// vertices.
+/// Of larger pieces, so many pairs of boxes are compared. Where these are not enough, the pieces
+/// count as apart, and get more vertices.
+constexpr std::size_t kMostBoxPairs = 16384;
+/// Pieces of so many pairs of edges are compared edge by edge.
 constexpr std::size_t kMostEdgePairs = 4096;
 /// The test of what a chord has passed looks at kMostSideEdges edges at most, and at each edge of
 /// its piece kMostSideLooks times more. A chord that would take more gets more vertices.
@@ -121,6 +127,7 @@ public:
           mMeetings(mVertices) {
         for (Pt& p : mVertices) {
             p *= mScale;
+            mExtent = std::max({mExtent, std::abs(p.h), std::abs(p.v)});
         }
         mChains.reserve(mMap.arcs.size());
         for (std::vector<std::size_t> const& arc : mMap.arcs) {
@@ -130,6 +137,10 @@ public:
             KeepThreeVertices(ring);
         }
         if (crossings == NewCrossings::kAvoid) {
+            mBoxes.reserve(mMap.arcs.size());
+            for (std::vector<std::size_t> const& arc : mMap.arcs) {
+                mBoxes.emplace_back(mVertices, arc);
+            }
             trammel_detail::DivideWhileMarked(
                 [this](PieceMarks& marks) { Mark(marks); },
                 [this](std::size_t i, std::vector<char> const& marks, bool whole) {
@@ -209,7 +220,17 @@ private:
                 boxes.push_back(mMeetings.BoxOf(LineOf(i, chords[k])));
             }
         }
-        trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
+        BoxTree const tree(boxes);
+        auto const slantsOf = [&] {
+            std::vector<SlantBox> slants;
+            slants.reserve(places.size());
+            for (PiecePlace const& place : places) {
+                Line const line = LineOf(place.chain, ChordAt(place));
+                slants.push_back(SlantBox::Of(mVertices[line.a], mVertices[line.b]));
+            }
+            return slants;
+        };
+        auto const compare = [&](std::size_t i, std::size_t j) {
             PiecePlace const& p = places[i];
             PiecePlace const& q = places[j];
             ArcChord const& a = ChordAt(p);
@@ -220,7 +241,8 @@ private:
                 marks.Mark(p);
                 marks.Mark(q);
             }
-        });
+        };
+        trammel_detail::ForMeetingSlants(tree, slantsOf, tree, slantsOf, mExtent, compare);
         MarkPassing(places, marks);
     }
     /// Marks the chords that lie on another side of a vertex than their pieces. Nothing crosses
@@ -251,23 +273,40 @@ private:
                 pieces.push_back(PieceBox(place.chain, chord));
             }
         }
+        auto const slantsOfPieces = [&] {
+            std::vector<SlantBox> slants;
+            slants.reserve(passing.size());
+            for (PiecePlace const& place : passing) {
+                slants.push_back(PieceSlant(place.chain, ChordAt(place)));
+            }
+            return slants;
+        };
+        auto const slantsOfPoints = [&] {
+            std::vector<SlantBox> slants;
+            slants.reserve(tested.size());
+            for (std::size_t const id : tested) {
+                slants.push_back(SlantBox::Of(mVertices[id], mVertices[id]));
+            }
+            return slants;
+        };
         std::vector<std::size_t> edges(passing.size(), 0); // looked at
-        trammel_detail::BoxTree(pieces).ForMeeting(
-            trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t k) {
-                std::vector<std::size_t> const& ids = mMap.arcs[passing[i].chain];
-                ArcChord const& chord = ChordAt(passing[i]);
-                std::size_t const id = tested[k];
-                bool const isEnd = id == ids[chord.from] || id == ids[chord.to];
-                if (isEnd || marks.Of(passing[i].chain)[passing[i].piece] != 0) {
-                    return;
-                }
-                std::size_t const count = chord.to - chord.from;
-                if (edges[i] + count > kMostSideEdges + kMostSideLooks * count ||
-                    mMeetings.WindingAround(id, &ids[chord.from], &ids[chord.to]) != 0) {
-                    marks.Mark(passing[i]);
-                }
-                edges[i] += count;
-            });
+        auto const test = [&](std::size_t i, std::size_t k) {
+            std::vector<std::size_t> const& ids = mMap.arcs[passing[i].chain];
+            ArcChord const& chord = ChordAt(passing[i]);
+            std::size_t const id = tested[k];
+            bool const isEnd = id == ids[chord.from] || id == ids[chord.to];
+            if (isEnd || marks.Of(passing[i].chain)[passing[i].piece] != 0) {
+                return;
+            }
+            std::size_t const count = chord.to - chord.from;
+            if (edges[i] + count > kMostSideEdges + kMostSideLooks * count ||
+                mMeetings.WindingAround(id, &ids[chord.from], &ids[chord.to]) != 0) {
+                marks.Mark(passing[i]);
+            }
+            edges[i] += count;
+        };
+        trammel_detail::ForMeetingSlants(BoxTree(pieces), slantsOfPieces, BoxTree(points),
+                                         slantsOfPoints, mExtent, test);
     }
     /// The box of all vertices that a chord replaces, and of its ends. O(edges of the piece).
     Box PieceBox(std::size_t arc, ArcChord const& chord) const {
@@ -278,16 +317,30 @@ private:
         }
         return box;
     }
+    /// The slanted box of the same vertices.
+    SlantBox PieceSlant(std::size_t arc, ArcChord const& chord) const {
+        std::vector<std::size_t> const& ids = mMap.arcs[arc];
+        std::vector<Pt> vertices;
+        for (std::size_t i = chord.from; i <= chord.to; ++i) {
+            vertices.push_back(mVertices[ids[i]]);
+        }
+        return trammel_detail::SlantBoxOf(vertices.data(), vertices.size(),
+                                          vertices.back() - vertices.front());
+    }
     /// True when the pieces that two chords replace meet.
     bool PiecesMeet(std::size_t arcA, ArcChord const& a, std::size_t arcB,
                     ArcChord const& b) const {
         std::size_t const countA = a.to - a.from;
         std::size_t const countB = b.to - b.from;
-        if (countA > kMostEdgePairs || countB > kMostEdgePairs / countA) {
-            return false;
-        }
         std::vector<std::size_t> const& idsA = mMap.arcs[arcA];
         std::vector<std::size_t> const& idsB = mMap.arcs[arcB];
+        if (countA > kMostEdgePairs || countB > kMostEdgePairs / countA) {
+            return mBoxes[arcA].AnyMeets(
+                {a.from, a.to}, mBoxes[arcB], {b.from, b.to}, kMostBoxPairs,
+                [&](std::size_t i, std::size_t j) {
+                    return mMeetings.Meet({idsA[i], idsA[i + 1]}, {idsB[j], idsB[j + 1]});
+                });
+        }
         for (std::size_t i = a.from; i < a.to; ++i) {
             for (std::size_t j = b.from; j < b.to; ++j) {
                 if (mMeetings.Meet({idsA[i], idsA[i + 1]}, {idsB[j], idsB[j + 1]})) {
@@ -301,8 +354,10 @@ private:
     RingArcs mMap;
     double mScale;
     std::vector<Pt> mVertices; ///< multiplied by it, for the meetings
+    double mExtent = 0.0;      ///< their greatest coordinate
     Meetings mMeetings;
     std::vector<ArcChain> mChains;
+    std::vector<trammel_detail::ArcBoxes> mBoxes; ///< of the arcs
 };
 
 /// The vertices of a ring that are finite and differ from the one before, and the last one from the

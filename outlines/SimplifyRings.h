@@ -32,8 +32,9 @@
 // std::bad_alloc, and `out` is as before.
 //
 // Source: D. Douglas, T. Peucker, 1973. Where its splits are lopsided many times, a piece is split
-// in the middle, so that the cost is O(n log n) for every input. BoxTree finds the pairs of lines
-// that may meet. That a line must not pass a vertex is the test of A. Saalfeld, 1999.
+// in the middle, so that the cost is O(n log n) for every input. Boxes upright and along the
+// lines (S. Gottschalk, M. Lin, D. Manocha, 1996) find the pairs that may meet. That a line must
+// not pass a vertex is the test of A. Saalfeld, 1999.
 
 #ifndef TRAMMEL_SIMPLIFYRINGS_H
 #define TRAMMEL_SIMPLIFYRINGS_H
@@ -49,12 +50,13 @@ namespace trammel {
 /// Replaces `out` by the rings with fewer vertices, and returns the distance that is kept. `out`
 /// may be `rings` itself.
 ///
-/// Cost: O(n log n); with kAvoid also O(k) for k pairs of lines whose boxes meet, in at most 24
-/// rounds, mostly two or three. An arc is tested by its ends and by one vertex between that it
-/// keeps. For each of these vertices in the box of its piece, a line also looks at all edges of the
-/// piece. The sum of these edges is at most 65,536 plus four times the edges of the piece. A line
-/// that would need more gets more vertices, even where it has passed nothing. Long slanting needles
-/// beside each other may have all n tested vertices in each box, which takes O(n²) steps.
+/// Cost: O(n log n); with kAvoid also O(k) for k pairs of lines whose boxes meet, upright and along
+/// the lines, in at most 24 rounds, mostly two or three. An arc is tested by its ends and by one
+/// vertex between that it keeps. For each of these vertices in the boxes of its piece, a line also
+/// looks at all edges of the piece. The sum of these edges is at most 65,536 plus four times the
+/// edges of the piece. A line that would need more gets more vertices, even where it has passed
+/// nothing. So does a line that meets another one, where 16,384 pairs of boxes do not suffice to
+/// find two edges of their pieces that meet.
 /// \param tolerance in coordinate units, inclusive.
 TRAMMEL_API double SimplifyRings(std::vector<Ring> const& rings, double tolerance,
                                  NewCrossings crossings, std::vector<Ring>& out);

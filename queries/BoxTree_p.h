@@ -23,12 +23,23 @@ public:
 
     /// Calls visit(i, j) for each box i of this tree and j of the other one that meet.
     template <class Visit> void ForMeeting(BoxTree const& other, Visit&& visit) const {
+        ForMeeting(other, AllMay(), visit);
+    }
+    /// Leaves out those below two nodes for which mayMeet(level, node, level of the other, node of
+    /// the other) is false. Nodes are asked only if their boxes meet.
+    template <class Filter, class Visit>
+    void ForMeeting(BoxTree const& other, Filter&& mayMeet, Visit&& visit) const {
         if (!mOrder.empty() && !other.mOrder.empty()) {
-            Walk(other, Pair{mLevels.size() - 1, 0, other.mLevels.size() - 1, 0}, visit);
+            Walk(other, Pair{mLevels.size() - 1, 0, other.mLevels.size() - 1, 0}, mayMeet, visit);
         }
     }
     /// Calls visit(i, j) with i < j for each two boxes of this tree that meet.
     template <class Visit> void ForMeetingPairs(Visit&& visit) const {
+        ForMeetingPairs(AllMay(), visit);
+    }
+    /// Leaves out those below two nodes for which mayMeet is false, as above.
+    template <class Filter, class Visit>
+    void ForMeetingPairs(Filter&& mayMeet, Visit&& visit) const {
         auto const inOrder = [&](std::size_t i, std::size_t j) {
             visit(std::min(i, j), std::max(i, j));
         };
@@ -39,15 +50,30 @@ public:
                 std::size_t const end = EndOf(level, node);
                 for (std::size_t k = node * kFan; k < end; ++k) {
                     for (std::size_t l = k + 1; l < end; ++l) {
-                        Walk(*this, Pair{level - 1, k, level - 1, l}, inOrder);
+                        Walk(*this, Pair{level - 1, k, level - 1, l}, mayMeet, inOrder);
                     }
                 }
             }
         }
     }
 
+    static constexpr std::size_t kFan = 4; ///< children of a node
+
+    /// The nodes lie on levels. Level 0 has the boxes, the last level has one node.
+    std::size_t Levels() const { return mLevels.size(); }
+    std::size_t Nodes(std::size_t level) const { return mLevels[level].size(); }
+    /// Returns the number of the box of a node on level 0.
+    std::size_t NumberOf(std::size_t node) const { return mOrder[node]; }
+    /// Returns the end of the children of a node, the first of which is kFan * node.
+    std::size_t EndOf(std::size_t level, std::size_t node) const {
+        return std::min(node * kFan + kFan, mLevels[level - 1].size());
+    }
+
 private:
-    static constexpr std::size_t kFan = 4; // children of a node
+    /// A filter that lets all nodes pass.
+    struct AllMay {
+        bool operator()(std::size_t, std::size_t, std::size_t, std::size_t) const { return true; }
+    };
 
     /// A node of one tree and a node of another one.
     struct Pair {
@@ -60,17 +86,15 @@ private:
     /// boxes has 33 levels.
     static constexpr std::size_t kMostOpen = std::size_t{2} * 33 * kFan;
 
-    std::size_t EndOf(std::size_t level, std::size_t node) const {
-        return std::min(node * kFan + kFan, mLevels[level - 1].size());
-    }
-
-    template <class Visit> void Walk(BoxTree const& other, Pair const& root, Visit&& visit) const {
+    template <class Filter, class Visit>
+    void Walk(BoxTree const& other, Pair const& root, Filter&& mayMeet, Visit&& visit) const {
         std::array<Pair, kMostOpen> open; // not initialised
         std::size_t count = 0;
         open[count++] = root;
         while (count > 0) {
             Pair const p = open[--count];
-            if (!mLevels[p.levelI][p.i].Meets(other.mLevels[p.levelJ][p.j])) {
+            if (!mLevels[p.levelI][p.i].Meets(other.mLevels[p.levelJ][p.j]) ||
+                !mayMeet(p.levelI, p.i, p.levelJ, p.j)) {
                 continue;
             }
             if (p.levelI == 0 && p.levelJ == 0) {

@@ -487,6 +487,8 @@ std::vector<Case> Cases() {
         // Of a million, two are equal, so that the ring has a node.
         Simplifying("random points, a loose tolerance", Noise, 1e7, 100000),
         Simplifying("a comb", upright, 100),
+        Simplifying("a slanted comb", turned(upright), 0.1),
+        Simplifying("a slanted comb, a loose tolerance", turned(upright), 100),
         Simplifying("a spiral", Spiral, 5),
         Simplifying("a spiral, a loose tolerance", Spiral, 200),
         Simplifying(

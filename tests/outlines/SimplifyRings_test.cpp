@@ -247,6 +247,52 @@ TEST(SimplifyRings, LetsNothingCrossOrTouchAnew) {
     }
 }
 
+TEST(SimplifyRings, LetsNothingCrossAmongLongSlantingNeedlesBesideEachOther) {
+    std::mt19937_64 random(8);
+    auto const below = [&](std::uint64_t n) { return static_cast<double>(random() % n); };
+    long mended = 0;
+    for (int i = 0; i < 12; ++i) {
+        // Bent needles beside each other, with islands in the bends. All boxes meet.
+        Pt const along(0.25 * (3 + i), 0.25 * (14 - i));
+        Pt const across(0.0625 * (i - 14), 0.0625 * (3 + i));
+        Rings rings;
+        for (int k = 0; k < 60; ++k) {
+            Pt const base = across * (8 * k);
+            double const half = 20 + below(3);
+            Pt const middle = base + along * half;
+            rings.push_back(
+                {base, middle + across * 6, base + along * (2 * half), middle + across * 4.5});
+            rings.push_back(
+                {middle - across, middle + across * (2 + below(2)), middle + along - across});
+        }
+        EXPECT_EQ(0, MeetingsOf(EdgesOf(rings))) << i;
+        Rings loose;
+        Rings tight;
+        SimplifyRings(rings, 6.0, NewCrossings::kAllow, loose);
+        SimplifyRings(rings, 6.0, NewCrossings::kAvoid, tight);
+        EXPECT_EQ(0, MeetingsOf(EdgesOf(tight))) << i;
+        mended += MeetingsOf(EdgesOf(loose)) > 0 ? 1 : 0;
+    }
+    EXPECT_GT(mended, 5);
+}
+
+TEST(SimplifyRings, LetsLinesCrossWhosePiecesOfManyEdgesDo) {
+    // Two bars with serrated sides, one across the other
+    Rings rings(2);
+    for (int i = -100; i <= 100; ++i) {
+        rings[0].push_back(Pt(i, i % 2 == 0 ? -5 : -4));
+        rings[1].push_back(Pt(i % 2 == 0 ? 5 : 4, i + 0.5));
+    }
+    for (int i = 100; i >= -100; --i) {
+        rings[0].push_back(Pt(i, i % 2 == 0 ? 5 : 4));
+        rings[1].push_back(Pt(i % 2 == 0 ? -5 : -4, i + 0.5));
+    }
+    SimplifyRings(rings, 2.0, NewCrossings::kAvoid, rings);
+    EXPECT_EQ((Rings{{Pt(-100, -5), Pt(100, -5), Pt(100, 5), Pt(-100, 5)},
+                     {Pt(-5, -99.5), Pt(5, -99.5), Pt(5, 100.5), Pt(-5, 100.5)}}),
+              rings);
+}
+
 /// How often a ring of whole coordinates winds around a point that is not on it.
 int WindingOf(Ring const& ring, Pt const& p) {
     int winding = 0;
