@@ -121,6 +121,14 @@ private:
                 near = middle;
             }
         }
+        // What remains is nearly straight: a line through it is as sharp as rounding lets it be.
+        // Branches beside each other need that, as each is cut by the circle at another angle.
+        double const inside = limit - Square(PlaceAt(c, near).point - centre);
+        double const outside = Square(mPoint - centre) - limit;
+        double const part = inside / (inside + outside);
+        if (part >= 0.0 && part <= 1.0) { // no NaN
+            mPoint = PlaceAt(c, near + (far - near) * part).point;
+        }
         mT = near;
         return true;
     }

@@ -114,6 +114,19 @@ TEST(IntersectionsOfPaths, TellAVertexOnAVertexOnce) {
               "C 1:0 1:1; X+ 1:0.25 3:0.5; X+ 4:0.75 4:0.5");
 }
 
+TEST(IntersectionsOfPaths, TellWhetherCornersWithCommonTangentsCross) {
+    // At (0, 0), two sides of each have the same tangents, and they part as the third power of the
+    // distance. A is the lower one along the first tangent, and the inner one along the second.
+    CPath const a = Path("M0 0C0 1 0 0 1 0Z");
+    CPath const b = Path("M0 0C1 0 0 0 1 1L0 1C0 1 0 1 0 0Z");
+    for (double const accuracy : {1e-3, 1e-6, 1e-9, 1e-10, 1e-11, 3e-12}) {
+        std::vector<Intersection> const places = Intersections(a, b, accuracy);
+        ASSERT_EQ(places.size(), 2u) << accuracy;
+        EXPECT_EQ(places[0].kind, IntersectionKind::kCrossing) << accuracy;
+        EXPECT_EQ(places[1].kind, IntersectionKind::kCrossing) << accuracy;
+    }
+}
+
 TEST(IntersectionsOfPaths, ThroughTwoCornersAreTwo) {
     EXPECT_EQ(Text(Intersections(Path(kSquare), Line(Pt(-1, -1), Pt(5, 5)), kFine)),
               "X+ 1:0 0:0.1667; X+ 2:1 0:0.8333");
