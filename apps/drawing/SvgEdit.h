@@ -35,6 +35,9 @@ public:
     /// style sheets or this attribute declare it, otherwise the attribute of its name.
     void SetProperty(std::size_t element, Property property, std::string const& value);
 
+    /// Sets an attribute that is no property.
+    void SetAttribute(std::size_t element, std::string const& name, std::string const& value);
+
     /// Removes an attribute.
     void RemoveAttribute(std::size_t element, std::string const& name);
 

@@ -193,6 +193,25 @@ class Outlines(AppTest):
         self.assertIn('<rect id="a">: its pattern \'#p\' is placed anew', warned)
         self.assertEqual(warned.count("\n"), 1)
 
+    def test_commands_keep_the_length_of_dashes_that_path_length_scales(self):
+        # 80 long, which counts as 160: dashes of 4 are 2 long.
+        body = ('<path id="a" d="M0 0H20V20H0Z" stroke="red" stroke-dasharray="4 2" pathLength="160"/>'
+                '<path id="line" d="M0 40H40" fill="none" stroke="red" stroke-dasharray="4 2" pathLength="160"/>')
+        file = self.write("in.svg", svg(body))
+        for arguments, name, length in (
+                (["offset", "--id", "a", "--by", "5", "--join", "miter", file], "a", 240),
+                (["cut", "--id", "line", "--from", "0.25", "--to", "0.5", file], "line", 40),
+                (["transform", "--id", "line", "--scale", "2", "--coordinates", file], "line", 320),
+                (["overlap", "--id", "a", file], "a", 160)):
+            self.run_text(*arguments, "-o", self.out)
+            path = re.search(f'<path id="{name}"[^>]*>', self.read("out.svg").decode()).group()
+            self.assertAlmostEqual(float(re.search('pathLength="([^"]*)"', path).group(1)), length, 9)
+            self.assertIn('stroke-dasharray="4 2"', path)
+        # One dash for the whole line is one on any form.
+        whole = self.write("whole.svg", svg(body.replace('"4 2"', '"160"')))
+        self.run_text("offset", "--id", "a", "--by", "5", whole, "-o", self.out)
+        self.assertIn('pathLength="160"', re.search('<path id="a"[^>]*>', self.read("out.svg").decode()).group())
+
     def test_divided_copies_keep_the_look_of_sheets_gradients_and_dashes(self):
         body = ('<style>.half{opacity:50%} #v{opacity:.5}</style>' + self.GRADIENTS +
                 '<defs><g id="s" opacity=".5"><path id="q" class="half" d="M0 0H10V10H0Z" fill="url(#g)"/></g></defs>'

@@ -207,6 +207,9 @@ void RunChange(ChangeOptions const& options, Change const& change) {
                 if (change.prepare) {
                     change.prepare(edit, *outline);
                 }
+                if (!change.filled) {
+                    KeepDashes(edit, *outline, form);
+                }
                 SetPath(edit, drawing, *outline, std::move(form));
                 if (change.paint) {
                     change.paint(edit, *outline);

@@ -132,6 +132,7 @@ std::string Merged(Options const& options, Drawing const& drawing,
         }
     }
     if (receiver != nullptr) {
+        KeepDashes(edit, *receiver, result);
         SetPath(edit, drawing, *receiver, result); // rings without overlaps: any rule will do
         if (clipped.count(receiver->source.element) != 0) {
             edit.SetProperty(receiver->source.element, Property::kClipPath, "none");

@@ -10,6 +10,7 @@
 #include "WriteSupport.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace tool {
@@ -61,6 +62,8 @@ void Run(Options const& options) {
             changed.outlines = std::move(pieces);
             SvgEdit edit(drawing.document, DigitsOf(options.write));
             for (Outline const* const outline : OnePerElement(changed)) {
+                auto const place = static_cast<std::size_t>(outline - changed.outlines.data());
+                KeepDashes(edit, drawing.outlines[place], outline->path);
                 SetPath(edit, changed, *outline, outline->path);
             }
             files.Add(file, SvgBytes(edit.Text(), file));

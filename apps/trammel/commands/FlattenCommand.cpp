@@ -45,7 +45,9 @@ void Run(Options const& options) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
         for (Outline const* const outline : OnePerElement(drawing)) {
             if (outline->path.TestContents(CPath::kContainsCurves)) {
-                SetPath(edit, drawing, *outline, flattened(*outline));
+                CPath const path = flattened(*outline);
+                KeepDashes(edit, *outline, path);
+                SetPath(edit, drawing, *outline, path);
             }
             progress.Update(++done);
         }

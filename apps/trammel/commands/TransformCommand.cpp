@@ -119,6 +119,8 @@ void Run(Command const& command, Options const& options) {
     if (!KeepsDocument(drawing, options.write.output)) {
         ApplyClips(drawing);
     }
+    std::vector<Outline> const before =
+        options.coordinates ? drawing.outlines : std::vector<Outline>();
     CMatrix3x3 whole;
     for (Step const& step : steps) {
         CMatrix3x3 const m = MatrixOf(step, drawing);
@@ -143,6 +145,8 @@ void Run(Command const& command, Options const& options) {
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     if (options.coordinates) {
         for (Outline const* const outline : OnePerElement(drawing)) {
+            auto const place = static_cast<std::size_t>(outline - drawing.outlines.data());
+            KeepDashes(edit, before[place], outline->path);
             SetPath(edit, drawing, *outline, outline->path);
         }
     } else if (!IsIdentity(whole)) {

@@ -6,6 +6,9 @@
 #include "Numbers.h"
 #include "Warning.h"
 
+#include <trammel/AccurateCurve.h>
+
+#include <algorithm>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -15,6 +18,9 @@
 namespace tool {
 
 namespace {
+
+/// Lengths that differ by no more, beside their size, are the same within rounding.
+constexpr double kSameLength = 1e-9;
 
 /// Returns the number of an option, which must be above 0; 0 when the option is missing.
 double Positive(std::string const& option, std::string const& text) {
@@ -181,6 +187,24 @@ CPath Moved(CPath path, CMatrix3x3 const& m) {
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {
     edit.SetPath(outline.source.element,
                  Moved(std::move(path), Undone(outline.source.toDrawing, drawing, outline)));
+}
+
+void KeepDashes(SvgEdit& edit, Outline const& outline, CPath const& path) {
+    if (!(outline.pathLength > 0.0) || !outline.pen || outline.stroke == "none") {
+        return;
+    }
+    std::vector<double> const& dashes = outline.pen->style.dashes;
+    std::optional<CMatrix3x3> const own = InverseOf(outline.source.toDrawing);
+    if (dashes.empty() || !own ||
+        *std::max_element(dashes.begin(), dashes.end()) >= outline.pathLength) {
+        return;
+    }
+    double const before = trammel::ArcLength(Moved(outline.path, *own), 0.0);
+    double const after = trammel::ArcLength(Moved(path, *own), 0.0);
+    double const length = outline.pathLength * (after / before);
+    if (std::abs(after - before) > kSameLength * before && length > 0.0 && std::isfinite(length)) {
+        edit.SetAttribute(outline.source.element, "pathLength", Exact(length));
+    }
 }
 
 std::vector<Outline const*> OnePerElement(Drawing const& drawing) {

@@ -67,6 +67,11 @@ CPath Moved(CPath path, CMatrix3x3 const& m);
 /// Gives the outline's element another form, which is in the drawing's coordinates.
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path);
 
+/// Gives the outline's element the `pathLength` with which its dashes are as long on `path` as they
+/// were on the outline's own path. Both are in the drawing's coordinates. Nothing changes where the
+/// line is not dashed, and where a dash or a gap takes the whole line: it is a share of any form.
+void KeepDashes(SvgEdit& edit, Outline const& outline, CPath const& path);
+
 /// Returns one outline for each element, the largest of several copies. Warns when copies change
 /// that were not chosen. Leaves out outlines that their transform presses into a line: nobody sees
 /// them.
