@@ -2,6 +2,7 @@
 
 #include "CurveMeets_p.h"
 
+#include "OutlineMeets_p.h"
 #include "PointMath_p.h"
 #include "TPoint.h"
 
@@ -266,7 +267,8 @@ void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double acc
     highT = std::max(highT, g.highT);
 }
 
-double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
+double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy, bool straightA,
+                             bool straightB) {
     mMeets.clear();
     mEvents.clear();
     accuracy = accuracy >= 0.0 ? accuracy : 0.0; // also for a NaN
@@ -321,6 +323,14 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy) {
     double kept = asked >= finest ? std::min(asked, kCoarsest * extent) : finest;
     std::copy(points.begin(), points.begin() + 4, mA.begin());
     std::copy(points.begin() + 4, points.end(), mB.begin());
+    // Far from the origin, control points that are off by rounding may be off the line by more than
+    // the accuracy.
+    if (straightA) {
+        mA = CubicOf(TLine<double>(mA[0], mA[3]));
+    }
+    if (straightB) {
+        mB = CubicOf(TLine<double>(mB[0], mB[3]));
+    }
     while (!FindCurveEvents(mA, mB, kept, mEvents)) {
         constexpr double kCoarser = 16.0;
         kept *= kCoarser;

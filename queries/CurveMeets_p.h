@@ -57,7 +57,10 @@ public:
     /// Finds all stretches in which the curves are near each other, in the order of s0. Returns the
     /// distance that is kept: `accuracy`, or more (see Intersections.h). A curve with a coordinate
     /// that is not finite meets nothing.
-    double Find(Cubic const& a, Cubic const& b, double accuracy);
+    /// \param straightA, straightB true for a line of even speed, whose control points may be off
+    /// by
+    ///     the rounding of its coordinates.
+    double Find(Cubic const& a, Cubic const& b, double accuracy, bool straightA, bool straightB);
     /// What the last call found.
     CurveMeets const& Meets() const { return mMeets; }
     /// The curves of the last call that found something, moved and multiplied by a power of two:

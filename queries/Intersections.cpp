@@ -68,14 +68,20 @@ IntersectionKind KindOf(Passing passing) {
     return IntersectionKind::kEnd;
 }
 
-double AppendOfCubics(Cubic const& a, Cubic const& b, double accuracy,
+bool IsLine(CBezier const&) { return false; }
+bool IsLine(TLine<double> const&) { return true; }
+
+template <class OutlineA, class OutlineB>
+double AppendOfCubics(OutlineA const& outlineA, OutlineB const& outlineB, double accuracy,
                       std::vector<Intersection>& out) {
+    Cubic const a = CubicOf(outlineA);
+    Cubic const b = CubicOf(outlineB);
     if (RunsBackAlongItself(a, accuracy) || RunsBackAlongItself(b, accuracy)) {
         return AppendIntersectionsAsOutlines(CBezier(a[0], a[1], a[2], a[3]),
                                              CBezier(b[0], b[1], b[2], b[3]), accuracy, out);
     }
     CurveMeetFinder finder;
-    double const kept = finder.Find(a, b, accuracy);
+    double const kept = finder.Find(a, b, accuracy, IsLine(outlineA), IsLine(outlineB));
     auto const begun = static_cast<std::ptrdiff_t>(out.size());
     for (CurveMeet const& m : finder.Meets()) {
         Passing const passing = HowTheyPassAt(m, finder);
@@ -102,22 +108,22 @@ double AppendOfCubics(Cubic const& a, Cubic const& b, double accuracy,
 
 double AppendIntersections(CBezier const& a, CBezier const& b, double accuracy,
                            std::vector<Intersection>& out) {
-    return AppendOfCubics(CubicOf(a), CubicOf(b), accuracy, out);
+    return AppendOfCubics(a, b, accuracy, out);
 }
 
 double AppendIntersections(CBezier const& a, TLine<double> const& b, double accuracy,
                            std::vector<Intersection>& out) {
-    return AppendOfCubics(CubicOf(a), CubicOf(b), accuracy, out);
+    return AppendOfCubics(a, b, accuracy, out);
 }
 
 double AppendIntersections(TLine<double> const& a, CBezier const& b, double accuracy,
                            std::vector<Intersection>& out) {
-    return AppendOfCubics(CubicOf(a), CubicOf(b), accuracy, out);
+    return AppendOfCubics(a, b, accuracy, out);
 }
 
 double AppendIntersections(TLine<double> const& a, TLine<double> const& b, double accuracy,
                            std::vector<Intersection>& out) {
-    return AppendOfCubics(CubicOf(a), CubicOf(b), accuracy, out);
+    return AppendOfCubics(a, b, accuracy, out);
 }
 
 } // namespace trammel

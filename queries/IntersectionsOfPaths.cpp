@@ -298,7 +298,7 @@ private:
                 return;
             }
         }
-        double const kept = mFinder.Find(a.c, b.c, mAccuracy);
+        double const kept = mFinder.Find(a.c, b.c, mAccuracy, a.straight, b.straight);
         if (mFinder.Meets().empty()) {
             return;
         }

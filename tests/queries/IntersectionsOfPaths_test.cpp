@@ -289,6 +289,23 @@ TEST(IntersectionsOfPaths, OfAnySizeAndPlaceAreAlike) {
     }
 }
 
+TEST(IntersectionsOfPaths, FarFromTheOriginFindLinesOnStraightCurves) {
+    // The coordinates are whole, and thirds of them are off by far more than the accuracy.
+    for (double const far : {0.0, 1e4, 1e8, 1e12}) {
+        Pt const p(far + 1, 2 - far);
+        Pt const q(far + 2, -far);
+        CPath curve;
+        curve.MoveTo(q).CurveTo(p, p, p);
+        for (double const accuracy : {1e-6, 1e-9, 2e-11}) {
+            EXPECT_EQ(Text(Intersections(Line(p, q), curve, accuracy)), "O 0:0-1 1:1-0")
+                << far << ", " << accuracy;
+            EXPECT_EQ(Text(Intersections(Line(p, q), CBezier(q, p, p, p), accuracy)),
+                      "O 0:0-1 0:1-0")
+                << far << ", " << accuracy;
+        }
+    }
+}
+
 TEST(IntersectionsOfPaths, KeepAnAccuracyThatIsTooSmallBesideTheirSize) {
     // Scaled along with the coordinates it is 0.
     CPath const great = Path("M0 0 L1e300 1e300");
