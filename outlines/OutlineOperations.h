@@ -87,7 +87,8 @@ TRAMMEL_API double RemoveOverlap(CPath const& outline, FillRule rule, double tol
 ///
 /// The lines are subpaths as drawn: a subpath that is not closed has no line back to its start. The
 /// stretches are in the order of the lines and run as they do. A subpath that is closed and nowhere
-/// cut stays closed. Stretches along the region's outline count as inside.
+/// cut stays closed. Stretches along the region's outline count as inside. A subpath without length
+/// has none, and is left out.
 ///
 /// Every point of the lines that is farther than d from the region's outline is in `out` exactly
 /// when it is asked for, moved by no more than d.
