@@ -51,6 +51,7 @@ enum class Property {
     kFontSize,
     kOverflow,
     kMask,
+    kFilter,
     kMarker,
     kMarkerStart,
     kMarkerMid,

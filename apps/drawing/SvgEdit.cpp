@@ -303,6 +303,10 @@ void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
     SetProperty(element, Property::kTransform, MatrixText(own));
 }
 
+std::string SvgEdit::DeclaredValue(std::size_t element, Property property) {
+    return std::string(mCascade.Of(NodeAt(element))[property].value);
+}
+
 void SvgEdit::SetAttribute(std::size_t element, std::string const& name, std::string const& value) {
     mTags[element].attributes[name] = value;
 }

@@ -35,6 +35,15 @@ public:
     /// style sheets or this attribute declare it, otherwise the attribute of its name.
     void SetProperty(std::size_t element, Property property, std::string const& value);
 
+    /// Returns the value of a property's winning declaration before any change; empty without one.
+    std::string DeclaredValue(std::size_t element, Property property);
+
+    /// Returns all declarations of style sheets that hold for paths in the place of the element, as
+    /// Cascade::SheetsAs does.
+    std::map<std::string, std::string> SheetsForPaths(std::size_t element) const {
+        return mCascade.SheetsAs(NodeAt(element), "path");
+    }
+
     /// Sets an attribute that is no property.
     void SetAttribute(std::size_t element, std::string const& name, std::string const& value);
 

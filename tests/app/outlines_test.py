@@ -212,6 +212,21 @@ class Outlines(AppTest):
         self.run_text("offset", "--id", "a", "--by", "5", whole, "-o", self.out)
         self.assertIn('pathLength="160"', re.search('<path id="a"[^>]*>', self.read("out.svg").decode()).group())
 
+    def test_divided_copies_get_nothing_from_sheets_that_the_use_did_not_have(self):
+        sheet = ('<style>path.k{opacity:.5;display:none;fill:blue!important} .k{transform:translate(5px,0);mask:url(#m)}'
+                 ' #v{filter:url(#f)}</style>')
+        body = (sheet + '<defs><rect id="q" width="10" height="10"/></defs>'
+                '<use id="v" class="k" href="#q" fill="red"/><rect id="over" x="10" width="5" height="50"/>')
+        done = self.execute("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        warned = done.stderr.decode()
+        for name in ("filter", "mask"):
+            self.assertIn(f'<use id="v">: its {name} is left out, as it is divided', warned)
+        part = re.search('<path id="v-q"[^>]*>', self.read("out.svg").decode()).group()
+        for kept in ('class="k"', "fill:red!important", "opacity:1", "display:inline", "transform:none", "mask:none"):
+            self.assertIn(kept, part)
+        self.assertIn('d="M5 0', part)
+        self.assertIn("h5", part)
+
     def test_divided_copies_keep_the_look_of_sheets_gradients_and_dashes(self):
         body = ('<style>.half{opacity:50%} #v{opacity:.5}</style>' + self.GRADIENTS +
                 '<defs><g id="s" opacity=".5"><path id="q" class="half" d="M0 0H10V10H0Z" fill="url(#g)"/></g></defs>'
