@@ -18,16 +18,31 @@ void SortAlong(Cut* begin, Cut* end) {
     };
     // Edges that lie side by side are found in their order along an edge that crosses them, or in
     // the opposite order.
-    if (before(end[-1], *begin)) {
-        std::reverse(begin, end);
-    }
-    // Mostly few of them are out of place. No more than kFew are inserted one by one.
     constexpr std::ptrdiff_t kFew = 32;
     if (end - begin > kFew) {
-        if (!std::is_sorted(begin, end, before)) {
+        std::ptrdiff_t descents = 0;
+        for (Cut const* i = begin + 1; i < end; ++i) {
+            descents += before(*i, i[-1]) ? 1 : 0;
+        }
+        std::ptrdiff_t const steps = end - begin - 1;
+        if (descents > steps / 2) {
+            std::reverse(begin, end);
+            descents = steps - descents;
+        }
+        if (descents > 2) {
             std::sort(begin, end, before);
+            return;
+        }
+        // Two or three parts that are in order are merged. Near misses come last, so they are one.
+        for (Cut* i = begin; i < end;) {
+            i = std::is_sorted_until(i, end, before);
+            std::inplace_merge(begin, i, std::is_sorted_until(i, end, before), before);
         }
         return;
+    }
+    // Mostly few of them are out of place. No more than kFew are inserted one by one.
+    if (before(end[-1], *begin)) {
+        std::reverse(begin, end);
     }
     for (Cut* i = begin + 1; i < end; ++i) {
         if (before(*i, i[-1])) {

@@ -202,8 +202,10 @@ private:
         }
         // A cross product is zero, as it is where the edges share an end.
         Share(i, j, e, f);
-        AddNearMiss(i, j, e, f, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb),
-                    fa - fb);
+        if (mClearances != nullptr) {
+            AddNearMiss(i, j, e, f, fa == 0 || fb == 0 ? Nearer(f, fa, fb) : Nearer(e, ea, eb),
+                        fa - fb);
+        }
         // Edges of different directions that share an end have nothing else in common.
         if (fa - fb != 0 && ((fa == 0 && IsEnd(e, f.a)) || (fb == 0 && IsEnd(e, f.b)))) {
             return;
