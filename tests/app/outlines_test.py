@@ -67,6 +67,15 @@ class Outlines(AppTest):
             self.run_text(*command, file, "-o", self.out)
             self.assertIn(pressed, self.read("out.svg").decode(), command)
 
+    def test_stroke_warns_of_copies_with_other_strokes(self):
+        shape = '<defs><path id="p" fill="none" d="M0 0H9"/></defs>'
+        for second, warnings in (("red", 0), ("blue", 1)):
+            uses = '<use href="#p" stroke="red"/><use href="#p" y="5" stroke="%s"/>' % second
+            file = self.write("in.svg", svg(shape + uses))
+            result = self.execute("stroke", file, "-o", self.out)
+            self.assertEqual(result.returncode, 0)
+            self.assertEqual(result.stderr.count(b"with other strokes"), warnings, result.stderr)
+
     def test_stroke_gives_the_area_of_the_line(self):
         body = ('<path id="p" stroke="red" d="M10 10H30"/>'
                 '<path id="q" style="fill:none;stroke:url(#g)" d="M10 50H30V70"/>')

@@ -100,6 +100,22 @@ void TellCopies(Drawing const& drawing, std::vector<Outline const*> const& outli
     }
 }
 
+/// Warns of elements with copies that the form of the chosen one does not suit.
+void TellUnsuited(Drawing const& drawing, std::vector<Outline const*> const& outlines,
+                  Change const& change) {
+    std::map<std::size_t, Outline const*> chosen;
+    for (Outline const* const outline : outlines) {
+        chosen.emplace(outline->source.element, outline);
+    }
+    for (Outline const& outline : drawing.outlines) {
+        auto const found = chosen.find(outline.source.element);
+        if (found != chosen.end() && !change.suits(*found->second, outline)) {
+            Warn(drawing.file, found->second->id, change.unsuited);
+            chosen.erase(found);
+        }
+    }
+}
+
 } // namespace
 
 bool EnclosesNothing(Outline const& outline) {
@@ -185,6 +201,9 @@ void RunChange(ChangeOptions const& options, Change const& change) {
                  [&](Outline const* outline) { return !stays(*outline); });
     if (keeps && change.forms) {
         TellCopies(drawing, changing);
+    }
+    if (keeps && change.suits) {
+        TellUnsuited(drawing, changing, change);
     }
     Progress progress(change.progress, drawing.outlines.size());
     std::size_t done = 0;

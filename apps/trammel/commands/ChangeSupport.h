@@ -49,6 +49,9 @@ struct Change {
     /// False for an outline that stays as it is; empty: all change.
     std::function<bool(Outline const& outline)> wants = {};
     std::string nothing = {}; ///< the complaint about a drawing in which all stay
+    /// True where the form of one copy of an element suits another one; empty where it always does.
+    std::function<bool(Outline const& one, Outline const& other)> suits = {};
+    std::string unsuited = {}; ///< the warning about an element with other copies
     /// Change more of the element than its form, before and after that; may be empty.
     std::function<void(SvgEdit& edit, Outline const& outline)> prepare = {};
     std::function<void(SvgEdit& edit, Outline const& outline)> paint = {};

@@ -124,6 +124,22 @@ void KeepFill(SvgEdit& edit, std::string const& file, Outline const& outline) {
                     outline.id + "-fill", std::nullopt, {{Property::kStroke, "none"}});
 }
 
+/// True when two copies of an element have lines of the same paint and pen.
+bool HaveSameLine(Outline const& one, Outline const& other) {
+    if (one.stroke != other.stroke || !one.pen != !other.pen) {
+        return false;
+    }
+    if (!one.pen) {
+        return true;
+    }
+    trammel::StrokeStyle const& a = one.pen->style;
+    trammel::StrokeStyle const& b = other.pen->style;
+    return a.width == b.width && a.join == b.join && a.miterLimit == b.miterLimit &&
+           a.startCap == b.startCap && a.endCap == b.endCap && a.dashes == b.dashes &&
+           a.dashOffset == b.dashOffset && one.pen->pixel == other.pen->pixel &&
+           one.pen->opacity == other.pen->opacity;
+}
+
 void Run(Options const& options) {
     trammel::StrokeStyle const style = StyleOf(options, trammel::StrokeStyle());
     Change change;
@@ -138,6 +154,8 @@ void Run(Options const& options) {
         std::string const& file = options.change.source.file;
         change.wants = HasStroke;
         change.nothing = "has no strokes; --pen draws all outlines";
+        change.suits = HaveSameLine;
+        change.unsuited = "is drawn by <use> with other strokes, too; all copies get the same one";
         change.prepare = [&](SvgEdit& edit, Outline const& outline) {
             KeepFill(edit, file, outline);
         };
