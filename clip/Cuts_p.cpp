@@ -17,7 +17,8 @@ void SortAlong(Cut* begin, Cut* end) {
         return c.along != d.along ? c.along < d.along : c.across < d.across;
     };
     // Edges that lie side by side are found in their order along an edge that crosses them, or in
-    // the opposite order.
+    // the opposite order. Cuts at the same point may come in any order: none of them has its
+    // clearance, so all become shared.
     constexpr std::ptrdiff_t kFew = 32;
     if (end - begin > kFew) {
         std::ptrdiff_t descents = 0;
