@@ -393,6 +393,13 @@ template <class To>
     return Flatten(cubic, tolerance, to);
 }
 
+/// Hands on the ends of all chords but the last. `ends` has them, v and h in turn.
+template <class To> void PlaceEnds(double const* ends, int count, To& to) {
+    for (std::ptrdiff_t i = 0; i < count - 1; ++i) {
+        to.Place(Pt(ends[2 * i + 1], ends[2 * i]));
+    }
+}
+
 /// Flattens, and delivers the points between the ends. `to` takes points by Place, and points
 /// relative to the origin that SetOrigin tells it by Point and Run. Where it has room for
 /// kChordRoom points, v and h in turn, Room() is that place, and Added(count) takes them. Returns
@@ -407,9 +414,7 @@ template <class To> double FlattenBetween(CBezier const& curve, double tolerance
         if (room != nullptr) {
             to.Added(count - 1);
         } else {
-            for (std::ptrdiff_t i = 0; i < count - 1; ++i) {
-                to.Place(Pt(own[2 * i + 1], own[2 * i]));
-            }
+            PlaceEnds(own, count, to);
         }
         return tolerance;
     }
@@ -483,11 +488,6 @@ class Storing {
 public:
     Storing(Pt* points, std::size_t capacity) : mPoints(points), mCapacity(capacity) {}
     std::size_t Count() const { return mCount; }
-    double* Room() {
-        bool const room = mCapacity >= kChordRoom && mCount <= mCapacity - kChordRoom;
-        return room ? &mPoints[mCount].v : nullptr;
-    }
-    void Added(int count) { mCount += static_cast<std::size_t>(count); }
     void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) {
         if (mCount < mCapacity) {
@@ -796,18 +796,31 @@ double FlattenWithin(CPath const& path, double tolerance, CPath& out) {
 
 Flattened FlattenInto(CBezier const& curve, double tolerance, TPoint<double>* points,
                       std::size_t capacity) {
-    if (capacity >= std::size_t{kChordRoom} + 1) {
-        // The last chord's end lies in the room, too, and P3 takes its place.
-        FlatChords chords;
-        int const count = DivideIntoChords(&curve.P0.v, tolerance, &points[1].v, chords);
-        if (count > 0 && chords.failing == 0) {
-            points[0] = curve.P0;
-            points[count] = curve.P3;
-            return {static_cast<std::size_t>(count) + 1, tolerance};
-        }
+    FlatChords chords;
+    double own[2 * kChordRoom];
+    // The last chord's end lies in the caller's room, too, and P3 takes its place.
+    bool const roomy = capacity > std::size_t{kChordRoom};
+    double* const ends = roomy ? &points[1].v : own;
+    int const count = DivideIntoChords(&curve.P0.v, tolerance, ends, chords);
+    bool const divided = count > 0 && chords.failing == 0;
+    if (divided && roomy) {
+        points[0] = curve.P0;
+        points[count] = curve.P3;
+        return {static_cast<std::size_t>(count) + 1, tolerance};
     }
     Storing stored(points, capacity);
-    double const kept = FlattenAll(curve, tolerance, stored);
+    stored.Place(curve.P0);
+    double kept = tolerance;
+    if (divided) {
+        PlaceEnds(own, count, stored);
+    } else {
+        if (count > 0 && roomy) {
+            // Points that are put in between would overwrite the ones to come.
+            std::copy(ends, ends + std::ptrdiff_t{2} * count, own);
+        }
+        kept = FlattenLong(curve, tolerance, count, chords, own, stored);
+    }
+    stored.Place(curve.P3);
     return {stored.Count(), kept};
 }
 
