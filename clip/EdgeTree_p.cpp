@@ -66,7 +66,7 @@ EdgeTree::EdgeTree(GridLines const& lines, ScratchVector<char> active, GridPoint
     mOrder = order;
     mIsSparse = false;
     bool const allActive = mActiveEdges.empty();
-    bool const few = Count() <= (allActive ? kFewPairs : kFewEdges);
+    bool const few = Count() <= kFewEdges;
     std::size_t countActive = Count();
     if (!allActive) {
         countActive =
@@ -282,12 +282,12 @@ void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCoun
 }
 
 /// True when a sample tells that it takes longer to walk through the tree than to hold all pairs of
-/// boxes against each other. That takes a few instructions a pair. The tree takes some hundred for
-/// each edge, and as many for each pair that meets.
+/// boxes against each other. The walk takes as long as some such pairs for each edge, and for each
+/// pair that meets.
 bool EdgeTree::AreEntangled(Sample const& sample) const {
     std::size_t const pairs = Count() * Count() / 2;
-    std::size_t const perEdge = 64;
-    std::size_t const perMeeting = 64;
+    std::size_t const perEdge = 16;
+    std::size_t const perMeeting = 16;
     return sample.drawn * pairs <
            sample.drawn * perEdge * Count() + perMeeting * sample.meeting * pairs;
 }

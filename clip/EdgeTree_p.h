@@ -145,7 +145,6 @@ private:
     static constexpr std::size_t kLongestSortedChain = 2; // the same along Morton's curve
     static constexpr std::size_t kFewActive = 16;         // so few active edges need no boxes
     static constexpr std::size_t kFewEdges = 48;          // nor do so few edges
-    static constexpr std::size_t kFewPairs = 128;         // nor so few that are all active
     static constexpr std::size_t kFewToSplit = 256;       // so few edges are not worth splits
     // Where many chains meet, a tree keeps little apart. Up to so many edges do without then.
     static constexpr std::size_t kMostEntangled = 2048;

@@ -300,10 +300,9 @@ void ExpectNearPairs(Pairs const& found, Pairs const& boxes, GridLines const& li
 }
 
 TEST(ClipParts, TreesInEitherOrderFindTheSamePairs) {
-    // A tree goes other ways for few edges: 128 and fewer, or 48 if some are not active. So it does
-    // for edges that mostly meet, and where few are active (16 and fewer, or one in 8). It may
-    // leave out pairs that do not come near each other. Where many are active, each pair comes
-    // once.
+    // A tree goes other ways for few edges (48 and fewer), for edges that mostly meet, where few
+    // are active (16 and fewer, or one in 8), and where all are. It may leave out pairs that do not
+    // come near each other. Where many are active, each pair comes once.
     Dice dice(5);
     GridPoint const margins[] = {{0, 0}, {std::int64_t{1} << 50, std::int64_t{1} << 54}};
     for (int const vertices : {3, 24, 25, 60, 65}) {
