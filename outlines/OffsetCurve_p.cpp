@@ -202,6 +202,14 @@ struct BendOfPart {
         }
         return least > off ? (bend[0] + 2.0 * bend[1] + bend[2] > 0.0 ? 1 : -1) : kUnseenFold;
     }
+    /// Returns the fold of the part's middle, which is that of most of a short part.
+    int FoldInMiddle(double radius) const {
+        double const middle =
+            (square[0] + 4.0 * (square[1] + square[3]) + 6.0 * square[2] + square[4]) / 16.0;
+        double const cube = std::max(middle, 0.0) * std::sqrt(std::max(middle, 0.0));
+        double const turn = 0.25 * radius * (bend[0] + 2.0 * bend[1] + bend[2]);
+        return turn > cube ? 1 : turn < -cube ? -1 : 0;
+    }
     /// A vector in the direction of the middle.
     Pt Along() const { return speed[0] + speed[1] * 2.0 + speed[2]; }
 };
@@ -266,7 +274,7 @@ namespace {
 struct BendLeaf {
     double from;
     double to;
-    int fold;     ///< as in CurveStretch
+    int fold;     ///< as in CurveStretch, of the middle where it could not be decided
     bool isSeen;  ///< false where the fold could not be decided
     bool turns;   ///< the direction changes much although the part is short
     bool isShort; ///< not much longer than the tiny ones
@@ -292,8 +300,8 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
         if (fold == 0 || (fold != kUnseenFold && turnsLittle)) {
             leaves.push_back({part.from, part.to, fold, true, false, isShort, part.Along()});
         } else if (!isLong || isLast) {
-            leaves.push_back(
-                {part.from, part.to, 0, false, !isLong && !turnsLittle, isShort, part.Along()});
+            leaves.push_back({part.from, part.to, part.FoldInMiddle(radius), false,
+                              !isLong && !turnsLittle, isShort, part.Along()});
         } else {
             BendOfPart left;
             BendOfPart right;
@@ -344,24 +352,28 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
             ++i;
             continue;
         }
-        // Short parts of unknown kind belong to a neighbour, unless the curve has a cusp there.
+        // A short part of unknown kind belongs to a neighbour. Many may be long together, so each
+        // is what its middle is then. Where the curve turns round, the pen does so on a line.
         std::size_t const first = i;
-        bool turns = false;
-        for (; i < leaves.size() && !leaves[i].isSeen; ++i) {
-            turns = turns || leaves[i].turns;
+        while (i < leaves.size() && !leaves[i].isSeen) {
+            ++i;
         }
-        double const to = leaves[i - 1].to;
-        if (turns) {
-            if (from < leaves[first].from) {
-                append({from, leaves[first].from, 0, false});
+        for (std::size_t k = first; k < i; ++k) {
+            BendLeaf const& leaf = leaves[k];
+            if (leaf.turns) {
+                if (from < leaf.from) {
+                    append({from, leaf.from, 0, false});
+                }
+                append({leaf.from, leaf.to, 0, true});
+            } else if (i - first > 1) {
+                append({from, leaf.to, leaf.fold, false});
+            } else if (out.size() > begin && !out.back().tiny) {
+                out.back().to = leaf.to;
+            } else {
+                continue; // to the next one
             }
-            append({leaves[first].from, to, 0, true});
-        } else if (out.size() > begin && !out.back().tiny) {
-            out.back().to = to;
-        } else {
-            continue; // to the next one
+            from = leaf.to;
         }
-        from = to;
     }
     if (from < 1.0) {
         append({from, 1.0, 0, false});
