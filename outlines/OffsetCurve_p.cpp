@@ -384,6 +384,13 @@ namespace {
 
 constexpr std::size_t kSquareTerms = 19;
 constexpr std::size_t kAlongTerms = 16;
+constexpr std::size_t kRoomTerms = 13;
+/// Errors along a curve are held against the room for them in this many halvings.
+constexpr int kRoomDepth = 4;
+/// What counts as far below the room, as a share of its square.
+constexpr double kFarBelow = 1.0 / 16.0;
+/// With less room than this share of the square of the speed, rounding may tell what there is.
+constexpr double kLeastRoom = 1.0 / 16.0;
 
 /// Returns a bound on the magnitude of a polynomial in Bernstein form, found by halving it up to
 /// `depth` times. It ends early where the bound is no more than `enough`, or a value is more.
@@ -405,6 +412,29 @@ double MagnitudeOf(std::array<double, N> const& coefficients, double enough, int
     }
     double const first = MagnitudeOf(left, enough, depth - 1);
     return first > enough ? first : std::max(first, MagnitudeOf(right, enough, depth - 1));
+}
+
+/// True when the square of `along` is nowhere above `room` times `share`. In parts where that is
+/// not plain after halvings, it has to be far below the greatest `room`, or below `least` at all.
+template <std::size_t N, std::size_t M>
+bool HasRoom(std::array<double, N> const& along, std::array<double, M> const& room, double share,
+             double least, int depth) {
+    double const most = MagnitudeOf(along, 0.0, 0);
+    if (most * most <= share * *std::min_element(room.begin(), room.end())) {
+        return true;
+    }
+    if (depth == 0) {
+        double const greatest = *std::max_element(room.begin(), room.end());
+        return most * most <= kFarBelow * share * std::max(greatest, least);
+    }
+    std::array<double, N> left;
+    std::array<double, N> right;
+    std::array<double, M> leftRoom;
+    std::array<double, M> rightRoom;
+    Halve(along, left, right);
+    Halve(room, leftRoom, rightRoom);
+    return HasRoom(left, leftRoom, share, least, depth - 1) &&
+           HasRoom(right, rightRoom, share, least, depth - 1);
 }
 
 /// Fits one curve beside a piece.
@@ -654,7 +684,41 @@ bool OffsetFit::Verify(double tolerance) const {
         along[k] = (along[k] + more[k]) / kAlongScale[k];
     }
     double const shift = std::sqrt(tolerance * std::max(distance, tolerance)) * speed;
-    return MagnitudeOf(along, shift, 2) <= shift;
+    if (MagnitudeOf(along, shift, 2) > shift) {
+        return false;
+    }
+
+    // A piece that bends away from the offset, or less than half as much as the pen, needs no more.
+    double const bend = std::max({mDistance * Cross(d0, d1) / 1.5, mDistance * Cross(d0, d2) / 3.0,
+                                  mDistance * Cross(d1, d2) / 1.5});
+    double const slowest =
+        std::max(std::min({Square(d0), Dot(d0, d1), (2.0 * Square(d1) + Dot(d0, d2)) / 3.0,
+                           Dot(d1, d2), Square(d2)}),
+                 0.0);
+    if (bend <= distance * kTurnRounding * speed * speed ||
+        2.0 * bend <= slowest * std::sqrt(slowest)) {
+        return true;
+    }
+
+    // Half of how the square of the distance bends along the piece, as a ninth. Near the centres of
+    // curvature it is small, and an error along the piece means that others of its places are
+    // nearer.
+    std::array<double, 4> bendH = {};
+    std::array<double, 4> bendV = {};
+    for (std::size_t k = 0; k < 4; ++k) {
+        bendH[k] = (d1.h - d0.h) * g[k] + (d2.h - d1.h) * f[k];
+        bendV[k] = (d1.v - d0.v) * g[k] + (d2.v - d1.v) * f[k];
+    }
+    constexpr std::array<double, kRoomTerms> kRoomScale = Binomials<kRoomTerms>();
+    std::array<double, kRoomTerms> room = Product(alongH, alongH);
+    std::array<double, kRoomTerms> const aheadV = Product(alongV, alongV);
+    std::array<double, kRoomTerms> const asideH = Product(h, bendH);
+    std::array<double, kRoomTerms> const asideV = Product(v, bendV);
+    for (std::size_t k = 0; k < kRoomTerms; ++k) {
+        room[k] = (room[k] + aheadV[k] - (asideH[k] + asideV[k]) * (2.0 / 3.0)) / kRoomScale[k];
+    }
+    return HasRoom(along, room, tolerance * std::max(distance, tolerance),
+                   kLeastRoom * speed * speed, kRoomDepth);
 }
 
 /// Returns a parameter that halves the curve at the distance, by its chords.

@@ -314,6 +314,40 @@ TEST(Stroke, FollowsCurvesWhoseCurvatureComesCloseToThePens) {
     }
 }
 
+TEST(Stroke, HasNoHoleBesideACuspAtACoarseTolerance) {
+    // Beside the cusp the curve bends to one side and then to the other, both within a tolerance.
+    CPath const path = Path("M2 1c5 5 6 0-2 5");
+    CPath out;
+    EXPECT_EQ(Stroke(path, Round(3), 0.08, out), 0.08);
+    EXPECT_EQ(WindingNumber(out, Pt(5.848328948, 4.152913187)), 1); // 0.65 from the line
+    OutlineMeasure const measure(path);
+    Dice dice(4);
+    for (int i = 0; i < 400; ++i) {
+        Pt const p(dice.Between(-2.0, 8.0), dice.Between(-1.0, 8.0));
+        double const distance = measure.Distance(p);
+        if (std::abs(distance - 1.5) > 0.08) {
+            ASSERT_EQ(WindingNumber(out, p), distance < 1.5 ? 1 : 0) << p.h << ", " << p.v;
+        }
+    }
+}
+
+TEST(Stroke, KeepsTheDistanceWhereTheCurvatureIsNearlyThePens) {
+    // Beside its centres of curvature a point is nearly as far from many places of the curve.
+    CPath const path = Path("M4 2C1 1 0 4 0 1");
+    CPath out;
+    double const kept = Stroke(path, Round(0.5), 4e-6, out);
+    EXPECT_EQ(kept, 4e-6);
+    OutlineMeasure const measure(path);
+    Dice dice(5);
+    for (trammel::PathSegment const& s : trammel::Segments(out)) {
+        for (int i = 0; i < 40; ++i) {
+            double const t = dice.Between(0.0, 1.0);
+            Pt const p = s.IsCurve() ? s.Curve().TPt(t) : s.Line().TPt(t);
+            ASSERT_LE(std::abs(measure.Distance(p) - 0.25), kept) << p.h << ", " << p.v;
+        }
+    }
+}
+
 TEST(Stroke, LeavesOutSubpathsThatAreNotFinite) {
     CPath path = Path("M0 0 L10 0");
     path.MoveTo(Pt(0.0, 5.0)).LineTo(Pt(kNaN, 5.0));
