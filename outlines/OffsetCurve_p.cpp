@@ -41,6 +41,8 @@ constexpr double kSameDirection = 0x1p-80;
 constexpr double kTurnRounding = 0x1p-48;
 /// How far rounding may be off in the square of a curve's speed, as a share of the greatest one.
 constexpr double kSquareRounding = 0x1p-48;
+/// A speed below this share of the greatest one may be rounding.
+constexpr double kStandsStill = 0x1p-44;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
@@ -246,7 +248,18 @@ CubicPlace DirectedCubic::PlaceAt(double t) const {
     return place;
 }
 
-Pt DirectedCubic::DirectionAt(double t) const { return UnitOf(PlaceAt(t).first); }
+Pt DirectedCubic::DirectionAt(double t) const {
+    CubicPlace const place = PlaceAt(t);
+    double const least =
+        kStandsStill * std::max({Taxicab(speed[0]), Taxicab(speed[1]), Taxicab(speed[2])});
+    if (Taxicab(place.first) > least) {
+        return UnitOf(place.first);
+    }
+    // Where the curve stands still, the change of its speed tells how it goes on.
+    Pt const later = speed[0] - speed[1] * 2.0 + speed[2];
+    Pt const direction = UnitOf(Taxicab(place.second) > least ? place.second : later);
+    return direction.Null() ? UnitOf(place.first) : direction;
+}
 
 DirectedCubic DirectedCubic::Part(double t0, double t1, Pt const& fromDirection,
                                   Pt const& toDirection) const {

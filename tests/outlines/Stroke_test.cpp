@@ -348,6 +348,32 @@ TEST(Stroke, KeepsTheDistanceWhereTheCurvatureIsNearlyThePens) {
     }
 }
 
+TEST(Stroke, GoesOnWhereACurveStandsStill) {
+    // The first has no speed and no acceleration at (7, 1), and goes on in its direction.
+    CPath stroke;
+    Stroke(Path("M3 4C11 -2 3 4 11 -2C13.75 -3.5 5.5 1 8.25 -0.5"), Round(1), 0.07, stroke);
+    EXPECT_EQ(WindingNumber(stroke, Pt(6.9695, 0.9592)), 1); // 0.05 from the line
+    for (char const* const text :
+         {"M3 4C11 -2 3 4 11 -2", "M0 0C0 0 8 4 8 4", "M0 0C6 6 0 3 6 3"}) {
+        CPath const path = Path(text);
+        OutlineMeasure const measure(path);
+        for (double const tolerance : {0.07, 1e-3, 1e-6}) {
+            CPath out;
+            ASSERT_EQ(Stroke(path, Round(1), tolerance, out), tolerance);
+            Dice dice(6);
+            for (int i = 0; i < 400; ++i) {
+                Pt const near = measure.PtAtLength(dice.Between(0.0, measure.Length()));
+                Pt const p = near + Pt(dice.Between(-0.6, 0.6), dice.Between(-0.6, 0.6));
+                double const distance = measure.Distance(p);
+                if (std::abs(distance - 0.5) > tolerance) {
+                    ASSERT_EQ(WindingNumber(out, p), distance < 0.5 ? 1 : 0)
+                        << text << ": " << p.h << ", " << p.v;
+                }
+            }
+        }
+    }
+}
+
 TEST(Stroke, LeavesOutSubpathsThatAreNotFinite) {
     CPath path = Path("M0 0 L10 0");
     path.MoveTo(Pt(0.0, 5.0)).LineTo(Pt(kNaN, 5.0));
