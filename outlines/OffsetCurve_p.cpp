@@ -523,7 +523,8 @@ private:
         mArm1 = std::clamp(mArm1, mLeastArm, mMostArm);
     }
     /// True where the curve and what it follows both lie in a triangle so flat that they are no
-    /// farther apart than the tolerance. Both are convex, and have the same ends and directions.
+    /// farther apart than the tolerance. Both are convex, and have the same ends and directions,
+    /// unless corners were smoothed.
     bool IsFlat(double length, double tolerance) {
         Pt const a = mPiece.speed[0];
         Pt const b = mPiece.speed[1];
@@ -550,10 +551,14 @@ private:
         double const both = isOwn(mPiece.from, a) && isOwn(mPiece.to, d)
                                 ? std::max(height, ownHeight)
                                 : height + ownHeight;
-        if (!(both <= tolerance)) {
+        Pt const chord = mEnd - mStart;
+        // Where both ends' directions are on one side of the chord, the curve bends to and fro.
+        double const first = Cross(mPiece.from, chord);
+        double const last = Cross(chord, mPiece.to);
+        double const swing = first * last < 0.0 ? std::max(std::abs(first), std::abs(last)) : 0.0;
+        if (!(both + swing <= tolerance)) {
             return false;
         }
-        Pt const chord = mEnd - mStart;
         if (!(Dot(chord, mPiece.from) > 0.0) || mArm0 < 0.0 || mArm1 < 0.0) {
             return false;
         }

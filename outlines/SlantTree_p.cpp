@@ -15,7 +15,7 @@ namespace {
 typedef TPoint<double> Pt;
 
 /// Corners and products are rounded by less, beside the greatest coordinate.
-constexpr double kRounding = 0x1p-40;
+constexpr double kSlantRounding = 0x1p-40;
 /// A box is thin if its width is no more than that part of its length.
 constexpr double kThin = 0.25;
 /// Products below that have lost digits.
@@ -50,7 +50,7 @@ SlantBox BoxAlong(Pt const* points, std::size_t count, Pt axis, double& area) {
 
 /// Sets the bounds across the axis.
 void Measure(SlantBox& box, double extent) {
-    double const room = kRounding * Taxicab(box.axis) * extent;
+    double const room = kSlantRounding * Taxicab(box.axis) * extent;
     if (!(room > kLeastProduct)) {
         box.axis = Pt();
         box.low = box.high = 0.0;

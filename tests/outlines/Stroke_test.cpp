@@ -653,6 +653,17 @@ TEST(Offset, GrowsContoursThatTouchAndAreHardlyWiderThanARounding) {
     }
 }
 
+TEST(Offset, KeepsTheDistanceBetweenCornersThatAreNoneAtTheTolerance) {
+    // Both ends of a nearly straight piece turn the same way there.
+    CPath out;
+    double const kept =
+        Offset(Path("M4 3C2 4 1 5 5 2L3 5C2 5 4 4 5 0ZM2 1C4 5 1 5 3 4 5 0 5 0 5 3L4 0"
+                    "C3 1 3 1 3 2"),
+               FillRule::kNonZero, -0.02, StrokeJoin::kRound, 4.0, 0.005, out);
+    EXPECT_LT(kept, 0.00501);
+    EXPECT_EQ(WindingNumber(out, Pt(3.5328, 3.096)), 0); // 0.0073 inside the border
+}
+
 TEST(Offset, JoinsTheCornersOfASquare) {
     CPath const square = Path("M0 0 L0 10 L10 10 L10 0 Z"); // in either direction
     for (CPath const& path : {square, trammel::Reversed(square)}) {
