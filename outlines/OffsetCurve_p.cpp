@@ -328,7 +328,7 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
 
 } // namespace
 
-void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
+void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRound,
                       std::vector<CurveStretch>& out) {
     BendOfPart const whole(curve);
     double const slack = std::min(tiny / radius, kMostSlack);
@@ -368,17 +368,18 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
         // A short part of unknown kind belongs to a neighbour. Many may be long together, so each
         // is what its middle is then. Where the curve turns round, the pen does so on a line.
         std::size_t const first = i;
-        while (i < leaves.size() && !leaves[i].isSeen) {
-            ++i;
+        bool turns = false;
+        for (; i < leaves.size() && !leaves[i].isSeen; ++i) {
+            turns = turns || leaves[i].turns;
         }
         for (std::size_t k = first; k < i; ++k) {
             BendLeaf const& leaf = leaves[k];
-            if (leaf.turns) {
+            if (isRound ? leaf.turns : turns) {
                 if (from < leaf.from) {
                     append({from, leaf.from, 0, false});
                 }
                 append({leaf.from, leaf.to, 0, true});
-            } else if (i - first > 1) {
+            } else if (isRound && i - first > 1) {
                 append({from, leaf.to, leaf.fold, false});
             } else if (out.size() > begin && !out.back().tiny) {
                 out.back().to = leaf.to;
