@@ -547,11 +547,16 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsAtVertices(std::vector<Piece> con
             cuts.push_back({piece, t, vertex});
         }
     };
+    // The last vertex of a piece is the first of the next one, whose box meets the same others.
+    auto const testEnds = [&](Index of, Index piece) {
+        test(pieces[of].v0, piece);
+        if (of + 1 == pieces.size() || pieces[of + 1].v0 != pieces[of].v1) {
+            test(pieces[of].v1, piece);
+        }
+    };
     for (auto const& [i, j] : pairs) {
-        test(pieces[i].v0, j);
-        test(pieces[i].v1, j);
-        test(pieces[j].v0, i);
-        test(pieces[j].v1, i);
+        testEnds(i, j);
+        testEnds(j, i);
     }
     return cuts;
 }
@@ -628,6 +633,10 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
     for (Index const first : firsts) {
         branches.clear();
         if (first == kNoIndex || next[first] == kNoIndex) {
+            continue;
+        }
+        if (Index const second = next[first]; next[second] == kNoIndex) {
+            compare(branchOf(first), branchOf(second)); // as at nearly all vertices
             continue;
         }
         for (Index number = first; number != kNoIndex; number = next[number]) {

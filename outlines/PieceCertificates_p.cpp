@@ -217,6 +217,9 @@ private:
     };
 
     void Test(Pair pair);
+    /// True when a level or upright line through the one end that two arcs have in common has them
+    /// on its two sides. Most arcs that follow each other are so, as they are monotone.
+    bool PartAtJoint(Node const& a, Node const& b) const;
     void Halve(Index node);
     double Height(Index node) {
         Node& n = mNodes[node];
@@ -295,6 +298,27 @@ void CertifiedParts::Work::AddCrossing(Node const& a, Node const& b, double s, d
     cuts.push_back({b.arc, onArc(b, t), vertex, false});
 }
 
+bool CertifiedParts::Work::PartAtJoint(Node const& a, Node const& b) const {
+    bool const startShared = a.start == b.start || a.start == b.end;
+    if (startShared == (a.end == b.start || a.end == b.end)) {
+        return false;
+    }
+    Pt const joint = startShared ? a.c[0] : a.c[3];
+    Pt const farA = startShared ? a.c[3] : a.c[0];
+    Pt const farB = (startShared ? a.start : a.end) == b.start ? b.c[3] : b.c[0];
+    // The boxes are wider by the margin, and rounding may move control points by as much. The far
+    // ends are farther away. So the line has no other point of both arcs, nor of their chords.
+    double const over = 2.0 * mMargin;
+    double const least = 16.0 * mMargin;
+    auto const parts = [&](double at, double lowA, double highB, double endA, double endB) {
+        return lowA >= at - over && highB <= at + over && endA > at + least && endB < at - least;
+    };
+    return parts(joint.h, a.box.lowX, b.box.highX, farA.h, farB.h) ||
+           parts(joint.h, b.box.lowX, a.box.highX, farB.h, farA.h) ||
+           parts(joint.v, a.box.lowY, b.box.highY, farA.v, farB.v) ||
+           parts(joint.v, b.box.lowY, a.box.highY, farB.v, farA.v);
+}
+
 void CertifiedParts::Work::Test(Pair pair) {
     Node const& a = mNodes[pair.a];
     Node const& b = mNodes[pair.b];
@@ -356,7 +380,8 @@ void CertifiedParts::Work::Run() {
     mQueue.reserve(2 * mArcs.pairs.size());
     cuts.reserve(64);
     for (auto const& [i, j] : mArcs.pairs) {
-        if (!mArcs.arcs[i].straight || !mArcs.arcs[j].straight) {
+        if ((!mArcs.arcs[i].straight || !mArcs.arcs[j].straight) &&
+            !PartAtJoint(mNodes[i], mNodes[j])) {
             mQueue.push_back({i, j});
         }
     }
