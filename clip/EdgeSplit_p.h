@@ -29,21 +29,32 @@ public:
         : mX(2 * static_cast<double>(margin.x) + 0x1p13),
           mY(2 * static_cast<double>(margin.y) + 0x1p13) {}
 
+    /// What the test needs of an edge besides its first end.
+    struct Direction {
+        double x;
+        double y;
+        double reach; ///< the margins times the edge's length
+    };
+    Direction DirectionOf(GridEdge const& e) const {
+        double const x = static_cast<double>(e.b.x - e.a.x);
+        double const y = static_cast<double>(e.b.y - e.a.y);
+        return {x, y, mY * std::abs(x) + mX * std::abs(y)};
+    }
+
     /// True unless two edges are certainly not near each other.
     bool MayBeNear(GridEdge const& e, GridEdge const& f) const {
-        double const eX = static_cast<double>(e.b.x - e.a.x);
-        double const eY = static_cast<double>(e.b.y - e.a.y);
-        double const fX = static_cast<double>(f.b.x - f.a.x);
-        double const fY = static_cast<double>(f.b.y - f.a.y);
-        double const toX = static_cast<double>(f.a.x - e.a.x);
-        double const toY = static_cast<double>(f.a.y - e.a.y);
+        return MayBeNear(e.a, DirectionOf(e), f.a, DirectionOf(f));
+    }
+    /// Does the same for edges from two points.
+    static bool MayBeNear(GridPoint a, Direction const& e, GridPoint b, Direction const& f) {
+        double const toX = static_cast<double>(b.x - a.x);
+        double const toY = static_cast<double>(b.y - a.y);
         // Twice the areas of the triangles that either edge makes with each end of the other. They
         // are off by less than 2^-50 of lengths up to 2^62, for which mX and mY have room.
-        double const both = eX * fY - eY * fX;
-        double const fa = eX * toY - eY * toX;
-        double const ea = fY * toX - fX * toY;
-        return !IsBeside(fa, fa + both, mY * std::abs(eX) + mX * std::abs(eY)) &&
-               !IsBeside(ea, ea - both, mY * std::abs(fX) + mX * std::abs(fY));
+        double const both = e.x * f.y - e.y * f.x;
+        double const fa = e.x * toY - e.y * toX;
+        double const ea = f.y * toX - f.x * toY;
+        return !IsBeside(fa, fa + both, e.reach) && !IsBeside(ea, ea - both, f.reach);
     }
 
 private:

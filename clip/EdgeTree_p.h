@@ -494,26 +494,33 @@ template <class Visit> void EdgeTree::ForMeetingSparseActive(Visit&& visit) cons
 
 /// Visits all pairs where all edges are active.
 template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visit&& visit) const {
-    ScratchVector<CoarseBox> boxes(Count(), mEdges.get_allocator());
-    ScratchVector<std::uint32_t> meeting(Count(), mEdges.get_allocator());
-    for (std::size_t i = 0; i < Count(); ++i) {
-        boxes[i] = CoarseBox(Widened(BoxOf(mEdges[i])));
+    std::size_t const edges = Count();
+    ScratchVector<GridBox> boxes(edges, mEdges.get_allocator());
+    ScratchVector<CoarseBox> coarse(edges, mEdges.get_allocator());
+    ScratchVector<std::uint32_t> numbers(edges, mEdges.get_allocator());
+    ScratchVector<NearTest::Direction> directions(edges, mEdges.get_allocator());
+    for (std::size_t i = 0; i < edges; ++i) {
+        boxes[i] = Widened(BoxOf(mEdges[i]));
+        coarse[i] = CoarseBox(boxes[i]);
+        directions[i] = mNearTest.DirectionOf(mEdges[i]);
     }
+    std::uint32_t* const meeting = numbers.data();
+    CoarseBox const* const all = coarse.data();
     for (Chain const& chain : mChains) {
         for (std::size_t i = chain.begin; i < chain.end; ++i) {
-            std::uint64_t const limits = boxes[i].Limits();
+            std::uint64_t const limits = all[i].Limits();
             std::size_t count = 0;
-            for (std::size_t j = withinChains ? i + 1 : chain.end; j < Count(); ++j) {
+            for (std::size_t j = withinChains ? i + 1 : chain.end; j < edges; ++j) {
                 // No branches: whether boxes meet is mostly as good as random.
                 meeting[count] = static_cast<std::uint32_t>(j);
-                count += boxes[j].MayMeet(limits) ? 1 : 0;
+                count += all[j].MayMeet(limits) ? 1 : 0;
             }
-            GridEdge const e = mEdges[i];
-            GridBox const box = Widened(BoxOf(e));
+            GridBox const box = boxes[i];
             for (std::size_t k = 0; k < count; ++k) {
-                GridEdge const& f = mEdges[meeting[k]];
-                if (box.Meets(Widened(BoxOf(f))) && mNearTest.MayBeNear(e, f)) {
-                    visit(i, meeting[k], Follow(i, meeting[k]));
+                std::size_t const j = meeting[k];
+                if (box.Meets(boxes[j]) && NearTest::MayBeNear(mEdges[i].a, directions[i],
+                                                               mEdges[j].a, directions[j])) {
+                    visit(i, j, Follow(i, j));
                 }
             }
         }

@@ -65,8 +65,8 @@ public:
           mCuts(incidences.get_allocator()), mSingles(incidences.get_allocator()) {}
 
     FoundCuts Find() {
-        std::size_t const kMostReserved = 1024;
-        mCuts.reserve(mClearances != nullptr ? std::min(2 * mTree.Count(), kMostReserved) : 0);
+        std::size_t const kMostAtFirst = 1024;
+        mCuts.resize(mClearances != nullptr ? std::min(2 * mTree.Count(), kMostAtFirst) : 0);
         mTree.ForMeetingPairs(mPixels, [this](std::size_t i, std::size_t j, bool follow) {
             if (follow) {
                 Following(i, j);
@@ -85,7 +85,7 @@ public:
         for (auto const [i, j] : pairs) {
             if (mTree.Follow(i, j)) {
                 Following(i, j);
-            } else {
+            } else if (!SharesOneEnd(i, j)) {
                 Exactly(i, j);
             }
         }
@@ -94,25 +94,40 @@ public:
 
 private:
     FoundCuts Found() {
-        std::size_t const paired = mCuts.size();
-        if (paired == 0) {
+        if (mPaired == 0) {
             return {std::move(mSingles), 0};
         }
+        mCuts.resize(mPaired);
         mCuts.insert(mCuts.end(), mSingles.begin(), mSingles.end());
-        return {std::move(mCuts), paired};
+        return {std::move(mCuts), mPaired};
     }
     static bool IsEnd(GridEdge const& e, GridPoint p) { return p == e.a || p == e.b; }
     void CutAt(std::size_t edge, GridEdge const& e, GridPoint p) {
         if (!IsEnd(e, p)) {
-            Push(mSingles, edge, e, p, kShared, 0);
+            AddSingle(edge, e, p);
         }
     }
-    static void Push(ScratchVector<Cut>& cuts, std::size_t edge, GridEdge const& e, GridPoint p,
-                     Incidence incidence, std::int64_t clearance) {
+    // Cuts are written in place: to copy what was just written in other pieces takes long.
+    static void Write(Cut& cut, std::size_t edge, GridEdge const& e, GridPoint p,
+                      Incidence incidence, std::int64_t clearance) {
         MajorAxis const axis(e);
-        // Made in place: to copy what was just written in other pieces takes long.
-        cuts.emplace_back(axis.Along(p), axis.Across(p), clearance,
-                          static_cast<std::uint32_t>(edge), incidence);
+        cut.along = axis.Along(p);
+        cut.across = axis.Across(p);
+        cut.clearance = clearance;
+        cut.edge = static_cast<std::uint32_t>(edge);
+        cut.incidence = incidence;
+    }
+    void AddSingle(std::size_t edge, GridEdge const& e, GridPoint p) {
+        mSingles.emplace_back();
+        Write(mSingles.back(), edge, e, p, kShared, 0);
+    }
+    /// Returns two new cuts, which are to be written.
+    Cut* AddPair() {
+        if (mCuts.size() - mPaired < 2) {
+            mCuts.resize(std::max<std::size_t>(2 * mCuts.size(), 64));
+        }
+        mPaired += 2;
+        return mCuts.data() + mPaired - 2;
     }
     /// For the areas see Crossing().
     void CutBothWhereTheyCross(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
@@ -131,16 +146,18 @@ private:
         }
         std::int64_t const clearance = mClearances->For(e, f, product);
         Incidence const incidence = mNext + (fa > product ? 1 : 0);
-        Push(mCuts, i, e, p, incidence, clearance);
-        Push(mCuts, j, f, p, incidence, clearance);
+        Cut* const pair = AddPair();
+        Write(pair[0], i, e, p, incidence, clearance);
+        Write(pair[1], j, f, p, incidence, clearance);
         mNext += 2;
     }
     void AddNearMiss(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
                      GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
             std::int64_t const clearance = mClearances->For(e, f, product);
-            Push(mCuts, i, e, p, kSingle, mClearances->Within(clearance, p, e, f));
-            Push(mCuts, j, f, p, kSingle, mClearances->Within(clearance, p, f, e));
+            Cut* const pair = AddPair();
+            Write(pair[0], i, e, p, kSingle, mClearances->Within(clearance, p, e, f));
+            Write(pair[1], j, f, p, kSingle, mClearances->Within(clearance, p, f, e));
         }
     }
     void Share(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f) {
@@ -152,6 +169,18 @@ private:
             mIncidences[mTree.SecondOf(i)] = kShared;
             mIncidences[e.b == f.a ? j : mTree.SecondOf(j)] = kShared;
         }
+    }
+    /// Does what Exactly() does, without clearances, where two edges of different directions have
+    /// an end in common. Most parts of cut edges that are near each other have.
+    bool SharesOneEnd(std::size_t i, std::size_t j) {
+        GridEdge const e = mTree.At(i);
+        GridEdge const f = mTree.At(j);
+        GridPoint const parallel = {e.a.x + (f.b.x - f.a.x), e.a.y + (f.b.y - f.a.y)};
+        if (!(IsEnd(f, e.a) || IsEnd(f, e.b)) || Cross(e.a, e.b, parallel) == 0) {
+            return false;
+        }
+        Share(i, j, e, f);
+        return true;
     }
     /// Cuts edges that follow each other. They overlap if the second runs back over the first.
     void Following(std::size_t i, std::size_t j) {
@@ -234,31 +263,31 @@ private:
         Int128 const fa = Cross(e.a, e.b, f.a);
         Int128 const fb = Cross(e.a, e.b, f.b);
         Int128 const ea = Cross(f.a, f.b, e.a);
-        Int128 const eb = Cross(f.a, f.b, e.b);
+        Int128 const eb = ea + fa - fb;
         std::size_t const before = mSingles.size();
-        if (Passes(e, f.a, fa)) {
-            CutAt(i, e, f.a);
-        }
-        if (Passes(e, f.b, fb)) {
-            CutAt(i, e, f.b);
-        }
-        if (Passes(f, e.a, ea)) {
-            CutAt(j, f, e.a);
-        }
-        if (Passes(f, e.b, eb)) {
-            CutAt(j, f, e.b);
-        }
+        CutWherePassed(i, e, f.a, fa);
+        CutWherePassed(i, e, f.b, fb);
+        CutWherePassed(j, f, e.a, ea);
+        CutWherePassed(j, f, e.b, eb);
         if (mSingles.size() == before && Sign(ea) * Sign(eb) < 0 && Sign(fa) * Sign(fb) < 0) {
             CutBothWhereTheyCross(i, j, e, f, ea, fa, fa - fb);
+        }
+    }
+    /// Cuts edge e at p, which is no end of it, if it passes through the hot pixel of p.
+    void CutWherePassed(std::size_t edge, GridEdge const& e, GridPoint p, Int128 cross) {
+        if (!IsEnd(e, p) && Passes(e, p, cross)) {
+            AddSingle(edge, e, p);
         }
     }
     /// True when edge e passes through the hot pixel of p, where `cross` is Cross(e.a, e.b, p).
     bool Passes(GridEdge const& e, GridPoint p, Int128 cross) const {
         GridBox const box = BoxOf(e);
-        Int128 const width = box.highX - box.lowX;
-        Int128 const height = box.highY - box.lowY;
+        auto const reach = [&](GridPoint size) {
+            return static_cast<Int128>(box.highX - box.lowX) * size.y +
+                   static_cast<Int128>(box.highY - box.lowY) * size.x;
+        };
         Int128 const distance = 2 * (cross < 0 ? -cross : cross);
-        if (distance >= width * mLargestSpacing.y + height * mLargestSpacing.x) {
+        if (distance >= reach(mLargestSpacing)) {
             return false;
         }
         // The two are apart if they are so in x, in y or along the edge's normal. All numbers are
@@ -266,7 +295,7 @@ private:
         GridPoint const size = mGrid.Spacing(p);
         return 2 * p.x + size.x > 2 * box.lowX && 2 * p.x - size.x < 2 * box.highX &&
                2 * p.y + size.y > 2 * box.lowY && 2 * p.y - size.y < 2 * box.highY &&
-               distance < width * size.y + height * size.x;
+               distance < reach(size);
     }
 
     EdgeTree const& mTree;
@@ -275,7 +304,8 @@ private:
     Clearances const* mClearances;
     ScratchVector<Incidence>& mIncidences;
     GridPoint mLargestSpacing;
-    ScratchVector<Cut> mCuts;    // with partners, which only clearances need
+    ScratchVector<Cut> mCuts;    // with partners, which only clearances need, and room for more
+    std::size_t mPaired = 0;     // how many cuts have partners
     ScratchVector<Cut> mSingles; // all others
     Incidence mNext = kFirstCrossing;
 };

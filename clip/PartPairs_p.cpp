@@ -16,7 +16,10 @@ public:
     PartPairs(SortedCuts const& sorted, PartsOfEdges const& parts, EdgeTree const& tree,
               GridLines const& lines, ScratchVector<EdgePair>& pairs)
         : mSorted(sorted), mParts(parts), mTree(tree), mLines(lines), mPairs(pairs),
-          mActive(pairs.get_allocator()) {}
+          mActive(pairs.get_allocator()) {
+        std::size_t const kUsual = 64;
+        mPairs.reserve(std::min(kUsual, 2 * mLines.points.size()));
+    }
 
     bool Find() {
         std::size_t edge = 0;
@@ -26,7 +29,8 @@ public:
             }
             mActive.clear();
             for (; i < mParts.End(edge); i = mTree.NextActive(i + 1)) {
-                mActive.emplace_back(i, mTree.At(i));
+                GridEdge const e = mTree.At(i);
+                mActive.emplace_back(i, e, BoxOf(e));
             }
             mSteps += mActive.size() * (mSorted.End(edge) - mSorted.Begin(edge) + 8);
             // A tree takes some hundred instructions for each edge and some thousand for each
@@ -44,6 +48,9 @@ private:
     struct ActivePart {
         std::size_t part;
         GridEdge at;
+        GridBox box;
+        std::int64_t begin = 0; // along the whole edge, as the cuts are measured
+        std::int64_t end = 0;
     };
 
     void PairPartsOf(std::size_t edge);
@@ -75,15 +82,21 @@ void PartPairs::PairPartsOf(std::size_t edge) {
     std::size_t const before = EdgeOfNext(mTree.BeforeOf(first), edge);
     std::size_t const after = EdgeOfNext(mTree.SecondOf(last), edge);
     MajorAxis const axis({mLines.points[first], mTree.At(last).b});
-    for (ActivePart const& part : mActive) {
+    for (ActivePart& part : mActive) {
+        part.begin = axis.Along(part.at.a);
+        part.end = axis.Along(part.at.b);
         PairWithPartsOf(before, part);
         PairWithPartsOf(after, part);
     }
     // Both the cuts and the parts are in their order along the edge.
-    std::size_t near = 0; // the first part that ends at the cut or behind it, or the last part
-    for (std::size_t k = mSorted.Begin(edge); k < mSorted.End(edge); ++k) {
+    ActivePart const* near = mActive.data(); // the first one that ends at the cut or behind it,
+                                             // or the last one
+    ActivePart const* const firstPart = near;
+    ActivePart const* const endPart = near + mActive.size();
+    std::size_t const endCut = mSorted.End(edge);
+    for (std::size_t k = mSorted.Begin(edge); k < endCut; ++k) {
         Cut const& cut = mSorted.At(k);
-        while (near + 1 < mActive.size() && axis.Along(mActive[near].at.b) < cut.along) {
+        while (near + 1 < endPart && near->end < cut.along) {
             ++near;
         }
         if (cut.edge == SortedCuts::kNoOther) {
@@ -92,16 +105,13 @@ void PartPairs::PairPartsOf(std::size_t edge) {
         // Neither sum nor difference overflows: no clearance is beyond 2^62.
         std::int64_t const low = cut.along - cut.clearance;
         std::int64_t const high = cut.along + cut.clearance;
-        for (std::size_t i = near; i < mActive.size(); ++i) {
-            if (axis.Along(mActive[i].at.a) > high) {
-                break;
-            }
-            if (axis.Along(mActive[i].at.b) >= low) {
-                PairWithPartsOf(cut.edge, mActive[i]);
+        for (ActivePart const* part = near; part < endPart && part->begin <= high; ++part) {
+            if (part->end >= low) {
+                PairWithPartsOf(cut.edge, *part);
             }
         }
-        for (std::size_t i = near; i > 0 && axis.Along(mActive[i - 1].at.b) >= low; --i) {
-            PairWithPartsOf(cut.edge, mActive[i - 1]);
+        for (ActivePart const* part = near; part > firstPart && part[-1].end >= low; --part) {
+            PairWithPartsOf(cut.edge, part[-1]);
         }
     }
 }
@@ -111,7 +121,7 @@ void PartPairs::PairWithPartsOf(std::size_t edge, ActivePart const& part) {
     std::size_t const begin = mParts.Begin(edge);
     std::size_t const end = mParts.End(edge);
     GridEdge const& e = part.at;
-    GridBox const box = BoxOf(e);
+    GridBox const& box = part.box;
     GridPoint const first = mLines.points[begin];
     GridPoint const last = mLines.points[mTree.SecondOf(end - 1)];
     // Cuts lie in the box of their edge.
