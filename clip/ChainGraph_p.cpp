@@ -5,6 +5,7 @@
 #include "EdgeTree_p.h"
 #include "MortonOrder_p.h"
 #include "Predicates_p.h"
+#include "SortFew_p.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -18,6 +19,13 @@ struct ChainGraph::DirectedEdge {
     GridPoint origin;
     GridPoint target;
     HalfEdge half;
+    bool lower; // whether it runs down, or to the left
+};
+
+/// Where one chain of a line ends and the next one begins.
+struct ChainGraph::Passage {
+    GridPoint at;
+    Number chain; // that begins there
 };
 
 ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const& incidences,
@@ -35,11 +43,8 @@ ChainGraph::ChainGraph(GridLines const& cutLines, ScratchVector<Incidence> const
 
 /// True when edge s comes before t, turning counterclockwise from east around their common origin.
 bool ChainGraph::TurnsFirst(DirectedEdge const& s, DirectedEdge const& t) {
-    auto const lower = [](DirectedEdge const& u) {
-        return u.target.y < u.origin.y || (u.target.y == u.origin.y && u.target.x < u.origin.x);
-    };
-    if (lower(s) != lower(t)) {
-        return lower(t);
+    if (s.lower != t.lower) {
+        return t.lower;
     }
     Int128 const cross = Cross(s.origin, s.target, t.target);
     if (cross != 0) {
@@ -49,43 +54,61 @@ bool ChainGraph::TurnsFirst(DirectedEdge const& s, DirectedEdge const& t) {
     return s.target != t.target ? s.target < t.target : s.half < t.half;
 }
 
-/// Brings the edges of each node together, and each node's in counterclockwise order.
-void ChainGraph::SortByOrigin(ScratchVector<DirectedEdge>& edges) {
-    auto const before = [](DirectedEdge const& s, DirectedEdge const& t) {
-        return s.origin != t.origin ? s.origin < t.origin : TurnsFirst(s, t);
-    };
-    std::size_t const kFew = 64;
-    if (edges.size() <= kFew) {
-        std::sort(edges.begin(), edges.end(), before);
+/// Brings the passages of each node together.
+void ChainGraph::SortByPlace(ScratchVector<Passage>& passages) {
+    auto const before = [](Passage const& p, Passage const& q) { return p.at < q.at; };
+    std::size_t const kFew = 32;
+    if (passages.size() <= kFew) {
+        SortFew(passages.data(), passages.data() + passages.size(), before);
         return;
     }
-    // Edges go into buckets along Morton's curve, so that a bucket holds a node or two if the nodes
-    // are spread evenly. Then each bucket is sorted.
+    // Passages go into buckets along Morton's curve, so that a bucket holds a node or two if the
+    // nodes are spread evenly. Then each bucket is sorted.
     int bits = 1;
-    while (edges.size() >> bits > 4 && bits < kMortonBits) {
+    while (passages.size() >> bits > 2 && bits < kMortonBits) {
         ++bits;
     }
-    ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, edges.get_allocator());
-    ScratchVector<Number> buckets(edges.size(), edges.get_allocator());
-    for (std::size_t i = 0; i < edges.size(); ++i) {
-        buckets[i] = static_cast<Number>(MortonCode(edges[i].origin) >> (kMortonBits - bits));
+    ScratchVector<std::size_t> ends(std::size_t{1} << bits, 0, passages.get_allocator());
+    ScratchVector<Number> buckets(passages.size(), passages.get_allocator());
+    for (std::size_t i = 0; i < passages.size(); ++i) {
+        buckets[i] = static_cast<Number>(MortonCode(passages[i].at) >> (kMortonBits - bits));
         ++ends[buckets[i]];
     }
     std::size_t sum = 0;
     for (std::size_t& end : ends) {
         sum += std::exchange(end, sum);
     }
-    ScratchVector<DirectedEdge> sorted(edges.size(), edges.get_allocator());
-    for (std::size_t i = 0; i < edges.size(); ++i) {
-        sorted[ends[buckets[i]]++] = edges[i];
+    ScratchVector<Passage> sorted(passages.size(), passages.get_allocator());
+    for (std::size_t i = 0; i < passages.size(); ++i) {
+        sorted[ends[buckets[i]]++] = passages[i];
     }
-    auto begin = sorted.begin();
+    Passage* begin = sorted.data();
     for (std::size_t const size : ends) {
-        auto const end = sorted.begin() + static_cast<std::ptrdiff_t>(size);
-        std::sort(begin, end, before);
+        Passage* const end = sorted.data() + size;
+        SortFew(begin, end, before);
         begin = end;
     }
-    edges = std::move(sorted);
+    passages = std::move(sorted);
+}
+
+/// Appends the two edges of each passage, in counterclockwise order around each node.
+void ChainGraph::AppendEdgesAt(ScratchVector<Passage> const& passages,
+                               ScratchVector<DirectedEdge>& edges) const {
+    auto const append = [&](GridPoint from, GridPoint to, HalfEdge half) {
+        edges.emplace_back(from, to, half, to < from);
+    };
+    std::size_t begin = 0;
+    for (std::size_t i = 0; i < passages.size(); ++i) {
+        GridPoint const at = passages[i].at;
+        Number const next = passages[i].chain;
+        Number const last = chains[next].previous;
+        append(at, PointOf(chains[next], 1), 2 * next);
+        append(at, PointOf(chains[last], chains[last].count - 1), 2 * last + 1);
+        if (i + 1 == passages.size() || passages[i + 1].at != at) {
+            SortFew(edges.data() + begin, edges.data() + edges.size(), TurnsFirst);
+            begin = edges.size();
+        }
+    }
 }
 
 void ChainGraph::MakeChains(ScratchVector<Incidence> const& incidences) {
@@ -164,24 +187,19 @@ void ChainGraph::MakeCrossingNodes(ScratchVector<Incidence> const& incidences) {
 }
 
 void ChainGraph::MakeSharedNodes() {
-    ScratchVector<DirectedEdge> edges(chains.get_allocator().GetScratch());
+    ScratchVector<Passage> passages(chains.get_allocator().GetScratch());
     for (Number i = 0; i < chains.size(); ++i) {
-        Chain const& chain = chains[i];
-        if (chain.closed) {
-            continue;
-        }
-        if (chain.other == kNone) {
-            edges.emplace_back(PointOf(chain, 0), PointOf(chain, 1), 2 * i);
-        }
-        if (chains[chain.next].other == kNone) {
-            edges.emplace_back(PointOf(chain, chain.count), PointOf(chain, chain.count - 1),
-                               2 * i + 1);
+        if (chains[i].other == kNone && !chains[i].closed) {
+            passages.emplace_back(lines.points[chains[i].first], i);
         }
     }
-    if (edges.empty()) {
+    if (passages.empty()) {
         return;
     }
-    SortByOrigin(edges);
+    SortByPlace(passages);
+    ScratchVector<DirectedEdge> edges(chains.get_allocator().GetScratch());
+    edges.reserve(2 * passages.size());
+    AppendEdgesAt(passages, edges);
     MergeEqualChains(edges);
     ScratchVector<HalfEdge> node(chains.get_allocator().GetScratch());
     for (std::size_t i = 0; i < edges.size(); ++i) {

@@ -98,6 +98,7 @@ struct ChainGraph {
 
 private:
     struct DirectedEdge;
+    struct Passage;
 
     void MakeChains(ScratchVector<Incidence> const& incidences);
     /// Makes the nodes at crossings of two edges.
@@ -110,7 +111,9 @@ private:
     /// Puts equal chains in the list of the first. `begin` to `end` are their edges from one end.
     void ListEqualChains(DirectedEdge const* begin, DirectedEdge const* end);
     static bool TurnsFirst(DirectedEdge const& s, DirectedEdge const& t);
-    static void SortByOrigin(ScratchVector<DirectedEdge>& edges);
+    static void SortByPlace(ScratchVector<Passage>& passages);
+    void AppendEdgesAt(ScratchVector<Passage> const& passages,
+                       ScratchVector<DirectedEdge>& edges) const;
 };
 
 } // namespace trammel_detail

@@ -2,6 +2,8 @@
 
 #include "Cuts_p.h"
 
+#include "SortFew_p.h"
+
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
@@ -45,17 +47,7 @@ void SortAlong(Cut* begin, Cut* end) {
     if (before(end[-1], *begin)) {
         std::reverse(begin, end);
     }
-    for (Cut* i = begin + 1; i < end; ++i) {
-        if (before(*i, i[-1])) {
-            Cut const cut = *i;
-            Cut* to = i;
-            do {
-                *to = to[-1];
-                --to;
-            } while (to > begin && before(cut, to[-1]));
-            *to = cut;
-        }
-    }
+    SortByInsertion(begin, end, before);
 }
 
 /// Finds the parts of cut edges that may meet others, see Clearances.
@@ -91,9 +83,9 @@ public:
     char const* Of(std::size_t edge, std::size_t before, std::size_t after) {
         GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
-        std::size_t const firstCut = mSorted.Begin(edge);
-        std::size_t const endCut = mSorted.End(edge);
-        mParts.resize(std::max(mParts.size(), endCut - firstCut + 1));
+        Cut* const firstCut = &mSorted.At(0) + mSorted.Begin(edge);
+        Cut* const endCut = &mSorted.At(0) + mSorted.End(edge);
+        mParts.resize(std::max(mParts.size(), mSorted.End(edge) - mSorted.Begin(edge) + 1));
         char* part = mParts.data();
         // A point that lacks its clearance affects the parts within that distance, forwards and
         // then backwards. The clearance at a corner holds for the neighbour, too. A neighbour that
@@ -113,28 +105,26 @@ public:
             *part++ = reach > last.along ? 1 : 0;
             last = {along, clearance, gap < clearance};
         };
-        for (std::size_t i = firstCut; i < endCut; ++i) {
-            Cut& cut = mSorted.At(i);
-            if (cut.incidence == kSingle) {
-                reach = std::max(reach, cut.along + cut.clearance);
+        for (Cut* cut = firstCut; cut < endCut; ++cut) {
+            if (cut->incidence == kSingle) {
+                reach = std::max(reach, cut->along + cut->clearance);
             } else {
-                finishPart(cut.along, cut.clearance);
-                lastCut = &cut;
+                finishPart(cut->along, cut->clearance);
+                lastCut = cut;
             }
         }
         std::int64_t const endClearance = mClearances.ForCorner(e, mTree.At(after));
         finishPart(axis.Along(e.b), endClearance);
         last.lacks |= IsShort(after, endClearance);
         reach = last.lacks ? last.along - endClearance : std::numeric_limits<std::int64_t>::max();
-        for (std::size_t i = endCut; i-- > firstCut;) {
-            Cut const& cut = mSorted.At(i);
-            if (cut.incidence != kSingle) {
+        for (Cut const* cut = endCut; cut-- > firstCut;) {
+            if (cut->incidence != kSingle) {
                 *--part |= reach < last.along ? 1 : 0;
-                last.along = cut.along;
+                last.along = cut->along;
             }
             // Other shared cuts need no clearance.
-            if (cut.incidence <= kShared) {
-                reach = std::min(reach, cut.along - cut.clearance);
+            if (cut->incidence <= kShared) {
+                reach = std::min(reach, cut->along - cut->clearance);
             }
         }
         *--part |= reach < last.along ? 1 : 0;
@@ -226,6 +216,11 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     };
     active.assign(most, 0);
     UnsettledParts unsettled(tree, sorted, clearances, incidences.get_allocator().GetScratch());
+    // By pointers: the marks are characters, which may stand for anything, so that all else that is
+    // reached through vectors would be read again after each.
+    GridPoint* const outPoints = allPoints.data();
+    Incidence* const outIncidences = allIncidences.data();
+    char* const outActive = active.data();
     std::size_t size = 0;
     std::size_t unsettledCount = 0;
     std::size_t begin = 0;
@@ -235,8 +230,8 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     allEnds.reserve(lines.ends.size());
     for (std::size_t const end : lines.ends) {
         for (std::size_t i = begin; i < end; ++i) {
-            allPoints[size] = lines.points[i];
-            allIncidences[size] = incidences[i];
+            outPoints[size] = lines.points[i];
+            outIncidences[size] = incidences[i];
             std::size_t const first = size++;
             parts.Push(first);
             if (!sorted.Has(i)) {
@@ -246,35 +241,34 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
             MajorAxis const axis(tree.At(i));
             std::size_t const before = i == begin ? end - 1 : i - 1;
             std::size_t const after = i + 1 == end ? begin : i + 1;
+            Cut const* cut = &sorted.At(0) + sorted.Begin(i);
+            Cut const* const endCut = &sorted.At(0) + sorted.End(i);
             if (unsettled.IsClear(i, before, after)) {
-                for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
-                    Cut const& cut = sorted.At(k);
-                    allPoints[size] = axis.Point(cut.along, cut.across);
-                    allIncidences[size] = cut.incidence;
+                for (; cut < endCut; ++cut) {
+                    outPoints[size] = axis.Point(cut->along, cut->across);
+                    outIncidences[size] = cut->incidence;
                     ++size;
                 }
                 originate(first, size, i);
                 continue;
             }
             char const* part = unsettled.Of(i, before, after);
-            active[first] = *part++;
-            for (std::size_t k = sorted.Begin(i); k < sorted.End(i); ++k) {
-                Cut const& cut = sorted.At(k);
-                if (cut.incidence == kSingle) {
+            outActive[first] = *part++;
+            for (; cut < endCut; ++cut) {
+                if (cut->incidence == kSingle) {
                     continue;
                 }
-                GridPoint const p = axis.Point(cut.along, cut.across);
-                if (p != allPoints[size - 1]) {
-                    allPoints[size] = p;
-                    allIncidences[size] = cut.incidence;
+                GridPoint const p = axis.Point(cut->along, cut->across);
+                if (p != outPoints[size - 1]) {
+                    outPoints[size] = p;
+                    outIncidences[size] = cut->incidence;
                     ++size;
                 }
-                active[size - 1] |= *part++;
+                outActive[size - 1] |= *part++;
             }
             originate(first, size, i);
-            unsettledCount += static_cast<std::size_t>(
-                std::count(active.begin() + static_cast<std::ptrdiff_t>(first),
-                           active.begin() + static_cast<std::ptrdiff_t>(size), 1));
+            unsettledCount +=
+                static_cast<std::size_t>(std::count(outActive + first, outActive + size, 1));
         }
         allEnds.push_back(size);
         begin = end;

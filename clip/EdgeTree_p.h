@@ -518,8 +518,8 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
             GridBox const box = boxes[i];
             for (std::size_t k = 0; k < count; ++k) {
                 std::size_t const j = meeting[k];
-                if (box.Meets(boxes[j]) && NearTest::MayBeNear(mEdges[i].a, directions[i],
-                                                               mEdges[j].a, directions[j])) {
+                if (box.Meets(boxes[j]) &&
+                    NearTest::MayBeNear(mEdges[i].a, directions[i], mEdges[j].a, directions[j])) {
                     visit(i, j, Follow(i, j));
                 }
             }
