@@ -31,11 +31,12 @@ BoundsGuard& BoundsGuard::Of(void const* bounds) {
     return gGuards[(address >> 5U ^ address >> 11U) % 64];
 }
 
-void OnceBounds::Store(TRect<double> const& bounds) const {
-    std::unique_lock<std::mutex> const lock = Lock(BoundsGuard::Of(&mBounds));
-    if (!Valid() || !Same(mBounds, bounds)) {
-        mBounds = bounds;
-        __atomic_store_n(&mValid, std::int16_t{1}, __ATOMIC_RELEASE);
+void OnceBounds::StoreLocked(TRect<double>& kept, std::int16_t& valid,
+                             TRect<double> const& bounds) {
+    std::lock_guard<std::mutex> const lock(BoundsGuard::Of(&kept).mutex);
+    OnceBounds const once(kept, valid);
+    if (!once.Valid() || !Same(kept, bounds)) {
+        once.Set(bounds);
     }
 }
 

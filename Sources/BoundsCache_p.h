@@ -8,6 +8,7 @@
 #ifndef TRAMMEL_BOUNDSCACHE_P_H
 #define TRAMMEL_BOUNDSCACHE_P_H
 
+#include "SingleThreaded_p.h"
 #include "TRect.h"
 
 #include <atomic>
@@ -37,11 +38,23 @@ public:
     /// True when the bounds are there. They may then be read.
     bool Valid() const { return __atomic_load_n(&mValid, __ATOMIC_ACQUIRE) != 0; }
     /// Stores the bounds and sets the flag.
-    void Store(TRect<double> const& bounds) const;
+    void Store(TRect<double> const& bounds) const {
+        if (SingleThreaded()) {
+            Set(bounds);
+        } else {
+            StoreLocked(mBounds, mValid, bounds);
+        }
+    }
     /// Copies bounds and flag as they are.
     void CopyTo(TRect<double>& bounds, std::int16_t& valid) const;
 
 private:
+    void Set(TRect<double> const& bounds) const {
+        mBounds = bounds;
+        __atomic_store_n(&mValid, std::int16_t{1}, __ATOMIC_RELEASE);
+    }
+    static void StoreLocked(TRect<double>& kept, std::int16_t& valid, TRect<double> const& bounds);
+
     TRect<double>& mBounds;
     std::int16_t& mValid;
 };

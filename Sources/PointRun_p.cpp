@@ -129,35 +129,37 @@ bool OddCrossingsOneByOne(PointRun points, double h, double v) {
     return odd;
 }
 
-/// Returns the union of the null rectangle with `count` points, in the order first, first + step,
-/// ...
-TRect<double> Union(char const* first, long step, long count) {
+/// Returns point `i` of a run, counted from its end where it goes backward.
+template <bool kForward> char const* PlaceIn(PointRun points, long i) {
+    return points.bytes + kPointBytes * (kForward ? i : points.count - 1 - i);
+}
+
+/// Returns how many points at the origin come before all others, but not the last point.
+///
+/// A null rectangle takes over the next point. So points at the origin are forgotten until another
+/// point comes; if none comes, the last one stays, with the signs of its zeros. The first other
+/// point is in the rectangle for good, as one of its fields is not 0.
+template <bool kForward> long Forgotten(PointRun points) {
     constexpr unsigned kBoth = 3; // the bits of a mask that is set in both lanes
-    auto const point = [=](long i) { return PointRun{first + step * i, 1}[0]; };
-    // A null rectangle takes over the next point. So points at the origin are forgotten until
-    // another point comes; if none comes, the last one stays, with the signs of its zeros. The
-    // first other point is in the rectangle for good, as one of its fields is not 0.
     long start = 0;
-    while (start < count - 1 && (Double2::Load(first + step * start) == 0.0).Bits() == kBoth) {
+    while (start < points.count - 1 &&
+           (Double2::Load(PlaceIn<kForward>(points, start)) == 0.0).Bits() == kBoth) {
         ++start;
     }
-    if (start >= count) {
-        return TRect<double>();
-    }
-    // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
-    PointExtent const extent = ExtentOfPoints(first + step * start, step, count - start);
-    TRect<double> bounds;
-    extent.low.Store(&bounds.mCorners[0]);
-    extent.high.Store(&bounds.mCorners[1]);
-    if (((extent.low == 0.0).Bits() | (extent.high == 0.0).Bits()) == 0) {
-        return bounds;
-    }
-    // The extent takes the points in another order. That shows only where equal values differ,
-    // which zeros do. In order, the first zero is kept: it replaced the number before, and no later
-    // zero replaces it.
+    return start;
+}
+
+/// Gives zeros among the bounds the sign that they have in the union of one point after the other.
+///
+/// The extent takes the points in another order. That shows only where equal values differ, which
+/// zeros do. In order, the first zero is kept: it replaced the number before, and no later zero
+/// replaces it.
+template <bool kForward>
+[[gnu::noinline]] void PutFirstZeros(PointRun points, TRect<double>& bounds) {
+    long const start = Forgotten<kForward>(points);
     auto const firstZero = [=](double TPoint<double>::*coordinate) {
-        for (long k = start; k < count; ++k) {
-            double const value = point(k).*coordinate;
+        for (long k = start; k < points.count; ++k) {
+            double const value = PointRun{PlaceIn<kForward>(points, k), 1}[0].*coordinate;
             if (value == 0.0) {
                 return value;
             }
@@ -173,6 +175,24 @@ TRect<double> Union(char const* first, long step, long count) {
         double const zero = firstZero(&TPoint<double>::h);
         bounds.left = bounds.left == 0.0 ? zero : bounds.left;
         bounds.right = bounds.right == 0.0 ? zero : bounds.right;
+    }
+}
+
+/// Returns the union of the null rectangle with each point in turn, from the first to the last or
+/// from the last to the first.
+template <bool kForward> TRect<double> Union(PointRun points) {
+    TRect<double> bounds;
+    if (points.count <= 0) {
+        return bounds;
+    }
+    long const start = Forgotten<kForward>(points);
+    // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
+    char const* const first = PlaceIn<kForward>(points, start);
+    ExtentOfPoints(first, kForward ? first : points.bytes, points.count - start, &bounds.top);
+    Double2 const low = Double2::Load(&bounds.mCorners[0]);
+    Double2 const high = Double2::Load(&bounds.mCorners[1]);
+    if (((low == 0.0).Bits() | (high == 0.0).Bits()) != 0) {
+        PutFirstZeros<kForward>(points, bounds);
     }
     return bounds;
 }
@@ -231,27 +251,25 @@ bool Heights::OddCrossings(double h, double v) const {
     return odd;
 }
 
-TRect<double> UnionForward(PointRun points) {
-    return Union(points.bytes, kPointBytes, points.count);
-}
+TRect<double> UnionForward(PointRun points) { return Union<true>(points); }
 
-TRect<double> UnionBackward(PointRun points) {
-    return Union(points.bytes + kPointBytes * (points.count - 1), -kPointBytes, points.count);
-}
+TRect<double> UnionBackward(PointRun points) { return Union<false>(points); }
 
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m) {
-    AffineMap const map = {Double2(0.0), Double2::Of(m.d, m.c), Double2::Of(m.b, m.a),
-                           Double2::Of(m.ty, m.tx), true};
-    TransformPoints(bytes, count, map);
+    static_assert(offsetof(CMatrix3x3, a) == 0 && offsetof(CMatrix3x3, b) == 8 &&
+                      offsetof(CMatrix3x3, c) == 16 && offsetof(CMatrix3x3, d) == 24 &&
+                      offsetof(CMatrix3x3, tx) == 32 && offsetof(CMatrix3x3, ty) == 40,
+                  "a kernel reads the six numbers one after the other");
+    TransformPoints(bytes, count, {&m.a, nullptr});
 }
 
 void RotateRun(char* bytes, long count, double angle, TPoint<double> const& centre) {
     double const s = std::sin(angle);
     double const c = std::cos(angle);
     // h·c + v·(-s) is h·c - v·s to the last bit.
-    Double2 const from = Double2::Of(centre.v, centre.h);
-    AffineMap const map = {from, Double2::Of(c, -s), Double2::Of(s, c), from, false};
-    TransformPoints(bytes, count, map);
+    double const matrix[6] = {c, s, -s, c, centre.h, centre.v};
+    double const from[2] = {centre.v, centre.h};
+    TransformPoints(bytes, count, {matrix, from});
 }
 
 void OffsetRun(char* bytes, long count, TPoint<double> const& d) {

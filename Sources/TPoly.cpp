@@ -157,10 +157,12 @@ trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     return {reinterpret_cast<char const*>(vertices.points), vertices.count};
 }
 
-/// Computes the bounds of the vertices into the record. Not inlined, as it is done once for many
-/// questions.
-[[gnu::noinline]] void KeepBounds(TPolygon<double> const& polygon) {
-    KeptBounds(**polygon.mHandle).Store(trammel_detail::UnionForward(Run(polygon)));
+/// Computes the bounds of the vertices into the record, and returns them. Not inlined, as it is
+/// done once for many questions.
+[[gnu::noinline]] TRect<double> KeepBounds(TPolygon<double> const& polygon) {
+    TRect<double> const bounds = trammel_detail::UnionForward(Run(polygon));
+    KeptBounds(**polygon.mHandle).Store(bounds);
+    return bounds;
 }
 
 /// Returns the bounds of the vertices, and keeps them. The null rectangle without storage.
@@ -168,10 +170,8 @@ inline TRect<double> BoundsOf(TPolygon<double> const& polygon) {
     if (polygon.mHandle == nullptr) {
         return TRect<double>();
     }
-    if (!KeptBounds(**polygon.mHandle).Valid()) {
-        KeepBounds(polygon);
-    }
-    return (*polygon.mHandle)->mBounds;
+    return KeptBounds(**polygon.mHandle).Valid() ? (*polygon.mHandle)->mBounds
+                                                 : KeepBounds(polygon);
 }
 
 /// Tells the sides of a segment's box beyond which a point lies.

@@ -17,6 +17,10 @@ namespace trammel_detail {
 
 /// The bytes of a point.
 inline constexpr long kPointBytes = 16;
+/// For fewer points a call of a kernel costs more than it saves. Images are stored, and wide ones
+/// lie across the borders of cache lines more often.
+inline constexpr long kManyPoints = 8;
+inline constexpr long kManyImages = 16;
 
 // ------------------------------------------------------------------------------------------------
 // Which points are not below a height (v grows downward)
@@ -66,52 +70,60 @@ struct PointExtent {
         low = Min(p, low);
         high = Max(p, high);
     }
+    [[gnu::always_inline]] inline void Store(double* out) const {
+        low.Store(out);
+        high.Store(out + 2);
+    }
 };
 
-/// Returns the extent of `count` points, at least one. The first lies at `first`, and each other
-/// one `step` bytes behind the one before. A NaN in the first point stays; later ones change
-/// nothing. Of several equal zeros, any may be kept.
-[[gnu::always_inline]] inline PointExtent ExtentOfPoints(char const* first, long step, long count) {
-    auto const point = [=](long i) __attribute__((always_inline)) {
-        return Double2::Load(first + step * i);
-    };
-    // Each extent waits for its last result. So four of them go side by side.
-    Double2 const p = point(0);
-    PointExtent e0 = {p, p};
-    PointExtent e1 = {p, p};
-    PointExtent e2 = {p, p};
-    PointExtent e3 = {p, p};
-    long i = 1;
-    for (; i + 4 <= count; i += 4) {
-        e0.Include(point(i));
-        e1.Include(point(i + 1));
-        e2.Include(point(i + 2));
-        e3.Include(point(i + 3));
+void ExtentOfManyPortable(char const* first, char const* points, long count, double* out);
+void ExtentOfManyAvx2(char const* first, char const* points, long count, double* out);
+
+/// Stores at `out` the extent of the point at `first` and of the `count` points at `points`: the
+/// least v and h, and the greatest. A NaN in the first point stays; others change nothing. Of
+/// several equal zeros, any may be kept.
+[[gnu::always_inline]] inline void ExtentOfPoints(char const* first, char const* points, long count,
+                                                  double* out) {
+    if (count >= kManyPoints) {
+        Dispatch<ExtentOfManyPortable, ExtentOfManyAvx2>(first, points, count, out);
+        return;
     }
-    for (; i < count; ++i) {
-        e0.Include(point(i));
+    Double2 const p = Double2::Load(first);
+    PointExtent extent = {p, p};
+    for (long i = 0; i < count; ++i) {
+        extent.Include(Double2::Load(points + kPointBytes * i));
     }
-    return {Min(Min(e3.low, e2.low), Min(e1.low, e0.low)),
-            Max(Max(e3.high, e2.high), Max(e1.high, e0.high))};
+    extent.Store(out);
 }
 
 // ------------------------------------------------------------------------------------------------
 // Affine maps
 
-/// Takes a point p to d.h·byH + d.v·byV + to, where d = p - from. Lane 0 is for v, lane 1 for h.
+/// Takes a point p to d.h·(a, b) + d.v·(c, d) + (tx, ty), where d = p - from.
 struct AffineMap {
+    double const* matrix; ///< a, b, c, d, tx and ty
+    double const* from;   ///< v and h of a point; null for the origin, which is not subtracted
+};
+
+/// The numbers of a map, v in lane 0 and h in lane 1.
+struct AffineImages {
     Double2 from;
-    Double2 byV; ///< the image of a unit of v
     Double2 byH; ///< the image of a unit of h
+    Double2 byV; ///< the image of a unit of v
     Double2 to;
-    bool aboutOrigin; ///< true: `from` is the origin, and is not subtracted
+
+    [[gnu::always_inline]] inline explicit AffineImages(AffineMap map)
+        : from(map.from != nullptr ? Double2::Load(map.from) : Double2(0.0)),
+          byH(Double2::Of(map.matrix[1], map.matrix[0])),
+          byV(Double2::Of(map.matrix[3], map.matrix[2])),
+          to(Double2::Of(map.matrix[5], map.matrix[4])) {}
 };
 
 /// Replaces points `i` to `count` - 1 by their images, one by one.
 template <bool kAboutOrigin>
 [[gnu::always_inline]] inline void TransformOneByOne(char* points, long i, long count,
-                                                     AffineMap const& map) {
-    AffineMap const own = map; // else the compiler would expect the points to overwrite the map
+                                                     AffineImages const& images) {
+    AffineImages const own = images; // else the points might overwrite these
     for (; i < count; ++i) {
         char* const at = points + kPointBytes * i;
         Double2 const loaded = Double2::Load(at);
@@ -120,18 +132,17 @@ template <bool kAboutOrigin>
     }
 }
 
-void TransformPointsPortable(char* points, long count, AffineMap const& map);
-void TransformPointsAvx2(char* points, long count, AffineMap const& map);
+void TransformManyPortable(char* points, long count, AffineMap map);
+void TransformManyAvx2(char* points, long count, AffineMap map);
 
-/// Replaces each of `count` points by its image.
-[[gnu::always_inline]] inline void TransformPoints(char* points, long count, AffineMap const& map) {
-    constexpr long kFew = 8; // calling a kernel for fewer points costs more than it saves
-    if (count >= kFew) {
-        Dispatch<TransformPointsPortable, TransformPointsAvx2>(points, count, map);
-    } else if (map.aboutOrigin) {
-        TransformOneByOne<true>(points, 0, count, map);
+/// Replaces each of `count` points by its image. The map's numbers are none of theirs.
+[[gnu::always_inline]] inline void TransformPoints(char* points, long count, AffineMap map) {
+    if (count >= kManyImages) {
+        Dispatch<TransformManyPortable, TransformManyAvx2>(points, count, map);
+    } else if (map.from == nullptr) {
+        TransformOneByOne<true>(points, 0, count, AffineImages(map));
     } else {
-        TransformOneByOne<false>(points, 0, count, map);
+        TransformOneByOne<false>(points, 0, count, AffineImages(map));
     }
 }
 

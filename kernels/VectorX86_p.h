@@ -84,7 +84,8 @@ namespace trammel_detail {
 }
 
 [[gnu::always_inline]] inline RawDouble4 RawRepeat(RawDouble2 const& pair) {
-    return _mm256_broadcast_pd(&pair);
+    // _mm256_broadcast_pd would ask for the pair in memory.
+    return _mm256_insertf128_pd(_mm256_castpd128_pd256(pair), pair, 1);
 }
 
 [[gnu::always_inline]] inline RawDouble2 RawHigh(RawDouble4 const& a) {

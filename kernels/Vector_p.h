@@ -345,7 +345,7 @@ template <int kLane> [[gnu::always_inline]] inline double Lane(Double4 const& a)
 }
 
 // ------------------------------------------------------------------------------------------------
-// Four doubles as one vector: the same operations, and three more for pairs
+// Four doubles as one vector: the same operations, and five more for pairs
 
 #if defined(__AVX2__)
 
@@ -387,6 +387,14 @@ typedef WideDouble4::Mask WideMask4;
 /// Returns a pair in lanes 0 and 1, and again in lanes 2 and 3.
 [[gnu::always_inline]] inline WideDouble4 Repeat(Double2 const& pair) {
     return WideDouble4(RawRepeat(pair.raw));
+}
+/// Returns lanes 0 and 1.
+[[gnu::always_inline]] inline Double2 LowHalf(WideDouble4 const& a) {
+    return Double2(__builtin_shufflevector(a.raw, a.raw, 0, 1));
+}
+/// Returns lanes 2 and 3.
+[[gnu::always_inline]] inline Double2 HighHalf(WideDouble4 const& a) {
+    return Double2(RawHigh(a.raw));
 }
 /// Returns lanes 0, 0, 2 and 2.
 [[gnu::always_inline]] inline WideDouble4 EvenTwice(WideDouble4 const& a) {

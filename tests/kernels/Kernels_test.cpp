@@ -22,7 +22,6 @@
 namespace {
 
 using trammel_detail::AffineMap;
-using trammel_detail::Double2;
 using trammel_detail::FlatCubic;
 using trammel_detail::FlatPlan;
 using trammel_detail::FlatRun;
@@ -86,8 +85,9 @@ TEST(TransformPoints, HasTheBitsOfTheFormula) {
         for (bool const aboutOrigin : {false, true}) {
             double const fromV = aboutOrigin ? 0.0 : m[0];
             double const fromH = aboutOrigin ? 0.0 : m[1];
-            AffineMap const map = {Double2::Of(fromV, fromH), Double2::Of(m[2], m[3]),
-                                   Double2::Of(m[4], m[5]), Double2::Of(m[6], m[7]), aboutOrigin};
+            double const matrix[6] = {m[5], m[4], m[3], m[2], m[7], m[6]};
+            double const from[2] = {fromV, fromH};
+            AffineMap const map = {matrix, aboutOrigin ? nullptr : from};
             std::vector<double> expected = points;
             for (std::size_t i = 0; i < expected.size(); i += 2) {
                 double const v = points[i] - fromV;
@@ -145,31 +145,43 @@ TEST(ExtentOfPoints, IsTheLeastAndTheGreatestOfEachCoordinateInBothDirections) {
             lowH = std::fmin(lowH, points[i + 1]);
             highH = std::fmax(highH, points[i + 1]);
         }
-        auto const* const first = reinterpret_cast<char const*>(points.data());
-        auto const last = static_cast<long>(16 * (count - 1));
+        auto const* const bytes = reinterpret_cast<char const*>(points.data());
         bool const endsInNaN = count == 4; // and begins so, backward
         for (bool const backward : {false, true}) {
             if (backward && endsInNaN) {
                 continue;
             }
-            auto const extent = trammel_detail::ExtentOfPoints(
-                backward ? first + last : first, backward ? -16 : 16, static_cast<long>(count));
-            EXPECT_EQ(Lane<0>(extent.low), lowV) << count;
-            EXPECT_EQ(Lane<1>(extent.low), lowH) << count;
-            EXPECT_EQ(Lane<0>(extent.high), highV) << count;
-            EXPECT_EQ(Lane<1>(extent.high), highH) << count;
+            ForBothForms([&] {
+                double extent[4];
+                trammel_detail::ExtentOfPoints(backward ? bytes + 16 * (count - 1) : bytes, bytes,
+                                               static_cast<long>(count), extent);
+                EXPECT_EQ(extent[0], lowV) << count;
+                EXPECT_EQ(extent[1], lowH) << count;
+                EXPECT_EQ(extent[2], highV) << count;
+                EXPECT_EQ(extent[3], highH) << count;
+            });
         }
     }
 }
 
 TEST(ExtentOfPoints, KeepsANaNOfTheFirstPointOnly) {
-    double const points[6] = {kNaN, 1.0, 2.0, kNaN, 3.0, 4.0};
-    auto const extent =
-        trammel_detail::ExtentOfPoints(reinterpret_cast<char const*>(points), 16, 3);
-    EXPECT_TRUE(std::isnan(Lane<0>(extent.low)));
-    EXPECT_TRUE(std::isnan(Lane<0>(extent.high)));
-    EXPECT_EQ(Lane<1>(extent.low), 1.0);
-    EXPECT_EQ(Lane<1>(extent.high), 4.0);
+    for (std::size_t const count : {3, 8, 9, 10, 11, 30}) {
+        std::vector<double> points(2 * count);
+        for (std::size_t i = 0; i < count; ++i) {
+            points[2 * i] = static_cast<double>(i);
+            points[2 * i + 1] = i == 1 ? kNaN : static_cast<double>(i + 1);
+        }
+        points[0] = kNaN;
+        ForBothForms([&] {
+            auto const* const bytes = reinterpret_cast<char const*>(points.data());
+            double extent[4];
+            trammel_detail::ExtentOfPoints(bytes, bytes, static_cast<long>(count), extent);
+            EXPECT_TRUE(std::isnan(extent[0])) << count;
+            EXPECT_TRUE(std::isnan(extent[2])) << count;
+            EXPECT_EQ(extent[1], 1.0) << count;
+            EXPECT_EQ(extent[3], static_cast<double>(count)) << count;
+        });
+    }
 }
 
 /// Everything that a plan for the cubic and its first run compute.

@@ -57,7 +57,8 @@ struct FourLanesUnderTest {
 };
 
 FourLanesUnderTest WideDouble4UnderTest();
-/// Stores the pair at `from` by Repeat, then EvenTwice and OddTwice of the four lanes there.
+/// Stores the pair at `from` by Repeat, then EvenTwice, OddTwice, LowHalf and HighHalf of the four
+/// lanes there.
 void MovePairsOfWideDouble4(double const* from, double* out);
 
 /// Functions to point at. The vector is part of their names, so that files for different processors

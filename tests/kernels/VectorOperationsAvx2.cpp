@@ -15,6 +15,8 @@ void MovePairsOfWideDouble4(double const* from, double* out) {
     Repeat(trammel_detail::Double2::Load(from)).Store(out);
     EvenTwice(four).Store(out + 4);
     OddTwice(four).Store(out + 8);
+    LowHalf(four).Store(out + 12);
+    HighHalf(four).Store(out + 14);
 }
 
 } // namespace trammel_test

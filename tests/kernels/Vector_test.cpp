@@ -282,10 +282,10 @@ TEST(WideDouble4, MovesLanesAndPairsToTheirPlaces) {
     ExpectSumByHalves(trammel_test::WideDouble4UnderTest());
     ExpectRunningSumsByPairs(trammel_test::WideDouble4UnderTest());
     double const from[4] = {0.0, 1.0, 2.0, 3.0};
-    std::array<double, 12> out = {};
+    std::array<double, 16> out = {};
     trammel_test::MovePairsOfWideDouble4(from, out.data());
-    EXPECT_EQ(out,
-              (std::array<double, 12>{0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 2.0, 2.0, 1.0, 1.0, 3.0, 3.0}));
+    EXPECT_EQ(out, (std::array<double, 16>{0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 2.0, 2.0, //
+                                           1.0, 1.0, 3.0, 3.0, 0.0, 1.0, 2.0, 3.0}));
 }
 
 #endif
