@@ -3,6 +3,7 @@
 // The arithmetic of flattening for processors with AVX2. Vector_p.h tells what such a file may not
 // contain.
 
+#include "FlattenChordForms_p.h"
 #include "FlattenKernelForms_p.h"
 #include "FlattenPackForms_p.h"
 

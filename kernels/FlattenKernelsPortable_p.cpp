@@ -2,6 +2,7 @@
 
 // The arithmetic of flattening for every processor.
 
+#include "FlattenChordForms_p.h"
 #include "FlattenKernelForms_p.h"
 #include "FlattenPackForms_p.h"
 

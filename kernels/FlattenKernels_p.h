@@ -34,6 +34,9 @@ inline constexpr double kFewSteps = 10.0;
 inline constexpr double kSomeSteps = 70.0;
 constexpr double Biquadrate(double x) { return x * x * x * x; }
 
+/// The numbers of a vector's lanes.
+inline constexpr double kCounting[4] = {0.0, 1.0, 2.0, 3.0};
+
 /// A cubic relative to its start, 3at + 3bt² + ct³ in both coordinates.
 struct FlatCubic {
     double aH, aV, bH, bV, cH, cV;

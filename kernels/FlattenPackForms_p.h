@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-// Flattening of four curves at a time: the arithmetic of FlattenKernelForms_p.h, with a curve in
+// Flattening of four curves at a time: the arithmetic of FlattenChordForms_p.h, with a curve in
 // each lane. Each of two files compiles it for one vector, and no other file includes this header.
 // Not installed.
 
 #ifndef TRAMMEL_FLATTENPACKFORMS_P_H
 #define TRAMMEL_FLATTENPACKFORMS_P_H
 
-#include "FlattenKernelForms_p.h"
+#include "FlattenChordForms_p.h"
 #include "FlattenKernels_p.h"
 #include "Vector_p.h"
 
