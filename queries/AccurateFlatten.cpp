@@ -518,50 +518,50 @@ private:
 class StoringContours {
 public:
     explicit StoringContours(FlatContours& out)
-        : mOut(out), mPoints(out.points.data()), mRoom(out.points.size()) {}
+        : mOut(out), mNext(out.points.data()), mEnd(mNext + out.points.size()) {}
     StoringContours(StoringContours const&) = delete;
     StoringContours& operator=(StoringContours const&) = delete;
-    ~StoringContours() { mOut.points.resize(mCount); }
+    ~StoringContours() { mOut.points.resize(Count()); }
 
     double* Room(int count = kChordRoom) {
-        Reserve(static_cast<std::size_t>(count));
-        return &mPoints[mCount].v;
+        Reserve(count);
+        return &mNext->v;
     }
-    void Added(int count) { mCount += static_cast<std::size_t>(count); }
+    void Added(int count) { mNext += count; }
     void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) {
         Reserve(1);
-        mOut.points[mCount++] = p;
+        *mNext++ = p;
     }
     void Point(Pt const& relative) { Place(mOrigin + relative); }
     void Run(double const* h, double const* v, int count) {
-        Reserve(static_cast<std::size_t>(count));
-        StoreRun(mOrigin, h, v, count, &mPoints[mCount].v);
+        StoreRun(mOrigin, h, v, count, Room(count));
         Added(count);
     }
     void Begin(Pt const& p) { Place(p); }
     void End(bool closed) {
-        mOut.contours.push_back({mBegin, mCount, closed});
-        mBegin = mCount;
+        mOut.contours.push_back({mBegin, Count(), closed});
+        mBegin = Count();
     }
 
 private:
-    void Reserve(std::size_t count) {
-        if (mRoom - mCount < count) {
+    std::size_t Count() const { return static_cast<std::size_t>(mNext - mOut.points.data()); }
+    void Reserve(std::ptrdiff_t count) {
+        if (mEnd - mNext < count) {
             Grow();
         }
     }
     /// Makes room for FlatRun::kRoom points more.
     [[gnu::noinline]] void Grow() {
-        mRoom += FlatRun::kRoom;
-        mOut.points.resize(mRoom);
-        mPoints = mOut.points.data();
+        std::size_t const count = Count();
+        mOut.points.resize(mOut.points.size() + FlatRun::kRoom);
+        mNext = mOut.points.data() + count;
+        mEnd = mOut.points.data() + mOut.points.size();
     }
 
     FlatContours& mOut;
-    Pt* mPoints;
-    std::size_t mRoom;      ///< the number of points in `mOut`
-    std::size_t mCount = 0; ///< the number of points that are stored
+    Pt* mNext;              ///< behind the points that are stored
+    Pt* mEnd;               ///< behind the points in `mOut`
     std::size_t mBegin = 0; ///< the contour's first point
     Pt mOrigin;
 };
