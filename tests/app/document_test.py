@@ -108,6 +108,19 @@ class Documents(AppTest):
         self.assertEqual(self.read("rest.svg").decode(),
                          DOCUMENT.replace(line, f'<path id="l" d="M0 0 1 1"{style}></path>'))
 
+    def test_cut_keeps_an_outline_without_length_and_tells_of_it(self):
+        dot = '<path id="dot" d="M5 5z"/>'
+        file = self.write("in.svg", svg(f'{dot}<path id="l" d="M0 0H8"/>'))
+        result = self.execute("cut", file, "--from", "0.25", "--to", "0.5", "-o", self.out,
+                              "--rest", self.path("rest.svg"))
+        self.assertEqual((result.returncode, result.stderr.decode()), (0, (
+            f'trammel: warning: {file}: line 2, column 1, <path id="dot">: the outline has no length, and '
+            "stays as it is\n")))
+        self.assertIn(f'{dot}<path id="l" d="M2 0H4"/>', self.text())
+        self.assertIn(f'{dot}<path id="l" d="M0 0H2M4 0H8"/>', self.read("rest.svg").decode())
+        self.fails("cut", "--strict", file, "--from", "0", "--to", "0.5", "-o", self.path("o.svg"),
+                   names=[file, "dot", "no length"])
+
     def test_transform_moves_everything_that_is_shown(self):
         before = self.outlines(self.file)
         self.quiet("transform", self.file, "--rotate", "90", "--translate", "60,1", "-o", self.out)

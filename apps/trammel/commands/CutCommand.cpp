@@ -7,7 +7,11 @@
 #include "Error.h"
 #include "Numbers.h"
 #include "Output.h"
+#include "SvgDocument.h"
+#include "Warning.h"
 #include "WriteSupport.h"
+
+#include <trammel/AccurateCurve.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -33,6 +37,15 @@ double Fraction(std::string const& option, std::string const& text) {
     return t;
 }
 
+/// Warns of an outline that has no length, and stays therefore.
+void TellUncut(Drawing const& drawing, Outline const& outline) {
+    Warn(drawing.file,
+         drawing.document
+             ? drawing.document->Place(drawing.document->ElementAt(outline.source.element))
+             : outline.id,
+         "the outline has no length, and stays as it is");
+}
+
 void Run(Options const& options) {
     double const from = Fraction("--from", options.from);
     double const to = Fraction("--to", options.to);
@@ -44,9 +57,19 @@ void Run(Options const& options) {
     if (!KeepsDocument(drawing, options.write.output)) {
         ApplyClips(drawing);
     }
+    auto const isDot = [](Outline const& outline) {
+        return trammel::ArcLength(outline.path, 0.0) == 0.0;
+    };
+    bool const some = !std::all_of(drawing.outlines.begin(), drawing.outlines.end(), isDot);
     std::vector<Outline> cut;
     std::vector<Outline> rest;
     for (Outline const& outline : drawing.outlines) {
+        if (some && isDot(outline)) {
+            TellUncut(drawing, outline);
+            cut.push_back(outline);
+            rest.push_back(outline);
+            continue;
+        }
         LengthToDivide(drawing, outline);
         Pieces pieces = CutPath(outline.path, from, to);
         cut.push_back(outline);
@@ -63,6 +86,9 @@ void Run(Options const& options) {
             SvgEdit edit(drawing.document, DigitsOf(options.write));
             for (Outline const* const outline : OnePerElement(changed)) {
                 auto const place = static_cast<std::size_t>(outline - changed.outlines.data());
+                if (isDot(drawing.outlines[place])) {
+                    continue;
+                }
                 KeepDashes(edit, drawing.outlines[place], outline->path);
                 SetPath(edit, changed, *outline, outline->path);
             }
