@@ -21,15 +21,19 @@ namespace {
 
 /// Returns the number of pixels in one of a unit; empty for a name that is no unit on paper.
 std::optional<double> Pixels(std::string_view unit) {
-    static constexpr std::array<std::string_view, 8> units{"",   "mm", "cm", "in",
-                                                           "pt", "pc", "Q",  "px"};
-    if (std::find(units.begin(), units.end(), unit) == units.end()) {
+    if (!IsPaperUnit(unit)) {
         return std::nullopt;
     }
     return UserUnits(Length{1.0, std::string(unit)}, std::nullopt);
 }
 
 } // namespace
+
+bool IsPaperUnit(std::string_view unit) {
+    static constexpr std::array<std::string_view, 8> units{"",   "mm", "cm", "in",
+                                                           "pt", "pc", "Q",  "px"};
+    return std::find(units.begin(), units.end(), unit) != units.end();
+}
 
 CMatrix3x3 PaperFit(Drawing const& drawing, std::string const& unit) {
     std::optional<double> const one = Pixels(unit);

@@ -8,8 +8,12 @@
 #include <trammel/CMatrix3x3.h>
 
 #include <string>
+#include <string_view>
 
 namespace tool {
+
+/// True for mm, cm, in, pt, pc, Q, px and no unit at all.
+bool IsPaperUnit(std::string_view unit);
 
 /// Returns the transform that does what ToPaperUnit does. Throws Error as it does.
 CMatrix3x3 PaperFit(Drawing const& drawing, std::string const& unit);

@@ -2,6 +2,7 @@
 
 #include "SvgAttributes.h"
 
+#include "Css.h"
 #include "Numbers.h"
 
 #include <trammel/UTrigonometry.h>
@@ -12,6 +13,15 @@
 namespace tool {
 
 namespace {
+
+Length ReadLength(Scanner& scanner) {
+    Length length{scanner.Number(), ""};
+    length.unit = AsciiLower(scanner.Word());
+    if (length.unit == "q") {
+        length.unit = "Q";
+    }
+    return length;
+}
 
 /// One entry of a transform list: its name and its arguments in parentheses.
 CMatrix3x3 ParseOneTransform(Scanner& scanner) {
@@ -185,8 +195,7 @@ CMatrix3x3 ParseCssTransform(std::string_view text) {
 TPoint<double> ParseTransformOrigin(std::string_view text) {
     Scanner scanner(text);
     auto const length = [&scanner] {
-        double const number = scanner.Number();
-        double const units = UserUnits({number, std::string(scanner.Word())}, std::nullopt);
+        double const units = UserUnits(ReadLength(scanner), std::nullopt);
         scanner.SkipSpace();
         return units;
     };
@@ -202,8 +211,7 @@ TPoint<double> ParseTransformOrigin(std::string_view text) {
 Length ParseLength(std::string_view text) {
     Scanner scanner(text);
     scanner.SkipSpace();
-    Length length{scanner.Number(), ""};
-    length.unit = std::string(scanner.Word());
+    Length length = ReadLength(scanner);
     scanner.SkipSpace();
     if (!scanner.AtEnd()) {
         scanner.Fail("the end of the length");
@@ -218,9 +226,7 @@ std::vector<Length> ParseLengths(std::string_view text) {
         bool more = true;
         scanner.SkipSpace();
         while (more) {
-            Length length{scanner.Number(), ""};
-            length.unit = std::string(scanner.Word());
-            lengths.push_back(std::move(length));
+            lengths.push_back(ReadLength(scanner));
             more = scanner.SkipComma() || !scanner.AtEnd();
         }
     } catch (TextError const&) {
@@ -263,8 +269,7 @@ private:
     Value Operand(int level) {
         mScanner.SkipSpace();
         if (mScanner.NumberFollows()) {
-            Length length{mScanner.Number(), ""};
-            length.unit = std::string(mScanner.Word());
+            Length const length = ReadLength(mScanner);
             return length.unit.empty() ? Value{length.number, false} : Value{mUnits(length), true};
         }
         std::size_t const begin = mScanner.Position();
@@ -325,7 +330,7 @@ double ParseCalc(std::string_view text, std::function<double(Length const&)> con
     return Calc(text, units).Read();
 }
 
-double UserUnits(Length const& length, std::optional<double> whole) {
+double UserUnits(Length const& length, std::optional<double> whole, UnitSizes const* sizes) {
     // An inch has 96 units everywhere in SVG.
     struct Unit {
         char const* name;
@@ -345,7 +350,34 @@ double UserUnits(Length const& length, std::optional<double> whole) {
         }
         return length.number * *whole / 100.0;
     }
-    throw TextError(0, "the unit '" + length.unit + "' is none of px, pt, pc, mm, cm, in, Q and %");
+    if (sizes != nullptr) {
+        Unit const ofFonts[] = {{"em", sizes->fontSize},
+                                {"rem", sizes->rootFontSize},
+                                {"ex", sizes->fontSize / 2.0},
+                                {"ch", sizes->fontSize / 2.0}};
+        for (Unit const& unit : ofFonts) {
+            if (length.unit == unit.name) {
+                return length.number * unit.size;
+            }
+        }
+        TPoint<double> const window = sizes->window.value_or(TPoint<double>());
+        Unit const ofWindows[] = {{"vw", window.h},
+                                  {"vh", window.v},
+                                  {"vmin", std::min(window.h, window.v)},
+                                  {"vmax", std::max(window.h, window.v)}};
+        for (Unit const& unit : ofWindows) {
+            if (length.unit == unit.name && sizes->window) {
+                return length.number * unit.size / 100.0;
+            }
+            if (length.unit == unit.name) {
+                throw TextError(0, "the unit '" + length.unit +
+                                       "', but the drawing does not state its size");
+            }
+        }
+    }
+    throw TextError(0, "the unit '" + length.unit +
+                           "' is none of px, pt, pc, mm, cm, in, Q, %, em, rem, ex, ch, vw, vh, "
+                           "vmin and vmax");
 }
 
 void ParsePoints(std::string_view text, std::vector<TPoint<double>>& points) {

@@ -29,10 +29,18 @@ CMatrix3x3 ParseCssTransform(std::string_view text);
 /// Reads the property transform-origin, as far as it is two lengths.
 TPoint<double> ParseTransformOrigin(std::string_view text);
 
-/// A length and its unit, as written.
+/// A length and its unit: as written, but in small letters except for "Q".
 struct Length {
     double number;
     std::string unit;
+};
+
+/// What the units stand for that depend on a font or on the window.
+struct UnitSizes {
+    double fontSize = 16.0;
+    double rootFontSize = 16.0; ///< of the outermost element
+    /// The size of the window in pixels; empty when it is unknown.
+    std::optional<TPoint<double>> window = {};
 };
 
 /// Reads a number with an optional unit.
@@ -46,7 +54,10 @@ std::vector<Length> ParseLengths(std::string_view text);
 double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units);
 
 /// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
-double UserUnits(Length const& length, std::optional<double> whole);
+/// Units of fonts and of the window need `sizes`. No font is looked at: ex and ch are half of
+/// the font's size, as they are in browsers for a font without metrics.
+double UserUnits(Length const& length, std::optional<double> whole,
+                 UnitSizes const* sizes = nullptr);
 
 /// Appends pairs of coordinates to `points`, up to a mistake.
 void ParsePoints(std::string_view text, std::vector<TPoint<double>>& points);

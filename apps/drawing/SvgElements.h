@@ -117,7 +117,7 @@ private:
         return ArcTolerance(mArcs, {length, arcs, radius},
                             Stretch(context.transform) * mUnitStretch);
     }
-    void ReadPage(pugi::xml_node root);
+    void ReadPage(pugi::xml_node root, Context const& context);
 
     Form PathElement(pugi::xml_node element, Context const& context);
     Form Rectangle(pugi::xml_node element, Context const& context);
@@ -143,9 +143,14 @@ private:
     CMatrix3x3 TransformOf(pugi::xml_node element, ElementStyle const& style);
     std::optional<TRect<double>> ViewBoxOf(pugi::xml_node element);
     void Inherit(pugi::xml_node element, ElementStyle const& style, Context& context);
+    void InheritFontSize(ElementStyle const& style, Context& context) const;
     void InheritPen(pugi::xml_node element, ElementStyle const& style, Context& context);
     double PixelSize() const;
-    double UnitsOf(Length length, char const* attribute, Context const& context, Axis axis) const;
+    UnitSizes SizesFor(Context const& context) const {
+        return {context.fontSize, mRootFontSize, mWindow};
+    }
+    double UnitsOf(Length const& length, char const* attribute, Context const& context,
+                   Axis axis) const;
     double UnitsOf(std::string_view value, char const* attribute, Context const& context,
                    Axis axis) const;
 
@@ -179,6 +184,7 @@ private:
     std::map<std::pair<std::size_t, std::array<double, 6>>, Clips> mClips; ///< those read before
     std::vector<pugi::xml_node> mUsed; ///< the elements that the `use` elements around refer to
     double mRootFontSize = 16.0;
+    std::optional<TPoint<double>> mWindow; ///< the size of the page in pixels
     std::size_t mUsedElements = 0;
     std::size_t mUsedBytes = 0;
     Drawing mDrawing;

@@ -55,12 +55,8 @@ std::string_view SvgElements::Specified(pugi::xml_node element, char const* attr
 }
 
 /// Returns a length in user units. Throws AttributeError for one that is not known here.
-double SvgElements::UnitsOf(Length length, char const* attribute, Context const& context,
+double SvgElements::UnitsOf(Length const& length, char const* attribute, Context const& context,
                             Axis axis) const {
-    if (length.unit == "em" || length.unit == "rem") {
-        length.number *= length.unit == "em" ? context.fontSize : mRootFontSize;
-        length.unit.clear();
-    }
     std::optional<double> whole;
     if (context.whole) {
         Pt const size = *context.whole;
@@ -68,8 +64,9 @@ double SvgElements::UnitsOf(Length length, char const* attribute, Context const&
                 : axis == Axis::kVertical ? size.v
                                           : size.Length() / std::sqrt(2.0);
     }
+    UnitSizes const sizes = SizesFor(context);
     try {
-        return UserUnits(length, whole);
+        return UserUnits(length, whole, &sizes);
     } catch (TextError const& e) {
         throw AttributeError{attribute, 0, e.what()};
     }
@@ -157,19 +154,32 @@ void SvgElements::Inherit(pugi::xml_node element, ElementStyle const& style, Con
     };
     context.fill = paint(Property::kFill, context.fill, "black");
     context.stroke = paint(Property::kStroke, context.stroke, "none");
-    std::string_view const size = style[Property::kFontSize].value;
-    if (!size.empty() && !IsWide(size)) {
-        // Words such as "small" depend on the window, and no outline depends on them.
+    InheritFontSize(style, context);
+    InheritPen(element, style, context);
+}
+
+/// Takes over the size by which lengths in em are measured. No outline depends on the font.
+void SvgElements::InheritFontSize(ElementStyle const& style, Context& context) const {
+    // The sizes that browsers give to these words, in pixels.
+    static std::map<std::string_view, double> const words = {
+        {"xx-small", 9.0}, {"x-small", 10.0},  {"small", 13.0},
+        {"medium", 16.0},  {"initial", 16.0},  {"large", 18.0},
+        {"x-large", 24.0}, {"xx-large", 32.0}, {"xxx-large", 48.0}};
+    constexpr double kStep = 1.2; // of "larger" and "smaller"
+    std::string const size = AsciiLower(style[Property::kFontSize].value);
+    auto const word = words.find(size);
+    if (word != words.end()) {
+        context.fontSize = word->second;
+    } else if (size == "larger" || size == "smaller") {
+        context.fontSize *= size == "larger" ? kStep : 1.0 / kStep;
+    } else if (!size.empty() && !IsWide(size)) {
         try {
-            Length length = ParseLength(size);
-            double const unit = length.unit == "rem" ? mRootFontSize : context.fontSize;
-            context.fontSize = length.unit == "em" || length.unit == "rem"
-                                   ? length.number * unit
-                                   : UserUnits(length, context.fontSize);
-        } catch (TextError const&) {
+            UnitSizes const sizes = SizesFor(context);
+            double const units = UserUnits(ParseLength(size), context.fontSize, &sizes);
+            context.fontSize = units >= 0.0 ? units : context.fontSize;
+        } catch (TextError const&) { // as if it were not there
         }
     }
-    InheritPen(element, style, context);
 }
 
 /// Takes over how lines are drawn.

@@ -453,7 +453,7 @@ void SvgElements::Element(pugi::xml_node element, Context const& context) {
     }
 }
 
-void SvgElements::ReadPage(pugi::xml_node root) {
+void SvgElements::ReadPage(pugi::xml_node root, Context const& context) {
     Page& page = mDrawing.page;
     page.frame = ViewBoxOf(root).value_or(TRect<double>());
     std::optional<Length> sizes[2];
@@ -472,10 +472,12 @@ void SvgElements::ReadPage(pugi::xml_node root) {
     if (!sizes[0] || !sizes[1]) {
         return;
     }
-    // A size in per cent or ems depends on the window that shows the drawing, so it does not help.
+    // A size in per cent depends on the window that shows the drawing, so it does not help.
+    UnitSizes const known{context.fontSize, context.fontSize, std::nullopt};
     Pt size;
     try {
-        size = Pt(UserUnits(*sizes[0], std::nullopt), UserUnits(*sizes[1], std::nullopt));
+        size = Pt(UserUnits(*sizes[0], std::nullopt, &known),
+                  UserUnits(*sizes[1], std::nullopt, &known));
     } catch (TextError const&) {
         return;
     }
@@ -485,7 +487,8 @@ void SvgElements::ReadPage(pugi::xml_node root) {
     if (page.frame.Null()) {
         page.frame = TRect<double>(0.0, 0.0, size.h, size.v);
     }
-    bool const sameUnit = sizes[0]->unit == sizes[1]->unit;
+    mWindow = size;
+    bool const sameUnit = sizes[0]->unit == sizes[1]->unit && IsPaperUnit(sizes[0]->unit);
     page.width = sameUnit ? sizes[0]->number : size.h;
     page.height = sameUnit ? sizes[1]->number : size.v;
     page.unit = sameUnit ? sizes[0]->unit : "px";
@@ -493,13 +496,15 @@ void SvgElements::ReadPage(pugi::xml_node root) {
 
 Drawing SvgElements::Read() {
     pugi::xml_node const root = mDocument->Root();
-    ReadPage(root);
-    if (!mArcs.unit.empty()) {
-        mUnitStretch = Stretch(PaperFit(mDrawing, mArcs.unit));
-    }
     ElementStyle const style = mCascade.Of(root);
     Context context;
     context.style = &style;
+    Context sized = context;
+    InheritFontSize(style, sized);
+    ReadPage(root, sized);
+    if (!mArcs.unit.empty()) {
+        mUnitStretch = Stretch(PaperFit(mDrawing, mArcs.unit));
+    }
     if (!mDrawing.page.frame.Null()) {
         context.whole = mDrawing.page.frame.GetSize();
     }

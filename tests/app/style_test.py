@@ -91,6 +91,41 @@ class Style(AppTest):
                        [1, 0, 3, 3])
         self.assertEqual(self.shown("path{d:none}", body), "rce")
 
+    def test_units_of_fonts_count(self):
+        body = ('<g font-size="2em"><rect id="a" height="1"/><g font-size="50%">'
+                '<rect id="b" height="1"/></g></g>')
+        for width, sizes in {"1em": [20, 10], "1rem": [10, 10], "2ex": [20, 10], "3ch": [30, 15],
+                             "1EM": [20, 10], "8Q": [8 * 96 / 101.6] * 2, "calc(1ex + 1ch)": [20, 10],
+                             "8q": [8 * 96 / 101.6] * 2}.items():
+            with self.subTest(width):
+                got = self.drawn("svg{font-size:10px} rect{width:" + width + "}", body)
+                self.assertBox([got["a"][2], got["b"][2]], sizes)
+        # Without a size of its own an em has 16 px. Words are as large as in a browser.
+        for size, em in {"": 16, "medium": 16, "large": 18, "x-small": 10, "larger": 19.2,
+                         "smaller": 16 / 1.2, "initial": 16, "2ex": 16, "-3px": 16}.items():
+            with self.subTest(size):
+                got = self.drawn(f"rect{{width:1em;font-size:{size or 'inherit'}}}",
+                                 '<rect id="a" height="1"/>')
+                self.assertBox([got["a"][2]], [em])
+
+    def test_units_of_the_window_are_those_of_the_page(self):
+        body = ('<rect width="50vw" height="50vh" id="a"/><rect width="10vmin" height="10vmax" '
+                'id="b"/>')
+        for size in ('width="200" height="100"', 'width="12.5em" height="75pt"'):
+            got = self.measure(svg(body, f'viewBox="0 0 400 400" {size}'))
+            self.assertBox(got["a"]["bounds"], [0, 0, 100, 50])
+            self.assertBox(got["b"]["bounds"], [0, 0, 10, 20])
+        self.drawn("", body, ["'vw', but the drawing does not state its size",
+                              "'vmin', but the drawing does not state its size"])
+
+    def test_a_line_s_width_may_have_any_unit(self):
+        for width, wide in {"4Q": 4 * 96 / 101.6, "1EX": 8, "1mm": 96 / 25.4}.items():
+            file = self.write("in.svg", svg(f'<path id="p" d="M0 0H10" stroke="red" stroke-width='
+                                            f'"{width}"/>'))
+            self.run_text("stroke", file, "-o", self.path("out.svg"))
+            box = self.measure_file("out.svg")["p"]["bounds"]
+            self.assertBox([box[3] - box[1]], [wide], 1e-6)
+
     def test_transforms_may_be_properties(self):
         body = '<path id="p" transform="scale(9)" d="M0 0H10"/>'
         for css, box in {"translate(5px, 1in)": [5, 96, 15, 96], "rotate(90deg)": [0, 0, 0, 10],
