@@ -432,21 +432,75 @@ void SvgEdit::SetPath(std::size_t element, CPath const& path) {
     }
 }
 
+/// Returns a style with what takes back the declarations of style sheets that reach a new path in
+/// the place of an element, and the markers that it would inherit.
+std::string SvgEdit::ShieldedStyle(pugi::xml_node beside, std::string style,
+                                   std::string const& data) const {
+    static constexpr std::pair<char const*, char const*> kInitial[] = {{"clip-path", "none"},
+                                                                       {"display", "inline"},
+                                                                       {"fill-opacity", "1"},
+                                                                       {"fill-rule", "nonzero"},
+                                                                       {"filter", "none"},
+                                                                       {"mask", "none"},
+                                                                       {"opacity", "1"},
+                                                                       {"marker", "none"},
+                                                                       {"marker-start", "none"},
+                                                                       {"marker-mid", "none"},
+                                                                       {"marker-end", "none"},
+                                                                       {"paint-order", "normal"},
+                                                                       {"stroke-dasharray", "none"},
+                                                                       {"stroke-opacity", "1"},
+                                                                       {"transform", "none"},
+                                                                       {"vector-effect", "none"},
+                                                                       {"visibility", "visible"}};
+    std::map<std::string, std::string> const sheets = mCascade.SheetsAs(beside, "path");
+    style = ";" + style;
+    for (auto const& [name, value] : kInitial) {
+        std::string const begin = std::string(";") + name + ":";
+        bool const reaches =
+            sheets.count(name) != 0 || (HasMarkers() && std::string_view(name) == "marker");
+        if (reaches && style.find(begin) == std::string::npos) {
+            style += begin + value;
+        }
+    }
+    if (sheets.count("d") != 0) {
+        style += ";d:path(\"" + data + "\")";
+    }
+    std::string const important = "!important";
+    for (auto const& [name, value] : sheets) {
+        std::size_t const at = style.find(";" + name + ":");
+        if (at != std::string::npos && value.size() >= important.size() &&
+            value.compare(value.size() - important.size(), important.size(), important) == 0) {
+            style.insert(std::min(style.find(';', at + 1), style.size()), important);
+        }
+    }
+    return style.substr(1);
+}
+
 /// Returns the text of a new path, whose name has the prefix of the element beside.
-std::string SvgEdit::PathElement(pugi::xml_node beside, std::string const& id,
-                                 std::string const& attributes, CPath const& path) const {
+std::string SvgEdit::PathElement(pugi::xml_node beside, NewPath const& look,
+                                 CPath const& path) const {
     std::string const name = beside.name();
     std::size_t const colon = name.find(':');
     std::string const prefix = colon == std::string::npos ? "" : name.substr(0, colon + 1);
-    return "<" + prefix + "path id=\"" + Escaped(id) + "\"" + (attributes.empty() ? "" : " ") +
-           attributes + " d=\"" + PathText(path) + "\"/>";
+    std::string const data = PathText(path);
+    std::string text = "<" + prefix + "path id=\"" + Escaped(look.id) + "\"";
+    if (!look.className.empty()) {
+        text += " class=\"" + Escaped(look.className) + "\"";
+    }
+    return text + " style=\"" + Escaped(ShieldedStyle(beside, look.style, data)) + "\" d=\"" +
+           data + "\"/>";
 }
 
-void SvgEdit::AppendPath(std::string const& id, std::string const& attributes, CPath const& path) {
+void SvgEdit::AppendPath(NewPath const& look, CPath const& path) {
     std::string const& text = mDocument->Text();
     pugi::xml_node const root = mDocument->Root();
     std::size_t const begin = mDocument->Offset(root);
-    std::string const element = PathElement(root, id, attributes, path) + "\n";
+    pugi::xml_node last = root.last_child();
+    while (last && mDocument->LocalName(last).empty()) {
+        last = last.previous_sibling();
+    }
+    std::string const element = PathElement(last ? last : root, look, path) + "\n";
     TagSpan const tag = TagAt(text, begin);
     if (tag.empty) { // it gets a content and an end tag
         mReplacements.push_back(
@@ -457,11 +511,10 @@ void SvgEdit::AppendPath(std::string const& id, std::string const& attributes, C
     mReplacements.push_back({end, end, element});
 }
 
-void SvgEdit::InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
-                         CPath const& path) {
+void SvgEdit::InsertPath(std::size_t element, NewPath const& look, CPath const& path) {
     std::size_t const end = EndOf(mDocument->Text(), element);
     mReplacements.push_back(
-        {end, end, SpaceBefore(element) + PathElement(NodeAt(element), id, attributes, path)});
+        {end, end, SpaceBefore(element) + PathElement(NodeAt(element), look, path)});
 }
 
 /// Returns the end of line and the indentation before an element that begins a line.
@@ -509,11 +562,24 @@ std::string SvgEdit::FreeId(std::string const& id) {
     return name;
 }
 
+void SvgEdit::DropMarkers(std::size_t element) {
+    ElementStyle const style = mCascade.Of(NodeAt(element));
+    bool important = false;
+    for (Property const property :
+         {Property::kMarker, Property::kMarkerStart, Property::kMarkerMid, Property::kMarkerEnd}) {
+        important = important || style[property].important;
+    }
+    AddStyle(element, "marker", important ? "none !important" : "none");
+}
+
 void SvgEdit::InsertCopy(std::size_t element, Side side, std::string const& id,
                          std::optional<CPath> const& path, std::vector<Setting> const& settings) {
     Tag const kept = mTags[element];
     if (path) {
         SetPath(element, *path);
+        if (HasMarkers()) {
+            DropMarkers(element);
+        }
     }
     for (Setting const& setting : settings) {
         SetProperty(element, setting.property, setting.value);

@@ -38,12 +38,6 @@ public:
     /// Returns the value of a property's winning declaration before any change; empty without one.
     std::string DeclaredValue(std::size_t element, Property property);
 
-    /// Returns all declarations of style sheets that hold for paths in the place of the element, as
-    /// Cascade::SheetsAs does.
-    std::map<std::string, std::string> SheetsForPaths(std::size_t element) const {
-        return mCascade.SheetsAs(NodeAt(element), "path");
-    }
-
     /// Sets an attribute that is no property.
     void SetAttribute(std::size_t element, std::string const& name, std::string const& value);
 
@@ -65,10 +59,15 @@ public:
     /// keeps all attributes that do not describe its form, and the style that it had by its type.
     void SetPath(std::size_t element, CPath const& path);
 
-    /// Inserts a new path after the element, in the coordinates around it.
-    /// \param attributes  text from "name=" on; may be empty
-    void InsertPath(std::size_t element, std::string const& id, std::string const& attributes,
-                    CPath const& path);
+    /// What a new path is called, and how it looks.
+    struct NewPath {
+        std::string id;
+        std::string className; ///< empty: none
+        std::string style;     ///< declarations for its style attribute
+    };
+    /// Inserts a new path after the element, in the coordinates around it. Its style takes back
+    /// what style sheets say about such a path, and the markers that it would inherit.
+    void InsertPath(std::size_t element, NewPath const& look, CPath const& path);
 
     enum class Side { kBefore, kAfter };
     /// A property of a copy.
@@ -77,10 +76,9 @@ public:
         std::string value;
     };
     /// Inserts a copy of the element beside it, with the changes that it has by now and its style,
-    /// but without its content. If the element has an id, the copy gets a free one.
-    /// \param id  what the new id begins with
-    /// \param path  what SetPath makes of the copy; if it is empty, the copy keeps the element's
-    /// outline
+    /// but without its content. If the element has an id, the copy gets a free one. One with
+    /// another outline has no markers. \param id  what the new id begins with \param path  what
+    /// SetPath makes of the copy; if it is empty, the copy keeps the element's outline
     void InsertCopy(std::size_t element, Side side, std::string const& id,
                     std::optional<CPath> const& path, std::vector<Setting> const& settings = {});
 
@@ -89,8 +87,8 @@ public:
     std::string FreeId(std::string const& id);
 
     /// Adds a new path as the last one of the document, in the coordinates of the outermost
-    /// element. \param attributes  as of InsertPath
-    void AppendPath(std::string const& id, std::string const& attributes, CPath const& path);
+    /// element, with a style as of InsertPath.
+    void AppendPath(NewPath const& look, CPath const& path);
 
     /// Applies a transform to all that the document shows.
     /// \param m  in the drawing's coordinates
@@ -119,11 +117,14 @@ private:
     void AddStyle(std::size_t element, std::string const& property, std::string const& value);
     void KeepStyleOfType(std::size_t element, std::string const& type);
     void KeepStyleOfId(std::size_t element);
+    void DropMarkers(std::size_t element);
     std::string SpaceBefore(std::size_t element) const;
     std::string TagText(std::size_t element, Tag const& tag) const;
     std::string PathText(CPath const& path) const;
-    std::string PathElement(pugi::xml_node beside, std::string const& id,
-                            std::string const& attributes, CPath const& path) const;
+    bool HasMarkers() const { return mDocument->Text().find("marker") != std::string::npos; }
+    std::string ShieldedStyle(pugi::xml_node beside, std::string style,
+                              std::string const& data) const;
+    std::string PathElement(pugi::xml_node beside, NewPath const& look, CPath const& path) const;
     void WriteTag(std::size_t element, Tag const& tag, std::vector<Replacement>& out) const;
 
     std::shared_ptr<SvgDocument const> mDocument;

@@ -17,11 +17,11 @@ class Outlines(AppTest):
         super().setUp()
         self.out = self.path("out.svg")
 
-    def areas(self, name="out.svg"):
+    def areas(self, *options, name="out.svg"):
         """The areas of the outlines of a drawing, by id and the rule."""
         found = {}
         for rule in ("nonzero", "evenodd"):
-            data = self.run_json("area", self.path(name), "--rule", rule)
+            data = self.run_json("area", self.path(name), "--rule", rule, *options)
             for outline in data["outlines"]:
                 found.setdefault(outline["id"], []).append(outline["area"])
         return found
@@ -235,6 +235,33 @@ class Outlines(AppTest):
             self.assertIn(kept, part)
         self.assertIn('d="M5 0', part)
         self.assertIn("h5", part)
+
+    def test_divided_copies_get_neither_a_form_nor_markers_from_sheets(self):
+        over = '<rect id="over" x="4" y="-1" width="2" height="12"/>'
+        form = 'path("M0 0H10V10H0Z")'
+        for sheet in (f"path{{d:{form};marker-end:url(#m)}}", f"#q{{d:{form}!important;marker:url(#m)!important}}"
+                      f"path{{d:{form}!important;marker:url(#m)!important}}", f".k{{d:{form};marker:url(#m)}}"):
+            for body in ('<path id="q" class="k" d="M0 0H10V10H0Z"/>',
+                         '<defs><path id="q" class="k" d="M0 0H10V10H0Z"/></defs><use id="v" class="k" href="#q"/>'):
+                with self.subTest((sheet, body)):
+                    self.execute("divide", self.write("in.svg", svg(f"<style>{sheet}</style>{body}{over}")),
+                                 "-o", self.out)
+                    areas = [a[0] for name, a in self.areas("-q").items() if "over" not in name]
+                    self.assertEqual([round(a, 6) for a in areas], [40, 40])
+                    copy = re.search('<path id="(q-2|v-q-2)"[^>]*>', self.read("out.svg").decode()).group()
+                    self.assertRegex(copy, "marker:none ?!important" if "!" in sheet else "marker:none")
+
+    def test_new_paths_get_nothing_from_sheets_for_paths(self):
+        sheet = "<style>path{d:path('M0 0H90');display:none;marker-mid:url(#m)} svg > path{opacity:0!important}</style>"
+        file = self.write("in.svg", svg(sheet + '<rect id="r" width="8" height="8"/>'))
+        for arguments in (["hatch", file, "--angle", "0", "--spacing", "3"],
+                          ["shape", "rect", "1,1,4,2", "--into", file]):
+            self.run_text(*arguments, "-o", self.out)
+            path = re.search("<path [^>]*>", self.read("out.svg").decode()).group()
+            for shield in ("display:inline", "marker:none", "opacity:1!important", "d:path(&quot;M"):
+                self.assertIn(shield, path)
+            data = self.run_json("measure", "-q", self.out)
+            self.assertEqual([o["bounds"][2] <= 8 for o in data["files"][0]["outlines"]], [True, True])
 
     def test_divided_copies_keep_the_look_of_sheets_gradients_and_dashes(self):
         body = ('<style>.half{opacity:50%} #v{opacity:.5}</style>' + self.GRADIENTS +

@@ -6,7 +6,6 @@
 #include "Commands.h"
 #include "Error.h"
 #include "Input.h"
-#include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
@@ -141,9 +140,8 @@ std::string Merged(Options const& options, Drawing const& drawing,
         }
     } else if (!result.mCtls.empty()) {
         Outline const& first = drawing.outlines.front();
-        edit.InsertPath(first.source.placed, options.operation,
-                        "style=\"" + Escaped("fill:" + first.fill + ";stroke:" + first.stroke) +
-                            "\"",
+        edit.InsertPath(first.source.placed,
+                        {options.operation, "", "fill:" + first.fill + ";stroke:" + first.stroke},
                         Moved(result, Undone(first.source.beside, drawing, first)));
     }
     return edit.Text();

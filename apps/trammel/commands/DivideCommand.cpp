@@ -6,7 +6,6 @@
 #include "Css.h"
 #include "Divide.h"
 #include "Error.h"
-#include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
@@ -250,9 +249,9 @@ private:
         }
         return text;
     }
-    /// Returns the class of the `use` that showed the outline, as an attribute. Warns of what the
-    /// `use` has that paths beside it do not get.
-    std::string AttributesOfUse(SvgEdit& edit, Outline const& outline) const {
+    /// Returns the class of the `use` that showed the outline. Warns of what the `use` has that
+    /// paths beside it do not get.
+    std::string ClassOfUse(SvgEdit& edit, Outline const& outline) const {
         pugi::xml_node const use = mDrawing.document->ElementAt(outline.source.placed);
         for (Property const property : {Property::kFilter, Property::kMask}) {
             std::string const value = edit.DeclaredValue(outline.source.placed, property);
@@ -261,38 +260,7 @@ private:
                      std::string("its ") + NameOf(property) + " is left out, as it is divided");
             }
         }
-        return use.attribute("class") ? "class=\"" + Escaped(use.attribute("class").value()) + "\" "
-                                      : "";
-    }
-
-    /// Appends what takes back declarations of style sheets that were not for the `use`, but reach
-    /// paths in its place, or that its transform, opacity or filter have told already.
-    static void TakeBackSheets(std::map<std::string, std::string> const& sheets,
-                               std::string& style) {
-        static constexpr std::pair<char const*, char const*> kInitial[] = {
-            {"clip-path", "none"},    {"display", "inline"},
-            {"fill-opacity", "1"},    {"fill-rule", "nonzero"},
-            {"filter", "none"},       {"mask", "none"},
-            {"opacity", "1"},         {"paint-order", "normal"},
-            {"stroke-opacity", "1"},  {"stroke-dasharray", "none"},
-            {"transform", "none"},    {"vector-effect", "none"},
-            {"visibility", "visible"}};
-        style = ";" + style;
-        for (auto const& [name, value] : kInitial) {
-            std::string const begin = std::string(";") + name + ":";
-            if (sheets.count(name) != 0 && style.find(begin) == std::string::npos) {
-                style += begin + value;
-            }
-        }
-        std::string const important = "!important";
-        for (auto const& [name, value] : sheets) {
-            std::size_t const at = style.find(";" + name + ":");
-            if (at != std::string::npos && value.size() >= important.size() &&
-                value.compare(value.size() - important.size(), important.size(), important) == 0) {
-                style.insert(std::min(style.find(';', at + 1), style.size()), important);
-            }
-        }
-        style.erase(0, 1);
+        return use.attribute("class").value();
     }
 
     /// The parts become paths beside the `use` that showed the outline.
@@ -315,14 +283,12 @@ private:
         if (outline.stroke != "none" && outline.pen) {
             style += PenStyle(i, toNew);
         }
-        TakeBackSheets(edit.SheetsForPaths(outline.source.placed), style);
-        std::string const attributes =
-            AttributesOfUse(edit, outline) + "style=\"" + Escaped(style) + "\"";
+        std::string const name = ClassOfUse(edit, outline);
         std::string id = outline.id;
         std::replace(id.begin(), id.end(), '/', '-');
         std::replace(id.begin(), id.end(), '#', '-');
         for (CPath const& part : PartsOf(i)) {
-            edit.InsertPath(outline.source.placed, edit.FreeId(id), attributes,
+            edit.InsertPath(outline.source.placed, {edit.FreeId(id), name, style},
                             Moved(part, beside));
         }
     }

@@ -5,7 +5,6 @@
 #include "Commands.h"
 #include "Error.h"
 #include "Hatch.h"
-#include "Markup.h"
 #include "Numbers.h"
 #include "Output.h"
 #include "Progress.h"
@@ -46,12 +45,11 @@ std::string Hatched(Options const& options, Drawing const& drawing,
         if (outline.path.mCtls.empty()) {
             continue;
         }
-        // The style attribute is stronger than rules for all paths.
         std::string const style =
             "fill:none;stroke:" + PaintOf(outline, options.outlines) +
             ";stroke-width:" + Exact(width / std::sqrt(std::abs(source.beside.Determinant()))) +
             ";stroke-linecap:round;stroke-dasharray:none";
-        edit.InsertPath(source.placed, outline.id, "style=\"" + Escaped(style) + "\"",
+        edit.InsertPath(source.placed, {outline.id, "", style},
                         Moved(outline.path, Undone(source.beside, drawing, outline)));
     }
     if (!options.outlines) {

@@ -96,10 +96,10 @@ std::string Added(Options const& options, Outline const& shape) {
     double const scale = std::sqrt(std::abs(root.Determinant()));
     Page const page = LinePicture(drawing.page, {shape}).page;
     SvgEdit edit(drawing.document, DigitsOf(options.write));
-    edit.AppendPath(shape.id,
-                    "style=\"fill:none;stroke:#000000;stroke-width:" +
-                        Exact(LineWidth(options.write, page) / scale) + "\"",
-                    Moved(shape.path, inverse));
+    edit.AppendPath(
+        {shape.id, "",
+         "fill:none;stroke:#000000;stroke-width:" + Exact(LineWidth(options.write, page) / scale)},
+        Moved(shape.path, inverse));
     return SvgBytes(edit.Text(), options.write.output);
 }
 

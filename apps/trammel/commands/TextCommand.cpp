@@ -4,7 +4,6 @@
 #include "Commands.h"
 #include "Error.h"
 #include "FontReader.h"
-#include "Markup.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
@@ -49,9 +48,8 @@ std::string Lettered(Options const& options, Drawing const& drawing,
     std::string const paint = along.stroke == "none" ? "black" : along.stroke;
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     for (Outline const& glyph : glyphs) {
-        edit.InsertPath(along.source.placed, glyph.id,
-                        "style=\"" + Escaped("fill:" + paint + ";fill-rule:nonzero;stroke:none") +
-                            "\"",
+        edit.InsertPath(along.source.placed,
+                        {glyph.id, "", "fill:" + paint + ";fill-rule:nonzero;stroke:none"},
                         Moved(glyph.path, back));
     }
     return edit.Text();
