@@ -153,6 +153,16 @@ struct BendOfPart {
         return ab >= 0.0 && ad >= 0.0 && bd >= 0.0 && ab * ab >= 0.6 * a * b &&
                ad * ad >= 0.6 * a * d && bd * bd >= 0.6 * b * d;
     }
+    /// True where the normals of the part turn a point at `radius` by no more than a length.
+    bool SweepsLittle(double radius, double length) const {
+        double const share = length / radius;
+        auto const isNarrow = [share](Pt const& a, Pt const& b) {
+            double const turn = Cross(a, b);
+            return turn * turn <= share * share * Square(a) * Square(b);
+        };
+        return isNarrow(speed[0], speed[1]) && isNarrow(speed[1], speed[2]) &&
+               isNarrow(speed[0], speed[2]);
+    }
     /// Returns the fold of the part, see CurveStretch, or kUnseenFold where that is not plain. What
     /// folds by less than `slack`, a part of the radius, does not fold.
     int FoldBeside(double radius, double slack) const {
@@ -289,7 +299,7 @@ struct BendLeaf {
     double to;
     int fold;     ///< as in CurveStretch, of the middle where it could not be decided
     bool isSeen;  ///< false where the fold could not be decided
-    bool turns;   ///< the direction changes much although the part is short
+    bool turns;   ///< short, but the pen's ends go farther than that, to and fro perhaps
     bool isShort; ///< not much longer than the tiny ones
     Pt along;     ///< the derivative in the middle, times a positive number
 };
@@ -309,12 +319,14 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
         bool const isLong = part.Length() > tiny;
         bool const isShort = part.Length() <= 4.0 * tiny;
         bool const turnsLittle = part.TurnsLittle();
+        // With a wrong fold, an end of the pen would be off by its way along the whole part.
+        bool const isTiny = !isLong && turnsLittle && part.SweepsLittle(radius, tiny);
         bool const isLast = part.depth == kDeepestBend || leaves.size() >= kMostLeaves;
         if (fold == 0 || (fold != kUnseenFold && turnsLittle)) {
             leaves.push_back({part.from, part.to, fold, true, false, isShort, part.Along()});
-        } else if (!isLong || isLast) {
+        } else if (isTiny || (!isLong && !turnsLittle) || isLast) {
             leaves.push_back({part.from, part.to, part.FoldInMiddle(radius), false,
-                              !isLong && !turnsLittle, isShort, part.Along()});
+                              !isLong && !isTiny, isShort, part.Along()});
         } else {
             BendOfPart left;
             BendOfPart right;
@@ -328,7 +340,7 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
 
 } // namespace
 
-void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRound,
+void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
                       std::vector<CurveStretch>& out) {
     BendOfPart const whole(curve);
     double const slack = std::min(tiny / radius, kMostSlack);
@@ -365,21 +377,21 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRou
             ++i;
             continue;
         }
-        // A short part of unknown kind belongs to a neighbour. Many may be long together, so each
-        // is what its middle is then. Where the curve turns round, the pen does so on a line.
+        // A part of unknown kind on which the pen hardly moves belongs to a neighbour. Many may be
+        // long together, so each is what its middle is then. Where the pen turns, it does so on a
+        // line.
         std::size_t const first = i;
-        bool turns = false;
-        for (; i < leaves.size() && !leaves[i].isSeen; ++i) {
-            turns = turns || leaves[i].turns;
+        while (i < leaves.size() && !leaves[i].isSeen) {
+            ++i;
         }
         for (std::size_t k = first; k < i; ++k) {
             BendLeaf const& leaf = leaves[k];
-            if (isRound ? leaf.turns : turns) {
+            if (leaf.turns) {
                 if (from < leaf.from) {
                     append({from, leaf.from, 0, false});
                 }
                 append({leaf.from, leaf.to, 0, true});
-            } else if (isRound && i - first > 1) {
+            } else if (i - first > 1) {
                 append({from, leaf.to, leaf.fold, false});
             } else if (out.size() > begin && !out.back().tiny) {
                 out.back().to = leaf.to;

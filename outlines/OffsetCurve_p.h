@@ -41,11 +41,7 @@ TPoint<double> DirectionOf(Cubic const& c, double t);
 /// Appends the stretches of a curve in order.
 /// \param radius of the pen, above 0.
 /// \param tiny the length below which a part at a cusp is not divided.
-/// \param isRound whether all joins and caps are round. Then many parts whose fold no bound tells
-///                are each what their middles are. With others, patches would count a wrong fold
-///                against what the pen paints, so a neighbour decides for all of them.
-void SplitAtCurvature(Cubic const& c, double radius, double tiny, bool isRound,
-                      std::vector<CurveStretch>& out);
+void SplitAtCurvature(Cubic const& c, double radius, double tiny, std::vector<CurveStretch>& out);
 
 /// A part of a curve, with its derivative and the directions at its ends.
 struct DirectedCubic {
