@@ -24,6 +24,8 @@ constexpr int kParameterBits = 52;
 constexpr int kDeepestTurn = 60;
 /// At two inflections and a cusp it is halved so often.
 constexpr int kMostTurnParts = 8 * kDeepestTurn;
+/// A turn differs from half a turn by a sine of so much at most where rounding tells which way.
+constexpr double kRunsBack = 0x1p-10;
 
 // Shares of the tolerance.
 
@@ -269,12 +271,14 @@ void StrokeContours::EndClosed() {
     AddPatches();
 }
 
-void StrokeContours::EndSide() {
+void StrokeContours::EndSide(double blur) {
     if (mPieces.empty()) {
         return;
     }
     SmoothCorners(true);
+    mBlur = blur;
     Side(true);
+    mBlur = 0.0;
     mOut.Close();
     // How far a tiny part turns is not known, and on one side alone it matters.
     for (Piece const& piece : mPieces) {
@@ -477,6 +481,15 @@ void StrokeContours::AddTurns() {
     }
 }
 
+// At the end of a spike that is thinner than the blur, rounding tells the turn. With one side alone
+// nobody else would paint around that end.
+bool StrokeContours::RunsBack(Piece const& before, Piece const& behind) const {
+    double const least =
+        std::min(Distance(before.start, before.end), Distance(behind.start, behind.end));
+    double const turn = std::abs(Cross(before.to, behind.from));
+    return turn <= kRunsBack && turn * least <= mBlur && Dot(before.to, behind.from) < 0.0;
+}
+
 void StrokeContours::AddCorner(Piece const& before, Piece const& behind) {
     Pt const p = behind.start;
     Pt const from = Beside(before.end, before.to);
@@ -487,7 +500,8 @@ void StrokeContours::AddCorner(Piece const& before, Piece const& behind) {
         mOut.LineTo(to);
         return;
     }
-    if (turn > 0.0 || (turn == 0.0 && along < 0.0 && !mIsReversed)) {
+    if (turn > 0.0 || (turn == 0.0 && along < 0.0 && !mIsReversed) ||
+        (mBlur > 0.0 && RunsBack(before, behind))) {
         mOut.LineTo(from);
         AddJoin(p, before.to, behind.from, before.turnsAfter);
         mOut.LineTo(to);

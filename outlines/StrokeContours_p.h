@@ -99,7 +99,9 @@ public:
     /// Ends the subpath, whose end is its start, with a join there.
     void EndClosed();
     /// Ends the closed subpath, and keeps only the contour on the side against its normals.
-    void EndSide();
+    /// \param blur how far the subpath may cross itself. Where it runs back along itself as near as
+    ///             that, the pen turns round.
+    void EndSide(double blur);
 
 private:
     struct Piece {
@@ -139,6 +141,7 @@ private:
     void AddTurns();
     void AddPatches();
     bool FoldsAtStart(Piece const& piece) const;
+    bool RunsBack(Piece const& before, Piece const& behind) const;
     DirectedCubic PartOfPiece(Piece const& piece, double from, double to) const;
     TPoint<double> Beside(TPoint<double> const& p, TPoint<double> const& direction) const {
         return p - NormalOf(direction) * mPen.radius;
@@ -150,6 +153,7 @@ private:
     std::vector<CurveStretch> mStretches;
     std::vector<Turn> mTurns; ///< both halves of the pen paint while it turns
     bool mIsReversed = false;
+    double mBlur = 0.0; ///< above 0 where one side only is kept
     std::vector<TPoint<double>> const* mShared = nullptr;
     std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece
     std::vector<TPoint<double>> mCentres;

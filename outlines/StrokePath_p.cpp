@@ -323,7 +323,7 @@ double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin
         }
         AddSegments(Segments(one), scale, sides);
         // A contour of which nothing is known encloses nothing that could be seen.
-        side == RegionSide::kUnknown ? sides.EndClosed() : sides.EndSide();
+        side == RegionSide::kUnknown ? sides.EndClosed() : sides.EndSide(blur * scale);
     }
     return kept;
 }

@@ -691,6 +691,51 @@ TEST(Offset, GrowsContoursThatTouchAndAreHardlyWiderThanARounding) {
     }
 }
 
+TEST(Offset, GoesAroundTheEndsOfSpikesThatAreAsThinAsARounding) {
+    // The end of a spike that the region has along a line, up to the last digits.
+    CPath const region = Path("M0 51.174095 51.174095 0 7.3105850000000006 58.484680000000004 "
+                              "29.242340000000002 29.242340000000002Z");
+    CPath out;
+    Offset(region, FillRule::kNonZero, 0.731059, StrokeJoin::kRound, 4.0, 1e-3, out);
+    EXPECT_EQ(WindingNumber(out, Pt(6.88, 59.06)), 1); // 0.717 from the end
+    EXPECT_EQ(WindingNumber(out, Pt(6.86, 59.09)), 0); // 0.754 from it
+
+    // Regions with spikes: there and back along a line, and more or less far back.
+    Dice dice(12);
+    int judged = 0;
+    for (int i = 0; i < 400; ++i) {
+        double const distance = dice.Decade(-2.0, 0.0) * (dice.Below(3) == 0 ? -1.0 : 1.0);
+        CPath spiky;
+        for (int k = 0; k < 3; ++k) {
+            Pt const from = dice.Point();
+            Pt const to = dice.Point();
+            k == 0 ? spiky.MoveTo(from) : spiky.LineTo(from);
+            if (dice.Coin()) {
+                spiky.LineTo(to);
+                spiky.LineTo(dice.Coin() ? from : from + (to - from) * dice.Between(-0.5, 0.9));
+            }
+        }
+        spiky.ClosePath();
+        CPath plain;
+        double const off = RemoveOverlap(spiky, FillRule::kEvenOdd, 0.0, plain);
+        double const kept =
+            Offset(spiky, FillRule::kEvenOdd, distance, StrokeJoin::kRound, 4.0, 1e-4, out);
+        OutlineMeasure const border(plain);
+        for (Pt const& end : plain.mPts) {
+            Pt const p = end + dice.Point() * (1.1 * std::abs(distance));
+            double const away = border.Distance(p);
+            double const height = trammel::Contains(plain, p, FillRule::kNonZero) ? -away : away;
+            if (std::abs(height - distance) > kept + off && away > 10.0 * off) {
+                ++judged;
+                ASSERT_EQ(WindingNumber(out, p), height < distance ? 1 : 0)
+                    << "region " << i << ": " << trammel::WriteSvgPath(spiky) << " at " << p.h
+                    << ' ' << p.v << ", distance " << distance;
+            }
+        }
+    }
+    EXPECT_GT(judged, 1000);
+}
+
 TEST(Offset, KeepsTheDistanceBetweenCornersThatAreNoneAtTheTolerance) {
     // Both ends of a nearly straight piece turn the same way there.
     CPath out;
