@@ -237,20 +237,26 @@ int SignOf(double x) { return static_cast<int>(x > 0.0) - static_cast<int>(x < 0
 
 CurveMeetGroup::CurveMeetGroup(CurveEvent const& e)
     : meet{e.s0, e.s1, e.t0, e.t1, e.s, e.t, 0, 0, false}, before(e.before), after(e.after),
-      lowT(std::min(e.t0, e.t1)), highT(std::max(e.t0, e.t1)), crossings(e.crossing ? 1 : 0),
-      nearest(e.nearest ? 1 : 0), events(1) {}
+      beforeAt(e.s), afterAt(e.s), lowT(std::min(e.t0, e.t1)), highT(std::max(e.t0, e.t1)),
+      crossings(e.crossing ? 1 : 0), nearest(e.nearest ? 1 : 0), events(1) {}
 
 void CurveMeetGroup::Include(CurveMeetGroup const& g, Cubic const& a, double accuracy) {
     // The sides count where the group begins and where it ends.
     double const limit = kTogether * accuracy;
-    if (std::abs(g.before) > std::abs(before) && IsShort(a, meet.s0, g.meet.s0, limit)) {
+    // Of two certain ones the outer one counts: a crossing on either side of a cusp's tip.
+    double const moreBefore = std::abs(g.before) - std::abs(before);
+    if ((moreBefore > 0.0 || (moreBefore == 0.0 && g.beforeAt < beforeAt)) &&
+        IsShort(a, meet.s0, g.meet.s0, limit)) {
         before = g.before;
+        beforeAt = g.beforeAt;
     }
     bool const later = g.meet.s1 > meet.s1;
     bool const atEnd =
         IsShort(a, std::min(meet.s1, g.meet.s1), std::max(meet.s1, g.meet.s1), limit);
-    if (atEnd ? std::abs(g.after) > std::abs(after) : later) {
+    double const moreAfter = std::abs(g.after) - std::abs(after);
+    if (atEnd ? moreAfter > 0.0 || (moreAfter == 0.0 && g.afterAt > afterAt) : later) {
         after = g.after;
+        afterAt = g.afterAt;
     }
     if (later) {
         meet.s1 = g.meet.s1;

@@ -36,6 +36,8 @@ struct CurveMeetGroup {
     CurveMeet meet;
     double before; ///< as of an event, the most certain one
     double after;
+    double beforeAt; ///< on A: the place of the event that tells `before`
+    double afterAt;
     double lowT;
     double highT;
     int crossings;

@@ -488,14 +488,12 @@ private:
         std::vector<Group*> woven;
         for (Group& g : groups) {
             g.passing = PassingOf(g);
-            auto const isOverlap = [&](std::size_t i) { return mMeets[i].meet.overlap; };
-            if (!mOwn && g.passing != Passing::kEnd &&
-                std::count_if(g.first, g.end, isOverlap) > 1) {
+            if (!mOwn && g.passing != Passing::kEnd && !IsClear(g)) {
                 woven.push_back(&g);
             }
         }
-        // Where there are several overlaps the outlines may run to and fro, and the places that lie
-        // between the ends are counted along. So the small groups come first.
+        // The outlines may run to and fro in a place, or around its corners through others. Places
+        // that lie between the ends are counted along. So the small groups come first.
         std::stable_sort(woven.begin(), woven.end(), [](Group const* g, Group const* h) {
             return g->end - g->first < h->end - h->first;
         });
@@ -568,10 +566,15 @@ private:
         }
         return odd;
     }
+    /// True for a single meet that tells sides and reaches no joint.
+    bool IsClear(Group const& g) const {
+        PairMeet const& m = mMeets[*g.first];
+        return g.end - g.first == 1 && !m.startA && !m.endA && !m.startB && !m.endB &&
+               m.meet.before != 0 && m.meet.after != 0;
+    }
     Passing PassingOf(Group const& g) const {
         PairMeet const& m = mMeets[*g.first];
-        if (g.end - g.first == 1 && !m.startA && !m.endA && !m.startB && !m.endB &&
-            m.meet.before != 0 && m.meet.after != 0) {
+        if (IsClear(g)) {
             return m.meet.before != m.meet.after ? Passing::kCross : Passing::kTouch;
         }
         if (mOwn &&

@@ -72,6 +72,9 @@ int Crossings(Places const& places) {
 std::string Text(std::string const& a, std::string const& b) {
     return Text(Intersections(Path(a), Path(b), kFine));
 }
+std::string CoarseText(std::string const& a, std::string const& b, double accuracy) {
+    return Text(Intersections(Path(a), Path(b), accuracy));
+}
 std::string OwnText(std::string const& path) { return Text(SelfIntersections(Path(path), kFine)); }
 
 std::string const kSquare = "M0 0 H4 V4 H0 Z";
@@ -402,9 +405,37 @@ TEST(IntersectionsOfPaths, OfClosedOnesCrossAnEvenNumberOfTimes) {
         Places const found = Intersections(a, b, kFine);
         places += static_cast<int>(found.size());
         wrong += Crossings(found) % 2;
+        wrong += Crossings(Intersections(a, b, 2e-3)) % 2;
     }
     EXPECT_GT(places, 10000);
     EXPECT_EQ(wrong, 0);
+}
+
+TEST(IntersectionsOfPaths, BesideOtherPlacesTellWhetherTheOutlinesCross) {
+    // Once the circle on which branches were compared held other places: the corner at (1, 1), and
+    // the near place at (6.85, 3.80), were told as crossings. Fine accuracies find no such thing.
+    EXPECT_EQ(CoarseText("M7 0 Q1 6 1 1 C1 2 5 6 8 0 Z", "M7 0 Q1 7 2 8 L1 1 C1 8 7 1 5 0 Z", 8e-4),
+              "X+ 1:0 1:0; X+ 1:0.1675 3:0.7333; X+ 1:0.8113 2:0.7864; C 1:1 3:0; "
+              "X+ 2:0.0405 2:0.9807; X+ 2:0.5794 3:0.5416; X+ 2:0.6132 1:0.2593");
+    EXPECT_EQ(
+        CoarseText("M7 4 Q4 0 8 3 Q6 3 4 4 Z", "M4 0 L1 2 L0 8 C1 2 7 0 8 7 C5 0 2 1 8 3 Z", 8e-4),
+        "C 1:0.025 3:0.7967; X+ 1:0.3205 4:0.8422; X+ 1:1 5:0; X+ 2:0.4309 3:0.7281; "
+        "X+ 2:0.5069 4:0.2389; X+ 3:0.8198 4:0.1767; X+ 3:0.9967 3:0.8144");
+}
+
+TEST(IntersectionsOfPaths, ThroughTheTipOfACuspTellSides) {
+    // Once two crossings beside the tip were told as one: the side before both and between them.
+    EXPECT_EQ(CoarseText("M1 4 C6 5 7 2 0 7", "M5 4 C5 6 6 2 2 4", 8e-8),
+              "E 1:0.5 1:0; C 1:0.5 1:0.5");
+}
+
+TEST(IntersectionsOfPaths, OfATangentGoOnNoFartherThanTheCurveIsNear) {
+    // Once the place went on along the tangent, to the end of the line.
+    EXPECT_EQ(CoarseText("M4 7 L3 7",
+                         "M0 6 C2 7.333333333333333 4.333333333333333 "
+                         "7.333333333333333 7 6",
+                         8e-8),
+              "C 1:0.75 1:0.5");
 }
 
 TEST(IntersectionsOfPaths, ThatRunToAndFroAlongEachOtherCrossAnEvenNumberOfTimes) {
