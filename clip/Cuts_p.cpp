@@ -57,42 +57,51 @@ public:
                    Scratch* scratch)
         : mTree(tree), mSorted(sorted), mClearances(clearances), mParts(scratch) {}
 
-    /// True when no part of a cut edge may meet others. `before` and `after` are the edges that the
-    /// edge follows and that follow it.
-    bool IsClear(std::size_t edge, std::size_t before, std::size_t after) const {
-        if (mSorted.HasNearMiss(edge)) {
+    /// Chooses a cut edge for the calls below. `before` and `after` are the edges that it follows
+    /// and that follow it.
+    void Choose(std::size_t edge, std::size_t before, std::size_t after) {
+        GridEdge const e = mTree.At(edge);
+        // The last edge has mostly told what its end needs.
+        mClearance = before == mEdge ? mEndClearance : mClearances.ForCorner(mTree.At(before), e);
+        mEndClearance = mClearances.ForCorner(e, mTree.At(after));
+        mLacks = IsShort(before, mClearance);
+        mEndLacks = IsShort(after, mEndClearance);
+        mEdge = edge;
+    }
+
+    /// True when no part of the edge may meet others.
+    bool IsClear() const {
+        if (mLacks || mEndLacks || mSorted.HasNearMiss(mEdge)) {
             return false;
         }
-        GridEdge const e = mTree.At(edge);
+        GridEdge const e = mTree.At(mEdge);
         MajorAxis const axis(e);
-        std::int64_t clearance = mClearances.ForCorner(mTree.At(before), e);
-        std::int64_t const endClearance = mClearances.ForCorner(e, mTree.At(after));
-        bool clear = !IsShort(before, clearance) && !IsShort(after, endClearance);
+        bool clear = true;
+        std::int64_t clearance = mClearance;
         std::int64_t at = axis.Along(e.a);
-        for (std::size_t i = mSorted.Begin(edge); i < mSorted.End(edge); ++i) {
+        for (std::size_t i = mSorted.Begin(mEdge); i < mSorted.End(mEdge); ++i) {
             Cut const& cut = mSorted.At(i);
             clear &= cut.along - at >= std::max(clearance, cut.clearance);
             at = cut.along;
             clearance = cut.clearance;
         }
-        return clear && axis.Along(e.b) - at >= std::max(clearance, endClearance);
+        return clear && axis.Along(e.b) - at >= std::max(clearance, mEndClearance);
     }
 
-    /// Returns an element for each part of a cut edge until the next call: 1 if it may meet others.
+    /// Returns an element for each part of the edge until the next call: 1 if it may meet others.
     /// Cuts that lack their clearance get kShared.
-    char const* Of(std::size_t edge, std::size_t before, std::size_t after) {
-        GridEdge const e = mTree.At(edge);
+    char const* Marks() {
+        GridEdge const e = mTree.At(mEdge);
         MajorAxis const axis(e);
-        Cut* const firstCut = &mSorted.At(0) + mSorted.Begin(edge);
-        Cut* const endCut = &mSorted.At(0) + mSorted.End(edge);
-        mParts.resize(std::max(mParts.size(), mSorted.End(edge) - mSorted.Begin(edge) + 1));
+        Cut* const firstCut = &mSorted.At(0) + mSorted.Begin(mEdge);
+        Cut* const endCut = &mSorted.At(0) + mSorted.End(mEdge);
+        mParts.resize(std::max(mParts.size(), mSorted.End(mEdge) - mSorted.Begin(mEdge) + 1));
         char* part = mParts.data();
         // A point that lacks its clearance affects the parts within that distance, forwards and
         // then backwards. The clearance at a corner holds for the neighbour, too. A neighbour that
         // is cut checks it in its turn.
         std::int64_t reach = std::numeric_limits<std::int64_t>::min();
-        Vertex last = {axis.Along(e.a), mClearances.ForCorner(mTree.At(before), e), false};
-        last.lacks = IsShort(before, last.clearance);
+        Vertex last = {axis.Along(e.a), mClearance, mLacks};
         Cut* lastCut = nullptr;
         auto const finishPart = [&](std::int64_t along, std::int64_t clearance) {
             std::int64_t const gap = along - last.along;
@@ -113,10 +122,9 @@ public:
                 lastCut = cut;
             }
         }
-        std::int64_t const endClearance = mClearances.ForCorner(e, mTree.At(after));
-        finishPart(axis.Along(e.b), endClearance);
-        last.lacks |= IsShort(after, endClearance);
-        reach = last.lacks ? last.along - endClearance : std::numeric_limits<std::int64_t>::max();
+        finishPart(axis.Along(e.b), mEndClearance);
+        last.lacks |= mEndLacks;
+        reach = last.lacks ? last.along - mEndClearance : std::numeric_limits<std::int64_t>::max();
         for (Cut const* cut = endCut; cut-- > firstCut;) {
             if (cut->incidence != kSingle) {
                 *--part |= reach < last.along ? 1 : 0;
@@ -149,6 +157,12 @@ private:
     SortedCuts& mSorted;
     Clearances const& mClearances;
     ScratchVector<char> mParts;
+    // The edge that is chosen, what its two ends need, and whether its neighbours are too short.
+    std::size_t mEdge = std::numeric_limits<std::size_t>::max();
+    std::int64_t mClearance = 0;
+    std::int64_t mEndClearance = 0;
+    bool mLacks = false;
+    bool mEndLacks = false;
 };
 
 } // namespace
@@ -243,7 +257,8 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
             std::size_t const after = i + 1 == end ? begin : i + 1;
             Cut const* cut = &sorted.At(0) + sorted.Begin(i);
             Cut const* const endCut = &sorted.At(0) + sorted.End(i);
-            if (unsettled.IsClear(i, before, after)) {
+            unsettled.Choose(i, before, after);
+            if (unsettled.IsClear()) {
                 for (; cut < endCut; ++cut) {
                     outPoints[size] = axis.Point(cut->along, cut->across);
                     outIncidences[size] = cut->incidence;
@@ -252,7 +267,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                 originate(first, size, i);
                 continue;
             }
-            char const* part = unsettled.Of(i, before, after);
+            char const* part = unsettled.Marks();
             outActive[first] = *part++;
             for (; cut < endCut; ++cut) {
                 if (cut->incidence == kSingle) {
