@@ -181,13 +181,20 @@ void ChainGraph::MakeCrossingNodes(ScratchVector<Incidence> const& incidences) {
         bool const left = incidence % 2 != 0;
         HalfEdge const out[2] = {2 * first, 2 * i};
         HalfEdge const in[2] = {2 * chains[first].previous + 1, 2 * chains[i].previous + 1};
-        HalfEdge const node[4] = {out[0], left ? out[1] : in[1], in[0], left ? in[1] : out[1]};
-        AddNode(node, node + 4);
+        HalfEdge const second = left ? out[1] : in[1];
+        HalfEdge const fourth = left ? in[1] : out[1];
+        links[out[0]] = {nodeCount, fourth};
+        links[second] = {nodeCount, out[0]};
+        links[in[0]] = {nodeCount, second};
+        links[fourth] = {nodeCount, in[0]};
+        ++nodeCount;
     }
 }
 
 void ChainGraph::MakeSharedNodes() {
+    std::size_t const kUsual = 32;
     ScratchVector<Passage> passages(chains.get_allocator().GetScratch());
+    passages.reserve(std::min<std::size_t>(chains.size(), kUsual));
     for (Number i = 0; i < chains.size(); ++i) {
         if (chains[i].other == kNone && !chains[i].closed) {
             passages.emplace_back(lines.points[chains[i].first], i);
@@ -202,6 +209,7 @@ void ChainGraph::MakeSharedNodes() {
     AppendEdgesAt(passages, edges);
     MergeEqualChains(edges);
     ScratchVector<HalfEdge> node(chains.get_allocator().GetScratch());
+    node.reserve(kUsual);
     for (std::size_t i = 0; i < edges.size(); ++i) {
         if (chains[edges[i].half / 2].operands != 0) {
             node.push_back(edges[i].half);

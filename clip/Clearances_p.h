@@ -69,22 +69,21 @@ public:
         return (a > limit && b > limit) || (a < -limit && b < -limit);
     }
 
-    /// Returns at least 12 R / sin t for the angle t between the edges. `product` is the cross
-    /// product of their directions; its sign does not matter.
-    std::int64_t For(GridEdge const& e, GridEdge const& f, Int128 product) const {
+    /// Returns at least 12 R / sin t for the angle t between two edges of these LengthBound().
+    /// `product` is the cross product of their directions; its sign does not matter.
+    std::int64_t For(std::int64_t lengthE, std::int64_t lengthF, Int128 product) const {
         // The upper half of the product, so the quotient errs upward.
         auto const high = static_cast<std::int64_t>((product < 0 ? -product : product) >> 64);
-        double const clearance =
-            12.0 * static_cast<double>(mReach) * static_cast<double>(LengthBound(e)) *
-            (static_cast<double>(LengthBound(f)) * 0x1p-64) / static_cast<double>(high);
+        double const clearance = 12.0 * static_cast<double>(mReach) * static_cast<double>(lengthE) *
+                                 (static_cast<double>(lengthF) * 0x1p-64) /
+                                 static_cast<double>(high);
         return clearance < 0x1p62 ? static_cast<std::int64_t>(clearance) + 1 : kUnreachable;
     }
 
-    /// Returns the distance from p along edge e within which parts of e can meet parts of edge f.
-    /// It is `clearance` or less.
-    std::int64_t Within(std::int64_t clearance, GridPoint p, GridEdge const& e,
+    /// Returns the distance from p along edge e, whose axis is given, within which parts of e can
+    /// meet parts of edge f. It is `clearance` or less.
+    std::int64_t Within(std::int64_t clearance, GridPoint p, MajorAxis const& axis,
                         GridEdge const& f) const {
-        MajorAxis const axis(e);
         std::int64_t const a = axis.Along(f.a) - axis.Along(p);
         std::int64_t const b = axis.Along(f.b) - axis.Along(p);
         return std::min(clearance, std::max({a, -a, b, -b}) + 2 * mReach);
@@ -92,7 +91,9 @@ public:
 
     /// Returns the same for edges that follow each other, e before f.
     std::int64_t ForCorner(GridEdge const& e, GridEdge const& f) const {
-        return SameDirection(e.b, e.a, f.b) ? For(e, f, Cross(e.a, e.b, f.b)) : 12 * mReach;
+        return SameDirection(e.b, e.a, f.b)
+                   ? For(LengthBound(e), LengthBound(f), Cross(e.a, e.b, f.b))
+                   : 12 * mReach;
     }
 
 private:

@@ -506,6 +506,8 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
     }
     std::uint32_t* const meeting = numbers.data();
     CoarseBox const* const all = coarse.data();
+    NearTest::Direction const* const along = directions.data();
+    GridEdge const* const edge = mEdges.data();
     for (Chain const& chain : mChains) {
         for (std::size_t i = chain.begin; i < chain.end; ++i) {
             std::uint64_t const limits = all[i].Limits();
@@ -516,10 +518,11 @@ template <class Visit> void EdgeTree::ForMeetingAllPairs(bool withinChains, Visi
                 count += all[j].MayMeet(limits) ? 1 : 0;
             }
             GridBox const box = boxes[i];
+            GridBox const* const others = boxes.data();
             for (std::size_t k = 0; k < count; ++k) {
                 std::size_t const j = meeting[k];
-                if (box.Meets(boxes[j]) &&
-                    NearTest::MayBeNear(mEdges[i].a, directions[i], mEdges[j].a, directions[j])) {
+                if (box.Meets(others[j]) &&
+                    NearTest::MayBeNear(edge[i].a, along[i], edge[j].a, along[j])) {
                     visit(i, j, Follow(i, j));
                 }
             }

@@ -108,9 +108,8 @@ private:
         }
     }
     // Cuts are written in place: to copy what was just written in other pieces takes long.
-    static void Write(Cut& cut, std::size_t edge, GridEdge const& e, GridPoint p,
+    static void Write(Cut& cut, std::size_t edge, MajorAxis const& axis, GridPoint p,
                       Incidence incidence, std::int64_t clearance) {
-        MajorAxis const axis(e);
         cut.along = axis.Along(p);
         cut.across = axis.Across(p);
         cut.clearance = clearance;
@@ -119,7 +118,7 @@ private:
     }
     void AddSingle(std::size_t edge, GridEdge const& e, GridPoint p) {
         mSingles.emplace_back();
-        Write(mSingles.back(), edge, e, p, kShared, 0);
+        Write(mSingles.back(), edge, MajorAxis(e), p, kShared, 0);
     }
     /// Returns two new cuts, which are to be written.
     Cut* AddPair() {
@@ -130,8 +129,9 @@ private:
         return mCuts.data() + mPaired - 2;
     }
     /// For the areas see Crossing().
-    void CutBothWhereTheyCross(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
-                               Int128 ea, Int128 fa, Int128 product) {
+    [[gnu::always_inline]] void CutBothWhereTheyCross(std::size_t i, std::size_t j,
+                                                      GridEdge const& e, GridEdge const& f,
+                                                      Int128 ea, Int128 fa, Int128 product) {
         GridPoint const p = mGrid.Snapped(Crossing(e, f, ea, fa, product));
         if (mClearances == nullptr) {
             CutAt(i, e, p);
@@ -144,20 +144,26 @@ private:
             AddNearMiss(i, j, e, f, p, product);
             return;
         }
-        std::int64_t const clearance = mClearances->For(e, f, product);
+        MajorAxis const axisE(e);
+        MajorAxis const axisF(f);
+        std::int64_t const clearance =
+            mClearances->For(axisE.LengthBound(), axisF.LengthBound(), product);
         Incidence const incidence = mNext + (fa > product ? 1 : 0);
         Cut* const pair = AddPair();
-        Write(pair[0], i, e, p, incidence, clearance);
-        Write(pair[1], j, f, p, incidence, clearance);
+        Write(pair[0], i, axisE, p, incidence, clearance);
+        Write(pair[1], j, axisF, p, incidence, clearance);
         mNext += 2;
     }
     void AddNearMiss(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f,
                      GridPoint p, Int128 product) {
         if (mClearances != nullptr) {
-            std::int64_t const clearance = mClearances->For(e, f, product);
+            MajorAxis const axisE(e);
+            MajorAxis const axisF(f);
+            std::int64_t const clearance =
+                mClearances->For(axisE.LengthBound(), axisF.LengthBound(), product);
             Cut* const pair = AddPair();
-            Write(pair[0], i, e, p, kSingle, mClearances->Within(clearance, p, e, f));
-            Write(pair[1], j, f, p, kSingle, mClearances->Within(clearance, p, f, e));
+            Write(pair[0], i, axisE, p, kSingle, mClearances->Within(clearance, p, axisE, f));
+            Write(pair[1], j, axisF, p, kSingle, mClearances->Within(clearance, p, axisF, e));
         }
     }
     void Share(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f) {

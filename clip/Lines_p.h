@@ -79,8 +79,8 @@ struct GridEdge {
 class MajorAxis {
 public:
     explicit MajorAxis(GridEdge const& e)
-        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1),
-          mWide((e.b.x - e.a.x) * mX >= (e.b.y - e.a.y) * mY) {}
+        : mX(e.b.x < e.a.x ? -1 : 1), mY(e.b.y < e.a.y ? -1 : 1), mWidth((e.b.x - e.a.x) * mX),
+          mHeight((e.b.y - e.a.y) * mY), mWide(mWidth >= mHeight) {}
 
     /// Returns the longer coordinate, which grows from the edge's first end to its second.
     std::int64_t Along(GridPoint p) const { return mWide ? p.x * mX : p.y * mY; }
@@ -90,10 +90,14 @@ public:
     GridPoint Point(std::int64_t along, std::int64_t across) const {
         return mWide ? GridPoint{along * mX, across * mY} : GridPoint{across * mX, along * mY};
     }
+    /// Returns |dx| + |dy| of the edge, which is at least its length.
+    std::int64_t LengthBound() const { return mWidth + mHeight; }
 
 private:
     std::int64_t mX;
     std::int64_t mY;
+    std::int64_t mWidth;
+    std::int64_t mHeight;
     bool mWide;
 };
 

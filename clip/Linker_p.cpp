@@ -136,6 +136,8 @@ void Linker::LabelAround(HalfEdge from) {
 }
 
 void Linker::LabelByParity() {
+    std::size_t const kUsual = 32;
+    mOpen.reserve(kUsual);
     mDone.assign(mGraph.nodeCount, 0);
     for (Number i = 0; i < mChains.size(); ++i) {
         Chain& chain = mChains[i];

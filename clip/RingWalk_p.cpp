@@ -39,6 +39,10 @@ public:
         : mGraph(graph), mMarks(std::move(marks)), mEntries(entries), mRings(result.contours),
           mHasOrigins(!graph.lines.origins.empty()), mWalk(graph.chains.get_allocator()),
           mPlace(graph.nodeCount, kNone, graph.chains.get_allocator()) {
+        std::size_t const kUsual = 32;
+        mWalk.reserve(kUsual);
+        mRings.ends.reserve(kUsual);
+        mRings.operands.reserve(kUsual);
         char* mark = mMarks.data();
         for (Chain const& chain : graph.chains) {
             char const bounds = chain.bounds ? kBounds : 0;
