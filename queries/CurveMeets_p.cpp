@@ -2,6 +2,7 @@
 
 #include "CurveMeets_p.h"
 
+#include "LineMeets_p.h"
 #include "OutlineMeets_p.h"
 #include "PointMath_p.h"
 #include "TPoint.h"
@@ -336,6 +337,14 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy, bo
     }
     if (straightB) {
         mB = CubicOf(TLine<double>(mB[0], mB[3]));
+    }
+    if (straightA != straightB) {
+        mAccuracy = kept;
+        if (MeetsOfLineAndCurve(straightA ? mA : mB, straightA ? mB : mA, kept, straightA,
+                                mMeets)) {
+            return kept > asked ? std::scalbn(kept, exponent) : accuracy;
+        }
+        mMeets.clear();
     }
     while (!FindCurveEvents(mA, mB, kept, mEvents)) {
         constexpr double kCoarser = 16.0;

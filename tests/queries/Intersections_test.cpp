@@ -235,6 +235,33 @@ TEST(Intersections, TellATangentThatMissesByLessThanAQuarterOfTheAccuracy) {
     EXPECT_EQ(Kinds(Intersections(square, Line(Pt(-2, 1e-5), Pt(2, 1e-5)), 1e-6)), "XX");
 }
 
+TEST(Intersections, OfALineAreThoseOfACurveAlongIt) {
+    // The short way for lines and the cells of curves are held against each other.
+    Random random(21);
+    int places = 0;
+    for (int i = 0; i < 4000; ++i) {
+        CBezier const curve = random.Curve();
+        double const accuracy = std::pow(10, random.Between(-9, -3));
+        CBezier const along = random.Curve();
+        Pt const third = (along.P3 - along.P0) / 3.0;
+        CBezier const straight(along.P0, along.P0 + third, along.P3 - third, along.P3);
+        Line const line(along.P0, along.P3);
+        auto const ofLine = Intersections(line, curve, accuracy);
+        auto const ofCurve = Intersections(straight, curve, accuracy);
+        auto const swapped = Intersections(curve, line, accuracy);
+        ASSERT_EQ(Kinds(ofLine), Kinds(ofCurve)) << i;
+        ASSERT_EQ(ofLine.size(), swapped.size()) << i;
+        for (std::size_t k = 0; k < ofLine.size(); ++k) {
+            if (ofLine[k].kind == IntersectionKind::kCrossing) {
+                EXPECT_NEAR(ofLine[k].a.t, ofCurve[k].a.t, 1e-8) << i;
+                EXPECT_NEAR(ofLine[k].b.t, ofCurve[k].b.t, 1e-8) << i;
+                ++places;
+            }
+        }
+    }
+    EXPECT_GT(places, 1000);
+}
+
 TEST(Intersections, OfALineThroughACuspTellSides) {
     CBezier const cusp(Pt(0, 0), Pt(4, 4), Pt(0, 4), Pt(4, 0)); // its tip is (2, 3)
     EXPECT_EQ(Kinds(Intersections(cusp, Line(Pt(0, 2), Pt(4, 4)), kFine)), "C");
