@@ -9,27 +9,12 @@
 
 #include "Cubic_p.h"
 #include "CurveCells_p.h"
+#include "CurveMeet_p.h"
 #include "ShortList_p.h"
 
 #include <cstddef>
 
 namespace trammel_detail {
-
-/// A stretch of two curves, A and B, in which they stay near each other.
-struct CurveMeet {
-    double s0; ///< where the stretch begins on A
-    double s1; ///< where it ends on A, not less than s0
-    double t0; ///< the parameter on B beside s0
-    double t1; ///< the parameter on B beside s1
-    double s;  ///< the place on A: where they cross, or come nearest to each other
-    double t;  ///< the place on B
-    /// The side of B on which A lies before the stretch. It is 1 where the turn from B's direction
-    /// toward A is from h toward v, and -1 where it is from v toward h. It is 0 where it is not
-    /// known, and where A begins in the stretch.
-    int before;
-    int after;    ///< the same after the stretch
-    bool overlap; ///< whether the curves coincide along the stretch
-};
 
 /// Events that lie together on both curves, on the way to a meet.
 struct CurveMeetGroup {
@@ -49,9 +34,6 @@ struct CurveMeetGroup {
     void Include(CurveMeetGroup const& g, Cubic const& a, double accuracy);
 };
 
-/// The meets of two curves, which are nine at most, unless the curves nearly coincide.
-typedef ShortList<CurveMeet, 4> CurveMeets;
-
 /// Finds where two curves meet. One finder serves any number of pairs, one after the other, and
 /// keeps its memory.
 class CurveMeetFinder {
@@ -60,8 +42,7 @@ public:
     /// distance that is kept: `accuracy`, or more (see Intersections.h). A curve with a coordinate
     /// that is not finite meets nothing.
     /// \param straightA, straightB true for a line of even speed, whose control points may be off
-    /// by
-    ///     the rounding of its coordinates.
+    ///     by the rounding of its coordinates.
     double Find(Cubic const& a, Cubic const& b, double accuracy, bool straightA, bool straightB);
     /// What the last call found.
     CurveMeets const& Meets() const { return mMeets; }

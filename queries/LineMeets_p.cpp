@@ -129,8 +129,8 @@ bool MeetsOfLineAndCurve(Cubic const& line, Cubic const& curve, double accuracy,
         if (!(std::abs(cross) >= kLeastSine * length * speed)) { // also for a NaN
             return false;
         }
-        // Outside of these parameters the curve is farther from the line than the accuracy: it is
-        // so at both, and goes away from the line up to the ends of the part.
+        // At these parameters the curve is farther from the line than the accuracy. From there to
+        // the ends of the part it goes away from the line.
         double const by = far / (3.0 * std::abs(cross));
         double const low = t - by;
         double const high = t + by;

@@ -7,7 +7,7 @@
 #define TRAMMEL_LINEMEETS_P_H
 
 #include "Cubic_p.h"
-#include "CurveMeets_p.h"
+#include "CurveMeet_p.h"
 
 namespace trammel_detail {
 
