@@ -5,12 +5,12 @@
 #ifndef TRAMMEL_ARCBOXES_P_H
 #define TRAMMEL_ARCBOXES_P_H
 
+#include "BoxTree_p.h"
 #include "Box_p.h"
 #include "TPoint.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 namespace trammel_detail {
@@ -26,14 +26,7 @@ public:
             TPoint<double> const& b = vertices[ids[i + 1]];
             mLevels[0].push_back(Box<double>::Of(a.h, a.v, b.h, b.v));
         }
-        while (mLevels.back().size() > 1) {
-            std::vector<Box<double>> const& below = mLevels.back();
-            std::vector<Box<double>> level((below.size() + kFan - 1) / kFan);
-            for (std::size_t i = 0; i < below.size(); ++i) {
-                level[i / kFan].Include(below[i]);
-            }
-            mLevels.push_back(std::move(level));
-        }
+        AddLevelsAbove(mLevels, kFan);
     }
 
     /// Edges from `from` on and before `to`.

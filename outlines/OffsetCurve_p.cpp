@@ -2,6 +2,7 @@
 
 #include "OffsetCurve_p.h"
 
+#include "Bernstein_p.h"
 #include "PointMath_p.h"
 
 #include <algorithm>
@@ -17,16 +18,10 @@ typedef TPoint<double> Pt;
 
 /// Control points nearer to an end than this share of the coordinates lie on it.
 constexpr double kOnEnd = 0x1p-48;
-/// A curve is halved so often at most where its curvature comes close to the pen's.
-constexpr int kDeepestBend = 40;
 /// A piece is divided so often at most to follow its offset.
 constexpr int kDeepestFit = 32;
 /// A curve is followed by so many curves at most.
 constexpr std::size_t kMostFits = 4096;
-/// A curve is cut into so many parts at most to see how it bends.
-constexpr std::size_t kMostLeaves = 1000;
-/// The curvature may exceed the pen's by so much at most, and count as less.
-constexpr double kMostSlack = 1e-3;
 /// The steps toward the right distance at the places.
 constexpr int kMostRounds = 6;
 /// Further steps are taken while the error shrinks at least to this part.
@@ -39,16 +34,12 @@ constexpr double kEnoughOff = 1.0 / 16.0;
 constexpr double kSameDirection = 0x1p-80;
 /// How far rounding may be off in sums of products of coordinates, as a share of these.
 constexpr double kTurnRounding = 0x1p-48;
-/// How far rounding may be off in the square of a curve's speed, as a share of the greatest one.
-constexpr double kSquareRounding = 0x1p-48;
 /// A speed below this share of the greatest one may be rounding.
 constexpr double kStandsStill = 0x1p-44;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
 constexpr double kInflectionMargin = 0.05;
-/// The fold of a part where that could not be decided.
-constexpr int kUnseenFold = 2;
 /// The pen's centres of curvature are divided so often at most.
 constexpr int kDeepestCentre = 12;
 
@@ -66,165 +57,6 @@ double MostOf(Cubic const& c) {
 }
 
 Pt UnitOf(Pt const& p) { return trammel::Normalize(p); }
-
-/// Cuts a polynomial in Bernstein form at its middle.
-template <class Value, std::size_t N>
-void Halve(std::array<Value, N> const& whole, std::array<Value, N>& left,
-           std::array<Value, N>& right) {
-    right = whole;
-    for (std::size_t k = 0; k < N; ++k) {
-        left[k] = right[0];
-        for (std::size_t i = 0; i + 1 + k < N; ++i) {
-            right[i] = (right[i] + right[i + 1]) * 0.5;
-        }
-    }
-}
-
-// Polynomials in scaled Bernstein form, in which coefficient k has the factor binomial(n, k):
-// products are then those of the coefficients.
-
-template <std::size_t N, std::size_t M>
-std::array<double, N + M - 1> Product(std::array<double, N> const& a,
-                                      std::array<double, M> const& b) {
-    std::array<double, N + M - 1> result = {};
-    for (std::size_t i = 0; i < N; ++i) {
-        for (std::size_t k = 0; k < M; ++k) {
-            result[i + k] += a[i] * b[k];
-        }
-    }
-    return result;
-}
-
-template <std::size_t N> constexpr std::array<double, N> Binomials() {
-    std::array<double, N> result = {};
-    double value = 1.0;
-    for (std::size_t k = 0; k < N; ++k) {
-        result[k] = value;
-        value = value * static_cast<double>(N - 1 - k) / static_cast<double>(k + 1);
-    }
-    return result;
-}
-
-/// How fast a part of a curve goes and how it bends, as polynomials in Bernstein form. They are
-/// those of the whole curve, cut. So near a cusp they keep the digits that control points lose.
-struct BendOfPart {
-    std::array<Pt, 3> speed;      ///< a third of the derivative
-    std::array<double, 5> square; ///< of that
-    std::array<double, 3> bend;   ///< the third power of the speed times the curvature
-    double rounding = 0.0;        ///< how far `square` may be off, at any cut
-    double from = 0.0;
-    double to = 1.0;
-    int depth = 0;
-
-    BendOfPart() = default;
-    explicit BendOfPart(Cubic const& c) {
-        Pt const a = c[1] - c[0];
-        Pt const b = c[2] - c[1];
-        Pt const d = c[3] - c[2];
-        speed = {{a, b, d}};
-        square = {
-            {Square(a), Dot(a, b), (2.0 * Square(b) + Dot(a, d)) / 3.0, Dot(b, d), Square(d)}};
-        bend = {{Cross(a, b) / 1.5, Cross(a, d) / 3.0, Cross(b, d) / 1.5}};
-        rounding = kSquareRounding * *std::max_element(square.begin(), square.end());
-    }
-    void Cut(BendOfPart& left, BendOfPart& right) const {
-        Halve(speed, left.speed, right.speed);
-        Halve(square, left.square, right.square);
-        Halve(bend, left.bend, right.bend);
-        left.rounding = right.rounding = rounding;
-        left.from = from;
-        right.to = to;
-        left.to = right.from = 0.5 * (from + to);
-        left.depth = right.depth = depth + 1;
-    }
-    /// A bound on the length.
-    double Length() const {
-        return 3.0 * (to - from) *
-               std::sqrt(std::max(*std::max_element(square.begin(), square.end()), 0.0));
-    }
-    /// True where the derivative stays within some 40 degrees.
-    bool TurnsLittle() const {
-        double const ab = Dot(speed[0], speed[1]);
-        double const ad = Dot(speed[0], speed[2]);
-        double const bd = Dot(speed[1], speed[2]);
-        double const a = Square(speed[0]);
-        double const b = Square(speed[1]);
-        double const d = Square(speed[2]);
-        return ab >= 0.0 && ad >= 0.0 && bd >= 0.0 && ab * ab >= 0.6 * a * b &&
-               ad * ad >= 0.6 * a * d && bd * bd >= 0.6 * b * d;
-    }
-    /// True where the normals of the part turn a point at `radius` by no more than a length.
-    bool SweepsLittle(double radius, double length) const {
-        double const share = length / radius;
-        auto const isNarrow = [share](Pt const& a, Pt const& b) {
-            double const turn = Cross(a, b);
-            return turn * turn <= share * share * Square(a) * Square(b);
-        };
-        return isNarrow(speed[0], speed[1]) && isNarrow(speed[1], speed[2]) &&
-               isNarrow(speed[0], speed[2]);
-    }
-    /// Returns the fold of the part, see CurveStretch, or kUnseenFold where that is not plain. What
-    /// folds by less than `slack`, a part of the radius, does not fold.
-    int FoldBeside(double radius, double slack) const {
-        // Where a straight curve turns back, the bend is 0, and rounding must not be the speed.
-        double const low =
-            std::max(*std::min_element(square.begin(), square.end()) - rounding, 0.0);
-        double const high = *std::max_element(square.begin(), square.end());
-        double const least = low * std::sqrt(low);
-        double const most = high * std::sqrt(high);
-        double const leastBend = radius * *std::min_element(bend.begin(), bend.end());
-        double const mostBend = radius * *std::max_element(bend.begin(), bend.end());
-        if (std::max(mostBend, -leastBend) <= least * (1.0 + slack) && least > 0.0) {
-            return 0;
-        }
-        return leastBend > most ? 1 : mostBend < -most ? -1 : kUnseenFold;
-    }
-    /// Returns the same by a test that takes longer, and needs fewer parts where the curvature
-    /// comes close to the pen's.
-    int FoldBySquares(double radius, double slack) const {
-        constexpr std::array<double, 5> kSquareScale = Binomials<5>();
-        constexpr std::array<double, 3> kBendScale = Binomials<3>();
-        constexpr std::array<double, 13> kScale = Binomials<13>();
-        std::array<double, 5> s;
-        std::array<double, 3> b;
-        double high = 0.0;
-        double highBend = 0.0;
-        for (std::size_t k = 0; k < s.size(); ++k) {
-            s[k] = square[k] * kSquareScale[k];
-            high = std::max(high, std::abs(square[k]));
-        }
-        for (std::size_t k = 0; k < b.size(); ++k) {
-            b[k] = radius * bend[k] * kBendScale[k];
-            highBend = std::max(highBend, radius * std::abs(bend[k]));
-        }
-        std::array<double, 13> const cube = Product(Product(s, s), s);
-        std::array<double, 13> const turn = Product(Product(b, b), Binomials<9>());
-        double const allowed = (1.0 + slack) * (1.0 + slack);
-        double least = std::numeric_limits<double>::infinity();
-        double most = -least;
-        for (std::size_t k = 0; k < kScale.size(); ++k) {
-            least = std::min(least, (turn[k] - cube[k]) / kScale[k]);
-            most = std::max(most, (turn[k] - allowed * cube[k]) / kScale[k]);
-        }
-        // The bend is off by no more than the square is, as both are products of the speeds.
-        double const off = 4.0 * (rounding * (high * high + radius * highBend) +
-                                  kSquareRounding * (high * high * high + highBend * highBend));
-        if (most < -off) {
-            return 0;
-        }
-        return least > off ? (bend[0] + 2.0 * bend[1] + bend[2] > 0.0 ? 1 : -1) : kUnseenFold;
-    }
-    /// Returns the fold of the part's middle, which is that of most of a short part.
-    int FoldInMiddle(double radius) const {
-        double const middle =
-            (square[0] + 4.0 * (square[1] + square[3]) + 6.0 * square[2] + square[4]) / 16.0;
-        double const cube = std::max(middle, 0.0) * std::sqrt(std::max(middle, 0.0));
-        double const turn = 0.25 * radius * (bend[0] + 2.0 * bend[1] + bend[2]);
-        return turn > cube ? 1 : turn < -cube ? -1 : 0;
-    }
-    /// A vector in the direction of the middle.
-    Pt Along() const { return speed[0] + speed[1] * 2.0 + speed[2]; }
-};
 
 } // namespace
 
@@ -293,121 +125,6 @@ DirectedCubic DirectedCubic::Reversed() const {
 
 namespace {
 
-/// A part of a curve, and how it bends beside the pen.
-struct BendLeaf {
-    double from;
-    double to;
-    int fold;     ///< as in CurveStretch, of the middle where it could not be decided
-    bool isSeen;  ///< false where the fold could not be decided
-    bool turns;   ///< short, but the pen's ends go farther than that, to and fro perhaps
-    bool isShort; ///< not much longer than the tiny ones
-    Pt along;     ///< the derivative in the middle, times a positive number
-};
-
-/// Divides a curve into parts whose fold is known, and tiny ones. `bySquares` takes the test that
-/// needs fewer parts. There are kMostLeaves of these, and few more, at most.
-std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double tiny, double slack,
-                               bool bySquares) {
-    std::vector<BendLeaf> leaves;
-    std::vector<BendOfPart> open = {whole};
-    while (!open.empty()) {
-        BendOfPart const part = open.back();
-        open.pop_back();
-        int const quick = part.FoldBeside(radius, slack);
-        int const fold =
-            quick == kUnseenFold && bySquares ? part.FoldBySquares(radius, slack) : quick;
-        bool const isLong = part.Length() > tiny;
-        bool const isShort = part.Length() <= 4.0 * tiny;
-        bool const turnsLittle = part.TurnsLittle();
-        // With a wrong fold, an end of the pen would be off by its way along the whole part.
-        bool const isTiny = !isLong && turnsLittle && part.SweepsLittle(radius, tiny);
-        bool const isLast = part.depth == kDeepestBend || leaves.size() >= kMostLeaves;
-        if (fold == 0 || (fold != kUnseenFold && turnsLittle)) {
-            leaves.push_back({part.from, part.to, fold, true, false, isShort, part.Along()});
-        } else if (isTiny || (!isLong && !turnsLittle) || isLast) {
-            leaves.push_back({part.from, part.to, part.FoldInMiddle(radius), false,
-                              !isLong && !isTiny, isShort, part.Along()});
-        } else {
-            BendOfPart left;
-            BendOfPart right;
-            part.Cut(left, right);
-            open.push_back(right);
-            open.push_back(left);
-        }
-    }
-    return leaves;
-}
-
-} // namespace
-
-void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
-                      std::vector<CurveStretch>& out) {
-    BendOfPart const whole(curve);
-    double const slack = std::min(tiny / radius, kMostSlack);
-    if (whole.FoldBeside(radius, slack) == 0) {
-        out.push_back({});
-        return;
-    }
-    std::vector<BendLeaf> leaves = LeavesOf(whole, radius, tiny, slack, false);
-    if (leaves.size() > kMostLeaves) {
-        leaves = LeavesOf(whole, radius, tiny, slack, true);
-    }
-    for (std::size_t i = 1; i < leaves.size(); ++i) {
-        if (leaves[i - 1].isShort && leaves[i].isShort &&
-            Dot(leaves[i - 1].along, leaves[i].along) < 0.0) { // a cusp where both meet
-            for (BendLeaf* leaf : {&leaves[i - 1], &leaves[i]}) {
-                leaf->isSeen = false;
-                leaf->turns = true;
-            }
-        }
-    }
-    std::size_t const begin = out.size();
-    auto const append = [&](CurveStretch const& next) {
-        if (out.size() > begin && out.back().fold == next.fold && out.back().tiny == next.tiny) {
-            out.back().to = next.to;
-        } else {
-            out.push_back(next);
-        }
-    };
-    double from = 0.0; // where the next stretch begins
-    for (std::size_t i = 0; i < leaves.size();) {
-        if (leaves[i].isSeen) {
-            append({from, leaves[i].to, leaves[i].fold, false});
-            from = leaves[i].to;
-            ++i;
-            continue;
-        }
-        // A part of unknown kind on which the pen hardly moves belongs to a neighbour. Many may be
-        // long together, so each is what its middle is then. Where the pen turns, it does so on a
-        // line.
-        std::size_t const first = i;
-        while (i < leaves.size() && !leaves[i].isSeen) {
-            ++i;
-        }
-        for (std::size_t k = first; k < i; ++k) {
-            BendLeaf const& leaf = leaves[k];
-            if (leaf.turns) {
-                if (from < leaf.from) {
-                    append({from, leaf.from, 0, false});
-                }
-                append({leaf.from, leaf.to, 0, true});
-            } else if (i - first > 1) {
-                append({from, leaf.to, leaf.fold, false});
-            } else if (out.size() > begin && !out.back().tiny) {
-                out.back().to = leaf.to;
-            } else {
-                continue; // to the next one
-            }
-            from = leaf.to;
-        }
-    }
-    if (from < 1.0) {
-        append({from, 1.0, 0, false});
-    }
-}
-
-namespace {
-
 constexpr std::size_t kSquareTerms = 19;
 constexpr std::size_t kAlongTerms = 16;
 constexpr std::size_t kRoomTerms = 13;
@@ -432,7 +149,7 @@ double MagnitudeOf(std::array<double, N> const& coefficients, double enough, int
     }
     std::array<double, N> left;
     std::array<double, N> right;
-    Halve(coefficients, left, right);
+    CutAtMiddle(coefficients, left, right);
     if (std::abs(left[N - 1]) > enough) {
         return bound;
     }
@@ -457,8 +174,8 @@ bool HasRoom(std::array<double, N> const& along, std::array<double, M> const& ro
     std::array<double, N> right;
     std::array<double, M> leftRoom;
     std::array<double, M> rightRoom;
-    Halve(along, left, right);
-    Halve(room, leftRoom, rightRoom);
+    CutAtMiddle(along, left, right);
+    CutAtMiddle(room, leftRoom, rightRoom);
     return HasRoom(left, leftRoom, share, least, depth - 1) &&
            HasRoom(right, rightRoom, share, least, depth - 1);
 }
@@ -628,6 +345,26 @@ private:
         }
         return std::max(std::abs(off[0]), std::abs(off[1]));
     }
+    /// The piece's parameters f(u) that belong to those of the curve, and what follows, all in
+    /// scaled Bernstein form.
+    struct Match {
+        std::array<double, 4> f;
+        std::array<double, 4> g;      ///< 1 - f
+        std::array<double, 10> awayH; ///< the way from the piece to the curve
+        std::array<double, 10> awayV;
+        std::array<double, 7> speedH; ///< a third of the piece's derivative
+        std::array<double, 7> speedV;
+    };
+    /// Returns false where a parameter would be outside.
+    bool FindMatch(Match& match) const;
+    bool KeepsDistance(Match const& match, double tolerance) const;
+    /// True where the piece, which goes so fast at most, bends away from the offset, or less than
+    /// half as much as the pen.
+    bool BendsLittle(double speed) const;
+    /// Returns half of how the square of the distance bends along the piece, as a ninth. Near the
+    /// centres of curvature it is small, and an error along the piece means that others of its
+    /// places are nearer.
+    std::array<double, kRoomTerms> RoomAlong(Match const& match) const;
     bool Verify(double tolerance) const;
 
     DirectedCubic const& mPiece;
@@ -642,7 +379,7 @@ private:
         kPlaces; ///< the piece's parameters that are nearest to the places
 };
 
-bool OffsetFit::Verify(double tolerance) const {
+bool OffsetFit::FindMatch(Match& match) const {
     // The cubic function f with these values at the two places, 0 at 0 and 1 at 1.
     double const u = kInner;
     double const w = 1.0 - u;
@@ -655,14 +392,14 @@ bool OffsetFit::Verify(double tolerance) const {
     if (!(f1 >= 0.0 && f1 <= 1.0 && f2 >= 0.0 && f2 <= 1.0)) {
         return false;
     }
-    std::array<double, 4> const f = {{0.0, 3.0 * f1, 3.0 * f2, 1.0}};
-    std::array<double, 4> const g = {{1.0, 3.0 * (1.0 - f1), 3.0 * (1.0 - f2), 0.0}};
-    auto const ff = Product(f, f);
-    auto const fg = Product(f, g);
-    auto const gg = Product(g, g);
-    auto const fff = Product(ff, f);
-    auto const ffg = Product(ff, g);
-    auto const fgg = Product(fg, g);
+    match.f = {{0.0, 3.0 * f1, 3.0 * f2, 1.0}};
+    match.g = {{1.0, 3.0 * (1.0 - f1), 3.0 * (1.0 - f2), 0.0}};
+    auto const ff = Product(match.f, match.f);
+    auto const fg = Product(match.f, match.g);
+    auto const gg = Product(match.g, match.g);
+    auto const fff = Product(ff, match.f);
+    auto const ffg = Product(ff, match.g);
+    auto const fgg = Product(fg, match.g);
 
     Cubic const& c = mPiece.curve;
     Pt const origin = c[0];
@@ -682,73 +419,80 @@ bool OffsetFit::Verify(double tolerance) const {
         }
         return result;
     };
-    std::array<double, 10> const h = away(c1.h, c2.h, c3.h, {{q0.h, 3.0 * q1.h, 3.0 * q2.h, q3.h}});
-    std::array<double, 10> const v = away(c1.v, c2.v, c3.v, {{q0.v, 3.0 * q1.v, 3.0 * q2.v, q3.v}});
+    match.awayH = away(c1.h, c2.h, c3.h, {{q0.h, 3.0 * q1.h, 3.0 * q2.h, q3.h}});
+    match.awayV = away(c1.v, c2.v, c3.v, {{q0.v, 3.0 * q1.v, 3.0 * q2.v, q3.v}});
 
+    auto const& [d0, d1, d2] = mPiece.speed;
+    for (std::size_t k = 0; k < 7; ++k) {
+        match.speedH[k] = d0.h * gg[k] + 2.0 * d1.h * fg[k] + d2.h * ff[k];
+        match.speedV[k] = d0.v * gg[k] + 2.0 * d1.v * fg[k] + d2.v * ff[k];
+    }
+    return true;
+}
+
+bool OffsetFit::KeepsDistance(Match const& match, double tolerance) const {
     constexpr std::array<double, kSquareTerms> kSquareScale = Binomials<kSquareTerms>();
     double const distance = std::abs(mDistance);
-    std::array<double, kSquareTerms> square = Product(h, h);
-    std::array<double, kSquareTerms> const squareV = Product(v, v);
+    std::array<double, kSquareTerms> square = Product(match.awayH, match.awayH);
+    std::array<double, kSquareTerms> const squareV = Product(match.awayV, match.awayV);
     for (std::size_t k = 0; k < kSquareTerms; ++k) {
         square[k] = (square[k] + squareV[k]) / kSquareScale[k] - distance * distance;
     }
     double const enough = tolerance * (2.0 * distance - tolerance);
-    if (tolerance < distance && MagnitudeOf(square, enough, 3) > enough) {
+    return !(tolerance < distance && MagnitudeOf(square, enough, 3) > enough);
+}
+
+bool OffsetFit::BendsLittle(double speed) const {
+    double const distance = std::abs(mDistance);
+    std::array<double, 3> const bends = SpeedBend(mPiece.speed);
+    std::array<double, 5> const squares = SpeedSquare(mPiece.speed);
+    double const bend =
+        std::max({mDistance * bends[0], mDistance * bends[1], mDistance * bends[2]});
+    double const slowest = std::max(*std::min_element(squares.begin(), squares.end()), 0.0);
+    return bend <= distance * kTurnRounding * speed * speed ||
+           2.0 * bend <= slowest * std::sqrt(slowest);
+}
+
+std::array<double, kRoomTerms> OffsetFit::RoomAlong(Match const& match) const {
+    auto const& [d0, d1, d2] = mPiece.speed;
+    std::array<double, 4> bendH = {};
+    std::array<double, 4> bendV = {};
+    for (std::size_t k = 0; k < 4; ++k) {
+        bendH[k] = (d1.h - d0.h) * match.g[k] + (d2.h - d1.h) * match.f[k];
+        bendV[k] = (d1.v - d0.v) * match.g[k] + (d2.v - d1.v) * match.f[k];
+    }
+    constexpr std::array<double, kRoomTerms> kRoomScale = Binomials<kRoomTerms>();
+    std::array<double, kRoomTerms> room = Product(match.speedH, match.speedH);
+    std::array<double, kRoomTerms> const aheadV = Product(match.speedV, match.speedV);
+    std::array<double, kRoomTerms> const asideH = Product(match.awayH, bendH);
+    std::array<double, kRoomTerms> const asideV = Product(match.awayV, bendV);
+    for (std::size_t k = 0; k < kRoomTerms; ++k) {
+        room[k] = (room[k] + aheadV[k] - (asideH[k] + asideV[k]) * (2.0 / 3.0)) / kRoomScale[k];
+    }
+    return room;
+}
+
+bool OffsetFit::Verify(double tolerance) const {
+    Match match;
+    if (!FindMatch(match) || !KeepsDistance(match, tolerance)) {
         return false;
     }
-
     // An error along the curve counts by its square only.
-    Pt const d0 = mPiece.speed[0];
-    Pt const d1 = mPiece.speed[1];
-    Pt const d2 = mPiece.speed[2];
-    std::array<double, 7> alongH = {};
-    std::array<double, 7> alongV = {};
-    for (std::size_t k = 0; k < 7; ++k) {
-        alongH[k] = d0.h * gg[k] + 2.0 * d1.h * fg[k] + d2.h * ff[k];
-        alongV[k] = d0.v * gg[k] + 2.0 * d1.v * fg[k] + d2.v * ff[k];
-    }
+    double const distance = std::abs(mDistance);
     constexpr std::array<double, kAlongTerms> kAlongScale = Binomials<kAlongTerms>();
-    std::array<double, kAlongTerms> along = Product(h, alongH);
-    std::array<double, kAlongTerms> const more = Product(v, alongV);
-    double const speed = std::sqrt(std::max({Square(d0), Square(d1), Square(d2)}));
+    std::array<double, kAlongTerms> along = Product(match.awayH, match.speedH);
+    std::array<double, kAlongTerms> const more = Product(match.awayV, match.speedV);
     for (std::size_t k = 0; k < kAlongTerms; ++k) {
         along[k] = (along[k] + more[k]) / kAlongScale[k];
     }
+    double const speed = std::sqrt(
+        std::max({Square(mPiece.speed[0]), Square(mPiece.speed[1]), Square(mPiece.speed[2])}));
     double const shift = std::sqrt(tolerance * std::max(distance, tolerance)) * speed;
     if (MagnitudeOf(along, shift, 2) > shift) {
         return false;
     }
-
-    // A piece that bends away from the offset, or less than half as much as the pen, needs no more.
-    double const bend = std::max({mDistance * Cross(d0, d1) / 1.5, mDistance * Cross(d0, d2) / 3.0,
-                                  mDistance * Cross(d1, d2) / 1.5});
-    double const slowest =
-        std::max(std::min({Square(d0), Dot(d0, d1), (2.0 * Square(d1) + Dot(d0, d2)) / 3.0,
-                           Dot(d1, d2), Square(d2)}),
-                 0.0);
-    if (bend <= distance * kTurnRounding * speed * speed ||
-        2.0 * bend <= slowest * std::sqrt(slowest)) {
-        return true;
-    }
-
-    // Half of how the square of the distance bends along the piece, as a ninth. Near the centres of
-    // curvature it is small, and an error along the piece means that others of its places are
-    // nearer.
-    std::array<double, 4> bendH = {};
-    std::array<double, 4> bendV = {};
-    for (std::size_t k = 0; k < 4; ++k) {
-        bendH[k] = (d1.h - d0.h) * g[k] + (d2.h - d1.h) * f[k];
-        bendV[k] = (d1.v - d0.v) * g[k] + (d2.v - d1.v) * f[k];
-    }
-    constexpr std::array<double, kRoomTerms> kRoomScale = Binomials<kRoomTerms>();
-    std::array<double, kRoomTerms> room = Product(alongH, alongH);
-    std::array<double, kRoomTerms> const aheadV = Product(alongV, alongV);
-    std::array<double, kRoomTerms> const asideH = Product(h, bendH);
-    std::array<double, kRoomTerms> const asideV = Product(v, bendV);
-    for (std::size_t k = 0; k < kRoomTerms; ++k) {
-        room[k] = (room[k] + aheadV[k] - (asideH[k] + asideV[k]) * (2.0 / 3.0)) / kRoomScale[k];
-    }
-    return HasRoom(along, room, tolerance * std::max(distance, tolerance),
+    return BendsLittle(speed) ||
+           HasRoom(along, RoomAlong(match), tolerance * std::max(distance, tolerance),
                    kLeastRoom * speed * speed, kRoomDepth);
 }
 

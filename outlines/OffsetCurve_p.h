@@ -21,27 +21,11 @@ inline TPoint<double> NormalOf(TPoint<double> const& direction) {
     return TPoint<double>(-direction.v, direction.h);
 }
 
-/// A part of a curve on which its curvature stays on one side of the pen's.
-struct CurveStretch {
-    double from = 0.0;
-    double to = 1.0;
-    /// 1 where the radius of curvature is less than the pen's and the curve turns toward its
-    /// normal, -1 where it turns away from it, 0 where the radius is greater.
-    int fold = 0;
-    /// The part is no longer than what was named, and turns as at a cusp.
-    bool tiny = false;
-};
-
 /// Returns the direction of a curve at a parameter, of length 1.
 ///
 /// At an end on which a control point lies, to within rounding, it is the direction to the next
 /// one. It is (0, 0) for a curve that is one point.
 TPoint<double> DirectionOf(Cubic const& c, double t);
-
-/// Appends the stretches of a curve in order.
-/// \param radius of the pen, above 0.
-/// \param tiny the length below which a part at a cusp is not divided.
-void SplitAtCurvature(Cubic const& c, double radius, double tiny, std::vector<CurveStretch>& out);
 
 /// A part of a curve, with its derivative and the directions at its ends.
 struct DirectedCubic {

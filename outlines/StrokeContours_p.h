@@ -7,6 +7,7 @@
 
 #include "CPath.h"
 #include "Cubic_p.h"
+#include "CurveStretches_p.h"
 #include "OffsetCurve_p.h"
 #include "StrokeStyle.h"
 #include "TPoint.h"

@@ -25,6 +25,17 @@ std::int64_t OnGrid(double x, double low, double high) {
 
 } // namespace
 
+void AddLevelsAbove(std::vector<std::vector<Box<double>>>& levels, std::size_t fan) {
+    while (levels.back().size() > 1) {
+        std::vector<Box<double>> const& below = levels.back();
+        std::vector<Box<double>> level((below.size() + fan - 1) / fan);
+        for (std::size_t i = 0; i < below.size(); ++i) {
+            level[i / fan].Include(below[i]);
+        }
+        levels.push_back(std::move(level));
+    }
+}
+
 BoxTree::BoxTree(std::vector<Box<double>> const& boxes) {
     if (boxes.empty()) {
         return;
@@ -49,14 +60,7 @@ BoxTree::BoxTree(std::vector<Box<double>> const& boxes) {
         mOrder.push_back(i);
         mLevels[0].push_back(boxes[i]);
     }
-    while (mLevels.back().size() > 1) {
-        std::vector<Box<double>> const& below = mLevels.back();
-        std::vector<Box<double>> level((below.size() + kFan - 1) / kFan);
-        for (std::size_t i = 0; i < below.size(); ++i) {
-            level[i / kFan].Include(below[i]);
-        }
-        mLevels.push_back(std::move(level));
-    }
+    AddLevelsAbove(mLevels, kFan);
 }
 
 } // namespace trammel_detail

@@ -14,6 +14,10 @@
 
 namespace trammel_detail {
 
+/// Appends levels of boxes, each around `fan` boxes of the level below, up to one that has one box.
+/// There is a level with boxes already. O(n).
+void AddLevelsAbove(std::vector<std::vector<Box<double>>>& levels, std::size_t fan);
+
 /// A tree over boxes, which are ordered along Morton's curve and then put together by fours. Boxes
 /// are finite. O(n log n) to build; a walk costs O(n + k) for boxes of about one size that are
 /// spread out, where k pairs meet.
