@@ -42,6 +42,12 @@ constexpr double kDamping = 1e-7;
 constexpr double kInflectionMargin = 0.05;
 /// The pen's centres of curvature are divided so often at most.
 constexpr int kDeepestCentre = 12;
+/// Where their chords are farther off than the tolerance then, they are divided on,
+constexpr int kDeepestFarCentre = 40;
+/// while there are fewer chords.
+constexpr std::size_t kMostCentres = 16384;
+/// No chord is farther off.
+constexpr double kAnyDistance = std::numeric_limits<double>::infinity();
 
 /// The parameters at which a fitted curve has the right distance, besides its ends. The error
 /// u²(1 - u)²(u - a)(u - b) then has extremes of equal size.
@@ -637,47 +643,99 @@ Pt CentreOf(DirectedCubic const& piece, double t, Pt const& direction, double ra
     return place.point + NormalOf(direction) * std::clamp(signedRadius, -radius, radius);
 }
 
-void AppendCentres(DirectedCubic const& whole, double radius, double tolerance, bool exact,
-                   std::vector<Pt>& out) {
-    struct Part {
-        DirectedCubic piece;
-        Pt from;
-        Pt to;
-        int depth;
-        bool isLast;
-    };
-    std::vector<Part> open = {{whole, CentreOf(whole, 0.0, whole.from, radius),
-                               CentreOf(whole, 1.0, whole.to, radius), 0, true}};
+namespace {
+
+/// A stretch of a curve that folds, the chord of its centres of curvature, and its middle.
+struct CentrePart {
+    DirectedCubic piece;
+    Pt from;
+    Pt to;
+    int depth;
+    double t;
+    Pt direction;
+    Pt centre;
+    double off;           ///< how far the centres may be from the chord
+    std::size_t next = 0; ///< the number of the part behind this one, 0 for none
+
+    CentrePart(DirectedCubic const& stretch, Pt const& start, Pt const& end, int halvings,
+               double radius)
+        : piece(stretch), from(start), to(end), depth(halvings), t(MiddleOf(piece, 0.5 * radius)),
+          direction(piece.DirectionAt(t)), centre(CentreOf(piece, t, direction, radius)),
+          off((Taxicab(centre - from) + Taxicab(to - centre)) *
+              (Taxicab(direction - piece.from) + Taxicab(piece.to - direction))) {}
+    CentrePart First(double radius) const {
+        return {piece.Part(0.0, t, piece.from, direction), from, centre, depth + 1, radius};
+    }
+    CentrePart Second(double radius) const {
+        return {piece.Part(t, 1.0, direction, piece.to), centre, to, depth + 1, radius};
+    }
+};
+
+/// Links parts that follow each other. Then divides the one that may be farthest off, until none is
+/// by more than the tolerance, or there are too many. Returns how far the farthest may be off then,
+/// or 0.
+double DivideFarthest(std::vector<CentrePart>& parts, double radius, double tolerance) {
+    auto const isNearer = [&](std::size_t a, std::size_t b) { return parts[a].off < parts[b].off; };
+    std::vector<std::size_t> far; // a heap
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        parts[i].next = i + 1 < parts.size() ? i + 1 : 0;
+        if (parts[i].off > tolerance) {
+            far.push_back(i);
+        }
+    }
+    std::make_heap(far.begin(), far.end(), isNearer);
+    while (!far.empty()) {
+        std::size_t const i = far.front();
+        if (parts.size() >= kMostCentres || parts[i].depth >= kDeepestFarCentre) {
+            return parts[i].off;
+        }
+        std::pop_heap(far.begin(), far.end(), isNearer);
+        far.pop_back();
+        CentrePart first = parts[i].First(radius);
+        CentrePart second = parts[i].Second(radius);
+        second.next = parts[i].next;
+        first.next = parts.size();
+        parts[i] = first;
+        parts.push_back(second);
+        for (std::size_t const k : {i, first.next}) {
+            if (parts[k].off > tolerance) {
+                far.push_back(k);
+                std::push_heap(far.begin(), far.end(), isNearer);
+            }
+        }
+    }
+    return 0.0;
+}
+
+} // namespace
+
+double AppendCentres(DirectedCubic const& whole, double radius, double tolerance, bool exact,
+                     std::vector<Pt>& out) {
+    std::vector<CentrePart> open = {CentrePart(whole, CentreOf(whole, 0.0, whole.from, radius),
+                                               CentreOf(whole, 1.0, whole.to, radius), 0, radius)};
+    std::vector<CentrePart> chords;
     double const reach = radius + tolerance;
     while (!open.empty()) {
-        Part const part = open.back();
+        CentrePart const part = open.back();
         open.pop_back();
-        double const t = MiddleOf(part.piece, 0.5 * radius);
-        Pt const direction = part.piece.DirectionAt(t);
-        Pt const centre = CentreOf(part.piece, t, direction, radius);
         Pt const middle = (part.from + part.to) * 0.5;
-        double const way = Taxicab(centre - part.from) + Taxicab(part.to - centre);
-        bool done =
-            part.depth == kDeepestCentre ||
-            (Dot(part.piece.from, direction) > 0.7 && Dot(direction, part.piece.to) > 0.7 &&
-             TurnsEvenly(part.piece) && Square(middle - part.piece.curve[0]) <= reach * reach &&
-             Square(middle - part.piece.curve[3]) <= reach * reach);
-        if (done && exact && part.depth < kDeepestCentre) {
-            double const turn =
-                Taxicab(direction - part.piece.from) + Taxicab(part.piece.to - direction);
-            done = way * turn <= tolerance;
-        }
-        if (done) {
-            if (!part.isLast) {
-                out.push_back(part.to);
-            }
+        bool const isEven = Dot(part.piece.from, part.direction) > 0.7 &&
+                            Dot(part.direction, part.piece.to) > 0.7 && TurnsEvenly(part.piece) &&
+                            Square(middle - part.piece.curve[0]) <= reach * reach &&
+                            Square(middle - part.piece.curve[3]) <= reach * reach;
+        if (part.depth == kDeepestCentre || (isEven && (!exact || part.off <= tolerance))) {
+            chords.push_back(part);
             continue;
         }
-        open.push_back({part.piece.Part(t, 1.0, direction, part.piece.to), centre, part.to,
-                        part.depth + 1, part.isLast});
-        open.push_back({part.piece.Part(0.0, t, part.piece.from, direction), part.from, centre,
-                        part.depth + 1, false});
+        open.push_back(part.Second(radius));
+        open.push_back(part.First(radius));
     }
+    // Other chords need not be near the centres.
+    double const off = DivideFarthest(chords, radius, exact ? tolerance : kAnyDistance);
+    for (std::size_t k = chords[0].next; k != 0; k = chords[k].next) {
+        out.push_back(chords[k].from);
+    }
+    return off;
 }
 
 } // namespace trammel_detail

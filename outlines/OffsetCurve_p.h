@@ -66,9 +66,10 @@ void AppendOffset(DirectedCubic const& piece, double distance, double tolerance,
 /// nothing away from what the pen covers. So none spans a place where the curvature is greatest,
 /// where the centres' curve has a cusp. The points of a chord are no farther than the radius from
 /// the curve, save `tolerance`. If `exact`, no point of the centres' curve is farther than
-/// `tolerance` from the chords.
-void AppendCentres(DirectedCubic const& piece, double radius, double tolerance, bool exact,
-                   std::vector<TPoint<double>>& out);
+/// `tolerance` from the chords. That takes up to 16,384 chords. Returns the distance by which more
+/// would be needed: 0, or how far the curve may be from the chords.
+double AppendCentres(DirectedCubic const& piece, double radius, double tolerance, bool exact,
+                     std::vector<TPoint<double>>& out);
 
 /// Returns the centre of curvature at a parameter at which the curve has a direction. Where it is
 /// farther than the radius, this is the point at that distance.

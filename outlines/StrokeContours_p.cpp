@@ -334,7 +334,9 @@ void StrokeContours::AddSideOf(Piece const& piece) {
                 mOut.LineTo(piece.origin + CentreOf(part, 0.0, part.from, mPen.radius));
             }
             mCentres.clear();
-            AppendCentres(part, mPen.radius, tolerance, !mPen.IsRound(), mCentres);
+            double const off =
+                AppendCentres(part, mPen.radius, tolerance, !mPen.IsRound(), mCentres);
+            mExcess = std::max(mExcess, off);
             for (Pt const& p : mCentres) {
                 mOut.LineTo(piece.origin + p);
             }
@@ -378,7 +380,8 @@ void StrokeContours::AddPatches() {
                 double const tolerance = kFitShare * mPen.tolerance;
                 DirectedCubic const part = PartOfPiece(piece, stretch.from, stretch.to);
                 mCentres.clear();
-                AppendCentres(part, mPen.radius, tolerance, true, mCentres);
+                double const off = AppendCentres(part, mPen.radius, tolerance, true, mCentres);
+                mExcess = std::max(mExcess, off);
                 mCurves.clear();
                 AppendOffset(part.Reversed(), mPen.radius, tolerance, mCurves);
                 Pt const start = Beside(part.curve[0], part.from);

@@ -104,6 +104,10 @@ public:
     ///             that, the pen turns round.
     void EndSide(double blur);
 
+    /// Returns how far contours may be off where the pen's tolerance takes too much work, or 0. The
+    /// stroke keeps that distance beside the tolerance.
+    double Excess() const { return mExcess; }
+
 private:
     struct Piece {
         TPoint<double> start;
@@ -154,6 +158,7 @@ private:
     std::vector<CurveStretch> mStretches;
     std::vector<Turn> mTurns; ///< both halves of the pen paint while it turns
     bool mIsReversed = false;
+    double mExcess = 0.0;
     double mBlur = 0.0; ///< above 0 where one side only is kept
     std::vector<TPoint<double>> const* mShared = nullptr;
     std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece

@@ -298,7 +298,7 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
         }
         closed ? contours.EndClosed() : contours.EndOpen();
     }
-    return kept;
+    return kept + contours.Excess() / scale;
 }
 
 double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin join,
@@ -325,7 +325,7 @@ double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin
         // A contour of which nothing is known encloses nothing that could be seen.
         side == RegionSide::kUnknown ? sides.EndClosed() : sides.EndSide(blur * scale);
     }
-    return kept;
+    return kept + sides.Excess() / scale;
 }
 
 } // namespace trammel_detail

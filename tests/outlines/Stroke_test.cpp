@@ -386,6 +386,35 @@ TEST(Stroke, KeepsTheDistanceWhereTheCurvatureIsNearlyThePens) {
     }
 }
 
+TEST(Stroke, KeepsFineTolerancesWhereAWidePenTurnsInTightCurves) {
+    // The pen's inner end follows the centres of curvature, which lie far from the curves. Points
+    // are outside, and farther from the border than the distance that is kept.
+    struct {
+        char const* path;
+        double width;
+        Pt outside;
+    } const cases[] = {
+        {"M-.9006411091071382.2885693070568318C-1.3528834955829316.6131141454109752-1."
+         "5770846452573763"
+         "-.3875048826370296-.6875811068624174 1.288122687931874c.1937071525330432 "
+         "1.315944093463326"
+         "-.1470333139989084.724020607996715.34074046653195156.591923485466611",
+         2.8918310155976683, Pt(-0.47780851270803293, -0.42989141763865596)},
+        {"M.25116851969241094.7121430837701026C.2561149303952441.705365727233809.24748681016750101"
+         ".713358436537813.2509834127616.7086554327958311Z",
+         3.0229174686505589, Pt(0.78622153458086608, 1.7283122054869522)}};
+    for (auto const& c : cases) {
+        CPath const path = Path(c.path);
+        StrokeStyle style = Plain(c.width);
+        style.join = StrokeJoin::kBevel;
+        CPath out;
+        EXPECT_LT(Stroke(path, style, 9e-7, out), 1.2e-6);
+        trammel_test::StrokeJudge const ideal(path, style);
+        EXPECT_FALSE(ideal.Covers(c.outside) || ideal.IsAtBorder(c.outside, 1.2e-6));
+        EXPECT_EQ(WindingNumber(out, c.outside), 0);
+    }
+}
+
 TEST(Stroke, GoesOnWhereACurveStandsStill) {
     // The first has no speed and no acceleration at (7, 1), and goes on in its direction.
     CPath stroke;
