@@ -192,7 +192,7 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
 
 } // namespace
 
-void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
+void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRound,
                       std::vector<CurveStretch>& out) {
     BendOfPart const whole(curve);
     double const slack = std::min(tiny / radius, kMostSlack);
@@ -230,8 +230,8 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
             continue;
         }
         // A part of unknown kind on which the pen hardly moves belongs to a neighbour. Many may be
-        // long together, so each is what its middle is then. Where the pen turns, it does so on a
-        // line.
+        // long together, so each is what its middle is then, if the pen is round. Where the pen
+        // turns, it does so on a line.
         std::size_t const first = i;
         while (i < leaves.size() && !leaves[i].isSeen) {
             ++i;
@@ -243,7 +243,7 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny,
                     append({from, leaf.from, 0, false});
                 }
                 append({leaf.from, leaf.to, 0, true});
-            } else if (i - first > 1) {
+            } else if (isRound && i - first > 1) {
                 append({from, leaf.to, leaf.fold, false});
             } else if (out.size() > begin && !out.back().tiny) {
                 out.back().to = leaf.to;

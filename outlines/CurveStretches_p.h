@@ -25,7 +25,11 @@ struct CurveStretch {
 /// Appends the stretches of a curve in order.
 /// \param radius of the pen, above 0.
 /// \param tiny the length below which a part at a cusp is not divided.
-void SplitAtCurvature(Cubic const& c, double radius, double tiny, std::vector<CurveStretch>& out);
+/// \param isRound whether all joins and caps are round. Then many parts whose fold no bound tells
+///                are each what their middles are. With others, patches would count a wrong fold
+///                against what the pen paints, so a neighbour decides for all of them.
+void SplitAtCurvature(Cubic const& c, double radius, double tiny, bool isRound,
+                      std::vector<CurveStretch>& out);
 
 } // namespace trammel_detail
 

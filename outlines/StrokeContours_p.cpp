@@ -141,7 +141,7 @@ void StrokeContours::AddCurve(Cubic const& curve) {
     if (PolygonLength(local) <= tiny) {
         mStretches.push_back({0.0, 1.0, 0, true});
     } else {
-        SplitAtCurvature(local, mPen.radius, tiny, mStretches);
+        SplitAtCurvature(local, mPen.radius, tiny, mPen.IsRound(), mStretches);
     }
     // Tiny stretches become lines, at whose ends the pen turns round.
     std::size_t const count = mStretches.size() - before;
