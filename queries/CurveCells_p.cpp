@@ -325,15 +325,9 @@ private:
         double const lengthA = std::sqrt(Square(first));
         double const lengthB = std::sqrt(Square(second));
         double const reach = 2.0 * mAccuracy * lengthA * lengthB / std::abs(cross);
-        Stretch onA = Around(a.c, sOn, lengthA, reach);
-        Stretch onB = Around(b.c, tOn, lengthB, reach);
+        Stretch const onA = Around(a.c, sOn, lengthA, reach);
+        Stretch const onB = Around(b.c, tOn, lengthB, reach);
         bool const against = Dot(first, second) < 0.0;
-        constexpr double kLong = 32.0; // times the accuracy
-        if (reach > kLong * mAccuracy) {
-            // The tangents are nearly parallel, and the curves may bend away from each other soon.
-            Shorten(a.c, b.c, sOn, onA.low, against ? onB.high : onB.low);
-            Shorten(a.c, b.c, sOn, onA.high, against ? onB.low : onB.high);
-        }
         // Beyond an end of either piece another one goes on, so sides are not known here.
         bool const lacksBefore = IsAtEnd(a.c, 0, s, p.point) || (against ? t > 1.0 : t < 0.0);
         bool const lacksAfter = IsAtEnd(a.c, 3, 1.0 - s, p.point) || (against ? t < 0.0 : t > 1.0);
@@ -375,32 +369,6 @@ private:
     bool IsAtEnd(Cubic const& c, std::size_t end, double way, Pt const& place) const {
         return way <= 0.0 || (way < kLastStep && Taxicab(place - c[end]) <= mNoise);
     }
-    /// Moves an end of a stretch of A toward `s` until A is near B there, and sets the parameter of
-    /// B beside it. Twice the reach is allowed, so that a stretch is rather too long.
-    void Shorten(Cubic const& a, Cubic const& b, double s, double& end, double& beside) const {
-        double const limit = 16.0 * mAccuracy * mAccuracy;
-        double near = s;
-        double far = end;
-        constexpr int kMostTries = 60;
-        constexpr int kMostNear = 4; // the end is settled to a sixteenth then
-        for (int i = 0, nearSteps = 0; i < kMostTries && nearSteps < kMostNear; ++i) {
-            double const at = i == 0 ? end : 0.5 * (near + far);
-            Pt const p = PlaceAt(a, at).point;
-            double const foot = FootOn(b, p, beside, 0.0, 1.0);
-            if (Square(PlaceAt(b, foot).point - p) <= limit) {
-                near = at;
-                beside = foot;
-                ++nearSteps;
-                if (i == 0) {
-                    return;
-                }
-            } else {
-                far = at;
-            }
-        }
-        end = near;
-    }
-
     enum class Outcome { kDone, kDivide, kNoRoom };
 
     /// Handles pieces that run along each other, as graphs of functions over a common direction:

@@ -653,19 +653,20 @@ void SvgEdit::WriteTag(std::size_t element, Tag const& tag, std::vector<Replacem
             out.push_back({end, end + span.nameEnd - element - 1, tag.name});
         }
     }
-    // A new `d` stands where the first attribute of the old form stood.
+    // A new `d` stands where the first attribute of the old form stood, unless there is one that had
+    // no meaning for that form.
     auto const formBegins = [&tag](AttributeSpan const& attribute) {
         auto const found = tag.attributes.find(std::string(attribute.name));
         return found != tag.attributes.end() && !found->second;
     };
-    bool dWritten = false;
+    bool dWritten = std::any_of(span.attributes.begin(), span.attributes.end(),
+                                [](AttributeSpan const& a) { return a.name == "d"; });
     for (AttributeSpan const& attribute : span.attributes) {
         auto const found = tag.attributes.find(std::string(attribute.name));
         if (found == tag.attributes.end()) {
             continue;
         }
         if (found->second) {
-            dWritten = dWritten || attribute.name == "d";
             out.push_back(
                 {attribute.value, attribute.end, Quoted(*found->second, text[attribute.end])});
         } else if (!dWritten && formBegins(attribute) && tag.attributes.count("d") != 0) {

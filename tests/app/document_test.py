@@ -99,6 +99,14 @@ class Documents(AppTest):
             self.quiet("cut", file, "--id", "l", "--from", "0.2", "--to", "1", "-o", self.out)
             self.assertBox(self.outlines(self.out)["l"]["bounds"], [1, 1, 5, 5])
 
+    def test_a_shape_with_an_attribute_of_paths_gets_it_once(self):
+        # Some editors leave the path of a circle in the circle.
+        for rest in ('r="5" d="m 5,0 z"', 'd="m 5,0 z" r="5"'):
+            file = self.write("in.svg", svg(f'<circle id="c" {rest} cx="9"/>'))
+            self.run_text("reverse", file, "-o", self.out)
+            self.assertEqual(self.text().count('d="M14 0'), 1)
+            self.assertBox(self.measure_file("out.svg")["c"]["bounds"], [4, -5, 14, 5])
+
     def test_cut_writes_two_documents(self):
         self.quiet("cut", self.file, "--id", "l", "--from", "0.2", "--to", "1", "-o", self.out,
                    "--rest", self.path("rest.svg"))

@@ -429,15 +429,6 @@ TEST(IntersectionsOfPaths, ThroughTheTipOfACuspTellSides) {
               "E 1:0.5 1:0; C 1:0.5 1:0.5");
 }
 
-TEST(IntersectionsOfPaths, OfATangentGoOnNoFartherThanTheCurveIsNear) {
-    // Once the place went on along the tangent, to the end of the line.
-    EXPECT_EQ(CoarseText("M4 7 L3 7",
-                         "M0 6 C2 7.333333333333333 4.333333333333333 "
-                         "7.333333333333333 7 6",
-                         8e-8),
-              "C 1:0.75 1:0.5");
-}
-
 TEST(IntersectionsOfPaths, ThatRunToAndFroAlongEachOtherCrossAnEvenNumberOfTimes) {
     // Once the ends of the first overlaps decided, wherever the outlines had been between.
     std::mt19937_64 generator(14);
