@@ -653,8 +653,8 @@ void SvgEdit::WriteTag(std::size_t element, Tag const& tag, std::vector<Replacem
             out.push_back({end, end + span.nameEnd - element - 1, tag.name});
         }
     }
-    // A new `d` stands where the first attribute of the old form stood, unless there is one that had
-    // no meaning for that form.
+    // A new `d` stands where the first attribute of the old form stood, unless there is one that
+    // had no meaning for that form.
     auto const formBegins = [&tag](AttributeSpan const& attribute) {
         auto const found = tag.attributes.find(std::string(attribute.name));
         return found != tag.attributes.end() && !found->second;
