@@ -518,50 +518,50 @@ private:
 class StoringContours {
 public:
     explicit StoringContours(FlatContours& out)
-        : mOut(out), mNext(out.points.data()), mEnd(mNext + out.points.size()) {}
+        : mOut(out), mPoints(out.points.data()), mRoom(out.points.size()) {}
     StoringContours(StoringContours const&) = delete;
     StoringContours& operator=(StoringContours const&) = delete;
-    ~StoringContours() { mOut.points.resize(Count()); }
+    ~StoringContours() { mOut.points.resize(mCount); }
 
     double* Room(int count = kChordRoom) {
-        Reserve(count);
-        return &mNext->v;
+        Reserve(static_cast<std::size_t>(count));
+        return &mPoints[mCount].v;
     }
-    void Added(int count) { mNext += count; }
+    void Added(int count) { mCount += static_cast<std::size_t>(count); }
     void SetOrigin(Pt const& origin) { mOrigin = origin; }
     void Place(Pt const& p) {
         Reserve(1);
-        *mNext++ = p;
+        mOut.points[mCount++] = p;
     }
     void Point(Pt const& relative) { Place(mOrigin + relative); }
     void Run(double const* h, double const* v, int count) {
-        StoreRun(mOrigin, h, v, count, Room(count));
+        Reserve(static_cast<std::size_t>(count));
+        StoreRun(mOrigin, h, v, count, &mPoints[mCount].v);
         Added(count);
     }
     void Begin(Pt const& p) { Place(p); }
     void End(bool closed) {
-        mOut.contours.push_back({mBegin, Count(), closed});
-        mBegin = Count();
+        mOut.contours.push_back({mBegin, mCount, closed});
+        mBegin = mCount;
     }
 
 private:
-    std::size_t Count() const { return static_cast<std::size_t>(mNext - mOut.points.data()); }
-    void Reserve(std::ptrdiff_t count) {
-        if (mEnd - mNext < count) {
+    void Reserve(std::size_t count) {
+        if (mRoom - mCount < count) {
             Grow();
         }
     }
     /// Makes room for FlatRun::kRoom points more.
     [[gnu::noinline]] void Grow() {
-        std::size_t const count = Count();
-        mOut.points.resize(mOut.points.size() + FlatRun::kRoom);
-        mNext = mOut.points.data() + count;
-        mEnd = mOut.points.data() + mOut.points.size();
+        mRoom += FlatRun::kRoom;
+        mOut.points.resize(mRoom);
+        mPoints = mOut.points.data();
     }
 
     FlatContours& mOut;
-    Pt* mNext;              ///< behind the points that are stored
-    Pt* mEnd;               ///< behind the points in `mOut`
+    Pt* mPoints;
+    std::size_t mRoom;      ///< the number of points in `mOut`
+    std::size_t mCount = 0; ///< the number of points that are stored
     std::size_t mBegin = 0; ///< the contour's first point
     Pt mOrigin;
 };
