@@ -351,8 +351,8 @@ private:
         }
         return std::max(std::abs(off[0]), std::abs(off[1]));
     }
-    /// The piece's parameters f(u) that belong to those of the curve, and what follows, all in
-    /// scaled Bernstein form.
+    /// A parameter u of the curve belongs to the parameter f(u) of the piece. All polynomials are
+    /// in scaled Bernstein form.
     struct Match {
         std::array<double, 4> f;
         std::array<double, 4> g;      ///< 1 - f

@@ -369,6 +369,7 @@ private:
     bool IsAtEnd(Cubic const& c, std::size_t end, double way, Pt const& place) const {
         return way <= 0.0 || (way < kLastStep && Taxicab(place - c[end]) <= mNoise);
     }
+
     enum class Outcome { kDone, kDivide, kNoRoom };
 
     /// Handles pieces that run along each other, as graphs of functions over a common direction:

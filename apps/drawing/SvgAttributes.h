@@ -54,8 +54,8 @@ std::vector<Length> ParseLengths(std::string_view text);
 double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units);
 
 /// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
-/// Units of fonts and of the window need `sizes`. No font is looked at: ex and ch are half of
-/// the font's size, as they are in browsers for a font without metrics.
+/// Units of fonts and of the window need `sizes`. The tool looks at no font. So an ex and a ch are
+/// half of the font's size, as browsers have them for a font without metrics.
 double UserUnits(Length const& length, std::optional<double> whole,
                  UnitSizes const* sizes = nullptr);
 
