@@ -261,15 +261,13 @@ class Measure(AppTest):
         self.assertEqual(glyphs["glyph4"]["bounds"], [0, -400, 400, 0])
         self.assertTrue(all(g["closed"] for g in glyphs.values()))
 
-    def test_long_work_shows_progress_on_a_terminal_only(self):
-        content = svg("".join('<path d="M0 0C0 4e6 4e6 4e6 4e6 0"/>' for _ in range(20000)))
-        file = self.write("in.svg", content)
+    def shown_on_a_terminal(self, *arguments):
+        """What the tool shows on standard error, which is a terminal."""
         try:
             master, slave = pty.openpty()
         except OSError as error:
             self.skipTest(f"no terminal can be opened here: {error}")
-        process = subprocess.Popen([PROGRAM, "measure"] + [file] * 20, stdout=subprocess.DEVNULL,
-                                   stderr=slave)
+        process = subprocess.Popen([PROGRAM, *arguments], stdout=subprocess.DEVNULL, stderr=slave)
         os.close(slave)
         shown = b""
         while True:
@@ -282,6 +280,15 @@ class Measure(AppTest):
             shown += data
         os.close(master)
         self.assertEqual(process.wait(), 0)
+        return shown
+
+    def test_long_work_shows_progress_on_a_terminal_only(self):
+        shown = b""
+        curves = 500
+        while not shown and curves < 1e6:  # work is long on slow machines first
+            curves *= 4
+            file = self.write("in.svg", svg('<path d="M0 0C0 4e6 4e6 4e6 4e6 0"/>' * curves))
+            shown = self.shown_on_a_terminal("measure", *[file] * 20)
         self.assertIn(b"of 20", shown)
         self.assertTrue(shown.endswith(b"\x1b[K"))  # wiped at the end
         self.run_text("measure", file)  # and nothing in a pipe

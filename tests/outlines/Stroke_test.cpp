@@ -12,6 +12,7 @@
 #include "Shapes.h"
 #include "StrokeJudge.h"
 #include "SvgPath.h"
+#include "TestSupport.h"
 #include "UTrigonometry.h"
 #include "Winding.h"
 
@@ -40,6 +41,7 @@ using trammel::WindingNumber;
 using trammel_test::Dice;
 using trammel_test::HardPath;
 using trammel_test::kHardKinds;
+using trammel_test::Rounds;
 
 typedef TPoint<double> Pt;
 
@@ -89,7 +91,7 @@ Pt NearBorder(OutlineMeasure const& measure, double radius, Dice& dice) {
 
 TEST(Stroke, HoldsThePointsWithinHalfTheWidthSaveWithinTheDistance) {
     Dice dice(1);
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < Rounds(1000); ++i) {
         HardPath const hard(i % kHardKinds, dice);
         double const radius = 0.5 * hard.width;
         CPath out;
@@ -157,7 +159,7 @@ StrokeStyle AnyStyle(double width, Dice& dice) {
 
 TEST(Stroke, HoldsWhatSweepJoinsAndCapsCoverAndNothingElse) {
     Dice dice(2);
-    for (int i = 0; i < 140; ++i) {
+    for (int i = 0; i < Rounds(140); ++i) {
         HardPath const hard(i % kHardKinds, dice);
         StrokeStyle const style = AnyStyle(hard.width, dice);
         ExpectSweep(hard.path, style, hard.width * (dice.Coin() ? 1e-3 : 1e-6), i, dice);
@@ -166,7 +168,7 @@ TEST(Stroke, HoldsWhatSweepJoinsAndCapsCoverAndNothingElse) {
 
 TEST(Stroke, HoldsWhatSweepJoinsAndCapsCoverBesideCuspsAndTightTurns) {
     Dice dice(11);
-    for (int i = 0; i < 320; ++i) {
+    for (int i = 0; i < Rounds(320); ++i) {
         constexpr std::array<int, 4> kKinds = {{7, 3, 2, 5}};
         HardPath const hard(kKinds[static_cast<std::size_t>(i) % kKinds.size()], dice, false);
         StrokeStyle const style = AnyStyle(hard.width, dice);
@@ -545,7 +547,7 @@ TEST(StrokeDashes, HoldThePointsWithinHalfTheWidth) {
 
 TEST(StrokeDashes, HaveTheJoinsAndCapsOfTheirStretches) {
     Dice dice(9);
-    for (int i = 0; i < 70; ++i) {
+    for (int i = 0; i < Rounds(70); ++i) {
         HardPath const hard(i % kHardKinds, dice);
         StrokeStyle style = Style(hard.width, static_cast<StrokeJoin>(dice.Below(4)),
                                   static_cast<StrokeCap>(dice.Below(3)));
@@ -591,7 +593,7 @@ TEST(StrokeDashes, HaveTheJoinsAndCapsOfTheirStretches) {
 
 TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
     Dice dice(6);
-    for (int i = 0; i < 300; ++i) {
+    for (int i = 0; i < Rounds(300); ++i) {
         HardPath const hard(i % kHardKinds, dice);
         CPath const region = trammel::WithSubpathsClosed(hard.path);
         FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
