@@ -120,7 +120,7 @@ public:
     /// \param startAngle,sweep radians; 0 is the +h direction, a positive sweep turns toward +v.
     ///        A sweep that is NaN, infinite or beyond 2^31 quarter turns adds the start point only.
     /// \param hRadius,vRadius coordinate units; negative ones mirror. Greatest deviation from the
-    ///        true ellipse 2.7e-4 of the radius at a quarter turn, 4.2e-6 at an eighth.
+    ///        true ellipse 2.73e-4 of the radius at a quarter turn, 4.3e-6 at an eighth.
     CPath& Arc(TPoint<double> const& center, double hRadius, double vRadius, double startAngle,
                double sweep);
     /// Adds a circular arc, as above.

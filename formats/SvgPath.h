@@ -98,7 +98,7 @@ TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text);
 /// most `arcTolerance` away from it, and each of its points from them. So they are longer than the
 /// arc, by at most 2 pi times the tolerance.
 /// \param arcTolerance in coordinate units, inclusive. Less than 2^-52 of an arc's greater radius
-///     counts as that, and so do NaN and negative numbers. A full turn takes 4 curves at 2.7e-4 of
+///     counts as that, and so do NaN and negative numbers. A full turn takes 4 curves at 2.73e-4 of
 ///     the radius, 8 at 4.3e-6, 28 at 2.4e-9, and 414 at most.
 TRAMMEL_API SvgPathResult ReadSvgPath(std::string_view text, double arcTolerance);
 

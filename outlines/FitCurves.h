@@ -79,16 +79,16 @@ public:
     /// finished.
     void Add(TPoint<double> const& point);
     /// Ends the stroke: all of it is finished. The next point begins another stroke in the same
-    /// path.
+    /// path. Without memory it throws std::bad_alloc, and the stroke is as before.
     void Finish();
 
     /// Returns the finished elements as an open path from the first point on. Later calls of Add
     /// and Finish append to it.
     CPath const& Finished() const { return mFinished; }
     /// Returns the rest as one open subpath from where the finished part ends, as long as there are
-    /// points behind it. O(n) in the waiting points.
+    /// points behind it. O(n) in the waiting points. Throws std::bad_alloc.
     CPath Tail() const;
-    /// Returns the greatest distance that the finished part keeps.
+    /// Returns the greatest distance that the finished part keeps: 0 where all its lines stay.
     double Distance() const { return mDistance; }
 
 private:

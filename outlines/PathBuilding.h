@@ -13,7 +13,8 @@
 // A path that was transformed has an old current point (CPath::Transform). These functions then go
 // on from the last point of the path, and keep its bounds right.
 //
-// Coordinates that are NaN or infinite are taken over, except by arcs. Without memory a call throws
+// Coordinates that are NaN or infinite are taken over; AddArc adds nothing then, and ArcTo adds a
+// line. Without memory a call throws
 // std::bad_alloc and leaves the path as it was. A call costs O(1), an arc O(1) for each curve.
 // There is no shared state: all are safe from any thread, each on its own path.
 
@@ -90,7 +91,7 @@ struct EllipticalArc {
 ///
 /// Source: docs/numerics.md proves the bound. Sine and cosine come from the C library.
 /// \param tolerance in coordinate units, inclusive. Less than 2^-52 of the greater radius counts as
-///     that, and so do NaN and negative numbers. A full turn takes 4 curves at 2.7e-4 of the
+///     that, and so do NaN and negative numbers. A full turn takes 4 curves at 2.73e-4 of the
 ///     radius, 8 at 4.3e-6, and 414 at most.
 TRAMMEL_API CPath& AddArc(CPath& path, EllipticalArc const& arc, double tolerance);
 

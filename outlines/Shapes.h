@@ -69,14 +69,15 @@ TRAMMEL_API CPath RoundedRectPath(TRect<double> const& rect, double hRadius, dou
 /// Coordinates are taken over, NaN and infinities too. No vertices give an empty path.
 TRAMMEL_API CPath PolygonPath(std::vector<TPoint<double>> const& vertices);
 
-/// Returns the regular polygon with `count` vertices on a circle. No vertices give an empty path.
+/// Returns the regular polygon with `count` vertices on a circle. No vertices give an empty path. A
+/// negative radius puts each vertex on the other side of the centre.
 /// \param angle the direction of the first vertex from the centre, in radians.
 TRAMMEL_API CPath RegularPolygonPath(TPoint<double> const& center, double radius, std::size_t count,
                                      double angle);
 
 /// Returns the star with `count` outer vertices on one circle, and between each two of them an
-/// inner one on another. No vertices give an empty path. \param angle the direction of the first
-/// outer vertex from the centre, in radians.
+/// inner one on another. No vertices give an empty path. Negative radii are as above. \param angle
+/// the direction of the first outer vertex from the centre, in radians.
 TRAMMEL_API CPath StarPath(TPoint<double> const& center, double outerRadius, double innerRadius,
                            std::size_t count, double angle);
 

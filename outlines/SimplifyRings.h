@@ -61,7 +61,7 @@ namespace trammel {
 TRAMMEL_API double SimplifyRings(std::vector<Ring> const& rings, double tolerance,
                                  NewCrossings crossings, std::vector<Ring>& out);
 
-/// The same for the outer rings and holes of a whole map together.
+/// The same for the outer rings and holes of a whole map together. `out` may be `map` itself.
 TRAMMEL_API double SimplifyMap(std::vector<PolygonWithHoles> const& map, double tolerance,
                                NewCrossings crossings, std::vector<PolygonWithHoles>& out);
 

@@ -62,7 +62,9 @@ TRAMMEL_API double Stroke(CPath const& path, StrokeStyle const& style, double to
 ///
 /// The result replaces `out`, and is as that of Stroke(). A NaN or infinite distance gives no
 /// contours, and 0 the region itself without overlaps.
+/// Cost: as that of Stroke() for the border of the region, after RemoveOverlap().
 /// \param rule tells what points the outline contains. \param miterLimit as in StrokeStyle.
+/// \param distance, tolerance in coordinate units; the tolerance is as that of Stroke().
 TRAMMEL_API double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin join,
                           double miterLimit, double tolerance, CPath& out);
 

@@ -14,9 +14,10 @@
 // one scaled by a power of two has the same results scaled, bit for bit, with the accuracy scaled
 // along.
 //
-// A NaN or infinite coordinate gives NaN in all results; nothing is reported. Every call ends. None
-// allocates, except in the polygon or path that it fills. They share no state, so all are safe from
-// any thread.
+// A NaN or infinite coordinate of a curve or a point gives NaN in all results, and so does a NaN
+// for a parameter, a length or a fraction. Nothing is reported. Every call ends. None allocates,
+// except in the polygon or path that it fills. They share no state, so all are safe from any
+// thread.
 
 #ifndef TRAMMEL_ACCURATECURVE_H
 #define TRAMMEL_ACCURATECURVE_H
@@ -46,7 +47,8 @@ namespace trammel {
 /// the branch points outside, known beforehand [Trefethen, Approximation Theory and Approximation
 /// Practice, chapters 3 and 19].
 TRAMMEL_API double ArcLength(CBezier const& curve, double accuracy);
-/// The arc length from parameter `t0` to `t1`, each limited to [0, 1]; negative when t1 < t0.
+/// The arc length from parameter `t0` to `t1`, each limited to [0, 1]; negative when t1 < t0. Right
+/// within the same bound.
 TRAMMEL_API double ArcLength(CBezier const& curve, double t0, double t1, double accuracy);
 /// The same for a quadratic curve.
 TRAMMEL_API double ArcLength(CBSpline const& curve, double accuracy);

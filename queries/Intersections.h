@@ -6,7 +6,8 @@
 // d. That is `accuracy`, a distance in coordinate units, or more in two cases:
 //
 // - An accuracy finer than rounding allows (0, negative, NaN) gives the finest that there is:
-//   2^-40 of the greatest difference of two coordinates of the two segments.
+//   2^-40 of the greatest difference of two coordinates of the two segments. Where no two segments
+//   are finite, that is 0.
 // - Segments that run beside each other in a confusing way take more work than is allowed. The
 //   distance is then the least of 16, 256 ... times the accuracy at which they do not. No input is
 //   known that has this effect.

@@ -59,12 +59,13 @@ TRAMMEL_API double SignedArea(std::vector<TPoint<double>> const& ring) noexcept;
 /// area 0. O(n). Throws std::bad_alloc.
 TRAMMEL_API std::vector<double> ContourAreas(CPath const& path);
 
-/// Returns area, centroid and second moments of the region that the path's contours bound. O(n):
-/// six points of each curve.
+/// Returns area, centroid and second moments of the region that the path's contours bound. The area
+/// of an empty path is 0, so the others are NaN. O(n): six points of each curve.
 TRAMMEL_API AreaMoments MomentsOf(CPath const& path) noexcept;
 /// Returns those of the closed polygon, whether it is marked as closed or not. O(n).
 TRAMMEL_API AreaMoments MomentsOf(TPolygon<double> const& polygon) noexcept;
-/// Returns those of the closed handle polygon, whether it is marked as closed or not. O(n).
+/// Returns those of the closed handle polygon, whether it is marked as closed or not; those of no
+/// vertices for a null reference. O(n).
 TRAMMEL_API AreaMoments MomentsOf(CFPolygonRef const& polygon) noexcept;
 /// Returns those of the closed ring of these vertices. O(n).
 TRAMMEL_API AreaMoments MomentsOf(std::vector<TPoint<double>> const& ring) noexcept;

@@ -26,7 +26,7 @@
 // segment that follows a close begins a subpath at the last point drawn, as CPath measures it. A
 // subpath with a NaN or infinite coordinate is absent.
 //
-// Memory: 200 to 300 bytes for a curve, and 180 for a line. Copies share it and cost nothing; the
+// Memory: 200 to 320 bytes for a curve, and 180 for a line. Copies share it and cost nothing; the
 // last copy frees it. Everything is safe from any thread. Only construction and cutting
 // allocate, and memory exhaustion is std::bad_alloc.
 

@@ -335,10 +335,10 @@ TEST(ArcLength, OfAPathIsTheSumOfItsSegments) {
 TEST(ArcLength, OfACircleDrawnByArcsIsNearTheCircumference) {
     CPath path;
     path.Arc({5, 5}, 10, 0, 2 * pi);
-    // Five curves of 72 degrees, each on or outside the circle, by at most 2.7e-4 of the radius.
+    // Five curves of 72 degrees, each on or outside the circle, by at most 7.2e-5 of the radius.
     double const length = ArcLength(path, 1e-9);
     EXPECT_GT(length, 20 * pi - 1e-9);
-    EXPECT_LT(length, 20 * pi * (1 + 2.7e-4));
+    EXPECT_LT(length, 20 * pi * (1 + 7.2e-5));
 }
 
 TEST(ArcLength, ReadsDamagedPathsToTheirEnd) {
