@@ -223,8 +223,8 @@ std::vector<Length> ParseLengths(std::string_view text) {
     std::vector<Length> lengths;
     Scanner scanner(text);
     try {
-        bool more = true;
         scanner.SkipSpace();
+        bool more = scanner.NumberFollows(); // "none" is too frequent for an exception
         while (more) {
             lengths.push_back(ReadLength(scanner));
             more = scanner.SkipComma() || !scanner.AtEnd();
