@@ -46,8 +46,6 @@ constexpr int kDeepestCentre = 12;
 constexpr int kDeepestFarCentre = 40;
 /// while there are fewer chords.
 constexpr std::size_t kMostCentres = 16384;
-/// No chord is farther off.
-constexpr double kAnyDistance = std::numeric_limits<double>::infinity();
 
 /// The parameters at which a fitted curve has the right distance, besides its ends. The error
 /// u²(1 - u)²(u - a)(u - b) then has extremes of equal size.
@@ -654,15 +652,17 @@ struct CentrePart {
     double t;
     Pt direction;
     Pt centre;
-    double off;           ///< how far the centres may be from the chord
     std::size_t next = 0; ///< the number of the part behind this one, 0 for none
 
     CentrePart(DirectedCubic const& stretch, Pt const& start, Pt const& end, int halvings,
                double radius)
         : piece(stretch), from(start), to(end), depth(halvings), t(MiddleOf(piece, 0.5 * radius)),
-          direction(piece.DirectionAt(t)), centre(CentreOf(piece, t, direction, radius)),
-          off((Taxicab(centre - from) + Taxicab(to - centre)) *
-              (Taxicab(direction - piece.from) + Taxicab(piece.to - direction))) {}
+          direction(piece.DirectionAt(t)), centre(CentreOf(piece, t, direction, radius)) {}
+    /// Returns how far the centres may be from the chord.
+    double Off() const {
+        return (Taxicab(centre - from) + Taxicab(to - centre)) *
+               (Taxicab(direction - piece.from) + Taxicab(piece.to - direction));
+    }
     CentrePart First(double radius) const {
         return {piece.Part(0.0, t, piece.from, direction), from, centre, depth + 1, radius};
     }
@@ -675,21 +675,29 @@ struct CentrePart {
 /// by more than the tolerance, or there are too many. Returns how far the farthest may be off then,
 /// or 0.
 double DivideFarthest(std::vector<CentrePart>& parts, double radius, double tolerance) {
-    auto const isNearer = [&](std::size_t a, std::size_t b) { return parts[a].off < parts[b].off; };
-    std::vector<std::size_t> far; // a heap
+    struct FarPart {
+        double off;
+        std::size_t number;
+        bool operator<(FarPart const& o) const { return off < o.off; }
+    };
+    std::vector<FarPart> far; // a heap
+    auto const add = [&](std::size_t number) {
+        double const off = parts[number].Off();
+        if (off > tolerance) {
+            far.push_back({off, number});
+            std::push_heap(far.begin(), far.end());
+        }
+    };
     for (std::size_t i = 0; i < parts.size(); ++i) {
         parts[i].next = i + 1 < parts.size() ? i + 1 : 0;
-        if (parts[i].off > tolerance) {
-            far.push_back(i);
-        }
+        add(i);
     }
-    std::make_heap(far.begin(), far.end(), isNearer);
     while (!far.empty()) {
-        std::size_t const i = far.front();
+        auto const [off, i] = far.front();
         if (parts.size() >= kMostCentres || parts[i].depth >= kDeepestFarCentre) {
-            return parts[i].off;
+            return off;
         }
-        std::pop_heap(far.begin(), far.end(), isNearer);
+        std::pop_heap(far.begin(), far.end());
         far.pop_back();
         CentrePart first = parts[i].First(radius);
         CentrePart second = parts[i].Second(radius);
@@ -697,12 +705,8 @@ double DivideFarthest(std::vector<CentrePart>& parts, double radius, double tole
         first.next = parts.size();
         parts[i] = first;
         parts.push_back(second);
-        for (std::size_t const k : {i, first.next}) {
-            if (parts[k].off > tolerance) {
-                far.push_back(k);
-                std::push_heap(far.begin(), far.end(), isNearer);
-            }
-        }
+        add(i);
+        add(first.next);
     }
     return 0.0;
 }
@@ -723,15 +727,20 @@ double AppendCentres(DirectedCubic const& whole, double radius, double tolerance
                             Dot(part.direction, part.piece.to) > 0.7 && TurnsEvenly(part.piece) &&
                             Square(middle - part.piece.curve[0]) <= reach * reach &&
                             Square(middle - part.piece.curve[3]) <= reach * reach;
-        if (part.depth == kDeepestCentre || (isEven && (!exact || part.off <= tolerance))) {
+        if (part.depth == kDeepestCentre || (isEven && (!exact || part.Off() <= tolerance))) {
             chords.push_back(part);
             continue;
         }
         open.push_back(part.Second(radius));
         open.push_back(part.First(radius));
     }
-    // Other chords need not be near the centres.
-    double const off = DivideFarthest(chords, radius, exact ? tolerance : kAnyDistance);
+    if (!exact) {
+        for (std::size_t k = 1; k < chords.size(); ++k) {
+            out.push_back(chords[k].from);
+        }
+        return 0.0;
+    }
+    double const off = DivideFarthest(chords, radius, tolerance);
     for (std::size_t k = chords[0].next; k != 0; k = chords[k].next) {
         out.push_back(chords[k].from);
     }

@@ -318,6 +318,23 @@ bool StrokeContours::FoldsAtStart(Piece const& piece) const {
     return piece.stretches > 0 && mStretches[piece.firstStretch].fold < 0;
 }
 
+void StrokeContours::AddCentresOf(DirectedCubic const& part, Pt const& origin, bool withFirst,
+                                  bool withLast) {
+    mCentres.clear();
+    double const off =
+        AppendCentres(part, mPen.radius, kFitShare * mPen.tolerance, !mPen.IsRound(), mCentres);
+    mExcess = std::max(mExcess, off);
+    if (withFirst) {
+        mOut.LineTo(origin + CentreOf(part, 0.0, part.from, mPen.radius));
+    }
+    for (Pt const& p : mCentres) {
+        mOut.LineTo(origin + p);
+    }
+    if (withLast) {
+        mOut.LineTo(origin + CentreOf(part, 1.0, part.to, mPen.radius));
+    }
+}
+
 // The contour stands at the piece's side where it starts, or anywhere if that folds.
 void StrokeContours::AddSideOf(Piece const& piece) {
     double const tolerance = kFitShare * mPen.tolerance;
@@ -330,19 +347,7 @@ void StrokeContours::AddSideOf(Piece const& piece) {
         }
         DirectedCubic const part = PartOfPiece(piece, mStretches[i].from, mStretches[k - 1].to);
         if (folds) {
-            if (i == piece.firstStretch) {
-                mOut.LineTo(piece.origin + CentreOf(part, 0.0, part.from, mPen.radius));
-            }
-            mCentres.clear();
-            double const off =
-                AppendCentres(part, mPen.radius, tolerance, !mPen.IsRound(), mCentres);
-            mExcess = std::max(mExcess, off);
-            for (Pt const& p : mCentres) {
-                mOut.LineTo(piece.origin + p);
-            }
-            if (k == end) {
-                mOut.LineTo(piece.origin + CentreOf(part, 1.0, part.to, mPen.radius));
-            }
+            AddCentresOf(part, piece.origin, i == piece.firstStretch, k == end);
         } else {
             mOut.LineTo(i == piece.firstStretch ? Beside(piece.start, piece.from)
                                                 : piece.origin + Beside(part.curve[0], part.from));
@@ -379,22 +384,11 @@ void StrokeContours::AddPatches() {
                 }
                 double const tolerance = kFitShare * mPen.tolerance;
                 DirectedCubic const part = PartOfPiece(piece, stretch.from, stretch.to);
-                mCentres.clear();
-                double const off = AppendCentres(part, mPen.radius, tolerance, true, mCentres);
-                mExcess = std::max(mExcess, off);
                 mCurves.clear();
                 AppendOffset(part.Reversed(), mPen.radius, tolerance, mCurves);
                 Pt const start = Beside(part.curve[0], part.from);
                 mOut.LineTo(piece.origin + start);
-                if (i == 0) {
-                    mOut.LineTo(piece.origin + CentreOf(part, 0.0, part.from, mPen.radius));
-                }
-                for (Pt const& p : mCentres) {
-                    mOut.LineTo(piece.origin + p);
-                }
-                if (i + 1 == piece.stretches) {
-                    mOut.LineTo(piece.origin + CentreOf(part, 1.0, part.to, mPen.radius));
-                }
+                AddCentresOf(part, piece.origin, i == 0, i + 1 == piece.stretches);
                 mOut.LineTo(piece.origin + Beside(part.curve[3], part.to));
                 for (std::array<Pt, 3> points : mCurves) {
                     for (Pt& p : points) {

@@ -134,6 +134,10 @@ private:
     void SmoothCorners(bool closed);
     void Reverse();
     void Side(bool closed);
+    /// Goes along the centres of curvature of a part that folds.
+    /// \param withFirst, withLast whether those of its ends are among them.
+    void AddCentresOf(DirectedCubic const& part, TPoint<double> const& origin, bool withFirst,
+                      bool withLast);
     void AddSideOf(Piece const& piece);
     void AddCorner(Piece const& before, Piece const& behind);
     void AddJoin(TPoint<double> const& p, TPoint<double> const& before,
@@ -163,7 +167,6 @@ private:
     std::vector<TPoint<double>> const* mShared = nullptr;
     std::vector<std::array<TPoint<double>, 3>> mCurves; ///< room for one side of a piece
     std::vector<TPoint<double>> mCentres;
-    std::vector<std::vector<TPoint<double>>> mPatchCentres;
 };
 
 } // namespace trammel_detail
