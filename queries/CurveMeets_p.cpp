@@ -302,7 +302,7 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy, bo
             for (std::size_t i = 0; i < points.size(); ++i) {
                 Pt const& p = i < 4 ? a[i] : b[i - 4];
                 if (!IsFinite(p)) {
-                    return accuracy;
+                    return accuracy > 0.0 ? accuracy : 0.0;
                 }
                 points[i] = p * 0.5 - origin * 0.5;
                 extent = std::max(extent, std::max(std::abs(points[i].h), std::abs(points[i].v)));
@@ -314,7 +314,7 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy, bo
             mB.fill(Pt());
             mAccuracy = 1.0;
             mMeets.push_back({0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0, 0, false});
-            return accuracy;
+            return accuracy > 0.0 ? accuracy : 0.0;
         }
         int const shift = std::ilogb(extent);
         exponent += shift;

@@ -781,7 +781,8 @@ int Scale(Outline& a, Outline& b) {
 
 /// Returns the distance that is kept: `accuracy` to the last bit, if it is what was asked for.
 double Unscaled(double kept, double asked, int exponent, double accuracy) {
-    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent) : accuracy;
+    return kept > asked || !(asked == asked) ? std::scalbn(kept, exponent)
+                                             : std::max(accuracy, 0.0);
 }
 
 /// Appends the places where two outlines meet.

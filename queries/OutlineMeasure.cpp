@@ -208,6 +208,9 @@ public:
             return {length, mSpans.size()};
         }
         double const limited = std::min(std::max(length, 0.0), Total());
+        if (std::isinf(limited)) {
+            return {limited, mSpans.size() - 1}; // the sums tell no other place from the end
+        }
         return {limited, limited > 0.0 ? FirstNotLess(mBehind.data(), mBehind.size(), limited, hint)
                                        : mFirst};
     }
@@ -353,10 +356,10 @@ OutlineLengths::OutlineLengths(CPath const& path) {
     mBehind.reserve(mSpans.size());
     for (Span const& span : mSpans) {
         sum.Add(span.length);
-        // Rounding must not make the sums fall. After an overflow they stay infinite, where the
-        // errors of the sum are NaN.
+        // Rounding must not make the sums fall. After an overflow the errors of the sum are NaN.
         double const value = sum.Value();
-        behind = value > behind ? value : behind;
+        behind =
+            std::isnan(value) ? std::numeric_limits<double>::infinity() : std::max(value, behind);
         mBehind.push_back(behind);
     }
     mTree.Build(mSegments.size(), [this](std::size_t i) {
@@ -373,7 +376,7 @@ double OutlineLengths::Parameter(Target const& target) const {
     double const before = BeforeSpan(target.span);
     double const all = mBehind[target.span] - before;
     if (target.length == mBehind[target.span]) {
-        return all > 0.0 ? span.to : 0.0;
+        return all > 0.0 || std::isinf(target.length) ? span.to : 0.0;
     }
     double const part = target.length - before;
     if (!(part > 0.0) || std::isinf(all)) {
@@ -395,6 +398,9 @@ double OutlineLengths::LengthUpTo(Segment const& segment, double t) const {
     }
     if (t == mSpans[i].to) {
         return mBehind[i];
+    }
+    if (t == From(i)) {
+        return BeforeSpan(i); // a part of an infinite length would be NaN
     }
     double const part =
         segment.IsCurve() ? Pieces::LengthOf(Curve(segment), From(i), t) : t * mSpans[i].length;
@@ -470,7 +476,7 @@ OutlineMeasure::Nearest OutlineLengths::FindNearest(Pt const& p, double accuracy
 }
 
 void OutlineLengths::Cut(double from, double to, CPath& out) const {
-    if (mSegments.empty() || !(from < to && from < Total() && to > 0.0)) {
+    if (mSegments.empty() || !(from < to && std::max(from, 0.0) < Total() && to > 0.0)) {
         return;
     }
     // The spans from the first one that ends behind the start to the last one that begins before

@@ -159,6 +159,8 @@ inline void Use(Pt const& p) {
 std::vector<Case> PlaneCases();
 std::vector<Case> PolygonCases();
 std::vector<Case> CurveCases();
+std::vector<Case> QueryCases();
+std::vector<Case> OutlineCases();
 
 } // namespace special
 

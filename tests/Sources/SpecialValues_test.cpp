@@ -22,7 +22,8 @@ std::vector<Case> AllCases() {
     std::vector<Case> cases;
     for (std::vector<Case> const& some :
          {trammel_test::special::PlaneCases(), trammel_test::special::PolygonCases(),
-          trammel_test::special::CurveCases()}) {
+          trammel_test::special::CurveCases(), trammel_test::special::QueryCases(),
+          trammel_test::special::OutlineCases()}) {
         cases.insert(cases.end(), some.begin(), some.end());
     }
     return cases;

@@ -464,6 +464,31 @@ TEST(OutlineMeasure, PlaceOnALineWhoseCoordinatesAddUpToInfinityIsOnIt) {
     EXPECT_EQ(measure.At(1.0).point, Pt(1e308, 1e308));
 }
 
+TEST(OutlineMeasure, LengthsBeyondTheRangeOfDoubleAreInfinite) {
+    CPath path;
+    path.MoveTo(Pt(0, 0)).LineTo(Pt(3, 0)).LineTo(Pt(1.7e308, 1.7e308)).LineTo(Pt(0, 5));
+    OutlineMeasure const measure(path);
+    EXPECT_EQ(measure.Length(), kInf);
+    EXPECT_EQ(measure.AtLength(2).point, Pt(2, 0));
+    EXPECT_EQ(measure.AtLength(100).point, Pt(3, 0)); // the start of the line that is too long
+    EXPECT_EQ(measure.At(1).point, Pt(0, 5));
+    EXPECT_EQ(measure.At(1).element, 3U);
+    CPath same;
+    measure.GetLengthRange(0, kInf, same);
+    EXPECT_EQ(same.mCtls, path.mCtls);
+    EXPECT_TRUE(same.mPts == path.mPts);
+}
+
+TEST(OutlineMeasure, PieceOfAnOutlineWithoutLengthIsNothingWhateverTheRangeIs) {
+    CPath path;
+    path.MoveTo(Pt(3, 4)).AddCtl(kPathLine).AddPt(Pt(3, 4));
+    for (double const from : {-1.0, -kInf, 0.0}) {
+        CPath piece;
+        OutlineMeasure(path).GetLengthRange(from, 1, piece);
+        EXPECT_TRUE(piece.mCtls.empty()) << from;
+    }
+}
+
 TEST(OutlineMeasure, NearestPlaceScalesWithTheOutline) {
     Random random(14);
     CPath const path = AnyPath(random, 10);
