@@ -12,6 +12,8 @@ namespace {
 
 /// A line gets no more dashes, whatever its length is.
 constexpr double kMostDashes = 0x1p16;
+/// Rounding is off by no more than this share of the period, or dashes have no meaning.
+constexpr double kMostBlur = 0x1p-10;
 
 } // namespace
 
@@ -42,21 +44,23 @@ DashPattern::DashPattern(std::vector<double> const& lengths, double offset) {
     }
 }
 
-bool DashPattern::Find(double length, std::vector<DashRange>& out) const {
+bool DashPattern::Find(double length, double blur, std::vector<DashRange>& out) const {
     double const dashes = 0.5 * static_cast<double>(mEdges.size());
     if (!(mPeriod > 0.0) || !((length / mPeriod + 2.0) * dashes <= kMostDashes)) {
         return false;
     }
+    double const off = std::min(blur, kMostBlur * mPeriod);
     for (std::size_t period = 0;; ++period) {
         double const begin = static_cast<double>(period) * mPeriod - mOffset;
         for (std::size_t i = 0; i < mEdges.size(); i += 2) {
             double const from = begin + mEdges[i];
             double const to = begin + mEdges[i + 1];
-            if (from >= length && (from > 0.0 || length > 0.0)) {
+            if (from >= length - off && from > off) {
                 return true;
             }
-            if (to > 0.0 || (to == 0.0 && from == 0.0)) {
-                out.push_back({std::max(from, 0.0), std::min(to, length)});
+            if (to > off || from >= -off) {
+                double const start = from > off ? from : 0.0;
+                out.push_back({start, to < length - off ? std::max(to, start) : length});
             }
         }
     }

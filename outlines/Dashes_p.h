@@ -23,7 +23,10 @@ public:
 
     /// Returns the dashes of a line in order. They begin before its end, or at 0 if it has no
     /// length. False where the line is solid.
-    bool Find(double length, std::vector<DashRange>& out) const;
+    /// \param blur how far rounding may be off. A dash that begins or ends no farther than that
+    /// from
+    ///             an end of the line does so there.
+    bool Find(double length, double blur, std::vector<DashRange>& out) const;
 
 private:
     std::vector<double> mEdges; ///< of dashes in the period: the start and the end of each

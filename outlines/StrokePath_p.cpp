@@ -43,6 +43,9 @@ constexpr int kNextStep = 6;
 constexpr std::size_t kVotes = 64;
 /// Drawings of a size beyond this power of two, or below its inverse, are scaled.
 constexpr int kPlainExponent = 200;
+/// Lengths along a line are off by less than these shares of the coordinates and of its length.
+constexpr double kBlurOfSize = 0x1p-40;
+constexpr double kBlurOfLength = 0x1p-50;
 
 bool HasFinitePoints(PathSegment const& s) {
     return IsFinite(s.start) && IsFinite(s.control1) && IsFinite(s.control2) && IsFinite(s.end);
@@ -130,12 +133,37 @@ bool EndsAtStart(Subpath const& subpath) {
     return end == subpath.Start();
 }
 
+/// Returns the segments of a dash, less those at its ends that together are no longer than the
+/// blur. Where a dash begins at a corner, rounding leaves a part of the segment before, whose
+/// direction is rounding, too.
+std::vector<PathSegment> DashSegments(CPath const& dash, double blur) {
+    std::vector<PathSegment> segments;
+    for (PathSegment const& s : Segments(dash)) {
+        segments.push_back(s);
+    }
+    auto const isWithin = [](PathSegment const& s, double& rest) {
+        rest -= PolygonLength({{s.start, s.control1, s.control2, s.end}});
+        return rest >= 0.0;
+    };
+    auto begin = segments.begin();
+    for (double rest = blur; begin != segments.end() && isWithin(*begin, rest);) {
+        ++begin;
+    }
+    segments.erase(segments.begin(), begin);
+    for (double rest = blur; !segments.empty() && isWithin(segments.back(), rest);) {
+        segments.pop_back();
+    }
+    return segments;
+}
+
+/// \param size of the coordinates
 void AddDashes(Subpath const& subpath, bool closed, DashPattern const& pattern, bool joinsAtStart,
-               double scale, StrokeContours& contours) {
+               double size, double scale, StrokeContours& contours) {
     OutlineMeasure const measure(PathOf(subpath));
     double const length = measure.Length();
+    double const blur = kBlurOfSize * size + kBlurOfLength * length;
     std::vector<DashRange> dashes;
-    if (!pattern.Find(length, dashes)) {
+    if (!pattern.Find(length, blur, dashes)) {
         AddSegments(subpath, scale, contours);
         closed ? contours.EndClosed() : contours.EndOpen();
         return;
@@ -144,11 +172,12 @@ void AddDashes(Subpath const& subpath, bool closed, DashPattern const& pattern, 
         if (dash.from < dash.to) {
             CPath piece;
             measure.GetLengthRange(dash.from, dash.to, piece);
-            AddSegments(Segments(piece), scale, contours);
+            AddSegments(DashSegments(piece, blur), scale, contours);
         }
         if (contours.IsEmpty()) {
-            OutlineMeasure::Place const place = measure.AtLength(dash.from);
-            contours.AddPoint(place.point * scale, place.tangent);
+            // At a corner, rounding must not tell the direction: it is the one behind.
+            contours.AddPoint(measure.PtAtLength(dash.from) * scale,
+                              measure.AtLength(dash.from + blur).tangent);
         }
     };
     bool const joins = closed && joinsAtStart && !dashes.empty() && dashes.front().from == 0.0 &&
@@ -258,7 +287,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     if (!(radius > 0.0) || !std::isfinite(radius)) {
         return tolerance > 0.0 ? tolerance : 0.0;
     }
-    double const size = std::max(SizeOf(path), radius);
+    double const pathSize = SizeOf(path);
+    double const size = std::max(pathSize, radius);
     double const scale = ScaleFor(size);
     double const kept = std::max(kFinest * size, tolerance > 0.0 ? tolerance : 0.0);
 
@@ -293,7 +323,8 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
         bool const closed = subpath.Closed() && EndsAtStart(subpath);
         if (!style.dashes.empty()) {
             contours.Clear();
-            AddDashes(subpath, closed, pattern, style.joinsDashesAtStart, scale, contours);
+            AddDashes(subpath, closed, pattern, style.joinsDashesAtStart, pathSize, scale,
+                      contours);
             continue;
         }
         closed ? contours.EndClosed() : contours.EndOpen();

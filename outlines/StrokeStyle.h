@@ -38,7 +38,10 @@ struct StrokeStyle {
     ///
     /// The line is solid without any, with one that is negative, NaN or infinite, with a sum of 0,
     /// and where a subpath would get more than 65,536 dashes. A dash of length 0 paints its
-    /// caps.
+    /// caps along the line, at a corner along the segment behind it.
+    ///
+    /// A dash begins before the end of its subpath. Lengths that differ by rounding alone, within
+    /// 2^-40 of the coordinates, count as the same: at both ends and at corners.
     std::vector<double> dashes;
     /// The length into the list at which each subpath begins. NaN and infinity count as 0.
     double dashOffset = 0.0;

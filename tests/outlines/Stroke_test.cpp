@@ -507,6 +507,33 @@ TEST(StrokeDashes, OfNoLengthPaintTheirCaps) {
     EXPECT_EQ(StrokedArea("M0 0 L10 0", style), 0.0);
 }
 
+TEST(StrokeDashes, BeginNotAtTheEndWhereRoundingPutsThemJustBeforeIt) {
+    StrokeStyle style = Dashed({2, 3});
+    style.startCap = style.endCap = StrokeCap::kSquare;
+    // The length is 10 save rounding, so the third dash would begin at the end.
+    EXPECT_NEAR(StrokedArea("M0.7 0.2 L3.5 9.8", style), 16, 1e-6);
+    // Nor at the start, where a dash has ended.
+    style = Dashed({0.3, 0.3}, 0.6 - 0.1 * 3);
+    style.startCap = style.endCap = StrokeCap::kSquare;
+    style.width = 0.1;
+    EXPECT_NEAR(StrokedArea("M0 0 H3", style), 0.2, 1e-6);
+}
+
+TEST(StrokeDashes, ThatBeginAtACornerTakeNothingOfTheSegmentBefore) {
+    // The sides have the length 10 save rounding, and the corners' joins are in the gaps.
+    EXPECT_NEAR(StrokedArea("M0.2 0.7 L9.8 3.5 L7 13.1 L-2.6 10.3 Z", Dashed({5, 5})), 40, 1e-6);
+    EXPECT_NEAR(StrokedArea("M0.1 0.2 L2.9 9.8 L-6.7 12.6 L-9.5 3 Z", Dashed({5, 5})), 40, 1e-6);
+}
+
+TEST(StrokeDashes, OfNoLengthAtACornerAreTurnedAlongTheSegmentBehind) {
+    StrokeStyle style = Dashed({0, 10});
+    style.startCap = style.endCap = StrokeCap::kSquare;
+    for (char const* const path : {"M0 0 L6 8 L16 8", "M0.1 0.3 L6.1 8.3 L16.1 8.3"}) {
+        EXPECT_EQ(WindingNumber(Stroked(Path(path), style), Pt(6.9, 8.9)), 1) << path;
+        EXPECT_EQ(WindingNumber(Stroked(Path(path), style), Pt(4.9, 8.3)), 0) << path;
+    }
+}
+
 TEST(StrokeDashes, AreNoneInAListWithoutMeaning) {
     for (std::vector<double> const& dashes : std::vector<std::vector<double>>{
              {}, {0}, {0, 0}, {3, -1}, {kNaN, 1}, {kInfinity}, {1e-9, 1e-9}}) {
