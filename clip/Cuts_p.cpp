@@ -61,6 +61,9 @@ public:
     /// and that follow it.
     void Choose(std::size_t edge, std::size_t before, std::size_t after) {
         GridEdge const e = mTree.At(edge);
+        mAxis = MajorAxis(e);
+        mBegin = mAxis.Along(e.a);
+        mEnd = mAxis.Along(e.b);
         // The last edge has mostly told what its end needs.
         mClearance = before == mEdge ? mEndClearance : mClearances.ForCorner(mTree.At(before), e);
         mEndClearance = mClearances.ForCorner(e, mTree.At(after));
@@ -68,31 +71,29 @@ public:
         mEndLacks = IsShort(after, mEndClearance);
         mEdge = edge;
     }
+    /// Returns the axis of the edge.
+    MajorAxis const& Axis() const { return mAxis; }
 
     /// True when no part of the edge may meet others.
     bool IsClear() const {
         if (mLacks || mEndLacks || mSorted.HasNearMiss(mEdge)) {
             return false;
         }
-        GridEdge const e = mTree.At(mEdge);
-        MajorAxis const axis(e);
         bool clear = true;
         std::int64_t clearance = mClearance;
-        std::int64_t at = axis.Along(e.a);
+        std::int64_t at = mBegin;
         for (std::size_t i = mSorted.Begin(mEdge); i < mSorted.End(mEdge); ++i) {
             Cut const& cut = mSorted.At(i);
             clear &= cut.along - at >= std::max(clearance, cut.clearance);
             at = cut.along;
             clearance = cut.clearance;
         }
-        return clear && axis.Along(e.b) - at >= std::max(clearance, mEndClearance);
+        return clear && mEnd - at >= std::max(clearance, mEndClearance);
     }
 
     /// Returns an element for each part of the edge until the next call: 1 if it may meet others.
     /// Cuts that lack their clearance get kShared.
     char const* Marks() {
-        GridEdge const e = mTree.At(mEdge);
-        MajorAxis const axis(e);
         Cut* const firstCut = &mSorted.At(0) + mSorted.Begin(mEdge);
         Cut* const endCut = &mSorted.At(0) + mSorted.End(mEdge);
         mParts.resize(std::max(mParts.size(), mSorted.End(mEdge) - mSorted.Begin(mEdge) + 1));
@@ -101,7 +102,7 @@ public:
         // then backwards. The clearance at a corner holds for the neighbour, too. A neighbour that
         // is cut checks it in its turn.
         std::int64_t reach = std::numeric_limits<std::int64_t>::min();
-        Vertex last = {axis.Along(e.a), mClearance, mLacks};
+        Vertex last = {mBegin, mClearance, mLacks};
         Cut* lastCut = nullptr;
         auto const finishPart = [&](std::int64_t along, std::int64_t clearance) {
             std::int64_t const gap = along - last.along;
@@ -122,7 +123,7 @@ public:
                 lastCut = cut;
             }
         }
-        finishPart(axis.Along(e.b), mEndClearance);
+        finishPart(mEnd, mEndClearance);
         last.lacks |= mEndLacks;
         reach = last.lacks ? last.along - mEndClearance : std::numeric_limits<std::int64_t>::max();
         for (Cut const* cut = endCut; cut-- > firstCut;) {
@@ -147,10 +148,14 @@ private:
         bool lacks;
     };
 
+    /// True for a neighbour that is not cut, so that nothing else checks it, and is too short.
     bool IsShort(std::size_t edge, std::int64_t clearance) const {
+        if (mSorted.Has(edge)) {
+            return false;
+        }
         GridEdge const e = mTree.At(edge);
         MajorAxis const axis(e);
-        return axis.Along(e.b) - axis.Along(e.a) < clearance && !mSorted.Has(edge);
+        return axis.Along(e.b) - axis.Along(e.a) < clearance;
     }
 
     EdgeTree const& mTree;
@@ -159,6 +164,9 @@ private:
     ScratchVector<char> mParts;
     // The edge that is chosen, what its two ends need, and whether its neighbours are too short.
     std::size_t mEdge = std::numeric_limits<std::size_t>::max();
+    MajorAxis mAxis{GridEdge{}};
+    std::int64_t mBegin = 0; // along the axis
+    std::int64_t mEnd = 0;
     std::int64_t mClearance = 0;
     std::int64_t mEndClearance = 0;
     bool mLacks = false;
@@ -252,12 +260,12 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
                 originate(first, size, i);
                 continue;
             }
-            MajorAxis const axis(tree.At(i));
             std::size_t const before = i == begin ? end - 1 : i - 1;
             std::size_t const after = i + 1 == end ? begin : i + 1;
             Cut const* cut = &sorted.At(0) + sorted.Begin(i);
             Cut const* const endCut = &sorted.At(0) + sorted.End(i);
             unsettled.Choose(i, before, after);
+            MajorAxis const axis = unsettled.Axis();
             if (unsettled.IsClear()) {
                 for (; cut < endCut; ++cut) {
                     outPoints[size] = axis.Point(cut->along, cut->across);

@@ -49,8 +49,6 @@ private:
         std::size_t part;
         GridEdge at;
         GridBox box;
-        std::int64_t begin = 0; // along the whole edge, as the cuts are measured
-        std::int64_t end = 0;
     };
 
     void PairPartsOf(std::size_t edge);
@@ -82,36 +80,19 @@ void PartPairs::PairPartsOf(std::size_t edge) {
     std::size_t const before = EdgeOfNext(mTree.BeforeOf(first), edge);
     std::size_t const after = EdgeOfNext(mTree.SecondOf(last), edge);
     MajorAxis const axis({mLines.points[first], mTree.At(last).b});
-    for (ActivePart& part : mActive) {
-        part.begin = axis.Along(part.at.a);
-        part.end = axis.Along(part.at.b);
+    Cut const* const firstCut = &mSorted.At(0) + mSorted.Begin(edge);
+    Cut const* const endCut = &mSorted.At(0) + mSorted.End(edge);
+    for (ActivePart const& part : mActive) {
+        std::int64_t const begin = axis.Along(part.at.a);
+        std::int64_t const end = axis.Along(part.at.b);
         PairWithPartsOf(before, part);
         PairWithPartsOf(after, part);
-    }
-    // Both the cuts and the parts are in their order along the edge.
-    ActivePart const* near = mActive.data(); // the first one that ends at the cut or behind it,
-                                             // or the last one
-    ActivePart const* const firstPart = near;
-    ActivePart const* const endPart = near + mActive.size();
-    std::size_t const endCut = mSorted.End(edge);
-    for (std::size_t k = mSorted.Begin(edge); k < endCut; ++k) {
-        Cut const& cut = mSorted.At(k);
-        while (near + 1 < endPart && near->end < cut.along) {
-            ++near;
-        }
-        if (cut.edge == SortedCuts::kNoOther) {
-            continue;
-        }
-        // Neither sum nor difference overflows: no clearance is beyond 2^62.
-        std::int64_t const low = cut.along - cut.clearance;
-        std::int64_t const high = cut.along + cut.clearance;
-        for (ActivePart const* part = near; part < endPart && part->begin <= high; ++part) {
-            if (part->end >= low) {
-                PairWithPartsOf(cut.edge, *part);
+        for (Cut const* cut = firstCut; cut < endCut; ++cut) {
+            // Neither sum nor difference overflows: no clearance is beyond 2^62.
+            if (cut->along + cut->clearance >= begin && cut->along - cut->clearance <= end &&
+                cut->edge != SortedCuts::kNoOther) {
+                PairWithPartsOf(cut->edge, part);
             }
-        }
-        for (ActivePart const* part = near; part > firstPart && part[-1].end >= low; --part) {
-            PairWithPartsOf(cut.edge, part[-1]);
         }
     }
 }
