@@ -166,14 +166,21 @@ private:
             Write(pair[1], j, axisF, p, kSingle, mClearances->Within(clearance, p, axisF, e));
         }
     }
+    /// Notes the ends that two edges have in common, which do not follow each other.
     void Share(std::size_t i, std::size_t j, GridEdge const& e, GridEdge const& f) {
         if (e.a == f.a || e.a == f.b) {
-            mIncidences[i] = kShared;
-            mIncidences[e.a == f.a ? j : mTree.SecondOf(j)] = kShared;
+            ShareVertex(i, e.a == f.a ? j : mTree.SecondOf(j));
         }
         if (e.b == f.a || e.b == f.b) {
-            mIncidences[mTree.SecondOf(i)] = kShared;
-            mIncidences[e.b == f.a ? j : mTree.SecondOf(j)] = kShared;
+            ShareVertex(mTree.SecondOf(i), e.b == f.a ? j : mTree.SecondOf(j));
+        }
+    }
+    void ShareVertex(std::size_t v, std::size_t w) {
+        // Parts of two edges that cross there tell nothing new. The edges keep their clearance
+        // there, or one of these vertices would be shared.
+        if (mIncidences[v] < kFirstCrossing || mIncidences[v] / 2 != mIncidences[w] / 2) {
+            mIncidences[v] = kShared;
+            mIncidences[w] = kShared;
         }
     }
     /// Does what Exactly() does, without clearances, where two edges of different directions have
