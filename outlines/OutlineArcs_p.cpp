@@ -109,7 +109,6 @@ void VertexTable::Reset(WorkFrame const& frame, double reach, std::size_t expect
     mFrame = frame;
     mReach = reach;
     mPerCell = 1.0 / (8.0 * reach);
-    mGreatestMove = 0.0;
     mPlaces.clear();
     mWork.clear();
     mNext.clear();
@@ -173,7 +172,6 @@ Index VertexTable::At(Pt const& p) {
             slot = SlotOf(x, y);
             Index const found = FindInSlot(slot, work);
             if (found != kNoIndex) {
-                mGreatestMove = std::max(mGreatestMove, Taxicab(mWork[found] - work));
                 return found;
             }
         }

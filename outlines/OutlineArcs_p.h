@@ -105,8 +105,6 @@ public:
     std::size_t Count() const { return mWork.size(); }
     TPoint<double> const& Place(Index vertex) const { return mPlaces[vertex]; }
     TPoint<double> const& WorkPlace(Index vertex) const { return mWork[vertex]; }
-    /// Returns by how much points were moved at most, in work units.
-    double GreatestMove() const { return mGreatestMove; }
 
 private:
     std::size_t SlotOf(std::int64_t x, std::int64_t y) const;
@@ -120,7 +118,6 @@ private:
     WorkFrame mFrame;
     double mReach = 0.0;
     double mPerCell = 1.0;
-    double mGreatestMove = 0.0;
     std::vector<TPoint<double>> mPlaces;
     std::vector<TPoint<double>> mWork;
     std::vector<Index> mNext; // by vertex: the next of its cell

@@ -44,7 +44,6 @@ class ContourList {
 public:
     explicit ContourList(CPath& path, double scale) : mPath(path), mScale(scale) {}
 
-    bool IsBegun() const { return mIsBegun; }
     TPoint<double> const& Current() const { return mCurrent; }
     /// Goes to a point: with a line, or with a move at the beginning of a contour. A line without
     /// length is left out.
