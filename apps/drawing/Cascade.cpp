@@ -2,6 +2,7 @@
 
 #include "Cascade.h"
 
+#include "Ascii.h"
 #include "CssTokens.h"
 #include "Numbers.h"
 #include "PenNames.h"
@@ -230,10 +231,7 @@ pugi::xml_node PreviousElement(pugi::xml_node node) {
 bool HasWord(std::string_view list, std::string_view word) {
     for (std::size_t at = list.find(word); at != std::string_view::npos && !word.empty();
          at = list.find(word, at + 1)) {
-        auto const space = [list](std::size_t i) {
-            return i >= list.size() ||
-                   std::string_view(" \t\r\n\f").find(list[i]) != std::string_view::npos;
-        };
+        auto const space = [list](std::size_t i) { return i >= list.size() || IsSpace(list[i]); };
         if ((at == 0 || space(at - 1)) && space(at + word.size())) {
             return true;
         }
@@ -268,14 +266,6 @@ bool Matches(CssAttributeTest const& test, pugi::xml_node element) {
     default: // '*'
         return size > 0 && value.find(wanted) != std::string::npos;
     }
-}
-
-std::string_view Trimmed(std::string_view text) {
-    std::size_t const first = text.find_first_not_of(" \t\r\n\f");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r\n\f") - first + 1);
 }
 
 } // namespace
@@ -535,7 +525,7 @@ void Cascade::CollectMatches(pugi::xml_node element, std::string_view type,
     std::string_view classes = element.attribute("class").value();
     std::vector<std::string_view> names;
     while (!(classes = Trimmed(classes)).empty()) {
-        std::size_t const end = std::min(classes.find_first_of(" \t\r\n\f"), classes.size());
+        std::size_t const end = std::min(classes.find_first_of(kSpaces), classes.size());
         std::string_view const name = classes.substr(0, end);
         if (std::find(names.begin(), names.end(), name) == names.end()) {
             names.push_back(name);

@@ -2,6 +2,7 @@
 
 #include "CssTokens.h"
 
+#include "Ascii.h"
 #include "Utf8.h"
 
 namespace tool {
@@ -10,9 +11,7 @@ namespace {
 
 typedef CssToken::Kind Kind;
 
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
 bool IsLineEnd(char c) { return c == '\n' || c == '\r' || c == '\f'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsNameStart(char c) {
     auto const byte = static_cast<unsigned char>(c);
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || byte >= 0x80;

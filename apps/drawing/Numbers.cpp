@@ -2,6 +2,7 @@
 
 #include "Numbers.h"
 
+#include "Ascii.h"
 #include "Error.h"
 
 #include <array>
@@ -12,10 +13,6 @@
 namespace tool {
 
 namespace {
-
-bool IsSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f'; }
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 

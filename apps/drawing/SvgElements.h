@@ -43,15 +43,6 @@ struct AttributeError {
     std::string message;
 };
 
-/// Returns the text without the space around it.
-inline std::string_view Trimmed(std::string_view text) {
-    std::size_t const first = text.find_first_not_of(" \t\r\n");
-    if (first == std::string_view::npos) {
-        return {};
-    }
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
-}
-
 /// Reads the elements of one document.
 class SvgElements {
 public:

@@ -2,6 +2,7 @@
 
 // The lengths, lines and forms of single elements.
 
+#include "Ascii.h"
 #include "Numbers.h"
 #include "PaperUnit.h"
 #include "PenNames.h"

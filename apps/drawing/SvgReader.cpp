@@ -2,6 +2,7 @@
 
 #include "SvgReader.h"
 
+#include "Ascii.h"
 #include "Cascade.h"
 #include "Clip.h"
 #include "Css.h"

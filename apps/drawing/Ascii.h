@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+
+// Characters and texts in ASCII, as CSS and SVG read them.
+
+#ifndef TRAMMEL_APP_ASCII_H
+#define TRAMMEL_APP_ASCII_H
+
+#include <cstddef>
+#include <string_view>
+
+namespace tool {
+
+/// What CSS takes for white space. XML knows the same but the form feed, which no document of it
+/// has.
+inline constexpr std::string_view kSpaces = " \t\r\n\f";
+
+inline bool IsSpace(char c) { return kSpaces.find(c) != std::string_view::npos; }
+
+inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// Returns the text without white space around it.
+inline std::string_view Trimmed(std::string_view text) {
+    std::size_t const first = text.find_first_not_of(kSpaces);
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(kSpaces) - first + 1);
+}
+
+} // namespace tool
+
+#endif
