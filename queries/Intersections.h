@@ -127,8 +127,8 @@ TRAMMEL_API double AppendIntersections(TLine<double> const& a, CPath const& b, d
 /// their own elements. Cost: as for two paths.
 TRAMMEL_API double AppendSelfIntersections(CPath const& path, double accuracy,
                                            std::vector<Intersection>& out);
-/// The same for a curve: the knot of a loop, or the stretches along which a straight curve runs
-/// back. Each stretch between two turning points is told by itself.
+/// The same for a curve: the knot of a loop, or the stretches where a straight curve runs back,
+/// each between two turning points. A loop whose sides stay within d of each other may be left out.
 TRAMMEL_API double AppendSelfIntersections(CBezier const& curve, double accuracy,
                                            std::vector<Intersection>& out);
 
