@@ -318,6 +318,10 @@ class BadInput(AppTest):
         self.fails("hatch", file, "--angle", "1", "--spacing", "1", "-o", self.path("o.svg"),
                    names=[file, "no outlines"])
 
+    def test_an_endless_outline_has_no_fractions(self):
+        file = self.write("in.svg", svg('<path id="p" d="M0 0H1.5e308V1e308"/>'))
+        self.fails("nearest", file, "--to", "1e308,0", names=[file, "p: ", "too long"])
+
     def test_huge_and_tiny_coordinates_do_no_harm(self):
         for number in ("1e308", "1e154", "1e-308", "5e-324"):
             with self.subTest(number):

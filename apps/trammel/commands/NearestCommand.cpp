@@ -127,6 +127,9 @@ FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& 
             throw Error(drawing.file, drawing.outlines.front().id, "the outline has no length");
         }
         Outline const& outline = drawing.outlines[found.outline];
+        if (std::isinf(found.length)) { // no fraction tells a place
+            throw Error(drawing.file, outline.id, "the outline is too long to be measured");
+        }
         Figures const figures(outline, options.figures, to);
         double const unsure =
             classic ? 0.0 : Settle(measures[found.outline], to, FigureAccuracy(outline, to), found);
