@@ -23,9 +23,9 @@ public:
 
     /// Returns the dashes of a line in order. They begin before its end, or at 0 if it has no
     /// length. False where the line is solid.
-    /// \param blur how far rounding may be off. A dash that begins or ends no farther than that
-    /// from
-    ///             an end of the line does so there.
+    ///
+    /// Rounding may be off by `blur`. A dash that begins or ends no farther than that from an end
+    /// of the line does so there.
     bool Find(double length, double blur, std::vector<DashRange>& out) const;
 
 private:

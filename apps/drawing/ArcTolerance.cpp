@@ -58,7 +58,7 @@ double PictureTolerance(CPath const& path) {
 double ChordLength(CPath const& path) {
     double length = 0.0;
     for (trammel::PathSegment const& segment : trammel::Segments(path)) {
-        length += (segment.end - segment.start).Length();
+        length += (segment.end - segment.start).Hypotenuse();
     }
     return length;
 }

@@ -131,7 +131,7 @@ double FigureAccuracy(CPath const& path) {
     double farthest = 0.0;
     std::size_t count = 0;
     auto const take = [&](Pt const& from, Pt const& to) {
-        sum += ((to - from) * kFigureShare).Length();
+        sum += ((to - from) * kFigureShare).Hypotenuse();
         farthest = std::max({farthest, std::abs(to.h), std::abs(to.v)});
         ++count;
     };

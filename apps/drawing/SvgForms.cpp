@@ -63,7 +63,7 @@ double SvgElements::UnitsOf(Length const& length, char const* attribute, Context
         Pt const size = *context.whole;
         whole = axis == Axis::kHorizontal ? size.h
                 : axis == Axis::kVertical ? size.v
-                                          : size.Length() / std::sqrt(2.0);
+                                          : size.Hypotenuse() / std::sqrt(2.0);
     }
     UnitSizes const sizes = SizesFor(context);
     try {

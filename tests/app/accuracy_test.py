@@ -117,6 +117,15 @@ class Accuracy(AppTest):
         text = self.run_text("measure", self.file, "--id", "s")
         self.assertIn("length " + f"{length(S, steps=200000):.8g},", text)
 
+    def test_arcs_of_any_size_are_right_to_the_digits_printed(self):
+        for size in (1e-150, 1e-9, 1.0, 1e9, 1e150, 1e200, 1e300):
+            with self.subTest(size):
+                arc = self.measure(svg(f'<path id="a" d="M{size} 0A{size} {size} 0 0 1 0 {size}Z"/>'))["a"]
+                self.assertGreater(arc["accuracy"], 0)
+                self.assertLess(arc["accuracy"], 1e-6 * size)
+                off = abs(arc["length"] - (math.pi / 2 + math.sqrt(2)) * size)
+                self.assertLess(off, arc["accuracy"])
+
     @unittest.skipUnless(os.path.isdir(BREEZE + "emotes"), "no icons: apt-get install breeze-icon-theme")
     def test_hard_outlines_of_real_icons_are_right_to_the_digits_printed(self):
         texts = {}

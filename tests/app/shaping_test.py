@@ -31,6 +31,12 @@ class Shaping(AppTest):
             counts.append(outline["elements"])
         self.assertTrue(counts[0] <= counts[1] < counts[2], counts)
 
+    def test_flatten_refuses_an_error_that_takes_millions_of_points(self):
+        file = self.write("in.svg", svg('<circle id="sun" r="1e300"/>'))
+        for classic in ([], ["--classic"]):
+            self.fails("flatten", file, "--error", "0.1", "-o", self.path("out.svg"), *classic,
+                       names=[file, "sun", "more than 4000000 points", "--error"])
+
     def test_flatten_leaves_lines_alone(self):
         self.run_text("flatten", self.square, "--error", "5", "-o", self.out)
         self.assertEqual(self.read("out.svg").decode(), SQUARE)

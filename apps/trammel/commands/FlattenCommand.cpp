@@ -11,6 +11,12 @@
 #include "Progress.h"
 #include "WriteSupport.h"
 
+#include <trammel/AccurateCurve.h>
+#include <trammel/PathSegments.h>
+
+#include <cstddef>
+#include <string>
+
 namespace tool {
 
 namespace {
@@ -25,6 +31,27 @@ struct Options {
     bool classic = false;
 };
 
+/// The most points that all curves of a drawing may take. That is a file of some 100 MB.
+constexpr std::size_t kMostPoints = 4000000;
+
+/// Throws where the curves take more points than that.
+void CheckPoints(Drawing const& drawing, double error) {
+    std::size_t points = 0;
+    for (Outline const& outline : drawing.outlines) {
+        for (trammel::PathSegment const& segment : trammel::Segments(outline.path)) {
+            if (segment.IsCurve()) {
+                double const most = error - outline.arcDistance;
+                points += trammel::FlattenInto(segment.Curve(), most, nullptr, 0).count;
+            }
+            if (points > kMostPoints) {
+                throw Error(drawing.file, outline.id,
+                            "the curves take more than " + std::to_string(kMostPoints) +
+                                " points; a greater --error takes fewer");
+            }
+        }
+    }
+}
+
 void Run(Options const& options) {
     double const error = NumberOf("--error", options.error);
     if (!(error > 0.0)) {
@@ -33,6 +60,7 @@ void Run(Options const& options) {
     CheckWriteOptions(options.write);
     // The arcs take a small part of the error, and the lines the rest.
     Drawing drawing = Load(options.source, {ArcAccuracy::By::kDistance, error * kArcPart, ""});
+    CheckPoints(drawing, error);
     auto const flattened = [&](Outline const& outline) {
         if (options.classic) {
             return PathOf(ClassicFlatten(outline.path, error));
