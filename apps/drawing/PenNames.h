@@ -53,7 +53,7 @@ inline std::optional<trammel::StrokeCap> CapNamed(std::string_view name) {
 
 /// Returns an opacity, a number or a percentage, as a number from 0 to 1; 1 for anything else.
 inline double OpacityOf(std::string_view text) {
-    if (text.empty()) { // nearly every element; an exception takes longer than to read one
+    if (text.empty()) { // as of most elements, and an exception would take longer than all the rest
         return 1.0;
     }
     try {

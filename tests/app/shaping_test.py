@@ -37,6 +37,13 @@ class Shaping(AppTest):
             self.fails("flatten", file, "--error", "0.1", "-o", self.path("out.svg"), *classic,
                        names=[file, "sun", "more than 4000000 points", "--error"])
 
+    def test_flatten_takes_any_number_of_short_curves(self):
+        # Ten curves of some 600 points, of which the drawing shows 6 million.
+        curves = '<path id="p" d="M0 0' + "c0 50 50 50 50 0" * 10 + '"/>'
+        file = self.write("in.svg", svg(f"<defs>{curves}</defs>" + '<use href="#p"/>' * 1000))
+        self.run_text("flatten", file, "--error", "1e-4", "-o", self.out)
+        self.assertEqual(list(self.path_data("out.svg")), ["p"])
+
     def test_flatten_leaves_lines_alone(self):
         self.run_text("flatten", self.square, "--error", "5", "-o", self.out)
         self.assertEqual(self.read("out.svg").decode(), SQUARE)

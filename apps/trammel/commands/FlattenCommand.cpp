@@ -31,18 +31,22 @@ struct Options {
     bool classic = false;
 };
 
-/// The most points that all curves of a drawing may take. That is a file of some 100 MB.
+/// The most points that the long curves of a drawing may take. That is a file of some 100 MB.
 constexpr std::size_t kMostPoints = 4000000;
+/// Curves of so many points or fewer are not long: a drawing may have any number of them.
+constexpr std::size_t kUsualPoints = 1000;
 
-/// Throws where the curves take more points than that.
+/// Throws where the long curves take more points than that.
 void CheckPoints(Drawing const& drawing, double error) {
     std::size_t points = 0;
     for (Outline const& outline : drawing.outlines) {
+        double const most = error - outline.arcDistance;
         for (trammel::PathSegment const& segment : trammel::Segments(outline.path)) {
-            if (segment.IsCurve()) {
-                double const most = error - outline.arcDistance;
-                points += trammel::FlattenInto(segment.Curve(), most, nullptr, 0).count;
+            if (!segment.IsCurve()) {
+                continue;
             }
+            std::size_t const count = trammel::FlattenInto(segment.Curve(), most, nullptr, 0).count;
+            points += count > kUsualPoints ? count : 0;
             if (points > kMostPoints) {
                 throw Error(drawing.file, outline.id,
                             "the curves take more than " + std::to_string(kMostPoints) +
