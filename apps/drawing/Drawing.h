@@ -62,7 +62,7 @@ struct Outline {
     double opacity = 1.0;
     /// The length that dashes take the whole line to have; 0: that which it has.
     double pathLength = 0.0;
-    /// How far its curves may be from the circles and arcs that they stand for.
+    /// How far it may be from the circles, arcs and curves that its curves and lines stand for.
     double arcDistance = 0.0;
     /// By how much the curves may be longer than all of these arcs together.
     double arcLength = 0.0;

@@ -7,10 +7,12 @@
 #include "Outlines.h"
 #include "Progress.h"
 
+#include <trammel/AccurateCurve.h>
 #include <trammel/TPoint.h>
 #include <trammel/TPoly.h>
 #include <trammel/UScalar.h>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 #include <string_view>
@@ -45,6 +47,7 @@ public:
     CPath path;
     std::vector<CBSpline> quadratics;
     double flatness = 0.0; ///< above 0: flatten quadratics
+    double distance = 0.0; ///< how far these lines may be from the curves
 
     void Move(Pt const& p) {
         Close();
@@ -68,7 +71,8 @@ public:
         quadratics.emplace_back(from, c, e);
         if (flatness > 0.0) {
             TPolygon<double> polygon;
-            quadratics.back().AddSegmentToPoly(polygon, flatness);
+            distance =
+                std::max(distance, trammel::FlattenWithin(quadratics.back(), flatness, polygon));
             for (long i = 1; i <= polygon.LastIndex(); ++i) {
                 Line(polygon.GetPt(i));
             }
@@ -222,6 +226,7 @@ Glyph Font::ReadGlyph(unsigned index) const {
         builder.Close();
         glyph.path = std::move(builder.path);
         glyph.quadratics = std::move(builder.quadratics);
+        glyph.distance = builder.distance;
     }
     return glyph;
 }

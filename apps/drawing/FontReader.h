@@ -24,6 +24,7 @@ struct Glyph {
     CPath path;                       ///< empty for a blank
     double advance;                   ///< to the next glyph's origin, in font units
     std::vector<CBSpline> quadratics; ///< the quadratic curves as they are in the font, in order
+    double distance = 0.0; ///< how far lines in place of curves may be from them, in font units
 };
 
 /// An open font file. Every operation may throw Error.
@@ -39,7 +40,7 @@ public:
 
     /// Makes ReadGlyph flatten quadratic curves from now on, instead of raising them to cubics. The
     /// paths then have lines in their places. A font of cubic curves is not affected.
-    /// \param error  flatness tolerance in font units; above 0
+    /// \param error  how far lines may be from a curve, in font units; above 0
     void FlattenQuadratics(double error);
 
     /// Returns the number of font units in the size of the type.

@@ -73,13 +73,15 @@ Line LayOut(Font const& font, std::string const& words) {
 }
 
 /// Adds the glyph's outline, moved by `m` and named by its place in the words.
+/// \param scale  by how much `m` makes lengths longer
 void AddGlyph(std::vector<Outline>& outlines, Placed const& placed, std::size_t number,
-              CMatrix3x3 const& m) {
+              double scale, CMatrix3x3 const& m) {
     if (placed.glyph->path.mCtls.empty()) {
         return;
     }
     Outline outline{std::to_string(number) + "-" + placed.glyph->name, placed.glyph->path};
     outline.path.Transform(m);
+    outline.arcDistance = placed.glyph->distance * scale;
     outlines.push_back(std::move(outline));
 }
 
@@ -96,7 +98,7 @@ std::vector<Outline> TextLine(Font const& font, std::string const& words, double
     std::vector<Outline> outlines;
     std::size_t number = 0;
     for (Placed const& placed : line.placed) {
-        AddGlyph(outlines, placed, ++number,
+        AddGlyph(outlines, placed, ++number, scale,
                  CMatrix3x3().Translate(placed.start, 0.0).Scale(scale).Translate(origin));
     }
     return outlines;
@@ -122,7 +124,7 @@ std::vector<Outline> TextAlong(Font const& font, std::string const& words, doubl
         double const half = placed.glyph->advance / 2.0;
         trammel::OutlineMeasure::Place const place =
             measure.AtLength(start + (placed.start + half) * scale);
-        AddGlyph(outlines, placed, ++number,
+        AddGlyph(outlines, placed, ++number, scale,
                  CMatrix3x3()
                      .Translate(-half, 0.0)
                      .Scale(scale)

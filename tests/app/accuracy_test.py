@@ -11,7 +11,7 @@ import os
 import re
 import unittest
 
-from support import AppTest, svg
+from support import AppTest, font_bytes, svg
 
 # The middle of the S lies on its chord.
 S = ((0, 0), (300, 550), (314, -550), (614, 0))
@@ -352,6 +352,29 @@ class Accuracy(AppTest):
         self.assertEqual([h[0] for h in inside("--rule", "nonzero")], ["default", "even"])
         self.fails("hit", file, "--at", "1,1", "--rule", "odd", names=["--rule", "nonzero"])
         self.fails("hit", file, "--at", "1,1", "--rule", "nonzero", "--classic", names=["--rule"])
+
+    def test_a_distance_greater_than_asked_for_is_told(self):
+        font = self.write("font.ttf", font_bytes())
+        base = self.write("base.svg", svg('<path id="base" d="M0 0H100"/>'))
+        self.file = self.write("s.svg", svg('<path id="s" d="M0 0C300 550 314 -550 614 0"/>'))
+        for command in (["flatten", self.file, "--error", "1e-13"],
+                        ["overlap", self.file, "--tolerance", "1e-13"],
+                        ["offset", self.file, "--by", "1", "--tolerance", "1e-13"],
+                        ["stroke", self.file, "--pen", "1", "--tolerance", "1e-13"],
+                        ["divide", self.file, "--tolerance", "1e-13"],
+                        ["combine", "union", self.file, self.file, "--error", "1e-13"],
+                        ["text", font, "B", "--along", base, "--size", "80", "--raw-quadratics",
+                         "--error", "1e-13"]):
+            with self.subTest(command[0]):
+                output = self.path("out.svg")
+                result = self.execute(*command, "-o", output)
+                told = re.fullmatch("trammel: warning: .*: keeps within (.*) only, not within "
+                                    "1e-13\n", result.stderr.decode())
+                self.assertTrue(told, result.stderr)
+                self.assertEqual(result.returncode, 0)
+                self.assertTrue(1e-13 < float(told.group(1)) < 1e-4)
+                os.remove(output)
+                self.fails(*command, "--strict", "-o", output, names=["only, not within 1e-13"])
 
     def test_help_and_json_tell_the_accuracy(self):
         told = {"measure": [], "point": ["--at", "0.5"], "nearest": ["--to", "1,2"],

@@ -160,14 +160,6 @@ ChangeInput LoadForChange(ChangeOptions const& options, ToleranceShare const& sh
     return {std::move(drawing), tolerance};
 }
 
-void TellDistance(std::string const& file, std::string const& id, double distance,
-                  double tolerance) {
-    if (distance > tolerance && tolerance > 0.0) { // it is 0 for a drawing of no size
-        Warn(file, id,
-             "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
-    }
-}
-
 void RunChange(ChangeOptions const& options, Change const& change) {
     ChangeInput input = LoadForChange(options, change.share);
     Drawing& drawing = input.drawing;

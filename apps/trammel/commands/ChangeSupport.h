@@ -80,10 +80,6 @@ struct ChangeInput {
 /// Checks the options, and reads the drawing. Circles and arcs take a small part of the tolerance.
 ChangeInput LoadForChange(ChangeOptions const& options, ToleranceShare const& share);
 
-/// Warns if the distance is above the tolerance, unless that is 0.
-void TellDistance(std::string const& file, std::string const& id, double distance,
-                  double tolerance);
-
 /// True for an outline whose fill has no area, such as a straight line.
 bool EnclosesNothing(Outline const& outline);
 

@@ -221,10 +221,7 @@ void Run(Options const& options) {
     progress.Update(2);
     Region const result = Combined(code, areaA, areaB, step);
     progress.Update(3);
-    if (result.distance > error) {
-        Warn("", "combine",
-             "keeps within " + Figure(result.distance) + " only, not within " + Figure(error));
-    }
+    TellDistance("", "combine", result.distance, error);
     Json json;
     if (options.json) {
         json["operation"] = options.operation;

@@ -69,7 +69,11 @@ void Run(Options const& options) {
         if (options.classic) {
             return PathOf(ClassicFlatten(outline.path, error));
         }
-        return PathOf(Flatten(outline.path, error - outline.arcDistance));
+        CPath lines;
+        double const kept =
+            trammel::FlattenWithin(outline.path, error - outline.arcDistance, lines);
+        TellDistance(drawing.file, outline.id, outline.arcDistance + kept, error);
+        return lines;
     };
     Progress progress("flattening outlines", drawing.outlines.size());
     std::size_t done = 0;

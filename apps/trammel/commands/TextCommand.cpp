@@ -10,6 +10,7 @@
 #include "TextAlong.h"
 #include "WriteSupport.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tool {
@@ -91,7 +92,8 @@ void Run(Options const& options) {
     }
     if (options.rawQuadratics) {
         double const unit = size / font.UnitsPerEm(); // the size of a font unit in the drawing
-        font.FlattenQuadratics((error > 0.0 ? error : size * kErrorShare) / unit);
+        error = error > 0.0 ? error : size * kErrorShare;
+        font.FlattenQuadratics(error / unit);
     }
     std::vector<Outline> glyphs;
     try {
@@ -99,6 +101,12 @@ void Run(Options const& options) {
     } catch (Error const& e) {
         throw Error(options.along.file, along.id, e.what());
     }
+
+    double distance = 0.0;
+    for (Outline const& glyph : glyphs) {
+        distance = std::max(distance, glyph.arcDistance);
+    }
+    TellDistance(options.font, "", distance, error);
 
     std::string const& output = options.write.output;
     if (KeepsDocument(drawing, output)) {

@@ -152,6 +152,14 @@ std::string NewFile(Picture picture, std::string const& file, WriteOptions const
     return PictureBytes(picture, file, size);
 }
 
+void TellDistance(std::string const& file, std::string const& id, double distance,
+                  double tolerance) {
+    if (distance > tolerance && tolerance > 0.0) { // it is 0 for a drawing of no size
+        Warn(file, id,
+             "keeps within " + Figure(distance) + " only, not within " + Figure(tolerance));
+    }
+}
+
 bool IsIdentity(CMatrix3x3 const& m) {
     return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
 }

@@ -57,6 +57,10 @@ std::string NewFile(Picture picture, std::string const& file, WriteOptions const
 /// True for the matrix that moves nothing.
 bool IsIdentity(CMatrix3x3 const& m);
 
+/// Warns if the distance is above the tolerance, unless that is 0.
+void TellDistance(std::string const& file, std::string const& id, double distance,
+                  double tolerance);
+
 /// Returns the matrix that undoes `m`. Throws an Error that names the outline when `m` cannot
 /// be undone, because it presses everything into a line.
 CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline);
