@@ -140,10 +140,8 @@ template <bool kForward> char const* PlaceIn(PointRun points, long i) {
 /// point comes; if none comes, the last one stays, with the signs of its zeros. The first other
 /// point is in the rectangle for good, as one of its fields is not 0.
 template <bool kForward> long Forgotten(PointRun points) {
-    constexpr unsigned kBoth = 3; // the bits of a mask that is set in both lanes
     long start = 0;
-    while (start < points.count - 1 &&
-           (Double2::Load(PlaceIn<kForward>(points, start)) == 0.0).Bits() == kBoth) {
+    while (start < points.count - 1 && IsOrigin(Double2::Load(PlaceIn<kForward>(points, start)))) {
         ++start;
     }
     return start;
@@ -189,9 +187,7 @@ template <bool kForward> TRect<double> Union(PointRun points) {
     // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
     char const* const first = PlaceIn<kForward>(points, start);
     ExtentOfPoints(first, kForward ? first : points.bytes, points.count - start, &bounds.top);
-    Double2 const low = Double2::Load(&bounds.mCorners[0]);
-    Double2 const high = Double2::Load(&bounds.mCorners[1]);
-    if (((low == 0.0).Bits() | (high == 0.0).Bits()) != 0) {
+    if (HasZero(bounds)) {
         PutFirstZeros<kForward>(points, bounds);
     }
     return bounds;

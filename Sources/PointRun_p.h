@@ -67,8 +67,29 @@ private:
     std::vector<Range> mRanges;
 };
 
+/// Returns whether both lanes of a point are 0.
+[[gnu::always_inline]] inline bool IsOrigin(Double2 const& point) {
+    constexpr unsigned kBoth = 3; // the bits of a mask that is set in both lanes
+    return (point == 0.0).Bits() == kBoth;
+}
+/// Returns whether a bound is 0.
+[[gnu::always_inline]] inline bool HasZero(TRect<double> const& bounds) {
+    Double2 const low = Double2::Load(&bounds.mCorners[0]);
+    Double2 const high = Double2::Load(&bounds.mCorners[1]);
+    return ((low == 0.0).Bits() | (high == 0.0).Bits()) != 0;
+}
+
 /// Returns the union of the null rectangle with each point in turn, from the first to the last.
 TRect<double> UnionForward(PointRun points);
+/// Finds that union for most runs. Returns false, with any bounds, for a run without points or with
+/// a zero among the bounds, and for one that begins at the origin.
+[[gnu::always_inline]] inline bool FindUnion(PointRun points, TRect<double>& bounds) {
+    if (points.count <= 0 || IsOrigin(Double2::Load(points.bytes))) {
+        return false;
+    }
+    ExtentOfPoints(points.bytes, points.bytes, points.count, &bounds.top);
+    return !HasZero(bounds);
+}
 /// Returns the union of the null rectangle with each point in turn, from the last to the first.
 TRect<double> UnionBackward(PointRun points);
 

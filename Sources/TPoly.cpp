@@ -157,23 +157,6 @@ trammel_detail::PointRun Run(TPolygon<double> const& polygon) {
     return {reinterpret_cast<char const*>(vertices.points), vertices.count};
 }
 
-/// Computes the bounds of the vertices into the record, and returns them. Not inlined, as it is
-/// done once for many questions.
-[[gnu::noinline]] TRect<double> KeepBounds(TPolygon<double> const& polygon) {
-    TRect<double> const bounds = trammel_detail::UnionForward(Run(polygon));
-    KeptBounds(**polygon.mHandle).Store(bounds);
-    return bounds;
-}
-
-/// Returns the bounds of the vertices, and keeps them. The null rectangle without storage.
-inline TRect<double> BoundsOf(TPolygon<double> const& polygon) {
-    if (polygon.mHandle == nullptr) {
-        return TRect<double>();
-    }
-    return KeptBounds(**polygon.mHandle).Valid() ? (*polygon.mHandle)->mBounds
-                                                 : KeepBounds(polygon);
-}
-
 /// Tells the sides of a segment's box beyond which a point lies.
 ///
 /// For another segment with both ends beyond the same side, SegmentsIntersect is false. A crossing
@@ -345,27 +328,22 @@ template <class T> double TPolygon<T>::Length() const {
     return length;
 }
 
-template <class T> TRect<T> TPolygon<T>::Bounds() const { return BoundsOf(*this); }
-
-template <class T> bool TPolygon<T>::BoundsValid() const {
-    return mHandle != nullptr && KeptBounds(**mHandle).Valid();
-}
-
-template <class T> void TPolygon<T>::CalcBounds() const {
-    if (mHandle != nullptr) {
-        KeepBounds(*this);
+template <class T> TRect<T> TPolygon<T>::KeepBounds() const {
+    TRect<T> bounds;
+    if (mHandle == nullptr) {
+        return bounds;
     }
+    if (!trammel_detail::FindUnion(Run(*this), bounds)) {
+        bounds = trammel_detail::UnionForward(Run(*this));
+    }
+    KeptBounds(**mHandle).Store(bounds);
+    return bounds;
 }
 
-template <class T> TPolygon<T>& TPolygon<T>::InvalBounds() {
-    if (mHandle != nullptr) {
-        (*mHandle)->mBoundsValid = 0;
-    }
-    return *this;
-}
+template <class T> void TPolygon<T>::CalcBounds() const { KeepBounds(); }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
-    return BoundsOf(*this).Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);
+    return Bounds().Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);
 }
 
 template <class T> TPoint<T> TPolygon<T>::TPt(double t) const {

@@ -137,9 +137,13 @@ public:
 
     /// Returns the bounds of the vertices, computed when not cached (O(n)); the null rectangle for
     /// an empty polygon and without storage.
-    TRect<T> Bounds() const;
+    TRect<T> Bounds() const { return BoundsValid() ? (*mHandle)->mBounds : KeepBounds(); }
     /// True when the bounds cache is current.
-    bool BoundsValid() const;
+    bool BoundsValid() const {
+        // Another thread that computes the bounds sets the flag behind them.
+        return mHandle != nullptr &&
+               __atomic_load_n(&(*mHandle)->mBoundsValid, __ATOMIC_ACQUIRE) != 0;
+    }
     /// Computes the bounds into the cache. A leading vertex at the origin is forgotten, because the
     /// bounds are then still null. O(n).
     ///
@@ -147,7 +151,12 @@ public:
     /// no other thread may use the polygon at the same time.
     void CalcBounds() const;
     /// Marks the bounds cache as not current.
-    TPolygon& InvalBounds();
+    TPolygon& InvalBounds() {
+        if (mHandle != nullptr) {
+            (*mHandle)->mBoundsValid = 0;
+        }
+        return *this;
+    }
 
     // Geometry
 
@@ -197,6 +206,10 @@ public:
     /// when this polygon is, and then repeats the first vertex at the end. A polygon without
     /// storage gives a null reference.
     operator CFPolygonRef() const;
+
+private:
+    /// Computes the bounds, keeps and returns them; the null rectangle without storage.
+    TRect<T> KeepBounds() const;
 };
 
 /// Orders points by h and then v, or by v and then h; both ascending. It is a strict weak ordering

@@ -55,9 +55,9 @@ void ExtentOfManyAvx2(char const* first, char const* points, long count, double*
         return WideDouble4::Load(points + kPointBytes * i);
     };
     WideDouble4 const p = Repeat(Double2::Load(first));
-    PairExtent e0 = {p, p};
-    PairExtent e1 = {p, p};
-    for (long i = 0; i < count - 4; i += 4) {
+    PairExtent e0 = {Min(pair(0), p), Max(pair(0), p)};
+    PairExtent e1 = {Min(pair(2), p), Max(pair(2), p)};
+    for (long i = 4; i < count - 4; i += 4) {
         e0.Include(pair(i));
         e1.Include(pair(i + 2));
     }
