@@ -6,6 +6,7 @@
 #include "Input.h"
 #include "MapReader.h"
 #include "SvgReader.h"
+#include "TextEncoding.h"
 
 #include <string_view>
 #include <utility>
@@ -14,12 +15,11 @@ namespace tool {
 
 namespace {
 
-/// True when the content begins like XML: with '<', or with a byte order mark.
+/// True when a text in UTF-8 begins like XML: with '<', or with a byte order mark.
 bool LooksLikeXml(std::string_view content) {
-    for (std::string_view const mark : {"\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE"}) {
-        if (content.substr(0, mark.size()) == mark) {
-            return true;
-        }
+    std::string_view const mark = "\xEF\xBB\xBF";
+    if (content.substr(0, mark.size()) == mark) {
+        return true;
     }
     std::size_t const first = content.find_first_not_of(" \t\r\n");
     return first != std::string_view::npos && content[first] == '<';
@@ -32,10 +32,14 @@ Drawing ReadDrawing(std::string const& file, ArcAccuracy const& arcs) {
     if (LooksLikeFont(content)) {
         return ReadFontDrawing(file, std::move(content));
     }
-    if (LooksLikeJson(content)) {
-        return ReadMap(file, content);
+    Encoding const encoding = EncodingOf(content);
+    bool const wide = IsWideEncoding(encoding);
+    std::string const decoded = wide ? Decoded(file, content, encoding) : std::string();
+    std::string const& text = wide ? decoded : content;
+    if (LooksLikeJson(text)) {
+        return ReadMap(file, text);
     }
-    if (LooksLikeXml(content)) {
+    if (LooksLikeXml(text)) {
         return ReadSvg(file, std::move(content), arcs);
     }
     throw Error(file, "", "is neither an SVG drawing nor a font nor a map (TopoJSON, GeoJSON)");

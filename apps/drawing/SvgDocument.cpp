@@ -3,80 +3,13 @@
 #include "SvgDocument.h"
 
 #include "Error.h"
-#include "Utf8.h"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 namespace tool {
 
 namespace {
-
-/// Returns the character of a text in UTF-8 at `i`, and moves `i` behind it. A byte out of place
-/// counts as a character of its own.
-char32_t TakeUtf8(std::string_view text, std::size_t& i) {
-    auto const lead = static_cast<unsigned char>(text[i++]);
-    std::size_t const more = lead < 0xC0 ? 0 : lead < 0xE0 ? 1 : lead < 0xF0 ? 2 : 3;
-    char32_t c = more == 0 ? lead : lead & (0x3FU >> more);
-    for (std::size_t k = 0; k < more && i < text.size(); ++k) {
-        c = c << 6 | (static_cast<unsigned char>(text[i++]) & 0x3FU);
-    }
-    return c;
-}
-
-/// The encoding of a file, by the rules that XML gives for the first bytes of a document.
-Encoding EncodingOf(std::string_view content) {
-    auto const starts = [content](std::string_view with) {
-        return content.substr(0, with.size()) == with;
-    };
-    if (starts("\xFE\xFF") || starts(std::string_view("\0<\0", 3))) {
-        return Encoding::kUtf16Big;
-    }
-    if (starts("\xFF\xFE") || starts(std::string_view("<\0", 2))) {
-        return Encoding::kUtf16Little;
-    }
-    if (starts("<?xml")) {
-        std::string declaration(content.substr(0, content.find("?>")));
-        std::transform(declaration.begin(), declaration.end(), declaration.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        for (std::string_view const name : {"iso-8859-1", "latin1"}) {
-            std::size_t const at = declaration.find(name);
-            if (at != std::string::npos && at > 0 &&
-                std::string_view("\"'").find(declaration[at - 1]) != std::string_view::npos) {
-                return Encoding::kLatin1;
-            }
-        }
-    }
-    return Encoding::kUtf8;
-}
-
-std::string Decoded(std::string content, Encoding encoding) {
-    if (encoding == Encoding::kUtf8) {
-        return content;
-    }
-    std::string text;
-    if (encoding == Encoding::kLatin1) {
-        for (char const c : content) {
-            AppendUtf8(text, static_cast<unsigned char>(c));
-        }
-        return text;
-    }
-    std::size_t const high = encoding == Encoding::kUtf16Big ? 0 : 1;
-    auto const unit = [&](std::size_t i) {
-        return static_cast<char32_t>(static_cast<unsigned char>(content[i + high])) << 8 |
-               static_cast<unsigned char>(content[i + 1 - high]);
-    };
-    for (std::size_t i = 0; i + 1 < content.size(); i += 2) {
-        char32_t c = unit(i);
-        if (c >= 0xD800 && c < 0xDC00 && i + 3 < content.size()) {
-            i += 2;
-            c = 0x10000 + ((c - 0xD800) << 10) + ((unit(i) - 0xDC00) & 0x3FF);
-        }
-        AppendUtf8(text, c);
-    }
-    return text;
-}
 
 /// The entities that a document declares, with limits to what they may grow to.
 class Entities {
@@ -137,7 +70,7 @@ private:
 
 SvgDocument::SvgDocument(std::string const& file, std::string content)
     : mFile(file), mEncoding(EncodingOf(content)) {
-    mText = Decoded(std::move(content), mEncoding);
+    mText = Decoded(file, std::move(content), mEncoding);
     for (std::size_t i = mText.find('\n'); i != std::string::npos; i = mText.find('\n', i + 1)) {
         mLineEnds.push_back(i);
     }
@@ -180,33 +113,6 @@ SvgDocument::SvgDocument(std::string const& file, std::string content)
         }
         node = node.next_sibling();
     }
-}
-
-std::string SvgDocument::Encoded(std::string const& text) const {
-    if (mEncoding == Encoding::kUtf8) {
-        return text;
-    }
-    std::string out;
-    auto const unit = [&](char32_t value) {
-        char const low = static_cast<char>(value & 0xFF);
-        char const high = static_cast<char>(value >> 8 & 0xFF);
-        bool const big = mEncoding == Encoding::kUtf16Big;
-        out += big ? high : low;
-        out += big ? low : high;
-    };
-    for (std::size_t i = 0; i < text.size();) {
-        char32_t const c = TakeUtf8(text, i);
-        if (mEncoding == Encoding::kLatin1) {
-            out += c < 0x100 ? std::string(1, static_cast<char>(c))
-                             : "&#" + std::to_string(static_cast<unsigned long>(c)) + ";";
-        } else if (c < 0x10000) {
-            unit(c);
-        } else {
-            unit(0xD800 + ((c - 0x10000) >> 10));
-            unit(0xDC00 + ((c - 0x10000) & 0x3FF));
-        }
-    }
-    return out;
 }
 
 pugi::xml_node SvgDocument::Find(std::string_view id) const {

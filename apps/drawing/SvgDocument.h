@@ -6,6 +6,8 @@
 #ifndef TRAMMEL_APP_SVGDOCUMENT_H
 #define TRAMMEL_APP_SVGDOCUMENT_H
 
+#include "TextEncoding.h"
+
 #include <pugixml.hpp>
 
 #include <cstddef>
@@ -15,9 +17,6 @@
 #include <vector>
 
 namespace tool {
-
-/// How the characters of a file are stored.
-enum class Encoding { kUtf8, kUtf16Little, kUtf16Big, kLatin1 };
 
 /// A file's text and its elements.
 class SvgDocument {
@@ -31,7 +30,7 @@ public:
     /// Returns the text in UTF-8, byte order mark included. All offsets count from its start.
     std::string const& Text() const { return mText; }
     /// Returns a text of this document in the encoding of its file.
-    std::string Encoded(std::string const& text) const;
+    std::string Encoded(std::string const& text) const { return tool::Encoded(text, mEncoding); }
 
     /// Returns the outermost element.
     pugi::xml_node Root() const { return mTree.document_element(); }

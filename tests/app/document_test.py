@@ -10,7 +10,7 @@ import struct
 import unittest
 import xml.etree.ElementTree
 
-from support import SVG, AppTest, svg
+from support import SVG, SQUARE, AppTest, svg
 
 ICONS = "/usr/share/icons/breeze/actions/22"
 
@@ -211,12 +211,30 @@ class Documents(AppTest):
         self.run_text("transform", file, "--translate", "1,2", "-o", self.out)
         new = text.replace('H1"', 'H1" transform="matrix(1,0,0,1,1,2)"')
         self.assertEqual(self.read("out.svg"), new.encode("latin-1"))
-        for encoding in ("utf-16-le", "utf-16-be"):
-            text = "\ufeff" + svg('<path id="p\u00e9\U0001f600" d="M0 0H1"/>')
-            file = self.write("in.svg", text.encode(encoding))
-            self.run_text("transform", file, "--translate", "1,2", "-o", self.out)
-            new = text.replace('H1"', 'H1" transform="matrix(1,0,0,1,1,2)"')
-            self.assertEqual(self.read("out.svg"), new.encode(encoding))
+        for encoding in ("utf-16-le", "utf-16-be", "utf-32-le", "utf-32-be"):
+            for first in ("\ufeff", "", " \r\n"):
+                with self.subTest((encoding, first)):
+                    text = first + svg('<path id="p\u00e9\U0001f600" d="M0 0H1"/>')
+                    file = self.write("in.svg", text.encode(encoding))
+                    self.run_text("transform", file, "--translate", "1,2", "-o", self.out)
+                    new = text.replace('H1"', 'H1" transform="matrix(1,0,0,1,1,2)"')
+                    self.assertEqual(self.read("out.svg"), new.encode(encoding))
+
+    def test_text_that_is_damaged_is_told_with_its_place(self):
+        text = svg('<path id="\ud800" d="M0 0H1"/>')
+        place = text.index("\ud800")
+        for encoding, size in (("utf-16-le", 2), ("utf-16-be", 2), ("utf-32-le", 4),
+                               ("utf-32-be", 4)):
+            for first in ("\ufeff", ""):
+                with self.subTest((encoding, first)):
+                    name = encoding[:6].upper()
+                    bad = self.write("bad.svg", (first + text).encode(encoding, "surrogatepass"))
+                    self.fails("measure", bad, names=[
+                        f"bad.svg: byte {size * (place + len(first))}: is not valid {name}"])
+                    whole = (first + SQUARE).encode(encoding)
+                    cut = self.write("cut.svg", whole + b"\n")
+                    self.fails("measure", cut, names=[
+                        f"cut.svg: byte {len(whole)}: is not valid {name}"])
 
     def test_pngs_have_the_size_that_is_asked_for(self):
         file = self.write("in.svg", svg('<rect width="10" height="10"/>', 'viewBox="0 0 100 50"'))

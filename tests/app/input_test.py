@@ -48,6 +48,9 @@ class Maps(AppTest):
         west, east = data["outlines"]
         self.assertEqual((data["kind"], west["id"], east["id"]), ("map", "West", "E"))
         self.assertEqual((west["bounds"], west["length"]), ([0, -10, 10, 0], 40))
+        for encoding in ("utf-8-sig", "utf-16", "utf-32", "utf-16-be", "utf-32-le"):
+            wide = self.run_json("measure", self.write("map.svg", self.changed().encode(encoding)))
+            self.assertEqual(wide["files"], [data], encoding)
         self.assertEqual((east["bounds"], east["length"], east["subpaths"]),
                          ([10, -10, 31, 0], 44, 2))
 
@@ -197,7 +200,9 @@ class BadInput(AppTest):
         self.fails("measure", self.path("missing.svg"), names=["missing.svg", "No such file"])
         self.fails("measure", self.folder, names=[self.folder, "folder"])
         self.bad("", "is empty")
-        self.bad("hello", "neither")
+        for encoding in ("utf-8", "utf-16-le", "utf-16-be", "utf-32-le", "utf-32-be"):
+            self.bad("hello".encode(encoding), "neither")
+            self.bad("  <hello/>".encode(encoding), "outermost element must be <svg>")
         self.bad(b"\x1f\x8b\x08\0\0", "compressed")
         self.bad(b"\0\1\0\0 no font at all", "not a font")
         self.bad(font_bytes()[:300], "")
