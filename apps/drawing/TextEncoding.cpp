@@ -16,17 +16,17 @@ namespace {
 
 /// How a wide encoding stores its units, one or two for each character.
 struct Units {
-    Encoding encoding;
     char const* name;
     std::size_t size; ///< in bytes
-    bool big;         ///< whether the most significant byte comes first
+    Encoding encoding;
+    bool big; ///< whether the most significant byte comes first
 };
 
 /// In the order in which they are looked for: the marks of UTF-16 begin those of UTF-32.
-constexpr Units kUnits[] = {{Encoding::kUtf32Big, "UTF-32", 4, true},
-                            {Encoding::kUtf32Little, "UTF-32", 4, false},
-                            {Encoding::kUtf16Big, "UTF-16", 2, true},
-                            {Encoding::kUtf16Little, "UTF-16", 2, false}};
+constexpr Units kUnits[] = {{"UTF-32", 4, Encoding::kUtf32Big, true},
+                            {"UTF-32", 4, Encoding::kUtf32Little, false},
+                            {"UTF-16", 2, Encoding::kUtf16Big, true},
+                            {"UTF-16", 2, Encoding::kUtf16Little, false}};
 
 constexpr char32_t kByteOrderMark = 0xFEFF;
 constexpr char32_t kMostCharacter = 0x10FFFF;
