@@ -63,7 +63,6 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"overflow", Syntax::kAny},
                                                  {"mask", Syntax::kAny},
                                                  {"filter", Syntax::kAny},
-                                                 {"marker", Syntax::kAny},
                                                  {"marker-start", Syntax::kAny},
                                                  {"marker-mid", Syntax::kAny},
                                                  {"marker-end", Syntax::kAny},
@@ -365,6 +364,13 @@ std::vector<Cascade::Value> Cascade::ValuesOf(std::vector<CssDeclaration> const&
                                               CssComplaint const& complain) const {
     std::vector<Value> values;
     for (CssDeclaration const& declaration : declarations) {
+        if (declaration.property == "marker") { // stands for these three
+            for (Property const property :
+                 {Property::kMarkerStart, Property::kMarkerMid, Property::kMarkerEnd}) {
+                values.push_back({property, declaration.value, declaration.important});
+            }
+            continue;
+        }
         std::size_t const index = IndexOf(declaration.property);
         if (index == kProperties) {
             continue;

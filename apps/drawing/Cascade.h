@@ -52,7 +52,6 @@ enum class Property {
     kOverflow,
     kMask,
     kFilter,
-    kMarker,
     kMarkerStart,
     kMarkerMid,
     kMarkerEnd,

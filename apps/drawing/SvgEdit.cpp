@@ -2,12 +2,14 @@
 
 #include "SvgEdit.h"
 
+#include "Ascii.h"
 #include "CssTokens.h"
 #include "Markup.h"
 #include "Numbers.h"
 #include "SvgAttributes.h"
 #include "Warning.h"
 
+#include <trammel/PathStructure.h>
 #include <trammel/SvgPath.h>
 
 #include <algorithm>
@@ -141,6 +143,11 @@ std::string SharesOf(PaintServer const& gradient) {
         }
     }
     return text;
+}
+
+/// True for the elements that show markers.
+bool ShowsMarkers(std::string_view type) {
+    return type == "path" || type == "line" || type == "polyline" || type == "polygon";
 }
 
 /// Returns the offset of the element's end tag; for an empty element, the offset behind it.
@@ -404,11 +411,61 @@ void SvgEdit::KeepStyleOfType(std::size_t element, std::string const& type) {
     if (after.count("d") != 0 || own.count("d") != 0) {
         AddStyle(element, "d", "path(\"" + *mTags[element].attributes["d"] + "\") !important");
     }
-    // Paths show markers that these shapes do not have.
-    bool const lines = type == "line" || type == "polyline" || type == "polygon";
-    if (!lines && mDocument->Text().find("marker-") != std::string::npos) {
+    if (!ShowsMarkers(type) && HasMarkers()) {
         AddStyle(element, "marker", "none");
     }
+}
+
+bool SvgEdit::TurnMarkers(std::size_t element, CPath const& path) {
+    pugi::xml_node const node = NodeAt(element);
+    if (!ShowsMarkers(mDocument->LocalName(node))) {
+        return true;
+    }
+    std::string const start = InheritedValue(node, Property::kMarkerStart);
+    std::string const mid = InheritedValue(node, Property::kMarkerMid);
+    std::string const end = InheritedValue(node, Property::kMarkerEnd);
+    std::string const startOrient = MarkerOrient(start);
+    std::string const midOrient = MarkerOrient(mid);
+    std::string const endOrient = MarkerOrient(end);
+    if (startOrient.empty() && midOrient.empty() && endOrient.empty()) {
+        return true;
+    }
+    bool const follow =
+        startOrient == "auto" || endOrient == "auto" || midOrient.compare(0, 4, "auto") == 0;
+    if (!follow && start == mid && mid == end && startOrient != "auto-start-reverse") {
+        return true; // all vertices look alike
+    }
+    // Other paths begin and end at other vertices than before.
+    bool const simple = trammel::SplitSubpaths(path).size() == 1 && !path.Closed();
+    // A marker follows the path at a start or an end alike, and "auto-start-reverse" looks against
+    // it at the start. The path now runs the other way, so that the latter looks as before.
+    if (!simple || follow) {
+        return false;
+    }
+    if (start != end) {
+        SetProperty(element, Property::kMarkerStart, endOrient.empty() ? "none" : end);
+        SetProperty(element, Property::kMarkerEnd, startOrient.empty() ? "none" : start);
+    }
+    return true;
+}
+
+std::string SvgEdit::InheritedValue(pugi::xml_node node, Property property) {
+    for (; node; node = node.parent()) {
+        std::string_view const value = mCascade.Of(node)[property].value;
+        if (!value.empty() && value != "inherit" && value != "unset") {
+            return IsWide(value) ? "" : std::string(value);
+        }
+    }
+    return "";
+}
+
+std::string SvgEdit::MarkerOrient(std::string const& value) const {
+    pugi::xml_node const marker = mDocument->Find(UrlFragment(value));
+    if (!marker || mDocument->LocalName(marker) != "marker") {
+        return "";
+    }
+    std::string const orient(Trimmed(marker.attribute("orient").value()));
+    return orient.empty() ? "0" : orient;
 }
 
 void SvgEdit::SetPath(std::size_t element, CPath const& path) {
@@ -566,7 +623,7 @@ void SvgEdit::DropMarkers(std::size_t element) {
     ElementStyle const style = mCascade.Of(NodeAt(element));
     bool important = false;
     for (Property const property :
-         {Property::kMarker, Property::kMarkerStart, Property::kMarkerMid, Property::kMarkerEnd}) {
+         {Property::kMarkerStart, Property::kMarkerMid, Property::kMarkerEnd}) {
         important = important || style[property].important;
     }
     AddStyle(element, "marker", important ? "none !important" : "none");

@@ -59,6 +59,12 @@ public:
     /// keeps all attributes that do not describe its form, and the style that it had by its type.
     void SetPath(std::size_t element, CPath const& path);
 
+    /// Exchanges the markers at the start and the end of an element whose path will be drawn the
+    /// other way, so that they look as before. Returns false, and changes none, where that cannot
+    /// be: they follow the path's direction, or the path has several subpaths or is closed.
+    /// \param path  the element's path before
+    bool TurnMarkers(std::size_t element, CPath const& path);
+
     /// What a new path is called, and how it looks.
     struct NewPath {
         std::string id;
@@ -118,6 +124,10 @@ private:
     void KeepStyleOfType(std::size_t element, std::string const& type);
     void KeepStyleOfId(std::size_t element);
     void DropMarkers(std::size_t element);
+    /// Returns the value that an element has of an inherited property; empty without one.
+    std::string InheritedValue(pugi::xml_node node, Property property);
+    /// Returns the orientation of the marker that a value refers to; empty without a marker.
+    std::string MarkerOrient(std::string const& value) const;
     std::string SpaceBefore(std::size_t element) const;
     std::string TagText(std::size_t element, Tag const& tag) const;
     std::string PathText(CPath const& path) const;

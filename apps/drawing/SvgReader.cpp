@@ -440,14 +440,16 @@ void SvgElements::Element(pugi::xml_node element, Context const& context) {
         if (!clip.empty()) {
             ClipFrom(first, element, clip, inner);
         }
-        Property const unread[] = {Property::kMask, Property::kMarker, Property::kMarkerStart,
-                                   Property::kMarkerMid, Property::kMarkerEnd};
-        for (Property const property : unread) {
-            std::string_view const value = style[property].value;
-            if (mDrawing.outlines.size() > first && !UrlFragment(value).empty()) {
-                mComplaints.CountUnread(property == Property::kMask ? "a mask" : "markers",
-                                        mDocument->Place(element));
-            }
+        auto const refers = [&style](Property property) {
+            return !UrlFragment(style[property].value).empty();
+        };
+        if (mDrawing.outlines.size() > first && refers(Property::kMask)) {
+            mComplaints.CountUnread("a mask", mDocument->Place(element));
+        }
+        if (mDrawing.outlines.size() > first &&
+            (refers(Property::kMarkerStart) || refers(Property::kMarkerMid) ||
+             refers(Property::kMarkerEnd))) {
+            mComplaints.CountUnread("markers", mDocument->Place(element));
         }
     } catch (AttributeError const& e) {
         Skip(element, e.attribute, e.position, e.message + "; the element is left out");

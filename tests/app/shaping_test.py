@@ -4,6 +4,7 @@
 """Tests of the commands that write outlines: `flatten`, `cut`, `transform`, `hatch`, `glyphs`."""
 
 import math
+import re
 import struct
 import unittest
 import xml.etree.ElementTree as ElementTree
@@ -236,6 +237,57 @@ class Shapes(AppTest):
         self.run_text("reverse", self.path("out.svg"), "-o", self.path("again.svg"))
         self.assertEqual(self.path_data("again.svg"), {"a": "M0 0H9V9Z", "l": "M5 0H0"})
         self.run_text("reverse", file, "--precision", "2", "--zoom", "2", "-o", self.path("out.png"))
+
+    MARKERS = ('<marker id="dot"/><marker id="tick" orient="45"/><marker id="to" orient="auto"/>'
+               '<marker id="ends" orient="auto-start-reverse"/>')
+
+    def markers_after_reverse(self, look, d="M0 0H9V5"):
+        """The look of a path after it was reversed, and the warnings."""
+        body = f'{self.MARKERS}<path id="p" d="{d}" {look}/>'
+        file = self.write("in.svg", svg(body))
+        result = self.execute("reverse", file, "-o", self.path("out.svg"))
+        self.assertEqual(result.returncode, 0)
+        got = re.search('<path id="p" d="[^"]*" (.*?)/>', self.read("out.svg").decode())
+        told = [line for line in result.stderr.decode().splitlines() if "left out" not in line]
+        return got.group(1), told
+
+    def test_markers_that_look_the_same_change_places(self):
+        for before, after in (
+                ('marker-end="url(#dot)"', 'marker-end="none" marker-start="url(#dot)"'),
+                ('marker-end="url(#ends)"', 'marker-end="none" marker-start="url(#ends)"'),
+                ('marker-start="url(#tick)" marker-end="url(#ends)"',
+                 'marker-start="url(#ends)" marker-end="url(#tick)"'),
+                ('style="marker:url(#dot);marker-end:none"',
+                 'style="marker:url(#dot);marker-end:none;marker-start:none;marker-end:url(#dot)"'),
+                ('marker-start="url(#ends)" marker-end="url(#ends)"',) * 2,
+                ('marker-mid="url(#tick)"',) * 2,
+                ('marker-end="url(#missing)"',) * 2,
+                ('style="marker:url(#dot)"',) * 2):
+            with self.subTest(before):
+                self.assertEqual(self.markers_after_reverse(before), (after, []))
+
+    def test_inherited_markers_change_places(self):
+        body = f'{self.MARKERS}<g marker-end="url(#dot)"><path id="p" d="M0 0H9"/></g>'
+        self.run_text("reverse", "-q", self.write("in.svg", svg(body)), "-o", self.path("out.svg"))
+        self.assertIn('<g marker-end="url(#dot)"><path id="p" d="M9 0H0" marker-end="none" '
+                      'marker-start="url(#dot)"/></g>', self.read("out.svg").decode())
+
+    def test_markers_that_cannot_look_the_same_are_told(self):
+        for look in ('marker-end="url(#to)"', 'marker-start="url(#to)"', 'marker-mid="url(#to)"',
+                     'marker-mid="url(#ends)"', 'style="marker:url(#ends)"'):
+            with self.subTest(look):
+                after, told = self.markers_after_reverse(look)
+                self.assertEqual((after, len(told)), (look, 1))
+                self.assertRegex(told[0], "p: its markers follow the new beginning and direction")
+        for d in ("M0 0H9V5Z", "M0 0H9M5 5V9"):
+            after, told = self.markers_after_reverse('marker-end="url(#dot)"', d=d)
+            self.assertEqual((after, len(told)), ('marker-end="url(#dot)"', 1))
+
+    def test_a_shape_that_becomes_a_path_gets_no_markers(self):
+        body = ('<style>svg{marker:url(#dot)}</style><marker id="dot"/>'
+                '<rect id="r" width="2" height="2"/>')
+        self.run_text("reverse", "-q", self.write("in.svg", svg(body)), "-o", self.path("out.svg"))
+        self.assertRegex(self.read("out.svg").decode(), '<path id="r" [^>]*style="marker:none"')
 
     def test_wrong_shapes_are_named(self):
         out = self.path("out.svg")

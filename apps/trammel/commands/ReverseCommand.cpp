@@ -4,6 +4,7 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Output.h"
+#include "Warning.h"
 #include "WriteSupport.h"
 
 #include <trammel/PathStructure.h>
@@ -24,6 +25,10 @@ void Run(Options const& options) {
     if (KeepsDocument(drawing, output)) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
         for (Outline const* const outline : OnePerElement(drawing)) {
+            if (!edit.TurnMarkers(outline->source.element, outline->path)) {
+                Warn(drawing.file, outline->id,
+                     "its markers follow the new beginning and direction");
+            }
             SetPath(edit, drawing, *outline, trammel::Reversed(outline->path));
         }
         WriteFile(output, SvgBytes(edit.Text(), output));
@@ -45,7 +50,9 @@ void AddReverse(Command const& app) {
     AddWriteOptions(command, options->write);
     AddCurveAccuracy(command, options->write);
     command.SetFooter("Each subpath begins where it ended, and closed ones stay closed. An SVG "
-                      "drawing is kept: only the\nforms of the elements change.\n"
+                      "drawing is kept: only the\nforms of the elements change. The markers at "
+                      "both ends of a line change places, so that it\nlooks as before; a warning "
+                      "tells where that cannot be.\n"
                       "Example: trammel reverse drawing.svg --id hole -o reversed.svg");
     command.SetAction([options] { Run(*options); });
 }
