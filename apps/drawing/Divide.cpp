@@ -14,6 +14,7 @@ Division DivideOutlines(std::vector<Outline const*> const& outlines, double tole
     double const half = tolerance / 2.0;
     Division division;
     division.parts.resize(outlines.size());
+    division.below.resize(outlines.size());
     std::vector<CPath> regions(outlines.size());
     for (std::size_t i = 0; i < outlines.size(); ++i) {
         division.distance =
@@ -23,8 +24,13 @@ Division DivideOutlines(std::vector<Outline const*> const& outlines, double tole
     trammel::OutlineArrangement const arrangement(regions, half);
     division.distance += arrangement.Distance();
     for (trammel::OutlineFace const& face : arrangement.Faces()) {
-        if (!face.windings.empty()) { // others are gaps, which nothing covers
-            division.parts[face.windings.back().operand].push_back(face.outline);
+        if (face.windings.empty()) { // a gap, which nothing covers
+            continue;
+        }
+        std::size_t const top = face.windings.back().operand;
+        division.parts[top].push_back(face.outline);
+        for (std::size_t i = 0; i + 1 < face.windings.size(); ++i) {
+            division.below[top].insert(face.windings[i].operand);
         }
     }
     auto const size = [](CPath const& part) { return std::abs(trammel::SignedArea(part)); };

@@ -9,6 +9,8 @@
 
 #include <trammel/CPath.h>
 
+#include <cstddef>
+#include <set>
 #include <vector>
 
 namespace tool {
@@ -19,6 +21,8 @@ struct Division {
     /// part belongs to the last of the outlines that cover it. An outline that others cover
     /// altogether has none.
     std::vector<std::vector<CPath>> parts;
+    /// For each outline, the outlines that lie under its parts: what they show there goes.
+    std::vector<std::set<std::size_t>> below;
     double distance = 0.0; ///< points farther than this from all outlines are in the right part
 };
 

@@ -6,6 +6,7 @@
 #include "CssTokens.h"
 #include "Markup.h"
 #include "Numbers.h"
+#include "PaintServer.h"
 #include "SvgAttributes.h"
 #include "Warning.h"
 
@@ -69,45 +70,6 @@ TagSpan TagAt(std::string_view text, std::size_t at) {
     tag.end = std::min(text.find('>', i), text.size() - 1) + 1;
     return tag;
 }
-
-/// A gradient or pattern, and the others that its href leads to. Attributes that it lacks come
-/// from them.
-class PaintServer {
-public:
-    PaintServer(SvgDocument const& document, std::string const& id) {
-        constexpr std::size_t kMostLinks = 16;
-        std::string next = id;
-        while (mChain.size() < kMostLinks && !next.empty()) {
-            pugi::xml_node const node = document.Find(next);
-            if (!node) {
-                break;
-            }
-            mChain.push_back(node);
-            mKinds.emplace_back(document.LocalName(node));
-            pugi::xml_attribute const href =
-                node.attribute("href") ? node.attribute("href") : node.attribute("xlink:href");
-            std::string const link = href.value();
-            next = link.empty() || link[0] != '#' ? "" : link.substr(1);
-        }
-    }
-
-    /// "linearGradient", "radialGradient", "pattern" or another name; empty without an element.
-    std::string Kind() const { return mKinds.empty() ? "" : mKinds.front(); }
-    pugi::xml_node Node() const { return mChain.front(); }
-    /// Returns the value of an attribute; empty where none of them has it. \param kind  empty: any
-    std::string Value(char const* name, std::string const& kind = "") const {
-        for (std::size_t i = 0; i < mChain.size(); ++i) {
-            if (mChain[i].attribute(name) && (kind.empty() || kind == mKinds[i])) {
-                return mChain[i].attribute(name).value();
-            }
-        }
-        return "";
-    }
-
-private:
-    std::vector<pugi::xml_node> mChain;
-    std::vector<std::string> mKinds;
-};
 
 /// Returns a share of a box, a number or a percentage.
 double ShareOf(std::string const& text, double otherwise) {

@@ -128,6 +128,35 @@ class Outlines(AppTest):
         self.assertAlmostEqual(sum(areas.values()),
                                1600 + 50 * math.pi + 80 - stripe / 2, delta=1e-3)
 
+    def test_divide_tells_what_shows_through(self):
+        def told(top, around="", behind="", more=""):
+            file = self.write("in.svg", svg(
+                '<linearGradient id="clear"><stop offset="0" stop-color="red"/><stop offset="1" '
+                'style="stop-opacity:.5"/></linearGradient><linearGradient id="solid" '
+                'href="#none"><stop stop-color="#f00f"/></linearGradient><linearGradient '
+                'id="like" href="#clear"/><pattern id="dots"/>'
+                '<path id="low" d="M0 0H10V10H0Z"/>' + around +
+                f'<path id="top" d="M5 5H15V15H5Z" {top}/>' + behind + more))
+            result = self.execute("divide", file, "-o", self.out)
+            self.assertEqual(result.returncode, 0)
+            lines = [line for line in result.stderr.decode().splitlines() if "pattern" not in line]
+            return [line.split("in.svg: ")[1] for line in lines]
+        one = ["top: is translucent, and what shows through it goes"]
+        for look in ('opacity=".5"', 'fill-opacity="50%"', 'fill="#f008"', 'fill="#ff000080"',
+                     'fill="rgba(9,9,9,.5)"', 'fill="rgb(9 9 9 / 50%)"', 'fill="transparent"',
+                     'fill="url(#clear)"', 'fill="url(#like)"', 'fill="url(#dots)"'):
+            self.assertEqual(told(look), one, look)
+        for look in ("", 'opacity="1"', 'fill="#f00f"', 'fill="rgb(9,9,9)"', 'fill="url(#solid)"',
+                     'fill="rgba(9,9,9,1)"', 'stroke-opacity=".5" stroke="red"',
+                     'opacity=".5" transform="translate(20)"'):
+            self.assertEqual(told(look), [], look)
+        # A group covers what lies below it, and not its own.
+        self.assertEqual(told("", '<g opacity=".5"><g>', "</g></g>"), one)
+        self.assertEqual(told('transform="translate(20)"', '<g opacity=".5">',
+                              '<path d="M28 8H30V30H28Z"/></g>'), [])
+        self.assertEqual(told('opacity=".5"', more='<path d="M0 0H9V9Z" opacity="0.1"/>'),
+                         [one[0] + "; so does what shows through 1 more"])
+
     def test_divide_removes_what_is_covered(self):
         body = ('<path id="below" d="M1 1H9V9H1Z"/>\n<g fill="blue">\n  <path id="top" d="M0 0H10V10H0Z">'
                 '<title>t</title></path>\n</g>')

@@ -9,6 +9,7 @@
 #include "Numbers.h"
 #include "Outlines.h"
 #include "Output.h"
+#include "PaintServer.h"
 #include "PenNames.h"
 #include "SvgDocument.h"
 #include "Warning.h"
@@ -65,12 +66,14 @@ public:
         for (std::size_t i = 0; i < mPlaces.size(); ++i) {
             mParts[mPlaces[i]] = std::move(division.parts[i]);
         }
+        mBelow = std::move(division.below);
         return arcDistance + division.distance;
     }
 
     /// Returns the document with the parts in the places of the outlines.
     std::string Document(std::optional<int> digits) const {
         SvgEdit edit(mDrawing.document, digits);
+        TellTranslucent(edit);
         std::set<std::size_t> const taken = TakenOut();
         for (std::size_t const place : taken) {
             edit.Remove(place);
@@ -164,6 +167,59 @@ private:
             taken.insert(source.placed);
         }
         return taken;
+    }
+
+    /// Warns once of outlines through which others show, as these go there.
+    void TellTranslucent(SvgEdit& edit) const {
+        std::map<pugi::xml_node, bool> groups;
+        Outline const* first = nullptr;
+        std::size_t others = 0;
+        for (std::size_t i = 0; i < mPlaces.size(); ++i) {
+            if (!mBelow[i].empty() && ShowsBelow(edit, i, groups)) {
+                others += first != nullptr ? 1 : 0;
+                first = first != nullptr ? first : &mDrawing.outlines[mPlaces[i]];
+            }
+        }
+        if (first != nullptr) {
+            Warn(mDrawing.file, first->id,
+                 "is translucent, and what shows through it goes" +
+                     (others > 0
+                          ? "; so does what shows through " + std::to_string(others) + " more"
+                          : std::string()));
+        }
+    }
+
+    /// True for the outline at mPlaces[i] if it, or a group around it, is translucent. A group that
+    /// has all that lies below does not count.
+    /// \param groups  whether elements are, as far as known
+    bool ShowsBelow(SvgEdit& edit, std::size_t i, std::map<pugi::xml_node, bool>& groups) const {
+        Outline const& outline = mDrawing.outlines[mPlaces[i]];
+        if (outline.opacity < 1.0 || (outline.pen && OpacityOf(outline.pen->fillOpacity) < 1.0) ||
+            IsTranslucent(*mDrawing.document, outline.fill)) {
+            return true;
+        }
+        auto const placed = [this](std::size_t k) {
+            return mDrawing.document->ElementAt(mDrawing.outlines[mPlaces[k]].source.placed);
+        };
+        auto const lies = [](pugi::xml_node element, pugi::xml_node group) {
+            while (element && element != group) {
+                element = element.parent();
+            }
+            return static_cast<bool>(element);
+        };
+        for (pugi::xml_node group = placed(i).parent(); group; group = group.parent()) {
+            auto const known = groups.emplace(group, false);
+            if (known.second && group.type() == pugi::node_element) {
+                std::size_t const at = mDrawing.document->Offset(group);
+                known.first->second = OpacityOf(edit.DeclaredValue(at, Property::kOpacity)) < 1.0;
+            }
+            if (known.first->second &&
+                std::any_of(mBelow[i].begin(), mBelow[i].end(),
+                            [&](std::size_t k) { return !lies(placed(k), group); })) {
+                return true;
+            }
+        }
+        return false;
     }
 
     /// The first part takes the place of the element, and copies of it get the others.
@@ -299,6 +355,7 @@ private:
     std::set<std::size_t> mClipped;             ///< elements of which a clip hides something
     std::vector<std::size_t> mPlaces;           ///< the outlines to divide, by index
     std::vector<std::vector<CPath>> mParts;     ///< by index
+    std::vector<std::set<std::size_t>> mBelow;  ///< as Division has it, by place in mPlaces
     std::vector<Whole> mWhole;                  ///< by index
 };
 
@@ -326,7 +383,8 @@ void AddDivide(Command const& app) {
         "parts meet along the outlines, within the\ntolerance, and curves stay curves.\n"
         "An SVG drawing is kept: the largest part of an element takes its place, and the others "
         "follow as copies\nwith ids ID-2, ID-3 and so on. Elements with a fill divide each other, "
-        "or those that --id names.\n"
+        "or those that --id names.\nA warning tells of a translucent shape, as what shows through "
+        "it goes.\n"
         "Example: trammel divide drawing.svg -o parts.svg",
         Run);
 }
