@@ -29,6 +29,7 @@ enum class Syntax {
     kNumber,
     kDashes,
     kOffset,
+    kOrigin,
     kAny
 };
 
@@ -58,7 +59,8 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"clip-rule", Syntax::kRule},
                                                  {"clip-path", Syntax::kClipPath},
                                                  {"transform", Syntax::kAny},
-                                                 {"transform-origin", Syntax::kAny},
+                                                 {"transform-origin", Syntax::kOrigin},
+                                                 {"transform-box", Syntax::kAny},
                                                  {"font-size", Syntax::kAny},
                                                  {"overflow", Syntax::kAny},
                                                  {"mask", Syntax::kAny},
@@ -146,6 +148,19 @@ bool IsNumber(std::string_view value) {
     }
 }
 
+/// True for the centre of a transform. Style sheets take no number without a unit but 0.
+bool IsOrigin(std::string_view value, bool css) {
+    auto const suits = [css](Length const& length) {
+        return !css || !length.unit.empty() || length.number == 0.0;
+    };
+    try {
+        TransformOrigin const origin = ParseTransformOrigin(value);
+        return suits(origin.h) && suits(origin.v);
+    } catch (TextError const&) {
+        return false;
+    }
+}
+
 bool HasVar(std::string_view value) { return value.find("var(") != std::string_view::npos; }
 
 /// True when the property has this value. Lengths of attributes are read elsewhere.
@@ -195,6 +210,8 @@ bool IsValid(Property property, std::string const& value, bool css) {
         return IsNumber(word);
     case Syntax::kDashes:
         return IsDashes(word);
+    case Syntax::kOrigin:
+        return IsOrigin(word, css);
     case Syntax::kAny:
         break;
     }
@@ -271,18 +288,23 @@ bool Matches(CssAttributeTest const& test, pugi::xml_node element) {
 
 char const* NameOf(Property property) { return kTable[static_cast<std::size_t>(property)].name; }
 
-CMatrix3x3 TransformOf(ElementStyle const& style) {
+CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
+                       LengthUnits const& units) {
     Declared const& declared = style[Property::kTransform];
     if (declared.value.empty() || IsWide(declared.value)) {
         return CMatrix3x3();
     }
     CMatrix3x3 const m =
-        declared.css ? ParseCssTransform(declared.value) : ParseTransform(declared.value);
-    std::string_view const origin = style[Property::kTransformOrigin].value;
-    if (origin.empty() || IsWide(origin)) {
+        declared.css ? ParseCssTransform(declared.value, units) : ParseTransform(declared.value);
+    TPoint<double> centre = corner;
+    std::string_view const text = style[Property::kTransformOrigin].value;
+    if (!text.empty() && !IsWide(text)) {
+        TransformOrigin const origin = ParseTransformOrigin(text);
+        centre += TPoint<double>(units(origin.h, false), units(origin.v, true));
+    }
+    if (centre.Null()) {
         return m;
     }
-    TPoint<double> const centre = ParseTransformOrigin(origin);
     return CMatrix3x3().Translate(-centre) * m * CMatrix3x3().Translate(centre);
 }
 

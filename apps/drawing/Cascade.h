@@ -10,6 +10,7 @@
 #define TRAMMEL_APP_CASCADE_H
 
 #include "Css.h"
+#include "SvgAttributes.h"
 #include "SvgDocument.h"
 
 #include <trammel/CMatrix3x3.h>
@@ -48,6 +49,7 @@ enum class Property {
     kClipPath,
     kTransform,
     kTransformOrigin,
+    kTransformBox,
     kFontSize,
     kOverflow,
     kMask,
@@ -97,7 +99,9 @@ private:
 
 /// Returns the transform that an element has by itself, transform-origin included. It throws
 /// TextError for a mistake in the property or the attribute.
-CMatrix3x3 TransformOf(ElementStyle const& style);
+/// \param corner  the top left corner of the box that lengths refer to
+CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
+                       LengthUnits const& units);
 
 /// The style sheets of a document.
 class Cascade {

@@ -80,15 +80,15 @@ CMatrix3x3 ParseOneTransform(Scanner& scanner) {
 enum class CssUnit { kNone, kLength, kAngle };
 
 /// Reads an argument with its unit. Only 0 may go without. Angles are in radians.
-double CssArgument(Scanner& scanner, CssUnit kind) {
+/// \param vertical  whether a length runs downward
+double CssArgument(Scanner& scanner, CssUnit kind, bool vertical, LengthUnits const& units) {
     std::size_t const begin = scanner.Position();
-    double const number = scanner.Number();
-    std::string const unit(scanner.Word());
+    auto const [number, unit] = ReadLength(scanner);
     if (kind == CssUnit::kNone ? unit.empty() : (unit.empty() && number == 0.0)) {
         return number;
     }
     if (kind == CssUnit::kLength && !unit.empty()) {
-        return UserUnits({number, unit}, std::nullopt);
+        return units({number, unit}, vertical);
     }
     if (kind == CssUnit::kAngle) {
         struct Unit {
@@ -108,7 +108,7 @@ double CssArgument(Scanner& scanner, CssUnit kind) {
 }
 
 /// One function of a transform in a style sheet.
-CMatrix3x3 ParseOneCssTransform(Scanner& scanner) {
+CMatrix3x3 ParseOneCssTransform(Scanner& scanner, LengthUnits const& units) {
     struct Function {
         char const* name;
         CssUnit unit;
@@ -133,7 +133,8 @@ CMatrix3x3 ParseOneCssTransform(Scanner& scanner) {
     std::vector<double> n;
     do {
         scanner.SkipSpace();
-        n.push_back(CssArgument(scanner, function->unit));
+        bool const vertical = !n.empty() || name == "translateY";
+        n.push_back(CssArgument(scanner, function->unit, vertical, units));
     } while (scanner.SkipComma() && n.size() < function->most);
     if (n.size() < function->least || !scanner.Take(')')) {
         scanner.Fail("')'");
@@ -178,7 +179,7 @@ CMatrix3x3 ParseTransform(std::string_view text) {
     return all;
 }
 
-CMatrix3x3 ParseCssTransform(std::string_view text) {
+CMatrix3x3 ParseCssTransform(std::string_view text, LengthUnits const& units) {
     CMatrix3x3 all;
     Scanner scanner(text);
     scanner.SkipSpace();
@@ -186,26 +187,64 @@ CMatrix3x3 ParseCssTransform(std::string_view text) {
         return all;
     }
     while (!scanner.AtEnd()) {
-        all = Concat(ParseOneCssTransform(scanner), all);
+        all = Concat(ParseOneCssTransform(scanner, units), all);
         scanner.SkipSpace();
     }
     return all;
 }
 
-TPoint<double> ParseTransformOrigin(std::string_view text) {
-    Scanner scanner(text);
-    auto const length = [&scanner] {
-        double const units = UserUnits(ReadLength(scanner), std::nullopt);
-        scanner.SkipSpace();
-        return units;
+TransformOrigin ParseTransformOrigin(std::string_view text) {
+    enum class Side { kAny, kHorizontal, kVertical };
+    struct Word {
+        char const* name;
+        Side side;
+        double share;
     };
+    static Word const words[] = {{"left", Side::kHorizontal, 0.0},
+                                 {"right", Side::kHorizontal, 100.0},
+                                 {"top", Side::kVertical, 0.0},
+                                 {"bottom", Side::kVertical, 100.0},
+                                 {"center", Side::kAny, 50.0}};
+    struct Part {
+        Length length;
+        Side side; ///< of a word, which may also stand in the other place
+        bool word;
+    };
+    Scanner scanner(text);
     scanner.SkipSpace();
-    double const h = length();
-    double const v = length();
-    if (!scanner.AtEnd()) {
-        scanner.Fail("the end of the origin");
+    std::vector<Part> parts;
+    while (!scanner.AtEnd() && parts.size() < 3) {
+        if (scanner.NumberFollows()) {
+            parts.push_back({ReadLength(scanner), Side::kAny, false});
+        } else {
+            std::size_t const begin = scanner.Position();
+            std::string const name = AsciiLower(scanner.Word());
+            auto const* const word =
+                std::find_if(std::begin(words), std::end(words),
+                             [&name](Word const& known) { return name == known.name; });
+            if (word == std::end(words) || parts.size() == 2) {
+                throw TextError(begin, "expected a length, left, right, top, bottom or center");
+            }
+            parts.push_back({{word->share, "%"}, word->side, true});
+        }
+        scanner.SkipSpace();
     }
-    return TPoint<double>(h, v);
+    if (parts.empty() || !scanner.AtEnd()) {
+        scanner.Fail("one or two lengths or words");
+    }
+    if (parts.size() == 1) {
+        parts.push_back({{50.0, "%"}, Side::kAny, true});
+    }
+    Part const& a = parts[0];
+    Part const& b = parts[1];
+    bool const swapped = a.side == Side::kVertical || b.side == Side::kHorizontal;
+    bool const fits =
+        swapped ? a.side != Side::kHorizontal && b.side != Side::kVertical && a.word && b.word
+                : true;
+    if (!fits) {
+        throw TextError(0, "the words do not go together");
+    }
+    return swapped ? TransformOrigin{b.length, a.length} : TransformOrigin{a.length, b.length};
 }
 
 Length ParseLength(std::string_view text) {

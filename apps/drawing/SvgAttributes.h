@@ -22,18 +22,28 @@ namespace tool {
 /// identity.
 CMatrix3x3 ParseTransform(std::string_view text);
 
-/// Returns the transform of the property in a style sheet. It differs from the attribute by units,
-/// and by functions for one direction.
-CMatrix3x3 ParseCssTransform(std::string_view text);
-
-/// Reads the property transform-origin, as far as it is two lengths.
-TPoint<double> ParseTransformOrigin(std::string_view text);
-
 /// A length and its unit: as written, but in small letters except for "Q".
 struct Length {
     double number;
     std::string unit;
 };
+
+/// Returns a length in user units. Shares of the whole differ between the directions.
+typedef std::function<double(Length const& length, bool vertical)> LengthUnits;
+
+/// Returns the transform of the property in a style sheet. It differs from the attribute by units,
+/// and by functions for one direction.
+CMatrix3x3 ParseCssTransform(std::string_view text, LengthUnits const& units);
+
+/// The centre of a transform, in the box to which it refers.
+struct TransformOrigin {
+    Length h;
+    Length v;
+};
+
+/// Reads the property transform-origin: lengths, shares and words. A distance toward the eye is
+/// passed over.
+TransformOrigin ParseTransformOrigin(std::string_view text);
 
 /// What the units stand for that depend on a font or on the window.
 struct UnitSizes {

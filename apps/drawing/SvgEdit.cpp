@@ -259,15 +259,34 @@ void SvgEdit::SetProperty(std::size_t element, Property property, std::string co
     }
 }
 
+CMatrix3x3 SvgEdit::OwnTransform(std::size_t element) {
+    ElementStyle const style = mCascade.Of(NodeAt(element));
+    std::string_view const transform = style[Property::kTransform].value;
+    if (!style[Property::kTransformBox].value.empty() && !transform.empty()) {
+        throw TextError(0, "lengths refer to a box");
+    }
+    return TransformOf(style, TPoint<double>(),
+                       [](Length const& length, bool) { return UserUnits(length, std::nullopt); });
+}
+
 void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
-    std::string_view const origin = mCascade.Of(NodeAt(element))[Property::kTransformOrigin].value;
+    ElementStyle const style = mCascade.Of(NodeAt(element));
+    std::string_view const origin = style[Property::kTransformOrigin].value;
+    bool const hasBox = !style[Property::kTransformBox].value.empty();
     CMatrix3x3 own = m;
     try {
-        if (!origin.empty()) {
-            TPoint<double> const centre = ParseTransformOrigin(origin);
+        if (!origin.empty() && !IsWide(origin) && !hasBox) {
+            TransformOrigin const read = ParseTransformOrigin(origin);
+            TPoint<double> const centre(UserUnits(read.h, std::nullopt),
+                                        UserUnits(read.v, std::nullopt));
             own = CMatrix3x3().Translate(centre) * m * CMatrix3x3().Translate(-centre);
         }
-    } catch (TextError const&) { // the reader has warned of it
+    } catch (TextError const&) { // it depends on a size or a font
+        SetProperty(element, Property::kTransformOrigin, "0 0");
+    }
+    if (hasBox) {
+        SetProperty(element, Property::kTransformBox, "view-box");
+        SetProperty(element, Property::kTransformOrigin, "0 0");
     }
     SetProperty(element, Property::kTransform, MatrixText(own));
 }
@@ -623,26 +642,27 @@ void SvgEdit::TransformAll(CMatrix3x3 const& m, CMatrix3x3 const& rootTransform)
     for (pugi::xml_node const child : mDocument->Root().children()) {
         std::string_view const type = mDocument->LocalName(child);
         std::size_t const offset = mDocument->Offset(child);
-        std::string const& text = mDocument->Text();
-        if (type == "svg") { // not all browsers know the attribute there
-            std::size_t const end = EndOf(text, offset);
+        auto const wrap = [&] {
+            std::size_t const end = EndOf(mDocument->Text(), offset);
             std::string const name = child.name();
-            std::string const g = name.substr(0, name.size() - 3) + "g";
+            std::string const g = name.substr(0, name.size() - type.size()) + "g";
             mReplacements.push_back(
                 {offset, offset, "<" + g + " transform=\"" + MatrixText(moved) + "\">"});
             mReplacements.push_back({end, end, "</" + g + ">"});
+        };
+        if (type == "svg") { // not all browsers know the attribute there
+            wrap();
             continue;
         }
         for (std::string_view const shown :
              {"g", "a", "switch", "use", "path", "rect", "circle", "ellipse", "line", "polyline",
               "polygon", "text", "image", "foreignObject"}) {
             if (type == shown) {
-                CMatrix3x3 own;
                 try {
-                    own = TransformOf(mCascade.Of(child));
-                } catch (TextError const&) { // the reader has warned of it
+                    SetTransform(offset, OwnTransform(offset) * moved);
+                } catch (TextError const&) {
+                    wrap();
                 }
-                SetTransform(offset, own * moved);
             }
         }
     }

@@ -124,6 +124,9 @@ private:
     void KeepStyleOfType(std::size_t element, std::string const& type);
     void KeepStyleOfId(std::size_t element);
     void DropMarkers(std::size_t element);
+    /// Returns the transform that the element has by itself. Throws TextError for a mistake in it,
+    /// and where it depends on a box or a font.
+    CMatrix3x3 OwnTransform(std::size_t element);
     /// Returns the value that an element has of an inherited property; empty without one.
     std::string InheritedValue(pugi::xml_node node, Property property);
     /// Returns the orientation of the marker that a value refers to; empty without a marker.

@@ -131,7 +131,11 @@ private:
     /// Does the same for a size, which must not be negative.
     std::optional<double> SizeOf(pugi::xml_node element, char const* attribute,
                                  Context const& context, Axis axis);
-    CMatrix3x3 TransformOf(pugi::xml_node element, ElementStyle const& style);
+    CMatrix3x3 TransformOf(pugi::xml_node element, ElementStyle const& style,
+                           Context const& context);
+    /// Returns the form of a basic shape or a path; nothing for another element.
+    std::optional<Form> FormOf(pugi::xml_node element, std::string_view name,
+                               Context const& context);
     std::optional<TRect<double>> ViewBoxOf(pugi::xml_node element);
     void Inherit(pugi::xml_node element, ElementStyle const& style, Context& context);
     void InheritFontSize(ElementStyle const& style, Context& context) const;

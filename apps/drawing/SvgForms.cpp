@@ -4,6 +4,7 @@
 
 #include "Ascii.h"
 #include "Numbers.h"
+#include "Outlines.h"
 #include "PaperUnit.h"
 #include "PenNames.h"
 #include "SvgElements.h"
@@ -111,9 +112,46 @@ std::optional<double> SvgElements::SizeOf(pugi::xml_node element, char const* at
     return size;
 }
 
-CMatrix3x3 SvgElements::TransformOf(pugi::xml_node element, ElementStyle const& style) {
+/// \param context  around the element
+CMatrix3x3 SvgElements::TransformOf(pugi::xml_node element, ElementStyle const& style,
+                                    Context const& context) {
+    std::string_view const transform = style[Property::kTransform].value;
+    if (transform.empty() || transform == "none" || IsWide(transform)) {
+        return CMatrix3x3();
+    }
+    TRect<double> box; // what lengths in the transform refer to
+    if (context.whole) {
+        box = TRect<double>(Pt(), *context.whole);
+    }
+    bool known = context.whole.has_value();
+    std::string const name = AsciiLower(style[Property::kTransformBox].value);
+    if (!name.empty() && name != "view-box" && !IsWide(name)) {
+        Context inner = context;
+        inner.style = &style;
+        Inherit(element, style, inner);
+        bool const isFill = name == "fill-box" || name == "content-box";
+        std::optional<Form> const form =
+            isFill ? FormOf(element, LocalName(element), inner) : std::nullopt;
+        if (!form) {
+            Skip(element,
+                 "transform-box: '" + name + "' is not read here; the transform is left out");
+            return CMatrix3x3();
+        }
+        box = DrawnBounds(form->path);
+        known = true;
+    }
+    auto const units = [&](Length const& length, bool vertical) {
+        Context inner = context;
+        InheritFontSize(style, inner);
+        UnitSizes const sizes = SizesFor(inner);
+        std::optional<double> whole;
+        if (known) {
+            whole = vertical ? box.Height() : box.Width();
+        }
+        return UserUnits(length, whole, &sizes);
+    };
     try {
-        return tool::TransformOf(style);
+        return tool::TransformOf(style, box.TopLeft(), units);
     } catch (TextError const& e) {
         Skip(element, "transform", e.Position(), e.what());
         return CMatrix3x3();
@@ -266,6 +304,29 @@ double SvgElements::PixelSize() const {
     } catch (Error const&) {
         return 1.0;
     }
+}
+
+std::optional<SvgElements::Form> SvgElements::FormOf(pugi::xml_node element, std::string_view name,
+                                                     Context const& context) {
+    if (name == "path") {
+        return PathElement(element, context);
+    }
+    if (name == "rect") {
+        return Rectangle(element, context);
+    }
+    if (name == "circle") {
+        return Ellipse(element, context, "r", "r");
+    }
+    if (name == "ellipse") {
+        return Ellipse(element, context, "rx", "ry");
+    }
+    if (name == "line") {
+        return Line(element, context);
+    }
+    if (name == "polyline" || name == "polygon") {
+        return Polyline(element, name == "polygon");
+    }
+    return std::nullopt;
 }
 
 SvgElements::Form SvgElements::PathElement(pugi::xml_node element, Context const& context) {

@@ -250,15 +250,16 @@ void SvgElements::AppendClips(pugi::xml_node element, std::string const& id,
     Context context;
     context.style = &style;
     context.level = static_cast<int>(kMostClipLevels);
-    context.transform = Concat(TransformOf(node, style), toDrawing);
     if (!mDrawing.page.frame.Null()) {
         context.whole = mDrawing.page.frame.GetSize();
     }
+    CMatrix3x3 const transform = TransformOf(node, style, context);
+    context.transform = Concat(transform, toDrawing);
     if (std::string_view(node.attribute("clipPathUnits").value()) == "objectBoundingBox") {
         TRect<double> const box = bounds.value_or(TRect<double>());
         CMatrix3x3 const units =
             CMatrix3x3().Scale(box.Width(), box.Height()).Translate(box.TopLeft());
-        context.transform = Concat(TransformOf(node, style), Concat(units, toDrawing));
+        context.transform = Concat(transform, Concat(units, toDrawing));
         context.whole = Pt(1.0, 1.0);
     }
     Inherit(node, style, context);
@@ -357,7 +358,7 @@ void SvgElements::Use(pugi::xml_node element, Context const& context) {
         if (++inner.level > kMostLevels) {
             Fail(element, "is nested more than " + std::to_string(kMostLevels) + " levels deep");
         }
-        inner.transform = Concat(TransformOf(used, style), inner.transform);
+        inner.transform = Concat(TransformOf(used, style, inner), inner.transform);
         Viewport(used, inner, size);
     } else {
         Element(used, inner);
@@ -368,18 +369,8 @@ void SvgElements::Use(pugi::xml_node element, Context const& context) {
 void SvgElements::Draw(pugi::xml_node element, std::string_view name, Context const& context) {
     if (name == "g" || name == "a") {
         Children(element, context);
-    } else if (name == "path") {
-        Add(element, PathElement(element, context), context);
-    } else if (name == "rect") {
-        Add(element, Rectangle(element, context), context);
-    } else if (name == "circle") {
-        Add(element, Ellipse(element, context, "r", "r"), context);
-    } else if (name == "ellipse") {
-        Add(element, Ellipse(element, context, "rx", "ry"), context);
-    } else if (name == "line") {
-        Add(element, Line(element, context), context);
-    } else if (name == "polyline" || name == "polygon") {
-        Add(element, Polyline(element, name == "polygon"), context);
+    } else if (std::optional<Form> form = FormOf(element, name, context)) {
+        Add(element, std::move(*form), context);
     } else if (name == "use") {
         Use(element, context);
     } else if (name == "switch") {
@@ -430,7 +421,7 @@ void SvgElements::Element(pugi::xml_node element, Context const& context) {
         ++inner.level;
         inner.style = &style;
         inner.around = context.transform;
-        inner.transform = Concat(TransformOf(element, style), context.transform);
+        inner.transform = Concat(TransformOf(element, style, context), context.transform);
         Inherit(element, style, inner);
         double const around = context.placed == kNoElement ? 1.0 : context.opacity;
         inner.opacity = around * OpacityOf(style[Property::kOpacity].value);
@@ -511,7 +502,7 @@ Drawing SvgElements::Read() {
     if (!mDrawing.page.frame.Null()) {
         context.whole = mDrawing.page.frame.GetSize();
     }
-    context.transform = TransformOf(root, style);
+    context.transform = TransformOf(root, style, context);
     Inherit(root, style, context);
     mRootFontSize = context.fontSize;
     if (!Hidden(style)) {

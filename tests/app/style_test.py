@@ -136,6 +136,43 @@ class Style(AppTest):
         self.assertBox(self.drawn("path{transform:rotate(180deg);transform-origin:5px 1px}",
                                   body)["p"], [0, 2, 10, 2])
 
+    def test_transforms_refer_to_boxes_and_fonts(self):
+        # The places are those of a browser.
+        body = '<path id="p" d="M10 20H40V30H10Z"/>'
+        for css, box in {
+                "transform:scale(2);transform-origin:center": [-30, -10, 30, 10],
+                "transform:scale(2);transform-origin:left": [20, -10, 80, 10],
+                "transform:scale(2);transform-origin:bottom right": [-80, -60, -20, -40],
+                "transform:scale(2);transform-origin:top": [-30, 40, 30, 60],
+                "transform:scale(2);transform-origin:10px": [10, -10, 70, 10],
+                "transform:scale(2);transform-origin:25% top 3px": [-5, 40, 55, 60],
+                "transform:scale(2);transform-origin:2em 1mm;font-size:5px":
+                    [10, 40 - 96 / 25.4, 70, 60 - 96 / 25.4],
+                "transform:scale(2);transform-box:fill-box": [10, 20, 70, 40],
+                "transform:scale(2);transform-box:content-box;transform-origin:3px 4px":
+                    [7, 16, 67, 36],
+                "transform:scale(2);transform-box:fill-box;transform-origin:center":
+                    [-5, 15, 55, 35],
+                "transform:translate(50%,10%)": [60, 30, 90, 40],
+                "transform:translate(50%,10%);transform-box:fill-box": [25, 21, 55, 31],
+                "transform:translateY(1rem) translateX(2em);font-size:20px": [50, 36, 80, 46],
+        }.items():
+            with self.subTest(css):
+                self.assertBox(self.drawn("path{" + css + "}", body)["p"], box, 1e-6)
+                for more in ([], ["--id", "p"]):
+                    self.run_text("transform", self.path("in.svg"), "--translate", "1,2", *more,
+                                  "-o", self.path("out.svg"))
+                    moved = self.measure_file("out.svg")["p"]["bounds"]
+                    self.assertBox(moved, [box[0] + 1, box[1] + 2, box[2] + 1, box[3] + 2], 1e-6)
+        for css, box, warnings in (
+                ("transform:scale(2);transform-origin:5 5", [20, 40, 80, 60],
+                 ["'transform-origin: 5 5' is left out"]),
+                ("transform:scale(2);transform-origin:left left", [20, 40, 80, 60],
+                 ["'transform-origin: left left' is left out"]),
+                ("transform:scale(2);transform-box:stroke-box", [10, 20, 40, 30],
+                 ["transform-box: 'stroke-box' is not read here"])):
+            self.assertBox(self.drawn("path{" + css + "}", body, warnings=warnings)["p"], box)
+
     def test_what_has_a_mistake_is_left_out_alone(self):
         body = '<path id="a" d="M0 0H1"/><rect id="b" width="1" height="1"/>'
         for css, shown, warnings in [
