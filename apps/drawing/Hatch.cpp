@@ -23,6 +23,10 @@ constexpr double kMargin = 0.01;
 } // namespace
 
 CPath Hatch(CPath const& path, double angle, double spacing) {
+    if (int const power = ExtremePower(path); power != 0) {
+        return TimesPowerOfTwo(
+            Hatch(TimesPowerOfTwo(path, -power), angle, std::ldexp(spacing, -power)), power);
+    }
     // The area turns so that the lines are horizontal.
     CMatrix3x3 const toPlane = CMatrix3x3().Rotate(angle);
     Area area(path, FineError(DrawnBounds(path)));

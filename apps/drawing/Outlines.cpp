@@ -34,6 +34,9 @@ constexpr double kSumShare = 0x1p-9;
 /// give the same crossing with different rounding.
 constexpr double kSameShare = 1e-12;
 
+/// Coordinates between this power of two and its inverse have figures within the range of double.
+constexpr int kUsualPower = 256;
+
 /// The bounds of points, the origin included. A rectangle cannot hold the origin alone: it is null
 /// then, and a null rectangle takes the next point for its first.
 TRect<double> BoundsOf(std::vector<Pt> const& points) {
@@ -109,8 +112,36 @@ double FigureAccuracy(Outline const& outline, Pt const& p) {
     return FigureAccuracy(outline) + std::max(std::abs(p.h), std::abs(p.v)) * kFigureShare;
 }
 
+int ExtremePower(CPath const& path) {
+    TRect<double> const bounds = ControlBounds(path);
+    double const reach = std::max({std::abs(bounds.left), std::abs(bounds.top),
+                                   std::abs(bounds.right), std::abs(bounds.bottom)});
+    int const power = reach > 0.0 && std::isfinite(reach) ? std::ilogb(reach) : 0;
+    return std::abs(power) > kUsualPower ? power : 0;
+}
+
+CPath TimesPowerOfTwo(CPath path, int power) {
+    for (Pt& p : path.mPts) {
+        p = Pt(std::ldexp(p.h, power), std::ldexp(p.v, power));
+    }
+    path.InvalBounds();
+    return path;
+}
+
 double Stretch(CMatrix3x3 const& m) {
     return (std::hypot(m.a + m.d, m.b - m.c) + std::hypot(m.a - m.d, m.b + m.c)) / 2.0;
+}
+
+double MeanStretch(CMatrix3x3 const& m) {
+    double const greatest = std::max({std::abs(m.a), std::abs(m.b), std::abs(m.c), std::abs(m.d)});
+    if (!(greatest > 0.0) || !std::isfinite(greatest)) {
+        return greatest;
+    }
+    // Scaled first, as a product of two of them may be beyond double. Powers of two are exact.
+    int const power = std::ilogb(greatest);
+    auto const scaled = [power](double entry) { return std::ldexp(entry, -power); };
+    double const area = scaled(m.a) * scaled(m.d) - scaled(m.b) * scaled(m.c);
+    return std::ldexp(std::sqrt(std::abs(area)), power);
 }
 
 double FineError(TRect<double> const& bounds) {

@@ -48,8 +48,16 @@ double FigureAccuracy(Outline const& outline);
 /// Returns the accuracy of the figures of the outline and a point.
 double FigureAccuracy(Outline const& outline, TPoint<double> const& p);
 
+/// Returns the power of two of the greatest coordinate where figures of the path may leave the
+/// range of double, which cubes of coordinates do; 0 for other paths.
+int ExtremePower(CPath const& path);
+/// Returns the path with all coordinates times a power of two, which is exact.
+CPath TimesPowerOfTwo(CPath path, int power);
+
 /// Returns the factor by which a transform lengthens what it lengthens most.
 double Stretch(CMatrix3x3 const& m);
+/// Returns the factor by which it lengthens in the mean: the root of that of areas.
+double MeanStretch(CMatrix3x3 const& m);
 
 /// Returns a flattening error that is too fine to be seen in a figure of this size.
 double FineError(TRect<double> const& bounds);

@@ -376,6 +376,22 @@ class Accuracy(AppTest):
                 os.remove(output)
                 self.fails(*command, "--strict", "-o", output, names=["only, not within 1e-13"])
 
+    def test_centroids_are_right_at_any_size(self):
+        for size in (1e-300, 1e-170, 1e-110, 1e110, 1e153, 1e200, 1e300):
+            with self.subTest(size):
+                file = self.write("in.svg", svg(
+                    f'<circle id="c" cy="{2 * size}" r="{size}"/>'
+                    f'<path id="p" d="M{size} 0V{3 * size}H{7 * size}Z"/>'))
+                c, p = self.run_json("area", file)["outlines"]
+                self.assertBox([x / size for x in c["centroid"]], [0, 2], 1e-7)
+                self.assertBox([x / size for x in p["centroid"]], [3, 2], 1e-7)
+                if 1e-150 < size < 1e150:
+                    self.assertAlmostEqual(c["signedArea"] / size / size, math.pi, 7)
+                elif size > 1e154:
+                    self.assertEqual((c["area"], c["signedArea"]), (None, None))
+        self.assertIn("c: area inf (nonzero), signed inf, centroid 0,2e+300\n",
+                      self.run_text("area", file))
+
     def test_help_and_json_tell_the_accuracy(self):
         told = {"measure": [], "point": ["--at", "0.5"], "nearest": ["--to", "1,2"],
                 "hit": ["--at", "307,0"], "area": [], "intersect": []}

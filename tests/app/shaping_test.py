@@ -159,6 +159,20 @@ class Shaping(AppTest):
         file = self.write("in.svg", svg('<rect width="100" height="100" x="1e17" y="1e17"/>'))
         self.run_text("hatch", file, "--angle", "0", "--spacing", "1", "-o", self.out)
 
+    def test_hatch_works_at_any_size(self):
+        for size in ("1e-250", "1e-120", "1e120", "1e250"):
+            with self.subTest(size):
+                file = self.write("in.svg", svg(
+                    f'<g transform="scale({size})"><rect id="r" width="10" height="10"/></g>'))
+                self.run_text("hatch", file, "--angle", "0", "--spacing", f"5{size[1:]}",
+                              "--stroke-width", f"2{size[1:]}", "-o", self.out)
+                lines = re.findall("[-0-9.e]+", self.path_data("out.svg")["r-hatch"])
+                for got, want in zip(lines, (0, 2.5, 10, 0, 7.5, 10)):
+                    self.assertAlmostEqual(float(got), want, 12)
+                self.assertEqual(len(lines), 6)
+                width = re.search("stroke-width:(.*?);", self.read("out.svg").decode()).group(1)
+                self.assertAlmostEqual(float(width), 2, 12)
+
     def test_hatch_may_keep_the_outlines(self):
         file = self.write("in.svg", svg('<path id="p" fill="red" d="M0 0H9V9H0Z"/>'))
         self.run_text("hatch", file, "--angle", "0", "--spacing", "3", "--outlines", "-o", self.out)

@@ -30,6 +30,35 @@ double Extent(CPath const& path) {
     return std::max(bounds.Width(), bounds.Height());
 }
 
+/// The signed area of an outline and its centroid, which may be of any size.
+struct Moments {
+    double area; ///< infinite or 0 beyond the range of double
+    bool hasCentroid;
+    TPoint<double> centroid;
+    double centroidError; ///< NaN or infinite where nothing tells it
+};
+
+Moments SignedMoments(Outline const& outline) {
+    if (int const power = ExtremePower(outline.path); power != 0) {
+        Outline scaled = outline;
+        scaled.path = TimesPowerOfTwo(std::move(scaled.path), -power);
+        scaled.arcDistance = std::ldexp(scaled.arcDistance, -power);
+        Moments moments = SignedMoments(scaled);
+        moments.area = std::ldexp(moments.area, 2 * power);
+        moments.centroid = TPoint<double>(std::ldexp(moments.centroid.h, power),
+                                          std::ldexp(moments.centroid.v, power));
+        moments.centroidError = std::ldexp(moments.centroidError, power);
+        return moments;
+    }
+    trammel::AreaMoments const found = trammel::MomentsOf(outline.path);
+    double const rounding = FigureAccuracy(outline.path) * Extent(outline.path);
+    double const arcs = ArcAreaError(outline);
+    // The centroid is where the signed area divides its moment.
+    double const error = (rounding + arcs) * Extent(outline.path) / std::abs(found.area) +
+                         FigureAccuracy(outline.path);
+    return {found.area, found.area != 0.0, found.centroid, error};
+}
+
 FileResult AreasIn(Options const& options, Drawing& drawing) {
     CheckNotEmpty(drawing);
     SetRule(drawing, options.rule);
@@ -37,14 +66,9 @@ FileResult AreasIn(Options const& options, Drawing& drawing) {
     Json outlines = Json::array();
     for (Outline const& outline : drawing.outlines) {
         OutlineArea const region = AreaOf(outline, options.figures);
-        trammel::AreaMoments const moments = trammel::MomentsOf(outline.path);
-        double const rounding = FigureAccuracy(outline.path) * Extent(outline.path);
-        double const arcs = ArcAreaError(outline);
+        Moments const moments = SignedMoments(outline);
         Figures const areas(region.error, options.figures);
-        // The centroid is where the signed area divides its moment.
-        Figures const places((rounding + arcs) * Extent(outline.path) / std::abs(moments.area) +
-                                 FigureAccuracy(outline.path),
-                             options.figures);
+        Figures const places(moments.centroidError, options.figures);
         double const area = areas.Of(region.area);
         double const signedArea = areas.Of(moments.area);
         TPoint<double> const centroid = places.Of(moments.centroid);
@@ -53,13 +77,13 @@ FileResult AreasIn(Options const& options, Drawing& drawing) {
         json["rule"] = NameOf(outline.rule);
         json["area"] = area;
         json["signedArea"] = signedArea;
-        json["centroid"] = moments.area != 0.0 ? ToJson(centroid) : Json();
+        json["centroid"] = moments.hasCentroid ? ToJson(centroid) : Json();
         areas.AddAccuracy(json);
         outlines.push_back(std::move(json));
         result.text +=
             options.sources.Prefix(drawing.file) + OneLine(outline.id) + ": area " + Figure(area) +
             " (" + NameOf(outline.rule) + "), signed " + Figure(signedArea) +
-            (moments.area != 0.0 ? ", centroid " + Figure(centroid.h) + "," + Figure(centroid.v)
+            (moments.hasCentroid ? ", centroid " + Figure(centroid.h) + "," + Figure(centroid.v)
                                  : std::string(", no centroid")) +
             "\n";
     }

@@ -6,13 +6,13 @@
 #include "Error.h"
 #include "Hatch.h"
 #include "Numbers.h"
+#include "Outlines.h"
 #include "Output.h"
 #include "Progress.h"
 #include "WriteSupport.h"
 
 #include <trammel/UTrigonometry.h>
 
-#include <cmath>
 #include <utility>
 
 namespace tool {
@@ -45,10 +45,9 @@ std::string Hatched(Options const& options, Drawing const& drawing,
         if (outline.path.mCtls.empty()) {
             continue;
         }
-        std::string const style =
-            "fill:none;stroke:" + PaintOf(outline, options.outlines) +
-            ";stroke-width:" + Exact(width / std::sqrt(std::abs(source.beside.Determinant()))) +
-            ";stroke-linecap:round;stroke-dasharray:none";
+        std::string const style = "fill:none;stroke:" + PaintOf(outline, options.outlines) +
+                                  ";stroke-width:" + Exact(width / MeanStretch(source.beside)) +
+                                  ";stroke-linecap:round;stroke-dasharray:none";
         edit.InsertPath(source.placed, {outline.id, "", style},
                         Moved(outline.path, Undone(source.beside, drawing, outline)));
     }

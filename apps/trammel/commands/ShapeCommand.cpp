@@ -4,6 +4,7 @@
 #include "Commands.h"
 #include "Error.h"
 #include "Numbers.h"
+#include "Outlines.h"
 #include "Output.h"
 #include "WriteSupport.h"
 
@@ -93,7 +94,7 @@ std::string Added(Options const& options, Outline const& shape) {
     }
     CMatrix3x3 const& root = drawing.rootTransform;
     CMatrix3x3 const inverse = Undone(root, drawing, shape);
-    double const scale = std::sqrt(std::abs(root.Determinant()));
+    double const scale = MeanStretch(root);
     Page const page = LinePicture(drawing.page, {shape}).page;
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     edit.AppendPath(
