@@ -2,6 +2,7 @@
 
 #include "Picture.h"
 
+#include "Css.h"
 #include "Error.h"
 #include "Gzip.h"
 #include "Input.h"
@@ -20,8 +21,9 @@ constexpr int kPngPixels = 1200;
 
 double LongerSide(TRect<double> const& r) { return std::max(r.Width(), r.Height()); }
 
-bool EndsWith(std::string_view text, std::string_view end) {
-    return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+/// True for a name that ends so, in small letters or in capitals.
+bool EndsWith(std::string_view name, std::string_view end) {
+    return name.size() >= end.size() && AsciiLower(name.substr(name.size() - end.size())) == end;
 }
 
 } // namespace

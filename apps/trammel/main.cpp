@@ -57,6 +57,11 @@ std::string UsageMessage(CLI::App& app, CLI::ParseError const& error) {
             text += tool::Suggestion(word, option ? program.OptionNames() : program.CommandNames());
         }
     }
+    // The parser's words count what it got.
+    std::size_t const twice = text.find(": At Most 1 required but received");
+    if (unknown.empty() && twice != std::string::npos) {
+        text = text.substr(0, twice) + " may be given only once";
+    }
     if (!command.empty()) {
         command += ": ";
     }

@@ -82,6 +82,22 @@ class ManyFiles(AppTest):
             self.assertEqual((result.returncode, result.stderr), (0, b""))
             self.assertIn(b"2 files, 2 outlines", result.stdout)
 
+    def test_files_may_have_any_name(self):
+        for name, shown in ((b"a b'\"$(x).svg",) * 2, (b"new\nline.svg", b"new\\x0aline.svg"),
+                            (b"--strict.svg",) * 2, (b"\xff\xe4.svg",) * 2,
+                            (b"a\x1b[1m.svg", b"a\\x1b[1m.svg"), (b"%s:1.svg",) * 2):
+            with self.subTest(name):
+                with open(os.path.join(os.fsencode(self.folder), name), "wb") as file:
+                    file.write(svg('<path id="p" d="M0 0H3"/>').encode())
+                lines = self.execute("measure", "--", name).stdout.splitlines()
+                self.assertEqual(lines[0], shown + b": p: 2 elements, length 3, bounds 0,0 to 3,0, "
+                                 b"open, lines")
+                data = json.loads(self.execute("measure", "--json", "--", name).stdout)
+                self.assertEqual(data["files"][0]["file"], name.decode("utf-8", "replace"))
+                out = b"out" + name
+                self.assertEqual(self.execute("reverse", "-o", out, "--", name).returncode, 0)
+                self.assertTrue(os.path.exists(os.path.join(os.fsencode(self.folder), out)))
+
     def test_a_list_may_be_empty_or_missing(self):
         empty = self.write("empty", "")
         self.assertEqual(self.run_json("point", "--files-from", empty, "--at", "0"), {"files": []})

@@ -36,6 +36,16 @@ class BadCommandLines(AppTest):
             self.assertIn("Example: trammel " + command, text)
         self.assertRegex(self.run_text("--version"), r"^trammel \d+\.\d+\.\d+\n$")
 
+    def test_an_option_given_twice_is_told(self):
+        for option in ("--tolerance", "-o"):
+            self.fails("overlap", "x.svg", "-o", self.path("o.svg"), option, "1", option, "2",
+                       names=["overlap: ", "may be given only once (see"])
+
+    def test_names_of_files_may_be_in_capitals(self):
+        for name, begin in (("A.SVG", b"<svg"), ("A.SvgZ", b"\x1f\x8b"), ("A.PNG", b"\x89PNG")):
+            self.run_text("shape", "circle", "5,5,4", "-o", self.path(name))
+            self.assertEqual(self.read(name)[:len(begin)], begin)
+
     def test_help_is_a_command(self):
         self.assertEqual(self.run_text("help"), self.run_text("--help"))
         self.assertEqual(self.run_text("help", "measure"), self.run_text("measure", "--help"))
