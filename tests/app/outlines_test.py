@@ -147,7 +147,7 @@ class Outlines(AppTest):
                      'fill="url(#clear)"', 'fill="url(#like)"', 'fill="url(#dots)"'):
             self.assertEqual(told(look), one, look)
         for look in ("", 'opacity="1"', 'fill="#f00f"', 'fill="rgb(9,9,9)"', 'fill="url(#solid)"',
-                     'fill="rgba(9,9,9,1)"', 'stroke-opacity=".5" stroke="red"',
+                     'fill="rgba(9,9,9,1)"', 'fill="#00f" stroke="none"',
                      'opacity=".5" transform="translate(20)"'):
             self.assertEqual(told(look), [], look)
         # A group covers what lies below it, and not its own.
@@ -156,6 +156,26 @@ class Outlines(AppTest):
                               '<path d="M28 8H30V30H28Z"/></g>'), [])
         self.assertEqual(told('opacity=".5"', more='<path d="M0 0H9V9Z" opacity="0.1"/>'),
                          [one[0] + "; so does what shows through 1 more"])
+
+    def test_divide_tells_of_lines_on_new_borders(self):
+        def told(low, top):
+            file = self.write("in.svg", svg(f'<path id="low" {low} d="M0 0H10V10H0Z"/>'
+                                            f'<path id="top" {top} d="M5 5H15V15H5Z"/>'))
+            result = self.execute("divide", file, "-o", self.out)
+            return [line.split("in.svg: ")[1] for line in result.stderr.decode().splitlines()]
+        line = ": has a line, which the new borders of its parts get, too"
+        self.assertEqual(told('stroke="red"', ""), ["low" + line])
+        self.assertEqual(told("", 'stroke="red"'), ["top" + line])
+        self.assertEqual(told('stroke="red"', 'stroke="red"'), ["low" + line + "; so do those of 1 more"])
+        self.assertEqual(told('stroke="red" stroke-width="0"', 'stroke="none"'), [])
+        self.assertEqual(told('stroke="red" transform="translate(9 20)"', 'stroke="red"'), [])
+
+    def test_divide_keeps_the_tolerance_that_it_has_by_itself(self):
+        for size in range(1, 60, 7):
+            file = self.write("in.svg", svg(
+                f'<circle r="{size / 3}"/><circle cx="{size / 7}" r="{size / 5}"/>'
+                f'<circle cx="{size / 9}" cy="{size / 9}" r="{size / 11}"/>'))
+            self.run_text("divide", file, "-o", self.out)
 
     def test_divide_removes_what_is_covered(self):
         body = ('<path id="below" d="M1 1H9V9H1Z"/>\n<g fill="blue">\n  <path id="top" d="M0 0H10V10H0Z">'
@@ -173,7 +193,7 @@ class Outlines(AppTest):
         sheet = '<style>#a{stroke:lime} .k{fill:red}</style>'
         body = (sheet + '<path id="a" class="k" d="M0 0H10V10H0Z"/>'
                 '<path id="b" d="M4 -1H6V11H4Z" fill="blue"/>')
-        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        self.run_text("divide", "-q", self.write("in.svg", svg(body)), "-o", self.out)
         text = self.read("out.svg").decode()
         self.assertRegex(text, r'id="a-2"[^>]*class="k"[^>]*style="[^"]*stroke:lime')
         used = ('<defs><path id="s" d="M0 0H10V10H0Z"/></defs><use id="u" href="#s" fill="red"/>'
@@ -217,7 +237,7 @@ class Outlines(AppTest):
         body = (self.GRADIENTS +
                 '<rect id="a" width="40" height="20" fill="url(#r)" stroke="url(#u)" stroke-dasharray="2 1" '
                 'pathLength="60"/><rect id="b" x="10" y="-5" width="10" height="30"/>')
-        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        self.run_text("divide", "-q", self.write("in.svg", svg(body)), "-o", self.out)
         text = self.read("out.svg").decode()
         self.assertIn('gradientTransform="matrix(80,0,0,40,0,0)" cx="0.5" cy="0.5" r="0.5" fx="0.2"/>', text)
         for name in ("a", "a-2"):
@@ -229,7 +249,8 @@ class Outlines(AppTest):
         warned = self.execute("divide", file, "-o", self.out).stderr.decode()
         self.assertIn("line 2, column", warned)
         self.assertIn('<rect id="a">: its pattern \'#p\' is placed anew', warned)
-        self.assertEqual(warned.count("\n"), 1)
+        self.assertIn("a: has a line, which the new borders of its parts get, too", warned)
+        self.assertEqual(warned.count("\n"), 2)
 
     def test_commands_keep_the_length_of_dashes_that_path_length_scales(self):
         # 80 long, which counts as 160: dashes of 4 are 2 long.
@@ -298,7 +319,7 @@ class Outlines(AppTest):
                 '<use id="v" href="#s" transform="translate(5,0) scale(2)" stroke="url(#u)" '
                 'style="stroke-dasharray:1;paint-order:stroke"/>'
                 '<rect id="over" x="10" y="5" width="5" height="50"/>')
-        self.run_text("divide", self.write("in.svg", svg(body)), "-o", self.out)
+        self.run_text("divide", "-q", self.write("in.svg", svg(body)), "-o", self.out)
         text = self.read("out.svg").decode()
         part = re.search('<path id="v-q"[^>]*>', text).group()
         for kept in ("fill:url(#g-kept)", "stroke:url(#u-kept)", "opacity:0.125", "stroke-width:2",

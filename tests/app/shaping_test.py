@@ -297,6 +297,15 @@ class Shapes(AppTest):
             after, told = self.markers_after_reverse('marker-end="url(#dot)"', d=d)
             self.assertEqual((after, len(told)), ('marker-end="url(#dot)"', 1))
 
+    def test_text_along_a_reversed_line_is_told(self):
+        body = ('<path id="p" d="M0 0H9"/><path id="q" d="M0 5H9"/>'
+                '<text><textPath href="#p">up</textPath></text>')
+        result = self.execute("reverse", self.write("in.svg", svg(body)), "-o",
+                              self.path("out.svg"))
+        self.assertEqual([line.split("in.svg: ")[1] for line in result.stderr.decode().splitlines()
+                          if "no outlines" not in line],
+                         ["p: the text along it follows the new direction"])
+
     def test_a_shape_that_becomes_a_path_gets_no_markers(self):
         body = ('<style>svg{marker:url(#dot)}</style><marker id="dot"/>'
                 '<rect id="r" width="2" height="2"/>')

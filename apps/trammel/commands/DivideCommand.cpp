@@ -28,6 +28,8 @@ namespace tool {
 
 namespace {
 
+/// The part of the tolerance that is left to rounding.
+constexpr double kRoundingPart = 1.0 / 64.0;
 /// The share by which a transform may stretch a line more in one direction than in another.
 constexpr double kUneven = 1e-6;
 
@@ -61,7 +63,8 @@ public:
             chosen.push_back(&mDrawing.outlines[place]);
             arcDistance = std::max(arcDistance, chosen.back()->arcDistance);
         }
-        Division division = DivideOutlines(chosen, std::max(tolerance - arcDistance, 0.0));
+        double const rest = std::max(tolerance - arcDistance, 0.0);
+        Division division = DivideOutlines(chosen, rest * (1.0 - kRoundingPart));
         mParts.resize(mDrawing.outlines.size());
         for (std::size_t i = 0; i < mPlaces.size(); ++i) {
             mParts[mPlaces[i]] = std::move(division.parts[i]);
@@ -73,7 +76,7 @@ public:
     /// Returns the document with the parts in the places of the outlines.
     std::string Document(std::optional<int> digits) const {
         SvgEdit edit(mDrawing.document, digits);
-        TellTranslucent(edit);
+        TellChanges(edit);
         std::set<std::size_t> const taken = TakenOut();
         for (std::size_t const place : taken) {
             edit.Remove(place);
@@ -169,23 +172,38 @@ private:
         return taken;
     }
 
-    /// Warns once of outlines through which others show, as these go there.
-    void TellTranslucent(SvgEdit& edit) const {
+    /// Warns of what makes the picture look otherwise.
+    void TellChanges(SvgEdit& edit) const {
         std::map<pugi::xml_node, bool> groups;
-        Outline const* first = nullptr;
-        std::size_t others = 0;
+        std::vector<Outline const*> translucent;
+        std::vector<Outline const*> lined;
+        std::set<std::size_t> covered;
+        for (std::set<std::size_t> const& below : mBelow) {
+            covered.insert(below.begin(), below.end());
+        }
         for (std::size_t i = 0; i < mPlaces.size(); ++i) {
+            Outline const& outline = mDrawing.outlines[mPlaces[i]];
             if (!mBelow[i].empty() && ShowsBelow(edit, i, groups)) {
-                others += first != nullptr ? 1 : 0;
-                first = first != nullptr ? first : &mDrawing.outlines[mPlaces[i]];
+                translucent.push_back(&outline);
+            }
+            bool const cut = !mBelow[i].empty() || covered.count(i) != 0;
+            if (cut && !mParts[mPlaces[i]].empty() && outline.stroke != "none" && outline.pen &&
+                outline.pen->style.width > 0.0) {
+                lined.push_back(&outline);
             }
         }
-        if (first != nullptr) {
-            Warn(mDrawing.file, first->id,
-                 "is translucent, and what shows through it goes" +
-                     (others > 0
-                          ? "; so does what shows through " + std::to_string(others) + " more"
-                          : std::string()));
+        Tell(translucent, "is translucent, and what shows through it goes",
+             "; so does what shows through ");
+        Tell(lined, "has a line, which the new borders of its parts get, too", "; so do those of ");
+    }
+
+    /// Warns of the first of some outlines, and tells how many others there are.
+    void Tell(std::vector<Outline const*> const& outlines, std::string const& what,
+              char const* others) const {
+        if (!outlines.empty()) {
+            std::size_t const more = outlines.size() - 1;
+            Warn(mDrawing.file, outlines.front()->id,
+                 what + (more > 0 ? others + std::to_string(more) + " more" : ""));
         }
     }
 

@@ -4,10 +4,15 @@
 #include "CommandSupport.h"
 #include "Commands.h"
 #include "Output.h"
+#include "SvgDocument.h"
 #include "Warning.h"
 #include "WriteSupport.h"
 
 #include <trammel/PathStructure.h>
+
+#include <cstddef>
+#include <set>
+#include <string>
 
 namespace tool {
 
@@ -18,13 +23,43 @@ struct Options {
     WriteOptions write;
 };
 
+/// Returns the elements along which the document sets text.
+std::set<std::size_t> TextLines(SvgDocument const& document) {
+    std::set<std::size_t> lines;
+    if (document.Text().find("textPath") == std::string::npos) {
+        return lines;
+    }
+    // The walk goes from node to node, because the nesting may be deeper than the stack.
+    for (pugi::xml_node node = document.Root(); node;) {
+        if (document.LocalName(node) == "textPath") {
+            std::string const link =
+                (node.attribute("href") ? node.attribute("href") : node.attribute("xlink:href"))
+                    .value();
+            if (!link.empty() && link[0] == '#') {
+                lines.insert(document.Offset(document.Find(link.substr(1))));
+            }
+        }
+        pugi::xml_node next = node.first_child();
+        while (!next && node) {
+            next = node.next_sibling();
+            node = node.parent();
+        }
+        node = next;
+    }
+    return lines;
+}
+
 void Run(Options const& options) {
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, ArcsOf(options.write));
     std::string const& output = options.write.output;
     if (KeepsDocument(drawing, output)) {
         SvgEdit edit(drawing.document, DigitsOf(options.write));
+        std::set<std::size_t> const texts = TextLines(*drawing.document);
         for (Outline const* const outline : OnePerElement(drawing)) {
+            if (texts.count(outline->source.element) != 0) {
+                Warn(drawing.file, outline->id, "the text along it follows the new direction");
+            }
             if (!edit.TurnMarkers(outline->source.element, outline->path)) {
                 Warn(drawing.file, outline->id,
                      "its markers follow the new beginning and direction");
