@@ -15,7 +15,7 @@
 // (OutlineJudge.h). Areas by Green's theorem have to obey |A or B| + |A and B| = |A| + |B| within
 // the length of the outlines times the distance that is kept.
 //
-// Prints a row for each kind. The status is 1 if something is wrong.
+// Prints a row for each kind as soon as it is judged. The status is 1 if something is wrong.
 
 #include "AccurateCurve.h"
 #include "CPath.h"
@@ -38,12 +38,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <random>
-#include <regex>
 #include <string>
 #include <vector>
+
+#include <pugixml.hpp>
 
 namespace {
 
@@ -223,19 +223,20 @@ void JudgeFont(FT_Library library, std::string const& file, int most, std::vecto
 void JudgeIcons(std::string const& folder, std::vector<Tally>& tallies) {
     Tally one{"icons, without overlaps"};
     Tally all{"icons, united"};
-    std::regex const data("\\sd=\"([^\"]*)\"");
     for (auto const& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (!entry.is_regular_file() || entry.is_symlink() || entry.path().extension() != ".svg") {
             continue;
         }
-        std::ifstream file(entry.path());
-        std::string const text((std::istreambuf_iterator<char>(file)), {});
+        pugi::xml_document document;
+        if (!document.load_file(entry.path().c_str())) {
+            std::printf("%s: left out, as it cannot be read\n", entry.path().c_str());
+            continue;
+        }
         std::vector<CPath> paths;
         std::vector<OutlineJudge> judges;
         CPath together;
-        for (std::sregex_iterator i(text.begin(), text.end(), data); i != std::sregex_iterator();
-             ++i) {
-            trammel::SvgPathResult const result = trammel::ReadSvgPath((*i)[1].str());
+        for (pugi::xpath_node const& data : document.select_nodes("//@d")) {
+            trammel::SvgPathResult const result = trammel::ReadSvgPath(data.attribute().value());
             double const size = SizeOf(result.path, CPath());
             if (result.error || !(size > 0.0) || result.path.mCtls.size() > 1000) {
                 continue;
@@ -449,6 +450,9 @@ int main(int argc, char** argv) {
     FT_Face face = nullptr; // for letters on maps
     std::string kind;
     int glyphs = 1 << 20; // of each font
+    int wrong = 0;
+    std::size_t printed = 0;
+    std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); // a file, too, shows how far the run is
     for (int i = 1; i < argc; ++i) {
         std::string const argument = argv[i];
         if (argument.compare(0, 2, "--") == 0) {
@@ -468,12 +472,11 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "%s: of what kind?\n", argv[i]);
             return 2;
         }
+        for (; printed < tallies.size(); ++printed) {
+            tallies[printed].Print();
+            wrong += tallies[printed].wrong + tallies[printed].wrongAreas;
+        }
     }
     FT_Done_FreeType(library);
-    int wrong = 0;
-    for (Tally const& tally : tallies) {
-        tally.Print();
-        wrong += tally.wrong + tally.wrongAreas;
-    }
     return wrong == 0 ? 0 : 1;
 }

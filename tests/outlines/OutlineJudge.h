@@ -33,8 +33,17 @@ public:
                 Segment segment{{s.start.h, s.control1.h, s.control2.h, s.end.h},
                                 {s.start.v, s.control1.v, s.control2.v, s.end.v},
                                 s.IsCurve(),
+                                0,
+                                {},
                                 {}};
+                for (int i = 0; i < 3; ++i) {
+                    segment.speed =
+                        std::max(segment.speed, std::abs(segment.h[i + 1] - segment.h[i]) * 4);
+                }
                 segment.turns = Turns(segment.v);
+                for (Wide const t : segment.turns) {
+                    segment.heights.push_back(segment.At(segment.v, t));
+                }
                 segments.push_back(segment);
             }
         }
@@ -44,24 +53,29 @@ public:
     int Winding(Pt const& p) const {
         int winding = 0;
         for (Segment const& s : segments) {
-            if (p.h > *std::max_element(s.h, s.h + 4)) {
-                continue;
-            }
             // Between its turns the segment crosses the ray's line once at most.
             for (std::size_t i = 0; i + 1 < s.turns.size(); ++i) {
-                Wide low = s.turns[i];
-                Wide high = s.turns[i + 1];
-                bool const before = s.At(s.v, low) > p.v;
-                bool const after = s.At(s.v, high) > p.v;
-                if (before == after) {
+                bool const before = s.heights[i] > p.v;
+                bool const after = s.heights[i + 1] > p.v;
+                if (before == after || p.h > *std::max_element(s.h, s.h + 4)) {
                     continue;
                 }
+                if (p.h < *std::min_element(s.h, s.h + 4)) { // the ray crosses it anywhere
+                    winding += after ? 1 : -1;
+                    continue;
+                }
+                Wide low = s.turns[i];
+                Wide high = s.turns[i + 1];
                 if (!s.curve) {
                     low = (p.v - s.v[0]) / (s.v[3] - s.v[0]);
                 }
                 for (int k = 0; k < 64 && s.curve; ++k) {
                     Wide const middle = (low + high) / 2;
                     ((s.At(s.v, middle) > p.v) == before ? low : high) = middle;
+                    // Further steps do not move the crossing past the point.
+                    if (k % 4 == 3 && std::abs(s.At(s.h, low) - p.h) > s.speed * (high - low)) {
+                        break;
+                    }
                 }
                 if (s.At(s.h, low) > p.h) {
                     winding += after ? 1 : -1;
@@ -102,7 +116,9 @@ public:
         Wide h[4];
         Wide v[4];
         bool curve;
-        std::vector<Wide> turns; ///< 0, the parameters where v turns back, 1
+        Wide speed;                ///< more than the greatest change of h per unit of the parameter
+        std::vector<Wide> turns;   ///< 0, the parameters where v turns back, 1
+        std::vector<Wide> heights; ///< v there
 
         Wide At(Wide const (&x)[4], Wide t) const {
             Wide const u = 1 - t;
