@@ -328,19 +328,16 @@ template <class T> double TPolygon<T>::Length() const {
     return length;
 }
 
-template <class T> TRect<T> TPolygon<T>::KeepBounds() const {
-    TRect<T> bounds;
+template <class T> void TPolygon<T>::CalcBounds() const {
     if (mHandle == nullptr) {
-        return bounds;
+        return;
     }
+    TRect<T> bounds;
     if (!trammel_detail::FindUnion(Run(*this), bounds)) {
         bounds = trammel_detail::UnionForward(Run(*this));
     }
     KeptBounds(**mHandle).Store(bounds);
-    return bounds;
 }
-
-template <class T> void TPolygon<T>::CalcBounds() const { KeepBounds(); }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
     return Bounds().Contains(p) && trammel_detail::OddCrossings(Run(*this), p.h, p.v);

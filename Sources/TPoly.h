@@ -137,7 +137,12 @@ public:
 
     /// Returns the bounds of the vertices, computed when not cached (O(n)); the null rectangle for
     /// an empty polygon and without storage.
-    TRect<T> Bounds() const { return BoundsValid() ? (*mHandle)->mBounds : KeepBounds(); }
+    TRect<T> Bounds() const {
+        if (!BoundsValid()) {
+            CalcBounds();
+        }
+        return mHandle != nullptr ? (*mHandle)->mBounds : TRect<T>();
+    }
     /// True when the bounds cache is current.
     bool BoundsValid() const {
         // Another thread that computes the bounds sets the flag behind them.
@@ -206,10 +211,6 @@ public:
     /// when this polygon is, and then repeats the first vertex at the end. A polygon without
     /// storage gives a null reference.
     operator CFPolygonRef() const;
-
-private:
-    /// Computes the bounds, keeps and returns them; the null rectangle without storage.
-    TRect<T> KeepBounds() const;
 };
 
 /// Orders points by h and then v, or by v and then h; both ascending. It is a strict weak ordering
