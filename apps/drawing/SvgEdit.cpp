@@ -516,13 +516,12 @@ std::string SvgEdit::ShieldedStyle(pugi::xml_node beside, std::string style,
 }
 
 /// Returns the text of a new path, whose name has the prefix of the element beside.
-std::string SvgEdit::PathElement(pugi::xml_node beside, NewPath const& look,
-                                 CPath const& path) const {
+std::string SvgEdit::PathElement(pugi::xml_node beside, NewPath const& look, CPath const& path) {
     std::string const name = beside.name();
     std::size_t const colon = name.find(':');
     std::string const prefix = colon == std::string::npos ? "" : name.substr(0, colon + 1);
     std::string const data = PathText(path);
-    std::string text = "<" + prefix + "path id=\"" + Escaped(look.id) + "\"";
+    std::string text = "<" + prefix + "path id=\"" + Escaped(FreeId(look.id)) + "\"";
     if (!look.className.empty()) {
         text += " class=\"" + Escaped(look.className) + "\"";
     }

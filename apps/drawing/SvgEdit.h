@@ -67,7 +67,7 @@ public:
 
     /// What a new path is called, and how it looks.
     struct NewPath {
-        std::string id;
+        std::string id;        ///< or one that begins with it, if the document has it already
         std::string className; ///< empty: none
         std::string style;     ///< declarations for its style attribute
     };
@@ -137,7 +137,7 @@ private:
     bool HasMarkers() const { return mDocument->Text().find("marker") != std::string::npos; }
     std::string ShieldedStyle(pugi::xml_node beside, std::string style,
                               std::string const& data) const;
-    std::string PathElement(pugi::xml_node beside, NewPath const& look, CPath const& path) const;
+    std::string PathElement(pugi::xml_node beside, NewPath const& look, CPath const& path);
     void WriteTag(std::size_t element, Tag const& tag, std::vector<Replacement>& out) const;
 
     std::shared_ptr<SvgDocument const> mDocument;

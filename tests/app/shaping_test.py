@@ -297,6 +297,20 @@ class Shapes(AppTest):
             after, told = self.markers_after_reverse('marker-end="url(#dot)"', d=d)
             self.assertEqual((after, len(told)), ('marker-end="url(#dot)"', 1))
 
+    def test_new_paths_get_ids_of_their_own(self):
+        file = self.write("in.svg", svg('<path id="r" d="M0 0H9V9Z"/><g id="1-glyph2"/>'))
+        font = self.write("font.ttf", font_bytes())
+        out = self.path("out.svg")
+        self.run_text("hatch", file, "--angle", "0", "--spacing", "3", "-o", out)
+        self.run_text("hatch", out, "--id", "r", "--angle", "90", "--spacing", "3", "-o", out)
+        self.run_text("text", font, "A", "--along", out, "--id", "r", "-o", out)
+        for _ in range(2):
+            self.run_text("shape", "circle", "5,5,2", "--into", out, "-o", out)
+        self.assertEqual(list(self.path_data("out.svg")),
+                         ["r", "1-glyph2-2", "r-hatch-2", "r-hatch", "circle", "circle-2"])
+        self.fails("shape", "circle", "5,5,2", "--into", out, "--set-id", "r-hatch", "-o", out,
+                   names=["--set-id: 'r-hatch': is an element of", "out.svg"], output="out.svg")
+
     def test_text_along_a_reversed_line_is_told(self):
         body = ('<path id="p" d="M0 0H9"/><path id="q" d="M0 5H9"/>'
                 '<text><textPath href="#p">up</textPath></text>')

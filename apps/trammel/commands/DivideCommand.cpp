@@ -362,8 +362,7 @@ private:
         std::replace(id.begin(), id.end(), '/', '-');
         std::replace(id.begin(), id.end(), '#', '-');
         for (CPath const& part : PartsOf(i)) {
-            edit.InsertPath(outline.source.placed, {edit.FreeId(id), name, style},
-                            Moved(part, beside));
+            edit.InsertPath(outline.source.placed, {id, name, style}, Moved(part, beside));
         }
     }
 

@@ -92,6 +92,9 @@ std::string Added(Options const& options, Outline const& shape) {
     if (!IsSvgName(options.write.output)) {
         throw Error(options.write.output, "", "must end in .svg or .svgz to hold the drawing");
     }
+    if (!options.id.empty() && drawing.document->Find(options.id)) {
+        throw Error("--set-id", "'" + options.id + "'", "is an element of " + options.into);
+    }
     CMatrix3x3 const& root = drawing.rootTransform;
     CMatrix3x3 const inverse = Undone(root, drawing, shape);
     double const scale = MeanStretch(root);
