@@ -314,20 +314,10 @@ bool IsWide(std::string_view value) {
 
 Cascade::Cascade(SvgDocument const& document, Complaint complain)
     : mDocument(document), mComplain(std::move(complain)) {
-    // The walk goes from node to node, because the nesting may be deeper than the stack.
-    pugi::xml_node node = document.Root();
-    while (node) {
-        if (IsElement(node) && document.LocalName(node) == "style") {
-            ReadSheet(node);
+    for (pugi::xml_node const element : document.Elements()) {
+        if (document.LocalName(element) == "style") {
+            ReadSheet(element);
         }
-        if (pugi::xml_node const child = node.first_child()) {
-            node = child;
-            continue;
-        }
-        while (node && !node.next_sibling()) {
-            node = node.parent();
-        }
-        node = node.next_sibling();
     }
     for (std::size_t i = 0; i < mRules.size(); ++i) {
         CssCompound const& last = mRules[i].selector.compounds.back();

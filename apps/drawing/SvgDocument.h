@@ -34,6 +34,8 @@ public:
 
     /// Returns the outermost element.
     pugi::xml_node Root() const { return mTree.document_element(); }
+    /// Returns all elements, in the order of the text.
+    std::vector<pugi::xml_node> const& Elements() const { return mElements; }
     /// Returns the first element with this id, or no node.
     pugi::xml_node Find(std::string_view id) const;
     /// Returns the name of an SVG element without its prefix; empty for other vocabularies.

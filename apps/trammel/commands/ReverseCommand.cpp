@@ -26,25 +26,17 @@ struct Options {
 /// Returns the elements along which the document sets text.
 std::set<std::size_t> TextLines(SvgDocument const& document) {
     std::set<std::size_t> lines;
-    if (document.Text().find("textPath") == std::string::npos) {
-        return lines;
-    }
-    // The walk goes from node to node, because the nesting may be deeper than the stack.
-    for (pugi::xml_node node = document.Root(); node;) {
-        if (document.LocalName(node) == "textPath") {
-            std::string const link =
-                (node.attribute("href") ? node.attribute("href") : node.attribute("xlink:href"))
-                    .value();
-            if (!link.empty() && link[0] == '#') {
-                lines.insert(document.Offset(document.Find(link.substr(1))));
+    for (pugi::xml_node const element : document.Elements()) {
+        if (document.LocalName(element) == "textPath") {
+            std::string const link = (element.attribute("href") ? element.attribute("href")
+                                                                : element.attribute("xlink:href"))
+                                         .value();
+            pugi::xml_node const line =
+                !link.empty() && link[0] == '#' ? document.Find(link.substr(1)) : pugi::xml_node();
+            if (line) {
+                lines.insert(document.Offset(line));
             }
         }
-        pugi::xml_node next = node.first_child();
-        while (!next && node) {
-            next = node.next_sibling();
-            node = node.parent();
-        }
-        node = next;
     }
     return lines;
 }
