@@ -47,12 +47,14 @@ public:
                 segments.push_back(segment);
             }
         }
+        FillBands();
     }
 
     /// Returns the winding number around `p`, which is not on the outline.
     int Winding(Pt const& p) const {
         int winding = 0;
-        for (Segment const& s : segments) {
+        for (std::size_t const place : bands[BandOf(p.v)]) {
+            Segment const& s = segments[place];
             // Between its turns the segment crosses the ray's line once at most.
             for (std::size_t i = 0; i + 1 < s.turns.size(); ++i) {
                 bool const before = s.heights[i] > p.v;
@@ -89,8 +91,15 @@ public:
     }
     /// True when the outline is nearer to `p` than `distance`.
     bool IsNear(Pt const& p, Wide distance) const {
-        return std::any_of(segments.begin(), segments.end(),
-                           [&](Segment const& s) { return DistanceOf(s, p, distance) < distance; });
+        std::size_t const last = BandOf(p.v + distance);
+        for (std::size_t band = BandOf(p.v - distance); band <= last; ++band) {
+            for (std::size_t const place : bands[band]) {
+                if (DistanceOf(segments[place], p, distance) < distance) {
+                    return true;
+                }
+            }
+        }
+        return false;
     }
     /// Calls visit(point) for points beside the outline, `distance` away from it on either side.
     template <class Visit>
@@ -130,8 +139,36 @@ public:
         }
     };
     std::vector<Segment> segments;
+    /// The segments, by place, that reach into each band of v. Bands are of one height.
+    std::vector<std::vector<std::size_t>> bands;
 
 private:
+    Wide mTop = 0;
+    Wide mBandsPerUnit = 0;
+
+    void FillBands() {
+        Wide bottom = 0;
+        for (Segment const& s : segments) {
+            bool const first = &s == &segments.front();
+            mTop = std::min(first ? s.v[0] : mTop, *std::min_element(s.v, s.v + 4));
+            bottom = std::max(first ? s.v[0] : bottom, *std::max_element(s.v, s.v + 4));
+        }
+        bands.resize(segments.size() / 2 + 1);
+        mBandsPerUnit = bottom > mTop ? static_cast<Wide>(bands.size()) / (bottom - mTop) : 0;
+        for (std::size_t i = 0; i < segments.size(); ++i) {
+            Wide const(&v)[4] = segments[i].v;
+            std::size_t const last = BandOf(*std::max_element(v, v + 4));
+            for (std::size_t b = BandOf(*std::min_element(v, v + 4)); b <= last; ++b) {
+                bands[b].push_back(i);
+            }
+        }
+    }
+    /// Returns the band of a height. The first and the last band go on without end.
+    std::size_t BandOf(Wide v) const {
+        Wide const last = static_cast<Wide>(bands.size() - 1);
+        Wide const band = (v - mTop) * mBandsPerUnit;
+        return band > 0 ? static_cast<std::size_t>(std::min(band, last)) : 0;
+    }
     static std::vector<Wide> Turns(Wide const (&x)[4]) {
         Wide const d0 = x[1] - x[0];
         Wide const d1 = x[2] - x[1];
