@@ -206,7 +206,7 @@ TRect<double> CFPolygonRef::Bounds() const {
     if (kept.valid != 0) {
         return kept.bounds;
     }
-    TRect<double> const bounds = trammel_detail::UnionBackward(Points(*this));
+    TRect<double> const bounds = trammel_detail::Union<false>(Points(*this));
     BoundsIn(mRef).Store({bounds, 1});
     return bounds;
 }
@@ -309,7 +309,7 @@ void CFPolygonRef::CalcBounds() const {
     if (!HasHeader(mRef)) {
         return;
     }
-    BoundsIn(mRef).Store({trammel_detail::UnionBackward(Points(*this)), 1});
+    BoundsIn(mRef).Store({trammel_detail::Union<false>(Points(*this)), 1});
 }
 
 CFPolygonRef& CFPolygonRef::Offset(TPoint<double> const& d) {

@@ -129,70 +129,6 @@ bool OddCrossingsOneByOne(PointRun points, double h, double v) {
     return odd;
 }
 
-/// Returns point `i` of a run, counted from its end where it goes backward.
-template <bool kForward> char const* PlaceIn(PointRun points, long i) {
-    return points.bytes + kPointBytes * (kForward ? i : points.count - 1 - i);
-}
-
-/// Returns how many points at the origin come before all others, but not the last point.
-///
-/// A null rectangle takes over the next point. So points at the origin are forgotten until another
-/// point comes; if none comes, the last one stays, with the signs of its zeros. The first other
-/// point is in the rectangle for good, as one of its fields is not 0.
-template <bool kForward> long Forgotten(PointRun points) {
-    long start = 0;
-    while (start < points.count - 1 && IsOrigin(Double2::Load(PlaceIn<kForward>(points, start)))) {
-        ++start;
-    }
-    return start;
-}
-
-/// Gives zeros among the bounds the sign that they have in the union of one point after the other.
-///
-/// The extent takes the points in another order. That shows only where equal values differ, which
-/// zeros do. In order, the first zero is kept: it replaced the number before, and no later zero
-/// replaces it.
-template <bool kForward>
-[[gnu::noinline]] void PutFirstZeros(PointRun points, TRect<double>& bounds) {
-    long const start = Forgotten<kForward>(points);
-    auto const firstZero = [=](double TPoint<double>::*coordinate) {
-        for (long k = start; k < points.count; ++k) {
-            double const value = PointRun{PlaceIn<kForward>(points, k), 1}[0].*coordinate;
-            if (value == 0.0) {
-                return value;
-            }
-        }
-        return 0.0;
-    };
-    if (bounds.top == 0.0 || bounds.bottom == 0.0) {
-        double const zero = firstZero(&TPoint<double>::v);
-        bounds.top = bounds.top == 0.0 ? zero : bounds.top;
-        bounds.bottom = bounds.bottom == 0.0 ? zero : bounds.bottom;
-    }
-    if (bounds.left == 0.0 || bounds.right == 0.0) {
-        double const zero = firstZero(&TPoint<double>::h);
-        bounds.left = bounds.left == 0.0 ? zero : bounds.left;
-        bounds.right = bounds.right == 0.0 ? zero : bounds.right;
-    }
-}
-
-/// Returns the union of the null rectangle with each point in turn, from the first to the last or
-/// from the last to the first.
-template <bool kForward> TRect<double> Union(PointRun points) {
-    TRect<double> bounds;
-    if (points.count <= 0) {
-        return bounds;
-    }
-    long const start = Forgotten<kForward>(points);
-    // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
-    char const* const first = PlaceIn<kForward>(points, start);
-    ExtentOfPoints(first, kForward ? first : points.bytes, points.count - start, &bounds.top);
-    if (HasZero(bounds)) {
-        PutFirstZeros<kForward>(points, bounds);
-    }
-    return bounds;
-}
-
 } // namespace
 
 bool OddCrossings(PointRun points, double h, double v) {
@@ -247,9 +183,40 @@ bool Heights::OddCrossings(double h, double v) const {
     return odd;
 }
 
-TRect<double> UnionForward(PointRun points) { return Union<true>(points); }
+template <bool kForward> long Forgotten(PointRun points) {
+    long start = 0;
+    while (start < points.count - 1 && IsOrigin(Double2::Load(PlaceIn<kForward>(points, start)))) {
+        ++start;
+    }
+    return start;
+}
+template long Forgotten<true>(PointRun points);
+template long Forgotten<false>(PointRun points);
 
-TRect<double> UnionBackward(PointRun points) { return Union<false>(points); }
+template <bool kForward> void PutFirstZeros(PointRun points, TRect<double>& bounds) {
+    long const start = Forgotten<kForward>(points);
+    auto const firstZero = [=](double TPoint<double>::*coordinate) {
+        for (long k = start; k < points.count; ++k) {
+            double const value = PointRun{PlaceIn<kForward>(points, k), 1}[0].*coordinate;
+            if (value == 0.0) {
+                return value;
+            }
+        }
+        return 0.0;
+    };
+    if (bounds.top == 0.0 || bounds.bottom == 0.0) {
+        double const zero = firstZero(&TPoint<double>::v);
+        bounds.top = bounds.top == 0.0 ? zero : bounds.top;
+        bounds.bottom = bounds.bottom == 0.0 ? zero : bounds.bottom;
+    }
+    if (bounds.left == 0.0 || bounds.right == 0.0) {
+        double const zero = firstZero(&TPoint<double>::h);
+        bounds.left = bounds.left == 0.0 ? zero : bounds.left;
+        bounds.right = bounds.right == 0.0 ? zero : bounds.right;
+    }
+}
+template void PutFirstZeros<true>(PointRun points, TRect<double>& bounds);
+template void PutFirstZeros<false>(PointRun points, TRect<double>& bounds);
 
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m) {
     static_assert(offsetof(CMatrix3x3, a) == 0 && offsetof(CMatrix3x3, b) == 8 &&

@@ -72,26 +72,45 @@ private:
     constexpr unsigned kBoth = 3; // the bits of a mask that is set in both lanes
     return (point == 0.0).Bits() == kBoth;
 }
-/// Returns whether a bound is 0.
-[[gnu::always_inline]] inline bool HasZero(TRect<double> const& bounds) {
-    Double2 const low = Double2::Load(&bounds.mCorners[0]);
-    Double2 const high = Double2::Load(&bounds.mCorners[1]);
-    return ((low == 0.0).Bits() | (high == 0.0).Bits()) != 0;
+
+/// Returns point `i` of a run, counted from its end where it goes backward.
+template <bool kForward> char const* PlaceIn(PointRun points, long i) {
+    return points.bytes + kPointBytes * (kForward ? i : points.count - 1 - i);
 }
 
-/// Returns the union of the null rectangle with each point in turn, from the first to the last.
-TRect<double> UnionForward(PointRun points);
-/// Finds that union for most runs. Returns false, with any bounds, for a run without points or with
-/// a zero among the bounds, and for one that begins at the origin.
-[[gnu::always_inline]] inline bool FindUnion(PointRun points, TRect<double>& bounds) {
-    if (points.count <= 0 || IsOrigin(Double2::Load(points.bytes))) {
-        return false;
+/// Returns how many points at the origin come before all others, but not the last point.
+///
+/// A null rectangle takes over the next point. So points at the origin are forgotten until another
+/// point comes; if none comes, the last one stays, with the signs of its zeros. The first other
+/// point is in the rectangle for good, as one of its fields is not 0.
+template <bool kForward> long Forgotten(PointRun points);
+
+/// Gives zeros among the bounds the sign that they have in the union of one point after the other.
+///
+/// The extent takes the points in another order. That shows only where equal values differ, which
+/// zeros do. In order, the first zero is kept: it replaced the number before, and no later zero
+/// replaces it.
+template <bool kForward> void PutFirstZeros(PointRun points, TRect<double>& bounds);
+
+/// Returns the union of the null rectangle with each point in turn, from the first to the last or
+/// from the last to the first. What few runs need is not inlined.
+template <bool kForward> [[gnu::always_inline]] inline TRect<double> Union(PointRun points) {
+    TRect<double> bounds;
+    if (points.count <= 0) {
+        return bounds;
     }
-    ExtentOfPoints(points.bytes, points.bytes, points.count, &bounds.top);
-    return !HasZero(bounds);
+    bool const origin = IsOrigin(Double2::Load(PlaceIn<kForward>(points, 0)));
+    long const start = origin ? Forgotten<kForward>(points) : 0;
+    // A NaN in the first point stays, as no number replaces it. Later ones replace nothing.
+    char const* const first = PlaceIn<kForward>(points, start);
+    ExtentOfPoints(first, kForward ? first : points.bytes, points.count - start, &bounds.top);
+    Double2 const low = Double2::Load(&bounds.mCorners[0]);
+    Double2 const high = Double2::Load(&bounds.mCorners[1]);
+    if (((low == 0.0).Bits() | (high == 0.0).Bits()) != 0) {
+        PutFirstZeros<kForward>(points, bounds);
+    }
+    return bounds;
 }
-/// Returns the union of the null rectangle with each point in turn, from the last to the first.
-TRect<double> UnionBackward(PointRun points);
 
 /// Replaces each of `count` points by what CMatrix3x3::Transform makes of it.
 void TransformRun(char* bytes, long count, CMatrix3x3 const& m);

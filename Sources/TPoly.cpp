@@ -329,14 +329,9 @@ template <class T> double TPolygon<T>::Length() const {
 }
 
 template <class T> void TPolygon<T>::CalcBounds() const {
-    if (mHandle == nullptr) {
-        return;
+    if (mHandle != nullptr) {
+        KeptBounds(**mHandle).Store(trammel_detail::Union<true>(Run(*this)));
     }
-    TRect<T> bounds;
-    if (!trammel_detail::FindUnion(Run(*this), bounds)) {
-        bounds = trammel_detail::UnionForward(Run(*this));
-    }
-    KeptBounds(**mHandle).Store(bounds);
 }
 
 template <class T> bool TPolygon<T>::Contains(TPoint<T> p) const {
