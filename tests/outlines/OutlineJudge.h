@@ -53,7 +53,7 @@ public:
     /// Returns the winding number around `p`, which is not on the outline.
     int Winding(Pt const& p) const {
         int winding = 0;
-        for (std::size_t const place : bands[BandOf(p.v)]) {
+        for (std::size_t const place : mBands[BandOf(p.v)]) {
             Segment const& s = segments[place];
             // Between its turns the segment crosses the ray's line once at most.
             for (std::size_t i = 0; i + 1 < s.turns.size(); ++i) {
@@ -93,7 +93,7 @@ public:
     bool IsNear(Pt const& p, Wide distance) const {
         std::size_t const last = BandOf(p.v + distance);
         for (std::size_t band = BandOf(p.v - distance); band <= last; ++band) {
-            for (std::size_t const place : bands[band]) {
+            for (std::size_t const place : mBands[band]) {
                 if (DistanceOf(segments[place], p, distance) < distance) {
                     return true;
                 }
@@ -139,10 +139,10 @@ public:
         }
     };
     std::vector<Segment> segments;
-    /// The segments, by place, that reach into each band of v. Bands are of one height.
-    std::vector<std::vector<std::size_t>> bands;
 
 private:
+    /// The segments, by place, that reach into each band of v. Bands are of one height.
+    std::vector<std::vector<std::size_t>> mBands;
     Wide mTop = 0;
     Wide mBandsPerUnit = 0;
 
@@ -153,19 +153,19 @@ private:
             mTop = std::min(first ? s.v[0] : mTop, *std::min_element(s.v, s.v + 4));
             bottom = std::max(first ? s.v[0] : bottom, *std::max_element(s.v, s.v + 4));
         }
-        bands.resize(segments.size() / 2 + 1);
-        mBandsPerUnit = bottom > mTop ? static_cast<Wide>(bands.size()) / (bottom - mTop) : 0;
+        mBands.resize(segments.size() / 2 + 1);
+        mBandsPerUnit = bottom > mTop ? static_cast<Wide>(mBands.size()) / (bottom - mTop) : 0;
         for (std::size_t i = 0; i < segments.size(); ++i) {
             Wide const(&v)[4] = segments[i].v;
             std::size_t const last = BandOf(*std::max_element(v, v + 4));
             for (std::size_t b = BandOf(*std::min_element(v, v + 4)); b <= last; ++b) {
-                bands[b].push_back(i);
+                mBands[b].push_back(i);
             }
         }
     }
     /// Returns the band of a height. The first and the last band go on without end.
     std::size_t BandOf(Wide v) const {
-        Wide const last = static_cast<Wide>(bands.size() - 1);
+        Wide const last = static_cast<Wide>(mBands.size() - 1);
         Wide const band = (v - mTop) * mBandsPerUnit;
         return band > 0 ? static_cast<std::size_t>(std::min(band, last)) : 0;
     }
