@@ -9,6 +9,7 @@
 #include "SvgEdit.h"
 #include "SvgPath.h"
 #include "SvgReader.h"
+#include "TextEncoding.h"
 
 #include <memory>
 #include <utility>
@@ -292,7 +293,10 @@ private:
 };
 
 std::optional<tool::Drawing> Read(std::string const& content, tool::ArcAccuracy const& arcs = {}) {
-    return DrawingOf([&] { return tool::ReadSvg(kFile, content, arcs); });
+    return DrawingOf([&] {
+        tool::Encoding const encoding = tool::EncodingOf(content);
+        return tool::ReadSvg(kFile, tool::Decoded(kFile, content, encoding), encoding, arcs);
+    });
 }
 
 /// An outline's source is an element of the document, and no change leaves the file as it is.

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 
-// Characters and texts in ASCII, as CSS and SVG read them.
+// Characters and texts in ASCII, as CSS, SVG and XML read them.
 
 #ifndef TRAMMEL_APP_ASCII_H
 #define TRAMMEL_APP_ASCII_H
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace tool {
@@ -13,6 +14,9 @@ namespace tool {
 /// What CSS takes for white space. XML knows the same but the form feed, which no document of it
 /// has.
 inline constexpr std::string_view kSpaces = " \t\r\n\f";
+
+/// What XML takes for white space, and JSON, too.
+inline constexpr std::string_view kXmlSpaces = " \t\r\n";
 
 inline bool IsSpace(char c) { return kSpaces.find(c) != std::string_view::npos; }
 
@@ -25,6 +29,15 @@ inline std::string_view Trimmed(std::string_view text) {
         return {};
     }
     return text.substr(first, text.find_last_not_of(kSpaces) - first + 1);
+}
+
+/// Returns the text in lower case, as far as it is ASCII.
+inline std::string AsciiLower(std::string_view text) {
+    std::string lower(text);
+    for (char& c : lower) {
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return lower;
 }
 
 } // namespace tool

@@ -288,6 +288,16 @@ bool Matches(CssAttributeTest const& test, pugi::xml_node element) {
 
 char const* NameOf(Property property) { return kTable[static_cast<std::size_t>(property)].name; }
 
+TPoint<double> TransformCentre(ElementStyle const& style, TPoint<double> const& corner,
+                               LengthUnits const& units) {
+    std::string_view const text = style[Property::kTransformOrigin].value;
+    if (text.empty() || IsWide(text)) {
+        return corner;
+    }
+    TransformOrigin const origin = ParseTransformOrigin(text);
+    return corner + TPoint<double>(units(origin.h, false), units(origin.v, true));
+}
+
 CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
                        LengthUnits const& units) {
     Declared const& declared = style[Property::kTransform];
@@ -296,12 +306,7 @@ CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
     }
     CMatrix3x3 const m =
         declared.css ? ParseCssTransform(declared.value, units) : ParseTransform(declared.value);
-    TPoint<double> centre = corner;
-    std::string_view const text = style[Property::kTransformOrigin].value;
-    if (!text.empty() && !IsWide(text)) {
-        TransformOrigin const origin = ParseTransformOrigin(text);
-        centre += TPoint<double>(units(origin.h, false), units(origin.v, true));
-    }
+    TPoint<double> const centre = TransformCentre(style, corner, units);
     if (centre.Null()) {
         return m;
     }

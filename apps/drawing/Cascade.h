@@ -97,6 +97,11 @@ private:
     std::array<Declared, kProperties> mDeclared;
 };
 
+/// Returns the point about which the transform of an element goes. Throws TextError for a mistake.
+/// \param corner  the top left corner of the box that lengths refer to
+TPoint<double> TransformCentre(ElementStyle const& style, TPoint<double> const& corner,
+                               LengthUnits const& units);
+
 /// Returns the transform that an element has by itself, transform-origin included. It throws
 /// TextError for a mistake in the property or the attribute.
 /// \param corner  the top left corner of the box that lengths refer to

@@ -2,6 +2,7 @@
 
 #include "Css.h"
 
+#include "Ascii.h"
 #include "CssTokens.h"
 
 #include <algorithm>
@@ -533,14 +534,6 @@ std::optional<CssDeclaration> Parser::Declaration(Tokens& tokens) const {
 }
 
 } // namespace
-
-std::string AsciiLower(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
-}
 
 std::vector<CssRule> ParseStyleSheet(std::string_view text, CssComplaint const& complain) {
     return Parser(text, complain).Rules();

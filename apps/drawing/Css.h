@@ -97,9 +97,6 @@ std::vector<CssDeclaration> ParseDeclarations(std::string_view text, CssComplain
 /// `known` becomes false for conditions beyond a list of types.
 bool MediaApply(std::string_view media, bool& known);
 
-/// Returns the text in lower case, as far as it is ASCII.
-std::string AsciiLower(std::string_view text);
-
 /// Returns the fragment of a value "url(#fragment)", in any of its spellings. It is empty for
 /// another value.
 std::string UrlFragment(std::string_view value);

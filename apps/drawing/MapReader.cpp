@@ -2,6 +2,7 @@
 
 #include "MapReader.h"
 
+#include "Ascii.h"
 #include "Error.h"
 #include "GeoReader.h"
 #include "MapJson.h"
@@ -43,7 +44,7 @@ Json Parsed(std::string const& file, std::string const& text) {
 
 bool LooksLikeJson(std::string const& content) {
     std::size_t const mark = content.compare(0, 3, "\xEF\xBB\xBF") == 0 ? 3 : 0;
-    std::size_t const first = content.find_first_not_of(" \t\r\n", mark);
+    std::size_t const first = content.find_first_not_of(kXmlSpaces, mark);
     return first != std::string::npos && content[first] == '{';
 }
 

@@ -37,6 +37,17 @@ constexpr double kSameShare = 1e-12;
 /// Coordinates between this power of two and its inverse have figures within the range of double.
 constexpr int kUsualPower = 256;
 
+/// Returns the power of two of a magnitude that is not usual; otherwise 0.
+int ExtremePower(double magnitude) {
+    int const power = magnitude > 0.0 && std::isfinite(magnitude) ? std::ilogb(magnitude) : 0;
+    return std::abs(power) > kUsualPower ? power : 0;
+}
+
+/// Returns the greatest magnitude of the entries that turn and scale.
+double GreatestEntry(CMatrix3x3 const& m) {
+    return std::max({std::abs(m.a), std::abs(m.b), std::abs(m.c), std::abs(m.d)});
+}
+
 /// The bounds of points, the origin included. A rectangle cannot hold the origin alone: it is null
 /// then, and a null rectangle takes the next point for its first.
 TRect<double> BoundsOf(std::vector<Pt> const& points) {
@@ -114,11 +125,11 @@ double FigureAccuracy(Outline const& outline, Pt const& p) {
 
 int ExtremePower(CPath const& path) {
     TRect<double> const bounds = ControlBounds(path);
-    double const reach = std::max({std::abs(bounds.left), std::abs(bounds.top),
-                                   std::abs(bounds.right), std::abs(bounds.bottom)});
-    int const power = reach > 0.0 && std::isfinite(reach) ? std::ilogb(reach) : 0;
-    return std::abs(power) > kUsualPower ? power : 0;
+    return ExtremePower(std::max({std::abs(bounds.left), std::abs(bounds.top),
+                                  std::abs(bounds.right), std::abs(bounds.bottom)}));
 }
+
+int ExtremePower(CMatrix3x3 const& m) { return ExtremePower(GreatestEntry(m)); }
 
 CPath TimesPowerOfTwo(CPath path, int power) {
     for (Pt& p : path.mPts) {
@@ -133,7 +144,7 @@ double Stretch(CMatrix3x3 const& m) {
 }
 
 double MeanStretch(CMatrix3x3 const& m) {
-    double const greatest = std::max({std::abs(m.a), std::abs(m.b), std::abs(m.c), std::abs(m.d)});
+    double const greatest = GreatestEntry(m);
     if (!(greatest > 0.0) || !std::isfinite(greatest)) {
         return greatest;
     }

@@ -51,6 +51,8 @@ double FigureAccuracy(Outline const& outline, TPoint<double> const& p);
 /// Returns the power of two of the greatest coordinate where figures of the path may leave the
 /// range of double, which cubes of coordinates do; 0 for other paths.
 int ExtremePower(CPath const& path);
+/// Does the same for the entries of a matrix that turn and scale.
+int ExtremePower(CMatrix3x3 const& m);
 /// Returns the path with all coordinates times a power of two, which is exact.
 CPath TimesPowerOfTwo(CPath path, int power);
 

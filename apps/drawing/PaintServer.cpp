@@ -51,18 +51,10 @@ bool IsTranslucentStop(pugi::xml_node stop) {
 
 PaintServer::PaintServer(SvgDocument const& document, std::string const& id) {
     constexpr std::size_t kMostLinks = 16;
-    std::string next = id;
-    while (mChain.size() < kMostLinks && !next.empty()) {
-        pugi::xml_node const node = document.Find(next);
-        if (!node) {
-            break;
-        }
+    pugi::xml_node node = id.empty() ? pugi::xml_node() : document.Find(id);
+    for (; node && mChain.size() < kMostLinks; node = document.Linked(node)) {
         mChain.push_back(node);
         mKinds.emplace_back(document.LocalName(node));
-        pugi::xml_attribute const href =
-            node.attribute("href") ? node.attribute("href") : node.attribute("xlink:href");
-        std::string const link = href.value();
-        next = link.empty() || link[0] != '#' ? "" : link.substr(1);
     }
 }
 

@@ -2,7 +2,7 @@
 
 #include "Picture.h"
 
-#include "Css.h"
+#include "Ascii.h"
 #include "Error.h"
 #include "Gzip.h"
 #include "Input.h"

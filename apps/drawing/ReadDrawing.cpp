@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Ascii.h"
 #include "Drawing.h"
 #include "Error.h"
 #include "FontReader.h"
@@ -21,7 +22,7 @@ bool LooksLikeXml(std::string_view content) {
     if (content.substr(0, mark.size()) == mark) {
         return true;
     }
-    std::size_t const first = content.find_first_not_of(" \t\r\n");
+    std::size_t const first = content.find_first_not_of(kXmlSpaces);
     return first != std::string_view::npos && content[first] == '<';
 }
 
@@ -33,14 +34,12 @@ Drawing ReadDrawing(std::string const& file, ArcAccuracy const& arcs) {
         return ReadFontDrawing(file, std::move(content));
     }
     Encoding const encoding = EncodingOf(content);
-    bool const wide = IsWideEncoding(encoding);
-    std::string const decoded = wide ? Decoded(file, content, encoding) : std::string();
-    std::string const& text = wide ? decoded : content;
+    std::string text = Decoded(file, std::move(content), encoding);
     if (LooksLikeJson(text)) {
         return ReadMap(file, text);
     }
     if (LooksLikeXml(text)) {
-        return ReadSvg(file, std::move(content), arcs);
+        return ReadSvg(file, std::move(text), encoding, arcs);
     }
     throw Error(file, "", "is neither an SVG drawing nor a font nor a map (TopoJSON, GeoJSON)");
 }

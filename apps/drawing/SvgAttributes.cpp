@@ -2,7 +2,7 @@
 
 #include "SvgAttributes.h"
 
-#include "Css.h"
+#include "Ascii.h"
 #include "Numbers.h"
 
 #include <trammel/UTrigonometry.h>

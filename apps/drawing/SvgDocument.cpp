@@ -2,6 +2,7 @@
 
 #include "SvgDocument.h"
 
+#include "Ascii.h"
 #include "Error.h"
 
 #include <algorithm>
@@ -18,9 +19,9 @@ public:
         std::size_t at = text.find("<!DOCTYPE");
         while (at != std::string_view::npos &&
                (at = text.find("<!ENTITY", at)) != std::string_view::npos) {
-            at = text.find_first_not_of(kSpace, at + 8);
-            std::size_t const end = text.find_first_of(kSpace, at);
-            std::size_t const quote = text.find_first_not_of(kSpace, end);
+            at = text.find_first_not_of(kXmlSpaces, at + 8);
+            std::size_t const end = text.find_first_of(kXmlSpaces, at);
+            std::size_t const quote = text.find_first_not_of(kXmlSpaces, end);
             if (quote == std::string_view::npos) {
                 return;
             }
@@ -60,7 +61,6 @@ public:
     }
 
 private:
-    static constexpr char const* kSpace = " \t\r\n";
     static constexpr std::size_t kMostGrowth = std::size_t{1} << 16;
     std::unordered_map<std::string_view, std::string_view> mValues;
     std::size_t mGrowth = 0;
@@ -68,9 +68,13 @@ private:
 
 } // namespace
 
-SvgDocument::SvgDocument(std::string const& file, std::string content)
-    : mFile(file), mEncoding(EncodingOf(content)) {
-    mText = Decoded(file, std::move(content), mEncoding);
+pugi::xml_attribute LinkOf(pugi::xml_node element) {
+    pugi::xml_attribute const href = element.attribute("href");
+    return href ? href : element.attribute("xlink:href");
+}
+
+SvgDocument::SvgDocument(std::string const& file, std::string text, Encoding encoding)
+    : mFile(file), mText(std::move(text)), mEncoding(encoding) {
     for (std::size_t i = mText.find('\n'); i != std::string::npos; i = mText.find('\n', i + 1)) {
         mLineEnds.push_back(i);
     }
@@ -118,6 +122,11 @@ SvgDocument::SvgDocument(std::string const& file, std::string content)
 pugi::xml_node SvgDocument::Find(std::string_view id) const {
     auto const found = mIds.find(id);
     return found == mIds.end() ? pugi::xml_node() : found->second;
+}
+
+pugi::xml_node SvgDocument::Linked(pugi::xml_node element) const {
+    std::string_view const link = LinkOf(element).value();
+    return link.size() > 1 && link[0] == '#' ? Find(link.substr(1)) : pugi::xml_node();
 }
 
 std::string_view SvgDocument::LocalName(pugi::xml_node element) const {

@@ -18,11 +18,16 @@
 
 namespace tool {
 
+/// Returns the attribute with which an element refers to another one, if it has one.
+pugi::xml_attribute LinkOf(pugi::xml_node element);
+
 /// A file's text and its elements.
 class SvgDocument {
 public:
-    /// Parses the content of a file. Throws Error unless it is a well-formed SVG document.
-    SvgDocument(std::string const& file, std::string content);
+    /// Parses the text of a file. Throws Error unless it is a well-formed SVG document.
+    /// \param text  in UTF-8
+    /// \param encoding  of the file
+    SvgDocument(std::string const& file, std::string text, Encoding encoding);
     SvgDocument(SvgDocument const&) = delete;
     SvgDocument& operator=(SvgDocument const&) = delete;
 
@@ -38,6 +43,8 @@ public:
     std::vector<pugi::xml_node> const& Elements() const { return mElements; }
     /// Returns the first element with this id, or no node.
     pugi::xml_node Find(std::string_view id) const;
+    /// Returns the element of this document to which an element refers, or no node.
+    pugi::xml_node Linked(pugi::xml_node element) const;
     /// Returns the name of an SVG element without its prefix; empty for other vocabularies.
     std::string_view LocalName(pugi::xml_node element) const;
     /// Returns the element whose '<' stands at this offset, or no node.
@@ -54,7 +61,7 @@ public:
 private:
     std::string mFile;
     std::string mText;
-    Encoding mEncoding = Encoding::kUtf8;
+    Encoding mEncoding;
     std::string mRootPrefix; ///< of the root element's name, colon included
     pugi::xml_document mTree;
     std::unordered_map<std::string_view, pugi::xml_node> mIds;

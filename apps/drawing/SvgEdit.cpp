@@ -22,8 +22,6 @@ namespace tool {
 
 namespace {
 
-constexpr std::string_view kSpace = " \t\r\n";
-
 /// One attribute of a tag, by offsets in the text.
 struct AttributeSpan {
     std::string_view name;
@@ -48,7 +46,7 @@ TagSpan TagAt(std::string_view text, std::size_t at) {
     TagSpan tag;
     tag.nameEnd = text.find_first_of(" \t\r\n/>", at + 1);
     std::size_t i = tag.nameEnd;
-    while ((i = text.find_first_not_of(kSpace, i)) < text.size() && text[i] != '>' &&
+    while ((i = text.find_first_not_of(kXmlSpaces, i)) < text.size() && text[i] != '>' &&
            text[i] != '/') {
         AttributeSpan attribute;
         attribute.begin = i;
@@ -105,6 +103,11 @@ std::string SharesOf(PaintServer const& gradient) {
         }
     }
     return text;
+}
+
+/// Returns a length in user units. Throws TextError for one that depends on a size or a font.
+double FixedUnits(Length const& length, bool /*vertical*/) {
+    return UserUnits(length, std::nullopt);
 }
 
 /// True for the elements that show markers.
@@ -233,7 +236,8 @@ CPath Rounded(CPath path, std::optional<int> digits) {
 
 SvgEdit::SvgEdit(std::shared_ptr<SvgDocument const> document, std::optional<int> digits)
     : mDocument(std::move(document)), mDigits(digits),
-      mCascade(*mDocument, [](std::string const&, std::string const&) {}) {}
+      mCascade(*mDocument, [](std::string const&, std::string const&) {}),
+      mHasMarkers(mDocument->Text().find("marker") != std::string::npos) {}
 
 std::string SvgEdit::PathText(CPath const& path) const {
     return trammel::WriteSvgPath(Rounded(path, mDigits));
@@ -242,7 +246,7 @@ std::string SvgEdit::PathText(CPath const& path) const {
 void SvgEdit::AddStyle(std::size_t element, std::string const& property, std::string const& value) {
     std::optional<std::string>& style = mTags[element].attributes["style"];
     std::string text = Ended(style ? *style : NodeAt(element).attribute("style").value());
-    std::size_t const last = text.find_last_not_of(kSpace);
+    std::size_t const last = text.find_last_not_of(kXmlSpaces);
     text.resize(last == std::string::npos ? 0 : last + 1);
     if (!text.empty() && text.back() != ';') {
         text += ';';
@@ -265,20 +269,17 @@ CMatrix3x3 SvgEdit::OwnTransform(std::size_t element) {
     if (!style[Property::kTransformBox].value.empty() && !transform.empty()) {
         throw TextError(0, "lengths refer to a box");
     }
-    return TransformOf(style, TPoint<double>(),
-                       [](Length const& length, bool) { return UserUnits(length, std::nullopt); });
+    return TransformOf(style, TPoint<double>(), FixedUnits);
 }
 
 void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
     ElementStyle const style = mCascade.Of(NodeAt(element));
-    std::string_view const origin = style[Property::kTransformOrigin].value;
     bool const hasBox = !style[Property::kTransformBox].value.empty();
     CMatrix3x3 own = m;
     try {
-        if (!origin.empty() && !IsWide(origin) && !hasBox) {
-            TransformOrigin const read = ParseTransformOrigin(origin);
-            TPoint<double> const centre(UserUnits(read.h, std::nullopt),
-                                        UserUnits(read.v, std::nullopt));
+        TPoint<double> const centre =
+            hasBox ? TPoint<double>() : TransformCentre(style, TPoint<double>(), FixedUnits);
+        if (!centre.Null()) {
             own = CMatrix3x3().Translate(centre) * m * CMatrix3x3().Translate(-centre);
         }
     } catch (TextError const&) { // it depends on a size or a font
@@ -325,9 +326,9 @@ std::string SvgEdit::KeptPaint(std::size_t element, std::string const& paint,
     std::size_t const bracket = std::min(paint.find(')'), paint.size() - 1);
     std::string const behind = paint.substr(bracket + 1);
     if (byBounds && (bounds.Width() == 0.0 || bounds.Height() == 0.0)) {
-        return behind.find_first_not_of(kSpace) == std::string::npos
+        return behind.find_first_not_of(kXmlSpaces) == std::string::npos
                    ? "none" // it paints nothing
-                   : behind.substr(behind.find_first_not_of(kSpace));
+                   : behind.substr(behind.find_first_not_of(kXmlSpaces));
     }
     CMatrix3x3 m;
     try {
@@ -392,14 +393,14 @@ void SvgEdit::KeepStyleOfType(std::size_t element, std::string const& type) {
     if (after.count("d") != 0 || own.count("d") != 0) {
         AddStyle(element, "d", "path(\"" + *mTags[element].attributes["d"] + "\") !important");
     }
-    if (!ShowsMarkers(type) && HasMarkers()) {
+    if (!ShowsMarkers(type) && mHasMarkers) {
         AddStyle(element, "marker", "none");
     }
 }
 
 bool SvgEdit::TurnMarkers(std::size_t element, CPath const& path) {
     pugi::xml_node const node = NodeAt(element);
-    if (!ShowsMarkers(mDocument->LocalName(node))) {
+    if (!mHasMarkers || !ShowsMarkers(mDocument->LocalName(node))) {
         return true;
     }
     std::string const start = InheritedValue(node, Property::kMarkerStart);
@@ -496,7 +497,7 @@ std::string SvgEdit::ShieldedStyle(pugi::xml_node beside, std::string style,
     for (auto const& [name, value] : kInitial) {
         std::string const begin = std::string(";") + name + ":";
         bool const reaches =
-            sheets.count(name) != 0 || (HasMarkers() && std::string_view(name) == "marker");
+            sheets.count(name) != 0 || (mHasMarkers && std::string_view(name) == "marker");
         if (reaches && style.find(begin) == std::string::npos) {
             style += begin + value;
         }
@@ -560,7 +561,7 @@ std::string SvgEdit::SpaceBefore(std::size_t element) const {
     std::size_t line = text.rfind('\n', element);
     line -= line != std::string::npos && line > 0 && text[line - 1] == '\r' ? 1 : 0;
     std::string const space = line == std::string::npos ? "" : text.substr(line, element - line);
-    return space.find_first_not_of(kSpace) == std::string::npos ? space : "";
+    return space.find_first_not_of(kXmlSpaces) == std::string::npos ? space : "";
 }
 
 /// Rules of style sheets may name the element's id, which a copy does not have. The copy's style
@@ -614,7 +615,7 @@ void SvgEdit::InsertCopy(std::size_t element, Side side, std::string const& id,
     Tag const kept = mTags[element];
     if (path) {
         SetPath(element, *path);
-        if (HasMarkers()) {
+        if (mHasMarkers) {
             DropMarkers(element);
         }
     }
@@ -712,7 +713,7 @@ void SvgEdit::WriteTag(std::size_t element, Tag const& tag, std::vector<Replacem
             out.push_back({attribute.begin, attribute.end + 1,
                            "d=\"" + Quoted(*tag.attributes.at("d"), '"') + "\""});
         } else {
-            std::size_t const before = text.find_last_not_of(kSpace, attribute.begin - 1) + 1;
+            std::size_t const before = text.find_last_not_of(kXmlSpaces, attribute.begin - 1) + 1;
             out.push_back({before, attribute.end + 1, ""});
         }
     }

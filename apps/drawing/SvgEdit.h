@@ -134,7 +134,6 @@ private:
     std::string SpaceBefore(std::size_t element) const;
     std::string TagText(std::size_t element, Tag const& tag) const;
     std::string PathText(CPath const& path) const;
-    bool HasMarkers() const { return mDocument->Text().find("marker") != std::string::npos; }
     std::string ShieldedStyle(pugi::xml_node beside, std::string style,
                               std::string const& data) const;
     std::string PathElement(pugi::xml_node beside, NewPath const& look, CPath const& path);
@@ -143,6 +142,7 @@ private:
     std::shared_ptr<SvgDocument const> mDocument;
     std::optional<int> mDigits;
     Cascade mCascade;
+    bool mHasMarkers; ///< false where the text has no such word
     std::map<std::size_t, Tag> mTags;
     std::vector<Replacement> mReplacements;
     std::set<std::string> mIds;                    ///< those given by FreeId

@@ -293,11 +293,7 @@ void SvgElements::AppendClips(pugi::xml_node element, std::string const& id,
 }
 
 void SvgElements::Use(pugi::xml_node element, Context const& context) {
-    pugi::xml_attribute reference = element.attribute("href");
-    if (!reference) {
-        reference = element.attribute("xlink:href");
-    }
-    std::string_view const target = Trimmed(reference.value());
+    std::string_view const target = Trimmed(LinkOf(element).value());
     if (target.empty()) {
         return;
     }
@@ -523,8 +519,10 @@ Drawing SvgElements::Read() {
     return std::move(mDrawing);
 }
 
-Drawing ReadSvg(std::string const& file, std::string content, ArcAccuracy const& arcs) {
-    return SvgElements(std::make_shared<SvgDocument const>(file, std::move(content)), arcs).Read();
+Drawing ReadSvg(std::string const& file, std::string text, Encoding encoding,
+                ArcAccuracy const& arcs) {
+    auto document = std::make_shared<SvgDocument const>(file, std::move(text), encoding);
+    return SvgElements(std::move(document), arcs).Read();
 }
 
 } // namespace tool

@@ -26,13 +26,16 @@
 #define TRAMMEL_APP_SVGREADER_H
 
 #include "Drawing.h"
+#include "TextEncoding.h"
 
 #include <string>
 
 namespace tool {
 
-/// Reads the content of `file`. Throws Error.
-Drawing ReadSvg(std::string const& file, std::string content, ArcAccuracy const& arcs);
+/// Reads the text of `file`, which is in UTF-8 here. Throws Error.
+/// \param encoding  of the file
+Drawing ReadSvg(std::string const& file, std::string text, Encoding encoding,
+                ArcAccuracy const& arcs);
 
 } // namespace tool
 

@@ -2,11 +2,11 @@
 
 #include "TextEncoding.h"
 
+#include "Ascii.h"
 #include "Error.h"
 #include "Utf8.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <iterator>
 
@@ -59,12 +59,14 @@ void AppendUnit(std::string& out, char32_t value, Units const& units) {
     }
 }
 
-bool IsSpace(char32_t c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool IsXmlSpace(char32_t c) {
+    return c < 0x80 && kXmlSpaces.find(static_cast<char>(c)) != std::string_view::npos;
+}
 
 /// True for a text that begins with a byte order mark, or as markup or a map does.
 bool Suits(std::string_view content, Units const& units) {
     std::size_t i = 0;
-    while (i + units.size <= content.size() && IsSpace(UnitAt(content, i, units))) {
+    while (i + units.size <= content.size() && IsXmlSpace(UnitAt(content, i, units))) {
         i += units.size;
     }
     if (i + units.size > content.size()) {
@@ -124,9 +126,7 @@ Encoding EncodingOf(std::string_view content) {
         }
     }
     if (content.substr(0, 5) == "<?xml") {
-        std::string declaration(content.substr(0, content.find("?>")));
-        std::transform(declaration.begin(), declaration.end(), declaration.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        std::string const declaration = AsciiLower(content.substr(0, content.find("?>")));
         for (std::string_view const name : {"iso-8859-1", "latin1"}) {
             std::size_t const at = declaration.find(name);
             if (at != std::string::npos && at > 0 &&
@@ -137,8 +137,6 @@ Encoding EncodingOf(std::string_view content) {
     }
     return Encoding::kUtf8;
 }
-
-bool IsWideEncoding(Encoding encoding) { return UnitsOf(encoding) != nullptr; }
 
 std::string Decoded(std::string const& file, std::string content, Encoding encoding) {
     if (encoding == Encoding::kUtf8) {

@@ -18,9 +18,6 @@ enum class Encoding { kUtf8, kUtf16Little, kUtf16Big, kUtf32Little, kUtf32Big, k
 /// XML's declaration. UTF-8 if these do not tell another one.
 Encoding EncodingOf(std::string_view content);
 
-/// True for encodings whose characters take several bytes each, all of them.
-bool IsWideEncoding(Encoding encoding);
-
 /// Returns the text in UTF-8, byte order mark included. Throws an Error that names the file for
 /// UTF-16 and UTF-32 that are not valid. Other encodings have no invalid text here.
 std::string Decoded(std::string const& file, std::string content, Encoding encoding);

@@ -27,15 +27,10 @@ struct Options {
 std::set<std::size_t> TextLines(SvgDocument const& document) {
     std::set<std::size_t> lines;
     for (pugi::xml_node const element : document.Elements()) {
-        if (document.LocalName(element) == "textPath") {
-            std::string const link = (element.attribute("href") ? element.attribute("href")
-                                                                : element.attribute("xlink:href"))
-                                         .value();
-            pugi::xml_node const line =
-                !link.empty() && link[0] == '#' ? document.Find(link.substr(1)) : pugi::xml_node();
-            if (line) {
-                lines.insert(document.Offset(line));
-            }
+        pugi::xml_node const line =
+            document.LocalName(element) == "textPath" ? document.Linked(element) : pugi::xml_node();
+        if (line) {
+            lines.insert(document.Offset(line));
         }
     }
     return lines;

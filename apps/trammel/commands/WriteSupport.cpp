@@ -4,6 +4,7 @@
 
 #include "Error.h"
 #include "Numbers.h"
+#include "Outlines.h"
 #include "Warning.h"
 
 #include <trammel/AccurateCurve.h>
@@ -18,10 +19,6 @@
 namespace tool {
 
 namespace {
-
-/// The determinant of a matrix with entries beyond this power of two, or below its inverse, may be
-/// beyond double.
-constexpr int kUsualPower = 256;
 
 /// Lengths that differ by no more, beside their size, are the same within rounding.
 constexpr double kSameLength = 1e-9;
@@ -173,18 +170,16 @@ namespace {
 /// Returns the matrix that undoes `m`, or nothing.
 std::optional<CMatrix3x3> InverseOf(CMatrix3x3 const& m) {
     CMatrix3x3 inverse;
-    double const greatest = std::max({std::abs(m.a), std::abs(m.b), std::abs(m.c), std::abs(m.d)});
-    int const power = greatest > 0.0 && std::isfinite(greatest) ? std::ilogb(greatest) : 0;
-    if (std::abs(power) > kUsualPower) {
-        auto const times = [](double number, int by) { return std::ldexp(number, by); };
-        CMatrix3x3 const scaled(times(m.a, -power), times(m.b, -power), times(m.c, -power),
-                                times(m.d, -power), 0.0, 0.0, 0);
-        if (scaled.IsSingular() || !scaled.Inverse(inverse)) {
+    if (int const power = ExtremePower(m); power != 0) { // its determinant may be beyond double
+        auto const scaled = [power](CMatrix3x3 const& by) {
+            return CMatrix3x3(std::ldexp(by.a, -power), std::ldexp(by.b, -power),
+                              std::ldexp(by.c, -power), std::ldexp(by.d, -power), 0.0, 0.0, 0);
+        };
+        CMatrix3x3 const usual = scaled(m);
+        if (usual.IsSingular() || !usual.Inverse(inverse)) {
             return std::nullopt;
         }
-        inverse = CMatrix3x3(times(inverse.a, -power), times(inverse.b, -power),
-                             times(inverse.c, -power), times(inverse.d, -power), 0.0, 0.0, 0);
-        return CMatrix3x3().Translate(-m.tx, -m.ty) * inverse;
+        return CMatrix3x3().Translate(-m.tx, -m.ty) * scaled(inverse);
     }
     if (IsIdentity(m) || (!m.IsSingular() && m.Inverse(inverse))) {
         return inverse;
