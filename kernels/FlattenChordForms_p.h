@@ -32,8 +32,8 @@ constexpr PanelShape ShapeOf(int panels, double speed, double bend) {
     double const square = 1.0 / (12.0 * panels * panels);
     return {speed * square, bend * square};
 }
-inline constexpr PanelShape kFewShape = ShapeOf(kFewPanels, 2.0, 1.0);
-inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels, 1.0, 2.5);
+inline constexpr PanelShape kFewShape = ShapeOf(kFewPanels, 2.0, 1.5);
+inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels, 0.25, 3.0);
 
 /// Returns the density of panels from the derivatives in their middles, at `t`.
 ///
@@ -65,7 +65,8 @@ template <class Vector>
 /// The parameters in a panel are first + y·(each + y·more), where y is the integral of the density.
 ///
 /// The inverse of the density is taken as linear in y. It has the value of the panel in its middle,
-/// and a slope by the neighbours' values.
+/// and a slope by the neighbours' values. Those are means over panels, and means vary less than the
+/// density. So the slope counts 0.36 in place of 0.25, and fewer chords fail.
 template <class Vector> struct PanelLine {
     Vector first, each, more;
 
@@ -74,7 +75,7 @@ template <class Vector> struct PanelLine {
                                             Density<Vector> const& density,
                                             Vector const& inverseBefore,
                                             Vector const& inverseBehind) {
-        Vector const slope = (inverseBehind - inverseBefore) * (Vector(0.25) * density.chords);
+        Vector const slope = (inverseBehind - inverseBefore) * (Vector(0.36) * density.chords);
         // The parameters increase.
         Vector const turn = Min(Max(slope, Vector(-0.95)), Vector(0.95));
         Vector const rest = Vector(1.0) - turn;
@@ -93,7 +94,6 @@ template <class Vector> struct PanelLine {
 /// `riseH` and `riseV` half of its change from 0 to 1.
 template <class Vector> struct ChordCubic {
     Vector startH, startV, riseH, riseV;
-    Vector steep; ///< the square of the change of w from 0 to 1
     Vector threeAH, threeAV, threeBH, threeBV, cH, cV;
     Vector originH, originV;
 };
@@ -121,13 +121,16 @@ template <class Vector>
 /// is `limit`.
 ///
 /// Let w be the vector in the middle of a chord d of width h, and r half of its change over the
-/// unit of the parameter. The curve's distance from the chord's line is
+/// unit of the parameter. From the chord's start the curve runs along
 ///
-///     4h²·s(1 - s)·|d x w + (s - 1/2)·2h/3·(d x r)| / |d|,   0 <= s <= 1
+///     s·d - 4h²·s(1 - s)·(w + (s - 1/2)·2h/3·r),   0 <= s <= 1
 ///
-/// Its maximum is a convex function of the two products. So linear interpolation bounds it, between
-/// quotients of 0, 3/4 and infinity. The curve does not leave the chord at an end where no w on it
-/// is longer than |d|/(4h²). The square of none is greater than 5/4·(w² + (2hr)²).
+/// The maximum of its distance from the chord's line is a convex function of d x w and d x r. So
+/// linear interpolation bounds it, between quotients of 0, 3/4 and infinity.
+///
+/// Let g be h²·(|d·w| + h/3·|d·r|). Along the chord, the curve is not before the start by more than
+/// the least value of s·(d² - 4g·(1 - s)) says, divided by |d|. It is 0 where 4g is below d², and
+/// else -(g - d²/4)²/g, which is above d²/4 - g. The same holds behind the end.
 template <class Vector>
 [[gnu::always_inline]] inline unsigned KeepChords(ChordCubic<Vector> const& c, Vector const& limit,
                                                   ChordEnds<Vector> const& from,
@@ -144,10 +147,12 @@ template <class Vector>
     Vector const change = width * Abs(dh * c.riseV - dv * c.riseH);
     Vector const off = width2 * Max(mean + Vector(0.02024) * change,
                                     Vector(0.91895) * mean + Vector(0.1283014) * change);
-    auto const near = off * off <= limit * square;
-    Vector const second = (wh * wh + wv * wv) + width2 * c.steep;
-    auto const within = (width2 * width2) * second <= Vector(0.05) * square;
-    return (near & within & IsChord(square, limit)).Bits();
+    Vector const along = Abs(dh * wh + dv * wv);
+    Vector const shift = width * Abs(dh * c.riseH + dv * c.riseV);
+    Vector const beyond =
+        Max(width2 * (along + Vector(1.0 / 3.0) * shift) - Vector(0.25) * square, Vector(0.0));
+    auto const near = off * off + beyond * beyond <= limit * square;
+    return (near & IsChord(square, limit)).Bits();
 }
 
 /// Returns for each place of `to` the one before it. The one before the first is the last of
@@ -291,19 +296,8 @@ ChordsOf(BendCubic<Vector> const& c, Vector const& originH, Vector const& origin
     Vector const three = Vector(3.0);
     Vector const part = Vector(0.75);
     Vector const half = Vector(0.375);
-    return {part * c.bH,
-            part * c.bV,
-            half * c.cH,
-            half * c.cV,
-            Vector(0.5625) * (c.cH * c.cH + c.cV * c.cV),
-            three * c.aH,
-            three * c.aV,
-            three * c.bH,
-            three * c.bV,
-            c.cH,
-            c.cV,
-            originH,
-            originV};
+    return {part * c.bH,  part * c.bV,  half * c.cH, half * c.cV, three * c.aH, three * c.aV,
+            three * c.bH, three * c.bV, c.cH,        c.cV,        originH,      originV};
 }
 
 /// Returns a mask of that many ones.

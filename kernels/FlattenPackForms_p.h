@@ -110,9 +110,8 @@ template <class Vector>
         return Vector(x[lane]);
     };
     ChordCubic<Vector> const cubic = {
-        all(c.startH),  all(c.startV),  all(c.riseH),   all(c.riseV),   all(c.steep),
-        all(c.threeAH), all(c.threeAV), all(c.threeBH), all(c.threeBV), all(c.cH),
-        all(c.cV),      all(c.originH), all(c.originV)};
+        all(c.startH),  all(c.startV),  all(c.riseH), all(c.riseV), all(c.threeAH), all(c.threeAV),
+        all(c.threeBH), all(c.threeBV), all(c.cH),    all(c.cV),    all(c.originH), all(c.originV)};
     auto const count = static_cast<int>(pack.chords[lane]);
     FlatChords chords;
     chords.failing = 0;
