@@ -24,7 +24,7 @@ namespace trammel_detail {
 class CoarseBox {
 public:
     CoarseBox() = default;
-    /// The coordinates of the box are at most 2^61.
+    /// Takes any box. A margin can be the distance of two doubles, twice the width of a drawing.
     explicit CoarseBox(GridBox const& b)
         : mBits(Cell(b.lowX) | Cell(b.lowY) << 16 | (kMost - Cell(b.highX)) << 32 |
                 (kMost - Cell(b.highY)) << 48) {}
@@ -35,12 +35,13 @@ public:
     bool MayMeet(std::uint64_t limits) const { return ((limits - mBits) & kGuards) == kGuards; }
 
 private:
+    static constexpr int kCellBits = 49; // the upper 15 bits number the cells
     static constexpr std::uint64_t kMost = 0x7FFF;
     static constexpr std::uint64_t kAllMost = 0x7FFF7FFF7FFF7FFF;
     static constexpr std::uint64_t kGuards = 0x8000800080008000; // stay where nothing is borrowed
 
     static std::uint64_t Cell(std::int64_t v) {
-        return static_cast<std::uint64_t>((v >> 48) + (1 << 14));
+        return static_cast<std::uint64_t>((v >> kCellBits) + (1 << 14));
     }
 
     std::uint64_t mBits;

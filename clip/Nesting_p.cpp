@@ -6,7 +6,6 @@
 #include "WestRays_p.h"
 #include "WestSweep_p.h"
 
-#include <cmath>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -18,19 +17,22 @@ namespace {
 /// How far a contour reaches.
 struct Reach {
     GridBox box;
-    double area = 0.0;
+    Int128 twiceArea = 0;
 
     Reach(GridLines const& contours, std::size_t contour) {
         std::size_t const begin = contours.Begin(contour);
         std::size_t const end = contours.End(contour);
         GridPoint const first = contours.points[begin];
+        // Unsigned, as sums of some triangles may be too large. The sum of all is not.
+        UInt128 sum = 0;
         for (std::size_t i = begin; i < end; ++i) {
             GridPoint const p = contours.points[i];
             box.Include(p.x, p.y);
-            area +=
-                static_cast<double>(Cross(first, p, contours.points[i + 1 == end ? begin : i + 1]));
+            sum = sum + static_cast<UInt128>(
+                            Cross(first, p, contours.points[i + 1 == end ? begin : i + 1]));
         }
-        area = std::abs(area);
+        auto const area = static_cast<Int128>(sum);
+        twiceArea = area < 0 ? -area : area;
     }
     /// True when the contour lies in another one, of which it is known that one of the two lies in
     /// the other.
@@ -38,7 +40,7 @@ struct Reach {
         GridBox const& b = other.box;
         bool const same = box.lowX == b.lowX && box.lowY == b.lowY && box.highX == b.highX &&
                           box.highY == b.highY;
-        return same ? area < other.area
+        return same ? twiceArea < other.twiceArea
                     : box.lowX >= b.lowX && box.lowY >= b.lowY && box.highX <= b.highX &&
                           box.highY <= b.highY;
     }

@@ -3,6 +3,7 @@
 // The clipper's shortcuts against the plain ways that they stand for.
 #include "ContourOrder_p.h"
 #include "Contours_p.h"
+#include "Nesting_p.h"
 #include "Predicates_p.h"
 #include "Scratch_p.h"
 #include "TestSupport.h"
@@ -39,6 +40,7 @@ using trammel_detail::GridEdge;
 using trammel_detail::GridLines;
 using trammel_detail::GridPoint;
 using trammel_detail::Incidence;
+using trammel_detail::Operands;
 using trammel_detail::Recheck;
 using trammel_detail::RegionContours;
 using trammel_detail::RegionOf;
@@ -379,6 +381,37 @@ TEST(ClipParts, LinesThatLieInEachOtherAreOutlinesAndHolesInTurns) {
     }
 }
 
+TEST(ClipParts, HolesBelongToTheInnermostOfContoursThatReachEquallyFar) {
+    // Diamonds that lie in each other and touch at their tips. In the middle of a side each reaches
+    // two steps beyond the next one, so that their areas are one double.
+    std::int64_t const tip = std::int64_t{1} << 59;
+    auto const addDiamond = [&](RegionContours& region, std::int64_t beyond, bool hole) {
+        std::int64_t const middle = tip / 2 + beyond;
+        std::vector<GridPoint> points = {{tip, 0},           {middle, -middle}, {0, -tip},
+                                         {-middle, -middle}, {-tip, 0},         {-middle, middle},
+                                         {0, tip},           {middle, middle}};
+        if (hole) {
+            std::reverse(points.begin(), points.end());
+        }
+        region.contours.points.insert(region.contours.points.end(), points.begin(), points.end());
+        region.contours.ends.push_back(region.contours.points.size());
+        region.contours.operands.push_back(0);
+        region.holes.push_back(hole ? 1 : 0);
+    };
+    RegionContours outermostFirst;
+    addDiamond(outermostFirst, 6, false);
+    addDiamond(outermostFirst, 4, true);
+    addDiamond(outermostFirst, 2, false);
+    addDiamond(outermostFirst, 0, true);
+    EXPECT_EQ(trammel_detail::OutersOf(outermostFirst), (std::vector<std::size_t>{0, 0, 2, 2}));
+    RegionContours innermostFirst;
+    addDiamond(innermostFirst, 0, true);
+    addDiamond(innermostFirst, 2, false);
+    addDiamond(innermostFirst, 4, true);
+    addDiamond(innermostFirst, 6, false);
+    EXPECT_EQ(trammel_detail::OutersOf(innermostFirst), (std::vector<std::size_t>{1, 1, 3, 3}));
+}
+
 TEST(ClipParts, HatchingIsToldApartByItsSlant) {
     // Thin slanted bars side by side, all of whose boxes meet, with a triangle across some of them.
     std::int64_t const unit = std::int64_t{1} << 40;
@@ -615,6 +648,36 @@ TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
             }
         }
         lines.Close(2);
+        grid.FinishAdding();
+        for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
+            GridLines cut = lines;
+            trammel_detail::ScratchVector<Incidence> incidences;
+            std::optional<EdgeTree> tree;
+            trammel_detail::CutAtCrossings(cut, grid, recheck, incidences, tree);
+            ExpectNoCrossings(cut);
+        }
+    }
+}
+
+TEST(ClipParts, CuttingEndsWithoutCrossingsWhereDoublesLieOneWidthApart) {
+    // The greatest coordinate is a power of two, so the doubles from there on are twice as far
+    // apart as the drawing is wide. Edges pass vertices closely at twice that distance.
+    Dice dice(67);
+    for (int round = 0; round < 400; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        bool const wide = dice.Int(0, 1) != 0;
+        double const low = 1 - 0x1p-53;
+        double const otherLow = dice.Int(0, 1) != 0 ? low : 1 - 0x1p-50;
+        ClipGrid grid(wide ? otherLow : low, wide ? low : otherLow, 1, 1);
+        GridLines lines;
+        for (Operands const operand : {Operands{1}, Operands{2}}) {
+            for (int i = 0; i < 10; ++i) {
+                double const x = dice.Int(0, 1) != 0 ? low : 1;
+                double const y = otherLow + dice.Int(0, 8) * 0.125 * (1 - otherLow);
+                lines.points.push_back(wide ? grid.Add(y, x) : grid.Add(x, y));
+            }
+            lines.Close(operand);
+        }
         grid.FinishAdding();
         for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
             GridLines cut = lines;
