@@ -80,7 +80,8 @@ void BooleanOperand::Keep(Box<double> const& where) {
     }
 }
 
-/// Calls note(contour, i) after each point, where i is the vertex' number in its contour.
+/// Appends the vertices that AppendLines() keeps. Calls note(contour, i) after each, where i is its
+/// number in the contour, and close(contour) after the last one of a contour.
 template <class Note, class Close>
 void BooleanOperand::AppendPoints(Box<double> const& where, ClipGrid& grid, GridLines& lines,
                                   Note&& note, Close&& close) const {
@@ -149,8 +150,8 @@ void BooleanOperand::AppendOpenLines(std::uint32_t owner, std::size_t firstEdge,
             continue;
         }
         lines.origins[last] = Reversed(lines.origins[last - 1]);
-        // Lines of two edges do not occur elsewhere, so the engine would not see that these are
-        // equal. It sees it of four.
+        // The engine takes the edges of a line for consecutive ones, not for equal ones. It would
+        // not see that the only two edges of a line are equal, so these come twice.
         if (last == begin + 1) {
             lines.points.insert(lines.points.end(), {lines.points[begin], lines.points[last]});
             lines.origins.insert(lines.origins.end(), {lines.origins[begin], lines.origins[last]});

@@ -41,20 +41,24 @@ public:
     /// Keeps its working memory in `scratch`, or on the heap for null.
     explicit BooleanOperand(Scratch* scratch) : mContours(scratch) {}
 
-    /// Adds a contour of `count` vertices, with x and y in turns. A contour that cannot enclose
-    /// anything is ignored, and so is one that has a coordinate which is not finite. `owner` is for
-    /// CombineByWinding().
+    /// Adds a contour of `count` vertices, with x and y in turns. `owner` is for
+    /// CombineByWinding(). A contour is ignored that has:
+    ///
+    /// - fewer than three vertices, or
+    /// - no width or no height, or
+    /// - a coordinate that is not finite.
     void Add(double const* coordinates, std::size_t count, std::uint32_t owner = 0);
-    /// Adds an open line in the same way, for LabelOpenLines(). It is ignored without two vertices.
+    /// Adds an open line in the same way, for LabelOpenLines(). It is ignored if it has fewer than
+    /// two vertices or a coordinate that is not finite.
     void AddOpen(double const* coordinates, std::size_t count);
 
-    /// Returns the box of all contours.
+    /// Returns the box of all contours that are not ignored.
     Box<double> const& Bounds() const { return mBounds; }
-    /// Returns the number of contours.
+    /// Returns the number of contours that are not ignored.
     std::size_t Count() const { return mContours.size(); }
-    /// Returns the number of vertices.
+    /// Returns the number of their vertices.
     std::size_t VertexCount() const;
-    /// Returns the number of edges that Add() was given, also of contours that are ignored.
+    /// Returns the number of edges that were given, also of contours that are ignored.
     std::size_t GivenCount() const { return mGiven; }
 
     /// Keeps the contours whose boxes meet `where`, and drops the others.
@@ -78,7 +82,7 @@ public:
                          GridLines& lines) const;
 
 private:
-    /// A contour that can enclose something.
+    /// A contour or an open line that is not ignored.
     struct Contour {
         double const* coordinates;
         std::size_t count;
@@ -97,8 +101,9 @@ private:
     std::size_t mGiven = 0;
 };
 
-/// Returns a box that is wider by more than edges move, for operands within `all`. An edge that
-/// stands for several lies beyond it, and so on the boundary of no result.
+/// Returns a box that is wider by more than edges move, for operands within `all`. A cut moves an
+/// edge by a step of the grid and a doubles' spacing, and the margins hold dozens of these. An edge
+/// that stands for several lies beyond the box, and so on the boundary of no result.
 Box<double> Wider(Box<double> const& where, Box<double> const& all);
 
 /// The contours of a result. Contour `i` is the one that is listed in place `i`, see

@@ -62,8 +62,8 @@ void ChainGraph::SortByPlace(ScratchVector<Passage>& passages) {
         SortFew(passages.data(), passages.data() + passages.size(), before);
         return;
     }
-    // Passages go into buckets along Morton's curve, so that a bucket holds a node or two if the
-    // nodes are spread evenly. Then each bucket is sorted.
+    // Passages go into buckets along Morton's curve, with fewer than three to a bucket if they are
+    // spread evenly. Then each bucket is sorted.
     int bits = 1;
     while (passages.size() >> bits > 2 && bits < kMortonBits) {
         ++bits;

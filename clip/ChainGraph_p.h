@@ -52,7 +52,7 @@ enum class EqualChains {
 };
 
 /// The graph of cut lines. Around each node the half-edges that leave it are linked in a cycle.
-/// A chain whose operands an equal chain took or cancelled is in no cycle there.
+/// A chain whose operands are 0 is in no cycle: an equal chain stands for it, or cancels it.
 struct ChainGraph {
     /// Where a half-edge is. The two numbers are mostly needed together.
     struct Link {

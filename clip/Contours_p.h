@@ -14,7 +14,7 @@
 
 namespace trammel_detail {
 
-/// Lines that are cut, with what LinkContours() needs. The lines are in another order.
+/// Lines that are cut, with what LinkContours() needs. The lines may be in another order.
 struct CutLines {
     CutLines(GridLines uncut, ClipGrid const& grid, Recheck recheck);
     // The tree refers to the lines.
@@ -32,6 +32,7 @@ struct CutLines {
 /// Cost: see CutAtCrossings() and LinkContours().
 RegionContours ContoursOf(GridLines lines, RegionOf const& region, ClipGrid const& grid,
                           Recheck recheck = Recheck::kWhereNeeded);
+
 /// What there is after the cutting.
 struct CutTally {
     std::size_t vertices = 0;

@@ -23,7 +23,7 @@ void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
     // side by side could go on crossing, each time one double further along. Therefore later rounds
     // also bend edges at vertices that they pass closely. This is iterated snap rounding:
     // D. Halperin, E. Packer, Iterated Snap Rounding, Computational Geometry 23(2), 2002. A drawing
-    // takes 2 rounds as a rule, and some 20 where all details are a few doubles large.
+    // takes one or two rounds as a rule, and some 20 where all details are a few doubles large.
     //
     // An edge can pass two vertices closely that are opposite corners of its box. It is cut at
     // both, and a part leads from one of the corners to the other. That part can pass the first

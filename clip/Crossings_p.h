@@ -27,8 +27,8 @@ enum class Recheck { kWhereNeeded, kEverywhere };
 /// lines in their order if one is at hand, or none. It refers to `lines`. Throws std::length_error
 /// for more edges than EdgeTree takes, or more cuts in a round than 32 bits count.
 ///
-/// Cost: in practice O(n log n + k) for k new vertices; at worst the number of pairs of edges whose
-/// boxes meet.
+/// Cost: in practice O(n log n + k) for k new vertices. At worst each round takes as many steps as
+/// there are pairs of edges whose boxes meet.
 void CutAtCrossings(GridLines& lines, ClipGrid const& grid, Recheck recheck,
                     ScratchVector<Incidence>& incidences, std::optional<EdgeTree>& tree);
 

@@ -36,14 +36,15 @@ void SortAlong(Cut* begin, Cut* end) {
             std::sort(begin, end, before);
             return;
         }
-        // Two or three parts that are in order are merged. Near misses come last, so they are one.
+        // Two or three runs that are in order are merged. The cuts without a partner come after all
+        // others, so they are a run of their own.
         for (Cut* i = begin; i < end;) {
             i = std::is_sorted_until(i, end, before);
             std::inplace_merge(begin, i, std::is_sorted_until(i, end, before), before);
         }
         return;
     }
-    // Mostly few of them are out of place. No more than kFew are inserted one by one.
+    // Mostly few are out of place, so each is inserted where it belongs.
     if (before(end[-1], *begin)) {
         std::reverse(begin, end);
     }
@@ -238,8 +239,8 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     };
     active.assign(most, 0);
     UnsettledParts unsettled(tree, sorted, clearances, incidences.get_allocator().GetScratch());
-    // By pointers: the marks are characters, which may stand for anything, so that all else that is
-    // reached through vectors would be read again after each.
+    // Pointers, because the marks are of type char. A store of that type may change any object, so
+    // the compiler would read the vectors' own pointers again after each.
     GridPoint* const outPoints = allPoints.data();
     Incidence* const outIncidences = allIncidences.data();
     char* const outActive = active.data();

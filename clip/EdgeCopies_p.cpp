@@ -117,7 +117,7 @@ void EdgeCopies::ShareEnds(ScratchVector<Incidence>& incidences) const {
 }
 
 void EdgeCopies::CutCopies(ScratchVector<Cut>& cuts) const {
-    // The class of each first edge.
+    // By edge: the number of the class in which it is the first, plus 1; or 0 for none.
     ScratchVector<std::uint32_t> classOf(mCount, 0, cuts.get_allocator());
     for (std::size_t i = 0; i < mClasses.size(); ++i) {
         classOf[mEdges[mClasses[i].begin].number] = static_cast<std::uint32_t>(i + 1);

@@ -14,8 +14,8 @@
 
 namespace trammel_detail {
 
-/// True when a sample of the edges of `lines` has so many copies that holding all edges against
-/// each other would cost much more than finding the copies. Some copies only cost less than that.
+/// True when a sample of the edges of `lines` has very many copies. To hold all of these against
+/// each other would cost much more than to find the copies.
 bool HasManyCopies(GridLines const& lines);
 
 /// The edges of closed lines that equal others, in either direction. The first of equal edges

@@ -15,7 +15,7 @@ namespace {
 struct Direction {
     double h = 0;
     double v = 0;
-    double reach = 0; ///< half of what edges are widened by, with the rounding of positions
+    double reach = 0; ///< how far spans reach beyond their edges: the margin and the rounding
 
     double Of(GridPoint p) const {
         return h * static_cast<double>(p.x) + v * static_cast<double>(p.y);
@@ -51,7 +51,7 @@ public:
     }
 
     bool Find() {
-        // Each part has the last of the items, so the last one is taken first.
+        // The last part has the items from its beginning on. So it is taken first.
         mParts.push_back(0);
         while (!mParts.empty()) {
             std::size_t const begin = mParts.back();
@@ -85,10 +85,15 @@ public:
     }
 
 private:
-    static constexpr std::size_t kFew = 12;
-    static constexpr std::size_t kSamples = 16;
-    static constexpr std::size_t kDirections = 6;
+    static constexpr std::size_t kFew = 12;       // so few edges are not worth a split
+    static constexpr std::size_t kSamples = 16;   // edges that are drawn for a choice
+    static constexpr std::size_t kDirections = 6; // that are tried: the axes, across four edges
     static constexpr std::size_t kMostPairs = 64; // an edge, so that the memory stays O(n)
+    // A first sample may leave so much of itself on one side of its line, another one only so much.
+    static constexpr std::size_t kMostAtFirst = kSamples * 7 / 8;
+    static constexpr std::size_t kMostLater = kSamples * 5 / 8;
+    // The rounding of a position. It is below 2^-50 of the sum of the coordinates' magnitudes.
+    static constexpr double kRounding = 0x1p13;
 
     bool IsActive(std::uint32_t edge) const { return mActive.empty() || mActive[edge] == 1; }
     bool HasActive(std::size_t begin) const {
@@ -108,21 +113,20 @@ private:
         Direction direction;
         direction.h = h * scale;
         direction.v = v * scale;
-        // A position is off by less than the 2^-50th of the sum of the coordinates.
         direction.reach = std::abs(direction.h) * static_cast<double>(mMargin.x) +
-                          std::abs(direction.v) * static_cast<double>(mMargin.y) + 0x1p13;
+                          std::abs(direction.v) * static_cast<double>(mMargin.y) + kRounding;
         return direction;
     }
     /// Looks for a line that leaves few edges on both sides. False if there seems to be none.
     bool FindSplit(std::size_t begin, Direction& best, double& at) {
         std::size_t const size = mItems.size() - begin;
-        if (size > kFew && ChooseSplit(begin, kSamples * 7 / 8, best, at)) {
+        if (size > kFew && ChooseSplit(begin, kMostAtFirst, best, at)) {
             return true;
         }
-        // A sample can miss a good line, and to hold the edges against each other costs the square
-        // of their number. So many of them are worth more samples.
+        // A sample can miss a good line. To hold the edges against each other costs the square of
+        // their number, so the more edges there are, the more samples are worth it.
         for (std::size_t rest = size / 64; rest > kFew; rest /= 4) {
-            if (ChooseSplit(begin, kSamples * 5 / 8, best, at)) {
+            if (ChooseSplit(begin, kMostLater, best, at)) {
                 return true;
             }
         }
@@ -178,7 +182,8 @@ bool Splitter::ChooseSplit(std::size_t begin, std::size_t most, Direction& best,
         }
         std::sort(lows.begin(), lows.end());
         std::sort(highs.begin(), highs.end());
-        // A line just above each end. The edges above it begin there, those below end there.
+        // The lines to choose from lie just above the edges' upper ends. `above` counts the edges
+        // that lie wholly above such a line.
         std::size_t above = kSamples;
         for (std::size_t i = 0; i < kSamples; ++i) {
             while (above > 0 && lows[kSamples - above] <= highs[i]) {

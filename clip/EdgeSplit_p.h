@@ -24,16 +24,16 @@ struct EdgePair {
 /// Tells by doubles which edges are not near each other, although their boxes may meet.
 class NearTest {
 public:
-    /// Edges are near that are no further apart than twice the margins.
+    /// Edges are near if they are no further apart than twice the margin.
     explicit NearTest(GridPoint margin)
-        : mX(2 * static_cast<double>(margin.x) + 0x1p13),
-          mY(2 * static_cast<double>(margin.y) + 0x1p13) {}
+        : mX(2 * static_cast<double>(margin.x) + kRounding),
+          mY(2 * static_cast<double>(margin.y) + kRounding) {}
 
     /// What the test needs of an edge besides its first end.
     struct Direction {
         double x;
         double y;
-        double reach; ///< the margins times the edge's length
+        double reach; ///< twice the area of its triangle with a point that is just near
     };
     Direction DirectionOf(GridEdge const& e) const {
         double const x = static_cast<double>(e.b.x - e.a.x);
@@ -49,8 +49,7 @@ public:
     static bool MayBeNear(GridPoint a, Direction const& e, GridPoint b, Direction const& f) {
         double const toX = static_cast<double>(b.x - a.x);
         double const toY = static_cast<double>(b.y - a.y);
-        // Twice the areas of the triangles that either edge makes with each end of the other. They
-        // are off by less than 2^-50 of lengths up to 2^62, for which mX and mY have room.
+        // Twice the areas of the triangles that either edge makes with each end of the other.
         double const both = e.x * f.y - e.y * f.x;
         double const fa = e.x * toY - e.y * toX;
         double const ea = f.y * toX - f.x * toY;
@@ -58,6 +57,10 @@ public:
     }
 
 private:
+    /// The areas are off by less than 2^-50 times the products of lengths up to 2^62. That is as if
+    /// the edges were this much further apart.
+    static constexpr double kRounding = 0x1p13;
+
     static bool IsBeside(double a, double b, double limit) {
         return std::min(a, b) > limit || std::max(a, b) < -limit;
     }
@@ -66,10 +69,10 @@ private:
     double mY;
 };
 
-/// Finds all pairs of edges that are no further apart than the margins, once each and in order, and
-/// perhaps some more. `active` is as for EdgeTree: pairs without an active edge are left out, and
-/// so are copies. Returns false, with any pairs, if that takes more than `budget` steps or many
-/// pairs an edge.
+/// Finds all pairs of edges that are no further apart than twice the margin, once each and in
+/// order, and perhaps some more. `active` is as for EdgeTree: pairs without an active edge are left
+/// out, and so are copies. Returns false if that takes more than `budget` steps or very many pairs;
+/// what `pairs` holds then means nothing.
 ///
 /// The plane is split along lines in the directions of edges, and each part again, until few edges
 /// run through each part. Long slanted edges that run side by side are soon apart, though their

@@ -208,8 +208,9 @@ bool EdgeTree::AreNear(std::size_t k, std::size_t l) const {
     return false;
 }
 
-/// Estimates the steps that a walk takes above the chains, for each chain, in chains that one can
-/// be held against instead. In spirals and nested squares, boxes of a few chains all meet.
+/// Estimates how many steps for each chain a walk takes on the levels above the chains. The unit is
+/// the step that holds two chains against each other. In spirals and nested squares these levels
+/// cost much, as the boxes of a few chains all meet.
 double EdgeTree::OthersAbove() const {
     constexpr std::size_t kSamples = 64;
     constexpr std::size_t kMostSamples = 2048;
@@ -254,7 +255,8 @@ double EdgeTree::OthersAbove() const {
 
 /// Lists the near pairs if most pairs of chains that the tree cannot tell apart are not near.
 void EdgeTree::SplitWhereWorthwhile(Sample const& sample, std::size_t activeCount) {
-    // So many chains that each one is held against in vain cost more than the splits.
+    // Where each chain is held in vain against more than this many, that costs more than the
+    // splits.
     double const kMany = 48;
     if (sample.apart * 4 < sample.meeting * 3 || sample.apart == 0 || Count() < kFewToSplit) {
         return; // where many pairs are near indeed, it is they that cost most
@@ -292,7 +294,7 @@ bool EdgeTree::AreEntangled(Sample const& sample) const {
            sample.drawn * perEdge * Count() + perMeeting * sample.meeting * pairs;
 }
 
-/// True when a quarter of a sample of pairs of chains meet.
+/// True when more than a quarter of a sample of pairs of chains meet.
 bool EdgeTree::AreFewEntangled() const {
     std::size_t const count = mNodes.size();
     std::size_t drawn = 0;

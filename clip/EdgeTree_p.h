@@ -53,8 +53,8 @@ struct RayCrossing {
     int step; ///< what winding numbers of the line grow by there, toward the start of the ray
 };
 
-/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges that are monotone
-/// in x and in y. The edges of such a chain have nothing in common but ends.
+/// A tree of boxes over the edges of closed lines. Its leaves are chains of edges. Where many edges
+/// are active, chains are monotone in x and in y, so their edges have nothing in common but ends.
 ///
 /// Refers to the lines, which must stay as they are. Each edge has the number of its first point.
 class EdgeTree {
@@ -125,14 +125,16 @@ public:
     /// - Their boxes with the margins have a point in common.
     /// - They do not belong to one chain, unless `withinChains` is true.
     ///
-    /// Pairs whose edges are further apart than the margins may be left out, and pairs of one chain
-    /// may come nevertheless.
+    /// Pairs whose edges are further apart than twice the margin may be left out, and pairs of one
+    /// chain may come nevertheless.
     template <class Visit> void ForMeetingPairs(bool withinChains, Visit&& visit) const;
 
     /// Returns the operands that hold the points directly west of the edge, just above its lower
-    /// end, by the even-odd rule. Exact, also where edges share that end. Requires that the edge is
-    /// not horizontal, and that the tree is whole, in the order of the lines, and has boxes.
-    /// Adds the number of boxes that the ray looks at to `steps`.
+    /// end, by the even-odd rule. Exact, also where edges share that end. Adds the number of boxes
+    /// that the ray looks at to `steps`. Requires that:
+    ///
+    /// - the edge is not horizontal, and
+    /// - the tree is whole, in the order of the lines, without copies, and has boxes.
     Operands InsideWestOf(std::size_t edge, std::size_t& steps) const;
     /// Appends the crossings of the lines with a ray from there to the west. Those of one line may
     /// be left out where they cancel. Returns the number of boxes that the ray looks at.
@@ -387,8 +389,7 @@ void EdgeTree::ForMeetingEdges(std::size_t i, std::size_t j, Visit&& visit) cons
     }
 }
 
-/// Visits all pairs with an active edge where there are few of these. Includes pairs of one chain,
-/// which have nothing in common.
+/// Visits all pairs with an active edge where there are few of these. There are no chains then.
 template <class Visit> void EdgeTree::ForMeetingActive(Visit&& visit) const {
     struct Active {
         std::uint64_t limits;

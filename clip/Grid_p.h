@@ -15,8 +15,8 @@
 
 namespace trammel_detail {
 
-/// A point of the grid. Both coordinates lie within -2^60 .. 2^60, so that a difference has 62 bits
-/// with its sign and a cross product of differences fits in 128.
+/// A point of the grid. Both coordinates lie within -2^60 .. 2^60. So differences are at most 2^61,
+/// and cross products of differences, at most 2^123, fit in 128 bits.
 struct GridPoint {
     std::int64_t x;
     std::int64_t y;
@@ -87,8 +87,8 @@ private:
     double mStep = 1;         // scaled
     double mStepsPerUnit = 1; // 1 / mStep
     double mExactFrom = 0;
-    // True when the doubles' zero is near enough to count steps from there: the sum of mFromZero
-    // and a grid coordinate is that count, and none exceeds 62 bits.
+    // True when the doubles' zero is near enough to count steps from there. The count is the sum of
+    // mFromZero and a grid coordinate. Its magnitude is at most 2^62.
     bool mIsNearZero = false;
     std::int64_t mFromZero = 0; // 0 unless mIsNearZero
 };
@@ -129,7 +129,8 @@ inline double GridAxis::OfDouble(std::int64_t g) const {
     double const high = NearestDouble(steps);
     double const low = static_cast<double>(steps - static_cast<std::int64_t>(high));
     TwoSumResult const sum = TwoSum(mOrigin, high * mStep);
-    // The sum is exact, as each of its terms is the difference of two doubles that are near.
+    // Both sums are exact. The inner one is the double sought less sum.value, which is near it. The
+    // outer one is the double sought.
     return (sum.value + (sum.error + low * mStep)) * mDown1 * mDown2;
 }
 

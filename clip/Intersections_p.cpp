@@ -138,7 +138,8 @@ private:
             CutAt(j, f, p);
             return;
         }
-        if (IsEnd(e, p) || IsEnd(f, p) || mNext < kFirstCrossing) {
+        bool const noNumbersLeft = mNext < kFirstCrossing; // after an overflow
+        if (IsEnd(e, p) || IsEnd(f, p) || noNumbersLeft) {
             CutAt(i, e, p);
             CutAt(j, f, p);
             AddNearMiss(i, j, e, f, p, product);

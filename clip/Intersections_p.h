@@ -44,8 +44,8 @@ enum class Test {
     kHotPixels, ///< cut also at vertices whose hot pixels an edge passes through
 };
 
-/// Cuts, of which some have a partner: cut 2 i and cut 2 i + 1 are where two edges cross or nearly
-/// do so. Otherwise they are in no particular order.
+/// Cuts. The first ones come in pairs of partners: cuts 2 i and 2 i + 1 are where two edges cross
+/// or nearly do so. Otherwise they are in no particular order.
 struct FoundCuts {
     ScratchVector<Cut> cuts;
     std::size_t paired; ///< how many have a partner, which come first

@@ -164,8 +164,8 @@ void Linker::LabelByParity() {
 }
 
 void Linker::LabelBySweep() {
-    // The edges of all chains that have labels. The sweep meets each connected part at its lowest
-    // edge first. The edge west of it is part of one that it met before, which has labels.
+    // The sweep takes the edges of all chains that get labels. It meets each connected part at its
+    // lowest edge first. The edge west of that is of a part that it met before, which has labels.
     ScratchVector<Number> chainOf(mLines.points.size(), kNone, mScratch);
     ScratchVector<SweptEdge> edges(mScratch);
     for (Number i = 0; i < mChains.size(); ++i) {

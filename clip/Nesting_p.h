@@ -12,10 +12,11 @@
 
 namespace trammel_detail {
 
-/// Returns for each contour of a region the one that it is listed with: for a hole the innermost
-/// other contour around it that is none, and else itself. Exact.
+/// Returns for each contour of a region the one that it is listed with. A hole is listed with the
+/// innermost contour around it that is no hole, if there is one. All others are listed with
+/// themselves. Exact.
 ///
-/// Contours may also have edges in common where the region, or that of a face, lies on either side.
+/// Contours of faces may have edges in common, with a face on either side.
 ///
 /// Cost: O(n), and a ray for each hole, or O(n log n) where contours lie in each other by the
 /// hundred.

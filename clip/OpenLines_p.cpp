@@ -17,7 +17,7 @@ namespace trammel_detail {
 
 namespace {
 
-/// Returns the box with width and height.
+/// Returns the box, widened by a double to each side in x or in y where it has no width or height.
 Box<double> WithArea(Box<double> box) {
     auto const widen = [](double& low, double& high) {
         if (low == high) {

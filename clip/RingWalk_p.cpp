@@ -196,7 +196,7 @@ RegionContours WalkRings(ChainGraph const& graph, ScratchVector<char> open,
     RegionContours result(graph.chains.get_allocator().GetScratch());
     GridLines& rings = result.contours;
     RingWalk walk(graph, std::move(open), entries, result);
-    // Each edge is part of at most one ring on each side.
+    // Each edge is part of at most one ring on each side, and on one side only without entries.
     walk.Reserve((entries != nullptr ? 2 : 1) * graph.lines.points.size());
     walk.WalkAll();
     walk.Finish();

@@ -26,10 +26,14 @@ struct RegionContours {
 /// to the left, and listed in the opposite direction. At a node it goes on along the next chain
 /// clockwise that has Chain::bounds. Where it comes back to a node, a ring ends.
 ///
-/// `open` has a 1 for each half-edge that is to be part of a ring. They have to be of chains that
-/// have Chain::bounds, and each walk along them has to come back. If `entries` is not null, it gets
-/// for each edge of the rings the half-edge on which it lies. Edges have origins if those of the
-/// graph have them and equal chains are listed.
+/// `open` has a 1 for each half-edge that is to be part of a ring:
+///
+/// - Its chain has Chain::bounds.
+/// - Each walk along such half-edges comes back.
+/// - Without `entries`, at most one half-edge of a chain is open.
+///
+/// If `entries` is not null, it gets for each edge of the rings the half-edge on which it lies.
+/// Edges have origins if those of the graph have them and equal chains are listed.
 ///
 /// Cost: O(n).
 RegionContours WalkRings(ChainGraph const& graph, ScratchVector<char> open,

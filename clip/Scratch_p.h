@@ -18,10 +18,10 @@ namespace trammel_detail {
 /// The memory of one operation. It outlives all vectors in it. Small operands fit in a block on the
 /// stack and so save calls of the heap, which take most of their time otherwise.
 ///
-/// Large vectors are in chunks of the heap, where each has twice the size of all before. What one
-/// vector leaves serves the next. The C library keeps freed memory for the next operation if most
-/// of it was one chunk, and gives much of it back to the system if not. New pages of the system
-/// took up to 40 % of the time.
+/// Large vectors are in chunks of the heap. Each chunk has at least twice the size of all before,
+/// unless memory is short. What one vector leaves serves the next. The C library keeps freed memory
+/// for the next operation if most of it was one chunk, and gives much of it back to the system if
+/// not. New pages of the system took up to 40 % of the time.
 class Scratch {
 public:
     Scratch() : mFree(mBlock) {}
@@ -69,7 +69,7 @@ private:
     static constexpr std::size_t kUnit = 16;
     static constexpr std::size_t kLarge = 32768; // more than the block has
     static constexpr std::size_t kFirstChunk = 262144;
-    static constexpr std::size_t kMostChunks = 48; // each is larger than all before
+    static constexpr std::size_t kMostChunks = 48; // as their sizes double, enough for all memory
     static constexpr std::size_t kMostRanges = 32;
 
     /// Bytes of a chunk that are free.
@@ -100,7 +100,7 @@ private:
         }
         return taken;
     }
-    /// Returns the number of that range, or the number of all ranges for none.
+    /// Returns the number of that range, or mRangeCount for none.
     std::size_t FindRange(std::size_t size) const {
         std::size_t best = mRangeCount;
         for (std::size_t i = 0; i < mRangeCount; ++i) {

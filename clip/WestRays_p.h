@@ -27,8 +27,8 @@ public:
         EdgeTree const* const tree = TreeForRay();
         return tree != nullptr ? tree->InsideWestOf(edge, mSteps) : PassFrom(edge);
     }
-    /// True when the rays through the tree took much longer than a sweep over all edges does. They
-    /// do so where lines lie in each other by the hundred.
+    /// True when the rays so far took much longer than a sweep over all edges does. They do so
+    /// where lines lie in each other by the hundred.
     bool AreSlow() const { return mSteps > 32 * mLines.points.size(); }
     /// Appends what EdgeTree::CrossingsWestOf() does.
     void CrossingsWestOf(std::size_t edge, ScratchVector<RayCrossing>& crossings) {
@@ -42,7 +42,7 @@ public:
     }
 
 private:
-    /// A look at a box in the tree takes as long as a look at some edges does.
+    /// A look at a box of the tree takes as long as a look at two edges.
     std::size_t StepsOfPass() const { return mLines.points.size() / 2; }
     Operands PassFrom(std::size_t edge) {
         mSteps += StepsOfPass();

@@ -40,8 +40,7 @@ struct WindingRegion {
 /// points to the left belong to the region, else 0, and Chain::operands is 1 where the two sides
 /// differ.
 ///
-/// Cost: O(n) for n chains of the graph, the equal ones included, whatever the number of operands;
-/// and a ray for each connected part.
+/// Cost: that of a WindingWalk, whatever the number of operands.
 void LabelByWinding(ChainGraph& graph, WestRays& rays, WindingRegion const& region);
 
 } // namespace trammel_detail
