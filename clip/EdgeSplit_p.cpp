@@ -2,6 +2,8 @@
 
 #include "EdgeSplit_p.h"
 
+#include "SampleDraws_p.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -147,18 +149,14 @@ private:
     ScratchVector<std::uint32_t> mItems;
     ScratchVector<std::size_t> mParts; // where each begins among the items
     ScratchVector<std::uint32_t> mLow; // the items of the part below
-    std::uint32_t mRandom = 1;
+    SampleDraws mDraws;
 };
 
 bool Splitter::ChooseSplit(std::size_t begin, std::size_t most, Direction& best, double& at) {
-    // A linear congruential generator draws the sample.
     std::array<GridEdge, kSamples> sample;
     std::size_t const size = mItems.size() - begin;
     for (GridEdge& e : sample) {
-        mRandom = mRandom * 1664525U + 1013904223U;
-        std::size_t const chosen =
-            static_cast<std::size_t>(static_cast<std::uint64_t>(mRandom) * size >> 32);
-        e = mEdges[mItems[begin + chosen]];
+        e = mEdges[mItems[begin + mDraws.Below(size)]];
     }
     std::size_t least = kSamples * kSamples * 2;
     std::size_t greater = kSamples;

@@ -4,6 +4,7 @@
 
 #include "MortonOrder_p.h"
 #include "Predicates_p.h"
+#include "SampleDraws_p.h"
 
 #include <cmath>
 #include <stdexcept>
@@ -218,16 +219,12 @@ double EdgeTree::OthersAbove() const {
     // A look at one child costs so much less.
     constexpr double kLook = 0.1;
     double others = 0;
-    std::uint32_t random = 1;
+    SampleDraws draws;
     for (std::size_t const size : {kFan, kFan * kFan}) {
         std::size_t const groups = mNodes.size() / size;
         if (groups < 2 * kFewEdges) {
             break;
         }
-        auto const any = [&] {
-            random = random * 1664525U + 1013904223U;
-            return (random >> 16) * groups >> 16;
-        };
         auto const boxOf = [&](std::size_t group) {
             GridBox box;
             for (std::size_t i = 0; i < size; ++i) {
@@ -238,8 +235,8 @@ double EdgeTree::OthersAbove() const {
         std::size_t const samples = std::clamp(groups / 16, kSamples, kMostSamples);
         std::size_t meeting = 0;
         for (std::size_t i = 0; i < samples; ++i) {
-            std::size_t const k = any();
-            std::size_t const l = any();
+            std::size_t const k = draws.Below(groups);
+            std::size_t const l = draws.Below(groups);
             meeting += (k + 1 < l || l + 1 < k) && boxOf(k).Meets(boxOf(l)) ? 1 : 0;
         }
         if (meeting < kWorthwhile) {
@@ -311,23 +308,18 @@ bool EdgeTree::AreFewEntangled() const {
 /// Looks for a slant that tells chains apart although their boxes meet, and sets it if there is
 /// one. Returns a sample of the pairs that this slant leaves.
 EdgeTree::Sample EdgeTree::ChooseSlant(Slant& best) const {
-    // A linear congruential generator draws a sample of pairs. Chains that follow each other always
-    // meet and do not count.
+    // Of the pairs drawn, those of chains that follow each other always meet and do not count.
     constexpr std::size_t kSamples = 64;
     constexpr std::size_t kMostSamples = 2048;
     constexpr std::size_t kWorthwhile = 4;
-    std::uint32_t random = 1;
-    auto const any = [&] {
-        random = random * 1664525U + 1013904223U;
-        return (random >> 16) * mNodes.size() >> 16;
-    };
+    SampleDraws draws;
     std::array<std::pair<std::size_t, std::size_t>, kSamples> meeting;
     std::size_t count = 0;
     std::size_t const samples = std::clamp(mNodes.size() / 16, kSamples, kMostSamples);
     std::size_t drawn = 0;
     for (; drawn < samples && count < meeting.size(); ++drawn) {
-        std::size_t const i = any();
-        std::size_t const j = any();
+        std::size_t const i = draws.Below(mNodes.size());
+        std::size_t const j = draws.Below(mNodes.size());
         if ((i + 1 < j || j + 1 < i) && mNodes[i].box.Meets(mNodes[j].box)) {
             meeting[count++] = {i, j};
         }
