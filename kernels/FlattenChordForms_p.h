@@ -38,7 +38,7 @@ inline constexpr PanelShape kSomeShape = ShapeOf(kSomePanels, 0.25, 3.0);
 /// Returns the density of panels from the derivatives in their middles, at `t`.
 ///
 /// Speed and bend are means over the panel, as they are 0 only for a moment: at a cusp and where
-/// the curve turns the other way. The density is neither 0, infinite nor NaN. It is at least 1/16,
+/// the curve turns the other way. The density is neither 0, infinite nor NaN. It is at least 0.06,
 /// so that the parameters keep enough digits.
 template <class Vector>
 [[gnu::always_inline]] inline Density<Vector> DensityOf(BendCubic<Vector> const& c, Vector const& t,
@@ -245,18 +245,27 @@ KeepsWhole(Number const& endH, Number const& endV, Number const& limit, Number c
     return 0.75 / (kPlannedForSome * tolerance);
 }
 
-/// The squared bends up to which one chord, at most four, a few and some are tried, in squared
-/// tolerances. No more chords of equal bend are planned than equal steps of the parameter; but the
-/// plan is off by some per cent.
-inline constexpr double kOneBend = kMostBend * kMostBend;
-inline constexpr double kFourBend = kOneBend * Biquadrate(3.9);
-inline constexpr double kEvenFour = kOneBend * Biquadrate(4);
-inline constexpr double kEvenBend = kOneBend * Biquadrate(kFewChords);
-inline constexpr double kFewBend = kOneBend * Biquadrate(kFewSteps);
-inline constexpr double kSomeBend = kOneBend * Biquadrate(kSomeSteps);
+// The squared bends, in squared tolerances, up to which a way of dividing is tried. As many chords
+// of equal bend do as equal steps of the parameter, or fewer; but the plan is off by some per cent.
+inline constexpr double kOneBend = kMostBend * kMostBend;              ///< one chord
+inline constexpr double kFourBend = kOneBend * Biquadrate(3.9);        ///< at most four chords
+inline constexpr double kEvenFour = kOneBend * Biquadrate(4);          ///< at most four equal steps
+inline constexpr double kEvenBend = kOneBend * Biquadrate(kFewChords); ///< a few equal steps
+inline constexpr double kFewBend = kOneBend * Biquadrate(kFewSteps);   ///< a few chords
+inline constexpr double kSomeBend = kOneBend * Biquadrate(kSomeSteps); ///< some chords
 /// The finest tolerance for these, as a part of the sum of the coordinates' magnitudes. Coarser
 /// ones are above kFinest of the size.
 inline constexpr double kFineBeside = 0x1p-38;
+/// Between these sums of the coordinates' magnitudes no product overflows, or underflows in a way
+/// that matters.
+inline constexpr double kLeastSum = 0x1p-100;
+inline constexpr double kGreatestSum = 0x1p100;
+/// Tells whether a curve can be divided here: not where its sum is a NaN.
+template <class Number>
+[[gnu::always_inline]] inline auto IsOrdinary(Number const& sum, Number const& tolerance) {
+    return Both(Both(sum >= Number(kLeastSum), sum <= Number(kGreatestSum)),
+                tolerance > Number(kFineBeside) * sum);
+}
 
 /// The control points' differences, v in lane 0 and h in lane 1.
 struct ChordPoints {
@@ -305,7 +314,7 @@ ChordsOf(BendCubic<Vector> const& c, Vector const& originH, Vector const& origin
     return (std::uint64_t{1} << static_cast<unsigned>(count)) - 1;
 }
 
-/// Returns the least whole number that is not less. `x` is from 0 to some million.
+/// Returns the least whole number that is not less than `x`, which is from 0 to some million.
 [[gnu::always_inline]] inline int Ceiling(double x) {
     int const whole = static_cast<int>(x);
     return whole + (whole < x ? 1 : 0);
@@ -686,7 +695,7 @@ template <class Vector>
                                                        double* out, FlatChords& chords) {
     ChordPoints const p(points);
     double const limit = tolerance * tolerance;
-    if (!(p.sum >= 0x1p-100 && p.sum <= 0x1p100 && tolerance > kFineBeside * p.sum)) { // or a NaN
+    if (!IsOrdinary(p.sum, tolerance)) {
         return -1;
     }
     chords.failing = 0;

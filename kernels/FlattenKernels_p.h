@@ -174,8 +174,8 @@ int DivideIntoChordsAvx2(double const* points, double tolerance, double* out, Fl
 /// Divides a curve into one to kSomeChords chords, and verifies them. `points` has v and h of its
 /// four points in turn. Returns the number of chords, or
 /// - 0 for a curve that takes more of them,
-/// - -1 where the tolerance is not above kFinest of the size, or products might overflow or
-///   underflow.
+/// - -1 where the tolerance is too fine for the coordinates' magnitudes, or products might overflow
+///   or underflow.
 ///
 /// `out` has room for kChordRoom points and gets v and h of the points at the chords' ends. The
 /// last point, and what lies behind it, mean nothing. Where a chord fails, it was divided in the

@@ -132,9 +132,7 @@ template <class Vector>
     Vector const limit = Vector(tolerance * tolerance);
     Vector const zero = Vector(0.0);
     Vector const one = Vector(1.0);
-    auto const ordinary = (p.sum >= Vector(0x1p-100)) & (p.sum <= Vector(0x1p100)) &
-                          (Vector(tolerance) > Vector(kFineBeside) * p.sum);
-    auto const tried = ordinary & (p.bend <= limit * Vector(kFewBend)) &
+    auto const tried = IsOrdinary(p.sum, Vector(tolerance)) & (p.bend <= limit * Vector(kFewBend)) &
                        IsChord(p.endV * p.endV + p.endH * p.endH, limit);
     if (tried.Bits() == 0) {
         zero.Store(pack.chords);

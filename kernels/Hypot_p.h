@@ -50,7 +50,7 @@ double RareHypot(double h, double v);
     double const absV = __builtin_fabs(v);
     double const longer = absH < absV ? absV : absH;
     double const shorter = absH < absV ? absH : absV;
-    // Both comparisons are false for a NaN.
+    // A NaN makes both conditions false.
     if (longer <= kHypotLargest && shorter >= kHypotSmallest) {
         return shorter <= longer * kHypotNegligible ? longer + shorter
                                                     : CorrectedHypot(longer, shorter);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // The integral of a curve's speed, written for either vector of four doubles (Vector_p.h).
-// queries/AccurateLength.cpp tells the method. Each of two files compiles it for one vector.
-// Besides these, only the test of its parts includes this header. Not installed.
+// queries/AccurateLength.cpp tells the method. Each of two files compiles it for one vector, and
+// so do the two for places, by way of PlaceKernelForms_p.h. Not installed.
 
 #ifndef TRAMMEL_LENGTHKERNELFORMS_P_H
 #define TRAMMEL_LENGTHKERNELFORMS_P_H
@@ -56,15 +56,16 @@ template <class Vector> struct PieceSpeed {
 // ------------------------------------------------------------------------------------------------
 // The length by the zeros, piece by piece
 
-/// The largest half-axis that the bound asks for. Larger ellipses gain nothing: with this one 4
-/// nodes are already right to 2^-50.
+/// The largest half-axis that the bound asks for. Larger ellipses gain nothing: with this one, the
+/// fewest nodes are already right to 2^-50.
 inline constexpr double kLargestAxis = 64.0;
 /// A division leaves at least this part of a piece on either side.
 inline constexpr double kLeastPart = 0.2;
 /// At most so many pieces wait for their turn. Each division at a cusp makes the length of a piece
 /// 25 times smaller, and 25^-64 < 2^-297 is nothing beside the rounding.
 inline constexpr int kMostPending = 64;
-/// The bound's factor 512/63 / sqrt(pi) / (2n - 2)^(3/2) for each formula of n nodes, rounded up.
+/// The bound's factor 512/63 / sqrt(pi) / (2n - 2)^(3/2) for the formulas of n = 4, 8, 12, ...
+/// nodes, rounded up.
 inline constexpr double kGaussFactors[kGaussFormulas] = {
     0.311981,  0.0875312, 0.0444346,  0.0279044,  0.0195740,
     0.0146967, 0.0115549, 0.00939221, 0.00782904, 0.00665601};

@@ -104,7 +104,7 @@ template <class Vector>
     return count;
 }
 
-/// A search for a place takes at most this many integrals, the last ones over short stretches.
+/// Only so many integrals of a search may be over short stretches, which add to the ones before.
 /// Those after them begin at the piece's start again, so that errors do not add up.
 inline constexpr int kMostStretches = 4;
 /// The search ends where the length is right within this part of the size, besides the errors of

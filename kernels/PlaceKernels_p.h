@@ -71,8 +71,8 @@ int CurvePiecesAvx2(double const* points, Scale scale, LengthPiece (&pieces)[kMo
                     double const (&table)[kGaussEntries]);
 
 /// Stores the pieces of a cubic in order and returns their number, 1 or more. Returns 0 when the
-/// curve is not measurable. `points` holds the coordinates v and h of
-/// its four control points in turn.
+/// curve is not measurable. `points` holds the coordinates v and h of its four control points in
+/// turn.
 [[gnu::always_inline]] inline int CurvePieces(double const* points, Scale scale,
                                               LengthPiece (&pieces)[kMostPieces],
                                               double const (&table)[kGaussEntries]) {

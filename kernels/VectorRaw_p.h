@@ -3,9 +3,9 @@
 // Vectors as the compiler knows them, without a name for their operations. Not installed.
 //
 // GCC and Clang compute with these types on every processor: arithmetic, comparisons, bit
-// operations and shuffles. A header for one family of processors (VectorX86_p.h, VectorPlain_p.h)
-// adds the few operations that the compilers cannot express. Vector_p.h makes the vocabulary of
-// both.
+// operations and shuffles. A header for one family of processors (VectorX86_p.h, VectorNeon_p.h),
+// or VectorPlain_p.h for all others, adds the few operations that the compilers cannot express.
+// Vector_p.h makes the vocabulary of both.
 
 #ifndef TRAMMEL_VECTORRAW_P_H
 #define TRAMMEL_VECTORRAW_P_H

@@ -609,6 +609,17 @@ void ExpectNoCrossings(GridLines const& lines) {
     EXPECT_EQ(crossings, 0U);
 }
 
+/// Expects that cutting the lines leaves no crossings, whichever parts it looks at again.
+void ExpectCutWithoutCrossings(GridLines const& lines, ClipGrid const& grid) {
+    for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
+        GridLines cut = lines;
+        trammel_detail::ScratchVector<Incidence> incidences;
+        std::optional<EdgeTree> tree;
+        trammel_detail::CutAtCrossings(cut, grid, recheck, incidences, tree);
+        ExpectNoCrossings(cut);
+    }
+}
+
 TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
     // The vertices lie a few doubles around a power of two, in a drawing much larger than that. The
     // doubles just below the power count as twice as far apart as they are. The first of these
@@ -649,13 +660,7 @@ TEST(ClipParts, CuttingEndsWhereEdgesAreOneDoubleLong) {
         }
         lines.Close(2);
         grid.FinishAdding();
-        for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
-            GridLines cut = lines;
-            trammel_detail::ScratchVector<Incidence> incidences;
-            std::optional<EdgeTree> tree;
-            trammel_detail::CutAtCrossings(cut, grid, recheck, incidences, tree);
-            ExpectNoCrossings(cut);
-        }
+        ExpectCutWithoutCrossings(lines, grid);
     }
 }
 
@@ -679,13 +684,7 @@ TEST(ClipParts, CuttingEndsWithoutCrossingsWhereDoublesLieOneWidthApart) {
             lines.Close(operand);
         }
         grid.FinishAdding();
-        for (Recheck const recheck : {Recheck::kWhereNeeded, Recheck::kEverywhere}) {
-            GridLines cut = lines;
-            trammel_detail::ScratchVector<Incidence> incidences;
-            std::optional<EdgeTree> tree;
-            trammel_detail::CutAtCrossings(cut, grid, recheck, incidences, tree);
-            ExpectNoCrossings(cut);
-        }
+        ExpectCutWithoutCrossings(lines, grid);
     }
 }
 
