@@ -10,8 +10,8 @@
 #include "LineMeets_p.h"
 #include "OutlineMeets_p.h"
 #include "PathCursor.h"
+#include "PlaceStretches_p.h"
 #include "PointMath_p.h"
-#include "ShortList_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,10 +45,11 @@ using trammel_detail::OutlineSegment;
 using trammel_detail::PartOf;
 using trammel_detail::Passing;
 using trammel_detail::PathCursor;
+using trammel_detail::PlaceStretches;
 using trammel_detail::PolygonLength;
 using trammel_detail::RunCrossings;
 using trammel_detail::RunsBackAlongItself;
-using trammel_detail::ShortList;
+using trammel_detail::SegmentStretch;
 using trammel_detail::TurnsOf;
 using trammel_detail::TurnsOfCubic;
 
@@ -499,7 +500,7 @@ private:
         });
         for (Group* const g : woven) {
             RunCrossings found;
-            if (CrossingsOfRuns(RunOf(*g, true), RunOf(*g, false), JoinAccuracy(), found)) {
+            if (CrossingsOfRuns(RunOfA(*g), RunOfB(*g), JoinAccuracy(), found)) {
                 g->passing = found.passing;
                 if (found.passing != Passing::kEnd && CrossOddly(groups, *g, found)) {
                     g->passing =
@@ -581,8 +582,8 @@ private:
             std::any_of(g.first, g.end, [&](std::size_t i) { return IsJoint(mMeets[i]); })) {
             return Passing::kTouch;
         }
-        CommonRun const a = RunOf(g, true);
-        CommonRun const b = RunOf(g, false);
+        CommonRun const a = RunOfA(g);
+        CommonRun const b = RunOfB(g);
         return FirstOverlap(g) != g.end ? HowTheyPassAlong(a, b, JoinAccuracy())
                                         : HowTheyPass(a.all, b.all, JoinAccuracy());
     }
@@ -635,113 +636,33 @@ private:
                        pointAt(s1)});
     }
 
-    /// The stretch of A, or of B, that a group of meets covers.
-    CommonRun RunOf(Group const& g, bool ofA) const {
-        Outline const& outline = ofA ? mA : mB;
-        struct Stretch {
-            std::size_t segment;
-            double low;
-            double high;
-            bool start;
-            bool end;
-            double lowCommon = 2.0; ///< of overlaps
-            double highCommon = -1.0;
-            bool againstAtLow = false;
-            bool againstAtHigh = false;
-        };
-        ShortList<Stretch, 8> stretches; // few meets are one place
+    /// The stretch of A that a group of meets covers.
+    CommonRun RunOfA(Group const& g) const {
+        return RunOf(g, mA, [](PairMeet const& m) {
+            return SegmentStretch{m.a, m.meet.s0, m.meet.s1, m.startA, m.endA};
+        });
+    }
+    /// The stretch of B.
+    CommonRun RunOfB(Group const& g) const {
+        return RunOf(g, mB, [](PairMeet const& m) {
+            return SegmentStretch{m.b, m.LowT(), m.HighT(), m.startB, m.endB};
+        });
+    }
+    /// The stretch of an outline, where stretchOf(meet) is that of one meet.
+    template <class StretchOf>
+    CommonRun RunOf(Group const& g, Outline const& outline, StretchOf const& stretchOf) const {
+        PlaceStretches stretches(outline);
         for (std::size_t const* i = g.first; i != g.end; ++i) {
             PairMeet const& m = mMeets[*i];
-            Stretch next = ofA ? Stretch{m.a, m.meet.s0, m.meet.s1, m.startA, m.endA}
-                               : Stretch{m.b, m.LowT(), m.HighT(), m.startB, m.endB};
+            SegmentStretch next = stretchOf(m);
             if (m.meet.overlap) {
                 next.lowCommon = next.low;
                 next.highCommon = next.high;
                 next.againstAtLow = next.againstAtHigh = m.meet.t1 < m.meet.t0;
             }
-            stretches.push_back(next);
+            stretches.Add(next);
         }
-        std::sort(stretches.begin(), stretches.end(), [](Stretch const& s, Stretch const& t) {
-            return std::tie(s.segment, s.low, s.high) < std::tie(t.segment, t.low, t.high);
-        });
-        // Stretches of one segment become one, unless there is a gap between them.
-        double const limit = 2.0 * JoinAccuracy();
-        std::size_t count = 0;
-        for (Stretch const& s : stretches) {
-            Stretch& last = stretches[count > 0 ? count - 1 : 0];
-            if (count > 0 && last.segment == s.segment &&
-                IsShort(outline[s.segment].c, last.high, s.low, limit)) {
-                last.high = std::max(last.high, s.high);
-                last.end = last.end || s.end;
-                last.start = last.start || s.start;
-                if (s.lowCommon < last.lowCommon) {
-                    last.lowCommon = s.lowCommon;
-                    last.againstAtLow = s.againstAtLow;
-                }
-                if (s.highCommon > last.highCommon) {
-                    last.highCommon = s.highCommon;
-                    last.againstAtHigh = s.againstAtHigh;
-                }
-            } else {
-                stretches[count++] = s;
-            }
-        }
-        stretches.Cut(stretches.begin() + count);
-        auto const find = [&](std::size_t segment, bool atStart) -> Stretch const* {
-            auto const found = std::find_if(
-                std::lower_bound(stretches.begin(), stretches.end(), segment,
-                                 [](Stretch const& s, std::size_t k) { return s.segment < k; }),
-                stretches.end(), [&](Stretch const& s) {
-                    return s.segment != segment || (atStart ? s.start : s.end);
-                });
-            return found != stretches.end() && found->segment == segment ? &*found : nullptr;
-        };
-        Stretch const* begin = stretches.begin();
-        for (std::size_t i = 0; i < count && begin->start; ++i) {
-            std::size_t const before = outline[begin->segment].before;
-            Stretch const* const next = before == kNone ? nullptr : find(before, false);
-            if (next == nullptr) {
-                break;
-            }
-            begin = next;
-        }
-        Stretch const* last = begin;
-        CommonRun runs{};
-        bool common = false;
-        auto const include = [&](Stretch const& s) {
-            if (s.lowCommon <= s.highCommon) {
-                if (!common) {
-                    runs.common.first = s.segment;
-                    runs.common.firstT = s.lowCommon;
-                    runs.firstAgainst = s.againstAtLow;
-                    common = true;
-                }
-                runs.common.last = s.segment;
-                runs.common.lastT = s.highCommon;
-                runs.lastAgainst = s.againstAtHigh;
-            }
-        };
-        include(*begin);
-        for (std::size_t i = 1; i < count && last->end; ++i) {
-            std::size_t const after = outline[last->segment].after;
-            Stretch const* const next = after == kNone ? nullptr : find(after, true);
-            if (next == nullptr) {
-                break;
-            }
-            last = next;
-            include(*last);
-        }
-        runs.all = {outline.data(), begin->segment, begin->low, last->segment, last->high};
-        runs.whole = begin->start && last->end && outline[last->segment].after == begin->segment;
-        if (runs.whole) {
-            runs.all.firstT = 0.0;
-            runs.all.lastT = 1.0;
-        }
-        if (!common) {
-            runs.common = runs.all;
-        }
-        runs.common.segments = outline.data();
-        return runs;
+        return stretches.Run(2.0 * JoinAccuracy());
     }
 
     Outline const& mA;
