@@ -351,55 +351,92 @@ private:
     /// Marks the pieces for several elements that may meet others or themselves, or may have
     /// passed another run.
     void Mark(PieceMarks& marks) {
-        std::vector<PiecePlace> places;
-        std::vector<Box> boxes;
-        std::vector<Box> wide; // of what may have passed the piece, or the piece
-        std::vector<Pt> marksOfRuns;
-        std::vector<double> distances; // of runs
-        std::vector<Box> points;
-        mTested.resize(mRuns.size(), 0.0);
-        for (std::size_t r = 0; r < mRuns.size(); ++r) {
-            Run& run = mRuns[r];
+        for (Run const& run : mRuns) {
             marks.AddChain(run.pieces.size());
-            Pt const p = trammel_detail::PlaceAt(run.curves[run.curves.size() / 2], 0.5).point;
-            marksOfRuns.push_back(p);
-            distances.push_back(run.Distance());
-            points.push_back(run.isFinite ? Box::Of(p.h, p.v, p.h, p.v) : Box::Of(0, 0, 0, 0));
-            for (std::size_t k = 0; run.isFinite && k < run.pieces.size(); ++k) {
-                Piece& piece = run.pieces[k];
-                Box const box = trammel_detail::HullBox(piece.c);
-                places.push_back({r, k});
-                boxes.push_back(box.Widened(mMargin, mMargin));
-                double const reach = piece.IsElement() ? 0.0 : 2.0 * mTolerance + mMargin;
-                wide.push_back(box.Widened(reach, reach));
-                if (!piece.IsElement() && piece.isNew &&
-                    !trammel_detail::IsFreeOfLoops(piece.c, mMargin)) {
-                    marks.Mark({r, k});
-                }
+        }
+        std::vector<HulledPiece> const pieces = FinitePieces();
+        MarkLoops(pieces, marks);
+        MarkMeeting(pieces, marks);
+        MarkPassed(pieces, marks);
+        for (Run& run : mRuns) {
+            for (Piece& piece : run.pieces) {
+                piece.isNew = false;
             }
         }
+    }
+    Piece const& PieceAt(PiecePlace const& place) const {
+        return mRuns[place.chain].pieces[place.piece];
+    }
+    /// Where a piece is, and the hull of its control points.
+    struct HulledPiece {
+        PiecePlace place;
+        Box hull;
+    };
+    /// Returns all pieces of finite runs.
+    std::vector<HulledPiece> FinitePieces() const {
+        std::vector<HulledPiece> pieces;
+        for (std::size_t r = 0; r < mRuns.size(); ++r) {
+            for (std::size_t k = 0; mRuns[r].isFinite && k < mRuns[r].pieces.size(); ++k) {
+                pieces.push_back({{r, k}, trammel_detail::HullBox(mRuns[r].pieces[k].c)});
+            }
+        }
+        return pieces;
+    }
+    /// Marks the new pieces that may meet themselves.
+    void MarkLoops(std::vector<HulledPiece> const& pieces, PieceMarks& marks) const {
+        for (HulledPiece const& at : pieces) {
+            Piece const& piece = PieceAt(at.place);
+            if (!piece.IsElement() && piece.isNew &&
+                !trammel_detail::IsFreeOfLoops(piece.c, mMargin)) {
+                marks.Mark(at.place);
+            }
+        }
+    }
+    /// Marks the pieces that may meet others, one of the two being new.
+    void MarkMeeting(std::vector<HulledPiece> const& pieces, PieceMarks& marks) const {
+        std::vector<Box> boxes;
+        for (HulledPiece const& at : pieces) {
+            boxes.push_back(at.hull.Widened(mMargin, mMargin));
+        }
         trammel_detail::BoxTree(boxes).ForMeetingPairs([&](std::size_t i, std::size_t j) {
-            PiecePlace const& p = places[i];
-            PiecePlace const& q = places[j];
-            Piece const& a = mRuns[p.chain].pieces[p.piece];
-            Piece const& b = mRuns[q.chain].pieces[q.piece];
+            Piece const& a = PieceAt(pieces[i].place);
+            Piece const& b = PieceAt(pieces[j].place);
             if ((a.IsElement() && b.IsElement()) || (!a.isNew && !b.isNew) ||
                 trammel_detail::AreApart(a.c, b.c, mMargin)) {
                 return;
             }
             if (!a.IsElement()) {
-                marks.Mark(p);
+                marks.Mark(pieces[i].place);
             }
             if (!b.IsElement()) {
-                marks.Mark(q);
+                marks.Mark(pieces[j].place);
             }
         });
+    }
+    /// Marks the pieces that may have passed another run: that run's middle may lie on either side.
+    void MarkPassed(std::vector<HulledPiece> const& pieces, PieceMarks& marks) {
+        std::vector<Box> wide; // of what may have passed the piece, or the piece
+        for (HulledPiece const& at : pieces) {
+            Piece const& piece = PieceAt(at.place);
+            double const reach = piece.IsElement() ? 0.0 : 2.0 * mTolerance + mMargin;
+            wide.push_back(at.hull.Widened(reach, reach));
+        }
+        std::vector<Pt> middles;
+        std::vector<Box> middleBoxes;
+        std::vector<double> distances;
+        for (Run const& run : mRuns) {
+            Pt const p = trammel_detail::PlaceAt(run.curves[run.curves.size() / 2], 0.5).point;
+            middles.push_back(p);
+            middleBoxes.push_back(run.isFinite ? Box::Of(p.h, p.v, p.h, p.v) : Box::Of(0, 0, 0, 0));
+            distances.push_back(run.Distance());
+        }
+        mTested.resize(mRuns.size(), 0.0);
         trammel_detail::BoxTree const tree(wide);
-        tree.ForMeeting(trammel_detail::BoxTree(points), [&](std::size_t i, std::size_t r) {
-            PiecePlace const& p = places[i];
+        tree.ForMeeting(trammel_detail::BoxTree(middleBoxes), [&](std::size_t i, std::size_t r) {
+            PiecePlace const& p = pieces[i].place;
             Run const& run = mRuns[p.chain];
             Run const& other = mRuns[r];
-            Piece const& piece = run.pieces[p.piece];
+            Piece const& piece = PieceAt(p);
             bool const isTested = !piece.isNew && distances[r] <= mTested[r];
             if (piece.IsElement() || isTested || r == p.chain || !other.isFinite ||
                 other.Start() == run.Start() || other.Start() == run.End() ||
@@ -407,16 +444,11 @@ private:
                 return;
             }
             double const reach = piece.distance + distances[r] + mMargin;
-            if (!trammel_detail::KeepsAway(piece.c, marksOfRuns[r], reach)) {
+            if (!trammel_detail::KeepsAway(piece.c, middles[r], reach)) {
                 marks.Mark(p);
             }
         });
         mTested = std::move(distances);
-        for (Run& run : mRuns) {
-            for (Piece& piece : run.pieces) {
-                piece.isNew = false;
-            }
-        }
     }
 
     void AddSubpath(Part const& part, trammel_detail::ElementAppender& out) const {
@@ -450,8 +482,8 @@ private:
     std::vector<std::vector<std::size_t>> mOutlines; ///< their subpaths
     std::vector<Part> mSubpaths;
     std::vector<Run> mRuns;
-    /// The runs' distances when Mark() tested the pieces. A run that is halved may have a greater
-    /// one, and then all pieces are tested against it again.
+    /// The runs' distances when MarkPassed() tested the pieces. A run that is halved may have a
+    /// greater one, and then all pieces are tested against it again.
     std::vector<double> mTested;
 };
 
