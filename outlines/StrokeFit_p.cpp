@@ -203,13 +203,24 @@ private:
         mFreeUpTo = 0;
         mFans.assign(1, FanMoments());
         std::size_t const most = last - mAt;
+        FittedPiece piece;
+        std::size_t reached = 0;
+        std::size_t const matching = LongestMatch(most, piece);
+        if (matching > 0 && Prove(piece, reached)) {
+            return piece;
+        }
+        // A point between those tried is too far away.
+        return FindProven(matching, reached, piece) ? piece : LongestLine(most);
+    }
+
+    /// Looks for the longest run of at most `most` lines that seems to match a cubic. Returns the
+    /// number of its lines, 0 for none, and sets its piece.
+    std::size_t LongestMatch(std::size_t most, FittedPiece& found) {
         std::size_t length = std::min(mGuess, most);
         std::size_t proven = length;
         std::size_t below = 0; // the longest run that seems to match
         std::size_t above = most + 1;
-        std::size_t reached = 0;
         FittedPiece piece;
-        FittedPiece found;
         // Runs are about as long as the one before, so the first steps are small. This tries longer
         // runs as long as they match, up to a few times the proven length. Then it tries shorter
         // ones.
@@ -217,6 +228,7 @@ private:
         while (length > 1 && below + Uncertain(below) < above) {
             if (Seek(length, piece)) {
                 if (length > kUnproven * proven) {
+                    std::size_t reached = 0;
                     if (!Prove(piece, reached)) {
                         break;
                     }
@@ -239,30 +251,38 @@ private:
             }
             step = std::min(2 * step, length);
         }
-        if (below > 0 && Prove(found, reached)) {
-            return found;
-        }
-        // A point between those tried is too far away. Shorter runs now prove themselves.
-        length = below == 0 ? 0 : Shorter(below);
+        return below;
+    }
+
+    /// Looks for a proven piece of a run that is shorter than one of `length` lines. That one has
+    /// failed the proof, which got as far as `reached`. True when there is one.
+    bool FindProven(std::size_t length, std::size_t reached, FittedPiece& piece) {
+        length = Shorter(length);
         for (int failures = 1; length > 1; length = Shorter(length)) {
             if (!Seek(length, piece)) {
                 continue;
             }
             if (Prove(piece, reached)) {
-                return piece;
+                return true;
             }
             if (++failures > kMostNearFailures) {
                 length = std::min(length, 2 * reached);
             }
         }
-        // A line, be it one of the stroke itself, which always fits
-        FittedPiece line;
+        return false;
+    }
+
+    /// Returns a line over a run as long as doubling its length finds, of `most` lines at most. The
+    /// shortest is a line of the stroke itself, which always fits.
+    FittedPiece LongestLine(std::size_t most) const {
         bool const isMoved = mPoint != mStroke.at[mAt];
         double const away = std::sqrt(Square(mPoint - mStroke.at[mAt])) * (1.0 + 0x1p-48);
         double const shift = isMoved ? away + kUnderflow : 0.0;
         Pt const& end = mStroke.at[mAt + 1];
-        piece = {{mPoint, mPoint, end, end}, true, mAt + 1, shift, Pt()};
-        for (length = 2; length <= most && FitLine(mAt, mAt + length, mPoint, line); length *= 2) {
+        FittedPiece piece = {{mPoint, mPoint, end, end}, true, mAt + 1, shift, Pt()};
+        FittedPiece line;
+        for (std::size_t length = 2; length <= most && FitLine(mAt, mAt + length, mPoint, line);
+             length *= 2) {
             piece = line;
             piece.direction = Pt();
         }
