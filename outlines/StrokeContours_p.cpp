@@ -121,70 +121,92 @@ void StrokeContours::AddPoint(Pt const& p, Pt const& direction) {
     AppendLine(p, p, direction, false);
 }
 
-void StrokeContours::AddCurve(Cubic const& curve) {
-    Pt const origin = curve[0];
-    Cubic local;
-    for (std::size_t i = 0; i < 4; ++i) {
-        local[i] = curve[i] - origin;
-    }
-    Pt const from = DirectionOf(local, 0.0);
-    Pt const to = DirectionOf(local, 1.0);
-    if (from.Null() || to.Null()) {
-        if (PolygonLength(local) == 0.0) {
-            return;
+struct StrokeContours::LocalCurve {
+    explicit LocalCurve(Cubic const& curve) : given(curve) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            local[i] = curve[i] - curve[0];
         }
-        AddLine(curve[0], curve[3]);
+        from = DirectionOf(local, 0.0);
+        to = DirectionOf(local, 1.0);
+    }
+    /// Returns the point at a parameter. At the ends it has no rounding.
+    Pt PointAt(double t) const {
+        return t <= 0.0 ? given[0] : t >= 1.0 ? given[3] : given[0] + PlaceAt(local, t).point;
+    }
+
+    Cubic given;
+    Cubic local;
+    Pt from; ///< the direction at the start
+    Pt to;   ///< the direction at the end
+};
+
+void StrokeContours::AddTinyStretch(LocalCurve const& curve, CurveStretch const& stretch) {
+    bool const isFirst = stretch.from <= 0.0;
+    bool const isLast = stretch.to >= 1.0;
+    DirectedCubic const whole(curve.local, curve.from, curve.to);
+    NoteTurns(whole.Part(stretch.from, stretch.to,
+                         isFirst ? curve.from : whole.DirectionAt(stretch.from),
+                         isLast ? curve.to : whole.DirectionAt(stretch.to)),
+              curve.given[0]);
+    Pt const a = curve.PointAt(stretch.from);
+    Pt const b = curve.PointAt(stretch.to);
+    if (isFirst) {
+        AppendLine(a, a, curve.from, true);
+    }
+    if (a != b) {
+        AppendLine(a, b, trammel::Normalize(b - a), true);
+    }
+    if (isLast) {
+        AppendLine(b, b, curve.to, false);
+    }
+}
+
+void StrokeContours::AddStretches(LocalCurve const& curve, std::size_t first, std::size_t count,
+                                  bool turnsAfter) {
+    double const start = mStretches[first].from;
+    double const end = mStretches[first + count - 1].to;
+    Piece piece;
+    piece.start = curve.PointAt(start);
+    piece.end = curve.PointAt(end);
+    piece.from = DirectionOf(curve.local, start);
+    piece.to = DirectionOf(curve.local, end);
+    piece.curve = curve.local;
+    piece.origin = curve.given[0];
+    piece.firstStretch = first;
+    piece.stretches = count;
+    piece.turnsAfter = turnsAfter;
+    mPieces.push_back(piece);
+}
+
+void StrokeContours::AddCurve(Cubic const& given) {
+    LocalCurve const curve(given);
+    if (curve.from.Null() || curve.to.Null()) {
+        if (PolygonLength(curve.local) != 0.0) {
+            AddLine(given[0], given[3]);
+        }
         return;
     }
     double const tiny = kTinyShare * mPen.tolerance;
     std::size_t const before = mStretches.size();
-    if (PolygonLength(local) <= tiny) {
+    if (PolygonLength(curve.local) <= tiny) {
         mStretches.push_back({0.0, 1.0, 0, true});
     } else {
-        SplitAtCurvature(local, mPen.radius, tiny, mPen.IsRound(), mStretches);
+        SplitAtCurvature(curve.local, mPen.radius, tiny, mPen.IsRound(), mStretches);
     }
-    // Tiny stretches become lines, at whose ends the pen turns round.
-    std::size_t const count = mStretches.size() - before;
+    // Tiny stretches become lines and are dropped. Those between them make up one piece each.
+    std::size_t const end = mStretches.size();
     std::size_t kept = before;
-    for (std::size_t i = 0; i < count;) {
-        CurveStretch const first = mStretches[before + i];
-        if (first.tiny) {
-            DirectedCubic const whole(local, from, to);
-            NoteTurns(whole.Part(first.from, first.to,
-                                 first.from <= 0.0 ? from : whole.DirectionAt(first.from),
-                                 first.to >= 1.0 ? to : whole.DirectionAt(first.to)),
-                      origin);
-            Pt const a = first.from <= 0.0 ? curve[0] : origin + PlaceAt(local, first.from).point;
-            Pt const b = first.to >= 1.0 ? curve[3] : origin + PlaceAt(local, first.to).point;
-            if (first.from <= 0.0) {
-                AppendLine(a, a, from, true);
-            }
-            if (a != b) {
-                AppendLine(a, b, trammel::Normalize(b - a), true);
-            }
-            if (first.to >= 1.0) {
-                AppendLine(b, b, to, false);
-            }
+    for (std::size_t i = before; i < end;) {
+        if (mStretches[i].tiny) {
+            AddTinyStretch(curve, mStretches[i]);
             ++i;
             continue;
         }
-        Piece piece;
-        piece.firstStretch = kept;
-        while (i < count && !mStretches[before + i].tiny) {
-            mStretches[kept++] = mStretches[before + i];
-            ++i;
+        std::size_t const first = kept;
+        while (i < end && !mStretches[i].tiny) {
+            mStretches[kept++] = mStretches[i++];
         }
-        piece.stretches = kept - piece.firstStretch;
-        double const start = mStretches[piece.firstStretch].from;
-        double const end = mStretches[kept - 1].to;
-        piece.origin = origin;
-        piece.curve = local;
-        piece.start = start <= 0.0 ? curve[0] : origin + PlaceAt(local, start).point;
-        piece.end = end >= 1.0 ? curve[3] : origin + PlaceAt(local, end).point;
-        piece.from = DirectionOf(local, start);
-        piece.to = DirectionOf(local, end);
-        piece.turnsAfter = i < count;
-        mPieces.push_back(piece);
+        AddStretches(curve, first, kept - first, i < end);
     }
     mStretches.resize(kept);
 }

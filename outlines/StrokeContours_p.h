@@ -128,8 +128,16 @@ private:
         TPoint<double> to;   ///< the direction behind
     };
 
+    /// A curve that was given, and the same one with its start as origin.
+    struct LocalCurve;
+
     void AppendLine(TPoint<double> const& from, TPoint<double> const& to,
                     TPoint<double> const& direction, bool turnsAfter);
+    /// Adds lines in place of a tiny stretch. At their ends the pen turns round.
+    void AddTinyStretch(LocalCurve const& curve, CurveStretch const& stretch);
+    /// Adds a piece for the part of a curve that the `count` stretches from `first` on make up.
+    void AddStretches(LocalCurve const& curve, std::size_t first, std::size_t count,
+                      bool turnsAfter);
     void SmoothCorners(bool closed);
     void Reverse();
     void Side(bool closed);
