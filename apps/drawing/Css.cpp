@@ -16,7 +16,7 @@ namespace {
 typedef CssToken::Kind Kind;
 
 /// The greatest depth of @media in @media, and of :not in :not.
-constexpr int kMostLevels = 16;
+constexpr int kMostNesting = 16;
 
 /// The mistake in a selector.
 struct SelectorError {
@@ -240,7 +240,7 @@ CssPseudo ParsePseudo(Tokens& tokens, unsigned& specificity, int level) {
             specificity = Sum(specificity, kClassWeight);
             return pseudo;
         }
-        if (level >= kMostLevels || (name != "not" && name != "is" && name != "where")) {
+        if (level >= kMostNesting || (name != "not" && name != "is" && name != "where")) {
             throw SelectorError{begin, "':" + name + "()' is not supported"};
         }
         pseudo.kind = name == "not" ? CssPseudo::Kind::kNot : CssPseudo::Kind::kIs;
@@ -461,7 +461,7 @@ void Parser::AtRule(Tokens& tokens, int level) {
     tokens.SkipTo(";{");
     std::size_t const open = tokens.At();
     std::size_t const close = tokens.AtEnd() ? open : tokens.TakeComponent();
-    if (name == "media" && level < kMostLevels) {
+    if (name == "media" && level < kMostNesting) {
         bool known = true;
         std::string const media = TextOf(begin, open);
         if (MediaApply(media, known)) {

@@ -20,9 +20,9 @@ namespace {
 typedef nlohmann::ordered_json Json;
 typedef TPoint<double> Pt;
 
-class Reader : private MapReading {
+class GeoJsonReader : private MapReading {
 public:
-    explicit Reader(std::string const& file) : MapReading(file) {}
+    explicit GeoJsonReader(std::string const& file) : MapReading(file) {}
 
     Drawing Read(Json const& map) {
         ReadObject(map, "", 0);
@@ -122,6 +122,8 @@ bool IsGeoJsonType(std::string const& type) {
     return std::find(types.begin(), types.end(), type) != types.end();
 }
 
-Drawing ReadGeoJson(std::string const& file, Json const& map) { return Reader(file).Read(map); }
+Drawing ReadGeoJson(std::string const& file, Json const& map) {
+    return GeoJsonReader(file).Read(map);
+}
 
 } // namespace tool

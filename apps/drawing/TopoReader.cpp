@@ -24,9 +24,9 @@ typedef TPoint<double> Pt;
 /// number.
 constexpr std::size_t kMostVertices = 50'000'000;
 
-class Reader : private MapReading {
+class TopologyReader : private MapReading {
 public:
-    Reader(std::string const& file, Json const& map) : MapReading(file), mMap(map) {}
+    TopologyReader(std::string const& file, Json const& map) : MapReading(file), mMap(map) {}
 
     Drawing Read() {
         ReadTransform();
@@ -159,6 +159,8 @@ private:
 
 } // namespace
 
-Drawing ReadTopoJson(std::string const& file, Json const& map) { return Reader(file, map).Read(); }
+Drawing ReadTopoJson(std::string const& file, Json const& map) {
+    return TopologyReader(file, map).Read();
+}
 
 } // namespace tool

@@ -18,7 +18,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct AreaOptions {
     Sources sources;
     FigureOptions figures;
     std::string rule;
@@ -59,7 +59,7 @@ Moments SignedMoments(Outline const& outline) {
     return {found.area, found.area != 0.0, found.centroid, error};
 }
 
-FileResult AreasIn(Options const& options, Drawing& drawing) {
+FileResult AreasIn(AreaOptions const& options, Drawing& drawing) {
     CheckNotEmpty(drawing);
     SetRule(drawing, options.rule);
     FileResult result;
@@ -92,7 +92,7 @@ FileResult AreasIn(Options const& options, Drawing& drawing) {
     return result;
 }
 
-void Run(Options const& options) {
+void RunArea(AreaOptions const& options) {
     if (!options.rule.empty()) {
         RuleOf(options.rule);
     }
@@ -103,7 +103,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddArea(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<AreaOptions>();
     Command const command =
         app.AddCommand("area", "Area and centroid of what each outline encloses");
     AddSources(command, options->sources);
@@ -114,7 +114,7 @@ void AddArea(Command const& app) {
         "the outline runs around it,\nclockwise on the page positive; the centroid is "
         "weighted in the same way.\n" +
         std::string(kAccuracyHelp) + "\nExample: trammel area drawing.svg --json");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunArea(*options); });
 }
 
 } // namespace tool

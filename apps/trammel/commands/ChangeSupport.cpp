@@ -10,6 +10,7 @@
 #include "PenNames.h"
 #include "Progress.h"
 #include "Warning.h"
+#include "WriteSupport.h"
 
 #include <trammel/OutlineOperations.h>
 
@@ -23,11 +24,6 @@
 namespace tool {
 
 namespace {
-
-/// The part of the tolerance that the curves take which stand for circles and arcs.
-constexpr double kArcPart = 1.0 / 64.0;
-/// The part of the rest that is left to rounding.
-constexpr double kRoundingPart = 1.0 / 64.0;
 
 double ToleranceOf(ChangeOptions const& options) {
     double const tolerance = NumberOf("--tolerance", options.tolerance);

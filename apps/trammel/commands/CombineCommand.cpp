@@ -28,8 +28,6 @@ namespace {
 /// and above what rounding needs.
 constexpr double kErrorShare = 1e-5;
 
-/// The part of the error that the curves take which stand for circles and arcs.
-constexpr double kArcPart = 1.0 / 64.0;
 /// The part of the rest that each of the two steps takes; a little is left to rounding.
 constexpr double kStepPart = 63.0 / 128.0;
 
@@ -43,7 +41,7 @@ constexpr std::array<Operation, 4> kOperations{{{"union", kPolyUnion},
                                                 {"difference", kPolyDifference},
                                                 {"xor", kPolyXor}}};
 
-struct Options {
+struct CombineOptions {
     std::string operation;
     Source a;
     Source b;
@@ -70,7 +68,7 @@ TRect<double> BoundsOf(Drawing const& drawing) {
     return bounds;
 }
 
-double ErrorOf(Options const& options, TRect<double> const& bounds) {
+double ErrorOf(CombineOptions const& options, TRect<double> const& bounds) {
     if (!options.error.empty()) {
         double const error = NumberOf("--error", options.error);
         if (!(error > 0.0)) {
@@ -107,7 +105,7 @@ void OverrideRules(Drawing& drawing, std::string const& rule) {
 /// Returns the document in which the result takes the place of the first outline. The other chosen
 /// outlines are part of it, and go. An outline that a `use` draws goes with the whole `use`.
 /// \param clipped  the elements of which a clip hides something
-std::string Merged(Options const& options, Drawing const& drawing,
+std::string Merged(CombineOptions const& options, Drawing const& drawing,
                    std::set<std::size_t> const& clipped, CPath const& result) {
     std::map<std::size_t, std::size_t> chosen; // outlines by the element that places them
     for (Outline const& outline : drawing.outlines) {
@@ -147,7 +145,7 @@ std::string Merged(Options const& options, Drawing const& drawing,
     return edit.Text();
 }
 
-Json ToJson(AreaFigures const& figures) {
+Json AreaJson(AreaFigures const& figures) {
     Json json;
     json["area"] = figures.area;
     json["contours"] = figures.contours;
@@ -157,10 +155,10 @@ Json ToJson(AreaFigures const& figures) {
     return json;
 }
 
-Json ToJson(std::string const& file, AreaFigures const& figures) {
+Json AreaJson(std::string const& file, AreaFigures const& figures) {
     Json json;
     json["file"] = file;
-    json.update(ToJson(figures));
+    json.update(AreaJson(figures));
     return json;
 }
 
@@ -176,7 +174,7 @@ Picture FilledPicture(Page const& page, TRect<double> const& bounds, std::string
     return picture;
 }
 
-void Run(Options const& options) {
+void RunCombine(CombineOptions const& options) {
     TPolyOp const code = CodeOf(options.operation);
     if (options.write.output.empty() && !options.json) {
         throw Error("combine", "", "nothing to do without -o or --json");
@@ -227,9 +225,9 @@ void Run(Options const& options) {
         json["operation"] = options.operation;
         json["error"] = error;
         json["distance"] = result.distance;
-        json["a"] = ToJson(a.file, FiguresOf(areaA));
-        json["b"] = ToJson(b.file, FiguresOf(areaB));
-        json["result"] = ToJson(FiguresOf(result));
+        json["a"] = AreaJson(a.file, FiguresOf(areaA));
+        json["b"] = AreaJson(b.file, FiguresOf(areaB));
+        json["result"] = AreaJson(FiguresOf(result));
     }
     std::string const& output = options.write.output;
     CPath const& path = result.path;
@@ -252,7 +250,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddCombine(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<CombineOptions>();
     Command const command = app.AddCommand(
         "combine", "Union, intersection, difference or exclusive-or of what two drawings cover");
     command.AddOption("OPERATION", options->operation, "union, intersection, difference or xor")
@@ -285,7 +283,7 @@ void AddCombine(Command const& app) {
         "the place of its first outline, with id and\nstyle, and its other outlines that "
         "were combined go.\n"
         "Example: trammel combine difference plate.svg holes.svg -o drilled.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunCombine(*options); });
 }
 
 } // namespace tool

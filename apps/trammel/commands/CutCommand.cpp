@@ -21,7 +21,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct CutOptions {
     Source source;
     std::string from;
     std::string to;
@@ -46,7 +46,7 @@ void TellUncut(Drawing const& drawing, Outline const& outline) {
          "the outline has no length, and stays as it is");
 }
 
-void Run(Options const& options) {
+void RunCut(CutOptions const& options) {
     double const from = Fraction("--from", options.from);
     double const to = Fraction("--to", options.to);
     if (!(from < to)) {
@@ -110,7 +110,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddCut(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<CutOptions>();
     Command const command =
         app.AddCommand("cut", "Cuts a piece out of each outline, and writes it and the rest");
     AddSource(command, options->source);
@@ -128,7 +128,7 @@ void AddCut(Command const& app) {
         "and everything\nelse stays as it is.\n"
         "Example: trammel cut drawing.svg --from 0.25 --to 0.5 -o piece.svg --rest "
         "rest.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunCut(*options); });
 }
 
 } // namespace tool

@@ -13,6 +13,7 @@
 #include "PenNames.h"
 #include "SvgDocument.h"
 #include "Warning.h"
+#include "WriteSupport.h"
 
 #include <trammel/AccurateCurve.h>
 
@@ -28,15 +29,13 @@ namespace tool {
 
 namespace {
 
-/// The part of the tolerance that is left to rounding.
-constexpr double kRoundingPart = 1.0 / 64.0;
 /// The share by which a transform may stretch a line more in one direction than in another.
 constexpr double kUneven = 1e-6;
 
 /// The outlines of a drawing, and what becomes of them.
-class Work {
+class DivideWork {
 public:
-    Work(Drawing& drawing, bool all) : mDrawing(drawing) {
+    DivideWork(Drawing& drawing, bool all) : mDrawing(drawing) {
         for (Outline const& outline : drawing.outlines) {
             ++mShown[outline.source.placed];
             ++mCopies[outline.source.element];
@@ -376,12 +375,12 @@ private:
     std::vector<Whole> mWhole;                  ///< by index
 };
 
-void Run(ChangeOptions const& options) {
+void RunDivide(ChangeOptions const& options) {
     ChangeInput input = LoadForChange(options, kFineShare);
     Drawing& drawing = input.drawing;
     std::string const& output = options.write.output;
     Page const page = LinePicture(drawing.page, drawing.outlines).page;
-    Work work(drawing, !options.source.ids.empty());
+    DivideWork work(drawing, !options.source.ids.empty());
     TellDistance(drawing.file, "", work.Divide(input.tolerance), input.tolerance);
     if (KeepsDocument(drawing, output)) {
         WriteFile(output, SvgBytes(work.Document(DigitsOf(options.write)), output));
@@ -403,7 +402,7 @@ void AddDivide(Command const& app) {
         "or those that --id names.\nA warning tells of a translucent shape, as what shows through "
         "it goes.\n"
         "Example: trammel divide drawing.svg -o parts.svg",
-        Run);
+        RunDivide);
 }
 
 } // namespace tool

@@ -17,9 +17,9 @@ namespace tool {
 namespace {
 
 /// Less than the width of a line that is drawn by hand.
-constexpr ToleranceShare kShare{1e-3, "a 1000th"};
+constexpr ToleranceShare kFitShare{1e-3, "a 1000th"};
 
-struct Options {
+struct FitOptions {
     ChangeOptions change;
     std::string corner = "60";
 };
@@ -41,7 +41,7 @@ double Fitted(CPath const& path, double tolerance, double corner, CPath& out) {
     return distance;
 }
 
-void Run(Options const& options) {
+void RunFit(FitOptions const& options) {
     double const degrees = NumberOf("--corner", options.corner);
     if (!(degrees > 0.0 && degrees <= 180.0)) {
         throw Error("--corner", "'" + options.corner + "'", "must be above 0 and at most 180");
@@ -49,7 +49,7 @@ void Run(Options const& options) {
     double const corner = DegToRad(degrees);
     Change change;
     change.progress = "fitting curves";
-    change.share = kShare;
+    change.share = kFitShare;
     change.form = [=](Outline const& outline, double tolerance, CPath& out) {
         return Fitted(outline.path, tolerance, corner, out);
     };
@@ -59,10 +59,10 @@ void Run(Options const& options) {
 } // namespace
 
 void AddFit(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<FitOptions>();
     Command const command =
         app.AddCommand("fit", "Writes curves through the points of outlines of many lines");
-    AddChangeOptions(command, options->change, kShare);
+    AddChangeOptions(command, options->change, kFitShare);
     command
         .AddOption("--corner", options->corner, "Degrees from which a turn is a corner and stays")
         .TypeName("A")
@@ -74,7 +74,7 @@ void AddFit(Command const& app) {
         "that returns\nto its start is closed.\n"
         "An SVG drawing is kept: only the forms of the elements change.\n"
         "Example: trammel fit scan.svg --tolerance 0.5 -o curves.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunFit(*options); });
 }
 
 } // namespace tool

@@ -21,10 +21,7 @@ namespace tool {
 
 namespace {
 
-/// The part of the error that the curves take which stand for circles and arcs.
-constexpr double kArcPart = 1.0 / 64.0;
-
-struct Options {
+struct FlattenOptions {
     Source source;
     std::string error;
     WriteOptions write;
@@ -56,7 +53,7 @@ void CheckPoints(Drawing const& drawing, double error) {
     }
 }
 
-void Run(Options const& options) {
+void RunFlatten(FlattenOptions const& options) {
     double const error = NumberOf("--error", options.error);
     if (!(error > 0.0)) {
         throw Error("--error", "'" + options.error + "'", "must be above 0");
@@ -102,7 +99,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddFlatten(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<FlattenOptions>();
     Command const command =
         app.AddCommand("flatten", "Writes the outlines with every curve as straight lines");
     AddSource(command, options->source);
@@ -116,7 +113,7 @@ void AddFlatten(Command const& app) {
         "An SVG drawing is kept: elements with curves get straight lines, everything else "
         "stays as it is.\n"
         "Example: trammel flatten drawing.svg --error 0.1 -o flat.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunFlatten(*options); });
 }
 
 } // namespace tool

@@ -29,7 +29,7 @@ namespace {
 /// The pixels of a PNG's longer side: two for each unit of the page.
 constexpr int kPixels = 1600;
 
-struct Options {
+struct GalleryOptions {
     std::string folder;
     // Debian's packages fonts-ebgaramond, fonts-dejavu-core and breeze-icon-theme have these files.
     std::string font = "/usr/share/fonts/opentype/ebgaramond/EBGaramond12-Regular.otf";
@@ -108,7 +108,7 @@ Drawing LoadDrawing(std::string const& file) {
 }
 
 /// Returns the map. A missing map is an error only if the user asked for it.
-std::optional<Drawing> LoadMap(Options const& options) {
+std::optional<Drawing> LoadMap(GalleryOptions const& options) {
     std::error_code ignored;
     if (!options.mapChosen && !std::filesystem::exists(options.map, ignored)) {
         return std::nullopt;
@@ -120,7 +120,7 @@ std::string InFolder(std::string const& folder, std::string const& name) {
     return (std::filesystem::path(folder) / name).string();
 }
 
-void Run(Options const& options) {
+void RunGallery(GalleryOptions const& options) {
     Font const type(options.font);
     Font const labels(options.labelFont);
     Drawing const drawing = LoadDrawing(options.drawing);
@@ -160,7 +160,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddGallery(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<GalleryOptions>();
     Command const command = app.AddCommand(
         "gallery", "Draws a page of pictures that show what the library does, with figures");
     command
@@ -184,7 +184,7 @@ void AddGallery(Command const& app) {
     command.SetFooter("Prints where the page is.\nExample: trammel gallery -o pictures");
     command.SetAction([options, map] {
         options->mapChosen = map.IsGiven();
-        Run(*options);
+        RunGallery(*options);
     });
 }
 

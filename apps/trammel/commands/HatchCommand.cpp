@@ -19,7 +19,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct HatchOptions {
     Source source;
     std::string angle;
     std::string spacing;
@@ -37,7 +37,7 @@ std::string PaintOf(Outline const& outline, bool aboveFill) {
 
 /// Returns the document with lines beside each outline. Without --outlines the outlines are no
 /// longer filled.
-std::string Hatched(Options const& options, Drawing const& drawing,
+std::string Hatched(HatchOptions const& options, Drawing const& drawing,
                     std::vector<Outline> const& lines, double width) {
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     for (Outline const& outline : lines) {
@@ -59,7 +59,7 @@ std::string Hatched(Options const& options, Drawing const& drawing,
     return edit.Text();
 }
 
-void Run(Options const& options) {
+void RunHatch(HatchOptions const& options) {
     double const angle = NumberOf("--angle", options.angle);
     double const spacing = NumberOf("--spacing", options.spacing);
     if (!(spacing > 0.0)) {
@@ -106,7 +106,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddHatch(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<HatchOptions>();
     Command const command = app.AddCommand("hatch", "Writes parallel lines that fill the outlines");
     AddSource(command, options->source);
     command.AddOption("--angle", options->angle, "Degrees, clockwise from the horizontal")
@@ -123,7 +123,7 @@ void AddHatch(Command const& app) {
         "its fill.\n"
         "Inside is decided by the even-odd rule, every subpath taken as closed.\n"
         "Example: trammel hatch drawing.svg --angle 45 --spacing 1 -o hatched.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunHatch(*options); });
 }
 
 } // namespace tool

@@ -13,7 +13,7 @@ namespace tool {
 
 namespace {
 
-void Run(Command const& app, std::string const& name) {
+void RunHelp(Command const& app, std::string const& name) {
     std::string const help = name.empty() ? app.Help() : app.HelpOf(name);
     if (help.empty()) {
         throw Error("help", "",
@@ -29,7 +29,7 @@ void AddHelp(Command const& app) {
     Command const command = app.AddCommand("help", "Prints the help of a command");
     command.AddOption("COMMAND", *name, "The command (default: the list of all)").TypeName("");
     command.SetFooter("Example: trammel help measure");
-    command.SetAction([app, name] { Run(app, *name); });
+    command.SetAction([app, name] { RunHelp(app, *name); });
 }
 
 } // namespace tool

@@ -18,7 +18,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct HitOptions {
     Sources sources;
     FigureOptions figures;
     std::vector<std::string> at;
@@ -68,7 +68,7 @@ Json JsonOf(Outline const& outline, Hit const& hit, FigureOptions const& options
     return json;
 }
 
-FileResult HitsIn(Options const& options, std::vector<TPoint<double>> const& points,
+FileResult HitsIn(HitOptions const& options, std::vector<TPoint<double>> const& points,
                   double tolerance, Drawing& drawing) {
     CheckNotEmpty(drawing);
     SetRule(drawing, options.rule);
@@ -109,7 +109,7 @@ FileResult HitsIn(Options const& options, std::vector<TPoint<double>> const& poi
     return result;
 }
 
-void Run(Options const& options) {
+void RunHit(HitOptions const& options) {
     std::vector<TPoint<double>> points;
     for (std::string const& text : options.at) {
         points.push_back(PointOf("--at", text));
@@ -131,7 +131,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddHit(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<HitOptions>();
     Command const command =
         app.AddCommand("hit", "Which outlines a point lies in, or on within a tolerance");
     AddSources(command, options->sources);
@@ -152,7 +152,7 @@ void AddHit(Command const& app) {
                     "a point that rounding cannot tell from\nthe outline may be on "
                     "either side.\n") +
         kAccuracyHelp + "\nExample: trammel hit drawing.svg --at 12,7.5 --tolerance 0.5");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunHit(*options); });
 }
 
 } // namespace tool

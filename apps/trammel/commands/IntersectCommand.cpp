@@ -21,7 +21,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct IntersectOptions {
     Source a;
     Source b; ///< no file: the outlines of A with each other
     FigureOptions figures;
@@ -52,12 +52,13 @@ Json JsonOf(std::string const& id, trammel::IntersectionPlace const& place) {
 }
 
 /// The places found so far.
-struct Report {
+struct IntersectReport {
     std::string text;
     Json places = Json::array();
 };
 
-void Add(Report& report, Options const& options, Outline const& a, Outline const& b) {
+void Add(IntersectReport& report, IntersectOptions const& options, Outline const& a,
+         Outline const& b) {
     bool const self = &a == &b;
     double const asked = options.figures.Accuracy();
     std::vector<trammel::Intersection> found;
@@ -114,13 +115,13 @@ private:
     std::vector<TRect<double>> mBounds;
 };
 
-void Run(Options const& options) {
+void RunIntersect(IntersectOptions const& options) {
     double const accuracy = options.figures.Accuracy(); // before a file is read
     ArcAccuracy const arcs = options.figures.Arcs();
     Drawing a = Load(options.a, arcs);
     ApplyClips(a);
     Boxed const ofA(a.outlines);
-    Report report;
+    IntersectReport report;
     Json json;
     json["a"] = a.file;
     if (!options.b.file.empty()) {
@@ -157,7 +158,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddIntersect(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<IntersectOptions>();
     Command const command = app.AddCommand(
         "intersect", "Where the outlines of two drawings, or of one, meet each other");
     command.AddOption("A", options->a.file, "SVG drawing, font or map").Required().TypeName("");
@@ -175,7 +176,7 @@ void AddIntersect(Command const& app) {
                       "parameters on them.\n" +
                       std::string(kAccuracyHelp) +
                       "\nExample: trammel intersect drawing.svg --json");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunIntersect(*options); });
 }
 
 } // namespace tool

@@ -17,7 +17,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct MeasureOptions {
     Sources sources;
     FigureOptions figures;
     bool area = false;
@@ -83,13 +83,13 @@ std::string BoundsText(TRect<double> const& r) {
 }
 
 /// Returns a length with its unit.
-std::string LengthText(Options const& options, double length, double accuracy) {
+std::string LengthText(MeasureOptions const& options, double length, double accuracy) {
     std::string const& unit = options.sources.unit;
     return "length " + Figure(length, accuracy) + (unit.empty() ? "" : " " + unit);
 }
 
 /// Returns one line for people.
-std::string LineOf(Options const& options, std::string const& file, Outline const& outline,
+std::string LineOf(MeasureOptions const& options, std::string const& file, Outline const& outline,
                    Measures const& measures) {
     std::string const contents = measures.lines && measures.curves ? "lines and curves"
                                  : measures.lines                  ? "lines"
@@ -147,7 +147,7 @@ Json JsonOf(Totals const& totals) {
     return json;
 }
 
-FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& totals) {
+FileResult MeasuredFile(MeasureOptions const& options, Drawing const& drawing, Totals& totals) {
     FileResult result;
     Json outlines = Json::array();
     std::vector<Measures> all;
@@ -178,7 +178,7 @@ FileResult MeasuredFile(Options const& options, Drawing const& drawing, Totals& 
     return result;
 }
 
-void Run(Options const& options) {
+void RunMeasure(MeasureOptions const& options) {
     if (options.area && options.figures.classic) {
         throw Error("--area", "", "classic figures have no area");
     }
@@ -201,7 +201,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddMeasure(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<MeasureOptions>();
     Command const command = app.AddCommand(
         "measure", "Length, bounds and contents of each outline of drawings and fonts, and totals");
     AddSources(command, options->sources);
@@ -215,7 +215,7 @@ void AddMeasure(Command const& app) {
         "of the drawn\noutline; controlBounds in JSON contain the curves' control "
         "points too.\n" +
         std::string(kAccuracyHelp) + "\nExample: trammel measure drawing.svg font.ttf");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunMeasure(*options); });
 }
 
 } // namespace tool

@@ -19,7 +19,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct NearestOptions {
     Sources sources;
     FigureOptions figures;
     std::vector<std::string> to;
@@ -106,7 +106,7 @@ Found ClassicNearest(std::vector<CPath> const& paths, TPoint<double> const& to) 
     return best;
 }
 
-FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& points,
+FileResult NearestIn(NearestOptions const& options, std::vector<TPoint<double>> const& points,
                      Drawing const& drawing) {
     CheckNotEmpty(drawing);
     FileResult result;
@@ -158,7 +158,7 @@ FileResult NearestIn(Options const& options, std::vector<TPoint<double>> const& 
     return result;
 }
 
-void Run(Options const& options) {
+void RunNearest(NearestOptions const& options) {
     std::vector<TPoint<double>> points;
     for (std::string const& text : options.to) {
         points.push_back(PointOf("--to", text));
@@ -170,7 +170,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddNearest(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<NearestOptions>();
     Command const command =
         app.AddCommand("nearest", "The outline, and the place on it, nearest to a point");
     AddSources(command, options->sources);
@@ -180,7 +180,7 @@ void AddNearest(Command const& app) {
         .TypeName("H,V");
     command.SetFooter(std::string(kAccuracyHelp) +
                       "\nExample: trammel nearest drawing.svg --to 12,7.5");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunNearest(*options); });
 }
 
 } // namespace tool

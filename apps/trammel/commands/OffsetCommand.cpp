@@ -10,14 +10,14 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct OffsetOptions {
     ChangeOptions change;
     std::string by;
     std::string join = "round";
     std::string miterLimit = "4";
 };
 
-void Run(Options const& options) {
+void RunOffset(OffsetOptions const& options) {
     double const distance = NumberOf("--by", options.by);
     trammel::StrokeJoin const join = JoinOf(options.join);
     double const miterLimit = MiterLimitOf(options.miterLimit);
@@ -34,7 +34,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddOffset(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<OffsetOptions>();
     Command const command = app.AddCommand("offset", "Writes the outlines grown or shrunk");
     AddChangeOptions(command, options->change, kFineShare);
     command.AddOption("--by", options->by, "How far to grow; a negative number shrinks")
@@ -56,7 +56,7 @@ void AddOffset(Command const& app) {
         "An SVG drawing is kept: the elements with a fill get the new form, and those that --id "
         "names.\n"
         "Example: trammel offset drawing.svg --by -0.5 -o smaller.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunOffset(*options); });
 }
 
 } // namespace tool

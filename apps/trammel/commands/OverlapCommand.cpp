@@ -9,7 +9,7 @@ namespace tool {
 
 namespace {
 
-void Run(ChangeOptions const& options) {
+void RunOverlap(ChangeOptions const& options) {
     Change change;
     change.progress = "removing overlaps";
     change.area = true;
@@ -30,7 +30,7 @@ void AddOverlap(Command const& app) {
         "An SVG drawing is kept: the elements with a fill get the new form, and those that --id "
         "names.\n"
         "Example: trammel overlap drawing.svg -o clean.svg",
-        Run);
+        RunOverlap);
 }
 
 } // namespace tool

@@ -19,7 +19,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct PointOptions {
     Sources sources;
     FigureOptions figures;
     std::vector<std::string> at;
@@ -55,16 +55,16 @@ double DirectionAccuracy(Outline const& outline) {
 }
 
 /// A place on an outline.
-struct Found {
+struct PlaceFound {
     TPoint<double> point;
     TPoint<double> direction;
     double curvature;
 };
 
 /// Returns the places at the fractions of an outline's length, and stores the length.
-std::vector<Found> PlacesOf(CPath const& path, std::vector<double> const& fractions, bool classic,
-                            double& length) {
-    std::vector<Found> places;
+std::vector<PlaceFound> PlacesOf(CPath const& path, std::vector<double> const& fractions,
+                                 bool classic, double& length) {
+    std::vector<PlaceFound> places;
     if (classic) {
         CPath const measured = WithoutDots(path);
         trammel::PathMeasure const measure(measured);
@@ -84,7 +84,7 @@ std::vector<Found> PlacesOf(CPath const& path, std::vector<double> const& fracti
     return places;
 }
 
-FileResult PointsIn(Options const& options, std::vector<double> const& fractions,
+FileResult PointsIn(PointOptions const& options, std::vector<double> const& fractions,
                     Drawing const& drawing) {
     CheckNotEmpty(drawing);
     FileResult result;
@@ -94,7 +94,7 @@ FileResult PointsIn(Options const& options, std::vector<double> const& fractions
         LengthToDivide(drawing, outline);
         Figures const figures(outline, options.figures);
         double length = 0.0;
-        std::vector<Found> const places =
+        std::vector<PlaceFound> const places =
             PlacesOf(outline.path, fractions, options.figures.classic, length);
         Json points = Json::array();
         for (std::size_t i = 0; i < places.size(); ++i) {
@@ -130,7 +130,7 @@ FileResult PointsIn(Options const& options, std::vector<double> const& fractions
     return result;
 }
 
-void Run(Options const& options) {
+void RunPoint(PointOptions const& options) {
     std::vector<double> const fractions = Fractions(options.at);
     ForEachFile(options.sources, options.figures, ArcAccuracy::By::kFigures,
                 [&](Drawing const& drawing) { return PointsIn(options, fractions, drawing); });
@@ -139,7 +139,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddPoint(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<PointOptions>();
     Command const command =
         app.AddCommand("point", "Position and direction at fractions of each outline's length");
     AddSources(command, options->sources);
@@ -154,7 +154,7 @@ void AddPoint(Command const& app) {
         "and as an angle from\nthe right, downward positive; at a corner that of the "
         "segment which ends there.\n" +
         std::string(kAccuracyHelp) + "\nExample: trammel point drawing.svg --at 0.3");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunPoint(*options); });
 }
 
 } // namespace tool

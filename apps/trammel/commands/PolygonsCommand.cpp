@@ -25,9 +25,9 @@ namespace tool {
 namespace {
 
 /// The flattening error without --error, as a share of the outline's size.
-constexpr double kErrorShare = 1e-4;
+constexpr double kFlattenShare = 1e-4;
 
-struct Options {
+struct PolygonsOptions {
     Source source;
     bool describe = false;
     std::string angle;
@@ -58,7 +58,7 @@ private:
 };
 
 /// The text, the JSON and the picture of all outlines so far.
-struct Report {
+struct PolygonsReport {
     std::string text;
     Json outlines = Json::array();
     std::vector<Outline> before; ///< drawn grey
@@ -66,10 +66,10 @@ struct Report {
 };
 
 /// Returns the polygons of an outline, one for each subpath.
-std::vector<TPolygon<double>> PolygonsOf(Options const& options, Outline const& outline) {
+std::vector<TPolygon<double>> PolygonsOf(PolygonsOptions const& options, Outline const& outline) {
     TRect<double> const bounds = DrawnBounds(outline.path);
     double const error = options.error.empty()
-                             ? std::max(bounds.Width(), bounds.Height()) * kErrorShare
+                             ? std::max(bounds.Width(), bounds.Height()) * kFlattenShare
                              : NumberOf("--error", options.error);
     return Flatten(outline.path, error);
 }
@@ -80,7 +80,7 @@ std::string NameOf(Outline const& outline, std::size_t i, std::size_t count) {
     return OneLine(outline.id) + (count > 1 ? " polygon " + std::to_string(i + 1) : "");
 }
 
-void Describe(Options const& options, Outline const& outline, Report& report) {
+void Describe(PolygonsOptions const& options, Outline const& outline, PolygonsReport& report) {
     std::vector<TPolygon<double>> const polygons = PolygonsOf(options, outline);
     Json list = Json::array();
     for (std::size_t i = 0; i < polygons.size(); ++i) {
@@ -110,7 +110,7 @@ void Describe(Options const& options, Outline const& outline, Report& report) {
     report.after.push_back({outline.id, PathOf(polygons)});
 }
 
-void RotateBounds(Options const& options, Outline const& outline, Report& report) {
+void RotateBounds(PolygonsOptions const& options, Outline const& outline, PolygonsReport& report) {
     double const degrees = NumberOf("--rotate-bounds", options.angle);
     TRect<double> const bounds = DrawnBounds(outline.path);
     OwnedPolygon const turned(RotRectToPoly(bounds, DegToRad(degrees)));
@@ -148,8 +148,8 @@ void RotateBounds(Options const& options, Outline const& outline, Report& report
     report.after.push_back({outline.id, PolylinePath(corners, true)});
 }
 
-void ToQuickDraw(Options const& options, Drawing const& drawing, Outline const& outline,
-                 Report& report) {
+void ToQuickDraw(PolygonsOptions const& options, Drawing const& drawing, Outline const& outline,
+                 PolygonsReport& report) {
     std::vector<TPolygon<double>> const polygons = PolygonsOf(options, outline);
     Json list = Json::array();
     CPath rounded;
@@ -196,7 +196,7 @@ void ToQuickDraw(Options const& options, Drawing const& drawing, Outline const& 
 }
 
 /// Returns the picture: the outlines before in grey, and the outlines after in black.
-Picture PictureOf(Drawing const& drawing, Report const& report) {
+Picture PictureOf(Drawing const& drawing, PolygonsReport const& report) {
     std::vector<Outline> everything = report.before;
     everything.insert(everything.end(), report.after.begin(), report.after.end());
     Picture picture;
@@ -213,7 +213,7 @@ Picture PictureOf(Drawing const& drawing, Report const& report) {
     return picture;
 }
 
-void Run(Options const& options) {
+void RunPolygons(PolygonsOptions const& options) {
     bool const rotate = !options.angle.empty();
     int const modes = (options.describe ? 1 : 0) + (rotate ? 1 : 0) + (options.toQuickDraw ? 1 : 0);
     if (modes != 1) {
@@ -230,7 +230,7 @@ void Run(Options const& options) {
     }
     Drawing drawing = Load(options.source, ArcAccuracy{ArcAccuracy::By::kDigits, 0.0, ""});
     ApplyClips(drawing);
-    Report report;
+    PolygonsReport report;
     {
         Progress progress("reading outlines", drawing.outlines.size());
         for (Outline const& outline : drawing.outlines) {
@@ -261,7 +261,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddPolygons(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<PolygonsOptions>();
     Command const command = app.AddCommand(
         "polygons", "The outlines as handle polygons: their points, turned bounds, and rounded");
     AddSource(command, options->source);
@@ -282,7 +282,7 @@ void AddPolygons(Command const& app) {
     command.SetFooter("Each subpath is one polygon; a negative angle is given as "
                       "--rotate-bounds=-30.\n"
                       "Example: trammel polygons drawing.svg --rotate-bounds 30 -o turned.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunPolygons(*options); });
 }
 
 } // namespace tool

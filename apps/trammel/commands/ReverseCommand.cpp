@@ -18,7 +18,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct ReverseOptions {
     Source source;
     WriteOptions write;
 };
@@ -36,7 +36,7 @@ std::set<std::size_t> TextLines(SvgDocument const& document) {
     return lines;
 }
 
-void Run(Options const& options) {
+void RunReverse(ReverseOptions const& options) {
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, ArcsOf(options.write));
     std::string const& output = options.write.output;
@@ -66,7 +66,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddReverse(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<ReverseOptions>();
     Command const command = app.AddCommand("reverse", "Writes the outlines drawn the other way");
     AddSource(command, options->source);
     AddWriteOptions(command, options->write);
@@ -76,7 +76,7 @@ void AddReverse(Command const& app) {
                       "both ends of a line change places, so that it\nlooks as before; a warning "
                       "tells where that cannot be.\n"
                       "Example: trammel reverse drawing.svg --id hole -o reversed.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunReverse(*options); });
 }
 
 } // namespace tool

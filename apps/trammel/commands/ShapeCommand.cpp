@@ -19,7 +19,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct ShapeOptions {
     std::string kind;
     std::string numbers;
     std::string tolerance = "0.001";
@@ -84,7 +84,7 @@ constexpr std::array<Kind, 5> kKinds{{
 }};
 
 /// Returns the shape as a new path at the end of the drawing, in the drawing's coordinates.
-std::string Added(Options const& options, Outline const& shape) {
+std::string Added(ShapeOptions const& options, Outline const& shape) {
     Drawing const drawing = ReadDrawing(options.into);
     if (!drawing.document) {
         throw Error(options.into, "", "is no SVG drawing");
@@ -107,7 +107,7 @@ std::string Added(Options const& options, Outline const& shape) {
     return SvgBytes(edit.Text(), options.write.output);
 }
 
-void Write(Options const& options, Outline const& shape) {
+void Write(ShapeOptions const& options, Outline const& shape) {
     std::string const& output = options.write.output;
     if (!options.into.empty()) {
         WriteFile(output, Added(options, shape));
@@ -118,7 +118,7 @@ void Write(Options const& options, Outline const& shape) {
     WriteFile(output, NewFile(std::move(picture), output, options.write));
 }
 
-void Run(Options const& options) {
+void RunShape(ShapeOptions const& options) {
     CheckWriteOptions(options.write);
     double const tolerance = NumberOf("--tolerance", options.tolerance);
     if (!(tolerance > 0.0)) {
@@ -139,7 +139,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddShape(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<ShapeOptions>();
     Command const command =
         app.AddCommand("shape", "Writes a circle, ellipse, rectangle, polygon or star");
     command.AddOption("KIND", options->kind, "circle, ellipse, rect, polygon or star")
@@ -165,7 +165,7 @@ void AddShape(Command const& app) {
     command.SetFooter(footer +
                       "DEG turns the shape; a polygon's first vertex is on top (-90 degrees).\n"
                       "Example: trammel shape circle 50,50,20 --tolerance 1e-6 -o circle.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunShape(*options); });
 }
 
 } // namespace tool

@@ -15,9 +15,9 @@ namespace tool {
 namespace {
 
 /// A tenth of a pixel of the PNG that this command writes.
-constexpr ToleranceShare kShare{1e-4, "a 10000th"};
+constexpr ToleranceShare kSimplifyShare{1e-4, "a 10000th"};
 
-struct Options {
+struct SimplifyOptions {
     ChangeOptions change;
     bool noNewCrossings = false;
 };
@@ -33,10 +33,10 @@ double SimplifyTogether(std::vector<Outline const*> const& outlines, double tole
     return trammel::SimplifyOutlines(paths, tolerance, trammel::NewCrossings::kAvoid, out);
 }
 
-void Run(Options const& options) {
+void RunSimplify(SimplifyOptions const& options) {
     Change change;
     change.progress = "simplifying outlines";
-    change.share = kShare;
+    change.share = kSimplifyShare;
     change.form = [](Outline const& outline, double tolerance, CPath& out) {
         return trammel::Simplify(outline.path, tolerance, out);
     };
@@ -52,10 +52,10 @@ void Run(Options const& options) {
 } // namespace
 
 void AddSimplify(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<SimplifyOptions>();
     Command const command =
         app.AddCommand("simplify", "Writes the outlines with fewer curves and lines");
-    AddChangeOptions(command, options->change, kShare);
+    AddChangeOptions(command, options->change, kSimplifyShare);
     command.AddFlag("--no-new-crossings", options->noNewCrossings,
                     "Let nothing cross, touch or change sides that does not yet, among the chosen "
                     "outlines; they keep their common borders");
@@ -68,7 +68,7 @@ void AddSimplify(Command const& app) {
         "takes part.\n"
         "An SVG drawing is kept: only the forms of the elements change.\n"
         "Example: trammel simplify drawing.svg --tolerance 0.1 -o simple.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunSimplify(*options); });
 }
 
 } // namespace tool

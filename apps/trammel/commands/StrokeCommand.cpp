@@ -18,7 +18,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct StrokeOptions {
     ChangeOptions change;
     std::string pen;
     std::string join;
@@ -29,7 +29,7 @@ struct Options {
 };
 
 /// Returns the style with what the options say of it.
-trammel::StrokeStyle StyleOf(Options const& options, trammel::StrokeStyle style) {
+trammel::StrokeStyle StyleOf(StrokeOptions const& options, trammel::StrokeStyle style) {
     if (!options.pen.empty()) {
         style.width = NumberOf("--pen", options.pen);
         if (!(style.width > 0.0)) {
@@ -67,7 +67,8 @@ bool HasStroke(Outline const& outline) {
 }
 
 /// Sets `out` to the area of the outline's own line, and returns the distance that is kept.
-double OwnStroke(Options const& options, Outline const& outline, double tolerance, CPath& out) {
+double OwnStroke(StrokeOptions const& options, Outline const& outline, double tolerance,
+                 CPath& out) {
     Pen const& pen = *outline.pen;
     CMatrix3x3 const toDrawing =
         pen.pixel > 0.0 ? CMatrix3x3().Scale(pen.pixel, pen.pixel) : outline.source.toDrawing;
@@ -140,7 +141,7 @@ bool HaveSameLine(Outline const& one, Outline const& other) {
            one.pen->opacity == other.pen->opacity;
 }
 
-void Run(Options const& options) {
+void RunStroke(StrokeOptions const& options) {
     trammel::StrokeStyle const style = StyleOf(options, trammel::StrokeStyle());
     Change change;
     change.progress = "stroking outlines";
@@ -169,7 +170,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddStroke(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<StrokeOptions>();
     Command const command =
         app.AddCommand("stroke", "Writes what a pen paints along the outlines, as areas");
     AddChangeOptions(command, options->change, kFineShare);
@@ -211,7 +212,7 @@ void AddStroke(Command const& app) {
         "stroke. Without\n--pen, the fill stays below as a copy of the element with the id "
         "ID-fill.\n"
         "Example: trammel stroke drawing.svg -o areas.svg");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunStroke(*options); });
 }
 
 } // namespace tool

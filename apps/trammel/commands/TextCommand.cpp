@@ -17,7 +17,7 @@ namespace tool {
 
 namespace {
 
-struct Options {
+struct TextOptions {
     std::string font;
     std::string words;
     Source along;
@@ -30,7 +30,7 @@ struct Options {
 };
 
 /// The flattening error of --raw-quadratics without --error, as a share of the type's size.
-constexpr double kErrorShare = 1e-3;
+constexpr double kRawErrorShare = 1e-3;
 
 /// Returns the size at which the words fill the given length, less a thousandth for rounding.
 double FittingSize(Font const& font, std::string const& words, double length) {
@@ -42,7 +42,7 @@ double FittingSize(Font const& font, std::string const& words, double length) {
 }
 
 /// Returns the document with the glyphs after the outline that carries them.
-std::string Lettered(Options const& options, Drawing const& drawing,
+std::string Lettered(TextOptions const& options, Drawing const& drawing,
                      std::vector<Outline> const& glyphs) {
     Outline const& along = drawing.outlines.front();
     CMatrix3x3 const back = Undone(along.source.beside, drawing, along);
@@ -56,7 +56,7 @@ std::string Lettered(Options const& options, Drawing const& drawing,
     return edit.Text();
 }
 
-void Run(Options const& options) {
+void RunText(TextOptions const& options) {
     double const start = NumberOf("--start", options.start);
     if (!(start >= 0.0)) {
         throw Error("--start", "'" + options.start + "'", "must not be negative");
@@ -92,7 +92,7 @@ void Run(Options const& options) {
     }
     if (options.rawQuadratics) {
         double const unit = size / font.UnitsPerEm(); // the size of a font unit in the drawing
-        error = error > 0.0 ? error : size * kErrorShare;
+        error = error > 0.0 ? error : size * kRawErrorShare;
         font.FlattenQuadratics(error / unit);
     }
     std::vector<Outline> glyphs;
@@ -132,7 +132,7 @@ void Run(Options const& options) {
 } // namespace
 
 void AddText(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<TextOptions>();
     Command const command =
         app.AddCommand("text", "Sets words along an outline and writes their outlines");
     command.AddOption("FONT", options->font, "The font file").Required().TypeName("");
@@ -162,7 +162,7 @@ void AddText(Command const& app) {
         "An SVG drawing is kept: the words stand after the outline that carries them.\n"
         "CFF fonts have cubic curves only: --raw-quadratics leaves them as they are.\n"
         "Example: trammel text font.ttf \"once around\" --along circle.svg -o ring.png");
-    command.SetAction([options] { Run(*options); });
+    command.SetAction([options] { RunText(*options); });
 }
 
 } // namespace tool

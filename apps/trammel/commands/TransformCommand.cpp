@@ -30,7 +30,7 @@ struct Step {
     std::vector<double> numbers;
 };
 
-struct Options {
+struct TransformOptions {
     Source source;
     std::vector<std::string> rotate;
     std::vector<std::string> scale;
@@ -112,7 +112,7 @@ void MoveElements(SvgEdit& edit, Drawing const& drawing, bool whole, CMatrix3x3 
     }
 }
 
-void Run(Command const& command, Options const& options) {
+void RunTransform(Command const& command, TransformOptions const& options) {
     std::vector<Step> const steps = StepsOf(command);
     CheckWriteOptions(options.write);
     Drawing drawing = Load(options.source, options.coordinates ? ArcsOf(options.write) : kDigits);
@@ -158,7 +158,7 @@ void Run(Command const& command, Options const& options) {
 } // namespace
 
 void AddTransform(Command const& app) {
-    auto const options = std::make_shared<Options>();
+    auto const options = std::make_shared<TransformOptions>();
     Command const command = app.AddCommand(
         "transform", "Turns, scales and moves the outlines, in the order of the options");
     AddSource(command, options->source);
@@ -186,7 +186,7 @@ void AddTransform(Command const& app) {
         "The page stays as it is.\n"
         "Example: trammel transform drawing.svg --rotate 90 --map 0,0,100,100 -o "
         "turned.svg\nA value that begins with -. is given as --scale=-.5");
-    command.SetAction([command, options] { Run(command, *options); });
+    command.SetAction([command, options] { RunTransform(command, *options); });
 }
 
 } // namespace tool

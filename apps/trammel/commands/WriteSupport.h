@@ -17,6 +17,11 @@
 
 namespace tool {
 
+/// The part of a tolerance that the curves take which stand for circles and arcs.
+inline constexpr double kArcPart = 1.0 / 64.0;
+/// The part of a tolerance that is left to rounding.
+inline constexpr double kRoundingPart = 1.0 / 64.0;
+
 /// The options of the commands that write drawings, as text.
 struct WriteOptions {
     std::string output;
