@@ -21,6 +21,16 @@ typedef TPoint<double> Pt;
 
 /// Raw contours and the union of their overlaps may each take a part of the tolerance.
 constexpr double kContourShare = 0.5;
+/// Tolerances above this share of the pen's radius count as that. Both sides of a thin line would
+/// become one otherwise, and lie the wrong way round.
+constexpr double kCoarsest = 0.25;
+
+/// Returns the tolerance to work with, which is 0 or more.
+double UsableTolerance(double tolerance, double radius) {
+    double const most = kCoarsest * radius;
+    double const asked = tolerance > 0.0 ? tolerance : 0.0;
+    return most > 0.0 ? std::min(asked, most) : asked;
+}
 
 /// Returns a rectangle around a path, and around another one, with room between.
 CPath FrameAround(CPath const& a, CPath const& b) {
@@ -60,14 +70,23 @@ double Unite(CPath& contours, double tolerance, CPath& out) {
     return RemoveOverlap(contours, FillRule::kNonZero, tolerance, out);
 }
 
+/// True when no point of a region is as far as `distance` from those outside.
+bool IsThinner(CPath const& region, double distance) {
+    TRect<double> const box = region.Bounds();
+    double const h = 0.5 * box.right - 0.5 * box.left;
+    double const v = 0.5 * box.bottom - 0.5 * box.top;
+    return std::min(h, v) < distance;
+}
+
 } // namespace
 
 double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPath& out) {
     CPath contours;
     double const asked = tolerance > 0.0 ? tolerance : 0.0;
-    double const share = kContourShare * asked;
+    double const used = UsableTolerance(tolerance, 0.5 * style.width);
+    double const share = kContourShare * used;
     double const kept = trammel_detail::AppendStroke(path, style, share, contours);
-    double const keptInUnion = Unite(contours, asked - share, out);
+    double const keptInUnion = Unite(contours, used - share, out);
     return std::max(asked, kept + keptInUnion);
 }
 
@@ -78,7 +97,8 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out.clear();
         return asked;
     }
-    double const share = asked - kContourShare * asked;
+    double const used = UsableTolerance(tolerance, std::abs(distance));
+    double const share = used - kContourShare * used;
     // A detail that is lost here would be missing with all that is near it: none is lost that can
     // be kept.
     CPath plain;
@@ -87,9 +107,13 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out = std::move(plain);
         return std::max(asked, kept);
     }
+    if (join == StrokeJoin::kRound && IsThinner(plain, -distance - kept)) {
+        out.clear();
+        return std::max(asked, kept);
+    }
     CPath grown;
     kept += trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
-                                        kContourShare * asked, grown);
+                                        kContourShare * used, grown);
     if (distance > 0.0) {
         kept += Unite(grown, share, out);
         return std::max(asked, kept);

@@ -47,8 +47,12 @@ namespace trammel {
 /// each other, and have winding numbers of 1 inside and 0 outside. A width that is 0, negative, NaN
 /// or infinite gives no contours.
 ///
-/// Cost: O(m log m + k) for m elements before overlaps are united and k crossings.
-/// \param tolerance in coordinate units. 0, less, and NaN ask for the least distance.
+/// Cost: O(m log m + k) for m elements before overlaps are united and k crossings. Dashes shorter
+/// than the pen and pens wider than the drawing may have as many crossings as pairs of elements: a
+/// hundred elements then take up to some seconds. With tolerances as coarse as the drawing, the pen
+/// far wider than it, they have taken a minute.
+/// \param tolerance in coordinate units. 0, less, and NaN ask for the least distance. The work is
+///     done to an eighth of the width, if that is less, so that no line folds over.
 TRAMMEL_API double Stroke(CPath const& path, StrokeStyle const& style, double tolerance,
                           CPath& out);
 
@@ -61,10 +65,12 @@ TRAMMEL_API double Stroke(CPath const& path, StrokeStyle const& style, double to
 /// be round.
 ///
 /// The result replaces `out`, and is as that of Stroke(). A NaN or infinite distance gives no
-/// contours, and 0 the region itself without overlaps.
+/// contours. 0 gives the region itself as RemoveOverlap() does, whose contours run as their sources
+/// do.
 /// Cost: as that of Stroke() for the border of the region, after RemoveOverlap().
 /// \param rule tells what points the outline contains. \param miterLimit as in StrokeStyle.
-/// \param distance, tolerance in coordinate units; the tolerance is as that of Stroke().
+/// \param distance, tolerance in coordinate units; the tolerance is as that of Stroke(), with twice
+///     the distance for the width.
 TRAMMEL_API double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin join,
                           double miterLimit, double tolerance, CPath& out);
 

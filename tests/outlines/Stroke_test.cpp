@@ -836,6 +836,22 @@ TEST(Offset, LeavesNothingOfARegionThatIsThinnerThanTwiceTheDistance) {
     }
 }
 
+TEST(Offset, RunsOnceAroundItsRegionAtTolerancesFarBeyondTheDistance) {
+    for (char const* const text : {"M-4 7.5C-7.5 6 8-2-5 3 1.5-2 7.5-10 4.5 8.5-9.5 8.5 7 9-0 2.5Z",
+                                   "M9.5 1c-12.5 6-12 9-1 0ZM-1 4S6.5-9-5-9C6.5-5.5-8-3 1-5Z"}) {
+        for (double const tolerance : {0.1, 1000.0, 1e300, kInfinity}) {
+            CPath out;
+            double const kept = Offset(Path(text), FillRule::kNonZero, 0.025, StrokeJoin::kRound,
+                                       4.0, tolerance, out);
+            EXPECT_EQ(kept, tolerance);
+            for (int i = 0; i < 400; ++i) {
+                int const winding = WindingNumber(out, Pt(i % 20 - 9.9, i / 20 - 9.9));
+                EXPECT_TRUE(winding == 0 || winding == 1) << text << ' ' << tolerance;
+            }
+        }
+    }
+}
+
 TEST(Offset, OfARegionThatIsTinyBesideTheDistanceIsADisc) {
     CPath const region = Path("M0 0C1 3 2 -3 1 0Z");
     for (double const distance : {1e20, 1e160, 1e273}) {
