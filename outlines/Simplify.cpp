@@ -395,6 +395,7 @@ private:
     /// Marks the pieces that may meet others, one of the two being new.
     void MarkMeeting(std::vector<HulledPiece> const& pieces, PieceMarks& marks) const {
         std::vector<Box> boxes;
+        boxes.reserve(pieces.size());
         for (HulledPiece const& at : pieces) {
             boxes.push_back(at.hull.Widened(mMargin, mMargin));
         }
