@@ -25,10 +25,9 @@ constexpr double kContourShare = 0.5;
 /// become one otherwise, and lie the wrong way round.
 constexpr double kCoarsest = 0.25;
 
-/// Returns the tolerance to work with, which is 0 or more.
-double UsableTolerance(double tolerance, double radius) {
+/// Returns the tolerance to work with, for one that is 0 or more.
+double UsableTolerance(double asked, double radius) {
     double const most = kCoarsest * radius;
-    double const asked = tolerance > 0.0 ? tolerance : 0.0;
     return most > 0.0 ? std::min(asked, most) : asked;
 }
 
@@ -83,7 +82,7 @@ bool IsThinner(CPath const& region, double distance) {
 double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPath& out) {
     CPath contours;
     double const asked = tolerance > 0.0 ? tolerance : 0.0;
-    double const used = UsableTolerance(tolerance, 0.5 * style.width);
+    double const used = UsableTolerance(asked, 0.5 * style.width);
     double const share = kContourShare * used;
     double const kept = trammel_detail::AppendStroke(path, style, share, contours);
     double const keptInUnion = Unite(contours, used - share, out);
@@ -97,7 +96,7 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out.clear();
         return asked;
     }
-    double const used = UsableTolerance(tolerance, std::abs(distance));
+    double const used = UsableTolerance(asked, std::abs(distance));
     double const share = used - kContourShare * used;
     // A detail that is lost here would be missing with all that is near it: none is lost that can
     // be kept.
