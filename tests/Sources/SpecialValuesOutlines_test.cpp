@@ -2,6 +2,7 @@
 
 // Special values in operations on outlines, in shapes and in text.
 
+#include "Finite.h"
 #include "SpecialValues.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,7 @@
 using trammel::FillRule;
 using trammel::NewCrossings;
 using trammel::Ring;
+using trammel_test::IsFinite;
 using trammel_test::special::Case;
 using trammel_test::special::Draw;
 using trammel_test::special::Pt;
@@ -22,18 +24,9 @@ using trammel_test::special::Use;
 
 namespace {
 
-bool IsFiniteOutline(CPath const& path) {
-    for (Pt const& p : path.mPts) {
-        if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// What holds for each result whose distance is at least the tolerance asked for.
 void ExpectResult(CPath const& out, double kept, double tolerance) {
-    EXPECT_TRUE(IsFiniteOutline(out));
+    EXPECT_TRUE(IsFinite(out));
     EXPECT_GE(kept, 0.0);
     EXPECT_FALSE(kept < tolerance);
 }
@@ -53,7 +46,7 @@ void TryRegions(Draw& d) {
     trammel::OutlineArrangement const parts({a, b}, tolerance);
     EXPECT_FALSE(parts.Distance() < tolerance);
     for (trammel::OutlineFace const& face : parts.Faces()) {
-        EXPECT_TRUE(IsFiniteOutline(face.outline));
+        EXPECT_TRUE(IsFinite(face.outline));
     }
     trammel::AreaWithin const area = trammel::RegionArea(a, FillRule::kNonZero, tolerance);
     EXPECT_FALSE(area.area < 0.0);
@@ -89,7 +82,7 @@ void TryFewer(Draw& d) {
     double const allowed = tolerance > 0.0 ? tolerance : 0.0;
     CPath out;
     EXPECT_LE(trammel::FitCurves(points, tolerance, d.Value(), out), allowed);
-    EXPECT_TRUE(IsFiniteOutline(out));
+    EXPECT_TRUE(IsFinite(out));
     CPath const path = d.Path();
     NewCrossings const crossings = d.Flag() ? NewCrossings::kAllow : NewCrossings::kAvoid;
     EXPECT_LE(trammel::Simplify(path, tolerance, out), allowed);
@@ -98,7 +91,7 @@ void TryFewer(Draw& d) {
     EXPECT_LE(trammel::SimplifyRings({points, points}, tolerance, crossings, rings), allowed);
     ASSERT_EQ(rings.size(), 2U);
     for (Pt const& p : rings[0]) {
-        EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v));
+        EXPECT_TRUE(IsFinite(p));
     }
 }
 
@@ -113,12 +106,12 @@ void TryRings(Draw& d) {
     }
     Use(static_cast<double>(trammel::Union(b, FillRule::kNonZero).size()));
     for (trammel::PolygonWithHoles const& polygon : trammel::ToPolygons(b, FillRule::kEvenOdd)) {
-        EXPECT_TRUE(IsFiniteOutline(trammel::PathOf(polygon)));
+        EXPECT_TRUE(IsFinite(trammel::PathOf(polygon)));
     }
     trammel::PolygonArrangement const parts({a, b});
     EXPECT_EQ(parts.Merged({parts.Faces().size()}).size(), 0U);
     for (trammel::ArrangementFace const& face : parts.Faces()) {
-        EXPECT_TRUE(IsFiniteOutline(trammel::PathOf(face.polygon)));
+        EXPECT_TRUE(IsFinite(trammel::PathOf(face.polygon)));
     }
 }
 
@@ -128,15 +121,15 @@ void TryShapes(Draw& d) {
     double const v = d.Value();
     double const angle = d.Value();
     double const tolerance = d.Value();
-    EXPECT_TRUE(IsFiniteOutline(trammel::CirclePath(center, h, tolerance)));
-    EXPECT_TRUE(IsFiniteOutline(trammel::EllipsePath(center, h, v, angle, tolerance)));
-    EXPECT_TRUE(IsFiniteOutline(trammel::RoundedRectPath(d.Rect(), h, v, tolerance)));
-    EXPECT_TRUE(IsFiniteOutline(trammel::RegularPolygonPath(center, h, 5, angle)));
-    EXPECT_TRUE(IsFiniteOutline(trammel::StarPath(center, h, v, 5, angle)));
+    EXPECT_TRUE(IsFinite(trammel::CirclePath(center, h, tolerance)));
+    EXPECT_TRUE(IsFinite(trammel::EllipsePath(center, h, v, angle, tolerance)));
+    EXPECT_TRUE(IsFinite(trammel::RoundedRectPath(d.Rect(), h, v, tolerance)));
+    EXPECT_TRUE(IsFinite(trammel::RegularPolygonPath(center, h, 5, angle)));
+    EXPECT_TRUE(IsFinite(trammel::StarPath(center, h, v, 5, angle)));
     CPath arc;
     trammel::AddArc(arc, trammel::EllipticalArc{center, h, v, angle, d.Value(), d.Value()},
                     tolerance);
-    EXPECT_TRUE(IsFiniteOutline(arc));
+    EXPECT_TRUE(IsFinite(arc));
     CPath path;
     path.MoveTo({1, 2});
     Pt const end = d.Point();
@@ -158,10 +151,10 @@ void TryBuilding(Draw& d) {
     EXPECT_EQ(trammel::SplitSubpaths(path).size(), path.mCtls.empty() ? 0U : 1U);
     Use(static_cast<double>(trammel::ToString(path).size()));
     CPath const written = d.Path();
-    if (IsFiniteOutline(written)) {
+    if (IsFinite(written)) {
         trammel::SvgPathResult const read = trammel::ReadSvgPath(trammel::WriteSvgPath(written));
         EXPECT_FALSE(read.error.has_value());
-        EXPECT_TRUE(IsFiniteOutline(read.path));
+        EXPECT_TRUE(IsFinite(read.path));
     } else {
         EXPECT_THROW(trammel::WriteSvgPath(written), std::invalid_argument);
     }

@@ -2,6 +2,7 @@
 
 // Special values in scalars, points, rectangles, the matrix, lines and circles.
 
+#include "Finite.h"
 #include "SpecialValues.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <sstream>
 #include <vector>
 
+using trammel_test::IsFinite;
 using trammel_test::special::Box;
 using trammel_test::special::Case;
 using trammel_test::special::Draw;
@@ -81,13 +83,11 @@ void TryHygiene(Draw& d) {
     EXPECT_EQ(ValidateFloat(f), !std::isfinite(single));
     EXPECT_TRUE(std::abs(f) <= 113596366848.0f);
     Pt p = d.Point();
-    bool const bad = !std::isfinite(p.h) || !std::isfinite(p.v);
+    bool const bad = !IsFinite(p);
     EXPECT_EQ(ValidatePoint(p), bad);
     Box r = d.Rect();
     Box const before = r;
-    bool const finite = std::isfinite(before.left) && std::isfinite(before.top) &&
-                        std::isfinite(before.right) && std::isfinite(before.bottom);
-    EXPECT_EQ(ValidateRect(r), !finite);
+    EXPECT_EQ(ValidateRect(r), !IsFinite(before));
 }
 
 void TryPointDistances(Draw& d) {
@@ -300,9 +300,9 @@ void TryURotation(Draw& d) {
     SetRotate(angle);
     SetUnRotate(-angle);
     Pt p = d.Point();
-    bool const finite = std::isfinite(p.h) && std::isfinite(p.v);
+    bool const finite = IsFinite(p);
     Transform(p);
-    EXPECT_FALSE(std::isfinite(p.h) && std::isfinite(p.v) && !(finite && std::isfinite(angle)));
+    EXPECT_FALSE(IsFinite(p) && !(finite && std::isfinite(angle)));
     UnTransform(p);
     Use(p);
     SetRotate(0.0);
@@ -343,7 +343,7 @@ void TryTLine(Draw& d) {
     line.Rotate(x).Rotate(x, p);
     line += p;
     Use(line.PerpendicularBisector().mEnd);
-    if (std::isfinite(p.h) && std::isfinite(p.v)) {
+    if (IsFinite(p)) {
         EXPECT_TRUE(HitTest(p, p, p, 1.0));
     } else if (IsNaN(p)) {
         EXPECT_FALSE(HitTest(p, p, p, 1.0));

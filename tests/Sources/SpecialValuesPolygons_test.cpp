@@ -2,6 +2,7 @@
 
 // Special values in both kinds of polygons and in the operations that combine them.
 
+#include "Finite.h"
 #include "SpecialValues.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+using trammel_test::IsFinite;
 using trammel_test::special::Box;
 using trammel_test::special::Case;
 using trammel_test::special::Draw;
@@ -224,7 +226,7 @@ void TryTgpcPolygonClip(Draw& d) {
         for (Tgcp_contour const& made : result.mContours) {
             EXPECT_GE(made.size(), 3u);
             for (Pt const& p : made.mVertices) {
-                EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v));
+                EXPECT_TRUE(IsFinite(p));
             }
         }
         EXPECT_TRUE((op >= 0 && op <= 3) || result.NumContours() == 0);

@@ -2,6 +2,7 @@
 
 // Special values in queries about curves, outlines and polygons.
 
+#include "Finite.h"
 #include "SpecialValues.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +13,7 @@
 
 using trammel::FillRule;
 using trammel::Intersection;
+using trammel_test::IsFinite;
 using trammel_test::special::Case;
 using trammel_test::special::Draw;
 using trammel_test::special::IsNaN;
@@ -20,12 +22,6 @@ using trammel_test::special::Segment;
 using trammel_test::special::Use;
 
 namespace {
-
-bool IsFinitePoint(Pt const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
-
-bool IsFiniteCurve(CBezier const& c) {
-    return IsFinitePoint(c.P0) && IsFinitePoint(c.P1) && IsFinitePoint(c.P2) && IsFinitePoint(c.P3);
-}
 
 bool IsFraction(double t) { return t >= 0.0 && t <= 1.0; }
 
@@ -38,7 +34,7 @@ void TryAccurateCurve(Draw& d) {
     Pt const p = d.Point();
     double const accuracy = d.Value();
     double const where = d.Value();
-    bool const isFinite = IsFiniteCurve(curve);
+    bool const isFinite = IsFinite(curve);
 
     EXPECT_EQ(std::isnan(trammel::ArcLength(curve, accuracy)), !isFinite);
     EXPECT_FALSE(trammel::ArcLength(curve, accuracy) < 0.0);
@@ -50,7 +46,7 @@ void TryAccurateCurve(Draw& d) {
         EXPECT_TRUE(std::isnan(t) || IsFraction(t));
     }
     trammel::CurvePoint const nearest = trammel::NearestPoint(curve, p, accuracy);
-    if (isFinite && IsFinitePoint(p)) {
+    if (isFinite && IsFinite(p)) {
         EXPECT_TRUE(IsFraction(nearest.t));
         EXPECT_GE(nearest.distance, 0.0);
     } else {
@@ -66,7 +62,7 @@ void TryFlattening(Draw& d) {
     double const tolerance = d.Value();
     Pt ends[2] = {Pt(1, 2), Pt(3, 4)};
     trammel::Flattened const flattened = trammel::FlattenInto(curve, tolerance, ends, 2);
-    EXPECT_EQ(std::isnan(flattened.distance), !IsFiniteCurve(curve));
+    EXPECT_EQ(std::isnan(flattened.distance), !IsFinite(curve));
     EXPECT_GE(flattened.count, 2U);
     EXPECT_LE(flattened.count, static_cast<std::size_t>(trammel::kMostFlatPoints));
     EXPECT_TRUE(Same(ends[0], curve.P0));
@@ -86,7 +82,7 @@ void TryRegion(Draw& d) {
     int const winding = trammel::WindingNumber(path, p);
     EXPECT_EQ(trammel::PreparedOutline(path).WindingNumber(p), winding);
     EXPECT_EQ(trammel::Contains(path, p, FillRule::kEvenOdd), winding % 2 != 0);
-    if (!IsFinitePoint(p)) {
+    if (!IsFinite(p)) {
         EXPECT_EQ(winding, 0);
     }
     Use(trammel::SignedArea(path));
@@ -113,7 +109,7 @@ void ExpectPlaces(std::vector<Intersection> const& places, double kept, double a
     for (Intersection const& place : places) {
         EXPECT_TRUE(IsFraction(place.a.t) && IsFraction(place.a.endT));
         EXPECT_TRUE(IsFraction(place.b.t) && IsFraction(place.b.endT));
-        EXPECT_TRUE(IsFinitePoint(place.point) && IsFinitePoint(place.endPoint));
+        EXPECT_TRUE(IsFinite(place.point) && IsFinite(place.endPoint));
     }
 }
 
@@ -125,7 +121,7 @@ void TryIntersections(Draw& d) {
     std::vector<Intersection> places;
     double kept = trammel::AppendIntersections(curve, other, accuracy, places);
     ExpectPlaces(places, kept, accuracy);
-    if (!IsFiniteCurve(curve)) {
+    if (!IsFinite(curve)) {
         EXPECT_TRUE(places.empty());
     }
     places.clear();
@@ -171,12 +167,12 @@ void TryOutlineMeasure(Draw& d) {
         EXPECT_TRUE(IsNaN(place.point));
         EXPECT_EQ(place.element, trammel::OutlineMeasure::kNone);
     } else {
-        EXPECT_TRUE(IsFinitePoint(place.point) || place.element == trammel::OutlineMeasure::kNone);
+        EXPECT_TRUE(IsFinite(place.point) || place.element == trammel::OutlineMeasure::kNone);
     }
     trammel::OutlineMeasure::Nearest const nearest = measure.FindNearest(p, length);
     EXPECT_GE(nearest.distance, 0.0);
     EXPECT_GE(nearest.length, 0.0);
-    if (!IsFinitePoint(p)) {
+    if (!IsFinite(p)) {
         EXPECT_EQ(nearest.element, trammel::OutlineMeasure::kNone);
     }
     CPath piece;
@@ -184,7 +180,7 @@ void TryOutlineMeasure(Draw& d) {
     EXPECT_TRUE(piece.mCtls.empty());
     measure.GetLengthRange(length, t, piece);
     for (Pt const& q : piece.mPts) {
-        EXPECT_TRUE(IsFinitePoint(q));
+        EXPECT_TRUE(IsFinite(q));
     }
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Finite.h"
 #include "SvgPath.h"
 
 #include "SvgTexts.h"
@@ -19,6 +20,7 @@ using trammel::ReadSvgPath;
 using trammel::SvgPathResult;
 using trammel_test::CurvePoint;
 using trammel_test::Elements;
+using trammel_test::IsFinite;
 using trammel_test::Read;
 
 typedef TPoint<double> Pt;
@@ -246,7 +248,7 @@ TEST(SvgArc, ShapeBeyondTheRangeOfDoubleIsAnError) {
           "M0 0A1.7e308 1.7e308 0 1 1 1 1", "M0 0a1 1 0 0 0 1e308 0 1 1 0 0 0 1e308 0"}) {
         SvgPathResult const result = ReadSvgPath(text);
         for (Pt const& p : result.path.mPts) {
-            EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v)) << text;
+            EXPECT_TRUE(IsFinite(p)) << text;
         }
         if (result.error) {
             EXPECT_EQ(result.error->expected, "coordinates in the range of double") << text;

@@ -3,6 +3,7 @@
 #include "SvgPath.h"
 
 #include "CMatrix3x3.h"
+#include "Finite.h"
 #include "SvgTexts.h"
 
 #include <gtest/gtest.h>
@@ -27,6 +28,7 @@ using trammel::ReadSvgPath;
 using trammel::SvgPathResult;
 using trammel::WriteSvgPath;
 using trammel_test::Elements;
+using trammel_test::IsFinite;
 using trammel_test::Raw;
 using trammel_test::Read;
 using trammel_test::Same;
@@ -309,7 +311,7 @@ CPath RandomPath(std::mt19937_64& random, int flavour) {
         } else if (kind == 6 && path.mCtls.back() == kPathCurve) {
             Pt const control = path.mPts[path.mPts.size() - 2];
             Pt const c1(2.0 * current.h - control.h, 2.0 * current.v - control.v);
-            if (std::isfinite(c1.h) && std::isfinite(c1.v)) {
+            if (IsFinite(c1)) {
                 path.CurveTo(c1, point(), point());
             }
         } else if (kind == 7) {

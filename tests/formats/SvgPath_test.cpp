@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "Finite.h"
 #include "SvgPath.h"
 
 #include "../platform/LocaleForTests.h"
@@ -31,6 +32,7 @@ using trammel::SvgPathResult;
 using trammel::WriteSvgPath;
 using trammel_test::AllocatedBytes;
 using trammel_test::Elements;
+using trammel_test::IsFinite;
 using trammel_test::Read;
 using trammel_test::Same;
 
@@ -50,7 +52,7 @@ void CheckAnyText(std::string_view text) {
     }
     ASSERT_EQ(points, result.path.mPts.size());
     for (Pt const& p : result.path.mPts) {
-        ASSERT_TRUE(std::isfinite(p.h) && std::isfinite(p.v));
+        ASSERT_TRUE(IsFinite(p));
     }
     if (result.error) {
         ASSERT_LE(result.error->position, text.size());

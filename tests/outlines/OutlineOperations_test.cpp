@@ -4,6 +4,7 @@
 
 #include "AnyPath.h"
 #include "CMatrix3x3.h"
+#include "Finite.h"
 #include "Intersections.h"
 #include "Moments.h"
 #include "OutlineCases.h"
@@ -28,6 +29,7 @@ using trammel::Boolean;
 using trammel::ElementSource;
 using trammel::FillRule;
 using trammel::RemoveOverlap;
+using trammel_test::IsFinite;
 using trammel_test::OutlineJudge;
 using trammel_test::PointAt;
 using trammel_test::SizeOf;
@@ -251,7 +253,7 @@ TEST(OutlineOperations, SurviveAnyPathAndKeepItsRegion) {
         Boolean(static_cast<TPolyOp>(i % 4), a, kEvenOdd, b, kNonZero, 0.0, out, &sources);
         EXPECT_EQ(out.mCtls.size(), sources.size());
         for (Pt const& p : out.mPts) {
-            EXPECT_TRUE(std::isfinite(p.h) && std::isfinite(p.v)) << i;
+            EXPECT_TRUE(IsFinite(p)) << i;
         }
     }
 }

@@ -8,6 +8,7 @@
 #define TRAMMEL_STROKEJUDGE_H
 
 #include "CPath.h"
+#include "Finite.h"
 #include "PathSegments.h"
 #include "StrokeStyle.h"
 #include "TPoint.h"
@@ -93,7 +94,7 @@ private:
         bool any = false;
         for (trammel::PathSegment const& s : subpath) {
             for (Pt const& p : {s.start, s.control1, s.control2, s.end}) {
-                if (!std::isfinite(p.h) || !std::isfinite(p.v)) {
+                if (!IsFinite(p)) {
                     return; // the subpath is absent
                 }
             }

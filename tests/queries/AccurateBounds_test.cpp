@@ -8,6 +8,7 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "CurveTruth.h"
+#include "Finite.h"
 #include "TPoint.h"
 #include "TRect.h"
 #include "TestSupport.h"
@@ -22,7 +23,7 @@ namespace {
 using trammel::TightBounds;
 using trammel_test::AnyCurve;
 using trammel_test::At;
-using trammel_test::Finite;
+using trammel_test::IsFinite;
 using trammel_test::kNaN;
 using trammel_test::Off;
 using trammel_test::Random;
@@ -152,7 +153,7 @@ TEST(TightBounds, OfKnownCurvesAreTheKnownBounds) {
 TEST(TightBounds, AreNeverBeyondTheControlPoints) {
     for (CBezier const& curve : SpecialCurves()) {
         TRect<double> const r = TightBounds(curve);
-        if (!Finite(curve)) {
+        if (!IsFinite(curve)) {
             ASSERT_TRUE(std::isnan(r.left) && std::isnan(r.top) && std::isnan(r.right) &&
                         std::isnan(r.bottom));
             continue;

@@ -9,6 +9,7 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "CurveTruth.h"
+#include "Finite.h"
 #include "PolygonSupport.h"
 #include "TPoint.h"
 #include "TPoly.h"
@@ -35,7 +36,7 @@ using trammel::TightBounds;
 using trammel_test::AnyCurve;
 using trammel_test::At;
 using trammel_test::ExpectTheSameInBothForms;
-using trammel_test::Finite;
+using trammel_test::IsFinite;
 using trammel_test::kHuge;
 using trammel_test::kInf;
 using trammel_test::kNaN;
@@ -492,9 +493,9 @@ TEST(FlattenWithin, OfSpecialCurvesEndsAndIsNaNWithoutNumbers) {
             long count = 0;
             double const kept = FlattenWithin(
                 curve, tolerance, [](Pt const&, void* n) { ++*static_cast<long*>(n); }, &count);
-            ASSERT_EQ(std::isnan(kept), !Finite(curve)) << Text(curve);
+            ASSERT_EQ(std::isnan(kept), !IsFinite(curve)) << Text(curve);
             ASSERT_GE(count, 2);
-            ASSERT_LE(count, Finite(curve) ? trammel::kMostFlatPoints : 2);
+            ASSERT_LE(count, IsFinite(curve) ? trammel::kMostFlatPoints : 2);
             if (count > 100) {
                 break; // the others take their time, too
             }
@@ -607,7 +608,7 @@ TEST(FlattenInto, OfSpecialCurvesEndsWithTheirEndPoints) {
         for (double const tolerance : {1.0, 1e290, kInf}) {
             std::vector<Pt> points(200);
             trammel::Flattened const result = FlattenInto(curve, tolerance, points.data(), 200);
-            ASSERT_EQ(std::isnan(result.distance), !Finite(curve)) << Text(curve);
+            ASSERT_EQ(std::isnan(result.distance), !IsFinite(curve)) << Text(curve);
             ASSERT_GE(result.count, 2U);
             ASSERT_LE(result.count, static_cast<std::size_t>(trammel::kMostFlatPoints));
             ASSERT_EQ(Text(points.front()), Text(curve.P0));

@@ -8,6 +8,7 @@
 #include "CBezier.h"
 #include "CPath.h"
 #include "CurveTruth.h"
+#include "Finite.h"
 #include "TPoint.h"
 #include "TestSupport.h"
 #include "UTrigonometry.h"
@@ -26,7 +27,7 @@ using trammel_test::AnyCurve;
 using trammel_test::Cusp;
 using trammel_test::CuspLength;
 using trammel_test::ExpectTheSameInBothForms;
-using trammel_test::Finite;
+using trammel_test::IsFinite;
 using trammel_test::kHuge;
 using trammel_test::kInf;
 using trammel_test::kNaN;
@@ -300,11 +301,11 @@ TEST(ArcLength, OfSpecialCurvesEndsAndIsNaNWithoutNumbers) {
     for (CBezier const& curve : SpecialCurves()) {
         for (double const accuracy : {0.0, 1e-12, 1.0, 1e300, kInf, kNaN}) {
             double const length = ArcLength(curve, accuracy);
-            ASSERT_EQ(std::isnan(length), !Finite(curve)) << Text(curve);
+            ASSERT_EQ(std::isnan(length), !IsFinite(curve)) << Text(curve);
             ASSERT_FALSE(length < 0.0);
         }
         CBSpline const quadratic(curve.P0, curve.P1, curve.P2);
-        bool const finite = Finite(curve.P0) && Finite(curve.P1) && Finite(curve.P2);
+        bool const finite = IsFinite(curve.P0) && IsFinite(curve.P1) && IsFinite(curve.P2);
         ASSERT_EQ(std::isnan(ArcLength(quadratic, 1e-9)), !finite);
     }
     EXPECT_EQ(ArcLength(CBezier(), 0.0), 0.0);
@@ -396,7 +397,7 @@ TEST(ParameterAtLength, OfSpecialCurvesEnds) {
     for (CBezier const& curve : SpecialCurves()) {
         for (double const accuracy : {0.0, 1.0, kInf, kNaN}) {
             double const t = ParameterAtFraction(curve, 0.3, accuracy);
-            ASSERT_EQ(std::isnan(t), !Finite(curve)) << Text(curve);
+            ASSERT_EQ(std::isnan(t), !IsFinite(curve)) << Text(curve);
             ASSERT_TRUE(std::isnan(t) || (t >= 0.0 && t <= 1.0));
             double const u = ParameterAtLength(curve, 1e10, accuracy);
             ASSERT_TRUE(std::isnan(u) || (u >= 0.0 && u <= 1.0));

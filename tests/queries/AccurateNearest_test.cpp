@@ -7,6 +7,7 @@
 #include "CBSpline.h"
 #include "CBezier.h"
 #include "CurveTruth.h"
+#include "Finite.h"
 #include "TPoint.h"
 #include "TestSupport.h"
 
@@ -22,7 +23,7 @@ using trammel::NearestPoint;
 using trammel_test::AnyCurve;
 using trammel_test::Cusp;
 using trammel_test::DistanceAt;
-using trammel_test::Finite;
+using trammel_test::IsFinite;
 using trammel_test::kHuge;
 using trammel_test::kInf;
 using trammel_test::kNaN;
@@ -184,7 +185,7 @@ TEST(NearestPoint, OfSpecialCurvesEndsAndIsNaNWithoutNumbers) {
         for (Pt const& p : {Pt(0, 0), Pt(1e300, -kHuge), Pt(5e-324, 1), Pt(kNaN, 0), Pt(0, kInf)}) {
             for (double const accuracy : {0.0, 1.0, kInf, kNaN}) {
                 CurvePoint const found = NearestPoint(curve, p, accuracy);
-                bool const finite = Finite(curve) && Finite(p);
+                bool const finite = IsFinite(curve) && IsFinite(p);
                 ASSERT_EQ(std::isnan(found.t), !finite) << Text(curve) << Text(p);
                 ASSERT_EQ(std::isnan(found.distance), !finite);
                 ASSERT_TRUE(!finite || (found.t >= 0.0 && found.t <= 1.0));

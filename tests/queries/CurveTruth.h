@@ -238,10 +238,6 @@ inline std::vector<CBezier> SpecialCurves() {
     }
     return curves;
 }
-inline bool Finite(TPoint<double> const& p) { return std::isfinite(p.h) && std::isfinite(p.v); }
-inline bool Finite(CBezier const& c) {
-    return Finite(c.P0) && Finite(c.P1) && Finite(c.P2) && Finite(c.P3);
-}
 
 /// Calls `compute` with vectors of four doubles, if the processor has them, and without.
 template <class Compute> void ExpectTheSameInBothForms(Compute const& compute) {

@@ -3,6 +3,7 @@
 #include "Intersections.h"
 
 #include "CMatrix3x3.h"
+#include "Finite.h"
 #include "SvgPath.h"
 #include "TestSupport.h"
 #include "Winding.h"
@@ -28,6 +29,7 @@ using trammel::Intersection;
 using trammel::IntersectionKind;
 using trammel::Intersections;
 using trammel::SelfIntersections;
+using trammel_test::IsFinite;
 
 typedef TPoint<double> Pt;
 typedef TLine<double> Line;
@@ -362,8 +364,8 @@ TEST(IntersectionsOfPaths, EndForValuesFromTheEdgesOfWhatDoublesHold) {
             for (double const t : {p.a.t, p.a.endT, p.b.t, p.b.endT}) {
                 EXPECT_TRUE(t >= 0 && t <= 1) << i;
             }
-            EXPECT_TRUE(std::isfinite(p.point.h) && std::isfinite(p.point.v)) << i;
-            EXPECT_TRUE(std::isfinite(p.endPoint.h) && std::isfinite(p.endPoint.v)) << i;
+            EXPECT_TRUE(IsFinite(p.point)) << i;
+            EXPECT_TRUE(IsFinite(p.endPoint)) << i;
         }
     }
 }

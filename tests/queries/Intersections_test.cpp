@@ -4,6 +4,7 @@
 
 #include "AccurateCurve.h"
 #include "CMatrix3x3.h"
+#include "Finite.h"
 #include "IntersectionsJudge.h"
 #include "TestSupport.h"
 
@@ -23,6 +24,7 @@ using trammel::AppendIntersections;
 using trammel::Intersection;
 using trammel::IntersectionKind;
 using trammel::Intersections;
+using trammel_test::IsFinite;
 
 typedef TPoint<double> Pt;
 typedef TLine<double> Line;
@@ -586,7 +588,7 @@ TEST(Intersections, OfCurvesOfAnySizeAreAlike) {
         CBezier const greatA = a * 0x1p1018 - Pt(0x1.9p1023, 0x1.9p1023);
         CBezier const greatB = b * 0x1p1018 - Pt(0x1.9p1023, 0x1.9p1023);
         for (Intersection const& p : Intersections(greatA, greatB, 0x1p980)) {
-            EXPECT_TRUE(std::isfinite(p.point.h) && std::isfinite(p.point.v));
+            EXPECT_TRUE(IsFinite(p.point));
         }
     }
 }

@@ -4,6 +4,7 @@
 
 #include "AccurateCurve.h"
 #include "CurveTruth.h"
+#include "Finite.h"
 #include "OutlineTruth.h"
 #include "PathWalk_p.h"
 #include "ShortMemory.h"
@@ -265,7 +266,7 @@ TEST(OutlineMeasure, AnyDoublesAreMeasuredWithoutHarm) {
     Random random(4);
     for (CBezier const& c : SpecialCurves()) {
         OutlineMeasure const measure(PathOf(c));
-        if (!Finite(c)) {
+        if (!IsFinite(c)) {
             EXPECT_EQ(measure.Length(), 0.0);
             EXPECT_EQ(measure.At(0.5).element, kNone);
             continue;
