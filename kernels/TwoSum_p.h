@@ -7,16 +7,18 @@
 
 namespace trammel_detail {
 
-struct TwoSumResult {
-    double value; ///< the rounded sum
-    double error; ///< the exact sum less `value`; it is a double itself
+/// Number is double, or a vector whose lanes are sums of their own.
+template <class Number> struct TwoSumOf {
+    Number value; ///< the rounded sum
+    Number error; ///< the exact sum less `value`; it is a Number itself
 };
+typedef TwoSumOf<double> TwoSumResult;
 
 /// Returns a + b without loss, unless the sum overflows. Source: D. E. Knuth, The Art of Computer
 /// Programming 2, section 4.2.2, theorem B.
-inline TwoSumResult TwoSum(double a, double b) {
-    double const s = a + b;
-    double const t = s - a;
+template <class Number> inline TwoSumOf<Number> TwoSum(Number const& a, Number const& b) {
+    Number const s = a + b;
+    Number const t = s - a;
     return {s, (a - (s - t)) + (b - t)};
 }
 
@@ -25,18 +27,22 @@ inline TwoSumResult TwoSum(double a, double b) {
 ///
 /// Source: T. Ogita, S. M. Rump, S. Oishi, Accurate sum and dot product, SIAM Journal on Scientific
 /// Computing 26(6), 2005 (Sum2).
-class CompensatedSum {
+template <class Number> class CompensatedSum {
 public:
-    void Add(double x) {
-        TwoSumResult const sum = TwoSum(mSum, x);
+    void Add(Number const& x) {
+        TwoSumOf<Number> const sum = TwoSum(mSum, x);
         mSum = sum.value;
-        mErrors += sum.error;
+        mErrors = mErrors + sum.error;
     }
-    double Value() const { return mSum + mErrors; }
+    Number Value() const { return mSum + mErrors; }
+    /// Returns the sum without what rounding took from it.
+    Number const& Sum() const { return mSum; }
+    /// Returns what rounding took from the sum.
+    Number const& Errors() const { return mErrors; }
 
 private:
-    double mSum = 0.0;
-    double mErrors = 0.0;
+    Number mSum = 0.0;
+    Number mErrors = 0.0;
 };
 
 } // namespace trammel_detail

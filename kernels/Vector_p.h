@@ -182,6 +182,10 @@ typedef Double2::Mask Mask2;
 [[gnu::always_inline]] inline Double2 EvenTwice(Double2 const& a) { return Firsts(a, a); }
 /// Returns lane 1 in both lanes.
 [[gnu::always_inline]] inline Double2 OddTwice(Double2 const& a) { return Seconds(a, a); }
+/// Returns the lanes in the other order.
+[[gnu::always_inline]] inline Double2 Swapped(Double2 const& a) {
+    return Double2(__builtin_shufflevector(a.raw, a.raw, 1, 0));
+}
 /// Returns a number whose bits 2i and 2i + 1 are the lanes of mask i.
 [[gnu::always_inline]] inline unsigned BitsOfEight(Mask2 const (&masks)[8]) {
     RawMask2 const raw[8] = {masks[0].raw, masks[1].raw, masks[2].raw, masks[3].raw,

@@ -21,11 +21,12 @@ namespace trammel_detail {
 
 /// Returns the coordinates of the point at an address, aligned or not: v in lane 0 and h in lane 1.
 inline Double2 CoordinatesAt(void const* p) { return Double2::Load(p); }
-/// Returns the point at an address, aligned or not.
-inline TPoint<double> PointAt(void const* p) {
-    Double2 const coordinates = CoordinatesAt(p);
-    return TPoint<double>(coordinates[1], coordinates[0]);
+/// Returns the point with these coordinates: v is in lane 0 and h in lane 1.
+inline TPoint<double> PointOf(Double2 const& coordinates) {
+    return TPoint<double>(Lane<1>(coordinates), Lane<0>(coordinates));
 }
+/// Returns the point at an address, aligned or not.
+inline TPoint<double> PointAt(void const* p) { return PointOf(CoordinatesAt(p)); }
 
 /// Goes through the contours of a path. A contour begins with a move, or where drawing goes on
 /// after a close, and at (0, 0) before any move. It ends before the next move, with a close, or
@@ -39,7 +40,10 @@ inline TPoint<double> PointAt(void const* p) {
 /// No Close() comes before a move: Begin() ends a contour that is still open. The visitor starts at
 /// (0, 0), and after a Close() it goes on from the last point drawn.
 /// Points are given by their addresses, which stay good as long as the path does not change.
-template <class Visitor> void WalkContours(CPath const& path, Visitor& visitor) {
+///
+/// The walk is always inlined, so that a local visitor's members stay in registers.
+template <class Visitor>
+[[gnu::always_inline]] inline void WalkContours(CPath const& path, Visitor& visitor) {
     for (ElementCursor element(path); element.Next();) {
         TPoint<double> const* const points = element.Points();
         switch (element.Code()) {

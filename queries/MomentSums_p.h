@@ -30,25 +30,37 @@ inline double CrossOfFan(TPoint<double> const& a, TPoint<double> const& b) {
 }
 
 /// Gathers the integral of the density, the area.
+///
+/// Each lane of the sum has one product of the cross products. The sum keeps what rounding takes
+/// from it, so the lanes are subtracted at the end without a loss.
 class AreaSum {
 public:
-    typedef TPoint<double> Pt;
-
-    void AddTriangle(Pt const& a, Pt const& b) { mArea.Add(CrossOfFan(a, b) * 0.5); }
+    void AddTriangle(Double2 const& a, Double2 const& b) {
+        mArea.Add(CrossLanes(a, b - a) * Double2(0.5));
+    }
     /// Adds the fan of a cubic: its chord's triangle, and what lies between, from differences to
-    /// the start. The latter's weights are the integrals of products of Bernstein polynomials.
-    void AddCurve(Pt const& p0, Pt const& p1, Pt const& p2, Pt const& p3) {
-        AddTriangle(p0, p3);
-        Pt const a = p1 - p0;
-        Pt const b = p2 - p0;
-        Pt const c = p3 - p0;
-        mArea.Add((Cross(a, b) * 3.0 + Cross(a, c) * 3.0 + Cross(b, c) * 6.0) / 20.0);
+    /// the start. The latter's weights are the integrals of products of Bernstein polynomials: for
+    /// differences a, b and c they are 3/20 for a x b and for a x c, and 6/20 for b x c.
+    void AddCurve(Double2 const& p0, Double2 const& p1, Double2 const& p2, Double2 const& p3) {
+        Double2 const a = p1 - p0;
+        Double2 const b = p2 - p0;
+        Double2 const c = p3 - p0;
+        Double2 const between = CrossLanes(a, b + c) + CrossLanes(b, c + c);
+        mArea.Add(CrossLanes(p0, c) * Double2(0.5) + between * Double2(0.15));
     }
     void EndContour() {}
-    double Value() const { return mArea.Value(); }
+    double Value() const {
+        Double2 const sum = mArea.Sum();
+        Double2 const lost = mArea.Errors();
+        return (Lane<1>(sum) - Lane<0>(sum)) + (Lane<1>(lost) - Lane<0>(lost));
+    }
 
 private:
-    CompensatedSum mArea;
+    /// Returns the two products of a x b, where v is in lane 0: the cross product is lane 1 less
+    /// lane 0.
+    static Double2 CrossLanes(Double2 const& a, Double2 const& b) { return a * Swapped(b); }
+
+    CompensatedSum<Double2> mArea;
 };
 
 /// Gathers the integrals of 1, h, v, h², h v and v² over the fans.
@@ -56,7 +68,9 @@ class MomentSums {
 public:
     typedef TPoint<double> Pt;
 
-    void AddTriangle(Pt const& a, Pt const& b) {
+    void AddTriangle(Double2 const& from, Double2 const& to) {
+        Pt const a = PointOf(from);
+        Pt const b = PointOf(to);
         double const cross = CrossOfFan(a, b);
         Add({cross / 2.0, cross * (a.h + b.h) / 6.0, cross * (a.v + b.v) / 6.0,
              cross * (a.h * a.h + a.h * b.h + b.h * b.h) / 12.0,
@@ -65,7 +79,12 @@ public:
     }
     /// Adds the fan of a cubic. The integrands are of degree 11 at most, which Gauss' formula of
     /// six nodes integrates exactly.
-    void AddCurve(Pt const& p0, Pt const& p1, Pt const& p2, Pt const& p3) {
+    void AddCurve(Double2 const& start, Double2 const& control1, Double2 const& control2,
+                  Double2 const& end) {
+        Pt const p0 = PointOf(start);
+        Pt const p1 = PointOf(control1);
+        Pt const p2 = PointOf(control2);
+        Pt const p3 = PointOf(end);
         struct Node {
             double t;
             double weight;
@@ -108,7 +127,7 @@ private:
         }
     }
 
-    std::array<CompensatedSum, 6> mSums;
+    std::array<CompensatedSum<double>, 6> mSums;
 };
 
 /// Powers of two by which coordinates are multiplied, before and after they are counted from the
@@ -141,13 +160,10 @@ struct FanScale {
         return before.h == 1.0 && before.v == 1.0 && after.h == 1.0 && after.v == 1.0;
     }
     /// Returns the reference's part of Relative().
-    TPoint<double> Reference(TPoint<double> const& p) const {
-        return TPoint<double>(p.h * before.h, p.v * before.v);
-    }
+    Double2 Reference(Double2 const& p) const { return p * Double2::Of(before.v, before.h); }
     /// Returns `p` as seen from a reference.
-    TPoint<double> Relative(TPoint<double> const& p, TPoint<double> const& reference) const {
-        return TPoint<double>((p.h * before.h - reference.h) * after.h,
-                              (p.v * before.v - reference.v) * after.v);
+    Double2 Relative(Double2 const& p, Double2 const& reference) const {
+        return (Reference(p) - reference) * Double2::Of(after.v, after.h);
     }
     /// Undoes Relative().
     TPoint<double> Absolute(TPoint<double> const& p, TPoint<double> const& reference) const {
@@ -156,36 +172,43 @@ struct FanScale {
     }
     /// Returns an integral of h to the power of `h` and v to the power of `v` in the input's units.
     double Unscaled(double integral, int h, int v) const {
+        if (IsOne()) {
+            return integral;
+        }
         int const exponentH = std::ilogb(before.h) + std::ilogb(after.h);
         int const exponentV = std::ilogb(before.v) + std::ilogb(after.v);
         return std::scalbn(integral, -(exponentH * h + exponentV * v));
     }
 };
 
-/// Adds the fans of an outline's segments to `Sums`, which has the members of AreaSum.
-template <class Sums> class FanWalk {
-public:
-    typedef TPoint<double> Pt;
+/// The scale 1, without its products.
+struct NoFanScale {
+    Double2 Reference(Double2 const& p) const { return p; }
+    Double2 Relative(Double2 const& p, Double2 const& reference) const { return p - reference; }
+};
 
-    explicit FanWalk(FanScale const& scale = FanScale()) : mScale(scale) {}
+/// Adds the fans of an outline's segments to `Sums`, which has the members of AreaSum.
+template <class Sums, class Scale> class FanWalk {
+public:
+    explicit FanWalk(Scale const& scale) : mScale(scale) {}
 
     void Begin(void const* p) {
         if (mDrawn) {
             Close();
         } else if (mFirst) {
-            mReference = mScale.Reference(PointAt(p));
+            mReference = mScale.Reference(CoordinatesAt(p));
         }
         mStart = mCurrent = Relative(p);
         Draw();
     }
     void LineTo(void const* p) {
-        Pt const to = Relative(p);
+        Double2 const to = Relative(p);
         mSums.AddTriangle(mCurrent, to);
         mCurrent = to;
         Draw();
     }
     void CurveTo(void const* c1, void const* c2, void const* e) {
-        Pt const to = Relative(e);
+        Double2 const to = Relative(e);
         mSums.AddCurve(mCurrent, Relative(c1), Relative(c2), to);
         mCurrent = to;
         Draw();
@@ -200,60 +223,65 @@ public:
     }
 
     Sums const& Result() const { return mSums; }
-    FanScale const& Scale() const { return mScale; }
     /// Returns the greatest coordinates as seen from the reference. NaN does not count.
-    Pt Extent() const { return Pt(Lane<1>(mExtent), Lane<0>(mExtent)); }
-    /// Returns a point that was computed from the sums.
-    Pt Absolute(Pt const& p) const { return mScale.Absolute(p, mReference); }
+    TPoint<double> Extent() const { return PointOf(mExtent); }
+    TPoint<double> Reference() const { return PointOf(mReference); }
 
 private:
-    Pt Relative(void const* p) {
-        Pt const relative = mScale.Relative(PointAt(p), mReference);
-        mExtent = Max(Abs(Double2::Of(relative.v, relative.h)), mExtent);
+    Double2 Relative(void const* p) {
+        Double2 const relative = mScale.Relative(CoordinatesAt(p), mReference);
+        mExtent = Max(Abs(relative), mExtent);
         return relative;
     }
     void Draw() { mFirst = false, mDrawn = true; }
 
     Sums mSums;
-    FanScale mScale;
+    Scale mScale;
     Double2 mExtent = 0.0;
-    Pt mReference; ///< the first move, or (0, 0) where drawing begins without one
-    Pt mStart;
-    Pt mCurrent;
+    Double2 mReference = 0.0; ///< the first move, or (0, 0) where drawing begins without one
+    Double2 mStart = 0.0;
+    Double2 mCurrent = 0.0;
     bool mFirst = true;  ///< nothing has been drawn
     bool mDrawn = false; ///< the contour has points
 };
 
-/// Returns the walk over the fans of an outline, a second one where the first shows that the
+/// What the fans of an outline add up to.
+template <class Sums> struct FanSums {
+    Sums sums;
+    FanScale scale;
+    TPoint<double> reference;
+};
+
+/// Adds the fans of an outline. It walks a second time where the first walk shows that the
 /// coordinates have to be scaled. WalkContours takes the outline.
-template <class Sums, class Outline> FanWalk<Sums> WalkFans(Outline const& outline) {
-    FanWalk<Sums> walk;
+template <class Sums, class Outline> FanSums<Sums> SumFans(Outline const& outline) {
+    FanWalk<Sums, NoFanScale> walk{NoFanScale()};
     WalkContours(outline, walk);
     FanScale const scale = FanScale::For(walk.Extent());
     if (scale.IsOne()) {
-        return walk;
+        return {walk.Result(), scale, walk.Reference()};
     }
-    FanWalk<Sums> scaled(scale);
+    FanWalk<Sums, FanScale> scaled(scale);
     WalkContours(outline, scaled);
-    return scaled;
+    return {scaled.Result(), scale, scaled.Reference()};
 }
 
 template <class Outline> double AreaOf(Outline const& outline) {
-    FanWalk<AreaSum> const walk = WalkFans<AreaSum>(outline);
-    return walk.Scale().Unscaled(walk.Result().Value(), 1, 1);
+    FanSums<AreaSum> const fans = SumFans<AreaSum>(outline);
+    return fans.scale.Unscaled(fans.sums.Value(), 1, 1);
 }
 
 /// Returns area, centroid and second moments in the fields of an AreaMoments.
 template <class AreaMoments, class Outline> AreaMoments AllMomentsOf(Outline const& outline) {
-    FanWalk<MomentSums> const walk = WalkFans<MomentSums>(outline);
-    MomentSums const& sums = walk.Result();
-    FanScale const& scale = walk.Scale();
+    FanSums<MomentSums> const fans = SumFans<MomentSums>(outline);
+    MomentSums const& sums = fans.sums;
+    FanScale const& scale = fans.scale;
     // About the reference first, then about the centroid.
     double const area = sums[0];
     TPoint<double> const centroid(sums[1] / area, sums[2] / area);
     AreaMoments moments;
     moments.area = scale.Unscaled(area, 1, 1);
-    moments.centroid = walk.Absolute(centroid);
+    moments.centroid = scale.Absolute(centroid, fans.reference);
     moments.hh = scale.Unscaled(sums[3] - area * centroid.h * centroid.h, 3, 1);
     moments.hv = scale.Unscaled(sums[4] - area * centroid.h * centroid.v, 2, 2);
     moments.vv = scale.Unscaled(sums[5] - area * centroid.v * centroid.v, 1, 3);

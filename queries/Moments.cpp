@@ -13,7 +13,7 @@ namespace {
 using trammel_detail::AllMomentsOf;
 using trammel_detail::AreaOf;
 using trammel_detail::AreaSum;
-using trammel_detail::FanWalk;
+using trammel_detail::FanSums;
 
 /// Gathers the areas of the contours, one by one.
 class ContourAreaSums : public AreaSum {
@@ -36,10 +36,10 @@ double SignedArea(CFPolygonRef const& polygon) noexcept { return AreaOf(polygon)
 double SignedArea(std::vector<TPoint<double>> const& ring) noexcept { return AreaOf(ring); }
 
 std::vector<double> ContourAreas(CPath const& path) {
-    FanWalk<ContourAreaSums> const walk = trammel_detail::WalkFans<ContourAreaSums>(path);
-    std::vector<double> areas = walk.Result().Areas();
+    FanSums<ContourAreaSums> const fans = trammel_detail::SumFans<ContourAreaSums>(path);
+    std::vector<double> areas = fans.sums.Areas();
     for (double& area : areas) {
-        area = walk.Scale().Unscaled(area, 1, 1);
+        area = fans.scale.Unscaled(area, 1, 1);
     }
     return areas;
 }

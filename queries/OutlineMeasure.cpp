@@ -351,7 +351,7 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         mSpans.shrink_to_fit();
     }
 
-    CompensatedSum sum;
+    CompensatedSum<double> sum;
     double behind = 0.0;
     mBehind.reserve(mSpans.size());
     for (Span const& span : mSpans) {
