@@ -214,17 +214,69 @@ void Forget(ScratchVector<Incidence>& incidences, std::size_t vertex) {
     incidences[vertex] = std::min(incidences[vertex], kShared);
 }
 
-} // namespace
-
-std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const& clearances,
-                      GridLines& lines, ScratchVector<Incidence>& incidences,
-                      ScratchVector<char>& active, PartsOfEdges& parts) {
+void ForgetEndsOfCutEdges(SortedCuts const& sorted, EdgeTree const& tree,
+                          ScratchVector<Incidence>& incidences) {
     for (std::size_t i = 0; i < tree.Count(); ++i) {
         if (sorted.Has(i)) {
             Forget(incidences, i);
             Forget(incidences, tree.SecondOf(i));
         }
     }
+}
+
+/// Where the vertices of new lines go. Pointers, because the marks are of type char. A store of
+/// that type may change any object, so the compiler would read vectors' own pointers again after
+/// each.
+struct Destination {
+    GridPoint* points;
+    Incidence* incidences;
+    char* active;
+};
+
+/// The cuts of an edge, in their order along its axis.
+struct CutsOfEdge {
+    Cut const* begin;
+    Cut const* end;
+    MajorAxis axis;
+};
+
+/// Writes the cuts of an edge no part of which may meet others from vertex `size` on. Returns the
+/// end of these vertices.
+std::size_t WriteClear(CutsOfEdge const& cuts, Destination out, std::size_t size) {
+    for (Cut const* cut = cuts.begin; cut < cuts.end; ++cut) {
+        out.points[size] = cuts.axis.Point(cut->along, cut->across);
+        out.incidences[size] = cut->incidence;
+        ++size;
+    }
+    return size;
+}
+
+/// Does the same for other edges, without near misses. Sets the marks of the edge's parts, of which
+/// the first one begins before `size`, to the ones from `part` on.
+std::size_t WriteMarked(CutsOfEdge const& cuts, char const* part, Destination out,
+                        std::size_t size) {
+    out.active[size - 1] = *part++;
+    for (Cut const* cut = cuts.begin; cut < cuts.end; ++cut) {
+        if (cut->incidence == kSingle) {
+            continue;
+        }
+        GridPoint const p = cuts.axis.Point(cut->along, cut->across);
+        if (p != out.points[size - 1]) {
+            out.points[size] = p;
+            out.incidences[size] = cut->incidence;
+            ++size;
+        }
+        out.active[size - 1] |= *part++;
+    }
+    return size;
+}
+
+} // namespace
+
+std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const& clearances,
+                      GridLines& lines, ScratchVector<Incidence>& incidences,
+                      ScratchVector<char>& active, PartsOfEdges& parts) {
+    ForgetEndsOfCutEdges(sorted, tree, incidences);
     std::size_t const most = lines.points.size() + sorted.Count();
     ScratchVector<GridPoint> allPoints(most, incidences.get_allocator());
     ScratchVector<Incidence> allIncidences(most, incidences.get_allocator());
@@ -239,11 +291,7 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     };
     active.assign(most, 0);
     UnsettledParts unsettled(tree, sorted, clearances, incidences.get_allocator().GetScratch());
-    // Pointers, because the marks are of type char. A store of that type may change any object, so
-    // the compiler would read the vectors' own pointers again after each.
-    GridPoint* const outPoints = allPoints.data();
-    Incidence* const outIncidences = allIncidences.data();
-    char* const outActive = active.data();
+    Destination const out = {allPoints.data(), allIncidences.data(), active.data()};
     std::size_t size = 0;
     std::size_t unsettledCount = 0;
     std::size_t begin = 0;
@@ -253,46 +301,25 @@ std::size_t ApplyCuts(SortedCuts& sorted, EdgeTree const& tree, Clearances const
     allEnds.reserve(lines.ends.size());
     for (std::size_t const end : lines.ends) {
         for (std::size_t i = begin; i < end; ++i) {
-            outPoints[size] = lines.points[i];
-            outIncidences[size] = incidences[i];
+            out.points[size] = lines.points[i];
+            out.incidences[size] = incidences[i];
             std::size_t const first = size++;
             parts.Push(first);
             if (!sorted.Has(i)) {
                 originate(first, size, i);
                 continue;
             }
-            std::size_t const before = i == begin ? end - 1 : i - 1;
-            std::size_t const after = i + 1 == end ? begin : i + 1;
-            Cut const* cut = &sorted.At(0) + sorted.Begin(i);
-            Cut const* const endCut = &sorted.At(0) + sorted.End(i);
-            unsettled.Choose(i, before, after);
-            MajorAxis const axis = unsettled.Axis();
+            unsettled.Choose(i, i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1);
+            CutsOfEdge const cuts = {&sorted.At(0) + sorted.Begin(i), &sorted.At(0) + sorted.End(i),
+                                     unsettled.Axis()};
             if (unsettled.IsClear()) {
-                for (; cut < endCut; ++cut) {
-                    outPoints[size] = axis.Point(cut->along, cut->across);
-                    outIncidences[size] = cut->incidence;
-                    ++size;
-                }
-                originate(first, size, i);
-                continue;
-            }
-            char const* part = unsettled.Marks();
-            outActive[first] = *part++;
-            for (; cut < endCut; ++cut) {
-                if (cut->incidence == kSingle) {
-                    continue;
-                }
-                GridPoint const p = axis.Point(cut->along, cut->across);
-                if (p != outPoints[size - 1]) {
-                    outPoints[size] = p;
-                    outIncidences[size] = cut->incidence;
-                    ++size;
-                }
-                outActive[size - 1] |= *part++;
+                size = WriteClear(cuts, out, size);
+            } else {
+                size = WriteMarked(cuts, unsettled.Marks(), out, size);
+                unsettledCount +=
+                    static_cast<std::size_t>(std::count(out.active + first, out.active + size, 1));
             }
             originate(first, size, i);
-            unsettledCount +=
-                static_cast<std::size_t>(std::count(outActive + first, outActive + size, 1));
         }
         allEnds.push_back(size);
         begin = end;
