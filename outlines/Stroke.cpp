@@ -11,7 +11,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <utility>
+#include <vector>
 
 namespace trammel {
 
@@ -25,10 +27,17 @@ constexpr double kContourShare = 0.5;
 /// become one otherwise, and lie the wrong way round.
 constexpr double kCoarsest = 0.25;
 
-/// Returns the tolerance to work with, for one that is 0 or more.
-double UsableTolerance(double asked, double radius) {
+/// Where the pen paints places often, tolerances above this share of the extent count as that. Else
+/// nearly all borders would run beside each other nearer than the tolerance, and take long to
+/// unite.
+constexpr double kCoarsestInCrowd = 0x1p-10;
+
+/// Returns the tolerance to work with, for one that is 0 or more. `crowd` is the result of
+/// CrowdedExtent().
+double UsableTolerance(double asked, double radius, double crowd) {
     double const most = kCoarsest * radius;
-    return most > 0.0 ? std::min(asked, most) : asked;
+    double const used = most > 0.0 ? std::min(asked, most) : asked;
+    return crowd > 0.0 ? std::min(used, kCoarsestInCrowd * crowd) : used;
 }
 
 /// Returns a rectangle around a path, and around another one, with room between.
@@ -69,6 +78,55 @@ double Unite(CPath& contours, double tolerance, CPath& out) {
     return RemoveOverlap(contours, FillRule::kNonZero, tolerance, out);
 }
 
+/// Unites the parts of a stroke, in stages of two by two. Parts that follow each other are near, so
+/// most of their crossings lie inside of others, and the next stage has fewer.
+double UniteParts(std::vector<CPath>& parts, double tolerance, CPath& out) {
+    if (parts.size() <= 1) {
+        out.clear();
+        return parts.empty() ? 0.0 : Unite(parts.front(), tolerance, out);
+    }
+    int stages = 0;
+    for (std::size_t count = parts.size(); count > 1; count = (count + 1) / 2) {
+        ++stages;
+    }
+    double const share = tolerance / stages;
+    double kept = 0.0;
+    for (; stages > 0; --stages) {
+        double keptInStage = 0.0;
+        std::size_t const pairs = parts.size() / 2;
+        for (std::size_t i = 0; i < pairs; ++i) {
+            CPath united;
+            keptInStage =
+                std::max(keptInStage, Boolean(kPolyUnion, parts[2 * i], FillRule::kNonZero,
+                                              parts[2 * i + 1], FillRule::kNonZero, share, united));
+            parts[i] = std::move(united);
+        }
+        if (parts.size() % 2 == 1) {
+            parts[pairs] = std::move(parts.back());
+        }
+        parts.resize((parts.size() + 1) / 2);
+        kept += keptInStage;
+    }
+    out = std::move(parts.front());
+    return kept;
+}
+
+/// Grows or shrinks a region by the stroke of its border, which has round joins.
+double OffsetByStroke(CPath const& region, StrokeStyle const& border, bool grows, double tolerance,
+                      CPath& out) {
+    double const share = kContourShare * tolerance;
+    std::vector<CPath> parts;
+    double kept = trammel_detail::StrokeParts(region, border, share, true, parts);
+    CPath painted;
+    kept += UniteParts(parts, 0.5 * (tolerance - share), painted);
+    CPath result;
+    kept += Boolean(grows ? kPolyUnion : kPolyDifference, region, FillRule::kNonZero, painted,
+                    FillRule::kNonZero, 0.5 * (tolerance - share), result);
+    // The contours of the difference run as the stroke that is taken away.
+    out = grows ? std::move(result) : Reversed(result);
+    return kept;
+}
+
 /// True when no point of a region is as far as `distance` from those outside.
 bool IsThinner(CPath const& region, double distance) {
     TRect<double> const box = region.Bounds();
@@ -80,12 +138,13 @@ bool IsThinner(CPath const& region, double distance) {
 } // namespace
 
 double Stroke(CPath const& path, StrokeStyle const& style, double tolerance, CPath& out) {
-    CPath contours;
     double const asked = tolerance > 0.0 ? tolerance : 0.0;
-    double const used = UsableTolerance(asked, 0.5 * style.width);
+    double const crowd = trammel_detail::CrowdedExtent(path, style);
+    double const used = UsableTolerance(asked, 0.5 * style.width, crowd);
     double const share = kContourShare * used;
-    double const kept = trammel_detail::AppendStroke(path, style, share, contours);
-    double const keptInUnion = Unite(contours, used - share, out);
+    std::vector<CPath> parts;
+    double const kept = trammel_detail::StrokeParts(path, style, share, crowd > 0.0, parts);
+    double const keptInUnion = UniteParts(parts, used - share, out);
     return std::max(asked, kept + keptInUnion);
 }
 
@@ -96,8 +155,6 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out.clear();
         return asked;
     }
-    double const used = UsableTolerance(asked, std::abs(distance));
-    double const share = used - kContourShare * used;
     // A detail that is lost here would be missing with all that is near it: none is lost that can
     // be kept.
     CPath plain;
@@ -110,6 +167,17 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out.clear();
         return std::max(asked, kept);
     }
+    StrokeStyle border;
+    border.width = 2.0 * std::abs(distance);
+    border.join = StrokeJoin::kRound;
+    double const crowd =
+        join == StrokeJoin::kRound ? trammel_detail::CrowdedExtent(plain, border) : 0.0;
+    double const used = UsableTolerance(asked, std::abs(distance), crowd);
+    if (crowd > 0.0) {
+        kept += OffsetByStroke(plain, border, distance > 0.0, used, out);
+        return std::max(asked, kept);
+    }
+    double const share = used - kContourShare * used;
     CPath grown;
     kept += trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
                                         kContourShare * used, grown);

@@ -60,12 +60,12 @@ Pt Turned(Pt const& a, Pt const& b) { return Pt(a.h * b.h - a.v * b.v, a.h * b.v
 void ContourList::LineTo(Pt const& p) {
     if (!mIsBegun) {
         mIsBegun = true;
-        mFirstCode = mPath.mCtls.size();
-        mFirstPoint = mPath.mPts.size();
+        mFirstCode = mPath->mCtls.size();
+        mFirstPoint = mPath->mPts.size();
         mStart = p;
-        mPath.AddCtl(kPathMove).AddPt(p * mScale);
+        mPath->AddCtl(kPathMove).AddPt(p * mScale);
     } else if (p != mCurrent) {
-        mPath.AddCtl(kPathLine).AddPt(p * mScale);
+        mPath->AddCtl(kPathLine).AddPt(p * mScale);
     }
     mCurrent = p;
 }
@@ -74,9 +74,9 @@ void ContourList::CurveTo(std::array<Pt, 3> const& points) {
     if (points[2] == mCurrent && points[1] == mCurrent && points[0] == mCurrent) {
         return;
     }
-    mPath.AddCtl(kPathCurve);
+    mPath->AddCtl(kPathCurve);
     for (Pt const& p : points) {
-        mPath.AddPt(p * mScale);
+        mPath->AddPt(p * mScale);
     }
     mCurrent = points[2];
 }
@@ -86,17 +86,17 @@ void ContourList::Close() {
         return;
     }
     mIsBegun = false;
-    if (mPath.mCtls.back() == kPathLine && mCurrent == mStart) {
-        mPath.mCtls.pop_back();
-        mPath.mPts.pop_back();
+    if (mPath->mCtls.back() == kPathLine && mCurrent == mStart) {
+        mPath->mCtls.pop_back();
+        mPath->mPts.pop_back();
     }
-    std::size_t const elements = mPath.mCtls.size() - mFirstCode;
-    if (elements <= 2 && mPath.mCtls.back() != kPathCurve) {
-        mPath.mCtls.resize(mFirstCode);
-        mPath.mPts.resize(mFirstPoint);
+    std::size_t const elements = mPath->mCtls.size() - mFirstCode;
+    if (elements <= 2 && mPath->mCtls.back() != kPathCurve) {
+        mPath->mCtls.resize(mFirstCode);
+        mPath->mPts.resize(mFirstPoint);
         return;
     }
-    mPath.AddCtl(kPathClose);
+    mPath->AddCtl(kPathClose);
 }
 
 // ---- the line
@@ -261,12 +261,13 @@ void StrokeContours::Reverse() {
 
 // ---- the contours
 
-void StrokeContours::EndOpen() {
+void StrokeContours::EndPart(bool hasStartCap, bool hasEndCap) {
     if (mPieces.empty()) {
         return;
     }
     SmoothCorners(false);
-    for (StrokeCap const cap : {mPen.endCap, mPen.startCap}) {
+    for (StrokeCap const cap : {hasEndCap ? mPen.endCap : StrokeCap::kButt,
+                                hasStartCap ? mPen.startCap : StrokeCap::kButt}) {
         mOut.LineTo(Beside(mPieces.front().start, mPieces.front().from));
         Side(false);
         mOut.LineTo(Beside(mPieces.back().end, mPieces.back().to));

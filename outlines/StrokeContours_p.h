@@ -42,7 +42,9 @@ inline bool IsBefore(TPoint<double> const& a, TPoint<double> const& b) {
 /// Collects closed contours and appends them to a path.
 class ContourList {
 public:
-    explicit ContourList(CPath& path, double scale) : mPath(path), mScale(scale) {}
+    explicit ContourList(CPath& path, double scale) : mPath(&path), mScale(scale) {}
+    /// Sets the path to which the next contours go.
+    void SetPath(CPath& path) { mPath = &path; }
 
     TPoint<double> const& Current() const { return mCurrent; }
     /// Goes to a point: with a line, or with a move at the beginning of a contour. A line without
@@ -54,7 +56,7 @@ public:
     void Close();
 
 private:
-    CPath& mPath;
+    CPath* mPath;
     double mScale;
     bool mIsBegun = false;
     TPoint<double> mStart;
@@ -95,7 +97,9 @@ public:
     }
 
     /// Ends the subpath with caps at both ends.
-    void EndOpen();
+    void EndOpen() { EndPart(true, true); }
+    /// Ends a part of a subpath, with caps or straight across.
+    void EndPart(bool hasStartCap, bool hasEndCap);
     /// Ends the subpath, whose end is its start, with a join there.
     void EndClosed();
     /// Ends the closed subpath, and keeps only the contour on the side against its normals.

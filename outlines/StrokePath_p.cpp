@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 #include <vector>
 
 namespace trammel_detail {
@@ -43,6 +44,15 @@ constexpr int kNextStep = 6;
 constexpr std::size_t kVotes = 64;
 /// Drawings of a size beyond this power of two, or below its inverse, are scaled.
 constexpr int kPlainExponent = 200;
+/// So many segments that follow each other tell whether the pen paints the same places often.
+constexpr std::size_t kBlock = 64;
+/// It does where it covers each place of the block's bounds so often on average.
+constexpr double kOften = 12.0;
+/// A stroke that paints places often is made in parts of so many segments or dashes.
+constexpr std::size_t kPartSegments = 4;
+/// A part begins with so much of the part before, in distances that are kept. So its first end lies
+/// inside of that part, where no rounding shows. It has no more than kBlock segments of it.
+constexpr double kOverlap = 64.0;
 /// Lengths along a line are off by less than these shares of the coordinates and of its length.
 constexpr double kBlurOfSize = 0x1p-40;
 constexpr double kBlurOfLength = 0x1p-50;
@@ -156,45 +166,162 @@ std::vector<PathSegment> DashSegments(CPath const& dash, double blur) {
     return segments;
 }
 
-/// \param size of the coordinates
-void AddDashes(Subpath const& subpath, bool closed, DashPattern const& pattern, bool joinsAtStart,
-               double size, double scale, StrokeContours& contours) {
+/// Makes the contours of a stroke, in parts where the pen paints the same places often.
+class StrokeMaker {
+public:
+    /// \param size of the coordinates
+    /// \param scale by which they are multiplied; the pen is scaled already
+    StrokeMaker(StrokePen const& pen, trammel::StrokeStyle const& style, double size, double scale,
+                std::vector<Pt> const& shared, std::vector<CPath>& parts)
+        : mPattern(style.dashes, style.dashOffset), mIsDashed(!style.dashes.empty()),
+          mJoinsAtStart(style.joinsDashesAtStart), mOverlap(kOverlap * pen.tolerance), mSize(size),
+          mScale(scale), mParts(parts), mList(parts.back(), 1.0 / scale), mContours(pen, mList) {
+        mContours.SetSharedPoints(shared);
+    }
+    void Split() { mIsSplit = true; }
+    void Add(Subpath const& subpath);
+    double Excess() const { return mContours.Excess() / mScale; }
+
+private:
+    void EndWhole(bool closed) { closed ? mContours.EndClosed() : mContours.EndOpen(); }
+    void AddInParts(Subpath const& subpath, bool closed);
+    void AddDashes(Subpath const& subpath, bool closed);
+    /// Begins another part if this one is full. Returns how much room there is.
+    std::size_t RoomInPart();
+
+    DashPattern const mPattern;
+    bool mIsDashed;
+    bool mJoinsAtStart;
+    double mOverlap; ///< scaled
+    double mSize;
+    double mScale;
+    std::vector<CPath>& mParts;
+    ContourList mList;
+    StrokeContours mContours;
+    bool mIsSplit = false;
+    std::size_t mInPart = 0; ///< segments or dashes
+};
+
+std::size_t StrokeMaker::RoomInPart() {
+    if (mInPart >= kPartSegments) {
+        mInPart = 0;
+        mParts.emplace_back();
+        mList.SetPath(mParts.back());
+    }
+    return kPartSegments - mInPart;
+}
+
+void StrokeMaker::Add(Subpath const& subpath) {
+    mContours.Reserve(subpath.EndElement() - subpath.FirstElement());
+    AddSegments(subpath, mScale, mContours);
+    if (mContours.IsEmpty()) {
+        mContours.AddPoint(subpath.Start() * mScale, Pt(1.0, 0.0));
+        mContours.EndOpen();
+        return;
+    }
+    bool const closed = subpath.Closed() && EndsAtStart(subpath);
+    if (mIsDashed) {
+        mContours.Clear();
+        AddDashes(subpath, closed);
+    } else if (mIsSplit) {
+        mContours.Clear();
+        AddInParts(subpath, closed);
+    } else {
+        EndWhole(closed);
+    }
+}
+
+void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
+    std::vector<PathSegment> segments;
+    std::vector<double> lengths;
+    for (PathSegment const& s : subpath) {
+        double const length = PolygonLength(
+            {{s.start * mScale, s.control1 * mScale, s.control2 * mScale, s.end * mScale}});
+        if (length > 0.0) {
+            segments.push_back(s);
+            lengths.push_back(length);
+        }
+    }
+    std::size_t const count = segments.size();
+    for (std::size_t i = 0; i < count;) {
+        std::size_t const end = std::min(i + RoomInPart(), count);
+        mInPart += end - i;
+        bool const isFirst = i == 0;
+        bool const isLast = end == count;
+        // A part begins with the end of the part before. The last one of a closed subpath also has
+        // the beginning of the first one.
+        std::size_t first = i;
+        std::size_t const least = i - std::min(i, kBlock);
+        for (double length = 0.0; first > least && !(length >= mOverlap);) {
+            length += lengths[--first];
+        }
+        std::size_t behind = 0;
+        if (isLast && closed && !isFirst) {
+            std::size_t const most = std::min(count, kBlock);
+            for (double length = 0.0; behind < most && !(length >= mOverlap);) {
+                length += lengths[behind++];
+            }
+        }
+        AddSegments(std::vector<PathSegment>(segments.begin() + static_cast<std::ptrdiff_t>(first),
+                                             segments.begin() + static_cast<std::ptrdiff_t>(end)),
+                    mScale, mContours);
+        AddSegments(std::vector<PathSegment>(
+                        segments.begin(), segments.begin() + static_cast<std::ptrdiff_t>(behind)),
+                    mScale, mContours);
+        if (isFirst && isLast) {
+            EndWhole(closed);
+        } else {
+            mContours.EndPart(isFirst && !closed, isLast && !closed);
+        }
+        i = end;
+    }
+}
+
+void StrokeMaker::AddDashes(Subpath const& subpath, bool closed) {
     OutlineMeasure const measure(PathOf(subpath));
     double const length = measure.Length();
-    double const blur = kBlurOfSize * size + kBlurOfLength * length;
+    double const blur = kBlurOfSize * mSize + kBlurOfLength * length;
     std::vector<DashRange> dashes;
-    if (!pattern.Find(length, blur, dashes)) {
-        AddSegments(subpath, scale, contours);
-        closed ? contours.EndClosed() : contours.EndOpen();
+    if (!mPattern.Find(length, blur, dashes)) {
+        if (mIsSplit) {
+            AddInParts(subpath, closed);
+        } else {
+            AddSegments(subpath, mScale, mContours);
+            EndWhole(closed);
+        }
         return;
     }
     auto const add = [&](DashRange const& dash) {
+        if (mIsSplit) {
+            RoomInPart();
+            ++mInPart;
+        }
         if (dash.from < dash.to) {
             CPath piece;
             measure.GetLengthRange(dash.from, dash.to, piece);
-            AddSegments(DashSegments(piece, blur), scale, contours);
+            AddSegments(DashSegments(piece, blur), mScale, mContours);
         }
-        if (contours.IsEmpty()) {
+        if (mContours.IsEmpty()) {
             // At a corner, rounding must not tell the direction: it is the one behind.
-            contours.AddPoint(measure.PtAtLength(dash.from) * scale,
-                              measure.AtLength(dash.from + blur).tangent);
+            mContours.AddPoint(measure.PtAtLength(dash.from) * mScale,
+                               measure.AtLength(dash.from + blur).tangent);
         }
     };
-    bool const joins = closed && joinsAtStart && !dashes.empty() && dashes.front().from == 0.0 &&
+    bool const joins = closed && mJoinsAtStart && !dashes.empty() && dashes.front().from == 0.0 &&
                        dashes.back().to == length;
     if (joins && dashes.size() == 1) {
-        AddSegments(subpath, scale, contours);
-        contours.EndClosed();
+        AddSegments(subpath, mScale, mContours);
+        mContours.EndClosed();
         return;
     }
     if (joins) {
         add(dashes.back());
         add(dashes.front());
-        contours.EndOpen();
+        mContours.EndOpen();
     }
     for (std::size_t i = joins ? 1 : 0; i + (joins ? 1 : 0) < dashes.size(); ++i) {
         add(dashes[i]);
-        contours.EndOpen();
+        mContours.EndOpen();
     }
 }
 
@@ -281,8 +408,45 @@ RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, d
 
 } // namespace
 
-double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
-                    CPath& out) {
+double CrowdedExtent(CPath const& path, trammel::StrokeStyle const& style) {
+    double const radius = 0.5 * style.width;
+    double const period = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0);
+    double extent = 0.0;
+    double painted = 0.0; // in squares of the radius
+    TRect<double> box;
+    std::size_t inBlock = 0;
+    for (PathSegment const& s : Segments(path)) {
+        if (!HasFinitePoints(s)) {
+            continue;
+        }
+        if (inBlock++ == 0) {
+            painted = 0.0;
+            box = TRect<double>(s.start.h, s.start.v, s.start.h, s.start.v);
+        }
+        Cubic const c = {{s.start, s.control1, s.control2, s.end}};
+        double const length = PolygonLength(c);
+        double const ends = period > 0.0 ? 1.0 + length / period : 1.0;
+        painted += 2.0 * (length / radius + 2.0 * ends);
+        for (Pt const& p : c) {
+            box.left = std::min(box.left, p.h);
+            box.right = std::max(box.right, p.h);
+            box.top = std::min(box.top, p.v);
+            box.bottom = std::max(box.bottom, p.v);
+        }
+        if (inBlock == kBlock) {
+            inBlock = 0;
+            double const width = box.right - box.left;
+            double const height = box.bottom - box.top;
+            if (painted > kOften * (width / radius + 2.0) * (height / radius + 2.0)) {
+                extent = std::max({extent, width, height});
+            }
+        }
+    }
+    return extent;
+}
+
+double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
+                   bool inParts, std::vector<CPath>& parts) {
     double const radius = 0.5 * style.width;
     if (!(radius > 0.0) || !std::isfinite(radius)) {
         return tolerance > 0.0 ? tolerance : 0.0;
@@ -299,37 +463,24 @@ double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double
     pen.startCap = style.startCap;
     pen.endCap = style.endCap;
     pen.tolerance = kept * scale;
-    // Each segment has two sides, unless corners or dashes take more.
-    out.mCtls.reserve(out.mCtls.size() + 2 * path.mCtls.size());
-    out.mPts.reserve(out.mPts.size() + 2 * path.mPts.size());
-    ContourList list(out, 1.0 / scale);
-    StrokeContours contours(pen, list);
     std::vector<Pt> const shared =
         MayHaveArcs(path, pen) ? SharedPoints(path, scale) : std::vector<Pt>();
-    contours.SetSharedPoints(shared);
-    DashPattern const pattern(style.dashes, style.dashOffset);
 
-    for (Subpath const& subpath : Subpaths(path)) {
-        if (subpath.Empty() || !IsDrawn(subpath)) {
-            continue;
-        }
-        contours.Reserve(subpath.EndElement() - subpath.FirstElement());
-        AddSegments(subpath, scale, contours);
-        if (contours.IsEmpty()) {
-            contours.AddPoint(subpath.Start() * scale, Pt(1.0, 0.0));
-            contours.EndOpen();
-            continue;
-        }
-        bool const closed = subpath.Closed() && EndsAtStart(subpath);
-        if (!style.dashes.empty()) {
-            contours.Clear();
-            AddDashes(subpath, closed, pattern, style.joinsDashesAtStart, pathSize, scale,
-                      contours);
-            continue;
-        }
-        closed ? contours.EndClosed() : contours.EndOpen();
+    parts.emplace_back();
+    StrokeMaker maker(pen, style, pathSize, scale, shared, parts);
+    if (inParts) {
+        maker.Split();
+    } else {
+        // Each segment has two sides, unless corners or dashes take more.
+        parts.back().mCtls.reserve(2 * path.mCtls.size());
+        parts.back().mPts.reserve(2 * path.mPts.size());
     }
-    return kept + contours.Excess() / scale;
+    for (Subpath const& subpath : Subpaths(path)) {
+        if (!subpath.Empty() && IsDrawn(subpath)) {
+            maker.Add(subpath);
+        }
+    }
+    return kept + maker.Excess();
 }
 
 double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin join,

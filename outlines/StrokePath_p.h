@@ -8,13 +8,22 @@
 #include "CPath.h"
 #include "StrokeStyle.h"
 
+#include <vector>
+
 namespace trammel_detail {
 
-/// Appends the contours of a stroke, parts of which overlap, and returns the distance that they
-/// keep: the tolerance, or the least that there is. The winding number around each point is the
-/// number of times that the pen covers it.
-double AppendStroke(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
-                    CPath& out);
+/// Looks for segments that follow each other around which a pen covers places many times on
+/// average. Returns their greatest extent in h or v, or 0 where there are none. O(n).
+double CrowdedExtent(CPath const& path, trammel::StrokeStyle const& style);
+
+/// Appends the parts of a stroke, and returns the distance that they keep: the tolerance, or the
+/// least that there is.
+///
+/// A part has the contours of a few segments or dashes, or else one part has all. The winding
+/// number of a part's contours around each point is the number of times that the pen covers it
+/// there. Parts that follow each other overlap.
+double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
+                   bool inParts, std::vector<CPath>& parts);
 
 /// Appends contours with winding numbers above 0 where a region grown by a distance is, and 0
 /// elsewhere, and returns the distance that they keep.

@@ -10,6 +10,7 @@
 #include "PathSegments.h"
 #include "PathStructure.h"
 #include "Shapes.h"
+#include "StrokeChecks.h"
 #include "StrokeJudge.h"
 #include "SvgPath.h"
 #include "TestSupport.h"
@@ -38,10 +39,16 @@ using trammel::StrokeCap;
 using trammel::StrokeJoin;
 using trammel::StrokeStyle;
 using trammel::WindingNumber;
+using trammel_test::AnyStyle;
 using trammel_test::Dice;
+using trammel_test::ExpectSweep;
 using trammel_test::HardPath;
 using trammel_test::kHardKinds;
+using trammel_test::NearBorder;
+using trammel_test::Plain;
+using trammel_test::Round;
 using trammel_test::Rounds;
+using trammel_test::Style;
 
 typedef TPoint<double> Pt;
 
@@ -54,16 +61,6 @@ CPath Path(std::string const& text) {
     return result.path;
 }
 
-StrokeStyle Style(double width, StrokeJoin join, StrokeCap cap) {
-    StrokeStyle style;
-    style.width = width;
-    style.join = join;
-    style.startCap = style.endCap = cap;
-    return style;
-}
-StrokeStyle Round(double width) { return Style(width, StrokeJoin::kRound, StrokeCap::kRound); }
-StrokeStyle Plain(double width) { return Style(width, StrokeJoin::kMiter, StrokeCap::kButt); }
-
 CPath Stroked(CPath const& path, StrokeStyle const& style, double tolerance = 1e-7) {
     CPath out;
     Stroke(path, style, tolerance, out);
@@ -71,20 +68,6 @@ CPath Stroked(CPath const& path, StrokeStyle const& style, double tolerance = 1e
 }
 double StrokedArea(std::string const& text, StrokeStyle const& style) {
     return SignedArea(Stroked(Path(text), style));
-}
-
-/// A point near the path, most often close to the border of its stroke.
-Pt NearBorder(OutlineMeasure const& measure, double radius, Dice& dice) {
-    double const angle = dice.Between(0.0, 2.0 * pi);
-    Pt const direction(std::cos(angle), std::sin(angle));
-    Pt const p = measure.TPt(dice.Unit()) + direction * (radius * dice.Between(0.0, 2.0));
-    OutlineMeasure::Nearest const nearest = measure.FindNearest(p);
-    if (dice.Below(3) == 0 || nearest.distance == 0.0) {
-        return p;
-    }
-    double const off = dice.Decade(-6.0, -1.0);
-    return nearest.point + (p - nearest.point) *
-                               (radius / nearest.distance * (dice.Coin() ? 1.0 + off : 1.0 - off));
 }
 
 // ---- what Stroke promises
@@ -118,43 +101,6 @@ TEST(Stroke, ReturnsTheToleranceWhereItCanBeKept) {
     EXPECT_LT(least, 1e-7);
     EXPECT_EQ(Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), kNaN, out), least);
     EXPECT_EQ(Stroke(Path("M0 0 C10 0 10 10 0 10"), Round(2), -1.0, out), least);
-}
-
-/// Fails where a stroke is not what sweep, joins and caps cover, save within the distance.
-void ExpectSweep(CPath const& path, StrokeStyle const& style, double tolerance, int number,
-                 Dice& dice) {
-    CPath out;
-    double const kept = Stroke(path, style, tolerance, out);
-    trammel_test::StrokeJudge const ideal(path, style);
-    trammel_test::OutlineJudge const judge(out);
-    OutlineMeasure const line(path);
-    std::vector<Pt> points;
-    for (int k = 0; k < 30; ++k) {
-        points.push_back(k % 3 == 0 ? path.mPts[static_cast<std::size_t>(
-                                          dice.Below(static_cast<int>(path.mPts.size())))] +
-                                          dice.Point() * (2.0 * style.width)
-                                    : NearBorder(line, 0.5 * style.width, dice));
-    }
-    std::mt19937 random(static_cast<unsigned>(number));
-    judge.ForBeside(random, 1, 1.5 * kept, [&](Pt const& p) { points.push_back(p); });
-    for (Pt const& p : points) {
-        int const winding = judge.Winding(p);
-        ASSERT_TRUE(winding == (ideal.Covers(p) ? 1 : 0) || ideal.IsAtBorder(p, kept))
-            << "path " << number << ": " << trammel::WriteSvgPath(path) << " at " << p.h << ' '
-            << p.v << ", winding number " << winding << ", width " << style.width << ", join "
-            << static_cast<int>(style.join) << ", limit " << style.miterLimit << ", tolerance "
-            << tolerance;
-    }
-}
-
-StrokeStyle AnyStyle(double width, Dice& dice) {
-    StrokeStyle style;
-    style.width = width;
-    style.join = static_cast<StrokeJoin>(dice.Below(4));
-    style.endCap = static_cast<StrokeCap>(dice.Below(3));
-    style.startCap = static_cast<StrokeCap>(dice.Below(3));
-    style.miterLimit = dice.Between(0.5, 6.0);
-    return style;
 }
 
 TEST(Stroke, HoldsWhatSweepJoinsAndCapsCoverAndNothingElse) {

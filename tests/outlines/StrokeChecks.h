@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: MIT
+
+// Strokes beside the judge of strokes.
+
+#ifndef TRAMMEL_STROKECHECKS_H
+#define TRAMMEL_STROKECHECKS_H
+
+#include "HardPaths.h"
+#include "OutlineJudge.h"
+#include "OutlineMeasure.h"
+#include "Stroke.h"
+#include "StrokeJudge.h"
+#include "SvgPath.h"
+#include "TPoint.h"
+#include "UTrigonometry.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstddef>
+#include <random>
+#include <vector>
+
+namespace trammel_test {
+
+inline trammel::StrokeStyle Style(double width, trammel::StrokeJoin join, trammel::StrokeCap cap) {
+    trammel::StrokeStyle style;
+    style.width = width;
+    style.join = join;
+    style.startCap = style.endCap = cap;
+    return style;
+}
+inline trammel::StrokeStyle Round(double width) {
+    return Style(width, trammel::StrokeJoin::kRound, trammel::StrokeCap::kRound);
+}
+inline trammel::StrokeStyle Plain(double width) {
+    return Style(width, trammel::StrokeJoin::kMiter, trammel::StrokeCap::kButt);
+}
+
+/// Returns a point near the path, most often close to the border of its stroke.
+inline TPoint<double> NearBorder(trammel::OutlineMeasure const& measure, double radius,
+                                 Dice& dice) {
+    double const angle = dice.Between(0.0, 2.0 * pi);
+    TPoint<double> const direction(std::cos(angle), std::sin(angle));
+    TPoint<double> const p =
+        measure.TPt(dice.Unit()) + direction * (radius * dice.Between(0.0, 2.0));
+    trammel::OutlineMeasure::Nearest const nearest = measure.FindNearest(p);
+    if (dice.Below(3) == 0 || nearest.distance == 0.0) {
+        return p;
+    }
+    double const off = dice.Decade(-6.0, -1.0);
+    return nearest.point + (p - nearest.point) *
+                               (radius / nearest.distance * (dice.Coin() ? 1.0 + off : 1.0 - off));
+}
+
+/// Fails where a stroke is not what sweep, joins and caps cover, save within the distance.
+inline void ExpectSweep(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
+                        int number, Dice& dice) {
+    CPath out;
+    double const kept = trammel::Stroke(path, style, tolerance, out);
+    StrokeJudge const ideal(path, style);
+    OutlineJudge const judge(out);
+    trammel::OutlineMeasure const line(path);
+    std::vector<TPoint<double>> points;
+    for (int k = 0; k < 30; ++k) {
+        points.push_back(k % 3 == 0 ? path.mPts[static_cast<std::size_t>(
+                                          dice.Below(static_cast<int>(path.mPts.size())))] +
+                                          dice.Point() * (2.0 * style.width)
+                                    : NearBorder(line, 0.5 * style.width, dice));
+    }
+    std::mt19937 random(static_cast<unsigned>(number));
+    judge.ForBeside(random, 1, 1.5 * kept, [&](TPoint<double> const& p) { points.push_back(p); });
+    for (TPoint<double> const& p : points) {
+        int const winding = judge.Winding(p);
+        ASSERT_TRUE(winding == (ideal.Covers(p) ? 1 : 0) || ideal.IsAtBorder(p, kept))
+            << "path " << number << ": " << trammel::WriteSvgPath(path) << " at " << p.h << ' '
+            << p.v << ", winding number " << winding << ", width " << style.width << ", join "
+            << static_cast<int>(style.join) << ", limit " << style.miterLimit << ", tolerance "
+            << tolerance;
+    }
+}
+
+inline trammel::StrokeStyle AnyStyle(double width, Dice& dice) {
+    trammel::StrokeStyle style;
+    style.width = width;
+    style.join = static_cast<trammel::StrokeJoin>(dice.Below(4));
+    style.endCap = static_cast<trammel::StrokeCap>(dice.Below(3));
+    style.startCap = static_cast<trammel::StrokeCap>(dice.Below(3));
+    style.miterLimit = dice.Between(0.5, 6.0);
+    return style;
+}
+
+} // namespace trammel_test
+
+#endif

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: MIT
+
+// Strokes and offsets whose pen paints the same places many times.
+
+#include "Stroke.h"
+
+#include "HardPaths.h"
+#include "OutlineJudge.h"
+#include "OutlineMeasure.h"
+#include "OutlineOperations.h"
+#include "PathStructure.h"
+#include "StrokeChecks.h"
+#include "StrokeJudge.h"
+#include "TestSupport.h"
+#include "Winding.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <vector>
+
+namespace {
+
+using trammel::FillRule;
+using trammel::Offset;
+using trammel::OutlineMeasure;
+using trammel::Stroke;
+using trammel::StrokeCap;
+using trammel::StrokeJoin;
+using trammel::StrokeStyle;
+using trammel::WindingNumber;
+using trammel_test::AnyStyle;
+using trammel_test::Dice;
+using trammel_test::ExpectSweep;
+using trammel_test::NearBorder;
+using trammel_test::Round;
+using trammel_test::Rounds;
+
+typedef TPoint<double> Pt;
+
+/// Lines and curves to random points of a square, in subpaths of 1 to `most` segments, some of them
+/// closed.
+CPath Scribble(int segments, int most, Dice& dice) {
+    CPath path;
+    for (int left = segments; left > 0;) {
+        path.MoveTo(dice.Point());
+        int const here = 1 + dice.Below(most);
+        for (int i = 0; i < here; ++i) {
+            Pt const a = dice.Point();
+            Pt const b = dice.Point();
+            Pt const end = dice.Point();
+            dice.Coin() ? path.CurveTo(a, b, end) : path.LineTo(end);
+        }
+        if (dice.Coin()) {
+            path.ClosePath();
+        }
+        left -= here;
+    }
+    return path;
+}
+
+TEST(WidePens, PaintWhatSweepJoinsAndCapsCoverAndNothingElse) {
+    Dice dice(21);
+    for (int i = 0; i < Rounds(8); ++i) {
+        CPath const path = Scribble(70, i % 4 == 0 ? 1 : 40, dice);
+        StrokeStyle const style = AnyStyle(dice.Decade(-0.5, 2.5), dice);
+        ASSERT_NO_FATAL_FAILURE(ExpectSweep(path, style, 1e-6 * style.width, i, dice));
+    }
+}
+
+TEST(WidePens, PaintWhatIsWithinHalfTheWidthAtAnyTolerance) {
+    Dice dice(22);
+    for (int i = 0; i < Rounds(24); ++i) {
+        CPath const path = Scribble(120, 120, dice);
+        double const radius = dice.Decade(-0.5, 3.0);
+        double const tolerance = radius * dice.Decade(-8.0, 1.0);
+        CPath out;
+        double const kept = Stroke(path, Round(2.0 * radius), tolerance, out);
+        ASSERT_LE(kept, tolerance + 1e-7 * (radius + 2.0));
+        OutlineMeasure const measure(path);
+        for (int k = 0; k < 60; ++k) {
+            Pt const p = NearBorder(measure, radius, dice);
+            double const distance = measure.Distance(p);
+            if (std::abs(distance - radius) > kept) {
+                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
+                    << "path " << i << ", off by " << (distance - radius) / radius;
+            }
+        }
+    }
+}
+
+TEST(WidePens, PaintDashesThatAreShorterThanTheyAreWide) {
+    Dice dice(23);
+    for (int i = 0; i < Rounds(16); ++i) {
+        CPath const path = Scribble(70, 20, dice);
+        double const radius = dice.Decade(-1.0, 1.0);
+        StrokeStyle style = Round(2.0 * radius);
+        style.dashes = {radius * dice.Decade(-1.0, 0.0), radius * dice.Decade(-1.0, 0.0)};
+        CPath out;
+        double const kept = Stroke(path, style, 1e-6 * radius, out);
+        CPath dashes; // by lengths along each subpath
+        for (CPath const& subpath : trammel::SplitSubpaths(path)) {
+            OutlineMeasure const measure(subpath);
+            double const step = style.dashes[0] + style.dashes[1];
+            for (double from = 0.0; from < measure.Length(); from += step) {
+                measure.GetLengthRange(from, from + style.dashes[0], dashes);
+            }
+        }
+        OutlineMeasure const drawn(dashes);
+        for (int k = 0; k < 60; ++k) {
+            Pt const p = NearBorder(drawn, radius, dice);
+            double const distance = drawn.Distance(p);
+            // The dashes' ends are as exact as lengths.
+            if (std::abs(distance - radius) > kept + 1e-6 * radius) {
+                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
+                    << "path " << i << ", off by " << (distance - radius) / radius;
+            }
+        }
+    }
+}
+
+TEST(WidePens, GrowAndShrinkRegionsOfManyContours) {
+    Dice dice(24);
+    int held = 0;
+    for (int i = 0; i < Rounds(20); ++i) {
+        CPath const region = trammel::WithSubpathsClosed(Scribble(40, 40, dice));
+        FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
+        double const distance = dice.Coin() ? dice.Decade(-2.0, 2.0) : -dice.Decade(-2.5, -0.8);
+        double const tolerance = std::abs(distance) * dice.Decade(-6.0, 0.5);
+        CPath out;
+        double const kept = Offset(region, rule, distance, StrokeJoin::kRound, 4.0, tolerance, out);
+        ASSERT_LE(kept, tolerance + 1e-6 * (std::abs(distance) + 2.0));
+        CPath plain; // the border of the region
+        double const off = RemoveOverlap(region, rule, 0.0, plain);
+        OutlineMeasure const border(plain);
+        for (int k = 0; k < 60; ++k) {
+            Pt const p = NearBorder(border, std::abs(distance), dice);
+            double const away = border.Distance(p);
+            double const height = trammel::Contains(plain, p, FillRule::kNonZero) ? -away : away;
+            if (std::abs(height - distance) > kept + off) {
+                ++held;
+                ASSERT_EQ(WindingNumber(out, p), height < distance ? 1 : 0)
+                    << "region " << i << ", distance " << distance << ", off by "
+                    << (height - distance) / distance;
+            }
+        }
+    }
+    EXPECT_GT(held, 500);
+}
+
+TEST(WidePens, HaveFewElements) {
+    // The hull of the ends has 12 corners. A round pen has an arc around each, and a line to the
+    // next one. An arc that several parts paint may be of two curves.
+    CPath path;
+    for (int i = 0; i < 600; ++i) {
+        double const angle = 2.0 * pi * (i % 12) / 12;
+        double const radius = i % 5 == 0 ? 1.0 : 0.3;
+        Pt const p(radius * std::cos(angle), radius * std::sin(angle));
+        i == 0 ? path.MoveTo(p) : path.LineTo(p);
+    }
+    CPath out;
+    Stroke(path, Round(20.0), 1e-4, out);
+    EXPECT_EQ(trammel::SplitSubpaths(out).size(), 1U);
+    EXPECT_LE(out.mCtls.size(), 2U + 12U + 24U);
+}
+
+} // namespace
