@@ -120,6 +120,20 @@ TEST(WidePens, PaintDashesThatAreShorterThanTheyAreWide) {
     }
 }
 
+TEST(WidePens, PaintASolidLineWhereDashesHaveNoMeaning) {
+    Dice dice(25);
+    CPath const path = Scribble(70, 20, dice);
+    StrokeStyle style = Round(3.0);
+    CPath solid;
+    Stroke(path, style, 1e-4, solid);
+    style.dashes = {0.0, 0.0};
+    CPath out;
+    Stroke(path, style, 1e-4, out);
+    EXPECT_EQ(out.mCtls, solid.mCtls);
+    EXPECT_TRUE(out.mPts == solid.mPts);
+    EXPECT_FALSE(out.mCtls.empty());
+}
+
 TEST(WidePens, GrowAndShrinkRegionsOfManyContours) {
     Dice dice(24);
     int held = 0;
