@@ -167,20 +167,23 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
         out.clear();
         return std::max(asked, kept);
     }
+    double const used = UsableTolerance(asked, std::abs(distance), 0.0);
+    double const share = used - kContourShare * used;
+    CPath grown;
+    double const off = trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
+                                                   kContourShare * used, grown);
     StrokeStyle border;
     border.width = 2.0 * std::abs(distance);
     border.join = StrokeJoin::kRound;
+    border.startCap = border.endCap = StrokeCap::kRound; // a round pen leaves out what folds
     double const crowd =
         join == StrokeJoin::kRound ? trammel_detail::CrowdedExtent(plain, border) : 0.0;
-    double const used = UsableTolerance(asked, std::abs(distance), crowd);
-    if (crowd > 0.0) {
-        kept += OffsetByStroke(plain, border, distance > 0.0, used, out);
+    if (crowd > 0.0 && !trammel_detail::AreContoursPlain(grown)) {
+        kept += OffsetByStroke(plain, border, distance > 0.0,
+                               UsableTolerance(asked, std::abs(distance), crowd), out);
         return std::max(asked, kept);
     }
-    double const share = used - kContourShare * used;
-    CPath grown;
-    kept += trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
-                                        kContourShare * used, grown);
+    kept += off;
     if (distance > 0.0) {
         kept += Unite(grown, share, out);
         return std::max(asked, kept);
