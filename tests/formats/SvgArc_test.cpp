@@ -3,6 +3,7 @@
 #include "Finite.h"
 #include "SvgPath.h"
 
+#include "PathText.h"
 #include "SvgTexts.h"
 
 #include <gtest/gtest.h>
@@ -21,7 +22,7 @@ using trammel::SvgPathResult;
 using trammel_test::CurvePoint;
 using trammel_test::Elements;
 using trammel_test::IsFinite;
-using trammel_test::Read;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 typedef long double Wide;
@@ -91,7 +92,7 @@ ArcDeviation CheckArc(Pt from, double rx, double ry, double degrees, bool large,
                   from.v, rx, ry, degrees, large ? 1 : 0, sweep ? 1 : 0, to.h, to.v);
     SCOPED_TRACE(text);
     Ellipse const ellipse(from, to, rx, ry, degrees, large, sweep);
-    CPath const path = Read(text);
+    CPath const path = Path(text);
     ArcDeviation deviation;
     std::size_t const curves = path.mCtls.size() - 1;
     EXPECT_GE(curves, 1U);
@@ -169,7 +170,7 @@ TEST(SvgArc, FollowsTheFlags) {
     for (Row const& row : {Row{0, 0, 0, 2}, Row{0, 1, -2, 0}, Row{1, 0, 0, 8}, Row{1, 1, -8, 0}}) {
         std::string const text =
             "M0 0A5 5 0 " + std::to_string(row.large) + std::to_string(row.sweep) + "8 0";
-        CPath const path = Read(text);
+        CPath const path = Path(text);
         double lowest = 0.0;
         double highest = 0.0;
         for (int i = 0; i <= 1000; ++i) {
@@ -185,13 +186,13 @@ TEST(SvgArc, FollowsTheFlags) {
 TEST(SvgArc, EnlargesRadiiThatAreTooSmall) {
     // The arc is a half circle over the chord, whatever the radius below half the chord.
     for (char const* const radii : {"1 1", "0.001 0.001", "5 5", "-5 5", "1e-300 1e-300"}) {
-        CPath const path = Read("M0 0A" + std::string(radii) + " 0 0 1 10 0");
+        CPath const path = Path("M0 0A" + std::string(radii) + " 0 0 1 10 0");
         ASSERT_EQ(path.mPts.size(), 13U) << radii;
         EXPECT_NEAR(path.mPts[6].h, 5.0, 1e-14) << radii;
         EXPECT_NEAR(path.mPts[6].v, -5.0, 1e-14) << radii;
     }
     // In proportion: twice as high as wide.
-    CPath const path = Read("M0 0A1 2 0 0 1 10 0");
+    CPath const path = Path("M0 0A1 2 0 0 1 10 0");
     EXPECT_NEAR(path.mPts[6].v, -10.0, 1e-13);
 }
 
@@ -201,45 +202,45 @@ TEST(SvgArc, QuarterTurnsOfTheAxesAreExact) {
             EXPECT_EQ(ReadSvgPath("M0 0A3 2 1e300 0 1 3 2").error.has_value(), false);
             continue;
         }
-        EXPECT_EQ(Elements(Read("M0 0A3 2 " + std::string(degrees) + " 0 1 3 2")),
-                  Elements(Read("M0 0A3 2 0 0 1 3 2")))
+        EXPECT_EQ(Elements(Path("M0 0A3 2 " + std::string(degrees) + " 0 1 3 2")),
+                  Elements(Path("M0 0A3 2 0 0 1 3 2")))
             << degrees;
     }
     for (char const* const degrees : {"90", "-90", "270", "-270", "450"}) {
-        EXPECT_EQ(Elements(Read("M0 0A3 2 " + std::string(degrees) + " 0 1 3 2")),
-                  Elements(Read("M0 0A2 3 0 0 1 3 2")))
+        EXPECT_EQ(Elements(Path("M0 0A3 2 " + std::string(degrees) + " 0 1 3 2")),
+                  Elements(Path("M0 0A2 3 0 0 1 3 2")))
             << degrees;
     }
 }
 
 TEST(SvgArc, EndsExactlyAndKeepsSmallArcsOfGiantCircles) {
     // The sagitta of an arc over the chord c = 1 is c²/8r: at r = 1e9 far below the rounding of r.
-    CPath const path = Read("M0 0A1e9 1e9 0 0 1 1 0");
+    CPath const path = Path("M0 0A1e9 1e9 0 0 1 1 0");
     ASSERT_EQ(path.mPts.size(), 4U);
     Pt const middle = CurvePoint(path.mPts.data(), 0.5);
     EXPECT_NEAR(middle.v / -1.25e-10, 1.0, 1e-9);
     EXPECT_NEAR(middle.h, 0.5, 1e-15);
-    CPath const straight = Read("M0 0A1e200 1e200 30 0 1 1 0");
+    CPath const straight = Path("M0 0A1e200 1e200 30 0 1 1 0");
     EXPECT_EQ(straight.mPts.back(), Pt(1, 0));
     EXPECT_LT(std::abs(straight.mPts[1].v), 1e-15);
     EXPECT_NEAR(straight.mPts[1].h, 1.0 / 3.0, 1e-15);
     // A circle that all but closes, as icons draw it.
-    CPath const circle = Read("M10 0A10 10 0 1 1 10-.0001");
+    CPath const circle = Path("M10 0A10 10 0 1 1 10-.0001");
     EXPECT_EQ(circle.mCtls.size(), 9U);
     EXPECT_EQ(circle.mPts.back(), Pt(10, -0.0001));
     EXPECT_NEAR(circle.Length(), 2 * kPi * 10, 2e-3);
 }
 
 TEST(SvgArc, FlagsNeedNoSeparators) {
-    std::string const expected = Elements(Read("M0 0 a 1 1 0 0 0 0.5 0.5"));
+    std::string const expected = Elements(Path("M0 0 a 1 1 0 0 0 0.5 0.5"));
     for (char const* const text :
          {"M0 0a1 1 0 00.5.5", "M0 0a1,1,0,0,0,.5,.5", "M0 0a1 1 0 0 0.5.5", "M0 0a1 1 0 00 .5.5",
           "M0 0a1 1 0,00,.5.5", "M0 0a1 1 0 0 ,0.5.5", "M0 0a1 1 0 00+.5+.5",
           "M0 0a-1-1-0 00.5.5"}) {
-        EXPECT_EQ(Elements(Read(text)), expected) << text;
+        EXPECT_EQ(Elements(Path(text)), expected) << text;
     }
-    EXPECT_EQ(Elements(Read("M0 0a1 1 0 01-.5.5 1 1 0 10.5.5")),
-              Elements(Read("M0 0 a 1 1 0 0 1 -0.5 0.5 a 1 1 0 1 0 0.5 0.5")));
+    EXPECT_EQ(Elements(Path("M0 0a1 1 0 01-.5.5 1 1 0 10.5.5")),
+              Elements(Path("M0 0 a 1 1 0 0 1 -0.5 0.5 a 1 1 0 1 0 0.5 0.5")));
 }
 
 TEST(SvgArc, ShapeBeyondTheRangeOfDoubleIsAnError) {

@@ -2,6 +2,7 @@
 
 #include "SvgPath.h"
 
+#include "PathText.h"
 #include "SvgTexts.h"
 
 #include <gtest/gtest.h>
@@ -24,7 +25,7 @@ using trammel::ReadSvgPath;
 using trammel::SvgPathResult;
 using trammel_test::CurvePoint;
 using trammel_test::Elements;
-using trammel_test::Read;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 
@@ -38,7 +39,7 @@ void PrintTo(ReadRow const& row, std::ostream* out) { *out << '"' << row.text <<
 class ReadSvgPathTable : public ::testing::TestWithParam<ReadRow> {};
 
 TEST_P(ReadSvgPathTable, GivesTheElements) {
-    EXPECT_EQ(Elements(Read(GetParam().text)), GetParam().elements);
+    EXPECT_EQ(Elements(Path(GetParam().text)), GetParam().elements);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -142,12 +143,12 @@ INSTANTIATE_TEST_SUITE_P(
         ReadRow{"M1 1L2 2M5 5", "M 1,1 L 2,2 M 5,5"}, ReadRow{"M1 1ZM1 1Z", "M 1,1 Z M 1,1 Z"}));
 
 TEST(ReadSvgPath, BoundsAndCurrentPointAreThoseOfThePoints) {
-    CPath const path = Read("M1 1L5 3L2 7Zl-4 0");
+    CPath const path = Path("M1 1L5 3L2 7Zl-4 0");
     EXPECT_EQ(path.CurrentPoint(), Pt(-3, 1));
     EXPECT_TRUE(path.mOpen);
     EXPECT_EQ(path.Bounds().left, -3.0);
     EXPECT_EQ(path.Bounds().bottom, 7.0);
-    EXPECT_FALSE(Read("M1 1L5 3Z").mOpen);
+    EXPECT_FALSE(Path("M1 1L5 3Z").mOpen);
 }
 
 TEST(ReadSvgPath, KeepsDotsWhereAsked) {
@@ -185,7 +186,7 @@ TEST(ReadSvgPath, RaisesQuadraticCurvesExactly) {
         for (int k = 2; k < 6; ++k) {
             text += std::to_string(p[k]) + " ";
         }
-        CPath const path = Read(text);
+        CPath const path = Path(text);
         if (path.mPts.size() != 4) {
             continue; // returned to its start
         }
@@ -209,7 +210,7 @@ TEST(ReadSvgPath, RaisesQuadraticCurvesExactly) {
 }
 
 TEST(ReadSvgPath, RaisesHugeQuadraticCurvesWithoutOverflow) {
-    CPath const path = Read("M1.5e308 0Q1.5e308 9e307 0 1.5e308");
+    CPath const path = Path("M1.5e308 0Q1.5e308 9e307 0 1.5e308");
     ASSERT_EQ(path.mPts.size(), 4U);
     EXPECT_EQ(path.mPts[1].h, 1.5e308);
     EXPECT_NEAR(path.mPts[1].v / 6e307, 1.0, 1e-15);
@@ -228,7 +229,7 @@ TEST(ReadSvgPath, CutCurveCoversTheWholeCurve) {
         char text[200];
         std::snprintf(text, sizeof text, "M%.17g %.17gC%.17g %.17g %.17g %.17g %.17g %.17g", c[0],
                       c[1], c[2], c[3], c[4], c[5], c[0], c[1]);
-        CPath const path = Read(text);
+        CPath const path = Path(text);
         ASSERT_EQ(path.mCtls, (std::vector<char>{kPathMove, kPathCurve, kPathCurve}));
         Pt const whole[] = {Pt(c[0], c[1]), Pt(c[2], c[3]), Pt(c[4], c[5]), Pt(c[0], c[1])};
         for (double t = 0.0; t <= 1.0; t += 0.125) {

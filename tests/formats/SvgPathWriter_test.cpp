@@ -4,6 +4,7 @@
 
 #include "CMatrix3x3.h"
 #include "Finite.h"
+#include "PathText.h"
 #include "SvgTexts.h"
 
 #include <gtest/gtest.h>
@@ -29,8 +30,8 @@ using trammel::SvgPathResult;
 using trammel::WriteSvgPath;
 using trammel_test::Elements;
 using trammel_test::IsFinite;
+using trammel_test::Path;
 using trammel_test::Raw;
-using trammel_test::Read;
 using trammel_test::Same;
 
 typedef TPoint<double> Pt;
@@ -48,10 +49,10 @@ void PrintTo(WriteRow const& row, std::ostream* out) { *out << '"' << row.read <
 class WriteSvgPathTable : public ::testing::TestWithParam<WriteRow> {};
 
 TEST_P(WriteSvgPathTable, GivesTheShortestText) {
-    CPath const path = Read(GetParam().read);
+    CPath const path = Path(GetParam().read);
     std::string const written = WriteSvgPath(path);
     EXPECT_EQ(written, GetParam().written);
-    EXPECT_TRUE(Same(Read(written), path));
+    EXPECT_TRUE(Same(Path(written), path));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -235,7 +236,7 @@ TEST(WriteSvgPath, NoTextIsShorter) {
             path.ClosePath();
         }
         std::string const written = WriteSvgPath(path);
-        EXPECT_TRUE(Same(Read(written), path)) << written;
+        EXPECT_TRUE(Same(Path(written), path)) << written;
         EXPECT_EQ(written.size(), ShortestByForce(path).Length()) << written;
     }
 }
@@ -329,7 +330,7 @@ TEST(WriteSvgPath, ReadsBackBitByBit) {
         for (int i = 0; i < 1000; ++i) {
             CPath const path = RandomPath(random, flavour);
             std::string const written = WriteSvgPath(path);
-            CPath const back = Read(written);
+            CPath const back = Path(written);
             ASSERT_TRUE(Same(back, path)) << written << "\n"
                                           << Elements(path) << "\n"
                                           << Elements(back);
@@ -364,7 +365,7 @@ TEST(WriteSvgPath, ElementsWithoutMoveStartWhereTheyAreMeasuredFrom) {
         CPath const path = Raw(row.codes, row.points);
         std::string const written = WriteSvgPath(path);
         EXPECT_EQ(written, row.written) << row.codes;
-        EXPECT_NEAR(Read(written).Length(), path.Length(), 1e-12) << row.codes;
+        EXPECT_NEAR(Path(written).Length(), path.Length(), 1e-12) << row.codes;
     }
 }
 
@@ -394,17 +395,17 @@ TEST(WriteSvgPath, LeavesOutWhatHasNoMeaning) {
 }
 
 TEST(WriteSvgPath, WritesWhatATransformHasFlattened) {
-    CPath path = Read("M1 2L3 4C5 6 7 8 9 10Z");
+    CPath path = Path("M1 2L3 4C5 6 7 8 9 10Z");
     path.Transform(CMatrix3x3().Scale(0.0, 0.0));
     EXPECT_EQ(WriteSvgPath(path), "M0 0H0S0 0 0 0Z");
-    EXPECT_EQ(Elements(Read(WriteSvgPath(path))), "M 0,0 Z");
+    EXPECT_EQ(Elements(Path(WriteSvgPath(path))), "M 0,0 Z");
 }
 
 TEST(WriteSvgPath, ThrowsAtNumbersThatHaveNoText) {
     for (double const bad : {kNaN, kInfinity, -kInfinity}) {
         for (std::size_t i = 0; i < 5; ++i) {
             for (bool const vertical : {false, true}) {
-                CPath path = Read("M1 2L3 4C5 6 7 8 9 10Z");
+                CPath path = Path("M1 2L3 4C5 6 7 8 9 10Z");
                 (vertical ? path.mPts[i].v : path.mPts[i].h) = bad;
                 try {
                     WriteSvgPath(path);

@@ -4,6 +4,7 @@
 #include "SvgPath.h"
 
 #include "../platform/LocaleForTests.h"
+#include "PathText.h"
 #include "ShortMemory.h"
 #include "SvgTexts.h"
 
@@ -33,7 +34,7 @@ using trammel::WriteSvgPath;
 using trammel_test::AllocatedBytes;
 using trammel_test::Elements;
 using trammel_test::IsFinite;
-using trammel_test::Read;
+using trammel_test::Path;
 using trammel_test::Same;
 
 typedef TPoint<double> Pt;
@@ -143,10 +144,10 @@ TEST(SvgPath, KnowsNoLocale) {
     if (!locale.Available()) {
         GTEST_SKIP() << "no locale with a decimal comma here";
     }
-    CPath const path = Read("M1.5.25l1e-3,2.5");
+    CPath const path = Path("M1.5.25l1e-3,2.5");
     EXPECT_EQ(path.mPts[0], Pt(1.5, 0.25));
     EXPECT_EQ(path.mPts[1], Pt(1.501, 2.75));
-    EXPECT_EQ(WriteSvgPath(Read("M1.5.25V2.75")), "M1.5.25v2.5");
+    EXPECT_EQ(WriteSvgPath(Path("M1.5.25V2.75")), "M1.5.25v2.5");
     EXPECT_TRUE(ReadSvgPath("M1,5").error == std::nullopt);
 }
 
@@ -184,7 +185,7 @@ TEST(SvgPath, MemoryIsLinear) {
     for (std::size_t const count : {1000U, 10000U, 100000U}) {
         std::string const text = LongText(count);
         std::size_t before = AllocatedBytes();
-        CPath const path = Read(text);
+        CPath const path = Path(text);
         std::size_t const read = AllocatedBytes() - before;
         // A vector that grows by halves or doubles takes, in all its blocks together, a few times
         // the last one. Quadratic growth would be thousands of times.
@@ -199,13 +200,13 @@ TEST(SvgPath, MemoryIsLinear) {
 // an end within this program's time.
 TEST(SvgPath, LongRunsOfOneThing) {
     std::size_t const count = 1000000;
-    EXPECT_EQ(Elements(Read("M1" + std::string(count, ' ') + "2")), "M 1,2");
-    EXPECT_EQ(Elements(Read("M0." + std::string(count, '0') + "1 2")), "M 0,2");
-    EXPECT_EQ(Elements(Read("M" + std::string(count, '0') + "1 1e-" + std::string(count, '9'))),
+    EXPECT_EQ(Elements(Path("M1" + std::string(count, ' ') + "2")), "M 1,2");
+    EXPECT_EQ(Elements(Path("M0." + std::string(count, '0') + "1 2")), "M 0,2");
+    EXPECT_EQ(Elements(Path("M" + std::string(count, '0') + "1 1e-" + std::string(count, '9'))),
               "M 1,0");
-    EXPECT_EQ(Elements(Read("M1" + std::string(count, '0') + "e-" + std::to_string(count) + " 2")),
+    EXPECT_EQ(Elements(Path("M1" + std::string(count, '0') + "e-" + std::to_string(count) + " 2")),
               "M 1,2");
-    EXPECT_EQ(Elements(Read("M1 1" + std::string(count, 'Z'))), "M 1,1 Z");
+    EXPECT_EQ(Elements(Path("M1 1" + std::string(count, 'Z'))), "M 1,1 Z");
     EXPECT_EQ(ReadSvgPath("M" + std::string(count, '7') + " 1").error->position, 1U);
     EXPECT_EQ(ReadSvgPath("M1 1" + std::string(count, ',')).error->position, 5U);
     EXPECT_EQ(ReadSvgPath("M1 1" + std::string(count, 'x')).error->position, 4U);
@@ -215,10 +216,10 @@ TEST(SvgPath, LongRunsOfOneThing) {
         moves += "M1 2m3 4";
         lines += "h1v1h-1v-1Z";
     }
-    EXPECT_EQ(Elements(Read(moves)), "M 4,6");
-    CPath const path = Read(lines);
+    EXPECT_EQ(Elements(Path(moves)), "M 4,6");
+    CPath const path = Path(lines);
     EXPECT_EQ(path.mCtls.size(), count / 8 * 6);
-    EXPECT_TRUE(Same(Read(WriteSvgPath(path)), path));
+    EXPECT_TRUE(Same(Path(WriteSvgPath(path)), path));
 }
 
 // ------------------------------------------------------------------------------------------------
@@ -227,7 +228,7 @@ TEST(SvgPath, LongRunsOfOneThing) {
 TEST(SvgPath, RealOutlines) {
     // A letter with a counter in quadratic curves, as font tools write them, and an icon in arcs.
     CPath const letter =
-        Read("M702 563Q479 563 393.0 512.0Q307 461 307 338Q307 240 371.5 182.5Q436 125 547 125"
+        Path("M702 563Q479 563 393.0 512.0Q307 461 307 338Q307 240 371.5 182.5Q436 125 547 125"
              "Q700 125 792.5 233.5Q885 342 885 522V563ZM1069 639V0H885V170Q822 68 728.0 19.5"
              "Q634 -29 498 -29Q326 -29 224.5 67.5Q123 164 123 326Q123 515 249.5 611.0"
              "Q376 707 627 707H885V725Q885 852 801.5 921.5Q718 991 567 991Q471 991 380.0 968.0"
@@ -238,12 +239,12 @@ TEST(SvgPath, RealOutlines) {
     EXPECT_EQ(letter.Bounds().left, 123.0);
     EXPECT_EQ(letter.Bounds().right, 1069.0);
     CPath const icon =
-        Read("M12 2a10 10 0 1 0 0 20 10 10 0 1 0 0-20zm0 18a8 8 0 1 1 0-16 8 8 0 1 1 0 "
+        Path("M12 2a10 10 0 1 0 0 20 10 10 0 1 0 0-20zm0 18a8 8 0 1 1 0-16 8 8 0 1 1 0 "
              "16zm.5-13H11v6l5.25 3.15.75-1.23-4.5-2.67z");
     EXPECT_EQ(std::count(icon.mCtls.begin(), icon.mCtls.end(), kPathClose), 3);
     EXPECT_NEAR(icon.Length(), 2 * kPi * 18 + 25.5456, 0.01);
     for (CPath const& path : {letter, icon}) {
-        EXPECT_TRUE(Same(Read(WriteSvgPath(path)), path));
+        EXPECT_TRUE(Same(Path(WriteSvgPath(path)), path));
     }
 }
 
@@ -288,7 +289,7 @@ TEST(SvgPath, InstalledIcons) {
                 EXPECT_FALSE(result.error)
                     << i->path() << ": " << text.substr(0, 100) << ": " << result.error->Message();
                 std::string const shorter = WriteSvgPath(result.path);
-                EXPECT_TRUE(Same(Read(shorter), result.path)) << i->path() << ": " << text;
+                EXPECT_TRUE(Same(Path(shorter), result.path)) << i->path() << ": " << text;
                 ++paths;
                 bytes += text.size();
                 written += shorter.size();

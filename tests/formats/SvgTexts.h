@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-// What the tests of SVG path text share: paths from texts, paths as texts that can be compared.
+// What the tests of SVG path text share: paths as texts that can be compared.
 
 #ifndef TRAMMEL_SVGTEXTS_H
 #define TRAMMEL_SVGTEXTS_H
@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace trammel_test {
@@ -41,13 +40,6 @@ inline bool Same(CPath const& a, CPath const& b) {
     return a.mCtls == b.mCtls && a.mPts.size() == b.mPts.size() &&
            (a.mPts.empty() ||
             std::memcmp(a.mPts.data(), b.mPts.data(), a.mPts.size() * sizeof(TPoint<double>)) == 0);
-}
-
-/// Reads a text that has no error.
-inline CPath Read(std::string_view text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text.substr(0, 200) << ": " << result.error->Message();
-    return result.path;
 }
 
 /// Returns a path of any codes, also such as the building operations do not make: `?` is a code

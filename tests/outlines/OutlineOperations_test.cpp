@@ -11,6 +11,7 @@
 #include "OutlineJudge.h"
 #include "OutlineLaws.h"
 #include "PathStructure.h"
+#include "PathText.h"
 #include "SourceJudge.h"
 #include "SvgPath.h"
 
@@ -31,6 +32,7 @@ using trammel::FillRule;
 using trammel::RemoveOverlap;
 using trammel_test::IsFinite;
 using trammel_test::OutlineJudge;
+using trammel_test::Path;
 using trammel_test::PointAt;
 using trammel_test::SizeOf;
 using trammel_test::Wants;
@@ -40,12 +42,6 @@ typedef trammel_test::OutlineCase Case;
 
 FillRule const kNonZero = FillRule::kNonZero;
 FillRule const kEvenOdd = FillRule::kEvenOdd;
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 std::string Text(CPath const& path) { return trammel::WriteSvgPath(path); }
 

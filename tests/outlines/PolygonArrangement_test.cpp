@@ -3,6 +3,7 @@
 #include "PolygonArrangement.h"
 
 #include "PolygonOperations.h"
+#include "SmallRings.h"
 #include "StripArea.h"
 #include "Winding.h"
 
@@ -27,23 +28,12 @@ using trammel::PolygonArrangement;
 using trammel::PolygonWithHoles;
 using trammel::WindingNumber;
 using trammel::WindingNumberOf;
+using trammel_test::Ring;
 using trammel_test::Rings;
+using trammel_test::Square;
 using trammel_test::StripArea;
 
 typedef TPoint<double> Pt;
-
-TPolygon<double> Ring(std::vector<Pt> const& points) {
-    TPolygon<double> ring;
-    for (Pt const& p : points) {
-        ring.Append(p, true);
-    }
-    return ring;
-}
-
-/// The square from (h, v) to (h + size, v + size), which runs from +h toward +v.
-TPolygon<double> Square(double h, double v, double size) {
-    return Ring({Pt(h, v), Pt(h + size, v), Pt(h + size, v + size), Pt(h, v + size)});
-}
 
 /// Returns each face as its vertices and its winding numbers.
 std::vector<std::string> Text(PolygonArrangement const& arrangement) {

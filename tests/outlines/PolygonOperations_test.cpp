@@ -4,6 +4,7 @@
 
 #include "CMatrix3x3.h"
 #include "Moments.h"
+#include "SmallRings.h"
 #include "StripArea.h"
 #include "Winding.h"
 
@@ -33,7 +34,9 @@ using trammel::SignedArea;
 using trammel::ToPolygons;
 using trammel::Union;
 using trammel::WindingNumber;
+using trammel_test::Ring;
 using trammel_test::Rings;
+using trammel_test::Square;
 using trammel_test::StripArea;
 
 typedef TPoint<double> Pt;
@@ -43,19 +46,6 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr FillRule kRules[] = {FillRule::kNonZero, FillRule::kEvenOdd};
 constexpr TPolyOp kOperations[] = {kPolyDifference, kPolyIntersection, kPolyXor, kPolyUnion};
-
-TPolygon<double> Ring(std::vector<Pt> const& points) {
-    TPolygon<double> ring;
-    for (Pt const& p : points) {
-        ring.Append(p, true);
-    }
-    return ring;
-}
-
-/// The square from (h, v) to (h + size, v + size), which runs from +h toward +v.
-TPolygon<double> Square(double h, double v, double size) {
-    return Ring({Pt(h, v), Pt(h + size, v), Pt(h + size, v + size), Pt(h, v + size)});
-}
 
 TPolygon<double> Reversed(TPolygon<double> const& ring) {
     TPolygon<double> reversed;

@@ -5,9 +5,9 @@
 #include "AccurateCurve.h"
 #include "CMatrix3x3.h"
 #include "Moments.h"
+#include "PathText.h"
 #include "PolygonOperations.h"
 #include "StripArea.h"
-#include "SvgPath.h"
 #include "Winding.h"
 
 #include <gtest/gtest.h>
@@ -24,6 +24,7 @@ namespace {
 using trammel::AreaWithin;
 using trammel::FillRule;
 using trammel::RegionArea;
+using trammel_test::Path;
 using trammel_test::Rings;
 
 typedef TPoint<double> Pt;
@@ -31,12 +32,6 @@ typedef TPoint<double> Pt;
 constexpr FillRule kRules[] = {FillRule::kNonZero, FillRule::kEvenOdd};
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 /// Expects an area, and that `error` holds and is at most `most`.
 void ExpectArea(CPath const& path, FillRule rule, double accuracy, double area, double most) {

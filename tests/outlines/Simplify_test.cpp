@@ -5,6 +5,7 @@
 #include "HausdorffJudge.h"
 #include "PathBuilding.h"
 #include "PathStructure.h"
+#include "PathText.h"
 #include "Shapes.h"
 #include "ShortMemory.h"
 #include "SvgPath.h"
@@ -36,17 +37,12 @@ using hausdorff::Keeps;
 using trammel::NewCrossings;
 using trammel::Simplify;
 using trammel::SimplifyOutlines;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 CPath Simplified(CPath const& path, double tolerance) {
     CPath out;

@@ -9,6 +9,7 @@
 #include "OutlineOperations.h"
 #include "PathSegments.h"
 #include "PathStructure.h"
+#include "PathText.h"
 #include "Shapes.h"
 #include "StrokeChecks.h"
 #include "StrokeJudge.h"
@@ -45,6 +46,7 @@ using trammel_test::ExpectSweep;
 using trammel_test::HardPath;
 using trammel_test::kHardKinds;
 using trammel_test::NearBorder;
+using trammel_test::Path;
 using trammel_test::Plain;
 using trammel_test::Round;
 using trammel_test::Rounds;
@@ -54,12 +56,6 @@ typedef TPoint<double> Pt;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 CPath Stroked(CPath const& path, StrokeStyle const& style, double tolerance = 1e-7) {
     CPath out;

@@ -4,7 +4,7 @@
 
 #include "CMatrix3x3.h"
 #include "Finite.h"
-#include "SvgPath.h"
+#include "PathText.h"
 #include "TestSupport.h"
 #include "Winding.h"
 
@@ -30,18 +30,13 @@ using trammel::IntersectionKind;
 using trammel::Intersections;
 using trammel::SelfIntersections;
 using trammel_test::IsFinite;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 typedef TLine<double> Line;
 typedef std::vector<Intersection> Places;
 
 constexpr double kFine = 1e-9;
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 /// A parameter with up to four digits.
 std::string Short(double t) {

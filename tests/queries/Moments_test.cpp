@@ -4,7 +4,7 @@
 
 #include "CBezier.h"
 #include "CMatrix3x3.h"
-#include "SvgPath.h"
+#include "PathText.h"
 
 #include <gtest/gtest.h>
 
@@ -23,16 +23,11 @@ using trammel::AreaMoments;
 using trammel::ContourAreas;
 using trammel::MomentsOf;
 using trammel::SignedArea;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 
 constexpr double kPi = 3.14159265358979323846;
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 TEST(SignedArea, IsPositiveFromPlusHTowardPlusV) {
     EXPECT_EQ(SignedArea(Path("M0 0 H4 V3 H0 Z")), 12);

@@ -6,6 +6,7 @@
 #include "CurveTruth.h"
 #include "Finite.h"
 #include "OutlineTruth.h"
+#include "PathText.h"
 #include "PathWalk_p.h"
 #include "ShortMemory.h"
 #include "SvgPath.h"
@@ -32,12 +33,6 @@ typedef TPoint<double> Pt;
 typedef OutlineMeasure::Place Place;
 
 constexpr std::size_t kNone = OutlineMeasure::kNone;
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 CPath PathOf(CBezier const& c) {
     CPath path;

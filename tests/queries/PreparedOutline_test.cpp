@@ -4,8 +4,8 @@
 
 #include "CBezier.h"
 #include "CairoGlyphs.h"
+#include "PathText.h"
 #include "ShortMemory.h"
-#include "SvgPath.h"
 #include "TestSupport.h"
 #include "Winding.h"
 
@@ -31,6 +31,7 @@ namespace {
 using trammel::FillRule;
 using trammel::PreparedOutline;
 using trammel::WindingNumber;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 typedef std::vector<Pt> Points;
@@ -38,12 +39,6 @@ typedef std::vector<Pt> Points;
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 /// The closed path of lines through these points, or of curves that are smooth there.
 CPath Outline(Points const& points, bool curves) {

@@ -6,6 +6,7 @@
 #include "CBezier.h"
 #include "CMatrix3x3.h"
 #include "CairoGlyphs.h"
+#include "PathText.h"
 #include "SvgPath.h"
 
 #include <gtest/gtest.h>
@@ -23,17 +24,12 @@ namespace {
 using trammel::Contains;
 using trammel::FillRule;
 using trammel::WindingNumber;
+using trammel_test::Path;
 
 typedef TPoint<double> Pt;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-CPath Path(std::string const& text) {
-    trammel::SvgPathResult const result = trammel::ReadSvgPath(text);
-    EXPECT_FALSE(result.error) << text;
-    return result.path;
-}
 
 /// The winding number by its definition: the angle through which the direction from `p` to the path
 /// turns, in whole turns. Right for points farther from the path than its curves are from chains of
