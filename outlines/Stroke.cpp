@@ -81,9 +81,12 @@ double Unite(CPath& contours, double tolerance, CPath& out) {
 /// Unites the parts of a stroke, in stages of two by two. Parts that follow each other are near, so
 /// most of their crossings lie inside of others, and the next stage has fewer.
 double UniteParts(std::vector<CPath>& parts, double tolerance, CPath& out) {
-    if (parts.size() <= 1) {
+    if (parts.empty()) {
         out.clear();
-        return parts.empty() ? 0.0 : Unite(parts.front(), tolerance, out);
+        return 0.0;
+    }
+    if (parts.size() == 1) {
+        return Unite(parts.front(), tolerance, out);
     }
     int stages = 0;
     for (std::size_t count = parts.size(); count > 1; count = (count + 1) / 2) {

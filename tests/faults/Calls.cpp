@@ -426,7 +426,16 @@ std::vector<Call> OutlineCalls() {
         {"trammel::RegionArea", kThrows,
          [](A& a) { a.Returned(RegionArea(a.path, FillRule::kNonZero, a.tolerance).area); }},
         {"trammel::Stroke", kThrows,
-         [](A& a) { a.Returned(Stroke(a.path, a.style, a.tolerance, a.out)); }},
+         [](A& a) {
+             CPath crowd; // the pen paints its places often
+             crowd.MoveTo({0, 0});
+             for (int i = 1; i < 65; ++i) {
+                 crowd.LineTo({i % 3 * 1.0, i % 2 * 1.0});
+             }
+             CPath united;
+             a.Returned(Stroke(crowd, a.style, a.tolerance, united));
+             a.Returned(Stroke(a.path, a.style, a.tolerance, a.out));
+         }},
         {"trammel::Offset", kThrows,
          [](A& a) {
              a.Returned(Offset(a.path, FillRule::kNonZero, 2, StrokeJoin::kMiterClip, 4,
