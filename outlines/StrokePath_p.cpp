@@ -89,15 +89,22 @@ double ScaleFor(double size) {
     return std::abs(exponent) <= kPlainExponent ? 1.0 : std::scalbn(1.0, -exponent);
 }
 
+Cubic Scaled(PathSegment const& s, double scale) {
+    return {{s.start * scale, s.control1 * scale, s.control2 * scale, s.end * scale}};
+}
+
+void AddSegment(PathSegment const& s, double scale, StrokeContours& contours) {
+    if (s.IsCurve()) {
+        contours.AddCurve(Scaled(s, scale));
+    } else {
+        contours.AddLine(s.start * scale, s.end * scale);
+    }
+}
+
 template <class Segments>
 void AddSegments(Segments const& segments, double scale, StrokeContours& contours) {
     for (PathSegment const& s : segments) {
-        if (s.IsCurve()) {
-            contours.AddCurve(
-                {{s.start * scale, s.control1 * scale, s.control2 * scale, s.end * scale}});
-        } else {
-            contours.AddLine(s.start * scale, s.end * scale);
-        }
+        AddSegment(s, scale, contours);
     }
 }
 
@@ -188,6 +195,13 @@ private:
     void AddDashes(Subpath const& subpath, bool closed);
     /// Begins another part if this one is full. Returns how much room there is.
     std::size_t RoomInPart();
+    /// Counts a dash or a point.
+    void CountInPart() {
+        if (mIsSplit) {
+            RoomInPart();
+            ++mInPart;
+        }
+    }
 
     DashPattern const mPattern;
     bool mIsDashed;
@@ -199,7 +213,7 @@ private:
     ContourList mList;
     StrokeContours mContours;
     bool mIsSplit = false;
-    std::size_t mInPart = 0; ///< segments or dashes
+    std::size_t mInPart = 0; ///< segments, dashes or points
 };
 
 std::size_t StrokeMaker::RoomInPart() {
@@ -215,6 +229,7 @@ void StrokeMaker::Add(Subpath const& subpath) {
     mContours.Reserve(subpath.EndElement() - subpath.FirstElement());
     AddSegments(subpath, mScale, mContours);
     if (mContours.IsEmpty()) {
+        CountInPart();
         mContours.AddPoint(subpath.Start() * mScale, Pt(1.0, 0.0));
         mContours.EndOpen();
         return;
@@ -233,15 +248,13 @@ void StrokeMaker::Add(Subpath const& subpath) {
 
 void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
     std::vector<PathSegment> segments;
-    std::vector<double> lengths;
     for (PathSegment const& s : subpath) {
-        double const length = PolygonLength(
-            {{s.start * mScale, s.control1 * mScale, s.control2 * mScale, s.end * mScale}});
-        if (length > 0.0) {
+        Cubic const c = Scaled(s, mScale);
+        if (c[1] != c[0] || c[2] != c[0] || c[3] != c[0]) {
             segments.push_back(s);
-            lengths.push_back(length);
         }
     }
+    auto const lengthOf = [&](std::size_t i) { return PolygonLength(Scaled(segments[i], mScale)); };
     std::size_t const count = segments.size();
     for (std::size_t i = 0; i < count;) {
         std::size_t const end = std::min(i + RoomInPart(), count);
@@ -253,21 +266,19 @@ void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
         std::size_t first = i;
         std::size_t const least = i - std::min(i, kBlock);
         for (double length = 0.0; first > least && !(length >= mOverlap);) {
-            length += lengths[--first];
+            length += lengthOf(--first);
         }
         std::size_t behind = 0;
-        if (isLast && closed && !isFirst) {
-            std::size_t const most = std::min(count, kBlock);
-            for (double length = 0.0; behind < most && !(length >= mOverlap);) {
-                length += lengths[behind++];
-            }
+        std::size_t const most = isLast && closed && !isFirst ? std::min(count, kBlock) : 0;
+        for (double length = 0.0; behind < most && !(length >= mOverlap);) {
+            length += lengthOf(behind++);
         }
-        AddSegments(std::vector<PathSegment>(segments.begin() + static_cast<std::ptrdiff_t>(first),
-                                             segments.begin() + static_cast<std::ptrdiff_t>(end)),
-                    mScale, mContours);
-        AddSegments(std::vector<PathSegment>(
-                        segments.begin(), segments.begin() + static_cast<std::ptrdiff_t>(behind)),
-                    mScale, mContours);
+        for (std::size_t k = first; k < end; ++k) {
+            AddSegment(segments[k], mScale, mContours);
+        }
+        for (std::size_t k = 0; k < behind; ++k) {
+            AddSegment(segments[k], mScale, mContours);
+        }
         if (isFirst && isLast) {
             EndWhole(closed);
         } else {
@@ -292,10 +303,7 @@ void StrokeMaker::AddDashes(Subpath const& subpath, bool closed) {
         return;
     }
     auto const add = [&](DashRange const& dash) {
-        if (mIsSplit) {
-            RoomInPart();
-            ++mInPart;
-        }
+        CountInPart();
         if (dash.from < dash.to) {
             CPath piece;
             measure.GetLengthRange(dash.from, dash.to, piece);

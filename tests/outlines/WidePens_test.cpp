@@ -16,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <vector>
@@ -116,6 +117,29 @@ TEST(WidePens, PaintDashesThatAreShorterThanTheyAreWide) {
                 ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
                     << "path " << i << ", off by " << (distance - radius) / radius;
             }
+        }
+    }
+}
+
+TEST(WidePens, PaintDots) {
+    Dice dice(26);
+    CPath path;
+    std::vector<Pt> dots;
+    for (int i = 0; i < 300; ++i) {
+        dots.push_back(dice.Point());
+        path.MoveTo(dots.back()).ClosePath();
+    }
+    CPath out;
+    double const kept = Stroke(path, Round(6.0), 1e-6, out);
+    EXPECT_EQ(trammel::SplitSubpaths(out).size(), 1U);
+    for (int k = 0; k < 300; ++k) {
+        Pt const p = dice.Point() * 5.0;
+        double distance = 10.0;
+        for (Pt const& dot : dots) {
+            distance = std::min(distance, (p - dot).Length());
+        }
+        if (std::abs(distance - 3.0) > kept) {
+            ASSERT_EQ(WindingNumber(out, p), distance < 3.0 ? 1 : 0);
         }
     }
 }
