@@ -184,7 +184,7 @@ TEST(WidePens, GrowAndShrinkRegionsOfManyContours) {
             }
         }
     }
-    EXPECT_GT(held, 500);
+    EXPECT_GT(held, Rounds(500));
 }
 
 TEST(WidePens, HaveFewElements) {
