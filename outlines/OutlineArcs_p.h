@@ -235,14 +235,6 @@ private:
     std::vector<UseContour> mContours;      // as many, without their ends
 };
 
-/// Returns the box of the control points.
-inline Box<double> BoxOf(Cubic const& c) {
-    Box<double> box = Box<double>::Of(c[0].h, c[0].v, c[3].h, c[3].v);
-    box.Include(c[1].h, c[1].v);
-    box.Include(c[2].h, c[2].v);
-    return box;
-}
-
 /// Finds the place of a monotone curve that is nearest to `p` along its chord. True when it is
 /// within `reach` of `p`; `t` gets its parameter.
 bool FindOnMonotone(Cubic const& c, bool straight, TPoint<double> const& p, double reach,

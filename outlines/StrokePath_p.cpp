@@ -2,6 +2,8 @@
 
 #include "StrokePath_p.h"
 
+#include "Box_p.h"
+#include "Cubic_p.h"
 #include "Dashes_p.h"
 #include "OutlineMeasure.h"
 #include "PathSegments.h"
@@ -89,6 +91,8 @@ double ScaleFor(double size) {
     return std::abs(exponent) <= kPlainExponent ? 1.0 : std::scalbn(1.0, -exponent);
 }
 
+Cubic CubicOf(PathSegment const& s) { return {{s.start, s.control1, s.control2, s.end}}; }
+
 Cubic Scaled(PathSegment const& s, double scale) {
     return {{s.start * scale, s.control1 * scale, s.control2 * scale, s.end * scale}};
 }
@@ -159,7 +163,7 @@ std::vector<PathSegment> DashSegments(CPath const& dash, double blur) {
         segments.push_back(s);
     }
     auto const isWithin = [](PathSegment const& s, double& rest) {
-        rest -= PolygonLength({{s.start, s.control1, s.control2, s.end}});
+        rest -= PolygonLength(CubicOf(s));
         return rest >= 0.0;
     };
     auto begin = segments.begin();
@@ -179,19 +183,21 @@ public:
     /// \param size of the coordinates
     /// \param scale by which they are multiplied; the pen is scaled already
     StrokeMaker(StrokePen const& pen, trammel::StrokeStyle const& style, double size, double scale,
-                std::vector<Pt> const& shared, std::vector<CPath>& parts)
+                std::vector<Pt> const& shared, bool inParts, std::vector<CPath>& parts)
         : mPattern(style.dashes, style.dashOffset), mIsDashed(!style.dashes.empty()),
           mJoinsAtStart(style.joinsDashesAtStart), mOverlap(kOverlap * pen.tolerance), mSize(size),
-          mScale(scale), mParts(parts), mList(parts.back(), 1.0 / scale), mContours(pen, mList) {
+          mScale(scale), mParts(parts), mList(parts.back(), 1.0 / scale), mContours(pen, mList),
+          mIsSplit(inParts) {
         mContours.SetSharedPoints(shared);
     }
-    void Split() { mIsSplit = true; }
     void Add(Subpath const& subpath);
     double Excess() const { return mContours.Excess() / mScale; }
 
 private:
     void EndWhole(bool closed) { closed ? mContours.EndClosed() : mContours.EndOpen(); }
-    void AddInParts(Subpath const& subpath, bool closed);
+    void AddDot(Pt const& p);
+    /// Returns false where the subpath has no length.
+    bool AddInParts(Subpath const& subpath, bool closed);
     void AddDashes(Subpath const& subpath, bool closed);
     /// Begins another part if this one is full. Returns how much room there is.
     std::size_t RoomInPart();
@@ -212,7 +218,7 @@ private:
     std::vector<CPath>& mParts;
     ContourList mList;
     StrokeContours mContours;
-    bool mIsSplit = false;
+    bool mIsSplit;
     std::size_t mInPart = 0; ///< segments, dashes or points
 };
 
@@ -226,27 +232,32 @@ std::size_t StrokeMaker::RoomInPart() {
 }
 
 void StrokeMaker::Add(Subpath const& subpath) {
+    bool const closed = subpath.Closed() && EndsAtStart(subpath);
     mContours.Reserve(subpath.EndElement() - subpath.FirstElement());
-    AddSegments(subpath, mScale, mContours);
-    if (mContours.IsEmpty()) {
-        CountInPart();
-        mContours.AddPoint(subpath.Start() * mScale, Pt(1.0, 0.0));
-        mContours.EndOpen();
+    if (mIsSplit && !mIsDashed) {
+        if (!AddInParts(subpath, closed)) {
+            AddDot(subpath.Start());
+        }
         return;
     }
-    bool const closed = subpath.Closed() && EndsAtStart(subpath);
-    if (mIsDashed) {
+    AddSegments(subpath, mScale, mContours);
+    if (mContours.IsEmpty()) {
+        AddDot(subpath.Start());
+    } else if (mIsDashed) {
         mContours.Clear();
         AddDashes(subpath, closed);
-    } else if (mIsSplit) {
-        mContours.Clear();
-        AddInParts(subpath, closed);
     } else {
         EndWhole(closed);
     }
 }
 
-void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
+void StrokeMaker::AddDot(Pt const& p) {
+    CountInPart();
+    mContours.AddPoint(p * mScale, Pt(1.0, 0.0));
+    mContours.EndOpen();
+}
+
+bool StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
     std::vector<PathSegment> segments;
     for (PathSegment const& s : subpath) {
         Cubic const c = Scaled(s, mScale);
@@ -256,6 +267,7 @@ void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
     }
     auto const lengthOf = [&](std::size_t i) { return PolygonLength(Scaled(segments[i], mScale)); };
     std::size_t const count = segments.size();
+    bool isPainted = false;
     for (std::size_t i = 0; i < count;) {
         std::size_t const end = std::min(i + RoomInPart(), count);
         mInPart += end - i;
@@ -279,6 +291,7 @@ void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
         for (std::size_t k = 0; k < behind; ++k) {
             AddSegment(segments[k], mScale, mContours);
         }
+        isPainted = isPainted || !mContours.IsEmpty();
         if (isFirst && isLast) {
             EndWhole(closed);
         } else {
@@ -286,6 +299,7 @@ void StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
         }
         i = end;
     }
+    return isPainted;
 }
 
 void StrokeMaker::AddDashes(Subpath const& subpath, bool closed) {
@@ -338,7 +352,7 @@ enum class RegionSide { kUnknown, kAtNormal, kAgainstNormal };
 
 /// Returns the side on which the region lies beside the middle of a segment.
 RegionSide RegionBeside(PathSegment const& s, PreparedOutline const& region, double step) {
-    Cubic const c = {{s.start, s.control1, s.control2, s.end}};
+    Cubic const c = CubicOf(s);
     Pt const direction = s.IsCurve() ? DirectionOf(c, 0.5) : trammel::Normalize(s.end - s.start);
     Pt const middle = s.IsCurve() ? PlaceAt(c, 0.5).point : (s.start + s.end) * 0.5;
     Pt const aside = NormalOf(direction) * step;
@@ -421,33 +435,26 @@ double CrowdedExtent(CPath const& path, trammel::StrokeStyle const& style) {
     double const period = std::accumulate(style.dashes.begin(), style.dashes.end(), 0.0);
     double extent = 0.0;
     double painted = 0.0; // in squares of the radius
-    TRect<double> box;
+    Box<double> box;
     std::size_t inBlock = 0;
     for (PathSegment const& s : Segments(path)) {
         if (!HasFinitePoints(s)) {
             continue;
         }
-        if (inBlock++ == 0) {
-            painted = 0.0;
-            box = TRect<double>(s.start.h, s.start.v, s.start.h, s.start.v);
-        }
-        Cubic const c = {{s.start, s.control1, s.control2, s.end}};
+        Cubic const c = CubicOf(s);
         double const length = PolygonLength(c);
         double const ends = period > 0.0 ? 1.0 + length / period : 1.0;
         painted += 2.0 * (length / radius + 2.0 * ends);
-        for (Pt const& p : c) {
-            box.left = std::min(box.left, p.h);
-            box.right = std::max(box.right, p.h);
-            box.top = std::min(box.top, p.v);
-            box.bottom = std::max(box.bottom, p.v);
-        }
-        if (inBlock == kBlock) {
-            inBlock = 0;
-            double const width = box.right - box.left;
-            double const height = box.bottom - box.top;
+        box.Include(BoxOf(c));
+        if (++inBlock == kBlock) {
+            double const width = box.highX - box.lowX;
+            double const height = box.highY - box.lowY;
             if (painted > kOften * (width / radius + 2.0) * (height / radius + 2.0)) {
                 extent = std::max({extent, width, height});
             }
+            inBlock = 0;
+            painted = 0.0;
+            box = Box<double>();
         }
     }
     return extent;
@@ -475,10 +482,8 @@ double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double 
         MayHaveArcs(path, pen) ? SharedPoints(path, scale) : std::vector<Pt>();
 
     parts.emplace_back();
-    StrokeMaker maker(pen, style, pathSize, scale, shared, parts);
-    if (inParts) {
-        maker.Split();
-    } else {
+    StrokeMaker maker(pen, style, pathSize, scale, shared, inParts, parts);
+    if (!inParts) {
         // Each segment has two sides, unless corners or dashes take more.
         parts.back().mCtls.reserve(2 * path.mCtls.size());
         parts.back().mPts.reserve(2 * path.mPts.size());

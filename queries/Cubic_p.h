@@ -5,6 +5,7 @@
 #ifndef TRAMMEL_CUBIC_P_H
 #define TRAMMEL_CUBIC_P_H
 
+#include "Box_p.h"
 #include "PointMath_p.h"
 #include "TPoint.h"
 #include "Vector_p.h"
@@ -24,6 +25,14 @@ struct CubicPlace {
     TPoint<double> first;  ///< a third of the first derivative
     TPoint<double> second; ///< a sixth of the second derivative
 };
+
+/// Returns the box of the control points.
+inline Box<double> BoxOf(Cubic const& c) {
+    Box<double> box = Box<double>::Of(c[0].h, c[0].v, c[3].h, c[3].v);
+    box.Include(c[1].h, c[1].v);
+    box.Include(c[2].h, c[2].v);
+    return box;
+}
 
 inline CubicPlace PlaceAt(Cubic const& c, double t) {
     TPoint<double> const a = c[0] + (c[1] - c[0]) * t;
