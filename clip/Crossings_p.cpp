@@ -47,9 +47,9 @@ namespace {
 /// edges stays the same, and each edge has at least 1 of it. Every round but the last makes at
 /// least one edge more. So there are at most as many rounds as that sum has steps.
 ///
-/// 4. No crossing is left then. Each pair of edges is looked at once the later of them is made. Two
-/// edges that cross have no end in common, so the point is no end of one of them, and that one is
-/// cut.
+/// 4. No crossing is left then. Each pair of edges is looked at in the round after the later edge
+/// is made. Two edges that cross have no end in common. So one of them does not end in the
+/// crossing, and it is cut there.
 class CuttingRounds {
 public:
     CuttingRounds(GridLines& lines, ClipGrid const& grid, Recheck recheck,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Whether all coordinates of a value are numbers.
+
 #ifndef TRAMMEL_FINITE_H
 #define TRAMMEL_FINITE_H
 
