@@ -28,12 +28,12 @@ using trammel::PolygonArrangement;
 using trammel::PolygonWithHoles;
 using trammel::WindingNumber;
 using trammel::WindingNumberOf;
-using trammel_test::Ring;
 using trammel_test::Rings;
 using trammel_test::Square;
 using trammel_test::StripArea;
 
 typedef TPoint<double> Pt;
+typedef TPolygon<double> Ring;
 
 /// Returns each face as its vertices and its winding numbers.
 std::vector<std::string> Text(PolygonArrangement const& arrangement) {

@@ -34,12 +34,12 @@ using trammel::SignedArea;
 using trammel::ToPolygons;
 using trammel::Union;
 using trammel::WindingNumber;
-using trammel_test::Ring;
 using trammel_test::Rings;
 using trammel_test::Square;
 using trammel_test::StripArea;
 
 typedef TPoint<double> Pt;
+typedef TPolygon<double> Ring;
 typedef std::vector<PolygonWithHoles> Polygons;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();

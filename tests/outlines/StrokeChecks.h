@@ -5,17 +5,22 @@
 #ifndef TRAMMEL_STROKECHECKS_H
 #define TRAMMEL_STROKECHECKS_H
 
+#include "FillRule.h"
 #include "HardPaths.h"
 #include "OutlineJudge.h"
 #include "OutlineMeasure.h"
+#include "OutlineOperations.h"
+#include "PathStructure.h"
 #include "Stroke.h"
 #include "StrokeJudge.h"
 #include "SvgPath.h"
 #include "TPoint.h"
 #include "UTrigonometry.h"
+#include "Winding.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <random>
@@ -51,6 +56,55 @@ inline TPoint<double> NearBorder(trammel::OutlineMeasure const& measure, double 
     double const off = dice.Decade(-6.0, -1.0);
     return nearest.point + (p - nearest.point) *
                                (radius / nearest.distance * (dice.Coin() ? 1.0 + off : 1.0 - off));
+}
+
+/// Returns the dashes of a path, by lengths along each subpath. `from` is where the first one
+/// begins, 0 or less.
+inline CPath DashesOf(CPath const& path, double dash, double step, double from) {
+    CPath dashes;
+    for (CPath const& subpath : trammel::SplitSubpaths(path)) {
+        trammel::OutlineMeasure const measure(subpath);
+        for (double at = from; at < measure.Length(); at += step) {
+            measure.GetLengthRange(std::max(at, 0.0), at + dash, dashes);
+        }
+    }
+    return dashes;
+}
+
+/// Fails where a round stroke does not hold the points within the radius of the line, or holds
+/// others. Points near its border are tried. `slack` is how far off they may be.
+inline void ExpectWithinRadius(CPath const& stroke, trammel::OutlineMeasure const& line,
+                               double radius, double slack, int points, int number, Dice& dice) {
+    for (int k = 0; k < points; ++k) {
+        TPoint<double> const p = NearBorder(line, radius, dice);
+        double const distance = line.Distance(p);
+        if (std::abs(distance - radius) > slack) {
+            ASSERT_EQ(trammel::WindingNumber(stroke, p), distance < radius ? 1 : 0)
+                << "path " << number << ", off by " << (distance - radius) / radius;
+        }
+    }
+}
+
+/// Does the same for a region that was grown or shrunk with round joins, and the distance that was
+/// kept. Adds to `held` how many points were farther off.
+inline void ExpectOffset(CPath const& region, trammel::FillRule rule, double distance,
+                         CPath const& out, double kept, int points, int number, Dice& dice,
+                         int& held) {
+    CPath plain; // the border of the region
+    double const slack = kept + trammel::RemoveOverlap(region, rule, 0.0, plain);
+    trammel::OutlineMeasure const border(plain);
+    for (int k = 0; k < points; ++k) {
+        TPoint<double> const p = NearBorder(border, std::abs(distance), dice);
+        double const away = border.Distance(p);
+        double const height =
+            trammel::Contains(plain, p, trammel::FillRule::kNonZero) ? -away : away;
+        if (std::abs(height - distance) > slack && std::isfinite(away)) {
+            ++held;
+            ASSERT_EQ(trammel::WindingNumber(out, p), height < distance ? 1 : 0)
+                << "region " << number << ", distance " << distance << ", off by "
+                << (height - distance) / distance;
+        }
+    }
 }
 
 /// Fails where a stroke is not what sweep, joins and caps cover, save within the distance.

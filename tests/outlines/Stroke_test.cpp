@@ -41,8 +41,11 @@ using trammel::StrokeJoin;
 using trammel::StrokeStyle;
 using trammel::WindingNumber;
 using trammel_test::AnyStyle;
+using trammel_test::DashesOf;
 using trammel_test::Dice;
+using trammel_test::ExpectOffset;
 using trammel_test::ExpectSweep;
+using trammel_test::ExpectWithinRadius;
 using trammel_test::HardPath;
 using trammel_test::kHardKinds;
 using trammel_test::NearBorder;
@@ -76,15 +79,8 @@ TEST(Stroke, HoldsThePointsWithinHalfTheWidthSaveWithinTheDistance) {
         CPath out;
         double const kept = Stroke(hard.path, Round(hard.width), 1e-6 * hard.width, out);
         ASSERT_LE(kept, 2e-6 * hard.width + 1e-8 * (hard.path.Bounds().Width() + hard.width));
-        OutlineMeasure const measure(hard.path);
-        for (int k = 0; k < 40; ++k) {
-            Pt const p = NearBorder(measure, radius, dice);
-            double const distance = measure.Distance(p);
-            if (std::abs(distance - radius) > kept) {
-                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
-                    << "path " << i << ", off by " << (distance - radius) / hard.width;
-            }
-        }
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectWithinRadius(out, OutlineMeasure(hard.path), radius, kept, 40, i, dice));
     }
 }
 
@@ -494,23 +490,9 @@ TEST(StrokeDashes, HoldThePointsWithinHalfTheWidth) {
         style.dashes = {0.3 * step, 0.7 * step};
         CPath out;
         double const kept = Stroke(hard.path, style, 1e-4 * hard.width, out);
-        // The dashes again, by lengths.
-        CPath dashes;
-        for (CPath const& subpath : trammel::SplitSubpaths(hard.path)) {
-            OutlineMeasure const measure(subpath);
-            for (double from = 0.0; from < measure.Length(); from += step) {
-                measure.GetLengthRange(from, from + 0.3 * step, dashes);
-            }
-        }
-        OutlineMeasure const drawn(dashes);
-        for (int k = 0; k < 20; ++k) {
-            Pt const p = NearBorder(drawn, 0.5 * hard.width, dice);
-            double const distance = drawn.Distance(p);
-            if (std::abs(distance - 0.5 * hard.width) > 1.001 * kept) {
-                ASSERT_EQ(WindingNumber(out, p), distance < 0.5 * hard.width ? 1 : 0)
-                    << "path " << i << ", off by " << (distance / hard.width - 0.5);
-            }
-        }
+        CPath const dashes = DashesOf(hard.path, 0.3 * step, step, 0.0);
+        ASSERT_NO_FATAL_FAILURE(ExpectWithinRadius(out, OutlineMeasure(dashes), 0.5 * hard.width,
+                                                   1.001 * kept, 20, i, dice));
     }
 }
 
@@ -529,13 +511,7 @@ TEST(StrokeDashes, HaveTheJoinsAndCapsOfTheirStretches) {
         style.dashOffset = dice.Unit() * part * step;
         CPath out;
         double const kept = Stroke(hard.path, style, 1e-6 * hard.width, out);
-        CPath dashes; // by lengths along each subpath
-        for (CPath const& subpath : trammel::SplitSubpaths(hard.path)) {
-            OutlineMeasure const measure(subpath);
-            for (double from = -style.dashOffset; from < measure.Length(); from += step) {
-                measure.GetLengthRange(std::max(from, 0.0), from + part * step, dashes);
-            }
-        }
+        CPath const dashes = DashesOf(hard.path, part * step, step, -style.dashOffset);
         trammel_test::StrokeJudge const ideal(dashes, solid);
         trammel_test::OutlineJudge const judge(out);
         OutlineMeasure const drawn(dashes);
@@ -570,18 +546,8 @@ TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
         CPath out;
         double const kept =
             Offset(region, rule, distance, StrokeJoin::kRound, 4.0, 1e-4 * hard.width, out);
-        CPath plain; // the border of the region
-        double const off = RemoveOverlap(region, rule, 0.0, plain);
-        OutlineMeasure const border(plain);
-        for (int k = 0; k < 20; ++k) {
-            Pt const p = NearBorder(border, std::abs(distance), dice);
-            double const away = border.Distance(p);
-            double const height = trammel::Contains(plain, p, FillRule::kNonZero) ? -away : away;
-            if (std::abs(height - distance) > kept + off && std::isfinite(away)) {
-                ASSERT_EQ(WindingNumber(out, p), height < distance ? 1 : 0)
-                    << "region " << i << ", off by " << (height - distance) / hard.width;
-            }
-        }
+        int held = 0;
+        ASSERT_NO_FATAL_FAILURE(ExpectOffset(region, rule, distance, out, kept, 20, i, dice, held));
     }
 }
 

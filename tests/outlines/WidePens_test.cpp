@@ -5,12 +5,9 @@
 #include "Stroke.h"
 
 #include "HardPaths.h"
-#include "OutlineJudge.h"
 #include "OutlineMeasure.h"
-#include "OutlineOperations.h"
 #include "PathStructure.h"
 #include "StrokeChecks.h"
-#include "StrokeJudge.h"
 #include "TestSupport.h"
 #include "Winding.h"
 
@@ -27,14 +24,15 @@ using trammel::FillRule;
 using trammel::Offset;
 using trammel::OutlineMeasure;
 using trammel::Stroke;
-using trammel::StrokeCap;
 using trammel::StrokeJoin;
 using trammel::StrokeStyle;
 using trammel::WindingNumber;
 using trammel_test::AnyStyle;
+using trammel_test::DashesOf;
 using trammel_test::Dice;
+using trammel_test::ExpectOffset;
 using trammel_test::ExpectSweep;
-using trammel_test::NearBorder;
+using trammel_test::ExpectWithinRadius;
 using trammel_test::Round;
 using trammel_test::Rounds;
 
@@ -79,15 +77,8 @@ TEST(WidePens, PaintWhatIsWithinHalfTheWidthAtAnyTolerance) {
         CPath out;
         double const kept = Stroke(path, Round(2.0 * radius), tolerance, out);
         ASSERT_LE(kept, tolerance + 1e-7 * (radius + 2.0));
-        OutlineMeasure const measure(path);
-        for (int k = 0; k < 60; ++k) {
-            Pt const p = NearBorder(measure, radius, dice);
-            double const distance = measure.Distance(p);
-            if (std::abs(distance - radius) > kept) {
-                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
-                    << "path " << i << ", off by " << (distance - radius) / radius;
-            }
-        }
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectWithinRadius(out, OutlineMeasure(path), radius, kept, 60, i, dice));
     }
 }
 
@@ -100,24 +91,11 @@ TEST(WidePens, PaintDashesThatAreShorterThanTheyAreWide) {
         style.dashes = {radius * dice.Decade(-1.0, 0.0), radius * dice.Decade(-1.0, 0.0)};
         CPath out;
         double const kept = Stroke(path, style, 1e-6 * radius, out);
-        CPath dashes; // by lengths along each subpath
-        for (CPath const& subpath : trammel::SplitSubpaths(path)) {
-            OutlineMeasure const measure(subpath);
-            double const step = style.dashes[0] + style.dashes[1];
-            for (double from = 0.0; from < measure.Length(); from += step) {
-                measure.GetLengthRange(from, from + style.dashes[0], dashes);
-            }
-        }
-        OutlineMeasure const drawn(dashes);
-        for (int k = 0; k < 60; ++k) {
-            Pt const p = NearBorder(drawn, radius, dice);
-            double const distance = drawn.Distance(p);
-            // The dashes' ends are as exact as lengths.
-            if (std::abs(distance - radius) > kept + 1e-6 * radius) {
-                ASSERT_EQ(WindingNumber(out, p), distance < radius ? 1 : 0)
-                    << "path " << i << ", off by " << (distance - radius) / radius;
-            }
-        }
+        CPath const dashes =
+            DashesOf(path, style.dashes[0], style.dashes[0] + style.dashes[1], 0.0);
+        // The dashes' ends are as exact as lengths.
+        ASSERT_NO_FATAL_FAILURE(ExpectWithinRadius(out, OutlineMeasure(dashes), radius,
+                                                   kept + 1e-6 * radius, 60, i, dice));
     }
 }
 
@@ -169,20 +147,7 @@ TEST(WidePens, GrowAndShrinkRegionsOfManyContours) {
         CPath out;
         double const kept = Offset(region, rule, distance, StrokeJoin::kRound, 4.0, tolerance, out);
         ASSERT_LE(kept, tolerance + 1e-6 * (std::abs(distance) + 2.0));
-        CPath plain; // the border of the region
-        double const off = RemoveOverlap(region, rule, 0.0, plain);
-        OutlineMeasure const border(plain);
-        for (int k = 0; k < 60; ++k) {
-            Pt const p = NearBorder(border, std::abs(distance), dice);
-            double const away = border.Distance(p);
-            double const height = trammel::Contains(plain, p, FillRule::kNonZero) ? -away : away;
-            if (std::abs(height - distance) > kept + off) {
-                ++held;
-                ASSERT_EQ(WindingNumber(out, p), height < distance ? 1 : 0)
-                    << "region " << i << ", distance " << distance << ", off by "
-                    << (height - distance) / distance;
-            }
-        }
+        ASSERT_NO_FATAL_FAILURE(ExpectOffset(region, rule, distance, out, kept, 60, i, dice, held));
     }
     EXPECT_GT(held, Rounds(500));
 }

@@ -58,10 +58,7 @@ TEST(SignedArea, IsZeroForNothing) {
 }
 
 TEST(SignedArea, OfPolygonsClosesThem) {
-    TPolygon<double> polygon;
-    for (Pt const& p : {Pt(0, 0), Pt(8, 0), Pt(0, 8)}) {
-        polygon.Append(p, true);
-    }
+    TPolygon<double> polygon = {Pt(0, 0), Pt(8, 0), Pt(0, 8)};
     CFPolygonRef handle = polygon;
     EXPECT_EQ(SignedArea(polygon), 32);
     EXPECT_EQ(SignedArea(handle), 32);

@@ -130,10 +130,7 @@ TEST(WindingNumber, OfAPentagramIsTwoInTheMiddle) {
 
 TEST(WindingNumber, TreatsAVertexAtTheOriginLikeAnyOther) {
     CPath const triangle = Path("M0 0 L8 0 L0 8 Z");
-    TPolygon<double> polygon;
-    for (Pt const& p : {Pt(0, 0), Pt(8, 0), Pt(0, 8)}) {
-        polygon.Append(p, true);
-    }
+    TPolygon<double> polygon = {Pt(0, 0), Pt(8, 0), Pt(0, 8)};
     CFPolygonRef handle = polygon;
     for (Pt const& p : {Pt(1, 1), Pt(0.5, 7), Pt(6, 1)}) {
         EXPECT_EQ(WindingNumber(triangle, p), 1);
