@@ -277,11 +277,13 @@ class BadInput(AppTest):
         levels = '<g id="l0">' + '<path d="M0 0H1"/>' * 10 + "</g>"
         for i in range(1, 12):
             levels += f'<g id="l{i}">' + f'<use href="#l{i - 1}"/>' * 10 + "</g>"
-        self.bad(svg("<defs>" + levels + '</defs><use href="#l11"/>'), "multiply")
-        # Few elements, but long ones.
-        long_path = "M0 0" + "L1 1L0 0" * 40000
-        self.bad(svg(f'<defs><path id="p" d="{long_path}"/></defs>' + '<use href="#p"/>' * 300),
-                 "multiply")
+        # The limits take a while to reach, so one command is tried.
+        for content in (svg("<defs>" + levels + '</defs><use href="#l11"/>'),
+                        # Few elements, but long ones.
+                        svg('<defs><path id="p" d="M0 0' + "L1 1L0 0" * 40000 + '"/></defs>' +
+                            '<use href="#p"/>' * 300)):
+            file = self.write("bad.svg", content)
+            self.fails("measure", file, names=[file, "multiply"])
 
     def test_deep_nesting_is_refused(self):
         self.bad(svg("<g>" * 100000 + "</g>" * 100000), "levels deep")
