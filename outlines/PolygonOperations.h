@@ -20,7 +20,8 @@
 // - Rings cross neither themselves nor each other. They meet in single points at most, and no ring
 //   has a vertex twice.
 // - A ring begins at its vertex of least v, of several at that of least h. The rings are in that
-//   order, too. No rings stand for an empty region.
+//   order, too. Rings that begin at one vertex are in the order of their second vertices. No rings
+//   stand for an empty region.
 //
 // Accuracy: the plane is a grid of up to 2^61 steps along each axis of the operands' bounds, or of
 // the doubles where those are coarser. A vertex that survives is the same double. A crossing of two

@@ -37,7 +37,7 @@ void Add(std::vector<TPolygon<double>> const& rings, std::uint32_t owner, Boolea
 
 namespace {
 
-/// True when ring a's first vertex comes before ring b's.
+/// True when vertex a comes before vertex b in the order of the rings.
 bool Precedes(GridPoint a, GridPoint b) { return a.x != b.x ? a.x < b.x : a.y < b.y; }
 
 } // namespace
@@ -52,8 +52,14 @@ std::vector<RingPlace> PlacesOf(WindingResult const& result) {
         GridPoint const* const least = std::min_element(first, end, Precedes);
         order.push_back({*least, i, static_cast<std::size_t>(least - contours.points.data())});
     }
-    std::sort(order.begin(), order.end(), [](RingPlace const& a, RingPlace const& b) {
-        return a.at != b.at ? Precedes(a.at, b.at) : a.contour < b.contour;
+    auto const second = [&contours](RingPlace const& place) {
+        std::size_t const next = place.first + 1;
+        return contours
+            .points[next < contours.End(place.contour) ? next : contours.Begin(place.contour)];
+    };
+    // Rings that meet in their first vertex go different ways from there.
+    std::sort(order.begin(), order.end(), [&](RingPlace const& a, RingPlace const& b) {
+        return a.at != b.at ? Precedes(a.at, b.at) : Precedes(second(a), second(b));
     });
     return order;
 }

@@ -31,7 +31,7 @@ struct RingPlace {
 };
 
 /// Returns the contours in the order of the rings. A ring begins at its vertex of least v, of
-/// several at that of least h, and rings are in the order of these.
+/// several at that of least h. Rings are in the order of these, and of their second vertices.
 std::vector<RingPlace> PlacesOf(WindingResult const& result);
 
 /// Returns the number of a ring's vertices.

@@ -498,6 +498,21 @@ TEST(PolygonOperations, ObeyInclusionAndExclusion) {
     }
 }
 
+TEST(PolygonOperations, ListRingsThatBeginAtOneVertexByTheirSecondVertices) {
+    // Two triangles that meet at (0, 0), in any order and from any vertex.
+    std::vector<Pt> right = {Pt(0, 0), Pt(3, 1), Pt(1, 1)};
+    std::vector<Pt> left = {Pt(0, 0), Pt(-1, 1), Pt(-3, 1)};
+    std::string const both = "[ 0,0 -1,1 -3,1 ][ 0,0 3,1 1,1 ]";
+    for (int turn = 0; turn < 3; ++turn) {
+        std::rotate(right.begin(), right.begin() + 1, right.end());
+        std::rotate(left.begin(), left.begin() + 1, left.end());
+        for (FillRule const rule : kRules) {
+            EXPECT_EQ(Text(RemoveOverlap({Ring(right), Ring(left)}, rule)), both);
+            EXPECT_EQ(Text(RemoveOverlap({Ring(left), Ring(right)}, rule)), both);
+        }
+    }
+}
+
 TEST(PolygonOperations, RemoveOverlapsOnce) {
     Dice dice(20250105);
     for (int round = 0; round < 100; ++round) {
