@@ -228,6 +228,10 @@ void StrokeContours::SmoothCorners(bool closed) {
         if (!(square > 0.0 && square <= most && square <= kSmoothestTurn)) {
             continue;
         }
+        // A fold leaves the corner with the curve's own direction.
+        if (FoldAtEnd(before) != 0 || FoldAtStart(behind) != 0) {
+            continue;
+        }
         // On the inner side both pieces go back by half of that. They have to cover it.
         double const off = std::sqrt(square) * mPen.radius;
         if (off <= length(before) && off <= length(behind)) {
@@ -337,8 +341,12 @@ DirectedCubic StrokeContours::PartOfPiece(Piece const& piece, double from, doubl
                       to >= last.to ? piece.to : whole.DirectionAt(to));
 }
 
-bool StrokeContours::FoldsAtStart(Piece const& piece) const {
-    return piece.stretches > 0 && mStretches[piece.firstStretch].fold < 0;
+int StrokeContours::FoldAtStart(Piece const& piece) const {
+    return piece.stretches > 0 ? mStretches[piece.firstStretch].fold : 0;
+}
+
+int StrokeContours::FoldAtEnd(Piece const& piece) const {
+    return piece.stretches > 0 ? mStretches[piece.firstStretch + piece.stretches - 1].fold : 0;
 }
 
 void StrokeContours::AddCentresOf(DirectedCubic const& part, Pt const& origin, bool withFirst,
@@ -541,7 +549,7 @@ void StrokeContours::AddCorner(Piece const& before, Piece const& behind) {
         mOut.LineTo(from);
     }
     mOut.LineTo(p);
-    if (!FoldsAtStart(behind)) {
+    if (FoldAtStart(behind) >= 0) {
         mOut.LineTo(to);
     }
 }

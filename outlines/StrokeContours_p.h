@@ -160,7 +160,9 @@ private:
     void NoteTurns(DirectedCubic const& part, TPoint<double> const& origin);
     void AddTurns();
     void AddPatches();
-    bool FoldsAtStart(Piece const& piece) const;
+    /// Returns the fold of the first stretch and of the last one; 0 for a line.
+    int FoldAtStart(Piece const& piece) const;
+    int FoldAtEnd(Piece const& piece) const;
     bool RunsBack(Piece const& before, Piece const& behind) const;
     DirectedCubic PartOfPiece(Piece const& piece, double from, double to) const;
     TPoint<double> Beside(TPoint<double> const& p, TPoint<double> const& direction) const {

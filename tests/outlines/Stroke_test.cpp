@@ -309,6 +309,28 @@ TEST(Stroke, HasNoHoleBesideACuspAtACoarseTolerance) {
     }
 }
 
+TEST(Stroke, HasNoHoleAtASlightCornerWhereACurveFolds) {
+    // The curve begins with infinite curvature, at a corner of less than two degrees.
+    CPath const path = Path("M3.4 .9 C3.4 .9 10.3 -6.3 -2.9 -4.5 L-6.5 11.6 Z");
+    for (double const tolerance : {0.056, 0.0056, 0.00056}) {
+        CPath out;
+        // The path is closed, so that no cap tells. A pen whose caps are round, too, takes another
+        // way.
+        StrokeStyle const style = Style(5.6, StrokeJoin::kRound, StrokeCap::kButt);
+        EXPECT_EQ(Stroke(path, style, tolerance, out), tolerance);
+        EXPECT_EQ(trammel::ContourAreas(out).size(), 2U) << tolerance; // of a ring
+        OutlineMeasure const measure(path);
+        Dice dice(6);
+        for (int i = 0; i < 320; ++i) {
+            Pt const p(dice.Between(-3.0, 7.0), dice.Between(-7.0, 3.0));
+            double const distance = measure.Distance(p);
+            if (std::abs(distance - 2.8) > tolerance) {
+                ASSERT_EQ(WindingNumber(out, p), distance < 2.8 ? 1 : 0) << p.h << ", " << p.v;
+            }
+        }
+    }
+}
+
 TEST(Stroke, KeepsTheDistanceWhereTheCurvatureIsNearlyThePens) {
     // Beside its centres of curvature a point is nearly as far from many places of the curve.
     CPath const path = Path("M4 2C1 1 0 4 0 1");
