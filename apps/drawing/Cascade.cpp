@@ -3,12 +3,14 @@
 #include "Cascade.h"
 
 #include "Ascii.h"
+#include "CssMath.h"
 #include "CssTokens.h"
 #include "Numbers.h"
 #include "PenNames.h"
 #include "SvgAttributes.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace tool {
@@ -30,6 +32,7 @@ enum class Syntax {
     kDashes,
     kOffset,
     kOrigin,
+    kTransform,
     kAny
 };
 
@@ -58,7 +61,10 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"fill-rule", Syntax::kRule},
                                                  {"clip-rule", Syntax::kRule},
                                                  {"clip-path", Syntax::kClipPath},
-                                                 {"transform", Syntax::kAny},
+                                                 {"transform", Syntax::kTransform},
+                                                 {"translate", Syntax::kTransform},
+                                                 {"rotate", Syntax::kTransform},
+                                                 {"scale", Syntax::kTransform},
                                                  {"transform-origin", Syntax::kOrigin},
                                                  {"transform-box", Syntax::kAny},
                                                  {"font-size", Syntax::kAny},
@@ -78,6 +84,10 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"cy", Syntax::kLength},
                                                  {"r", Syntax::kLength},
                                                  {"d", Syntax::kPath}}};
+
+/// What turns, scales and moves, from that which applies to a point first.
+constexpr Property kTransforms[] = {Property::kTransform, Property::kScale, Property::kRotate,
+                                    Property::kTranslate};
 
 /// Returns the index of a property; kProperties for an unknown one.
 std::size_t IndexOf(std::string_view name) {
@@ -102,8 +112,8 @@ bool IsOneOf(std::string_view value, std::initializer_list<std::string_view> wor
 
 /// True when style sheets may write a length in this way: with a unit, unless it is 0.
 bool IsCssLength(std::string_view value) {
-    if (value == "auto" || value.substr(0, 5) == "calc(") {
-        return true; // sums are read with the element
+    if (value == "auto" || IsCssMath(value)) {
+        return true; // read with the element
     }
     Scanner scanner(value);
     if (!scanner.NumberFollows()) {
@@ -120,8 +130,8 @@ bool IsCssLength(std::string_view value) {
 
 /// True for a length of a line's style, which may do without a unit, or for a sum.
 bool IsPenLength(std::string_view value, bool maybeNegative) {
-    if (value.substr(0, 5) == "calc(") {
-        return true; // sums are read with the element
+    if (IsCssMath(value)) {
+        return true; // read with the element
     }
     try {
         double const number = ParseLength(value).number;
@@ -150,12 +160,37 @@ bool IsNumber(std::string_view value) {
 
 /// True for the centre of a transform. Style sheets take no number without a unit but 0.
 bool IsOrigin(std::string_view value, bool css) {
-    auto const suits = [css](Length const& length) {
-        return !css || !length.unit.empty() || length.number == 0.0;
-    };
     try {
-        TransformOrigin const origin = ParseTransformOrigin(value);
-        return suits(origin.h) && suits(origin.v);
+        ParseTransformOrigin(value, [css](Length const& length, bool) {
+            if (css && length.unit.empty() && length.number != 0.0) {
+                throw TextError(0, "has no unit");
+            }
+            return length.number;
+        });
+        return true;
+    } catch (TextError const&) {
+        return false;
+    }
+}
+
+/// Returns what one of the properties for transforms says in a style sheet.
+CMatrix3x3 CssTransformOf(Property property, std::string_view value, LengthUnits const& units) {
+    switch (property) {
+    case Property::kTranslate:
+        return ParseCssTranslate(value, units);
+    case Property::kRotate:
+        return ParseCssRotate(value);
+    case Property::kScale:
+        return ParseCssScale(value);
+    default:
+        return ParseCssTransform(value, units);
+    }
+}
+
+bool IsCssTransform(Property property, std::string_view value) {
+    try {
+        CssTransformOf(property, value, [](Length const& length, bool) { return length.number; });
+        return true;
     } catch (TextError const&) {
         return false;
     }
@@ -173,9 +208,10 @@ bool IsValid(Property property, std::string const& value, bool css) {
         return true; // as long as nothing takes its place
     }
     Syntax const syntax = kTable[static_cast<std::size_t>(property)].syntax;
-    bool const length =
-        syntax == Syntax::kLength || syntax == Syntax::kWidth || syntax == Syntax::kOffset;
-    if (!length && word.find("calc(") != std::string::npos) {
+    bool const math = syntax == Syntax::kLength || syntax == Syntax::kWidth ||
+                      syntax == Syntax::kOffset || syntax == Syntax::kOrigin ||
+                      syntax == Syntax::kTransform || property == Property::kFontSize;
+    if (!math && word.find("calc(") != std::string::npos) {
         return false;
     }
     switch (syntax) {
@@ -212,6 +248,8 @@ bool IsValid(Property property, std::string const& value, bool css) {
         return IsDashes(word);
     case Syntax::kOrigin:
         return IsOrigin(word, css);
+    case Syntax::kTransform:
+        return !css || IsCssTransform(property, value);
     case Syntax::kAny:
         break;
     }
@@ -288,24 +326,37 @@ bool Matches(CssAttributeTest const& test, pugi::xml_node element) {
 
 char const* NameOf(Property property) { return kTable[static_cast<std::size_t>(property)].name; }
 
+bool HasTransform(ElementStyle const& style) {
+    return std::any_of(std::begin(kTransforms), std::end(kTransforms), [&style](Property property) {
+        Declared const& declared = style[property];
+        return (declared.css || property == Property::kTransform) && !declared.value.empty() &&
+               declared.value != "none" && !IsWide(declared.value);
+    });
+}
+
 TPoint<double> TransformCentre(ElementStyle const& style, TPoint<double> const& corner,
                                LengthUnits const& units) {
     std::string_view const text = style[Property::kTransformOrigin].value;
     if (text.empty() || IsWide(text)) {
         return corner;
     }
-    TransformOrigin const origin = ParseTransformOrigin(text);
-    return corner + TPoint<double>(units(origin.h, false), units(origin.v, true));
+    return corner + ParseTransformOrigin(text, units);
 }
 
 CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
                        LengthUnits const& units) {
-    Declared const& declared = style[Property::kTransform];
-    if (declared.value.empty() || IsWide(declared.value)) {
-        return CMatrix3x3();
+    CMatrix3x3 m;
+    if (!HasTransform(style)) {
+        return m;
     }
-    CMatrix3x3 const m =
-        declared.css ? ParseCssTransform(declared.value, units) : ParseTransform(declared.value);
+    for (Property const property : kTransforms) {
+        Declared const& declared = style[property];
+        if (declared.css && !IsWide(declared.value)) {
+            m = m * CssTransformOf(property, declared.value, units);
+        } else if (property == Property::kTransform && !IsWide(declared.value)) {
+            m = ParseTransform(declared.value);
+        }
+    }
     TPoint<double> const centre = TransformCentre(style, corner, units);
     if (centre.Null()) {
         return m;

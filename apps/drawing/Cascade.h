@@ -10,7 +10,7 @@
 #define TRAMMEL_APP_CASCADE_H
 
 #include "Css.h"
-#include "SvgAttributes.h"
+#include "CssTransform.h"
 #include "SvgDocument.h"
 
 #include <trammel/CMatrix3x3.h>
@@ -48,6 +48,9 @@ enum class Property {
     kClipRule,
     kClipPath,
     kTransform,
+    kTranslate,
+    kRotate,
+    kScale,
     kTransformOrigin,
     kTransformBox,
     kFontSize,
@@ -97,13 +100,16 @@ private:
     std::array<Declared, kProperties> mDeclared;
 };
 
+/// True for an element that has a transform by itself, even if that does nothing.
+bool HasTransform(ElementStyle const& style);
+
 /// Returns the point about which the transform of an element goes. Throws TextError for a mistake.
 /// \param corner  the top left corner of the box that lengths refer to
 TPoint<double> TransformCentre(ElementStyle const& style, TPoint<double> const& corner,
                                LengthUnits const& units);
 
-/// Returns the transform that an element has by itself, transform-origin included. It throws
-/// TextError for a mistake in the property or the attribute.
+/// Returns the transform that an element has by itself: by `transform`, `scale`, `rotate`,
+/// `translate` and `transform-origin`. It throws TextError for a mistake in one of them.
 /// \param corner  the top left corner of the box that lengths refer to
 CMatrix3x3 TransformOf(ElementStyle const& style, TPoint<double> const& corner,
                        LengthUnits const& units);

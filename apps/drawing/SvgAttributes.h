@@ -10,13 +10,14 @@
 #include <trammel/TPoint.h>
 #include <trammel/TRect.h>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace tool {
+
+class Scanner;
 
 /// Returns the transform of a list, whose last entry applies to a point first. An empty list is the
 /// identity.
@@ -28,23 +29,6 @@ struct Length {
     std::string unit;
 };
 
-/// Returns a length in user units. Shares of the whole differ between the directions.
-typedef std::function<double(Length const& length, bool vertical)> LengthUnits;
-
-/// Returns the transform of the property in a style sheet. It differs from the attribute by units,
-/// and by functions for one direction.
-CMatrix3x3 ParseCssTransform(std::string_view text, LengthUnits const& units);
-
-/// The centre of a transform, in the box to which it refers.
-struct TransformOrigin {
-    Length h;
-    Length v;
-};
-
-/// Reads the property transform-origin: lengths, shares and words. A distance toward the eye is
-/// passed over.
-TransformOrigin ParseTransformOrigin(std::string_view text);
-
 /// What the units stand for that depend on a font or on the window.
 struct UnitSizes {
     double fontSize = 16.0;
@@ -53,15 +37,14 @@ struct UnitSizes {
     std::optional<TPoint<double>> window = {};
 };
 
+/// Reads a number with an optional unit from the middle of a text.
+Length ReadLength(Scanner& scanner);
+
 /// Reads a number with an optional unit.
 Length ParseLength(std::string_view text);
 
 /// Reads lengths with commas or space between them; none for a mistake.
 std::vector<Length> ParseLengths(std::string_view text);
-
-/// Reads "calc(...)" of lengths and numbers with + - * / and parentheses. Throws TextError unless
-/// it is a length. \param units  returns a length of the sum in user units
-double ParseCalc(std::string_view text, std::function<double(Length const&)> const& units);
 
 /// Returns the length in user units. `whole` is the length of 100%, and empty when it is unknown.
 /// Units of fonts and of the window need `sizes`. The tool looks at no font. So an ex and a ch are

@@ -265,8 +265,7 @@ void SvgEdit::SetProperty(std::size_t element, Property property, std::string co
 
 CMatrix3x3 SvgEdit::OwnTransform(std::size_t element) {
     ElementStyle const style = mCascade.Of(NodeAt(element));
-    std::string_view const transform = style[Property::kTransform].value;
-    if (!style[Property::kTransformBox].value.empty() && !transform.empty()) {
+    if (!style[Property::kTransformBox].value.empty() && HasTransform(style)) {
         throw TextError(0, "lengths refer to a box");
     }
     return TransformOf(style, TPoint<double>(), FixedUnits);
@@ -288,6 +287,11 @@ void SvgEdit::SetTransform(std::size_t element, CMatrix3x3 const& m) {
     if (hasBox) {
         SetProperty(element, Property::kTransformBox, "view-box");
         SetProperty(element, Property::kTransformOrigin, "0 0");
+    }
+    for (Property const property : {Property::kTranslate, Property::kRotate, Property::kScale}) {
+        if (style[property].css) {
+            SetProperty(element, property, "none");
+        }
     }
     SetProperty(element, Property::kTransform, MatrixText(own));
 }
@@ -475,23 +479,14 @@ void SvgEdit::SetPath(std::size_t element, CPath const& path) {
 /// the place of an element, and the markers that it would inherit.
 std::string SvgEdit::ShieldedStyle(pugi::xml_node beside, std::string style,
                                    std::string const& data) const {
-    static constexpr std::pair<char const*, char const*> kInitial[] = {{"clip-path", "none"},
-                                                                       {"display", "inline"},
-                                                                       {"fill-opacity", "1"},
-                                                                       {"fill-rule", "nonzero"},
-                                                                       {"filter", "none"},
-                                                                       {"mask", "none"},
-                                                                       {"opacity", "1"},
-                                                                       {"marker", "none"},
-                                                                       {"marker-start", "none"},
-                                                                       {"marker-mid", "none"},
-                                                                       {"marker-end", "none"},
-                                                                       {"paint-order", "normal"},
-                                                                       {"stroke-dasharray", "none"},
-                                                                       {"stroke-opacity", "1"},
-                                                                       {"transform", "none"},
-                                                                       {"vector-effect", "none"},
-                                                                       {"visibility", "visible"}};
+    static constexpr std::pair<char const*, char const*> kInitial[] = {
+        {"clip-path", "none"},     {"display", "inline"},    {"fill-opacity", "1"},
+        {"fill-rule", "nonzero"},  {"filter", "none"},       {"mask", "none"},
+        {"opacity", "1"},          {"marker", "none"},       {"marker-start", "none"},
+        {"marker-mid", "none"},    {"marker-end", "none"},   {"paint-order", "normal"},
+        {"rotate", "none"},        {"scale", "none"},        {"stroke-dasharray", "none"},
+        {"stroke-opacity", "1"},   {"transform", "none"},    {"translate", "none"},
+        {"vector-effect", "none"}, {"visibility", "visible"}};
     std::map<std::string, std::string> const sheets = mCascade.SheetsAs(beside, "path");
     style = ";" + style;
     for (auto const& [name, value] : kInitial) {

@@ -3,6 +3,7 @@
 // The lengths, lines and forms of single elements.
 
 #include "Ascii.h"
+#include "CssMath.h"
 #include "Numbers.h"
 #include "Outlines.h"
 #include "PaperUnit.h"
@@ -80,8 +81,7 @@ double SvgElements::UnitsOf(std::string_view value, char const* attribute, Conte
     auto const inUnits = [&](Length const& length) {
         return UnitsOf(length, attribute, context, axis);
     };
-    bool const sum = AsciiLower(value.substr(0, 5)) == "calc(";
-    double const units = sum ? ParseCalc(value, inUnits) : inUnits(ParseLength(value));
+    double const units = ParseCssLength(value, inUnits);
     if (!std::isfinite(units)) {
         throw TextError(0, "the length is too large");
     }
@@ -115,8 +115,7 @@ std::optional<double> SvgElements::SizeOf(pugi::xml_node element, char const* at
 /// \param context  around the element
 CMatrix3x3 SvgElements::TransformOf(pugi::xml_node element, ElementStyle const& style,
                                     Context const& context) {
-    std::string_view const transform = style[Property::kTransform].value;
-    if (transform.empty() || transform == "none" || IsWide(transform)) {
+    if (!HasTransform(style)) {
         return CMatrix3x3();
     }
     TRect<double> box; // what lengths in the transform refer to
@@ -214,7 +213,9 @@ void SvgElements::InheritFontSize(ElementStyle const& style, Context& context) c
     } else if (!size.empty() && !IsWide(size)) {
         try {
             UnitSizes const sizes = SizesFor(context);
-            double const units = UserUnits(ParseLength(size), context.fontSize, &sizes);
+            double const units = ParseCssLength(size, [&](Length const& length) {
+                return UserUnits(length, context.fontSize, &sizes);
+            });
             context.fontSize = units >= 0.0 ? units : context.fontSize;
         } catch (TextError const&) { // as if it were not there
         }

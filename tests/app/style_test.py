@@ -156,6 +156,26 @@ class Style(AppTest):
                 "transform:translate(50%,10%)": [60, 30, 90, 40],
                 "transform:translate(50%,10%);transform-box:fill-box": [25, 21, 55, 31],
                 "transform:translateY(1rem) translateX(2em);font-size:20px": [50, 36, 80, 46],
+                "transform:translate(calc(10px + 50%), calc(1em*2))": [70, 52, 100, 62],
+                "transform:translate(min(10px,20px), max(1px,2px,3%))": [20, 23, 50, 33],
+                "transform:translate(clamp(1px,7px,3px))": [13, 20, 43, 30],
+                "transform:rotate(calc(45deg + 0.125turn))": [-30, 10, -20, 40],
+                "transform:scale(150%, 80%)": [15, 16, 60, 24],
+                "transform:scale(calc(1 + 0.5))": [15, 30, 60, 45],
+                "transform:TRANSLATE(5px,6px) Scale(2)": [25, 46, 85, 66],
+                "transform:translate3d(5px,6px,7px) rotateZ(90deg) scale3d(2,3,4)":
+                    [-85, 26, -55, 86],
+                "transform:matrix3d(1,0,0,0,0,1,0,0,0,0,1,0,7,8,0,1)": [17, 28, 47, 38],
+                "transform:scale(2);transform-origin:calc(50% + 3px) 1em": [-33, 24, 27, 44],
+                "transform:scale(2);transform-origin:right": [-80, -10, -20, 10],
+                "rotate:90deg": [-30, 10, -20, 40],
+                "rotate:z 90deg;transform-origin:10px 20px": [0, 20, 10, 50],
+                "translate:5px 20%": [15, 40, 45, 50],
+                "scale:2 3": [20, 60, 80, 90],
+                "scale:200%;translate:1px": [21, 40, 81, 60],
+                "transform:translate(1px);scale:2;rotate:90deg;translate:5px":
+                    [-55, 22, -35, 82],
+                "transform:scale(3);transform:scale(1, 2)": [10, 40, 40, 60],
         }.items():
             with self.subTest(css):
                 self.assertBox(self.drawn("path{" + css + "}", body)["p"], box, 1e-6)
@@ -169,6 +189,9 @@ class Style(AppTest):
                  ["'transform-origin: 5 5' is left out"]),
                 ("transform:scale(2);transform-origin:left left", [20, 40, 80, 60],
                  ["'transform-origin: left left' is left out"]),
+                ("transform:scale(2);transform:scale(2px)", [20, 40, 80, 60],
+                 ["'transform: scale(2px)' is left out"]),
+                ("rotate:x 30deg", [10, 20, 40, 30], ["'rotate: x 30deg' is left out"]),
                 ("transform:scale(2);transform-box:stroke-box", [10, 20, 40, 30],
                  ["transform-box: 'stroke-box' is not read here"])):
             self.assertBox(self.drawn("path{" + css + "}", body, warnings=warnings)["p"], box)
@@ -263,14 +286,19 @@ class Style(AppTest):
         for value, width in {
             "calc(1px + 2px)": 3, "calc(50% - 10px)": 40, "calc(2 * (3px + 1em))": 26,
             "calc( ( 10px - 4px ) / 3 )": 2, "calc(10px / 4 * 2)": 5, "calc(-1px - -3px)": 2,
-            "calc(1in + 0px)": 96, "calc(calc(1px + 1px) * 2)": 4,
+            "calc(1in + 0px)": 96, "calc(calc(1px + 1px) * 2)": 4, "min(3px, 50%)": 3,
+            "MAX(1px, calc(1px + 1em), 2px)": 11, "clamp(2px, 1px, 3px)": 2,
         }.items():
             with self.subTest(value):
                 self.assertEqual(self.drawn(f"rect{{width:{value}}}", body)["a"], [0, 0, width, 1])
         for value in ("calc(1px + 2)", "calc(2 + 3)", "calc(1px * 2px)", "calc(1 / 2px)", "calc(1px",
-                      "calc()", "calc(1px 2px)", "calc(" + "(" * 99 + "1px" + ")" * 99 + ")"):
+                      "calc()", "calc(1px 2px)", "calc(1px -2px)", "clamp(1px, 2px)", "min(1px, 2)", "min()",
+                      "calc(10deg)", "calc(" + "(" * 99 + "1px" + ")" * 99 + ")"):
             with self.subTest(value):
                 self.assertEqual(self.drawn(f"rect{{width:{value}}}", body, None), {})
+
+        self.assertEqual(self.drawn("rect{font-size:calc(50% + 2px);width:1em}", body)["a"],
+                         [0, 0, 10, 1])
 
     def test_masks_and_markers_are_named_once(self):
         body = ('<mask id="m"/><path id="a" mask="url(#m)" d="M0 0H9"/><path id="b" d="M0 0H9" '
