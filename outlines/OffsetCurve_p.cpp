@@ -40,6 +40,8 @@ constexpr double kStandsStill = 0x1p-44;
 constexpr double kDamping = 1e-7;
 /// A piece is not cut at an inflection that is nearer to its ends.
 constexpr double kInflectionMargin = 0.05;
+/// Centres of curvature that are nearer to the curve, in radii, are those of a cusp.
+constexpr double kAtCusp = 0x1p-20;
 /// The pen's centres of curvature are divided so often at most.
 constexpr int kDeepestCentre = 12;
 /// Where their chords are farther off than the tolerance then, they are divided on,
@@ -638,7 +640,11 @@ Pt CentreOf(DirectedCubic const& piece, double t, Pt const& direction, double ra
     double const square = Square(place.first);
     double const bend = Cross(place.first, place.second) / 1.5;
     double const signedRadius = bend != 0.0 ? square * std::sqrt(square) / bend : 0.0;
-    return place.point + NormalOf(direction) * std::clamp(signedRadius, -radius, radius);
+    // The stretch may end a little behind an inflection, where the pen folds on the other side. At
+    // a cusp rounding tells the side.
+    bool const foldsThere = signedRadius > kAtCusp * radius;
+    return place.point -
+           NormalOf(direction) * (foldsThere ? radius : std::clamp(-signedRadius, 0.0, radius));
 }
 
 namespace {

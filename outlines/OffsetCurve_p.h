@@ -59,8 +59,8 @@ struct DirectedCubic {
 void AppendOffset(DirectedCubic const& piece, double distance, double tolerance,
                   std::vector<std::array<TPoint<double>, 3>>& out);
 
-/// Appends points along the centres of curvature of a stretch that folds, without those of its
-/// ends.
+/// Appends points along the centres of curvature of a stretch that folds on the side against its
+/// normals, without those of its ends.
 ///
 /// The chords between the points run on the concave side of the centres' curve, so they take
 /// nothing away from what the pen covers. So none spans a place where the curvature is greatest,
@@ -72,7 +72,8 @@ double AppendCentres(DirectedCubic const& piece, double radius, double tolerance
                      std::vector<TPoint<double>>& out);
 
 /// Returns the centre of curvature at a parameter at which the curve has a direction. Where it is
-/// farther than the radius, this is the point at that distance.
+/// not on the side against the curve's normal, or farther than the radius, this is the point on
+/// that side at the distance of the radius.
 TPoint<double> CentreOf(DirectedCubic const& piece, double t, TPoint<double> const& direction,
                         double radius);
 

@@ -331,6 +331,19 @@ TEST(Stroke, HasNoHoleAtASlightCornerWhereACurveFolds) {
     }
 }
 
+TEST(Stroke, HasNoHoleWhereAFoldEndsBesideAnInflection) {
+    // The end of the second curve bends to the other side within the last eighth of a tolerance.
+    // The hole began in the middle of the blot that the pen makes.
+    CPath const path =
+        Path("M0 0 C-.27 1.263 .932 .955 .893 1.554 C.829 1.888 .549 1.808 1.035 1.945 Z");
+    for (double const tolerance : {2.0, 0.6, 0.2}) {
+        CPath out;
+        EXPECT_EQ(Stroke(path, Round(2000), tolerance, out), tolerance);
+        EXPECT_EQ(trammel::ContourAreas(out).size(), 1U) << tolerance;
+        EXPECT_EQ(WindingNumber(out, Pt(0.6288, 2.4779)), 1) << tolerance;
+    }
+}
+
 TEST(Stroke, KeepsTheDistanceWhereTheCurvatureIsNearlyThePens) {
     // Beside its centres of curvature a point is nearly as far from many places of the curve.
     CPath const path = Path("M4 2C1 1 0 4 0 1");
