@@ -114,19 +114,24 @@ double UniteParts(std::vector<CPath>& parts, double tolerance, CPath& out) {
     return kept;
 }
 
-/// Grows or shrinks a region by the stroke of its border, which has round joins.
-double OffsetByStroke(CPath const& region, StrokeStyle const& border, bool grows, double tolerance,
-                      CPath& out) {
+/// Grows or shrinks a region by its border's stroke, which is made in parts. `blur` is how far the
+/// region's contours may cross each other.
+double OffsetInParts(CPath const& region, double blur, double distance, StrokeStyle const& border,
+                     double tolerance, CPath& out) {
     double const share = kContourShare * tolerance;
     std::vector<CPath> parts;
-    double kept = trammel_detail::StrokeParts(region, border, share, true, parts);
+    // With round joins, both sides of the border are within the distance. The stroke of both has
+    // no border along the region's.
+    double kept = border.join == StrokeJoin::kRound
+                      ? trammel_detail::StrokeParts(region, border, share, true, parts)
+                      : trammel_detail::BorderParts(region, blur, distance, border, share, parts);
     CPath painted;
     kept += UniteParts(parts, 0.5 * (tolerance - share), painted);
     CPath result;
-    kept += Boolean(grows ? kPolyUnion : kPolyDifference, region, FillRule::kNonZero, painted,
-                    FillRule::kNonZero, 0.5 * (tolerance - share), result);
+    kept += Boolean(distance > 0.0 ? kPolyUnion : kPolyDifference, region, FillRule::kNonZero,
+                    painted, FillRule::kNonZero, 0.5 * (tolerance - share), result);
     // The contours of the difference run as the stroke that is taken away.
-    out = grows ? std::move(result) : Reversed(result);
+    out = distance > 0.0 ? std::move(result) : Reversed(result);
     return kept;
 }
 
@@ -172,18 +177,18 @@ double Offset(CPath const& region, FillRule rule, double distance, StrokeJoin jo
     }
     double const used = UsableTolerance(asked, std::abs(distance), 0.0);
     double const share = used - kContourShare * used;
-    CPath grown;
-    double const off = trammel_detail::AppendGrown(plain, kept, distance, join, miterLimit,
-                                                   kContourShare * used, grown);
     StrokeStyle border;
     border.width = 2.0 * std::abs(distance);
-    border.join = StrokeJoin::kRound;
+    border.join = join;
+    border.miterLimit = miterLimit;
     border.startCap = border.endCap = StrokeCap::kRound; // a round pen leaves out what folds
-    double const crowd =
-        join == StrokeJoin::kRound ? trammel_detail::CrowdedExtent(plain, border) : 0.0;
+    CPath grown;
+    double const off =
+        trammel_detail::AppendGrown(plain, kept, distance, border, kContourShare * used, grown);
+    double const crowd = trammel_detail::CrowdedExtent(plain, border);
     if (crowd > 0.0 && !trammel_detail::AreContoursPlain(grown)) {
-        kept += OffsetByStroke(plain, border, distance > 0.0,
-                               UsableTolerance(asked, std::abs(distance), crowd), out);
+        kept += OffsetInParts(plain, kept, distance, border,
+                              UsableTolerance(asked, std::abs(distance), crowd), out);
         return std::max(asked, kept);
     }
     kept += off;

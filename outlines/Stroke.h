@@ -69,9 +69,7 @@ TRAMMEL_API double Stroke(CPath const& path, StrokeStyle const& style, double to
 /// The result replaces `out`, and is as that of Stroke(). A NaN or infinite distance gives no
 /// contours. 0 gives the region itself as RemoveOverlap() does, whose contours run as their sources
 /// do.
-/// Cost: as that of Stroke() for the border of the region, after RemoveOverlap(). Regions with
-/// joins that are not round are not made in parts. Distances wider than such a region have as many
-/// crossings as pairs of elements: a border of a thousand elements takes a minute.
+/// Cost: as that of Stroke() for the border of the region, after RemoveOverlap().
 /// \param rule tells what points the outline contains. \param miterLimit as in StrokeStyle.
 /// \param distance, tolerance in coordinate units; the tolerance is as that of Stroke(), with twice
 ///     the distance for the width.

@@ -305,6 +305,31 @@ void StrokeContours::EndSide(double blur) {
     SmoothCorners(true);
     mBlur = blur;
     Side(true);
+    CloseSide();
+}
+
+void StrokeContours::EndSidePart(double blur, std::vector<Cubic> const& line) {
+    if (mPieces.empty()) {
+        return;
+    }
+    SmoothCorners(false);
+    mBlur = blur;
+    mOut.LineTo(Beside(mPieces.front().start, mPieces.front().from));
+    Side(false);
+    mOut.LineTo(Beside(mPieces.back().end, mPieces.back().to));
+    for (auto s = line.rbegin(); s != line.rend(); ++s) {
+        Cubic const& c = *s;
+        mOut.LineTo(c[3]);
+        if (c[1] == c[0] && c[2] == c[3]) {
+            mOut.LineTo(c[0]);
+        } else {
+            mOut.CurveTo({{c[2], c[1], c[0]}});
+        }
+    }
+    CloseSide();
+}
+
+void StrokeContours::CloseSide() {
     mBlur = 0.0;
     mOut.Close();
     // How far a tiny part turns is not known, and on one side alone it matters.

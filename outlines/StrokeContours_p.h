@@ -106,6 +106,10 @@ public:
     /// \param blur how far the subpath may cross itself. Where it runs back along itself as near as
     ///             that, the pen turns round.
     void EndSide(double blur);
+    /// Ends a part of a closed subpath, and keeps only the contour between that side and the line.
+    /// \param line the segments that were added, in order. The contour returns along them, so that
+    ///             they have to be the very ones.
+    void EndSidePart(double blur, std::vector<Cubic> const& line);
 
     /// Returns how far contours may be off where the pen's tolerance takes too much work, or 0. The
     /// stroke keeps that distance beside the tolerance.
@@ -160,6 +164,8 @@ private:
     void NoteTurns(DirectedCubic const& part, TPoint<double> const& origin);
     void AddTurns();
     void AddPatches();
+    /// Ends a contour of which one side only is kept.
+    void CloseSide();
     /// Returns the fold of the first stretch and of the last one; 0 for a line.
     int FoldAtStart(Piece const& piece) const;
     int FoldAtEnd(Piece const& piece) const;

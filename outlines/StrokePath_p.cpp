@@ -191,10 +191,28 @@ public:
         mContours.SetSharedPoints(shared);
     }
     void Add(Subpath const& subpath);
+    /// Adds the side of a closed subpath against its normals, in parts.
+    /// \param blur as that of StrokeContours::EndSide(), scaled
+    void AddSideInParts(Subpath const& subpath, double blur) {
+        mIsOneSided = true;
+        mBlur = blur;
+        AddInParts(subpath, true);
+        mIsOneSided = false;
+    }
     double Excess() const { return mContours.Excess() / mScale; }
 
 private:
-    void EndWhole(bool closed) { closed ? mContours.EndClosed() : mContours.EndOpen(); }
+    void EndWhole(bool closed) {
+        mIsOneSided ? mContours.EndSide(mBlur)
+        : closed    ? mContours.EndClosed()
+                    : mContours.EndOpen();
+    }
+    void AddToPart(PathSegment const& s) {
+        AddSegment(s, mScale, mContours);
+        if (mIsOneSided) {
+            mLine.push_back(Scaled(s, mScale));
+        }
+    }
     void AddDot(Pt const& p);
     /// Returns false where the subpath has no length.
     bool AddInParts(Subpath const& subpath, bool closed);
@@ -219,7 +237,10 @@ private:
     ContourList mList;
     StrokeContours mContours;
     bool mIsSplit;
-    std::size_t mInPart = 0; ///< segments, dashes or points
+    bool mIsOneSided = false;
+    double mBlur = 0.0;       ///< scaled, of one side
+    std::vector<Cubic> mLine; ///< the segments of a part of one side, scaled
+    std::size_t mInPart = 0;  ///< segments, dashes or points
 };
 
 std::size_t StrokeMaker::RoomInPart() {
@@ -285,15 +306,18 @@ bool StrokeMaker::AddInParts(Subpath const& subpath, bool closed) {
         for (double length = 0.0; behind < most && !(length >= mOverlap);) {
             length += lengthOf(behind++);
         }
+        mLine.clear();
         for (std::size_t k = first; k < end; ++k) {
-            AddSegment(segments[k], mScale, mContours);
+            AddToPart(segments[k]);
         }
         for (std::size_t k = 0; k < behind; ++k) {
-            AddSegment(segments[k], mScale, mContours);
+            AddToPart(segments[k]);
         }
         isPainted = isPainted || !mContours.IsEmpty();
         if (isFirst && isLast) {
             EndWhole(closed);
+        } else if (mIsOneSided) {
+            mContours.EndSidePart(mBlur, mLine);
         } else {
             mContours.EndPart(isFirst && !closed, isLast && !closed);
         }
@@ -428,6 +452,45 @@ RegionSide RegionBeside(Subpath const& contour, PreparedOutline const& region, d
     return RegionSide::kUnknown;
 }
 
+/// The sizes with which the contours of a path are made.
+struct Measures {
+    Measures(CPath const& path, double penRadius, double tolerance)
+        : pathSize(SizeOf(path)), radius(penRadius), scale(ScaleFor(std::max(pathSize, radius))),
+          kept(std::max(kFinest * std::max(pathSize, radius), tolerance > 0.0 ? tolerance : 0.0)) {}
+
+    double pathSize; ///< of the coordinates
+    double radius;   ///< of the pen
+    double scale;    ///< by which all is multiplied
+    double kept;     ///< the distance that is kept, not scaled
+};
+
+StrokePen PenOf(trammel::StrokeStyle const& style, Measures const& measures) {
+    StrokePen pen;
+    pen.radius = measures.radius * measures.scale;
+    pen.join = style.join;
+    pen.miterLimit = style.miterLimit >= 1.0 ? style.miterLimit : 1.0;
+    pen.startCap = style.startCap;
+    pen.endCap = style.endCap;
+    pen.tolerance = measures.kept * measures.scale;
+    return pen;
+}
+
+/// Calls `add` with each contour of a region, so directed that the side against its normals is
+/// outside of the region, or inside with `inward`. The second argument is false for a contour of
+/// which nothing is known: it encloses nothing that could be seen.
+template <class Add>
+void ForGrownSides(CPath const& region, double blur, bool inward, Measures const& measures,
+                   Add const& add) {
+    double const size = std::max(measures.pathSize, measures.radius);
+    PreparedOutline const prepared(region);
+    for (Subpath const& contour : Subpaths(region)) {
+        RegionSide const side = RegionBeside(contour, prepared, size, blur);
+        CPath const one = PathOf(contour);
+        bool const isTurned = (side == RegionSide::kAgainstNormal) != inward;
+        add(isTurned ? trammel::Reversed(one) : one, side != RegionSide::kUnknown);
+    }
+}
+
 } // namespace
 
 double CrowdedExtent(CPath const& path, trammel::StrokeStyle const& style) {
@@ -466,23 +529,13 @@ double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double 
     if (!(radius > 0.0) || !std::isfinite(radius)) {
         return tolerance > 0.0 ? tolerance : 0.0;
     }
-    double const pathSize = SizeOf(path);
-    double const size = std::max(pathSize, radius);
-    double const scale = ScaleFor(size);
-    double const kept = std::max(kFinest * size, tolerance > 0.0 ? tolerance : 0.0);
-
-    StrokePen pen;
-    pen.radius = radius * scale;
-    pen.join = style.join;
-    pen.miterLimit = style.miterLimit >= 1.0 ? style.miterLimit : 1.0;
-    pen.startCap = style.startCap;
-    pen.endCap = style.endCap;
-    pen.tolerance = kept * scale;
+    Measures const measures(path, radius, tolerance);
+    StrokePen const pen = PenOf(style, measures);
     std::vector<Pt> const shared =
-        MayHaveArcs(path, pen) ? SharedPoints(path, scale) : std::vector<Pt>();
+        MayHaveArcs(path, pen) ? SharedPoints(path, measures.scale) : std::vector<Pt>();
 
     parts.emplace_back();
-    StrokeMaker maker(pen, style, pathSize, scale, shared, inParts, parts);
+    StrokeMaker maker(pen, style, measures.pathSize, measures.scale, shared, inParts, parts);
     if (!inParts) {
         // Each segment has two sides, unless corners or dashes take more.
         parts.back().mCtls.reserve(2 * path.mCtls.size());
@@ -493,34 +546,35 @@ double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double 
             maker.Add(subpath);
         }
     }
-    return kept + maker.Excess();
+    return measures.kept + maker.Excess();
 }
 
-double AppendGrown(CPath const& region, double blur, double distance, StrokeJoin join,
-                   double miterLimit, double tolerance, CPath& out) {
-    double const size = std::max(SizeOf(region), std::abs(distance));
-    double const scale = ScaleFor(size);
-    double const kept = std::max(kFinest * size, tolerance);
-    StrokePen pen;
-    pen.radius = std::abs(distance) * scale;
-    pen.join = join;
-    pen.miterLimit = miterLimit >= 1.0 ? miterLimit : 1.0;
-    pen.startCap = pen.endCap = StrokeCap::kRound;
-    pen.tolerance = kept * scale;
-    ContourList list(out, 1.0 / scale);
-    StrokeContours sides(pen, list);
-    PreparedOutline const prepared(region);
-    for (Subpath const& contour : Subpaths(region)) {
-        RegionSide const side = RegionBeside(contour, prepared, size, blur);
-        CPath one = PathOf(contour);
-        if ((side == RegionSide::kAgainstNormal) != (distance < 0.0)) {
-            one = trammel::Reversed(one);
+double AppendGrown(CPath const& region, double blur, double distance,
+                   trammel::StrokeStyle const& border, double tolerance, CPath& out) {
+    Measures const measures(region, std::abs(distance), tolerance);
+    ContourList list(out, 1.0 / measures.scale);
+    StrokeContours sides(PenOf(border, measures), list);
+    ForGrownSides(region, blur, distance < 0.0, measures, [&](CPath const& one, bool isKnown) {
+        AddSegments(Segments(one), measures.scale, sides);
+        isKnown ? sides.EndSide(blur * measures.scale) : sides.EndClosed();
+    });
+    return measures.kept + sides.Excess() / measures.scale;
+}
+
+double BorderParts(CPath const& region, double blur, double distance,
+                   trammel::StrokeStyle const& border, double tolerance,
+                   std::vector<CPath>& parts) {
+    Measures const measures(region, std::abs(distance), tolerance);
+    StrokePen const pen = PenOf(border, measures);
+    std::vector<Pt> const shared = SharedPoints(region, measures.scale);
+    parts.emplace_back();
+    StrokeMaker maker(pen, border, measures.pathSize, measures.scale, shared, true, parts);
+    ForGrownSides(region, blur, distance < 0.0, measures, [&](CPath const& one, bool isKnown) {
+        for (Subpath const& contour : Subpaths(one)) {
+            isKnown ? maker.AddSideInParts(contour, blur * measures.scale) : maker.Add(contour);
         }
-        AddSegments(Segments(one), scale, sides);
-        // A contour of which nothing is known encloses nothing that could be seen.
-        side == RegionSide::kUnknown ? sides.EndClosed() : sides.EndSide(blur * scale);
-    }
-    return kept + sides.Excess() / scale;
+    });
+    return measures.kept + maker.Excess();
 }
 
 } // namespace trammel_detail

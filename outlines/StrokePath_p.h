@@ -32,8 +32,17 @@ double StrokeParts(CPath const& path, trammel::StrokeStyle const& style, double 
 /// it, which makes the outside a region.
 /// \param region contours without overlaps, which run in any direction.
 /// \param blur how far these may cross each other where they run beside each other
-double AppendGrown(CPath const& region, double blur, double distance, trammel::StrokeJoin join,
-                   double miterLimit, double tolerance, CPath& out);
+/// \param border the pen, whose joins shape the corners. Its width is not read.
+double AppendGrown(CPath const& region, double blur, double distance,
+                   trammel::StrokeStyle const& border, double tolerance, CPath& out);
+
+/// Appends the parts of what a region gains when it grows by a distance, or of what it loses when
+/// it shrinks by a negative one. Returns the distance that they keep.
+///
+/// A part lies between a few segments of the border and what is at the distance from them. For the
+/// rest this is as StrokeParts(), and the parameters are those of AppendGrown().
+double BorderParts(CPath const& region, double blur, double distance,
+                   trammel::StrokeStyle const& border, double tolerance, std::vector<CPath>& parts);
 
 } // namespace trammel_detail
 

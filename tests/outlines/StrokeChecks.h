@@ -5,11 +5,13 @@
 #ifndef TRAMMEL_STROKECHECKS_H
 #define TRAMMEL_STROKECHECKS_H
 
+#include "CBezier.h"
 #include "FillRule.h"
 #include "HardPaths.h"
 #include "OutlineJudge.h"
 #include "OutlineMeasure.h"
 #include "OutlineOperations.h"
+#include "PathSegments.h"
 #include "PathStructure.h"
 #include "Stroke.h"
 #include "StrokeJudge.h"
@@ -107,6 +109,86 @@ inline void ExpectOffset(CPath const& region, trammel::FillRule rule, double dis
     }
 }
 
+/// The contours of a border, each run through so that the region is on its left. Empty where it
+/// is not plain on which side the region is, as beside slivers.
+inline CPath WithRegionOnLeft(CPath const& border) {
+    CPath out;
+    double const off = 1e-7 * (border.Bounds().Width() + border.Bounds().Height());
+    for (CPath const& contour : trammel::SplitSubpaths(border)) {
+        int left = 0;
+        int right = 0;
+        for (trammel::PathSegment const& s : trammel::Segments(contour)) {
+            CBezier const curve = s.Curve();
+            TPoint<double> const middle =
+                (curve.P0 + curve.P3 + (curve.P1 + curve.P2) * 3.0) * 0.125;
+            TPoint<double> const along = curve.P3 + curve.P2 - curve.P1 - curve.P0;
+            double const length = std::hypot(along.h, along.v);
+            if (length == 0.0) {
+                continue; // a close that has nothing to draw
+            }
+            TPoint<double> const side = TPoint<double>(-along.v, along.h) * (off / length);
+            bool const isLeft = trammel::WindingNumber(border, middle + side) != 0;
+            bool const isRight = trammel::WindingNumber(border, middle - side) != 0;
+            left += isLeft && !isRight ? 1 : 0;
+            right += isRight && !isLeft ? 1 : 0;
+            if (isLeft == isRight || length < 1e-3 * off * 1e7) {
+                return CPath();
+            }
+        }
+        if (left > 0 && right > 0) {
+            return CPath();
+        }
+        trammel::AppendSubpaths(out, left > 0 ? contour : trammel::Reversed(contour));
+    }
+    return out;
+}
+
+/// Fails where a region that was grown or shrunk with any join is not the region with, or without,
+/// what one side of its border's stroke covers. Nothing is judged where the sides are not plain.
+/// Adds to `judged` how many points were.
+inline void ExpectSideOfBorder(CPath const& region, trammel::FillRule rule, double distance,
+                               trammel::StrokeStyle const& border, double tolerance, int number,
+                               Dice& dice, int& judged) {
+    bool const grows = distance > 0.0;
+    CPath out;
+    double const kept =
+        trammel::Offset(region, rule, distance, border.join, border.miterLimit, tolerance, out);
+    CPath plain;
+    double const slack = 1.01 * (kept + trammel::RemoveOverlap(region, rule, 0.0, plain));
+    CPath const turned = WithRegionOnLeft(plain);
+    if (turned.mCtls.empty()) {
+        return;
+    }
+    StrokeJudge const ideal(turned, border, grows ? PenSides::kRight : PenSides::kLeft);
+    OutlineJudge const judge(out);
+    OutlineJudge const before(plain);
+    trammel::OutlineMeasure const line(plain);
+    std::vector<TPoint<double>> points;
+    points.reserve(15);
+    for (int k = 0; k < 15; ++k) {
+        points.push_back(k % 3 == 0 ? region.mPts[static_cast<std::size_t>(
+                                          dice.Below(static_cast<int>(region.mPts.size())))] +
+                                          dice.Point() * (2.0 * std::abs(distance))
+                                    : NearBorder(line, std::abs(distance), dice));
+    }
+    std::mt19937 random(static_cast<unsigned>(number));
+    judge.ForBeside(random, 1, 1.5 * kept, [&](TPoint<double> const& p) { points.push_back(p); });
+    for (TPoint<double> const& p : points) {
+        if (!(line.Distance(p) > slack)) {
+            continue;
+        }
+        bool const inside = before.Winding(p) != 0;
+        bool const isIn = grows ? inside || ideal.Covers(p) : inside && !ideal.Covers(p);
+        int const winding = judge.Winding(p);
+        ++judged;
+        ASSERT_TRUE(winding == (isIn ? 1 : 0) || ideal.IsAtBorder(p, slack))
+            << "region " << number << ": " << trammel::WriteSvgPath(region) << " at " << p.h << ' '
+            << p.v << ", winding number " << winding << ", distance " << distance << ", join "
+            << static_cast<int>(border.join) << ", limit " << border.miterLimit << ", tolerance "
+            << tolerance;
+    }
+}
+
 /// Fails where a stroke is not what sweep, joins and caps cover, save within the distance.
 inline void ExpectSweep(CPath const& path, trammel::StrokeStyle const& style, double tolerance,
                         int number, Dice& dice) {
@@ -116,6 +198,7 @@ inline void ExpectSweep(CPath const& path, trammel::StrokeStyle const& style, do
     OutlineJudge const judge(out);
     trammel::OutlineMeasure const line(path);
     std::vector<TPoint<double>> points;
+    points.reserve(30);
     for (int k = 0; k < 30; ++k) {
         points.push_back(k % 3 == 0 ? path.mPts[static_cast<std::size_t>(
                                           dice.Below(static_cast<int>(path.mPts.size())))] +

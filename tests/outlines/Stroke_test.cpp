@@ -25,7 +25,6 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -44,6 +43,7 @@ using trammel_test::AnyStyle;
 using trammel_test::DashesOf;
 using trammel_test::Dice;
 using trammel_test::ExpectOffset;
+using trammel_test::ExpectSideOfBorder;
 using trammel_test::ExpectSweep;
 using trammel_test::ExpectWithinRadius;
 using trammel_test::HardPath;
@@ -586,39 +586,6 @@ TEST(Offset, HoldsThePointsWithinTheDistanceOfTheRegion) {
     }
 }
 
-/// The contours of a border, each run through so that the region is on its left. Empty where it
-/// is not plain on which side the region is, as beside slivers.
-CPath WithRegionOnLeft(CPath const& border) {
-    CPath out;
-    double const off = 1e-7 * (border.Bounds().Width() + border.Bounds().Height());
-    for (CPath const& contour : trammel::SplitSubpaths(border)) {
-        int left = 0;
-        int right = 0;
-        for (trammel::PathSegment const& s : trammel::Segments(contour)) {
-            CBezier const curve = s.Curve();
-            Pt const middle = (curve.P0 + curve.P3 + (curve.P1 + curve.P2) * 3.0) * 0.125;
-            Pt const along = curve.P3 + curve.P2 - curve.P1 - curve.P0;
-            double const length = std::hypot(along.h, along.v);
-            if (length == 0.0) {
-                continue; // a close that has nothing to draw
-            }
-            Pt const side = Pt(-along.v, along.h) * (off / length);
-            bool const isLeft = WindingNumber(border, middle + side) != 0;
-            bool const isRight = WindingNumber(border, middle - side) != 0;
-            left += isLeft && !isRight ? 1 : 0;
-            right += isRight && !isLeft ? 1 : 0;
-            if (isLeft == isRight || length < 1e-3 * off * 1e7) {
-                return CPath();
-            }
-        }
-        if (left > 0 && right > 0) {
-            return CPath();
-        }
-        trammel::AppendSubpaths(out, left > 0 ? contour : trammel::Reversed(contour));
-    }
-    return out;
-}
-
 TEST(Offset, HoldsWhatTheOuterSideOfTheBorderCoversByEveryJoin) {
     Dice dice(7);
     int judged = 0;
@@ -635,45 +602,12 @@ TEST(Offset, HoldsWhatTheOuterSideOfTheBorderCoversByEveryJoin) {
         FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
         bool const grows = dice.Coin();
         double const distance = hard.width * (grows ? 1.0 : -0.3);
-        StrokeStyle style = Style(2.0 * std::abs(distance), static_cast<StrokeJoin>(dice.Below(4)),
-                                  StrokeCap::kButt);
-        style.miterLimit = dice.Between(1.0, 6.0);
-        CPath out;
-        double const kept = Offset(region, rule, distance, style.join, style.miterLimit,
-                                   hard.width * (dice.Coin() ? 1e-3 : 1e-6), out);
-        CPath plain; // the region's border
-        double const slack = 1.01 * (kept + RemoveOverlap(region, rule, 0.0, plain));
-        CPath const turned = WithRegionOnLeft(plain);
-        if (turned.mCtls.empty()) {
-            continue;
-        }
-        trammel_test::StrokeJudge const ideal(
-            turned, style, grows ? trammel_test::PenSides::kRight : trammel_test::PenSides::kLeft);
-        trammel_test::OutlineJudge const judge(out);
-        trammel_test::OutlineJudge const before(plain);
-        OutlineMeasure const border(plain);
-        std::vector<Pt> points;
-        for (int k = 0; k < 15; ++k) {
-            points.push_back(k % 3 == 0 ? region.mPts[static_cast<std::size_t>(
-                                              dice.Below(static_cast<int>(region.mPts.size())))] +
-                                              dice.Point() * (2.0 * hard.width)
-                                        : NearBorder(border, std::abs(distance), dice));
-        }
-        std::mt19937 random(static_cast<unsigned>(i));
-        judge.ForBeside(random, 1, 1.5 * kept, [&](Pt const& p) { points.push_back(p); });
-        for (Pt const& p : points) {
-            if (!(border.Distance(p) > slack)) {
-                continue;
-            }
-            bool const inside = before.Winding(p) != 0;
-            bool const isIn = grows ? inside || ideal.Covers(p) : inside && !ideal.Covers(p);
-            int const winding = judge.Winding(p);
-            ++judged;
-            ASSERT_TRUE(winding == (isIn ? 1 : 0) || ideal.IsAtBorder(p, slack))
-                << "region " << i << ": " << trammel::WriteSvgPath(region) << " at " << p.h << ' '
-                << p.v << ", winding number " << winding << ", distance " << distance << ", join "
-                << static_cast<int>(style.join) << ", limit " << style.miterLimit;
-        }
+        StrokeStyle border = Style(2.0 * std::abs(distance), static_cast<StrokeJoin>(dice.Below(4)),
+                                   StrokeCap::kButt);
+        border.miterLimit = dice.Between(1.0, 6.0);
+        double const tolerance = hard.width * (dice.Coin() ? 1e-3 : 1e-6);
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSideOfBorder(region, rule, distance, border, tolerance, i, dice, judged));
     }
     EXPECT_GT(judged, 300);
 }

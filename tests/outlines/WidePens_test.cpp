@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <vector>
 
 namespace {
@@ -31,6 +30,7 @@ using trammel_test::AnyStyle;
 using trammel_test::DashesOf;
 using trammel_test::Dice;
 using trammel_test::ExpectOffset;
+using trammel_test::ExpectSideOfBorder;
 using trammel_test::ExpectSweep;
 using trammel_test::ExpectWithinRadius;
 using trammel_test::Round;
@@ -150,6 +150,39 @@ TEST(WidePens, GrowAndShrinkRegionsOfManyContours) {
         ASSERT_NO_FATAL_FAILURE(ExpectOffset(region, rule, distance, out, kept, 60, i, dice, held));
     }
     EXPECT_GT(held, Rounds(500));
+}
+
+/// A region around the origin whose border goes in and out between two circles.
+CPath RaggedRegion(int segments, Dice& dice) {
+    CPath region;
+    auto const at = [&](double place) {
+        double const radius = dice.Between(0.4, 1.0);
+        double const angle = 2.0 * pi * place / segments;
+        return Pt(radius * std::cos(angle), radius * std::sin(angle));
+    };
+    region.MoveTo(at(0.0));
+    for (int i = 1; i <= segments; ++i) {
+        Pt const a = at(i - 0.7);
+        Pt const b = at(i - 0.3);
+        Pt const end = i < segments ? at(i) : region.mPts.front();
+        dice.Coin() ? region.CurveTo(a, b, end) : region.LineTo(end);
+    }
+    return region.ClosePath();
+}
+
+TEST(WidePens, GrowAndShrinkRegionsByEveryJoin) {
+    Dice dice(27);
+    int judged = 0;
+    for (int i = 0; i < Rounds(24); ++i) {
+        CPath const region = RaggedRegion(70, dice);
+        FillRule const rule = dice.Coin() ? FillRule::kNonZero : FillRule::kEvenOdd;
+        double const distance = dice.Coin() ? dice.Decade(-0.3, 2.0) : -dice.Decade(-2.0, 0.0);
+        StrokeStyle const border = AnyStyle(2.0 * std::abs(distance), dice);
+        double const tolerance = std::abs(distance) * dice.Decade(-6.0, -2.0);
+        ASSERT_NO_FATAL_FAILURE(
+            ExpectSideOfBorder(region, rule, distance, border, tolerance, i, dice, judged));
+    }
+    EXPECT_GT(judged, Rounds(500));
 }
 
 TEST(WidePens, HaveFewElements) {
