@@ -559,15 +559,77 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsAtVertices(std::vector<Piece> con
     return cuts;
 }
 
+struct OutlineArcs::Branch {
+    /// \param number that of an end: 2 * a piece's number, and + 1 for its last end
+    Branch(std::vector<Piece> const& pieces, Index number)
+        : piece(number / 2), end(number % 2 != 0) {
+        Cubic const& c = pieces[piece].c;
+        direction = end ? c[2] - c[3] : c[1] - c[0];
+        for (std::size_t k = 2; k < 4 && Taxicab(direction) <= kRounding; ++k) {
+            direction = end ? c[3 - k] - c[3] : c[k] - c[0];
+        }
+    }
+    static void SortAround(std::vector<Branch>& branches) {
+        for (Branch& branch : branches) {
+            double const along = branch.direction.h / Taxicab(branch.direction);
+            branch.angle = branch.direction.v < 0.0 ? along - 1.0 : 1.0 - along;
+        }
+        std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
+            return a.angle != b.angle ? a.angle < b.angle : a.piece < b.piece;
+        });
+    }
+
+    Index piece;
+    bool end; ///< whether the piece ends at the vertex
+    Pt direction;
+    double angle = 0.0; ///< grows with the angle, from -2 to 2; only where it is needed
+};
+
+/// Adds cuts of both pieces where two branches of one vertex part, if they run together before.
+void OutlineArcs::AddCutsWherePart(Branch const& first, Branch const& second,
+                                   std::vector<Piece> const& pieces, std::vector<Cut>& cuts) {
+    Piece const& a = pieces[first.piece];
+    Piece const& b = pieces[second.piece];
+    if (first.piece == second.piece || (a.straight && b.straight) ||
+        Dot(first.direction, second.direction) <= 0.0 ||
+        std::abs(Cross(first.direction, second.direction)) >
+            kTogether * Dot(first.direction, second.direction)) {
+        return;
+    }
+    double t = 0.0;
+    auto const onB = [&](double s) {
+        return FindOnMonotone(b.c, b.straight, PlaceAt(a.c, first.end ? 1.0 - s : s).point,
+                              0.5 * mReach, t);
+    };
+    // Both may come together again at the end, which is a vertex then.
+    double together = 0.0;
+    double apart = 1.0;
+    for (double const s : {0.5, 0.25, 0.75}) {
+        if (!onB(apart)) {
+            break;
+        }
+        apart = s;
+    }
+    if (onB(apart)) {
+        return;
+    }
+    for (int i = 0; i < 40; ++i) {
+        double const middle = 0.5 * (together + apart);
+        (onB(middle) ? together : apart) = middle;
+    }
+    if (together > 0.0 && onB(together)) {
+        double const s = first.end ? 1.0 - together : together;
+        Index const vertex = vertices.AtWork(PlaceAt(a.c, s).point);
+        if (vertex != (first.end ? a.v1 : a.v0)) {
+            cuts.push_back({first.piece, s, vertex});
+            cuts.push_back({second.piece, t, vertex});
+        }
+    }
+}
+
 /// Returns cuts of pieces that leave a vertex together, where they part. Up to there they are one.
 std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece> const& pieces) {
-    struct Branch {
-        Index piece;
-        bool end; ///< whether the piece ends at the vertex
-        Pt direction;
-        double angle; ///< grows with the angle, from -2 to 2; only where it is needed
-    };
-    // The ends of pieces, 2 * a piece's number and + 1 for its last end, in a list for each vertex.
+    // The ends of pieces, by the numbers that Branch takes, in a list for each vertex.
     std::vector<Index> firsts(vertices.Count(), kNoIndex);
     std::vector<Index> next(2 * pieces.size());
     for (std::size_t i = pieces.size(); i-- > 0;) {
@@ -578,55 +640,7 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
             first = number;
         }
     }
-    auto const branchOf = [&](Index number) {
-        bool const end = number % 2 != 0;
-        Cubic const& c = pieces[number / 2].c;
-        Pt way = end ? c[2] - c[3] : c[1] - c[0];
-        for (std::size_t k = 2; k < 4 && Taxicab(way) <= kRounding; ++k) {
-            way = end ? c[3 - k] - c[3] : c[k] - c[0];
-        }
-        return Branch{number / 2, end, way, 0.0};
-    };
     std::vector<Cut> cuts;
-    auto const compare = [&](Branch const& first, Branch const& second) {
-        Piece const& a = pieces[first.piece];
-        Piece const& b = pieces[second.piece];
-        if (first.piece == second.piece || (a.straight && b.straight) ||
-            Dot(first.direction, second.direction) <= 0.0 ||
-            std::abs(Cross(first.direction, second.direction)) >
-                kTogether * Dot(first.direction, second.direction)) {
-            return;
-        }
-        double t = 0.0;
-        auto const onB = [&](double s) {
-            return FindOnMonotone(b.c, b.straight, PlaceAt(a.c, first.end ? 1.0 - s : s).point,
-                                  0.5 * mReach, t);
-        };
-        // Both may come together again at the end, which is a vertex then.
-        double together = 0.0;
-        double apart = 1.0;
-        for (double const s : {0.5, 0.25, 0.75}) {
-            if (!onB(apart)) {
-                break;
-            }
-            apart = s;
-        }
-        if (onB(apart)) {
-            return;
-        }
-        for (int i = 0; i < 40; ++i) {
-            double const middle = 0.5 * (together + apart);
-            (onB(middle) ? together : apart) = middle;
-        }
-        if (together > 0.0 && onB(together)) {
-            double const s = first.end ? 1.0 - together : together;
-            Index const vertex = vertices.AtWork(PlaceAt(a.c, s).point);
-            if (vertex != (first.end ? a.v1 : a.v0)) {
-                cuts.push_back({first.piece, s, vertex});
-                cuts.push_back({second.piece, t, vertex});
-            }
-        }
-    };
     std::vector<Branch> branches;
     for (Index const first : firsts) {
         branches.clear();
@@ -634,25 +648,20 @@ std::vector<OutlineArcs::Cut> OutlineArcs::CutsWherePiecesPart(std::vector<Piece
             continue;
         }
         if (Index const second = next[first]; next[second] == kNoIndex) {
-            compare(branchOf(first), branchOf(second)); // as at nearly all vertices
+            // As at nearly all vertices.
+            AddCutsWherePart(Branch(pieces, first), Branch(pieces, second), pieces, cuts);
             continue;
         }
         for (Index number = first; number != kNoIndex; number = next[number]) {
-            branches.push_back(branchOf(number));
+            branches.emplace_back(pieces, number);
         }
         if (branches.size() > 2) {
-            for (Branch& branch : branches) {
-                double const along = branch.direction.h / Taxicab(branch.direction);
-                branch.angle = branch.direction.v < 0.0 ? along - 1.0 : 1.0 - along;
-            }
-            std::sort(branches.begin(), branches.end(), [](Branch const& a, Branch const& b) {
-                return a.angle != b.angle ? a.angle < b.angle : a.piece < b.piece;
-            });
+            Branch::SortAround(branches);
         }
         for (std::size_t i = 0; i < branches.size(); ++i) {
             std::size_t const end = std::min(i + 1 + kBranchesCompared, branches.size());
             for (std::size_t j = i + 1; j < end; ++j) {
-                compare(branches[i], branches[j]);
+                AddCutsWherePart(branches[i], branches[j], pieces, cuts);
             }
         }
     }

@@ -207,11 +207,14 @@ public:
 private:
     struct Piece; // of an element, monotone
     struct Cut;
+    struct Branch; // of a piece that leaves a vertex
 
     void TakeApart();
     void TakeContour(std::size_t first, UseContour const& contour);
     void CutElement(Index element, std::vector<Piece>& pieces);
     std::vector<Cut> CutsAtVertices(std::vector<Piece> const& pieces) const;
+    void AddCutsWherePart(Branch const& first, Branch const& second,
+                          std::vector<Piece> const& pieces, std::vector<Cut>& cuts);
     std::vector<Cut> CutsWherePiecesPart(std::vector<Piece> const& pieces);
     void Apply(std::vector<Cut>& cuts, std::vector<Piece>& pieces,
                std::vector<std::size_t>& ends) const;

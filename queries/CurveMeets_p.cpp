@@ -234,6 +234,69 @@ bool RunsSmoothly(Cubic const& c, double from, double to) {
 
 int SignOf(double x) { return static_cast<int>(x > 0.0) - static_cast<int>(x < 0.0); }
 
+/// Two curves near the origin, at a magnitude at which no product of four coordinates overflows or
+/// underflows.
+struct LocalPair {
+    /// The exponent of curves with a coordinate that is not finite.
+    static constexpr int kNotFinite = std::numeric_limits<int>::max();
+
+    LocalPair(Cubic const& a, Cubic const& b) {
+        // Differences from one point of the pair keep all bits that matter, wherever the drawing
+        // lies.
+        std::copy(a.begin(), a.end(), points.begin());
+        std::copy(b.begin(), b.end(), points.begin() + 4);
+        Pt const origin = a[0];
+        for (Pt& p : points) {
+            p = p - origin;
+            Include(p);
+        }
+        // The sum is NaN where the maximum may hide one.
+        double const sum = Taxicab(points[1]) + Taxicab(points[2]) + Taxicab(points[3]) +
+                           Taxicab(points[4]) + Taxicab(points[5]) + Taxicab(points[6]) +
+                           Taxicab(points[7]);
+        if (sum >= 0x1p-100 && sum <= 0x1p100) {
+            return;
+        }
+        if (!std::isfinite(sum)) {
+            Halve(a, b);
+        }
+        if (extent > 0.0 && exponent != kNotFinite) {
+            Scale();
+        }
+    }
+
+    std::array<Pt, 8> points; ///< of both
+    double extent = 0.0;      ///< the greatest magnitude of a coordinate
+    int exponent = 0;         ///< of the power of two by which the coordinates were divided
+
+private:
+    void Include(Pt const& p) { extent = std::max(extent, std::max(std::abs(p.h), std::abs(p.v))); }
+    /// Takes half of each difference. A difference of great numbers may overflow, that of their
+    /// halves does not.
+    void Halve(Cubic const& a, Cubic const& b) {
+        extent = 0.0;
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            Pt const& p = i < 4 ? a[i] : b[i - 4];
+            if (!IsFinite(p)) {
+                exponent = kNotFinite;
+                return;
+            }
+            points[i] = p * 0.5 - a[0] * 0.5;
+            Include(points[i]);
+        }
+        exponent = 1;
+    }
+    /// Brings the extent to between 1 and 2.
+    void Scale() {
+        int const shift = std::ilogb(extent);
+        exponent += shift;
+        for (Pt& p : points) {
+            p = Pt(std::scalbn(p.h, -shift), std::scalbn(p.v, -shift));
+        }
+        extent = std::scalbn(extent, -shift);
+    }
+};
+
 } // namespace
 
 CurveMeetGroup::CurveMeetGroup(CurveEvent const& e)
@@ -279,57 +342,26 @@ double CurveMeetFinder::Find(Cubic const& a, Cubic const& b, double accuracy, bo
     mMeets.clear();
     mEvents.clear();
     accuracy = accuracy >= 0.0 ? accuracy : 0.0; // also for a NaN
-    // Differences from one point of the pair keep all bits that matter, wherever the drawing lies.
-    // They are brought to a magnitude at which no product of four overflows or underflows.
-    std::array<Pt, 8> points;
-    std::copy(a.begin(), a.end(), points.begin());
-    std::copy(b.begin(), b.end(), points.begin() + 4);
-    Pt const origin = a[0];
-    double extent = 0.0;
-    for (Pt& p : points) {
-        p = p - origin;
-        extent = std::max(extent, std::max(std::abs(p.h), std::abs(p.v)));
+    LocalPair const pair(a, b);
+    if (pair.exponent == LocalPair::kNotFinite) {
+        return accuracy > 0.0 ? accuracy : 0.0;
     }
-    // The sum is NaN where the maximum may hide one.
-    double const sum = Taxicab(points[1]) + Taxicab(points[2]) + Taxicab(points[3]) +
-                       Taxicab(points[4]) + Taxicab(points[5]) + Taxicab(points[6]) +
-                       Taxicab(points[7]);
-    int exponent = 0;
-    if (!(sum >= 0x1p-100 && sum <= 0x1p100)) {
-        if (!std::isfinite(sum)) {
-            // A difference of great numbers may overflow, that of their halves does not.
-            extent = 0.0;
-            for (std::size_t i = 0; i < points.size(); ++i) {
-                Pt const& p = i < 4 ? a[i] : b[i - 4];
-                if (!IsFinite(p)) {
-                    return accuracy > 0.0 ? accuracy : 0.0;
-                }
-                points[i] = p * 0.5 - origin * 0.5;
-                extent = std::max(extent, std::max(std::abs(points[i].h), std::abs(points[i].v)));
-            }
-            exponent = 1;
-        }
-        if (extent == 0.0) {
-            mA.fill(Pt());
-            mB.fill(Pt());
-            mAccuracy = 1.0;
-            mMeets.push_back({0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0, 0, false});
-            return accuracy > 0.0 ? accuracy : 0.0;
-        }
-        int const shift = std::ilogb(extent);
-        exponent += shift;
-        for (Pt& p : points) {
-            p = Pt(std::scalbn(p.h, -shift), std::scalbn(p.v, -shift));
-        }
-        extent = std::scalbn(extent, -shift);
+    if (pair.extent == 0.0) {
+        mA.fill(Pt());
+        mB.fill(Pt());
+        mAccuracy = 1.0;
+        mMeets.push_back({0.0, 1.0, 0.0, 1.0, 0.0, 0.0, 0, 0, false});
+        return accuracy > 0.0 ? accuracy : 0.0;
     }
+    double const extent = pair.extent;
+    int const exponent = pair.exponent;
     double const finest = kFinestCells * extent;
     double const asked = exponent == 0 ? accuracy : std::scalbn(accuracy, -exponent);
     // At the coarsest accuracy all points are near each other.
     constexpr double kCoarsest = 16.0;
     double kept = asked >= finest ? std::min(asked, kCoarsest * extent) : finest;
-    std::copy(points.begin(), points.begin() + 4, mA.begin());
-    std::copy(points.begin() + 4, points.end(), mB.begin());
+    std::copy(pair.points.begin(), pair.points.begin() + 4, mA.begin());
+    std::copy(pair.points.begin() + 4, pair.points.end(), mB.begin());
     // Far from the origin, control points that are off by rounding may be off the line by more than
     // the accuracy.
     if (straightA) {

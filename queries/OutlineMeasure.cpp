@@ -238,6 +238,8 @@ public:
     void Cut(double from, double to, CPath& out) const;
 
 private:
+    void ReadSegments(CPath const& path);
+    void AddUpSpans();
     double BeforeSpan(std::size_t i) const { return i > 0 ? mBehind[i - 1] : 0.0; }
     /// The length from the start to a segment's start or end.
     double Before(std::size_t i) const { return BeforeSpan(mSegments[i].firstSpan); }
@@ -286,6 +288,21 @@ private:
 };
 
 OutlineLengths::OutlineLengths(CPath const& path) {
+    ReadSegments(path);
+    if (mSpans.capacity() - mSpans.size() > mSpans.size() / 8) {
+        mSpans.shrink_to_fit();
+    }
+    AddUpSpans();
+    mTree.Build(mSegments.size(), [this](std::size_t i) {
+        Pt const* const p = &mPts[mSegments[i].firstPt];
+        return mSegments[i].IsCurve() ? Curve(mSegments[i]) : CBezier(p[0], p[0], p[1], p[1]);
+    });
+    auto const first = std::find_if(mBehind.begin(), mBehind.end(),
+                                    [](double sumOfSome) { return sumOfSome > 0.0; });
+    mFirst = first != mBehind.end() ? static_cast<std::size_t>(first - mBehind.begin()) : 0;
+}
+
+void OutlineLengths::ReadSegments(CPath const& path) {
     std::size_t const elements = path.mCtls.size();
     mSegments.reserve(elements);
     mSpans.reserve(elements + elements / 8);
@@ -346,11 +363,9 @@ OutlineLengths::OutlineLengths(CPath const& path) {
         mSegments.push_back(segment);
     }
     endSubpath();
+}
 
-    if (mSpans.capacity() - mSpans.size() > mSpans.size() / 8) {
-        mSpans.shrink_to_fit();
-    }
-
+void OutlineLengths::AddUpSpans() {
     CompensatedSum<double> sum;
     double behind = 0.0;
     mBehind.reserve(mSpans.size());
@@ -362,13 +377,6 @@ OutlineLengths::OutlineLengths(CPath const& path) {
             std::isnan(value) ? std::numeric_limits<double>::infinity() : std::max(value, behind);
         mBehind.push_back(behind);
     }
-    mTree.Build(mSegments.size(), [this](std::size_t i) {
-        Pt const* const p = &mPts[mSegments[i].firstPt];
-        return mSegments[i].IsCurve() ? Curve(mSegments[i]) : CBezier(p[0], p[0], p[1], p[1]);
-    });
-    auto const first = std::find_if(mBehind.begin(), mBehind.end(),
-                                    [](double sumOfSome) { return sumOfSome > 0.0; });
-    mFirst = first != mBehind.end() ? static_cast<std::size_t>(first - mBehind.begin()) : 0;
 }
 
 double OutlineLengths::Parameter(Target const& target) const {
