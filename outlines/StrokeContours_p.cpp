@@ -332,14 +332,17 @@ void StrokeContours::EndSidePart(double blur, std::vector<Cubic> const& line) {
 void StrokeContours::CloseSide() {
     mBlur = 0.0;
     mOut.Close();
-    // How far a tiny part turns is not known, and on one side alone it matters.
-    for (Piece const& piece : mPieces) {
-        if (piece.turnsAfter) {
-            Pt const ahead(1.0, 0.0);
-            mOut.LineTo(piece.end + ahead * mPen.radius);
-            AddArc(piece.end, ahead, -ahead);
-            AddArc(piece.end, -ahead, ahead);
-            mOut.Close();
+    if (mPen.join == StrokeJoin::kRound) {
+        // All within the radius may be painted.
+        for (Piece const& piece : mPieces) {
+            if (piece.turnsAfter) {
+                AddDisc(piece.end);
+            }
+        }
+    } else {
+        for (Turn const& turn : mTurns) {
+            // At a cusp, rounding tells which way the pen turns, and on one side alone it matters.
+            Dot(turn.from, turn.to) < 0.0 ? AddDisc(turn.center) : AddHalfTurn(turn, -1.0);
         }
     }
     mIsReversed = true; // so that patches on the other side are left out
@@ -519,19 +522,30 @@ void StrokeContours::NoteTurns(DirectedCubic const& part, Pt const& origin) {
 
 void StrokeContours::AddTurns() {
     for (Turn const& turn : mTurns) {
-        if (turn.from == turn.to) {
-            continue;
-        }
-        bool const isPositive = Cross(turn.from, turn.to) >= 0.0;
-        Pt const from = NormalOf(isPositive ? turn.from : turn.to);
-        Pt const to = NormalOf(isPositive ? turn.to : turn.from);
-        for (double const half : {1.0, -1.0}) {
-            mOut.LineTo(turn.center);
-            mOut.LineTo(turn.center + from * (half * mPen.radius));
-            AddArc(turn.center, from * half, to * half);
-            mOut.Close();
-        }
+        AddHalfTurn(turn, 1.0);
+        AddHalfTurn(turn, -1.0);
     }
+}
+
+void StrokeContours::AddDisc(Pt const& center) {
+    Pt const ahead(1.0, 0.0);
+    mOut.LineTo(center + ahead * mPen.radius);
+    AddArc(center, ahead, -ahead);
+    AddArc(center, -ahead, ahead);
+    mOut.Close();
+}
+
+void StrokeContours::AddHalfTurn(Turn const& turn, double half) {
+    if (turn.from == turn.to) {
+        return;
+    }
+    bool const isPositive = Cross(turn.from, turn.to) >= 0.0;
+    Pt const from = NormalOf(isPositive ? turn.from : turn.to);
+    Pt const to = NormalOf(isPositive ? turn.to : turn.from);
+    mOut.LineTo(turn.center);
+    mOut.LineTo(turn.center + from * (half * mPen.radius));
+    AddArc(turn.center, from * half, to * half);
+    mOut.Close();
 }
 
 // At the end of a spike that is thinner than the blur, rounding tells the turn. With one side alone

@@ -163,6 +163,10 @@ private:
     void AddCap(TPoint<double> const& p, TPoint<double> const& direction, trammel::StrokeCap cap);
     void NoteTurns(DirectedCubic const& part, TPoint<double> const& origin);
     void AddTurns();
+    void AddDisc(TPoint<double> const& center);
+    /// Adds what half of the pen paints in a turn: 1 for the half along the normals, -1 for the
+    /// other one.
+    void AddHalfTurn(Turn const& turn, double half);
     void AddPatches();
     /// Ends a contour of which one side only is kept.
     void CloseSide();
@@ -179,7 +183,7 @@ private:
     ContourList& mOut;
     std::vector<Piece> mPieces;
     std::vector<CurveStretch> mStretches;
-    std::vector<Turn> mTurns; ///< both halves of the pen paint while it turns
+    std::vector<Turn> mTurns; ///< the halves of the pen paint while it turns
     bool mIsReversed = false;
     double mExcess = 0.0;
     double mBlur = 0.0; ///< above 0 where one side only is kept

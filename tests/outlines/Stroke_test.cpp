@@ -612,6 +612,18 @@ TEST(Offset, HoldsWhatTheOuterSideOfTheBorderCoversByEveryJoin) {
     EXPECT_GT(judged, 300);
 }
 
+TEST(Offset, TurnsThePenNoFartherThanATinyBendDoes) {
+    // A narrow hole ends in a bend that is shorter than a thousandth of the distance. The pen turns
+    // inside of the hole. The first point is 1.2245 from there on the other side, and beyond the
+    // bevel of the region's corner.
+    CPath const region = Path("M-.917432-.74658C.244242.340326.244159.340243-.068031.059017"
+                              "c.996813-.507745.996792-.507765.008621.411522Z");
+    CPath out;
+    Offset(region, FillRule::kEvenOdd, 1.227211, StrokeJoin::kMiter, 1.308134, 1.2e-3, out);
+    EXPECT_EQ(WindingNumber(out, Pt(-.423692, 1.320373)), 0);
+    EXPECT_EQ(WindingNumber(out, Pt(-.4, 1.2)), 1);
+}
+
 TEST(Offset, GrowsContoursThatTouchAndAreHardlyWiderThanARounding) {
     // The curve runs along the closing line. The region has two contours, 1e-9 wide, that touch.
     CPath const region = Path("M-.78939693782564.2614622562853621"
