@@ -25,6 +25,8 @@ constexpr std::size_t kMostLeaves = 1000;
 constexpr double kMostSlack = 1e-3;
 /// How far rounding may be off in the square of a curve's speed, as a share of the greatest one.
 constexpr double kSquareRounding = 0x1p-48;
+/// A tiny stretch takes in so much of the parameters on either side, as a share of its own.
+constexpr double kBesideTurn = 0.25;
 /// The fold of a part where that could not be decided.
 constexpr int kUnseenFold = 2;
 
@@ -190,6 +192,28 @@ std::vector<BendLeaf> LeavesOf(BendOfPart const& whole, double radius, double ti
     return leaves;
 }
 
+/// Widens the tiny stretches from number `begin` on. A cusp may lie at the end of one, and an
+/// inflection directly beside it, where the pen changes the side on which it folds.
+void WidenTurns(std::vector<CurveStretch>& stretches, std::size_t begin) {
+    for (std::size_t i = begin; i < stretches.size(); ++i) {
+        CurveStretch& turn = stretches[i];
+        if (!turn.tiny) {
+            continue;
+        }
+        double const beside = kBesideTurn * (turn.to - turn.from);
+        if (i > begin) {
+            CurveStretch& before = stretches[i - 1];
+            turn.from = std::max(turn.from - beside, 0.5 * (before.from + before.to));
+            before.to = turn.from;
+        }
+        if (i + 1 < stretches.size()) {
+            CurveStretch& behind = stretches[i + 1];
+            turn.to = std::min(turn.to + beside, 0.5 * (behind.from + behind.to));
+            behind.from = turn.to;
+        }
+    }
+}
+
 } // namespace
 
 void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRound,
@@ -256,6 +280,7 @@ void SplitAtCurvature(Cubic const& curve, double radius, double tiny, bool isRou
     if (from < 1.0) {
         append({from, 1.0, 0, false});
     }
+    WidenTurns(out, begin);
 }
 
 } // namespace trammel_detail

@@ -4,6 +4,7 @@
 
 #include "Bernstein_p.h"
 #include "PointMath_p.h"
+#include "TwoSum_p.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,6 +35,8 @@ constexpr double kEnoughOff = 1.0 / 16.0;
 constexpr double kSameDirection = 0x1p-80;
 /// How far rounding may be off in sums of products of coordinates, as a share of these.
 constexpr double kTurnRounding = 0x1p-48;
+/// A speed below this share of the greatest one is computed without loss.
+constexpr double kLossless = 0x1p-16;
 /// A speed below this share of the greatest one may be rounding.
 constexpr double kStandsStill = 0x1p-44;
 /// Changes of the arms that have less effect than this share, squared, of others are not made.
@@ -64,6 +67,45 @@ double MostOf(Cubic const& c) {
 
 Pt UnitOf(Pt const& p) { return trammel::Normalize(p); }
 
+/// Adds a product without loss, unless it leaves the range of normal doubles.
+void AddProduct(CompensatedSum<double>& sum, double a, double b) {
+    double const product = a * b;
+    sum.Add(product);
+    sum.Add(std::fma(a, b, -product));
+}
+
+/// Returns s0 + (a + b)(s1 - s0) + a b (s0 - 2 s1 + s2), rounded about once.
+double LosslessPolar(double s0, double s1, double s2, double a, double b) {
+    TwoSumResult const change = TwoSum(s1, -s0);
+    TwoSumResult const next = TwoSum(s2, -s1);
+    TwoSumResult const bend = TwoSum(next.value, -change.value);
+    double const bendError = bend.error + (next.error - change.error);
+    TwoSumResult const both = TwoSum(a, b);
+    double const square = a * b;
+    double const squareError = std::fma(a, b, -square);
+    CompensatedSum<double> sum;
+    sum.Add(s0);
+    AddProduct(sum, both.value, change.value);
+    AddProduct(sum, square, bend.value);
+    sum.Add(both.error * change.value + both.value * change.error);
+    sum.Add(squareError * bend.value + square * bendError);
+    return sum.Value();
+}
+
+/// Returns the polar form of a derivative with control points `s`, which is its value where a and b
+/// are equal. Near a cusp its terms cancel, and what is left has to tell the direction.
+Pt PolarOf(std::array<Pt, 3> const& s, double a, double b) {
+    Pt const d0 = s[0] + (s[1] - s[0]) * a;
+    Pt const d1 = s[1] + (s[2] - s[1]) * a;
+    Pt const polar = d0 + (d1 - d0) * b;
+    double const greatest = std::max({Taxicab(s[0]), Taxicab(s[1]), Taxicab(s[2])});
+    if (Taxicab(polar) >= kLossless * greatest) {
+        return polar;
+    }
+    return Pt(LosslessPolar(s[0].h, s[1].h, s[2].h, a, b),
+              LosslessPolar(s[0].v, s[1].v, s[2].v, a, b));
+}
+
 } // namespace
 
 Pt DirectionOf(Cubic const& c, double t) {
@@ -91,7 +133,7 @@ CubicPlace DirectedCubic::PlaceAt(double t) const {
     CubicPlace place = trammel_detail::PlaceAt(curve, t);
     Pt const d0 = speed[0] + (speed[1] - speed[0]) * t;
     Pt const d1 = speed[1] + (speed[2] - speed[1]) * t;
-    place.first = d0 + (d1 - d0) * t;
+    place.first = PolarOf(speed, t, t);
     place.second = d1 - d0;
     return place;
 }
@@ -112,14 +154,9 @@ Pt DirectedCubic::DirectionAt(double t) const {
 DirectedCubic DirectedCubic::Part(double t0, double t1, Pt const& fromDirection,
                                   Pt const& toDirection) const {
     DirectedCubic part(PartOf(curve, t0, t1), fromDirection, toDirection);
-    // The derivative's polar form at the ends of the part.
-    auto const polar = [this](double a, double b) {
-        Pt const d0 = speed[0] + (speed[1] - speed[0]) * a;
-        Pt const d1 = speed[1] + (speed[2] - speed[1]) * a;
-        return d0 + (d1 - d0) * b;
-    };
     double const width = t1 - t0;
-    part.speed = {{polar(t0, t0) * width, polar(t0, t1) * width, polar(t1, t1) * width}};
+    part.speed = {{PolarOf(speed, t0, t0) * width, PolarOf(speed, t0, t1) * width,
+                   PolarOf(speed, t1, t1) * width}};
     return part;
 }
 

@@ -10,6 +10,7 @@
 #include "PathSegments.h"
 #include "PathStructure.h"
 #include "PathText.h"
+#include "PointAlgebra.h"
 #include "Shapes.h"
 #include "StrokeChecks.h"
 #include "StrokeJudge.h"
@@ -341,6 +342,32 @@ TEST(Stroke, HasNoHoleWhereAFoldEndsBesideAnInflection) {
         EXPECT_EQ(Stroke(path, Round(2000), tolerance, out), tolerance);
         EXPECT_EQ(trammel::ContourAreas(out).size(), 1U) << tolerance;
         EXPECT_EQ(WindingNumber(out, Pt(0.6288, 2.4779)), 1) << tolerance;
+    }
+}
+
+TEST(Stroke, PaintsTheWholeDiscAroundACusp) {
+    // There the pen turns by half a turn on the spot. Rounding alone tells to which side.
+    Dice dice(8);
+    for (int i = 0; i < Rounds(120); ++i) {
+        Pt const start = dice.Point();
+        Pt const first = dice.Point();
+        Pt const last = dice.Point();
+        CBezier const curve(start, start + first, start + (first - last) * 0.5,
+                            start + (first + last) * 0.5);
+        CPath path;
+        path.MoveTo(curve.P0).CurveTo(curve.P1, curve.P2, curve.P3);
+        CPath out;
+        double const kept = Stroke(path, Style(2, StrokeJoin::kMiter, StrokeCap::kButt), 2e-6, out);
+        Pt const along = trammel::Normalize(last - first);
+        for (double angle = 1e-7; angle < 2e-3; angle *= 2.0) {
+            for (Pt const side : {Pt(angle, 1), Pt(-angle, 1), Pt(angle, -1), Pt(-angle, -1)}) {
+                Pt const way = along * side.h + Pt(-along.v, along.h) * side.v;
+                for (double const distance : {0.5, 0.9, 1.0 - 3.0 * kept}) {
+                    ASSERT_EQ(WindingNumber(out, curve.MidPt() + way * distance), 1)
+                        << trammel::WriteSvgPath(path) << ", angle " << angle;
+                }
+            }
+        }
     }
 }
 
