@@ -89,12 +89,6 @@ public:
     bool IsEmpty() const { return mPieces.empty(); }
     /// Makes room for a subpath of so many segments.
     void Reserve(std::size_t segments) { mPieces.reserve(segments); }
-    /// Forgets what was added to the subpath.
-    void Clear() {
-        mPieces.clear();
-        mStretches.clear();
-        mTurns.clear();
-    }
 
     /// Ends the subpath with caps at both ends.
     void EndOpen() { EndPart(true, true); }
@@ -167,6 +161,12 @@ private:
     /// Adds what half of the pen paints in a turn: 1 for the half along the normals, -1 for the
     /// other one.
     void AddHalfTurn(Turn const& turn, double half);
+    /// Forgets what was added to the subpath.
+    void Clear() {
+        mPieces.clear();
+        mStretches.clear();
+        mTurns.clear();
+    }
     void AddPatches();
     /// Ends a contour of which one side only is kept.
     void CloseSide();

@@ -214,7 +214,9 @@ private:
         }
     }
     void AddDot(Pt const& p);
-    /// Returns false where the subpath has no length.
+    void AddSolid(Subpath const& subpath, bool closed);
+    /// Both return false where the subpath has no length.
+    bool AddWhole(Subpath const& subpath, bool closed);
     bool AddInParts(Subpath const& subpath, bool closed);
     void AddDashes(Subpath const& subpath, bool closed);
     /// Begins another part if this one is full. Returns how much room there is.
@@ -254,22 +256,23 @@ std::size_t StrokeMaker::RoomInPart() {
 
 void StrokeMaker::Add(Subpath const& subpath) {
     bool const closed = subpath.Closed() && EndsAtStart(subpath);
-    mContours.Reserve(subpath.EndElement() - subpath.FirstElement());
-    if (mIsSplit && !mIsDashed) {
-        if (!AddInParts(subpath, closed)) {
-            AddDot(subpath.Start());
-        }
-        return;
+    mIsDashed ? AddDashes(subpath, closed) : AddSolid(subpath, closed);
+}
+
+void StrokeMaker::AddSolid(Subpath const& subpath, bool closed) {
+    if (!(mIsSplit ? AddInParts(subpath, closed) : AddWhole(subpath, closed))) {
+        AddDot(subpath.Start());
     }
+}
+
+bool StrokeMaker::AddWhole(Subpath const& subpath, bool closed) {
+    mContours.Reserve(subpath.EndElement() - subpath.FirstElement());
     AddSegments(subpath, mScale, mContours);
     if (mContours.IsEmpty()) {
-        AddDot(subpath.Start());
-    } else if (mIsDashed) {
-        mContours.Clear();
-        AddDashes(subpath, closed);
-    } else {
-        EndWhole(closed);
+        return false;
     }
+    EndWhole(closed);
+    return true;
 }
 
 void StrokeMaker::AddDot(Pt const& p) {
@@ -331,13 +334,8 @@ void StrokeMaker::AddDashes(Subpath const& subpath, bool closed) {
     double const length = measure.Length();
     double const blur = kBlurOfSize * mSize + kBlurOfLength * length;
     std::vector<DashRange> dashes;
-    if (!mPattern.Find(length, blur, dashes)) {
-        if (mIsSplit) {
-            AddInParts(subpath, closed);
-        } else {
-            AddSegments(subpath, mScale, mContours);
-            EndWhole(closed);
-        }
+    if (!(length > 0.0) || !mPattern.Find(length, blur, dashes)) {
+        AddSolid(subpath, closed);
         return;
     }
     auto const add = [&](DashRange const& dash) {
