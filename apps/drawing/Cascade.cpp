@@ -33,6 +33,7 @@ enum class Syntax {
     kOffset,
     kOrigin,
     kTransform,
+    kBox,
     kAny
 };
 
@@ -66,7 +67,7 @@ constexpr std::array<Entry, kProperties> kTable{{{"display", Syntax::kDisplay},
                                                  {"rotate", Syntax::kTransform},
                                                  {"scale", Syntax::kTransform},
                                                  {"transform-origin", Syntax::kOrigin},
-                                                 {"transform-box", Syntax::kAny},
+                                                 {"transform-box", Syntax::kBox},
                                                  {"font-size", Syntax::kAny},
                                                  {"overflow", Syntax::kAny},
                                                  {"mask", Syntax::kAny},
@@ -250,6 +251,8 @@ bool IsValid(Property property, std::string const& value, bool css) {
         return IsOrigin(word, css);
     case Syntax::kTransform:
         return !css || IsCssTransform(property, value);
+    case Syntax::kBox:
+        return IsOneOf(word, {"view-box", "fill-box", "stroke-box", "content-box", "border-box"});
     case Syntax::kAny:
         break;
     }

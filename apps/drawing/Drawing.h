@@ -6,6 +6,8 @@
 #ifndef TRAMMEL_APP_DRAWING_H
 #define TRAMMEL_APP_DRAWING_H
 
+#include "SvgAttributes.h"
+
 #include <trammel/CMatrix3x3.h>
 #include <trammel/CPath.h>
 #include <trammel/FillRule.h>
@@ -75,7 +77,8 @@ struct Page {
     TRect<double> frame; ///< in the drawing's coordinates; null when the file does not tell
     double width = 0.0;  ///< size on paper in `unit`; 0 when the file does not tell
     double height = 0.0;
-    std::string unit; ///< "mm", "px" and so on; may be empty
+    std::string unit;  ///< "mm", "px" and so on; may be empty
+    AspectRatio ratio; ///< how the frame fits into that size
 };
 
 /// The outlines of one file.

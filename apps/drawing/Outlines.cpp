@@ -139,6 +139,36 @@ CPath TimesPowerOfTwo(CPath path, int power) {
     return path;
 }
 
+bool IsIdentity(CMatrix3x3 const& m) {
+    return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
+}
+
+std::optional<CMatrix3x3> InverseOf(CMatrix3x3 const& m) {
+    CMatrix3x3 inverse;
+    if (int const power = ExtremePower(m); power != 0) { // its determinant may be beyond double
+        auto const scaled = [power](CMatrix3x3 const& by) {
+            return CMatrix3x3(std::ldexp(by.a, -power), std::ldexp(by.b, -power),
+                              std::ldexp(by.c, -power), std::ldexp(by.d, -power), 0.0, 0.0, 0);
+        };
+        CMatrix3x3 const usual = scaled(m);
+        if (usual.IsSingular() || !usual.Inverse(inverse)) {
+            return std::nullopt;
+        }
+        return CMatrix3x3().Translate(-m.tx, -m.ty) * scaled(inverse);
+    }
+    if (IsIdentity(m) || (!m.IsSingular() && m.Inverse(inverse))) {
+        return inverse;
+    }
+    return std::nullopt;
+}
+
+CPath Moved(CPath path, CMatrix3x3 const& m) {
+    if (!IsIdentity(m)) {
+        path.Transform(m);
+    }
+    return path;
+}
+
 double Stretch(CMatrix3x3 const& m) {
     return (std::hypot(m.a + m.d, m.b - m.c) + std::hypot(m.a - m.d, m.b + m.c)) / 2.0;
 }

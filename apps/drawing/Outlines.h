@@ -17,6 +17,7 @@
 #include <trammel/TPoly.h>
 #include <trammel/TRect.h>
 
+#include <optional>
 #include <vector>
 
 namespace tool {
@@ -55,6 +56,13 @@ int ExtremePower(CPath const& path);
 int ExtremePower(CMatrix3x3 const& m);
 /// Returns the path with all coordinates times a power of two, which is exact.
 CPath TimesPowerOfTwo(CPath path, int power);
+
+/// True for the matrix that moves nothing.
+bool IsIdentity(CMatrix3x3 const& m);
+/// Returns the matrix that undoes `m`; nothing where `m` presses everything into a line.
+std::optional<CMatrix3x3> InverseOf(CMatrix3x3 const& m);
+/// Returns a path in other coordinates.
+CPath Moved(CPath path, CMatrix3x3 const& m);
 
 /// Returns the factor by which a transform lengthens what it lengthens most.
 double Stretch(CMatrix3x3 const& m);

@@ -46,9 +46,7 @@ CMatrix3x3 PaperFit(Drawing const& drawing, std::string const& unit) {
         throw Error(drawing.file, "", "does not tell its size on paper, which --unit needs");
     }
     TPoint<double> const size(page.width * *pageUnit / *one, page.height * *pageUnit / *one);
-    std::string_view const rule =
-        drawing.document ? drawing.document->Root().attribute("preserveAspectRatio").value() : "";
-    return FitViewBox(page.frame, size, rule);
+    return FitViewBox(page.frame, size, page.ratio);
 }
 
 void ToPaperUnit(Drawing& drawing, std::string const& unit) {

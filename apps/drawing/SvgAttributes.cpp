@@ -8,7 +8,8 @@
 #include <trammel/UTrigonometry.h>
 
 #include <algorithm>
-#include <iterator>
+#include <string>
+#include <utility>
 
 namespace tool {
 
@@ -201,24 +202,47 @@ TRect<double> ParseViewBox(std::string_view text) {
     return TRect<double>(n[0], n[1], n[0] + n[2], n[1] + n[3]);
 }
 
+AspectRatio ParseAspectRatio(std::string_view text) {
+    AspectRatio ratio;
+    Scanner scanner(text);
+    scanner.SkipSpace();
+    if (scanner.AtEnd()) {
+        return ratio;
+    }
+    std::string const align(scanner.Word());
+    auto const share = [&align](std::size_t at, std::string_view axis) {
+        std::string_view const word = std::string_view(align).substr(std::min(at, align.size()), 4);
+        for (auto const& [name, value] :
+             {std::make_pair("Min", 0.0), std::make_pair("Mid", 0.5), std::make_pair("Max", 1.0)}) {
+            if (word == std::string(axis) + name) {
+                return value;
+            }
+        }
+        throw TextError(0, "found '" + align + "', expected none, xMidYMid or its like");
+    };
+    ratio.stretch = align == "none";
+    if (!ratio.stretch) {
+        ratio.share = TPoint<double>(share(0, "x"), share(4, "Y"));
+    }
+    scanner.SkipSpace();
+    std::string_view const fit = scanner.Word();
+    ratio.slice = fit == "slice";
+    scanner.SkipSpace();
+    if (align.size() > 8 || !(fit.empty() || ratio.slice || fit == "meet") || !scanner.AtEnd()) {
+        throw TextError(align.size(), "expected meet or slice, and nothing else");
+    }
+    return ratio;
+}
+
 CMatrix3x3 FitViewBox(TRect<double> const& box, TPoint<double> const& size,
-                      std::string_view preserveAspectRatio) {
-    TPoint<double> scale = size / box.GetSize();
-    std::string_view const rule = preserveAspectRatio;
-    if (rule.find("none") != std::string_view::npos) {
+                      AspectRatio const& ratio) {
+    TPoint<double> const scale = size / box.GetSize();
+    if (ratio.stretch) {
         return CMatrix3x3().Translate(-box.TopLeft()).Scale(scale);
     }
-    bool const slice = rule.find("slice") != std::string_view::npos;
-    double const s = slice ? std::max(scale.h, scale.v) : std::min(scale.h, scale.v);
+    double const s = ratio.slice ? std::max(scale.h, scale.v) : std::min(scale.h, scale.v);
     TPoint<double> const room = size - box.GetSize() * s;
-    auto const share = [rule](char const* least, char const* most) {
-        return rule.find(least) != std::string_view::npos  ? 0.0
-               : rule.find(most) != std::string_view::npos ? 1.0
-                                                           : 0.5;
-    };
-    TPoint<double> const shift =
-        room * TPoint<double>(share("xMin", "xMax"), share("YMin", "YMax"));
-    return CMatrix3x3().Translate(-box.TopLeft()).Scale(s).Translate(shift);
+    return CMatrix3x3().Translate(-box.TopLeft()).Scale(s).Translate(room * ratio.share);
 }
 
 } // namespace tool

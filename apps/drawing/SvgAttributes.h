@@ -58,10 +58,20 @@ void ParsePoints(std::string_view text, std::vector<TPoint<double>>& points);
 /// Reads "left top width height". A negative size is an error.
 TRect<double> ParseViewBox(std::string_view text);
 
-/// Returns the transform that fits `box` into the size (from the origin) as preserveAspectRatio
-/// says. An empty value means xMidYMid meet. Precondition: the box has an area.
+/// What preserveAspectRatio says.
+struct AspectRatio {
+    bool stretch = false;              ///< fill the size, whatever its ratio is
+    bool slice = false;                ///< fill it and let parts reach beyond
+    TPoint<double> share = {0.5, 0.5}; ///< of the room that is left, before the box
+};
+
+/// Reads preserveAspectRatio. An empty value means xMidYMid meet.
+AspectRatio ParseAspectRatio(std::string_view text);
+
+/// Returns the transform that fits `box` into the size (from the origin). Precondition: the box has
+/// an area.
 CMatrix3x3 FitViewBox(TRect<double> const& box, TPoint<double> const& size,
-                      std::string_view preserveAspectRatio);
+                      AspectRatio const& ratio);
 
 } // namespace tool
 

@@ -85,8 +85,20 @@ private:
     void Children(pugi::xml_node element, Context const& context);
     void Switch(pugi::xml_node element, Context const& context);
     void Use(pugi::xml_node element, Context const& context);
-    void Viewport(pugi::xml_node element, Context const& context,
-                  std::optional<TPoint<double>> const& size);
+    struct Size {
+        std::optional<double> width;
+        std::optional<double> height;
+    };
+    Size SizeOf(pugi::xml_node element, Context const& context) {
+        return {SizeOf(element, "width", context, Axis::kHorizontal),
+                SizeOf(element, "height", context, Axis::kVertical)};
+    }
+    TPoint<double> PlaceOf(pugi::xml_node element, Context const& context) {
+        return TPoint<double>(LengthOr0(element, "x", context, Axis::kHorizontal),
+                              LengthOr0(element, "y", context, Axis::kVertical));
+    }
+    AspectRatio AspectRatioOf(pugi::xml_node element);
+    void Viewport(pugi::xml_node element, Context const& context, Size const& own);
     /// The form of an element.
     struct Form {
         CPath path;
@@ -100,7 +112,11 @@ private:
                         Context const& context);
     void AppendClips(pugi::xml_node element, std::string const& id, CMatrix3x3 const& toDrawing,
                      std::optional<TRect<double>> const& bounds, Clips& clips);
-    TRect<double> BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing) const;
+    /// What a box of an element encloses.
+    enum class Box { kFill, kStroke };
+    TRect<double> BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing, Box kind) const;
+    std::optional<TRect<double>> BoxOf(pugi::xml_node element, ElementStyle const& style,
+                                       Context const& context, Box kind);
     void Add(pugi::xml_node element, Form form, Context const& context);
     /// Returns how far curves may be from their arcs, in the element's own coordinates.
     double ToleranceOf(double length, std::size_t arcs, double radius,
@@ -178,6 +194,8 @@ private:
     std::size_t mClipElements = 0;
     std::map<std::pair<std::size_t, std::array<double, 6>>, Clips> mClips; ///< those read before
     std::vector<pugi::xml_node> mUsed; ///< the elements that the `use` elements around refer to
+    int mBoxLevels = 0;                ///< the elements whose boxes are found, in each other
+    std::map<std::pair<std::size_t, Box>, TRect<double>> mBoxes; ///< those found before
     double mRootFontSize = 16.0;
     std::optional<TPoint<double>> mWindow; ///< the size of the page in pixels
     std::size_t mUsedElements = 0;

@@ -125,18 +125,15 @@ CMatrix3x3 SvgElements::TransformOf(pugi::xml_node element, ElementStyle const& 
     bool known = context.whole.has_value();
     std::string const name = AsciiLower(style[Property::kTransformBox].value);
     if (!name.empty() && name != "view-box" && !IsWide(name)) {
-        Context inner = context;
-        inner.style = &style;
-        Inherit(element, style, inner);
-        bool const isFill = name == "fill-box" || name == "content-box";
-        std::optional<Form> const form =
-            isFill ? FormOf(element, LocalName(element), inner) : std::nullopt;
-        if (!form) {
+        bool const lines = name == "stroke-box" || name == "border-box";
+        std::optional<TRect<double>> const own =
+            BoxOf(element, style, context, lines ? Box::kStroke : Box::kFill);
+        if (!own) {
             Skip(element,
                  "transform-box: '" + name + "' is not read here; the transform is left out");
             return CMatrix3x3();
         }
-        box = DrawnBounds(form->path);
+        box = *own;
         known = true;
     }
     auto const units = [&](Length const& length, bool vertical) {
@@ -154,6 +151,16 @@ CMatrix3x3 SvgElements::TransformOf(pugi::xml_node element, ElementStyle const& 
     } catch (TextError const& e) {
         Skip(element, "transform", e.Position(), e.what());
         return CMatrix3x3();
+    }
+}
+
+AspectRatio SvgElements::AspectRatioOf(pugi::xml_node element) {
+    char const* const name = "preserveAspectRatio";
+    try {
+        return ParseAspectRatio(element.attribute(name).value());
+    } catch (TextError const& e) {
+        Skip(element, name, e.Position(), e.what());
+        return AspectRatio();
     }
 }
 

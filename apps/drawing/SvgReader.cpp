@@ -16,6 +16,7 @@
 #include "SvgShapes.h"
 
 #include <trammel/CMatrix3x3.h>
+#include <trammel/Stroke.h>
 #include <trammel/UTrigonometry.h>
 
 #include <pugixml.hpp>
@@ -44,9 +45,26 @@ constexpr int kMostLevels = 500;
 constexpr std::size_t kMostUsedElements = 250000;
 constexpr std::size_t kMostUsedBytes = std::size_t{64} << 20;
 
+/// The greatest depth of elements in each other that have transforms about their boxes.
+constexpr int kMostBoxLevels = 16;
+
 /// The limits of clips: their nesting, and the elements in all of them together.
 constexpr std::size_t kMostClipLevels = 16;
 constexpr std::size_t kMostClipElements = 20000;
+
+/// Returns the area of an outline's line without dashes, in the drawing's coordinates.
+CPath SolidLine(Outline const& outline) {
+    CPath line;
+    std::optional<CMatrix3x3> const own = InverseOf(outline.source.toDrawing);
+    if (outline.stroke == "none" || !own) {
+        return line;
+    }
+    constexpr double kShare = 1e-9; // of the width: what the line may be off
+    trammel::StrokeStyle style = outline.pen->style;
+    style.dashes.clear();
+    trammel::Stroke(Moved(outline.path, *own), style, kShare * style.width, line);
+    return Moved(std::move(line), outline.source.toDrawing);
+}
 
 bool Hidden(ElementStyle const& style) {
     return AsciiLower(style[Property::kDisplay].value) == "none";
@@ -77,7 +95,7 @@ bool ConditionsHold(pugi::xml_node element) {
 
 void SvgElements::Add(pugi::xml_node element, Form form, Context const& context) {
     CPath& path = form.path;
-    if (path.mCtls.empty() || !context.visible) {
+    if (path.mCtls.empty() || (!context.visible && mBoxLevels == 0)) {
         return;
     }
     Outline outline;
@@ -135,19 +153,28 @@ void SvgElements::Switch(pugi::xml_node element, Context const& context) {
     }
 }
 
-/// Draws the children of an inner svg or a symbol, fitted to its size.
-void SvgElements::Viewport(pugi::xml_node element, Context const& context,
-                           std::optional<Pt> const& size) {
+/// Draws the children of an inner svg or a symbol, at its place and fitted to its size.
+void SvgElements::Viewport(pugi::xml_node element, Context const& context, Size const& own) {
+    std::optional<Pt> size = context.whole;
+    if (own.width && own.height) {
+        size = Pt(*own.width, *own.height);
+    } else if (size) {
+        size = Pt(own.width.value_or(size->h), own.height.value_or(size->v));
+    }
+    if (size && (size->h == 0.0 || size->v == 0.0)) {
+        return; // SVG says that it draws nothing
+    }
     Context inner = context;
+    inner.transform = Concat(CMatrix3x3().Translate(PlaceOf(element, context)), context.transform);
+    CMatrix3x3 const toFrame = inner.transform;
     inner.whole = size;
     if (std::optional<TRect<double>> const box = ViewBoxOf(element)) {
         if (box->Empty()) {
             return;
         }
         if (size) {
-            CMatrix3x3 const fit =
-                FitViewBox(*box, *size, element.attribute("preserveAspectRatio").value());
-            inner.transform = Concat(fit, context.transform);
+            CMatrix3x3 const fit = FitViewBox(*box, *size, AspectRatioOf(element));
+            inner.transform = Concat(fit, toFrame);
         }
         inner.whole = box->GetSize();
     }
@@ -155,30 +182,66 @@ void SvgElements::Viewport(pugi::xml_node element, Context const& context,
     Children(element, inner);
     std::string_view const overflow = (*context.style)[Property::kOverflow].value;
     if (size && overflow != "visible" && overflow != "auto") {
-        ClipToViewport(first, element, *size, context);
+        inner.transform = toFrame;
+        ClipToViewport(first, element, *size, inner);
     }
 }
 
 /// Returns the bounds of the outlines from the index `first` on, in the coordinates that a
 /// transform takes to the drawing's. They are null without outlines.
-TRect<double> SvgElements::BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing) const {
+TRect<double> SvgElements::BoundsFrom(std::size_t first, CMatrix3x3 const& toDrawing,
+                                      Box kind) const {
     TRect<double> bounds;
-    CMatrix3x3 inverse;
-    if (toDrawing.IsSingular() || !toDrawing.Inverse(inverse)) {
+    std::optional<CMatrix3x3> const inverse = InverseOf(toDrawing);
+    if (!inverse) {
         return bounds;
     }
     for (std::size_t i = first; i < mDrawing.outlines.size(); ++i) {
-        CPath path = mDrawing.outlines[i].path;
-        path.Transform(inverse);
-        bounds = Around(bounds, DrawnBounds(path));
+        Outline const& outline = mDrawing.outlines[i];
+        bounds = Around(bounds, DrawnBounds(Moved(outline.path, *inverse)));
+        if (kind == Box::kStroke) {
+            bounds = Around(bounds, DrawnBounds(Moved(SolidLine(outline), *inverse)));
+        }
     }
     return bounds;
+}
+
+/// Returns a box of an element in its own coordinates; nothing where it has none here.
+/// \param context  around the element
+std::optional<TRect<double>> SvgElements::BoxOf(pugi::xml_node element, ElementStyle const& style,
+                                                Context const& context, Box kind) {
+    std::string_view const name = LocalName(element);
+    if (element == mDocument->Root() || name == "symbol" || name == "clipPath" ||
+        mBoxLevels == kMostBoxLevels) {
+        return std::nullopt;
+    }
+    // A copy by `use` may inherit other lengths.
+    auto const place = std::make_pair(mDocument->Offset(element), kind);
+    auto const known = mUsed.empty() ? mBoxes.find(place) : mBoxes.end();
+    if (known != mBoxes.end()) {
+        return known->second;
+    }
+    Context inner = context;
+    ++inner.level;
+    inner.style = &style;
+    Inherit(element, style, inner);
+    std::size_t const first = mDrawing.outlines.size();
+    ++mBoxLevels;
+    Draw(element, name, inner);
+    --mBoxLevels;
+    TRect<double> const box = BoundsFrom(first, context.transform, kind);
+    mDrawing.outlines.erase(mDrawing.outlines.begin() + static_cast<std::ptrdiff_t>(first),
+                            mDrawing.outlines.end());
+    if (mUsed.empty()) {
+        mBoxes.emplace(place, box);
+    }
+    return box;
 }
 
 /// Clips the outlines from the index `first` on to the viewport of their element.
 void SvgElements::ClipToViewport(std::size_t first, pugi::xml_node element, Pt const& size,
                                  Context const& context) {
-    TRect<double> const bounds = BoundsFrom(first, context.transform);
+    TRect<double> const bounds = BoundsFrom(first, context.transform, Box::kFill);
     TRect<double> const frame(0.0, 0.0, size.h, size.v);
     bool const inside = bounds.left >= frame.left && bounds.top >= frame.top &&
                         bounds.right <= frame.right && bounds.bottom <= frame.bottom;
@@ -209,7 +272,7 @@ void SvgElements::ClipFrom(std::size_t first, pugi::xml_node element, std::strin
     bool const byBounds =
         std::string_view(node.attribute("clipPathUnits").value()) == "objectBoundingBox";
     if (byBounds) {
-        bounds = BoundsFrom(first, context.transform);
+        bounds = BoundsFrom(first, context.transform, Box::kFill);
     }
     AppendClips(element, id, context.transform, bounds, clips);
     for (std::size_t i = first; i < mDrawing.outlines.size(); ++i) {
@@ -317,9 +380,7 @@ void SvgElements::Use(pugi::xml_node element, Context const& context) {
     }
 
     Context inner = context;
-    CMatrix3x3 const shift =
-        CMatrix3x3().Translate(LengthOr0(element, "x", context, Axis::kHorizontal),
-                               LengthOr0(element, "y", context, Axis::kVertical));
+    CMatrix3x3 const shift = CMatrix3x3().Translate(PlaceOf(element, context));
     inner.transform = Concat(shift, context.transform);
     if (pugi::xml_attribute const id = element.attribute("id")) {
         inner.prefix += std::string(id.value()) + "/";
@@ -339,18 +400,10 @@ void SvgElements::Use(pugi::xml_node element, Context const& context) {
         }
         Inherit(used, style, inner);
         inner.opacity *= OpacityOf(style[Property::kOpacity].value);
-        auto const sizeOf = [&](char const* attribute, Axis axis) {
-            std::optional<double> const own = SizeOf(element, attribute, context, axis);
-            return own ? own : SizeOf(used, attribute, inner, axis);
-        };
-        std::optional<double> width = sizeOf("width", Axis::kHorizontal);
-        std::optional<double> height = sizeOf("height", Axis::kVertical);
-        std::optional<Pt> size = context.whole;
-        if (width && height) {
-            size = Pt(*width, *height);
-        } else if (size) {
-            size = Pt(width.value_or(size->h), height.value_or(size->v));
-        }
+        Size size = SizeOf(element, context);
+        Size const other = SizeOf(used, inner);
+        size.width = size.width ? size.width : other.width;
+        size.height = size.height ? size.height : other.height;
         if (++inner.level > kMostLevels) {
             Fail(element, "is nested more than " + std::to_string(kMostLevels) + " levels deep");
         }
@@ -372,20 +425,12 @@ void SvgElements::Draw(pugi::xml_node element, std::string_view name, Context co
     } else if (name == "switch") {
         Switch(element, context);
     } else if (name == "svg") {
-        double const left = LengthOr0(element, "x", context, Axis::kHorizontal);
-        double const top = LengthOr0(element, "y", context, Axis::kVertical);
-        std::optional<double> const width = SizeOf(element, "width", context, Axis::kHorizontal);
-        std::optional<double> const height = SizeOf(element, "height", context, Axis::kVertical);
-        std::optional<Pt> size = context.whole;
-        if (width && height) {
-            size = Pt(*width, *height);
-        } else if (size) {
-            size = Pt(width.value_or(size->h), height.value_or(size->v));
-        }
-        Context inner = context;
-        inner.transform = Concat(CMatrix3x3().Translate(left, top), context.transform);
-        Viewport(element, inner, size);
-    } else if (name == "text" || name == "image" || name == "foreignObject") {
+        Viewport(element, context, SizeOf(element, context));
+    } else if (name != "text" && name != "image" && name != "foreignObject") {
+        return;
+    } else if (mBoxLevels > 0) {
+        Skip(element, "does not count in the box of the transform around it");
+    } else {
         mComplaints.CountOther(name, mDocument->Place(element));
     }
 }
@@ -430,12 +475,12 @@ void SvgElements::Element(pugi::xml_node element, Context const& context) {
         auto const refers = [&style](Property property) {
             return !UrlFragment(style[property].value).empty();
         };
-        if (mDrawing.outlines.size() > first && refers(Property::kMask)) {
+        bool const counts = mDrawing.outlines.size() > first && mBoxLevels == 0;
+        if (counts && refers(Property::kMask)) {
             mComplaints.CountUnread("a mask", mDocument->Place(element));
         }
-        if (mDrawing.outlines.size() > first &&
-            (refers(Property::kMarkerStart) || refers(Property::kMarkerMid) ||
-             refers(Property::kMarkerEnd))) {
+        if (counts && (refers(Property::kMarkerStart) || refers(Property::kMarkerMid) ||
+                       refers(Property::kMarkerEnd))) {
             mComplaints.CountUnread("markers", mDocument->Place(element));
         }
     } catch (AttributeError const& e) {
@@ -446,6 +491,7 @@ void SvgElements::Element(pugi::xml_node element, Context const& context) {
 void SvgElements::ReadPage(pugi::xml_node root, Context const& context) {
     Page& page = mDrawing.page;
     page.frame = ViewBoxOf(root).value_or(TRect<double>());
+    page.ratio = AspectRatioOf(root);
     std::optional<Length> sizes[2];
     char const* const names[2] = {"width", "height"};
     for (int i = 0; i < 2; ++i) {

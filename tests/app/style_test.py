@@ -192,9 +192,75 @@ class Style(AppTest):
                 ("transform:scale(2);transform:scale(2px)", [20, 40, 80, 60],
                  ["'transform: scale(2px)' is left out"]),
                 ("rotate:x 30deg", [10, 20, 40, 30], ["'rotate: x 30deg' is left out"]),
-                ("transform:scale(2);transform-box:stroke-box", [10, 20, 40, 30],
-                 ["transform-box: 'stroke-box' is not read here"])):
+                ("transform:scale(2);transform-box:margin-box", [20, 40, 80, 60],
+                 ["'transform-box: margin-box' is left out"])):
             self.assertBox(self.drawn("path{" + css + "}", body, warnings=warnings)["p"], box)
+
+    def test_transforms_refer_to_boxes_of_groups_and_lines(self):
+        # The places are those of a browser.
+        line = 'stroke="red" stroke-width="4"'
+        bodies = {
+            f'<path id="p" class="k" d="M10 20H40V30H10Z" {line}/>': {
+                "transform:scale(2);transform-box:stroke-box": [12, 22, 72, 42],
+                "transform:scale(2);transform-box:border-box;transform-origin:right":
+                    [-22, 15, 38, 35],
+                "translate:50% 100%;transform-box:stroke-box": [27, 34, 57, 44],
+                "transform:scale(2);transform-box:fill-box": [10, 20, 70, 40],
+            },
+            f'<g class="k"><path id="p" d="M10 20H40V30H10Z" {line}/><g transform="scale(2)">'
+            '<rect width="35" height="10" visibility="hidden"/></g></g>': {
+                "transform:scale(2);transform-box:fill-box": [20, 40, 80, 60],
+                "transform:scale(2);transform-box:fill-box;transform-origin:center":
+                    [-15, 25, 45, 45],
+                "transform:scale(2);transform-box:stroke-box;transform-origin:bottom":
+                    [-15, 8, 45, 28],
+            },
+            '<g class="k" transform-origin="100%"><g class="k"><path id="p" d="M10 20H40V30H10Z"/>'
+            '</g></g>': {
+                "transform:scale(2);transform-box:fill-box": [-50, 10, 70, 50],
+            },
+            '<path id="q" d="M10 20H40V30H10Z"/><use class="k" x="5" href="#q"/>': {
+                "transform:scale(2);transform-box:fill-box": [15, 20, 75, 40],
+            },
+        }
+        for body, cases in bodies.items():
+            for css, box in cases.items():
+                with self.subTest((body, css)):
+                    drawn = self.drawn(".k{" + css + "}", body)
+                    self.assertBox(drawn.get("p", list(drawn.values())[-1]), box)
+        deep = ('<g style="rotate:1deg;transform-box:fill-box">' * 40 + '<path d="M0 0H1V1"/>'
+                + "</g>" * 40)
+        self.drawn("", deep, warnings=["transform-box: 'fill-box' is not read here"] * 20
+                   + ["more mistakes of this kind"])
+        self.drawn(".k{scale:2;transform-box:fill-box}",
+                   '<g class="k"><path d="M0 0H9V9"/><text>a</text></g>',
+                   warnings=["does not count in the box of the transform around it",
+                             "has no outlines here"])
+
+    def test_viewports_have_places_sizes_and_ratios(self):
+        # The places are those of a browser.
+        rect = '<rect id="r" width="5" height="4"/>'
+        for body, box in {
+                f'<symbol id="s" x="5" y="7" viewBox="0 0 20 20">{rect}</symbol><use href="#s" '
+                'width="40" height="20"/>': [15, 7, 20, 11],
+                f'<defs><svg id="s" x="10%" y="7" viewBox="0 0 20 20">{rect}</svg></defs>'
+                '<use href="#s" y="1" width="20" height="20"/>': [10, 8, 15, 12],
+                f'<svg width="20" height="40" viewBox="0 0 20 20">{rect}</svg>': [0, 10, 5, 14],
+                f'<svg width="20" height="40" viewBox="0 0 20 20" preserveAspectRatio=" xMinYMin '
+                f'meet ">{rect}</svg>': [0, 0, 5, 4],
+                f'<svg width="20" height="40" viewBox="0 0 20 20" preserveAspectRatio="none">{rect}'
+                '</svg>': [0, 0, 5, 8],
+        }.items():
+            with self.subTest(body):
+                self.assertBox(list(self.drawn("", body).values())[0], box)
+        for size in ('width="0"', 'height="0"'):
+            self.assertEqual(self.drawn("", f'<svg {size} viewBox="0 0 9 9">{rect}</svg>'), {})
+        for ratio in ("defer xMinYMin", "xMinYMin foo", "xminymin", "xMinYMinmeet", "none none"):
+            with self.subTest(ratio):
+                got = self.drawn("", '<svg width="20" height="40" viewBox="0 0 20 20" '
+                                 f'preserveAspectRatio="{ratio}">{rect}</svg>',
+                                 warnings=["attribute preserveAspectRatio"])
+                self.assertBox(got["r"], [0, 10, 5, 14])
 
     def test_what_has_a_mistake_is_left_out_alone(self):
         body = '<path id="a" d="M0 0H1"/><rect id="b" width="1" height="1"/>'

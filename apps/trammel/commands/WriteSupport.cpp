@@ -161,47 +161,12 @@ void TellDistance(std::string const& file, std::string const& id, double distanc
     }
 }
 
-bool IsIdentity(CMatrix3x3 const& m) {
-    return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
-}
-
-namespace {
-
-/// Returns the matrix that undoes `m`, or nothing.
-std::optional<CMatrix3x3> InverseOf(CMatrix3x3 const& m) {
-    CMatrix3x3 inverse;
-    if (int const power = ExtremePower(m); power != 0) { // its determinant may be beyond double
-        auto const scaled = [power](CMatrix3x3 const& by) {
-            return CMatrix3x3(std::ldexp(by.a, -power), std::ldexp(by.b, -power),
-                              std::ldexp(by.c, -power), std::ldexp(by.d, -power), 0.0, 0.0, 0);
-        };
-        CMatrix3x3 const usual = scaled(m);
-        if (usual.IsSingular() || !usual.Inverse(inverse)) {
-            return std::nullopt;
-        }
-        return CMatrix3x3().Translate(-m.tx, -m.ty) * scaled(inverse);
-    }
-    if (IsIdentity(m) || (!m.IsSingular() && m.Inverse(inverse))) {
-        return inverse;
-    }
-    return std::nullopt;
-}
-
-} // namespace
-
 CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline) {
     std::optional<CMatrix3x3> const inverse = InverseOf(m);
     if (!inverse) {
         throw Error(drawing.file, outline.id, "its transform presses it into a line");
     }
     return *inverse;
-}
-
-CPath Moved(CPath path, CMatrix3x3 const& m) {
-    if (!IsIdentity(m)) {
-        path.Transform(m);
-    }
-    return path;
 }
 
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {

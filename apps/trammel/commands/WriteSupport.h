@@ -8,6 +8,7 @@
 
 #include "CommandLine.h"
 #include "Drawing.h"
+#include "Outlines.h"
 #include "Picture.h"
 #include "SvgEdit.h"
 
@@ -59,9 +60,6 @@ double LineWidth(WriteOptions const& options, Page const& page);
 /// Returns the picture as a new file with all options. `file` may be another one than -o.
 std::string NewFile(Picture picture, std::string const& file, WriteOptions const& options);
 
-/// True for the matrix that moves nothing.
-bool IsIdentity(CMatrix3x3 const& m);
-
 /// Warns if the distance is above the tolerance, unless that is 0.
 void TellDistance(std::string const& file, std::string const& id, double distance,
                   double tolerance);
@@ -69,9 +67,6 @@ void TellDistance(std::string const& file, std::string const& id, double distanc
 /// Returns the matrix that undoes `m`. Throws an Error that names the outline when `m` cannot
 /// be undone, because it presses everything into a line.
 CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline);
-
-/// Returns a path of the drawing's coordinates in other coordinates.
-CPath Moved(CPath path, CMatrix3x3 const& m);
 
 /// Gives the outline's element another form, which is in the drawing's coordinates.
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path);
