@@ -17,7 +17,7 @@ namespace tool {
 namespace {
 
 /// The greatest depth of parentheses.
-constexpr int kMostLevels = 32;
+constexpr int kMostBrackets = 32;
 
 constexpr std::string_view kFunctions[] = {"calc", "min", "max", "clamp"};
 
@@ -57,7 +57,7 @@ public:
         bool const known =
             (name.empty() && level > 0) ||
             std::find(std::begin(kFunctions), std::end(kFunctions), name) != std::end(kFunctions);
-        if (!known || level >= kMostLevels || !mScanner.Take('(')) {
+        if (!known || level >= kMostBrackets || !mScanner.Take('(')) {
             throw TextError(begin, "found '" + name + "', expected a length, a number or '('");
         }
         std::vector<CssValue> const arguments = Arguments(level + 1);

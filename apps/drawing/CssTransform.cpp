@@ -68,7 +68,7 @@ struct Function {
     CMatrix3x3 (*make)(Numbers const& n);
 };
 
-constexpr Function kTransforms[] = {
+constexpr Function kPlaneFunctions[] = {
     {"matrix", "nnnnnn", 6,
      [](Numbers const& n) { return CMatrix3x3(n[0], n[1], n[2], n[3], n[4], n[5], 0); }},
     {"matrix3d", "nnnnnnnnnnnnnnnn", 16, InPlane},
@@ -96,9 +96,9 @@ CMatrix3x3 ReadFunction(Scanner& scanner, LengthUnits const& units) {
         name += "3" + std::string(scanner.Word());
     }
     auto const* const function =
-        std::find_if(std::begin(kTransforms), std::end(kTransforms),
+        std::find_if(std::begin(kPlaneFunctions), std::end(kPlaneFunctions),
                      [&name](Function const& known) { return AsciiLower(name) == known.name; });
-    if (function == std::end(kTransforms) || !scanner.Take('(')) {
+    if (function == std::end(kPlaneFunctions) || !scanner.Take('(')) {
         throw TextError(begin, "'" + name + "' is no function of transforms that is read here");
     }
     Numbers n;
