@@ -92,8 +92,8 @@ double LosslessPolar(double s0, double s1, double s2, double a, double b) {
     return sum.Value();
 }
 
-/// Returns the polar form of a derivative with control points `s`, which is its value where a and b
-/// are equal. Near a cusp its terms cancel, and what is left has to tell the direction.
+/// Returns the polar form of a derivative with control points `s`. Where a and b are equal, that is
+/// the derivative itself. Its terms cancel near a cusp. Their small sum has to tell the direction.
 Pt PolarOf(std::array<Pt, 3> const& s, double a, double b) {
     Pt const d0 = s[0] + (s[1] - s[0]) * a;
     Pt const d1 = s[1] + (s[2] - s[1]) * a;

@@ -39,8 +39,8 @@ double AppendGrown(CPath const& region, double blur, double distance,
 /// Appends the parts of what a region gains when it grows by a distance, or of what it loses when
 /// it shrinks by a negative one. Returns the distance that they keep.
 ///
-/// A part lies between a few segments of the border and what is at the distance from them. For the
-/// rest this is as StrokeParts(), and the parameters are those of AppendGrown().
+/// A part lies between a few segments of the border and their side at the distance. Otherwise the
+/// function does what StrokeParts() does. The parameters are those of AppendGrown().
 double BorderParts(CPath const& region, double blur, double distance,
                    trammel::StrokeStyle const& border, double tolerance, std::vector<CPath>& parts);
 

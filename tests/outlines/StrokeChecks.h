@@ -60,6 +60,21 @@ inline TPoint<double> NearBorder(trammel::OutlineMeasure const& measure, double 
                                (radius / nearest.distance * (dice.Coin() ? 1.0 + off : 1.0 - off));
 }
 
+/// Returns points within `reach` of a path's control points, and twice as many near the line.
+inline std::vector<TPoint<double>> PointsToJudge(CPath const& path, double reach,
+                                                 trammel::OutlineMeasure const& line, double radius,
+                                                 int count, Dice& dice) {
+    std::vector<TPoint<double>> points;
+    points.reserve(static_cast<std::size_t>(count));
+    for (int k = 0; k < count; ++k) {
+        points.push_back(k % 3 == 0 ? path.mPts[static_cast<std::size_t>(
+                                          dice.Below(static_cast<int>(path.mPts.size())))] +
+                                          dice.Point() * reach
+                                    : NearBorder(line, radius, dice));
+    }
+    return points;
+}
+
 /// Returns the dashes of a path, by lengths along each subpath. `from` is where the first one
 /// begins, 0 or less.
 inline CPath DashesOf(CPath const& path, double dash, double step, double from) {
@@ -163,14 +178,8 @@ inline void ExpectSideOfBorder(CPath const& region, trammel::FillRule rule, doub
     OutlineJudge const judge(out);
     OutlineJudge const before(plain);
     trammel::OutlineMeasure const line(plain);
-    std::vector<TPoint<double>> points;
-    points.reserve(15);
-    for (int k = 0; k < 15; ++k) {
-        points.push_back(k % 3 == 0 ? region.mPts[static_cast<std::size_t>(
-                                          dice.Below(static_cast<int>(region.mPts.size())))] +
-                                          dice.Point() * (2.0 * std::abs(distance))
-                                    : NearBorder(line, std::abs(distance), dice));
-    }
+    std::vector<TPoint<double>> points =
+        PointsToJudge(region, 2.0 * std::abs(distance), line, std::abs(distance), 15, dice);
     std::mt19937 random(static_cast<unsigned>(number));
     judge.ForBeside(random, 1, 1.5 * kept, [&](TPoint<double> const& p) { points.push_back(p); });
     for (TPoint<double> const& p : points) {
@@ -197,14 +206,8 @@ inline void ExpectSweep(CPath const& path, trammel::StrokeStyle const& style, do
     StrokeJudge const ideal(path, style);
     OutlineJudge const judge(out);
     trammel::OutlineMeasure const line(path);
-    std::vector<TPoint<double>> points;
-    points.reserve(30);
-    for (int k = 0; k < 30; ++k) {
-        points.push_back(k % 3 == 0 ? path.mPts[static_cast<std::size_t>(
-                                          dice.Below(static_cast<int>(path.mPts.size())))] +
-                                          dice.Point() * (2.0 * style.width)
-                                    : NearBorder(line, 0.5 * style.width, dice));
-    }
+    std::vector<TPoint<double>> points =
+        PointsToJudge(path, 2.0 * style.width, line, 0.5 * style.width, 30, dice);
     std::mt19937 random(static_cast<unsigned>(number));
     judge.ForBeside(random, 1, 1.5 * kept, [&](TPoint<double> const& p) { points.push_back(p); });
     for (TPoint<double> const& p : points) {
