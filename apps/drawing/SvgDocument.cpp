@@ -4,6 +4,7 @@
 
 #include "Ascii.h"
 #include "Error.h"
+#include "Warning.h"
 
 #include <algorithm>
 #include <utility>
@@ -66,6 +67,24 @@ private:
     std::size_t mGrowth = 0;
 };
 
+/// Finds names that an element gives to two attributes, of which the parser makes two.
+class RepeatedNames {
+public:
+    /// Returns a name that two attributes of the element have; empty when there is none.
+    std::string_view In(pugi::xml_node element) {
+        mNames.clear();
+        for (pugi::xml_attribute const attribute : element.attributes()) {
+            mNames.emplace_back(attribute.name());
+        }
+        std::sort(mNames.begin(), mNames.end());
+        auto const first = std::adjacent_find(mNames.begin(), mNames.end());
+        return first != mNames.end() ? *first : std::string_view();
+    }
+
+private:
+    std::vector<std::string_view> mNames;
+};
+
 } // namespace
 
 pugi::xml_attribute LinkOf(pugi::xml_node element) {
@@ -78,8 +97,13 @@ SvgDocument::SvgDocument(std::string const& file, std::string text, Encoding enc
     for (std::size_t i = mText.find('\n'); i != std::string::npos; i = mText.find('\n', i + 1)) {
         mLineEnds.push_back(i);
     }
-    pugi::xml_parse_result const result =
-        mTree.load_buffer(mText.data(), mText.size(), pugi::parse_default, pugi::encoding_utf8);
+    pugi::xml_parse_result result =
+        mTree.load_buffer(mText.data(), mText.size(), pugi::parse_default | pugi::parse_fragment,
+                          pugi::encoding_utf8);
+    if (result && !Root()) { // a fragment needs none
+        result.status = pugi::status_no_document_element;
+        result.offset = static_cast<std::ptrdiff_t>(mText.size());
+    }
     if (!result) {
         std::size_t const offset = std::min(
             static_cast<std::size_t>(std::max<std::ptrdiff_t>(result.offset, 0)), mText.size());
@@ -92,7 +116,9 @@ SvgDocument::SvgDocument(std::string const& file, std::string text, Encoding enc
     if (name.substr(mRootPrefix.size()) != "svg") {
         throw Error(mFile, Place(Root()), "is no SVG drawing: its outermost element must be <svg>");
     }
+    WarnOfContentOutside();
     Entities entities(mText);
+    RepeatedNames repeated;
     // The walk goes from node to node, because the nesting may be deeper than the stack.
     pugi::xml_node node = mTree.first_child();
     while (node) {
@@ -104,6 +130,10 @@ SvgDocument::SvgDocument(std::string const& file, std::string text, Encoding enc
         }
         if (node.type() == pugi::node_element) {
             mElements.push_back(node);
+            if (std::string_view const twice = repeated.In(node); !twice.empty()) {
+                Warn(mFile, Place(node),
+                     "has two attributes " + std::string(twice) + ", of which the first counts");
+            }
         }
         if (pugi::xml_attribute const id = node.attribute("id")) {
             mIds.emplace(id.value(), node);
@@ -116,6 +146,21 @@ SvgDocument::SvgDocument(std::string const& file, std::string text, Encoding enc
             node = node.parent();
         }
         node = node.next_sibling();
+    }
+}
+
+void SvgDocument::WarnOfContentOutside() const {
+    for (pugi::xml_node const node : mTree.children()) {
+        bool const isElement = node.type() == pugi::node_element;
+        bool const isText = node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata;
+        if ((isElement && node != Root()) || isText) {
+            auto const begin =
+                static_cast<std::size_t>(std::max<std::ptrdiff_t>(node.offset_debug(), 0));
+            std::string const place =
+                isElement ? Place(node) : LineAndColumn(mText.find_first_not_of(kXmlSpaces, begin));
+            Warn(mFile, place, "lies outside of the outermost element and is left out");
+            return;
+        }
     }
 }
 

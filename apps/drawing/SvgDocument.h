@@ -24,7 +24,8 @@ pugi::xml_attribute LinkOf(pugi::xml_node element);
 /// A file's text and its elements.
 class SvgDocument {
 public:
-    /// Parses the text of a file. Throws Error unless it is a well-formed SVG document.
+    /// Parses the text of a file. Throws Error unless it is a well-formed SVG document. Warns of
+    /// attributes that an element has twice, and of the first content beside the outermost element.
     /// \param text  in UTF-8
     /// \param encoding  of the file
     SvgDocument(std::string const& file, std::string text, Encoding encoding);
@@ -59,6 +60,8 @@ public:
     std::string Place(pugi::xml_node element) const;
 
 private:
+    void WarnOfContentOutside() const;
+
     std::string mFile;
     std::string mText;
     Encoding mEncoding;

@@ -105,6 +105,11 @@ class ManyFiles(AppTest):
         self.fails("measure", "--files-from", self.path("none"), names=["none", "No such file"])
         self.fails("measure", "--files-from", self.folder, names=[self.folder])
 
+    def test_a_list_of_names_that_end_with_nul_needs_the_option(self):
+        listed = self.write("list", self.a + "\0" + self.b + "\0")
+        self.fails("measure", "--files-from", listed, names=[listed, "NUL", "--null"])
+        self.assertIn("2 files", self.run_text("measure", "--files-from", listed, "--null"))
+
     def test_output_comes_file_by_file(self):
         process = subprocess.Popen([PROGRAM, "measure", "--files-from", "-"],
                                    stdin=subprocess.PIPE, stdout=subprocess.PIPE)

@@ -227,6 +227,19 @@ class BadInput(AppTest):
         self.bad("<!-- nothing -->", "XML")
         self.bad("<html/>", "line 1, column 1", "<html>")
 
+    def test_content_beside_the_outermost_element_is_told(self):
+        for content, place in ((SQUARE + " more", "line 4, column 2:"),
+                               (SQUARE + "\n" + SQUARE, "line 5, column 1, <svg>"),
+                               (SQUARE + "\n\n<g id='x'/>", "line 6, column 1, <g id=\"x\">")):
+            with self.subTest(content):
+                self.skipped(content, place, "lies outside of the outermost element")
+        self.assertIn("1 outline,", self.run_text("measure", "-q", self.path("bad.svg")))
+
+    def test_an_attribute_that_an_element_has_twice_is_told(self):
+        self.skipped(svg('<path id="p" d="M0 0H3" id="q" d="M0 0H5"/>'), '<path id="p">',
+                     "has two attributes d, of which the first counts")
+        self.assertIn("length 3,", self.run_text("measure", "-q", self.path("bad.svg")))
+
     def test_errors_name_line_column_and_position(self):
         self.skipped(svg('<rect width="1" height="1"/>\n  <path id="p" d="M0 0L1"/>'),
                  'line 3, column 3, <path id="p">: attribute d, position 6:', "number")

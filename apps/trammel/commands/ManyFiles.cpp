@@ -61,6 +61,9 @@ public:
             if (!mSources.null && !name.empty() && name.back() == '\r') {
                 name.pop_back();
             }
+            if (name.find('\0') != std::string::npos) {
+                throw Error(mSources.filesFrom, "", "has names that end with NUL: give --null");
+            }
             if (!name.empty()) {
                 return name;
             }
