@@ -252,6 +252,13 @@ class Shapes(AppTest):
         self.assertEqual(self.path_data("again.svg"), {"a": "M0 0H9V9Z", "l": "M5 0H0"})
         self.run_text("reverse", file, "--precision", "2", "--zoom", "2", "-o", self.path("out.png"))
 
+    def test_a_transform_that_is_undone_leaves_no_noise_in_the_coordinates(self):
+        body = ('<g transform="matrix(.99744 0 0 1 -962.49 -164)"><g transform="translate(-.041 -7)">'
+                '<path id="a" d="m965.5 173.5h10l4 4h-10l-4-4z"/></g></g>')
+        file = self.write("in.svg", svg(body))
+        self.run_text("reverse", file, "-o", self.path("out.svg"))
+        self.assertEqual(self.path_data("out.svg"), {"a": "M965.5 173.5l4 4h10l-4-4h-10Z"})
+
     MARKERS = ('<marker id="dot"/><marker id="tick" orient="45"/><marker id="to" orient="auto"/>'
                '<marker id="ends" orient="auto-start-reverse"/>')
 

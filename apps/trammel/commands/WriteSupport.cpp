@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -22,6 +23,9 @@ namespace {
 
 /// Lengths that differ by no more, beside their size, are the same within rounding.
 constexpr double kSameLength = 1e-9;
+
+/// What rounding changes, beside their size, of coordinates that go through a matrix and back.
+constexpr double kUndoneRounding = 0x1p-51;
 
 /// Returns the number of an option, which must be above 0; 0 when the option is missing.
 double Positive(std::string const& option, std::string const& text) {
@@ -52,6 +56,27 @@ std::optional<Colour> ColourOf(std::string const& option, std::string const& tex
         return static_cast<std::uint8_t>(std::stoi(hex.substr(i, 2), nullptr, 16));
     };
     return Colour{part(1), part(3), part(5)};
+}
+
+/// Returns how many decimals the coordinates have that rounding leaves alone when a path goes
+/// through a matrix and back. The others are noise: 10 would come back as 9.9999999999999. Returns
+/// nothing where a double has no such decimals, in drawings that are very small or very large.
+/// \param path  behind the matrix `there`, which `back` undoes
+std::optional<int> DecimalsOfUndone(CPath const& path, CMatrix3x3 const& there,
+                                    CMatrix3x3 const& back) {
+    double h = 0.0;
+    double v = 0.0;
+    for (TPoint<double> const& p : path.mPts) {
+        h = std::max(h, std::abs(p.h));
+        v = std::max(v, std::abs(p.v));
+    }
+    h += std::abs(there.tx);
+    v += std::abs(there.ty);
+    double const most = std::max(std::abs(back.a) * h + std::abs(back.c) * v + std::abs(back.tx),
+                                 std::abs(back.b) * h + std::abs(back.d) * v + std::abs(back.ty));
+    double const decimals = std::floor(-std::log10(kUndoneRounding * most));
+    bool const exact = decimals >= 0.0 && decimals <= std::numeric_limits<double>::digits10;
+    return exact ? std::optional<int>(static_cast<int>(decimals)) : std::nullopt;
 }
 
 } // namespace
@@ -170,8 +195,11 @@ CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& ou
 }
 
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {
-    edit.SetPath(outline.source.element,
-                 Moved(std::move(path), Undone(outline.source.toDrawing, drawing, outline)));
+    CMatrix3x3 const& toDrawing = outline.source.toDrawing;
+    CMatrix3x3 const inverse = Undone(toDrawing, drawing, outline);
+    std::optional<int> const decimals =
+        IsIdentity(toDrawing) ? std::nullopt : DecimalsOfUndone(path, toDrawing, inverse);
+    edit.SetPath(outline.source.element, Rounded(Moved(std::move(path), inverse), decimals));
 }
 
 void KeepDashes(SvgEdit& edit, Outline const& outline, CPath const& path) {
