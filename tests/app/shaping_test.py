@@ -259,6 +259,16 @@ class Shapes(AppTest):
         self.run_text("reverse", file, "-o", self.path("out.svg"))
         self.assertEqual(self.path_data("out.svg"), {"a": "M965.5 173.5l4 4h10l-4-4h-10Z"})
 
+    def test_parts_of_transformed_paths_have_no_noise_in_their_coordinates(self):
+        body = ('<g transform="matrix(.99744 0 0 1 -962.49 -164)"><g transform="translate(-.041 -7)">'
+                '<path d="m965.5 173.5h10l4 4h-10z"/><path d="M967 170h2v6h-2z"/></g></g>')
+        file = self.write("in.svg", svg(body))
+        self.run_text("divide", file, "-o", self.path("out.svg"))
+        self.assertEqual(sorted(re.findall(r' d="([^"]*)"', self.read("out.svg").decode())),
+                         ["M965.5 173.5H967V175Z", "M967 173.5V170h2v3.5Z",
+                          "M967 173.5h2V176h-1l-1-1Z", "M968 176h-1v-1Z",
+                          "M969 173.5h6.5l4 4h-10L968 176h1Z"])
+
     MARKERS = ('<marker id="dot"/><marker id="tick" orient="45"/><marker id="to" orient="auto"/>'
                '<marker id="ends" orient="auto-start-reverse"/>')
 

@@ -140,7 +140,7 @@ std::string Merged(CombineOptions const& options, Drawing const& drawing,
         Outline const& first = drawing.outlines.front();
         edit.InsertPath(first.source.placed,
                         {options.operation, "", "fill:" + first.fill + ";stroke:" + first.stroke},
-                        Moved(result, Undone(first.source.beside, drawing, first)));
+                        MovedBack(result, first.source.beside, drawing, first));
     }
     return edit.Text();
 }

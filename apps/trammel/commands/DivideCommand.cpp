@@ -250,12 +250,12 @@ private:
         if (mClipped.count(element) != 0) {
             edit.SetProperty(element, Property::kClipPath, "none"); // the parts are what it shows
         }
-        CMatrix3x3 const own = Undone(outline.source.toDrawing, mDrawing, outline);
         KeepLook(edit, i);
         for (std::size_t k = 1; k < mParts[i].size(); ++k) {
-            edit.InsertCopy(element, SvgEdit::Side::kAfter, outline.id, Moved(mParts[i][k], own));
+            edit.InsertCopy(element, SvgEdit::Side::kAfter, outline.id,
+                            MovedBack(mParts[i][k], outline.source.toDrawing, mDrawing, outline));
         }
-        edit.SetPath(element, Moved(mParts[i].front(), own));
+        SetPath(edit, mDrawing, outline, mParts[i].front());
     }
 
     /// Parts have other bounds and lengths than the whole, on which paints and dashes may depend.
@@ -361,7 +361,8 @@ private:
         std::replace(id.begin(), id.end(), '/', '-');
         std::replace(id.begin(), id.end(), '#', '-');
         for (CPath const& part : PartsOf(i)) {
-            edit.InsertPath(outline.source.placed, {id, name, style}, Moved(part, beside));
+            edit.InsertPath(outline.source.placed, {id, name, style},
+                            MovedBack(part, outline.source.beside, mDrawing, outline));
         }
     }
 

@@ -49,7 +49,7 @@ std::string Hatched(HatchOptions const& options, Drawing const& drawing,
                                   ";stroke-width:" + Exact(width / MeanStretch(source.beside)) +
                                   ";stroke-linecap:round;stroke-dasharray:none";
         edit.InsertPath(source.placed, {outline.id, "", style},
-                        Moved(outline.path, Undone(source.beside, drawing, outline)));
+                        MovedBack(outline.path, source.beside, drawing, outline));
     }
     if (!options.outlines) {
         for (Outline const* const outline : OnePerElement(drawing)) {

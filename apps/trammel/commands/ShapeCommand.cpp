@@ -96,14 +96,13 @@ std::string Added(ShapeOptions const& options, Outline const& shape) {
         throw Error("--set-id", "'" + options.id + "'", "is an element of " + options.into);
     }
     CMatrix3x3 const& root = drawing.rootTransform;
-    CMatrix3x3 const inverse = Undone(root, drawing, shape);
     double const scale = MeanStretch(root);
     Page const page = LinePicture(drawing.page, {shape}).page;
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     edit.AppendPath(
         {shape.id, "",
          "fill:none;stroke:#000000;stroke-width:" + Exact(LineWidth(options.write, page) / scale)},
-        Moved(shape.path, inverse));
+        MovedBack(shape.path, root, drawing, shape));
     return SvgBytes(edit.Text(), options.write.output);
 }
 

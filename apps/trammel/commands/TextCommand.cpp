@@ -45,13 +45,12 @@ double FittingSize(Font const& font, std::string const& words, double length) {
 std::string Lettered(TextOptions const& options, Drawing const& drawing,
                      std::vector<Outline> const& glyphs) {
     Outline const& along = drawing.outlines.front();
-    CMatrix3x3 const back = Undone(along.source.beside, drawing, along);
     std::string const paint = along.stroke == "none" ? "black" : along.stroke;
     SvgEdit edit(drawing.document, DigitsOf(options.write));
     for (Outline const& glyph : glyphs) {
         edit.InsertPath(along.source.placed,
                         {glyph.id, "", "fill:" + paint + ";fill-rule:nonzero;stroke:none"},
-                        Moved(glyph.path, back));
+                        MovedBack(glyph.path, along.source.beside, drawing, along));
     }
     return edit.Text();
 }

@@ -24,8 +24,8 @@ namespace {
 /// Lengths that differ by no more, beside their size, are the same within rounding.
 constexpr double kSameLength = 1e-9;
 
-/// What rounding changes, beside their size, of coordinates that go through a matrix and back.
-constexpr double kUndoneRounding = 0x1p-51;
+/// What a coordinate that goes through a matrix and back may be off by, beside its size.
+constexpr double kUndoneRounding = 0x1p-52;
 
 /// Returns the number of an option, which must be above 0; 0 when the option is missing.
 double Positive(std::string const& option, std::string const& text) {
@@ -64,17 +64,12 @@ std::optional<Colour> ColourOf(std::string const& option, std::string const& tex
 /// \param path  behind the matrix `there`, which `back` undoes
 std::optional<int> DecimalsOfUndone(CPath const& path, CMatrix3x3 const& there,
                                     CMatrix3x3 const& back) {
-    double h = 0.0;
-    double v = 0.0;
-    for (TPoint<double> const& p : path.mPts) {
-        h = std::max(h, std::abs(p.h));
-        v = std::max(v, std::abs(p.v));
-    }
-    h += std::abs(there.tx);
-    v += std::abs(there.ty);
+    TRect<double> const bounds = ControlBounds(path);
+    double const h = std::max(std::abs(bounds.left), std::abs(bounds.right)) + std::abs(there.tx);
+    double const v = std::max(std::abs(bounds.top), std::abs(bounds.bottom)) + std::abs(there.ty);
     double const most = std::max(std::abs(back.a) * h + std::abs(back.c) * v + std::abs(back.tx),
                                  std::abs(back.b) * h + std::abs(back.d) * v + std::abs(back.ty));
-    double const decimals = std::floor(-std::log10(kUndoneRounding * most));
+    double const decimals = -std::round(std::log10(DigitAccuracy(kUndoneRounding * most)));
     bool const exact = decimals >= 0.0 && decimals <= std::numeric_limits<double>::digits10;
     return exact ? std::optional<int>(static_cast<int>(decimals)) : std::nullopt;
 }
@@ -194,12 +189,16 @@ CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& ou
     return *inverse;
 }
 
-void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {
-    CMatrix3x3 const& toDrawing = outline.source.toDrawing;
-    CMatrix3x3 const inverse = Undone(toDrawing, drawing, outline);
+CPath MovedBack(CPath path, CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline) {
+    CMatrix3x3 const back = Undone(m, drawing, outline);
     std::optional<int> const decimals =
-        IsIdentity(toDrawing) ? std::nullopt : DecimalsOfUndone(path, toDrawing, inverse);
-    edit.SetPath(outline.source.element, Rounded(Moved(std::move(path), inverse), decimals));
+        IsIdentity(m) ? std::nullopt : DecimalsOfUndone(path, m, back);
+    return Rounded(Moved(std::move(path), back), decimals);
+}
+
+void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path) {
+    edit.SetPath(outline.source.element,
+                 MovedBack(std::move(path), outline.source.toDrawing, drawing, outline));
 }
 
 void KeepDashes(SvgEdit& edit, Outline const& outline, CPath const& path) {

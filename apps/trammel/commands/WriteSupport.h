@@ -68,6 +68,10 @@ void TellDistance(std::string const& file, std::string const& id, double distanc
 /// be undone, because it presses everything into a line.
 CMatrix3x3 Undone(CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline);
 
+/// Returns the path, which is behind the matrix `m`, as it is before it. The digits that only the
+/// rounding of the way there and back makes are not in it. Throws as Undone does.
+CPath MovedBack(CPath path, CMatrix3x3 const& m, Drawing const& drawing, Outline const& outline);
+
 /// Gives the outline's element another form, which is in the drawing's coordinates.
 void SetPath(SvgEdit& edit, Drawing const& drawing, Outline const& outline, CPath path);
 
